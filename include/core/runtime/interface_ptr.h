@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/unknown.h>
+
+#include <concepts>
+#include <cstddef>
+#include <type_traits>
+#include <utility>
+
+namespace core {
+
+template <class T>
+concept Interface = requires {
+    { T::IID } -> std::convertible_to<const GUID&>;
+}
+&&std::derived_from<T, IUnknown>;
+
+/// The counting policy of interface objects, and the conversion between interface types.
+template <class T>
+struct ComRefcount {
+    static void acquire(T* object) noexcept { object->AddRef(); }
+    static void release(T* object) noexcept { object->Release(); }
+
+    /// The interface `T` of an object with a reference of its own, or null when the object has none or is
+    /// null.
+    [[nodiscard]] static T* cast(IUnknown* object) noexcept requires Interface<T> {
+        void* answer = nullptr;
+        if (object != nullptr)
+            object->QueryInterface(T::IID, &answer);
+        return static_cast<T*>(answer);
+    }
+};
+
+/// Holds one counted reference to an interface, or null. Copies count; moves and borrowed pointers do not.
+/// Building it from a pointer to a different interface queries the object and gives null when it has no `T`.
+template <class T>
+class InterfacePtr {
+  public:
+    InterfacePtr() = default;
+    InterfacePtr(std::nullptr_t) noexcept {}
+    InterfacePtr(T* object) noexcept : object_(object) {
+        if (object_ != nullptr)
+            object_->AddRef();
+    }
+    InterfacePtr(const InterfacePtr& other) noexcept : InterfacePtr(other.object_) {}
+    InterfacePtr(InterfacePtr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+
+    /// From an interface that derives from `T`: no query is needed.
+    template <class U>
+    requires(!std::same_as<U, T> && std::convertible_to<U*, T*>) InterfacePtr(U* object)
+    noexcept : InterfacePtr(static_cast<T*>(object)) {}
+    /// From any other interface: queries for `T`.
+    template <class U>
+    requires(!std::convertible_to<U*, T*> &&
+             std::derived_from<U, IUnknown>) explicit InterfacePtr(U* object) noexcept
+        : object_(ComRefcount<T>::cast(object)) {}
+    template <class U>
+    requires(!std::same_as<U, T> && std::convertible_to<U*, T*>) InterfacePtr(const InterfacePtr<U>& other)
+    noexcept : InterfacePtr(static_cast<T*>(other.get())) {}
+    template <class U>
+    requires(!std::convertible_to<U*, T*>) explicit InterfacePtr(const InterfacePtr<U>& other) noexcept
+        : InterfacePtr(other.get()) {}
+
+    ~InterfacePtr() {
+        if (object_ != nullptr)
+            object_->Release();
+    }
+
+    InterfacePtr& operator=(InterfacePtr other) noexcept {
+        std::swap(object_, other.object_);
+        return *this;
+    }
+
+    /// Takes over a reference that the caller owns.
+    [[nodiscard]] static InterfacePtr adopt(T* object) noexcept {
+        InterfacePtr result;
+        result.object_ = object;
+        return result;
+    }
+
+    // modify
+    void reset() noexcept { *this = InterfacePtr(); }
+    /// Hands the reference to the caller, who now owes a Release.
+    [[nodiscard]] T* detach() noexcept { return std::exchange(object_, nullptr); }
+    friend void swap(InterfacePtr& a, InterfacePtr& b) noexcept { std::swap(a.object_, b.object_); }
+
+    // inspect
+    [[nodiscard]] T* get() const noexcept { return object_; }
+    T* operator->() const noexcept { return object_; }
+    T& operator*() const noexcept { return *object_; }
+    explicit operator bool() const noexcept { return object_ != nullptr; }
+    friend bool operator==(const InterfacePtr& a, const InterfacePtr& b) noexcept {
+        return a.object_ == b.object_;
+    }
+    friend bool operator==(const InterfacePtr& a, const T* b) noexcept { return a.object_ == b; }
+
+    // query
+    /// The same object through another interface, or null.
+    template <class U>
+    [[nodiscard]] InterfacePtr<U> query() const noexcept {
+        return InterfacePtr<U>(object_);
+    }
+
+  private:
+    T* object_ = nullptr;
+};
+
+} // namespace core

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/api.h>
+#include <core/runtime/guid.h>
+
+#include <cstddef>
+#include <span>
+
+namespace core {
+
+/// The library's one source of randomness. A program or a test can put its own in its place.
+class CORE_API RandomSource {
+  public:
+    virtual ~RandomSource();
+    virtual void fill(std::span<std::byte> bytes) = 0;
+};
+
+/// The source in use: the system's, unless replaced.
+[[nodiscard]] CORE_API RandomSource& current_random() noexcept;
+/// Puts `source` (not owned; null restores the system's) in place and returns the one before, null for the
+/// system's.
+CORE_API RandomSource* replace_random(RandomSource* source) noexcept;
+
+/// A new random id (version 4).
+[[nodiscard]] CORE_API GUID new_guid();
+
+} // namespace core

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/api.h>
+#include <core/runtime/types.h>
+
+#include <string>
+#include <string_view>
+
+namespace core {
+
+/// UTF-8 to UTF-16 and back. What is not well-formed (a lone surrogate, a broken sequence) becomes U+FFFD.
+[[nodiscard]] CORE_API std::string to_utf8(wstring_view text);
+[[nodiscard]] CORE_API wstring from_utf8(std::string_view text);
+
+} // namespace core
