@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/dates/time_zone.h"
+
+#include <core/dates/date.h>
+#include <core/runtime/clock.h>
+#include <core/runtime/settings.h>
+
+#include <chrono>
+
+namespace core {
+namespace {
+
+constexpr Date kUnixEpoch(1970, 1, 1);
+
+constexpr std::int64_t kTicksPerMillisecond = kTicksPerSecond / 1000;
+
+/// Rounded down on both sides of the epoch.
+std::int64_t unix_milliseconds(Date date) noexcept {
+    return static_cast<std::int64_t>(date.ticks() / kTicksPerMillisecond) -
+           static_cast<std::int64_t>(kUnixEpoch.ticks() / kTicksPerMillisecond);
+}
+
+DateSpan to_span(std::chrono::milliseconds offset) noexcept {
+    return DateSpan(offset.count() * kTicksPerMillisecond);
+}
+
+} // namespace
+
+Date Date::getCurrentDate() {
+    // Whole seconds, so that a current date survives both text forms.
+    const auto now = std::chrono::floor<std::chrono::seconds>(current_clock().now().time_since_epoch());
+    return (kUnixEpoch + DateSpan(now.count() * kTicksPerSecond)).toLocalTime();
+}
+
+Date Date::begOfWeek() const noexcept {
+    return begOfWeek(current_settings().firstDayOfWeek);
+}
+
+Date Date::endOfWeek() const noexcept {
+    return endOfWeek(current_settings().firstDayOfWeek);
+}
+
+Date Date::toLocalTime() const {
+    return toLocalTime(current_settings().timeZone);
+}
+
+Date Date::toUniversalTime() const {
+    return toUniversalTime(current_settings().timeZone);
+}
+
+Date Date::toLocalTime(const std::string& zone) const {
+    if (isEmpty() || !isInRange())
+        return *this;
+    return *this + to_span(time_zone(zone).offsetAtUniversal(unix_milliseconds(*this)));
+}
+
+Date Date::toUniversalTime(const std::string& zone) const {
+    if (isEmpty() || !isInRange())
+        return *this;
+    return *this - to_span(time_zone(zone).offsetAtLocal(unix_milliseconds(*this)));
+}
+
+} // namespace core

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// Dates: a moment of the calendar as one count of ticks, its parts, periods, time zones and texts.
+#include <core/dates/calendar.h>
+#include <core/dates/date.h>
+#include <core/dates/date_span.h>
