@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/dates/date.h>
-
-#include <unicode/uchar.h>
+#include <core/strings/char_class.h>
 
 #include <array>
 #include <cstring>
@@ -46,21 +45,13 @@ Char* write(Date date, Char* out) noexcept {
     return out;
 }
 
-template <class Char>
-bool is_blank(Char c) noexcept {
-    if constexpr (sizeof(Char) == 1)
-        return static_cast<unsigned char>(c) < 0x80 && u_isspace(c) != 0;
-    else
-        return u_isspace(c) != 0;
-}
-
 template <Form form, class Char>
 Date read(std::basic_string_view<Char> text, const Char** end) noexcept {
     const Char* at = text.data();
     const Char* const last = at + text.size();
     if (end != nullptr)
         *end = at;
-    while (at != last && is_blank(*at))
+    while (at != last && is_space(*at))
         ++at;
     constexpr std::ptrdiff_t kLength = form == Form::xml ? Date::kXMLTextLength : Date::kTextLength;
     if (last - at < kLength)
@@ -141,7 +132,7 @@ bool Date::fromStream(wistream& stream) {
         const auto next = buffer->sgetc();
         return Traits::eq_int_type(next, Traits::eof()) ? u'\0' : Traits::to_char_type(next);
     };
-    while (is_blank(peek()))
+    while (is_space(peek()))
         buffer->sbumpc();
     wchar text[kTextLength];
     for (wchar& digit : text) {
