@@ -1,11 +1,37 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/runtime/error.h>
+#include <core/runtime/library.h>
 #include <core/runtime/utf8.h>
 
-namespace core {
+#include <unicode/msgfmt.h>
 
-wstring message_text(const char* id, std::initializer_list<wstring>) {
-    return id != nullptr ? from_utf8(id) : wstring();
+#include <vector>
+
+namespace core {
+namespace {
+
+wstring fill_in(const wstring& pattern, std::initializer_list<wstring> params) {
+    std::vector<icu::Formattable> values;
+    values.reserve(params.size());
+    for (const wstring& param : params)
+        values.emplace_back(icu::UnicodeString(param.data(), static_cast<std::int32_t>(param.size())));
+    UErrorCode status = U_ZERO_ERROR;
+    icu::UnicodeString text;
+    icu::MessageFormat::format(icu::UnicodeString(pattern.data(), static_cast<std::int32_t>(pattern.size())),
+                               values.data(), static_cast<std::int32_t>(values.size()), text, status);
+    return U_SUCCESS(status) ? wstring(text.getBuffer(), static_cast<std::size_t>(text.length())) : pattern;
+}
+
+} // namespace
+
+wstring message_text(const char* id, std::initializer_list<wstring> params) {
+    const wstring pattern = load_wstring(&core_module().resourceBundle(), id);
+    if (!pattern.empty())
+        return params.size() == 0 ? pattern : fill_in(pattern, params);
+    wstring text = id != nullptr ? from_utf8(id) : wstring();
+    for (const wstring& param : params)
+        text += u' ' + param;
+    return text;
 }
 
 } // namespace core

@@ -62,7 +62,7 @@ consteval GUID operator""_guid(const char* text, std::size_t length) {
                 throw "the groups of an id are separated by hyphens";
             continue;
         }
-        bytes[nibble / 2] = static_cast<std::uint8_t>(bytes[nibble / 2] << 4 | detail::hex_nibble(text[i]));
+        bytes[nibble / 2] = static_cast<std::uint8_t>(bytes[nibble / 2] * 16U + detail::hex_nibble(text[i]));
         ++nibble;
     }
     GUID id;

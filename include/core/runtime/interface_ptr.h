@@ -16,6 +16,15 @@ concept Interface = requires {
 }
 &&std::derived_from<T, IUnknown>;
 
+namespace detail {
+
+/// A pointer that converts by itself. IUnknown is left out: which of an object's pointers stands for its
+/// identity is for the object to say.
+template <class U, class T>
+concept IsUpcast = std::same_as<U, T> ||(std::convertible_to<U*, T*> && !std::same_as<T, IUnknown>);
+
+} // namespace detail
+
 /// The counting policy of interface objects, and the conversion between interface types.
 template <class T>
 struct ComRefcount {
@@ -48,18 +57,23 @@ class InterfacePtr {
 
     /// From an interface that derives from `T`: no query is needed.
     template <class U>
-    requires(!std::same_as<U, T> && std::convertible_to<U*, T*>) InterfacePtr(U* object)
+    requires(!std::same_as<U, T> && detail::IsUpcast<U, T>) InterfacePtr(U* object)
     noexcept : InterfacePtr(static_cast<T*>(object)) {}
     /// From any other interface: queries for `T`.
     template <class U>
-    requires(!std::convertible_to<U*, T*> &&
-             std::derived_from<U, IUnknown>) explicit InterfacePtr(U* object) noexcept
-        : object_(ComRefcount<T>::cast(object)) {}
+    requires(!detail::IsUpcast<U, T> && requires(U * object, void** out) {
+        object->QueryInterface(T::IID, out);
+    }) explicit InterfacePtr(U* object) noexcept {
+        void* answer = nullptr;
+        if (object != nullptr)
+            object->QueryInterface(T::IID, &answer);
+        object_ = static_cast<T*>(answer);
+    }
     template <class U>
-    requires(!std::same_as<U, T> && std::convertible_to<U*, T*>) InterfacePtr(const InterfacePtr<U>& other)
+    requires(!std::same_as<U, T> && detail::IsUpcast<U, T>) InterfacePtr(const InterfacePtr<U>& other)
     noexcept : InterfacePtr(static_cast<T*>(other.get())) {}
     template <class U>
-    requires(!std::convertible_to<U*, T*>) explicit InterfacePtr(const InterfacePtr<U>& other) noexcept
+    requires(!detail::IsUpcast<U, T>) explicit InterfacePtr(const InterfacePtr<U>& other) noexcept
         : InterfacePtr(other.get()) {}
 
     ~InterfacePtr() {

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/thread_slots.h"
+
+#include <core/runtime/library.h>
+#include <core/runtime/live_counter.h>
+
+#include <unicode/uclean.h>
+
+#include <mutex>
+
+namespace core {
+namespace {
+
+SCOM_ResourceBundle& core_bundle() {
+    static SCOM_ResourceBundle bundle("core");
+    return bundle;
+}
+
+void attach(ModuleHandle handle) {
+    detail::thread_slots.locale.allocate();
+    detail::thread_slots.process.allocate();
+    detail::thread_slots.data.allocate();
+    UErrorCode status = U_ZERO_ERROR;
+    u_init(&status);
+    LeaksCounter::setTerm(u"Objects alive", u"Живые объекты");
+    core_module().init(handle);
+}
+
+void detach() {
+    // Twice on purpose: the texts are closed once for the library and once for its module.
+    core_bundle().cleanup();
+    core_module().term();
+    LeaksCounter::setTerm(nullptr, nullptr);
+    // ICU stays initialised: other users of it in this program hold its data, and attaching again finds it
+    // ready.
+    detail::thread_slots.data.free();
+    detail::thread_slots.process.free();
+    detail::thread_slots.locale.free();
+}
+
+std::mutex& scope_lock() {
+    static std::mutex lock;
+    return lock;
+}
+
+int scopes = 0;
+
+} // namespace
+
+SCOM_Module& core_module() noexcept {
+    static SCOM_Module module(module_class_entries, core_bundle());
+    return module;
+}
+
+bool library_main(ModuleHandle handle, LibraryEvent event) {
+    if (event == LibraryEvent::processAttach)
+        attach(handle);
+    else if (event == LibraryEvent::processDetach)
+        detach();
+    return true;
+}
+
+LibraryScope::LibraryScope() {
+    const std::lock_guard guard(scope_lock());
+    if (scopes++ == 0)
+        library_main(&core_module(), LibraryEvent::processAttach);
+}
+
+LibraryScope::~LibraryScope() {
+    const std::lock_guard guard(scope_lock());
+    if (--scopes == 0)
+        library_main(&core_module(), LibraryEvent::processDetach);
+}
+
+} // namespace core

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/thread_part.h"
+
+#include <mutex>
+#include <new>
+
+namespace core::detail {
+namespace {
+
+std::mutex& parts_lock() {
+    static auto* const lock = new std::mutex; // never destroyed: threads may end after the library's statics
+    return *lock;
+}
+
+constinit ThreadPart* parts = nullptr;
+constinit thread_local ThreadPart* own_part = nullptr;
+constinit thread_local bool ended = false;
+
+/// Gives the thread's part back when the thread ends.
+struct PartOwner {
+    ~PartOwner() {
+        ThreadPart* const part = own_part;
+        ended = true;
+        own_part = nullptr;
+        {
+            const std::lock_guard guard(parts_lock());
+            fold_live_counts(*part);
+            for (ThreadPart** link = &parts; *link != nullptr; link = &(*link)->next) {
+                if (*link == part) {
+                    *link = part->next;
+                    break;
+                }
+            }
+        }
+        for (const ThreadPart::FreeList& list : part->free) {
+            for (ThreadPart::FreeBlock* block = list.first; block != nullptr;) {
+                ThreadPart::FreeBlock* const next = block->next;
+                ::operator delete(block);
+                block = next;
+            }
+        }
+        delete part;
+    }
+};
+
+[[gnu::noinline]] ThreadPart* make_part() noexcept {
+    if (ended)
+        return nullptr;
+    auto* const part = new (std::nothrow) ThreadPart;
+    if (part == nullptr)
+        return nullptr;
+    {
+        const std::lock_guard guard(parts_lock());
+        part->next = parts;
+        parts = part;
+    }
+    own_part = part;
+    thread_local PartOwner owner; // constructed here, destroyed with the thread
+    static_cast<void>(owner);
+    return part;
+}
+
+} // namespace
+
+ThreadPart* thread_part() noexcept {
+    ThreadPart* const part = own_part;
+    return part != nullptr ? part : make_part();
+}
+
+void for_each_thread_part(void (*visit)(const ThreadPart&, void*), void* context) {
+    const std::lock_guard guard(parts_lock());
+    for (const ThreadPart* part = parts; part != nullptr; part = part->next)
+        visit(*part, context);
+}
+
+} // namespace core::detail

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace core::detail {
+
+/// What one thread keeps for the runtime, so that making and destroying objects writes to no memory that
+/// other threads write to: free blocks, its part of the live counts, and how deep it stands in destructors.
+struct ThreadPart {
+    static constexpr std::size_t kGranule = 16;
+    static constexpr std::size_t kSizes = 16;       // blocks of 16, 32, ... 256 bytes
+    static constexpr std::uint32_t kMaxFree = 1024; // blocks kept of one size; more go back to the system
+    static constexpr std::int32_t kMaxCounters =
+        512; // classes counted here; further ones are counted outside
+
+    struct FreeBlock {
+        FreeBlock* next;
+    };
+    struct FreeList {
+        FreeBlock* first = nullptr;
+        std::uint32_t count = 0;
+    };
+    struct Pending {
+        void* object;
+        void (*destroy)(void*) noexcept;
+    };
+
+    std::array<FreeList, kSizes> free;
+    std::array<std::int32_t, kMaxCounters> live{}; // written by this thread only, read by reports
+    std::int32_t destroyDepth = 0;
+    std::vector<Pending> pending;
+    ThreadPart* next = nullptr; // in the list of all parts
+};
+
+/// The calling thread's part; null when it cannot be had any more (the thread is ending) or there is no
+/// memory.
+ThreadPart* thread_part() noexcept;
+
+/// Calls `visit(part)` for the part of every living thread, under the lock that also covers their ends.
+void for_each_thread_part(void (*visit)(const ThreadPart&, void*), void* context);
+
+/// What the counters take from a thread that ends; called with its part, under that lock.
+void fold_live_counts(const ThreadPart& part) noexcept;
+
+} // namespace core::detail

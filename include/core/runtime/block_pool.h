@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/api.h>
+
+#include <cstddef>
+
+namespace core {
+
+/// Memory for small counted objects: per-thread free lists of fixed sizes in front of the system's allocator.
+/// A block may be freed on another thread than the one that allocated it. Blocks over 256 bytes go straight
+/// to the system. Throws std::bad_alloc when there is no memory.
+[[nodiscard]] CORE_API void* allocate_block(std::size_t size);
+/// `size` is the one that was allocated.
+CORE_API void free_block(void* block, std::size_t size) noexcept;
+
+} // namespace core

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/internal_class.h>
+
+#include <cstddef>
+#include <cstdint>
+
+/// How a module declares its classes and services: one static object each, linked into one list before the
+/// module's first line runs.
+namespace core {
+
+/// What the module's class table holds of a class: nine words, all zero in the table's last record.
+struct ClassRecord {
+    const GUID* clsid = nullptr;
+    /// Makes an object and queries it, as IClassFactory::CreateInstance does.
+    HRESULT (*createInstance)(IUnknown* outer, const GUID& iid, void** out) = nullptr;
+    /// Makes the class's factory and queries it for `iid`.
+    HRESULT (*getFactory)(const ClassRecord& record, const GUID& iid, void** out) = nullptr;
+    const char* name = nullptr;     ///< the implementing class, for reports
+    const GUID* service = nullptr;  ///< the interface under which a service is offered; null for a class
+    std::uintptr_t scriptClass = 0; ///< 1 for the type and factory classes of the script layer
+    std::uintptr_t reserved[3] = {};
+};
+static_assert(sizeof(ClassRecord) == 9 * sizeof(void*));
+
+/// A declared class: its record, what its registration passes on, and the entry declared before it.
+struct ClassEntry {
+    ClassRecord record;
+    std::int32_t threading = 0; ///< 0: objects may be made and used on any thread, one thread at a time
+    std::int32_t attributes = 0;
+    ClassEntry* next = nullptr;
+};
+
+/// The head of the calling module's list. Each module, hence each shared library and program, has its own.
+[[gnu::visibility("hidden")]] inline constinit ClassEntry* module_class_entries = nullptr;
+
+/// Makes the class factory of a record. Never throws; kNoInterface for an interface that a factory does not
+/// have.
+CORE_API HRESULT create_class_factory(const ClassRecord& record, const GUID& iid, void** out) noexcept;
+
+namespace detail {
+
+template <class T>
+HRESULT create_instance(IUnknown* outer, const GUID& iid, void** out) {
+    if (out == nullptr)
+        return kNoInterface;
+    *out = nullptr;
+    if (outer != nullptr)
+        return kNoInterface;
+    if constexpr (requires { T::instance(); }) { // one object for the whole process
+        return T::instance()->QueryInterface(iid, out);
+    } else {
+        const auto object = SCOM_InternalClass<T>::create();
+        return object ? object->QueryInterface(iid, out) : kNoInterface;
+    }
+}
+
+} // namespace detail
+
+/// Declares class `T` under a class id, as a static object of a source file of its module. Objects come from
+/// SCOM_InternalClass<T>, or from `T::instance()` where the class has one object for everybody.
+/// `scriptClass` is true for the type and factory classes of the script layer.
+template <class T, const GUID* clsid, bool scriptClass = false>
+class SCOM_ClassEntryInit {
+  public:
+    explicit SCOM_ClassEntryInit(const char* name, const GUID* service = nullptr) noexcept {
+        entry_.record = {.clsid = clsid,
+                         .createInstance = &detail::create_instance<T>,
+                         .getFactory = [](const ClassRecord& record, const GUID& iid,
+                                          void** out) { return create_class_factory(record, iid, out); },
+                         .name = name,
+                         .service = service,
+                         .scriptClass = scriptClass ? 1U : 0U};
+        entry_.next = module_class_entries;
+        module_class_entries = &entry_;
+    }
+    SCOM_ClassEntryInit(const SCOM_ClassEntryInit&) = delete;
+    SCOM_ClassEntryInit& operator=(const SCOM_ClassEntryInit&) = delete;
+
+  private:
+    ClassEntry entry_;
+};
+
+template <class T, const GUID* clsid, bool scriptClass = false>
+using SCOM_Class = SCOM_ClassEntryInit<T, clsid, scriptClass>;
+
+/// Declares a service: the class that implements it and the interface under which processes offer it.
+template <class Impl, const GUID* clsid, const GUID* iid>
+class SCOM_ServiceEntryInit : public SCOM_ClassEntryInit<Impl, clsid> {
+  public:
+    explicit SCOM_ServiceEntryInit(const char* name) noexcept : SCOM_ClassEntryInit<Impl, clsid>(name, iid) {}
+};
+
+} // namespace core

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/block_pool.h>
+#include <core/runtime/interface_ptr.h>
+#include <core/runtime/refcount.h>
+
+#include <array>
+#include <cstddef>
+#include <limits>
+#include <new>
+#include <utility>
+
+namespace core {
+
+/// A row of a class's interface map: the interface at `offset` bytes from the start of the object. A null id
+/// ends the map; kind 1, the only kind, means that the interface is part of the object itself.
+struct InterfaceMapEntry {
+    const GUID* iid;
+    std::ptrdiff_t offset;
+    int kind;
+};
+
+/// Answers a query through an interface map. A query for IUnknown is answered with the first row, so that it
+/// yields one pointer whatever interface is asked. A null object, map or output gives kNoInterface.
+CORE_API HRESULT query_interface_map(void* object, const InterfaceMapEntry* map, const GUID& iid,
+                                     void** out) noexcept;
+
+/// The interfaces that a class answers queries for, in the order of its bases; the first is its identity.
+template <Interface... Is>
+struct InterfaceList {};
+
+namespace detail {
+
+/// Runs `destroy(object)`, but not deeper than some levels on one stack: objects let go of below that are
+/// kept back and destroyed when the stack has unwound, so that a chain of a million owners does not overflow
+/// it.
+CORE_API void destroy_bounded(void* object, void (*destroy)(void*) noexcept) noexcept;
+
+template <class T, class... Is>
+const InterfaceMapEntry* interface_map(InterfaceList<Is...>) noexcept {
+    static_assert(sizeof...(Is) > 0, "a component has at least one interface");
+    static const auto map = [] {
+        // Offsets of bases are taken from an address at which no object need stand.
+        alignas(T) static std::byte place[sizeof(T)];
+        T* const object = reinterpret_cast<T*>(place);
+        const auto offset = [&](auto* base) { return reinterpret_cast<std::byte*>(base) - place; };
+        return std::array<InterfaceMapEntry, sizeof...(Is) + 1>{
+            InterfaceMapEntry{&Is::IID, offset(static_cast<Is*>(object)), 1}...,
+            InterfaceMapEntry{nullptr, 0, 0}};
+    }();
+    return map.data();
+}
+
+} // namespace detail
+
+/// The concrete, counted form of a class `T` that implements interfaces: it adds the three operations of
+/// IUnknown and the count, and is made by create(). `T` names its interfaces: `using Interfaces =
+/// InterfaceList<IA, IB>;`.
+///
+/// Threads: counting is atomic; everything else is `T`'s own business.
+template <class T>
+class SCOM_InternalClass final : public T, private LiveObjectTrackerImpl<T> {
+  public:
+    /// A new object with one reference, which the result owns. Null when there is no memory; throws what the
+    /// constructor of `T` throws otherwise.
+    template <class... Args>
+    [[nodiscard]] static InterfacePtr<SCOM_InternalClass> create(Args&&... args) {
+        try {
+            auto* const object = new SCOM_InternalClass(std::forward<Args>(args)...);
+            object->count_ = 1; // nobody else can see it yet
+            return InterfacePtr<SCOM_InternalClass>::adopt(object);
+        } catch (const std::bad_alloc&) {
+            return nullptr;
+        }
+    }
+
+    HRESULT QueryInterface(const GUID& iid, void** out) noexcept override {
+        const HRESULT result = query_interface_map(static_cast<T*>(this), interfaceMap(), iid, out);
+        if constexpr (requires { T::queryOther(iid, out); }) {
+            if (result != kOk && out != nullptr)
+                return T::queryOther(iid, out);
+        }
+        return result;
+    }
+    std::uint32_t AddRef() noexcept override {
+        return static_cast<std::uint32_t>(AtomicCounter::increment(count_));
+    }
+    std::uint32_t Release() noexcept override {
+        const std::int32_t count = AtomicCounter::decrement(count_);
+        if (count != 0)
+            return static_cast<std::uint32_t>(count);
+        count_ = kDying; // a reference taken and released by the destructor must not destroy twice
+        detail::destroy_bounded(
+            this, [](void* object) noexcept { delete static_cast<SCOM_InternalClass*>(object); });
+        return 0;
+    }
+
+    [[nodiscard]] static const InterfaceMapEntry* interfaceMap() noexcept {
+        return detail::interface_map<T>(typename T::Interfaces{});
+    }
+    using LiveObjectTrackerImpl<T>::liveCount;
+
+    static void* operator new(std::size_t size) { return allocate_block(size); }
+    static void operator delete(void* block, std::size_t size) noexcept { free_block(block, size); }
+
+  private:
+    static constexpr std::int32_t kDying = std::numeric_limits<std::int32_t>::min() / 2;
+
+    template <class... Args>
+    explicit SCOM_InternalClass(Args&&... args) : T(std::forward<Args>(args)...) {}
+    ~SCOM_InternalClass() = default;
+
+    std::int32_t count_ = 0;
+};
+
+} // namespace core

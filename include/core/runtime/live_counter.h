@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/api.h>
+#include <core/runtime/types.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+namespace core {
+
+/// How many objects of one class are alive, over all threads. Counters only report; nothing refuses work
+/// because of them. They live for the whole program, and join one library-wide list when their first object
+/// is made.
+///
+/// A count is kept in parts, one for each thread, so that threads making objects of one class do not share a
+/// cache line; count() is exact when no other thread is making or destroying such objects.
+class CORE_API LiveCounter {
+  public:
+    constexpr explicit LiveCounter(const std::type_info& type) noexcept : type_(&type) {}
+    LiveCounter(const LiveCounter&) = delete;
+    LiveCounter& operator=(const LiveCounter&) = delete;
+
+    void raise() noexcept { add(1); }
+    void lower() noexcept { add(-1); }
+    [[nodiscard]] std::int32_t count() const noexcept;
+
+  private:
+    friend struct LiveCounterAccess;
+
+    void add(std::int32_t change) noexcept;
+
+    const std::type_info* type_;
+    std::int32_t index_ = 0; // this counter's place in every thread's part; 0 until the first object is made
+    std::int32_t outside_ = 0; // what no thread's part holds; changed atomically
+    LiveCounter* next_ = nullptr;
+};
+
+/// The counter of class `T`.
+template <class T>
+inline constinit LiveCounter live_counter{typeid(T)};
+
+/// A base that raises the counter of `T` when it is constructed and lowers it when it is destroyed.
+template <class T>
+class LiveObjectTrackerImpl {
+  public:
+    [[nodiscard]] static std::int32_t liveCount() noexcept { return live_counter<T>.count(); }
+
+  protected:
+    LiveObjectTrackerImpl() noexcept { live_counter<T>.raise(); }
+    LiveObjectTrackerImpl(const LiveObjectTrackerImpl&) noexcept : LiveObjectTrackerImpl() {}
+    LiveObjectTrackerImpl& operator=(const LiveObjectTrackerImpl&) noexcept = default;
+    ~LiveObjectTrackerImpl() { live_counter<T>.lower(); }
+};
+
+/// A named entry of the leak report with a table of names, present as long as it lives.
+class CORE_API LeaksCounter {
+  public:
+    /// `names` is a table of texts ended by null, or null; it is kept by address.
+    explicit LeaksCounter(const char* name, const wchar* const* names = nullptr);
+    LeaksCounter(const LeaksCounter&) = delete;
+    LeaksCounter& operator=(const LeaksCounter&) = delete;
+    ~LeaksCounter();
+
+    /// Records two texts in the registry: what is watched, in English and in Russian. Null is taken as empty.
+    static void setTerm(const wchar* english, const wchar* russian);
+
+    [[nodiscard]] const char* name() const noexcept { return name_; }
+    [[nodiscard]] const wchar* const* names() const noexcept { return names_; }
+
+  private:
+    const char* name_;
+    const wchar* const* names_;
+};
+
+/// One line of the leak report.
+struct LiveClass {
+    std::string name;
+    std::int32_t count;
+};
+
+/// The classes with living objects, by name, and the named entries that are still registered (count 1 each).
+/// Empty when everything is gone.
+[[nodiscard]] CORE_API std::vector<LiveClass> live_report();
+
+/// The two texts that setTerm recorded last.
+[[nodiscard]] CORE_API std::pair<wstring, wstring> leaks_term();
+
+} // namespace core

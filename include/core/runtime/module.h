@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/class_entry.h>
+#include <core/runtime/process.h>
+#include <core/runtime/resource_bundle.h>
+
+#include <memory>
+#include <span>
+
+namespace core {
+
+/// Identifies a loaded module to the registry; the address that the system or the program gave it.
+using ModuleHandle = const void*;
+
+/// A module: its table of classes and services, its message texts, and their way into a process.
+///
+/// Threads: the table is only read after init().
+class CORE_API SCOM_Module {
+  public:
+    /// `entries` is the head of the module's list of declarations, `bundle` its message texts; both are kept
+    /// by reference.
+    SCOM_Module(ClassEntry* const& entries, SCOM_ResourceBundle& bundle) noexcept
+        : entries_(entries), bundle_(bundle) {}
+    SCOM_Module(const SCOM_Module&) = delete;
+    SCOM_Module& operator=(const SCOM_Module&) = delete;
+    ~SCOM_Module() { term(); }
+
+    // life
+    /// Gathers the declarations into the class table and enters the module into the library-wide registry.
+    void init(ModuleHandle handle);
+    /// Undoes init(), closing the message texts first. Harmless when there is nothing to undo.
+    void term() noexcept;
+    /// Makes the class table: a copy of every declaration's record in list order, then a record of zeros.
+    void initialize();
+    /// Frees the class table.
+    void cleanup() noexcept;
+
+    // registration
+    /// Hands the factory of the declared class `clsid` to the process, and its service, if it is one. An
+    /// unknown id, or a class whose factory cannot be made, changes nothing.
+    void registerClass(const GUID& clsid, SCOM_Process* process) const;
+    void revokeClass(const GUID& clsid, SCOM_Process* process) const;
+    void registerAll(SCOM_Process* process) const;
+    /// Tells the process that the module's texts go, then revokes every class in list order.
+    void revokeAll(SCOM_Process* process) const;
+
+    // inspect
+    /// The class table with its closing record; empty before initialize().
+    [[nodiscard]] std::span<const ClassRecord> classTable() const noexcept { return {table_.get(), size_}; }
+    [[nodiscard]] SCOM_ResourceBundle& resourceBundle() const noexcept { return bundle_; }
+    [[nodiscard]] ModuleHandle handle() const noexcept { return handle_; }
+
+  private:
+    std::unique_ptr<ClassRecord[]> table_;
+    std::size_t size_ = 0;
+    ClassEntry* const& entries_;
+    SCOM_ResourceBundle& bundle_;
+    ModuleHandle handle_ = nullptr;
+};
+
+/// The modules that are initialised now, oldest first: how a process finds every declared class.
+[[nodiscard]] CORE_API std::span<SCOM_Module* const> registered_modules() noexcept;
+
+} // namespace core

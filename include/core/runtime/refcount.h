@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/atomic_counter.h>
+#include <core/runtime/live_counter.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+/// Shared ownership of plain objects, those without interfaces.
+namespace core {
+
+/// A base with one count that starts at 0. It deletes nothing by itself: whoever is told 0 does.
+template <class T, class Counter = AtomicCounter>
+class Refcountable : private LiveObjectTrackerImpl<T> {
+  public:
+    std::int32_t acquire() noexcept { return Counter::increment(count_); }
+    [[nodiscard]] std::int32_t release() noexcept { return Counter::decrement(count_); }
+
+    using LiveObjectTrackerImpl<T>::liveCount;
+
+  protected:
+    Refcountable() noexcept = default;
+    Refcountable(const Refcountable& other) noexcept
+        : LiveObjectTrackerImpl<T>(other) {} // a copy has no holders yet
+    Refcountable& operator=(const Refcountable&) noexcept { return *this; }
+    ~Refcountable() = default;
+
+  private:
+    std::int32_t count_ = 0;
+};
+
+/// Policy: the count is inside the object, which is `new`-allocated and has acquire() and release().
+template <class T>
+struct IntrinsicRefcount {
+    static void acquire(T* object) noexcept { object->acquire(); }
+    static void release(T* object) noexcept {
+        if (object->release() == 0)
+            deallocate(object);
+    }
+    /// Destroys and frees without looking at the count; null is ignored.
+    static void deallocate(T* object) noexcept {
+        static_assert(!std::is_polymorphic_v<T> || std::has_virtual_destructor_v<T> || std::is_final_v<T>);
+        delete object;
+    }
+};
+
+/// Policy: the count is the 4 bytes in front of the object, in the same block, which begins early enough for
+/// the object's own alignment. Objects are made by allocate().
+template <class T, class Counter = AtomicCounter>
+struct ExtrinsicRefcount {
+    /// A new object with count 0. Throws what the allocation or the constructor throws, keeping nothing.
+    template <class... Args>
+    [[nodiscard]] static T* allocate(Args&&... args) {
+        auto* const block = static_cast<std::byte*>(::operator new(kOffset + sizeof(T), kAlignment));
+        try {
+            new (block + kOffset - sizeof(std::int32_t)) std::int32_t(0);
+            return new (block + kOffset) T(std::forward<Args>(args)...);
+        } catch (...) {
+            ::operator delete(block, kAlignment);
+            throw;
+        }
+    }
+    static void acquire(T* object) noexcept { Counter::increment(count(object)); }
+    static void release(T* object) noexcept {
+        if (Counter::decrement(count(object)) == 0)
+            deallocate(object);
+    }
+    /// Destroys the object and frees its block without looking at the count; null is ignored.
+    static void deallocate(T* object) noexcept {
+        if (object == nullptr)
+            return;
+        object->~T();
+        ::operator delete(reinterpret_cast<std::byte*>(object) - kOffset, kAlignment);
+    }
+    [[nodiscard]] static std::int32_t& count(T* object) noexcept {
+        return *std::launder(
+            reinterpret_cast<std::int32_t*>(reinterpret_cast<std::byte*>(object) - sizeof(std::int32_t)));
+    }
+
+  private:
+    static constexpr std::size_t kOffset = alignof(T) > sizeof(std::int32_t) ? alignof(T)
+                                                                             : sizeof(std::int32_t);
+    static constexpr std::align_val_t kAlignment{kOffset};
+};
+
+/// What SharedPtr and CountedPtr have in common: one raw pointer, null allowed, counted by `Policy`. `Self`
+/// is the pointer class itself.
+template <class T, class Self, class Policy>
+class SmartPtrBase {
+  public:
+    SmartPtrBase() = default;
+    SmartPtrBase(T* object) noexcept : object_(object) { acquire(); }
+    SmartPtrBase(const SmartPtrBase& other) noexcept : object_(other.object_) { acquire(); }
+    SmartPtrBase(SmartPtrBase&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    ~SmartPtrBase() { release(); }
+    SmartPtrBase& operator=(SmartPtrBase other) noexcept {
+        std::swap(object_, other.object_);
+        return *this;
+    }
+
+    /// Raises the count of the pointee, if there is one.
+    void acquire() const noexcept {
+        if (object_ != nullptr)
+            Policy::acquire(object_);
+    }
+
+    [[nodiscard]] T* get() const noexcept { return object_; }
+    T* operator->() const noexcept { return object_; }
+    T& operator*() const noexcept { return *object_; }
+    explicit operator bool() const noexcept { return object_ != nullptr; }
+    friend bool operator==(const SmartPtrBase& a, const SmartPtrBase& b) noexcept {
+        return a.object_ == b.object_;
+    }
+
+    /// Puts `source` in the place of what `target` holds, which is released. Works when both are the same.
+    friend void assign(Self& target, const Self& source) noexcept { target = source; }
+    friend void assign(Self& target, T* source) noexcept { target = Self(source); }
+
+  private:
+    void release() noexcept {
+        if (object_ != nullptr)
+            Policy::release(object_);
+    }
+
+    T* object_ = nullptr;
+};
+
+/// A shared pointer to an object that carries its count.
+template <class T, class Policy = IntrinsicRefcount<T>>
+class SharedPtr : public SmartPtrBase<T, SharedPtr<T, Policy>, Policy> {
+  public:
+    using SmartPtrBase<T, SharedPtr, Policy>::SmartPtrBase;
+};
+
+/// A shared pointer to an object with the count in front of it.
+template <class T, class Policy = ExtrinsicRefcount<T, AtomicCounter>>
+class CountedPtr : public SmartPtrBase<T, CountedPtr<T, Policy>, Policy> {
+  public:
+    using SmartPtrBase<T, CountedPtr, Policy>::SmartPtrBase;
+
+    template <class... Args>
+    [[nodiscard]] static CountedPtr make(Args&&... args) {
+        return CountedPtr(Policy::allocate(std::forward<Args>(args)...));
+    }
+};
+
+} // namespace core

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: Apache-2.0
+// Concerns: declarations reach the table and the process in order; services by interface; threads and their
+// process; coming and going many times; messages in two languages, missing texts included.
+#include <core/runtime.h>
+#include <host/host_process.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace {
+
+using namespace core;
+
+struct IGreeter : IUnknown {
+    static constexpr GUID IID = "b9f8a2b0-6a31-4f3e-8b70-2a4d3b0c0011"_guid;
+    virtual int greet() = 0;
+};
+class Greeter : public IGreeter {
+  public:
+    using Interfaces = InterfaceList<IGreeter>;
+    int greet() override { return ++greetings_; }
+
+  private:
+    int greetings_ = 0;
+};
+class Impostor : public Greeter {
+  public:
+    int greet() override { return -1; }
+};
+
+constexpr GUID kGreeterClass = "b9f8a2b0-6a31-4f3e-8b70-2a4d3b0c0012"_guid;
+constexpr GUID kTwiceClass = "b9f8a2b0-6a31-4f3e-8b70-2a4d3b0c0013"_guid;
+const SCOM_ServiceEntryInit<Greeter, &kGreeterClass, &IGreeter::IID> greeterEntry("Greeter");
+const SCOM_ClassEntryInit<Impostor, &kTwiceClass, true> impostorEntry("Impostor");
+const SCOM_Class<Greeter, &kTwiceClass> twiceEntry("Greeter"); // declared last, so found first
+
+struct TestModule {
+    SCOM_ResourceBundle bundle{"nothing"};
+    SCOM_Module module{module_class_entries, bundle};
+};
+
+TEST(Module, TableHoldsEveryDeclarationNewestFirstAndARecordOfZeros) {
+    TestModule test;
+    test.module.init(&test);
+    const auto table = test.module.classTable();
+    ASSERT_EQ(table.size(), 4U);
+    EXPECT_EQ(*table[0].clsid, kTwiceClass);
+    EXPECT_EQ(table[0].scriptClass, 0U);
+    EXPECT_EQ(table[1].scriptClass, 1U);
+    EXPECT_EQ(*table[2].service, IGreeter::IID);
+    EXPECT_EQ(table[3].clsid, nullptr);
+    EXPECT_EQ(registered_modules().back(), &test.module);
+    test.module.term();
+    test.module.term();
+    EXPECT_TRUE(test.module.classTable().empty());
+
+    ClassEntry* const none = nullptr;
+    SCOM_Module empty(none, test.bundle);
+    empty.initialize();
+    ASSERT_EQ(empty.classTable().size(), 1U);
+    EXPECT_EQ(empty.classTable()[0].createInstance, nullptr);
+}
+
+TEST(Registry, AProcessMakesObjectsAndOffersServicesUntilTheyAreRevoked) {
+    TestModule test;
+    test.module.init(nullptr);
+    const host::HostProcess process;
+    const auto object = create_object<IGreeter>(kTwiceClass);
+    ASSERT_TRUE(object);
+    EXPECT_EQ(object->greet(), 1) << "of two declarations the last counts";
+    EXPECT_FALSE(create_object<IClassFactory>(kTwiceClass));
+    EXPECT_FALSE(create_object<IGreeter>(kNullGuid));
+    test.module.registerClass(kNullGuid, process.get()); // no such declaration: nothing happens
+
+    IGreeter* const service = get_service<IGreeter>();
+    ASSERT_NE(service, nullptr);
+    EXPECT_EQ(service->greet(), 1);
+    EXPECT_EQ(get_service<IGreeter>()->greet(), 2) << "one object for everybody";
+    EXPECT_EQ(get_service<IClassFactory>(), nullptr);
+
+    test.module.revokeAll(process.get());
+    EXPECT_FALSE(create_object<IGreeter>(kTwiceClass));
+    EXPECT_EQ(get_service<IGreeter>(), nullptr);
+}
+
+TEST(Registry, AThreadHasTheProcessThatAdoptedIt) {
+    EXPECT_EQ(current_process(), nullptr);
+    EXPECT_EQ(current_process_data(), nullptr);
+    EXPECT_EQ(get_service<IGreeter>(), nullptr);
+    EXPECT_EQ(adopt_thread(nullptr), nullptr);
+    Settings settings;
+    settings.firstDayOfWeek = 7;
+    const host::HostProcess process(settings);
+    EXPECT_EQ(current_process(), process.get());
+    EXPECT_EQ(current_settings().firstDayOfWeek, 7);
+    std::thread([&] {
+        EXPECT_EQ(current_process(), nullptr);
+        EXPECT_EQ(current_settings().firstDayOfWeek, 1);
+        {
+            const host::HostProcess::ThreadScope scope(process);
+            EXPECT_EQ(current_settings().firstDayOfWeek, 7);
+        }
+        EXPECT_EQ(current_process(), nullptr);
+    }).join();
+}
+
+TEST(Library, ComesAndGoesAThousandTimes) {
+    for (int i = 0; i < 1000; ++i) {
+        const host::HostProcess process;
+        ASSERT_FALSE(core_module().classTable().empty());
+        ASSERT_FALSE(message_text("IDS_NUMERROR_DIVIDEBYZERO").empty());
+    }
+    EXPECT_TRUE(core_module().classTable().empty());
+    EXPECT_EQ(current_process(), nullptr);
+    EXPECT_TRUE(library_main(nullptr, LibraryEvent::threadAttach));
+    EXPECT_EQ(current_process(), nullptr);
+}
+
+TEST(ResourceBundle, SpeaksTheLanguageOfTheThreadAndFallsBack) {
+    const host::HostProcess process;
+    const auto divide = [](const char* locale) {
+        Thread::setResourceLocale(Locale(locale));
+        return message_text("IDS_NUMERROR_DIVIDEBYZERO");
+    };
+    EXPECT_EQ(divide("en_GB"), u"Division by zero.");
+    EXPECT_EQ(divide("ru_RU"), u"Деление на ноль.");
+    EXPECT_EQ(divide("xx"), u"Division by zero.");
+    std::thread([&] { EXPECT_EQ(message_text("IDS_NUMERROR_DIVIDEBYZERO"), u"Division by zero."); }).join();
+    Thread::setResourceLocale(Locale("en"));
+
+    SCOM_ResourceBundle& bundle = core_module().resourceBundle();
+    unsigned length = 1;
+    EXPECT_EQ(bundle.getString("IDS_NO_SUCH_TEXT", Locale("ru"), length), nullptr);
+    EXPECT_EQ(length, 0U);
+    EXPECT_TRUE(load_wstring(&bundle, nullptr).empty());
+    EXPECT_TRUE(load_wstring(nullptr, "IDS_NUMERROR_DIVIDEBYZERO").empty());
+    EXPECT_TRUE(bundle.getBinary("IDS_NUMERROR_DIVIDEBYZERO", Locale()).empty());
+    bundle.cleanup();
+    bundle.cleanup();
+    EXPECT_NE(bundle.getString("IDS_NUMERROR_DIVIDEBYZERO", Locale("ru"), length), nullptr);
+    EXPECT_EQ(message_text("IDS_NO_SUCH_TEXT", {u"7"}), u"IDS_NO_SUCH_TEXT 7");
+}
+
+TEST(Exceptions, CarryTheirTextsCausesAndIds) {
+    const NumericException error(NumericException::Error::divideByZero);
+    EXPECT_EQ(error.description(), u"Division by zero.");
+    EXPECT_STREQ(error.what(), "Division by zero.");
+    EXPECT_EQ(error.clsid(), NumericException::kClassId);
+    EXPECT_EQ(Exception(nullptr).description(), u"");
+    EXPECT_EQ(ContextException(u"x").clsid(), ContextException::kClassId);
+    const StorageException storage(StorageException::Kind::badFormat, u"lumstg://c:/1/");
+    EXPECT_NE(storage.description().find(u"lumstg://c:/1/"), wstring::npos);
+    EXPECT_THROW(throw_error<TypeException>("IDS_NO_SUCH_TEXT"), Exception);
+}
+
+} // namespace
