@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <iosfwd>
+#include <string_view>
+
+namespace host {
+
+enum class Language { english, russian };
+
+/// Where a command reads and writes, and how: data to `out`, messages to `err`.
+struct Console {
+    std::istream& in;
+    std::ostream& out;
+    std::ostream& err;
+    Language language = Language::english;
+    bool colour = false; ///< messages may be coloured
+    bool json = false;   ///< data is written for programs
+};
+
+/// The language that the environment asks for: LC_ALL, LC_MESSAGES, LANG, the first that is set.
+[[nodiscard]] Language language_of_environment();
+
+/// Whether messages may be coloured: standard error is a terminal that knows colours, and NO_COLOR is not
+/// set.
+[[nodiscard]] bool colour_of_environment();
+
+} // namespace host
