@@ -1,0 +1,36 @@
+# SPDX-License-Identifier: Apache-2.0
+"""What the checks share: the files of the project, and running a program."""
+import subprocess
+
+
+def run(*command):
+    """The exit code and the output of a program, both streams in one."""
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace")
+    return done.returncode, done.stdout
+
+
+def files(*endings):
+    """The project's own files: those git knows, and new ones it is not told to ignore."""
+    names = run("git", "ls-files", "--cached", "--others", "--exclude-standard")[1].splitlines()
+    kept = []
+    for name in names:
+        if name.endswith(endings) or not endings:
+            try:
+                with open(name, "rb"):
+                    kept.append(name)
+            except OSError:
+                pass  # deleted, not yet committed
+    return kept
+
+
+def text(name):
+    with open(name, encoding="utf-8", errors="replace") as file:
+        return file.read()
+
+
+def sources():
+    return files(".h", ".cpp")
+
+
+def outcome(code, output, lines=40):
+    return output.strip().splitlines()[-lines:] or [f"exit code {code}"] if code else []
