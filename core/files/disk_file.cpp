@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <core/files/disk_file.h>
+#include <core/files/file_error.h>
+#include <core/files/file_impl.h>
+#include <core/runtime/internal_class.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace core {
+namespace {
+
+// Locks of the open file where the system has them. The older kind belongs to the process and is lost when
+// any other descriptor of the same file is closed.
+#if defined(F_OFD_SETLK)
+constexpr int kSetLock = F_OFD_SETLK;
+#else
+constexpr int kSetLock = F_SETLK;
+#endif
+
+// No system reads or writes more in one call.
+constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
+
+class DiskFile : public FileImpl, public ISharedFile {
+  public:
+    using Interfaces = InterfaceList<IFile, ISharedFile>;
+
+    /// Takes over `descriptor`. `path` is not empty when the file may be new, and is needed for the first
+    /// flush only.
+    DiskFile(int descriptor, wstring url, std::string path)
+        : FileImpl(std::move(url)), descriptor_(descriptor), newPath_(std::move(path)) {}
+    ~DiskFile() override { DiskFile::close(); }
+
+    std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
+        if (position > kMaxFileLength)
+            return 0;
+        for (;;) {
+            const auto done = ::pread(descriptor_, buffer, std::min(count, kMaxTransfer), offset(position));
+            if (done >= 0)
+                return static_cast<std::size_t>(done);
+            if (errno != EINTR)
+                throw_file_error("IDS_FILE_READ", url(), errno);
+        }
+    }
+
+    std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override {
+        if (position > kMaxFileLength)
+            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
+        for (;;) {
+            const auto done = ::pwrite(descriptor_, buffer, std::min(count, kMaxTransfer), offset(position));
+            if (done >= 0)
+                return static_cast<std::size_t>(done);
+            if (errno != EINTR)
+                throw_file_error("IDS_FILE_WRITE", url(), errno);
+        }
+    }
+
+    std::uint64_t length() override {
+        struct stat status {};
+        if (::fstat(descriptor_, &status) != 0)
+            throw_file_error("IDS_FILE_READ", url(), errno);
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+
+    void truncate(std::uint64_t length) override {
+        if (length > kMaxFileLength)
+            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
+        while (::ftruncate(descriptor_, offset(length)) != 0) {
+            if (errno != EINTR)
+                throw_file_error("IDS_FILE_WRITE", url(), errno);
+        }
+    }
+
+    void flush() override {
+        // Not even an interrupted call is repeated: the system may have forgotten what it could not write.
+        if (::fdatasync(descriptor_) != 0)
+            throw_file_error("IDS_FILE_FLUSH", url(), errno);
+        if (!newPath_.empty()) {
+            flushFolder();
+            newPath_.clear();
+        }
+    }
+
+    void close() override {
+        if (descriptor_ >= 0)
+            ::close(std::exchange(descriptor_, -1)); // nothing is buffered here that could fail late
+    }
+
+    bool tryLock(std::uint64_t start, std::uint64_t length, LockKind kind) override {
+        if (setLock(start, length, kind == LockKind::shared ? F_RDLCK : F_WRLCK))
+            return true;
+        if (errno != EAGAIN && errno != EACCES)
+            throw_file_error("IDS_FILE_LOCK", url(), errno);
+        return false;
+    }
+
+    void unlock(std::uint64_t start, std::uint64_t length) override {
+        if (!setLock(start, length, F_UNLCK))
+            throw_file_error("IDS_FILE_LOCK", url(), errno);
+    }
+
+  private:
+    static ::off_t offset(std::uint64_t position) { return static_cast<::off_t>(position); }
+
+    bool setLock(std::uint64_t start, std::uint64_t length, int type) {
+        struct flock region {};
+        region.l_type = static_cast<short>(type);
+        region.l_whence = SEEK_SET;
+        region.l_start = offset(start);
+        region.l_len = offset(length);
+        while (::fcntl(descriptor_, kSetLock, &region) != 0) {
+            if (errno != EINTR)
+                return false;
+        }
+        return true;
+    }
+
+    /// A new file is durable only when the folder that names it is.
+    void flushFolder() {
+        const auto slash = newPath_.rfind('/');
+        const std::string folder =
+            slash == std::string::npos ? "." : newPath_.substr(0, std::max<std::size_t>(slash, 1));
+        const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (descriptor < 0)
+            return; // a folder that may be written but not read: nothing more can be done
+        const bool failed = ::fsync(descriptor) != 0 && errno != EINVAL; // not every system can
+        const int reason = errno;
+        ::close(descriptor);
+        if (failed)
+            throw_file_error("IDS_FILE_FLUSH", url(), reason);
+    }
+
+    int descriptor_;
+    std::string newPath_;
+};
+
+int open_flags(OpenMode mode) {
+    switch (mode) {
+    case OpenMode::read:
+        return O_RDONLY;
+    case OpenMode::readWrite:
+        return O_RDWR;
+    case OpenMode::create:
+        return O_RDWR | O_CREAT;
+    case OpenMode::replace:
+        return O_RDWR | O_CREAT | O_TRUNC;
+    case OpenMode::createNew:
+        return O_RDWR | O_CREAT | O_EXCL;
+    }
+    return O_RDONLY;
+}
+
+} // namespace
+
+InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode) {
+    const wstring url = file_url(path);
+    // A name with a zero byte would be cut there and mean another file.
+    if (path.find('\0') != std::string::npos)
+        throw_file_error("IDS_FILE_OPEN", url, EINVAL);
+    int descriptor = -1;
+    do
+        descriptor = ::open(path.c_str(), open_flags(mode) | O_CLOEXEC, 0666);
+    while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0)
+        throw_file_error("IDS_FILE_OPEN", url, errno);
+    struct stat status {};
+    if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+        ::close(descriptor);
+        throw_file_error("IDS_FILE_OPEN", url, EISDIR);
+    }
+    const bool mayBeNew = mode != OpenMode::read && mode != OpenMode::readWrite;
+    return SCOM_InternalClass<DiskFile>::create(descriptor, url, mayBeNew ? path : std::string());
+}
+
+InterfacePtr<IFile> create_temp_file(const std::string& folder) {
+    std::string path = folder + "/core-XXXXXX";
+    const int descriptor = ::mkostemp(path.data(), O_CLOEXEC);
+    if (descriptor < 0)
+        throw_file_error("IDS_FILE_OPEN", file_url(folder), errno);
+    ::unlink(path.c_str());
+    return SCOM_InternalClass<DiskFile>::create(descriptor, file_url(path), std::string());
+}
+
+} // namespace core

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/files/schemes.h"
+
+#include <core/files/file_error.h>
+#include <core/files/file_io.h>
+#include <core/files/file_system.h>
+#include <core/runtime/class_entry.h>
+#include <core/strings/compare.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <mutex>
+#include <vector>
+
+namespace core {
+namespace {
+
+constinit FileSchemeEntry* scheme_entries = nullptr;
+
+} // namespace
+
+FileSchemeEntry::FileSchemeEntry(InterfacePtr<IFileScheme> (*create)()) noexcept
+    : create_(create), next_(scheme_entries) {
+    scheme_entries = this;
+}
+
+class FileSystem : public IFileSystem {
+  public:
+    using Interfaces = InterfaceList<IFileSystem>;
+
+    FileSystem() {
+        schemes_.push_back(create_disk_scheme());
+        schemes_.push_back(create_memory_scheme());
+        for (const FileSchemeEntry* entry = scheme_entries; entry != nullptr; entry = entry->next_)
+            schemes_.push_back(entry->create_());
+    }
+
+    void registerScheme(IFileScheme* scheme) override {
+        revokeScheme(scheme->schemeName());
+        const std::lock_guard lock(mutex_);
+        schemes_.emplace_back(scheme);
+    }
+
+    void revokeScheme(const wstring& name) override {
+        const std::lock_guard lock(mutex_);
+        std::erase_if(schemes_, [&](const auto& scheme) { return isNamed(*scheme, name); });
+    }
+
+    InterfacePtr<IFileScheme> findScheme(const wstring& name) override {
+        const std::lock_guard lock(mutex_);
+        const auto found = std::find_if(schemes_.begin(), schemes_.end(),
+                                        [&](const auto& scheme) { return isNamed(*scheme, name); });
+        return found != schemes_.end() ? *found : nullptr;
+    }
+
+    URL parseURL(const wstring& url) override { return schemeOf(url)->parseURL(url); }
+    InterfacePtr<IFile> openURL(const wstring& url, OpenMode mode) override {
+        return schemeOf(url)->openURL(url, mode);
+    }
+    std::vector<FileInfo> findFile(const wstring& pattern) override {
+        return schemeOf(pattern)->findFile(pattern);
+    }
+    std::size_t remove(const wstring& pattern) override { return schemeOf(pattern)->remove(pattern); }
+
+    void copyFile(const wstring& from, const wstring& to) override {
+        const auto source = schemeOf(from);
+        const auto target = schemeOf(to);
+        if (source == target)
+            source->copyFile(from, to);
+        else
+            copyBetween(*source, from, *target, to);
+    }
+
+    void moveFile(const wstring& from, const wstring& to) override {
+        const auto source = schemeOf(from);
+        const auto target = schemeOf(to);
+        if (source == target) {
+            source->moveFile(from, to);
+        } else {
+            copyBetween(*source, from, *target, to);
+            source->remove(from);
+        }
+    }
+
+  private:
+    static bool isNamed(const IFileScheme& scheme, wstring_view name) {
+        return compare_nocase(scheme.schemeName(), name) == 0;
+    }
+
+    InterfacePtr<IFileScheme> schemeOf(const wstring& url) {
+        auto scheme = findScheme(split_url(url).scheme);
+        if (!scheme)
+            throw_file_error("IDS_FILE_SCHEME", url, ENOTSUP);
+        return scheme;
+    }
+
+    static void copyBetween(IFileScheme& source, const wstring& from, IFileScheme& target,
+                            const wstring& to) {
+        const auto input = source.openURL(from, OpenMode::read);
+        const auto output = target.openURL(to, OpenMode::replace);
+        copy_bytes(*input, *output);
+        output->flush();
+        output->close();
+    }
+
+    std::mutex mutex_;
+    std::vector<InterfacePtr<IFileScheme>> schemes_;
+};
+
+namespace {
+
+constexpr GUID kFileSystemClass = "3a6c2188-45c3-11d4-985d-008048da1252"_guid;
+const SCOM_ServiceEntryInit<FileSystem, &kFileSystemClass, &IFileSystem::IID> entry("FileSystem");
+
+} // namespace
+
+InterfacePtr<IFileSystem> create_file_system() {
+    return SCOM_InternalClass<FileSystem>::create();
+}
+
+} // namespace core

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/files/region_locks.h"
+
+#include <core/files/file_error.h>
+#include <core/files/file_impl.h>
+#include <core/files/memory_file.h>
+#include <core/runtime/internal_class.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <mutex>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace core {
+
+class MemoryFileData {
+  public:
+    std::mutex mutex;
+    std::vector<std::byte> bytes;
+    RegionLocks locks;
+};
+
+namespace {
+
+class MemoryFile : public FileImpl, public ISharedFile {
+  public:
+    using Interfaces = InterfaceList<IFile, ISharedFile>;
+
+    MemoryFile(std::shared_ptr<MemoryFileData> data, wstring url)
+        : FileImpl(std::move(url)), data_(std::move(data)) {}
+    ~MemoryFile() override { MemoryFile::close(); }
+
+    std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
+        const auto lock = open("IDS_FILE_READ");
+        const std::vector<std::byte>& bytes = data_->bytes;
+        if (position >= bytes.size() || count == 0)
+            return 0;
+        const std::size_t part = std::min(count, bytes.size() - static_cast<std::size_t>(position));
+        std::memcpy(buffer, bytes.data() + position, part);
+        return part;
+    }
+
+    std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override {
+        const auto lock = open("IDS_FILE_WRITE");
+        if (count == 0)
+            return 0;
+        if (position > kMaxFileLength - count)
+            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
+        if (position + count > data_->bytes.size())
+            resize(position + count);
+        std::memcpy(data_->bytes.data() + position, buffer, count);
+        return count;
+    }
+
+    std::uint64_t length() override {
+        const auto lock = open("IDS_FILE_READ");
+        return data_->bytes.size();
+    }
+
+    void truncate(std::uint64_t length) override {
+        const auto lock = open("IDS_FILE_WRITE");
+        resize(length);
+    }
+
+    void flush() override {}
+
+    void close() override {
+        if (data_ == nullptr)
+            return;
+        {
+            const std::lock_guard lock(data_->mutex);
+            data_->locks.unlockAll(this);
+        }
+        data_.reset();
+    }
+
+    bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
+        const auto lock = open("IDS_FILE_LOCK");
+        return data_->locks.tryLock(this, offset, length, kind);
+    }
+
+    void unlock(std::uint64_t offset, std::uint64_t length) override {
+        const auto lock = open("IDS_FILE_LOCK");
+        data_->locks.unlock(this, offset, length);
+    }
+
+  private:
+    std::unique_lock<std::mutex> open(const char* message) {
+        if (data_ == nullptr)
+            throw_file_error(message, url(), EBADF);
+        return std::unique_lock(data_->mutex);
+    }
+
+    void resize(std::uint64_t length) {
+        try {
+            data_->bytes.resize(static_cast<std::size_t>(length));
+        } catch (const std::bad_alloc&) {
+            throw_file_error("IDS_FILE_WRITE", url(), ENOSPC);
+        } catch (const std::length_error&) {
+            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
+        }
+    }
+
+    std::shared_ptr<MemoryFileData> data_;
+};
+
+} // namespace
+
+std::shared_ptr<MemoryFileData> create_memory_data() {
+    return std::make_shared<MemoryFileData>();
+}
+
+InterfacePtr<IFile> open_memory_file(std::shared_ptr<MemoryFileData> data, wstring url) {
+    return SCOM_InternalClass<MemoryFile>::create(std::move(data), std::move(url));
+}
+
+} // namespace core

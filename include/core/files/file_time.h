@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/dates/date.h>
+#include <core/runtime/clock.h>
+
+#include <chrono>
+
+/// Times of files are universal time, so that a file may travel between time zones; Date::toLocalTime shows
+/// them.
+namespace core {
+
+/// 1970-01-01 00:00:00.
+inline constexpr Date kUnixEpoch{1970, 1, 1};
+
+/// The moment, in ticks; the empty date for moments before year 1.
+[[nodiscard]] constexpr Date universal_date(std::chrono::system_clock::time_point time) noexcept {
+    using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, kTicksPerSecond>>;
+    return kUnixEpoch + DateSpan(std::chrono::floor<Ticks>(time.time_since_epoch()).count());
+}
+
+/// Now, by the library's clock.
+[[nodiscard]] inline Date universal_now() noexcept {
+    return universal_date(current_clock().now());
+}
+
+} // namespace core

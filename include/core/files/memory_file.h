@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/files/file.h>
+
+#include <memory>
+
+namespace core {
+
+/// The bytes and locks of a file in memory. Any number of open files can stand on them, in any threads.
+class MemoryFileData;
+
+[[nodiscard]] CORE_API std::shared_ptr<MemoryFileData> create_memory_data();
+
+/// An open file on `data`, which is an ISharedFile, too: its locks exclude those of other open files on the
+/// same data.
+[[nodiscard]] CORE_API InterfacePtr<IFile> open_memory_file(std::shared_ptr<MemoryFileData> data,
+                                                            wstring url = u"mem://");
+
+} // namespace core
