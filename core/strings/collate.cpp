@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/strings/icu_length.h"
+
+#include <core/runtime/error.h>
+#include <core/runtime/utf8.h>
+#include <core/strings/collate.h>
+#include <core/strings/compare.h>
+
+#include <unicode/ucol.h>
+
+#include <memory>
+#include <vector>
+
+namespace core {
+namespace {
+
+struct CloseCollator {
+    void operator()(UCollator* collator) const noexcept { ucol_close(collator); }
+};
+
+struct OpenCollator {
+    Locale locale;
+    UCollationStrength strength;
+    std::unique_ptr<UCollator, CloseCollator> collator;
+};
+
+// A process works in one locale or two, so the search is short.
+const UCollator* collator_for(const Locale& locale, UCollationStrength strength) {
+    thread_local std::vector<OpenCollator> opened;
+    for (const OpenCollator& entry : opened)
+        if (entry.strength == strength && entry.locale == locale)
+            return entry.collator.get();
+
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<UCollator, CloseCollator> collator(ucol_open(locale.key().c_str(), &status));
+    if (U_FAILURE(status))
+        throw_error<LocaleException>("IDS_LOCALE_NO_COLLATION", {from_utf8(locale.key())});
+    ucol_setStrength(collator.get(), strength);
+    return opened.emplace_back(OpenCollator{locale, strength, std::move(collator)}).collator.get();
+}
+
+int collate(wstring_view a, wstring_view b, const Locale& locale, UCollationStrength strength) {
+    return ucol_strcoll(collator_for(locale, strength), a.data(), icu_length(a.size()), b.data(),
+                        icu_length(b.size()));
+}
+
+} // namespace
+
+int compare(wstring_view a, wstring_view b, const Locale& locale) {
+    const int order = collate(a, b, locale, UCOL_TERTIARY);
+    return order != 0 ? order : compare(a, b);
+}
+
+int compare_nocase(wstring_view a, wstring_view b, const Locale& locale) {
+    return collate(a, b, locale, UCOL_SECONDARY);
+}
+
+int compare_nocase(std::string_view a, std::string_view b, const Locale& locale) {
+    return compare_nocase(from_utf8(a), from_utf8(b), locale);
+}
+
+std::string collation_key(wstring_view text, const Locale& locale) {
+    const UCollator* const collator = collator_for(locale, UCOL_TERTIARY);
+    const std::int32_t length = icu_length(text.size());
+    // Room for common text at the first try; ICU tells how much it needs when that is not enough.
+    std::string key(text.size() * 3 + 16, '\0');
+    for (;;) {
+        const std::int32_t needed =
+            ucol_getSortKey(collator, text.data(), length, reinterpret_cast<std::uint8_t*>(key.data()),
+                            icu_length(key.size()));
+        if (needed <= 0)
+            throw_error<ConverterException>("IDS_STRING_TOO_LONG");
+        const auto size = static_cast<std::size_t>(needed);
+        const bool complete = size <= key.size();
+        key.resize(complete ? size - 1 : size); // a key ends with a zero, which says nothing
+        if (complete)
+            return key;
+    }
+}
+
+} // namespace core
