@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/api.h>
+#include <core/strings/code_unit.h>
+
+namespace core {
+
+/// A file's path in four pieces, each of which may be empty. Splitting loses nothing: the pieces, joined, are
+/// the path.
+template <CodeUnit C>
+struct BasicPathParts {
+    std::basic_string<C> drive;     ///< a letter and a colon
+    std::basic_string<C> directory; ///< up to and with the last separator, "/" or "\"
+    std::basic_string<C> name;      ///< the file's name without its extension
+    std::basic_string<C> extension; ///< the last dot of the name and what follows; a leading dot begins none
+    friend bool operator==(const BasicPathParts&, const BasicPathParts&) = default;
+};
+using PathParts = BasicPathParts<wchar>;
+using NarrowPathParts = BasicPathParts<char>;
+
+[[nodiscard]] CORE_API PathParts string_splitpath(wstring_view path);
+[[nodiscard]] CORE_API NarrowPathParts string_splitpath(std::string_view path);
+
+/// The path of the pieces. What a caller leaves out is put in: the colon of the drive, the separator ("/")
+/// behind the directory, the dot of the extension.
+[[nodiscard]] CORE_API wstring string_makepath(const PathParts& parts);
+[[nodiscard]] CORE_API std::string string_makepath(const NarrowPathParts& parts);
+
+} // namespace core
