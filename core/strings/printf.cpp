@@ -28,12 +28,8 @@ struct Directive {
 
     /// The directive for a number, `length` being the length letter.
     [[nodiscard]] std::string narrow(const char* length = "") const {
-        std::string text = "%" + flags;
-        if (width > 0)
-            text += std::to_string(width);
-        if (precision)
-            text += "." + std::to_string(*precision);
-        return text + length + conversion;
+        return fmt::format("%{}{}{}{}{}", flags, width > 0 ? fmt::to_string(width) : "",
+                           precision ? fmt::format(".{}", *precision) : "", length, conversion);
     }
 };
 
