@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/numbers/reciprocal.h"
+#include "core/numbers/scratch.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace core::limbs {
+namespace {
+
+/// The words of a × 10^(9 × shift), without building it.
+class ShiftedWords {
+  public:
+    ShiftedWords(std::span<const Limb> a, std::size_t shift) noexcept : a_(a), shift_(shift) {}
+
+    [[nodiscard]] std::size_t limbs() const noexcept { return a_.size() + shift_; }
+    [[nodiscard]] Limb limb(std::size_t i) const noexcept {
+        return i - shift_ < a_.size() ? a_[i - shift_] : 0; // below the shift the index wraps
+    }
+    [[nodiscard]] Word operator[](std::size_t i) const noexcept {
+        return limb(2 * i) + Word{limb(2 * i + 1)} * kLimbBase;
+    }
+
+  private:
+    std::span<const Limb> a_;
+    std::size_t shift_;
+};
+
+void put_word(std::span<Limb> q, std::size_t i, Word word) noexcept {
+    if (2 * i < q.size()) {
+        q[2 * i] = static_cast<Limb>(word % kLimbBase);
+    }
+    if (2 * i + 1 < q.size()) {
+        q[2 * i + 1] = static_cast<Limb>(word / kLimbBase);
+    }
+}
+
+[[nodiscard]] DoubleWord value_of(std::span<const Limb> limbs) noexcept {
+    DoubleWord value = 0;
+    for (std::size_t i = limbs.size(); i-- > 0;) {
+        value = value * kLimbBase + limbs[i];
+    }
+    return value;
+}
+
+/// Short division: one quotient word a step, the remainder in machine words. The first remainder is what
+/// stands above the lowest `words` words of the dividend: fewer limbs than the divisor has, thus below it.
+template <class Divisor>
+void divide_short(std::span<Limb> q, const ShiftedWords& a, std::size_t words,
+                  const Divisor& divisor) noexcept {
+    DoubleWord above = 0;
+    for (std::size_t i = a.limbs(); i-- > 2 * words;) {
+        above = above * kLimbBase + a.limb(i);
+    }
+    auto remainder = divisor.shifted(static_cast<typename Divisor::Remainder>(above));
+    for (std::size_t i = words; i-- > 0;) {
+        put_word(q, i, divisor.step(remainder, a[i]));
+    }
+}
+
+/// r −= v × q in place, for r of one word more than v; returns whether the result wrapped below zero.
+bool subtract_product(std::span<Word> r, std::span<const Word> v, Word q) noexcept {
+    Word carry = 0;
+    Word borrow = 0;
+    for (std::size_t i = 0; i < v.size(); ++i) {
+        // The products do not wait for one another; only the short additions form a chain.
+        const auto [high, low] = split_word(product(v[i], q));
+        Word subtrahend = low + carry;
+        const bool over = subtrahend >= kWordBase;
+        subtrahend -= over ? kWordBase : 0;
+        carry = high + (over ? 1 : 0);
+        const Word difference = r[i] - subtrahend - borrow;
+        borrow = difference >> 63;
+        r[i] = borrow != 0 ? difference + kWordBase : difference;
+    }
+    const Word top = r[v.size()] - carry - borrow;
+    r[v.size()] = 0;
+    return top != 0;
+}
+
+/// One step of long division: q = ⌊r / v⌋ < 10^18; r, of one word more than v, becomes the remainder.
+///
+/// q is estimated as the top three words of r by the top two words d of v. The estimate is never too small,
+/// and too large by at most 1: with u the top three words, u / d − u / (d + 1) < (u / d) / d <= 10^18 / d,
+/// and d >= 10^18.
+Word divide_step(std::span<Word> r, std::span<const Word> v, const TwoWordDivisor& top,
+                 DoubleWord d) noexcept {
+    const std::size_t n = v.size();
+    const DoubleWord upper = DoubleWord{r[n]} * kWordBase + r[n - 1];
+    Word q = kWordBase - 1;
+    if (upper < d) {
+        auto rest = top.shifted(upper);
+        q = top.step(rest, r[n - 2]);
+    }
+    if (q != 0 && subtract_product(r, v, q)) {
+        --q;
+        add_to(r.first(n), v);
+    }
+    return q;
+}
+
+/// Long division with a window of the dividend as long as the divisor, so that the working area depends on
+/// the divisor alone.
+void divide_long(std::span<Limb> q, const ShiftedWords& a, std::span<const Limb> b) {
+    constexpr std::size_t kStack = 128;
+    const std::size_t n = word_count(b.size());
+    const std::size_t words = word_count(a.limbs());
+    Scratch<Word, kStack> divisor(n);
+    Scratch<Word, kStack + 1> window(n + 1);
+    const auto v = divisor.span();
+    const auto r = window.span();
+    pack(v, b);
+    const DoubleWord d = DoubleWord{v[n - 1]} * kWordBase + v[n - 2];
+    const TwoWordDivisor top(d);
+
+    const std::size_t first = words >= n ? words - n + 1 : 0; // the words above it are below the divisor
+    std::fill(r.begin(), r.end(), Word{0});
+    for (std::size_t i = words; i-- > first;) {
+        r[i - first + 1] = a[i];
+    }
+    for (std::size_t i = first; i-- > 0;) {
+        r[0] = a[i];
+        put_word(q, i, divide_step(r, v, top, d));
+        std::copy_backward(r.begin(), r.end() - 1, r.end());
+    }
+}
+
+} // namespace
+
+void divide_schoolbook(std::span<Word> q, std::span<Word> u, std::span<const Word> v) noexcept {
+    const std::size_t n = v.size();
+    assert(n >= 2 && q.size() + n == u.size());
+    const DoubleWord d = DoubleWord{v[n - 1]} * kWordBase + v[n - 2];
+    const TwoWordDivisor top(d);
+    for (std::size_t i = q.size(); i-- > 0;) {
+        q[i] = divide_step(u.subspan(i, n + 1), v, top, d);
+    }
+}
+
+void divide(std::span<Limb> q, std::span<const Limb> a, std::size_t shift, std::span<const Limb> b) {
+    const ShiftedWords dividend(a, shift);
+    const std::size_t spare = b.size() - 1;
+    const std::size_t words = dividend.limbs() > spare ? word_count(dividend.limbs() - spare) : 0;
+    std::fill(q.begin(), q.end(), Limb{0});
+    if (b.size() <= 2) {
+        divide_short(q, dividend, words, OneWordDivisor(low_half(value_of(b))));
+    } else if (b.size() <= 4) {
+        divide_short(q, dividend, words, TwoWordDivisor(value_of(b)));
+    } else {
+        divide_long(q, dividend, b);
+    }
+}
+
+} // namespace core::limbs
