@@ -67,11 +67,11 @@ Date read(std::basic_string_view<Char> text, const Char** end) noexcept {
             parts[i] = parts[i] * 10 + static_cast<int>(*at - Char('0'));
         }
     }
-    const Date date(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
-    // Parts that name no moment give the empty date, whose own text is to be read all the same.
-    if (end != nullptr && (!date.isEmpty() || parts == Parts{1, 1, 1, 0, 0, 0}))
+    if (!Date::isMoment(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]))
+        return Date();
+    if (end != nullptr)
         *end = at;
-    return date;
+    return Date(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // Local and universal time, the changes of clocks, and the current date under a clock that stands.
 #include <core/dates.h>
 #include <core/runtime/clock.h>
+#include <host/host_process.h>
 
 #include <gtest/gtest.h>
 
@@ -66,6 +67,18 @@ TEST(DateZone, TheCurrentDateIsTheClocksLocalTimeInWholeSeconds) {
     EXPECT_LE(std::abs(seconds.ticks() / kTicksPerSecond -
                        std::chrono::floor<std::chrono::seconds>(system).count()),
               86'400);
+}
+
+TEST(DateZone, ZoneAndWeekFollowTheSettingsOfTheProcess) {
+    Settings settings;
+    settings.timeZone = "Asia/Tokyo";
+    settings.firstDayOfWeek = 7;
+    const host::HostProcess process(settings);
+    const Date date(2004, 3, 3, 12);
+    EXPECT_EQ(date.toLocalTime(), Date(2004, 3, 3, 21));
+    EXPECT_EQ(date.toUniversalTime(), Date(2004, 3, 3, 3));
+    EXPECT_EQ(date.begOfWeek(), Date(2004, 2, 29));
+    EXPECT_EQ(date.endOfWeek(), Date(2004, 3, 6, 23, 59, 59));
 }
 
 } // namespace

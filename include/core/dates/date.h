@@ -25,10 +25,12 @@ class Date {
 
     constexpr Date() noexcept = default;
     explicit constexpr Date(std::uint64_t ticks) noexcept : ticks_(ticks) {}
-    /// Parts that name no moment of the years 1 ... 9999 (month 13, 30 February, hour 24) give the empty
-    /// date.
+    /// Parts for which isMoment() is false give the empty date.
     constexpr Date(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) noexcept;
 
+    /// Whether the parts name a moment of the years 1 ... 9999; month 13, 30 February and hour 24 do not.
+    [[nodiscard]] static constexpr bool isMoment(int year, int month, int day, int hour = 0, int minute = 0,
+                                                 int second = 0) noexcept;
     /// The local time of this process by the library's clock, in whole seconds.
     [[nodiscard]] static CORE_API Date getCurrentDate();
     /// The last tick in range.

@@ -6,10 +6,14 @@
 /// The constexpr bodies of Date, apart from its interface.
 namespace core {
 
-constexpr Date::Date(int year, int month, int day, int hour, int minute, int second) noexcept {
+constexpr bool Date::isMoment(int year, int month, int day, int hour, int minute, int second) noexcept {
     const auto within = [](int part, int count) { return part >= 0 && part < count; };
-    if (year < 1 || year > 9999 || day < 1 || day > calendar::days_per_month(year, month) ||
-        !within(hour, 24) || !within(minute, 60) || !within(second, 60))
+    return year >= 1 && year <= 9999 && day >= 1 && day <= calendar::days_per_month(year, month) &&
+           within(hour, 24) && within(minute, 60) && within(second, 60);
+}
+
+constexpr Date::Date(int year, int month, int day, int hour, int minute, int second) noexcept {
+    if (!isMoment(year, month, day, hour, minute, second))
         return;
     const auto time = static_cast<std::uint32_t>((hour * 60 + minute) * 60 + second);
     ticks_ = startOf(year, month, day) + time * static_cast<std::uint32_t>(kTicksPerSecond);
