@@ -2,7 +2,6 @@
 #pragma once
 
 #include <tuple>
-#include <utility>
 
 namespace core {
 
@@ -11,14 +10,14 @@ namespace core {
 /// same place. A default-made format must be the one of empty keys.
 template <class Format, class... Keys>
 const Format& cached_format(const Keys&... keys) {
-    thread_local std::tuple<Keys...> lastKeys;
-    thread_local Format last;
-    if (lastKeys != std::tie(keys...)) {
-        std::tuple<Keys...> newKeys(keys...);
-        last = Format(keys...);
-        lastKeys = std::move(newKeys);
-    }
-    return last;
+    struct Entry {
+        std::tuple<Keys...> keys;
+        Format format;
+    };
+    thread_local Entry last;
+    if (last.keys != std::tie(keys...))
+        last = Entry{std::tuple<Keys...>(keys...), Format(keys...)};
+    return last.format;
 }
 
 } // namespace core

@@ -168,7 +168,10 @@ bool NumericFormat::parse(wstring_view text, Numeric& number, const wchar** end)
 }
 
 const NumericFormat& default_numeric_format() {
-    return cached_format<NumericFormat>(current_settings().numericFormat);
+    // Nearly every process keeps the plain form, and every text of a number comes through here.
+    static const NumericFormat plain;
+    const wstring& format = current_settings().numericFormat;
+    return format.empty() ? plain : cached_format<NumericFormat>(format);
 }
 
 } // namespace core
