@@ -35,12 +35,19 @@ struct ClassEntry {
 /// The head of the calling module's list. Each module, hence each shared library and program, has its own.
 [[gnu::visibility("hidden")]] inline constinit ClassEntry* module_class_entries = nullptr;
 
+/// Puts a declaration at the head of the calling module's list.
+[[gnu::visibility("hidden")]] inline void declare_class(ClassEntry& entry) noexcept {
+    entry.next = module_class_entries;
+    module_class_entries = &entry;
+}
+
 /// Makes the class factory of a record. Never throws; kNoInterface for an interface that a factory does not
 /// have.
 CORE_API HRESULT create_class_factory(const ClassRecord& record, const GUID& iid, void** out) noexcept;
 
 namespace detail {
 
+/// What makes the objects of `T`: SCOM_InternalClass<T>, or `T::instance()` for one object that everybody shares.
 template <class T>
 HRESULT create_instance(IUnknown* outer, const GUID& iid, void** out) {
     if (out == nullptr)
@@ -48,7 +55,7 @@ HRESULT create_instance(IUnknown* outer, const GUID& iid, void** out) {
     *out = nullptr;
     if (outer != nullptr)
         return kNoInterface;
-    if constexpr (requires { T::instance(); }) { // one object for the whole process
+    if constexpr (requires { T::instance(); }) {
         return T::instance()->QueryInterface(iid, out);
     } else {
         const auto object = SCOM_InternalClass<T>::create();
@@ -56,24 +63,25 @@ HRESULT create_instance(IUnknown* outer, const GUID& iid, void** out) {
     }
 }
 
+template <class T>
+ClassRecord class_record(const GUID& clsid, const char* name, bool scriptClass, const GUID* service) noexcept {
+    return {.clsid = &clsid,
+            .createInstance = &create_instance<T>,
+            .getFactory = &create_class_factory,
+            .name = name,
+            .service = service,
+            .scriptClass = scriptClass ? 1U : 0U};
+}
+
 } // namespace detail
 
-/// Declares class `T` under a class id, as a static object of a source file of its module. Objects come from
-/// SCOM_InternalClass<T>, or from `T::instance()` where the class has one object for everybody.
-/// `scriptClass` is true for the type and factory classes of the script layer.
+/// Declares class `T` under a class id, as a static object of a source file of its module. `scriptClass` is true for the type and factory classes of the script layer.
 template <class T, const GUID* clsid, bool scriptClass = false>
 class SCOM_ClassEntryInit {
   public:
     explicit SCOM_ClassEntryInit(const char* name, const GUID* service = nullptr) noexcept {
-        entry_.record = {.clsid = clsid,
-                         .createInstance = &detail::create_instance<T>,
-                         .getFactory = [](const ClassRecord& record, const GUID& iid,
-                                          void** out) { return create_class_factory(record, iid, out); },
-                         .name = name,
-                         .service = service,
-                         .scriptClass = scriptClass ? 1U : 0U};
-        entry_.next = module_class_entries;
-        module_class_entries = &entry_;
+        entry_.record = detail::class_record<T>(*clsid, name, scriptClass, service);
+        declare_class(entry_);
     }
     SCOM_ClassEntryInit(const SCOM_ClassEntryInit&) = delete;
     SCOM_ClassEntryInit& operator=(const SCOM_ClassEntryInit&) = delete;

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <core/runtime/error.h>
+#include <core/runtime/process.h>
+#include <core/serialization/list_in_stream.h>
+#include <core/serialization/list_out_stream.h>
+#include <core/serialization/memory_stream.h>
+#include <core/serialization/persistence.h>
+#include <core/values/generic_value.h>
+
+namespace core {
+namespace {
+
+/// The tag of each kind in the order of ValueKind.
+constexpr wchar kTags[] = u"ULBNSDT#";
+
+wchar tag_of(ValueKind kind) noexcept {
+    return kTags[static_cast<std::size_t>(kind)];
+}
+
+[[noreturn]] void malformed() {
+    throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
+}
+
+void serialize_object(IOutPersistenceStorage* storage, const Value& value) {
+    const auto object = value.query<IPersistableObject>();
+    if (!object)
+        throw_error<ContextException>("IDS_VALUE_NOT_SERIALIZABLE", {value.type().presentation()});
+    storage->listStream().put(object->getCLSID());
+    object->serialize(storage);
+}
+
+GenericValue deserialize_object(IInPersistenceStorage* storage) {
+    GUID clsid;
+    storage->listStream().get(clsid);
+    const InterfacePtr<IPersistableObject> object = create_object<IPersistableObject>(clsid);
+    const auto value = object.query<IValue>();
+    if (!value)
+        throw_error<TypeException>("IDS_TYPEERROR_TYPENOTDEFINED", {to_string(clsid)});
+    object->deserialize(storage);
+    return GenericValue(value);
+}
+
+template <class T>
+GenericValue get_payload(ListInStream& in) {
+    T payload{};
+    in.get(payload);
+    return GenericValue(std::move(payload));
+}
+
+GenericValue get_payload_of(wchar tag, IInPersistenceStorage* storage) {
+    ListInStream& in = storage->listStream();
+    switch (tag) {
+    case u'U':
+        return {};
+    case u'L':
+        return Value::null();
+    case u'B':
+        return get_payload<bool>(in);
+    case u'N':
+        return get_payload<Numeric>(in);
+    case u'S':
+        return get_payload<wstring>(in);
+    case u'D':
+        return get_payload<Date>(in);
+    case u'T': {
+        GUID id;
+        in.get(id);
+        return GenericValue(Type(id));
+    }
+    case u'#':
+        return deserialize_object(storage);
+    default:
+        malformed();
+    }
+}
+
+} // namespace
+
+void GenericValue::serialize(IOutPersistenceStorage* storage) const {
+    const Nesting::Level level(storage->nesting());
+    ListOutStream& out = storage->listStream();
+    out.putBeginOfList();
+    const wchar tag = tag_of(kind());
+    out.put(&tag, 1);
+    switch (kind()) {
+    case ValueKind::undefined:
+    case ValueKind::null:
+        break;
+    case ValueKind::boolean:
+        out.put(isTrue());
+        break;
+    case ValueKind::number:
+        out.put(*asNumeric());
+        break;
+    case ValueKind::string:
+        out.put(asString()->data(), static_cast<unsigned>(asString()->size()));
+        break;
+    case ValueKind::date:
+        out.put(*asDate());
+        break;
+    case ValueKind::type:
+        out.put(asType()->id());
+        break;
+    case ValueKind::object:
+        serialize_object(storage, *this);
+    }
+    out.putEndOfList();
+}
+
+GenericValue GenericValue::deserialize(IInPersistenceStorage* storage) {
+    const Nesting::Level level(storage->nesting());
+    ListInStream& in = storage->listStream();
+    in.getBeginOfList();
+    wchar tag[2] = {};
+    in.get(tag, 2);
+    GenericValue value = get_payload_of(tag[0], storage);
+    in.getEndOfList();
+    return value;
+}
+
+void GenericValue::toString(wstring& text) const {
+    MemoryOutStream memory;
+    ListOutStream out(memory);
+    ListOutStorage storage(out);
+    serialize(&storage);
+    text = memory.take();
+}
+
+GenericValue GenericValue::fromString(wstring_view text) {
+    MemoryInStream memory(text);
+    ListInStream in(memory);
+    ListInStorage storage(in);
+    GenericValue value = deserialize(&storage);
+    skip_spaces(memory);
+    if (memory.peek() != MemoryInStream::traits_type::eof())
+        malformed();
+    return value;
+}
+
+} // namespace core

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/values/primitive_types.h"
+
+#include <core/runtime/error.h>
+#include <core/values/generic_value.h>
+#include <core/values/type_object.h>
+#include <core/values/type_service.h>
+
+namespace core {
+namespace {
+
+IType* primitive(Type::Code code) noexcept {
+    if (code == Type::type)
+        return detail::primitive_type(ValueKind::type);
+    return code >= Type::undefined && code <= Type::date
+               ? detail::primitive_type(static_cast<ValueKind>(code))
+               : nullptr;
+}
+
+/// Asks the type service for `key`, which is an id or a name.
+template <class Key>
+IType* registered(const Key& key, const wstring& keyText) {
+    auto* const service = get_service<ITypeValueService>();
+    IType* const type = service != nullptr ? service->findType(key) : nullptr;
+    if (type == nullptr)
+        throw_error<TypeException>("IDS_TYPEERROR_TYPENOTDEFINED", {keyText});
+    return type;
+}
+
+IType* primitive(const GUID& id) noexcept {
+    for (const Type::Code code :
+         {Type::undefined, Type::null, Type::boolean, Type::number, Type::string, Type::date, Type::type}) {
+        if (primitive(code)->id() == id)
+            return primitive(code);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+Type::Type(Code code) noexcept : type_(primitive(code)) {}
+
+Type::Type(const GUID& id) : type_(primitive(id)) {
+    if (type_ == nullptr)
+        type_ = registered(id, to_string(id));
+}
+
+Type::Type(wstring_view name) : type_(registered(name, wstring(name))) {}
+
+Type::Code Type::code() const noexcept {
+    return type_ != nullptr ? static_cast<Code>(type_->code()) : object;
+}
+
+wstring TypeObject::presentation() const {
+    return message_text(info_.presentation);
+}
+
+GenericValue TypeObject::construct(std::span<GenericValue> arguments) {
+    const auto count = static_cast<std::int32_t>(arguments.size());
+    const Arguments bounds = info_.arguments;
+    if (info_.construct == nullptr)
+        throw_error<CtorException>("IDS_CTORERROR_NOCONSTRUCTOR", {presentation()});
+    if (count < bounds.least || (bounds.most >= 0 && count > bounds.most))
+        throw_error<CtorException>("IDS_CTORERROR_BADPARAMCOUNT", {presentation()});
+    return info_.construct(arguments);
+}
+
+} // namespace core

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// Values and types: the universal value and its holders, exact numbers, dates, strings, and types as values.
+#include <core/dates.h>
+#include <core/formats.h>
+#include <core/numbers.h>
+#include <core/strings.h>
+#include <core/values/create_value.h>
+#include <core/values/generic_value.h>
+#include <core/values/type.h>
+#include <core/values/type_object.h>
+#include <core/values/type_service.h>
+#include <core/values/value.h>
+#include <core/values/value_impl.h>

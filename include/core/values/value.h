@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/values/primitive_values.h>
+
+#include <concepts>
+#include <cstdint>
+#include <utility>
+
+namespace core {
+
+/// What a value is, where the difference matters to code.
+enum class ValueKind : std::uint8_t { undefined, null, boolean, number, string, date, type, object };
+
+/// Holds one value, never none: a null pointer becomes Undefined.
+///
+/// One word, in whose lowest bits the kind stands, so that telling kinds apart and reading primitive values
+/// touch no more than the payload. Undefined, Null and the Booleans, whose objects everybody shares, are the
+/// word alone. Copies count, moves do not and leave Undefined.
+class CORE_API Value {
+  public:
+    Value() = default;
+    template <std::same_as<bool> T>
+    Value(T value) noexcept : bits_(tag(ValueKind::boolean) | (value ? kTrueBit : 0)) {}
+    template <NumericInteger T>
+    Value(T value) : bits_(make(value)) {}
+    Value(double value);
+    Value(const Numeric& value) : Value(Numeric(value)) {}
+    Value(Numeric&& value);
+    Value(wstring_view text);
+    Value(const wstring& text) : Value(wstring_view(text)) {}
+    /// Zero-terminated; null gives the empty string.
+    Value(const wchar* text) : Value(text != nullptr ? wstring_view(text) : wstring_view()) {}
+    Value(Date value);
+    Value(const Type& type);
+    /// Takes a reference of its own.
+    Value(IValue* value);
+    template <std::derived_from<IValue> T>
+    Value(const InterfacePtr<T>& value) : Value(static_cast<IValue*>(value.get())) {}
+    Value(std::nullptr_t) noexcept {}
+
+    Value(const Value& other) noexcept : bits_(other.bits_) { acquire(); }
+    Value(Value&& other) noexcept : bits_(std::exchange(other.bits_, 0)) {}
+    ~Value() { release(); }
+    Value& operator=(const Value& other) noexcept {
+        other.acquire(); // before release: both may be one object's
+        release();
+        bits_ = other.bits_;
+        return *this;
+    }
+    Value& operator=(Value&& other) noexcept {
+        std::swap(bits_, other.bits_);
+        return *this;
+    }
+
+    [[nodiscard]] static Value null() noexcept { return Value(Bits{tag(ValueKind::null)}); }
+
+    // modify
+    /// Holds `value`, or Undefined for null. Takes the new reference before it releases the old one.
+    void setIValue(IValue* value) { *this = Value(value); }
+    friend void swap(Value& a, Value& b) noexcept { std::swap(a.bits_, b.bits_); }
+
+    // inspect
+    [[nodiscard]] ValueKind kind() const noexcept { return static_cast<ValueKind>(bits_ & kTagMask); }
+    [[nodiscard]] bool isUndefined() const noexcept { return bits_ == 0; }
+    [[nodiscard]] bool isObject() const noexcept { return kind() == ValueKind::object; }
+    /// The payload when the value is of that kind, else null. Borrowed from the value.
+    [[nodiscard]] const Numeric* asNumeric() const noexcept {
+        return kind() == ValueKind::number ? &number()->payload() : nullptr;
+    }
+    [[nodiscard]] const Date* asDate() const noexcept {
+        return kind() == ValueKind::date ? &as<DateValue>()->payload() : nullptr;
+    }
+    [[nodiscard]] const Type* asType() const noexcept {
+        return kind() == ValueKind::type ? &as<TypeValue>()->payload() : nullptr;
+    }
+    [[nodiscard]] const wstring_view* asString() const noexcept {
+        return kind() == ValueKind::string ? static_cast<const wstring_view*>(string()->getDataPtr())
+                                           : nullptr;
+    }
+    [[nodiscard]] bool isTrue() const noexcept { return bits_ == (tag(ValueKind::boolean) | kTrueBit); }
+    [[nodiscard]] bool isFalse() const noexcept { return bits_ == tag(ValueKind::boolean); }
+    /// The interface `T` of an object value with a reference; null for primitive values and for objects
+    /// without it.
+    template <Interface T>
+    [[nodiscard]] InterfacePtr<T> query() const noexcept {
+        return isObject() ? InterfacePtr<T>(object()) : InterfacePtr<T>();
+    }
+    /// The same as an interface pointer.
+    [[nodiscard]] InterfacePtr<IValue> getIValue() const noexcept { return InterfacePtr<IValue>(object()); }
+    /// The object behind the value, borrowed, never null.
+    [[nodiscard]] IValue* object() const noexcept;
+    [[nodiscard]] Type type() const noexcept { return Type(object()->getType()); }
+
+    // read: true when the value has such a reading, see IValue
+    bool getBoolean(bool& out) const { return object()->getBoolean(out); }
+    bool getNumeric(Numeric& out) const { return object()->getNumeric(out); }
+    bool getString(wstring& out) const { return object()->getString(out); }
+    bool getDate(Date& out) const { return object()->getDate(out); }
+    /// The string reading.
+    [[nodiscard]] wstring presentation() const {
+        wstring text;
+        getString(text);
+        return text;
+    }
+
+    // compare
+    [[nodiscard]] std::int32_t hashCode() const noexcept;
+    [[nodiscard]] bool equals(const Value& other) const noexcept;
+    [[nodiscard]] bool equals(const IValue* other) const noexcept { return object()->isEqual(other); }
+    friend bool operator==(const Value& a, const Value& b) noexcept { return a.equals(b); }
+
+  private:
+    enum class Bits : std::uintptr_t {};
+    static constexpr std::uintptr_t kTagMask = 7;
+    static constexpr std::uintptr_t kTrueBit = 8;
+
+    explicit Value(Bits bits) noexcept : bits_(static_cast<std::uintptr_t>(bits)) {}
+    static constexpr std::uintptr_t tag(ValueKind kind) noexcept { return static_cast<std::uintptr_t>(kind); }
+    template <NumericInteger T>
+    static std::uintptr_t make(T value) {
+        if constexpr (std::is_unsigned_v<T> && sizeof(T) == sizeof(std::uint64_t))
+            return makeUnsigned(value);
+        else
+            return makeSigned(static_cast<std::int64_t>(value));
+    }
+    static std::uintptr_t makeSigned(std::int64_t value);
+    static std::uintptr_t makeUnsigned(std::uint64_t value);
+
+    [[nodiscard]] bool counted() const noexcept { return (bits_ & kTagMask) >= tag(ValueKind::number); }
+    template <class T>
+    [[nodiscard]] T* as() const noexcept {
+        return static_cast<T*>(primitive());
+    }
+    [[nodiscard]] PrimitiveValue* primitive() const noexcept {
+        return static_cast<PrimitiveValue*>(reinterpret_cast<IValue*>(bits_ & ~kTagMask));
+    }
+    [[nodiscard]] NumberValue* number() const noexcept { return as<NumberValue>(); }
+    [[nodiscard]] StringValue* string() const noexcept { return as<StringValue>(); }
+
+    void acquire() const noexcept {
+        if (counted())
+            isObject() ? static_cast<void>(object()->AddRef()) : static_cast<void>(primitive()->acquire());
+    }
+    void release() noexcept {
+        if (counted())
+            isObject() ? static_cast<void>(object()->Release()) : static_cast<void>(primitive()->release());
+    }
+
+    friend class GenericValueAccess;
+    std::uintptr_t bits_ = 0;
+};
+
+/// Key functors of tables keyed by values: the value's own hash and equality.
+struct GenericValueHash {
+    std::size_t operator()(const Value& value) const noexcept {
+        return static_cast<std::size_t>(static_cast<std::uint32_t>(value.hashCode()));
+    }
+};
+struct GenericValueCompare {
+    bool operator()(const Value& a, const Value& b) const noexcept { return a.equals(b); }
+};
+
+/// The order of values: negative, 0, positive. Kinds first (Undefined, Null, Boolean, Number, String, Date,
+/// Type, objects), then within a kind: false before true, numbers and dates by size, strings by the collation
+/// of the process's locale with ties by code units, types and objects by presentation.
+[[nodiscard]] CORE_API int compare_values(const Value& a, const Value& b);
+
+} // namespace core

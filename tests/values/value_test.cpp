@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: Apache-2.0
+// Concerns: what is shared and what is made; holders never empty and safe to assign to themselves; readings
+// across kinds; equality, hashes and order that agree; foreign values that only look like the library's own.
+#include <core/runtime.h>
+#include <core/values.h>
+#include <host/host_process.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+using namespace core;
+
+class Values : public testing::Test {
+  protected:
+    host::HostProcess process_;
+};
+
+TEST_F(Values, SharedInstancesAreOneObjectEach) {
+    EXPECT_EQ(create_undefined_value().get(), create_undefined_value().get());
+    EXPECT_EQ(create_null_value().get(), create_null_value().get());
+    EXPECT_EQ(create_boolean_value(true).get(), create_boolean_value(true).get());
+    EXPECT_NE(create_boolean_value(true).get(), create_boolean_value(false).get());
+    IValue* const zero = create_numeric_value(0).get();
+    EXPECT_EQ(create_numeric_value(0.0).get(), zero);
+    EXPECT_EQ(create_numeric_value(-0.0).get(), zero);
+    EXPECT_EQ(create_numeric_value(std::uint64_t{0}).get(), zero);
+    EXPECT_EQ(create_numeric_value(short{0}).get(), zero);
+    EXPECT_EQ(create_numeric_value(Numeric()).get(), zero);
+    EXPECT_NE(create_numeric_value(1).get(), create_numeric_value(1).get());
+    EXPECT_EQ(create_date_value(Date()).get(), create_date_value(Date()).get());
+    EXPECT_EQ(create_string_value(u"").get(), create_string_value(wstring()).get());
+    for (IValue* shared : {zero, create_string_value(u"").get(), create_undefined_value().get()}) {
+        EXPECT_EQ(shared->AddRef(), 0U);
+        EXPECT_EQ(shared->Release(), 0U);
+    }
+}
+
+TEST_F(Values, AHolderIsNeverEmptyAndAssignsToItself) {
+    Value value(static_cast<IValue*>(nullptr));
+    EXPECT_TRUE(value.isUndefined());
+    EXPECT_EQ(value.type(), Type(Type::undefined));
+    EXPECT_EQ(value.getIValue().get(), create_undefined_value().get());
+    value = Value(wstring(100, u'x'));
+    value.setIValue(value.getIValue().get());
+    value = *&value;
+    EXPECT_EQ(value.asString()->size(), 100U);
+    Value moved(std::move(value));
+    EXPECT_EQ(moved.asString()->back(), u'x');
+    value = moved;
+    EXPECT_EQ(value.getIValue().get(), moved.getIValue().get());
+    value.setIValue(nullptr);
+    EXPECT_TRUE(value.isUndefined());
+}
+
+TEST_F(Values, LettingGoOfValuesLeavesNothingAlive) {
+    const auto alive = [] {
+        return live_counter<NumberValue>.count() + live_counter<StringValue>.count() +
+               live_counter<DateValue>.count() + live_counter<TypeValue>.count();
+    };
+    const auto before = alive();
+    {
+        std::vector<Value> values;
+        for (int i = 1; i < 1000; ++i) {
+            values.emplace_back(i);
+            values.emplace_back(string_intto(i) + wstring(static_cast<std::size_t>(i), u'.'));
+            values.emplace_back(Date(static_cast<std::uint64_t>(i)));
+            values.emplace_back(Type(Type::number));
+        }
+        const std::vector<Value> copies(values);
+        EXPECT_EQ(alive(), before + 4 * 999);
+    }
+    EXPECT_EQ(alive(), before);
+}
+
+TEST_F(Values, EveryKindKnowsItsTypeAndPayload) {
+    const struct {
+        Value value;
+        Type::Code code;
+        const wchar* english;
+        const wchar* russian;
+    } cases[] = {
+        {Value(), Type::undefined, u"Undefined", u"Неопределено"},
+        {Value::null(), Type::null, u"Null", u"Null"},
+        {Value(true), Type::boolean, u"Boolean", u"Булево"},
+        {Value(1), Type::number, u"Number", u"Число"},
+        {Value(u"a"), Type::string, u"String", u"Строка"},
+        {Value(Date(2004, 3, 1)), Type::date, u"Date", u"Дата"},
+        {Value(Type(Type::date)), Type::type, u"Type", u"Тип"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.value.type(), Type(c.code));
+        EXPECT_STREQ(reinterpret_cast<const char*>(to_utf8(c.value.type().name(0)).c_str()),
+                     to_utf8(c.english).c_str());
+        EXPECT_EQ(wstring(c.value.type().name(1)), c.russian);
+        EXPECT_EQ(c.value.type().name(2), nullptr);
+        EXPECT_EQ(Type(c.value.type().id()), Type(c.code));
+        EXPECT_EQ(Type(wstring_view(c.russian)), Type(c.code));
+        EXPECT_FALSE(c.value.type().presentation().empty());
+        // A pointer leads back to the same kind and payload.
+        const Value again(c.value.getIValue());
+        EXPECT_EQ(again.kind(), c.value.kind());
+        EXPECT_EQ(again.getIValue()->getDataPtr(), c.value.getIValue()->getDataPtr());
+    }
+    EXPECT_FALSE(Type(static_cast<Type::Code>(6)).isDefined());
+    EXPECT_THROW(Type(u"NoSuchType"), TypeException);
+    EXPECT_THROW(Type("12345678-1234-1234-1234-123456789abc"_guid), TypeException);
+    EXPECT_EQ(Type(u"nUmBeR"), Type(Type::number));
+    EXPECT_EQ(*static_cast<const wstring_view*>(Value(u"abc").object()->getDataPtr()), u"abc");
+}
+
+TEST_F(Values, QueriesReachTheInterfacesOfEachKind) {
+    const auto number = create_numeric_value(5);
+    EXPECT_FALSE(number.query<IValueIsEmpty>()->isEmpty());
+    EXPECT_TRUE(create_numeric_value(0).query<IValueIsEmpty>()->isEmpty());
+    EXPECT_TRUE(create_date_value(Date()).query<IValueIsEmpty>()->isEmpty());
+    EXPECT_FALSE(create_string_value(u"").query<IValueIsEmpty>());
+    EXPECT_TRUE(number.query<IValueSerialize>());
+    EXPECT_EQ(number.query<IUnknown>().get(), number.query<IValueSerialize>().query<IUnknown>().get());
+    EXPECT_EQ(number->AddRef(), 2U);
+    EXPECT_EQ(number->Release(), 1U);
+}
+
+TEST_F(Values, ReadAcrossKinds) {
+    bool boolean = true;
+    Numeric numeric(7);
+    Date date(2000, 1, 1);
+    wstring text = u"x";
+    for (const Value& value : {Value(), Value::null(), Value(Type(Type::null))}) {
+        boolean = true;
+        EXPECT_FALSE(value.getBoolean(boolean));
+        EXPECT_FALSE(boolean);
+        EXPECT_FALSE(value.getNumeric(numeric));
+        EXPECT_EQ(numeric, Numeric());
+        EXPECT_FALSE(value.getDate(date));
+        EXPECT_TRUE(date.isEmpty());
+        EXPECT_TRUE(value.getString(text));
+    }
+    EXPECT_TRUE(Value(Numeric::fromString(u"-0.5")).getBoolean(boolean) && boolean);
+    EXPECT_TRUE(Value(0).getBoolean(boolean) && !boolean);
+    EXPECT_FALSE(Value(true).getNumeric(numeric));
+    EXPECT_EQ(Value(Numeric::fromString(u"-1234567.50")).presentation(), u"-1234567.5");
+    EXPECT_EQ(Value(true).presentation(), u"Yes");
+}
+
+TEST_F(Values, StringsReadAsBooleansNumbersAndDates) {
+    const struct {
+        const wchar* text;
+        int boolean; // -1: no reading
+    } booleans[] = {{u"  истина\t", 1}, {u"TRUE", 1}, {u"False ", 0}, {u"ложь", 0}, {u"Yes", 1},
+                    {u"True x", -1},    {u"", -1},    {u"Truex", -1}, {u" ", -1},   {u"1", -1}};
+    for (const auto& c : booleans) {
+        bool value = true;
+        EXPECT_EQ(Value(c.text).getBoolean(value), c.boolean >= 0) << to_utf8(c.text);
+        EXPECT_EQ(value, c.boolean == 1) << to_utf8(c.text);
+    }
+    const struct {
+        const wchar* text;
+        const wchar* number; // null: no reading
+    } numbers[] = {{u" 12 ", u"12"}, {u"-.5", u"-0.5"}, {u"5.", u"5"},     {u"12x", nullptr},
+                   {u"", nullptr},   {u"-", nullptr},   {u"1 2", nullptr}, {u" \t+7\r\n", u"7"}};
+    for (const auto& c : numbers) {
+        Numeric value(3);
+        EXPECT_EQ(Value(c.text).getNumeric(value), c.number != nullptr) << to_utf8(c.text);
+        EXPECT_EQ(value, c.number != nullptr ? Numeric::fromString(c.number) : Numeric()) << to_utf8(c.text);
+    }
+    Date date;
+    EXPECT_TRUE(Value(u"20040301130507   ").getDate(date));
+    EXPECT_EQ(date, Date(2004, 3, 1, 13, 5, 7));
+    EXPECT_TRUE(Value(Value(date).presentation()).getDate(date));
+    EXPECT_EQ(date, Date(2004, 3, 1, 13, 5, 7));
+    EXPECT_FALSE(Value(u"20040301130507x").getDate(date));
+    EXPECT_TRUE(date.isEmpty());
+}
+
+TEST_F(Values, EqualityNeverCrossesTypesAndHashesFollowIt) {
+    EXPECT_FALSE(Value(0).equals(Value(false)));
+    EXPECT_FALSE(Value(1).equals(Value(u"1")));
+    EXPECT_TRUE(Value(Numeric::fromString(u"1.0")).equals(Value(1)));
+    EXPECT_FALSE(Value(u"a").equals(Value(u"A")));
+    EXPECT_TRUE(Value(u"ab").equals(Value(u"ab").getIValue().get()));
+    EXPECT_FALSE(Value(u"").equals(static_cast<IValue*>(nullptr)));
+    EXPECT_TRUE(GenericValue(5).equals(5) && GenericValue(u"x").equals(u"x") &&
+                GenericValue(true).equals(true));
+    EXPECT_FALSE(GenericValue(5).equals(u"5"));
+
+    EXPECT_EQ(Value().hashCode(), 0x7FFFFFFF);
+    EXPECT_EQ(Value::null().hashCode(), 0x7FFFFFFE);
+    EXPECT_EQ(Value(false).hashCode(), 0x7FFFFFFC);
+    EXPECT_EQ(Value(true).hashCode(), 0x7FFFFFFD);
+    EXPECT_EQ(Value(Numeric::fromString(u"-42.9")).hashCode(), -42);
+    EXPECT_EQ(Value(std::int64_t{1} << 32).hashCode(), 0);
+    EXPECT_EQ(Value(Date(std::uint64_t{123456789})).hashCode(), 12345);
+    EXPECT_EQ(Value(u"").hashCode(), 0);
+    EXPECT_EQ(Value(u"ab").hashCode(), 'a' * 5 + 'b');
+    const Value text(u"Имя");
+    EXPECT_EQ(text.hashCode(), text.hashCode());
+    EXPECT_EQ(text.hashCode(), ((0x418 * 5) + 0x43C) * 5 + 0x44F);
+}
+
+TEST_F(Values, OrderIsTotalAcrossKinds) {
+    const Value ascending[] = {Value(),
+                               Value::null(),
+                               Value(false),
+                               Value(true),
+                               Value(-5),
+                               Value(0.25),
+                               Value(7),
+                               Value(u"a"),
+                               Value(u"B"),
+                               Value(u"b"),
+                               Value(Date(1, 1, 2)),
+                               Value(Date(2000, 1, 1)),
+                               Value(Type(Type::boolean))};
+    const std::size_t count = std::size(ascending);
+    for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t j = 0; j < count; ++j) {
+            const int order = compare_values(ascending[i], ascending[j]);
+            if (i == j || ascending[i].kind() != ValueKind::string ||
+                ascending[j].kind() != ValueKind::string) {
+                EXPECT_EQ(order < 0, i < j) << i << ' ' << j;
+                EXPECT_EQ(order == 0, i == j);
+            }
+            EXPECT_EQ(order, -compare_values(ascending[j], ascending[i]));
+        }
+    }
+}
+
+/// Claims to be a Number, as another module's own number class would.
+class ForeignNumber : public IValueImpl {
+  public:
+    using Interfaces = InterfaceList<IValue>;
+    IType* getType() const noexcept override { return Type(Type::number).get(); }
+    const void* getDataPtr() const noexcept override { return &value_; }
+    bool getNumeric(Numeric& out) const override {
+        out = value_;
+        return true;
+    }
+
+  private:
+    Numeric value_{5};
+};
+
+TEST_F(Values, AForeignNumberIsAnObjectThatReadsAsOne) {
+    const Value foreign(SCOM_InternalClass<ForeignNumber>::create());
+    EXPECT_TRUE(foreign.isObject());
+    EXPECT_EQ(foreign.asNumeric(), nullptr);
+    EXPECT_EQ(foreign.type(), Type(Type::number));
+    EXPECT_TRUE(Value(5).equals(foreign));
+    Numeric read;
+    EXPECT_TRUE(foreign.getNumeric(read));
+    EXPECT_EQ(read, Numeric(5));
+}
+
+TEST_F(Values, ObjectsAreEqualToThemselvesAloneAndHaveNoReadings) {
+    const Value a(SCOM_InternalClass<ForeignNumber>::create());
+    const Value b(SCOM_InternalClass<ForeignNumber>::create());
+    EXPECT_TRUE(a.equals(a) && !a.equals(b));
+    EXPECT_EQ(a.hashCode(), Value(a).hashCode());
+    bool boolean = true;
+    EXPECT_FALSE(a.getBoolean(boolean) || boolean);
+    EXPECT_EQ(a.presentation(), u"");
+}
+
+} // namespace
