@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <core/context/context_table.h>
+#include <core/runtime/error.h>
+#include <core/strings/integer_text.h>
+
+namespace core {
+
+bool Param::getDefault(GenericValue* value) const {
+    if (byDefault == ParamDefault::none)
+        return false;
+    if (value == nullptr)
+        return true;
+    switch (byDefault) {
+    case ParamDefault::none:
+    case ParamDefault::undefined:
+        *value = GenericValue();
+        break;
+    case ParamDefault::emptyString:
+        *value = GenericValue(u"");
+        break;
+    case ParamDefault::falseValue:
+        *value = GenericValue(false);
+        break;
+    case ParamDefault::resourceText:
+        *value = GenericValue(message_text(resource));
+        break;
+    }
+    return true;
+}
+
+void detail::bad_property(int prop) {
+    throw_error<ContextException>("IDS_CONTEXT_NO_PROPERTY", {string_intto(prop)});
+}
+
+void detail::bad_method(int method) {
+    throw_error<ContextException>("IDS_CONTEXT_NO_METHOD", {string_intto(method)});
+}
+
+void detail::unreadable_property(const wchar* name) {
+    throw_error<ContextException>("IDS_CONTEXT_PROPERTY_NOT_READABLE", {name});
+}
+
+void detail::unwritable_property(const wchar* name) {
+    throw_error<ContextException>("IDS_CONTEXT_PROPERTY_NOT_WRITABLE", {name});
+}
+
+void detail::complete_arguments(std::span<const Param> params, std::vector<GenericValue>& arguments,
+                                const wchar* method) {
+    if (arguments.size() > params.size())
+        throw_error<ContextException>("IDS_CONTEXT_TOO_MANY_ARGUMENTS",
+                                      {method, string_intto(params.size())});
+    std::vector<GenericValue> defaults;
+    for (std::size_t i = arguments.size(); i < params.size(); ++i) {
+        GenericValue value;
+        if (!params[i].getDefault(&value))
+            throw_error<ContextException>("IDS_CONTEXT_MISSING_ARGUMENT", {method, string_intto(i + 1)});
+        defaults.push_back(std::move(value));
+    }
+    arguments.insert(arguments.end(), std::make_move_iterator(defaults.begin()),
+                     std::make_move_iterator(defaults.end()));
+}
+
+} // namespace core

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/context/context_def.h>
+#include <core/strings/names.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace core {
+
+/// A table from names in any case to numbers. Of two equal names the one added first stays, so that a lower
+/// number wins, and English wins over Russian. Names are copied.
+class CORE_API NameTable {
+  public:
+    /// Adds the names of numbers 0 ... `count` - 1: for each the aliases 0, 1, ... while `name(number,
+    /// alias)` is not null.
+    template <class Name>
+    void build(int count, Name name) {
+        clear();
+        reserve(count);
+        for (int number = 0; number < count; ++number) {
+            for (int alias = 0;; ++alias) {
+                const wchar* const text = name(number, alias);
+                if (text == nullptr)
+                    break;
+                add(text, number);
+            }
+        }
+    }
+    void reserve(int count);
+    void add(wstring_view name, int number);
+    void clear() noexcept;
+
+    /// The number of a name, or -1.
+    [[nodiscard]] int find(wstring_view name) const noexcept;
+    /// How many different names there are.
+    [[nodiscard]] std::size_t size() const noexcept { return entries_.size(); }
+
+  private:
+    struct Entry {
+        NameFingerprint fingerprint;
+        std::int32_t number;
+        std::uint32_t offset; // of the name in names_
+        std::uint32_t length;
+    };
+
+    [[nodiscard]] std::size_t slotOf(wstring_view name, const NameFingerprint& fingerprint) const noexcept;
+    [[nodiscard]] wstring_view nameOf(const Entry& entry) const noexcept {
+        return wstring_view(names_).substr(entry.offset, entry.length);
+    }
+    void grow();
+
+    std::vector<Entry> entries_;
+    std::vector<std::uint32_t>
+        slots_; // index of an entry plus one, 0 for none; a power of two of them, half full
+    wstring names_;
+};
+
+/// Finds properties and methods by tables that are built when first needed, one for each. Not for use by two
+/// threads while it builds.
+class CORE_API ContextDefCached {
+  public:
+    [[nodiscard]] int findProp(const IContextDef& def, const wchar* name) const {
+        if (!props_.built)
+            initPropsCache(def);
+        return props_.table.find(name);
+    }
+    [[nodiscard]] int findMethod(const IContextDef& def, const wchar* name) const {
+        if (!methods_.built)
+            initMethodsCache(def);
+        return methods_.table.find(name);
+    }
+    void initPropsCache(const IContextDef& def) const;
+    void initMethodsCache(const IContextDef& def) const;
+    /// Forgets the names; to be called when the set of names has changed.
+    void resetPropsCache() noexcept { props_.reset(); }
+    void resetMethodsCache() noexcept { methods_.reset(); }
+
+    /// The names that the table of properties holds; 0 before it is built.
+    [[nodiscard]] std::size_t propNames() const noexcept { return props_.table.size(); }
+
+  private:
+    struct Cache {
+        bool built = false;
+        NameTable table;
+        void reset() noexcept {
+            table.clear();
+            built = false;
+        }
+    };
+    mutable Cache props_;
+    mutable Cache methods_;
+};
+
+/// Finds properties and methods by walking their names on every call: for definitions whose names change more
+/// often than they are asked for.
+class CORE_API ContextDefNoncached {
+  public:
+    [[nodiscard]] int findProp(const IContextDef& def, const wchar* name) const;
+    [[nodiscard]] int findMethod(const IContextDef& def, const wchar* name) const;
+    void initPropsCache(const IContextDef&) const noexcept {}
+    void initMethodsCache(const IContextDef&) const noexcept {}
+    void resetPropsCache() noexcept {}
+    void resetMethodsCache() noexcept {}
+};
+
+} // namespace core
