@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/strings/names.h>
+
+#include <cstddef>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace host::script {
+
+/// The variables' names, each with a slot number: found without regard to case, kept as first written. The
+/// lines of a console share one.
+class Variables {
+  public:
+    /// The slot of a name, a new one if need be.
+    std::size_t slot(core::wstring_view name) {
+        const auto [found, added] = slots_.emplace(name, names_.size());
+        if (added)
+            names_.emplace_back(name);
+        return found->second;
+    }
+    [[nodiscard]] std::optional<std::size_t> find(core::wstring_view name) const {
+        const auto found = slots_.find(core::wstring(name));
+        return found != slots_.end() ? std::optional(found->second) : std::nullopt;
+    }
+    [[nodiscard]] std::size_t size() const noexcept { return names_.size(); }
+    [[nodiscard]] const core::wstring& name(std::size_t slot) const noexcept { return names_[slot]; }
+
+  private:
+    std::unordered_map<core::wstring, std::size_t, core::NocaseHash, core::NocaseEqual> slots_;
+    std::vector<core::wstring> names_;
+};
+
+} // namespace host::script

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+// The script reader: every construct in both languages, precedence, what is refused and where, and that no
+// text, however deep, long or broken, does harm.
+#include "host/script/parser.h"
+#include "tests/host/script_dump.h"
+
+#include <core/runtime/thread.h>
+#include <core/runtime/utf8.h>
+#include <host/host_process.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <utility>
+
+namespace host::script {
+namespace {
+
+std::shared_ptr<const Source> source(std::string_view text) {
+    return std::make_shared<Source>("test", core::from_utf8(text));
+}
+
+std::string tree(std::string_view text, Mode mode = Mode::file) {
+    Variables variables;
+    const Program program = parse(source(text), variables, mode);
+    return Dump(program, variables).all();
+}
+
+class ParserTest : public testing::Test {
+  protected:
+    /// "line:column message", or the tree when nothing is wrong.
+    static std::string refusal(std::string_view text) {
+        const auto script = source(text);
+        Variables variables;
+        try {
+            const Program program = parse(script, variables);
+            return Dump(program, variables).all();
+        } catch (const ScriptError& e) {
+            const Position at = script->position(e.span().offset);
+            return std::to_string(at.line) + ":" + std::to_string(at.column) + " " + e.what();
+        }
+    }
+
+    const HostProcess process_;
+};
+
+TEST_F(ParserTest, EveryStatementInBothLanguages) {
+    const std::string loops = "each x M {if (x.Value>3) {break;} if x {continue;} else {Print(x);}}";
+    EXPECT_EQ(tree("For Each x In M Do If x.Value > 3 Then Break; ElsIf x Then Continue Else Print(x); "
+                   "EndIf; EndDo"),
+              loops);
+    EXPECT_EQ(
+        tree("для каждого x Из M ЦИКЛ Если x.Value > 3 тогда Прервать ИначеЕсли x Тогда ПРОДОЛЖИТЬ;; Иначе "
+             "Print(x) КонецЕсли КонецЦикла;"),
+        loops);
+    EXPECT_EQ(tree("for i = 1 to n - 1 do while not a and b do enddo; enddo"),
+              "for i 1..(n-1) {while (!a&b) {}}");
+    EXPECT_EQ(tree("Для i = 1 По n - 1 Цикл Пока Не a И b Цикл КонецЦикла КонецЦикла"),
+              "for i 1..(n-1) {while (!a&b) {}}");
+    EXPECT_EQ(tree("a = TRUE; a = ложь; a = неопределено; a = null; a = новый Массив(2)"),
+              "a:=True; a:=False; a:=Undefined; a:=Null; a:=New Массив(2);");
+    EXPECT_EQ(tree("If a Then EndIf"), "if a {} else {}");
+    EXPECT_EQ(tree(";; // nothing\n ;"), "");
+}
+
+TEST_F(ParserTest, OperationsBindAsInSchool) {
+    EXPECT_EQ(tree("x = a + b * -c - d / e % f"), "x:=((a+(b*-c))-((d/e)%f));");
+    EXPECT_EQ(tree("x = Not a = b And c <> d Or Not Not e"), "x:=((!(a=b)&(c<>d))|!!e);");
+    EXPECT_EQ(tree("x = a <= b + 1 = +c"), "x:=((a<=(b+1))=c);");
+    EXPECT_EQ(tree("x = (a or b) and (c + d) * 2 >= 7"), "x:=((a|b)&(((c+d)*2)>=7));");
+}
+
+TEST_F(ParserTest, ChainsCallsAndOmittedArguments) {
+    EXPECT_EQ(tree("f(); f(,); f(a,,-b); f(,x)"), "f(); f(_,_); f(a,_,-b); f(_,x);");
+    EXPECT_EQ(tree("a.b.c(1)[d+1].e = New M"), "a.b.c(1)[(d+1)].e:=New M();");
+    EXPECT_EQ(tree("a[b[0]] = New Array(3).Count() + (c).d"), "a[b[0]]:=(New Array(3).Count()+c.d);");
+    EXPECT_EQ(tree("a.If.In(); a.В = New Not"),
+              "a.If.In(); a.В:=New Not();"); // words after "." and New are names
+}
+
+TEST_F(ParserTest, LiteralsKeepTheirText) {
+    EXPECT_EQ(tree("a = 007.50; b = 123456789012345678901234567890.1; c = '20240229'; d = '20240229235959'"),
+              "a:=007.50; b:=123456789012345678901234567890.1; c:='20240229'; d:='20240229235959';");
+    EXPECT_EQ(tree(R"(a = ""; b = """"; c = "x""y//z";)"), R"(a:=""; b:="""; c:="x"y//z";)");
+    EXPECT_EQ(tree("a = \"one\n\t |two\r\n|\"\"three\";"), "a:=\"one\ntwo\n\"three\";");
+    EXPECT_EQ(tree("\uFEFFa\u00A0=\u20031 // 𝄞"), "a:=1;"); // a byte order mark, wide blanks
+}
+
+TEST_F(ParserTest, NamesAreOneWhateverTheirCase) {
+    EXPECT_EQ(tree("Счет = 1; СЧЕТ = счет + Straße; STRASSE = 2"),
+              "Счет:=1; Счет:=(Счет+Straße); Straße:=2;");
+}
+
+TEST_F(ParserTest, RefusesAtThePlaceWhereItIsWrong) {
+    EXPECT_EQ(refusal("a = 1\n\n  b = 2;"), "1:6 Expected “;” between two statements.");
+    EXPECT_EQ(refusal("a = 1;\r\n  b = );"), "2:7 Expected a value, found “)”.");
+    EXPECT_EQ(refusal("\rIf 𝄞a"), "2:4 This character has no meaning in a script.");
+    EXPECT_EQ(refusal("\"𝄞\" = a"), "1:1 Only a variable, a property or an element can be assigned to.");
+    EXPECT_EQ(refusal("f(\"𝄞\", "), "1:8 Expected a value, found the end of the text.");
+    EXPECT_EQ(refusal("If a"), "1:5 Expected “Then/Тогда”, found the end of the text.");
+    EXPECT_EQ(refusal("For If"), "1:5 Expected a name, found “If”.");
+    EXPECT_EQ(refusal("a.b() = 1"), "1:1 Only a variable, a property or an element can be assigned to.");
+    EXPECT_EQ(refusal("x; a + b()"),
+              "1:1 This value is computed and not used; a statement is an assignment or a call.");
+    EXPECT_EQ(refusal("EndDo"), "1:1 Expected a statement, found “EndDo”.");
+    EXPECT_EQ(refusal("For i = 1 To 2 Do EndDo; Продолжить"), "1:26 “Продолжить” stands outside of a loop.");
+    EXPECT_EQ(refusal("a = 12b3"), "1:5 A letter stands directly behind a number.");
+    for (const char* date : {"a='2024'", "a='20240101", "a='2024-01-01'", "a='202401010000005'", "a=''"})
+        EXPECT_TRUE(refusal(date).starts_with("1:3 A date is")) << date;
+    for (const char* open : {"a=\"x", "a=\"x\n", "a=\"x\n y\"", "a=\"", "a=\"\"\"", "a=\"x\n|y"})
+        EXPECT_TRUE(refusal(open).find(" This string is not closed") != std::string::npos) << open;
+    EXPECT_TRUE(refusal(std::string("a = \0", 5)).starts_with("1:5 This character"));
+}
+
+TEST_F(ParserTest, MessagesFollowTheThreadsLanguage) {
+    core::Thread::setResourceLocale(core::Locale("ru"));
+    EXPECT_EQ(refusal("Если a"), "1:7 Ожидается «Then/Тогда», а стоит конец текста.");
+    core::Thread::setResourceLocale(core::Locale("en"));
+}
+
+std::string repeat(std::string_view text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i)
+        result += text;
+    return result;
+}
+
+TEST_F(ParserTest, DeepNestingIsRefusedAndLengthIsNot) {
+    for (const auto& [open, close] :
+         {std::pair("(", ")"), {"f(", ")"}, {"a[", "]"}, {"-", ""}, {"Not ", ""}}) {
+        const auto nested = [&, o = open, c = close](int n) {
+            return "x=" + repeat(o, n) + "a" + repeat(c, n);
+        };
+        EXPECT_EQ(refusal(nested(150)).find("levels deep"), std::string::npos) << open;
+        EXPECT_NE(refusal(nested(20000)).find("Nested more than 200 levels deep."), std::string::npos)
+            << open;
+    }
+    EXPECT_NE(refusal(repeat("If a Then ", 20000)).find("Nested more"), std::string::npos);
+    EXPECT_NE(refusal(repeat("While a Do If a Then Else ", 20000)).find("Nested more"), std::string::npos);
+
+    EXPECT_EQ(tree("a = 1" + repeat(" + 1", 20000)).size(),
+              20000U * 4 + 5); // one node, whatever its length
+    EXPECT_NO_THROW(tree("a" + repeat(".b()", 20000)));
+    EXPECT_NO_THROW(tree("f(" + repeat("1,", 20000) + ")"));
+    EXPECT_NO_THROW(tree("If a Then " + repeat("ElsIf a Then ", 20000) + "EndIf"));
+}
+
+TEST_F(ParserTest, AConsoleShowsValuesAndAsksForTheRest) {
+    EXPECT_EQ(tree("1 + 2", Mode::console), "(1+2);");
+    EXPECT_EQ(tree("a = 1; a.b + 1; -a", Mode::console), "a:=1; (a.b+1); -a;");
+    const std::string whole =
+        "For Each x In f(\"\n|a\") Do If x.y Then z = (x + 1) * 2; Else g(1) EndIf EndDo";
+    for (std::size_t end = whole.find_first_of(" \n"); end != std::string::npos;
+         end = whole.find_first_of(" \n", end + 1)) {
+        Variables variables;
+        try {
+            (void)parse(source(whole.substr(0, end)), variables, Mode::console);
+            ADD_FAILURE() << "complete: " << whole.substr(0, end);
+        } catch (const ScriptError& e) {
+            EXPECT_TRUE(e.incomplete()) << whole.substr(0, end) << ": " << e.what();
+        }
+    }
+    EXPECT_NO_THROW(tree(whole, Mode::console));
+}
+
+class ShowErrorTest : public ParserTest {
+  protected:
+    static std::string shown(std::string_view text, std::string_view marked, bool colour = false) {
+        const Source script("t", core::from_utf8(text));
+        const core::wstring part = core::from_utf8(marked);
+        const auto offset = static_cast<std::uint32_t>(script.text().find(part));
+        std::ostringstream out;
+        show_error(out, script, {{offset, static_cast<std::uint32_t>(part.size())}, u"Wrong\x1B"}, colour);
+        return out.str();
+    }
+};
+
+TEST_F(ShowErrorTest, MarksTheSpanUnderWhateverStandsBefore) {
+    EXPECT_EQ(shown("one\nf(abc);\ntwo", "abc"), "t:2:3: Wrong\uFFFD\n    f(abc);\n      ^~~\n");
+    EXPECT_EQ(shown("\ta\tb", "b"), "t:1:4: Wrong\uFFFD\n    \ta\tb\n    \t \t^\n");
+    EXPECT_EQ(shown("\"漢字e\u0301\" x", "x"), "t:1:8: Wrong\uFFFD\n    \"漢字e\u0301\" x\n            ^\n");
+    EXPECT_EQ(shown("a \"漢\"", "\"漢\""), "t:1:3: Wrong\uFFFD\n    a \"漢\"\n      ^~~~\n");
+    EXPECT_EQ(shown("a = \"one\n|two\"", "\"one\n|two\""),
+              "t:1:5: Wrong\uFFFD\n    a = \"one\n        ^~~~\n");
+    EXPECT_EQ(shown("a =", ""), "t:1:1: Wrong\uFFFD\n    a =\n    ^\n");
+}
+
+TEST_F(ShowErrorTest, NothingInAScriptSteersTheTerminal) {
+    EXPECT_EQ(shown("\x1B[2J\x7F x", "x"), "t:1:7: Wrong\uFFFD\n    \uFFFD[2J\uFFFD x\n          ^\n");
+    EXPECT_EQ(shown("x", "x", true), "\x1B[1mt:1:1:\x1B[0m Wrong\uFFFD\n    x\n    \x1B[1;31m^\x1B[0m\n");
+}
+
+TEST_F(ShowErrorTest, OfALongLineThePartAroundTheMark) {
+    const std::string text = shown(repeat("a", 10000) + "X" + repeat("b", 10000), "X");
+    EXPECT_EQ(text, "t:1:10001: Wrong\uFFFD\n    …" + repeat("a", 60) + "X" + repeat("b", 59) + "…\n     " +
+                        repeat(" ", 60) + "^\n");
+}
+
+} // namespace
+} // namespace host::script

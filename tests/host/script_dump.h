@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/script/ast.h"
+#include "host/script/variables.h"
+
+#include <core/runtime/utf8.h>
+
+#include <string>
+
+namespace host::script {
+
+/// A tree as text, fully bracketed, every operation and name spelled out.
+class Dump {
+  public:
+    Dump(const Program& program, const Variables& variables) : program_(program), variables_(variables) {}
+
+    std::string all() { return block(program_.body); }
+
+  private:
+    std::string block(const Block& statements) {
+        std::string text;
+        for (const Statement& statement : statements)
+            text += (text.empty() ? "" : " ") + std::visit(*this, statement.node);
+        return text;
+    }
+    std::string expression(const ExpressionPtr& e) { return e == nullptr ? "_" : std::visit(*this, e->node); }
+    std::string arguments(const Arguments& list) {
+        std::string text = "(";
+        for (std::size_t i = 0; i < list.size(); ++i)
+            text += (i == 0 ? "" : ",") + expression(list[i]);
+        return text + ")";
+    }
+
+  public:
+    std::string operator()(const Literal& x) {
+        const Constant& constant = program_.constants[x.constant];
+        const std::string text = core::to_utf8(constant.text);
+        switch (constant.kind) {
+        case Constant::Kind::undefined:
+            return "Undefined";
+        case Constant::Kind::null:
+            return "Null";
+        case Constant::Kind::falseValue:
+            return "False";
+        case Constant::Kind::trueValue:
+            return "True";
+        case Constant::Kind::number:
+            return text;
+        case Constant::Kind::string:
+            return '"' + text + '"';
+        default:
+            return '\'' + text + '\'';
+        }
+    }
+    std::string operator()(const Variable& x) { return core::to_utf8(variables_.name(x.slot)); }
+    std::string operator()(const Call& x) { return core::to_utf8(x.name) + arguments(x.arguments); }
+    std::string operator()(const Creation& x) {
+        return "New " + core::to_utf8(x.type) + arguments(x.arguments);
+    }
+    std::string operator()(const Negation& x) { return (x.logical ? "!" : "-") + expression(x.operand); }
+    std::string operator()(const Operations& x) {
+        static constexpr const char* kSigns[] = {"+", "-",  "*", "/",  "%", "=", "<>",
+                                                 "<", "<=", ">", ">=", "&", "|"};
+        std::string text = expression(x.first);
+        for (const Operation& operation : x.rest)
+            text =
+                "(" + text + kSigns[static_cast<int>(operation.sign)] + expression(operation.operand) + ")";
+        return text;
+    }
+    std::string operator()(const Access& x) {
+        std::string text = expression(x.object);
+        for (const Link& link : x.links) {
+            if (link.kind == Link::Kind::element)
+                text += "[" + expression(link.arguments[0]) + "]";
+            else
+                text += "." + core::to_utf8(link.name);
+            if (link.kind == Link::Kind::method)
+                text += arguments(link.arguments);
+        }
+        return text;
+    }
+    std::string operator()(const Assignment& x) {
+        return expression(x.target) + ":=" + expression(x.value) + ";";
+    }
+    std::string operator()(const Evaluation& x) { return expression(x.expression) + ";"; }
+    std::string operator()(const If& x) {
+        std::string text;
+        for (const Branch& branch : x.branches)
+            text += "if " + expression(branch.condition) + " {" + block(branch.body) + "} ";
+        return text + "else {" + block(x.otherwise) + "}";
+    }
+    std::string operator()(const ForEach& x) {
+        return "each " + core::to_utf8(variables_.name(x.slot)) + " " + expression(x.collection) + " {" +
+               block(x.body) + "}";
+    }
+    std::string operator()(const ForRange& x) {
+        return "for " + core::to_utf8(variables_.name(x.slot)) + " " + expression(x.first) + ".." +
+               expression(x.last) + " {" + block(x.body) + "}";
+    }
+    std::string operator()(const While& x) {
+        return "while " + expression(x.condition) + " {" + block(x.body) + "}";
+    }
+    std::string operator()(const Break&) { return "break;"; }
+    std::string operator()(const Continue&) { return "continue;"; }
+
+  private:
+    const Program& program_;
+    const Variables& variables_;
+};
+
+} // namespace host::script
