@@ -93,7 +93,7 @@ void GenericValue::serialize(IOutPersistenceStorage* storage) const {
         out.put(*asNumeric());
         break;
     case ValueKind::string:
-        out.put(asString()->data(), static_cast<unsigned>(asString()->size()));
+        out.put(*asString());
         break;
     case ValueKind::date:
         out.put(*asDate());

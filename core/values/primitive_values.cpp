@@ -272,7 +272,7 @@ std::int32_t StringValue::hashNocase() const noexcept {
 }
 
 void StringValue::serialize(IOutPersistenceStorage* storage) const {
-    storage->listStream().put(text_.data(), static_cast<unsigned>(text_.size()));
+    storage->listStream().put(text_);
 }
 
 // Date

@@ -77,8 +77,12 @@ consteval GUID operator""_guid(const char* text, std::size_t length) {
 
 } // namespace literals
 
+inline constexpr std::size_t kGuidTextLength = 36;
+
 /// The 36 lowercase characters of an id, without braces.
 [[nodiscard]] CORE_API wstring to_string(const GUID& id);
+/// Writes them, no terminator, and returns the position behind them.
+CORE_API wchar* to_string(const GUID& id, wchar* out) noexcept;
 
 /// Reads the 36-character form, hexadecimal digits of either case (the fullwidth letters too). Returns false
 /// and sets the null id when the text is anything else.

@@ -1,107 +1,67 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
+
 #include <core/dates/date.h>
 #include <core/numbers/numeric.h>
-#include <core/runtime/error.h>
-#include <core/strings/char_class.h>
+#include <core/runtime/guid.h>
+#include <core/serialization/token.h>
+#include <core/serialization/unit_source.h>
 
-#include <istream>
 namespace core {
-inline void skip_spaces(wistream& in) {
-    for (;;) {
-        auto c = in.rdbuf()->sgetc();
-        if (c == 0xFFFF || !is_space(static_cast<wchar>(c)))
-            return;
-        in.rdbuf()->sbumpc();
-    }
-}
-class ListInStream {
+
+/// Reads nested data from a brace list, in the order in which it was written, and demands the commas.
+///
+/// Whatever does not fit throws ListStreamException, which tells no place: a missing comma or brace, a bad
+/// token, a string cut short. The stream is then left where the failing step stopped, and the reader is not
+/// meant to be used further. The stream must outlive the reader. One thread at a time.
+class CORE_API ListInStream {
   public:
-    explicit ListInStream(wistream& in) : in_(in) {}
-    void getBeginOfList() {
-        gap();
-        need(u'{');
+    explicit ListInStream(wistream& in) : in_(in), source_(in) {}
+    ListInStream(const ListInStream&) = delete;
+    ListInStream& operator=(const ListInStream&) = delete;
+
+    void getBeginOfList();
+    /// The next character but white space must be "}".
+    void getEndOfList();
+    /// Whether the list goes on: consumes the "," if there is one.
+    [[nodiscard]] bool getComma();
+    /// Skips what is left of the current list, up to its "}", which stays: additions of a newer writer. Takes
+    /// any depth. An escape ends the string that it stands in; what follows counts as a bare token.
+    void skipListContent();
+
+    void get(bool& value);
+    template <ListInteger T>
+    void get(T& value) {
+        value = static_cast<T>(getInteger(std::is_signed_v<detail::ListNumber<T>>));
     }
-    void getEndOfList() {
-        skip_spaces(in_);
-        need(u'}');
-        comma_ = true;
-    }
-    bool getComma() {
-        skip_spaces(in_);
-        if (peek() != u',')
-            return false;
-        bump();
-        comma_ = false;
-        return true;
-    }
-    void skipListContent() { bad(); }
-    void get(bool& b) { b = word() == u"1"; }
-    void get(std::int32_t& v) { v = static_cast<std::int32_t>(Numeric::fromString(word())); }
-    void get(std::uint32_t& v) { v = static_cast<std::uint32_t>(Numeric::fromString(word())); }
-    void get(std::int64_t& v) { v = static_cast<std::int64_t>(Numeric::fromString(word())); }
-    void get(Numeric& v) { v = Numeric::fromString(word()); }
-    void get(Date& v) { v = Date::fromString(word()); }
-    void get(GUID& v) {
-        if (!from_string(word(), v))
-            bad();
-    }
-    void get(wstring& v) {
-        gap();
-        need(u'"');
-        v.clear();
-        for (;;) {
-            auto c = in_.rdbuf()->sbumpc();
-            if (c == 0xFFFF)
-                bad();
-            if (c == u'"') {
-                if (peek() != u'"')
-                    break;
-                bump();
-            }
-            v += static_cast<wchar>(c);
-        }
-        comma_ = true;
-    }
-    void get(wchar* b, unsigned n) {
-        wstring t;
-        get(t);
-        if (t.size() >= n)
-            bad();
-        for (std::size_t i = 0; i <= t.size(); ++i)
-            b[i] = t.c_str()[i];
-    }
+    void get(float& value);
+    void get(double& value);
+    void get(GUID& id);
+    void get(Numeric& number);
+    void get(Date& date);
+    void get(wstring& text);
+    /// Into a buffer of `size` units, the terminator's among them.
+    void get(wchar* buffer, std::uint32_t size);
+    /// A string that must equal `expected`: a tag or keyword. Null expects nothing in particular.
+    void get(wstring& text, const wchar* expected);
+    void get(wstring& text, const wstring& expected);
+
+  protected:
+    /// What stands before an element: white space, and a comma where one is due.
+    void skipGap();
 
   private:
-    [[noreturn]] void bad() { throw_error<ListStreamException>("IDS_LISTSTREAMERROR"); }
-    int peek() { return in_.rdbuf()->sgetc(); }
-    void bump() { in_.rdbuf()->sbumpc(); }
-    void need(wchar c) {
-        if (peek() != c)
-            bad();
-        bump();
+    void require(bool read) {
+        if (!read)
+            fail();
     }
-    void gap() {
-        if (comma_) {
-            skip_spaces(in_);
-            need(u',');
-            comma_ = false;
-        }
-        skip_spaces(in_);
-    }
-    wstring word() {
-        gap();
-        wstring t;
-        while (peek() != u',' && peek() != u'}' && peek() != 0xFFFF) {
-            t += static_cast<wchar>(peek());
-            bump();
-        }
-        if (t.empty())
-            bad();
-        comma_ = true;
-        return t;
-    }
+    [[noreturn]] static void fail();
+    [[nodiscard]] std::uint64_t getInteger(bool withSign);
+    void skipString();
+
     wistream& in_;
-    bool comma_ = false;
+    UnitSource source_;
+    bool commaExpected_ = false; ///< an element or a "}" was read last
 };
+
 } // namespace core

@@ -1,62 +1,79 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
+
 #include <core/dates/date.h>
 #include <core/numbers/numeric.h>
 #include <core/runtime/guid.h>
+#include <core/serialization/token.h>
+#include <core/serialization/unit_sink.h>
 
-#include <ostream>
 namespace core {
-class ListOutStream {
+
+/// Writes nested data as a brace list: `{1,` line feed `{2,3}` line feed `}`. Commas and line breaks come by
+/// themselves: every "{" but the first begins a line, and so does a "}" behind a "}".
+///
+/// A composite type writes itself as putBeginOfList(), its members, putEndOfList(). The writer reports
+/// nothing: errors are the stream's, which must outlive it. One thread at a time.
+class CORE_API ListOutStream {
   public:
-    explicit ListOutStream(wostream& out) : out_(out) {}
-    void putBeginOfList() {
-        comma();
-        comma_ = closed_ = false;
-        if (!start_)
-            raw(u"\n");
-        raw(u"{");
-        start_ = false;
+    explicit ListOutStream(wostream& out) : sink_(out) {}
+    ListOutStream(const ListOutStream&) = delete;
+    ListOutStream& operator=(const ListOutStream&) = delete;
+
+    void putBeginOfList();
+    void putEndOfList();
+
+    template <std::same_as<bool> T>
+    void put(T value) {
+        putInteger(false, value ? 1 : 0);
     }
-    void putEndOfList() {
-        if (closed_)
-            raw(u"\n");
-        raw(u"}");
-        closed_ = comma_ = true;
-        start_ = false;
+    template <ListInteger T>
+    void put(T value) {
+        const auto number = static_cast<detail::ListNumber<T>>(value);
+        const bool negative = detail::is_negative(number);
+        const auto bits = static_cast<std::uint64_t>(number);
+        putInteger(negative, negative ? 0 - bits : bits);
     }
-    void put(bool b) { token(b ? u"1" : u"0"); }
-    void put(std::int32_t v) { token(Numeric(v).toString()); }
-    void put(std::uint32_t v) { token(Numeric(v).toString()); }
-    void put(std::int64_t v) { token(Numeric(v).toString()); }
-    void put(const Numeric& v) { token(v.toString()); }
-    void put(const Date& v) { token(v.toString()); }
-    void put(const GUID& v) { token(to_string(v)); }
-    void put(const wstring& v) { put(v.data(), static_cast<unsigned>(v.size())); }
-    void put(const wchar* v) { put(wstring(v)); }
-    void put(const wchar* v, unsigned n) {
-        wstring t = u"\"";
-        for (unsigned i = 0; i < n; ++i) {
-            if (v[i] == u'"')
-                t += u'"';
-            t += v[i];
-        }
-        token(t + u"\"");
+    /// Infinities and NaN set the stream's fail bit, and nothing is written.
+    template <ListFloat T>
+    void put(T value) {
+        putDouble(static_cast<double>(value));
+    }
+    void put(const GUID& id);
+    void put(const Numeric& number);
+    void put(const Date& date);
+    void put(wstring_view text);
+    void put(const wstring& text) { put(wstring_view(text)); }
+    /// Up to the null unit.
+    void put(const wchar* text) { put(wstring_view(text)); }
+    /// At most `length` units, fewer when a null unit stands among them.
+    void put(const wchar* text, std::uint32_t length);
+    template <CharacterCode T>
+    void put(T) = delete;
+
+  protected:
+    /// Writes "," if an element stands in front.
+    void putComma() {
+        if (commaPending_)
+            sink_.write(u",");
+        commaPending_ = false;
     }
 
   private:
-    void raw(wstring_view t) { out_.rdbuf()->sputn(t.data(), static_cast<std::streamsize>(t.size())); }
-    void comma() {
-        if (comma_)
-            raw(u",");
-        comma_ = false;
+    void putInteger(bool negative, std::uint64_t magnitude);
+    void putDouble(double value);
+    template <std::size_t limit, class Format>
+    void putToken(Format format);
+    void endToken() noexcept {
+        commaPending_ = true;
+        justClosed_ = false;
+        atStart_ = false;
     }
-    void token(const wstring& t) {
-        comma();
-        raw(t);
-        comma_ = true;
-        closed_ = start_ = false;
-    }
-    wostream& out_;
-    bool comma_ = false, closed_ = false, start_ = true;
+
+    UnitSink sink_;
+    bool commaPending_ = false; ///< an element of the current list is complete
+    bool justClosed_ = false;   ///< "}" was written last
+    bool atStart_ = true;       ///< nothing has been written
 };
+
 } // namespace core

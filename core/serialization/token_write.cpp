@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/serialization/token_write.h"
+
+#include <core/serialization/token.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <string>
+
+namespace core {
+namespace detail {
+
+wchar* format_integer(wchar* out, bool negative, std::uint64_t magnitude) noexcept {
+    if (negative)
+        *out++ = u'-';
+    char digits[kIntegerUnits];
+    return std::copy(digits, std::to_chars(digits, digits + sizeof digits, magnitude).ptr, out);
+}
+
+wchar* format_double(wchar* out, double value) noexcept {
+    if (value == 0) {
+        *out++ = u'0';
+        return out;
+    }
+    if (value < 0)
+        *out++ = u'-';
+    // "d.ddddddddddddddde-308": sixteen digits, correctly rounded.
+    constexpr int kDigits = 16;
+    char text[32];
+    const char* const text_end =
+        std::to_chars(text, text + sizeof text, std::fabs(value), std::chars_format::scientific, kDigits - 1)
+            .ptr;
+    char* const digits = text + 1;
+    digits[0] = text[0]; // over the point: the digits in one piece
+    const char* const mark = digits + kDigits;
+    int exponent = 0;
+    std::from_chars(mark + (mark[1] == '+' ? 2 : 1), text_end, exponent);
+    const char* digits_end = mark;
+    while (digits_end[-1] == '0')
+        --digits_end;
+
+    const auto with_point = [&](int before) {
+        out = std::copy(digits, digits + before, out);
+        if (digits + before != digits_end) {
+            *out++ = u'.';
+            out = std::copy(static_cast<const char*>(digits) + before, digits_end, out);
+        }
+    };
+    const int point = exponent + 1;
+    if (point > 0 && point <= digits_end - digits) {
+        with_point(point);
+        return out;
+    }
+    with_point(1);
+    *out++ = u'e';
+    return format_integer(out, exponent < 0, static_cast<std::uint64_t>(std::abs(exponent)));
+}
+
+wstring_view terminated(const wchar* text, std::size_t length) noexcept {
+    const wchar* const null = std::char_traits<wchar>::find(text, length, u'\0');
+    return {text, null == nullptr ? length : static_cast<std::size_t>(null - text)};
+}
+
+void write_string(UnitSink& sink, wstring_view text) {
+    sink.write(u"\"");
+    const wchar* at = text.data();
+    const wchar* const end = at + text.size();
+    for (;;) {
+        const wchar* const special =
+            std::find_if(at, end, [](wchar unit) { return unit == u'"' || !is_allowed_char(unit); });
+        sink.write({at, special});
+        if (special == end)
+            break;
+        if (*special == u'"') {
+            sink.write(u"\"\"");
+        } else {
+            wchar escape[6] = {u'"', u'\\'};
+            escape_char(*special, escape + 2);
+            sink.write({escape, 6});
+        }
+        at = special + 1;
+    }
+    sink.write(u"\"");
+}
+
+wostream& put_integer(wostream& out, bool negative, std::uint64_t magnitude) {
+    UnitSink(out).format<kIntegerUnits>([&](wchar* at) { return format_integer(at, negative, magnitude); });
+    return out;
+}
+
+} // namespace detail
+
+using namespace detail;
+
+wostream& put_begin_of_list(wostream& out) {
+    UnitSink(out).write(u"{");
+    return out;
+}
+wostream& put_end_of_list(wostream& out) {
+    UnitSink(out).write(u"}");
+    return out;
+}
+wostream& put_comma(wostream& out) {
+    UnitSink(out).write(u",");
+    return out;
+}
+wostream& put_new_line(wostream& out) {
+    UnitSink(out).write(u"\n");
+    return out;
+}
+
+wostream& to_stream(wostream& out, double value) {
+    if (!std::isfinite(value))
+        out.setstate(std::ios_base::failbit);
+    else
+        UnitSink(out).format<kDoubleUnits>([&](wchar* at) { return format_double(at, value); });
+    return out;
+}
+
+wostream& to_stream(wostream& out, const GUID& id) {
+    UnitSink(out).format<kGuidTextLength>([&](wchar* at) { return to_string(id, at); });
+    return out;
+}
+
+wostream& to_stream(wostream& out, wstring_view text) {
+    UnitSink sink(out);
+    write_string(sink, text);
+    return out;
+}
+wostream& to_stream(wostream& out, const wchar* text) {
+    return to_stream(out, wstring_view(text));
+}
+wostream& to_stream(wostream& out, const wchar* text, std::uint32_t length) {
+    return to_stream(out, terminated(text, length));
+}
+
+void escape_char(wchar unit, wchar* out) noexcept {
+    for (int shift = 12; shift >= 0; shift -= 4)
+        *out++ = u"0123456789abcdef"[unit >> shift & 0xF];
+}
+
+} // namespace core
