@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/types.h>
+#include <core/strings/case_fold.h>
 
-#include <unicode/uchar.h>
+#include <algorithm>
 
 /// LIKE in the plainest way: the pattern's text is walked anew for every text, one case a line. Exponential
 /// in the number of "%", so for short patterns only.
@@ -12,8 +12,9 @@ struct LikeModel {
     core::wchar escape;
     bool nocase;
 
-    static UChar32 fold(UChar32 c) { return u_foldCase(c, U_FOLD_CASE_DEFAULT); }
-    bool same(core::wchar a, core::wchar b) const { return nocase ? fold(a) == fold(b) : a == b; }
+    bool same(core::wchar a, core::wchar b) const {
+        return nocase ? core::fold_case(a) == core::fold_case(b) : a == b;
+    }
 
     bool matches(core::wstring_view text, std::size_t p = 0) const {
         if (p == pattern.size())

@@ -114,14 +114,33 @@ TEST(Like, RandomPatternsMatchAsTheModelDoes) {
     EXPECT_GT(matching, 15'000);
 }
 
-TEST(Like, LongRunsAreSearchedInBlocks) {
-    wstring text(1000, u'x');
-    for (const std::size_t at : {0u, 1u, 15u, 16u, 17u, 500u, 996u, 997u}) {
-        wstring found = text;
-        found.replace(at, 3, u"ЯaK");
-        EXPECT_TRUE(LikePattern(u"%яAk%", 0, LikeCase::ignore).matches(found)) << at;
-        EXPECT_TRUE(LikePattern(u"%_[Я]a%K%").matches(u"." + found)) << at;
-        EXPECT_FALSE(LikePattern(u"%ЯaKK%").matches(found)) << at;
+TEST(Like, RunsAreFoundAtEveryPlaceOfTextsOfEveryLength) {
+    const LikePattern literal(u"%яAk%", 0, LikeCase::ignore);
+    const LikePattern mixed(u"%_[Я]a%K%");
+    const LikePattern other(u"%ЯaKK%");
+    for (std::size_t length = 3; length <= 70; ++length) {
+        for (std::size_t at = 0; at + 3 <= length; ++at) {
+            wstring text(length, u'x');
+            text.replace(at, 3, u"ЯaK");
+            ASSERT_TRUE(literal.matches(text)) << length << ' ' << at;
+            ASSERT_EQ(mixed.matches(text), at > 0) << length << ' ' << at;
+            ASSERT_FALSE(other.matches(text)) << length << ' ' << at;
+        }
+    }
+}
+
+TEST(Like, AnEscapedTextMatchesItselfAlone) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 1000; ++round) {
+        wstring text(random() % 6, u'\0');
+        for (wchar& c : text)
+            c = u"%_[]^-!a"[random() % 8];
+        wstring pattern;
+        for (const wchar c : text)
+            pattern += {u'!', c};
+        EXPECT_TRUE(compare_like(text, pattern, u'!'));
+        EXPECT_FALSE(compare_like(text + u"a", pattern, u'!'));
+        EXPECT_FALSE(compare_like(u"b" + text, pattern, u'!'));
     }
 }
 

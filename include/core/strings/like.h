@@ -4,11 +4,8 @@
 #include <core/runtime/api.h>
 #include <core/strings/code_unit.h>
 
-#include <array>
-#include <cstdint>
+#include <memory>
 #include <type_traits>
-#include <utility>
-#include <vector>
 
 /// LIKE patterns, matched against a whole text, code unit by code unit:
 ///
@@ -25,53 +22,20 @@ namespace core {
 
 enum class LikeCase { exact, ignore };
 
-/// A pattern made ready for matching many texts. Immutable; one object may be used by several threads at
-/// once.
+/// A pattern made ready for matching many texts. Immutable; copies share what was made ready, and several
+/// threads may match with one at once. One that was moved from can only be assigned to.
 ///
-/// A text is matched in time proportional to its length times that of the longest run without "%", however
-/// the pattern is made.
-class CORE_API LikePattern {
+/// Matching takes at most the text's length times that of the longest stretch without "%", however the
+/// pattern is made.
+class LikePattern {
   public:
-    explicit LikePattern(wstring_view pattern, wchar escape = 0, LikeCase letterCase = LikeCase::exact);
+    CORE_API explicit LikePattern(wstring_view pattern, wchar escape = 0,
+                                  LikeCase letterCase = LikeCase::exact);
 
-    [[nodiscard]] bool matches(wstring_view text) const noexcept;
-
-    [[nodiscard]] const wstring& pattern() const noexcept { return pattern_; }
-    [[nodiscard]] wchar escape() const noexcept { return escape_; }
-    [[nodiscard]] LikeCase letterCase() const noexcept { return letterCase_; }
+    [[nodiscard]] CORE_API bool matches(wstring_view text) const noexcept;
 
   private:
-    /// The members of a set: sorted ranges, the first 256 units as bits as well. When case is ignored, the
-    /// folding of every member is a member, and foldings are looked up.
-    struct Set {
-        std::vector<std::pair<wchar, wchar>> ranges;
-        std::array<std::uint64_t, 4> low{};
-        bool negated = false;
-        [[nodiscard]] bool matches(wchar c) const noexcept;
-    };
-    /// A stretch of the pattern between two "%": elements first, first + 1, ..., each matching one unit.
-    struct Run {
-        std::size_t first = 0;
-        std::size_t length = 0;
-        bool literal = true;          ///< every element is a unit
-        std::size_t anchor = 0;       ///< the first element that is a unit; length if there is none
-        std::array<wchar, 4> units{}; ///< all units that the anchor matches
-    };
-    class Parser;
-    template <class Fold>
-    class Matcher;
-
-    static constexpr std::uint32_t kUnit = 0; ///< an element that matches the unit in units_
-    static constexpr std::uint32_t kAny = 1;
-    static constexpr std::uint32_t kSet = 2; ///< and above: kSet + the index of the set
-
-    wstring pattern_;
-    wchar escape_;
-    LikeCase letterCase_;
-    std::vector<Run> runs_; ///< at least one; "%" stands between each two
-    wstring units_;         ///< by element; folded when case is ignored
-    std::vector<std::uint32_t> elements_;
-    std::vector<Set> sets_;
+    std::shared_ptr<const class LikeProgram> program_;
 };
 
 /// Whether `text` matches `pattern`. The last pattern of each thread is kept ready, so that a loop over texts
