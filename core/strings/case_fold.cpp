@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/strings/fold_table.h"
+#include "core/strings/folded_reader.h"
 
 #include <core/runtime/utf8.h>
 #include <core/strings/case_fold.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/strings/fold_table.h"
+#include "core/strings/folded_reader.h"
 
 #include <core/runtime/utf8.h>
 #include <core/strings/case_fold.h>
@@ -34,19 +34,6 @@ int compare_lengths(std::size_t a, std::size_t b) noexcept {
     return a == b ? 0 : a < b ? -1 : 1;
 }
 
-int compare_long(wstring_view a, wstring_view b) noexcept {
-    FoldedReader aReader(a);
-    FoldedReader bReader(b);
-    for (;;) {
-        const int x = aReader.next();
-        const int y = bReader.next();
-        if (x != y)
-            return x < 0 ? -1 : y < 0 ? 1 : x - y;
-        if (x < 0)
-            return 0;
-    }
-}
-
 } // namespace
 
 int compare(wstring_view a, wstring_view b) noexcept {
@@ -69,10 +56,11 @@ int compare_nocase(wstring_view a, wstring_view b) noexcept {
     for (; i < length; ++i) {
         const wchar x = fold[a[i]];
         const wchar y = fold[b[i]];
+        if (x == y && x != FoldTable::kLong)
+            continue;
         if (x == FoldTable::kLong || y == FoldTable::kLong)
-            return compare_long(a.substr(i), b.substr(i));
-        if (x != y)
-            return x - y;
+            return compare_foldings(a.substr(i), b.substr(i));
+        return x - y;
     }
     return compare_lengths(a.size(), b.size());
 }

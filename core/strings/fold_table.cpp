@@ -3,7 +3,6 @@
 
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
-#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <iterator>
@@ -31,22 +30,12 @@ FoldTable::FoldTable() noexcept {
             units_[c] = units == 1 ? folded[0] : kLong;
         }
     }
-    for (std::size_t c = 0xD800; c <= 0xDFFF; ++c)
+    for (std::size_t c = 0xD800; c <= 0xDBFF; ++c)
         units_[c] = kLong;
 }
 
 wchar FoldTable::simpleOfLong(wchar c) noexcept {
     return static_cast<wchar>(u_foldCase(c, U_FOLD_CASE_DEFAULT));
-}
-
-int FoldedReader::nextLong() noexcept {
-    const std::int32_t units = U16_IS_LEAD(at_[0]) && end_ - at_ > 1 && U16_IS_TRAIL(at_[1]) ? 2 : 1;
-    UErrorCode status = U_ZERO_ERROR;
-    count_ = static_cast<unsigned>(u_strFoldCase(folding_.data(), static_cast<std::int32_t>(folding_.size()),
-                                                 at_, units, U_FOLD_CASE_DEFAULT, &status));
-    at_ += units;
-    pending_ = 1;
-    return folding_[0];
 }
 
 } // namespace core

@@ -2,6 +2,7 @@
 // Folding, comparison and hashing must answer exactly what ICU answers: for every code unit, and for random
 // texts rich in what folds in odd ways.
 #include <core/strings/case_fold.h>
+#include <core/strings/like.h>
 #include <core/strings/names.h>
 
 #include <gtest/gtest.h>
@@ -10,7 +11,7 @@
 
 #include <algorithm>
 #include <random>
-#include <set>
+#include <thread>
 #include <unordered_set>
 
 using namespace core;
@@ -130,6 +131,30 @@ TEST(CaseFold, LongTextsKeepTheRule) {
         EXPECT_EQ(hash_nocase(upper), plain_hash(lower));
         EXPECT_EQ(compare_nocase(upper, lower + u"x"), -1);
     }
+}
+
+TEST(CaseFold, ATextEndsWhereItsLengthSays) {
+    // The unit behind the end would make a letter of the surrogate, or another text.
+    const wstring upper = u"x\U00010400";
+    const wstring lower = u"X\U00010428";
+    EXPECT_EQ(fold_case(upper.data(), 2), upper.substr(0, 2));
+    EXPECT_EQ(compare_nocase(upper, lower), 0);
+    EXPECT_EQ(compare_nocase(upper.data(), 2, lower.data(), 2), 0);
+    EXPECT_EQ(compare_nocase(upper.data(), 3, lower.data(), 2), 1);
+    EXPECT_EQ(hash_nocase(upper), hash_nocase(lower));
+    EXPECT_EQ(hash_nocase(upper.data(), 2), plain_hash(lower.substr(0, 2)));
+}
+
+TEST(CaseFold, TablesAreMadeOnceHoweverManyThreadsAskFirst) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            EXPECT_EQ(compare_nocase(u"ИМЯ", u"имя"), 0);
+            EXPECT_TRUE(is_valid_name(u"Имя"));
+            EXPECT_TRUE(compare_nocase_like(u"ИМЯ", u"%[к-м]_"));
+        });
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
 TEST(Compare, OrdersTextsAndTheirBeginnings) {
