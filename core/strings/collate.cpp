@@ -51,6 +51,10 @@ int compare(wstring_view a, wstring_view b, const Locale& locale) {
     return order != 0 ? order : compare(a, b);
 }
 
+int compare(std::string_view a, std::string_view b, const Locale& locale) {
+    return compare(from_utf8(a), from_utf8(b), locale);
+}
+
 int compare_nocase(wstring_view a, wstring_view b, const Locale& locale) {
     return collate(a, b, locale, UCOL_SECONDARY);
 }

@@ -15,6 +15,7 @@ TEST(Collate, OrdersAsTheLanguageDoes) {
     EXPECT_LT(compare(u"äpfel", u"zebra", german), 0);
     EXPECT_GT(compare(u"äpfel", u"zebra", swedish), 0);
     EXPECT_LT(compare(u"ёлка", u"жук", Locale("ru")), 0);
+    EXPECT_LT(compare("ёлка", "жук", Locale("ru")), 0);
     EXPECT_GT(compare(u"ёлка", u"жук"), 0);
     EXPECT_LT(compare(u"a", u"B", Locale()), 0);
     EXPECT_NE(compare(u"a\u0301", u"\u00E1", german), 0); // canonically equal: told apart by units

@@ -13,6 +13,7 @@ namespace core {
 /// By letters, accents and case, and texts that the language does not tell apart by code units: 0 means
 /// identical.
 [[nodiscard]] CORE_API int compare(wstring_view a, wstring_view b, const Locale& locale);
+[[nodiscard]] CORE_API int compare(std::string_view a, std::string_view b, const Locale& locale);
 
 /// By letters and accents.
 [[nodiscard]] CORE_API int compare_nocase(wstring_view a, wstring_view b, const Locale& locale);
