@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/runtime/thread_part.h"
+#include "core/runtime/counted_block.h"
 
 #include <core/runtime/live_counter.h>
 
 #include <cxxabi.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -16,59 +15,51 @@ namespace core {
 
 using detail::ThreadPart;
 
-/// The list of all counters and its lock.
-struct LiveCounterAccess {
-    static inline constinit LiveCounter* first = nullptr;
-    static inline constinit std::int32_t last = 0;
+namespace {
 
-    static std::mutex& lock() {
-        static auto* const lock =
-            new std::mutex; // never destroyed: objects may outlive the library's statics
-        return *lock;
+/// All counters that have a place, newest first.
+constinit LiveCounter* first_counter = nullptr;
+constinit std::int32_t last_index = 0;
+
+std::mutex& counters_lock() {
+    static auto* const lock = new std::mutex; // never destroyed: objects may outlive the library's statics
+    return *lock;
+}
+
+} // namespace
+
+std::int32_t LiveCounterAccess::join(LiveCounter& counter) noexcept {
+    const std::lock_guard guard(counters_lock());
+    std::int32_t index = std::atomic_ref(counter.index_).load(std::memory_order_relaxed);
+    if (index == 0) {
+        counter.next_ = first_counter;
+        first_counter = &counter;
+        index = ++last_index;
+        std::atomic_ref(counter.index_).store(index, std::memory_order_release);
     }
+    return index;
+}
 
-    /// Gives the counter its place, once.
-    [[gnu::noinline]] static std::int32_t join(LiveCounter& counter) noexcept {
-        const std::lock_guard guard(lock());
-        std::int32_t index = std::atomic_ref(counter.index_).load(std::memory_order_relaxed);
-        if (index == 0) {
-            counter.next_ = first;
-            first = &counter;
-            index = ++last;
-            std::atomic_ref(counter.index_).store(index, std::memory_order_release);
-        }
-        return index;
+std::int32_t LiveCounterAccess::count(LiveCounter& counter) {
+    struct Sum {
+        std::size_t index;
+        std::int32_t count;
+    } sum{static_cast<std::size_t>(index(counter)), std::atomic_ref(counter.outside_).load()};
+    if (sum.index < ThreadPart::kMaxCounters) {
+        detail::for_each_thread_part(
+            [](ThreadPart& part, void* context) {
+                auto& total = *static_cast<Sum*>(context);
+                total.count += std::atomic_ref(part.live[total.index]).load(std::memory_order_relaxed);
+            },
+            &sum);
     }
+    return sum.count;
+}
 
-    static std::int32_t index(const LiveCounter& counter) noexcept {
-        return std::atomic_ref(const_cast<std::int32_t&>(counter.index_)).load(std::memory_order_acquire);
-    }
-
-    static void addOutside(LiveCounter& counter, std::int32_t change) noexcept {
-        std::atomic_ref(counter.outside_).fetch_add(change, std::memory_order_relaxed);
-    }
-
-    static std::int32_t count(const LiveCounter& counter) {
-        struct Sum {
-            std::int32_t index;
-            std::int32_t count;
-        } sum{index(counter), std::atomic_ref(const_cast<std::int32_t&>(counter.outside_)).load()};
-        if (sum.index > 0 && sum.index < ThreadPart::kMaxCounters) {
-            detail::for_each_thread_part(
-                [](const ThreadPart& part, void* context) {
-                    auto& total = *static_cast<Sum*>(context);
-                    auto& own = const_cast<std::int32_t&>(part.live[static_cast<std::size_t>(total.index)]);
-                    total.count += std::atomic_ref(own).load(std::memory_order_relaxed);
-                },
-                &sum);
-        }
-        return sum.count;
-    }
-
-    static const char* rawName(const LiveCounter& counter) { return counter.type_->name(); }
-    static const LiveCounter* next(const LiveCounter& counter) { return counter.next_; }
-    static LiveCounter* next(LiveCounter& counter) { return counter.next_; }
-};
+void LiveCounterAccess::foldPart(LiveCounter& counter, const ThreadPart& part) noexcept {
+    if (const std::int32_t place = index(counter); place < ThreadPart::kMaxCounters)
+        std::atomic_ref(counter.outside_).fetch_add(part.live[static_cast<std::size_t>(place)]);
+}
 
 namespace {
 
@@ -94,31 +85,18 @@ std::string readable(const char* mangled) {
 } // namespace
 
 void LiveCounter::add(std::int32_t change) noexcept {
-    std::int32_t index = LiveCounterAccess::index(*this);
-    if (index == 0)
-        index = LiveCounterAccess::join(*this);
-    ThreadPart* const part = index < ThreadPart::kMaxCounters ? detail::thread_part() : nullptr;
-    if (part == nullptr) {
-        LiveCounterAccess::addOutside(*this, change);
-        return;
-    }
-    // Only this thread writes its part, so no locked instruction is needed.
-    const std::atomic_ref own(part->live[static_cast<std::size_t>(index)]);
-    own.store(own.load(std::memory_order_relaxed) + change, std::memory_order_relaxed);
+    LiveCounterAccess::add(*this, change, detail::thread_part());
 }
 
 std::int32_t LiveCounter::count() const noexcept {
-    return LiveCounterAccess::count(*this);
+    return LiveCounterAccess::count(const_cast<LiveCounter&>(*this)); // read with atomic operations only
 }
 
 void detail::fold_live_counts(const ThreadPart& part) noexcept {
-    const std::lock_guard guard(LiveCounterAccess::lock());
-    for (LiveCounter* counter = LiveCounterAccess::first; counter != nullptr;
-         counter = LiveCounterAccess::next(*counter)) {
-        const std::int32_t index = LiveCounterAccess::index(*counter);
-        if (index < ThreadPart::kMaxCounters)
-            LiveCounterAccess::addOutside(*counter, part.live[static_cast<std::size_t>(index)]);
-    }
+    const std::lock_guard guard(counters_lock());
+    for (LiveCounter* counter = first_counter; counter != nullptr;
+         counter = LiveCounterAccess::next(*counter))
+        LiveCounterAccess::foldPart(*counter, part);
 }
 
 LeaksCounter::LeaksCounter(const char* name, const wchar* const* names) : name_(name), names_(names) {
@@ -143,8 +121,8 @@ void LeaksCounter::setTerm(const wchar* english, const wchar* russian) {
 std::vector<LiveClass> live_report() {
     std::vector<const LiveCounter*> counters;
     {
-        const std::lock_guard guard(LiveCounterAccess::lock());
-        for (const LiveCounter* counter = LiveCounterAccess::first; counter != nullptr;
+        const std::lock_guard guard(counters_lock());
+        for (const LiveCounter* counter = first_counter; counter != nullptr;
              counter = LiveCounterAccess::next(*counter))
             counters.push_back(counter);
     }

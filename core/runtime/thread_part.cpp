@@ -5,6 +5,9 @@
 #include <new>
 
 namespace core::detail {
+
+constinit thread_local ThreadPart* own_part = nullptr;
+
 namespace {
 
 std::mutex& parts_lock() {
@@ -13,7 +16,6 @@ std::mutex& parts_lock() {
 }
 
 constinit ThreadPart* parts = nullptr;
-constinit thread_local ThreadPart* own_part = nullptr;
 constinit thread_local bool ended = false;
 
 /// Gives the thread's part back when the thread ends.
@@ -43,7 +45,9 @@ struct PartOwner {
     }
 };
 
-[[gnu::noinline]] ThreadPart* make_part() noexcept {
+} // namespace
+
+ThreadPart* make_thread_part() noexcept {
     if (ended)
         return nullptr;
     auto* const part = new (std::nothrow) ThreadPart;
@@ -60,16 +64,9 @@ struct PartOwner {
     return part;
 }
 
-} // namespace
-
-ThreadPart* thread_part() noexcept {
-    ThreadPart* const part = own_part;
-    return part != nullptr ? part : make_part();
-}
-
-void for_each_thread_part(void (*visit)(const ThreadPart&, void*), void* context) {
+void for_each_thread_part(void (*visit)(ThreadPart&, void*), void* context) {
     const std::lock_guard guard(parts_lock());
-    for (const ThreadPart* part = parts; part != nullptr; part = part->next)
+    for (ThreadPart* part = parts; part != nullptr; part = part->next)
         visit(*part, context);
 }
 

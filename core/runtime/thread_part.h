@@ -29,6 +29,10 @@ struct ThreadPart {
         void (*destroy)(void*) noexcept;
     };
 
+    static constexpr std::size_t sizeIndex(std::size_t size) noexcept {
+        return size == 0 ? 0 : (size + kGranule - 1) / kGranule - 1;
+    }
+
     std::array<FreeList, kSizes> free;
     std::array<std::int32_t, kMaxCounters> live{}; // written by this thread only, read by reports
     std::int32_t destroyDepth = 0;
@@ -36,12 +40,19 @@ struct ThreadPart {
     ThreadPart* next = nullptr; // in the list of all parts
 };
 
-/// The calling thread's part; null when it cannot be had any more (the thread is ending) or there is no
-/// memory.
-ThreadPart* thread_part() noexcept;
+extern constinit thread_local ThreadPart* own_part;
+
+/// Makes the calling thread's part; null when the thread is ending or there is no memory.
+ThreadPart* make_thread_part() noexcept;
+
+/// The calling thread's part, or null as above.
+inline ThreadPart* thread_part() noexcept {
+    ThreadPart* const part = own_part;
+    return part != nullptr ? part : make_thread_part();
+}
 
 /// Calls `visit(part)` for the part of every living thread, under the lock that also covers their ends.
-void for_each_thread_part(void (*visit)(const ThreadPart&, void*), void* context);
+void for_each_thread_part(void (*visit)(ThreadPart&, void*), void* context);
 
 /// What the counters take from a thread that ends; called with its part, under that lock.
 void fold_live_counts(const ThreadPart& part) noexcept;

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/counted_block.h"
 #include "core/values/primitive_types.h"
 
 #include <core/formats/bool_format.h>
 #include <core/formats/date_format.h>
 #include <core/formats/numeric_format.h>
-#include <core/runtime/block_pool.h>
-#include <core/runtime/live_counter.h>
 #include <core/serialization/list_out_stream.h>
 #include <core/serialization/persistence.h>
 #include <core/strings/compare.h>
@@ -42,8 +41,7 @@ std::int32_t cached_hash(std::atomic<std::int64_t>& word, Compute compute) noexc
 template <class T>
 void destroy_block(T* value, std::size_t size) noexcept {
     value->~T();
-    live_counter<T>.lower();
-    free_block(value, size);
+    detail::give_counted_block(value, size, live_counter<T>);
 }
 
 } // namespace
@@ -135,15 +133,13 @@ NumberValue::NumberValue(T&& value) noexcept
     : PrimitiveValue(Life::counted), value_(std::forward<T>(value)) {}
 
 NumberValue* NumberValue::make(Numeric&& value) {
-    auto* const number = new (allocate_block(sizeof(NumberValue))) NumberValue(std::move(value));
-    live_counter<NumberValue>.raise();
-    return number;
+    return new (detail::take_counted_block(sizeof(NumberValue), live_counter<NumberValue>))
+        NumberValue(std::move(value));
 }
 
 NumberValue* NumberValue::make(std::int64_t value) {
-    auto* const number = new (allocate_block(sizeof(NumberValue))) NumberValue(value);
-    live_counter<NumberValue>.raise();
-    return number;
+    return new (detail::take_counted_block(sizeof(NumberValue), live_counter<NumberValue>))
+        NumberValue(value);
 }
 
 void NumberValue::destroy() noexcept {
@@ -204,9 +200,8 @@ constexpr std::size_t string_block_size(std::size_t length) noexcept {
 } // namespace
 
 StringValue* StringValue::make(wstring_view text) {
-    auto* const string = new (allocate_block(string_block_size(text.size()))) StringValue(text);
-    live_counter<StringValue>.raise();
-    return string;
+    return new (detail::take_counted_block(string_block_size(text.size()), live_counter<StringValue>))
+        StringValue(text);
 }
 
 void StringValue::destroy() noexcept {
@@ -280,9 +275,7 @@ void StringValue::serialize(IOutPersistenceStorage* storage) const {
 DateValue::DateValue(Date value) noexcept : PrimitiveValue(Life::counted), value_(value) {}
 
 DateValue* DateValue::make(Date value) {
-    auto* const date = new (allocate_block(sizeof(DateValue))) DateValue(value);
-    live_counter<DateValue>.raise();
-    return date;
+    return new (detail::take_counted_block(sizeof(DateValue), live_counter<DateValue>)) DateValue(value);
 }
 
 void DateValue::destroy() noexcept {
@@ -329,9 +322,7 @@ void DateValue::serialize(IOutPersistenceStorage* storage) const {
 TypeValue::TypeValue(const Type& value) noexcept : PrimitiveValue(Life::counted), value_(value) {}
 
 TypeValue* TypeValue::make(const Type& value) {
-    auto* const type = new (allocate_block(sizeof(TypeValue))) TypeValue(value);
-    live_counter<TypeValue>.raise();
-    return type;
+    return new (detail::take_counted_block(sizeof(TypeValue), live_counter<TypeValue>)) TypeValue(value);
 }
 
 void TypeValue::destroy() noexcept {

@@ -7,11 +7,17 @@
 
 namespace core {
 
+class LiveCounter;
+
 /// Memory for small counted objects: per-thread free lists of fixed sizes in front of the system's allocator.
 /// A block may be freed on another thread than the one that allocated it. Blocks over 256 bytes go straight
 /// to the system. Throws std::bad_alloc when there is no memory.
 [[nodiscard]] CORE_API void* allocate_block(std::size_t size);
 /// `size` is the one that was allocated.
 CORE_API void free_block(void* block, std::size_t size) noexcept;
+
+/// The same for the block of an object whose life is counted: raises the counter, and lowers it again.
+[[nodiscard]] CORE_API void* allocate_counted(std::size_t size, LiveCounter& counter);
+CORE_API void free_counted(void* block, std::size_t size, LiveCounter& counter) noexcept;
 
 } // namespace core

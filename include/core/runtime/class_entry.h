@@ -47,7 +47,8 @@ CORE_API HRESULT create_class_factory(const ClassRecord& record, const GUID& iid
 
 namespace detail {
 
-/// What makes the objects of `T`: SCOM_InternalClass<T>, or `T::instance()` for one object that everybody shares.
+/// What makes the objects of `T`: SCOM_InternalClass<T>, or `T::instance()` for one object that everybody
+/// shares.
 template <class T>
 HRESULT create_instance(IUnknown* outer, const GUID& iid, void** out) {
     if (out == nullptr)
@@ -64,7 +65,8 @@ HRESULT create_instance(IUnknown* outer, const GUID& iid, void** out) {
 }
 
 template <class T>
-ClassRecord class_record(const GUID& clsid, const char* name, bool scriptClass, const GUID* service) noexcept {
+ClassRecord class_record(const GUID& clsid, const char* name, bool scriptClass,
+                         const GUID* service) noexcept {
     return {.clsid = &clsid,
             .createInstance = &create_instance<T>,
             .getFactory = &create_class_factory,
@@ -75,7 +77,8 @@ ClassRecord class_record(const GUID& clsid, const char* name, bool scriptClass, 
 
 } // namespace detail
 
-/// Declares class `T` under a class id, as a static object of a source file of its module. `scriptClass` is true for the type and factory classes of the script layer.
+/// Declares class `T` under a class id, as a static object of a source file of its module. `scriptClass` is
+/// true for the type and factory classes of the script layer.
 template <class T, const GUID* clsid, bool scriptClass = false>
 class SCOM_ClassEntryInit {
   public:

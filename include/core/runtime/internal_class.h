@@ -60,7 +60,7 @@ const InterfaceMapEntry* interface_map(InterfaceList<Is...>) noexcept {
 ///
 /// Threads: counting is atomic; everything else is `T`'s own business.
 template <class T>
-class SCOM_InternalClass final : public T, private LiveObjectTrackerImpl<T> {
+class SCOM_InternalClass final : public T {
   public:
     /// A new object with one reference, which the result owns. Null when there is no memory; throws what the
     /// constructor of `T` throws otherwise.
@@ -99,10 +99,14 @@ class SCOM_InternalClass final : public T, private LiveObjectTrackerImpl<T> {
     [[nodiscard]] static const InterfaceMapEntry* interfaceMap() noexcept {
         return detail::interface_map<T>(typename T::Interfaces{});
     }
-    using LiveObjectTrackerImpl<T>::liveCount;
+    /// How many objects of the class are alive.
+    [[nodiscard]] static std::int32_t liveCount() noexcept { return live_counter<T>.count(); }
 
-    static void* operator new(std::size_t size) { return allocate_block(size); }
-    static void operator delete(void* block, std::size_t size) noexcept { free_block(block, size); }
+    // The live count goes with the memory, so that one visit to the thread's own part serves both.
+    static void* operator new(std::size_t size) { return allocate_counted(size, live_counter<T>); }
+    static void operator delete(void* block, std::size_t size) noexcept {
+        free_counted(block, size, live_counter<T>);
+    }
 
   private:
     static constexpr std::int32_t kDying = std::numeric_limits<std::int32_t>::min() / 2;

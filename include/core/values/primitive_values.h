@@ -47,7 +47,9 @@ class CORE_API PrimitiveValue : public IValue, public IValueSerialize {
   private:
     static constexpr std::int32_t kShared = -1;
 
-    [[nodiscard]] bool shared() const noexcept { return count_ == kShared; }
+    [[nodiscard]] bool shared() noexcept {
+        return std::atomic_ref(count_).load(std::memory_order_relaxed) == kShared;
+    }
     virtual void destroy() noexcept {}
 
     std::int32_t count_;

@@ -25,6 +25,7 @@ class CORE_API Value {
     template <NumericInteger T>
     Value(T value) : bits_(make(value)) {}
     Value(double value);
+    Value(wchar) = delete; // a character is not a number
     Value(const Numeric& value) : Value(Numeric(value)) {}
     Value(Numeric&& value);
     Value(wstring_view text);
@@ -49,7 +50,8 @@ class CORE_API Value {
         return *this;
     }
     Value& operator=(Value&& other) noexcept {
-        std::swap(bits_, other.bits_);
+        Value taken(std::move(other));
+        std::swap(bits_, taken.bits_);
         return *this;
     }
 
@@ -147,7 +149,6 @@ class CORE_API Value {
             isObject() ? static_cast<void>(object()->Release()) : static_cast<void>(primitive()->release());
     }
 
-    friend class GenericValueAccess;
     std::uintptr_t bits_ = 0;
 };
 

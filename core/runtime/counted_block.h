@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/runtime/thread_part.h"
+
+#include <core/runtime/live_counter.h>
+
+#include <atomic>
+#include <new>
+
+/// The memory of small counted objects and their live counts, taken from the thread's own part in one go.
+/// Inline for the library's own values; everybody else calls the functions of block_pool.h.
+namespace core {
+
+/// What the runtime may do with a LiveCounter.
+struct LiveCounterAccess {
+    /// The counter's place in every thread's part.
+    static std::int32_t index(LiveCounter& counter) noexcept {
+        const std::int32_t index = std::atomic_ref(counter.index_).load(std::memory_order_acquire);
+        return index != 0 ? index : join(counter);
+    }
+    static void add(LiveCounter& counter, std::int32_t change, detail::ThreadPart* part) noexcept {
+        const std::int32_t place = index(counter);
+        if (part == nullptr || place >= detail::ThreadPart::kMaxCounters) {
+            std::atomic_ref(counter.outside_).fetch_add(change, std::memory_order_relaxed);
+            return;
+        }
+        // Only this thread writes its part, so no locked instruction is needed.
+        const std::atomic_ref own(part->live[static_cast<std::size_t>(place)]);
+        own.store(own.load(std::memory_order_relaxed) + change, std::memory_order_relaxed);
+    }
+
+    /// Enters the counter into the list of all and gives it its place, once.
+    static std::int32_t join(LiveCounter& counter) noexcept;
+    static std::int32_t count(LiveCounter& counter);
+    static void foldPart(LiveCounter& counter, const detail::ThreadPart& part) noexcept;
+    static const char* rawName(const LiveCounter& counter) noexcept { return counter.type_->name(); }
+    static LiveCounter* next(const LiveCounter& counter) noexcept { return counter.next_; }
+};
+
+namespace detail {
+
+// The sanitizers see a use after free only when blocks really are freed.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool kPooled = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+inline constexpr bool kPooled = false;
+#else
+inline constexpr bool kPooled = true;
+#endif
+#else
+inline constexpr bool kPooled = true;
+#endif
+
+/// `part` is the calling thread's, or null.
+inline void* take_block(std::size_t size, ThreadPart* part) {
+    const std::size_t index = ThreadPart::sizeIndex(size);
+    if (!kPooled || index >= ThreadPart::kSizes)
+        return ::operator new(size);
+    if (part != nullptr) {
+        ThreadPart::FreeList& list = part->free[index];
+        if (ThreadPart::FreeBlock* const block = list.first) {
+            list.first = block->next;
+            --list.count;
+            return block;
+        }
+    }
+    return ::operator new((index + 1) * ThreadPart::kGranule);
+}
+
+inline void give_block(void* block, std::size_t size, ThreadPart* part) noexcept {
+    const std::size_t index = ThreadPart::sizeIndex(size);
+    if (kPooled && index < ThreadPart::kSizes && part != nullptr) {
+        ThreadPart::FreeList& list = part->free[index];
+        if (list.count < ThreadPart::kMaxFree) {
+            list.first = new (block) ThreadPart::FreeBlock{list.first};
+            ++list.count;
+            return;
+        }
+    }
+    ::operator delete(block);
+}
+
+inline void* take_counted_block(std::size_t size, LiveCounter& counter) {
+    ThreadPart* const part = thread_part();
+    void* const block = take_block(size, part);
+    LiveCounterAccess::add(counter, 1, part);
+    return block;
+}
+
+inline void give_counted_block(void* block, std::size_t size, LiveCounter& counter) noexcept {
+    ThreadPart* const part = thread_part();
+    LiveCounterAccess::add(counter, -1, part);
+    give_block(block, size, part);
+}
+
+} // namespace detail
+} // namespace core
