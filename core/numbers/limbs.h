@@ -4,6 +4,7 @@
 #include <core/runtime/types.h>
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -37,19 +38,30 @@ inline constexpr std::array<Limb, 10> kHalves = [] {
 
 /// Decimal digits of `limb`; 1 for 0.
 [[nodiscard]] constexpr std::size_t digit_count(Limb limb) noexcept {
-    std::size_t digits = 1;
-    while (digits < kLimbDigits && limb >= kPowers[digits]) {
-        ++digits;
-    }
-    return digits;
+    // The binary logarithm times log10(2), which is one too small at most.
+    const auto estimate = static_cast<std::size_t>(std::bit_width(limb | 1)) * 1233 >> 12;
+    return estimate + (limb >= kPowers[estimate] ? 1 : 0);
 }
 
 /// Zero digits at the end of a limb that is not zero.
 [[nodiscard]] constexpr std::size_t trailing_zeros(Limb limb) noexcept {
+    // Multiplied by the inverse of 5^k modulo 2^32 and rotated by k, the multiples of 10^k become their
+    // quotients and everything else becomes greater than any quotient.
+    struct Step {
+        int digits;
+        Limb inverse;
+        Limb greatest;
+    };
+    constexpr Step steps[] = {{4, 989'560'465, 429'496},
+                              {2, 3'264'175'145, 42'949'672},
+                              {1, 3'435'973'837, 429'496'729},
+                              {1, 3'435'973'837, 429'496'729}};
     std::size_t zeros = 0;
-    while (limb % 10 == 0) {
-        limb /= 10;
-        ++zeros;
+    for (const Step& step : steps) {
+        const Limb quotient = std::rotr(limb * step.inverse, step.digits);
+        const bool divides = quotient <= step.greatest;
+        limb = divides ? quotient : limb;
+        zeros += divides ? static_cast<std::size_t>(step.digits) : 0;
     }
     return zeros;
 }

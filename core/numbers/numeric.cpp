@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/numbers/limbs.h"
+#include "core/numbers/numeric_store.h"
 
 #include <core/numbers/numeric.h>
 #include <core/runtime/exceptions.h>
@@ -26,7 +26,7 @@ Numeric::Limb* allocate(std::size_t count) {
     if (count > Numeric::kMaxLimbs) {
         throw TooManyLimbs();
     }
-    return new Numeric::Limb[count];
+    return static_cast<Numeric::Limb*>(allocate_block(count * sizeof(Numeric::Limb)));
 }
 
 /// Limb × 10^9 + limb ... for the up to three highest limbs; `used` receives their number.
@@ -95,15 +95,8 @@ Numeric::Numeric(double value) {
     constexpr std::int32_t kDigits = kLimbDigits;
     const std::int32_t fraction = exponent >= 0 ? -(exponent / kDigits) : (kDigits - 1 - exponent) / kDigits;
     const Limb filler = kPowers[static_cast<std::size_t>(exponent + fraction * kDigits)];
-    Limb parts[8] = {};
-    std::uint64_t carry = 0;
-    for (std::size_t i = 0; i < 3; ++i) {
-        carry += (digits % kLimbBase) * filler;
-        digits /= kLimbBase;
-        parts[i] = static_cast<Limb>(carry % kLimbBase);
-        carry /= kLimbBase;
-    }
-    store(parts, 3, fraction, std::signbit(value));
+    const auto [high, low] = split_word(product(digits, filler));
+    store({pair_of(low), pair_of(high), 0, 0}, fraction, std::signbit(value));
 }
 
 int Numeric::compareMagnitudes(const Numeric& a, const Numeric& b) noexcept {
@@ -245,16 +238,8 @@ void Numeric::setInteger(std::uint64_t magnitude, bool negative) noexcept {
     }
 }
 
-void Numeric::setShape(std::size_t count, std::int64_t fraction, bool negative) {
-    // A place so far from the point that the number's text could not be held is refused like one limb too
-    // many.
-    constexpr auto kLimit = static_cast<std::int64_t>(kMaxLimbs);
-    if (count > kMaxLimbs || fraction > kLimit || static_cast<std::int64_t>(count) - fraction > kLimit) {
-        throw TooManyLimbs();
-    }
-    count_ = static_cast<std::int32_t>(count);
-    fraction_ = count == 0 ? 0 : static_cast<std::int32_t>(fraction);
-    sign_ = negative && count != 0 ? kNegative : kPositive;
+void Numeric::refuse() {
+    throw TooManyLimbs();
 }
 
 Limb* Numeric::reserve(std::size_t count) {
@@ -276,31 +261,45 @@ void Numeric::finish(std::size_t count, std::int64_t fraction, bool negative) {
         ++zeros;
     }
     count -= zeros;
-    setShape(count, count == 0 ? 0 : fraction - static_cast<std::int64_t>(zeros), negative);
     if (zeros != 0) {
         std::memmove(limbs_, limbs_ + zeros, count * sizeof(Limb));
+        fraction -= static_cast<std::int64_t>(zeros);
     }
-}
-
-void Numeric::store(const Limb* limbs, std::size_t count, std::int64_t fraction, bool negative) {
-    while (count > 0 && limbs[count - 1] == 0) {
-        --count;
+    for (std::size_t i = count; i < kInlineLimbs; ++i) {
+        limbs_[i] = 0;
     }
     if (count == 0) {
         return;
     }
-    while (*limbs == 0) {
-        ++limbs;
-        --count;
-        --fraction;
-    }
-    reserve(count);
+    checkShape(count, fraction);
     setShape(count, fraction, negative);
-    if (count > kInlineLimbs) {
-        std::memcpy(limbs_, limbs, count * sizeof(Limb));
+}
+
+void Numeric::storeUnusual(const Lanes& lanes, std::int64_t fraction, bool negative) {
+    Pair p0 = lanes.pairs[0];
+    Pair p1 = lanes.pairs[1];
+    Pair p2 = lanes.pairs[2];
+    Pair p3 = lanes.pairs[3];
+    if ((p0 | p1 | p2 | p3) == 0) {
+        fraction = 0;
+        negative = false;
     } else {
-        std::memcpy(limbs_, limbs, kInlineLimbs * sizeof(Limb));
+        for (; static_cast<Limb>(p0) == 0; --fraction) {
+            p0 = p0 >> 32 | p1 << 32;
+            p1 = p1 >> 32 | p2 << 32;
+            p2 = p2 >> 32 | p3 << 32;
+            p3 >>= 32;
+        }
     }
+    const std::size_t count = Lanes(p0, p1, p2, p3).count();
+    if (count > kInlineLimbs) {
+        reserve(Lanes::kLimbs);
+        store_pair(limbs_ + 4, p2);
+        store_pair(limbs_ + 6, p3);
+    }
+    store_pair(limbs_, p0);
+    store_pair(limbs_ + 2, p1);
+    setShape(count, fraction, negative);
 }
 
 } // namespace core

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/numbers/limbs.h"
+#include "core/numbers/numeric_store.h"
+#include "core/numbers/reciprocal.h"
 
 #include <core/numbers/numeric.h>
 #include <core/runtime/exceptions.h>
@@ -10,23 +11,65 @@ namespace core {
 
 using namespace limbs;
 
-namespace {
+/// Small operands are worked on in registers, those with the point at the same limb in half as many.
+Numeric& Numeric::add(Numeric& out, const Numeric& a, const Numeric& b, bool subtract) {
+    if (!a.isSmall() || !b.isSmall()) {
+        addLong(out, a, b, subtract);
+        return out;
+    }
+    const Lanes x(a.limbs_);
+    const Lanes y(b.limbs_);
+    if (a.fraction_ != b.fraction_) {
+        addUnaligned(out, a, b, subtract);
+    } else if ((a.sign_ != b.sign_) == subtract) {
+        Pair carry = 0;
+        const Pair low = add_pair(x.pairs[0], y.pairs[0], carry);
+        const Pair high = add_pair(x.pairs[1], y.pairs[1], carry);
+        out.store({low, high, carry, 0}, a.fraction_, a.negative());
+    } else {
+        const bool swapped = x.pairs[1] != y.pairs[1] ? x.pairs[1] < y.pairs[1] : x.pairs[0] < y.pairs[0];
+        const Lanes& greater = swapped ? y : x;
+        const Lanes& smaller = swapped ? x : y;
+        Pair borrow = 0;
+        const Pair low = subtract_pair(greater.pairs[0], smaller.pairs[0], borrow);
+        const Pair high = subtract_pair(greater.pairs[1], smaller.pairs[1], borrow);
+        out.store({low, high, 0, 0}, a.fraction_, a.negative() != swapped);
+    }
+    return out;
+}
 
-/// Results of up to this many limbs are made on the stack and then copied; longer ones in their own store.
-constexpr std::size_t kSmall = 16;
-/// Room for a small result, with the four readable limbs behind it that Numeric::store() wants.
-constexpr std::size_t kSmallRoom = kSmall + Numeric::kInlineLimbs;
-
-} // namespace
+/// The operand with fewer fraction limbs moves up.
+void Numeric::addUnaligned(Numeric& out, const Numeric& a, const Numeric& b, bool subtract) {
+    const bool first = a.fraction_ < b.fraction_;
+    const Numeric& coarse = first ? a : b;
+    const Numeric& fine = first ? b : a;
+    const std::int32_t shift = fine.fraction_ - coarse.fraction_;
+    if (shift >= static_cast<std::int32_t>(kInlineLimbs)) {
+        addLong(out, a, b, subtract);
+        return;
+    }
+    const Lanes x = Lanes(coarse.limbs_).shiftedUp(static_cast<unsigned>(shift));
+    const Lanes y(fine.limbs_);
+    const bool negative = coarse.negative() != (subtract && !first);
+    if ((a.sign_ != b.sign_) == subtract) {
+        out.store(limbs::add(x, y), fine.fraction_, negative);
+    } else if (less(x, y)) {
+        out.store(limbs::subtract(y, x), fine.fraction_, !negative);
+    } else {
+        out.store(limbs::subtract(x, y), fine.fraction_, negative);
+    }
+}
 
 /// a ± b on limbs aligned at the point: one operand is laid out over the whole span of both, the other added
 /// to it or subtracted from it in place.
-Numeric Numeric::add(const Numeric& a, const Numeric& b, bool subtract) {
+void Numeric::addLong(Numeric& out, const Numeric& a, const Numeric& b, bool subtract) {
     if (b.count_ == 0) {
-        return a;
+        out = a;
+        return;
     }
     if (a.count_ == 0) {
-        return subtract ? -b : b;
+        out = subtract ? -b : b;
+        return;
     }
     const bool different = (a.sign_ != b.sign_) != subtract;
     const bool swapped = different && compareMagnitudes(a, b) < 0;
@@ -40,88 +83,86 @@ Numeric Numeric::add(const Numeric& a, const Numeric& b, bool subtract) {
     const auto span = static_cast<std::size_t>(fraction + top) + 1; // and a carry
     const auto base_at = static_cast<std::size_t>(fraction - base.fraction_);
     const auto other_at = static_cast<std::size_t>(fraction - other.fraction_);
-    const auto combine = [&](Limb* out) {
-        std::fill_n(out, base_at, Limb{0});
-        std::copy_n(base.limbs_, base.limbCount(), out + base_at);
-        std::fill(out + base_at + base.limbCount(), out + span, Limb{0});
-        const std::span<Limb> target(out + other_at, out + span);
-        if (different) {
-            subtract_from(target, other.limbs());
-        } else {
-            add_to(target, other.limbs());
-        }
-    };
-
     Numeric result;
-    if (span <= kSmall) {
-        Limb limbs[kSmallRoom];
-        combine(limbs);
-        result.store(limbs, span, fraction, negative);
+    Limb* const sum = result.reserve(span);
+    std::fill_n(sum, base_at, Limb{0});
+    std::copy_n(base.limbs_, base.limbCount(), sum + base_at);
+    std::fill(sum + base_at + base.limbCount(), sum + span, Limb{0});
+    const std::span<Limb> target(sum + other_at, sum + span);
+    if (different) {
+        subtract_from(target, other.limbs());
     } else {
-        combine(result.reserve(span));
-        result.finish(span, fraction, negative);
+        add_to(target, other.limbs());
     }
-    return result;
+    result.finish(span, fraction, negative);
+    out = std::move(result);
 }
 
-Numeric Numeric::multiply(const Numeric& a, const Numeric& b) {
-    Numeric result;
-    if (a.count_ == 0 || b.count_ == 0) {
-        return result;
-    }
-    const std::size_t count = a.limbCount() + b.limbCount();
+Numeric& Numeric::multiply(Numeric& out, const Numeric& a, const Numeric& b) {
     const std::int64_t fraction = std::int64_t{a.fraction_} + b.fraction_;
     const bool negative = a.sign_ != b.sign_;
-    if (count <= kSmall) {
-        Limb limbs[kSmallRoom];
-        limbs::multiply({limbs, count}, a.limbs(), b.limbs());
-        result.store(limbs, count, fraction, negative);
-    } else {
+    checkShape(0, fraction);
+    if (a.isSmall() && b.isSmall()) {
+        out.store(limbs::multiply(Lanes(a.limbs_), Lanes(b.limbs_)), fraction, negative);
+        return out;
+    }
+    Numeric result;
+    if (a.count_ != 0 && b.count_ != 0) {
+        const std::size_t count = a.limbCount() + b.limbCount();
         limbs::multiply({result.reserve(count), count}, a.limbs(), b.limbs());
         result.finish(count, fraction, negative);
     }
-    return result;
+    return out = std::move(result);
 }
 
 /// The quotient has count(a) + 3 limbs; one more is computed and decides whether they are rounded up. That
 /// cannot carry out of the top: a quotient of nothing but nines in that many limbs would need a dividend of
 /// more limbs than a has.
-Numeric Numeric::divide(const Numeric& a, const Numeric& b) {
+Numeric& Numeric::divide(Numeric& out, const Numeric& a, const Numeric& b) {
     if (b.count_ == 0) {
         throw NumericException(NumericException::Error::divideByZero);
     }
-    Numeric result;
-    if (a.count_ == 0) {
-        return result;
+    if (!a.isSmall() || !b.isSmall() || a.fraction_ < 0) {
+        divideLong(out, a, b);
+        return out;
     }
-    // Whole numbers that end in zero limbs are divided with those zeros written out.
-    const std::size_t zeros = a.fraction_ < 0 ? static_cast<std::size_t>(-a.fraction_) : 0;
-    const std::size_t count = a.limbCount() + zeros + 4;
-    const std::size_t shift = b.limbCount() + zeros + 3;
-    const std::int64_t fraction =
-        std::max<std::int64_t>(a.fraction_, 0) - b.fraction_ + std::int64_t{b.count_} + 2;
+    const std::int64_t fraction = std::int64_t{a.fraction_} - b.fraction_ + b.count_ + 2;
     const bool negative = a.sign_ != b.sign_;
-    const auto quotient = [&](Limb* out) {
-        limbs::divide({out, count}, a.limbs(), shift, b.limbs());
-        if (out[0] >= kBase / 2) {
-            constexpr Limb one[] = {1};
-            add_to({out + 1, count - 1}, one);
-        }
-        out[0] = 0;
-    };
-    if (count <= kSmall) {
-        Limb limbs[kSmallRoom];
-        quotient(limbs);
-        result.store(limbs, count, fraction + 1, negative);
-    } else {
-        quotient(result.reserve(count));
-        result.finish(count, fraction + 1, negative);
-    }
-    return result;
+    const Lanes dividend(a.limbs_);
+    const Lanes divisor(b.limbs_);
+    const Word low = word_of(divisor.pairs[0]);
+    const Lanes quotient =
+        divisor.pairs[1] == 0
+            ? divide_small(dividend, a.limbCount(), b.limbCount(), OneWordDivisor(low))
+            : divide_small(dividend, a.limbCount(), b.limbCount(),
+                           TwoWordDivisor(product(word_of(divisor.pairs[1]), kWordBase) + low));
+    const bool up = static_cast<Limb>(quotient.pairs[0]) >= kBase / 2;
+    out.store(limbs::add(quotient.shiftedDownByOne(), {up ? 1U : 0U, 0, 0, 0}), fraction, negative);
+    return out;
 }
 
-Numeric Numeric::remainder(const Numeric& a, const Numeric& b) {
-    return a - (a / b).wholePart() * b;
+void Numeric::divideLong(Numeric& out, const Numeric& a, const Numeric& b) {
+    Numeric result;
+    if (a.count_ != 0) {
+        // Whole numbers that end in zero limbs are divided with those zeros written out.
+        const std::size_t zeros = a.fraction_ < 0 ? static_cast<std::size_t>(-a.fraction_) : 0;
+        const std::size_t count = a.limbCount() + zeros + 4;
+        const std::size_t shift = b.limbCount() + zeros + 3;
+        const std::int64_t fraction = std::int64_t{std::max(a.fraction_, 0)} - b.fraction_ + b.count_ + 2;
+        Limb* const quotient = result.reserve(count);
+        limbs::divide({quotient, count}, a.limbs(), shift, b.limbs());
+        if (quotient[0] >= kBase / 2) {
+            constexpr Limb one[] = {1};
+            add_to({quotient + 1, count - 1}, one);
+        }
+        quotient[0] = 0;
+        result.finish(count, fraction + 1, a.sign_ != b.sign_);
+    }
+    out = std::move(result);
+}
+
+Numeric& Numeric::remainder(Numeric& out, const Numeric& a, const Numeric& b) {
+    return out = a - (a / b).wholePart() * b;
 }
 
 /// The number cut off towards zero.

@@ -4,6 +4,7 @@
 #include <core/numbers/numeric.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace core {
 
@@ -72,39 +73,37 @@ Numeric Numeric::fromString(std::string_view text, const char** end) {
     return parse(text, end);
 }
 
-/// The whole part without leading zeros; nothing for a number below 1.
+/// The whole part without leading zeros, "" below 1, then `point` if there is a fraction and `point` is not
+/// zero, then the `precision` fraction digits. As a limb is written whole and cut off where its digits
+/// end, the text may spill over up to `limit`.
 template <class Char>
-Char* Numeric::writeWhole(Char* out) const noexcept {
-    if (count_ <= fraction_) {
-        return out;
-    }
-    const Limb* const lowest = limbs_ + std::max(fraction_, 0);
+Char* Numeric::writeNumber(Char* out, const Char* limit, Char point, std::int64_t precision) const noexcept {
     const Limb* p = limbs_ + count_;
-    if (p != lowest) {
+    const Limb* const units = limbs_ + std::clamp(fraction_, 0, count_); // the lowest limb of the whole part
+    if (p != units) {
         --p;
-        out = write_digits(out, *p, digit_count(*p));
+        const std::size_t digits = digit_count(*p);
+        out = write_leading(out, limit, *p * kPowers[kLimbDigits - digits], digits);
+    } else if (fraction_ > count_) {
+        *out = point;
+        out += point != Char{} ? 1 : 0;
+        out = std::fill_n(out, static_cast<std::size_t>(fraction_ - count_) * kLimbDigits, Char{'0'});
+        point = Char{};
     }
-    while (p != lowest) {
-        out = write_digits(out, *--p, kLimbDigits);
+    const auto put_point = [&] {
+        *out = point; // overwritten by the next limb unless the point belongs here
+        out += p == units && point != Char{} ? 1 : 0;
+    };
+    for (const Limb* const last = limbs_ + (fraction_ > 0 ? 1 : 0); p != last;) {
+        put_point();
+        out = write_limb(out, *--p);
     }
-    return fraction_ < 0 ? std::fill_n(out, static_cast<std::size_t>(-fraction_) * kLimbDigits, Char{'0'})
-                         : out;
-}
-
-/// The fraction digits without trailing zeros.
-template <class Char>
-Char* Numeric::writeFraction(Char* out) const noexcept {
-    if (fraction_ <= 0) {
-        return out;
+    if (fraction_ > 0) {
+        put_point();
+        const auto above = static_cast<std::int64_t>(kLimbDigits) * (fraction_ - 1);
+        return write_leading(out, limit, limbs_[0], static_cast<std::size_t>(precision - above));
     }
-    const Limb* p = limbs_ + std::min(count_, fraction_);
-    out =
-        std::fill_n(out, static_cast<std::size_t>(std::max(fraction_ - count_, 0)) * kLimbDigits, Char{'0'});
-    while (p != limbs_ + 1) {
-        out = write_digits(out, *--p, kLimbDigits);
-    }
-    const std::size_t zeros = trailing_zeros(limbs_[0]);
-    return write_digits(out, limbs_[0] / kPowers[zeros], kLimbDigits - zeros);
+    return std::fill_n(out, static_cast<std::size_t>(-fraction_) * kLimbDigits, Char{'0'});
 }
 
 template <class Char>
@@ -113,14 +112,10 @@ std::size_t Numeric::writeDigits(Char* buffer, std::size_t capacity) const noexc
     std::int64_t precision = 0;
     lengthAndPrecision(length, precision);
     const auto size = static_cast<std::size_t>(length);
-    if (size > capacity) {
-        return size;
-    }
-    if (count_ == 0) {
+    if (size <= capacity) {
         *buffer = Char{'0'};
-        return size;
+        writeNumber(buffer, buffer + size, Char{}, precision);
     }
-    writeFraction(writeWhole(buffer));
     return size;
 }
 
@@ -134,15 +129,15 @@ bool Numeric::writeDigits(Char* buffer, std::size_t length, std::size_t precisio
     std::int64_t own_precision = 0;
     lengthAndPrecision(own_length, own_precision);
     if (own_precision > static_cast<std::int64_t>(precision)) {
-        // Fewer digits than a number can have: the count fits.
-        return round(static_cast<std::int32_t>(precision), mode).writeDigits(buffer, length, precision, mode);
+        const auto digits = std::min<std::size_t>(precision, std::numeric_limits<std::int32_t>::max());
+        return round(static_cast<std::int32_t>(digits), mode).writeDigits(buffer, length, precision, mode);
     }
     const std::size_t whole = count_ == 0 ? 0 : static_cast<std::size_t>(own_length - own_precision);
     if (whole > length - precision) {
         return false;
     }
     Char* out = std::fill_n(buffer, length - precision - whole, Char{'0'});
-    out = writeFraction(writeWhole(out));
+    out = writeNumber(out, buffer + length, Char{}, own_precision);
     std::fill(out, buffer + length, Char{'0'});
     return true;
 }
@@ -152,24 +147,20 @@ std::size_t Numeric::writeText(Char* buffer, std::size_t capacity) const noexcep
     std::int64_t length = 0;
     std::int64_t precision = 0;
     lengthAndPrecision(length, precision);
-    const bool whole = length > precision && count_ != 0;
-    const std::size_t size = static_cast<std::size_t>(length) + (negative() ? 1 : 0) +
-                             (whole || precision == 0 ? 0 : 1) + (precision == 0 ? 0 : 1);
+    const bool whole = length > precision; // there are digits in front of the point, if only a zero's
+    const std::size_t size =
+        static_cast<std::size_t>(length) + (negative() ? 1 : 0) + (whole ? 0 : 1) + (precision == 0 ? 0 : 1);
     if (size > capacity) {
         return size;
     }
+    Char* out = buffer;
     if (negative()) {
-        *buffer++ = Char{'-'};
+        *out++ = Char{'-'};
     }
-    if (whole) {
-        buffer = writeWhole(buffer);
-    } else {
-        *buffer++ = Char{'0'};
+    if (!whole || count_ == 0) {
+        *out++ = Char{'0'};
     }
-    if (precision != 0) {
-        *buffer++ = Char{'.'};
-        writeFraction(buffer);
-    }
+    writeNumber(out, buffer + capacity, Char{'.'}, precision);
     return size;
 }
 

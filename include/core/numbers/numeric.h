@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/runtime/api.h>
+#include <core/runtime/block_pool.h>
 #include <core/runtime/settings.h>
 #include <core/runtime/types.h>
 
@@ -16,6 +17,10 @@
 
 namespace core {
 
+namespace limbs {
+struct Lanes;
+} // namespace limbs
+
 /// A built-in integer that stands for a number: neither `bool` nor a character code.
 template <class T>
 concept NumericInteger =
@@ -28,7 +33,7 @@ concept NumericInteger =
 /// significant first. After every operation
 ///  1. neither the lowest nor the highest limb is zero, so equal numbers have equal limbs;
 ///  2. zero has no limbs, no fraction limbs and a positive sign;
-///  3. up to four limbs lie inside the object; more may lie on the heap.
+///  3. up to four limbs lie inside the object; more lie on the heap.
 /// Fraction limbs may be negative: 10^9 is the one limb 1 with fraction limbs −1.
 ///
 /// A value type: copies are independent, equality and order are those of the values. An operation that throws
@@ -59,21 +64,21 @@ class CORE_API Numeric {
     /// \name Arithmetic
     /// Addition, subtraction and multiplication are exact.
     /// @{
-    Numeric& operator+=(const Numeric& other) { return *this = add(*this, other, false); }
-    Numeric& operator-=(const Numeric& other) { return *this = add(*this, other, true); }
-    Numeric& operator*=(const Numeric& other) { return *this = multiply(*this, other); }
+    Numeric& operator+=(const Numeric& other) { return add(*this, *this, other, false); }
+    Numeric& operator-=(const Numeric& other) { return add(*this, *this, other, true); }
+    Numeric& operator*=(const Numeric& other) { return multiply(*this, *this, other); }
     /// The quotient, cut off behind (fraction limbs of this − those of other) + limbs of other + 2 fraction
     /// limbs and rounded half up by the one limb that follows. NumericException (divideByZero).
-    Numeric& operator/=(const Numeric& other) { return *this = divide(*this, other); }
+    Numeric& operator/=(const Numeric& other) { return divide(*this, *this, other); }
     /// What the quotient, cut towards zero, leaves: it has the sign of the dividend. NumericException
     /// (divideByZero).
-    Numeric& operator%=(const Numeric& other) { return *this = remainder(*this, other); }
+    Numeric& operator%=(const Numeric& other) { return remainder(*this, *this, other); }
 
-    friend Numeric operator+(const Numeric& a, const Numeric& b) { return add(a, b, false); }
-    friend Numeric operator-(const Numeric& a, const Numeric& b) { return add(a, b, true); }
-    friend Numeric operator*(const Numeric& a, const Numeric& b) { return multiply(a, b); }
-    friend Numeric operator/(const Numeric& a, const Numeric& b) { return divide(a, b); }
-    friend Numeric operator%(const Numeric& a, const Numeric& b) { return remainder(a, b); }
+    friend Numeric operator+(const Numeric& a, const Numeric& b) { return made(add, a, b, false); }
+    friend Numeric operator-(const Numeric& a, const Numeric& b) { return made(add, a, b, true); }
+    friend Numeric operator*(const Numeric& a, const Numeric& b) { return made(multiply, a, b); }
+    friend Numeric operator/(const Numeric& a, const Numeric& b) { return made(divide, a, b); }
+    friend Numeric operator%(const Numeric& a, const Numeric& b) { return made(remainder, a, b); }
 
     [[nodiscard]] Numeric operator-() const;
     [[nodiscard]] Numeric abs() const;
@@ -146,8 +151,8 @@ class CORE_API Numeric {
     [[nodiscard]] bool fromStream(wistream& in);
 
     [[nodiscard]] wstring toString() const;
-    /// Writes the text without a terminator and returns its length. Nothing is written when it exceeds
-    /// `capacity`.
+    /// Writes the text without a terminator and returns its length; the rest of the buffer may be
+    /// overwritten. Nothing is written when the text exceeds `capacity`.
     std::size_t toString(wchar* buffer, std::size_t capacity) const noexcept;
     std::size_t toString(char* buffer, std::size_t capacity) const noexcept;
     /// A stream that does not take the text is marked bad.
@@ -165,10 +170,20 @@ class CORE_API Numeric {
     static constexpr std::uint8_t kNegative = 255;
     static constexpr Limb kBase = 1'000'000'000;
 
-    static Numeric add(const Numeric& a, const Numeric& b, bool subtract);
-    static Numeric multiply(const Numeric& a, const Numeric& b);
-    static Numeric divide(const Numeric& a, const Numeric& b);
-    static Numeric remainder(const Numeric& a, const Numeric& b);
+    // Each returns `out`, which may be one of the operands.
+    static Numeric& add(Numeric& out, const Numeric& a, const Numeric& b, bool subtract);
+    static Numeric& multiply(Numeric& out, const Numeric& a, const Numeric& b);
+    static Numeric& divide(Numeric& out, const Numeric& a, const Numeric& b);
+    static Numeric& remainder(Numeric& out, const Numeric& a, const Numeric& b);
+    static void addUnaligned(Numeric& out, const Numeric& a, const Numeric& b, bool subtract);
+    static void addLong(Numeric& out, const Numeric& a, const Numeric& b, bool subtract);
+    static void divideLong(Numeric& out, const Numeric& a, const Numeric& b);
+    template <class Operation, class... Flags>
+    static Numeric made(Operation operation, const Numeric& a, const Numeric& b, Flags... flags) {
+        Numeric result;
+        operation(result, a, b, flags...);
+        return result;
+    }
     static Numeric powerOf(const Numeric& base, std::uint32_t exponent);
     static int compareMagnitudes(const Numeric& a, const Numeric& b) noexcept;
     template <class Char>
@@ -186,25 +201,29 @@ class CORE_API Numeric {
     template <class Char>
     std::size_t writeText(Char* buffer, std::size_t capacity) const noexcept;
     template <class Char>
-    Char* writeWhole(Char* out) const noexcept;
-    template <class Char>
-    Char* writeFraction(Char* out) const noexcept;
+    Char* writeNumber(Char* out, const Char* limit, Char point, std::int64_t precision) const noexcept;
 
     /// Room for `count` limbs in a number that is zero; finish() must follow.
     Limb* reserve(std::size_t count);
     /// Makes what stands in the store the value: normalises it.
     void finish(std::size_t count, std::int64_t fraction, bool negative);
-    /// Makes a copy of `limbs` the value; with fewer than four limbs left, four are read all the same.
-    void store(const Limb* limbs, std::size_t count, std::int64_t fraction, bool negative);
+    /// Makes up to eight limbs the value; the place of the point is not checked.
+    void store(const limbs::Lanes& lanes, std::int64_t fraction, bool negative);
+    void storeUnusual(const limbs::Lanes& lanes, std::int64_t fraction, bool negative);
     void setInteger(std::uint64_t magnitude, bool negative) noexcept;
-    void setShape(std::size_t count, std::int64_t fraction, bool negative);
+    [[noreturn]] static void refuse();
+    static void checkShape(std::size_t count, std::int64_t fraction);
+    void setShape(std::size_t count, std::int64_t fraction, bool negative) noexcept;
     void steal(Numeric& other) noexcept;
     void release() noexcept {
         if (limbs_ != inline_) {
-            delete[] limbs_;
+            free_block(limbs_, capacity_ * sizeof(Limb));
         }
     }
 
+    [[nodiscard]] bool isSmall() const noexcept { return limbCount() <= kInlineLimbs; }
+
+    // The store holds at least four limbs; those of them that the value does not need are zero.
     std::uint32_t capacity_ = kInlineLimbs;
     std::int32_t count_ = 0;
     std::int32_t fraction_ = 0;
@@ -237,6 +256,7 @@ inline void Numeric::steal(Numeric& other) noexcept {
     limbs_ = other.limbs_;
     other.capacity_ = kInlineLimbs;
     other.limbs_ = other.inline_;
+    std::memset(other.inline_, 0, sizeof other.inline_);
     other.count_ = 0;
     other.fraction_ = 0;
     other.sign_ = kPositive;
