@@ -76,33 +76,33 @@ GenericValue get_payload_of(wchar tag, IInPersistenceStorage* storage) {
 
 } // namespace
 
-void GenericValue::serialize(IOutPersistenceStorage* storage) const {
+void serialize_value(IOutPersistenceStorage* storage, const Value& value) {
     const Nesting::Level level(storage->nesting());
     ListOutStream& out = storage->listStream();
     out.putBeginOfList();
-    const wchar tag = tag_of(kind());
+    const wchar tag = tag_of(value.kind());
     out.put(&tag, 1);
-    switch (kind()) {
+    switch (value.kind()) {
     case ValueKind::undefined:
     case ValueKind::null:
         break;
     case ValueKind::boolean:
-        out.put(isTrue());
+        out.put(value.isTrue());
         break;
     case ValueKind::number:
-        out.put(*asNumeric());
+        out.put(*value.asNumeric());
         break;
     case ValueKind::string:
-        out.put(*asString());
+        out.put(*value.asString());
         break;
     case ValueKind::date:
-        out.put(*asDate());
+        out.put(*value.asDate());
         break;
     case ValueKind::type:
-        out.put(asType()->id());
+        out.put(value.asType()->id());
         break;
     case ValueKind::object:
-        serialize_object(storage, *this);
+        serialize_object(storage, value);
     }
     out.putEndOfList();
 }

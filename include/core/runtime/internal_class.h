@@ -118,4 +118,14 @@ class SCOM_InternalClass final : public T {
     std::int32_t count_ = 0;
 };
 
+/// A new object with one reference, for callers that have no use for null: std::bad_alloc when there is no
+/// memory.
+template <class T, class... Args>
+[[nodiscard]] InterfacePtr<SCOM_InternalClass<T>> make_object(Args&&... args) {
+    auto object = SCOM_InternalClass<T>::create(std::forward<Args>(args)...);
+    if (!object)
+        throw std::bad_alloc();
+    return object;
+}
+
 } // namespace core

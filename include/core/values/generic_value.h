@@ -8,6 +8,10 @@ namespace core {
 class IInPersistenceStorage;
 class IOutPersistenceStorage;
 
+/// Writes a value as a list: its type tag, then its payload. ListStreamException when values stand in values
+/// deeper than Nesting allows, ContextException for an object that cannot be written.
+CORE_API void serialize_value(IOutPersistenceStorage* storage, const Value& value);
+
 /// The holder used across the library's interfaces: property values, parameters and results, cells of
 /// collections. A Value that can be assigned to, compared with plain data, written and read.
 class CORE_API GenericValue : public Value {
@@ -31,9 +35,7 @@ class CORE_API GenericValue : public Value {
     }
 
     // write and read
-    /// Writes the value as a list: its type tag, then its payload. ListStreamException when values stand in
-    /// values deeper than Nesting allows, ContextException for an object that cannot be written.
-    void serialize(IOutPersistenceStorage* storage) const;
+    void serialize(IOutPersistenceStorage* storage) const { serialize_value(storage, *this); }
     /// Reads what serialize() wrote. ListStreamException for malformed text, TypeException for an object
     /// whose class is not registered.
     [[nodiscard]] static GenericValue deserialize(IInPersistenceStorage* storage);

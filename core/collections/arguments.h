@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/values/value.h>
+
+#include <cstdint>
+
+namespace core {
+
+/// The whole part of a Number, as an index. One that does not fit 32 bits gives the nearest 64-bit number,
+/// which is out of every bound. ContextException for an argument that is no Number.
+[[nodiscard]] std::int64_t index_argument(const Value& argument, int param);
+
+/// "IDS_INDEX_OFFBOUND".
+[[noreturn]] void throw_bad_index();
+/// "IDS_LISTSTREAMERROR".
+[[noreturn]] void throw_malformed();
+
+} // namespace core

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/collections/arguments.h"
+
+#include <core/collections/terms.h>
+#include <core/collections/value_array.h>
+#include <core/context/context_impl.h>
+#include <core/context/iteration.h>
+#include <core/serialization/list_in_stream.h>
+#include <core/serialization/list_out_stream.h>
+#include <core/serialization/persistence.h>
+#include <core/values/type_object.h>
+#include <core/values/value_impl.h>
+
+#include <algorithm>
+
+namespace core {
+
+/// A walk over what an array held when the walk began.
+class ValueArrayEnum : public IValueEnum {
+  public:
+    using Interfaces = InterfaceList<IValueEnum>;
+
+    explicit ValueArrayEnum(std::span<const Value> values) : values_(values.begin(), values.end()) {}
+
+    bool next(GenericValue& out) override {
+        if (next_ == values_.size())
+            return false;
+        out = GenericValue(std::move(values_[next_++]));
+        return true;
+    }
+
+  private:
+    std::vector<Value> values_;
+    std::size_t next_ = 0;
+};
+
+/// What both arrays are: values that can be read, found, walked, written and read back. `I` is what an array
+/// offers to modules.
+template <class T, class I, const GUID* clsid>
+class ArrayImpl : public IValueImpl,
+                  public IContextImpl<IContextDefImpl<T>>,
+                  public I,
+                  public IValueCollection,
+                  public IPersistableObjectImpl<T, clsid> {
+  public:
+    explicit ArrayImpl(std::vector<Value> values = {}) noexcept : values_(std::move(values)) {}
+
+    static std::span<const Property<T>> properties() noexcept { return {}; }
+
+    // IValue
+    bool getString(wstring& out) const override {
+        out = this->getType()->presentation();
+        return true;
+    }
+
+    // IValueSequence
+    std::span<const Value> values() const noexcept override { return values_; }
+    const Value& get(std::size_t index) const override {
+        if (index >= values_.size())
+            throw_bad_index();
+        return values_[index];
+    }
+    std::optional<std::size_t> find(const Value& value) const noexcept override {
+        const auto place = std::find(values_.begin(), values_.end(), value);
+        return place != values_.end() ? std::optional(static_cast<std::size_t>(place - values_.begin()))
+                                      : std::nullopt;
+    }
+
+    // IValueCollection
+    InterfacePtr<IValueEnum> enumerate() override { return make_object<ValueArrayEnum>(values_); }
+
+    // IPersistableObject
+    void serialize(IOutPersistenceStorage* storage) const override {
+        ListOutStream& out = storage->listStream();
+        out.putBeginOfList();
+        out.put(static_cast<std::int64_t>(values_.size()));
+        for (const Value& value : values_)
+            serialize_value(storage, value);
+        out.putEndOfList();
+    }
+    void deserialize(IInPersistenceStorage* storage) override {
+        ListInStream& in = storage->listStream();
+        std::int64_t count = 0;
+        in.getBeginOfList();
+        in.get(count);
+        if (count < 0)
+            throw_malformed();
+        std::vector<Value> values; // grows with what is really there, whatever the count says
+        for (; count > 0; --count)
+            values.push_back(GenericValue::deserialize(storage));
+        in.getEndOfList();
+        values_.swap(values);
+    }
+
+  protected:
+    ~ArrayImpl() = default;
+
+    /// The index that an argument names; it must be that of an element.
+    [[nodiscard]] std::size_t indexOf(const Value& argument) const {
+        const std::int64_t index = index_argument(argument, 0);
+        if (index < 0 || static_cast<std::uint64_t>(index) >= values_.size())
+            throw_bad_index();
+        return static_cast<std::size_t>(index);
+    }
+
+    // methods
+    GenericValue callCount(std::span<GenericValue>) { return values_.size(); }
+    GenericValue callUBound(std::span<GenericValue>) { return static_cast<std::int64_t>(values_.size()) - 1; }
+    GenericValue callGet(std::span<GenericValue> arguments) { return values_[indexOf(arguments[0])]; }
+    GenericValue callFind(std::span<GenericValue> arguments) {
+        const auto index = find(arguments[0]);
+        return index ? GenericValue(*index) : GenericValue();
+    }
+
+    std::vector<Value> values_;
+};
+
+/// The values of a sequence as an array's own.
+[[nodiscard]] inline std::vector<Value> copy_values(const IValueSequence& source) {
+    return {source.values().begin(), source.values().end()};
+}
+
+} // namespace core

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/collections/arguments.h"
+#include "core/collections/pair_table.h"
+#include "core/collections/value_pair_impl.h"
+#include "core/collections/value_pair_list_enum.h"
+
+#include <core/collections/terms.h>
+#include <core/context/context_impl.h>
+#include <core/serialization/list_in_stream.h>
+#include <core/serialization/list_out_stream.h>
+#include <core/values/type_object.h>
+#include <core/values/value_impl.h>
+
+namespace core {
+
+/// What maps and structures are: pairs that can be counted, walked, written and read back. `I` is what they
+/// offer to modules; T::take(table, pair) adds a pair that was read.
+template <class T, class I, const GUID* clsid>
+class PairsImpl : public IValueImpl,
+                  public IContextImpl<IContextDefImpl<T>>,
+                  public I,
+                  public IValueCollection,
+                  public IPersistableObjectImpl<T, clsid> {
+  public:
+    static std::span<const Property<T>> properties() noexcept { return {}; }
+
+    // IValue
+    bool getString(wstring& out) const override {
+        out = this->getType()->presentation();
+        return true;
+    }
+
+    // IValuePairs
+    std::size_t count() const noexcept override { return table_.size(); }
+    bool next(std::size_t& place, IValuePairs::View& pair) const noexcept override {
+        const auto row = table_.row();
+        while (place < row.size()) {
+            const PairTable::Pair& found = row[place++];
+            if (found.hash != 0) {
+                pair = {&found.key, &found.value};
+                return true;
+            }
+        }
+        return false;
+    }
+    void clear() noexcept override { table_.clear(); }
+
+    // IValueCollection
+    InterfacePtr<IValueEnum> enumerate() override { return enumerate_pairs(table_); }
+
+    // IPersistableObject
+    void serialize(IOutPersistenceStorage* storage) const override {
+        ListOutStream& out = storage->listStream();
+        out.putBeginOfList();
+        out.put(static_cast<std::int64_t>(table_.size()));
+        for (const PairTable::Pair& pair : table_.row()) {
+            if (pair.hash != 0)
+                serialize_pair(storage, pair.key, pair.value);
+        }
+        out.putEndOfList();
+    }
+    void deserialize(IInPersistenceStorage* storage) override {
+        ListInStream& in = storage->listStream();
+        std::int64_t count = 0;
+        in.getBeginOfList();
+        in.get(count);
+        if (count < 0)
+            throw_malformed();
+        PairTable table; // grows with what is really there, whatever the count says
+        for (; count > 0; --count)
+            T::take(table, deserialize_pair(storage));
+        in.getEndOfList();
+        std::swap(table_, table);
+    }
+
+  protected:
+    ~PairsImpl() = default;
+
+    // methods
+    GenericValue callCount(std::span<GenericValue>) { return table_.size(); }
+    GenericValue callClear(std::span<GenericValue>) {
+        clear();
+        return {};
+    }
+
+    mutable PairTable table_; // closing gaps is no change
+};
+
+} // namespace core

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/collections/pairs_impl.h"
+
+#include <core/collections/value_map.h>
+#include <core/values/value_hash.h>
+
+namespace core {
+namespace {
+
+PairTable::Pair* find_pair(PairTable& table, std::uint64_t hash, const Value& key) noexcept {
+    return table.find(hash,
+                      [&](const PairTable::Pair& pair) { return equal_by_table_hash(hash, pair.key, key); });
+}
+
+void put_pair(PairTable& table, const Value& key, Value&& value) {
+    const std::uint64_t hash = value_table_hash(key);
+    if (PairTable::Pair* const pair = find_pair(table, hash, key))
+        swap(pair->value, value);
+    else
+        table.append(hash, key, std::move(value));
+}
+
+} // namespace
+
+class ValueMap : public PairsImpl<ValueMap, IValueMap, &kValueMapClass> {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueMap, IValuePairs, IValueCollection,
+                                     IPersistableObject>;
+
+    static std::span<const Method<ValueMap>> methods() noexcept;
+    /// Keys that differ may be written alike, as dates with parts of a second are: the last one stays.
+    static void take(PairTable& table, KeyAndValue&& pair) {
+        put_pair(table, pair.key, std::move(pair.value));
+    }
+
+    // IValue
+    IType* getType() const noexcept override;
+
+    // IValueMap
+    void insert(const Value& key, Value value) override { put_pair(table_, key, std::move(value)); }
+    const Value* find(const Value& key) const noexcept override {
+        const PairTable::Pair* const pair = find_pair(table_, value_table_hash(key), key);
+        return pair != nullptr ? &pair->value : nullptr;
+    }
+    bool remove(const Value& key) noexcept override {
+        PairTable::Pair* const pair = find_pair(table_, value_table_hash(key), key);
+        if (pair == nullptr)
+            return false;
+        table_.erase(*pair);
+        return true;
+    }
+
+  private:
+    GenericValue callInsert(std::span<GenericValue> arguments) {
+        insert(arguments[0], arguments[1]);
+        return {};
+    }
+    GenericValue callDelete(std::span<GenericValue> arguments) {
+        remove(arguments[0]);
+        return {};
+    }
+    GenericValue callGet(std::span<GenericValue> arguments) {
+        const Value* const value = find(arguments[0]);
+        return value != nullptr ? GenericValue(*value) : GenericValue();
+    }
+};
+
+InterfacePtr<IValueMap> create_value_map() {
+    return make_object<ValueMap>();
+}
+
+namespace {
+
+constexpr TypeInfo kInfo = {
+    .id = kValueMapType,
+    .valueClass = kValueMapClass,
+    .names = kValueMapTypeString,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUEMAP",
+    .construct = [](std::span<GenericValue>) { return GenericValue(make_object<ValueMap>()); },
+    .arguments = {0, 0},
+};
+
+const SCOM_Class<ValueMap, &kValueMapClass> kEntry("ValueMap");
+const TypeEntry<kInfo> kTypeEntry("ValueMap_Type");
+
+} // namespace
+
+std::span<const Method<ValueMap>> ValueMap::methods() noexcept {
+    static constexpr Method<ValueMap> kMethods[] = {
+        {kCollectTermCount, required(0), kFunction, &ValueMap::callCount},
+        {kCollectTermInsert, required(2), kProcedure, &ValueMap::callInsert},
+        {kCollectTermRemove, required(1), kProcedure, &ValueMap::callDelete},
+        {kCollectTermClear, required(0), kProcedure, &ValueMap::callClear},
+        {kCollectTermGet, required(1), kFunction, &ValueMap::callGet},
+    };
+    return kMethods;
+}
+
+IType* ValueMap::getType() const noexcept {
+    return TypeEntry<kInfo>::instance();
+}
+
+} // namespace core

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/collections/value_pair_impl.h"
+
+#include <core/collections/terms.h>
+#include <core/context/context_impl.h>
+#include <core/serialization/list_in_stream.h>
+#include <core/serialization/list_out_stream.h>
+#include <core/values/type_object.h>
+#include <core/values/value_impl.h>
+
+namespace core {
+
+class ValuePair : public IValueImpl,
+                  public IContextImpl<IContextDefImpl<ValuePair>>,
+                  public IValuePair,
+                  public IPersistableObjectImpl<ValuePair, &kValuePairClass> {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValuePair, IPersistableObject>;
+
+    explicit ValuePair(Value key = {}, Value value = {}) noexcept : pair_{std::move(key), std::move(value)} {}
+
+    static std::span<const Property<ValuePair>> properties() noexcept;
+    static std::span<const Method<ValuePair>> methods() noexcept { return {}; }
+
+    // IValue
+    IType* getType() const noexcept override;
+    bool getString(wstring& out) const override {
+        out = getType()->presentation();
+        return true;
+    }
+
+    // IValuePair
+    const Value& key() const noexcept override { return pair_.key; }
+    const Value& value() const noexcept override { return pair_.value; }
+
+    // IPersistableObject
+    void serialize(IOutPersistenceStorage* storage) const override {
+        serialize_pair(storage, pair_.key, pair_.value);
+    }
+    void deserialize(IInPersistenceStorage* storage) override { pair_ = deserialize_pair(storage); }
+
+  private:
+    GenericValue getKey() const { return pair_.key; }
+    GenericValue getValue() const { return pair_.value; }
+
+    KeyAndValue pair_;
+};
+
+InterfacePtr<IValuePair> create_value_pair(Value key, Value value) {
+    return make_object<ValuePair>(std::move(key), std::move(value));
+}
+
+void serialize_pair(IOutPersistenceStorage* storage, const Value& key, const Value& value) {
+    ListOutStream& out = storage->listStream();
+    out.putBeginOfList();
+    serialize_value(storage, key);
+    serialize_value(storage, value);
+    out.putEndOfList();
+}
+
+KeyAndValue deserialize_pair(IInPersistenceStorage* storage) {
+    ListInStream& in = storage->listStream();
+    in.getBeginOfList();
+    KeyAndValue pair;
+    pair.key = GenericValue::deserialize(storage);
+    pair.value = GenericValue::deserialize(storage);
+    in.getEndOfList();
+    return pair;
+}
+
+namespace {
+
+constexpr TypeInfo kInfo = {
+    .id = kValuePairType,
+    .valueClass = kValuePairClass,
+    .names = kValuePairTypeString,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUEPAIR",
+};
+
+const SCOM_Class<ValuePair, &kValuePairClass> kEntry("ValuePair");
+const TypeEntry<kInfo> kTypeEntry("ValuePair_Type");
+
+} // namespace
+
+std::span<const Property<ValuePair>> ValuePair::properties() noexcept {
+    static constexpr Property<ValuePair> kProperties[] = {
+        {kKeyTerm, &ValuePair::getKey},
+        {kValueTerm, &ValuePair::getValue},
+    };
+    return kProperties;
+}
+
+IType* ValuePair::getType() const noexcept {
+    return TypeEntry<kInfo>::instance();
+}
+
+} // namespace core

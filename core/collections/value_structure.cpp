@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/collections/pairs_impl.h"
+
+#include <core/collections/value_structure.h>
+#include <core/strings/compare.h>
+#include <core/strings/names.h>
+#include <core/strings/split.h>
+#include <core/strings/table_hash.h>
+#include <core/strings/trim.h>
+
+namespace core {
+namespace {
+
+std::uint64_t hash_name(wstring_view name) noexcept {
+    const std::uint64_t hash = table_hash_nocase(name);
+    return hash != 0 ? hash : 1;
+}
+
+PairTable::Pair* find_pair(PairTable& table, std::uint64_t hash, wstring_view name) noexcept {
+    return table.find(
+        hash, [&](const PairTable::Pair& pair) { return compare_nocase(*pair.key.asString(), name) == 0; });
+}
+
+/// The name that a key stands for: a String, trimmed, that is a valid name.
+wstring_view name_of(const Value& key) {
+    const wstring_view* const text = key.asString();
+    const wstring_view name = text != nullptr ? trim_all(*text) : wstring_view();
+    if (!is_valid_name(name))
+        throw_error<ContextException>("IDS_VS_BADPROPNAME_ERROR", {key.presentation()});
+    return name;
+}
+
+/// Adds the pair where the name is not here; returns it where it is.
+PairTable::Pair* find_or_add(PairTable& table, const Value& key, wstring_view name, Value& value) {
+    const std::uint64_t hash = hash_name(name);
+    PairTable::Pair* const pair = find_pair(table, hash, name);
+    if (pair == nullptr)
+        table.append(hash, name.size() == key.asString()->size() ? key : Value(name), std::move(value));
+    return pair;
+}
+
+} // namespace
+
+class ValueStructure : public PairsImpl<ValueStructure, IValueStructure, &kValueStructureClass> {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueStructure, IValuePairs,
+                                     IValueCollection, IPersistableObject>;
+
+    static std::span<const Method<ValueStructure>> methods() noexcept;
+    static void take(PairTable& table, KeyAndValue&& pair) {
+        const wstring_view* const name = pair.key.asString();
+        if (name == nullptr || !is_valid_name(*name) ||
+            find_or_add(table, pair.key, *name, pair.value) != nullptr)
+            throw_malformed();
+    }
+
+    // IValue
+    IType* getType() const noexcept override;
+
+    // IContextDef: the keys are the properties
+    int getNProps() const override { return static_cast<int>(table_.size()); }
+    const wchar* getPropName(int prop, int alias) const override {
+        const bool named = isProp(prop) && (alias == kEnglish || alias == kRussian);
+        return named ? at(prop).key.asString()->data() : nullptr;
+    }
+    bool isPropReadable(int prop) const override { return isProp(prop); }
+    bool isPropWritable(int prop) const override { return isProp(prop); }
+    int findProp(const wchar* name) const override {
+        const PairTable::Pair* const pair = pairOf(name);
+        return pair != nullptr ? static_cast<int>(table_.positionOf(*pair)) : -1;
+    }
+
+    // IContext_
+    void getPropVal(int prop, GenericValue& out) override {
+        checkProp(prop);
+        out = GenericValue(at(prop).value);
+    }
+    void setPropVal(int prop, const GenericValue& value) override {
+        checkProp(prop);
+        Value copy(value);
+        swap(at(prop).value, copy);
+    }
+
+    // IValueStructure
+    void insert(const Value& key, Value value) override {
+        if (PairTable::Pair* const pair = find_or_add(table_, key, name_of(key), value))
+            swap(pair->value, value);
+    }
+    const Value* find(const Value& key) const override { return valueOf(pairOf(name_of(key))); }
+    const Value* find(wstring_view name) const noexcept override { return valueOf(pairOf(name)); }
+    bool remove(const Value& key) override {
+        PairTable::Pair* const pair = pairOf(name_of(key));
+        if (pair == nullptr)
+            return false;
+        table_.erase(*pair);
+        return true;
+    }
+
+  private:
+    [[nodiscard]] bool isProp(int prop) const noexcept {
+        return prop >= 0 && static_cast<std::size_t>(prop) < table_.size();
+    }
+    void checkProp(int prop) const {
+        if (!isProp(prop))
+            detail::bad_property(prop);
+    }
+    [[nodiscard]] PairTable::Pair& at(int prop) const noexcept {
+        return table_.at(static_cast<std::size_t>(prop));
+    }
+    [[nodiscard]] PairTable::Pair* pairOf(wstring_view name) const noexcept {
+        return find_pair(table_, hash_name(name), name);
+    }
+    [[nodiscard]] static const Value* valueOf(const PairTable::Pair* pair) noexcept {
+        return pair != nullptr ? &pair->value : nullptr;
+    }
+
+    GenericValue callInsert(std::span<GenericValue> arguments) {
+        insert(arguments[0], arguments[1]);
+        return {};
+    }
+    GenericValue callDelete(std::span<GenericValue> arguments) {
+        remove(arguments[0]);
+        return {};
+    }
+    GenericValue callProperty(std::span<GenericValue> arguments) {
+        const Value* const value = find(arguments[0]);
+        if (value != nullptr)
+            arguments[1] = GenericValue(*value);
+        return value != nullptr;
+    }
+};
+
+InterfacePtr<IValueStructure> create_value_structure() {
+    return make_object<ValueStructure>();
+}
+
+namespace {
+
+/// New Structure(), or of names with "," between them and their values; missing values are Undefined.
+GenericValue construct(std::span<GenericValue> arguments) {
+    auto structure = make_object<ValueStructure>();
+    if (arguments.empty())
+        return structure;
+    const wstring_view* const names = arguments[0].asString();
+    if (names == nullptr)
+        parameter_type_mismatch(0);
+    std::size_t param = 1;
+    for (const wstring_view name : string_tokenize(*names, u",", EmptyTokens::keep)) {
+        structure->insert(Value(name), param < arguments.size() ? arguments[param] : Value());
+        ++param;
+    }
+    if (param < arguments.size())
+        parameter_value_mismatch(static_cast<int>(param));
+    return structure;
+}
+
+constexpr TypeInfo kInfo = {
+    .id = kValueStructureType,
+    .valueClass = kValueStructureClass,
+    .names = kValueStructureTypeString,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUESTRUCTURE",
+    .construct = &construct,
+    .arguments = {0, -1},
+};
+
+const SCOM_Class<ValueStructure, &kValueStructureClass> kEntry("ValueStructure");
+const TypeEntry<kInfo> kTypeEntry("ValueStructure_Type");
+
+constexpr Param kKeyAndOptionalValue[] = {{}, {.byDefault = ParamDefault::undefined}};
+constexpr Param kKeyAndFoundValue[] = {{}, {.byDefault = ParamDefault::undefined, .in = false, .out = true}};
+
+} // namespace
+
+std::span<const Method<ValueStructure>> ValueStructure::methods() noexcept {
+    static constexpr Method<ValueStructure> kMethods[] = {
+        {kCollectTermCount, required(0), kFunction, &ValueStructure::callCount},
+        {kCollectTermInsert, kKeyAndOptionalValue, kProcedure, &ValueStructure::callInsert},
+        {kCollectTermRemove, required(1), kProcedure, &ValueStructure::callDelete},
+        {kCollectTermClear, required(0), kProcedure, &ValueStructure::callClear},
+        {kStructureTermProperty, kKeyAndFoundValue, kFunction, &ValueStructure::callProperty},
+    };
+    return kMethods;
+}
+
+IType* ValueStructure::getType() const noexcept {
+    return TypeEntry<kInfo>::instance();
+}
+
+} // namespace core
