@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/context/context_def.h>
+
+/// The global context: what scripts call without an object in front.
+///
+///     0  GetTempFileName([Extension])   a name in the folder for temporary files that no file has; makes no
+///     file 1  FillPropertyValues(Receiver, Source, [Names], [Excluded])
+///                                       sets the receiver's properties to those of the source with the same
+///                                       names: all that both have, or the listed ones, which both must have
+///     2  Base64Value(Text)              the BinaryData that a base64 text stands for
+///     3  Base64String(Data)             the base64 text of BinaryData, or of a String in UTF-8
+namespace core {
+
+inline constexpr GUID kCoreGeneralContextClass = "d01bff24-01c3-4ed3-b0d7-63042f854d4a"_guid;
+
+[[nodiscard]] CORE_API InterfacePtr<IContext_> create_core_general_context();
+
+} // namespace core
