@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/strings/fold_table.h"
+#include "core/strings/folded_reader.h"
 
 #include <core/runtime/random.h>
 #include <core/strings/table_hash.h>
