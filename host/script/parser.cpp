@@ -64,6 +64,8 @@ bool is_call(const Expression& expression) {
     return std::holds_alternative<Call>(expression.node);
 }
 
+using StatementNode = decltype(Statement::node);
+
 class Parser {
   public:
     Parser(std::shared_ptr<const Source> source, Variables& variables, Mode mode)
@@ -101,9 +103,9 @@ class Parser {
     Block block();
     Statement statement();
     If if_statement();
-    std::variant<ForEach, ForRange> for_statement();
+    StatementNode for_statement();
     While while_statement();
-    std::variant<Assignment, Evaluation> simple_statement();
+    StatementNode simple_statement();
     Block loop_body();
 
     // expressions
@@ -199,7 +201,7 @@ Statement Parser::statement() {
         result.node = if_statement();
         break;
     case TokenKind::keyFor:
-        std::visit([&](auto&& loop) { result.node = std::move(loop); }, for_statement());
+        result.node = for_statement();
         break;
     case TokenKind::keyWhile:
         result.node = while_statement();
@@ -212,7 +214,7 @@ Statement Parser::statement() {
             result.node = Continue{};
         break;
     default:
-        std::visit([&](auto&& simple) { result.node = std::move(simple); }, simple_statement());
+        result.node = simple_statement();
     }
     result.span = from_to(first, last_);
     return result;
@@ -232,7 +234,7 @@ If Parser::if_statement() {
     return result;
 }
 
-std::variant<ForEach, ForRange> Parser::for_statement() {
+StatementNode Parser::for_statement() {
     take();
     if (accept(TokenKind::keyEach)) {
         const std::size_t slot = variables_.slot(text(expect(TokenKind::name)));
@@ -263,7 +265,7 @@ Block Parser::loop_body() {
     return body;
 }
 
-std::variant<Assignment, Evaluation> Parser::simple_statement() {
+StatementNode Parser::simple_statement() {
     const bool negated =
         token_.kind == TokenKind::keyNot || token_.kind == TokenKind::minus || token_.kind == TokenKind::plus;
     ExpressionPtr left = negated ? expression() : chain();
