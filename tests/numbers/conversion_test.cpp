@@ -64,6 +64,29 @@ TEST(Conversion, IntegersThatDoNotFitWrap) {
     EXPECT_EQ(static_cast<std::int64_t>(Numeric(1'000'000'000)), 1'000'000'000);
 }
 
+TEST(Conversion, ScaledIntegersComeBackAndNothingElseFits) {
+    std::mt19937_64 random(7);
+    constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+    for (int round = 0; round < 20'000; ++round) {
+        const auto digits = static_cast<std::uint32_t>(random() % (Numeric::kMaxScale + 1));
+        auto value = static_cast<std::int64_t>(random()) >> (random() % 64);
+        value = round % 8 == 0 ? largest : value == std::numeric_limits<std::int64_t>::min() ? 0 : value;
+        const Numeric n = Numeric::fromScaled(value, digits);
+        ASSERT_TRUE(model::is_normal(n));
+        const Numeric unit = Numeric(10).pow(-static_cast<std::int32_t>(digits));
+        ASSERT_EQ(n, value * unit);
+        ASSERT_EQ(n.scaled(digits), value);
+        const auto fewer = static_cast<std::uint32_t>(random() % (digits + 1));
+        const Numeric whole = n * Numeric(10).pow(fewer);
+        ASSERT_EQ(n.scaled(fewer).has_value(), whole == (n < 0 ? -(-whole).floor() : whole.floor()));
+        ASSERT_EQ((n + unit).scaled(digits).has_value(), value != largest);
+        ASSERT_FALSE((n + unit / 10).scaled(digits));
+    }
+    EXPECT_EQ(Numeric(10).pow(18).scaled(0), 1'000'000'000'000'000'000);
+    EXPECT_FALSE(Numeric(10).pow(22).scaled(0));
+    EXPECT_FALSE(Numeric(10).pow(-44).scaled(18));
+}
+
 TEST(Conversion, DoublesBecomeTheirShortestDecimal) {
     for (const auto& [value, text] : {std::pair{0.1, u"0.1"},
                                       {-0.0, u"0"},

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <type_traits>
@@ -119,6 +120,16 @@ class CORE_API Numeric {
     explicit operator double() const noexcept;
     explicit operator float() const noexcept { return static_cast<float>(static_cast<double>(*this)); }
     explicit operator long double() const noexcept;
+    /// @}
+
+    /// \name Scaled integers
+    /// The form of columns of numbers: whole multiples of 10^−`digits`, for up to `kMaxScale` digits.
+    /// @{
+    static constexpr std::uint32_t kMaxScale = 18;
+    /// This number times 10^`digits`, where that is a whole number below 2^63 in magnitude.
+    [[nodiscard]] std::optional<std::int64_t> scaled(std::uint32_t digits) const noexcept;
+    /// `value` × 10^−`digits`.
+    [[nodiscard]] static Numeric fromScaled(std::int64_t value, std::uint32_t digits);
     /// @}
 
     /// \name Decimal digits
