@@ -53,16 +53,24 @@ int compare_nocase(wstring_view a, wstring_view b) noexcept {
         return compare_lengths(a.size(), b.size());
 
     const FoldTable& fold = FoldTable::instance();
-    for (; i < length; ++i) {
-        const wchar x = fold[a[i]];
-        const wchar y = fold[b[i]];
-        if (x == y && x != FoldTable::kLong)
-            continue;
-        if (x == FoldTable::kLong || y == FoldTable::kLong)
-            return compare_foldings(a.substr(i), b.substr(i));
+    const auto same = [&](std::size_t at) {
+        const wchar folded = fold[a[at]];
+        return folded == fold[b[at]] && folded != FoldTable::kLong;
+    };
+    while (i + 4 <= length && same(i) && same(i + 1) && same(i + 2) && same(i + 3))
+        i += 4;
+    while (i < length && same(i))
+        ++i;
+    if (i == length)
+        return compare_lengths(a.size(), b.size());
+
+    const wchar x = fold[a[i]];
+    const wchar y = fold[b[i]];
+    if (x != FoldTable::kLong && y != FoldTable::kLong)
         return x - y;
-    }
-    return compare_lengths(a.size(), b.size());
+    a.remove_prefix(i);
+    b.remove_prefix(i);
+    return compare_foldings(a, b);
 }
 
 int compare_nocase(std::string_view a, std::string_view b) {
