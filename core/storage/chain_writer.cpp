@@ -1,0 +1,248 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/chain_writer.h"
+
+#include "core/storage/block_format.h"
+#include "core/storage/block_reader.h"
+#include "core/storage/container.h"
+
+#include <core/runtime/error.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+namespace core {
+namespace {
+
+constexpr std::uint64_t kBlock = kStorageBlockSize;
+constexpr std::size_t kCarried = 128 * kStorageBlockSize;
+
+std::uint64_t floor_to_block(std::uint64_t position) {
+    return position - position % kBlock;
+}
+std::uint64_t ceil_to_block(std::uint64_t position) {
+    return floor_to_block(position + kBlock - 1);
+}
+
+} // namespace
+
+ChainWriter::ChainWriter(Container& container, std::uint64_t base)
+    : container_(container), base_(container.layout()), baseLimit_(0),
+      fresh_(container.layout().blockHeaderSize()), guess_(container.layout().null), size_(0) {
+    begin(base);
+}
+
+void ChainWriter::begin(std::uint64_t address) {
+    base_.open(container_.reader(), address, 0);
+    size_ = baseLimit_ = base_.size();
+    fresh_ = BlockRuns(container_.layout().blockHeaderSize());
+    touched_ = false;
+}
+
+void ChainWriter::addFresh(RangeSet& ranges) const {
+    for (const BlockRun& run : fresh_.runs())
+        ranges.add(run.address, run.address + fresh_.lengthOf(run));
+}
+
+void ChainWriter::discard() noexcept {
+    try {
+        container_.release(std::exchange(fresh_, BlockRuns(container_.layout().blockHeaderSize())));
+    } catch (const std::exception&) { // taken back already
+    }
+}
+
+// Reading.
+
+void ChainWriter::readBase(std::uint64_t position, std::span<std::byte> out) {
+    base_.readAt(container_.reader(), position, out);
+}
+
+void ChainWriter::readAt(std::uint64_t position, std::span<std::byte> out) {
+    BlockReader& reader = container_.reader();
+    const std::size_t headerSize = container_.layout().blockHeaderSize();
+    while (!out.empty() && position < freshEnd()) {
+        const BlockRuns::Place place = fresh_.at(position);
+        const std::uint64_t skip = position - place.position;
+        const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), kBlock - skip));
+        const auto bytes = reader.at(place.address + headerSize + skip, part, out.size());
+        if (bytes.size() < part)
+            throw ChainInFileExc(place.address);
+        std::memcpy(out.data(), bytes.data(), part);
+        position += part;
+        out = out.subspan(part);
+    }
+    if (!out.empty())
+        readBase(position, out);
+}
+
+// Writing.
+
+void ChainWriter::requireRoom(std::uint64_t position, std::uint64_t count) const {
+    const StorageLayout& layout = container_.layout();
+    const std::uint64_t most = layout.limit() / layout.blockLength(kBlock) * kBlock;
+    if (position > most || count > most - position)
+        throw_error<StorageException>("IDS_STERROR_TOOLARGE", {container_.url()});
+}
+
+void ChainWriter::writeAt(std::uint64_t position, std::span<const std::byte> bytes) {
+    if (bytes.empty())
+        return;
+    requireRoom(position, bytes.size()); // before anything is filled with zeros
+    touched_ = true;
+    if (position > size_)
+        fillWithZeros(position);
+    const std::uint64_t end = position + bytes.size();
+    if (position < freshEnd()) {
+        const auto part =
+            static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), freshEnd() - position));
+        overwrite(position, bytes.first(part));
+        position += part;
+        bytes = bytes.subspan(part);
+    }
+    if (!bytes.empty())
+        append(position, bytes);
+    size_ = std::max(size_, end);
+}
+
+void ChainWriter::overwrite(std::uint64_t position, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const BlockRuns::Place place = fresh_.at(position);
+        const std::uint64_t skip = position - place.position;
+        const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), kBlock - skip));
+        container_.patch(place.address + container_.layout().blockHeaderSize() + skip, bytes.first(part));
+        position += part;
+        bytes = bytes.subspan(part);
+    }
+}
+
+/// Writes behind the fresh blocks: what is left before `position` in its block, and behind the last byte in
+/// its own, is carried over.
+void ChainWriter::append(std::uint64_t position, std::span<const std::byte> bytes) {
+    carry(floor_to_block(position));
+    std::array<std::byte, kStorageBlockSize> block{};
+    const auto fill = [&](std::uint64_t begin, std::uint64_t end) { // from the base, as far as it goes
+        end = std::min(end, baseLimit_);
+        if (begin < end)
+            readBase(begin, std::span(block).subspan(begin % kBlock, static_cast<std::size_t>(end - begin)));
+    };
+    const auto appendPart = [&](std::size_t count) {
+        const std::uint64_t start = floor_to_block(position);
+        block.fill(std::byte{0});
+        fill(start, position);
+        std::copy_n(bytes.begin(), count, block.begin() + static_cast<std::ptrdiff_t>(position - start));
+        fill(position + count, start + kBlock);
+        grow(block);
+        position += count;
+        bytes = bytes.subspan(count);
+    };
+    if (const std::uint64_t skip = position % kBlock; skip != 0)
+        appendPart(static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), kBlock - skip)));
+    if (const std::size_t whole = bytes.size() / kStorageBlockSize * kStorageBlockSize; whole != 0) {
+        grow(bytes.first(whole));
+        position += whole;
+        bytes = bytes.subspan(whole);
+    }
+    if (!bytes.empty())
+        appendPart(bytes.size());
+}
+
+void ChainWriter::grow(std::span<const std::byte> content) {
+    const StorageLayout& layout = container_.layout();
+    const auto place = container_.allocate((content.size() + kBlock - 1) / kBlock);
+    try {
+        // Files are mostly written on and on: the next block is expected behind this one.
+        const std::uint64_t guess = place.back().address + place.back().count * layout.blockLength(kBlock);
+        container_.write(place, content, 0, guess);
+        if (!fresh_.empty() && guess_ != place.front().address)
+            patchNumber(fresh_.last().address + next_offset(layout), place.front().address);
+        guess_ = guess;
+    } catch (...) {
+        container_.giveBack(place);
+        throw;
+    }
+    for (const BlockRange& range : place)
+        fresh_.append(range.address, kBlock, range.count);
+}
+
+void ChainWriter::carry(std::uint64_t until) {
+    std::vector<std::byte> bytes;
+    while (freshEnd() < until) {
+        const std::uint64_t from = freshEnd();
+        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kCarried, until - from)));
+        readBase(from, bytes);
+        grow(bytes);
+    }
+}
+
+void ChainWriter::fillWithZeros(std::uint64_t until) {
+    const std::vector<std::byte> zeros(kCarried);
+    while (size_ < until) {
+        // Up to a block's end, so that the rest is written in whole blocks.
+        const std::uint64_t end = std::min(until, ceil_to_block(size_ + 1) + kCarried - kBlock);
+        writeAt(size_, std::span(zeros).first(static_cast<std::size_t>(end - size_)));
+    }
+}
+
+void ChainWriter::truncate(std::uint64_t size) {
+    if (size == size_)
+        return;
+    if (size > size_) {
+        const std::byte zero{};
+        writeAt(size - 1, std::span(&zero, 1));
+        return;
+    }
+    touched_ = true;
+    size_ = size;
+    baseLimit_ = std::min(baseLimit_, size);
+    container_.release(fresh_.cutAt(ceil_to_block(size)));
+    guess_ = 0; // no block is there
+}
+
+void ChainWriter::patchNumber(std::uint64_t address, std::uint64_t number) {
+    std::array<std::byte, 16> digits{};
+    encode_number(digits.data(), container_.layout(), number);
+    container_.patch(address, std::span(std::as_const(digits)).first(container_.layout().digits()));
+}
+
+ChainWriter::Result ChainWriter::finish() {
+    BlockReader& reader = container_.reader();
+    const std::uint64_t null = container_.layout().null;
+    std::uint64_t next = null;
+    std::uint64_t shared = base_.size(); // from here on the base's blocks stay in use
+    bool sharing = false;
+    if (size_ > freshEnd()) {
+        // The old blocks can follow when one begins where the fresh ones end, and nothing of them is cut off.
+        if (size_ == base_.size() && baseLimit_ == size_ && freshEnd() != 0) {
+            base_.reach(reader, freshEnd() + 1);
+            const BlockRuns::Place place = base_.runs().at(freshEnd());
+            sharing = place.position == freshEnd();
+            next = place.address;
+            shared = freshEnd();
+        }
+        if (!sharing) {
+            carry(size_);
+            next = null;
+        }
+    }
+    if (sharing)
+        base_.reach(reader, shared);
+    else
+        base_.walk(reader);
+    const StorageLayout& layout = container_.layout();
+    Result result{null, BlockRuns(layout.blockHeaderSize()), base_.runs()};
+    if (sharing)
+        (void)result.released.cutAt(shared);
+    if (size_ == 0) {
+        discard();
+        return result;
+    }
+    if (guess_ != next)
+        patchNumber(fresh_.last().address + next_offset(layout), next);
+    result.address = fresh_.runs().front().address;
+    patchNumber(result.address + chain_size_offset(), size_);
+    result.fresh = std::exchange(fresh_, BlockRuns(layout.blockHeaderSize()));
+    return result;
+}
+
+} // namespace core

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/storage/range_set.h"
+
+#include <core/storage/chain.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace core {
+
+class Container;
+
+/// The content of an inner file while it is written. What is committed stays as it is:
+///
+/// 1. the first blocks are fresh and may be written over; they hold the content up to freshEnd();
+/// 2. the rest is that of the file as it was, up to baseLimit_, and is shared with it;
+/// 3. no content lies beyond both.
+///
+/// Writing to block n makes all blocks up to n fresh, since each block holds the address of the next. The
+/// caller holds the container's turn and its mutex, and gives an object up after a call that failed.
+class ChainWriter {
+  public:
+    /// `base` is the first block of the content to begin with, null for none.
+    ChainWriter(Container& container, std::uint64_t base);
+
+    [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
+    [[nodiscard]] bool isTouched() const noexcept { return touched_; }
+    /// Whether the layout can address a content that reaches so far.
+    void requireRoom(std::uint64_t position, std::uint64_t count) const;
+    void readAt(std::uint64_t position, std::span<std::byte> out);
+    void writeAt(std::uint64_t position, std::span<const std::byte> bytes);
+    void truncate(std::uint64_t size);
+
+    struct Result {
+        std::uint64_t address; ///< of the first block
+        BlockRuns fresh;       ///< the blocks that are the writer's no more
+        BlockRuns released;    ///< what the base used and the new content does not
+    };
+    /// Makes a whole chain of it; to go on, begin() again.
+    [[nodiscard]] Result finish();
+    /// Begins with the content of the chain at `address`.
+    void begin(std::uint64_t address);
+    /// Gives the fresh blocks back.
+    void discard() noexcept;
+    void addFresh(RangeSet& ranges) const;
+
+  private:
+    [[nodiscard]] std::uint64_t freshEnd() const noexcept { return fresh_.capacity(); }
+    void overwrite(std::uint64_t position, std::span<const std::byte> bytes);
+    void append(std::uint64_t position, std::span<const std::byte> bytes);
+    void grow(std::span<const std::byte> content);
+    void carry(std::uint64_t until);
+    void fillWithZeros(std::uint64_t until);
+    void readBase(std::uint64_t position, std::span<std::byte> out);
+    void patchNumber(std::uint64_t address, std::uint64_t number);
+
+    Container& container_;
+    ChainInFile base_;
+    std::uint64_t baseLimit_;
+    BlockRuns fresh_;
+    std::uint64_t guess_; // what the last fresh block says of the next one
+    std::uint64_t size_;
+    bool touched_ = false;
+};
+
+} // namespace core

@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/storage/block_reader.h"
+#include "core/storage/container_head.h"
+#include "core/storage/container_lock.h"
+#include "core/storage/free_space.h"
+#include "core/storage/write_queue.h"
+
+#include <core/files/file.h>
+#include <core/storage/chain.h>
+#include <core/storage/file_info.h>
+#include <core/storage/files_type.h>
+#include <core/storage/storage_rw.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace core {
+
+class FileWithBuffer;
+
+/// An open container: what StorageRW and the open inner files of it share.
+///
+/// The committed state on disk is never written over. Changes go to fresh blocks, and one write of the head
+/// (see ContainerHead) makes them the committed state:
+///
+/// 1. blocks of changed files, of the new table and of the new free chain are written beside what is live;
+/// 2. they are made durable;
+/// 3. the head is written, under the exclusive lock of the header region;
+/// 4. the head is made durable; only now is what the old state used free.
+///
+/// Threads: every public function takes the mutex.
+class Container : public std::enable_shared_from_this<Container> {
+  public:
+    Container(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
+              wstring url);
+    ~Container();
+    Container(const Container&) = delete;
+    Container& operator=(const Container&) = delete;
+
+    /// Writes an empty container to an empty file.
+    static void create(IFile& file, const StorageLayout& layout);
+
+    /// The committed state stands still while one of these lives. May be nested.
+    class Reading {
+      public:
+        explicit Reading(Container& container);
+        ~Reading();
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+
+      private:
+        Container& container_;
+        std::unique_lock<std::recursive_mutex> lock_;
+    };
+
+    /// No other process changes anything while one of these lives. May be nested. The last one takes back
+    /// what was not committed.
+    class Turn {
+      public:
+        explicit Turn(Container& container);
+        ~Turn();
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+
+      private:
+        Container& container_;
+    };
+
+    // whole
+
+    [[nodiscard]] const StorageLayout& layout() const noexcept { return layout_; }
+    [[nodiscard]] const wstring& url() const noexcept { return url_; }
+    [[nodiscard]] const wstring& root() const noexcept { return root_; }
+    void setRoot(wstring root) noexcept { root_ = std::move(root); }
+    [[nodiscard]] wstring urlOf(wstring_view name) const { return root_ + wstring(name); }
+    [[nodiscard]] std::recursive_mutex& mutex() noexcept { return mutex_; }
+    [[nodiscard]] std::uint64_t changeCounter();
+    void beginReading();
+    void endReading() noexcept;
+    void begin();
+    void commit();
+    void rollback();
+    void compact();
+    [[nodiscard]] StorageCheck check();
+    [[nodiscard]] StorageInfo info();
+
+    // files
+
+    [[nodiscard]] bool contains(wstring_view name);
+    [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern);
+    [[nodiscard]] InterfacePtr<IFile> open(wstring_view name, OpenMode mode);
+    [[nodiscard]] std::vector<std::byte> get(wstring_view name);
+    void put(wstring_view name, std::span<const std::byte> content);
+    void remove(wstring_view name);
+    std::size_t removeAll(wstring_view pattern);
+    void rename(wstring_view from, wstring_view to);
+    void copy(wstring_view from, wstring_view to);
+    void setTimes(wstring_view name, Date created, Date modified);
+
+    // For open inner files; the caller holds a Reading or a Turn, hence the mutex.
+
+    /// An inner file as it is now: the address of its content and its attributes.
+    struct Found {
+        StorageFileEntry entry;
+        StorageFileInfo info;
+    };
+    [[nodiscard]] Found lookUp(wstring_view name);
+    /// Grows with everything that can make lookUp() answer differently.
+    [[nodiscard]] std::uint64_t state() const noexcept { return state_; }
+    [[nodiscard]] BlockReader& reader() noexcept { return reader_; }
+    [[nodiscard]] std::vector<BlockRange> allocate(std::uint64_t blocks);
+    /// Takes blocks out of use, all or none. Damage is thrown as ChainInFileExc.
+    void release(const BlockRuns& blocks);
+    /// Returns blocks that were allocated and are not used after all.
+    void giveBack(std::span<const BlockRange> place) noexcept;
+    void giveBack(const BlockRuns& blocks) noexcept;
+    /// Writes blocks in pieces; see encode_blocks().
+    void write(std::span<const BlockRange> place, std::span<const std::byte> content, std::uint64_t chainSize,
+               std::uint64_t next);
+    void patch(std::uint64_t address, std::span<const std::byte> bytes);
+    void refuseOpened(wstring_view name) const;
+    /// Makes `content` a file's content.
+    void putContent(wstring_view name, std::span<const std::byte> content);
+    /// Makes `data`, the first block of a chain that is written, a file's content. `released` is what the old
+    /// content used and the new one does not; all of it when `dropOld`. Both commit, unless in a transaction.
+    void publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld);
+    void enlist(FileWithBuffer& file) { files_.push_back(&file); }
+    void dismiss(FileWithBuffer& file) noexcept { std::erase(files_, &file); }
+
+    [[noreturn]] void throwBadFormat() const;
+    /// Runs `call` and says with the container's URL what is damaged.
+    template <class Call>
+    auto checked(Call call) -> decltype(call());
+
+  private:
+    // container.cpp
+    void refresh();
+    void load(const ContainerHead::Bytes& bytes);
+    void loadFreeSpace();
+    void beginTurn();
+    void endTurn() noexcept;
+    [[nodiscard]] ChainInFile chain(std::uint64_t address, std::uint64_t wish = 0);
+    [[nodiscard]] std::vector<std::byte> content(ChainInFile& chain);
+
+    // container_commit.cpp
+    void commitChanges();
+    void writeHead(const ContainerHead& head);
+    void takeBack() noexcept;
+    void cutTail() noexcept;
+    [[nodiscard]] std::uint64_t writeFreeChain(const RangeSet& kept, BlockRuns& blocks);
+
+    // container_files.cpp
+    [[nodiscard]] StorageFileEntry existing(wstring_view name) const;
+    [[nodiscard]] StorageFileInfo readInfo(const StorageFileEntry& entry, wstring_view name);
+    void addBlocks(std::uint64_t address, BlockRuns& blocks);
+    /// Writes two chains side by side and says where they begin.
+    [[nodiscard]] StorageFileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
+                                             std::vector<BlockRange>& place);
+    void replace(wstring_view name, const StorageFileEntry& entry, const BlockRuns& released,
+                 std::span<const BlockRange> place);
+    [[nodiscard]] StorageFileInfo newInfo(wstring_view name, const std::optional<StorageFileEntry>& old);
+    void erase(std::span<const wstring> names);
+    void changed(wstring_view name) noexcept;
+    void finishChange();
+
+    // container_compact.cpp
+    [[nodiscard]] std::uint64_t moveChain(std::uint64_t address);
+    void moveAll();
+
+    InterfacePtr<IFile> file_;
+    const StorageLayout& layout_;
+    const StorageOptions options_;
+    wstring url_;
+    wstring root_;
+    std::recursive_mutex mutex_;
+    ContainerLock lock_;
+    BlockReader reader_;
+    WriteQueue queue_;
+
+    // the committed state, and the changes laid over it
+    bool loaded_ = false;
+    ContainerHead::Bytes headBytes_{};
+    ContainerHead head_;
+    StorageFilesType table_;
+    BlockRuns tableBlocks_;                     // but for the first, which never moves
+    std::optional<std::uint64_t> spaceCounter_; // the state that space_ belongs to
+    BlockRuns freeBlocks_;
+    FreeSpace space_;
+    std::uint64_t state_ = 0;
+
+    unsigned readings_ = 0;
+    bool readLocked_ = false;
+    unsigned turns_ = 0;
+    bool transaction_ = false;
+    bool failed_ = false;    // what is durable is not known any more
+    bool appending_ = false; // new blocks go behind everything
+    std::vector<FileWithBuffer*> files_;
+};
+
+template <class Call>
+auto Container::checked(Call call) -> decltype(call()) {
+    try {
+        return call();
+    } catch (const ChainInFileExc&) {
+        throwBadFormat();
+    }
+}
+
+} // namespace core

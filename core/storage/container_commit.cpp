@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/container.h"
+#include "core/storage/file_with_buffer.h"
+
+#include <core/files/file_error.h>
+#include <core/files/file_io.h>
+
+#include <algorithm>
+#include <new>
+
+namespace core {
+
+void Container::begin() {
+    const std::lock_guard lock(mutex_);
+    if (transaction_)
+        throw_error<StorageException>("IDS_STERROR_TRANSACTION", {url_});
+    beginTurn();
+    transaction_ = true;
+}
+
+void Container::commit() {
+    const std::lock_guard lock(mutex_);
+    if (!transaction_)
+        return;
+    transaction_ = false;
+    try {
+        commitChanges();
+    } catch (...) {
+        endTurn();
+        throw;
+    }
+    endTurn();
+}
+
+void Container::rollback() {
+    const std::lock_guard lock(mutex_);
+    if (!transaction_)
+        return;
+    transaction_ = false;
+    takeBack();
+    endTurn();
+}
+
+void Container::finishChange() {
+    if (!transaction_)
+        commitChanges();
+}
+
+void Container::commitChanges() {
+    if (!table_.hasChanges())
+        return;
+    RangeSet kept;
+    for (const FileWithBuffer* file : files_)
+        file->addFresh(kept);
+
+    ContainerHead head = head_;
+    BlockRuns tableBlocks(layout_.blockHeaderSize());
+    BlockRuns freeBlocks(layout_.blockHeaderSize());
+    std::uint64_t end = 0;
+    bool flushing = false;
+    try {
+        release(tableBlocks_);
+        release(freeBlocks_);
+        const std::uint64_t size = table_.encodedSize();
+        const std::uint64_t beyondFirst = size > kStorageBlockSize ? size - kStorageBlockSize : 0;
+        const auto place = allocate((beyondFirst + kStorageBlockSize - 1) / kStorageBlockSize);
+        for (const BlockRange& range : place)
+            tableBlocks.append(range.address, kStorageBlockSize, range.count);
+        head.freeChain = writeFreeChain(kept, freeBlocks);
+        end = space_.outlook(kept).end;
+        const std::vector<std::byte> content = table_.encode(end);
+        if (!place.empty())
+            write(place, std::span(content).subspan(kStorageBlockSize), 0, layout_.null);
+        head.table.chainSize = size;
+        head.table.next = place.empty() ? layout_.null : place.front().address;
+        ++head.counter;
+        queue_.flush();
+        flushing = true;
+        file_->flush();
+        flushing = false;
+        lock_.beginCommit();
+    } catch (const ChainInFileExc&) {
+        takeBack();
+        throwBadFormat();
+    } catch (...) {
+        failed_ = flushing;
+        takeBack();
+        throw;
+    }
+    try {
+        writeHead(head);
+    } catch (...) {
+        lock_.endCommit(readLocked_);
+        failed_ = true;
+        takeBack();
+        throw;
+    }
+    lock_.endCommit(readLocked_);
+
+    head_ = head;
+    headBytes_ = head.encode(layout_);
+    table_.settle();
+    table_.setEnd(end);
+    tableBlocks_ = std::move(tableBlocks);
+    freeBlocks_ = std::move(freeBlocks);
+    space_.commit(kept);
+    spaceCounter_ = head.counter;
+    reader_.setEnd(space_.end());
+    ++state_;
+    cutTail();
+}
+
+/// Writes down what will be free, into blocks that are free now. Taking these changes what is written.
+std::uint64_t Container::writeFreeChain(const RangeSet& kept, BlockRuns& blocks) {
+    std::vector<BlockRange> place;
+    std::vector<std::byte> content = FreeSpace::encode(space_.outlook(kept).free, layout_);
+    while (content.size() > blocks.capacity()) {
+        const std::uint64_t more =
+            (content.size() - blocks.capacity() + kStorageBlockSize - 1) / kStorageBlockSize;
+        for (const BlockRange& range : allocate(more)) {
+            place.push_back(range);
+            blocks.append(range.address, kStorageBlockSize, range.count);
+        }
+        content = FreeSpace::encode(space_.outlook(kept).free, layout_);
+    }
+    if (place.empty())
+        return layout_.null;
+    write(place, content, content.size(), layout_.null);
+    return place.front().address;
+}
+
+/// The one write that makes the changes the committed state. When it fails half way, or its flush does, the
+/// old head is put back: the failure is reported, and the old state must be what is found afterwards.
+void Container::writeHead(const ContainerHead& head) {
+    const std::size_t size = ContainerHead::sizeIn(layout_);
+    const ContainerHead::Bytes bytes = head.encode(layout_);
+    try {
+        write_all_at(*file_, 0, std::span(bytes).first(size));
+        file_->flush();
+    } catch (...) {
+        try {
+            write_all_at(*file_, 0, std::span(std::as_const(headBytes_)).first(size));
+            file_->flush();
+        } catch (const Exception&) {
+            loaded_ = false; // one of the two states, both whole; the next one to read sees which
+        }
+        throw;
+    }
+}
+
+void Container::takeBack() noexcept {
+    for (FileWithBuffer* file : files_)
+        file->lose();
+    table_.revert();
+    try {
+        space_.rollback();
+    } catch (const std::bad_alloc&) {
+        failed_ = true; // where anything could be written is not known any more
+    }
+    queue_.drop();
+    reader_.forget();
+    reader_.setEnd(table_.end());
+    ++state_;
+    if (!failed_)
+        cutTail();
+}
+
+/// Gives the end of the file back when nothing there is in use. That it fails harms nothing: what lies beyond
+/// the container's end counts as free.
+void Container::cutTail() noexcept {
+    try {
+        if (file_->length() > space_.end())
+            file_->truncate(space_.end());
+    } catch (const Exception&) {
+    }
+}
+
+std::vector<BlockRange> Container::allocate(std::uint64_t blocks) {
+    std::vector<BlockRange> place;
+    if (blocks != 0 && !(appending_ ? space_.allocateAtEnd(blocks, place) : space_.allocate(blocks, place)))
+        throw_error<StorageException>("IDS_STERROR_TOOLARGE", {url_});
+    reader_.setEnd(std::max(reader_.end(), space_.end()));
+    return place;
+}
+
+void Container::release(const BlockRuns& blocks) {
+    if (blocks.overlap() || !space_.release(blocks))
+        throw ChainInFileExc(blocks.runs().front().address);
+}
+
+void Container::giveBack(std::span<const BlockRange> place) noexcept {
+    BlockRuns blocks(layout_.blockHeaderSize());
+    for (const BlockRange& range : place)
+        blocks.append(range.address, kStorageBlockSize, range.count);
+    giveBack(blocks);
+}
+
+void Container::giveBack(const BlockRuns& blocks) noexcept {
+    (void)space_.release(blocks); // false: everything was taken back by now
+}
+
+void Container::write(std::span<const BlockRange> place, std::span<const std::byte> content,
+                      std::uint64_t chainSize, std::uint64_t next) {
+    const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
+    const std::uint64_t atOnce = WriteQueue::kCapacity / step;
+    reader_.forget();
+    for (std::size_t i = 0; i < place.size(); ++i) {
+        const std::uint64_t behind = i + 1 < place.size() ? place[i + 1].address : next;
+        for (std::uint64_t done = 0; done < place[i].count;) {
+            const BlockRange piece{place[i].address + done * step, std::min(atOnce, place[i].count - done)};
+            const bool last = done + piece.count == place[i].count;
+            const auto part = content.first(std::min<std::size_t>(
+                content.size(), static_cast<std::size_t>(piece.count) * kStorageBlockSize));
+            std::byte* const to = queue_.extend(piece.address, static_cast<std::size_t>(piece.count * step));
+            encode_blocks(to, layout_, piece, part, std::exchange(chainSize, 0),
+                          last ? behind : piece.address + piece.count * step);
+            content = content.subspan(part.size());
+            done += piece.count;
+        }
+    }
+}
+
+void Container::patch(std::uint64_t address, std::span<const std::byte> bytes) {
+    reader_.forget();
+    queue_.patch(address, bytes);
+}
+
+} // namespace core

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/container.h"
+
+#include <core/runtime/error.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace core {
+
+/// In two commits, each of them safe like any other: all files are written behind everything that is there,
+/// then, side by side, to the start, which nothing uses any more.
+void Container::compact() {
+    const std::lock_guard lock(mutex_);
+    if (transaction_ || turns_ != 0)
+        throw_error<StorageException>("IDS_STERROR_TRANSACTION", {url_});
+    const Turn turn(*this);
+    if (space_.free().empty() && head_.freeChain == layout_.null)
+        return;
+    checked([&] {
+        appending_ = true;
+        try {
+            moveAll();
+            commitChanges();
+        } catch (...) {
+            appending_ = false;
+            throw;
+        }
+        appending_ = false;
+        moveAll();
+        commitChanges();
+    });
+}
+
+void Container::moveAll() {
+    std::vector<std::pair<wstring, StorageFileEntry>> files;
+    table_.forEach(
+        [&](wstring_view name, const StorageFileEntry& entry) { files.emplace_back(name, entry); });
+    for (const auto& [name, entry] : files) {
+        table_.set(name, {moveChain(entry.attributes), moveChain(entry.data)});
+        BlockRuns released(layout_.blockHeaderSize());
+        addBlocks(entry.attributes, released);
+        addBlocks(entry.data, released);
+        release(released);
+    }
+}
+
+/// Copies a chain to other blocks, as much at once as the queue holds.
+std::uint64_t Container::moveChain(std::uint64_t address) {
+    ChainInFile from = chain(address, 0);
+    if (from.size() == 0)
+        return layout_.null;
+    const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
+    const auto place = allocate((from.size() + kStorageBlockSize - 1) / kStorageBlockSize);
+    std::vector<std::byte> bytes;
+    std::uint64_t position = 0;
+    std::uint64_t chainSize = from.size();
+    for (std::size_t i = 0; i < place.size(); ++i) {
+        for (BlockRange rest = place[i]; rest.count != 0;) {
+            const BlockRange piece{rest.address, std::min<std::uint64_t>(rest.count, 256)};
+            rest = {rest.address + piece.count * step, rest.count - piece.count};
+            const std::uint64_t next = rest.count != 0        ? rest.address
+                                       : i + 1 < place.size() ? place[i + 1].address
+                                                              : layout_.null;
+            const std::uint64_t part = std::min(piece.count * kStorageBlockSize, from.size() - position);
+            bytes.resize(static_cast<std::size_t>(part));
+            from.readAt(reader_, position, bytes);
+            write(std::span(&piece, 1), bytes, std::exchange(chainSize, 0), next);
+            position += part;
+        }
+    }
+    return place.front().address;
+}
+
+} // namespace core

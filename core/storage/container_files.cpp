@@ -1,0 +1,298 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/container.h"
+#include "core/storage/file_with_buffer.h"
+
+#include <core/files/file_error.h>
+#include <core/files/file_io.h>
+#include <core/files/file_time.h>
+#include <core/files/wildcard.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace core {
+namespace {
+
+std::uint64_t blocks_for(std::uint64_t size) {
+    return (size + kStorageBlockSize - 1) / kStorageBlockSize;
+}
+
+/// Cuts the first `count` blocks off a place.
+std::vector<BlockRange> split_off(std::vector<BlockRange>& place, std::uint64_t count, std::uint64_t step) {
+    std::vector<BlockRange> first;
+    std::size_t whole = 0;
+    for (; count != 0 && place[whole].count <= count; ++whole) {
+        first.push_back(place[whole]);
+        count -= place[whole].count;
+    }
+    place.erase(place.begin(), place.begin() + static_cast<std::ptrdiff_t>(whole));
+    if (count != 0) {
+        first.push_back({place.front().address, count});
+        place.front().address += count * step;
+        place.front().count -= count;
+    }
+    return first;
+}
+
+} // namespace
+
+// Looking.
+
+bool Container::contains(wstring_view name) {
+    const Reading reading(*this);
+    return table_.find(name).has_value();
+}
+
+StorageFileEntry Container::existing(wstring_view name) const {
+    const auto entry = table_.find(name);
+    if (!entry)
+        throw StorageException(StorageException::Kind::fileNotFound, urlOf(name));
+    return *entry;
+}
+
+StorageFileInfo Container::readInfo(const StorageFileEntry& entry, wstring_view name) {
+    if (entry.attributes == layout_.null) {
+        StorageFileInfo none;
+        none.name = name;
+        return none;
+    }
+    ChainInFile attributes = chain(entry.attributes, 0);
+    auto info = StorageFileInfo::decode(content(attributes));
+    if (!info || info->name != name)
+        throwBadFormat();
+    return *std::move(info);
+}
+
+Container::Found Container::lookUp(wstring_view name) {
+    const StorageFileEntry entry = existing(name);
+    return {entry, checked([&] { return readInfo(entry, name); })};
+}
+
+std::vector<StorageFound> Container::find(wstring_view pattern) {
+    const Reading reading(*this);
+    std::vector<StorageFound> found;
+    table_.forEach([&](wstring_view name, const StorageFileEntry& entry) {
+        if (!matches_wildcard(name, pattern))
+            return;
+        checked([&] {
+            const StorageFileInfo info = readInfo(entry, name);
+            found.push_back({info.name, chain(entry.data, 0).size(), info.created, info.modified});
+        });
+    });
+    return found;
+}
+
+std::vector<std::byte> Container::get(wstring_view name) {
+    const Reading reading(*this);
+    const StorageFileEntry entry = existing(name);
+    return checked([&] {
+        ChainInFile data = chain(entry.data, 0);
+        return content(data);
+    });
+}
+
+InterfacePtr<IFile> Container::open(wstring_view name, OpenMode mode) {
+    const std::lock_guard lock(mutex_);
+    InterfacePtr<IFile> file = mode == OpenMode::read ? create_reader(shared_from_this(), name)
+                                                      : create_writer(shared_from_this(), name, mode);
+    if (!file)
+        throw std::bad_alloc();
+    return file;
+}
+
+// Changing.
+
+void Container::refuseOpened(wstring_view name) const {
+    for (const FileWithBuffer* file : files_) {
+        if (file->isWriter() && file->name() == name)
+            throw_error<StorageException>("IDS_STERROR_OPENED", {urlOf(name)});
+    }
+}
+
+/// Readers of the file as it was must not go on as if nothing had happened.
+void Container::changed(wstring_view name) noexcept {
+    ++state_;
+    for (FileWithBuffer* file : files_) {
+        if (!file->isWriter() && file->name() == name)
+            file->lose();
+    }
+}
+
+void Container::addBlocks(std::uint64_t address, BlockRuns& blocks) {
+    ChainInFile walked = chain(address, 0);
+    walked.walk(reader_);
+    for (const BlockRun& run : walked.runs().runs())
+        blocks.append(run.address, run.size, run.count);
+}
+
+StorageFileInfo Container::newInfo(wstring_view name, const std::optional<StorageFileEntry>& old) {
+    const Date now = universal_now();
+    const Date created = old && old->attributes != layout_.null ? readInfo(*old, name).created : now;
+    return {created, now, static_cast<std::uint32_t>(head_.counter + 1), wstring(name)};
+}
+
+StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
+                                      std::vector<BlockRange>& place) {
+    const std::vector<std::byte> record = info.encode();
+    const std::uint64_t recordBlocks = blocks_for(record.size());
+    place = allocate(recordBlocks + blocks_for(content.size()));
+    try {
+        std::vector<BlockRange> data = place;
+        const auto attributes = split_off(data, recordBlocks, layout_.blockLength(kStorageBlockSize));
+        write(attributes, record, record.size(), layout_.null);
+        write(data, content, content.size(), layout_.null);
+        return {attributes.front().address, data.empty() ? layout_.null : data.front().address};
+    } catch (...) {
+        giveBack(place);
+        throw;
+    }
+}
+
+/// Puts a new entry into the table, or gives its blocks back.
+void Container::replace(wstring_view name, const StorageFileEntry& entry, const BlockRuns& released,
+                        std::span<const BlockRange> place) {
+    try {
+        table_.reserve(name);
+        release(released);
+    } catch (...) {
+        giveBack(place);
+        throw;
+    }
+    table_.set(name, entry);
+    changed(name);
+}
+
+void Container::put(wstring_view name, std::span<const std::byte> content) {
+    const std::lock_guard lock(mutex_);
+    const Turn turn(*this);
+    refuseOpened(name);
+    putContent(name, content);
+}
+
+void Container::putContent(wstring_view name, std::span<const std::byte> content) {
+    checked([&] {
+        const auto old = table_.find(name);
+        BlockRuns released(layout_.blockHeaderSize());
+        if (old) {
+            addBlocks(old->attributes, released);
+            addBlocks(old->data, released);
+        }
+        const StorageFileInfo info = newInfo(name, old);
+        std::vector<BlockRange> place;
+        const StorageFileEntry entry = writeFile(info, content, place);
+        replace(name, entry, released, place);
+    });
+    finishChange();
+}
+
+void Container::publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld) {
+    checked([&] {
+        const auto old = table_.find(name);
+        BlockRuns all = released;
+        if (old)
+            addBlocks(old->attributes, all);
+        if (old && dropOld)
+            addBlocks(old->data, all);
+        std::vector<BlockRange> place;
+        StorageFileEntry entry = writeFile(newInfo(name, old), {}, place);
+        entry.data = data;
+        replace(name, entry, all, place);
+    });
+    finishChange();
+}
+
+void Container::erase(std::span<const wstring> names) {
+    BlockRuns released(layout_.blockHeaderSize());
+    for (const wstring& name : names) {
+        const StorageFileEntry entry = existing(name);
+        refuseOpened(name);
+        addBlocks(entry.attributes, released);
+        addBlocks(entry.data, released);
+        table_.reserve(name);
+    }
+    release(released);
+    for (const wstring& name : names) {
+        table_.erase(name);
+        changed(name);
+    }
+}
+
+void Container::remove(wstring_view name) {
+    const std::lock_guard lock(mutex_);
+    const Turn turn(*this);
+    const wstring names[] = {wstring(name)};
+    checked([&] { erase(names); });
+    finishChange();
+}
+
+std::size_t Container::removeAll(wstring_view pattern) {
+    const std::lock_guard lock(mutex_);
+    const Turn turn(*this);
+    std::vector<wstring> names;
+    table_.forEach([&](wstring_view name, const StorageFileEntry&) {
+        if (matches_wildcard(name, pattern))
+            names.emplace_back(name);
+    });
+    checked([&] { erase(names); });
+    finishChange();
+    return names.size();
+}
+
+void Container::rename(wstring_view from, wstring_view to) {
+    if (from == to)
+        throw StorageException(StorageException::Kind::isDestination, urlOf(from));
+    const std::lock_guard lock(mutex_);
+    const Turn turn(*this);
+    const StorageFileEntry source = existing(from);
+    refuseOpened(from);
+    refuseOpened(to);
+    checked([&] {
+        StorageFileInfo info = readInfo(source, from);
+        info.name = to;
+        BlockRuns released(layout_.blockHeaderSize());
+        addBlocks(source.attributes, released);
+        if (const auto target = table_.find(to)) {
+            addBlocks(target->attributes, released);
+            addBlocks(target->data, released);
+        }
+        std::vector<BlockRange> place;
+        StorageFileEntry entry = writeFile(info, {}, place);
+        entry.data = source.data;
+        table_.reserve(from);
+        replace(to, entry, released, place);
+        table_.erase(from);
+        changed(from);
+    });
+    finishChange();
+}
+
+void Container::copy(wstring_view from, wstring_view to) {
+    if (from == to)
+        throw StorageException(StorageException::Kind::isDestination, urlOf(from));
+    const std::lock_guard lock(mutex_);
+    const auto source = open(from, OpenMode::read);
+    const auto target = open(to, OpenMode::replace);
+    copy_bytes(*source, *target);
+    target->close();
+}
+
+void Container::setTimes(wstring_view name, Date created, Date modified) {
+    const std::lock_guard lock(mutex_);
+    const Turn turn(*this);
+    const StorageFileEntry old = existing(name);
+    refuseOpened(name);
+    checked([&] {
+        StorageFileInfo info = readInfo(old, name);
+        info.created = created;
+        info.modified = modified;
+        BlockRuns released(layout_.blockHeaderSize());
+        addBlocks(old.attributes, released);
+        std::vector<BlockRange> place;
+        StorageFileEntry entry = writeFile(info, {}, place);
+        entry.data = old.data;
+        replace(name, entry, released, place);
+    });
+    finishChange();
+}
+
+} // namespace core

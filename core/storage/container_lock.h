@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/files/file.h>
+#include <core/storage/layout.h>
+
+namespace core {
+
+/// The locks by which processes share a container. All of them bind nobody who does not ask:
+///
+/// - the header region, shared: while reading, so that the state that is read stays the committed one;
+///   exclusive: while a commit replaces it;
+/// - the gate, the byte behind the header: a reader passes it, a commit closes it, so that a stream of
+///   readers cannot keep a commit out for ever;
+/// - the turn, a byte far beyond the end of any container: held by the one process that makes changes.
+///
+/// A file that is not an ISharedFile belongs to this process alone, and every lock is there at once.
+class ContainerLock {
+  public:
+    ContainerLock(InterfacePtr<ISharedFile> file, const StorageLayout& layout, wstring url)
+        : file_(std::move(file)), layout_(layout), url_(std::move(url)) {}
+
+    [[nodiscard]] bool isShared() const noexcept { return static_cast<bool>(file_); }
+
+    // Each waits, looking 50 times a second, and throws StorageException after 20 seconds.
+
+    void beginReading();
+    void beginTurn();
+    void beginCommit();
+
+    // A lock that cannot be given back ends with the open file: nothing to report.
+
+    void endReading() noexcept;
+    void endTurn() noexcept;
+    /// Leaves the header region locked for reading when `reading`.
+    void endCommit(bool reading) noexcept;
+
+  private:
+    void unlock(std::uint64_t offset, std::uint64_t length) noexcept;
+    void wait(std::uint64_t offset, std::uint64_t length, LockKind kind);
+
+    InterfacePtr<ISharedFile> file_;
+    const StorageLayout& layout_;
+    wstring url_;
+};
+
+} // namespace core

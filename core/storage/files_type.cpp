@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/little_endian.h"
+
+#include <core/storage/files_type.h>
+
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <string_view>
+
+namespace core {
+namespace {
+
+// Tells this table layout from any other, in a place that stays the same through all commits.
+constexpr std::string_view kMark = "table of inner files, layout 1\r\n";
+
+// ICU counts in 32 bits.
+constexpr std::uint64_t kLongestName = 1 << 30;
+
+bool is_ascii(wchar c) noexcept {
+    return c < 0x80;
+}
+wchar fold_ascii(wchar c) noexcept {
+    return c >= u'A' && c <= u'Z' ? static_cast<wchar>(c + 32) : c;
+}
+
+int compare_folded(wstring_view a, wstring_view b) noexcept {
+    UErrorCode status = U_ZERO_ERROR;
+    return u_strCaseCompare(a.data(), static_cast<std::int32_t>(a.size()), b.data(),
+                            static_cast<std::int32_t>(b.size()), U_FOLD_CASE_DEFAULT, &status);
+}
+
+void copy_units(wchar* to, const std::byte* from, std::size_t count) noexcept {
+    if constexpr (std::endian::native == std::endian::little) {
+        if (count != 0)
+            std::memcpy(to, from, 2 * count);
+    } else {
+        for (std::size_t i = 0; i < count; ++i)
+            to[i] = static_cast<wchar>(load_number(from + 2 * i, 2));
+    }
+}
+
+void copy_units(std::byte* to, wstring_view from) noexcept {
+    if constexpr (std::endian::native == std::endian::little) {
+        if (!from.empty())
+            std::memcpy(to, from.data(), 2 * from.size());
+    } else {
+        for (std::size_t i = 0; i < from.size(); ++i)
+            store_number(to + 2 * i, from[i], 2);
+    }
+}
+
+} // namespace
+
+int compare_file_names(wstring_view a, wstring_view b) noexcept {
+    const std::size_t common = std::min(a.size(), b.size());
+    std::size_t i = 0;
+    for (; i + 4 <= common; i += 4) {
+        if (std::memcmp(a.data() + i, b.data() + i, 4 * sizeof(wchar)) != 0)
+            break;
+    }
+    while (i < common && a[i] == b[i])
+        ++i;
+    const std::size_t first = i;
+    // Foldings of one letter each: the first that differs decides.
+    while (i < common && is_ascii(a[i]) && is_ascii(b[i])) {
+        const wchar x = fold_ascii(a[i]);
+        const wchar y = fold_ascii(b[i]);
+        if (x != y)
+            return x < y ? -1 : 1;
+        ++i;
+    }
+    if (i < common) {
+        // A folding never reaches back over its letter, but a letter may have begun with an equal unit.
+        const std::size_t start = i > 0 && (a[i - 1] & 0xFC00) == 0xD800 ? i - 1 : i;
+        if (const int order = compare_folded(a.substr(start), b.substr(start)); order != 0)
+            return order < 0 ? -1 : 1;
+    } else if (a.size() != b.size()) {
+        return a.size() < b.size() ? -1 : 1;
+    }
+    const int exact = a.substr(first).compare(b.substr(first));
+    return exact < 0 ? -1 : exact > 0 ? 1 : 0;
+}
+
+StorageFilesType::StorageFilesType(const StorageLayout& layout) noexcept
+    : layout_(&layout), end_(layout.emptyLength()) {}
+
+std::span<const std::byte> StorageFilesType::preamble() noexcept {
+    static const auto bytes = [] {
+        std::array<std::byte, kStorageBlockSize> all{};
+        std::memcpy(all.data(), kMark.data(), kMark.size());
+        return all;
+    }();
+    return bytes;
+}
+
+bool StorageFilesType::decode(std::span<const std::byte> content, bool sorted) {
+    StorageFilesType table(*layout_);
+    if (!content.empty()) {
+        const std::size_t width = layout_->width;
+        const std::size_t fixed = kStorageBlockSize + 2 * width;
+        if (content.size() < fixed || std::memcmp(content.data(), preamble().data(), preamble().size()) != 0)
+            return false;
+        const std::uint64_t count = load_number(content.data() + kStorageBlockSize, width);
+        table.end_ = load_number(content.data() + kStorageBlockSize + width, width);
+        const std::size_t rowsLeft = (content.size() - fixed) / (3 * width);
+        if (count > rowsLeft || table.end_ < layout_->emptyLength() || table.end_ > layout_->limit())
+            return false;
+        const std::byte* from = content.data() + fixed;
+        const auto rows = static_cast<std::size_t>(count);
+        const std::size_t nameBytes = content.size() - fixed - rows * 3 * width;
+        const auto isAddress = [&](std::uint64_t a) {
+            return a == layout_->null || (a >= layout_->emptyLength() && a < table.end_);
+        };
+        table.rows_.resize(rows);
+        std::uint64_t before = 0;
+        bool whole = nameBytes % 2 == 0;
+        for (Row& row : table.rows_) {
+            row = {{load_number(from, width), load_number(from + width, width)},
+                   load_number(from + 2 * width, width)};
+            from += 3 * width;
+            whole = whole && row.nameEnd >= before && row.nameEnd - before <= kLongestName &&
+                    isAddress(row.entry.attributes) && isAddress(row.entry.data);
+            before = row.nameEnd;
+        }
+        if (!whole || before != nameBytes / 2)
+            return false;
+        table.names_.resize(nameBytes / 2);
+        copy_units(table.names_.data(), from, table.names_.size());
+        if (!sorted && !table.isSorted())
+            return false;
+    }
+    *this = std::move(table);
+    return true;
+}
+
+bool StorageFilesType::isSorted() const noexcept {
+    for (std::size_t row = 1; row < rows_.size(); ++row) {
+        if (compare_file_names(nameOf(row - 1), nameOf(row)) >= 0)
+            return false;
+    }
+    return true;
+}
+
+std::optional<StorageFileEntry> StorageFilesType::find(wstring_view name) const {
+    if (!changes_.empty()) {
+        if (const auto change = changes_.find(name); change != changes_.end())
+            return change->second;
+    }
+    std::size_t low = 0;
+    std::size_t high = rows_.size();
+    while (low < high) {
+        const std::size_t middle = low + (high - low) / 2;
+        const int order = compare_file_names(nameOf(middle), name);
+        if (order == 0)
+            return rows_[middle].entry;
+        (order < 0 ? low : high) = order < 0 ? middle + 1 : middle;
+    }
+    return std::nullopt;
+}
+
+void StorageFilesType::reserve(wstring_view name) {
+    if (!changes_.contains(name))
+        changes_.emplace(wstring(name), find(name));
+}
+
+void StorageFilesType::set(wstring_view name, const StorageFileEntry& entry) {
+    reserve(name);
+    changes_.find(name)->second = entry;
+}
+
+void StorageFilesType::erase(wstring_view name) {
+    reserve(name);
+    changes_.find(name)->second.reset();
+}
+
+void StorageFilesType::revert() noexcept {
+    changes_.clear();
+}
+
+std::uint64_t StorageFilesType::encodedSize() const {
+    std::uint64_t rows = 0;
+    std::uint64_t units = 0;
+    if (changes_.empty()) {
+        rows = rows_.size();
+        units = names_.size();
+    } else {
+        forEach([&](wstring_view name, const StorageFileEntry&) {
+            ++rows;
+            units += name.size();
+        });
+    }
+    return rows == 0 ? 0 : kStorageBlockSize + layout_->width * (2 + 3 * rows) + 2 * units;
+}
+
+std::vector<std::byte> StorageFilesType::encode(std::uint64_t end) const {
+    std::vector<std::byte> content(static_cast<std::size_t>(encodedSize()));
+    if (content.empty())
+        return content;
+    const std::size_t width = layout_->width;
+    std::memcpy(content.data(), preamble().data(), preamble().size());
+    std::byte* const fixed = content.data() + kStorageBlockSize;
+    std::byte* row = fixed + 2 * width;
+    std::uint64_t rows = 0;
+    forEach([&](wstring_view, const StorageFileEntry&) { ++rows; });
+    std::byte* const names = row + rows * 3 * width;
+    std::uint64_t nameEnd = 0;
+    forEach([&](wstring_view name, const StorageFileEntry& entry) {
+        copy_units(names + 2 * nameEnd, name);
+        nameEnd += name.size();
+        store_number(row, entry.attributes, width);
+        store_number(row + width, entry.data, width);
+        store_number(row + 2 * width, nameEnd, width);
+        row += 3 * width;
+    });
+    store_number(fixed, rows, width);
+    store_number(fixed + width, end, width);
+    return content;
+}
+
+void StorageFilesType::settle() {
+    if (changes_.empty())
+        return;
+    std::vector<Row> rows;
+    rows.reserve(rows_.size() + changes_.size());
+    wstring names;
+    names.reserve(names_.size() + 16 * changes_.size());
+    forEach([&](wstring_view name, const StorageFileEntry& entry) {
+        names.append(name);
+        rows.push_back({entry, names.size()});
+    });
+    rows_ = std::move(rows);
+    names_ = std::move(names);
+    changes_.clear();
+}
+
+} // namespace core

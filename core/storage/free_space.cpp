@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/free_space.h"
+
+#include "core/storage/little_endian.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace core {
+namespace {
+
+// This many blocks and more stay together, so that files are read in long runs.
+constexpr std::uint64_t kMany = 64;
+
+} // namespace
+
+bool FreeSpace::load(std::span<const std::byte> content, std::uint64_t end) {
+    const std::size_t width = layout_->width;
+    if (content.size() % (2 * width) != 0)
+        return false;
+    RangeSet free;
+    std::uint64_t before = layout_->emptyLength();
+    for (std::size_t i = 0; i < content.size(); i += 2 * width) {
+        const std::uint64_t begin = load_number(content.data() + i, width);
+        const std::uint64_t length = load_number(content.data() + i + width, width);
+        if (begin < before || begin >= end || length == 0 || length > end - begin)
+            return false;
+        before = begin + length;
+        free.add(begin, before);
+    }
+    free_ = std::move(free);
+    fresh_.clear();
+    released_.clear();
+    end_ = committedEnd_ = end;
+    longest_ = std::numeric_limits<std::uint64_t>::max();
+    return true;
+}
+
+void FreeSpace::take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& place) {
+    const std::uint64_t length = count * layout_->blockLength(kStorageBlockSize);
+    if (address == end_)
+        end_ += length;
+    else
+        free_.take(address, address + length);
+    fresh_.add(address, address + length);
+    if (!place.empty() &&
+        place.back().address + place.back().count * layout_->blockLength(kStorageBlockSize) == address)
+        place.back().count += count;
+    else
+        place.push_back({address, count});
+}
+
+bool FreeSpace::allocate(std::uint64_t count, std::vector<BlockRange>& place) {
+    const std::uint64_t step = layout_->blockLength(kStorageBlockSize);
+    if (count > layout_->limit() / step)
+        return false;
+    if (count >= kMany) {
+        if (longest_ < count * step)
+            return allocateAtEnd(count, place);
+        std::uint64_t longest = 0;
+        for (const auto& [begin, end] : free_.ranges()) {
+            if (end - begin >= count * step) {
+                take(begin, count, place);
+                return true;
+            }
+            longest = std::max(longest, end - begin);
+        }
+        longest_ = longest;
+        return allocateAtEnd(count, place);
+    }
+    // First what there is, so that nothing is taken when the rest does not fit.
+    std::vector<BlockRange> found;
+    std::uint64_t left = count;
+    for (auto range = free_.ranges().begin(); left != 0 && range != free_.ranges().end(); ++range) {
+        if (const std::uint64_t blocks = std::min(left, (range->second - range->first) / step); blocks != 0) {
+            found.push_back({range->first, blocks});
+            left -= blocks;
+        }
+    }
+    if (left > (layout_->limit() - end_) / step)
+        return false;
+    for (const BlockRange& range : found)
+        take(range.address, range.count, place);
+    if (left != 0)
+        take(end_, left, place);
+    return true;
+}
+
+bool FreeSpace::allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& place) {
+    if (count > (layout_->limit() - end_) / layout_->blockLength(kStorageBlockSize))
+        return false;
+    take(end_, count, place);
+    return true;
+}
+
+bool FreeSpace::isUsed(const BlockRuns& blocks) const {
+    const auto& runs = blocks.runs();
+    return std::all_of(runs.begin(), runs.end(), [&](const BlockRun& run) {
+        const std::uint64_t end = run.address + blocks.lengthOf(run);
+        return run.address >= layout_->emptyLength() && end <= end_ && !free_.touches(run.address, end) &&
+               !released_.touches(run.address, end);
+    });
+}
+
+bool FreeSpace::release(const BlockRuns& blocks) {
+    if (!isUsed(blocks))
+        return false;
+    for (const BlockRun& run : blocks.runs()) {
+        const std::uint64_t end = run.address + blocks.lengthOf(run);
+        // A run may begin in fresh space and go on in committed space, or the other way round.
+        for (std::uint64_t at = run.address; at < end;) {
+            const std::uint64_t step = layout_->blockHeaderSize() + run.size;
+            std::uint64_t stop = end;
+            const bool fresh = fresh_.contains(at, at + step);
+            if (fresh && !fresh_.contains(at, end))
+                stop = at + step;
+            else if (!fresh && fresh_.touches(at, end))
+                stop = at + step;
+            if (fresh) {
+                fresh_.take(at, stop);
+                free_.add(at, stop);
+                longest_ = std::numeric_limits<std::uint64_t>::max();
+            } else {
+                released_.add(at, stop);
+            }
+            at = stop;
+        }
+    }
+    return true;
+}
+
+FreeSpace::Outlook FreeSpace::outlook(const RangeSet& kept) const {
+    Outlook result{free_, end_};
+    result.free.addAll(released_);
+    result.free.addAll(kept);
+    const auto& ranges = result.free.ranges();
+    if (!ranges.empty() && std::prev(ranges.end())->second == end_) {
+        result.end = std::prev(ranges.end())->first;
+        result.free.cut(result.end);
+    }
+    return result;
+}
+
+void FreeSpace::commit(const RangeSet& kept) {
+    committedEnd_ = outlook(kept).end;
+    free_.addAll(released_);
+    released_.clear();
+    fresh_ = kept;
+    longest_ = std::numeric_limits<std::uint64_t>::max();
+    trim();
+}
+
+void FreeSpace::rollback() {
+    free_.addAll(fresh_);
+    free_.cut(committedEnd_);
+    end_ = committedEnd_;
+    fresh_.clear();
+    released_.clear();
+    longest_ = std::numeric_limits<std::uint64_t>::max();
+}
+
+/// Free space at the end is no space at all.
+void FreeSpace::trim() {
+    const auto& ranges = free_.ranges();
+    if (!ranges.empty() && std::prev(ranges.end())->second == end_) {
+        end_ = std::prev(ranges.end())->first;
+        free_.cut(end_);
+    }
+}
+
+std::vector<std::byte> FreeSpace::encode(const RangeSet& free, const StorageLayout& layout) {
+    std::vector<std::byte> content(free.ranges().size() * 2 * layout.width);
+    std::byte* to = content.data();
+    for (const auto& [begin, end] : free.ranges()) {
+        store_number(to, begin, layout.width);
+        store_number(to + layout.width, end - begin, layout.width);
+        to += 2 * layout.width;
+    }
+    return content;
+}
+
+} // namespace core

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/storage/block_format.h"
+#include "core/storage/range_set.h"
+
+#include <core/storage/block_runs.h>
+#include <core/storage/layout.h>
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace core {
+
+/// Where in a container blocks can be put while the committed state stays as it is.
+///
+/// Every byte between the first table block and end() is in one of four states:
+/// 1. in use by the committed state and by the changes;
+/// 2. free: in use by neither;
+/// 3. fresh: in use by the changes alone, free once they are taken back;
+/// 4. released: in use by the committed state alone, free once the changes are committed.
+class FreeSpace {
+  public:
+    explicit FreeSpace(const StorageLayout& layout) : layout_(&layout), end_(layout.emptyLength()) {}
+
+    /// The state after a commit: everything beyond `end` is free. False, with nothing changed, when `content`
+    /// (the free chain's) is not a sorted list of ranges below `end`.
+    [[nodiscard]] bool load(std::span<const std::byte> content, std::uint64_t end);
+
+    /// Takes `count` blocks from the lowest free space, or in one piece when they are many; from the end of
+    /// the container when nothing fits. False, with nothing changed, when the layout cannot address that
+    /// many.
+    [[nodiscard]] bool allocate(std::uint64_t count, std::vector<BlockRange>& place);
+    /// The same, from the end of the container only.
+    [[nodiscard]] bool allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& place);
+    /// Gives blocks back: fresh ones become free, committed ones released. False, with nothing changed, when
+    /// some of them are not in use, which only a damaged container can bring about.
+    [[nodiscard]] bool release(const BlockRuns& blocks);
+    /// Whether blocks of a chain lie in what is free, or beyond the end.
+    [[nodiscard]] bool isUsed(const BlockRuns& blocks) const;
+
+    // Both ways out of the changes. `kept` is fresh space that stays so: it belongs to files still being
+    // written.
+
+    void commit(const RangeSet& kept);
+    void rollback();
+
+    /// What the committed state will have free once the changes are committed, `kept` included, and its end.
+    struct Outlook {
+        RangeSet free;
+        std::uint64_t end;
+    };
+    [[nodiscard]] Outlook outlook(const RangeSet& kept) const;
+
+    [[nodiscard]] bool hasChanges() const noexcept { return !fresh_.empty() || !released_.empty(); }
+    [[nodiscard]] std::uint64_t end() const noexcept { return end_; }
+    [[nodiscard]] const RangeSet& free() const noexcept { return free_; }
+
+    [[nodiscard]] static std::vector<std::byte> encode(const RangeSet& free, const StorageLayout& layout);
+
+  private:
+    void take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& place);
+    void trim();
+
+    const StorageLayout* layout_;
+    RangeSet free_;
+    RangeSet fresh_;
+    RangeSet released_;
+    std::uint64_t end_;
+    std::uint64_t committedEnd_ = 0;
+    std::uint64_t longest_ = 0; // no free range is longer
+};
+
+} // namespace core

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <map>
+
+namespace core {
+
+/// A set of addresses as ranges, by their beginnings; neighbours are one range.
+class RangeSet {
+  public:
+    using Map = std::map<std::uint64_t, std::uint64_t>; // beginning, end
+
+    [[nodiscard]] const Map& ranges() const noexcept { return ranges_; }
+    [[nodiscard]] bool empty() const noexcept { return ranges_.empty(); }
+
+    [[nodiscard]] bool touches(std::uint64_t begin, std::uint64_t end) const {
+        const auto next = ranges_.lower_bound(end);
+        return next != ranges_.begin() && std::prev(next)->second > begin;
+    }
+    [[nodiscard]] bool contains(std::uint64_t begin, std::uint64_t end) const {
+        const auto next = ranges_.upper_bound(begin);
+        return next != ranges_.begin() && std::prev(next)->second >= end;
+    }
+
+    /// Adds a range of which nothing is in the set.
+    void add(std::uint64_t begin, std::uint64_t end) {
+        auto next = ranges_.lower_bound(begin);
+        if (next != ranges_.end() && next->first == end) {
+            end = next->second;
+            next = ranges_.erase(next);
+        }
+        if (next != ranges_.begin() && std::prev(next)->second == begin)
+            std::prev(next)->second = end;
+        else
+            ranges_.emplace_hint(next, begin, end);
+    }
+
+    void addAll(const RangeSet& other) {
+        for (const auto& [begin, end] : other.ranges_)
+            add(begin, end);
+    }
+
+    /// Takes a range out that is in the set as a whole.
+    void take(std::uint64_t begin, std::uint64_t end) {
+        const auto range = std::prev(ranges_.upper_bound(begin));
+        const std::uint64_t rest = range->second;
+        if (range->first == begin)
+            ranges_.erase(range);
+        else
+            range->second = begin;
+        if (end < rest)
+            ranges_.emplace(end, rest);
+    }
+
+    /// Takes everything from `limit` on out.
+    void cut(std::uint64_t limit) {
+        ranges_.erase(ranges_.lower_bound(limit), ranges_.end());
+        if (!ranges_.empty() && std::prev(ranges_.end())->second > limit)
+            std::prev(ranges_.end())->second = limit;
+    }
+
+    void clear() noexcept { ranges_.clear(); }
+
+  private:
+    Map ranges_;
+};
+
+} // namespace core

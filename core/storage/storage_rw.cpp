@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/container.h"
+
+#include <core/storage/storage_rw.h>
+
+#include <utility>
+
+namespace core {
+
+StorageRW::StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
+                     wstring url)
+    : container_(std::make_shared<Container>(std::move(file), layout, options, std::move(url))) {}
+
+void StorageRW::create(IFile& file, const StorageLayout& layout) {
+    Container::create(file, layout);
+}
+
+const StorageLayout& StorageRW::layout() const noexcept {
+    return container_->layout();
+}
+const wstring& StorageRW::url() const noexcept {
+    return container_->url();
+}
+const wstring& StorageRW::rootURL() const noexcept {
+    return container_->root();
+}
+void StorageRW::setRootURL(wstring root) {
+    container_->setRoot(std::move(root));
+}
+std::uint64_t StorageRW::changeCounter() const {
+    return container_->changeCounter();
+}
+void StorageRW::compact() {
+    container_->compact();
+}
+StorageCheck StorageRW::check() const {
+    return container_->check();
+}
+StorageInfo StorageRW::info() const {
+    return container_->info();
+}
+
+void StorageRW::begin() {
+    container_->begin();
+}
+void StorageRW::commit() {
+    container_->commit();
+}
+void StorageRW::rollback() {
+    container_->rollback();
+}
+
+bool StorageRW::contains(wstring_view name) const {
+    return container_->contains(name);
+}
+std::vector<StorageFound> StorageRW::find(wstring_view pattern) const {
+    return container_->find(pattern);
+}
+InterfacePtr<IFile> StorageRW::open(wstring_view name, OpenMode mode) {
+    return container_->open(name, mode);
+}
+std::vector<std::byte> StorageRW::get(wstring_view name) const {
+    return container_->get(name);
+}
+void StorageRW::put(wstring_view name, std::span<const std::byte> content) {
+    container_->put(name, content);
+}
+void StorageRW::remove(wstring_view name) {
+    container_->remove(name);
+}
+std::size_t StorageRW::removeAll(wstring_view pattern) {
+    return container_->removeAll(pattern);
+}
+void StorageRW::rename(wstring_view from, wstring_view to) {
+    container_->rename(from, to);
+}
+void StorageRW::copy(wstring_view from, wstring_view to) {
+    container_->copy(from, to);
+}
+void StorageRW::setTimes(wstring_view name, Date created, Date modified) {
+    container_->setTimes(name, created, modified);
+}
+
+StorageRW64::StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options, wstring url)
+    : StorageRW(std::move(file), kStorageLayout64, options, std::move(url)) {}
+
+StorageReading::StorageReading(const StorageRW& storage) : container_(storage.container_) {
+    container_->beginReading();
+}
+StorageReading::~StorageReading() {
+    container_->endReading();
+}
+
+} // namespace core

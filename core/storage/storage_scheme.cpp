@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <core/files/disk_file.h>
+#include <core/files/file_error.h>
+#include <core/files/file_io.h>
+#include <core/files/wildcard.h>
+#include <core/runtime/internal_class.h>
+#include <core/runtime/process.h>
+#include <core/runtime/utf8.h>
+#include <core/storage/storage_scheme.h>
+#include <core/strings/compare.h>
+
+#include <atomic>
+#include <string>
+
+namespace core {
+namespace {
+
+constexpr wstring_view kRoot = u"://c:/";
+
+/// Serial numbers of the containers that this process opened in a layout.
+std::atomic<unsigned>& serial_of(const StorageLayout& layout) {
+    static std::atomic<unsigned> narrow{0};
+    static std::atomic<unsigned> wide{0};
+    return layout.width == kStorageLayout32.width ? narrow : wide;
+}
+
+InterfacePtr<IFile> open_file(const wstring& url, OpenMode mode) {
+    if (split_url(url).scheme == u"file")
+        return open_disk_file(file_path(url), mode);
+    if (auto* const system = get_service<IFileSystem>())
+        return system->openURL(url, mode);
+    throw_file_error("IDS_FILE_SCHEME", url, ENOTSUP);
+}
+
+FileInfo file_info(const StorageRW& storage, const StorageFound& found) {
+    return {.url = storage.rootURL() + found.name,
+            .name = found.name,
+            .length = found.size,
+            .created = found.created,
+            .modified = found.modified};
+}
+
+} // namespace
+
+StorageScheme::StorageScheme(const StorageLayout& layout) : layout_(layout), name_(layout.scheme) {}
+StorageScheme::~StorageScheme() = default;
+
+wstring StorageScheme::openContainer(const wstring& url, OpenMode mode) {
+    const URL parsed = parseURL(url);
+    const StorageOptions options{.readOnly = mode == OpenMode::read,
+                                 .noSortedCheck = parsed.hasOption(u"NoSortedCheck")};
+    auto file = open_file(parsed.path, mode);
+    const bool mayBeNew = mode != OpenMode::read && mode != OpenMode::readWrite;
+    if (mayBeNew && file->length() == 0)
+        StorageRW::create(*file, layout_);
+    return enter(std::move(file), options, url);
+}
+
+wstring StorageScheme::openContainerIn(IFile* file, const StorageOptions& options) {
+    return enter(file, options, file->url());
+}
+
+wstring StorageScheme::enter(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url) {
+    StorageRW storage(std::move(file), layout_, options, url);
+    // What does not open takes no number.
+    const std::string serial = std::to_string(++serial_of(layout_));
+    const wstring root = name_ + wstring(kRoot) + from_utf8(serial) + u"/";
+    storage.setRootURL(root);
+    const std::lock_guard lock(mutex_);
+    containers_.emplace(root, std::move(storage));
+    return root;
+}
+
+void StorageScheme::closeContainer(const wstring& root) {
+    const std::lock_guard lock(mutex_);
+    if (containers_.erase(root) == 0)
+        throw StorageException(StorageException::Kind::fileNotFound, root);
+}
+
+StorageRW StorageScheme::container(const wstring& root) {
+    const std::lock_guard lock(mutex_);
+    const auto found = containers_.find(root);
+    if (found == containers_.end())
+        throw StorageException(StorageException::Kind::fileNotFound, root);
+    return found->second;
+}
+
+/// Below a root everything is the name of an inner file, which may hold a "?"; elsewhere options follow it.
+URL StorageScheme::parseURL(const wstring& url) const {
+    URL parsed = split_url(url);
+    if (!wstring_view(parsed.path).starts_with(kRoot.substr(3)))
+        split_options(parsed);
+    return parsed;
+}
+
+StorageScheme::Inner StorageScheme::resolve(const wstring& url) {
+    const wstring_view prefix = kRoot.substr(3);
+    const URL parsed = split_url(url);
+    const wstring_view path = parsed.path;
+    const auto slash = path.starts_with(prefix) ? path.find(u'/', prefix.size()) : wstring_view::npos;
+    if (compare_nocase(parsed.scheme, name_) != 0 || slash == wstring_view::npos)
+        throw StorageException(StorageException::Kind::fileNotFound, url);
+    return {container(name_ + u"://" + wstring(path.substr(0, slash + 1))), wstring(path.substr(slash + 1))};
+}
+
+InterfacePtr<IFile> StorageScheme::openURL(const wstring& url, OpenMode mode) {
+    Inner inner = resolve(url);
+    return inner.storage.open(inner.name, mode);
+}
+
+std::vector<FileInfo> StorageScheme::findFile(const wstring& pattern) {
+    const Inner inner = resolve(pattern);
+    std::vector<FileInfo> files;
+    for (const StorageFound& found : inner.storage.find(inner.name))
+        files.push_back(file_info(inner.storage, found));
+    return files;
+}
+
+std::size_t StorageScheme::remove(const wstring& pattern) {
+    Inner inner = resolve(pattern);
+    if (has_wildcard(inner.name))
+        return inner.storage.removeAll(inner.name);
+    inner.storage.remove(inner.name);
+    return 1;
+}
+
+void StorageScheme::copyBetween(const Inner& from, Inner& to) {
+    Inner source = from;
+    const auto input = source.storage.open(source.name, OpenMode::read);
+    const auto output = to.storage.open(to.name, OpenMode::replace);
+    copy_bytes(*input, *output);
+    output->close();
+}
+
+void StorageScheme::copyFile(const wstring& from, const wstring& to) {
+    Inner source = resolve(from);
+    Inner target = resolve(to);
+    if (source.storage.rootURL() == target.storage.rootURL())
+        source.storage.copy(source.name, target.name);
+    else
+        copyBetween(source, target);
+}
+
+void StorageScheme::moveFile(const wstring& from, const wstring& to) {
+    Inner source = resolve(from);
+    Inner target = resolve(to);
+    if (source.storage.rootURL() == target.storage.rootURL()) {
+        source.storage.rename(source.name, target.name);
+    } else {
+        copyBetween(source, target);
+        source.storage.remove(source.name);
+    }
+}
+
+namespace {
+
+const FileSchemeEntry narrowEntry([]() -> InterfacePtr<IFileScheme> {
+    return SCOM_InternalClass<StorageScheme>::create();
+});
+const FileSchemeEntry wideEntry([]() -> InterfacePtr<IFileScheme> {
+    return SCOM_InternalClass<StorageScheme64>::create();
+});
+
+} // namespace
+
+} // namespace core

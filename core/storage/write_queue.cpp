@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/write_queue.h"
+
+#include <core/files/file_io.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace core {
+
+std::byte* WriteQueue::extend(std::uint64_t address, std::size_t count) {
+    if (length_ != 0 && (address != address_ + length_ || length_ + count > kCapacity))
+        flush();
+    if (length_ == 0)
+        address_ = address;
+    if (bytes_.size() < length_ + count) // a small container never touches the whole capacity
+        bytes_.resize(std::min(kCapacity, std::max(length_ + count, 2 * bytes_.size())));
+    std::byte* const room = bytes_.data() + length_;
+    length_ += count;
+    return room;
+}
+
+void WriteQueue::patch(std::uint64_t address, std::span<const std::byte> bytes) {
+    if (address >= address_ && address + bytes.size() <= address_ + length_) {
+        std::memcpy(bytes_.data() + (address - address_), bytes.data(), bytes.size());
+        return;
+    }
+    if (touches(address, bytes.size()))
+        flush();
+    write_all_at(file_, address, bytes);
+}
+
+void WriteQueue::flush() {
+    if (length_ == 0)
+        return;
+    write_all_at(file_, address_, std::span(bytes_).first(length_));
+    length_ = 0;
+}
+
+} // namespace core

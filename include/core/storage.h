@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// Containers: many named inner files in one file that survives a crash at any moment.
+#include <core/storage/block_runs.h>
+#include <core/storage/chain.h>
+#include <core/storage/file_info.h>
+#include <core/storage/files_type.h>
+#include <core/storage/layout.h>
+#include <core/storage/storage_check.h>
+#include <core/storage/storage_rw.h>
+#include <core/storage/storage_scheme.h>

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/api.h>
+#include <core/runtime/types.h>
+#include <core/storage/layout.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace core {
+
+/// The order of inner files: by the code units of the names' full case foldings, then by the code units
+/// themselves. Names that differ only in case are different names, side by side.
+[[nodiscard]] CORE_API int compare_file_names(wstring_view a, wstring_view b) noexcept;
+
+/// What the table says of an inner file.
+struct StorageFileEntry {
+    std::uint64_t attributes; ///< first block of its attributes chain, null when it has none
+    std::uint64_t data;       ///< first block of its data chain, null when the file is empty
+    friend bool operator==(const StorageFileEntry&, const StorageFileEntry&) = default;
+};
+
+/// The table of inner files: sorted by name, as it was read, with the changes that are not committed yet laid
+/// over it. Knows no file; the container reads and writes its content.
+class CORE_API StorageFilesType {
+  public:
+    explicit StorageFilesType(const StorageLayout& layout = kStorageLayout32) noexcept;
+
+    // modify
+
+    /// Takes over the table's content. False, with the table unchanged, when it is malformed: cut off, an
+    /// address outside the container, or names that are not sorted, unless `sorted` takes their order on
+    /// trust.
+    [[nodiscard]] bool decode(std::span<const std::byte> content, bool sorted);
+    /// Makes room for a change of this name: set() and erase() cannot fail then.
+    void reserve(wstring_view name);
+    void set(wstring_view name, const StorageFileEntry& entry);
+    void erase(wstring_view name);
+    /// Forgets the changes.
+    void revert() noexcept;
+    /// Makes the changes part of the table.
+    void settle();
+
+    // inspect
+
+    /// The container's end as the table knows it: nothing that is in use lies beyond.
+    [[nodiscard]] std::uint64_t end() const noexcept { return end_; }
+    void setEnd(std::uint64_t end) noexcept { end_ = end; }
+    [[nodiscard]] bool hasChanges() const noexcept { return !changes_.empty(); }
+    [[nodiscard]] std::optional<StorageFileEntry> find(wstring_view name) const;
+    /// Every file, in order, as `visit(wstring_view name, const StorageFileEntry&)`.
+    template <class Visit>
+    void forEach(Visit visit) const;
+    /// The content with the changes in it; only `end` is given from outside.
+    [[nodiscard]] std::vector<std::byte> encode(std::uint64_t end) const;
+    /// The size of that content.
+    [[nodiscard]] std::uint64_t encodedSize() const;
+
+    /// The first bytes of the content, which never change: they lie in the table's first block.
+    [[nodiscard]] static std::span<const std::byte> preamble() noexcept;
+
+  private:
+    struct Row {
+        StorageFileEntry entry;
+        std::uint64_t nameEnd; // in names_
+    };
+    struct Less {
+        using is_transparent = void;
+        bool operator()(wstring_view a, wstring_view b) const noexcept {
+            return compare_file_names(a, b) < 0;
+        }
+    };
+
+    [[nodiscard]] wstring_view nameOf(std::size_t row) const noexcept {
+        const std::size_t begin = row == 0 ? 0 : static_cast<std::size_t>(rows_[row - 1].nameEnd);
+        return wstring_view(names_).substr(begin, static_cast<std::size_t>(rows_[row].nameEnd) - begin);
+    }
+    [[nodiscard]] bool isSorted() const noexcept;
+
+    const StorageLayout* layout_;
+    std::uint64_t end_;
+    std::vector<Row> rows_;
+    wstring names_;                                                    // of all rows, one behind the other
+    std::map<wstring, std::optional<StorageFileEntry>, Less> changes_; // nothing: erased
+};
+
+class CORE_API StorageFilesType64 : public StorageFilesType {
+  public:
+    StorageFilesType64() noexcept : StorageFilesType(kStorageLayout64) {}
+};
+
+template <class Visit>
+void StorageFilesType::forEach(Visit visit) const {
+    auto change = changes_.begin();
+    const auto visitChange = [&] {
+        if (change->second)
+            visit(wstring_view(change->first), *change->second);
+        ++change;
+    };
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        const wstring_view name = nameOf(row);
+        int order = 1;
+        while (change != changes_.end() && (order = compare_file_names(change->first, name)) < 0)
+            visitChange();
+        if (change != changes_.end() && order == 0)
+            visitChange();
+        else
+            visit(name, rows_[row].entry);
+    }
+    while (change != changes_.end())
+        visitChange();
+}
+
+} // namespace core

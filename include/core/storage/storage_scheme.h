@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/files/file_system.h>
+#include <core/runtime/internal_class.h>
+#include <core/storage/storage_rw.h>
+
+#include <map>
+#include <mutex>
+
+namespace core {
+
+/// Opens containers, whose inner files can then be reached by URLs: "lumstg://c:/3/name" is the inner file
+/// "name" of the third container that this process opened in the 32-bit layout. "lumstg" and "lumstg64" are
+/// IStorageScheme objects as well as IFileScheme ones.
+class IStorageScheme : public IUnknown {
+  public:
+    static constexpr GUID IID = "e365e27f-59f7-435f-bf15-b5a0069f2832"_guid;
+
+    /// Opens the container that lies in a file, and returns its root URL. The URL is the scheme, "://", and
+    /// the URL or path of the file; options follow a "?", separated by ";": "NoSortedCheck" takes the order
+    /// of the table on trust. A file that is made or emptied becomes an empty container.
+    [[nodiscard]] virtual wstring openContainer(const wstring& url, OpenMode mode) = 0;
+    /// The same for a file that is open already.
+    [[nodiscard]] virtual wstring openContainerIn(IFile* file, const StorageOptions& options) = 0;
+    /// Forgets a root URL; what is still open of the container stays open.
+    virtual void closeContainer(const wstring& root) = 0;
+    /// The container with a root URL. Throws StorageException when there is none.
+    [[nodiscard]] virtual StorageRW container(const wstring& root) = 0;
+
+  protected:
+    ~IStorageScheme() = default;
+};
+
+/// The scheme of the 32-bit layout. Threads: any.
+class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
+  public:
+    using Interfaces = InterfaceList<IFileScheme, IStorageScheme>;
+
+    explicit StorageScheme(const StorageLayout& layout = kStorageLayout32);
+    virtual ~StorageScheme();
+
+    [[nodiscard]] wstring openContainer(const wstring& url, OpenMode mode) override;
+    [[nodiscard]] wstring openContainerIn(IFile* file, const StorageOptions& options) override;
+    void closeContainer(const wstring& root) override;
+    [[nodiscard]] StorageRW container(const wstring& root) override;
+
+    [[nodiscard]] const wstring& schemeName() const noexcept override { return name_; }
+    [[nodiscard]] URL parseURL(const wstring& url) const override;
+    [[nodiscard]] InterfacePtr<IFile> openURL(const wstring& url, OpenMode mode) override;
+    [[nodiscard]] std::vector<FileInfo> findFile(const wstring& pattern) override;
+    std::size_t remove(const wstring& pattern) override;
+    void copyFile(const wstring& from, const wstring& to) override;
+    void moveFile(const wstring& from, const wstring& to) override;
+
+  private:
+    /// An inner file, or a pattern of names, by its URL.
+    struct Inner {
+        StorageRW storage;
+        wstring name;
+    };
+    [[nodiscard]] Inner resolve(const wstring& url);
+    [[nodiscard]] wstring enter(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url);
+    void copyBetween(const Inner& from, Inner& to);
+
+    const StorageLayout& layout_;
+    wstring name_;
+    std::mutex mutex_;
+    std::map<wstring, StorageRW> containers_; // by root URL
+};
+
+/// The scheme of the 64-bit layout.
+class CORE_API StorageScheme64 : public StorageScheme {
+  public:
+    StorageScheme64() : StorageScheme(kStorageLayout64) {}
+};
+
+} // namespace core

@@ -1,0 +1,343 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/support/storage_model.h"
+
+#include <core/runtime.h>
+
+#include <gtest/gtest.h>
+
+namespace core {
+namespace {
+
+using test::Bytes;
+using test::Model;
+
+using Kind = StorageException::Kind;
+
+template <class Call>
+Kind kind_of(Call call) {
+    try {
+        call();
+    } catch (const StorageException& e) {
+        return e.kind();
+    }
+    return Kind::none;
+}
+
+template <class Call>
+wstring message_of(Call call) {
+    try {
+        call();
+    } catch (const Exception& e) {
+        return e.description();
+    }
+    return {};
+}
+
+Bytes bytes_of(std::string_view text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
+
+class Storage : public testing::TestWithParam<const StorageLayout*> {
+  protected:
+    Storage() { StorageRW::create(*open_memory_file(data_), layout_); }
+    StorageRW open(StorageOptions options = {}) {
+        return StorageRW(open_memory_file(data_), layout_, options);
+    }
+    Bytes raw() { return read_whole(*open_memory_file(data_)); }
+
+    const StorageLayout& layout_ = *GetParam();
+    std::shared_ptr<MemoryFileData> data_ = create_memory_data();
+};
+INSTANTIATE_TEST_SUITE_P(Layouts, Storage, testing::Values(&kStorageLayout32, &kStorageLayout64),
+                         [](const auto& info) { return info.param == &kStorageLayout32 ? "32" : "64"; });
+
+TEST_P(Storage, HoldsWhatAModelHolds) {
+    test::Random random(5);
+    Model model;
+    for (int round = 0; round < 20; ++round) {
+        StorageRW storage = open();
+        for (int i = 0; i < 15; ++i)
+            test::change(random, storage, model);
+        ASSERT_EQ(test::contents(storage), model);
+        if (round % 5 == 4) {
+            storage.compact();
+            ASSERT_EQ(test::contents(storage), model) << "after compacting";
+            EXPECT_EQ(storage.info().freeBytes, 0U);
+            EXPECT_EQ(storage.info().fileLength, storage.info().end);
+        }
+        const StorageCheck check = storage.check();
+        EXPECT_TRUE(check.isClean()) << to_utf8(check.problems.at(0).text());
+        ASSERT_EQ(test::contents(open()), model) << "opened again";
+    }
+}
+
+TEST_P(Storage, BeginsAsAnEmptyTable) {
+    const Bytes bytes = raw();
+    const std::string text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const bool wide = layout_.width == 8;
+    EXPECT_EQ(text.substr(0, 2 * layout_.width + 8),
+              wide ? std::string("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0\2\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 24)
+                   : std::string("\xFF\xFF\xFF\x7F\0\2\0\0\0\0\0\0\0\0\0\0", 16));
+    EXPECT_EQ(text.substr(layout_.headerSize(), layout_.blockHeaderSize()),
+              wide ? "\r\n0000000000000000 0000000000000200 ffffffffffffffff \r\n"
+                   : "\r\n00000000 00000200 7fffffff \r\n");
+    EXPECT_EQ(bytes.size(), layout_.headerSize() + layout_.blockHeaderSize() + 512);
+    EXPECT_TRUE(test::contents(open()).empty());
+    EXPECT_THROW(StorageRW::create(*open_memory_file(data_), layout_), FileException)
+        << "not over what is there";
+}
+
+TEST_P(Storage, CountsCommitsThatChangedSomething) {
+    StorageRW storage = open();
+    const auto bytes = bytes_of("content");
+    EXPECT_EQ(storage.changeCounter(), 0U);
+    storage.put(u"a", bytes);
+    storage.put(u"b", bytes);
+    EXPECT_EQ(storage.changeCounter(), 2U);
+    const Bytes before = raw();
+    storage.open(u"a", OpenMode::readWrite)->close();
+    (void)storage.get(u"a");
+    EXPECT_EQ(storage.removeAll(u"none*"), 0U);
+    storage.begin();
+    storage.commit();
+    EXPECT_EQ(raw(), before) << "nothing was changed, so nothing was written";
+    {
+        StorageTransaction rolledBack(storage);
+        storage.put(u"c", bytes);
+        EXPECT_TRUE(storage.contains(u"c"));
+    }
+    EXPECT_FALSE(storage.contains(u"c"));
+    EXPECT_EQ(kind_of([&] { storage.remove(u"c"); }), Kind::fileNotFound);
+    EXPECT_EQ(storage.changeCounter(), 2U);
+    {
+        StorageTransaction transaction(storage);
+        storage.put(u"c", bytes);
+        storage.remove(u"a");
+        storage.rename(u"b", u"d");
+        EXPECT_THROW(storage.begin(), StorageException);
+        transaction.commit();
+    }
+    EXPECT_EQ(storage.changeCounter(), 3U) << "one commit, however many changes";
+    EXPECT_EQ(test::contents(storage), (Model{{u"c", bytes}, {u"d", bytes}}));
+}
+
+TEST_P(Storage, FindsByPatternInTheOrderOfFoldedNames) {
+    StorageRW storage = open();
+    for (const wchar* name :
+         {u"b.txt", u"A.txt", u"a.txt", u"", u"Ж.txt", u"ж.dat", u"straße", u"STRASSE", u"z"})
+        storage.put(name, bytes_of("12345"));
+    const auto names = [&](wstring_view pattern) {
+        std::vector<wstring> result;
+        for (const StorageFound& found : storage.find(pattern)) {
+            EXPECT_EQ(found.size, 5U);
+            result.push_back(found.name);
+        }
+        return result;
+    };
+    EXPECT_EQ(names(u"*"), (std::vector<wstring>{u"", u"A.txt", u"a.txt", u"b.txt", u"STRASSE", u"straße",
+                                                 u"z", u"ж.dat", u"Ж.txt"}));
+    EXPECT_EQ(names(u"?.txt"), (std::vector<wstring>{u"A.txt", u"a.txt", u"b.txt", u"Ж.txt"}));
+    EXPECT_EQ(names(u""), (std::vector<wstring>{u""}));
+    EXPECT_EQ(names(u"none*"), std::vector<wstring>{});
+    EXPECT_EQ(storage.removeAll(u"*.txt"), 4U);
+    EXPECT_EQ(storage.find().size(), 5U);
+}
+
+class SteppingClock : public Clock {
+  public:
+    std::chrono::system_clock::time_point now() noexcept override { return time; }
+    void sleep(std::chrono::milliseconds pause) override {
+        time += pause;
+        ++sleeps;
+    }
+    std::chrono::system_clock::time_point time{std::chrono::hours(24 * 365)};
+    int sleeps = 0;
+};
+
+struct ReplacedClock : SteppingClock {
+    ReplacedClock() { replace_clock(this); }
+    ~ReplacedClock() override { replace_clock(nullptr); }
+};
+
+TEST_P(Storage, KeepsTimesOfFiles) {
+    ReplacedClock clock;
+    StorageRW storage = open();
+    const auto times = [&](wstring_view name) {
+        const StorageFound found = storage.find(name).at(0);
+        return std::pair(found.created.toXMLString(), found.modified.toXMLString());
+    };
+    storage.put(u"a", bytes_of("1"));
+    clock.time += std::chrono::hours(1);
+    storage.put(u"a", bytes_of("2"));
+    EXPECT_EQ(times(u"a"), std::pair(wstring(u"1971-01-01T00:00:00"), wstring(u"1971-01-01T01:00:00")));
+    clock.time += std::chrono::hours(1);
+    storage.rename(u"a", u"b");
+    EXPECT_EQ(times(u"b").second, u"1971-01-01T01:00:00") << "a new name is not a new content";
+    storage.copy(u"b", u"c");
+    EXPECT_EQ(times(u"c").first, u"1971-01-01T02:00:00");
+    storage.setTimes(u"c", Date(2001, 2, 3), Date(2004, 5, 6));
+    EXPECT_EQ(times(u"c"), std::pair(wstring(u"2001-02-03T00:00:00"), wstring(u"2004-05-06T00:00:00")));
+    EXPECT_EQ(storage.get(u"c"), bytes_of("2"));
+}
+
+TEST_P(Storage, RefusesSourceAsDestinationAndWhatIsMissing) {
+    StorageRW storage = open();
+    storage.setRootURL(u"root/");
+    storage.put(u"a", {});
+    EXPECT_EQ(kind_of([&] { storage.copy(u"a", u"a"); }), Kind::isDestination);
+    EXPECT_EQ(kind_of([&] { storage.rename(u"a", u"a"); }), Kind::isDestination);
+    EXPECT_EQ(kind_of([&] { storage.copy(u"x", u"y"); }), Kind::fileNotFound);
+    EXPECT_EQ(kind_of([&] { storage.rename(u"x", u"a"); }), Kind::fileNotFound);
+    EXPECT_EQ(kind_of([&] { storage.setTimes(u"x", {}, {}); }), Kind::fileNotFound);
+    EXPECT_EQ(kind_of([&] { (void)storage.open(u"x", OpenMode::read); }), Kind::fileNotFound);
+    EXPECT_EQ(kind_of([&] { (void)storage.open(u"x", OpenMode::readWrite); }), Kind::fileNotFound);
+    EXPECT_THROW((void)storage.open(u"a", OpenMode::createNew), FileException);
+    EXPECT_TRUE(message_of([&] { (void)storage.get(u"x"); }).ends_with(u"'root/x'"));
+    EXPECT_EQ(storage.find().size(), 1U);
+    storage.rename(u"a", u"A");
+    EXPECT_TRUE(storage.contains(u"A") && !storage.contains(u"a")) << "another case is another name";
+    StorageRW reader = open({.readOnly = true});
+    EXPECT_THROW(reader.put(u"b", {}), StorageException);
+    EXPECT_EQ(test::contents(reader), (Model{{u"A", {}}}));
+}
+
+TEST_P(Storage, LetsOneWriteAFileAndTellsReadersOfIt) {
+    StorageRW storage = open();
+    const Bytes old(200000, std::byte{1});
+    storage.put(u"a", old);
+    storage.put(u"other", old);
+    const auto reader = storage.open(u"a", OpenMode::read);
+    const auto bystander = storage.open(u"other", OpenMode::read);
+    Bytes part(10);
+    EXPECT_EQ(reader->read(part.data(), 10), 10U);
+    const auto writer = storage.open(u"a", OpenMode::readWrite);
+    write_all_at(*writer, 100000, bytes_of("new"));
+    EXPECT_EQ(storage.get(u"a"), old) << "not visible before it is closed";
+    EXPECT_EQ(read_all_at(*reader, 150000, part), 10U);
+    EXPECT_FALSE(message_of([&] { (void)storage.open(u"a", OpenMode::create); }).empty());
+    EXPECT_FALSE(message_of([&] { storage.remove(u"a"); }).empty());
+    EXPECT_FALSE(message_of([&] { storage.rename(u"other", u"a"); }).empty());
+    writer->flush();
+    EXPECT_NE(storage.get(u"a"), old) << "a flush publishes";
+    write_all_at(*writer, 0, bytes_of("more"));
+    writer->close();
+    EXPECT_EQ(storage.get(u"a")[0], std::byte{'m'});
+    EXPECT_THROW((void)read_all_at(*reader, 190000, part), StorageException) << "half old, half new";
+    storage.compact();
+    EXPECT_EQ(read_all_at(*bystander, 190000, part), 10U) << "moved, but the same";
+    storage.remove(u"other");
+    EXPECT_THROW((void)read_all_at(*bystander, 0, part), StorageException);
+    reader->close();
+    EXPECT_THROW((void)reader->read(part.data(), 1), FileException);
+    EXPECT_THROW((void)bystander->write(part.data(), 1), FileException);
+}
+
+TEST_P(Storage, GivesUpAFileThatAnExceptionLetsGoOf) {
+    StorageRW storage = open();
+    storage.put(u"a", bytes_of("old"));
+    try {
+        const auto file = storage.open(u"a", OpenMode::replace);
+        write_all(*file, Bytes(100000));
+        throw std::runtime_error("no more");
+    } catch (const std::runtime_error&) {
+    }
+    EXPECT_EQ(storage.get(u"a"), bytes_of("old"));
+    write_all(*storage.open(u"a", OpenMode::replace), bytes_of("let go of without a word"));
+    EXPECT_EQ(storage.get(u"a"), bytes_of("let go of without a word"));
+    const auto late = storage.open(u"b", OpenMode::create);
+    storage.begin();
+    storage.put(u"c", {});
+    storage.rollback();
+    EXPECT_THROW(late->close(), StorageException) << "the rollback took it back, too";
+    EXPECT_FALSE(storage.contains(u"b"));
+    EXPECT_TRUE(storage.check().isClean());
+}
+
+TEST_P(Storage, RewritesOnlyWhatComesBeforeAChange) {
+    StorageRW storage = open();
+    storage.put(u"a", Bytes(512 * 1000));
+    const auto address = [&] { return storage.info().pieces; };
+    const auto before = address();
+    const auto file = storage.open(u"a", OpenMode::readWrite);
+    write_all_at(*file, 512 * 10, bytes_of("x"));
+    file->close();
+    std::uint64_t kept = 0;
+    for (const StorageInfo::Piece& piece : address()) {
+        if (piece.use == StorageUse::content)
+            kept = std::max(kept, piece.length);
+    }
+    EXPECT_EQ(kept, (1000 - 11) * layout_.blockLength(512)) << "the rest stayed where it was";
+    EXPECT_EQ(storage.get(u"a")[5120], std::byte{'x'});
+}
+
+TEST_P(Storage, UsesFreeSpaceAgainAndGivesTheEndBack) {
+    StorageRW storage = open();
+    std::uint64_t most = 0;
+    for (int round = 0; round < 50; ++round) {
+        for (int i = 0; i < 10; ++i)
+            storage.put(u"file" + wstring(1, static_cast<wchar>(u'0' + i)),
+                        Bytes(700 * static_cast<std::size_t>(i)));
+        if (round == 2)
+            most = storage.info().fileLength;
+        EXPECT_LE(storage.info().fileLength, most == 0 ? 1000000 : most) << "round " << round;
+    }
+    EXPECT_EQ(storage.removeAll(u"*"), 10U);
+    EXPECT_EQ(raw().size(), layout_.emptyLength()) << "as long as a new one";
+}
+
+TEST_P(Storage, SharesTheFileWithOtherOpenContainers) {
+    ReplacedClock clock;
+    StorageRW a = open();
+    StorageRW b = open();
+    a.put(u"x", bytes_of("1"));
+    EXPECT_EQ(b.get(u"x"), bytes_of("1"));
+    b.put(u"x", bytes_of("2"));
+    EXPECT_EQ(a.get(u"x"), bytes_of("2"));
+
+    const auto held = a.open(u"y", OpenMode::create);
+    EXPECT_NE(message_of([&] { b.put(u"z", {}); }), u"") << "the turn is not given up";
+    EXPECT_GE(clock.sleeps, 1000) << "20 seconds, 50 times a second";
+    EXPECT_LE(clock.sleeps, 1002);
+    held->close();
+    b.put(u"z", {});
+    {
+        const StorageReading reading(a);
+        EXPECT_NE(message_of([&] { b.put(u"late", {}); }), u"") << "a commit waits for readers";
+        EXPECT_FALSE(a.contains(u"late"));
+    }
+    b.put(u"late", {});
+    EXPECT_EQ(test::contents(a), test::contents(b));
+    EXPECT_TRUE(a.check().isClean());
+}
+
+TEST_P(Storage, RefusesWhatTheLayoutCannotAddress) {
+    StorageRW storage = open();
+    storage.put(u"a", bytes_of("kept"));
+    const Bytes before = raw();
+    if (layout_.width == 4) {
+        const auto file = storage.open(u"big", OpenMode::create);
+        EXPECT_THROW(write_all_at(*file, std::uint64_t{2} << 30, bytes_of("x")), StorageException);
+        EXPECT_THROW(file->truncate(std::uint64_t{2} << 30), StorageException);
+        write_all(*file, bytes_of("still usable"));
+        EXPECT_EQ(file->length(), 12U);
+        file->close();
+        storage.remove(u"big");
+    }
+    const auto file = storage.open(u"big", OpenMode::create);
+    EXPECT_THROW(write_all_at(*file, ~std::uint64_t{0} - 5, bytes_of("x")), StorageException);
+    EXPECT_EQ(test::contents(storage), (Model{{u"a", bytes_of("kept")}}));
+}
+
+TEST(StorageFileInfo, IsTheRecordOfTheFormat) {
+    const StorageFileInfo info{Date(1), Date(0x0102030405), 7, u"Aж"};
+    const Bytes record = info.encode();
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(record.data()), record.size()),
+              std::string("\1\0\0\0\0\0\0\0\5\4\3\2\1\0\0\0\7\0\0\0A\0\x36\4\0\0\0\0", 28));
+    EXPECT_EQ(StorageFileInfo::decode(record), info);
+    EXPECT_EQ(StorageFileInfo::decode(std::span(record).first(24))->name, u"");
+    EXPECT_FALSE(StorageFileInfo::decode(std::span(record).first(23)));
+}
+
+} // namespace
+} // namespace core
