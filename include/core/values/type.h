@@ -8,6 +8,15 @@
 
 namespace core {
 
+/// The ids of the primitive types.
+inline constexpr GUID kUndefinedType = "ee8d3e7c-f930-4a76-8aad-4ff9083a6ea6"_guid;
+inline constexpr GUID kNullType = "af40a278-63bc-478e-91a8-19e0d16b10b5"_guid;
+inline constexpr GUID kBooleanType = "5d4125ad-f6e7-4313-be32-f71d0ab60915"_guid;
+inline constexpr GUID kNumberType = "b0be78f2-0ee6-4d31-a3bb-77dd32ba5bec"_guid;
+inline constexpr GUID kStringType = "9b6abf8b-0173-48e5-b0a0-83b21fcf63c5"_guid;
+inline constexpr GUID kDateType = "aae38c48-a877-411c-a6d3-fbaa1f83c4bd"_guid;
+inline constexpr GUID kTypeType = "d47d59f8-73f0-481c-8b5e-f6384c0a4804"_guid;
+
 /// A type, or none. Refers to the one type object of that type; equality is that of the type.
 class CORE_API Type {
   public:

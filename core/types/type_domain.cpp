@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <core/types/type_domain.h>
+
+namespace core {
+
+Type TypeDomain::defaultType() const {
+    return size() == 1 ? Type(types().front()) : Type(Type::undefined);
+}
+
+GenericValue TypeDomain::defaultValue() const {
+    if (size() != 1)
+        return {};
+    if (containsType(ValueKind::null))
+        return Value::null();
+    if (containsType(ValueKind::boolean))
+        return false;
+    if (containsType(ValueKind::number))
+        return 0;
+    if (containsType(ValueKind::string))
+        return stringQualifiers().adjust({});
+    if (containsType(ValueKind::date))
+        return Date();
+    if (containsType(ValueKind::type))
+        return Type(Type::undefined);
+    return {};
+}
+
+bool TypeDomain::fits(const Value& value) const noexcept {
+    if (isEmpty())
+        return true;
+    const ValueKind kind = value.kind();
+    if (kind == ValueKind::object) // another module's idea of a Number is converted to one of ours
+        return containsObjectType(value.object()->getType()->id());
+    if (!containsType(kind))
+        return false;
+    switch (kind) {
+    case ValueKind::number:
+        return numericQualifiers().fits(*value.asNumeric());
+    case ValueKind::string:
+        return stringQualifiers().fits(*value.asString());
+    case ValueKind::date:
+        return dateQualifiers().fits(*value.asDate());
+    default:
+        return true;
+    }
+}
+
+/// Of a value that does not fit.
+GenericValue TypeDomain::adjusted(const Value& value) const {
+    if (!containsType(value.kind()))
+        return converted(value);
+    switch (value.kind()) {
+    case ValueKind::number:
+        return numericQualifiers().adjust(*value.asNumeric());
+    case ValueKind::string:
+        return stringQualifiers().adjust(*value.asString());
+    default: // the only other kind with qualifiers
+        return dateQualifiers().adjust(*value.asDate());
+    }
+}
+
+/// Numbers and dates come first, because every value has a string reading, and that before a Boolean, which
+/// keeps less of a number.
+GenericValue TypeDomain::converted(const Value& value) const {
+    if (value.kind() == ValueKind::undefined || value.kind() == ValueKind::null)
+        return defaultValue();
+    if (Numeric number; containsType(ValueKind::number) && value.getNumeric(number))
+        return numericQualifiers().adjust(number);
+    if (Date date; containsType(ValueKind::date) && value.getDate(date))
+        return dateQualifiers().adjust(date);
+    if (wstring text; containsType(ValueKind::string) && value.getString(text))
+        return stringQualifiers().adjust(text);
+    if (bool flag = false; containsType(ValueKind::boolean) && value.getBoolean(flag))
+        return flag;
+    return defaultValue();
+}
+
+} // namespace core
