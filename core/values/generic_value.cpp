@@ -32,9 +32,12 @@ void serialize_object(IOutPersistenceStorage* storage, const Value& value) {
 GenericValue deserialize_object(IInPersistenceStorage* storage) {
     GUID clsid;
     storage->listStream().get(clsid);
-    const InterfacePtr<IPersistableObject> object = create_object<IPersistableObject>(clsid);
-    const auto value = object.query<IValue>();
-    if (!value)
+    const auto made = create_object<IUnknown>(clsid);
+    if (const auto loader = made.query<IValueLoader>(); loader)
+        return loader->load(storage);
+    const auto object = made.query<IPersistableObject>();
+    const auto value = made.query<IValue>();
+    if (!object || !value)
         throw_error<TypeException>("IDS_TYPEERROR_TYPENOTDEFINED", {to_string(clsid)});
     object->deserialize(storage);
     return GenericValue(value);

@@ -10,6 +10,7 @@ namespace core {
 
 class Date;
 class GenericValue;
+class IInPersistenceStorage;
 class IOutPersistenceStorage;
 class IType;
 class Numeric;
@@ -64,6 +65,18 @@ class IValueIsEmpty : public IUnknown {
 
   protected:
     ~IValueIsEmpty() = default;
+};
+
+/// Implemented by what is made for the class id of values that exist once and for all: finds the one that was
+/// written. Such values are not made and read, as other persistable objects are.
+class IValueLoader : public IUnknown {
+  public:
+    static constexpr GUID IID = "46e5a1ec-a3b3-4a7c-9de0-b92c746d88f2"_guid;
+    /// ListStreamException for a body that names none.
+    [[nodiscard]] virtual GenericValue load(IInPersistenceStorage* storage) = 0;
+
+  protected:
+    ~IValueLoader() = default;
 };
 
 /// The type of a value as an object: there is one for every type, alive as long as the library.
