@@ -12,13 +12,13 @@
 
 /// Enumerations that scripts see, written as data at one place in a source file:
 ///
-///     constexpr EnumerationItem kItems[] = {{kAsc, "IDS_SORT_ASC", 0}, {kDesc, "IDS_SORT_DESC", 1}};
-///     constexpr EnumerationInfo kSortInfo = {.type = {.id = ..., .valueClass = ..., .names = kSortDirection,
-///                                                     .presentation = "IDS_SORT"},
-///                                            .factory = ..., .items = kItems};
-///     const EnumerationEntry<kSortInfo> kSort("SortDirection");
+///     constexpr EnumerationItem kFractions[] = {{kDate, "IDS_CORE_DATE_FRACTIONS_DATE", 1}, ...};
+///     constexpr EnumerationInfo kInfo = {.type = {.id = ..., .valueClass = ..., .names = kDateFractions,
+///                                                 .presentation = "IDS_CORE_DATE_FRACTIONS"},
+///                                        .factory = ..., .items = kFractions};
+///     const EnumerationEntry<kInfo> kEntry("DateFractions");
 ///
-/// A script then writes `SortDirection.Asc`.
+/// A script then writes `DateFractions.Date`. All ids are minted once and never change.
 namespace core {
 
 class Enumeration;
