@@ -3,6 +3,7 @@
 
 /// Contexts: what scripts reach of an object, its properties and methods by number and by two names;
 /// enumerations; and walks over collections.
+#include <core/context/binary_data.h>
 #include <core/context/context_def.h>
 #include <core/context/context_def_core.h>
 #include <core/context/context_def_ext.h>
@@ -10,6 +11,7 @@
 #include <core/context/context_extern.h>
 #include <core/context/context_impl.h>
 #include <core/context/context_table.h>
+#include <core/context/core_general_context.h>
 #include <core/context/enumeration.h>
 #include <core/context/group_context.h>
 #include <core/context/iteration.h>
