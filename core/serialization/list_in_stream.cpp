@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/serialization/run_read.h"
 #include "core/serialization/token_read.h"
 
 #include <core/runtime/error.h>
 #include <core/serialization/list_in_stream.h>
 #include <core/strings/compare.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace core {
@@ -24,14 +26,47 @@ void ListInStream::skipGap() {
     source_.skipSpaces();
 }
 
+/// Reads what lies whole in the units at hand. `read` is given them, after the gap if there is to be one, and
+/// returns the end of what it read or null.
+template <class Read>
+bool ListInStream::readInRun(bool gap, Read read) {
+    TextBuffer* const runs = source_.runs();
+    if (runs == nullptr)
+        return false;
+    const wchar* const end = runs->readEnd();
+    const wchar* at = runs->readBegin();
+    if (gap)
+        at = run_gap(at, end, commaExpected_);
+    if (at == nullptr || (at = read(at, end)) == nullptr)
+        return false;
+    runs->readTo(at);
+    return true;
+}
+
+/// The step of every get: a token in the run at hand, else unit by unit.
+template <class InRun, class Read>
+void ListInStream::getToken(InRun inRun, Read read) {
+    if (!readInRun(true, inRun)) {
+        skipGap();
+        require(read());
+    }
+    commaExpected_ = true;
+}
+
 void ListInStream::getBeginOfList() {
+    if (readInRun(true, [](const wchar* at, const wchar* end) { return run_unit(at, end, u'{'); })) {
+        commaExpected_ = false;
+        return;
+    }
     skipGap();
     require(source_.skipIf(u'{'));
 }
 
 void ListInStream::getEndOfList() {
-    source_.skipSpaces();
-    require(source_.skipIf(u'}'));
+    if (!readInRun(false, [](const wchar* at, const wchar* end) { return run_unit(at, end, u'}'); })) {
+        source_.skipSpaces();
+        require(source_.skipIf(u'}'));
+    }
     commaExpected_ = true;
 }
 
@@ -78,16 +113,14 @@ void ListInStream::skipListContent() {
 }
 
 void ListInStream::get(bool& value) {
-    skipGap();
-    require(read_boolean(source_, value));
-    commaExpected_ = true;
+    getToken([&](const wchar* at, const wchar* end) { return run_boolean(at, end, value); },
+             [&] { return read_boolean(source_, value); });
 }
 
 std::uint64_t ListInStream::getInteger(bool withSign) {
-    skipGap();
     std::uint64_t value = 0;
-    require(read_integer(source_, withSign, value));
-    commaExpected_ = true;
+    getToken([&](const wchar* at, const wchar* end) { return run_integer(at, end, withSign, value); },
+             [&] { return read_integer(source_, withSign, value); });
     return value;
 }
 
@@ -98,9 +131,8 @@ void ListInStream::get(float& value) {
 }
 
 void ListInStream::get(double& value) {
-    skipGap();
-    require(read_double(source_, value));
-    commaExpected_ = true;
+    getToken([&](const wchar* at, const wchar* end) { return run_double(at, end, value); },
+             [&] { return read_double(source_, value); });
 }
 
 void ListInStream::get(GUID& id) {
@@ -110,27 +142,36 @@ void ListInStream::get(GUID& id) {
 }
 
 void ListInStream::get(Numeric& number) {
-    skipGap();
-    require(number.fromStream(in_));
-    commaExpected_ = true;
+    getToken([&](const wchar* at, const wchar* end) { return run_numeric(at, end, number); },
+             [&] { return number.fromStream(in_); });
 }
 
 void ListInStream::get(Date& date) {
-    skipGap();
-    require(date.fromStream(in_));
-    commaExpected_ = true;
+    getToken([&](const wchar* at, const wchar* end) { return run_date(at, end, date); },
+             [&] { return date.fromStream(in_); });
 }
 
 void ListInStream::get(wstring& text) {
-    skipGap();
-    require(read_string(source_, text));
-    commaExpected_ = true;
+    getToken(
+        [&](const wchar* at, const wchar* end) {
+            wstring_view read;
+            if ((at = run_string(at, end, read)) != nullptr)
+                text.assign(read);
+            return at;
+        },
+        [&] { return read_string(source_, text); });
 }
 
 void ListInStream::get(wchar* buffer, std::uint32_t size) {
-    skipGap();
-    require(read_string(source_, buffer, size));
-    commaExpected_ = true;
+    getToken(
+        [&](const wchar* at, const wchar* end) -> const wchar* {
+            wstring_view read;
+            if ((at = run_string(at, end, read)) == nullptr || read.size() >= size)
+                return nullptr;
+            *std::copy(read.begin(), read.end(), buffer) = u'\0';
+            return at;
+        },
+        [&] { return read_string(source_, buffer, size); });
 }
 
 void ListInStream::get(wstring& text, const wchar* expected) {

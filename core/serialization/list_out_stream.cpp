@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/serialization/token_write.h"
+#include "core/serialization/unit_scan.h"
 
 #include <core/serialization/list_out_stream.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace core {
@@ -10,14 +12,26 @@ namespace core {
 using namespace detail;
 
 void ListOutStream::putBeginOfList() {
-    putComma();
+    sink_.format<3>([this](wchar* at) {
+        if (commaPending_)
+            *at++ = u',';
+        if (!atStart_)
+            *at++ = u'\n';
+        *at++ = u'{';
+        return at;
+    });
+    commaPending_ = false;
     justClosed_ = false;
-    sink_.write(atStart_ ? u"{" : u"\n{");
     atStart_ = false;
 }
 
 void ListOutStream::putEndOfList() {
-    sink_.write(justClosed_ ? u"\n}" : u"}");
+    sink_.format<2>([this](wchar* at) {
+        if (justClosed_)
+            *at++ = u'\n';
+        *at++ = u'}';
+        return at;
+    });
     justClosed_ = true;
     commaPending_ = true;
     atStart_ = false;
@@ -55,20 +69,35 @@ void ListOutStream::put(const Date& date) {
 
 void ListOutStream::put(const Numeric& number) {
     constexpr std::size_t kUsual = 48;
-    std::size_t size = 0;
-    wchar text[kUsual];
-    size = number.toString(text, kUsual);
-    putComma();
-    if (size <= kUsual)
-        sink_.write({text, size});
-    else
+    const bool written = sink_.formatInPlace(kUsual + 1, [&](wchar* at) {
+        if (commaPending_)
+            *at++ = u',';
+        const std::size_t size = number.toString(at, kUsual);
+        return size <= kUsual ? at + size : nullptr;
+    });
+    if (!written) {
+        putComma();
         sink_.write(number.toString());
+    }
     endToken();
 }
 
 void ListOutStream::put(wstring_view text) {
-    putComma();
-    write_string(sink_, text);
+    const bool written = sink_.formatInPlace(text.size() + 3, [&](wchar* at) -> wchar* {
+        const wchar* const end = text.data() + text.size();
+        if (find_unit<EndsPlainWrite>(text.data(), end) != end)
+            return nullptr;
+        if (commaPending_)
+            *at++ = u',';
+        *at++ = u'"';
+        at = std::copy(text.data(), end, at);
+        *at++ = u'"';
+        return at;
+    });
+    if (!written) {
+        putComma();
+        write_string(sink_, text);
+    }
     endToken();
 }
 

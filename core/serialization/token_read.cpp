@@ -2,6 +2,7 @@
 #include "core/serialization/token_read.h"
 
 #include "core/runtime/hex_digit.h"
+#include "core/serialization/unit_scan.h"
 
 #include <core/serialization/token.h>
 
@@ -16,7 +17,7 @@ namespace {
 constexpr int kEnd = UnitSource::kEnd;
 
 int digit_of(int unit) noexcept {
-    return unit == kEnd ? -1 : digit(static_cast<wchar>(unit));
+    return unit == kEnd ? -1 : core::digit(static_cast<wchar>(unit));
 }
 
 /// A string of any length.
@@ -42,12 +43,6 @@ class LimitedText {
     wchar* at_;
     wchar* end_;
 };
-
-/// The end of the units that stand for themselves, for one reason or another.
-const wchar* plain_end(wstring_view units) noexcept {
-    return std::find_if(units.data(), units.data() + units.size(),
-                        [](wchar unit) { return unit == u'"' || unit == UnitSource::kEndUnit; });
-}
 
 enum class AfterQuote { unit, closed, malformed };
 
@@ -78,7 +73,7 @@ bool read_quoted(UnitSource& source, Text text) {
     while (text.room() != 0) {
         if (TextBuffer* const runs = source.runs(); runs != nullptr && runs->fill()) {
             const wstring_view run = runs->atHand().substr(0, text.room());
-            const wchar* const end = plain_end(run);
+            const wchar* const end = find_unit<EndsPlainRead>(run.data(), run.data() + run.size());
             text.append({run.data(), end});
             runs->readTo(end);
             if (end == run.data() + run.size())

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/serialization/token_write.h"
 
+#include "core/serialization/unit_scan.h"
+
 #include <core/serialization/token.h>
 
 #include <algorithm>
@@ -18,45 +20,6 @@ wchar* format_integer(wchar* out, bool negative, std::uint64_t magnitude) noexce
     return std::copy(digits, std::to_chars(digits, digits + sizeof digits, magnitude).ptr, out);
 }
 
-wchar* format_double(wchar* out, double value) noexcept {
-    if (value == 0) {
-        *out++ = u'0';
-        return out;
-    }
-    if (value < 0)
-        *out++ = u'-';
-    // "d.ddddddddddddddde-308": sixteen digits, correctly rounded.
-    constexpr int kDigits = 16;
-    char text[32];
-    const char* const text_end =
-        std::to_chars(text, text + sizeof text, std::fabs(value), std::chars_format::scientific, kDigits - 1)
-            .ptr;
-    char* const digits = text + 1;
-    digits[0] = text[0]; // over the point: the digits in one piece
-    const char* const mark = digits + kDigits;
-    int exponent = 0;
-    std::from_chars(mark + (mark[1] == '+' ? 2 : 1), text_end, exponent);
-    const char* digits_end = mark;
-    while (digits_end[-1] == '0')
-        --digits_end;
-
-    const auto with_point = [&](int before) {
-        out = std::copy(digits, digits + before, out);
-        if (digits + before != digits_end) {
-            *out++ = u'.';
-            out = std::copy(static_cast<const char*>(digits) + before, digits_end, out);
-        }
-    };
-    const int point = exponent + 1;
-    if (point > 0 && point <= digits_end - digits) {
-        with_point(point);
-        return out;
-    }
-    with_point(1);
-    *out++ = u'e';
-    return format_integer(out, exponent < 0, static_cast<std::uint64_t>(std::abs(exponent)));
-}
-
 wstring_view terminated(const wchar* text, std::size_t length) noexcept {
     const wchar* const null = std::char_traits<wchar>::find(text, length, u'\0');
     return {text, null == nullptr ? length : static_cast<std::size_t>(null - text)};
@@ -67,8 +30,7 @@ void write_string(UnitSink& sink, wstring_view text) {
     const wchar* at = text.data();
     const wchar* const end = at + text.size();
     for (;;) {
-        const wchar* const special =
-            std::find_if(at, end, [](wchar unit) { return unit == u'"' || !is_allowed_char(unit); });
+        const wchar* const special = find_unit<EndsPlainWrite>(at, end);
         sink.write({at, special});
         if (special == end)
             break;

@@ -10,7 +10,7 @@
 namespace core::detail {
 
 inline constexpr std::size_t kIntegerUnits = 20;
-inline constexpr std::size_t kDoubleUnits = 24;
+inline constexpr std::size_t kDoubleUnits = 40; // of which 24 are used; the rest is written over
 
 wchar* format_integer(wchar* out, bool negative, std::uint64_t magnitude) noexcept;
 /// `value` is finite.

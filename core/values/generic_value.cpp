@@ -84,7 +84,7 @@ void serialize_value(IOutPersistenceStorage* storage, const Value& value) {
     ListOutStream& out = storage->listStream();
     out.putBeginOfList();
     const wchar tag = tag_of(value.kind());
-    out.put(&tag, 1);
+    out.put(wstring_view(&tag, 1));
     switch (value.kind()) {
     case ValueKind::undefined:
     case ValueKind::null:

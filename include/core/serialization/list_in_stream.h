@@ -51,6 +51,10 @@ class CORE_API ListInStream {
     void skipGap();
 
   private:
+    template <class Read>
+    bool readInRun(bool gap, Read read);
+    template <class InRun, class Read>
+    void getToken(InRun inRun, Read read);
     void require(bool read) {
         if (!read)
             fail();

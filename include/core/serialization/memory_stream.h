@@ -3,10 +3,13 @@
 
 #include <core/serialization/text_buffer.h>
 
+#include <array>
 #include <concepts>
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 /// Streams over text in memory, which is neither copied in nor out.
 namespace core {
@@ -21,21 +24,22 @@ class MemoryInBuffer final : public TextBuffer {
     }
 };
 
+/// Keeps what is written in pieces, so that nothing is moved while the text grows.
 class CORE_API MemoryOutBuffer final : public TextBuffer {
   public:
+    MemoryOutBuffer() { reset(); }
     [[nodiscard]] wstring take();
 
   protected:
     int_type overflow(int_type unit) override;
-    std::streamsize xsputn(const wchar* units, std::streamsize count) override;
 
   private:
-    void grow(std::size_t more);
-    [[nodiscard]] std::size_t used() const noexcept {
-        return text_.empty() ? 0 : static_cast<std::size_t>(pptr() - text_.data());
-    }
+    static constexpr std::size_t kPiece = 32 * 1024;
 
-    wstring text_; // written up to pptr(), room behind
+    void reset() noexcept { setp(first_.data(), first_.data() + first_.size()); }
+
+    std::array<wchar, 512> first_; // all that a small text needs
+    std::vector<std::unique_ptr<wchar[]>> more_;
 };
 
 } // namespace detail

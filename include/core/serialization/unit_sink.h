@@ -29,14 +29,21 @@ class UnitSink {
     /// Writes what `format` writes, up to `limit` units: it is given where they go and returns their end.
     template <std::size_t limit, class Format>
     void format(Format format) {
-        if (!out_.good())
+        if (formatInPlace(limit, format) || !out_.good())
             return;
-        if (runs_ != nullptr && runs_->hasRoom(limit)) {
-            runs_->wroteTo(format(runs_->writeBegin()));
-            return;
-        }
         std::array<wchar, limit> units;
         writePlain({units.data(), format(units.data())});
+    }
+    /// The same, if the buffer has room for `limit` units and `format` does not give up by returning null;
+    /// else nothing is written and the answer is false.
+    template <class Format>
+    [[nodiscard]] bool formatInPlace(std::size_t limit, Format format) {
+        if (runs_ == nullptr || !runs_->hasRoom(limit) || !out_.good())
+            return false;
+        wchar* const end = format(runs_->writeBegin());
+        if (end != nullptr)
+            runs_->wroteTo(end);
+        return end != nullptr;
     }
 
   private:
