@@ -30,19 +30,19 @@ ClassTable::ClassTable() noexcept {
 
 namespace detail {
 
-bool is_space(wchar c) noexcept {
+bool is_wide_space(wchar c) noexcept {
     return ClassTable::instance().has(c, ClassTable::kSpace);
 }
 
-bool is_alpha(wchar c) noexcept {
+bool is_wide_alpha(wchar c) noexcept {
     return ClassTable::instance().has(c, ClassTable::kAlpha);
 }
 
-bool is_alnum(wchar c) noexcept {
+bool is_wide_alnum(wchar c) noexcept {
     return ClassTable::instance().has(c, ClassTable::kAlpha | ClassTable::kDigit);
 }
 
-int digit(wchar c) noexcept {
+int wide_digit(wchar c) noexcept {
     const ClassTable& table = ClassTable::instance();
     return table.has(c, ClassTable::kDigit) ? table.digitValue(c) : -1;
 }

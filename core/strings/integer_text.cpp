@@ -15,7 +15,7 @@ constexpr bool is_radix(unsigned radix) noexcept {
 
 // The value of a digit in any radix; a number above all of them for what is no digit.
 unsigned digit_value(wchar c) noexcept {
-    if (const int value = core::digit(c); value >= 0)
+    if (const int value = digit(c); value >= 0)
         return static_cast<unsigned>(value);
     if (c >= 'a' && c <= 'z')
         return static_cast<unsigned>(c - 'a') + 10;

@@ -27,27 +27,27 @@ namespace core {
 }
 
 namespace detail {
-CORE_API bool is_space(wchar c) noexcept;
-CORE_API bool is_alpha(wchar c) noexcept;
-CORE_API bool is_alnum(wchar c) noexcept;
-CORE_API int digit(wchar c) noexcept;
+CORE_API bool is_wide_space(wchar c) noexcept;
+CORE_API bool is_wide_alpha(wchar c) noexcept;
+CORE_API bool is_wide_alnum(wchar c) noexcept;
+CORE_API int wide_digit(wchar c) noexcept;
 constexpr bool is_ascii(wchar c) noexcept {
     return c < 0x80;
 }
 } // namespace detail
 
 [[nodiscard]] inline bool is_space(wchar c) noexcept {
-    return detail::is_ascii(c) ? is_space(static_cast<char>(c)) : detail::is_space(c);
+    return detail::is_ascii(c) ? is_space(static_cast<char>(c)) : detail::is_wide_space(c);
 }
 [[nodiscard]] inline bool is_alpha(wchar c) noexcept {
-    return detail::is_ascii(c) ? is_alpha(static_cast<char>(c)) : detail::is_alpha(c);
+    return detail::is_ascii(c) ? is_alpha(static_cast<char>(c)) : detail::is_wide_alpha(c);
 }
 [[nodiscard]] inline bool is_alnum(wchar c) noexcept {
-    return detail::is_ascii(c) ? is_alnum(static_cast<char>(c)) : detail::is_alnum(c);
+    return detail::is_ascii(c) ? is_alnum(static_cast<char>(c)) : detail::is_wide_alnum(c);
 }
 /// The value of a decimal digit of any script, 0 to 9; -1 for anything else.
 [[nodiscard]] inline int digit(wchar c) noexcept {
-    return detail::is_ascii(c) ? digit(static_cast<char>(c)) : detail::digit(c);
+    return detail::is_ascii(c) ? digit(static_cast<char>(c)) : detail::wide_digit(c);
 }
 [[nodiscard]] inline bool is_digit(wchar c) noexcept {
     return digit(c) >= 0;

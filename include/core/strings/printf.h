@@ -25,7 +25,7 @@
 namespace core {
 
 /// One argument. It borrows texts; they live as long as the call.
-class CORE_API PrintfArgument {
+class PrintfArgument {
   public:
     struct Integer {
         std::int64_t asSigned;
