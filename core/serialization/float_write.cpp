@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/numbers/digit_text.h"
 #include "core/serialization/token_write.h"
 
 #include <algorithm>
@@ -36,9 +35,7 @@ struct Sixteen {
         static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                              1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-        constexpr std::uint64_t kHalf = 100'000'000; // of the digits
-        constexpr std::uint64_t kTop = kHalf * kHalf;
-        constexpr auto kLimit = static_cast<double>(kTop);
+        constexpr double kLimit = 1e16;
         if (!(value >= 1e-6 && value < 1e15))
             return false;
         // At most one too small: 1233 / 4096 is just below the logarithm of 2.
@@ -56,10 +53,8 @@ struct Sixteen {
             return false;
         whole += fraction > 0.5 ? 1 : 0;
         whole -= fraction < -0.5 ? 1 : 0;
-        if (whole >= kTop)
-            return false;
-        limbs::write_digits(digits, static_cast<limbs::Limb>(whole / kHalf), kDigits / 2);
-        limbs::write_digits(digits + kDigits / 2, static_cast<limbs::Limb>(whole % kHalf), kDigits / 2);
+        if (std::to_chars(digits, digits + kDigits, whole).ec != std::errc())
+            return false; // rounded up to 10^16
         point = exponent + 1;
         return true;
     }
