@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Concerns: bounds that differ between Insert and the others; what counts as an index; failed calls that change
-// nothing; making arrays from sizes and from each other; walks that nothing disturbs; letting go of deep ones.
+// Concerns: bounds that differ between Insert and the others; what counts as an index; failed calls that
+// change nothing; making arrays from sizes and from each other; walks that nothing disturbs; letting go of
+// deep ones.
 #include "tests/collections/script.h"
 
 #include <random>
@@ -37,7 +38,8 @@ TEST_F(Arrays, IndexesAreNumbersCutToWholeOnesWithinBounds) {
     const Numeric huge = Numeric(10).pow(Numeric(30));
     EXPECT_TRUE(call(array, u"Get", {1.9}).equals(20));
     EXPECT_TRUE(call(array, u"Get", {-0.5}).equals(10));
-    for (const GenericValue& index : Arguments{-1, 3, 1e10, 4294967296, 2147483648U, -huge, huge, huge + 0.5}) {
+    for (const GenericValue& index :
+         Arguments{-1, 3, 1e10, 4294967296, 2147483648U, -huge, huge, huge + 0.5}) {
         for (const wchar* method : {u"Get", u"Delete"})
             EXPECT_EQ(failure([&] { call(array, method, {index}); }), bad_index());
         EXPECT_EQ(failure([&] { call(array, u"Set", {index, 5}); }), bad_index());
@@ -137,7 +139,8 @@ TEST_F(Arrays, AreMadeFromSizesAndFromEachOther) {
     ASSERT_TRUE(call(first, u"Count").equals(3));
     EXPECT_TRUE(call(first, u"Get", {2}).isUndefined());
     call(first, u"Set", {0, 7});
-    EXPECT_TRUE(call(call(table, u"Get", {1}), u"Get", {0}).isUndefined()) << "each row is an array of its own";
+    EXPECT_TRUE(call(call(table, u"Get", {1}), u"Get", {0}).isUndefined())
+        << "each row is an array of its own";
 
     const GenericValue source = numbers({1, 2, 3});
     const GenericValue fixed = make(u"FixedArray", {source});

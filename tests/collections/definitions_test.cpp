@@ -21,9 +21,11 @@ struct Row {
 };
 
 const Row kArray[] = {
-    {{u"Count", u"Количество"}, 0, true}, {{u"UBound", u"ВГраница"}, 0, true}, {{u"Insert", u"Вставить"}, 2, false},
-    {{u"Add", u"Добавить"}, 1, false},    {{u"Delete", u"Удалить"}, 1, false}, {{u"Clear", u"Очистить"}, 0, false},
-    {{u"Get", u"Получить"}, 1, true},     {{u"Set", u"Установить"}, 2, false}, {{u"Find", u"Найти"}, 1, true},
+    {{u"Count", u"Количество"}, 0, true}, {{u"UBound", u"ВГраница"}, 0, true},
+    {{u"Insert", u"Вставить"}, 2, false}, {{u"Add", u"Добавить"}, 1, false},
+    {{u"Delete", u"Удалить"}, 1, false},  {{u"Clear", u"Очистить"}, 0, false},
+    {{u"Get", u"Получить"}, 1, true},     {{u"Set", u"Установить"}, 2, false},
+    {{u"Find", u"Найти"}, 1, true},
 };
 const Row kFixedArray[] = {{{u"Count", u"Количество"}, 0, true},
                            {{u"UBound", u"ВГраница"}, 0, true},
@@ -47,17 +49,26 @@ TEST_F(Definitions, MethodsHaveTheirNumbers) {
         Term names;
         std::span<const Row> rows;
     } cases[] = {
-        {"51e7a0d2-530b-11d4-b98a-008048da3034", "1bb40b60-bbfa-11d5-a3c1-0050bae0a776", {u"Array", u"Массив"}, kArray},
+        {"51e7a0d2-530b-11d4-b98a-008048da3034",
+         "1bb40b60-bbfa-11d5-a3c1-0050bae0a776",
+         {u"Array", u"Массив"},
+         kArray},
         {"4500381b-db30-4a10-9db4-990038032acf",
          "96153e21-444d-4b23-91a9-25a2483f7e45",
          {u"FixedArray", u"ФиксированныйМассив"},
          kFixedArray},
-        {"3d48feae-a9c6-4c5a-a099-9eb6477630c6", "ca8cb955-479c-4fae-819c-d7cd6b78d678", {u"Map", u"Соответствие"}, kMap},
+        {"3d48feae-a9c6-4c5a-a099-9eb6477630c6",
+         "ca8cb955-479c-4fae-819c-d7cd6b78d678",
+         {u"Map", u"Соответствие"},
+         kMap},
         {"4238019d-7e49-4fc9-91db-b6b951d5cf8e",
          "c6bdae87-2280-4624-af03-2c1b4371b2e4",
          {u"Structure", u"Структура"},
          kStructure},
-        {"850afa6f-5244-482f-9729-d78ec65ff607", "556b08ab-8ef5-4635-9698-c19f7e52aaf3", {u"KeyAndValue", u"КлючИЗначение"}, {}},
+        {"850afa6f-5244-482f-9729-d78ec65ff607",
+         "556b08ab-8ef5-4635-9698-c19f7e52aaf3",
+         {u"KeyAndValue", u"КлючИЗначение"},
+         {}},
     };
     for (const auto& c : cases) {
         const Type type(c.names[kRussian]);
@@ -117,8 +128,8 @@ TEST_F(Definitions, NoIdAndNoTypeNameIsDeclaredTwice) {
     }
 }
 
-/// Every object that a script can meet: both names of every property and method lead back to its number, which no
-/// other name equal in another case would.
+/// Every object that a script can meet: both names of every property and method lead back to its number,
+/// which no other name equal in another case would.
 TEST_F(Definitions, NoTwoNamesOfAnObjectAreEqual) {
     int objects = 0;
     for (const SCOM_Module* module : registered_modules()) {

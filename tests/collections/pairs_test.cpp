@@ -85,14 +85,30 @@ TEST_F(Pairs, AMapTakesAnyKeyAndTellsKindsApart) {
     const GenericValue map = make(u"Map");
     const GenericValue object = make(u"Array");
     const Numeric ten = 10;
-    const Arguments keys = {GenericValue(), Value::null(),          false,
-                            true,           0,                      1,
-                            u"1",           u"",                    u"one",
-                            u"One",         Date(),                 Date(1),
-                            object,         make(u"Map"),           Type(Type::number),
-                            0.5,            -1,                     ten.pow(18),
-                            ten.pow(40),    Type(Type::string),     Date(~std::uint64_t{0}),
-                            ten.pow(9),     ten.pow(18) - 1 + 0.25, -ten.pow(17)};
+    const Arguments keys = {GenericValue(),
+                            Value::null(),
+                            false,
+                            true,
+                            0,
+                            1,
+                            u"1",
+                            u"",
+                            u"one",
+                            u"One",
+                            Date(),
+                            Date(1),
+                            object,
+                            make(u"Map"),
+                            Type(Type::number),
+                            0.5,
+                            -1,
+                            ten.pow(18),
+                            ten.pow(40),
+                            Type(Type::string),
+                            Date(~std::uint64_t{0}),
+                            ten.pow(9),
+                            ten.pow(18) - 1 + 0.25,
+                            -ten.pow(17)};
     for (std::size_t i = 0; i < keys.size(); ++i)
         call(map, u"Insert", {keys[i], i});
     EXPECT_TRUE(call(map, u"Count").equals(keys.size()));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Concerns: the exact text of every collection; reading back what was written, in order; malformed bodies that
-// leave the object as it was; nesting at the limit and beyond it.
+// Concerns: the exact text of every collection; reading back what was written, in order; malformed bodies
+// that leave the object as it was; nesting at the limit and beyond it.
 #include "tests/collections/script.h"
 
 #include <core/serialization/list_in_stream.h>
@@ -28,8 +28,9 @@ TEST_F(Persistence, BodiesAreCountsAndElements) {
         {make(u"FixedArray", {make(u"Array")}), u"{\"#\",96153e21-444d-4b23-91a9-25a2483f7e45,\n{0}\n}"},
         {structure, u"{\"#\",c6bdae87-2280-4624-af03-2c1b4371b2e4,\n{2,\n{\n{\"S\",\"b\"},\n{\"B\",1}\n},\n"
                     u"{\n{\"S\",\"A\"},\n{\"U\"}\n}\n}\n}"},
-        {map, u"{\"#\",ca8cb955-479c-4fae-819c-d7cd6b78d678,\n{1,\n{\n{\"U\"},\n"
-              u"{\"#\",1bb40b60-bbfa-11d5-a3c1-0050bae0a776,\n{2,\n{\"N\",1.5},\n{\"S\",\"x\"}\n}\n}\n}\n}\n}"},
+        {map,
+         u"{\"#\",ca8cb955-479c-4fae-819c-d7cd6b78d678,\n{1,\n{\n{\"U\"},\n"
+         u"{\"#\",1bb40b60-bbfa-11d5-a3c1-0050bae0a776,\n{2,\n{\"N\",1.5},\n{\"S\",\"x\"}\n}\n}\n}\n}\n}"},
         {walk(structure)[0],
          u"{\"#\",556b08ab-8ef5-4635-9698-c19f7e52aaf3,\n{\n{\"S\",\"b\"},\n{\"B\",1}\n}\n}"},
     };
@@ -74,7 +75,9 @@ TEST_F(Persistence, AMalformedBodyChangesNothing) {
         const wchar* type;
         std::vector<wstring> bodies;
     } cases[] = {
-        {u"Array", {u"{}", u"{-1}", u"{1}", u"{0,{\"U\"}}", u"{2,{\"U\"}}", u"{1000000000000,{\"U\"}}", u"{1,2}", u"{1,{\"X\"}}"}},
+        {u"Array",
+         {u"{}", u"{-1}", u"{1}", u"{0,{\"U\"}}", u"{2,{\"U\"}}", u"{1000000000000,{\"U\"}}", u"{1,2}",
+          u"{1,{\"X\"}}"}},
         {u"Structure",
          {u"{-1}", u"{1,{{\"N\",1},{\"U\"}}}", u"{1,{{\"S\",\"a b\"},{\"U\"}}}", u"{1,{{\"S\",\"a\"}}}",
           u"{2,{{\"S\",\"a\"},{\"U\"}},{{\"S\",\"A\"},{\"U\"}}}", u"{1,{{\"S\",\"a\"},{\"U\"},{\"U\"}}}"}},
