@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+// Script values beside QVariant and nlohmann::json: making and destroying one, copying and reading a thousand
+// mixed ones.
+#include <core/values.h>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QString>
+#include <QtCore/QVariant>
+#include <benchmark/benchmark.h>
+#include <nlohmann/json.hpp>
+
+#include <random>
+#include <vector>
+
+namespace {
+
+using core::Value;
+using nlohmann::json;
+
+constexpr std::size_t kCount = 1000;
+constexpr char16_t kText[] = u"twelve chars";
+constexpr int kLength = 12;
+
+/// A third numbers, a third strings, the rest true, false and nothing.
+template <class T, class Number, class String, class Boolean, class Nothing>
+std::vector<T> mixed(Number number, String string, Boolean boolean, Nothing nothing) {
+    std::mt19937 random(1);
+    std::vector<T> values;
+    for (std::size_t i = 0; i < kCount; ++i) {
+        const auto dice = random() % 9;
+        values.push_back(dice < 3   ? number(static_cast<int>(random() % 1'000'000))
+                         : dice < 6 ? string("text " + std::to_string(random() % 1'000'000))
+                         : dice < 8 ? boolean(dice == 6)
+                                    : nothing());
+    }
+    return values;
+}
+
+const std::vector<Value>& our_values() {
+    static const auto values =
+        mixed<Value>([](int n) { return Value(n); },
+                     [](const std::string& s) { return Value(std::u16string(s.begin(), s.end())); },
+                     [](bool b) { return Value(b); }, [] { return Value(); });
+    return values;
+}
+const std::vector<QVariant>& qt_values() {
+    static const auto values =
+        mixed<QVariant>([](int n) { return QVariant(n); },
+                        [](const std::string& s) { return QVariant(QString::fromStdString(s)); },
+                        [](bool b) { return QVariant(b); }, [] { return QVariant(); });
+    return values;
+}
+const std::vector<json>& json_values() {
+    static const auto values =
+        mixed<json>([](int n) { return json(n); }, [](const std::string& s) { return json(s); },
+                    [](bool b) { return json(b); }, [] { return json(); });
+    return values;
+}
+
+void number_ours(benchmark::State& state) {
+    int n = 1;
+    for (auto _ : state) {
+        const Value value(n);
+        benchmark::DoNotOptimize(&value);
+        n += 7;
+    }
+}
+void number_qvariant(benchmark::State& state) {
+    int n = 1;
+    for (auto _ : state) {
+        const QVariant value(n);
+        benchmark::DoNotOptimize(&value);
+        n += 7;
+    }
+}
+
+void string_ours(benchmark::State& state) {
+    for (auto _ : state) {
+        const Value value(core::wstring_view(kText, kLength));
+        benchmark::DoNotOptimize(&value);
+    }
+}
+void string_qvariant(benchmark::State& state) {
+    for (auto _ : state) {
+        const QVariant value(QString::fromUtf16(kText, kLength));
+        benchmark::DoNotOptimize(&value);
+    }
+}
+
+template <class T>
+void copy_all(benchmark::State& state, const std::vector<T>& values) {
+    std::vector<T> copies;
+    copies.reserve(kCount);
+    for (auto _ : state) {
+        copies.assign(values.begin(), values.end());
+        benchmark::DoNotOptimize(copies.data());
+        copies.clear();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kCount));
+}
+void copy_ours(benchmark::State& state) {
+    copy_all(state, our_values());
+}
+void copy_qvariant(benchmark::State& state) {
+    copy_all(state, qt_values());
+}
+void copy_json(benchmark::State& state) {
+    copy_all(state, json_values());
+}
+
+/// Adds up the numbers, the lengths of the strings and the trues.
+template <class T, class Read>
+void read_all(benchmark::State& state, const std::vector<T>& values, Read read) {
+    for (auto _ : state) {
+        std::int64_t sum = 0;
+        for (const T& value : values)
+            sum += read(value);
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kCount));
+}
+void read_ours(benchmark::State& state) {
+    read_all(state, our_values(), [](const Value& value) -> std::int64_t {
+        if (const core::Numeric* const number = value.asNumeric())
+            return static_cast<std::int64_t>(*number);
+        if (const core::wstring_view* const text = value.asString())
+            return static_cast<std::int64_t>(text->size());
+        return value.isTrue() ? 1 : 0;
+    });
+}
+void read_qvariant(benchmark::State& state) {
+    read_all(state, qt_values(), [](const QVariant& value) -> std::int64_t {
+        switch (value.userType()) {
+        case QMetaType::Int:
+            return value.toInt();
+        case QMetaType::QString:
+            return value.toString().size();
+        case QMetaType::Bool:
+            return value.toBool() ? 1 : 0;
+        default:
+            return 0;
+        }
+    });
+}
+void read_json(benchmark::State& state) {
+    read_all(state, json_values(), [](const json& value) -> std::int64_t {
+        if (value.is_number_integer())
+            return value.get<std::int64_t>();
+        if (value.is_string())
+            return static_cast<std::int64_t>(value.get_ref<const std::string&>().size());
+        return value.is_boolean() && value.get<bool>() ? 1 : 0;
+    });
+}
+
+BENCHMARK(number_ours);
+BENCHMARK(number_qvariant);
+BENCHMARK(string_ours);
+BENCHMARK(string_qvariant);
+BENCHMARK(copy_ours);
+BENCHMARK(copy_qvariant);
+BENCHMARK(copy_json);
+BENCHMARK(read_ours);
+BENCHMARK(read_qvariant);
+BENCHMARK(read_json);
+
+} // namespace
