@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/program.h"
 
+#include "host/commands/commands.h"
+
 #include <core/runtime/exceptions.h>
+#include <host/host_process.h>
 
 #include <CLI/CLI.hpp>
 
@@ -32,13 +35,24 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
         ->type_name("en|ru")
         ->transform(CLI::CheckedTransformer(
             std::map<std::string, Language>{{"en", Language::english}, {"ru", Language::russian}}));
+    Action action;
+    add_run_command(app, console, action);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 wants
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& e) {
         return app.exit(e, console.out, console.err) == 0 ? ExitCode::done : ExitCode::usage;
     }
-    return ExitCode::usage;
+    core::Settings settings;
+    settings.locale = core::Locale(console.language == Language::russian ? "ru" : "en");
+    const HostProcess process(settings);
+    try {
+        return action();
+    } catch (const core::FileException& e) {
+        return fail(console, e.what(), ExitCode::io);
+    } catch (const core::Exception& e) {
+        return fail(console, e.what(), ExitCode::malformed);
+    }
 }
 
 } // namespace
@@ -47,8 +61,6 @@ ExitCode run_program(std::vector<std::string> arguments, Console& console) {
     ExitCode code = ExitCode::internal;
     try {
         code = parse_and_run(std::move(arguments), console);
-    } catch (const core::FileException& e) {
-        return fail(console, e.what(), ExitCode::io);
     } catch (const std::exception& e) {
         return fail(console, e.what(), ExitCode::internal);
     }

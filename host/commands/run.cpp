@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/commands.h"
+#include "host/script/functions.h"
+#include "host/script/interpreter.h"
+#include "host/script/parser.h"
+#include "host/script/text_files.h"
+
+#include <core/runtime/utf8.h>
+
+#include <CLI/CLI.hpp>
+
+#include <csignal>
+#include <memory>
+#include <ostream>
+#include <string>
+
+namespace host {
+namespace {
+
+script::Interpreter* running = nullptr;
+
+/// Lets Ctrl-C end the script rather than the program while it lives, so that files are closed and the error
+/// says where it stopped.
+class InterruptScope {
+  public:
+    explicit InterruptScope(script::Interpreter& interpreter) {
+        running = &interpreter;
+        before_ = std::signal(SIGINT, [](int) { running->interrupt(); });
+    }
+    InterruptScope(const InterruptScope&) = delete;
+    InterruptScope& operator=(const InterruptScope&) = delete;
+    ~InterruptScope() {
+        std::signal(SIGINT, before_);
+        running = nullptr;
+    }
+
+  private:
+    void (*before_)(int);
+};
+
+ExitCode run_file(const std::string& file, Console& console) {
+    const auto source =
+        std::make_shared<const script::Source>(file, script::load_text(core::from_utf8(file)));
+    try {
+        script::Variables variables;
+        const script::Program program = script::parse(source, variables);
+        script::Interpreter interpreter(script::create_globals(console.out), variables);
+        const InterruptScope interrupts(interpreter);
+        interpreter.run(program);
+    } catch (const script::ScriptError& error) {
+        console.out.flush();
+        script::show_error(console.err, *source, error, console.colour);
+        return ExitCode::malformed;
+    }
+    return ExitCode::done;
+}
+
+} // namespace
+
+void add_run_command(CLI::App& app, Console& console, Action& action) {
+    auto* const command = app.add_subcommand("run", "Run a script");
+    const auto file = std::make_shared<std::string>();
+    command->add_option("file", *file, "The script")->required();
+    command->callback(
+        [file, &console, &action] { action = [file, &console] { return run_file(*file, console); }; });
+}
+
+} // namespace host

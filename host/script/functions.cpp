@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/script/functions.h"
+
+#include "host/script/json.h"
+#include "host/script/text_files.h"
+
+#include <core/context/context_impl.h>
+#include <core/context/core_general_context.h>
+#include <core/context/enumeration.h>
+#include <core/context/group_context.h>
+#include <core/runtime/clock.h>
+#include <core/runtime/error.h>
+#include <core/runtime/process.h>
+#include <core/runtime/utf8.h>
+#include <core/strings/letter_case.h>
+#include <core/strings/trim.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ostream>
+
+namespace host::script {
+
+using namespace core;
+
+namespace {
+
+using Args = std::span<GenericValue>;
+
+wstring_view text_argument(Args arguments, int param) {
+    const wstring_view* const text = arguments[static_cast<std::size_t>(param)].asString();
+    if (text == nullptr)
+        parameter_type_mismatch(param);
+    return *text;
+}
+
+Numeric number_argument(Args arguments, int param) {
+    Numeric number;
+    if (!arguments[static_cast<std::size_t>(param)].getNumeric(number))
+        parameter_type_mismatch(param);
+    return number;
+}
+
+/// A count or position: cut to a whole number, not below 0 and not above `most`.
+std::size_t count_argument(Args arguments, int param, std::size_t most) {
+    const Numeric number = number_argument(arguments, param);
+    if (number.sign() <= 0)
+        return 0;
+    return number.compare(Numeric(most)) >= 0 ? most : static_cast<std::size_t>(number);
+}
+
+bool given(const GenericValue& value) {
+    return !value.isUndefined();
+}
+
+constexpr Param kOptional{.byDefault = ParamDefault::undefined};
+constexpr Param kPrint[] = {{.byDefault = ParamDefault::emptyString}};
+constexpr Param kFromJson[] = {{}, {.byDefault = ParamDefault::falseValue}};
+constexpr Param kTextAndOptional[] = {{}, kOptional};
+constexpr Param kMid[] = {{}, {}, kOptional};
+
+class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>> {
+  public:
+    using Interfaces = InterfaceList<IContext_, IContextDef>;
+
+    explicit HostFunctions(std::ostream& out) : out_(out), start_(std::chrono::steady_clock::now()) {}
+
+    static std::span<const Property<HostFunctions>> properties() noexcept { return {}; }
+    static std::span<const Method<HostFunctions>> methods() noexcept;
+
+    // output and forms
+    GenericValue print(Args a) {
+        out_ << to_utf8(a[0].presentation()) << '\n';
+        return {};
+    }
+    GenericValue fromText(Args a) { return GenericValue::fromString(text_argument(a, 0)); }
+    GenericValue toText(Args a) {
+        wstring text;
+        a[0].toString(text);
+        return GenericValue(text);
+    }
+    GenericValue fromJson(Args a) {
+        return from_json(to_utf8(text_argument(a, 0)), a[1].isTrue() ? Objects::maps : Objects::structures);
+    }
+    GenericValue toJson(Args a) {
+        const std::size_t indent = given(a[1]) ? count_argument(a, 1, 16) : 0;
+        return GenericValue(from_utf8(to_json(a[0], static_cast<int>(indent))));
+    }
+    GenericValue loadText(Args a) { return GenericValue(load_text(text_argument(a, 0))); }
+    GenericValue saveText(Args a) {
+        save_text(text_argument(a, 0), text_argument(a, 1));
+        return {};
+    }
+
+    // dates and time
+    GenericValue currentDate(Args) { return GenericValue(Date::getCurrentDate()); }
+    GenericValue elapsed(Args) {
+        const auto time =
+            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start_);
+        return GenericValue(Numeric(time.count()) / Numeric(1000));
+    }
+
+    // texts
+    GenericValue length(Args a) { return GenericValue(text_argument(a, 0).size()); }
+    GenericValue left(Args a) {
+        const wstring_view text = text_argument(a, 0);
+        return GenericValue(text.substr(0, count_argument(a, 1, text.size())));
+    }
+    GenericValue mid(Args a) { // positions count from 1
+        const wstring_view text = text_argument(a, 0);
+        const std::size_t begin = std::max<std::size_t>(count_argument(a, 1, text.size() + 1), 1) - 1;
+        return GenericValue(
+            text.substr(begin, given(a[2]) ? count_argument(a, 2, text.size()) : wstring_view::npos));
+    }
+    GenericValue upper(Args a) { return GenericValue(to_upper(text_argument(a, 0))); }
+    GenericValue lower(Args a) { return GenericValue(to_lower(text_argument(a, 0))); }
+    GenericValue trim(Args a) { return GenericValue(trim_all(text_argument(a, 0))); }
+    /// The presentation, filled with blanks to a width; a negative width fills in front.
+    GenericValue pad(Args a) {
+        constexpr std::size_t kMaxWidth = 10'000;
+        wstring text = a[0].presentation();
+        Numeric width = number_argument(a, 1);
+        const bool inFront = width.sign() < 0;
+        width = width.abs();
+        const std::size_t wanted =
+            width.compare(Numeric(kMaxWidth)) > 0 ? kMaxWidth : static_cast<std::size_t>(width);
+        if (text.size() < wanted)
+            text.insert(inFront ? 0 : text.size(), wanted - text.size(), u' ');
+        return GenericValue(text);
+    }
+
+    // conversions
+    GenericValue string(Args a) { return GenericValue(a[0].presentation()); }
+    GenericValue number(Args a) { return GenericValue(number_argument(a, 0)); }
+    GenericValue date(Args a) {
+        Date date;
+        if (!a[0].getDate(date))
+            parameter_type_mismatch(0);
+        return GenericValue(date);
+    }
+    GenericValue round(Args a) {
+        const Numeric digits = given(a[1]) ? number_argument(a, 1) : Numeric();
+        if (digits.abs().compare(Numeric(1000)) > 0)
+            parameter_value_mismatch(1);
+        return GenericValue(number_argument(a, 0).round(static_cast<std::int32_t>(digits)));
+    }
+    GenericValue typeOf(Args a) { return GenericValue(a[0].type()); }
+    GenericValue type(Args a) { return GenericValue(Type(text_argument(a, 0))); }
+
+  private:
+    std::ostream& out_;
+    std::chrono::steady_clock::time_point start_;
+};
+
+constexpr Term kPrintTerm = {u"Print", u"Сообщить"};
+constexpr Term kFromTextTerm = {u"FromText", u"ИзТекста"};
+constexpr Term kToTextTerm = {u"ToText", u"ВТекст"};
+constexpr Term kFromJsonTerm = {u"FromJson", u"ИзJson"};
+constexpr Term kToJsonTerm = {u"ToJson", u"ВJson"};
+constexpr Term kLoadTextTerm = {u"LoadText", u"ЗагрузитьТекст"};
+constexpr Term kSaveTextTerm = {u"SaveText", u"СохранитьТекст"};
+constexpr Term kCurrentDateTerm = {u"CurrentDate", u"ТекущаяДата"};
+constexpr Term kElapsedTerm = {u"Elapsed", u"ПрошлоВремени"};
+constexpr Term kLengthTerm = {u"StrLen", u"СтрДлина"};
+constexpr Term kLeftTerm = {u"Left", u"Лев"};
+constexpr Term kMidTerm = {u"Mid", u"Сред"};
+constexpr Term kUpperTerm = {u"Upper", u"ВРег"};
+constexpr Term kLowerTerm = {u"Lower", u"НРег"};
+constexpr Term kTrimTerm = {u"TrimAll", u"СокрЛП"};
+constexpr Term kPadTerm = {u"Pad", u"Дополнить"};
+constexpr Term kStringTerm = {u"String", u"Строка"};
+constexpr Term kNumberTerm = {u"Number", u"Число"};
+constexpr Term kDateTerm = {u"Date", u"Дата"};
+constexpr Term kRoundTerm = {u"Round", u"Окр"};
+constexpr Term kTypeOfTerm = {u"TypeOf", u"ТипЗнч"};
+constexpr Term kTypeTerm = {u"Type", u"Тип"};
+
+std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
+    using F = HostFunctions;
+    static constexpr Method<F> kMethods[] = {
+        {kPrintTerm, kPrint, kProcedure, &F::print},
+        {kFromTextTerm, required(1), kFunction, &F::fromText},
+        {kToTextTerm, required(1), kFunction, &F::toText},
+        {kFromJsonTerm, kFromJson, kFunction, &F::fromJson},
+        {kToJsonTerm, kTextAndOptional, kFunction, &F::toJson},
+        {kLoadTextTerm, required(1), kFunction, &F::loadText},
+        {kSaveTextTerm, required(2), kProcedure, &F::saveText},
+        {kCurrentDateTerm, {}, kFunction, &F::currentDate},
+        {kElapsedTerm, {}, kFunction, &F::elapsed},
+        {kLengthTerm, required(1), kFunction, &F::length},
+        {kLeftTerm, required(2), kFunction, &F::left},
+        {kMidTerm, kMid, kFunction, &F::mid},
+        {kUpperTerm, required(1), kFunction, &F::upper},
+        {kLowerTerm, required(1), kFunction, &F::lower},
+        {kTrimTerm, required(1), kFunction, &F::trim},
+        {kPadTerm, required(2), kFunction, &F::pad},
+        {kStringTerm, required(1), kFunction, &F::string},
+        {kNumberTerm, required(1), kFunction, &F::number},
+        {kDateTerm, required(1), kFunction, &F::date},
+        {kRoundTerm, kTextAndOptional, kFunction, &F::round},
+        {kTypeOfTerm, required(1), kFunction, &F::typeOf},
+        {kTypeTerm, required(1), kFunction, &F::type},
+    };
+    return kMethods;
+}
+
+class Globals : public StableGroupContext {
+  public:
+    explicit Globals(std::ostream& out) {
+        addContext(create_host_functions(out).get());
+        addContext(create_core_general_context().get());
+        addContext(get_service<IEnumerations>());
+    }
+};
+
+} // namespace
+
+InterfacePtr<IContext_> create_host_functions(std::ostream& out) {
+    return InterfacePtr<IContext_>(SCOM_InternalClass<HostFunctions>::create(out));
+}
+
+InterfacePtr<IContext_> create_globals(std::ostream& out) {
+    return InterfacePtr<IContext_>(SCOM_InternalClass<Globals>::create(out));
+}
+
+} // namespace host::script

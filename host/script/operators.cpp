@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/script/operators.h"
+
+#include <core/runtime/error.h>
+
+namespace host::script {
+
+using namespace core;
+
+namespace {
+
+[[noreturn]] void unsuited(const GenericValue& left, const GenericValue& right) {
+    throw_error<ContextException>("IDS_SCRIPT_UNSUITED_OPERANDS",
+                                  {left.type().presentation(), right.type().presentation()});
+}
+
+Numeric arithmetic(Operator sign, const Numeric& left, const Numeric& right) {
+    switch (sign) {
+    case Operator::add:
+        return left + right;
+    case Operator::subtract:
+        return left - right;
+    case Operator::multiply:
+        return left * right;
+    case Operator::divide:
+        return left / right;
+    default:
+        return left % right;
+    }
+}
+
+/// A date some seconds later; fractions of a second do not count.
+Date shifted(const Date& date, const Numeric& seconds) {
+    // What does not fit is beyond either end of the calendar anyway.
+    const Numeric limit(Date::kLimit);
+    const Numeric bounded = seconds.compare(limit) > 0    ? limit
+                            : seconds.compare(-limit) < 0 ? -limit
+                                                          : seconds;
+    return date + DateSpan(static_cast<std::int64_t>(bounded.floor() * Numeric(kTicksPerSecond)));
+}
+
+Numeric seconds_between(const Date& from, const Date& to) {
+    return Numeric((to - from).ticks()) / Numeric(kTicksPerSecond);
+}
+
+GenericValue compute(Operator sign, const GenericValue& left, const GenericValue& right) {
+    if (left.kind() == ValueKind::string && sign == Operator::add)
+        return GenericValue(wstring(*left.asString()) + right.presentation());
+    Numeric number;
+    if (const Date* const date = left.asDate()) {
+        if (sign == Operator::subtract && right.asDate() != nullptr)
+            return GenericValue(seconds_between(*right.asDate(), *date));
+        if (!(sign == Operator::add || sign == Operator::subtract) || !right.getNumeric(number))
+            unsuited(left, right);
+        return GenericValue(shifted(*date, sign == Operator::add ? number : -number));
+    }
+    if (const Numeric* a = left.asNumeric(), *b = right.asNumeric(); a != nullptr && b != nullptr)
+        return GenericValue(arithmetic(sign, *a, *b));
+    Numeric first;
+    if (!left.getNumeric(first) || !right.getNumeric(number))
+        unsuited(left, right);
+    return GenericValue(arithmetic(sign, first, number));
+}
+
+int order(const GenericValue& left, const GenericValue& right) {
+    const ValueKind kind = left.kind();
+    if (kind != right.kind() || kind < ValueKind::boolean || kind > ValueKind::date)
+        unsuited(left, right);
+    return compare_values(left, right);
+}
+
+} // namespace
+
+GenericValue apply(Operator sign, const GenericValue& left, const GenericValue& right) {
+    switch (sign) {
+    case Operator::equal:
+        return GenericValue(left.equals(right));
+    case Operator::notEqual:
+        return GenericValue(!left.equals(right));
+    case Operator::less:
+        return GenericValue(order(left, right) < 0);
+    case Operator::lessEqual:
+        return GenericValue(order(left, right) <= 0);
+    case Operator::greater:
+        return GenericValue(order(left, right) > 0);
+    case Operator::greaterEqual:
+        return GenericValue(order(left, right) >= 0);
+    default:
+        return compute(sign, left, right);
+    }
+}
+
+GenericValue negate(const GenericValue& value) {
+    Numeric number;
+    if (!value.getNumeric(number))
+        throw_error<ContextException>("IDS_SCRIPT_NOT_A_NUMBER", {value.type().presentation()});
+    return GenericValue(-number);
+}
+
+bool truth(const GenericValue& value) {
+    bool result = false;
+    if (!value.getBoolean(result))
+        throw_error<ContextException>("IDS_SCRIPT_NOT_A_BOOLEAN", {value.type().presentation()});
+    return result;
+}
+
+} // namespace host::script
