@@ -6,8 +6,6 @@
 #include <core/serialization/persistence.h>
 #include <core/values/value_impl.h>
 
-#include <new>
-
 namespace core {
 
 /// What the objects of this folder have in common: each is an immutable content as a script value. Values of
@@ -22,12 +20,7 @@ class ContentValue : public IValueImpl,
     using Content = C;
     using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IPersistableObject>;
 
-    [[nodiscard]] static GenericValue make(Content content) {
-        const auto object = SCOM_InternalClass<Self>::create(std::move(content));
-        if (!object)
-            throw std::bad_alloc();
-        return GenericValue(object);
-    }
+    [[nodiscard]] static GenericValue make(Content content) { return make_object<Self>(std::move(content)); }
     /// The content of a value of this class, borrowed; null for any other value.
     [[nodiscard]] static const Content* of(const Value& value) noexcept {
         return value.isObject() && value.object()->getType() == Self::type()

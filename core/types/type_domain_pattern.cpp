@@ -30,7 +30,7 @@ void TypeDomainPattern::addType(const GUID& type) {
 }
 
 void TypeDomainPattern::addTypes(std::span<const GUID> types) {
-    std::uint8_t primitives = primitives_;
+    std::uint32_t primitives = primitives_;
     std::vector<GUID> others;
     for (const GUID& type : types) {
         const ValueKind kind = kind_of(type);

@@ -34,7 +34,7 @@ class Collection : public IValueImpl, public IValueCollection {
     using Interfaces = InterfaceList<IValue, IValueCollection>;
     explicit Collection(std::vector<GenericValue> values) : values_(std::move(values)) {}
     IType* getType() const noexcept override { return Type(u"TypeDescription").get(); }
-    InterfacePtr<IValueEnum> enumerate() override { return SCOM_InternalClass<Walk>::create(values_); }
+    InterfacePtr<IValueEnum> enumerate() override { return make_object<Walk>(values_); }
 
   private:
     std::vector<GenericValue> values_;
@@ -103,10 +103,9 @@ TEST_F(Descriptions, QualifiersComeFromArgumentsAndShowThemAsProperties) {
 }
 
 TEST_F(Descriptions, TypesComeAsNamesATypeOrACollection) {
-    const GenericValue both =
-        create_type_description(TypeDomain(TypeDomainPattern(std::vector<GUID>{kNumberType, kStringType})));
+    const GenericValue both = create_type_description({kNumberType, kStringType});
     expectSameContent(description({u" string, Число "}), both);
-    expectSameContent(description({SCOM_InternalClass<Collection>::create(std::vector<GenericValue>{
+    expectSameContent(description({make_object<Collection>(std::vector<GenericValue>{
                           Type(Type::string), Type(Type::number), Type(Type::string)})}),
                       both);
     expectSameContent(description({Type(Type::date)}), create_type_description(TypeDomain(kDateType)));
@@ -115,6 +114,8 @@ TEST_F(Descriptions, TypesComeAsNamesATypeOrACollection) {
     EXPECT_EQ(both.presentation(),
               Type(Type::number).presentation() + u", " + Type(Type::string).presentation());
     EXPECT_NE(description({u"Number"}), both);
+    expectSameContent(description({call(both, u"Типы", {})}), both); // an Array is a collection, too
+    EXPECT_EQ(call(both, u"Types", {}).type(), Type(u"Array"));
     EXPECT_EQ(type_domain_of(GenericValue(u"Number")), nullptr);
 }
 
@@ -138,7 +139,7 @@ TEST_F(Descriptions, AScriptAsksAndAdjusts) {
 }
 
 TEST_F(Descriptions, WrongArgumentsAreRefused) {
-    const auto bad = SCOM_InternalClass<Collection>::create(std::vector<GenericValue>{Type(Type::date), 5});
+    const auto bad = make_object<Collection>(std::vector<GenericValue>{Type(Type::date), 5});
     const struct {
         const wchar* type;
         std::vector<GenericValue> arguments;

@@ -2,6 +2,7 @@
 // Concerns: patterns as sets; what becomes of values of every kind; the brace-list form read back, and
 // damaged text refused with the pattern unchanged; values bound to a description.
 #include <core/runtime/exceptions.h>
+#include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 #include <core/serialization/list_in_stream.h>
 #include <core/serialization/list_out_stream.h>
@@ -21,10 +22,16 @@ using namespace core;
 const GUID kObjectA = "2e8ab8f7-6a6b-4f0a-9a49-3c0f5a3dd5a1"_guid;
 const GUID kObjectB = "91fb4a50-03f2-4c9a-8f5c-0d7a4a1c66b2"_guid;
 
-template <class D = TypeDomain>
-D description(std::initializer_list<GUID> types) {
-    return D(std::span(types.begin(), types.size()));
-}
+/// Another module's idea of a Number.
+class ForeignNumber : public IValueImpl {
+  public:
+    using Interfaces = InterfaceList<IValue>;
+    IType* getType() const noexcept override { return Type(Type::number).get(); }
+    bool getNumeric(Numeric& out) const override {
+        out = 7;
+        return true;
+    }
+};
 
 class TypeDomains : public testing::Test {
   protected:
@@ -69,7 +76,7 @@ TypeDomainPattern read(wstring_view text) {
 }
 
 TEST_F(TypeDomains, PatternsAreSets) {
-    auto pattern = description<TypeDomainPattern>({kObjectB, kStringType, kObjectA, kStringType});
+    TypeDomainPattern pattern{kObjectB, kStringType, kObjectA, kStringType};
     pattern.addType(kUndefinedType);
     pattern.addType(kObjectA);
     EXPECT_EQ(pattern.types(), (std::vector{kUndefinedType, kStringType, kObjectA, kObjectB}));
@@ -112,7 +119,7 @@ TEST_F(TypeDomains, EqualityHashMergeSubsetAndTextAgree) {
 }
 
 TEST_F(TypeDomains, TextIsAsDocumentedAndDamageIsRefused) {
-    auto pattern = description<TypeDomainPattern>({kObjectA, kDateType, kStringType, kNumberType});
+    TypeDomainPattern pattern{kObjectA, kDateType, kStringType, kNumberType};
     pattern.setNumericQualifiers({10, 2});
     pattern.setStringQualifiers({50, true});
     pattern.setDateQualifiers(DateQualifiers(DateFractions::date));
@@ -150,6 +157,7 @@ TEST_F(TypeDomains, ValuesOfEveryKindIntoEveryDescription) {
         {{Type::number}, u" 12 ", 12},
         {{Type::number}, u"12a", 0},
         {{Type::number}, true, 0},
+        {{Type::number}, make_object<ForeignNumber>(), 7},
         {{Type::boolean}, 5, true},
         {{Type::boolean}, u"истина", true},
         {{Type::boolean}, moment, false},
@@ -183,7 +191,7 @@ TEST_F(TypeDomains, ValuesOfEveryKindIntoEveryDescription) {
 }
 
 TEST_F(TypeDomains, WhatFitsIsKeptAsItIs) {
-    TypeDomain domain = description({kNumberType, kStringType, kDateType});
+    TypeDomain domain{kNumberType, kStringType, kDateType};
     domain.setNumericQualifiers({5, 2});
     domain.setStringQualifiers({4, true});
     domain.setDateQualifiers(DateQualifiers(DateFractions::date));
@@ -201,7 +209,7 @@ TEST_F(TypeDomains, WhatFitsIsKeptAsItIs) {
 TEST_F(TypeDomains, Defaults) {
     EXPECT_EQ(TypeDomain().defaultType(), Type(Type::undefined));
     EXPECT_EQ(TypeDomain(kDateType).defaultType(), Type(Type::date));
-    EXPECT_EQ(description({kDateType, kNumberType}).defaultType(), Type(Type::undefined));
+    EXPECT_EQ(TypeDomain({kDateType, kNumberType}).defaultType(), Type(Type::undefined));
     EXPECT_THROW((void)TypeDomain(kObjectA).defaultType(), TypeException);
     EXPECT_EQ(TypeDomain(kObjectA).adjust(5), GenericValue());
     TypeDomain fixed(kStringType);

@@ -5,6 +5,7 @@
 #include <core/types/qualifiers.h>
 #include <core/values/value.h>
 
+#include <initializer_list>
 #include <span>
 #include <vector>
 
@@ -20,6 +21,7 @@ class CORE_API TypeDomainPattern {
     TypeDomainPattern() = default;
     explicit TypeDomainPattern(const GUID& type) { addType(type); }
     explicit TypeDomainPattern(std::span<const GUID> types) { addTypes(types); }
+    TypeDomainPattern(std::initializer_list<GUID> types) { addTypes({types.begin(), types.size()}); }
 
     // modify
     void addType(const GUID& type);
@@ -62,12 +64,12 @@ class CORE_API TypeDomainPattern {
     [[nodiscard]] bool containsObjectType(const GUID& type) const noexcept;
 
   private:
-    static constexpr std::uint8_t bit(ValueKind kind) noexcept {
-        return kind < ValueKind::object ? static_cast<std::uint8_t>(1U << static_cast<unsigned>(kind)) : 0;
+    static constexpr std::uint32_t bit(ValueKind kind) noexcept {
+        return kind < ValueKind::object ? 1U << static_cast<unsigned>(kind) : 0U;
     }
 
-    std::uint8_t primitives_ = 0; // a bit for each kind
-    std::vector<GUID> others_;    // in order, each once
+    std::uint32_t primitives_ = 0; // a bit for each kind
+    std::vector<GUID> others_;     // in order, each once
     NumericQualifiers numeric_;
     StringQualifiers string_;
     DateQualifiers date_;
