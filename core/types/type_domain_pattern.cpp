@@ -89,11 +89,11 @@ std::vector<GUID> TypeDomainPattern::types() const {
     return types;
 }
 
-bool operator==(const TypeDomainPattern& a, const TypeDomainPattern& b) noexcept {
-    return a.primitives_ == b.primitives_ && a.others_ == b.others_ &&
-           (!a.containsType(ValueKind::number) || a.numeric_ == b.numeric_) &&
-           (!a.containsType(ValueKind::string) || a.string_ == b.string_) &&
-           (!a.containsType(ValueKind::date) || a.date_ == b.date_);
+bool TypeDomainPattern::operator==(const TypeDomainPattern& other) const noexcept {
+    return primitives_ == other.primitives_ && others_ == other.others_ &&
+           (!containsType(ValueKind::number) || numeric_ == other.numeric_) &&
+           (!containsType(ValueKind::string) || string_ == other.string_) &&
+           (!containsType(ValueKind::date) || date_ == other.date_);
 }
 
 std::int32_t TypeDomainPattern::hash() const noexcept {

@@ -48,7 +48,7 @@ class CORE_API TypeDomainPattern {
     [[nodiscard]] const DateQualifiers& dateQualifiers() const noexcept { return date_; }
 
     // compare
-    friend CORE_API bool operator==(const TypeDomainPattern& a, const TypeDomainPattern& b) noexcept;
+    [[nodiscard]] bool operator==(const TypeDomainPattern& other) const noexcept;
     [[nodiscard]] std::int32_t hash() const noexcept;
     /// Whether `other` admits, unchanged, whatever this pattern does.
     [[nodiscard]] bool isSubset(const TypeDomainPattern& other) const noexcept;
