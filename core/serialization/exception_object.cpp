@@ -35,11 +35,13 @@ const ErrorClass<VersionException> kVersionException("VersionExceptionObject");
 
 } // namespace
 
-void detail::serialize_exception(IOutPersistenceStorage* storage, const Exception& exception) {
+void detail::serialize_exception(IOutPersistenceStorage* storage, const Exception& exception,
+                                 const std::function<void(ListOutStream&)>& data) {
     const Nesting::Level level(storage->nesting());
     ListOutStream& out = storage->listStream();
     out.putBeginOfList();
     out.put(exception.description());
+    data(out);
     if (exception.cause() != nullptr) {
         if (const InterfacePtr<IPersistableObject> cause(exception.cause()); cause) {
             out.put(cause->getCLSID());
@@ -49,12 +51,14 @@ void detail::serialize_exception(IOutPersistenceStorage* storage, const Exceptio
     out.putEndOfList();
 }
 
-detail::StoredException detail::deserialize_exception(IInPersistenceStorage* storage) {
+detail::StoredException detail::deserialize_exception(IInPersistenceStorage* storage,
+                                                      const std::function<void(ListInStream&)>& data) {
     const Nesting::Level level(storage->nesting());
     ListInStream& in = storage->listStream();
     StoredException stored;
     in.getBeginOfList();
     in.get(stored.description);
+    data(in);
     if (in.getComma()) {
         GUID clsid;
         in.get(clsid);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/serialization/float_token.h"
 #include "core/serialization/token_read.h"
 
 #include <array>
@@ -8,56 +9,6 @@
 
 namespace core::detail {
 namespace {
-
-enum class State {
-    start,
-    afterSign,
-    integer,
-    fraction,
-    exponent,
-    exponentSign,
-    exponentDigits,
-    accept,
-    fail
-};
-enum class Unit { digit, sign, point, mark, space, other };
-
-Unit classify(int unit) noexcept {
-    if (unit >= u'0' && unit <= u'9')
-        return Unit::digit;
-    switch (unit) {
-    case u'-':
-        return Unit::sign;
-    case u'.':
-        return Unit::point;
-    case u'e':
-    case u'E':
-        return Unit::mark;
-    case u'\t':
-    case u'\n':
-    case u'\r':
-    case u' ':
-        return Unit::space;
-    default:
-        return Unit::other;
-    }
-}
-
-/// Where each class of units leads from each state. Anything but accept and fail takes the unit.
-State next_state(State state, Unit unit) noexcept {
-    using enum State;
-    static constexpr State kNext[][6] = {
-        // digit, sign, point, exponent mark, space, other
-        {integer, afterSign, fraction, fail, fail, fail},         // start
-        {integer, fail, fraction, fail, fail, fail},              // afterSign
-        {integer, accept, fraction, exponent, accept, accept},    // integer
-        {fraction, accept, accept, exponent, accept, accept},     // fraction
-        {exponentDigits, exponentSign, fail, fail, fail, fail},   // exponent
-        {exponentDigits, fail, fail, fail, fail, fail},           // exponentSign
-        {exponentDigits, accept, accept, accept, accept, accept}, // exponentDigits
-    };
-    return kNext[static_cast<std::size_t>(state)][static_cast<std::size_t>(unit)];
-}
 
 /// Whether a decimal that no floating type holds is too large, rather than too small. It is not zero.
 bool is_large(const char* at, const char* end) noexcept {
@@ -104,21 +55,21 @@ bool convert(const char* begin, const char* end, Float& value) noexcept {
 } // namespace
 
 bool read_double(UnitSource& source, double& value) {
-    constexpr std::size_t kMaxLength = 31;
-    std::array<char, kMaxLength> text;
-    std::size_t length = 0;
-    for (State state = State::start;;) {
+    std::array<char, FloatToken::kMaxLength> text;
+    FloatToken token;
+    for (;;) {
         const int unit = source.peek();
-        state = next_state(state, classify(unit));
-        if (state == State::accept)
-            break;
-        if (state == State::fail || length == kMaxLength)
+        const std::size_t length = token.length();
+        const FloatToken::Step step = token.next(unit);
+        if (step == FloatToken::Step::fail)
             return false;
-        text[length++] = static_cast<char>(unit);
+        if (step == FloatToken::Step::accept)
+            break;
+        text[length] = static_cast<char>(unit);
         source.skip();
     }
     // Tokens without digits, "." among them, are zero.
-    static_cast<void>(convert(text.data(), text.data() + length, value));
+    static_cast<void>(convert(text.data(), text.data() + token.length(), value));
     return true;
 }
 

@@ -10,7 +10,7 @@ BELOW = {
     "numbers": ["strings"],
     "dates": ["strings"],
     "formats": ["numbers", "dates"],
-    "serialization": ["formats"],
+    "serialization": ["formats", "files"],
     "values": ["serialization"],
     "types": ["values"],
     "context": ["types"],

@@ -159,6 +159,8 @@ class CORE_API NumericException : public BasicException<NumericException> {
     using BasicException::BasicException;
     /// The message is the text that belongs to the error.
     explicit NumericException(Error error, IExceptionObject* cause = nullptr);
+    NumericException(Error error, const wstring& description, IExceptionObject* cause = nullptr)
+        : BasicException(description, cause), error_(error) {}
     [[nodiscard]] Error error() const noexcept { return error_; }
 
   private:
@@ -193,6 +195,9 @@ class CORE_API StorageException : public BasicException<StorageException> {
     using BasicException::BasicException;
     /// The message is the text that belongs to the kind, followed by the quoted URL.
     StorageException(Kind kind, const wstring& url, IExceptionObject* cause = nullptr);
+    StorageException(Kind kind, const wstring& url, const wstring& description,
+                     IExceptionObject* cause = nullptr)
+        : BasicException(description, cause), kind_(kind), url_(url) {}
     [[nodiscard]] Kind kind() const noexcept { return kind_; }
     [[nodiscard]] const wstring& url() const noexcept { return url_; }
 

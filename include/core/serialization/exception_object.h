@@ -3,20 +3,89 @@
 
 #include <core/runtime/exceptions.h>
 #include <core/runtime/internal_class.h>
+#include <core/serialization/list_in_stream.h>
+#include <core/serialization/list_out_stream.h>
 #include <core/serialization/persistence.h>
+
+#include <cstdint>
+#include <functional>
+#include <tuple>
 
 namespace core {
 
+/// What exception class `X` holds besides description and cause, as tokens of a list: `of` takes it from an
+/// exception, `make` builds one with it. Most classes hold nothing.
+template <class X>
+struct ExceptionData {
+    using Tokens = std::tuple<>;
+    static Tokens of(const X&) { return {}; }
+    static X make(const wstring& description, IExceptionObject* cause) {
+        return X(description.c_str(), cause);
+    }
+};
+
+template <>
+struct ExceptionData<ComparatorException> {
+    using Tokens = std::tuple<std::int32_t>;
+    static Tokens of(const ComparatorException& e) { return {static_cast<std::int32_t>(e.error())}; }
+    static ComparatorException make(const wstring& description, IExceptionObject* cause, std::int32_t error) {
+        return ComparatorException(static_cast<ComparatorException::Error>(error), description.c_str(),
+                                   cause);
+    }
+};
+
+template <>
+struct ExceptionData<COMTypeException> {
+    using Tokens = std::tuple<std::int32_t, GUID>;
+    static Tokens of(const COMTypeException& e) { return {e.error(), e.type()}; }
+    static COMTypeException make(const wstring& description, IExceptionObject* cause, std::int32_t error,
+                                 const GUID& type) {
+        return COMTypeException(error, type, description.c_str(), cause);
+    }
+};
+
+template <>
+struct ExceptionData<NumericException> {
+    using Tokens = std::tuple<std::int32_t>;
+    static Tokens of(const NumericException& e) { return {static_cast<std::int32_t>(e.error())}; }
+    static NumericException make(const wstring& description, IExceptionObject* cause, std::int32_t error) {
+        return NumericException(static_cast<NumericException::Error>(error), description, cause);
+    }
+};
+
+template <>
+struct ExceptionData<FileException> {
+    using Tokens = std::tuple<wstring, std::int32_t>;
+    static Tokens of(const FileException& e) { return {e.url(), e.systemError()}; }
+    static FileException make(const wstring& description, IExceptionObject* cause, const wstring& url,
+                              std::int32_t systemError) {
+        return FileException(description, url, systemError, cause);
+    }
+};
+
+template <>
+struct ExceptionData<StorageException> {
+    using Tokens = std::tuple<std::int32_t, wstring>;
+    static Tokens of(const StorageException& e) { return {static_cast<std::int32_t>(e.kind()), e.url()}; }
+    static StorageException make(const wstring& description, IExceptionObject* cause, std::int32_t kind,
+                                 const wstring& url) {
+        return StorageException(static_cast<StorageException::Kind>(kind), url, description, cause);
+    }
+};
+
 namespace detail {
 
-/// What every error object writes: its description, then the class id and body of its cause, if it has one.
-CORE_API void serialize_exception(IOutPersistenceStorage* storage, const Exception& exception);
+/// Writes an error object's body: the description, what `data` writes, then the class id and body of the
+/// cause, if there is one.
+CORE_API void serialize_exception(IOutPersistenceStorage* storage, const Exception& exception,
+                                  const std::function<void(ListOutStream&)>& data);
 /// Reads that back.
 struct StoredException {
     wstring description;
     InterfacePtr<IExceptionObject> cause;
 };
-[[nodiscard]] CORE_API StoredException deserialize_exception(IInPersistenceStorage* storage);
+[[nodiscard]] CORE_API StoredException deserialize_exception(IInPersistenceStorage* storage,
+                                                             const std::function<void(ListInStream&)>& data);
 
 } // namespace detail
 
@@ -38,11 +107,20 @@ class IExceptionObjectImpl : public IExceptionObject,
     Exception& exception() noexcept override { return held_; }
 
     void serialize(IOutPersistenceStorage* storage) const override {
-        detail::serialize_exception(storage, held_);
+        detail::serialize_exception(storage, held_, [this](ListOutStream& out) {
+            std::apply([&](const auto&... token) { (out.put(token), ...); }, ExceptionData<X>::of(held_));
+        });
     }
     void deserialize(IInPersistenceStorage* storage) override {
-        const detail::StoredException stored = detail::deserialize_exception(storage);
-        held_ = X(stored.description.c_str(), stored.cause.get());
+        typename ExceptionData<X>::Tokens data;
+        const detail::StoredException stored = detail::deserialize_exception(storage, [&](ListInStream& in) {
+            std::apply([&](auto&... token) { (in.get(token), ...); }, data);
+        });
+        held_ = std::apply(
+            [&](const auto&... token) {
+                return ExceptionData<X>::make(stored.description, stored.cause.get(), token...);
+            },
+            data);
     }
 
   private:
