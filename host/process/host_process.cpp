@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/thread.h>
+#include <core/runtime/error.h>
 #include <host/host_process.h>
 
 #include <algorithm>
-#include <new>
 
 namespace host {
 
@@ -77,7 +76,7 @@ void ProcessObject::releaseServices() noexcept {
 HostProcess::HostProcess(const Settings& settings)
     : object_(SCOM_InternalClass<ProcessObject>::create(settings)) {
     if (!object_)
-        throw std::bad_alloc();
+        throw_error<ProcessInitException>("IDS_PROCESS_INIT");
     before_ = adopt_thread(object_.get());
     for (const SCOM_Module* module : registered_modules())
         module->registerAll(object_.get());

@@ -23,6 +23,14 @@ class BasicException : public Exception {
         : Exception(Self::kClassId, description, cause) {}
 };
 
+/// A process that could not be brought up. It has no error object of its own: nobody is there yet to take
+/// one.
+class CORE_API ProcessInitException : public Exception {
+  public:
+    explicit ProcessInitException(const wstring& description, IExceptionObject* cause = nullptr)
+        : Exception(Exception::kClassId, description, cause) {}
+};
+
 /// A failed automation call.
 class CORE_API COMException : public BasicException<COMException> {
   public:
