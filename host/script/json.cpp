@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/script/json.h"
 
-#include <core/collections.h>
+#include <core/collections/value_array.h>
+#include <core/collections/value_map.h>
+#include <core/collections/value_structure.h>
 #include <core/context/iteration.h>
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
