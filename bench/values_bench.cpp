@@ -121,7 +121,9 @@ void read_all(benchmark::State& state, const std::vector<T>& values, Read read) 
 }
 void read_ours(benchmark::State& state) {
     read_all(state, our_values(), [](const Value& value) -> std::int64_t {
-        if (const core::Numeric* const number = value.asNumeric())
+        if (const auto whole = value.asSmallWhole())
+            return *whole;
+        if (const auto number = value.asNumeric())
             return static_cast<std::int64_t>(*number);
         if (const core::wstring_view* const text = value.asString())
             return static_cast<std::int64_t>(text->size());

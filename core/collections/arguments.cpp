@@ -10,8 +10,10 @@
 namespace core {
 
 std::int64_t index_argument(const Value& argument, int param) {
-    const Numeric* const number = argument.asNumeric();
-    if (number == nullptr)
+    if (const auto whole = argument.asSmallWhole(); whole && *whole == static_cast<std::int32_t>(*whole))
+        return *whole;
+    const auto number = argument.asNumeric();
+    if (!number)
         parameter_type_mismatch(param);
     using Wide = std::numeric_limits<std::int64_t>;
     const auto wholeLimbs = static_cast<std::int64_t>(number->limbs().size()) - number->fractionLimbs();

@@ -7,8 +7,8 @@ std::uint32_t count_argument(std::span<const GenericValue> arguments, int index)
     const GenericValue value = argument(arguments, static_cast<std::size_t>(index));
     if (value.isUndefined())
         return 0;
-    const Numeric* const number = value.asNumeric();
-    if (number == nullptr)
+    const auto number = value.asNumeric();
+    if (!number)
         parameter_type_mismatch(index);
     if (*number <= -1 || *number >= std::int64_t{1} << 32)
         parameter_value_mismatch(index);

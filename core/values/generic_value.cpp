@@ -93,7 +93,10 @@ void serialize_value(IOutPersistenceStorage* storage, const Value& value) {
         out.put(value.isTrue());
         break;
     case ValueKind::number:
-        out.put(*value.asNumeric());
+        if (const auto whole = value.asSmallWhole())
+            out.put(*whole);
+        else
+            out.put(*value.asNumeric());
         break;
     case ValueKind::string:
         out.put(*value.asString());

@@ -54,6 +54,12 @@ ValueKind own_kind(IValue& value) noexcept {
     }
 }
 
+int compare_numbers(const Value& a, const Value& b) noexcept {
+    const auto x = a.asSmallWhole();
+    const auto y = b.asSmallWhole();
+    return x && y ? (*x > *y) - (*x < *y) : a.asNumeric()->compare(*b.asNumeric());
+}
+
 int order(int difference) noexcept {
     return (difference > 0) - (difference < 0);
 }
@@ -62,16 +68,19 @@ int order(int difference) noexcept {
 
 Value::Value(double value) : Value(Numeric(value)) {}
 
-Value::Value(Numeric&& value)
-    : bits_(
-          word(value.sign() == 0 ? shared_zero() : NumberValue::make(std::move(value)), ValueKind::number)) {}
-
-std::uintptr_t Value::makeSigned(std::int64_t value) {
-    return word(value == 0 ? shared_zero() : NumberValue::make(value), ValueKind::number);
+Value::Value(Numeric&& value) {
+    const auto count = static_cast<std::int64_t>(value.limbs().size());
+    const bool small = value.fractionLimbs() <= 0 && count - value.fractionLimbs() <= 2; // below 10^18
+    bits_ = small ? makeWhole(static_cast<std::int64_t>(value)) : makeBoxed(std::move(value));
 }
 
-std::uintptr_t Value::makeUnsigned(std::uint64_t value) {
-    return word(value == 0 ? shared_zero() : NumberValue::make(Numeric(value)), ValueKind::number);
+std::uintptr_t Value::makeBoxed(Numeric&& value) {
+    return word(NumberValue::make(std::move(value)), ValueKind::number);
+}
+
+InterfacePtr<IValue> Value::makeObject() const {
+    return whole() == 0 ? InterfacePtr<IValue>(shared_zero())
+                        : InterfacePtr<IValue>::adopt(NumberValue::make(whole()));
 }
 
 Value::Value(wstring_view text)
@@ -108,19 +117,29 @@ IValue* Value::object() const noexcept {
         return &shared_null;
     case ValueKind::boolean:
         return isTrue() ? &shared_true : &shared_false;
+    case ValueKind::number:
+        if (inWord())
+            return nullptr;
+        [[fallthrough]];
     default:
         return reinterpret_cast<IValue*>(bits_ & ~kTagMask);
     }
 }
 
+Type Value::type() const noexcept {
+    return Type(isObject() ? object()->getType() : detail::primitive_type(kind()));
+}
+
 bool Value::equals(const Value& other) const noexcept {
     if (bits_ == other.bits_)
         return true;
-    if (kind() != other.kind())
-        return isObject() && other.isObject() ? false : object()->isEqual(other.object());
+    if (kind() != other.kind()) {
+        // Equal only where one is another module's idea of the other's kind, which the other knows to read.
+        return isObject() ? other.equals(object()) : other.isObject() && equals(other.object());
+    }
     switch (kind()) {
     case ValueKind::number:
-        return number()->payload() == other.number()->payload();
+        return !(inWord() && other.inWord()) && *asNumeric() == *other.asNumeric();
     case ValueKind::string:
         return string()->payload() == other.string()->payload();
     case ValueKind::undefined:
@@ -132,10 +151,17 @@ bool Value::equals(const Value& other) const noexcept {
     }
 }
 
+bool Value::equals(const IValue* other) const noexcept {
+    if (!inWord())
+        return object()->isEqual(other);
+    return other != nullptr && other->getType() == detail::primitive_type(ValueKind::number) &&
+           *static_cast<const Numeric*>(other->getDataPtr()) == Numeric(whole());
+}
+
 std::int32_t Value::hashCode() const noexcept {
     switch (kind()) {
     case ValueKind::number:
-        return static_cast<std::int32_t>(number()->payload());
+        return inWord() ? static_cast<std::int32_t>(whole()) : number()->hashCode();
     case ValueKind::string:
         return string()->hashCode();
     default:
@@ -153,7 +179,7 @@ int compare_values(const Value& a, const Value& b) {
     case ValueKind::boolean:
         return static_cast<int>(a.isTrue()) - static_cast<int>(b.isTrue());
     case ValueKind::number:
-        return a.asNumeric()->compare(*b.asNumeric());
+        return compare_numbers(a, b);
     case ValueKind::date:
         return *a.asDate() < *b.asDate() ? -1 : *b.asDate() < *a.asDate() ? 1 : 0;
     case ValueKind::string:

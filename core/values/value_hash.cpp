@@ -71,6 +71,8 @@ std::uint64_t hash_object(const IValue& object) noexcept {
 std::uint64_t value_table_hash(const Value& value) noexcept {
     switch (value.kind()) {
     case ValueKind::number:
+        if (const auto whole = value.asSmallWhole())
+            return exact_hash(*whole);
         return hash_number(*value.asNumeric());
     case ValueKind::string:
         return mixed_hash(table_hash(*value.asString()));

@@ -54,8 +54,8 @@ GenericValue compute(Operator sign, const GenericValue& left, const GenericValue
             unsuited(left, right);
         return GenericValue(shifted(*date, sign == Operator::add ? number : -number));
     }
-    if (const Numeric* a = left.asNumeric(), *b = right.asNumeric(); a != nullptr && b != nullptr)
-        return GenericValue(arithmetic(sign, *a, *b));
+    if (left.kind() == ValueKind::number && right.kind() == ValueKind::number)
+        return GenericValue(arithmetic(sign, *left.asNumeric(), *right.asNumeric()));
     Numeric first;
     if (!left.getNumeric(first) || !right.getNumeric(number))
         unsuited(left, right);

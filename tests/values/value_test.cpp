@@ -3,6 +3,7 @@
 // across kinds; equality, hashes and order that agree; foreign values that only look like the library's own.
 #include <core/runtime.h>
 #include <core/values.h>
+#include <core/values/value_hash.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
@@ -64,7 +65,7 @@ TEST_F(Values, LettingGoOfValuesLeavesNothingAlive) {
     {
         std::vector<Value> values;
         for (int i = 1; i < 1000; ++i) {
-            values.emplace_back(i);
+            values.emplace_back(i + 0.5);
             values.emplace_back(string_intto(i) + wstring(static_cast<std::size_t>(i), u'.'));
             values.emplace_back(Date(static_cast<std::uint64_t>(i)));
             values.emplace_back(Type(Type::number));
@@ -100,9 +101,11 @@ TEST_F(Values, EveryKindKnowsItsTypeAndPayload) {
         EXPECT_EQ(Type(wstring_view(c.russian)), Type(c.code));
         EXPECT_FALSE(c.value.type().presentation().empty());
         // A pointer leads back to the same kind and payload.
-        const Value again(c.value.getIValue());
+        const auto object = c.value.getIValue();
+        const Value again(object);
         EXPECT_EQ(again.kind(), c.value.kind());
-        EXPECT_EQ(again.getIValue()->getDataPtr(), c.value.getIValue()->getDataPtr());
+        EXPECT_EQ(again.getIValue().get(), object.get());
+        EXPECT_EQ(again, c.value);
     }
     EXPECT_FALSE(Type(static_cast<Type::Code>(6)).isDefined());
     EXPECT_THROW(Type(u"NoSuchType"), TypeException);
@@ -198,6 +201,48 @@ TEST_F(Values, EqualityNeverCrossesTypesAndHashesFollowIt) {
     const Value text(u"Имя");
     EXPECT_EQ(text.hashCode(), text.hashCode());
     EXPECT_EQ(text.hashCode(), ((0x418 * 5) + 0x43C) * 5 + 0x44F);
+}
+
+TEST_F(Values, WholeNumbersAreTheSameInTheWordAndAsObjects) {
+    constexpr std::int64_t kEdge = std::int64_t{1} << 59;
+    const auto wholes = {std::int64_t{0},
+                         std::int64_t{1},
+                         std::int64_t{-1},
+                         kEdge - 1,
+                         kEdge,
+                         kEdge + 1,
+                         1 - kEdge,
+                         -kEdge,
+                         -kEdge - 1,
+                         std::numeric_limits<std::int64_t>::min()};
+    for (const std::int64_t whole : wholes) {
+        const Value value(whole);
+        const Value boxed(create_numeric_value(whole));
+        const Value parsed(Numeric::fromString(string_intto(whole)));
+        EXPECT_EQ(value.asSmallWhole().has_value(), whole < kEdge && whole > -kEdge);
+        for (const Value& other : {boxed, parsed}) {
+            EXPECT_EQ(value, other);
+            EXPECT_EQ(other, value);
+            EXPECT_TRUE(value.equals(other.getIValue().get()) && other.equals(value.getIValue().get()));
+            EXPECT_EQ(compare_values(value, other), 0);
+            EXPECT_EQ(value.hashCode(), other.hashCode());
+            EXPECT_EQ(value_table_hash(value), value_table_hash(other));
+            EXPECT_EQ(static_cast<std::int64_t>(*other.asNumeric()), whole);
+            EXPECT_EQ(value.presentation(), other.presentation());
+        }
+        for (const std::int64_t other : wholes) {
+            EXPECT_EQ(value == Value(other), whole == other);
+            EXPECT_EQ(compare_values(boxed, Value(other)), (whole > other) - (whole < other));
+        }
+        Numeric number;
+        bool truth = false;
+        EXPECT_TRUE(value.getNumeric(number) && value.getBoolean(truth));
+        EXPECT_EQ(number, Numeric(whole));
+        EXPECT_EQ(truth, whole != 0);
+    }
+    EXPECT_EQ(Value(~std::uint64_t{0}).presentation(), u"18446744073709551615");
+    EXPECT_TRUE(Value(1e9).asSmallWhole());
+    EXPECT_FALSE(Value(0.5).asSmallWhole());
 }
 
 TEST_F(Values, OrderIsTotalAcrossKinds) {

@@ -117,7 +117,7 @@ class CORE_API NumberValue final : public PrimitiveValue, public IValueIsEmpty {
     explicit NumberValue(T&& value) noexcept;
     void destroy() noexcept override;
 
-    Numeric value_;
+    alignas(16) Numeric value_; // so that the object's address leaves a fourth bit to Value
 };
 
 /// Keeps its characters in its own block, behind itself, with a null unit at the end.

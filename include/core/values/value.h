@@ -5,6 +5,8 @@
 
 #include <concepts>
 #include <cstdint>
+#include <limits>
+#include <optional>
 #include <utility>
 
 namespace core {
@@ -12,11 +14,32 @@ namespace core {
 /// What a value is, where the difference matters to code.
 enum class ValueKind : std::uint8_t { undefined, null, boolean, number, string, date, type, object };
 
+/// The payload of a Number, to be used as a pointer to it would be: null when there is none. Either borrowed
+/// from the Number's object or made for the occasion, so it is not to be kept longer than the value.
+class NumericRef {
+  public:
+    NumericRef() noexcept = default;
+    explicit NumericRef(const Numeric& number) noexcept : number_(&number) {}
+    explicit NumericRef(std::int64_t whole) noexcept : number_(&made_.emplace(whole)) {}
+    NumericRef(const NumericRef&) = delete;
+    NumericRef& operator=(const NumericRef&) = delete;
+
+    const Numeric& operator*() const noexcept { return *number_; }
+    const Numeric* operator->() const noexcept { return number_; }
+    explicit operator bool() const noexcept { return number_ != nullptr; }
+    friend bool operator==(const NumericRef& ref, std::nullptr_t) noexcept { return ref.number_ == nullptr; }
+
+  private:
+    std::optional<Numeric> made_;
+    const Numeric* number_ = nullptr;
+};
+
 /// Holds one value, never none: a null pointer becomes Undefined.
 ///
 /// One word, in whose lowest bits the kind stands, so that telling kinds apart and reading primitive values
-/// touch no more than the payload. Undefined, Null and the Booleans, whose objects everybody shares, are the
-/// word alone. Copies count, moves do not and leave Undefined.
+/// touch no more than the payload. Undefined, Null, the Booleans and whole numbers of up to 60 bits are the
+/// word alone; an object is made of such a number when one is asked for. Copies count, moves do not and leave
+/// Undefined.
 class CORE_API Value {
   public:
     Value() = default;
@@ -67,8 +90,15 @@ class CORE_API Value {
     [[nodiscard]] bool isUndefined() const noexcept { return bits_ == 0; }
     [[nodiscard]] bool isObject() const noexcept { return kind() == ValueKind::object; }
     /// The payload when the value is of that kind, else null. Borrowed from the value.
-    [[nodiscard]] const Numeric* asNumeric() const noexcept {
-        return kind() == ValueKind::number ? &number()->payload() : nullptr;
+    [[nodiscard]] NumericRef asNumeric() const noexcept {
+        if (inWord())
+            return NumericRef(whole());
+        return kind() == ValueKind::number ? NumericRef(number()->payload()) : NumericRef();
+    }
+    /// The number that the word itself holds, the quickest way to one. Empty for other values, among them
+    /// Numbers that were given as objects.
+    [[nodiscard]] std::optional<std::int64_t> asSmallWhole() const noexcept {
+        return inWord() ? std::optional(whole()) : std::nullopt;
     }
     [[nodiscard]] const Date* asDate() const noexcept {
         return kind() == ValueKind::date ? &as<DateValue>()->payload() : nullptr;
@@ -88,17 +118,31 @@ class CORE_API Value {
     [[nodiscard]] InterfacePtr<T> query() const noexcept {
         return isObject() ? InterfacePtr<T>(object()) : InterfacePtr<T>();
     }
-    /// The same as an interface pointer.
-    [[nodiscard]] InterfacePtr<IValue> getIValue() const noexcept { return InterfacePtr<IValue>(object()); }
-    /// The object behind the value, borrowed, never null.
+    /// The value as an object, never null.
+    [[nodiscard]] InterfacePtr<IValue> getIValue() const {
+        return inWord() ? makeObject() : InterfacePtr<IValue>(object());
+    }
+    /// The object behind the value, borrowed; null for a Number without one.
     [[nodiscard]] IValue* object() const noexcept;
-    [[nodiscard]] Type type() const noexcept { return Type(object()->getType()); }
+    [[nodiscard]] Type type() const noexcept;
 
     // read: true when the value has such a reading, see IValue
-    bool getBoolean(bool& out) const { return object()->getBoolean(out); }
-    bool getNumeric(Numeric& out) const { return object()->getNumeric(out); }
-    bool getString(wstring& out) const { return object()->getString(out); }
-    bool getDate(Date& out) const { return object()->getDate(out); }
+    bool getBoolean(bool& out) const {
+        if (!inWord())
+            return object()->getBoolean(out);
+        out = whole() != 0;
+        return true;
+    }
+    bool getNumeric(Numeric& out) const {
+        if (!inWord())
+            return object()->getNumeric(out);
+        out = whole();
+        return true;
+    }
+    bool getString(wstring& out) const {
+        return inWord() ? makeObject()->getString(out) : object()->getString(out);
+    }
+    bool getDate(Date& out) const { return inWord() ? makeObject()->getDate(out) : object()->getDate(out); }
     /// The string reading.
     [[nodiscard]] wstring presentation() const {
         wstring text;
@@ -109,27 +153,45 @@ class CORE_API Value {
     // compare
     [[nodiscard]] std::int32_t hashCode() const noexcept;
     [[nodiscard]] bool equals(const Value& other) const noexcept;
-    [[nodiscard]] bool equals(const IValue* other) const noexcept { return object()->isEqual(other); }
+    [[nodiscard]] bool equals(const IValue* other) const noexcept;
     friend bool operator==(const Value& a, const Value& b) noexcept { return a.equals(b); }
 
   private:
     enum class Bits : std::uintptr_t {};
     static constexpr std::uintptr_t kTagMask = 7;
     static constexpr std::uintptr_t kTrueBit = 8;
+    static constexpr std::uintptr_t kWholeBit = 8; // of a Number; never set in the address of its object
+    static constexpr std::uintptr_t kWholeTag = static_cast<std::uintptr_t>(ValueKind::number) | kWholeBit;
+    static constexpr int kWholeShift = 4;
+    static constexpr std::int64_t kMostInWord = std::numeric_limits<std::intptr_t>::max() >> kWholeShift;
 
     explicit Value(Bits bits) noexcept : bits_(static_cast<std::uintptr_t>(bits)) {}
     static constexpr std::uintptr_t tag(ValueKind kind) noexcept { return static_cast<std::uintptr_t>(kind); }
+
     template <NumericInteger T>
     static std::uintptr_t make(T value) {
-        if constexpr (std::is_unsigned_v<T> && sizeof(T) == sizeof(std::uint64_t))
-            return makeUnsigned(value);
-        else
-            return makeSigned(static_cast<std::int64_t>(value));
+        if constexpr (std::is_unsigned_v<T> && sizeof(T) == sizeof(std::uint64_t)) {
+            if (value > static_cast<std::uint64_t>(kMostInWord))
+                return makeBoxed(Numeric(value));
+        }
+        return makeWhole(static_cast<std::int64_t>(value));
     }
-    static std::uintptr_t makeSigned(std::int64_t value);
-    static std::uintptr_t makeUnsigned(std::uint64_t value);
+    static std::uintptr_t makeWhole(std::int64_t value) {
+        if (value > kMostInWord || value < -kMostInWord)
+            return makeBoxed(Numeric(value));
+        return static_cast<std::uintptr_t>(value) << kWholeShift | kWholeTag;
+    }
+    static std::uintptr_t makeBoxed(Numeric&& value);
+    [[nodiscard]] InterfacePtr<IValue> makeObject() const;
 
-    [[nodiscard]] bool counted() const noexcept { return (bits_ & kTagMask) >= tag(ValueKind::number); }
+    /// Whether the value is a Number without an object.
+    [[nodiscard]] bool inWord() const noexcept { return (bits_ & (kTagMask | kWholeBit)) == kWholeTag; }
+    [[nodiscard]] std::int64_t whole() const noexcept {
+        return static_cast<std::intptr_t>(bits_) >> kWholeShift;
+    }
+    [[nodiscard]] bool counted() const noexcept {
+        return (bits_ & kTagMask) >= tag(ValueKind::number) && !inWord();
+    }
     template <class T>
     [[nodiscard]] T* as() const noexcept {
         return static_cast<T*>(primitive());
