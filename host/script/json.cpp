@@ -10,6 +10,7 @@
 #include <core/serialization/persistence.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
+#include <core/strings/term.h>
 
 #include <nlohmann/json.hpp>
 
