@@ -86,6 +86,13 @@ void ListInStream::skipString() {
     }
 }
 
+void ListInStream::skipBare() {
+    for (int unit = source_.peek(); unit != u',' && unit != u'}'; unit = source_.peek()) {
+        if (source_.take() == UnitSource::kEnd)
+            return;
+    }
+}
+
 void ListInStream::skipListContent() {
     std::uint64_t depth = 0; // of lists begun here
     for (;;) {
@@ -103,10 +110,9 @@ void ListInStream::skipListContent() {
         } else {
             if (unit == u'"')
                 skipString();
-            else
-                while (source_.peek() != u',' && source_.peek() != u'}' &&
-                       source_.take() != UnitSource::kEnd) {
-                }
+            // An escape has ended the string too early: its rest counts as a bare token.
+            if (unit != u'"' || source_.peek() == u'\\')
+                skipBare();
             commaExpected_ = true;
         }
     }

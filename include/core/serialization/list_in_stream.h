@@ -62,6 +62,7 @@ class CORE_API ListInStream {
     [[noreturn]] static void fail();
     [[nodiscard]] std::uint64_t getInteger(bool withSign);
     void skipString();
+    void skipBare();
 
     wistream& in_;
     UnitSource source_;
