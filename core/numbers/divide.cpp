@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/numbers/divide.h"
+
+#include "core/numbers/newton.h"
 #include "core/numbers/reciprocal.h"
 #include "core/numbers/scratch.h"
 
@@ -59,19 +62,24 @@ void divide_short(std::span<Limb> q, const ShiftedWords& a, std::size_t words,
 }
 
 /// r −= v × q in place, for r of one word more than v; returns whether the result wrapped below zero.
+///
+/// With ratio = ⌊q × 2^64 / 10^18⌋, the upper half of v[i] × ratio is the upper word of v[i] × q or 1 less.
+/// The products do not wait for one another; only the borrows form a chain.
 bool subtract_product(std::span<Word> r, std::span<const Word> v, Word q) noexcept {
+    const Word ratio = split_word(DoubleWord{q} << 64).quotient;
     Word carry = 0;
     Word borrow = 0;
     for (std::size_t i = 0; i < v.size(); ++i) {
-        // The products do not wait for one another; only the short additions form a chain.
-        const auto [high, low] = split_word(product(v[i], q));
-        Word subtrahend = low + carry;
-        const bool over = subtrahend >= kWordBase;
-        subtrahend -= over ? kWordBase : 0;
-        carry = high + (over ? 1 : 0);
-        const Word difference = r[i] - subtrahend - borrow;
-        borrow = difference >> 63;
-        r[i] = borrow != 0 ? difference + kWordBase : difference;
+        const Word high = high_half(product(v[i], ratio));
+        const Word low = v[i] * q - high * kWordBase; // below twice the base
+        const Word over = low >= kWordBase ? 1 : 0;
+        const Word subtrahend = low - (mask(over != 0) & kWordBase) + carry;
+        carry = high + over;
+        const Word difference = r[i] - subtrahend - borrow; // wraps if negative, and is above −2 × 10^18
+        const Word once = mask(difference >> 63 != 0);
+        const Word twice = mask((difference + kWordBase) >> 63 != 0);
+        r[i] = difference + (once & kWordBase) + (twice & kWordBase);
+        borrow = 0 - once - twice;
     }
     const Word top = r[v.size()] - carry - borrow;
     r[v.size()] = 0;
@@ -125,6 +133,38 @@ void divide_long(std::span<Limb> q, const ShiftedWords& a, std::span<const Limb>
     }
 }
 
+/// x ×= factor; the top word of x takes the carry.
+void scale(std::span<Word> x, Word factor) noexcept {
+    Word carry = 0;
+    for (Word& word : x) {
+        const auto [high, low] = split_word(product(word, factor) + carry);
+        word = low;
+        carry = high;
+    }
+}
+
+/// Both numbers are multiplied by one factor, so that the divisor's top word is at least half the base. The
+/// dividend gets a word on top for that, which also keeps its upper words below the divisor.
+void divide_very_long(std::span<Limb> q, const ShiftedWords& a, std::span<const Limb> b) {
+    const std::size_t n = word_count(b.size());
+    const std::size_t words = word_count(a.limbs());
+    const std::size_t quotient = words + 1 - n;
+    const std::unique_ptr<Word[]> memory(new Word[n + words + 1 + quotient]);
+    const std::span<Word> v(memory.get(), n);
+    const std::span<Word> u(memory.get() + n, words + 1);
+    const std::span<Word> result(memory.get() + n + words + 1, quotient);
+    pack(v, b);
+    for (std::size_t i = 0; i < words; ++i) {
+        u[i] = a[i];
+    }
+    u[words] = 0;
+    const Word factor = kWordBase / (v.back() + 1);
+    scale(v, factor);
+    scale(u, factor);
+    divide_newton(result, u, v);
+    unpack(q, result);
+}
+
 } // namespace
 
 void divide_schoolbook(std::span<Word> q, std::span<Word> u, std::span<const Word> v) noexcept {
@@ -146,8 +186,10 @@ void divide(std::span<Limb> q, std::span<const Limb> a, std::size_t shift, std::
         divide_short(q, dividend, words, OneWordDivisor(low_half(value_of(b))));
     } else if (b.size() <= 4) {
         divide_short(q, dividend, words, TwoWordDivisor(value_of(b)));
-    } else {
+    } else if (b.size() < 2 * kNewtonThreshold || dividend.limbs() < b.size() + 2 * kNewtonThreshold) {
         divide_long(q, dividend, b);
+    } else {
+        divide_very_long(q, dividend, b);
     }
 }
 

@@ -1,36 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/numbers/limbs.h"
 
+#include "core/numbers/lanes.h"
+
 namespace core::limbs {
 
 Limb add_to(std::span<Limb> out, std::span<const Limb> a) noexcept {
-    Limb carry = 0;
+    Pair carry = 0;
     std::size_t i = 0;
-    for (; i < a.size(); ++i) {
-        const Limb sum = out[i] + a[i] + carry;
+    for (; i + 2 <= a.size(); i += 2) {
+        store_pair(&out[i], add_pair(load_pair(&out[i]), load_pair(&a[i]), carry));
+    }
+    for (; i < out.size() && (i < a.size() || carry != 0); ++i) {
+        const Limb sum = out[i] + (i < a.size() ? a[i] : 0) + static_cast<Limb>(carry);
         carry = sum >= kLimbBase ? 1 : 0;
-        out[i] = carry != 0 ? sum - kLimbBase : sum;
+        out[i] = sum - (carry != 0 ? kLimbBase : 0);
     }
-    for (; carry != 0 && i < out.size(); ++i) {
-        carry = out[i] == kLimbBase - 1 ? 1 : 0;
-        out[i] = carry != 0 ? 0 : out[i] + 1;
-    }
-    return carry;
+    return static_cast<Limb>(carry);
 }
 
 Limb subtract_from(std::span<Limb> out, std::span<const Limb> a) noexcept {
-    Limb borrow = 0;
+    Pair borrow = 0;
     std::size_t i = 0;
-    for (; i < a.size(); ++i) {
-        const Limb difference = out[i] - a[i] - borrow; // below zero it wraps past 2^31
-        borrow = difference >> 31;
-        out[i] = borrow != 0 ? difference + kLimbBase : difference;
+    for (; i + 2 <= a.size(); i += 2) {
+        store_pair(&out[i], subtract_pair(load_pair(&out[i]), load_pair(&a[i]), borrow));
     }
-    for (; borrow != 0 && i < out.size(); ++i) {
-        borrow = out[i] == 0 ? 1 : 0;
-        out[i] = borrow != 0 ? kLimbBase - 1 : out[i] - 1;
+    for (; i < out.size() && (i < a.size() || borrow != 0); ++i) {
+        const Limb difference = out[i] - (i < a.size() ? a[i] : 0) - static_cast<Limb>(borrow);
+        borrow = difference >> 31; // below zero it wraps past 2^31
+        out[i] = difference + (borrow != 0 ? kLimbBase : 0);
     }
-    return borrow;
+    return static_cast<Limb>(borrow);
 }
 
 } // namespace core::limbs

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/numbers/multiply.h"
+
 #include "core/numbers/scratch.h"
-#include "core/numbers/words.h"
+#include "core/numbers/transform.h"
 
 #include <algorithm>
 #include <cassert>
@@ -28,22 +30,101 @@ void multiply_columns(std::span<Limb> out, std::span<const Limb> a, std::span<co
     out[columns] = static_cast<Limb>(sum);
 }
 
-/// The same on words, for factors of which the shorter has at most 256.
+/// The same on words, for factors of which the shorter has at most 256. A column is summed in two chains and
+/// meets the carry last, so that it does not wait for the reduction of the column before.
 void multiply_columns(std::span<Word> out, std::span<const Word> a, std::span<const Word> b) noexcept {
-    DoubleWord sum = 0;
+    DoubleWord carry = 0;
     const std::size_t columns = out.size() - 1;
     for (std::size_t k = 0; k < columns; ++k) {
         const std::size_t first = k < b.size() ? 0 : k - b.size() + 1;
-        const std::size_t last = std::min(k + 1, a.size());
-        for (std::size_t i = first; i < last; ++i) {
-            sum += product(a[i], b[k - i]);
+        std::size_t count = std::min(k + 1, a.size()) - first;
+        const Word* p = a.data() + first;
+        const Word* q = b.data() + (k - first);
+        DoubleWord even = 0;
+        DoubleWord odd = 0;
+        for (; count >= 4; count -= 4, p += 4, q -= 4) {
+            even += product(p[0], q[0]);
+            odd += product(p[1], q[-1]);
+            even += product(p[2], q[-2]);
+            odd += product(p[3], q[-3]);
         }
-        out[k] = reduce_column(sum);
+        for (; count != 0; --count, ++p, --q) {
+            even += product(*p, *q);
+        }
+        carry += even + odd;
+        out[k] = reduce_column(carry);
     }
-    out[columns] = low_half(sum);
+    out[columns] = low_half(carry);
 }
 
-constexpr std::size_t kMaxColumns = 256;
+/// Words of working area for multiply_halves() on factors of n words: 4m + 1 a level, m half of n rounded up.
+constexpr std::size_t halves_scratch(std::size_t n) noexcept {
+    return 4 * n + 256;
+}
+
+/// out = a × b for factors of equal size, by Karatsuba's method: with a = a1 W + a0 and b = b1 W + b0, the
+/// middle of the product is a0 b0 + a1 b1 − (a1 − a0) (b1 − b0).
+void multiply_halves(std::span<Word> out, std::span<const Word> a, std::span<const Word> b,
+                     std::span<Word> scratch) noexcept {
+    const std::size_t n = a.size();
+    if (n < kHalvesThreshold) {
+        multiply_columns(out, a, b);
+        return;
+    }
+    const std::size_t m = (n + 1) / 2;
+    const auto difference = [m](std::span<Word> target, std::span<const Word> x) {
+        const auto low = x.first(m);
+        const auto high = x.subspan(m);
+        const bool negative = [&] {
+            return low.size() > high.size() && low.back() != 0 ? false
+                                                               : compare(high, low.first(high.size())) > 0;
+        }();
+        const auto greater = negative ? high : low;
+        const auto smaller = negative ? low.first(high.size()) : high;
+        std::fill(std::copy(greater.begin(), greater.end(), target.begin()), target.end(), Word{0});
+        subtract_from(target, smaller);
+        return negative;
+    };
+    const auto differences = out.first(2 * m);
+    const bool negative = difference(differences.first(m), a) != difference(differences.subspan(m), b);
+    const auto crossed = scratch.first(2 * m);
+    const auto rest = scratch.subspan(2 * m);
+    multiply_halves(crossed, differences.first(m), differences.subspan(m), rest);
+    multiply_halves(out.first(2 * m), a.first(m), b.first(m), rest);
+    multiply_halves(out.subspan(2 * m), a.subspan(m), b.subspan(m), rest);
+
+    const auto middle = rest.first(2 * m + 1);
+    std::copy_n(out.begin(), 2 * m, middle.begin());
+    middle.back() = 0;
+    add_to(middle, out.subspan(2 * m));
+    if (negative) {
+        add_to(middle, crossed);
+    } else {
+        subtract_from(middle, crossed);
+    }
+    // The last word of the middle is zero where the product has no place for it.
+    const auto target = out.subspan(m);
+    add_to(target, std::span<const Word>(middle).first(std::min(middle.size(), target.size())));
+}
+
+/// Slices of the longer factor as long as the shorter, each product added at its place.
+void multiply_slices(std::span<Word> out, std::span<const Word> a, std::span<const Word> b) {
+    const std::size_t n = b.size();
+    const std::unique_ptr<Word[]> memory(new Word[2 * n + halves_scratch(n)]);
+    const std::span<Word> part(memory.get(), 2 * n);
+    const std::span<Word> scratch(memory.get() + 2 * n, halves_scratch(n));
+    std::fill(out.begin(), out.end(), Word{0});
+    for (std::size_t i = 0; i < a.size(); i += n) {
+        const auto slice = a.subspan(i, std::min(n, a.size() - i));
+        const auto product = part.first(n + slice.size());
+        if (slice.size() == n) {
+            multiply_halves(product, slice, b, scratch);
+        } else {
+            multiply(product, b, slice);
+        }
+        add_to(out.subspan(i), product);
+    }
+}
 
 } // namespace
 
@@ -52,18 +133,12 @@ void multiply(std::span<Word> out, std::span<const Word> a, std::span<const Word
     if (a.size() < b.size()) {
         std::swap(a, b);
     }
-    if (b.size() <= kMaxColumns) {
+    if (b.size() < kHalvesThreshold) {
         multiply_columns(out, a, b);
-        return;
-    }
-    // Slices of the shorter factor, each added at its place.
-    std::fill(out.begin(), out.end(), Word{0});
-    Scratch<Word, 1> part(a.size() + kMaxColumns);
-    for (std::size_t i = 0; i < b.size(); i += kMaxColumns) {
-        const auto slice = b.subspan(i, std::min(kMaxColumns, b.size() - i));
-        const auto sum = part.span().first(a.size() + slice.size());
-        multiply_columns(sum, a, slice);
-        add_to(out.subspan(i), sum);
+    } else if (b.size() < kTransformThreshold) {
+        multiply_slices(out, a, b);
+    } else {
+        multiply_by_transform(out, a, b);
     }
 }
 
@@ -74,14 +149,17 @@ void multiply(std::span<Limb> out, std::span<const Limb> a, std::span<const Limb
         return;
     }
     constexpr std::size_t kStack = 128;
+    const bool square = a.data() == b.data() && a.size() == b.size();
     const std::size_t na = word_count(a.size());
     const std::size_t nb = word_count(b.size());
-    Scratch<Word, kStack> factors(na + nb);
+    Scratch<Word, kStack> factors(na + (square ? 0 : nb));
     Scratch<Word, kStack> result(na + nb);
     const auto wa = factors.span().first(na);
-    const auto wb = factors.span().subspan(na);
+    const auto wb = square ? wa : factors.span().subspan(na);
     pack(wa, a);
-    pack(wb, b);
+    if (!square) {
+        pack(wb, b);
+    }
     multiply(result.span(), wa, wb);
     unpack(out, result.span());
 }

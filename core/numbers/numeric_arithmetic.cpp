@@ -161,8 +161,20 @@ void Numeric::divideLong(Numeric& out, const Numeric& a, const Numeric& b) {
     out = std::move(result);
 }
 
+/// With the point at the same limb in both, what is left of a whole quotient is at least one unit of that
+/// limb, a part of the divisor far above the last limb of the quotient: rounding cannot reach the next whole
+/// number, and the remainder is that of the limbs.
 Numeric& Numeric::remainder(Numeric& out, const Numeric& a, const Numeric& b) {
-    return out = a - (a / b).wholePart() * b;
+    if (!a.isSmall() || !b.isSmall() || a.fraction_ != b.fraction_ || b.count_ == 0) {
+        return out = a - (a / b).wholePart() * b;
+    }
+    const auto value = [](const Numeric& n) {
+        const Lanes lanes(n.limbs_);
+        return product(word_of(lanes.pairs[1]), kWordBase) + word_of(lanes.pairs[0]);
+    };
+    const auto [high, low] = split_word(value(a) % value(b));
+    out.store({pair_of(low), pair_of(high), 0, 0}, a.fraction_, a.negative());
+    return out;
 }
 
 /// The number cut off towards zero.

@@ -31,10 +31,9 @@ class OneWordDivisor {
         const DoubleWord q = product(reciprocal_, high_half(u)) + u;
         Word quotient = high_half(q) + 1;
         Word rest = low_half(u) - quotient * divisor_;
-        if (rest > low_half(q)) {
-            --quotient;
-            rest += divisor_;
-        }
+        const Word too_large = mask(rest > low_half(q));
+        quotient += too_large;
+        rest += too_large & divisor_;
         if (rest >= divisor_) [[unlikely]] {
             ++quotient;
             rest -= divisor_;
@@ -75,11 +74,9 @@ class TwoWordDivisor {
         Word quotient = high_half(q);
         const Word r1 = low_half(upper) - quotient * d1;
         DoubleWord rest = ((DoubleWord{r1} << 64) | low_half(low_sum)) - product(d0, quotient) - divisor_;
-        ++quotient;
-        if (high_half(rest) >= low_half(q)) {
-            --quotient;
-            rest += divisor_;
-        }
+        const Word too_large = mask(high_half(rest) >= low_half(q));
+        quotient += 1 + too_large;
+        rest += DoubleWord{too_large & d1} << 64 | (too_large & d0);
         if (rest >= divisor_) [[unlikely]] {
             ++quotient;
             rest -= divisor_;

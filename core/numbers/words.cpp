@@ -41,7 +41,7 @@ Word add_to(std::span<Word> out, std::span<const Word> a) noexcept {
     for (; i < a.size(); ++i) {
         const Word sum = out[i] + a[i] + carry;
         carry = sum >= kWordBase ? 1 : 0;
-        out[i] = carry != 0 ? sum - kWordBase : sum;
+        out[i] = sum - (mask(carry != 0) & kWordBase);
     }
     for (; carry != 0 && i < out.size(); ++i) {
         carry = out[i] == kWordBase - 1 ? 1 : 0;
@@ -56,7 +56,7 @@ Word subtract_from(std::span<Word> out, std::span<const Word> a) noexcept {
     for (; i < a.size(); ++i) {
         const Word difference = out[i] - a[i] - borrow; // below zero it wraps past 2^63
         borrow = difference >> 63;
-        out[i] = borrow != 0 ? difference + kWordBase : difference;
+        out[i] = difference + (mask(borrow != 0) & kWordBase);
     }
     for (; borrow != 0 && i < out.size(); ++i) {
         borrow = out[i] == 0 ? 1 : 0;

@@ -110,6 +110,13 @@ TEST(Arithmetic, QuotientsHaveTheDigitsOfTheRule) {
         const Numeric whole = quotient.sign() < 0 ? -(-quotient).floor() : quotient.floor();
         expect_equal(a % b, a - whole * b, a, b);
     }
+    // Quotients whose next limb is exactly half, by short and long numbers.
+    for (const Numeric& a : {Numeric(1), num("7.000000000000000000000000000000000000000000001")}) {
+        for (const int exponent : {28, 37, 73, 28 + 27 * 9}) {
+            const Numeric b = Numeric(2).pow(exponent);
+            expect_equal(a / b, model_quotient(a, b), a, b);
+        }
+    }
     EXPECT_EQ(Numeric(1) / 3, num("0.333333333333333333333333333"));
     EXPECT_EQ(Numeric(2) / 3, num("0.666666666666666666666666667"));
     EXPECT_EQ(Numeric(1'000'000'000) / 3, num("333333333.333333333333333333333333333"));

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/numbers/words.h"
+
+namespace core::limbs {
+
+/// Words in both quotient and divisor from which multiplication by the reciprocal beats the schoolbook.
+inline constexpr std::size_t kNewtonThreshold = 64;
+
+/// Divides in place by schoolbook: q = ⌊u / v⌋ in q.size() == u.size() − v.size() words, u becomes the
+/// remainder. v has at least two words, the top one not zero, and the top v.size() words of u are below v.
+void divide_schoolbook(std::span<Word> q, std::span<Word> u, std::span<const Word> v) noexcept;
+
+} // namespace core::limbs
