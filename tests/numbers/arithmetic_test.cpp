@@ -129,15 +129,15 @@ TEST(Arithmetic, QuotientsHaveTheDigitsOfTheRule) {
 TEST(Arithmetic, OperandsMayBeTheSameObject) {
     Numeric n = num("-12345678901234567890123456789012345678901234567890.5");
     const Numeric copy = n;
-    n += n;
-    EXPECT_EQ(n, copy * 2);
-    n *= n;
-    EXPECT_EQ(n, copy * copy * 4);
-    n /= n;
-    EXPECT_EQ(n, 1);
-    n -= n;
-    EXPECT_EQ(n, 0);
     Numeric& self = n;
+    n += self;
+    EXPECT_EQ(n, copy * 2);
+    n *= self;
+    EXPECT_EQ(n, copy * copy * 4);
+    n /= self;
+    EXPECT_EQ(n, 1);
+    n -= self;
+    EXPECT_EQ(n, 0);
     n = copy;
     n = self;
     EXPECT_EQ(n, copy);
@@ -238,13 +238,13 @@ TEST(Power, RefusesWhatHasNoResult) {
     EXPECT_EQ(error_of([] { return Numeric(-8).pow(num("0.5")); }), Error::negativePower);
     EXPECT_EQ(error_of([] { return Numeric(-8).pow(1'000'000'000); }), Error::negativePower);
     EXPECT_EQ(error_of([] { return Numeric(10).pow(1'000'000'000); }), Error::overflow);
-    for (const auto& [base, exponent] : {std::pair{"10", 100'000'000},
-                                         {"0.1", 100'000'001},
-                                         {"9999999999", -10'000'001},
-                                         {"1.5", 999'999'999}}) {
-        EXPECT_EQ(error_of([&] { return num(base).pow(exponent); }), Error::overflow)
-            << base << "^" << exponent;
-    }
+    const auto too_long = [](const char* base, int exponent) {
+        return error_of([&] { return num(base).pow(exponent); }) == Error::overflow;
+    };
+    EXPECT_TRUE(too_long("10", 100'000'000));
+    EXPECT_TRUE(too_long("0.1", 100'000'001));
+    EXPECT_TRUE(too_long("9999999999", -10'000'001));
+    EXPECT_TRUE(too_long("1.5", 999'999'999));
 }
 
 } // namespace
