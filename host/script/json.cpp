@@ -11,6 +11,7 @@
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
 #include <core/strings/term.h>
+#include <core/strings/term.h>
 
 #include <nlohmann/json.hpp>
 
