@@ -11,7 +11,6 @@
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
 #include <core/strings/term.h>
-#include <core/strings/term.h>
 
 #include <nlohmann/json.hpp>
 
