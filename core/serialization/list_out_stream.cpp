@@ -101,6 +101,12 @@ void ListOutStream::put(wstring_view text) {
     endToken();
 }
 
+void ListOutStream::putBare(wstring_view token) {
+    putComma();
+    sink_.write(token);
+    endToken();
+}
+
 void ListOutStream::put(const wchar* text, std::uint32_t length) {
     put(terminated(text, length));
 }

@@ -50,6 +50,8 @@ class CORE_API ListOutStream {
     void put(const wchar* text, std::uint32_t length);
     template <CharacterCode T>
     void put(T) = delete;
+    /// A bare token as it stands, for tools that do not know its meaning.
+    void putBare(wstring_view token);
 
   protected:
     /// Writes "," if an element stands in front.

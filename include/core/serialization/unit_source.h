@@ -45,8 +45,6 @@ class UnitSource {
     }
     /// Consumes and returns the next unit, or kEnd.
     [[nodiscard]] int take() {
-        if (runs_ == nullptr)
-            return takePlain();
         const int unit = peek();
         if (unit != kEnd)
             skip();
@@ -66,22 +64,16 @@ class UnitSource {
         if (plain_ == nullptr)
             return kEnd;
         const auto unit = plain_->sgetc();
-        return Traits::eq_int_type(unit, Traits::eof()) ? kEnd : Traits::to_char_type(unit);
-    }
-    [[nodiscard]] int takePlain() {
-        const int unit = peekPlain();
-        if (unit != 0xFFFD) {
-            if (unit != kEnd)
-                skip();
-            return unit;
+        if (Traits::eq_int_type(unit, Traits::eof()))
+            return kEnd;
+        wchar stored = Traits::to_char_type(unit);
+        if (stored == 0xFFFD) {
+            // Some libraries report U+FFFF so, lest it be taken for their mark of the end: look at what is
+            // stored.
+            plain_->sgetn(&stored, 1);
+            plain_->sungetc();
         }
-        // Some libraries report U+FFFF as U+FFFD, so that it is not taken for their mark of the end.
-        wchar stored = kEndUnit;
-        plain_->sgetn(&stored, 1);
-        if (stored != kEndUnit)
-            return stored;
-        plain_->sungetc();
-        return kEnd;
+        return stored == kEndUnit ? kEnd : stored;
     }
 
     std::basic_streambuf<wchar>* plain_;
