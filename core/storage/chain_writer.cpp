@@ -46,10 +46,8 @@ void ChainWriter::addFresh(RangeSet& ranges) const {
 }
 
 void ChainWriter::discard() noexcept {
-    try {
-        container_.release(std::exchange(fresh_, BlockRuns(container_.layout().blockHeaderSize())));
-    } catch (const std::exception&) { // taken back already
-    }
+    container_.giveBack(fresh_);
+    fresh_ = BlockRuns(container_.layout().blockHeaderSize());
 }
 
 // Reading.

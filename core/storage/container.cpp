@@ -97,7 +97,7 @@ void Container::beginTurn() {
 void Container::endTurn() noexcept {
     const std::lock_guard lock(mutex_);
     if (turns_ == 1) {
-        if (table_.hasChanges() || space_.hasChanges())
+        if (unsettled_ || table_.hasChanges() || space_.hasChanges())
             takeBack();
         if (readings_ != 0 && !readLocked_) { // somebody goes on reading after our turn
             try {

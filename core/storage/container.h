@@ -195,6 +195,7 @@ class Container : public std::enable_shared_from_this<Container> {
     BlockRuns freeBlocks_;
     FreeSpace space_;
     std::uint64_t state_ = 0;
+    bool unsettled_ = false; // blocks were taken since the last commit; they may be written
 
     unsigned readings_ = 0;
     bool readLocked_ = false;

@@ -56,19 +56,20 @@ void Container::commitChanges() {
     ContainerHead head = head_;
     BlockRuns tableBlocks(layout_.blockHeaderSize());
     BlockRuns freeBlocks(layout_.blockHeaderSize());
-    std::uint64_t end = 0;
+    StorageFilesType table(layout_);
     bool flushing = false;
     try {
         release(tableBlocks_);
         release(freeBlocks_);
-        const std::uint64_t size = table_.encodedSize();
+        table = table_.merged();
+        const std::uint64_t size = table.encodedSize();
         const std::uint64_t beyondFirst = size > kStorageBlockSize ? size - kStorageBlockSize : 0;
         const auto place = allocate((beyondFirst + kStorageBlockSize - 1) / kStorageBlockSize);
         for (const BlockRange& range : place)
             tableBlocks.append(range.address, kStorageBlockSize, range.count);
         head.freeChain = writeFreeChain(kept, freeBlocks);
-        end = space_.outlook(kept).end;
-        const std::vector<std::byte> content = table_.encode(end);
+        table.setEnd(space_.outlook(kept).end);
+        const std::vector<std::byte> content = table.encode();
         if (!place.empty())
             write(place, std::span(content).subspan(kStorageBlockSize), 0, layout_.null);
         head.table.chainSize = size;
@@ -99,11 +100,11 @@ void Container::commitChanges() {
 
     head_ = head;
     headBytes_ = head.encode(layout_);
-    table_.settle();
-    table_.setEnd(end);
+    table_ = std::move(table);
     tableBlocks_ = std::move(tableBlocks);
     freeBlocks_ = std::move(freeBlocks);
     space_.commit(kept);
+    unsettled_ = !kept.empty();
     spaceCounter_ = head.counter;
     reader_.setEnd(space_.end());
     ++state_;
@@ -151,6 +152,7 @@ void Container::writeHead(const ContainerHead& head) {
 void Container::takeBack() noexcept {
     for (FileWithBuffer* file : files_)
         file->lose();
+    unsettled_ = false;
     table_.revert();
     try {
         space_.rollback();
@@ -180,6 +182,7 @@ std::vector<BlockRange> Container::allocate(std::uint64_t blocks) {
     if (blocks != 0 && !(appending_ ? space_.allocateAtEnd(blocks, place) : space_.allocate(blocks, place)))
         throw_error<StorageException>("IDS_STERROR_TOOLARGE", {url_});
     reader_.setEnd(std::max(reader_.end(), space_.end()));
+    unsettled_ = unsettled_ || blocks != 0;
     return place;
 }
 
@@ -196,13 +199,15 @@ void Container::giveBack(std::span<const BlockRange> place) noexcept {
 }
 
 void Container::giveBack(const BlockRuns& blocks) noexcept {
+    for (auto run = blocks.runs().rbegin(); run != blocks.runs().rend(); ++run)
+        queue_.drop(run->address, run->address + blocks.lengthOf(*run));
     (void)space_.release(blocks); // false: everything was taken back by now
 }
 
 void Container::write(std::span<const BlockRange> place, std::span<const std::byte> content,
                       std::uint64_t chainSize, std::uint64_t next) {
     const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
-    const std::uint64_t atOnce = WriteQueue::kCapacity / step;
+    const std::uint64_t atOnce = WriteQueue::kPiece / step;
     reader_.forget();
     for (std::size_t i = 0; i < place.size(); ++i) {
         const std::uint64_t behind = i + 1 < place.size() ? place[i + 1].address : next;

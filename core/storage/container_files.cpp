@@ -13,6 +13,9 @@
 namespace core {
 namespace {
 
+// Attributes are read in one call with the beginning of the content, which follows them where there was room.
+constexpr std::uint64_t kWithContent = 2048;
+
 std::uint64_t blocks_for(std::uint64_t size) {
     return (size + kStorageBlockSize - 1) / kStorageBlockSize;
 }
@@ -56,7 +59,7 @@ StorageFileInfo Container::readInfo(const StorageFileEntry& entry, wstring_view 
         none.name = name;
         return none;
     }
-    ChainInFile attributes = chain(entry.attributes, 0);
+    ChainInFile attributes = chain(entry.attributes, kWithContent);
     auto info = StorageFileInfo::decode(content(attributes));
     if (!info || info->name != name)
         throwBadFormat();
@@ -119,7 +122,7 @@ void Container::changed(wstring_view name) noexcept {
 }
 
 void Container::addBlocks(std::uint64_t address, BlockRuns& blocks) {
-    ChainInFile walked = chain(address, 0);
+    ChainInFile walked = chain(address, kWithContent);
     walked.walk(reader_);
     for (const BlockRun& run : walked.runs().runs())
         blocks.append(run.address, run.size, run.count);

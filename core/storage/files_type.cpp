@@ -10,6 +10,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <limits>
 #include <string_view>
 
 namespace core {
@@ -151,21 +152,59 @@ std::optional<StorageFileEntry> StorageFilesType::find(wstring_view name) const 
         if (const auto change = changes_.find(name); change != changes_.end())
             return change->second;
     }
+    const auto row = rowOf(name);
+    return row ? std::optional(rows_[*row].entry) : std::nullopt;
+}
+
+std::optional<std::size_t> StorageFilesType::rowOf(wstring_view name) const {
+    if (index_.empty() && ++searches_ > rows_.size() / 16)
+        makeIndex();
+    if (!index_.empty()) {
+        const std::size_t mask = index_.size() - 1;
+        for (std::size_t slot = Hash()(name) & mask; index_[slot] != 0; slot = (slot + 1) & mask) {
+            if (nameOf(index_[slot] - 1) == name)
+                return index_[slot] - 1;
+        }
+        return std::nullopt;
+    }
     std::size_t low = 0;
     std::size_t high = rows_.size();
     while (low < high) {
         const std::size_t middle = low + (high - low) / 2;
         const int order = compare_file_names(nameOf(middle), name);
         if (order == 0)
-            return rows_[middle].entry;
+            return middle;
         (order < 0 ? low : high) = order < 0 ? middle + 1 : middle;
     }
     return std::nullopt;
 }
 
+void StorageFilesType::makeIndex() const {
+    if (rows_.empty() || rows_.size() >= std::numeric_limits<std::uint32_t>::max())
+        return;
+    index_.resize(std::bit_ceil(2 * rows_.size()));
+    const std::size_t mask = index_.size() - 1;
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        std::size_t slot = Hash()(nameOf(row)) & mask;
+        while (index_[slot] != 0)
+            slot = (slot + 1) & mask;
+        index_[slot] = static_cast<std::uint32_t>(row + 1);
+    }
+}
+
+std::vector<const StorageFilesType::Changes::value_type*> StorageFilesType::sortedChanges() const {
+    std::vector<const Changes::value_type*> sorted;
+    sorted.reserve(changes_.size());
+    for (const auto& change : changes_)
+        sorted.push_back(&change);
+    std::sort(sorted.begin(), sorted.end(),
+              [](const auto* a, const auto* b) { return compare_file_names(a->first, b->first) < 0; });
+    return sorted;
+}
+
 void StorageFilesType::reserve(wstring_view name) {
-    if (!changes_.contains(name))
-        changes_.emplace(wstring(name), find(name));
+    const auto row = rowOf(name);
+    changes_.try_emplace(wstring(name), row ? Change(rows_[*row].entry) : std::nullopt);
 }
 
 void StorageFilesType::set(wstring_view name, const StorageFileEntry& entry) {
@@ -182,60 +221,42 @@ void StorageFilesType::revert() noexcept {
     changes_.clear();
 }
 
-std::uint64_t StorageFilesType::encodedSize() const {
-    std::uint64_t rows = 0;
-    std::uint64_t units = 0;
-    if (changes_.empty()) {
-        rows = rows_.size();
-        units = names_.size();
-    } else {
-        forEach([&](wstring_view name, const StorageFileEntry&) {
-            ++rows;
-            units += name.size();
-        });
-    }
-    return rows == 0 ? 0 : kStorageBlockSize + layout_->width * (2 + 3 * rows) + 2 * units;
+StorageFilesType StorageFilesType::merged() const {
+    StorageFilesType result(*layout_);
+    result.end_ = end_;
+    result.rows_.reserve(rows_.size() + changes_.size());
+    result.names_.reserve(names_.size() + 16 * changes_.size());
+    forEach([&](wstring_view name, const StorageFileEntry& entry) {
+        result.names_.append(name);
+        result.rows_.push_back({entry, result.names_.size()});
+    });
+    return result;
 }
 
-std::vector<std::byte> StorageFilesType::encode(std::uint64_t end) const {
+std::uint64_t StorageFilesType::encodedSize() const noexcept {
+    return rows_.empty() ? 0
+                         : kStorageBlockSize + layout_->width * (2 + 3 * rows_.size()) + 2 * names_.size();
+}
+
+std::vector<std::byte> StorageFilesType::encode() const {
     std::vector<std::byte> content(static_cast<std::size_t>(encodedSize()));
     if (content.empty())
         return content;
     const std::size_t width = layout_->width;
-    std::memcpy(content.data(), preamble().data(), preamble().size());
-    std::byte* const fixed = content.data() + kStorageBlockSize;
-    std::byte* row = fixed + 2 * width;
-    std::uint64_t rows = 0;
-    forEach([&](wstring_view, const StorageFileEntry&) { ++rows; });
-    std::byte* const names = row + rows * 3 * width;
-    std::uint64_t nameEnd = 0;
-    forEach([&](wstring_view name, const StorageFileEntry& entry) {
-        copy_units(names + 2 * nameEnd, name);
-        nameEnd += name.size();
-        store_number(row, entry.attributes, width);
-        store_number(row + width, entry.data, width);
-        store_number(row + 2 * width, nameEnd, width);
-        row += 3 * width;
-    });
-    store_number(fixed, rows, width);
-    store_number(fixed + width, end, width);
+    std::byte* to = std::copy(preamble().begin(), preamble().end(), content.data());
+    const auto put = [&](std::uint64_t number) {
+        store_number(to, number, width);
+        to += width;
+    };
+    put(rows_.size());
+    put(end_);
+    for (const Row& row : rows_) {
+        put(row.entry.attributes);
+        put(row.entry.data);
+        put(row.nameEnd);
+    }
+    copy_units(to, names_);
     return content;
-}
-
-void StorageFilesType::settle() {
-    if (changes_.empty())
-        return;
-    std::vector<Row> rows;
-    rows.reserve(rows_.size() + changes_.size());
-    wstring names;
-    names.reserve(names_.size() + 16 * changes_.size());
-    forEach([&](wstring_view name, const StorageFileEntry& entry) {
-        names.append(name);
-        rows.push_back({entry, names.size()});
-    });
-    rows_ = std::move(rows);
-    names_ = std::move(names);
-    changes_.clear();
 }
 
 } // namespace core

@@ -9,8 +9,10 @@
 namespace core {
 
 std::byte* WriteQueue::extend(std::uint64_t address, std::size_t count) {
-    if (length_ != 0 && (address != address_ + length_ || length_ + count > kCapacity))
+    if (length_ != 0 && address != address_ + length_)
         flush();
+    else if (length_ + count > kCapacity)
+        makeRoom();
     if (length_ == 0)
         address_ = address;
     if (bytes_.size() < length_ + count) // a small container never touches the whole capacity
@@ -18,6 +20,17 @@ std::byte* WriteQueue::extend(std::uint64_t address, std::size_t count) {
     std::byte* const room = bytes_.data() + length_;
     length_ += count;
     return room;
+}
+
+/// Writes all but the last bytes, up to where the system's pages begin: parts of pages are what it is slow at.
+void WriteQueue::makeRoom() {
+    constexpr std::uint64_t kPages = std::uint64_t{16} << 10;
+    const std::uint64_t end = (address_ + length_) / kPages * kPages;
+    const auto whole = static_cast<std::size_t>(end - address_);
+    write_all_at(file_, address_, std::span(bytes_).first(whole));
+    std::memmove(bytes_.data(), bytes_.data() + whole, length_ - whole);
+    address_ = end;
+    length_ -= whole;
 }
 
 void WriteQueue::patch(std::uint64_t address, std::span<const std::byte> bytes) {

@@ -9,18 +9,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 namespace core {
 namespace {
 
 using test::Bytes;
 using test::FaultDisk;
+using test::is_nightly;
 using test::Model;
-
-bool is_nightly() {
-    return std::getenv("CORE_NIGHTLY") != nullptr;
-}
 
 /// A state, and how many events had happened when its commit began and when it returned.
 struct State {

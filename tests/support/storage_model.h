@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <map>
 #include <random>
 #include <span>
@@ -51,6 +52,11 @@ struct Random {
         return names[below(std::size(names))];
     }
 };
+
+/// The slow tests run long only at night.
+inline bool is_nightly() {
+    return std::getenv("CORE_NIGHTLY") != nullptr;
+}
 
 inline Model contents(const StorageRW& storage) {
     const StorageReading reading(storage);

@@ -7,9 +7,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <functional>
 #include <optional>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 namespace core {
@@ -43,8 +44,6 @@ class CORE_API StorageFilesType {
     void erase(wstring_view name);
     /// Forgets the changes.
     void revert() noexcept;
-    /// Makes the changes part of the table.
-    void settle();
 
     // inspect
 
@@ -56,10 +55,11 @@ class CORE_API StorageFilesType {
     /// Every file, in order, as `visit(wstring_view name, const StorageFileEntry&)`.
     template <class Visit>
     void forEach(Visit visit) const;
-    /// The content with the changes in it; only `end` is given from outside.
-    [[nodiscard]] std::vector<std::byte> encode(std::uint64_t end) const;
-    /// The size of that content.
-    [[nodiscard]] std::uint64_t encodedSize() const;
+    /// The table with the changes as part of it.
+    [[nodiscard]] StorageFilesType merged() const;
+    /// The content of a table without changes, and its size.
+    [[nodiscard]] std::vector<std::byte> encode() const;
+    [[nodiscard]] std::uint64_t encodedSize() const noexcept;
 
     /// The first bytes of the content, which never change: they lie in the table's first block.
     [[nodiscard]] static std::span<const std::byte> preamble() noexcept;
@@ -69,24 +69,30 @@ class CORE_API StorageFilesType {
         StorageFileEntry entry;
         std::uint64_t nameEnd; // in names_
     };
-    struct Less {
+    using Change = std::optional<StorageFileEntry>; // nothing: erased
+    struct Hash {
         using is_transparent = void;
-        bool operator()(wstring_view a, wstring_view b) const noexcept {
-            return compare_file_names(a, b) < 0;
-        }
+        std::size_t operator()(wstring_view name) const noexcept { return std::hash<wstring_view>()(name); }
     };
+    using Changes = std::unordered_map<wstring, Change, Hash, std::equal_to<>>;
 
     [[nodiscard]] wstring_view nameOf(std::size_t row) const noexcept {
         const std::size_t begin = row == 0 ? 0 : static_cast<std::size_t>(rows_[row - 1].nameEnd);
         return wstring_view(names_).substr(begin, static_cast<std::size_t>(rows_[row].nameEnd) - begin);
     }
     [[nodiscard]] bool isSorted() const noexcept;
+    [[nodiscard]] std::optional<std::size_t> rowOf(wstring_view name) const;
+    void makeIndex() const;
+    [[nodiscard]] std::vector<const Changes::value_type*> sortedChanges() const;
 
     const StorageLayout* layout_;
     std::uint64_t end_;
     std::vector<Row> rows_;
-    wstring names_;                                                    // of all rows, one behind the other
-    std::map<wstring, std::optional<StorageFileEntry>, Less> changes_; // nothing: erased
+    wstring names_; // of all rows, one behind the other
+    Changes changes_;
+    // Rows by the hash of their names, counted from 1; made once so many names were asked for that it pays.
+    mutable std::vector<std::uint32_t> index_;
+    mutable std::size_t searches_ = 0;
 };
 
 class CORE_API StorageFilesType64 : public StorageFilesType {
@@ -96,23 +102,24 @@ class CORE_API StorageFilesType64 : public StorageFilesType {
 
 template <class Visit>
 void StorageFilesType::forEach(Visit visit) const {
-    auto change = changes_.begin();
+    const auto changes = sortedChanges();
+    auto change = changes.begin();
     const auto visitChange = [&] {
-        if (change->second)
-            visit(wstring_view(change->first), *change->second);
+        if ((*change)->second)
+            visit(wstring_view((*change)->first), *(*change)->second);
         ++change;
     };
     for (std::size_t row = 0; row < rows_.size(); ++row) {
         const wstring_view name = nameOf(row);
         int order = 1;
-        while (change != changes_.end() && (order = compare_file_names(change->first, name)) < 0)
+        while (change != changes.end() && (order = compare_file_names((*change)->first, name)) < 0)
             visitChange();
-        if (change != changes_.end() && order == 0)
+        if (change != changes.end() && order == 0)
             visitChange();
         else
             visit(name, rows_[row].entry);
     }
-    while (change != changes_.end())
+    while (change != changes.end())
         visitChange();
 }
 

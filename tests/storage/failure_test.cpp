@@ -1,0 +1,339 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the file below fails at, and what a damaged container holds: the caller gets an error that says so,
+// and the committed state stays whole.
+#include "tests/support/fault_file.h"
+#include "tests/support/storage_model.h"
+
+#include <core/runtime/utf8.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <optional>
+
+namespace core {
+namespace {
+
+using test::Bytes;
+using test::FaultDisk;
+using test::Model;
+
+class Failing : public testing::TestWithParam<const StorageLayout*> {
+  protected:
+    /// A container with some files, of which some lie in pieces.
+    Failing() {
+        StorageRW::create(*test::open_fault_file(disk_), layout_);
+        StorageRW storage(test::open_fault_file(disk_), layout_);
+        test::Random random(3);
+        for (int i = 0; i < 25; ++i)
+            test::change(random, storage, model_);
+        storage.put(u"kept", Bytes(5000, std::byte{7}));
+        model_[u"kept"] = Bytes(5000, std::byte{7});
+    }
+
+    struct Operation {
+        const char* name;
+        std::function<void(StorageRW&, Model&)> run;
+    };
+    static std::vector<Operation> operations() {
+        const Bytes large(100000, std::byte{1});
+        return {
+            {"put", [large](StorageRW& s, Model& m) { s.put(u"a", m[u"a"] = large); }},
+            {"overwrite",
+             [](StorageRW& s, Model& m) {
+                 const auto file = s.open(u"kept", OpenMode::readWrite);
+                 write_all_at(*file, 3000, Bytes(10));
+                 std::fill_n(m[u"kept"].begin() + 3000, 10, std::byte{0});
+                 file->close();
+             }},
+            {"stream",
+             [large](StorageRW& s, Model& m) {
+                 const auto file = s.open(u"streamed", OpenMode::create);
+                 for (int i = 0; i < 3; ++i)
+                     write_all(*file, large);
+                 m[u"streamed"] = Bytes(300000, std::byte{1});
+                 file->close();
+             }},
+            {"several",
+             [](StorageRW& s, Model& m) {
+                 StorageTransaction transaction(s);
+                 s.rename(u"kept", u"renamed");
+                 s.put(u"new", Bytes(10));
+                 transaction.commit();
+                 m[u"renamed"] = std::move(m[u"kept"]);
+                 m.erase(u"kept");
+                 m[u"new"] = Bytes(10);
+             }},
+            {"remove all", [](StorageRW& s, Model& m) { s.removeAll(u"*"), m.clear(); }},
+            {"compact", [](StorageRW& s, Model&) { s.compact(); }},
+            {"read", [](StorageRW& s, Model& m) { EXPECT_EQ(test::contents(s), m); }},
+        };
+    }
+
+    /// The state on the disk, opened anew, without any failure.
+    Model reopened(const FaultDisk& disk, const std::string& where) {
+        FaultDisk copy;
+        copy.bytes = disk.bytes;
+        StorageRW storage(test::open_fault_file(copy), layout_);
+        for (const StorageProblem& problem : storage.check().problems)
+            ADD_FAILURE() << where << ": " << to_utf8(problem.text());
+        return test::contents(storage);
+    }
+
+    const StorageLayout& layout_ = *GetParam();
+    FaultDisk disk_;
+    Model model_;
+};
+INSTANTIATE_TEST_SUITE_P(Layouts, Failing, testing::Values(&kStorageLayout32, &kStorageLayout64),
+                         [](const auto& info) { return info.param == &kStorageLayout32 ? "32" : "64"; });
+
+TEST_P(Failing, EveryCallOnceLeavesTheStateWhole) {
+    for (const Operation& operation : operations()) {
+        std::uint64_t n = 0;
+        for (bool succeeded = false; !succeeded; ++n) {
+            ASSERT_LT(n, 5000U);
+            const std::string where = operation.name + std::string(", call ") + std::to_string(n);
+            FaultDisk disk;
+            disk.bytes = disk_.bytes;
+            disk.longestTransfer = n % 3 == 0 ? 1000 : ~std::size_t{0};
+            Model after = model_;
+            std::optional<StorageRW> storage(std::in_place, test::open_fault_file(disk), layout_);
+            disk.calls = 0;
+            disk.failAt = n;
+            try {
+                operation.run(*storage, after);
+                // A failure that does no harm (giving room back) is nobody's business.
+                succeeded = !disk.failed;
+                ASSERT_EQ(reopened(disk, where), after) << where;
+            } catch (const Exception& e) {
+                ASSERT_TRUE(disk.failed) << where << ": " << e.what();
+                EXPECT_FALSE(e.description().empty());
+                ASSERT_EQ(reopened(disk, where), model_) << where;
+                ASSERT_EQ(test::contents(*storage), model_) << where << ", through the same object";
+            }
+            // The same object goes on or says that it does not.
+            disk.failAt = FaultDisk::kNever;
+            Model again = reopened(disk, where);
+            try {
+                storage->put(u"afterwards", Bytes(700));
+                again[u"afterwards"] = Bytes(700);
+            } catch (const StorageException&) {
+            }
+            storage.reset();
+            ASSERT_EQ(reopened(disk, where + ", afterwards"), again) << where;
+        }
+        EXPECT_GT(n, 2U) << operation.name;
+    }
+}
+
+TEST_P(Failing, AFullDiskIsReportedAndCostsNothing) {
+    for (std::uint64_t spare = 0; spare < 120000; spare += 7777) {
+        FaultDisk disk;
+        disk.bytes = disk_.bytes;
+        disk.capacity = disk.bytes.size() + spare;
+        StorageRW storage(test::open_fault_file(disk), layout_);
+        EXPECT_THROW(storage.put(u"large", Bytes(400000)), FileException);
+        EXPECT_EQ(test::contents(storage), model_);
+        EXPECT_LE(disk.bytes.size(), disk_.bytes.size()) << "what was begun is given back";
+        Model after = model_;
+        try { // even a removal needs room for the new table
+            storage.remove(u"kept");
+            after.erase(u"kept");
+        } catch (const FileException&) {
+            EXPECT_LT(spare, 20000U);
+        }
+        EXPECT_EQ(reopened(disk, "full"), after);
+    }
+}
+
+TEST_P(Failing, AFailedFlushIsNotTriedAgain) {
+    FaultDisk disk;
+    disk.bytes = disk_.bytes;
+    StorageRW storage(test::open_fault_file(disk), layout_);
+    disk.recording = true;
+    storage.put(u"x", {});
+    std::size_t events = disk.trace.size();
+    for (const auto& event : disk.trace)
+        events -= event.kind == FaultDisk::Event::truncate ? 1 : 0;
+    EXPECT_EQ(std::count_if(disk.trace.begin(), disk.trace.end(),
+                            [](const auto& e) { return e.kind == FaultDisk::Event::sync; }),
+              2)
+        << "blocks, then the head";
+    const auto& head = *std::find_if(disk.trace.rbegin(), disk.trace.rend(),
+                                     [](const auto& e) { return e.kind == FaultDisk::Event::write; });
+    EXPECT_EQ(head.position, 0U);
+    EXPECT_EQ(head.bytes.size(), layout_.headerSize() + layout_.blockHeaderSize()) << "one write, one sector";
+    // Fails the first flush of the next commit.
+    const std::uint64_t before = disk.calls;
+    storage.put(u"x", {});
+    const std::uint64_t callsEach = disk.calls - before;
+    for (std::uint64_t n = 0; n < callsEach; ++n) {
+        FaultDisk other;
+        other.bytes = disk_.bytes;
+        other.recording = true;
+        StorageRW failing(test::open_fault_file(other), layout_);
+        other.failAt = other.calls + n;
+        try {
+            failing.put(u"x", {});
+        } catch (const FileException& e) {
+            if (e.description().find(u"durable") == wstring::npos)
+                continue;
+            const std::size_t traced = other.trace.size();
+            EXPECT_THROW(failing.put(u"y", {}), StorageException) << "not as if nothing had happened";
+            EXPECT_EQ(other.trace.size(), traced);
+            StorageRW opened(test::open_fault_file(other), layout_);
+            opened.put(u"y", {});
+        }
+    }
+}
+
+// Damage.
+
+class Damaged : public Failing {
+  protected:
+    /// Whatever the bytes are: opening, reading and changing says that the format is bad, or works. Returns
+    /// whether anything was found to be wrong. What fails its checks is not written to.
+    bool survives(const Bytes& bytes) {
+        FaultDisk disk;
+        disk.bytes = bytes;
+        bool wrong = false;
+        const auto attempt = [&](auto call) {
+            try {
+                call();
+            } catch (const StorageException& e) {
+                EXPECT_EQ(e.kind(), StorageException::Kind::badFormat) << e.what();
+                EXPECT_TRUE(e.url().starts_with(u"fault://disk")) << e.what();
+                wrong = true;
+            }
+        };
+        attempt([&] {
+            StorageRW storage(test::open_fault_file(disk), layout_);
+            attempt([&] { wrong = !storage.check().isClean() || wrong; });
+            attempt([&] { (void)test::contents(storage); });
+            attempt([&] { (void)storage.info(); });
+            std::vector<wstring> names;
+            attempt([&] {
+                for (const StorageFound& found : storage.find())
+                    names.push_back(found.name);
+            });
+            for (const wstring& name : names)
+                attempt([&] { (void)read_whole(*storage.open(name, OpenMode::read)); });
+            EXPECT_EQ(disk.bytes, bytes);
+        });
+        if (!wrong)
+            return false;
+        attempt([&] {
+            StorageRW storage(test::open_fault_file(disk), layout_);
+            storage.put(u"kept", Bytes(10));
+            storage.removeAll(u"*");
+            storage.compact();
+        });
+        return true;
+    }
+    /// The bytes of the container with the text at `offset` replaced.
+    Bytes with(std::uint64_t offset, std::string_view text) {
+        Bytes bytes = disk_.bytes;
+        for (std::size_t i = 0; i < text.size(); ++i)
+            bytes.at(offset + i) = static_cast<std::byte>(text[i]);
+        return bytes;
+    }
+    std::string hex(std::uint64_t number) const {
+        std::string text(layout_.digits(), '0');
+        for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number /= 16)
+            *digit = "0123456789abcdef"[number % 16];
+        return text;
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Layouts, Damaged, testing::Values(&kStorageLayout32, &kStorageLayout64),
+                         [](const auto& info) { return info.param == &kStorageLayout32 ? "32" : "64"; });
+
+TEST_P(Damaged, IsFoundInBlockHeaders) {
+    // "kept" is found by its size; its blocks follow each other.
+    const std::string mark = "\r\n" + hex(5000) + " ";
+    const auto* const text = reinterpret_cast<const char*>(disk_.bytes.data());
+    const auto first = std::string_view(text, disk_.bytes.size()).find(mark);
+    ASSERT_NE(first, std::string_view::npos);
+    const std::uint64_t block = first + layout_.blockLength(512);
+    ASSERT_EQ(text[block], '\r');
+    const std::size_t digits = layout_.digits();
+    const std::uint64_t size = block + 3 + digits;
+    const std::uint64_t next = size + digits + 1;
+    EXPECT_FALSE(survives(disk_.bytes));
+    EXPECT_FALSE(survives(with(block + 2, std::string(digits, 'F'))))
+        << "the chain's size counts in its first block";
+    EXPECT_FALSE(survives(with(size + digits - 3, "2"))) << "the same digit";
+    Bytes upper = disk_.bytes;
+    for (std::size_t i = 0; i < digits; ++i) {
+        std::byte& digit = upper.at(next + i);
+        if (digit >= std::byte{'a'})
+            digit &= std::byte{0xDF};
+    }
+    EXPECT_FALSE(survives(upper)) << "digits may be upper case";
+    EXPECT_TRUE(survives(with(next, " "))) << "a blank is no digit";
+    EXPECT_TRUE(survives(with(next, "\x80")));
+    EXPECT_TRUE(survives(with(next, "g")));
+    EXPECT_TRUE(survives(with(block, "\n\r")));
+    EXPECT_TRUE(survives(with(next + digits + 1, "\r\r")));
+    EXPECT_TRUE(survives(with(next, hex(block)))) << "a circle of one";
+    EXPECT_TRUE(survives(with(next, hex(first)))) << "a circle of two";
+    EXPECT_TRUE(survives(with(next, hex(layout_.null)))) << "shorter than the size";
+    EXPECT_TRUE(survives(with(next, hex(disk_.bytes.size() + 5)))) << "outside";
+    EXPECT_TRUE(survives(with(next, hex(layout_.null - 1))));
+    EXPECT_TRUE(survives(with(next, hex(0)))) << "the header is no block";
+    EXPECT_TRUE(survives(with(size, hex(disk_.bytes.size())))) << "a data area beyond the end";
+    EXPECT_TRUE(survives(with(size, hex(layout_.null))));
+    EXPECT_TRUE(survives(with(size, hex(0)))) << "no data: shorter than the size";
+    EXPECT_TRUE(survives(with(first + 2, hex(layout_.null)))) << "a huge chain";
+}
+
+TEST_P(Damaged, IsFoundWhereverBytesAreFlippedOrCutOff) {
+    test::Random random(17);
+    int found = 0;
+    for (int round = 0; round < 3000; ++round) {
+        Bytes bytes = disk_.bytes;
+        // Mostly where it matters: headers, table, free chain.
+        const std::size_t limit = random.below(2) == 0 ? 200 : bytes.size();
+        for (std::size_t i = random.below(4) + 1; i > 0; --i)
+            bytes[random.below(limit)] = static_cast<std::byte>(random.engine());
+        if (random.below(10) == 0)
+            bytes.resize(random.below(bytes.size()));
+        found += survives(bytes) ? 1 : 0;
+    }
+    EXPECT_GT(found, 500);
+}
+
+TEST_P(Damaged, OtherLayoutsAndOtherFilesAreRefused) {
+    const StorageLayout& other = layout_.width == 4 ? kStorageLayout64 : kStorageLayout32;
+    const auto refused = [](const Bytes& bytes, const StorageLayout& layout) {
+        FaultDisk disk;
+        disk.bytes = bytes;
+        try {
+            const StorageRW storage(test::open_fault_file(disk), layout, {}, u"lumstg:///there");
+        } catch (const StorageException& e) {
+            return e.kind() == StorageException::Kind::badFormat && e.url() == u"lumstg:///there";
+        }
+        return false;
+    };
+    EXPECT_TRUE(refused(disk_.bytes, other));
+    EXPECT_TRUE(refused({}, layout_));
+    EXPECT_TRUE(refused(Bytes(15), layout_));
+    EXPECT_TRUE(refused(Bytes(100000), layout_));
+}
+
+TEST_P(Damaged, AnUnsortedTableNeedsTheOption) {
+    StorageFilesType table(layout_);
+    table.set(u"a", {layout_.null, layout_.null});
+    table.set(u"b", {layout_.null, layout_.null});
+    Bytes content = table.merged().encode();
+    EXPECT_TRUE(StorageFilesType(layout_).decode(content, false));
+    content[content.size() - 4] = std::byte{'c'};
+    EXPECT_FALSE(StorageFilesType(layout_).decode(content, false));
+    EXPECT_TRUE(StorageFilesType(layout_).decode(content, true));
+    content[content.size() - 4] = std::byte{'b'};
+    EXPECT_FALSE(StorageFilesType(layout_).decode(content, false)) << "a name twice";
+    for (std::size_t size = 0; size < content.size(); ++size)
+        EXPECT_EQ(StorageFilesType(layout_).decode(std::span(content).first(size), true), size == 0);
+}
+
+} // namespace
+} // namespace core

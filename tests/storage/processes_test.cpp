@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: Apache-2.0
+// Containers on a real disk, shared by processes: readers beside a writer, a writer that is killed at any
+// moment, and a folder tree there and back. CORE_NIGHTLY=1 runs each of them long.
+#include "tests/support/storage_model.h"
+
+#include <core/runtime/utf8.h>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+namespace core {
+namespace {
+
+using namespace std::chrono_literals;
+using test::Bytes;
+using test::is_nightly;
+
+class Processes : public testing::Test {
+  protected:
+    Processes() : path_((std::filesystem::temp_directory_path() / "core-storage-XXXXXX").string()) {
+        ::close(::mkstemp(path_.data()));
+        StorageRW::create(*open_disk_file(path_, OpenMode::readWrite));
+    }
+    ~Processes() override { std::filesystem::remove(path_); }
+
+    StorageRW open() { return StorageRW(open_disk_file(path_, OpenMode::readWrite)); }
+
+    /// Runs `work` in a process of its own, whose exit code is 0 when it returns true.
+    static ::pid_t start(const std::function<bool()>& work) {
+        const ::pid_t child = ::fork();
+        if (child != 0)
+            return child;
+        bool good = false;
+        try {
+            good = work();
+        } catch (const std::exception& e) {
+            std::fprintf(stderr, "%s\n", e.what());
+        }
+        ::_exit(good ? 0 : 1);
+    }
+    static bool succeeded(::pid_t child) {
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+
+    static constexpr int kFiles = 5;
+    static wstring nameOf(int file) { return u"file" + wstring(1, static_cast<wchar>(u'0' + file)); }
+    /// Bytes that tell by themselves which generation they are of, and whether they are all of one.
+    static Bytes contentOf(std::uint32_t generation, int file) {
+        test::Random random(generation * 10 + static_cast<std::uint32_t>(file));
+        Bytes bytes(4 + random.size(), static_cast<std::byte>(generation));
+        std::memcpy(bytes.data(), &generation, sizeof generation);
+        return bytes;
+    }
+    static std::uint32_t generationOf(const Bytes& bytes) {
+        std::uint32_t generation = 0;
+        if (bytes.size() >= sizeof generation)
+            std::memcpy(&generation, bytes.data(), sizeof generation);
+        return generation;
+    }
+    static void write(StorageRW& storage, std::uint32_t generation) {
+        StorageTransaction transaction(storage);
+        for (int file = 0; file < kFiles; ++file)
+            storage.put(nameOf(file), contentOf(generation, file));
+        transaction.commit();
+    }
+
+    std::string path_;
+};
+
+TEST_F(Processes, ReadersBesideAWriterSeeWholeStates) {
+    const auto end = std::chrono::steady_clock::now() + (is_nightly() ? 60s : 1s);
+    StorageRW storage = open();
+    write(storage, 1);
+    const auto reader = [&] {
+        StorageRW mine = open();
+        int reads = 0;
+        while (std::chrono::steady_clock::now() < end) {
+            std::uint32_t generation = 0;
+            {
+                const StorageReading reading(mine); // all files of one state
+                generation = generationOf(mine.get(nameOf(0)));
+                for (int file = 0; file < kFiles; ++file) {
+                    if (mine.get(nameOf(file)) != contentOf(generation, file))
+                        return false;
+                }
+            }
+            const Bytes alone = mine.get(nameOf(reads++ % kFiles)); // one file of a later one, perhaps
+            if (generationOf(alone) < generation ||
+                alone != contentOf(generationOf(alone), (reads - 1) % kFiles))
+                return false;
+        }
+        return reads > 5;
+    };
+    const ::pid_t readers[] = {start(reader), start(reader)};
+    std::uint32_t generation = 1;
+    while (std::chrono::steady_clock::now() < end) {
+        write(storage, ++generation);
+        std::this_thread::sleep_for(1ms);
+    }
+    EXPECT_GT(generation, 5U);
+    for (const ::pid_t child : readers)
+        EXPECT_TRUE(succeeded(child)) << "a torn read";
+    EXPECT_TRUE(storage.check().isClean());
+}
+
+TEST_F(Processes, WritersTakeTurns) {
+    const auto writer = [&](int number) {
+        return [this, number] {
+            StorageRW mine = open();
+            const wstring name(1, static_cast<wchar>(u'a' + number));
+            for (int i = 0; i < 20; ++i) {
+                mine.put(name, contentOf(static_cast<std::uint32_t>(i), number));
+                // Reading, then writing what follows from it, in one turn.
+                StorageTransaction transaction(mine);
+                Bytes sum = mine.contains(u"sum") ? mine.get(u"sum") : Bytes(1);
+                sum[0] = static_cast<std::byte>(std::to_integer<int>(sum[0]) + 1);
+                mine.put(u"sum", sum);
+                transaction.commit();
+            }
+            return true;
+        };
+    };
+    const ::pid_t writers[] = {start(writer(0)), start(writer(1)), start(writer(2))};
+    for (const ::pid_t child : writers)
+        EXPECT_TRUE(succeeded(child));
+    StorageRW storage = open();
+    EXPECT_EQ(storage.get(u"sum")[0], std::byte{60});
+    EXPECT_EQ(storage.find().size(), 4U);
+    EXPECT_EQ(storage.changeCounter(), 120U);
+    EXPECT_TRUE(storage.check().isClean());
+}
+
+TEST_F(Processes, AKilledWriterLosesNothingItCommitted) {
+    std::mt19937 random(23);
+    std::uint32_t generation = 0;
+    for (int round = is_nightly() ? 1000 : 30; round > 0; --round) {
+        int ends[2];
+        ASSERT_EQ(::pipe(ends), 0);
+        const ::pid_t writer = start([&] {
+            StorageRW mine = open();
+            for (std::uint32_t next = generation + 1;; ++next) {
+                write(mine, next);
+                if (::write(ends[1], &next, sizeof next) != sizeof next)
+                    return false;
+            }
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 20000));
+        ::kill(writer, SIGKILL);
+        ::waitpid(writer, nullptr, 0);
+        ::close(ends[1]);
+        std::uint32_t committed = generation;
+        for (std::uint32_t told = 0; ::read(ends[0], &told, sizeof told) == sizeof told;)
+            committed = told;
+        ::close(ends[0]);
+        StorageRW storage = open();
+        for (const StorageProblem& problem : storage.check().problems)
+            ADD_FAILURE() << to_utf8(problem.text());
+        if (storage.find().empty()) {
+            ASSERT_EQ(committed, 0U);
+            continue;
+        }
+        generation = generationOf(storage.get(nameOf(0)));
+        ASSERT_TRUE(generation == committed || generation == committed + 1) << committed << " " << generation;
+        for (int file = 0; file < kFiles; ++file)
+            ASSERT_EQ(storage.get(nameOf(file)), contentOf(generation, file));
+    }
+    EXPECT_GT(generation, 10U);
+}
+
+TEST_F(Processes, HoldsARealFolderTree) {
+    namespace fs = std::filesystem;
+    const std::string root = "/usr/share/doc";
+    if (!fs::is_directory(root))
+        GTEST_SKIP() << "no " << root;
+    StorageRW storage = open();
+    std::map<wstring, Bytes> tree;
+    std::error_code error;
+    std::uint64_t bytes = 0;
+    for (fs::recursive_directory_iterator entry(root, error), end; entry != end && !error;
+         entry.increment(error)) {
+        if (!entry->is_regular_file() || (!is_nightly() && bytes > (std::uint64_t{8} << 20)))
+            continue;
+        Bytes content = read_whole(*open_disk_file(entry->path().string(), OpenMode::read));
+        bytes += content.size();
+        tree.emplace(from_utf8(entry->path().string().substr(root.size() + 1)), std::move(content));
+    }
+    {
+        StorageTransaction transaction(storage);
+        for (const auto& [name, content] : tree) {
+            const auto file = storage.open(name, OpenMode::createNew);
+            write_all(*file, content);
+            file->close();
+        }
+        transaction.commit();
+    }
+    StorageRW again = open();
+    EXPECT_TRUE(again.check().isClean());
+    const auto found = again.find();
+    ASSERT_EQ(found.size(), tree.size());
+    for (const StorageFound& file : found) {
+        ASSERT_TRUE(tree.contains(file.name));
+        ASSERT_EQ(file.size, tree.at(file.name).size());
+        ASSERT_EQ(read_whole(*again.open(file.name, OpenMode::read)), tree.at(file.name));
+    }
+}
+
+} // namespace
+} // namespace core
