@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/support/storage_model.h"
+
+#include <core/runtime/utf8.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace core {
+namespace {
+
+using test::Bytes;
+
+using Kind = StorageException::Kind;
+
+template <class Call>
+Kind kind_of(Call call) {
+    try {
+        call();
+    } catch (const StorageException& e) {
+        return e.kind();
+    }
+    return Kind::none;
+}
+
+class Scheme : public testing::TestWithParam<const StorageLayout*> {
+  protected:
+    [[nodiscard]] InterfacePtr<IStorageScheme> scheme() const {
+        return system_->findScheme(wstring(layout_.scheme)).query<IStorageScheme>();
+    }
+    /// A new container; the root URL of it.
+    wstring make(const std::shared_ptr<MemoryFileData>& data) {
+        StorageRW::create(*open_memory_file(data), layout_);
+        return scheme()->openContainerIn(open_memory_file(data).get(), {});
+    }
+    void put(const wstring& url, std::size_t size) {
+        const auto file = system_->openURL(url, OpenMode::replace);
+        write_all(*file, Bytes(size));
+        file->close();
+    }
+    std::string list(const wstring& pattern) {
+        std::string names;
+        for (const FileInfo& info : system_->findFile(pattern)) {
+            EXPECT_TRUE(info.url.ends_with(info.name));
+            names += to_utf8(info.name) + ":" + std::to_string(info.length) + " ";
+        }
+        return names;
+    }
+
+    const StorageLayout& layout_ = *GetParam();
+    InterfacePtr<IFileSystem> system_ = create_file_system();
+};
+INSTANTIATE_TEST_SUITE_P(Layouts, Scheme, testing::Values(&kStorageLayout32, &kStorageLayout64),
+                         [](const auto& info) { return info.param == &kStorageLayout32 ? "32" : "64"; });
+
+TEST_P(Scheme, GivesEachContainerANumberedRoot) {
+    ASSERT_TRUE(scheme());
+    const wstring prefix = wstring(layout_.scheme) + u"://c:/";
+    const wstring first = make(create_memory_data());
+    ASSERT_TRUE(first.starts_with(prefix) && first.ends_with(u"/"));
+    const int number = std::stoi(to_utf8(first.substr(prefix.size())));
+    EXPECT_EQ(
+        kind_of([&] { (void)scheme()->openContainerIn(open_memory_file(create_memory_data()).get(), {}); }),
+        Kind::badFormat)
+        << "what does not open takes no number";
+    const wstring next = prefix + from_utf8(std::to_string(number + 1)) + u"/";
+    EXPECT_EQ(make(create_memory_data()), next);
+    EXPECT_EQ(scheme()->container(next).rootURL(), next);
+    scheme()->closeContainer(next);
+    EXPECT_EQ(kind_of([&] { (void)scheme()->container(next); }), Kind::fileNotFound);
+    EXPECT_EQ(kind_of([&] { (void)system_->openURL(next + u"a", OpenMode::create); }), Kind::fileNotFound);
+    EXPECT_EQ(kind_of([&] { (void)system_->findFile(prefix + u"nonsense"); }), Kind::fileNotFound);
+}
+
+TEST_P(Scheme, FindsCopiesMovesAndRemovesInnerFiles) {
+    const wstring a = make(create_memory_data());
+    const wstring b = make(create_memory_data());
+    put(a + u"one?.txt", 1);
+    put(a + u"dir/two", 2000);
+    EXPECT_EQ(list(a + u"*"), "dir/two:2000 one?.txt:1 ");
+    EXPECT_EQ(list(a + u"*.txt"), "one?.txt:1 ") << "below a root a question mark begins no options";
+    system_->copyFile(a + u"dir/two", a + u"copy");
+    system_->copyFile(a + u"dir/two", b + u"two");
+    system_->moveFile(a + u"one?.txt", b + u"one");
+    system_->moveFile(a + u"copy", a + u"renamed");
+    EXPECT_EQ(list(a + u"*"), "dir/two:2000 renamed:2000 ");
+    EXPECT_EQ(list(b + u"*"), "one:1 two:2000 ");
+    EXPECT_EQ(kind_of([&] { system_->copyFile(b + u"one", b + u"one"); }), Kind::isDestination);
+    EXPECT_EQ(kind_of([&] { system_->moveFile(b + u"one", b + u"one"); }), Kind::isDestination);
+    EXPECT_EQ(kind_of([&] { system_->remove(b + u"none"); }), Kind::fileNotFound);
+    EXPECT_EQ(kind_of([&] { (void)system_->openURL(b + u"none", OpenMode::read); }), Kind::fileNotFound);
+    EXPECT_EQ(system_->remove(b + u"none*"), 0U);
+    EXPECT_EQ(system_->remove(b + u"t*"), 1U);
+    system_->copyFile(b + u"one", u"mem://out");
+    system_->moveFile(u"mem://out", a + u"in");
+    EXPECT_EQ(list(a + u"in"), "in:1 ");
+}
+
+TEST_P(Scheme, OpensContainersByURLWithOptions) {
+    const wstring name(layout_.scheme);
+    const auto temp = create_temp_file_service();
+    const std::string path = file_path(temp->createNamed());
+    const wstring url = name + u"://" + from_utf8(path);
+    const wstring root = scheme()->openContainer(url, OpenMode::create);
+    put(root + u"b", 1);
+    put(root + u"a", 1);
+    const URL parsed = system_->parseURL(url + u"?x;nosortedcheck");
+    EXPECT_EQ(parsed.path, from_utf8(path));
+    EXPECT_TRUE(parsed.hasOption(u"NoSortedCheck"));
+    EXPECT_EQ(list(scheme()->openContainer(url, OpenMode::read) + u"*"), "a:1 b:1 ");
+
+    // The names change places in the table, the last thing that the library would write there.
+    const auto file = open_disk_file(path, OpenMode::readWrite);
+    Bytes bytes = read_whole(*file);
+    const std::string text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const auto names = text.rfind(std::string("a\0b\0", 4));
+    ASSERT_NE(names, std::string::npos);
+    std::swap(bytes[names], bytes[names + 2]);
+    write_all(*file, bytes);
+    EXPECT_EQ(kind_of([&] { (void)scheme()->openContainer(url, OpenMode::read); }), Kind::badFormat);
+    EXPECT_NE(scheme()->openContainer(url + u"?NoSortedCheck", OpenMode::read), u"");
+
+    const wstring other = layout_.width == 4 ? u"lumstg64" : u"lumstg";
+    const auto otherScheme = system_->findScheme(other).query<IStorageScheme>();
+    EXPECT_EQ(
+        kind_of([&] { (void)otherScheme->openContainer(other + u"://" + from_utf8(path), OpenMode::read); }),
+        Kind::badFormat);
+    EXPECT_THROW((void)scheme()->openContainer(name + u":///no/such/file", OpenMode::read), FileException);
+    EXPECT_EQ(system_->remove(file_url(path)), 1U);
+}
+
+} // namespace
+} // namespace core
