@@ -47,8 +47,8 @@ class Python : public testing::TestWithParam<const StorageLayout*> {
         std::filesystem::remove(lines_);
     }
     [[nodiscard]] bool run(const std::string& command, const std::string& more) const {
-        const std::string call = "python3 -B " STORAGE_PYTHON " " + command + " " + container_ + " " +
-                                 (layout_.width == 4 ? "32 " : "64 ") + more;
+        const std::string call = "python3 -B " CORE_SOURCE_DIR "/tests/storage/container.py " + command +
+                                 " " + container_ + " " + (layout_.width == 4 ? "32 " : "64 ") + more;
         return std::system(call.c_str()) == 0;
     }
     [[nodiscard]] std::string lines() const {

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+// Any bytes, opened as a container of either layout. What is damaged says so with its kind and URL and is not
+// written to; what is whole can be read, changed and compacted, and stays whole.
+#include <core/files.h>
+#include <core/storage.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+#include <vector>
+
+namespace {
+
+using namespace core;
+
+void require(bool condition) {
+    if (!condition)
+        std::abort();
+}
+
+/// Whether `call` finds damage; nothing else may go wrong.
+template <class Call>
+bool finds_damage(Call call) {
+    try {
+        call();
+        return false;
+    } catch (const StorageException& e) {
+        require(e.kind() == StorageException::Kind::badFormat && e.url() == u"mem://");
+        return true;
+    }
+}
+
+void read_all(const StorageRW& storage) {
+    const StorageReading reading(storage);
+    for (const StorageFound& found : storage.find())
+        require(storage.get(found.name).size() == found.size);
+}
+
+void change_all(StorageRW& storage) {
+    const std::vector<std::byte> bytes(2000, std::byte{1});
+    storage.put(u"new", bytes);
+    const auto found = storage.find();
+    for (std::size_t i = 0; i < found.size(); i += 2)
+        storage.remove(found[i].name);
+    storage.put(u"new", bytes);
+    const auto file = storage.open(u"new", OpenMode::readWrite);
+    write_all_at(*file, 700, std::span(bytes).first(10));
+    file->close();
+    storage.compact();
+    require(storage.get(u"new") == bytes);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    for (const StorageLayout* layout : {&kStorageLayout32, &kStorageLayout64}) {
+        const auto file = open_memory_file(create_memory_data());
+        write_all(*file, std::as_bytes(std::span(data, size)));
+        (void)finds_damage([&] {
+            StorageRW storage(file, *layout);
+            StorageCheck check;
+            require(!finds_damage([&] { check = storage.check(); }));
+            for (const StorageProblem& problem : check.problems)
+                require(!problem.text().empty());
+            const bool damaged = finds_damage([&] { read_all(storage); });
+            const std::vector<std::byte> before = read_whole(*file);
+            require(before.size() == size);
+            if (!check.isClean()) {
+                (void)finds_damage([&] { change_all(storage); });
+                return;
+            }
+            require(!damaged);
+            require(!finds_damage([&] { change_all(storage); }));
+            require(storage.check().isClean());
+        });
+    }
+    return 0;
+}
