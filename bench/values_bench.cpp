@@ -121,13 +121,18 @@ void read_all(benchmark::State& state, const std::vector<T>& values, Read read) 
 }
 void read_ours(benchmark::State& state) {
     read_all(state, our_values(), [](const Value& value) -> std::int64_t {
-        if (const auto whole = value.asSmallWhole())
-            return *whole;
-        if (const auto number = value.asNumeric())
-            return static_cast<std::int64_t>(*number);
-        if (const core::wstring_view* const text = value.asString())
-            return static_cast<std::int64_t>(text->size());
-        return value.isTrue() ? 1 : 0;
+        switch (value.kind()) {
+        case core::ValueKind::number: {
+            const auto whole = value.asSmallWhole();
+            return whole ? *whole : static_cast<std::int64_t>(*value.asNumeric());
+        }
+        case core::ValueKind::string:
+            return static_cast<std::int64_t>(value.asString()->size());
+        case core::ValueKind::boolean:
+            return value.isTrue() ? 1 : 0;
+        default:
+            return 0;
+        }
     });
 }
 void read_qvariant(benchmark::State& state) {
@@ -146,11 +151,16 @@ void read_qvariant(benchmark::State& state) {
 }
 void read_json(benchmark::State& state) {
     read_all(state, json_values(), [](const json& value) -> std::int64_t {
-        if (value.is_number_integer())
+        switch (value.type()) {
+        case json::value_t::number_integer:
             return value.get<std::int64_t>();
-        if (value.is_string())
+        case json::value_t::string:
             return static_cast<std::int64_t>(value.get_ref<const std::string&>().size());
-        return value.is_boolean() && value.get<bool>() ? 1 : 0;
+        case json::value_t::boolean:
+            return value.get<bool>() ? 1 : 0;
+        default:
+            return 0;
+        }
     });
 }
 

@@ -2,14 +2,13 @@
 #include "core/collections/pair_table.h"
 
 #include <algorithm>
-#include <limits>
 #include <new>
 #include <utility>
 
 namespace core {
 
 void PairTable::append(std::uint64_t hash, Value key, Value value) {
-    if (pairs_.size() == std::numeric_limits<std::int32_t>::max())
+    if (pairs_.size() == kMaxPairs)
         throw std::bad_alloc();
     if (pairs_.empty())
         pairs_.reserve(kUnindexed);
@@ -18,13 +17,13 @@ void PairTable::append(std::uint64_t hash, Value key, Value value) {
         grow();
     pairs_.push_back({hash, std::move(key), std::move(value)});
     if (!slots_.empty())
-        enter(slots_, shift_, {tag_of(hash), static_cast<std::uint32_t>(pairs_.size())});
+        enter(slots_, shift_, {tag_of(hash), static_cast<std::uint32_t>(pairs_.size() - 1)});
 }
 
 void PairTable::enter(std::vector<Slot>& slots, unsigned shift, Slot slot) noexcept {
     const std::size_t mask = slots.size() - 1;
     std::size_t i = slot.tag >> shift;
-    while (slots[i].place != kFree)
+    while (slots[i].tag != kFree)
         i = (i + 1) & mask;
     slots[i] = slot;
 }
@@ -38,14 +37,14 @@ void PairTable::grow() {
     if (slots_.empty()) {
         std::vector<Slot> slots(kFirst);
         for (std::size_t i = 0; i < pairs_.size(); ++i)
-            enter(slots, kFirstShift, {tag_of(pairs_[i].hash), static_cast<std::uint32_t>(i + 1)});
+            enter(slots, kFirstShift, {tag_of(pairs_[i].hash), static_cast<std::uint32_t>(i)});
         slots_.swap(slots);
         shift_ = kFirstShift;
         return;
     }
     std::vector<Slot> slots(2 * slots_.size());
     for (const Slot& slot : slots_) {
-        if (slot.place != kFree)
+        if (slot.tag != kFree)
             enter(slots, shift_ - 1, slot);
     }
     slots_.swap(slots);
@@ -53,7 +52,7 @@ void PairTable::grow() {
 }
 
 std::size_t PairTable::slotOf(const Pair& pair) const noexcept {
-    const auto place = static_cast<std::uint32_t>(&pair - pairs_.data() + 1);
+    const auto place = static_cast<std::uint32_t>(&pair - pairs_.data());
     std::size_t i = home(tag_of(pair.hash));
     while (slots_[i].place != place)
         i = (i + 1) & (slots_.size() - 1);
@@ -63,14 +62,14 @@ std::size_t PairTable::slotOf(const Pair& pair) const noexcept {
 /// Frees a slot and moves back what would no longer be found behind it.
 void PairTable::leave(std::size_t slot) noexcept {
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t i = (slot + 1) & mask; slots_[i].place != kFree; i = (i + 1) & mask) {
+    for (std::size_t i = (slot + 1) & mask; slots_[i].tag != kFree; i = (i + 1) & mask) {
         const std::size_t distance = (i - home(slots_[i].tag)) & mask;
         if (distance >= ((i - slot) & mask)) {
             slots_[slot] = slots_[i];
             slot = i;
         }
     }
-    slots_[slot].place = kFree;
+    slots_[slot].tag = kFree;
 }
 
 void PairTable::erase(Pair& pair) noexcept {
@@ -99,7 +98,7 @@ void PairTable::compact() noexcept {
         if (pairs_[i].hash == 0)
             continue;
         if (i != kept) {
-            slots_[slotOf(pairs_[i])].place = static_cast<std::uint32_t>(kept + 1);
+            slots_[slotOf(pairs_[i])].place = static_cast<std::uint32_t>(kept);
             pairs_[kept] = std::move(pairs_[i]);
         }
         ++kept;

@@ -43,10 +43,10 @@ class PairTable {
         }
         const std::uint32_t tag = tag_of(hash);
         const std::size_t mask = slots_.size() - 1;
-        for (std::size_t i = home(tag); slots_[i].place != kFree; i = (i + 1) & mask) {
+        for (std::size_t i = home(tag); slots_[i].tag != kFree; i = (i + 1) & mask) {
             if (slots_[i].tag != tag)
                 continue;
-            Pair& pair = pairs_[slots_[i].place - 1];
+            Pair& pair = pairs_[slots_[i].place];
             if (pair.hash == hash && equal(pair))
                 return &pair;
         }
@@ -68,14 +68,15 @@ class PairTable {
 
   private:
     static constexpr std::size_t kUnindexed = 8;
+    static constexpr std::size_t kMaxPairs = std::size_t{1} << 30; // so that a tag needs no more than 31 bits
     static constexpr std::uint32_t kFree = 0;
     struct Slot {
-        std::uint32_t tag;
-        std::uint32_t place; // in the row, from 1
+        std::uint32_t tag;   // kFree, or odd
+        std::uint32_t place; // in the row
     };
 
     static std::uint32_t tag_of(std::uint64_t hash) noexcept {
-        return static_cast<std::uint32_t>(hash >> 32);
+        return static_cast<std::uint32_t>(hash >> 32) | 1;
     }
     [[nodiscard]] std::size_t home(std::uint32_t tag) const noexcept { return tag >> shift_; }
     [[nodiscard]] std::size_t slotOf(const Pair& pair) const noexcept;

@@ -5,37 +5,44 @@
 #include <core/strings/compare.h>
 #include <core/strings/names.h>
 #include <core/strings/split.h>
-#include <core/strings/table_hash.h>
 #include <core/strings/trim.h>
+#include <core/values/value_hash.h>
 
 namespace core {
 namespace {
 
-std::uint64_t hash_name(wstring_view name) noexcept {
-    const std::uint64_t hash = table_hash_nocase(name);
-    return hash != 0 ? hash : 1;
-}
+struct Name {
+    wstring_view text;
+    std::uint64_t hash;
 
-PairTable::Pair* find_pair(PairTable& table, std::uint64_t hash, wstring_view name) noexcept {
-    return table.find(
-        hash, [&](const PairTable::Pair& pair) { return compare_nocase(*pair.key.asString(), name) == 0; });
+    explicit Name(wstring_view name) noexcept : Name(name, name_table_hash(name)) {}
+    Name(wstring_view name, std::uint64_t nameHash) noexcept : text(name), hash(nameHash) {}
+};
+
+PairTable::Pair* find_pair(PairTable& table, const Name& name) noexcept {
+    return table.find(name.hash, [&](const PairTable::Pair& pair) {
+        return compare_nocase(*pair.key.asString(), name.text) == 0;
+    });
 }
 
 /// The name that a key stands for: a String, trimmed, that is a valid name.
-wstring_view name_of(const Value& key) {
+Name name_of(const Value& key) {
+    if (const std::uint64_t hash = name_table_hash(key); hash != 0)
+        return {*key.asString(), hash};
     const wstring_view* const text = key.asString();
     const wstring_view name = text != nullptr ? trim_all(*text) : wstring_view();
     if (!is_valid_name(name))
         throw_error<ContextException>("IDS_VS_BADPROPNAME_ERROR", {key.presentation()});
-    return name;
+    return Name(name);
 }
 
-/// Adds the pair where the name is not here; returns it where it is.
-PairTable::Pair* find_or_add(PairTable& table, const Value& key, wstring_view name, Value& value) {
-    const std::uint64_t hash = hash_name(name);
-    PairTable::Pair* const pair = find_pair(table, hash, name);
-    if (pair == nullptr)
-        table.append(hash, name.size() == key.asString()->size() ? key : Value(name), std::move(value));
+/// The pair with the name that the key stands for; null after adding one where there was none.
+PairTable::Pair* find_or_add(PairTable& table, const Value& key, const Name& name, Value& value) {
+    PairTable::Pair* const pair = find_pair(table, name);
+    if (pair == nullptr) {
+        const bool trimmed = name.text.size() != key.asString()->size();
+        table.append(name.hash, trimmed ? Value(name.text) : key, std::move(value));
+    }
     return pair;
 }
 
@@ -48,9 +55,8 @@ class ValueStructure : public PairsImpl<ValueStructure, IValueStructure, &kValue
 
     static std::span<const Method<ValueStructure>> methods() noexcept;
     static void take(PairTable& table, KeyAndValue&& pair) {
-        const wstring_view* const name = pair.key.asString();
-        if (name == nullptr || !is_valid_name(*name) ||
-            find_or_add(table, pair.key, *name, pair.value) != nullptr)
+        const std::uint64_t hash = name_table_hash(pair.key);
+        if (hash == 0 || find_or_add(table, pair.key, {*pair.key.asString(), hash}, pair.value) != nullptr)
             throw_malformed();
     }
 
@@ -66,7 +72,7 @@ class ValueStructure : public PairsImpl<ValueStructure, IValueStructure, &kValue
     bool isPropReadable(int prop) const override { return isProp(prop); }
     bool isPropWritable(int prop) const override { return isProp(prop); }
     int findProp(const wchar* name) const override {
-        const PairTable::Pair* const pair = pairOf(name);
+        const PairTable::Pair* const pair = pairOf(Name(name));
         return pair != nullptr ? static_cast<int>(table_.positionOf(*pair)) : -1;
     }
 
@@ -87,7 +93,7 @@ class ValueStructure : public PairsImpl<ValueStructure, IValueStructure, &kValue
             swap(pair->value, value);
     }
     const Value* find(const Value& key) const override { return valueOf(pairOf(name_of(key))); }
-    const Value* find(wstring_view name) const noexcept override { return valueOf(pairOf(name)); }
+    const Value* find(wstring_view name) const noexcept override { return valueOf(pairOf(Name(name))); }
     bool remove(const Value& key) override {
         PairTable::Pair* const pair = pairOf(name_of(key));
         if (pair == nullptr)
@@ -107,9 +113,7 @@ class ValueStructure : public PairsImpl<ValueStructure, IValueStructure, &kValue
     [[nodiscard]] PairTable::Pair& at(int prop) const noexcept {
         return table_.at(static_cast<std::size_t>(prop));
     }
-    [[nodiscard]] PairTable::Pair* pairOf(wstring_view name) const noexcept {
-        return find_pair(table_, hash_name(name), name);
-    }
+    [[nodiscard]] PairTable::Pair* pairOf(const Name& name) const noexcept { return find_pair(table_, name); }
     [[nodiscard]] static const Value* valueOf(const PairTable::Pair* pair) noexcept {
         return pair != nullptr ? &pair->value : nullptr;
     }

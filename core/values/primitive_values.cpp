@@ -11,6 +11,7 @@
 #include <core/strings/names.h>
 #include <core/strings/trim.h>
 #include <core/values/primitive_values.h>
+#include <core/values/value_hash.h>
 
 #include <cstring>
 #include <new>
@@ -23,19 +24,15 @@ bool only_space_behind(wstring_view text, const wchar* end) noexcept {
     return trim_left(text.substr(static_cast<std::size_t>(end - text.data()))).empty();
 }
 
-std::int32_t hash_text(wstring_view text) noexcept {
-    return hash_folded(text); // the plain rule, on the units as they are
-}
-
-/// A hash that is computed once: the word is 0 until then, afterwards the hash above a bit.
+/// A hash that is computed once, and is not 0. Another thread may compute and store the same meanwhile.
 template <class Compute>
-std::int32_t cached_hash(std::atomic<std::int64_t>& word, Compute compute) noexcept {
-    std::int64_t known = word.load(std::memory_order_relaxed);
-    if (known == 0) {
-        known = static_cast<std::int64_t>(compute()) * 2 + 1;
-        word.store(known, std::memory_order_relaxed); // another thread may store the same
+std::uint64_t cached_hash(std::atomic<std::uint64_t>& known, Compute compute) noexcept {
+    std::uint64_t hash = known.load(std::memory_order_relaxed);
+    if (hash == 0) {
+        hash = compute();
+        known.store(hash, std::memory_order_relaxed);
     }
-    return static_cast<std::int32_t>(known >> 1);
+    return hash;
 }
 
 template <class T>
@@ -259,11 +256,18 @@ bool StringValue::isEqual(const IValue* other) const noexcept {
 }
 
 std::int32_t StringValue::hashCode() const noexcept {
-    return cached_hash(hash_, [this] { return hash_text(text_); });
+    return hash_folded(text_); // the plain rule, on the units as they are
 }
 
-std::int32_t StringValue::hashNocase() const noexcept {
-    return cached_hash(hashNocase_, [this] { return hash_nocase(text_); });
+std::uint64_t StringValue::tableHash() const noexcept {
+    return cached_hash(tableHash_, [this] { return text_table_hash(text_); });
+}
+
+std::uint64_t StringValue::nameHash() const noexcept {
+    constexpr std::uint64_t kNoName = 1; // hashes of names are even
+    const std::uint64_t hash =
+        cached_hash(nameHash_, [this] { return is_valid_name(text_) ? name_table_hash(text_) : kNoName; });
+    return hash == kNoName ? 0 : hash;
 }
 
 void StringValue::serialize(IOutPersistenceStorage* storage) const {

@@ -40,6 +40,10 @@ std::uint64_t hash_number(const Numeric& number) noexcept {
     return mixed_hash(table_hash_step(hash, table_hash(std::as_bytes(limbs))));
 }
 
+const StringValue& string_of(const Value& value) noexcept {
+    return static_cast<const StringValue&>(*value.object());
+}
+
 std::uint64_t hash_word(std::uint64_t word) noexcept {
     return mixed_hash(table_hash_step(table_hash_seed(), word));
 }
@@ -56,7 +60,7 @@ std::uint64_t hash_object(const IValue& object) noexcept {
     case Type::number:
         return hash_number(*static_cast<const Numeric*>(payload));
     case Type::string:
-        return mixed_hash(table_hash(*static_cast<const wstring_view*>(payload)));
+        return text_table_hash(*static_cast<const wstring_view*>(payload));
     case Type::date:
         return hash_ticks(static_cast<const Date*>(payload)->ticks());
     case Type::type:
@@ -75,10 +79,22 @@ std::uint64_t value_table_hash(const Value& value) noexcept {
             return exact_hash(*whole);
         return hash_number(*value.asNumeric());
     case ValueKind::string:
-        return mixed_hash(table_hash(*value.asString()));
+        return string_of(value).tableHash();
     default:
         return hash_object(*value.object());
     }
+}
+
+std::uint64_t text_table_hash(wstring_view text) noexcept {
+    return mixed_hash(table_hash(text));
+}
+
+std::uint64_t name_table_hash(wstring_view name) noexcept {
+    return mixed_hash(table_hash_nocase(name));
+}
+
+std::uint64_t name_table_hash(const Value& value) noexcept {
+    return value.kind() == ValueKind::string ? string_of(value).nameHash() : 0;
 }
 
 } // namespace core

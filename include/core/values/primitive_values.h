@@ -128,8 +128,10 @@ class CORE_API StringValue final : public PrimitiveValue {
     constexpr explicit StringValue(SharedEmpty) noexcept : PrimitiveValue(Life::shared), text_(u"", 0) {}
     [[nodiscard]] wstring_view payload() const noexcept { return text_; }
 
-    /// The hash that does not tell cases apart, computed once.
-    [[nodiscard]] std::int32_t hashNocase() const noexcept;
+    /// The hashes that tables find the string by, computed once: of the text, never 0, and of a name in any
+    /// case, which is 0 for a text that is no valid name. See value_hash.h.
+    [[nodiscard]] std::uint64_t tableHash() const noexcept;
+    [[nodiscard]] std::uint64_t nameHash() const noexcept;
 
     IType* getType() const noexcept override;
     const void* getDataPtr() const noexcept override { return &text_; }
@@ -146,8 +148,8 @@ class CORE_API StringValue final : public PrimitiveValue {
     void destroy() noexcept override;
 
     wstring_view text_;
-    mutable std::atomic<std::int64_t> hash_{0};       // the hash above a bit that says it is known
-    mutable std::atomic<std::int64_t> hashNocase_{0}; // the same
+    mutable std::atomic<std::uint64_t> tableHash_{0}; // 0 until it is asked for
+    mutable std::atomic<std::uint64_t> nameHash_{0};  // the same; kNoName for 0
 };
 
 class CORE_API DateValue final : public PrimitiveValue, public IValueIsEmpty {
