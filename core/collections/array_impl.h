@@ -5,6 +5,7 @@
 
 #include <core/collections/terms.h>
 #include <core/collections/value_array.h>
+#include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
 #include <core/context/iteration.h>
 #include <core/serialization/list_in_stream.h>
@@ -41,6 +42,7 @@ class ValueArrayEnum : public IValueEnum {
 template <class T, class I, const GUID* clsid>
 class ArrayImpl : public IValueImpl,
                   public IContextImpl<IContextDefImpl<T>>,
+                  public ContextDefExtImpl<T, true>,
                   public I,
                   public IValueCollection,
                   public IPersistableObjectImpl<T, clsid> {

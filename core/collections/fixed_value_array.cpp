@@ -5,8 +5,8 @@ namespace core {
 
 class FixedValueArray : public ArrayImpl<FixedValueArray, IValueSequence, &kFixedValueArrayClass> {
   public:
-    using Interfaces =
-        InterfaceList<IValue, IContext_, IContextDef, IValueSequence, IValueCollection, IPersistableObject>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueSequence,
+                                     IValueCollection, IPersistableObject>;
     using ArrayImpl::ArrayImpl;
 
     static std::span<const Method<FixedValueArray>> methods() noexcept;
@@ -44,8 +44,8 @@ const TypeEntry<kFixedArrayInfo> kFixedArrayTypeEntry("FixedValueArray_Type");
 
 std::span<const Method<FixedValueArray>> FixedValueArray::methods() noexcept {
     static constexpr Method<FixedValueArray> kMethods[] = {
-        {kCollectTermCount, required(0), kFunction, &FixedValueArray::callCount},
-        {kCollectTermUBound, required(0), kFunction, &FixedValueArray::callUBound},
+        {kCollectTermCount, required(0), kFunction, &FixedValueArray::callCount, &kNumberType},
+        {kCollectTermUBound, required(0), kFunction, &FixedValueArray::callUBound, &kNumberType},
         {kCollectTermGet, required(1), kFunction, &FixedValueArray::callGet},
         {kCollectTermFind, required(1), kFunction, &FixedValueArray::callFind},
     };

@@ -7,6 +7,7 @@
 #include "core/collections/value_pair_list_enum.h"
 
 #include <core/collections/terms.h>
+#include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
 #include <core/serialization/list_in_stream.h>
 #include <core/serialization/list_out_stream.h>
@@ -20,6 +21,7 @@ namespace core {
 template <class T, class I, const GUID* clsid>
 class PairsImpl : public IValueImpl,
                   public IContextImpl<IContextDefImpl<T>>,
+                  public ContextDefExtImpl<T, true, &kValuePairType>,
                   public I,
                   public IValueCollection,
                   public IPersistableObjectImpl<T, clsid> {

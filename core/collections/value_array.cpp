@@ -5,8 +5,8 @@ namespace core {
 
 class ValueArray : public ArrayImpl<ValueArray, IValueArray, &kValueArrayClass> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueArray, IValueSequence,
-                                     IValueCollection, IPersistableObject>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueArray,
+                                     IValueSequence, IValueCollection, IPersistableObject>;
     using ArrayImpl::ArrayImpl;
 
     static std::span<const Method<ValueArray>> methods() noexcept;
@@ -120,8 +120,8 @@ const TypeEntry<kArrayInfo> kArrayTypeEntry("ValueArray_Type");
 
 std::span<const Method<ValueArray>> ValueArray::methods() noexcept {
     static constexpr Method<ValueArray> kMethods[] = {
-        {kCollectTermCount, required(0), kFunction, &ValueArray::callCount},
-        {kCollectTermUBound, required(0), kFunction, &ValueArray::callUBound},
+        {kCollectTermCount, required(0), kFunction, &ValueArray::callCount, &kNumberType},
+        {kCollectTermUBound, required(0), kFunction, &ValueArray::callUBound, &kNumberType},
         {kCollectTermInsert, required(2), kProcedure, &ValueArray::callInsert},
         {kCollectTermAdd, required(1), kProcedure, &ValueArray::callAdd},
         {kCollectTermRemove, required(1), kProcedure, &ValueArray::callDelete},

@@ -24,8 +24,8 @@ void put_pair(PairTable& table, const Value& key, Value&& value) {
 
 class ValueMap : public PairsImpl<ValueMap, IValueMap, &kValueMapClass> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueMap, IValuePairs, IValueCollection,
-                                     IPersistableObject>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueMap, IValuePairs,
+                                     IValueCollection, IPersistableObject>;
 
     static std::span<const Method<ValueMap>> methods() noexcept;
     /// Keys that differ may be written alike, as dates with parts of a second are: the last one stays.
@@ -87,7 +87,7 @@ const TypeEntry<kInfo> kTypeEntry("ValueMap_Type");
 
 std::span<const Method<ValueMap>> ValueMap::methods() noexcept {
     static constexpr Method<ValueMap> kMethods[] = {
-        {kCollectTermCount, required(0), kFunction, &ValueMap::callCount},
+        {kCollectTermCount, required(0), kFunction, &ValueMap::callCount, &kNumberType},
         {kCollectTermInsert, required(2), kProcedure, &ValueMap::callInsert},
         {kCollectTermRemove, required(1), kProcedure, &ValueMap::callDelete},
         {kCollectTermClear, required(0), kProcedure, &ValueMap::callClear},

@@ -2,6 +2,7 @@
 #include "core/collections/value_pair_impl.h"
 
 #include <core/collections/terms.h>
+#include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
 #include <core/serialization/list_in_stream.h>
 #include <core/serialization/list_out_stream.h>
@@ -12,10 +13,12 @@ namespace core {
 
 class ValuePair : public IValueImpl,
                   public IContextImpl<IContextDefImpl<ValuePair>>,
+                  public ContextDefExtImpl<ValuePair>,
                   public IValuePair,
                   public IPersistableObjectImpl<ValuePair, &kValuePairClass> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValuePair, IPersistableObject>;
+    using Interfaces =
+        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValuePair, IPersistableObject>;
 
     explicit ValuePair(Value key = {}, Value value = {}) noexcept : pair_{std::move(key), std::move(value)} {}
 

@@ -50,8 +50,8 @@ PairTable::Pair* find_or_add(PairTable& table, const Value& key, const Name& nam
 
 class ValueStructure : public PairsImpl<ValueStructure, IValueStructure, &kValueStructureClass> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueStructure, IValuePairs,
-                                     IValueCollection, IPersistableObject>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueStructure,
+                                     IValuePairs, IValueCollection, IPersistableObject>;
 
     static std::span<const Method<ValueStructure>> methods() noexcept;
     static void take(PairTable& table, KeyAndValue&& pair) {
@@ -177,11 +177,11 @@ constexpr Param kKeyAndFoundValue[] = {{}, {.byDefault = ParamDefault::undefined
 
 std::span<const Method<ValueStructure>> ValueStructure::methods() noexcept {
     static constexpr Method<ValueStructure> kMethods[] = {
-        {kCollectTermCount, required(0), kFunction, &ValueStructure::callCount},
+        {kCollectTermCount, required(0), kFunction, &ValueStructure::callCount, &kNumberType},
         {kCollectTermInsert, kKeyAndOptionalValue, kProcedure, &ValueStructure::callInsert},
         {kCollectTermRemove, required(1), kProcedure, &ValueStructure::callDelete},
         {kCollectTermClear, required(0), kProcedure, &ValueStructure::callClear},
-        {kStructureTermProperty, kKeyAndFoundValue, kFunction, &ValueStructure::callProperty},
+        {kStructureTermProperty, kKeyAndFoundValue, kFunction, &ValueStructure::callProperty, &kBooleanType},
     };
     return kMethods;
 }

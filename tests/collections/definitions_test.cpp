@@ -3,6 +3,7 @@
 // and no name declared twice anywhere.
 #include "tests/collections/script.h"
 
+#include <core/context/context_def_ext.h>
 #include <core/runtime/module.h>
 
 #include <set>
@@ -102,6 +103,23 @@ TEST_F(Definitions, MethodsHaveTheirNumbers) {
     GenericValue item;
     EXPECT_FALSE(create_object<IValueEnum>("0342ac9d-ee78-4f88-847f-a3c8b97fa68d"_guid)->next(item));
     EXPECT_NE(failure<CtorException>([] { make(u"KeyAndValue"); }), u"") << "only walks make pairs";
+}
+
+TEST_F(Definitions, TellWhatTheyHoldAndReturn) {
+    const std::pair<GUID, bool> classes[] = {{kValueArrayClass, false},
+                                             {kFixedValueArrayClass, false},
+                                             {kValueMapClass, true},
+                                             {kValueStructureClass, true}};
+    for (const auto& [clsid, pairs] : classes) {
+        const auto description = create_object<IContextDefExt>(clsid);
+        EXPECT_TRUE(description->isCollection());
+        ContextValueInfo item;
+        EXPECT_EQ(description->getCollectionItemInfo(item), pairs);
+        EXPECT_TRUE(!pairs || item.types.containsType(kValuePairType));
+        EXPECT_EQ(description->IContextDefExt_mapMethodTypeProvider(0), Type(Type::number).get());
+        EXPECT_FALSE(description->IContextDefExt_haveMethodReturnTypeInfo(3));
+    }
+    EXPECT_FALSE(create_object<IContextDefExt>(kValuePairClass)->isCollection());
 }
 
 TEST_F(Definitions, NoIdAndNoTypeNameIsDeclaredTwice) {
