@@ -93,14 +93,26 @@ template <class Char>
 
 /// "00", "01", ... "99" one after another.
 template <class Char>
-inline constexpr auto kDigitPairs = [] {
+constexpr std::array<Char, 200> make_digit_pairs() noexcept {
     std::array<Char, 200> pairs{};
     for (std::size_t i = 0; i < 100; ++i) {
         pairs[2 * i] = static_cast<Char>('0' + i / 10);
         pairs[2 * i + 1] = static_cast<Char>('0' + i % 10);
     }
     return pairs;
-}();
+}
+
+inline constexpr auto kNarrowPairs = make_digit_pairs<char>();
+inline constexpr auto kWidePairs = make_digit_pairs<wchar>();
+
+template <class Char>
+void write_pair(Char* out, std::size_t value) noexcept {
+    if constexpr (sizeof(Char) == 1) {
+        std::memcpy(out, &kNarrowPairs[2 * value], 2 * sizeof(Char));
+    } else {
+        std::memcpy(out, &kWidePairs[2 * value], 2 * sizeof(Char));
+    }
+}
 
 /// Writes all nine digits of `limb` and returns their end.
 ///
@@ -114,21 +126,27 @@ Char* write_limb(Char* out, Limb limb) noexcept {
     *out++ = static_cast<Char>('0' + (fixed >> 32));
     for (int i = 0; i < 4; ++i, out += 2) {
         fixed = (fixed & 0xFFFFFFFF) * 100;
-        std::memcpy(out, &kDigitPairs<Char>[2 * (fixed >> 32)], 2 * sizeof(Char));
+        write_pair(out, fixed >> 32);
     }
     return out;
 }
 
-/// Writes the first `count` digits of nine and returns their end; what lies between there and `limit` may be
-/// overwritten.
+/// Writes the first `count` digits of nine and no more.
 template <class Char>
-Char* write_leading(Char* out, const Char* limit, Limb limb, std::size_t count) noexcept {
-    if (limit - out >= static_cast<std::ptrdiff_t>(kLimbDigits)) {
+void write_cut_off(Char* out, Limb limb, std::size_t count) noexcept {
+    Char digits[kLimbDigits];
+    write_limb(digits, limb);
+    std::memcpy(out, digits, count * sizeof(Char));
+}
+
+/// Writes the first `count` digits of nine and returns their end; where there is `room`, the others may
+/// follow them.
+template <class Char>
+Char* write_leading(Char* out, bool room, Limb limb, std::size_t count) noexcept {
+    if (room) [[likely]] {
         write_limb(out, limb);
     } else {
-        Char digits[kLimbDigits];
-        write_limb(digits, limb);
-        std::memcpy(out, digits, count * sizeof(Char));
+        write_cut_off(out, limb, count);
     }
     return out + count;
 }

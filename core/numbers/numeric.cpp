@@ -94,8 +94,8 @@ Numeric::Numeric(double value) {
     // value = digits × 10^exponent = digits × 10^filler × 10^(−9 × fraction)
     constexpr std::int32_t kDigits = kLimbDigits;
     const std::int32_t fraction = exponent >= 0 ? -(exponent / kDigits) : (kDigits - 1 - exponent) / kDigits;
-    const Limb filler = kPowers[static_cast<std::size_t>(exponent + fraction * kDigits)];
-    const auto [high, low] = split_word(product(digits, filler));
+    const std::int32_t filler = exponent + fraction * kDigits;
+    const auto [high, low] = split_word(product(digits, kPowers[static_cast<std::size_t>(filler)]));
     store({pair_of(low), pair_of(high), 0, 0}, fraction, std::signbit(value));
 }
 
@@ -205,23 +205,6 @@ Numeric::operator long double() const noexcept {
         value = value / std::pow(base, -half) / std::pow(base, half - scale);
     }
     return negative() ? -value : value;
-}
-
-void Numeric::lengthAndPrecision(std::int64_t& length, std::int64_t& precision) const noexcept {
-    constexpr std::int64_t digits = kLimbDigits;
-    length = 1;
-    precision = 0;
-    if (count_ == 0) {
-        return;
-    }
-    if (fraction_ > 0) {
-        precision = digits * fraction_ - static_cast<std::int64_t>(trailing_zeros(limbs_[0]));
-    }
-    length = precision;
-    if (count_ > fraction_) {
-        length += digits * (std::int64_t{count_} - fraction_ - 1) +
-                  static_cast<std::int64_t>(digit_count(limbs_[count_ - 1]));
-    }
 }
 
 void Numeric::setInteger(std::uint64_t magnitude, bool negative) noexcept {

@@ -193,7 +193,10 @@ Numeric Numeric::wholePart() const {
 
 Numeric Numeric::floor() const {
     Numeric whole = wholePart();
-    return negative() && fraction_ > 0 ? std::move(whole) - 1 : whole;
+    if (negative() && fraction_ > 0) {
+        whole -= 1;
+    }
+    return whole;
 }
 
 /// Cuts inside the limb or between the limbs where digit `digits` behind the point ends.

@@ -73,129 +73,161 @@ Numeric Numeric::fromString(std::string_view text, const char** end) {
     return parse(text, end);
 }
 
+namespace {
+
+/// What lengthAndPrecision() says.
+struct Extent {
+    std::int64_t length;
+    std::int64_t precision;
+};
+
+Extent extent_of(const Numeric& n) noexcept {
+    constexpr std::int64_t digits = kLimbDigits;
+    const auto limbs = n.limbs();
+    if (limbs.empty()) {
+        return {1, 0};
+    }
+    const std::int64_t fraction = n.fractionLimbs();
+    const auto whole = static_cast<std::int64_t>(limbs.size()) - fraction;
+    const std::int64_t precision =
+        fraction > 0 ? digits * fraction - static_cast<std::int64_t>(trailing_zeros(limbs.front())) : 0;
+    const std::int64_t above =
+        whole > 0 ? digits * (whole - 1) + static_cast<std::int64_t>(digit_count(limbs.back())) : 0;
+    return {precision + above, precision};
+}
+
 /// The whole part without leading zeros, "" below 1, then `point` if there is a fraction and `point` is not
-/// zero, then the `precision` fraction digits. As a limb is written whole and cut off where its digits
-/// end, the text may spill over up to `limit`.
+/// zero, then the `precision` fraction digits. As a limb is written whole and cut off where its digits end,
+/// the text may be followed by up to eight more characters where there is `room` for them.
 template <class Char>
-Char* Numeric::writeNumber(Char* out, const Char* limit, Char point, std::int64_t precision) const noexcept {
-    const Limb* p = limbs_ + count_;
-    const Limb* const units = limbs_ + std::clamp(fraction_, 0, count_); // the lowest limb of the whole part
+Char* write_number(Char* out, bool room, const Numeric& n, Char point, std::int64_t precision) noexcept {
+    const auto limbs = n.limbs();
+    const std::int64_t fraction = n.fractionLimbs();
+    const auto count = static_cast<std::int64_t>(limbs.size());
+    const Limb* const lowest = limbs.data();
+    const Limb* const units =
+        lowest + std::clamp<std::int64_t>(fraction, 0, count); // where the whole part begins
+    const Limb* p = lowest + count;
     if (p != units) {
         --p;
         const std::size_t digits = digit_count(*p);
-        out = write_leading(out, limit, *p * kPowers[kLimbDigits - digits], digits);
-    } else if (fraction_ > count_) {
+        out = write_leading(out, room, *p * kPowers[kLimbDigits - digits], digits);
+    } else if (fraction > count) {
         *out = point;
         out += point != Char{} ? 1 : 0;
-        out = std::fill_n(out, static_cast<std::size_t>(fraction_ - count_) * kLimbDigits, Char{'0'});
+        out = std::fill_n(out, static_cast<std::size_t>(fraction - count) * kLimbDigits, Char{'0'});
         point = Char{};
     }
     const auto put_point = [&] {
         *out = point; // overwritten by the next limb unless the point belongs here
         out += p == units && point != Char{} ? 1 : 0;
     };
-    for (const Limb* const last = limbs_ + (fraction_ > 0 ? 1 : 0); p != last;) {
+    for (const Limb* const last = lowest + (fraction > 0 ? 1 : 0); p != last;) {
         put_point();
         out = write_limb(out, *--p);
     }
-    if (fraction_ > 0) {
+    if (fraction > 0) {
         put_point();
-        const auto above = static_cast<std::int64_t>(kLimbDigits) * (fraction_ - 1);
-        return write_leading(out, limit, limbs_[0], static_cast<std::size_t>(precision - above));
+        const auto digits = precision - static_cast<std::int64_t>(kLimbDigits) * (fraction - 1);
+        return write_leading(out, room, *lowest, static_cast<std::size_t>(digits));
     }
-    return std::fill_n(out, static_cast<std::size_t>(-fraction_) * kLimbDigits, Char{'0'});
+    return std::fill_n(out, static_cast<std::size_t>(-fraction) * kLimbDigits, Char{'0'});
 }
 
 template <class Char>
-std::size_t Numeric::writeDigits(Char* buffer, std::size_t capacity) const noexcept {
-    std::int64_t length = 0;
-    std::int64_t precision = 0;
-    lengthAndPrecision(length, precision);
+std::size_t write_digits(Char* buffer, std::size_t capacity, const Numeric& n) noexcept {
+    const auto [length, precision] = extent_of(n);
     const auto size = static_cast<std::size_t>(length);
     if (size <= capacity) {
         *buffer = Char{'0'};
-        writeNumber(buffer, buffer + size, Char{}, precision);
+        write_number(buffer, false, n, Char{}, precision);
     }
     return size;
 }
 
 template <class Char>
-bool Numeric::writeDigits(Char* buffer, std::size_t length, std::size_t precision,
-                          NumericRoundMode mode) const {
+bool write_digits(Char* buffer, std::size_t length, std::size_t precision, const Numeric& n,
+                  NumericRoundMode mode) {
     if (precision > length) {
         return false;
     }
-    std::int64_t own_length = 0;
-    std::int64_t own_precision = 0;
-    lengthAndPrecision(own_length, own_precision);
-    if (own_precision > static_cast<std::int64_t>(precision)) {
+    const Extent own = extent_of(n);
+    if (own.precision > static_cast<std::int64_t>(precision)) {
         const auto digits = std::min<std::size_t>(precision, std::numeric_limits<std::int32_t>::max());
-        return round(static_cast<std::int32_t>(digits), mode).writeDigits(buffer, length, precision, mode);
+        return write_digits(buffer, length, precision, n.round(static_cast<std::int32_t>(digits), mode),
+                            mode);
     }
-    const std::size_t whole = count_ == 0 ? 0 : static_cast<std::size_t>(own_length - own_precision);
+    const std::size_t whole = n.sign() == 0 ? 0 : static_cast<std::size_t>(own.length - own.precision);
     if (whole > length - precision) {
         return false;
     }
     Char* out = std::fill_n(buffer, length - precision - whole, Char{'0'});
-    out = writeNumber(out, buffer + length, Char{}, own_precision);
+    out = write_number(out, false, n, Char{}, own.precision);
     std::fill(out, buffer + length, Char{'0'});
     return true;
 }
 
 template <class Char>
-std::size_t Numeric::writeText(Char* buffer, std::size_t capacity) const noexcept {
-    std::int64_t length = 0;
-    std::int64_t precision = 0;
-    lengthAndPrecision(length, precision);
+std::size_t write_text(Char* buffer, std::size_t capacity, const Numeric& n) noexcept {
+    const auto [length, precision] = extent_of(n);
+    const bool negative = n.sign() < 0;
     const bool whole = length > precision; // there are digits in front of the point, if only a zero's
     const std::size_t size =
-        static_cast<std::size_t>(length) + (negative() ? 1 : 0) + (whole ? 0 : 1) + (precision == 0 ? 0 : 1);
+        static_cast<std::size_t>(length) + (negative ? 1 : 0) + (whole ? 0 : 1) + (precision == 0 ? 0 : 1);
     if (size > capacity) {
         return size;
     }
     Char* out = buffer;
-    if (negative()) {
+    if (negative) {
         *out++ = Char{'-'};
     }
-    if (!whole || count_ == 0) {
+    if (!whole || n.sign() == 0) {
         *out++ = Char{'0'};
     }
-    writeNumber(out, buffer + capacity, Char{'.'}, precision);
+    write_number(out, capacity - size >= kLimbDigits, n, Char{'.'}, precision);
     return size;
 }
 
+} // namespace
+
+void Numeric::lengthAndPrecision(std::int64_t& length, std::int64_t& precision) const noexcept {
+    const Extent extent = extent_of(*this);
+    length = extent.length;
+    precision = extent.precision;
+}
+
 std::size_t Numeric::digits(char* buffer, std::size_t capacity) const noexcept {
-    return writeDigits(buffer, capacity);
+    return write_digits(buffer, capacity, *this);
 }
 
 std::size_t Numeric::digits(wchar* buffer, std::size_t capacity) const noexcept {
-    return writeDigits(buffer, capacity);
+    return write_digits(buffer, capacity, *this);
 }
 
 bool Numeric::digits(char* buffer, std::size_t length, std::size_t precision, NumericRoundMode mode) const {
-    return writeDigits(buffer, length, precision, mode);
+    return write_digits(buffer, length, precision, *this, mode);
 }
 
 bool Numeric::digits(wchar* buffer, std::size_t length, std::size_t precision, NumericRoundMode mode) const {
-    return writeDigits(buffer, length, precision, mode);
+    return write_digits(buffer, length, precision, *this, mode);
 }
 
 std::size_t Numeric::toString(wchar* buffer, std::size_t capacity) const noexcept {
-    return writeText(buffer, capacity);
+    return write_text(buffer, capacity, *this);
 }
 
 std::size_t Numeric::toString(char* buffer, std::size_t capacity) const noexcept {
-    return writeText(buffer, capacity);
+    return write_text(buffer, capacity, *this);
 }
 
 wstring Numeric::toString() const {
     wchar small[64];
-    const std::size_t size = writeText(small, std::size(small));
+    const std::size_t size = write_text(small, std::size(small), *this);
     if (size <= std::size(small)) {
         return {small, size};
     }
     wstring text(size, u'0');
-    writeText(text.data(), size);
+    write_text(text.data(), size, *this);
     return text;
 }
 

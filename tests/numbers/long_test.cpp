@@ -13,7 +13,8 @@ namespace {
 
 using core::Numeric;
 using core::limbs::kHalvesThreshold;
-using core::limbs::kNewtonThreshold;
+using core::limbs::kNewtonDivisor;
+using core::limbs::kNewtonQuotient;
 using core::limbs::kTransformThreshold;
 using model::cpp_int;
 
@@ -77,9 +78,12 @@ TEST(LongNumbers, ProductsOfAnyTransformSizeCastOut) {
 
 TEST(LongNumbers, QuotientsHaveTheDigitsOfTheRuleWhereAlgorithmsChange) {
     model::Generator next(13);
-    const std::size_t border = 2 * kNewtonThreshold;
-    for (const std::size_t b : {std::size_t{5}, std::size_t{6}, border - 1, border, border + 1, 3 * border}) {
-        for (const std::size_t a : {std::size_t{1}, b, border - 3, border, 3 * border + 2, 7 * border}) {
+    const std::size_t divisor = 2 * kNewtonDivisor;
+    const std::size_t quotient = 2 * kNewtonQuotient;
+    for (const std::size_t b :
+         {std::size_t{5}, std::size_t{6}, divisor - 1, divisor, divisor + 1, 3 * divisor}) {
+        for (const std::size_t a :
+             {std::size_t{1}, b, quotient - 4, quotient, 3 * divisor + 2, 7 * divisor}) {
             const Numeric y = whole(next, b);
             const Numeric exact = whole(next, a);
             for (const Numeric& x : {exact, exact * y, exact * y - 1, exact * y + 1}) {

@@ -205,14 +205,6 @@ class CORE_API Numeric {
     [[nodiscard]] bool equals(const Numeric& other) const noexcept;
     [[nodiscard]] std::uint64_t toInteger() const noexcept;
     [[nodiscard]] Numeric wholePart() const;
-    template <class Char>
-    std::size_t writeDigits(Char* buffer, std::size_t capacity) const noexcept;
-    template <class Char>
-    bool writeDigits(Char* buffer, std::size_t length, std::size_t precision, NumericRoundMode mode) const;
-    template <class Char>
-    std::size_t writeText(Char* buffer, std::size_t capacity) const noexcept;
-    template <class Char>
-    Char* writeNumber(Char* out, const Char* limit, Char point, std::int64_t precision) const noexcept;
 
     /// Room for `count` limbs in a number that is zero; finish() must follow.
     Limb* reserve(std::size_t count);
