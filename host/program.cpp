@@ -36,6 +36,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
         ->transform(CLI::CheckedTransformer(
             std::map<std::string, Language>{{"en", Language::english}, {"ru", Language::russian}}));
     Action action;
+    add_container_command(app, console, action);
     add_run_command(app, console, action);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 wants

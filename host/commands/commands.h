@@ -16,6 +16,7 @@ namespace host {
 
 using Action = std::function<ExitCode()>;
 
+void add_container_command(CLI::App& app, Console& console, Action& action);
 void add_run_command(CLI::App& app, Console& console, Action& action);
 
 } // namespace host

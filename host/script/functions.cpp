@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/script/functions.h"
 
+#include "host/script/container_values.h"
 #include "host/script/json.h"
 #include "host/script/text_files.h"
 
@@ -92,6 +93,14 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>> {
         return {};
     }
 
+    GenericValue saveToContainer(Args a) {
+        save_to_container(text_argument(a, 0), text_argument(a, 1), a[2]);
+        return {};
+    }
+    GenericValue loadFromContainer(Args a) {
+        return load_from_container(text_argument(a, 0), text_argument(a, 1));
+    }
+
     // dates and time
     GenericValue currentDate(Args) { return GenericValue(Date::getCurrentDate()); }
     GenericValue elapsed(Args) {
@@ -159,6 +168,8 @@ constexpr Term kFromJsonTerm = {u"FromJson", u"ИзJson"};
 constexpr Term kToJsonTerm = {u"ToJson", u"ВJson"};
 constexpr Term kLoadTextTerm = {u"LoadText", u"ЗагрузитьТекст"};
 constexpr Term kSaveTextTerm = {u"SaveText", u"СохранитьТекст"};
+constexpr Term kSaveToContainerTerm = {u"SaveToContainer", u"СохранитьВКонтейнер"};
+constexpr Term kLoadFromContainerTerm = {u"LoadFromContainer", u"ЗагрузитьИзКонтейнера"};
 constexpr Term kCurrentDateTerm = {u"CurrentDate", u"ТекущаяДата"};
 constexpr Term kElapsedTerm = {u"Elapsed", u"ПрошлоВремени"};
 constexpr Term kLengthTerm = {u"StrLen", u"СтрДлина"};
@@ -185,6 +196,8 @@ std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
         {kToJsonTerm, kTextAndOptional, kFunction, &F::toJson},
         {kLoadTextTerm, required(1), kFunction, &F::loadText},
         {kSaveTextTerm, required(2), kProcedure, &F::saveText},
+        {kSaveToContainerTerm, required(3), kProcedure, &F::saveToContainer},
+        {kLoadFromContainerTerm, required(2), kFunction, &F::loadFromContainer},
         {kCurrentDateTerm, {}, kFunction, &F::currentDate},
         {kElapsedTerm, {}, kFunction, &F::elapsed},
         {kLengthTerm, required(1), kFunction, &F::length},

@@ -26,10 +26,10 @@ struct StorageOptions {
 
 /// What a search finds of an inner file.
 struct StorageFound {
-    wstring name;
+    wstring name{};
     std::uint64_t size = 0;
-    Date created;  ///< universal time
-    Date modified; ///< universal time
+    Date created{};  ///< universal time
+    Date modified{}; ///< universal time
 };
 
 /// A container opened for reading and writing: one file that holds many named inner files. Names are any

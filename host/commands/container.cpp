@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/container.h"
+
+#include "host/commands/commands.h"
+
+#include <core/files/disk_file.h>
+#include <core/files/url.h>
+#include <core/files/wildcard.h>
+#include <core/runtime/exceptions.h>
+#include <core/runtime/utf8.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <ostream>
+
+namespace host::container {
+
+using namespace core;
+
+StorageRW open(const Options& options, OpenMode mode) {
+    URL url = split_url(from_utf8(options.file));
+    const bool byScheme = url.scheme == kStorageLayout32.scheme || url.scheme == kStorageLayout64.scheme;
+    const bool wide = options.wide || url.scheme == kStorageLayout64.scheme;
+    StorageOptions how{.readOnly = mode == OpenMode::read, .noSortedCheck = false};
+    if (byScheme) {
+        split_options(url);
+        how.noSortedCheck = url.hasOption(u"NoSortedCheck");
+    }
+    const StorageLayout& layout = wide ? kStorageLayout64 : kStorageLayout32;
+    auto file = open_disk_file(byScheme ? file_path(url.path) : options.file, mode);
+    if (mode == OpenMode::createNew || (mode == OpenMode::create && file->length() == 0))
+        StorageRW::create(*file, layout);
+    return StorageRW(std::move(file), layout, how, from_utf8(options.file));
+}
+
+Selection select(const StorageRW& storage, const Options& options, Console& console) {
+    Selection selection;
+    for (const std::string& text : options.names) {
+        const wstring name = from_utf8(text);
+        auto found = storage.find(name);
+        if (storage.contains(name)) // a name that looks like a pattern means itself
+            std::erase_if(found, [&](const StorageFound& file) { return file.name != name; });
+        if (found.empty()) {
+            console.err << "corehost: no inner file " << shown(name) << '\n';
+            ++selection.missing;
+        }
+        std::move(found.begin(), found.end(), std::back_inserter(selection.files));
+    }
+    const auto less = [](const auto& a, const auto& b) { return a.name < b.name; };
+    const auto same = [](const auto& a, const auto& b) { return a.name == b.name; };
+    std::stable_sort(selection.files.begin(), selection.files.end(), less);
+    selection.files.erase(std::unique(selection.files.begin(), selection.files.end(), same),
+                          selection.files.end());
+    return selection;
+}
+
+std::string shown(wstring_view name) {
+    wstring text(name);
+    std::replace_if(
+        text.begin(), text.end(), [](wchar c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }, u'\uFFFD');
+    return to_utf8(text);
+}
+
+} // namespace host::container
+
+namespace host {
+
+void add_container_command(CLI::App& app, Console& console, Action& action) {
+    using container::Options;
+    auto* const command =
+        app.add_subcommand("container", "Many files in one: make containers, look into them, change them");
+    command->require_subcommand(1);
+    command->fallthrough();
+    const auto options = std::make_shared<Options>();
+    command->add_flag("--64", options->wide, "The container has the 64-bit layout");
+
+    const auto add = [&](const char* name, const char* what, auto run) {
+        auto* const sub = command->add_subcommand(name, what);
+        sub->add_option("container", options->file, "The container: a path, or a lumstg or lumstg64 URL")
+            ->required();
+        sub->fallthrough(); // what concerns every command may stand behind this one
+        sub->callback([options, &console, &action, run] {
+            action = [options, &console, run] {
+                try {
+                    return run(*options, console);
+                } catch (const core::StorageException& e) {
+                    if (e.kind() != core::StorageException::Kind::fileNotFound)
+                        throw;
+                    console.err << "corehost: " << e.what() << '\n';
+                    return ExitCode::no;
+                }
+            };
+        });
+        return sub;
+    };
+    const auto addNames = [&](CLI::App* sub, const char* what) {
+        return sub->add_option("names", options->names, what);
+    };
+
+    add("create", "Make an empty container", [](const Options& o, Console&) { return container::create(o); });
+    addNames(add("ls", "List inner files: size, time, name", container::list), "Names or patterns (*, ?)");
+    auto* const put = add("put", "Put files and whole folders in", container::put);
+    addNames(put, "Files and folders")->required();
+    put->add_option("--into", options->folder, "What their names in the container begin with");
+    auto* const get = add("get", "Take inner files out", container::get);
+    addNames(get, "Names or patterns (*, ?)")->required();
+    get->add_option("--to", options->folder, "The folder to put them into; default: this one");
+    addNames(add("cat", "Write the content of inner files", container::cat), "Names or patterns (*, ?)")
+        ->required();
+    addNames(add("rm", "Remove inner files", container::remove), "Names or patterns (*, ?)")->required();
+    addNames(add("mv", "Give an inner file another name",
+                 [](const Options& o, Console&) { return container::move(o); }),
+             "The old name and the new one")
+        ->required()
+        ->expected(2);
+    add("check", "Walk every chain and say what is wrong", container::check);
+    add("info", "Show how the container uses its file", container::info);
+    add("compact", "Make the container as small as it can be", container::compact);
+}
+
+} // namespace host

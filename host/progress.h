@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/console.h"
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace host {
+
+/// A bar on the terminal for work that takes a while. Shows nothing in the first half second, nor when
+/// messages do not go to a terminal; leaves nothing behind.
+class Progress {
+  public:
+    Progress(Console& console, std::string what, std::uint64_t total);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void add(std::uint64_t done);
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    std::ostream& out_;
+    std::string what_;
+    std::uint64_t total_;
+    std::uint64_t done_ = 0;
+    bool terminal_;
+    bool shown_ = false;
+    Clock::time_point next_;
+};
+
+} // namespace host

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/values/generic_value.h>
+
+namespace host::script {
+
+/// Writes a value, as a brace list in UTF-8, to an inner file of the container in `file`, which is made when
+/// it does not exist. A lumstg64 URL stands for a container of the 64-bit layout.
+void save_to_container(core::wstring_view file, core::wstring_view name, const core::GenericValue& value);
+/// Reads such a value back.
+[[nodiscard]] core::GenericValue load_from_container(core::wstring_view file, core::wstring_view name);
+
+} // namespace host::script

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/program.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Container : public testing::Test {
+  protected:
+    Container() : folder_(fs::temp_directory_path() / "core-container-XXXXXX") {
+        std::string path = folder_.string();
+        if (::mkdtemp(path.data()) == nullptr)
+            throw std::runtime_error("no temporary folder");
+        folder_ = path;
+        write("tree/a.txt", "Hello");
+        write("tree/sub/b.bin", std::string("\0\1\2", 3));
+        write("tree/empty", "");
+    }
+    ~Container() override { fs::remove_all(folder_); }
+
+    void write(const std::string& name, const std::string& text) const {
+        fs::create_directories((folder_ / name).parent_path());
+        std::ofstream(folder_ / name, std::ios::binary) << text;
+    }
+    [[nodiscard]] std::string read(const std::string& name) const {
+        std::ostringstream text;
+        text << std::ifstream(folder_ / name, std::ios::binary).rdbuf();
+        return text.str();
+    }
+    [[nodiscard]] std::string path(const std::string& name) const { return (folder_ / name).string(); }
+
+    /// Runs "corehost container ..."; what it writes is in out_ and err_.
+    ExitCode run(std::vector<std::string> arguments) {
+        std::istringstream in;
+        std::ostringstream out;
+        std::ostringstream err;
+        Console console{in, out, err};
+        if (arguments.at(0) != "run")
+            arguments.insert(arguments.begin(), "container");
+        const ExitCode code = run_program(std::move(arguments), console);
+        out_ = out.str();
+        err_ = err.str();
+        return code;
+    }
+
+    fs::path folder_;
+    std::string out_;
+    std::string err_;
+};
+
+TEST_F(Container, CarriesAFolderThereAndBack) {
+    const std::string file = path("c.st");
+    for (const char* const layout : {"--64", ""}) {
+        const std::vector<std::string> wide(*layout != 0 ? 1 : 0, layout);
+        const auto with = [&](std::vector<std::string> arguments) {
+            arguments.insert(arguments.end(), wide.begin(), wide.end());
+            return run(std::move(arguments));
+        };
+        fs::remove(file);
+        ASSERT_EQ(with({"put", file, path("tree"), "--into", "in"}), ExitCode::done) << err_;
+        ASSERT_EQ(with({"check", file}), ExitCode::done) << out_;
+        ASSERT_EQ(with({"get", file, "*", "--to", path("out")}), ExitCode::done) << err_;
+        for (const char* const name : {"a.txt", "sub/b.bin", "empty"}) {
+            EXPECT_EQ(read(std::string("out/in/tree/") + name), read(std::string("tree/") + name));
+            struct stat before {};
+            struct stat after {};
+            ::stat(path(std::string("tree/") + name).c_str(), &before);
+            ::stat(path(std::string("out/in/tree/") + name).c_str(), &after);
+            EXPECT_EQ(before.st_mtime, after.st_mtime);
+        }
+        EXPECT_EQ(with({"ls", file, "--json"}), ExitCode::done);
+        EXPECT_NE(out_.find(R"("name": "in/tree/a.txt",)"), std::string::npos);
+        EXPECT_NE(out_.find(R"("size": 5,)"), std::string::npos);
+    }
+    EXPECT_EQ(run({"ls", file, "--64"}), ExitCode::malformed) << "the other layout";
+    EXPECT_EQ(run({"ls", "lumstg://" + file, "*b*"}), ExitCode::done);
+    EXPECT_EQ(out_.find("a.txt"), std::string::npos);
+    EXPECT_NE(out_.find("in/tree/sub/b.bin"), std::string::npos);
+}
+
+TEST_F(Container, ChangesAndReports) {
+    const std::string file = path("c.st");
+    ASSERT_EQ(run({"create", file}), ExitCode::done);
+    EXPECT_EQ(run({"create", file}), ExitCode::io) << "not over what is there";
+    ASSERT_EQ(run({"put", file, path("tree/a.txt"), path("tree/sub/")}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"cat", file, "a.txt"}), ExitCode::done);
+    EXPECT_EQ(out_, "Hello");
+    EXPECT_EQ(run({"mv", file, "a.txt", "with?.txt"}), ExitCode::done);
+    EXPECT_EQ(run({"mv", file, "a.txt", "other"}), ExitCode::no);
+    EXPECT_EQ(run({"mv", file, "with?.txt", "with?.txt"}), ExitCode::malformed);
+    EXPECT_EQ(run({"cat", file, "with?.txt", "none"}), ExitCode::no);
+    EXPECT_EQ(out_, "Hello");
+    EXPECT_NE(err_.find("none"), std::string::npos);
+    EXPECT_EQ(run({"rm", file, "sub/*"}), ExitCode::done);
+    EXPECT_EQ(run({"rm", file, "sub/*"}), ExitCode::no);
+    EXPECT_EQ(run({"info", file}), ExitCode::done);
+    EXPECT_NE(out_.find("\n  HH"), std::string::npos) << "a picture of the file";
+    EXPECT_EQ(run({"compact", file}), ExitCode::done);
+    EXPECT_EQ(run({"info", file, "--json"}), ExitCode::done);
+    EXPECT_NE(out_.find(R"("freeBytes": 0,)"), std::string::npos);
+    fs::resize_file(file, fs::file_size(file) - 600);
+    EXPECT_EQ(run({"check", file}), ExitCode::malformed);
+    EXPECT_EQ(run({"ls", path("none")}), ExitCode::io);
+    EXPECT_EQ(run({"nonsense", file}), ExitCode::usage);
+}
+
+TEST_F(Container, TakesNothingOutOfItsFolder) {
+    const std::string file = path("c.st");
+    ASSERT_EQ(run({"put", file, path("tree/a.txt")}), ExitCode::done);
+    for (const char* const name : {"../escaped", "/escaped", "x/../../escaped", ".."}) {
+        ASSERT_EQ(run({"mv", file, "*", name}), ExitCode::no);
+        ASSERT_EQ(run({"mv", file, "a.txt", name}), ExitCode::done);
+        EXPECT_EQ(run({"get", file, name, "--to", path("out")}), ExitCode::io) << name;
+        ASSERT_EQ(run({"mv", file, name, "a.txt"}), ExitCode::done);
+    }
+    EXPECT_FALSE(fs::exists(folder_ / "escaped"));
+}
+
+TEST_F(Container, KeepsValuesOfScripts) {
+    const std::string file = path("v.st");
+    write("s.script", "S = New Structure(\"A, B\", 1.5, \"x\");\n"
+                      "SaveToContainer(\"" +
+                          file +
+                          "\", \"values/s\", S);\n"
+                          "T = ЗагрузитьИзКонтейнера(\"" +
+                          file +
+                          "\", \"values/s\");\n"
+                          "Print(T.A); Print(T.B);\n");
+    ASSERT_EQ(run({"run", path("s.script")}), ExitCode::done) << err_;
+    EXPECT_EQ(out_, "1.5\nx\n");
+    EXPECT_EQ(run({"cat", file, "values/s"}), ExitCode::done);
+    EXPECT_EQ(out_.front(), '{');
+}
+
+} // namespace
+} // namespace host
