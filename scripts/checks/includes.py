@@ -16,9 +16,10 @@ BELOW = {
     "context": ["types"],
     "descriptions": ["context"],
     "collections": ["descriptions"],
+    "tables": ["collections"],
     "files": ["dates"],
     "storage": ["files"],
-    "host": ["collections", "storage"],
+    "host": ["tables", "storage"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 

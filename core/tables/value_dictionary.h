@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/values/value.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace core {
+
+/// Numbers different values, so that a column keeps each of them once. Code 0 is Undefined; the others follow
+/// in the order of first appearance.
+class ValueDictionary {
+  public:
+    using Code = std::uint32_t;
+
+    /// How many codes there are, that of Undefined among them.
+    [[nodiscard]] std::size_t size() const noexcept { return values_.size(); }
+    [[nodiscard]] const Value& operator[](Code code) const noexcept { return values_[code]; }
+    [[nodiscard]] std::span<const Value> values() const noexcept { return values_; }
+
+    [[nodiscard]] std::optional<Code> find(const Value& value) const noexcept;
+    /// The code of a value, a new one when it is not here yet.
+    [[nodiscard]] Code add(const Value& value);
+
+  private:
+    struct Slot {
+        std::uint32_t tag;
+        Code code; // 0: free
+    };
+
+    [[nodiscard]] std::size_t slotOf(std::uint64_t hash, const Value& value) const noexcept;
+    void grow();
+
+    std::vector<Value> values_{Value()};
+    std::vector<Slot> slots_; // a power of two of them, at most half in use
+};
+
+} // namespace core
