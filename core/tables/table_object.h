@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/context/context_impl.h>
+#include <core/values/type_object.h>
+#include <core/values/value_impl.h>
+
+namespace core {
+
+/// What the script objects of this folder have in common: values that are presented by their type, with the
+/// tables of properties and methods of `T`.
+template <class T, class Context = IContextImpl<IContextDefImpl<T>>>
+class TableObject : public IValueImpl, public Context {
+  public:
+    bool getString(wstring& out) const override {
+        out = this->getType()->presentation();
+        return true;
+    }
+
+    static std::span<const Property<T>> properties() noexcept { return {}; }
+    static std::span<const Method<T>> methods() noexcept { return {}; }
+
+  protected:
+    ~TableObject() = default;
+};
+
+} // namespace core

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/context/iteration.h>
+#include <core/runtime/internal_class.h>
+
+#include <vector>
+
+namespace core {
+
+/// A walk over values that were gathered when it began.
+class GatheredEnum : public IValueEnum {
+  public:
+    using Interfaces = InterfaceList<IValueEnum>;
+
+    explicit GatheredEnum(std::vector<GenericValue> values) noexcept : values_(std::move(values)) {}
+    bool next(GenericValue& out) override {
+        if (next_ == values_.size())
+            return false;
+        out = values_[next_++];
+        return true;
+    }
+
+  private:
+    std::vector<GenericValue> values_;
+    std::size_t next_ = 0;
+};
+
+} // namespace core

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// Value tables, value trees and value lists.
+#include <core/tables/chooser.h>
+#include <core/tables/compare_values.h>
+#include <core/tables/terms.h>
+#include <core/tables/value_list.h>
+#include <core/tables/value_table.h>
+#include <core/tables/value_tree.h>

@@ -1,0 +1,277 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "tests/collections/script.h"
+
+#include <core/descriptions.h>
+#include <core/tables.h>
+
+#include <algorithm>
+#include <random>
+
+/// A value table beside the plainest one there could be, a vector of rows: every operation is done to both
+/// through the script's methods, and both must stay the same.
+namespace model {
+
+using namespace script;
+
+struct Row {
+    int id; ///< the cell of column 0, different in every row
+    std::vector<GenericValue> cells;
+    GenericValue handle; ///< the script's row, where it is held
+};
+
+class Table {
+  public:
+    explicit Table(unsigned seed) : table(make(u"ValueTable")), random_(seed) { addColumn(u"Id"); }
+
+    const GenericValue table;
+    std::vector<wstring> columns;
+    std::vector<Row> rows;
+
+    std::size_t below(std::size_t n) { return static_cast<std::size_t>(random_() % n); }
+    /// One column in three has numbers, one texts, one anything.
+    GenericValue value(std::size_t column) {
+        const auto small = static_cast<int>(below(6));
+        switch (column % 3 == 0 ? below(8) : column % 3) {
+        case 0:
+            return GenericValue();
+        case 1:
+            return below(40) == 0 ? GenericValue(Numeric(10).pow(small * 9) / 8)
+                                  : GenericValue(Numeric(small) / 2);
+        case 2:
+            return wstring(u"name") + static_cast<wchar>(u'a' + small);
+        case 3:
+            return Date(2000 + small, 1, 1);
+        case 4:
+            return small % 2 == 0;
+        case 5:
+            return Value::null();
+        case 6:
+            return Type(static_cast<Type::Code>(small));
+        default:
+            return small;
+        }
+    }
+    std::size_t anyColumn() { return 1 + below(columns.size() - 1); }
+
+    void addColumn(wstring_view name) {
+        call(property(table, u"Columns"), u"Add", {Value(name)});
+        columns.emplace_back(name);
+        for (Row& row : rows)
+            row.cells.emplace_back();
+    }
+    void insert(std::size_t position) {
+        const bool last = position == rows.size();
+        Row row{nextId_++, std::vector<GenericValue>(columns.size()), {}};
+        row.handle = last && below(2) == 0 ? call(table, u"Add") : call(table, u"Insert", {position});
+        set(row, 0, row.id);
+        for (std::size_t i = 1; i < columns.size(); ++i)
+            set(row, i, value(i));
+        if (below(4) != 0)
+            row.handle = {};
+        rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(position), std::move(row));
+    }
+    void set(Row& row, std::size_t column, const GenericValue& value) {
+        const auto context = row.handle.query<IContext_>();
+        context->setPropVal(context->findProp(columns[column].c_str()), value);
+        row.cells[column] = value;
+    }
+    /// The script's object of a row, and whether the one held is still it.
+    GenericValue handle(std::size_t position) {
+        const GenericValue found = call(table, u"Get", {position});
+        EXPECT_TRUE(rows[position].handle.isUndefined() || rows[position].handle.equals(found));
+        return found;
+    }
+    /// A row as an argument: itself or its index.
+    GenericValue argument(std::size_t position) {
+        return below(2) == 0 ? handle(position) : GenericValue(position);
+    }
+    void write(std::size_t position, std::size_t column) {
+        const GenericValue held = std::exchange(rows[position].handle, handle(position));
+        set(rows[position], column, value(column));
+        if (held.isUndefined())
+            rows[position].handle = held;
+    }
+    void remove(std::size_t position) {
+        call(table, u"Delete", {argument(position)});
+        const GenericValue gone = rows[position].handle;
+        rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(position));
+        if (!gone.isUndefined()) {
+            EXPECT_EQ(failure([&] { call(table, u"IndexOf", {gone}); }),
+                      message_text("IDS_VT_UNKNOWN_ROW_ERROR"));
+        }
+    }
+    void move(std::size_t from, std::size_t to) {
+        const auto offset = static_cast<std::int64_t>(to) - static_cast<std::int64_t>(from);
+        call(table, u"Move", {argument(from), offset});
+        Row row = std::move(rows[from]);
+        rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(from));
+        rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(to), std::move(row));
+    }
+    /// Sorts both and checks the order; what equal rows do is for the table to say.
+    void sort() {
+        const std::size_t a = anyColumn();
+        const std::size_t b = 1 + (a % (columns.size() - 1));
+        const bool two = a != b && below(2) == 0;
+        const bool down = below(2) == 0;
+        call(table, u"Sort",
+             {columns[a] + (down ? u"  убыв" : u" ASC") + (two ? u", " + columns[b] : wstring())});
+        std::vector<Row> before = std::exchange(rows, {});
+        for (const GenericValue& id : unload(0)) {
+            const auto found = std::find_if(before.begin(), before.end(),
+                                            [&](const Row& row) { return GenericValue(row.id).equals(id); });
+            ASSERT_NE(found, before.end());
+            rows.push_back(std::move(*found));
+            before.erase(found);
+            if (rows.size() == 1)
+                continue;
+            const Row& above = rows[rows.size() - 2];
+            const int order = compare_values(above.cells[a], rows.back().cells[a]);
+            ASSERT_FALSE(down ? order < 0 : order > 0);
+            ASSERT_FALSE(two && order == 0 && compare_values(above.cells[b], rows.back().cells[b]) > 0);
+        }
+        ASSERT_TRUE(before.empty());
+    }
+    void find() {
+        const std::size_t a = anyColumn();
+        const std::size_t b = anyColumn();
+        const GenericValue wanted = value(a);
+        const auto named = [&](const Row& row) {
+            return row.cells[a].equals(wanted) || row.cells[b].equals(wanted);
+        };
+        const auto anywhere = [&](const Row& row) {
+            return std::any_of(row.cells.begin(), row.cells.end(),
+                               [&](const GenericValue& cell) { return cell.equals(wanted); });
+        };
+        const bool all = below(2) == 0;
+        const auto expected = all ? std::find_if(rows.begin(), rows.end(), anywhere)
+                                  : std::find_if(rows.begin(), rows.end(), named);
+        Arguments arguments = {wanted};
+        if (!all)
+            arguments.push_back(GenericValue(a == b ? columns[a] : columns[a] + u" ," + columns[b]));
+        const GenericValue found = call(table, u"Find", arguments);
+        ASSERT_EQ(found.isUndefined(), expected == rows.end());
+        if (expected != rows.end()) {
+            ASSERT_TRUE(call(table, u"IndexOf", {found}).equals(expected - rows.begin()));
+        }
+    }
+    void filter() {
+        const std::size_t a = anyColumn();
+        const std::size_t b = anyColumn();
+        const GenericValue wantedA = value(a);
+        const GenericValue wantedB = a == b ? wantedA : value(b);
+        const GenericValue structure = make(u"Structure");
+        call(structure, u"Insert", {Value(columns[a]), wantedA});
+        call(structure, u"Insert", {Value(columns[b]), wantedB});
+        const auto found = walk(call(table, u"FindRows", {structure}));
+        std::size_t next = 0;
+        for (const Row& row : rows) {
+            if (!row.cells[a].equals(wantedA) || !row.cells[b].equals(wantedB))
+                continue;
+            ASSERT_LT(next, found.size());
+            ASSERT_TRUE(property(found[next++], u"id").equals(row.id));
+        }
+        ASSERT_EQ(next, found.size());
+    }
+    void total() {
+        const std::size_t column = anyColumn();
+        Numeric sum;
+        bool any = false;
+        for (const Row& row : rows) {
+            if (const auto number = row.cells[column].asNumeric()) {
+                sum += *number;
+                any = true;
+            }
+        }
+        const GenericValue total = call(table, u"Total", {Value(columns[column])});
+        ASSERT_TRUE(any ? total.equals(sum) : total.isUndefined());
+    }
+    void fill() {
+        const std::size_t column = anyColumn();
+        const GenericValue filling = value(column);
+        call(table, u"FillValues", {filling, Value(columns[column])});
+        for (Row& row : rows)
+            row.cells[column] = filling;
+    }
+    void load() {
+        const std::size_t column = anyColumn();
+        const GenericValue array = make(u"Array");
+        const std::size_t count = below(rows.size() + 3);
+        for (std::size_t i = 0; i < count; ++i) {
+            const GenericValue loaded = value(column);
+            call(array, u"Add", {loaded});
+            if (i < rows.size())
+                rows[i].cells[column] = loaded;
+        }
+        call(table, u"LoadColumn", {array, Value(columns[column])});
+    }
+    void clear() {
+        call(table, u"Clear");
+        rows.clear();
+    }
+    /// Adds an index over one or two columns, or drops one.
+    void changeIndexes() {
+        const GenericValue indexes = property(table, u"Indexes");
+        const auto count = static_cast<std::size_t>(*call(indexes, u"Count").asNumeric());
+        if (count < 3 && below(3) != 0) {
+            const std::size_t a = anyColumn();
+            const std::size_t b = 1 + (a % (columns.size() - 1));
+            call(indexes, u"Add",
+                 {Value(a != b && below(2) == 0 ? columns[a] + u"," + columns[b] : columns[a])});
+        } else if (count != 0) {
+            call(indexes, u"Delete", {below(count)});
+        }
+    }
+    /// Walks over the rows and deletes some of them, and others, on the way; each is seen once unless deleted
+    /// before.
+    void walkAndChange() {
+        std::vector<int> expected;
+        for (const Row& row : rows)
+            expected.push_back(row.id);
+        const auto items = table.query<IValueCollection>()->enumerate();
+        std::size_t seen = 0;
+        for (GenericValue item; items->next(item);) {
+            const auto id = static_cast<int>(*property(item, u"Id").asNumeric());
+            const auto place =
+                std::find(expected.begin() + static_cast<std::ptrdiff_t>(seen), expected.end(), id);
+            ASSERT_NE(place, expected.end()) << "seen twice, out of order, or added later";
+            for (auto skipped = expected.begin() + static_cast<std::ptrdiff_t>(seen); skipped != place;
+                 ++skipped)
+                ASSERT_FALSE(std::any_of(rows.begin(), rows.end(),
+                                         [=](const Row& row) { return row.id == *skipped; }));
+            seen = static_cast<std::size_t>(place - expected.begin()) + 1;
+            item = {};
+            if (below(8) == 0 && !rows.empty())
+                remove(below(rows.size()));
+            if (below(16) == 0)
+                insert(below(rows.size() + 1));
+            if (below(64) == 0)
+                sort();
+        }
+    }
+
+    [[nodiscard]] std::vector<GenericValue> unload(std::size_t column) const {
+        return walk(call(table, u"UnloadColumn", {Value(columns[column])}));
+    }
+    void check() {
+        ASSERT_TRUE(call(table, u"Count").equals(rows.size()));
+        for (std::size_t column = 0; column < columns.size(); ++column) {
+            const auto cells = unload(column);
+            ASSERT_EQ(cells.size(), rows.size());
+            for (std::size_t i = 0; i < cells.size(); ++i)
+                ASSERT_TRUE(cells[i].equals(rows[i].cells[column])) << i << ' ' << column;
+        }
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (!rows[i].handle.isUndefined() || below(16) == 0) {
+                ASSERT_TRUE(call(table, u"IndexOf", {handle(i)}).equals(i));
+            }
+        }
+    }
+
+  private:
+    std::mt19937 random_;
+    int nextId_ = 1;
+};
+
+} // namespace model

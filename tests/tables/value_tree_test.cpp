@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: Apache-2.0
+// Concerns: rows below rows, against a plain tree under random operations; parents, owners and deleted
+// branches; what including subordinate rows means to search, total and sort.
+#include "tests/tables/table_model.h"
+
+namespace {
+
+using namespace script;
+
+struct Node {
+    GenericValue row; // the script's object; Undefined in the root
+    Node* parent = nullptr;
+    std::vector<std::unique_ptr<Node>> rows;
+};
+
+class Trees : public script::Test {
+  protected:
+    Trees() {
+        call(property(tree_, u"Columns"), u"Add", {u"A"});
+        call(property(tree_, u"Columns"), u"Add", {u"Rows"}); // hidden by the rows themselves
+    }
+    [[nodiscard]] GenericValue rowsOf(const Node& node) const {
+        return property(node.parent == nullptr ? tree_ : node.row, u"Rows");
+    }
+    void check(const Node& node) const {
+        const GenericValue rows = rowsOf(node);
+        ASSERT_TRUE(call(rows, u"Count").equals(node.rows.size()));
+        for (std::size_t i = 0; i < node.rows.size(); ++i) {
+            const GenericValue& row = node.rows[i]->row;
+            ASSERT_TRUE(call(rows, u"Get", {i}).equals(row));
+            ASSERT_TRUE(call(rows, u"IndexOf", {row}).equals(i));
+            ASSERT_TRUE(property(row, u"Parent").equals(node.row));
+            ASSERT_EQ(call(row, u"Owner").object(), tree_.object());
+            check(*node.rows[i]);
+        }
+    }
+    /// A row at any level, the deeper the less likely.
+    Node& any() {
+        Node* node = &root_;
+        while (!node->rows.empty() && random_() % 3 != 0)
+            node = node->rows[random_() % node->rows.size()].get();
+        return *node;
+    }
+    void collect(Node& node, std::vector<Node*>& rows) const {
+        for (const auto& row : node.rows) {
+            rows.push_back(row.get());
+            collect(*row, rows);
+        }
+    }
+
+    const GenericValue tree_ = make(u"ValueTree");
+    Node root_;
+    std::mt19937 random_{17};
+};
+
+TEST_F(Trees, BehaveAsRowsOfRows) {
+    for (int round = 0; round < 4000; ++round) {
+        Node& node = any();
+        const GenericValue rows = rowsOf(node);
+        const std::size_t count = node.rows.size();
+        const std::size_t place = count != 0 ? random_() % count : 0;
+        const auto at = [&](std::size_t i) { return node.rows.begin() + static_cast<std::ptrdiff_t>(i); };
+        switch (count == 0 ? 0 : random_() % 8) {
+        default: {
+            const GenericValue row = call(rows, u"Insert", {place});
+            call(row, u"Set", {0, static_cast<int>(random_() % 50)});
+            (*node.rows.insert(at(place), std::make_unique<Node>()))->row = row;
+            node.rows[place]->parent = &node;
+            break;
+        }
+        case 5: {
+            const std::size_t to = random_() % count;
+            call(rows, u"Move",
+                 {node.rows[place]->row, static_cast<std::int64_t>(to) - static_cast<std::int64_t>(place)});
+            auto moved = std::move(node.rows[place]);
+            node.rows.erase(at(place));
+            node.rows.insert(at(to), std::move(moved));
+            break;
+        }
+        case 6: {
+            if (random_() % 4 != 0)
+                break;
+            std::vector<Node*> gone = {node.rows[place].get()};
+            collect(*node.rows[place], gone);
+            call(rows, u"Delete", {place});
+            for (const Node* const row : gone)
+                ASSERT_EQ(failure([&] { return property(row->row, u"A"); }),
+                          message_text("IDS_VT_UNKNOWN_ROW_ERROR"));
+            node.rows.erase(at(place));
+            break;
+        }
+        case 7:
+            if (random_() % 30 == 0) {
+                call(rows, u"Clear");
+                node.rows.clear();
+            }
+        }
+        if (round % 200 == 0)
+            check(root_);
+    }
+    check(root_);
+    std::vector<Node*> all;
+    collect(root_, all);
+    ASSERT_GT(all.size(), 100U);
+
+    // Searching, totalling and sorting, with and without the rows below.
+    const GenericValue rows = rowsOf(root_);
+    Numeric sum;
+    for (const Node* const node : all)
+        sum += *property(node->row, u"A").asNumeric();
+    EXPECT_TRUE(call(rows, u"Total", {u"A", true}).equals(sum));
+    sum = Numeric();
+    for (const auto& node : root_.rows)
+        sum += *property(node->row, u"A").asNumeric();
+    EXPECT_TRUE(call(rows, u"Total", {u"A"}).equals(sum));
+    for (int wanted = 0; wanted < 50; ++wanted) {
+        std::vector<GenericValue> expected;
+        for (const Node* const node : all) {
+            if (property(node->row, u"A").equals(wanted))
+                expected.push_back(node->row);
+        }
+        ASSERT_TRUE(call(rows, u"Find", {wanted, u"A", true})
+                        .equals(expected.empty() ? GenericValue() : expected.front()));
+        ASSERT_EQ(walk(call(rows, u"FindRows", {make(u"Structure", {u"A", wanted}), true})), expected);
+        std::erase_if(expected, [](const Value& row) { return !property(row, u"Parent").isUndefined(); });
+        ASSERT_EQ(walk(call(rows, u"FindRows", {make(u"Structure", {u"A", wanted})})), expected);
+    }
+    call(rows, u"Sort", {u"A Desc", true});
+    for (const Node* const node : all) {
+        const auto below = walk(rowsOf(*node));
+        ASSERT_EQ(below.size(), node->rows.size());
+        ASSERT_TRUE(std::is_sorted(below.begin(), below.end(), [](const Value& a, const Value& b) {
+            return *property(a, u"A").asNumeric() > *property(b, u"A").asNumeric();
+        }));
+    }
+}
+
+TEST_F(Trees, RefuseRowsOfOtherLevels) {
+    const GenericValue rows = property(tree_, u"Rows");
+    const GenericValue top = call(rows, u"Add");
+    const GenericValue below = call(property(top, u"Rows"), u"Add");
+    const GenericValue kept = property(top, u"Rows");
+    for (const wchar* method : {u"IndexOf", u"Delete"})
+        EXPECT_EQ(failure([&] { call(rows, method, {below}); }), message_text("IDS_VT_UNKNOWN_ROW_ERROR"));
+    EXPECT_EQ(failure([&] { call(rows, u"Find", {1, u"A", 1}); }), type_mismatch(2));
+    EXPECT_EQ(failure([&] { call(rows, u"Sort", {u"A", false, 1}); }), type_mismatch(2));
+    const auto walking = kept.query<IValueCollection>()->enumerate();
+    call(rows, u"Delete", {top});
+    GenericValue item;
+    EXPECT_FALSE(walking->next(item)) << "a walk over rows that are gone has ended";
+    EXPECT_EQ(failure([&] { call(kept, u"Add"); }), message_text("IDS_VT_UNKNOWN_ROW_ERROR"));
+    EXPECT_TRUE(property(tree_, u"Columns").isObject());
+}
+
+} // namespace
