@@ -314,11 +314,11 @@ TEST(Token, BrokenStringsAreEmpty) {
         {u"\"a\xFFFFz\"", u"\xFFFFz\""}, // the end of the text
         {u"\"a\"\\12\xFFFF", u"\xFFFF"}};
     for (const auto& [text, rest] : refused) {
-        on_every_stream(text, [&](wistream& in) {
+        on_every_stream(text, [&, left = rest](wistream& in) {
             wstring value = u"before";
             EXPECT_FALSE(from_stream(in, value));
             EXPECT_EQ(value, u"");
-            EXPECT_EQ(rest_of(in), rest);
+            EXPECT_EQ(rest_of(in), left);
         });
     }
 }
