@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/script/functions.h"
 
+#include "host/json/json_value.h"
 #include "host/script/container_values.h"
-#include "host/script/json.h"
 #include "host/script/text_files.h"
 
 #include <core/context/context_impl.h>

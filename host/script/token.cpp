@@ -2,6 +2,7 @@
 #include "host/script/token.h"
 
 #include <core/strings/names.h>
+#include <core/strings/term.h>
 
 #include <algorithm>
 #include <iterator>
@@ -74,14 +75,20 @@ TokenKind keyword(core::wstring_view word) {
     return found != table.end() ? found->second : TokenKind::name;
 }
 
+core::wstring_view keyword_name(TokenKind kind, int alias) {
+    const auto* const keyword = std::find_if(std::begin(kKeywords), std::end(kKeywords),
+                                             [kind](const Keyword& k) { return k.kind == kind; });
+    if (keyword == std::end(kKeywords))
+        return {};
+    return alias == core::kRussian ? keyword->russian : keyword->english;
+}
+
 core::wstring spelling(TokenKind kind) {
-    for (const Keyword& keyword : kKeywords) {
-        if (keyword.kind == kind) {
-            core::wstring text(keyword.english);
-            if (keyword.russian != keyword.english)
-                text.append(u"/").append(keyword.russian);
-            return text;
-        }
+    if (is_keyword(kind)) {
+        const core::wstring_view english = keyword_name(kind, core::kEnglish);
+        const core::wstring_view russian = keyword_name(kind, core::kRussian);
+        return english == russian ? core::wstring(english)
+                                  : core::wstring(english).append(u"/").append(russian);
     }
     const auto* const sign =
         std::find_if(std::begin(kSigns), std::end(kSigns), [kind](const Sign& s) { return s.kind == kind; });

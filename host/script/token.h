@@ -64,6 +64,8 @@ struct Token {
 [[nodiscard]] TokenKind keyword(core::wstring_view word);
 /// What a sign or a keyword is written as, a keyword in both languages: "Then/Тогда". Empty for other kinds.
 [[nodiscard]] core::wstring spelling(TokenKind kind);
+/// A keyword in the language of `alias`: core::kEnglish or core::kRussian.
+[[nodiscard]] core::wstring_view keyword_name(TokenKind kind, int alias);
 [[nodiscard]] constexpr bool is_keyword(TokenKind kind) noexcept {
     return kind >= TokenKind::keyIf;
 }

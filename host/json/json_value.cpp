@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/script/json.h"
+#include "host/json/json_value.h"
+
+#include "host/json/json_reader.h"
 
 #include <core/collections/value_array.h>
 #include <core/collections/value_map.h>
@@ -12,13 +14,11 @@
 #include <core/strings/names.h>
 #include <core/strings/term.h>
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <utility>
 #include <vector>
 
-namespace host::script {
+namespace host {
 
 using namespace core;
 
@@ -28,86 +28,89 @@ namespace {
     throw_error<ContextException>("IDS_SCRIPT_JSON_TOO_DEEP", {string_intto(Nesting::kMaxDepth)});
 }
 
-/// Builds values from the parser's events, without recursion.
-class Builder : public nlohmann::json_sax<nlohmann::json> {
+/// The number that the digits stand for; an exponent shifts the point.
+Numeric exact_number(std::string_view text) {
+    constexpr int kMaxExponent = 100'000; // a longer one is an attack, not a number
+    const auto mark = text.find_first_of("eE");
+    Numeric number = Numeric::fromString(text.substr(0, mark));
+    if (mark == std::string_view::npos)
+        return number;
+    std::string_view digits = text.substr(mark + 1);
+    if (digits.starts_with('+'))
+        digits.remove_prefix(1);
+    const auto exponent = string_toint<int>(digits);
+    if (!exponent || *exponent > kMaxExponent || *exponent < -kMaxExponent)
+        throw_error<ContextException>("IDS_SCRIPT_JSON_NUMBER", {from_utf8(text)});
+    // A power of ten written out, since a division would round.
+    const std::string zeros(static_cast<std::size_t>(std::abs(*exponent)), '0');
+    if (*exponent < 0)
+        return number * Numeric::fromString("0." + zeros.substr(1) + "1");
+    return number * Numeric::fromString("1" + zeros);
+}
+
+/// Builds values from the reader's events, without recursion.
+class Builder : public JsonEvents {
   public:
     explicit Builder(Objects objects) : objects_(objects) {}
 
     GenericValue take() { return std::move(result_); }
 
-    bool null() override { return put({}); }
-    bool boolean(bool value) override { return put(Value(value)); }
-    bool number_integer(number_integer_t value) override { return put(Value(value)); }
-    bool number_unsigned(number_unsigned_t value) override { return put(Value(value)); }
-    bool number_float(number_float_t, const string_t& text) override { return put(Value(exact(text))); }
-    bool string(string_t& text) override { return put(Value(from_utf8(text))); }
-    bool binary(binary_t&) override { return false; }
-    bool start_object(std::size_t) override { return open(true); }
-    bool end_object() override { return close(); }
-    bool start_array(std::size_t) override { return open(false); }
-    bool end_array() override { return close(); }
-    bool key(string_t& name) override {
-        open_.back().keys.emplace_back(from_utf8(name));
-        return true;
+    void onNull() override { put({}); }
+    void onBoolean(bool value) override { put(Value(value)); }
+    void onNumber(std::string_view text) override { put(Value(exact_number(text))); }
+    void onString(std::string_view piece, bool isLast) override {
+        string_ += piece;
+        if (isLast) {
+            put(Value(from_utf8(string_)));
+            string_.clear();
+        }
     }
-    bool parse_error(std::size_t position, const std::string&, const nlohmann::json::exception& e) override {
-        throw_error<ContextException>("IDS_SCRIPT_JSON_MALFORMED",
-                                      {string_intto(position), from_utf8(e.what())});
+    void onName(std::string_view name) override { open_.back().keys.emplace_back(from_utf8(name)); }
+    void onArrayBegin() override { open_.emplace_back(); }
+    void onArrayEnd() override {
+        Container array = pop();
+        put(Value(create_value_array(std::move(array.values)).query<IValue>()));
+    }
+    void onObjectBegin() override { open_.emplace_back(); }
+    void onObjectEnd() override {
+        Container members = pop();
+        put(object(members));
     }
 
   private:
     struct Container {
-        bool isObject;
-        std::vector<wstring> keys;
+        std::vector<wstring> keys; // of an object
+
         std::vector<Value> values;
     };
 
-    /// The number that the digits stand for; an exponent shifts the point.
-    static Numeric exact(std::string_view text) {
-        constexpr int kMaxExponent = 100'000; // a longer one is an attack, not a number
-        const auto mark = text.find_first_of("eE");
-        Numeric number = Numeric::fromString(text.substr(0, mark));
-        if (mark == std::string_view::npos)
-            return number;
-        std::string_view digits = text.substr(mark + 1);
-        if (digits.starts_with('+'))
-            digits.remove_prefix(1);
-        const auto exponent = string_toint<int>(digits);
-        if (!exponent || *exponent > kMaxExponent || *exponent < -kMaxExponent)
-            throw_error<ContextException>("IDS_SCRIPT_JSON_NUMBER", {from_utf8(text)});
-        // A power of ten written out, since a division would round.
-        const std::string zeros(static_cast<std::size_t>(std::abs(*exponent)), '0');
-        if (*exponent < 0)
-            return zeros.empty() ? number : number * Numeric::fromString("0." + zeros.substr(1) + "1");
-        return number * Numeric::fromString("1" + zeros);
+    /// The parser's message without its own number and place in front.
+    static std::string_view reason(std::string_view message) {
+        for (const std::string_view lead : {"parse error", ": "})
+            message.remove_prefix(std::min(message.find(lead), message.size() - lead.size()) + lead.size());
+        return message;
     }
 
-    bool open(bool isObject) {
-        if (open_.size() >= static_cast<std::size_t>(Nesting::kMaxDepth))
-            too_deep();
-        open_.push_back({isObject, {}, {}});
-        return true;
-    }
-
-    bool close() {
+    Container pop() {
         Container container = std::move(open_.back());
         open_.pop_back();
-        return put(container.isObject
-                       ? object(container)
-                       : Value(create_value_array(std::move(container.values)).query<IValue>()));
+        return container;
     }
 
     [[nodiscard]] Value object(Container& container) const {
+        InterfacePtr<IValueStructure> structure;
         if (objects_ == Objects::structures &&
             std::ranges::all_of(container.keys, [](const wstring& key) { return is_valid_name(key); })) {
-            const auto structure = create_value_structure();
+            structure = create_value_structure();
             fill(*structure, container);
-            if (structure->count() == container.keys.size()) // names that differ in case alone need a Map
+            if (structure->count() == container.keys.size())
                 return Value(structure.query<IValue>());
         }
         const auto map = create_value_map();
         fill(*map, container);
-        return Value(map.query<IValue>());
+        // A name that comes twice is the later one; names that differ in case alone need the map.
+        return structure && structure->count() == map->count() ? Value(structure.query<IValue>())
+                                                               : Value(map.query<IValue>());
     }
     template <class Table>
     static void fill(Table& table, Container& container) {
@@ -115,16 +118,16 @@ class Builder : public nlohmann::json_sax<nlohmann::json> {
             table.insert(Value(container.keys[i]), container.values[i]);
     }
 
-    bool put(Value value) {
+    void put(Value value) {
         if (open_.empty())
             result_ = std::move(value);
         else
             open_.back().values.push_back(std::move(value));
-        return true;
     }
 
     Objects objects_;
     std::vector<Container> open_;
+    std::string string_; // as far as it has been read
     GenericValue result_;
 };
 
@@ -161,7 +164,7 @@ class Writer {
     }
 
   private:
-    void writeString(wstring_view text) { text_ += nlohmann::json(to_utf8(text)).dump(); }
+    void writeString(wstring_view text) { append_json_string(text_, to_utf8(text)); }
 
     void writeObject(const Value& value) {
         if (++depth_ > Nesting::kMaxDepth)
@@ -224,9 +227,39 @@ class Writer {
 
 } // namespace
 
+void append_json_string(std::string& json, std::string_view text) {
+    json += '"';
+    append_json_characters(json, text);
+    json += '"';
+}
+
+void append_json_characters(std::string& json, std::string_view text) {
+    constexpr std::string_view kHex = "0123456789abcdef";
+    for (std::size_t begin = 0, i = 0;; ++i) {
+        const bool end = i == text.size();
+        const auto c = end ? 0 : static_cast<unsigned char>(text[i]);
+        if (!end && c >= 0x20 && c != '"' && c != '\\')
+            continue;
+        json += text.substr(begin, i - begin);
+        if (end)
+            return;
+        if (c == '"' || c == '\\')
+            json.append({'\\', text[i]});
+        else if (c == '\n')
+            json += "\\n";
+        else if (c == '\t')
+            json += "\\t";
+        else
+            json.append("\\u00").append({kHex[c >> 4U], kHex[c & 0xFU]});
+        begin = i + 1;
+    }
+}
+
 GenericValue from_json(std::string_view text, Objects objects) {
     Builder builder(objects);
-    nlohmann::json::sax_parse(text, &builder);
+    JsonReader reader(builder, Nesting::kMaxDepth);
+    reader.read(text);
+    reader.finish();
     return builder.take();
 }
 
@@ -236,4 +269,4 @@ std::string to_json(const GenericValue& value, int indent) {
     return writer.take();
 }
 
-} // namespace host::script
+} // namespace host

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-/// JSON in and out, for the host: numbers exact, members in their order.
-namespace host::script {
+/// JSON and values: numbers exact, members in their order.
+namespace host {
 
 enum class Objects {
     structures, ///< a Structure where all names are names to the library, too; else a Map
@@ -23,4 +23,8 @@ enum class Objects {
 /// `indent` above 0, on many lines. ContextException for nesting deeper than values may have.
 [[nodiscard]] std::string to_json(const core::GenericValue& value, int indent = 0);
 
-} // namespace host::script
+/// Appends a JSON string, or only what stands between its quotes, for a text in UTF-8.
+void append_json_string(std::string& json, std::string_view text);
+void append_json_characters(std::string& json, std::string_view text);
+
+} // namespace host

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/types.h>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace host {
+
+/// Told what a JSON text holds, in its order. Texts are UTF-8, with escapes resolved, and valid during the
+/// call only.
+class JsonEvents {
+  public:
+    virtual ~JsonEvents() = default;
+
+    virtual void onNull() = 0;
+    virtual void onBoolean(bool value) = 0;
+    /// The number as it is written, whole.
+    virtual void onNumber(std::string_view text) = 0;
+    /// A string, in as many pieces as it came in.
+    virtual void onString(std::string_view piece, bool isLast) = 0;
+    /// A member's name, whole; its value follows.
+    virtual void onName(std::string_view name) = 0;
+    virtual void onArrayBegin() = 0;
+    virtual void onArrayEnd() = 0;
+    virtual void onObjectBegin() = 0;
+    virtual void onObjectEnd() = 0;
+};
+
+/// Reads one JSON text, given in pieces of any size. Memory grows with nesting and with the longest number or
+/// name, not with the text.
+///
+/// ContextException for malformed text, with line and column, and for nesting too deep; the reader is not
+/// meant to be used further. What an event throws passes through.
+class JsonReader {
+  public:
+    JsonReader(JsonEvents& events, std::size_t maxDepth);
+    JsonReader(const JsonReader&) = delete;
+    JsonReader& operator=(const JsonReader&) = delete;
+    ~JsonReader();
+
+    void read(std::string_view piece);
+    /// The text ends here.
+    void finish();
+
+  private:
+    class Parser;
+
+    void advance(std::string_view read) noexcept;
+    [[noreturn]] void fail(const std::string& reason) const;
+
+    std::unique_ptr<Parser> parser_;
+    std::size_t maxDepth_;
+    std::uint64_t line_ = 1;
+    std::uint64_t column_ = 1; ///< in characters
+};
+
+} // namespace host
