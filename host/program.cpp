@@ -2,8 +2,11 @@
 #include "host/program.h"
 
 #include "host/commands/commands.h"
+#include "host/terminal_text.h"
 
-#include <core/runtime/exceptions.h>
+#include <core/runtime/error.h>
+#include <core/runtime/live_counter.h>
+#include <core/runtime/utf8.h>
 #include <host/host_process.h>
 
 #include <CLI/CLI.hpp>
@@ -20,9 +23,35 @@ constexpr const char* kExitCodes =
     "Exit codes: 0 done, 1 the answer is no, 2 usage, 3 malformed input or a script error, "
     "4 input or output failed, 70 internal fault.";
 
-ExitCode fail(Console& console, const char* what, ExitCode code) {
-    console.err << "corehost: " << what << '\n';
+ExitCode fail(Console& console, const core::wstring& message, ExitCode code) {
+    console.err << "corehost: " << terminal_text(message) << '\n';
     return code;
+}
+
+/// Runs the action in a process of its own, and tells what stopped it.
+ExitCode carry_out(const Action& action, Console& console) {
+    core::Settings settings;
+    settings.locale = core::Locale(console.language == Language::russian ? "ru" : "en");
+    const HostProcess process(settings);
+    ExitCode code = ExitCode::internal;
+    try {
+        code = action();
+    } catch (const core::FileException& e) {
+        return fail(console, e.description(), ExitCode::io);
+    } catch (const core::FileStreamException& e) {
+        return fail(console, e.description(), ExitCode::io);
+    } catch (const core::Exception& e) {
+        return fail(console, e.description(), ExitCode::malformed);
+    }
+    if (!console.out.flush())
+        return fail(console, core::message_text("IDS_HOST_OUTPUT_FAILED"), ExitCode::io);
+    return code;
+}
+
+/// What is still alive when everything should be gone.
+void report_leaks(std::ostream& out) {
+    for (const core::LiveClass& left : core::live_report())
+        out << "corehost: leak: " << left.name << ' ' << left.count << '\n';
 }
 
 ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
@@ -30,8 +59,12 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     app.set_version_flag("--version", "corehost " CORE_VERSION);
     app.footer(kExitCodes);
     app.require_subcommand(1);
+    app.fallthrough(); // these options may stand behind the command, too
+    bool leaks = false;
     app.add_flag("--json", console.json, "Write data as JSON, for programs");
-    app.add_option("--lang", console.language, "Language of messages; default: the environment's")
+    app.add_flag("--leaks", leaks, "At the end, report objects that are still alive: class and count");
+    app.add_option("--lang", console.language,
+                   "Language of messages, formats and sorting; default: the environment's")
         ->type_name("en|ru")
         ->transform(CLI::CheckedTransformer(
             std::map<std::string, Language>{{"en", Language::english}, {"ru", Language::russian}}));
@@ -44,30 +77,20 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     } catch (const CLI::ParseError& e) {
         return app.exit(e, console.out, console.err) == 0 ? ExitCode::done : ExitCode::usage;
     }
-    core::Settings settings;
-    settings.locale = core::Locale(console.language == Language::russian ? "ru" : "en");
-    const HostProcess process(settings);
-    try {
-        return action();
-    } catch (const core::FileException& e) {
-        return fail(console, e.what(), ExitCode::io);
-    } catch (const core::Exception& e) {
-        return fail(console, e.what(), ExitCode::malformed);
-    }
+    const ExitCode code = carry_out(action, console);
+    if (leaks)
+        report_leaks(console.err);
+    return code;
 }
 
 } // namespace
 
 ExitCode run_program(std::vector<std::string> arguments, Console& console) {
-    ExitCode code = ExitCode::internal;
     try {
-        code = parse_and_run(std::move(arguments), console);
+        return parse_and_run(std::move(arguments), console);
     } catch (const std::exception& e) {
-        return fail(console, e.what(), ExitCode::internal);
+        return fail(console, core::from_utf8(e.what()), ExitCode::internal);
     }
-    if (!console.out.flush())
-        return fail(console, "the output could not be written", ExitCode::io);
-    return code;
 }
 
 } // namespace host

@@ -2,6 +2,7 @@
 #include "host/commands/commands.h"
 #include "host/script/functions.h"
 #include "host/script/interpreter.h"
+#include "host/script/interrupt_scope.h"
 #include "host/script/parser.h"
 #include "host/script/text_files.h"
 
@@ -9,34 +10,12 @@
 
 #include <CLI/CLI.hpp>
 
-#include <csignal>
 #include <memory>
 #include <ostream>
 #include <string>
 
 namespace host {
 namespace {
-
-script::Interpreter* running = nullptr;
-
-/// Lets Ctrl-C end the script rather than the program while it lives, so that files are closed and the error
-/// says where it stopped.
-class InterruptScope {
-  public:
-    explicit InterruptScope(script::Interpreter& interpreter) {
-        running = &interpreter;
-        before_ = std::signal(SIGINT, [](int) { running->interrupt(); });
-    }
-    InterruptScope(const InterruptScope&) = delete;
-    InterruptScope& operator=(const InterruptScope&) = delete;
-    ~InterruptScope() {
-        std::signal(SIGINT, before_);
-        running = nullptr;
-    }
-
-  private:
-    void (*before_)(int);
-};
 
 ExitCode run_file(const std::string& file, Console& console) {
     const auto source =
@@ -45,7 +24,7 @@ ExitCode run_file(const std::string& file, Console& console) {
         script::Variables variables;
         const script::Program program = script::parse(source, variables);
         script::Interpreter interpreter(script::create_globals(console.out), variables);
-        const InterruptScope interrupts(interpreter);
+        const script::InterruptScope interrupts(interpreter);
         interpreter.run(program);
     } catch (const script::ScriptError& error) {
         console.out.flush();

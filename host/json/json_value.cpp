@@ -237,7 +237,7 @@ void append_json_characters(std::string& json, std::string_view text) {
     constexpr std::string_view kHex = "0123456789abcdef";
     for (std::size_t begin = 0, i = 0;; ++i) {
         const bool end = i == text.size();
-        const auto c = end ? 0 : static_cast<unsigned char>(text[i]);
+        const unsigned c = end ? 0U : static_cast<unsigned char>(text[i]);
         if (!end && c >= 0x20 && c != '"' && c != '\\')
             continue;
         json += text.substr(begin, i - begin);

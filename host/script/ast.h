@@ -90,6 +90,20 @@ struct Expression {
     std::variant<Literal, Variable, Call, Creation, Negation, Operations, Access> node;
 };
 
+/// The expression ends in a call, so that it may stand alone.
+[[nodiscard]] inline bool is_call(const Expression& expression) {
+    if (const auto* const access = std::get_if<Access>(&expression.node))
+        return access->links.back().kind == Link::Kind::method;
+    return std::holds_alternative<Call>(expression.node);
+}
+
+/// The expression is a variable, a property or an element.
+[[nodiscard]] inline bool is_assignable(const Expression& expression) {
+    if (const auto* const access = std::get_if<Access>(&expression.node))
+        return access->links.back().kind != Link::Kind::method;
+    return std::holds_alternative<Variable>(expression.node);
+}
+
 struct Statement;
 using Block = std::vector<Statement>;
 

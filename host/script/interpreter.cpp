@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <new>
+#include <stdexcept>
 
 namespace host::script {
 
@@ -32,6 +33,8 @@ auto at(Span span, Work work) {
     } catch (const Exception& e) {
         throw ScriptError(span, e.description(), wrap_exception(e).get());
     } catch (const std::bad_alloc&) {
+        fail_at(span, "IDS_SCRIPT_NO_MEMORY");
+    } catch (const std::length_error&) { // longer than memory could ever be
         fail_at(span, "IDS_SCRIPT_NO_MEMORY");
     }
 }
@@ -101,8 +104,7 @@ class Interpreter::Run {
 
     Flow execute(const Block& block) {
         for (const Statement& statement : block) {
-            if (owner_.interrupted_.exchange(false, std::memory_order_relaxed))
-                fail_at(statement.span, "IDS_SCRIPT_INTERRUPTED");
+            checkInterrupt(statement.span);
             const Flow flow = std::visit([&](const auto& node) { return execute(node); }, statement.node);
             if (flow != Flow::next)
                 return flow;
@@ -116,7 +118,7 @@ class Interpreter::Run {
     }
     Flow execute(const Evaluation& node) {
         const GenericValue value = evaluate(*node.expression);
-        if (show_ != nullptr)
+        if (show_ != nullptr && (returned_ || !is_call(*node.expression)))
             (*show_)(value);
         return Flow::next;
     }
@@ -169,8 +171,10 @@ class Interpreter::Run {
 
     /// A loop with an empty body can be interrupted, too.
     void checkInterrupt(Span span) {
-        if (owner_.interrupted_.exchange(false, std::memory_order_relaxed))
+        if (owner_.interrupted_.load(std::memory_order_relaxed)) {
+            owner_.interrupted_.store(false, std::memory_order_relaxed);
             fail_at(span, "IDS_SCRIPT_INTERRUPTED");
+        }
     }
 
     // expressions
@@ -309,16 +313,19 @@ class Interpreter::Run {
                     argument(context, method, static_cast<int>(arguments.size()), *expression));
             } else {
                 GenericValue byDefault;
-                if (!context.getParamDefValue(method, static_cast<int>(arguments.size()), &byDefault))
-                    fail_at(span, "IDS_CONTEXT_MISSING_ARGUMENT", {name, string_intto(arguments.size() + 1)});
+                const auto param = static_cast<int>(arguments.size());
+                if (!context.getParamDefValue(method, param, &byDefault) &&
+                    param < context.getNParams(method))
+                    fail_at(span, "IDS_CONTEXT_MISSING_ARGUMENT", {name, string_intto(param + 1)});
                 arguments.push_back(std::move(byDefault));
             }
         }
         GenericValue result;
         at(span, [&] { context.call(method, &result, &arguments); });
+        returned_ = context.hasRetVal(method);
         for (std::size_t i = 0; i < expressions.size(); ++i) {
             if (expressions[i] && context.isParamOut(method, static_cast<int>(i)) &&
-                assignable(*expressions[i]))
+                is_assignable(*expressions[i]))
                 assign(*expressions[i], arguments[i]);
         }
         return result;
@@ -343,17 +350,11 @@ class Interpreter::Run {
     /// The property that an element's key names, or -1.
     static int namedProperty(const IContext_& context, const GenericValue& key) {
         const wstring_view* const name = key.asString();
-        return name != nullptr ? context.findProp(name->data()) : -1;
+        const bool isName = name != nullptr && name->find(u'\0') == wstring_view::npos;
+        return isName ? context.findProp(name->data()) : -1;
     }
 
     // assignment
-
-    static bool assignable(const Expression& expression) {
-        if (std::holds_alternative<Variable>(expression.node))
-            return true;
-        const auto* const access = std::get_if<Access>(&expression.node);
-        return access != nullptr && access->links.back().kind != Link::Kind::method;
-    }
 
     void assign(const Expression& target, const GenericValue& value) {
         if (const auto* const variable = std::get_if<Variable>(&target.node)) {
@@ -396,6 +397,7 @@ class Interpreter::Run {
     IContext_& globals_;
     const Program& program_;
     const Show* show_;
+    bool returned_ = false; // what was called last is a function
     std::vector<GenericValue> constants_;
 };
 

@@ -32,11 +32,11 @@ Numeric arithmetic(Operator sign, const Numeric& left, const Numeric& right) {
 /// A date some seconds later; fractions of a second do not count.
 Date shifted(const Date& date, const Numeric& seconds) {
     // What does not fit is beyond either end of the calendar anyway.
-    const Numeric limit(Date::kLimit);
+    const Numeric limit(Date::kLimit / kTicksPerSecond + 1);
     const Numeric bounded = seconds.compare(limit) > 0    ? limit
                             : seconds.compare(-limit) < 0 ? -limit
                                                           : seconds;
-    return date + DateSpan(static_cast<std::int64_t>(bounded.floor() * Numeric(kTicksPerSecond)));
+    return date + DateSpan(static_cast<std::int64_t>(bounded) * kTicksPerSecond);
 }
 
 Numeric seconds_between(const Date& from, const Date& to) {

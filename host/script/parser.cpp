@@ -52,18 +52,6 @@ Span from_to(Span first, Span last) {
     return {first.offset, last.end() - first.offset};
 }
 
-bool is_assignable(const Expression& expression) {
-    if (const auto* access = std::get_if<Access>(&expression.node))
-        return access->links.back().kind != Link::Kind::method;
-    return std::holds_alternative<Variable>(expression.node);
-}
-
-bool is_call(const Expression& expression) {
-    if (const auto* access = std::get_if<Access>(&expression.node))
-        return access->links.back().kind == Link::Kind::method;
-    return std::holds_alternative<Call>(expression.node);
-}
-
 using StatementNode = decltype(Statement::node);
 
 class Parser {
@@ -269,7 +257,8 @@ StatementNode Parser::simple_statement() {
     const bool negated =
         token_.kind == TokenKind::keyNot || token_.kind == TokenKind::minus || token_.kind == TokenKind::plus;
     ExpressionPtr left = negated ? expression() : chain();
-    if (!negated && token_.kind == TokenKind::equal) {
+    const bool compared = mode_ == Mode::console && !negated && !is_assignable(*left);
+    if (!negated && !compared && token_.kind == TokenKind::equal) {
         if (!is_assignable(*left))
             fail_at(left->span, "IDS_SCRIPT_NOT_ASSIGNABLE");
         take();

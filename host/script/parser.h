@@ -12,7 +12,7 @@ inline constexpr int kMaxNesting = 200;
 
 enum class Mode {
     file,
-    console, ///< an expression is a statement, too
+    console, ///< an expression is a statement, too; "=" behind what cannot be assigned to compares
 };
 
 /// Reads a script. New variables are added to `variables`, also when it fails. Throws ScriptError for the

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/script/script_error.h"
 
+#include "host/terminal_text.h"
+
 #include <core/runtime/utf8.h>
 
-#include <unicode/uchar.h>
 #include <unicode/utf16.h>
 
 #include <algorithm>
@@ -19,37 +20,11 @@ constexpr const char* kBold = "\033[1m";
 constexpr const char* kRed = "\033[1;31m";
 constexpr const char* kPlain = "\033[0m";
 
-/// A character as it may be sent to a terminal.
-core::wstring shown(UChar32 c) {
-    if (c == u'\t')
-        return u"\t";
-    if (u_iscntrl(c) || U_IS_SURROGATE(c))
-        return u"\uFFFD"; // nothing in a script may steer the terminal
-    core::wstring text(1, static_cast<core::wchar>(c));
-    if (c > 0xFFFF)
-        text = {U16_LEAD(c), U16_TRAIL(c)};
-    return text;
-}
-
-core::wstring shown(core::wstring_view text) {
-    core::wstring result;
-    for (std::size_t i = 0; i < text.size();) {
-        UChar32 c = 0;
-        U16_NEXT(text.data(), i, text.size(), c);
-        result += shown(c);
-    }
-    return result;
-}
-
 /// As many blanks as the character takes columns.
 core::wstring blank_below(UChar32 c) {
     if (c == u'\t')
         return u"\t";
-    const auto category = u_charType(c);
-    if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR)
-        return {};
-    const int width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
-    return core::wstring(width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1, u' ');
+    return core::wstring(static_cast<std::size_t>(terminal_width(static_cast<char32_t>(c))), u' ');
 }
 
 struct Excerpt {
@@ -75,7 +50,7 @@ Excerpt excerpt(const Source& source, Span span) {
         const std::int64_t at = i;
         UChar32 c = 0;
         U16_NEXT(text, i, end, c);
-        result.line += shown(c);
+        result.line.append(text + at, text + i);
         if (at < span.offset)
             result.mark += blank_below(c);
         else if (at < span.end())
@@ -104,8 +79,8 @@ void show_error(std::ostream& out, const Source& source, const ScriptError& erro
     const std::string place =
         source.name() + ':' + std::to_string(position.line) + ':' + std::to_string(position.column) + ':';
     const Excerpt lines = excerpt(source, error.span());
-    out << painted(kBold, place) << ' ' << core::to_utf8(shown(error.description())) << '\n'
-        << "    " << core::to_utf8(lines.line) << '\n'
+    out << painted(kBold, place) << ' ' << terminal_text(error.description()) << '\n'
+        << "    " << terminal_text(lines.line) << '\n'
         << "    " << painted(kRed, core::to_utf8(lines.mark)) << '\n';
 }
 

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: Apache-2.0
+// corehost as its users meet it: commands, what goes to which stream, exit codes, both languages, and the
+// scripts that the project shows.
+#include "host/program.h"
+
+#include <core/collections/value_array.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <regex>
+#include <sstream>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Answer {
+    ExitCode code;
+    std::string out;
+    std::string err;
+};
+
+Answer corehost(std::vector<std::string> arguments, const std::string& input = {}, bool colour = false) {
+    std::istringstream in(input);
+    std::ostringstream out, err;
+    Console console{in, out, err, Language::english, colour};
+    const ExitCode code = run_program(std::move(arguments), console);
+    return {code, out.str(), err.str()};
+}
+
+class ProgramTest : public testing::Test {
+  protected:
+    ~ProgramTest() override { fs::remove_all(folder_); }
+
+    [[nodiscard]] std::string file(const std::string& name, std::string_view text) const {
+        const fs::path path = folder_ / name;
+        std::ofstream(path, std::ios::binary) << text;
+        return path.string();
+    }
+    [[nodiscard]] std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    Answer run(std::string_view script, std::vector<std::string> options = {}) const {
+        options.insert(options.begin(), {"run", file("s", script)});
+        Answer answer = corehost(options);
+        // the script by the name of its file alone
+        for (std::size_t at = 0; (at = answer.err.find(folder_.string() + "/")) != std::string::npos;)
+            answer.err.erase(at, folder_.string().size() + 1);
+        return answer;
+    }
+
+  private:
+    fs::path folder_ = [] {
+        std::string name = testing::TempDir() + "corehost-XXXXXX";
+        return fs::path(mkdtemp(name.data()));
+    }();
+};
+
+TEST_F(ProgramTest, EveryExitCode) {
+    struct Case {
+        std::vector<std::string> arguments;
+        ExitCode code;
+    };
+    const std::string good = file("good", "Print(1)"), bad = file("bad", "Print(1"),
+                      stops = file("stops", "Print(1 / 0)"), bytes = file("bytes", "\xFF"),
+                      lost = file("lost", "LoadText(\"/no/such\")");
+    const Case cases[] = {
+        {{"run", good}, ExitCode::done},
+        {{"--help"}, ExitCode::done},
+        {{"run", "--help"}, ExitCode::done},
+        {{"--version"}, ExitCode::done},
+        {{}, ExitCode::usage},
+        {{"nothing"}, ExitCode::usage},
+        {{"run"}, ExitCode::usage},
+        {{"run", good, "x"}, ExitCode::usage},
+        {{"--what", "run", good}, ExitCode::usage},
+        {{"--lang", "de", "run", good}, ExitCode::usage},
+        {{"run", bad}, ExitCode::malformed},
+        {{"run", stops}, ExitCode::malformed},
+        {{"run", bytes}, ExitCode::malformed},
+        {{"run", lost}, ExitCode::malformed},
+        {{"run", path("none")}, ExitCode::io},
+        {{"run", "/"}, ExitCode::io},
+    };
+    for (const Case& c : cases) {
+        const Answer answer = corehost(c.arguments);
+        EXPECT_EQ(answer.code, c.code) << testing::PrintToString(c.arguments) << answer.err;
+        EXPECT_EQ(answer.err.empty(), c.code == ExitCode::done) << testing::PrintToString(c.arguments);
+        EXPECT_EQ(answer.out.empty(), c.code != ExitCode::done)
+            << testing::PrintToString(c.arguments) << answer.out;
+    }
+}
+
+TEST_F(ProgramTest, AStreamThatCannotBeWritten) {
+    std::istringstream in;
+    std::ostringstream out, err;
+    Console console{in, out, err};
+    out.setstate(std::ios::badbit);
+    EXPECT_EQ(run_program({"run", file("s", "Print(1)")}, console), ExitCode::io);
+    EXPECT_EQ(err.str(), "corehost: The output could not be written.\n");
+    out.clear();
+    // a fault of the program itself: an exception that nobody expects
+    struct Faulty : std::streambuf {
+        int overflow(int) override { throw std::logic_error("unexpected\x1B"); }
+    } faulty;
+    std::ostream broken(&faulty);
+    broken.exceptions(std::ios::badbit);
+    Console other{in, broken, err};
+    err.str({});
+    EXPECT_EQ(run_program({"run", file("s", "Print(1)")}, other), ExitCode::internal);
+    EXPECT_EQ(err.str(), "corehost: unexpected\uFFFD\n");
+}
+
+TEST_F(ProgramTest, AnErrorShowsItsPlaceInTheUsersLanguage) {
+    EXPECT_EQ(run("a = 1;\nPrint(a + b);").err,
+              "s:2:11: The variable b has no value yet.\n    Print(a + b);\n              ^\n");
+    EXPECT_EQ(run("a = 1;\nPrint(a + b);", {"--lang", "ru"}).err,
+              "s:2:11: Переменная b ещё не имеет значения.\n    Print(a + b);\n              ^\n");
+    EXPECT_EQ(run("x = New Array;\n\tx.Lost(1)").err,
+              "s:2:4: The type Array has no method Lost.\n    \tx.Lost(1)\n    \t  ^~~~\n");
+    EXPECT_EQ(run("Print(1); Print(2); Stop(3)").out, "1\n2\n"); // what was done before
+    EXPECT_EQ(run("Print(True); Print(1 = 2)", {"--lang", "ru"}).out, "Да\nНет\n");
+
+    const Answer coloured = corehost({"run", file("s", "x")}, {}, true);
+    EXPECT_NE(coloured.err.find("\x1B[1;31m^\x1B[0m"), std::string::npos);
+    EXPECT_EQ(run("x").err.find('\x1B'), std::string::npos);
+}
+
+TEST_F(ProgramTest, NothingInAMessageSteersTheTerminalOrFloodsIt) {
+    const Answer answer = run("LoadText(\"/\x1B[2J" + std::string(1 << 20, 'x') + "\")");
+    EXPECT_LT(answer.err.size(), 2000U);
+    EXPECT_EQ(answer.err.find('\x1B'), std::string::npos);
+    EXPECT_LT(corehost({"run", std::string(1 << 20, 'x')}).err.size(), 2000U);
+}
+
+TEST_F(ProgramTest, LeaksAreReportedOnRequest) {
+    EXPECT_EQ(run("a = New Array; a.Add(New Map); b = a", {"--leaks"}).err, "");
+    EXPECT_EQ(run("a = New Map; a.Lost()", {"--leaks"}).err.find("leak"),
+              std::string::npos); // a failure holds nothing back
+    const auto kept = core::create_value_array();
+    EXPECT_EQ(run("", {"--leaks"}).err, "corehost: leak: core::ValueArray 1\n");
+    EXPECT_EQ(run("").err, "");
+}
+
+class Environment {
+  public:
+    Environment(const char* name, const char* value) : name_(name) {
+        if (const char* const before = std::getenv(name))
+            before_ = before;
+        value != nullptr ? setenv(name, value, 1) : unsetenv(name);
+    }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+    ~Environment() { before_ ? setenv(name_, before_->c_str(), 1) : unsetenv(name_); }
+
+  private:
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
+TEST(EnvironmentTest, LanguageAndColour) {
+    const Environment all("LC_ALL", nullptr), messages("LC_MESSAGES", nullptr), lang("LANG", "ru_RU.UTF-8");
+    EXPECT_EQ(language_of_environment(), Language::russian);
+    {
+        const Environment stronger("LC_MESSAGES", "en_GB.UTF-8");
+        EXPECT_EQ(language_of_environment(), Language::english);
+        const Environment strongest("LC_ALL", "ru");
+        EXPECT_EQ(language_of_environment(), Language::russian);
+    }
+    const Environment none("LANG", nullptr);
+    EXPECT_EQ(language_of_environment(), Language::english);
+    const Environment terminal("TERM", "xterm"), plain("NO_COLOR", "1");
+    EXPECT_FALSE(colour_of_environment());
+}
+
+std::string text_of(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST_F(ProgramTest, TheScriptsThatAreShownRun) {
+    const fs::path root = CORE_SOURCE_DIR;
+    std::smatch found;
+    const std::string readme = text_of(root / "README.md");
+    ASSERT_TRUE(std::regex_search(readme, found, std::regex("```\n(// fruit.script[^`]*)```")));
+    EXPECT_EQ(run(found.str(1)).out, "Total: 3.55\n");
+
+    const Answer tour = corehost({"run", (root / "examples/countries.script").string(), "--leaks"});
+    EXPECT_EQ(tour.code, ExitCode::done) << tour.err;
+    EXPECT_EQ(tour.err, "");
+    EXPECT_NE(tour.out.find("ByCode.NZ.name              New Zealand\n"), std::string::npos);
+    EXPECT_NE(tour.out.find(", equal: Yes\n"), std::string::npos);
+    ASSERT_TRUE(std::regex_search(tour.out, found, std::regex("Saved as a brace list in (.*)\n")));
+    fs::remove(found.str(1));
+}
+
+} // namespace
+} // namespace host
