@@ -3,12 +3,10 @@
 // places, pieces and depth.
 #include "tests/serialization/streams.h"
 
-#include <core/serialization/list_out_stream.h>
 #include <core/serialization/list_scanner.h>
 #include <core/strings/char_class.h>
 
 #include <random>
-#include <regex>
 #include <vector>
 
 namespace core {
@@ -62,17 +60,37 @@ class Model {
         return false;
     }
     bool bare() {
-        static const std::regex forms("[-+]?[0-9]+"
-                                      "|[-+]?([0-9]+\\.?[0-9]*|\\.[0-9]+)"
-                                      "|-?[0-9]+[eE]-?[0-9]+|-?[0-9]*\\.[0-9]*([eE]-?[0-9]+)?"
-                                      "|[0-9a-fA-F]{8}(-[0-9a-fA-F]{4}){3}-[0-9a-fA-F]{12}");
         const std::size_t begin = at_;
         while (at_ < text_.size() && !is_space(text_[at_]) &&
                wstring_view(u",{}\"").find(text_[at_]) == text_.npos)
             ++at_;
-        const std::string token(text_.begin() + static_cast<std::ptrdiff_t>(begin),
-                                text_.begin() + static_cast<std::ptrdiff_t>(at_));
-        return std::regex_match(token, forms);
+        const wstring_view token = text_.substr(begin, at_ - begin);
+        GUID id;
+        return isNumber(token, u"-+", false) || (isNumber(token, u"-", true) && token.size() <= 31) ||
+               from_string(token, id);
+    }
+    /// A decimal number, or with `floating` one of the forms of a floating-point token.
+    static bool isNumber(wstring_view token, wstring_view signs, bool floating) {
+        const auto take = [&](wstring_view units) {
+            const bool found = !token.empty() && units.find(token.front()) != units.npos;
+            token.remove_prefix(found ? 1 : 0);
+            return found;
+        };
+        const auto digits = [&] {
+            const std::size_t before = token.size();
+            while (take(u"0123456789")) {
+            }
+            return before - token.size();
+        };
+        take(signs);
+        std::size_t found = digits();
+        if (take(u"."))
+            found += digits() + (floating ? 1 : 0);
+        if (floating && take(u"eE")) {
+            take(u"-");
+            found = digits() == 0 ? 0 : found;
+        }
+        return found > 0 && token.empty();
     }
 
     wstring_view text_;
