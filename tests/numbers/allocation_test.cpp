@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+// Memory that runs out at any point of an operation: the operation fails as a whole and its operands stay as
+// they were.
+#include "tests/numbers/model.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <new>
+
+namespace {
+
+thread_local int allocations_left = -1; ///< below zero: without limit
+
+} // namespace
+
+// Not inlined, or the compiler misses the pairing of malloc and free.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    if (allocations_left == 0) {
+        return nullptr;
+    }
+    allocations_left -= allocations_left > 0 ? 1 : 0;
+    return std::malloc(size);
+}
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    if (void* const block = operator new(size, std::nothrow)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* block) noexcept {
+    std::free(block);
+}
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
+
+namespace {
+
+using core::Numeric;
+
+/// Runs `operation` on copies of two numbers with the first, the second, the third ... allocation failing
+/// until none fails, and returns how many did.
+int failures_of(const Numeric& a, const Numeric& b,
+                const std::function<void(Numeric&, const Numeric&)>& operation) {
+    for (int allowed = 0;; ++allowed) {
+        Numeric x = a;
+        const Numeric y = b;
+        bool failed = false;
+        allocations_left = allowed;
+        try {
+            operation(x, y);
+        } catch (const std::bad_alloc&) {
+            failed = true;
+        }
+        allocations_left = -1;
+        if (!failed) {
+            return allowed;
+        }
+        EXPECT_EQ(x, a);
+        EXPECT_EQ(y, b);
+    }
+}
+
+TEST(Allocation, AFailedOneLeavesTheOperandsAsTheyWere) {
+    const auto add = [](Numeric& x, const Numeric& y) { x += y; };
+    const auto multiply = [](Numeric& x, const Numeric& y) { x *= y; };
+    const auto divide = [](Numeric& x, const Numeric& y) { x /= y; };
+    const auto assign = [](Numeric& x, const Numeric& y) { x = y; };
+    const auto remainder = [](Numeric& x, const Numeric& y) { x %= y; };
+    const auto read = [](Numeric& x, const Numeric& y) { x = Numeric::fromString(y.toString()); };
+    // 100 limbs, more than the pool of small blocks keeps; and enough for halves, transforms and reciprocals.
+    for (const int digits : {900, 4'000, 20'000}) {
+        const Numeric b = Numeric(10).pow(digits) - 1;
+        const Numeric a = b * 7 - 5;
+        EXPECT_GT(failures_of(a, b, add), 0);
+        EXPECT_GT(failures_of(a, b, multiply), 0);
+        EXPECT_GT(failures_of(a * b, b, divide), 0);
+        EXPECT_GT(failures_of(a, b, remainder), 0);
+        EXPECT_GT(failures_of(1, b, assign), 0);
+        EXPECT_GT(failures_of(1, b, read), 0);
+    }
+}
+
+} // namespace
