@@ -164,8 +164,8 @@ class Container : public std::enable_shared_from_this<Container> {
     /// Writes two chains side by side and says where they begin.
     [[nodiscard]] StorageFileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
                                              std::vector<BlockRange>& place);
-    void replace(wstring_view name, const StorageFileEntry& entry, const BlockRuns& released,
-                 std::span<const BlockRange> place);
+    void replace(wstring_view name, StorageFilesType::Change& change, const StorageFileEntry& entry,
+                 const BlockRuns& released, std::span<const BlockRange> place);
     [[nodiscard]] StorageFileInfo newInfo(wstring_view name, const std::optional<StorageFileEntry>& old);
     void erase(std::span<const wstring> names);
     void changed(wstring_view name) noexcept;

@@ -152,16 +152,15 @@ StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<con
 }
 
 /// Puts a new entry into the table, or gives its blocks back.
-void Container::replace(wstring_view name, const StorageFileEntry& entry, const BlockRuns& released,
-                        std::span<const BlockRange> place) {
+void Container::replace(wstring_view name, StorageFilesType::Change& change, const StorageFileEntry& entry,
+                        const BlockRuns& released, std::span<const BlockRange> place) {
     try {
-        table_.reserve(name);
         release(released);
     } catch (...) {
         giveBack(place);
         throw;
     }
-    table_.set(name, entry);
+    table_.assign(change, entry);
     changed(name);
 }
 
@@ -174,7 +173,7 @@ void Container::put(wstring_view name, std::span<const std::byte> content) {
 
 void Container::putContent(wstring_view name, std::span<const std::byte> content) {
     checked([&] {
-        const auto old = table_.find(name);
+        StorageFilesType::Change& old = table_.edit(name);
         BlockRuns released(layout_.blockHeaderSize());
         if (old) {
             addBlocks(old->attributes, released);
@@ -183,14 +182,14 @@ void Container::putContent(wstring_view name, std::span<const std::byte> content
         const StorageFileInfo info = newInfo(name, old);
         std::vector<BlockRange> place;
         const StorageFileEntry entry = writeFile(info, content, place);
-        replace(name, entry, released, place);
+        replace(name, old, entry, released, place);
     });
     finishChange();
 }
 
 void Container::publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld) {
     checked([&] {
-        const auto old = table_.find(name);
+        StorageFilesType::Change& old = table_.edit(name);
         BlockRuns all = released;
         if (old)
             addBlocks(old->attributes, all);
@@ -199,25 +198,29 @@ void Container::publish(wstring_view name, std::uint64_t data, const BlockRuns& 
         std::vector<BlockRange> place;
         StorageFileEntry entry = writeFile(newInfo(name, old), {}, place);
         entry.data = data;
-        replace(name, entry, all, place);
+        replace(name, old, entry, all, place);
     });
     finishChange();
 }
 
 void Container::erase(std::span<const wstring> names) {
     BlockRuns released(layout_.blockHeaderSize());
+    std::vector<StorageFilesType::Change*> changes;
+    changes.reserve(names.size());
     for (const wstring& name : names) {
-        const StorageFileEntry entry = existing(name);
         refuseOpened(name);
-        addBlocks(entry.attributes, released);
-        addBlocks(entry.data, released);
-        table_.reserve(name);
+        StorageFilesType::Change& change = table_.edit(name);
+        if (!change)
+            throw StorageException(StorageException::Kind::fileNotFound, urlOf(name));
+        addBlocks(change->attributes, released);
+        addBlocks(change->data, released);
+        changes.push_back(&change);
     }
     release(released);
-    for (const wstring& name : names) {
-        table_.erase(name);
+    for (StorageFilesType::Change* const change : changes)
+        table_.assign(*change, std::nullopt);
+    for (const wstring& name : names)
         changed(name);
-    }
 }
 
 void Container::remove(wstring_view name) {
@@ -254,16 +257,17 @@ void Container::rename(wstring_view from, wstring_view to) {
         info.name = to;
         BlockRuns released(layout_.blockHeaderSize());
         addBlocks(source.attributes, released);
-        if (const auto target = table_.find(to)) {
+        StorageFilesType::Change& gone = table_.edit(from);
+        StorageFilesType::Change& target = table_.edit(to);
+        if (target) {
             addBlocks(target->attributes, released);
             addBlocks(target->data, released);
         }
         std::vector<BlockRange> place;
         StorageFileEntry entry = writeFile(info, {}, place);
         entry.data = source.data;
-        table_.reserve(from);
-        replace(to, entry, released, place);
-        table_.erase(from);
+        replace(to, target, entry, released, place);
+        table_.assign(gone, std::nullopt);
         changed(from);
     });
     finishChange();
@@ -293,7 +297,7 @@ void Container::setTimes(wstring_view name, Date created, Date modified) {
         std::vector<BlockRange> place;
         StorageFileEntry entry = writeFile(info, {}, place);
         entry.data = old.data;
-        replace(name, entry, released, place);
+        replace(name, table_.edit(name), entry, released, place);
     });
     finishChange();
 }

@@ -202,23 +202,16 @@ std::vector<const StorageFilesType::Changes::value_type*> StorageFilesType::sort
     return sorted;
 }
 
-void StorageFilesType::reserve(wstring_view name) {
+StorageFilesType::Change& StorageFilesType::edit(wstring_view name) {
+    if (const auto change = changes_.find(name); change != changes_.end())
+        return change->second;
     const auto row = rowOf(name);
-    changes_.try_emplace(wstring(name), row ? Change(rows_[*row].entry) : std::nullopt);
-}
-
-void StorageFilesType::set(wstring_view name, const StorageFileEntry& entry) {
-    reserve(name);
-    changes_.find(name)->second = entry;
-}
-
-void StorageFilesType::erase(wstring_view name) {
-    reserve(name);
-    changes_.find(name)->second.reset();
+    return changes_.emplace(wstring(name), row ? Change(rows_[*row].entry) : std::nullopt).first->second;
 }
 
 void StorageFilesType::revert() noexcept {
     changes_.clear();
+    changed_ = false;
 }
 
 StorageFilesType StorageFilesType::merged() const {

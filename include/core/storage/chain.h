@@ -68,4 +68,9 @@ class CORE_API ChainInFile {
     std::uint64_t next_; // the first block that is not in runs_ yet
 };
 
+class CORE_API ChainInFile64 : public ChainInFile {
+  public:
+    ChainInFile64() noexcept : ChainInFile(kStorageLayout64) {}
+};
+
 } // namespace core

@@ -38,10 +38,15 @@ class CORE_API StorageFilesType {
     /// address outside the container, or names that are not sorted, unless `sorted` takes their order on
     /// trust.
     [[nodiscard]] bool decode(std::span<const std::byte> content, bool sorted);
-    /// Makes room for a change of this name: set() and erase() cannot fail then.
-    void reserve(wstring_view name);
-    void set(wstring_view name, const StorageFileEntry& entry);
-    void erase(wstring_view name);
+    /// What a name stands for, now or once the changes are committed; nothing when there is no such file.
+    using Change = std::optional<StorageFileEntry>;
+    /// The place of a change of this name, as it is now. assign() to it cannot fail.
+    [[nodiscard]] Change& edit(wstring_view name);
+    void assign(Change& place, const Change& change) noexcept {
+        place = change;
+        changed_ = true;
+    }
+    void set(wstring_view name, const StorageFileEntry& entry) { assign(edit(name), entry); }
     /// Forgets the changes.
     void revert() noexcept;
 
@@ -50,7 +55,7 @@ class CORE_API StorageFilesType {
     /// The container's end as the table knows it: nothing that is in use lies beyond.
     [[nodiscard]] std::uint64_t end() const noexcept { return end_; }
     void setEnd(std::uint64_t end) noexcept { end_ = end; }
-    [[nodiscard]] bool hasChanges() const noexcept { return !changes_.empty(); }
+    [[nodiscard]] bool hasChanges() const noexcept { return changed_; }
     [[nodiscard]] std::optional<StorageFileEntry> find(wstring_view name) const;
     /// Every file, in order, as `visit(wstring_view name, const StorageFileEntry&)`.
     template <class Visit>
@@ -69,7 +74,6 @@ class CORE_API StorageFilesType {
         StorageFileEntry entry;
         std::uint64_t nameEnd; // in names_
     };
-    using Change = std::optional<StorageFileEntry>; // nothing: erased
     struct Hash {
         using is_transparent = void;
         std::size_t operator()(wstring_view name) const noexcept { return std::hash<wstring_view>()(name); }
@@ -90,6 +94,7 @@ class CORE_API StorageFilesType {
     std::vector<Row> rows_;
     wstring names_; // of all rows, one behind the other
     Changes changes_;
+    bool changed_ = false;
     // Rows by the hash of their names, counted from 1; made once so many names were asked for that it pays.
     mutable std::vector<std::uint32_t> index_;
     mutable std::size_t searches_ = 0;
