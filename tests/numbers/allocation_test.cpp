@@ -2,39 +2,11 @@
 // Memory that runs out at any point of an operation: the operation fails as a whole and its operands stay as
 // they were.
 #include "tests/numbers/model.h"
+#include "tests/support/allocation_limit.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
-#include <new>
-
-namespace {
-
-thread_local int allocations_left = -1; ///< below zero: without limit
-
-} // namespace
-
-// Not inlined, or the compiler misses the pairing of malloc and free.
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    if (allocations_left == 0) {
-        return nullptr;
-    }
-    allocations_left -= allocations_left > 0 ? 1 : 0;
-    return std::malloc(size);
-}
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    if (void* const block = operator new(size, std::nothrow)) {
-        return block;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* block) noexcept {
-    std::free(block);
-}
-[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
 
 namespace {
 
@@ -48,13 +20,12 @@ int failures_of(const Numeric& a, const Numeric& b,
         Numeric x = a;
         const Numeric y = b;
         bool failed = false;
-        allocations_left = allowed;
         try {
+            const test::AllocationLimit limit(allowed);
             operation(x, y);
         } catch (const std::bad_alloc&) {
             failed = true;
         }
-        allocations_left = -1;
         if (!failed) {
             return allowed;
         }

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+// Memory that runs out at any point of what a script does: the statement fails with an error, and every
+// object is as it was before it.
+#include "tests/host/script_fixture.h"
+#include "tests/support/allocation_limit.h"
+
+#include <thread>
+
+namespace {
+
+using namespace host::script;
+using core::GenericValue;
+using core::wstring;
+
+/// Variables and interpreter of one attempt.
+class Attempt {
+  public:
+    [[nodiscard]] Program read(std::string_view text) {
+        return parse(std::make_shared<const Source>("test", core::from_utf8(text)), variables_, Mode::file);
+    }
+    void run(const Program& program) { interpreter_.run(program); }
+
+    /// The texts of all variables that have a value.
+    [[nodiscard]] wstring state() const {
+        wstring state;
+        for (std::size_t slot = 0; slot < variables_.size(); ++slot) {
+            if (const auto value = interpreter_.value(variables_.name(slot))) {
+                wstring text;
+                value->toString(text);
+                state += variables_.name(slot) + u" = " + text + u"\n";
+            }
+        }
+        return state;
+    }
+
+  private:
+    std::ostringstream out_;
+    Variables variables_;
+    Interpreter interpreter_{create_globals(out_), variables_};
+};
+
+struct Operation {
+    const char* prepare;
+    const char* act;
+};
+
+enum class Outcome { done, failed, damaged };
+
+/// Runs `act` with `allowed` allocations, or without limit.
+Outcome attempt(const Operation& operation, int allowed) {
+    Attempt attempt;
+    attempt.run(attempt.read(operation.prepare));
+    const Program act = attempt.read(operation.act);
+    const wstring before = attempt.state();
+    std::string error = "no memory"; // before the first statement, or for the error itself
+    try {
+        const test::AllocationLimit limit(allowed);
+        attempt.run(act);
+        return Outcome::done;
+    } catch (const ScriptError& e) {
+        error = e.what();
+    } catch (const std::bad_alloc&) {
+    }
+    if (attempt.state() == before)
+        return Outcome::failed;
+    ADD_FAILURE() << operation.act << " with " << allowed << " allocations: " << error << "\n"
+                  << core::to_utf8(before) << "became\n"
+                  << core::to_utf8(attempt.state());
+    return Outcome::damaged;
+}
+
+class Allocation : public testing::Test {
+  protected:
+    void check(std::initializer_list<Operation> operations) {
+        for (const Operation& operation : operations) {
+            // The first time makes what is made once a process.
+            ASSERT_EQ(attempt(operation, test::AllocationLimit::kNone), Outcome::done) << operation.act;
+            Outcome outcome = Outcome::failed;
+            // A new thread each time: it has no free blocks kept from the attempt before.
+            for (int allowed = 0; outcome == Outcome::failed; ++allowed)
+                std::thread([&] {
+                    const host::HostProcess::ThreadScope thread(process_);
+                    outcome = attempt(operation, allowed);
+                }).join();
+        }
+    }
+
+    const host::HostProcess process_;
+};
+
+TEST_F(Allocation, CollectionsStayWhole) {
+    const char* const array = "A = New Array; For I = 1 To 40 Do A.Add(\"element \" + I); EndDo;";
+    const char* const structure = "S = New Structure; For I = 1 To 20 Do S.Insert(\"Key\" + I, I); EndDo;";
+    const char* const map = "M = New Map; For I = 1 To 40 Do M.Insert(\"key \" + I, \"value \" + I); EndDo;";
+    check({
+        {array, "A.Insert(3, \"a new one among the others\");"},
+        {array, "A.Add(New Array(3, 3));"},
+        {array, "A.Clear();"},
+        {array, "B = New FixedArray(A);"},
+        {structure, "S.Insert(\"ANewOne\", \"a value that is long enough for a block\");"},
+        {structure, "S.Delete(\"Key7\");"},
+        {structure, "T = New Structure(\"One, Two, Three, Four, Five, Six, Seven, Eight, Nine, Ten\");"},
+        {map, "M.Insert(12345678901234567890.5, New Map);"},
+        {map, "M.Insert(\"key 7\", \"another value\");"},
+        {map, "M.Delete(\"key 9\");"},
+        {map, "T = ToText(M);"},
+        {"T = ToText(New Structure(\"A, B\", New Array(4), CurrentDate()));", "V = FromText(T);"},
+        {"J = \"{\"\"a\"\": [1.5, true, null, \"\"text\"\"], \"\"b\"\": {\"\"c\"\": 1}}\";",
+         "V = FromJson(J);"},
+    });
+}
+
+TEST_F(Allocation, TablesStayWhole) {
+    const char* const table =
+        "T = New ValueTable;"
+        "T.Columns.Add(\"Name\", New TypeDescription(\"String\"));"
+        "T.Columns.Add(\"Sum\", New TypeDescription(\"Number\"));"
+        "T.Columns.Add(\"Any\");"
+        "T.Indexes.Add(\"Name\");"
+        "For I = 1 To 30 Do R = T.Add(); R.Name = \"name \" + (I * 7 % 11); R.Sum = I / 8;"
+        "R.Any = New Array(1); EndDo; R = Undefined; I = 0;";
+    const char* const tree = "T = New ValueTree; T.Columns.Add(\"Name\"); "
+                             "For I = 1 To 9 Do R = T.Rows.Add(); R.Name = \"name \" + (I * 7 % 11);"
+                             "R.Rows.Add().Name = \"below\"; EndDo; R = Undefined; I = 0;";
+    const char* const list =
+        "L = New ValueList; For I = 1 To 9 Do L.Add(I * 7 % 11, \"item \" + I); EndDo; I = 0;";
+    check({
+        {table, "T.Add();"},
+        {table, "T.Insert(3);"},
+        {table, "T.Delete(3);"},
+        {table, "T[3].Name = \"a name that no other row has\";"},
+        {table, "T[3].Sum = \"a text that is no number at all\";"},
+        {table, "T[3].Any = New Map;"},
+        {table, "T.Move(3, 5);"},
+        {table, "T.Clear();"},
+        {table, "T.Sort(\"Name, Sum Desc\");"},
+        {table, "T.GroupBy(\"Name\", \"Sum\");"},
+        {table, "T.FillValues(\"the same in every row\", \"Name, Any\");"},
+        {table, "F = T.FindRows(New Structure(\"Name\", \"name 3\")).Count();"},
+        {table, "F = T.Find(\"name 3\").Sum;"},
+        {table, "C = T.Copy();"},
+        {table, "C = T.CopyColumns(\"Name, Any\");"},
+        {table, "U = T.UnloadColumn(\"Name\");"},
+        {table, "T.LoadColumn(T.UnloadColumn(\"Sum\"), \"Any\");"},
+        {table, "T.Columns.Add(\"More\", New TypeDescription(\"Date\"), \"A title for it\");"},
+        {table, "T.Columns.Insert(1, \"More\");"},
+        {table, "T.Columns.Delete(\"Any\");"},
+        {table, "T.Columns.Move(0, 2);"},
+        {table, "T.Columns.Name.Name = \"Renamed\";"},
+        {table, "T.Indexes.Add(\"Sum, Any\");"},
+        {table, "V = FromText(ToText(T));"},
+        {tree, "T.Rows[3].Rows.Add();"},
+        {tree, "T.Rows.Sort(\"Name\", True);"},
+        {tree, "T.Rows[3].Rows.Clear();"},
+        {tree, "F = T.Rows.FindRows(New Structure(\"Name\", \"below\"), True).Count();"},
+        {tree, "V = FromText(ToText(T));"},
+        {list, "L.Insert(2, \"a value\", \"its presentation\");"},
+        {list, "L.SortByValue();"},
+        {list, "L.SortByPresentation();"},
+        {list, "L.Delete(2);"},
+        {list, "L.LoadValues(New Array(5));"},
+        {list, "C = L.Copy();"},
+    });
+}
+
+} // namespace
