@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/console.h"
 
+#include <core/strings/term.h>
+
 #include <unistd.h>
 
 #include <cstdlib>
@@ -14,6 +16,10 @@ std::string_view variable(const char* name) {
 }
 
 } // namespace
+
+int alias_of(Language language) noexcept {
+    return language == Language::russian ? core::kRussian : core::kEnglish;
+}
 
 Language language_of_environment() {
     for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {

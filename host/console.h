@@ -8,6 +8,9 @@ namespace host {
 
 enum class Language { english, russian };
 
+/// The language as an alias of names: core::kEnglish or core::kRussian.
+[[nodiscard]] int alias_of(Language language) noexcept;
+
 /// Where a command reads and writes, and how: data to `out`, messages to `err`.
 struct Console {
     std::istream& in;

@@ -23,11 +23,6 @@ constexpr const char* kExitCodes =
     "Exit codes: 0 done, 1 the answer is no, 2 usage, 3 malformed input or a script error, "
     "4 input or output failed, 70 internal fault.";
 
-ExitCode fail(Console& console, const core::wstring& message, ExitCode code) {
-    console.err << "corehost: " << terminal_text(message) << '\n';
-    return code;
-}
-
 /// Runs the action in a process of its own, and tells what stopped it.
 ExitCode carry_out(const Action& action, Console& console) {
     core::Settings settings;
@@ -70,6 +65,9 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
             std::map<std::string, Language>{{"en", Language::english}, {"ru", Language::russian}}));
     Action action;
     add_container_command(app, console, action);
+    add_describe_command(app, console, action);
+    add_list_command(app, console, action);
+    add_repl_command(app, console, action);
     add_run_command(app, console, action);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 wants
@@ -84,6 +82,11 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
 }
 
 } // namespace
+
+ExitCode fail(Console& console, const core::wstring& message, ExitCode code) {
+    console.err << "corehost: " << terminal_text(message) << '\n';
+    return code;
+}
 
 ExitCode run_program(std::vector<std::string> arguments, Console& console) {
     try {

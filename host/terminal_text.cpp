@@ -42,4 +42,15 @@ int terminal_width(char32_t c) {
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
+std::size_t terminal_width(std::string_view text) {
+    std::size_t width = 0;
+    const core::wstring units = core::from_utf8(text);
+    for (std::size_t i = 0; i < units.size();) {
+        UChar32 c = 0;
+        U16_NEXT(units.data(), i, units.size(), c);
+        width += static_cast<std::size_t>(terminal_width(static_cast<char32_t>(c)));
+    }
+    return width;
+}
+
 } // namespace host

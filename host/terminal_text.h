@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 /// Text that came from elsewhere (a script, a file, an error) on its way to a terminal.
 namespace host {
@@ -18,5 +19,7 @@ inline constexpr std::size_t kMessageShown = 1000;
 
 /// The columns that a character takes: none for what combines with the one before, two for wide ones.
 [[nodiscard]] int terminal_width(char32_t c);
+/// The columns that a text in UTF-8 takes.
+[[nodiscard]] std::size_t terminal_width(std::string_view text);
 
 } // namespace host

@@ -17,15 +17,19 @@ void TextOutStream::finish() {
         throw_error<FileStreamException>("IDS_TEXT_NOT_WHOLE", {buffer_.name()});
 }
 
-wstring load_text(IFileSystem& files, const wstring& url) {
-    TextInStream stream(files.openURL(url, OpenMode::read));
-    auto& buffer = static_cast<TextBuffer&>(*stream.rdbuf());
+wstring read_text(TextInStream& in) {
+    auto& buffer = static_cast<TextBuffer&>(*in.rdbuf());
     wstring text;
     while (buffer.fill()) {
         text.append(buffer.atHand());
         buffer.readTo(buffer.readEnd());
     }
     return text;
+}
+
+wstring load_text(IFileSystem& files, const wstring& url) {
+    TextInStream stream(files.openURL(url, OpenMode::read));
+    return read_text(stream);
 }
 
 void save_text(IFileSystem& files, const wstring& url, const std::function<void(wostream&)>& write) {

@@ -4,6 +4,8 @@
 #include "host/console.h"
 #include "host/exit_code.h"
 
+#include <core/runtime/types.h>
+
 #include <functional>
 
 namespace CLI {
@@ -16,7 +18,13 @@ namespace host {
 
 using Action = std::function<ExitCode()>;
 
+/// Writes a message in the name of the program, and returns the code.
+ExitCode fail(Console& console, const core::wstring& message, ExitCode code);
+
 void add_container_command(CLI::App& app, Console& console, Action& action);
+void add_describe_command(CLI::App& app, Console& console, Action& action);
+void add_list_command(CLI::App& app, Console& console, Action& action);
+void add_repl_command(CLI::App& app, Console& console, Action& action);
 void add_run_command(CLI::App& app, Console& console, Action& action);
 
 } // namespace host

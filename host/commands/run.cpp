@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/byte_input.h"
 #include "host/commands/commands.h"
 #include "host/script/functions.h"
 #include "host/script/interpreter.h"
 #include "host/script/interrupt_scope.h"
 #include "host/script/parser.h"
-#include "host/script/text_files.h"
-
-#include <core/runtime/utf8.h>
 
 #include <CLI/CLI.hpp>
 
@@ -18,8 +16,7 @@ namespace host {
 namespace {
 
 ExitCode run_file(const std::string& file, Console& console) {
-    const auto source =
-        std::make_shared<const script::Source>(file, script::load_text(core::from_utf8(file)));
+    const auto source = std::make_shared<const script::Source>(file, read_text(console, file));
     try {
         script::Variables variables;
         const script::Program program = script::parse(source, variables);
@@ -39,7 +36,7 @@ ExitCode run_file(const std::string& file, Console& console) {
 void add_run_command(CLI::App& app, Console& console, Action& action) {
     auto* const command = app.add_subcommand("run", "Run a script");
     const auto file = std::make_shared<std::string>();
-    command->add_option("file", *file, "The script")->required();
+    command->add_option("file", *file, "The script; - is standard input")->required();
     command->callback(
         [file, &console, &action] { action = [file, &console] { return run_file(*file, console); }; });
 }

@@ -9,7 +9,9 @@
 #include <boost/json/src.hpp> // the parser's own sources, so that no library has to be linked
 
 #include <limits>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace host {
 namespace {
@@ -33,50 +35,42 @@ class Handler {
 
     explicit Handler(JsonEvents& events) : events_(events) {}
 
+    /// Why an event refused what it was told, if one did.
+    [[nodiscard]] const std::optional<core::wstring>& refusal() const noexcept { return refusal_; }
+
     static bool on_document_begin(Error&) { return true; }
     static bool on_document_end(Error&) { return true; }
-    bool on_array_begin(Error&) {
-        events_.onArrayBegin();
-        return true;
+    bool on_array_begin(Error& error) {
+        return tell(error, [&] { events_.onArrayBegin(); });
     }
-    bool on_array_end(std::size_t, Error&) {
-        events_.onArrayEnd();
-        return true;
+    bool on_array_end(std::size_t, Error& error) {
+        return tell(error, [&] { events_.onArrayEnd(); });
     }
-    bool on_object_begin(Error&) {
-        events_.onObjectBegin();
-        return true;
+    bool on_object_begin(Error& error) {
+        return tell(error, [&] { events_.onObjectBegin(); });
     }
-    bool on_object_end(std::size_t, Error&) {
-        events_.onObjectEnd();
-        return true;
+    bool on_object_end(std::size_t, Error& error) {
+        return tell(error, [&] { events_.onObjectEnd(); });
     }
-    bool on_string_part(Text text, std::size_t, Error&) {
-        events_.onString(view(text), false);
-        return true;
+    bool on_string_part(Text text, std::size_t, Error& error) {
+        return tell(error, [&] { events_.onString(view(text), false); });
     }
-    bool on_string(Text text, std::size_t, Error&) {
-        events_.onString(view(text), true);
-        return true;
+    bool on_string(Text text, std::size_t, Error& error) {
+        return tell(error, [&] { events_.onString(view(text), true); });
     }
     bool on_key_part(Text text, std::size_t, Error&) { return keep(text); }
-    bool on_key(Text text, std::size_t, Error&) {
-        keep(text);
-        events_.onName(whole_);
-        whole_.clear();
-        return true;
+    bool on_key(Text text, std::size_t, Error& error) {
+        return keep(text) && tell(error, [&] { events_.onName(std::exchange(whole_, {})); });
     }
     bool on_number_part(Text text, Error&) { return keep(text); }
-    bool on_int64(std::int64_t, Text text, Error&) { return number(text); }
-    bool on_uint64(std::uint64_t, Text text, Error&) { return number(text); }
-    bool on_double(double, Text text, Error&) { return number(text); }
-    bool on_bool(bool value, Error&) {
-        events_.onBoolean(value);
-        return true;
+    bool on_int64(std::int64_t, Text text, Error& error) { return number(text, error); }
+    bool on_uint64(std::uint64_t, Text text, Error& error) { return number(text, error); }
+    bool on_double(double, Text text, Error& error) { return number(text, error); }
+    bool on_bool(bool value, Error& error) {
+        return tell(error, [&] { events_.onBoolean(value); });
     }
-    bool on_null(Error&) {
-        events_.onNull();
-        return true;
+    bool on_null(Error& error) {
+        return tell(error, [&] { events_.onNull(); });
     }
     static bool on_comment_part(Text, Error&) { return true; }
     static bool on_comment(Text, Error&) { return true; }
@@ -86,15 +80,25 @@ class Handler {
         whole_ += view(text);
         return true;
     }
-    bool number(Text text) {
-        keep(text);
-        events_.onNumber(whole_);
-        whole_.clear();
-        return true;
+    bool number(Text text, Error& error) {
+        return keep(text) && tell(error, [&] { events_.onNumber(std::exchange(whole_, {})); });
+    }
+    /// A refusal ends the reading as a fault of the text does, so that it gets a place, too.
+    template <class Tell>
+    bool tell(Error& error, Tell event) {
+        try {
+            event();
+            return true;
+        } catch (const core::ContextException& refusal) {
+            refusal_ = refusal.description();
+            error = json::error::syntax;
+            return false;
+        }
     }
 
     JsonEvents& events_;
     std::string whole_;
+    std::optional<core::wstring> refusal_;
 };
 
 json::parse_options options(std::size_t maxDepth) {
@@ -147,9 +151,11 @@ void JsonReader::advance(std::string_view read) noexcept {
 }
 
 void JsonReader::fail(const std::string& reason) const {
-    core::throw_error<core::ContextException>(
-        "IDS_SCRIPT_JSON_MALFORMED",
-        {core::string_intto(line_), core::string_intto(column_), core::from_utf8(reason)});
+    const auto& refusal = parser_->handler().refusal();
+    core::throw_error<core::ContextException>(refusal ? "IDS_SCRIPT_JSON_REFUSED"
+                                                      : "IDS_SCRIPT_JSON_MALFORMED",
+                                              {core::string_intto(line_), core::string_intto(column_),
+                                               refusal ? *refusal : core::from_utf8(reason)});
 }
 
 } // namespace host

@@ -10,7 +10,7 @@
 namespace host {
 
 /// Told what a JSON text holds, in its order. Texts are UTF-8, with escapes resolved, and valid during the
-/// call only.
+/// call only. A ContextException refuses what was told.
 class JsonEvents {
   public:
     virtual ~JsonEvents() = default;
@@ -32,8 +32,8 @@ class JsonEvents {
 /// Reads one JSON text, given in pieces of any size. Memory grows with nesting and with the longest number or
 /// name, not with the text.
 ///
-/// ContextException for malformed text, with line and column, and for nesting too deep; the reader is not
-/// meant to be used further. What an event throws passes through.
+/// ContextException for malformed text and for what an event refuses, with line and column, and for nesting
+/// too deep; the reader is not meant to be used further. What else an event throws passes through.
 class JsonReader {
   public:
     JsonReader(JsonEvents& events, std::size_t maxDepth);

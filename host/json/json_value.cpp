@@ -2,6 +2,7 @@
 #include "host/json/json_value.h"
 
 #include "host/json/json_reader.h"
+#include "host/json/json_text.h"
 
 #include <core/collections/value_array.h>
 #include <core/collections/value_map.h>
@@ -80,16 +81,8 @@ class Builder : public JsonEvents {
   private:
     struct Container {
         std::vector<wstring> keys; // of an object
-
         std::vector<Value> values;
     };
-
-    /// The parser's message without its own number and place in front.
-    static std::string_view reason(std::string_view message) {
-        for (const std::string_view lead : {"parse error", ": "})
-            message.remove_prefix(std::min(message.find(lead), message.size() - lead.size()) + lead.size());
-        return message;
-    }
 
     Container pop() {
         Container container = std::move(open_.back());
@@ -226,34 +219,6 @@ class Writer {
 };
 
 } // namespace
-
-void append_json_string(std::string& json, std::string_view text) {
-    json += '"';
-    append_json_characters(json, text);
-    json += '"';
-}
-
-void append_json_characters(std::string& json, std::string_view text) {
-    constexpr std::string_view kHex = "0123456789abcdef";
-    for (std::size_t begin = 0, i = 0;; ++i) {
-        const bool end = i == text.size();
-        const unsigned c = end ? 0U : static_cast<unsigned char>(text[i]);
-        if (!end && c >= 0x20 && c != '"' && c != '\\')
-            continue;
-        json += text.substr(begin, i - begin);
-        if (end)
-            return;
-        if (c == '"' || c == '\\')
-            json.append({'\\', text[i]});
-        else if (c == '\n')
-            json += "\\n";
-        else if (c == '\t')
-            json += "\\t";
-        else
-            json.append("\\u00").append({kHex[c >> 4U], kHex[c & 0xFU]});
-        begin = i + 1;
-    }
-}
 
 GenericValue from_json(std::string_view text, Objects objects) {
     Builder builder(objects);

@@ -23,8 +23,4 @@ enum class Objects {
 /// `indent` above 0, on many lines. ContextException for nesting deeper than values may have.
 [[nodiscard]] std::string to_json(const core::GenericValue& value, int indent = 0);
 
-/// Appends a JSON string, or only what stands between its quotes, for a text in UTF-8.
-void append_json_string(std::string& json, std::string_view text);
-void append_json_characters(std::string& json, std::string_view text);
-
 } // namespace host

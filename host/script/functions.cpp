@@ -3,16 +3,20 @@
 
 #include "host/json/json_value.h"
 #include "host/script/container_values.h"
-#include "host/script/text_files.h"
+#include "host/text_output.h"
 
 #include <core/context/context_impl.h>
 #include <core/context/core_general_context.h>
 #include <core/context/enumeration.h>
 #include <core/context/group_context.h>
+#include <core/files/disk_file.h>
+#include <core/files/file_system.h>
 #include <core/runtime/clock.h>
 #include <core/runtime/error.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
+#include <core/serialization/text_file.h>
+#include <core/serialization/unit_sink.h>
 #include <core/strings/letter_case.h>
 #include <core/strings/trim.h>
 
@@ -87,9 +91,13 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>> {
         const std::size_t indent = given(a[1]) ? count_argument(a, 1, 16) : 0;
         return GenericValue(from_utf8(to_json(a[0], static_cast<int>(indent))));
     }
-    GenericValue loadText(Args a) { return GenericValue(load_text(text_argument(a, 0))); }
+    GenericValue loadText(Args a) {
+        const wstring url = file_url(to_utf8(text_argument(a, 0)));
+        return GenericValue(load_text(*get_service<IFileSystem>(), url));
+    }
     GenericValue saveText(Args a) {
-        save_text(text_argument(a, 0), text_argument(a, 1));
+        const wstring_view text = text_argument(a, 1);
+        write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { UnitSink(out).write(text); });
         return {};
     }
 

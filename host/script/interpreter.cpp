@@ -95,6 +95,7 @@ class Interpreter::Run {
         for (const Constant& constant : program.constants)
             constants_.push_back(constant_value(constant));
         values_.resize(std::max(values_.size(), owner.variables_.size()));
+        owner.interrupted_.store(false, std::memory_order_relaxed); // it was meant for the script before
     }
 
     void run() { execute(program_.body); }

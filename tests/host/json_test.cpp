@@ -40,7 +40,9 @@ TEST_F(JsonTest, NumbersToTheDigit) {
     EXPECT_EQ(again(pi), pi);
     EXPECT_EQ(again("1e100000"), "1" + repeat("0", 100'000));
     for (const char* huge : {"1e100001", "-1e-100001", "1E+2147483647"})
-        EXPECT_EQ(refusal(huge), "The number " + std::string(huge) + " is too large or too small.");
+        EXPECT_TRUE(
+            refusal(huge).ends_with("text: The number " + std::string(huge) + " is too large or too small."))
+            << refusal(huge);
 }
 
 TEST_F(JsonTest, EveryKindAndItsType) {

@@ -1,62 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 // corehost as its users meet it: commands, what goes to which stream, exit codes, both languages, and the
 // scripts that the project shows.
-#include "host/program.h"
+#include "tests/host/program_fixture.h"
 
 #include <core/collections/value_array.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <regex>
-#include <sstream>
 
 namespace host {
 namespace {
 
 namespace fs = std::filesystem;
 
-struct Answer {
-    ExitCode code;
-    std::string out;
-    std::string err;
-};
-
-Answer corehost(std::vector<std::string> arguments, const std::string& input = {}, bool colour = false) {
-    std::istringstream in(input);
-    std::ostringstream out, err;
-    Console console{in, out, err, Language::english, colour};
-    const ExitCode code = run_program(std::move(arguments), console);
-    return {code, out.str(), err.str()};
-}
-
-class ProgramTest : public testing::Test {
+class ProgramTest : public FolderTest {
   protected:
-    ~ProgramTest() override { fs::remove_all(folder_); }
-
-    [[nodiscard]] std::string file(const std::string& name, std::string_view text) const {
-        const fs::path path = folder_ / name;
-        std::ofstream(path, std::ios::binary) << text;
-        return path.string();
-    }
-    [[nodiscard]] std::string path(const std::string& name) const { return (folder_ / name).string(); }
     Answer run(std::string_view script, std::vector<std::string> options = {}) const {
         options.insert(options.begin(), {"run", file("s", script)});
         Answer answer = corehost(options);
         // the script by the name of its file alone
-        for (std::size_t at = 0; (at = answer.err.find(folder_.string() + "/")) != std::string::npos;)
-            answer.err.erase(at, folder_.string().size() + 1);
+        for (std::size_t at = 0; (at = answer.err.find(folder().string() + "/")) != std::string::npos;)
+            answer.err.erase(at, folder().string().size() + 1);
         return answer;
     }
-
-  private:
-    fs::path folder_ = [] {
-        std::string name = testing::TempDir() + "corehost-XXXXXX";
-        return fs::path(mkdtemp(name.data()));
-    }();
 };
 
 TEST_F(ProgramTest, EveryExitCode) {
@@ -174,11 +140,6 @@ TEST(EnvironmentTest, LanguageAndColour) {
     EXPECT_EQ(language_of_environment(), Language::english);
     const Environment terminal("TERM", "xterm"), plain("NO_COLOR", "1");
     EXPECT_FALSE(colour_of_environment());
-}
-
-std::string text_of(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 TEST_F(ProgramTest, TheScriptsThatAreShownRun) {

@@ -107,6 +107,8 @@ class TextOutStream : public wostream {
     detail::Utf8OutBuffer buffer_;
 };
 
+/// What is left of a text.
+[[nodiscard]] CORE_API wstring read_text(TextInStream& in);
 /// The whole text of a file.
 [[nodiscard]] CORE_API wstring load_text(IFileSystem& files, const wstring& url);
 

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/commands.h"
+#include "host/commands/describe_text.h"
+#include "host/script/functions.h"
+
+#include <core/runtime/error.h>
+#include <core/runtime/process.h>
+#include <core/runtime/utf8.h>
+#include <core/strings/letter_case.h>
+#include <core/strings/term.h>
+#include <core/values/type_service.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <numeric>
+#include <ostream>
+
+namespace host {
+namespace {
+
+using namespace core;
+
+/// How many letters must be inserted, removed or exchanged to make one text of the other.
+std::size_t distance(wstring_view a, wstring_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t exchanged = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({exchanged, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+/// The name of a type that was probably meant; empty when none is near.
+wstring nearest(const std::vector<IType*>& types, wstring_view name) {
+    constexpr std::size_t kLongest = 100; // of what a person mistypes
+    wstring best;
+    if (name.size() > kLongest)
+        return best;
+    std::size_t least = std::max<std::size_t>(name.size() / 3, 1) + 1;
+    for (const IType* const type : types) {
+        for (const int alias : {kEnglish, kRussian}) {
+            const wstring candidate = type->name(alias);
+            if (const auto far = distance(to_lower(candidate), to_lower(name)); far < least) {
+                least = far;
+                best = candidate;
+            }
+        }
+    }
+    return best;
+}
+
+ExitCode describe_type(const std::string& text, Console& console) {
+    auto& service = *get_service<ITypeValueService>();
+    const wstring name = from_utf8(text);
+    if (IType* const type = service.findType(name)) {
+        describe::write_type(console, describe::report_on(*type, alias_of(console.language)));
+        return ExitCode::done;
+    }
+    wstring message = message_text("IDS_HOST_UNKNOWN_TYPE", {name});
+    if (const wstring meant = nearest(service.types(), name); !meant.empty())
+        message += u' ' + message_text("IDS_HOST_DID_YOU_MEAN", {meant});
+    return fail(console, message, ExitCode::no);
+}
+
+ExitCode describe_functions(Console& console) {
+    const auto functions = script::create_host_functions(console.out);
+    describe::write_functions(console, describe::members_of(*functions, alias_of(console.language)));
+    return ExitCode::done;
+}
+
+} // namespace
+
+void add_describe_command(CLI::App& app, Console& console, Action& action) {
+    auto* const command =
+        app.add_subcommand("describe", "Show what scripts can work with: types and functions");
+    const auto type = std::make_shared<std::string>();
+    const auto functions = std::make_shared<bool>(false);
+    auto* const name =
+        command->add_option("type", *type, "A type, by its name in either language; default: list all");
+    command->add_flag("--functions", *functions, "The functions that scripts call without an object")
+        ->excludes(name);
+    command->callback([type, functions, &console, &action] {
+        action = [type, functions, &console] {
+            if (*functions)
+                return describe_functions(console);
+            if (!type->empty())
+                return describe_type(*type, console);
+            describe::write_list(console, get_service<ITypeValueService>()->types());
+            return ExitCode::done;
+        };
+    });
+}
+
+} // namespace host

@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/describe_text.h"
+
+#include "host/terminal_text.h"
+
+#include <core/runtime/error.h>
+#include <core/runtime/utf8.h>
+#include <core/strings/term.h>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <ostream>
+
+namespace host::describe {
+
+using namespace core;
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// as text
+
+/// Rows of cells, written with the cells of a column below each other.
+class Columns {
+  public:
+    void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+
+    void write(std::ostream& out, std::string_view indent) const {
+        std::vector<std::size_t> widths;
+        for (const auto& row : rows_) {
+            widths.resize(std::max(widths.size(), row.size()));
+            for (std::size_t i = 0; i < row.size(); ++i)
+                widths[i] = std::max(widths[i], terminal_width(row[i]));
+        }
+        for (const auto& row : rows_) {
+            std::string line(indent);
+            std::size_t gap = 0;
+            for (std::size_t i = 0; i < row.size(); ++i) {
+                if (!row[i].empty())
+                    line.append(std::exchange(gap, 0), ' ').append(row[i]);
+                gap += widths[i] - terminal_width(row[i]) + 2;
+            }
+            out << line << '\n';
+        }
+    }
+
+  private:
+    std::vector<std::vector<std::string>> rows_;
+};
+
+std::string message(const char* id) {
+    return to_utf8(message_text(id));
+}
+
+const std::string& in_language(const Names& names, Language language) {
+    return language == Language::russian ? names.russian : names.english;
+}
+
+/// The types by name; what is not known may be anything.
+std::string any_or(const Kinds& kinds, Language language) {
+    if (kinds.empty())
+        return message("IDS_HOST_ANY_VALUE");
+    std::string text;
+    for (const Names& names : kinds)
+        text.append(text.empty() ? "" : ", ").append(in_language(names, language));
+    return text;
+}
+
+/// As in "(1, out 2, 3 = Undefined)": parameters have numbers, no names.
+std::string parameters_text(const Method& method) {
+    std::string text = "(";
+    for (std::size_t i = 0; i < method.parameters.size(); ++i) {
+        const Parameter& parameter = method.parameters[i];
+        if (i > 0)
+            text += ", ";
+        if (parameter.out)
+            text += parameter.in ? "in out " : "out ";
+        text += std::to_string(i + 1);
+        if (parameter.byDefault)
+            text += " = " + *parameter.byDefault;
+    }
+    return text + ')';
+}
+
+std::string result_text(const Method& method, Language language) {
+    if (!method.isFunction)
+        return {};
+    return "-> " + any_or(method.kinds, language);
+}
+
+void write_properties(Console& console, const TypeReport& report) {
+    if (report.members.properties.empty())
+        return;
+    console.out << '\n' << message(report.isEnumeration ? "IDS_HOST_VALUES" : "IDS_HOST_PROPERTIES") << '\n';
+    Columns columns;
+    for (const Property& property : report.members.properties) {
+        std::vector<std::string> row{property.names.english, property.names.russian};
+        if (!report.isEnumeration) {
+            row.push_back(any_or(property.kinds, console.language));
+            row.push_back(property.writable ? "" : message("IDS_HOST_READ_ONLY"));
+        }
+        columns.add(std::move(row));
+    }
+    columns.write(console.out, "  ");
+}
+
+void write_methods(Console& console, const std::vector<Method>& methods) {
+    if (methods.empty())
+        return;
+    console.out << '\n' << message("IDS_HOST_METHODS") << '\n';
+    Columns columns;
+    for (const Method& method : methods) {
+        columns.add({method.names.english, method.names.russian, parameters_text(method),
+                     result_text(method, console.language)});
+    }
+    columns.write(console.out, "  ");
+}
+
+/// As in "0", "0..32", "1...": how many arguments make a new value.
+std::string constructor_text(const TypeReport& report) {
+    const auto [least, most] = report.arguments;
+    std::string count = std::to_string(least);
+    if (most < 0)
+        count += "...";
+    else if (most > least)
+        count += ".." + std::to_string(most);
+    return to_utf8(message_text("IDS_HOST_ARGUMENTS", {from_utf8(count)}));
+}
+
+// as JSON
+
+Json to_json(const Names& names) {
+    return {{"en", names.english}, {"ru", names.russian}};
+}
+
+Json to_json(const Kinds& kinds) {
+    Json all = Json::array();
+    for (const Names& names : kinds)
+        all.push_back(names.english);
+    return all;
+}
+
+Json to_json(const Members& members) {
+    Json properties = Json::array();
+    for (const Property& property : members.properties) {
+        properties.push_back({{"name", to_json(property.names)},
+                              {"readable", property.readable},
+                              {"writable", property.writable},
+                              {"types", to_json(property.kinds)}});
+    }
+    Json methods = Json::array();
+    for (const Method& method : members.methods) {
+        Json parameters = Json::array();
+        for (const Parameter& parameter : method.parameters) {
+            parameters.push_back({{"in", parameter.in}, {"out", parameter.out}});
+            if (parameter.byDefault)
+                parameters.back()["default"] = *parameter.byDefault;
+        }
+        methods.push_back({{"name", to_json(method.names)},
+                           {"parameters", std::move(parameters)},
+                           {"function", method.isFunction},
+                           {"types", to_json(method.kinds)}});
+    }
+    return {{"known", members.known}, {"properties", std::move(properties)}, {"methods", std::move(methods)}};
+}
+
+} // namespace
+
+void write_list(Console& console, const std::vector<IType*>& types) {
+    Json all = Json::array();
+    Columns columns;
+    for (const IType* const type : types) {
+        const std::string english = to_utf8(type->name(kEnglish));
+        const std::string russian = to_utf8(type->name(kRussian));
+        const std::string presentation = to_utf8(type->presentation());
+        if (console.json)
+            all.push_back({{"name", to_json(Names{english, russian})},
+                           {"id", to_utf8(to_string(type->id()))},
+                           {"presentation", presentation}});
+        else
+            columns.add({english, russian, presentation});
+    }
+    if (console.json)
+        console.out << all.dump(2) << '\n';
+    else
+        columns.write(console.out, "");
+}
+
+void write_type(Console& console, const TypeReport& report) {
+    const bool isMade = report.arguments.least >= 0;
+    if (console.json) {
+        Json all = {
+            {"name", to_json(report.names)}, {"id", report.id}, {"presentation", report.presentation}};
+        if (isMade) {
+            all["constructor"] = {{"least", report.arguments.least}};
+            if (report.arguments.most >= 0)
+                all["constructor"]["most"] = report.arguments.most;
+        }
+        all["enumeration"] = report.isEnumeration;
+        if (report.members.isCollection)
+            all["elements"] = to_json(report.members.elements);
+        all.update(to_json(report.members));
+        console.out << all.dump(2) << '\n';
+        return;
+    }
+    Columns columns;
+    columns.add({message("IDS_HOST_TYPE"), report.names.english + " / " + report.names.russian});
+    columns.add({message("IDS_HOST_TYPE_ID"), report.id});
+    if (isMade)
+        columns.add({"New / Новый", constructor_text(report)});
+    if (report.members.isCollection)
+        columns.add({message("IDS_HOST_ELEMENTS"), any_or(report.members.elements, console.language)});
+    columns.write(console.out, "");
+    write_properties(console, report);
+    write_methods(console, report.members.methods);
+    if (!report.members.known)
+        console.out << '\n' << message("IDS_HOST_NO_DEFINITION") << '\n';
+}
+
+void write_functions(Console& console, const Members& members) {
+    if (console.json)
+        console.out << to_json(members).dump(2) << '\n';
+    else
+        write_methods(console, members.methods);
+}
+
+} // namespace host::describe

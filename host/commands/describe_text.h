@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/commands/describe_report.h"
+#include "host/console.h"
+
+/// Writes what is known of types, as text or as JSON.
+namespace host::describe {
+
+/// One line for each type: its names and what it is.
+void write_list(Console& console, const std::vector<core::IType*>& types);
+void write_type(Console& console, const TypeReport& report);
+/// What can be called without an object.
+void write_functions(Console& console, const Members& members);
+
+} // namespace host::describe

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/byte_input.h"
+#include "host/commands/commands.h"
+#include "host/json/json_reader.h"
+#include "host/lists/json_to_list.h"
+#include "host/lists/list_tools.h"
+#include "host/terminal_text.h"
+#include "host/text_output.h"
+
+#include <core/runtime/error.h>
+#include <core/runtime/utf8.h>
+#include <core/serialization/text_file.h>
+#include <core/strings/integer_text.h>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <memory>
+#include <ostream>
+#include <vector>
+
+namespace host {
+namespace {
+
+using namespace core;
+
+struct ListOptions {
+    std::vector<std::string> files{"-"};
+    std::string output = "-";
+    std::size_t indent = 2;
+};
+
+/// A file or standard input as text.
+class Input {
+  public:
+    Input(Console& console, const std::string& file)
+        : bytes_(console, file),
+          text_([this](std::span<std::byte> span) { return bytes_.read(span); }, from_utf8(file)),
+          scanner_(text_) {}
+
+    [[nodiscard]] ListScanner& scanner() noexcept { return scanner_; }
+
+  private:
+    ByteInput bytes_;
+    TextInStream text_;
+    ListScanner scanner_;
+};
+
+// check
+
+nlohmann::ordered_json report(const std::string& file, const ListScanner& scanner, const ListCounts& counts,
+                              bool isGood) {
+    nlohmann::ordered_json result = {{"file", file}, {"wellFormed", isGood}};
+    if (isGood) {
+        result.update({{"lists", counts.lists},
+                       {"strings", counts.strings},
+                       {"tokens", counts.tokens},
+                       {"depth", counts.depth},
+                       {"units", counts.units}});
+    } else {
+        result.update({{"line", scanner.place().line},
+                       {"column", scanner.place().column},
+                       {"message", to_utf8(scanner.message())}});
+    }
+    return result;
+}
+
+/// True when the list is well-formed.
+bool check_file(Console& console, const std::string& file) {
+    Input input(console, file);
+    ListCounts counts;
+    const bool isGood = count_list(input.scanner(), counts);
+    if (console.json) {
+        console.out << report(file, input.scanner(), counts, isGood).dump() << '\n';
+    } else if (isGood) {
+        console.out << terminal_text(from_utf8(file)) << ": "
+                    << to_utf8(message_text("IDS_HOST_LIST_COUNTS",
+                                            {string_intto(counts.lists), string_intto(counts.strings),
+                                             string_intto(counts.tokens), string_intto(counts.depth)}))
+                    << '\n';
+    } else {
+        throw_malformed(input.scanner(), file);
+    }
+    return isGood;
+}
+
+/// Every file is looked at; the exit code is that of the worst.
+ExitCode check(Console& console, const ListOptions& options) {
+    ExitCode worst = ExitCode::done;
+    for (const std::string& file : options.files) {
+        ExitCode code = ExitCode::malformed;
+        try {
+            code = check_file(console, file) ? ExitCode::done : ExitCode::malformed;
+        } catch (const FileException& e) {
+            code = fail(console, e.description(), ExitCode::io);
+        } catch (const Exception& e) { // a text that is not UTF-8 is no list, either
+            code = fail(console, e.description(), ExitCode::malformed);
+        }
+        worst = std::max(worst, code);
+    }
+    return worst;
+}
+
+// conversions
+
+ExitCode format(Console& console, const ListOptions& options) {
+    const std::string& file = options.files.front();
+    Input input(console, file);
+    write_text(console, options.output,
+               [&](wostream& out) { format_list(input.scanner(), file, out, options.indent); });
+    return ExitCode::done;
+}
+
+ExitCode to_json(Console& console, const ListOptions& options) {
+    const std::string& file = options.files.front();
+    Input input(console, file);
+    write_text(console, options.output,
+               [&](wostream& out) { list_to_json(input.scanner(), file, out, options.indent); });
+    return ExitCode::done;
+}
+
+ExitCode from_json(Console& console, const ListOptions& options) {
+    ByteInput input(console, options.files.front());
+    write_text(console, options.output, [&](wostream& out) {
+        JsonToList list(out, options.indent);
+        JsonReader reader(list, ListScanner::kMaxDepth + 1); // a token may be an object
+        std::array<std::byte, 64 * 1024> block;
+        while (const std::size_t count = input.read(block))
+            reader.read({reinterpret_cast<const char*>(block.data()), count});
+        reader.finish();
+        list.finish();
+    });
+    return ExitCode::done;
+}
+
+} // namespace
+
+void add_list_command(CLI::App& app, Console& console, Action& action) {
+    auto* const command = app.add_subcommand("list", "Check, format and convert brace lists of any size");
+    command->require_subcommand(1);
+    command->fallthrough();
+    const auto options = std::make_shared<ListOptions>();
+    using Run = ExitCode (*)(Console&, const ListOptions&);
+    const auto add = [&](const char* name, const char* what, Run run) {
+        auto* const sub = command->add_subcommand(name, what);
+        sub->fallthrough();
+        sub->callback([options, &console, &action, run] {
+            action = [options, &console, run] { return run(console, *options); };
+        });
+        return sub;
+    };
+    add("check", "Say whether they are well-formed, or line, column and what was expected", check)
+        ->add_option("files", options->files, "Files; - or none is standard input");
+    const auto addConversion = [&](const char* name, const char* what, Run run) {
+        auto* const sub = add(name, what, run);
+        sub->add_option("file", options->files, "A file; - or none is standard input")->expected(0, 1);
+        sub->add_option("-o,--output", options->output, "The file to write; default: standard output");
+        sub->add_option("--indent", options->indent, "Blanks for each level; default: 2")
+            ->check(CLI::Range(0, 16));
+    };
+    addConversion("fmt", "Lay a list out in lines", format);
+    addConversion("to-json", "Write a list as JSON", to_json);
+    addConversion("from-json", "Write JSON as a list", from_json);
+}
+
+} // namespace host

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/commands.h"
+#include "host/console/line_editor.h"
+#include "host/json/json_value.h"
+#include "host/script/display.h"
+#include "host/script/functions.h"
+#include "host/script/interpreter.h"
+#include "host/script/interrupt_scope.h"
+#include "host/script/parser.h"
+#include "host/terminal_text.h"
+
+#include <core/runtime/error.h>
+#include <core/runtime/utf8.h>
+#include <core/strings/integer_text.h>
+
+#include <CLI/CLI.hpp>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <string>
+
+namespace host {
+namespace {
+
+using namespace core;
+
+/// One console: entries come in lines, and what they make stays.
+class Repl {
+  public:
+    explicit Repl(Console& console) : console_(console) {}
+
+    /// Adds a line to the entry and carries the entry out when it is complete, or when no line follows.
+    void take(wstring_view line, bool isLast) {
+        entry_.append(line).append(u"\n");
+        try {
+            const auto source = std::make_shared<const script::Source>("repl", entry_);
+            try {
+                run(script::parse(source, variables_, script::Mode::console));
+            } catch (const script::ScriptError& error) {
+                if (error.incomplete() && !isLast)
+                    return;
+                failed_ = true;
+                console_.out.flush();
+                show_error(console_.err, *source, error, console_.colour);
+            }
+        } catch (const Exception& e) {
+            report(e.description());
+        } catch (const std::bad_alloc&) {
+            report(message_text("IDS_SCRIPT_NO_MEMORY"));
+        }
+        entry_.clear();
+        console_.out.flush();
+    }
+    /// The same for a line in UTF-8, where nothing else is taken.
+    void takeBytes(const std::string& line) {
+        const wstring units = from_utf8(line);
+        const std::string same = to_utf8(units);
+        if (same == line)
+            return take(units, false);
+        const auto fault = std::mismatch(line.begin(), line.end(), same.begin(), same.end()).first;
+        report(message_text("IDS_TEXT_NOT_UTF8", {u"-", string_intto(fault - line.begin())}));
+        forget();
+    }
+    void forget() noexcept { entry_.clear(); }
+
+    [[nodiscard]] bool isInEntry() const noexcept { return !entry_.empty(); }
+    [[nodiscard]] bool hasFailed() const noexcept { return failed_; }
+
+    [[nodiscard]] Completion complete(wstring_view line) const {
+        return host::complete(entry_ + wstring(line), interpreter_, variables_, alias_of(console_.language));
+    }
+
+  private:
+    void report(const wstring& message) {
+        failed_ = true;
+        fail(console_, message, ExitCode::malformed);
+    }
+    void run(const script::Program& program) {
+        const script::InterruptScope interrupts(interpreter_);
+        interpreter_.run(program, [this](const GenericValue& value) { show(value); });
+    }
+
+    void show(const GenericValue& value) {
+        if (console_.json)
+            console_.out << to_json(value) << '\n';
+        else
+            console_.out << terminal_text(script::display(value, alias_of(console_.language)),
+                                          std::numeric_limits<std::size_t>::max())
+                         << '\n';
+    }
+
+    Console& console_;
+    script::Variables variables_;
+    script::Interpreter interpreter_{script::create_globals(console_.out), variables_};
+    wstring entry_;
+    bool failed_ = false;
+};
+
+/// A signal between two scripts must not end the program.
+class IgnoreInterrupts {
+  public:
+    IgnoreInterrupts() : before_(std::signal(SIGINT, [](int) {})) {}
+    IgnoreInterrupts(const IgnoreInterrupts&) = delete;
+    IgnoreInterrupts& operator=(const IgnoreInterrupts&) = delete;
+    ~IgnoreInterrupts() { std::signal(SIGINT, before_); }
+
+  private:
+    void (*before_)(int);
+};
+
+ExitCode converse(Console& console) {
+    const IgnoreInterrupts ignore;
+    Repl repl(console);
+    LineEditor editor([&repl](wstring_view before) { return repl.complete(before); }, HistoryFile::of_user());
+    console.out << to_utf8(message_text("IDS_HOST_REPL_KEYS")) << std::endl;
+    while (console.out) {
+        LineEditor::Line line = editor.read(repl.isInEntry() ? "  | " : "> ");
+        switch (line.kind) {
+        case LineEditor::Line::Kind::text:
+            repl.take(line.text, false);
+            break;
+        case LineEditor::Line::Kind::cancelled:
+            repl.forget();
+            break;
+        case LineEditor::Line::Kind::end:
+            return ExitCode::done;
+        }
+    }
+    return ExitCode::io;
+}
+
+/// Without a terminal there is nobody to see prompts, and whoever started it must learn of failures.
+ExitCode read_entries(Console& console) {
+    Repl repl(console);
+    for (std::string line; console.out && std::getline(console.in, line);)
+        repl.takeBytes(line);
+    if (repl.isInEntry())
+        repl.take({}, true);
+    return repl.hasFailed() ? ExitCode::malformed : ExitCode::done;
+}
+
+ExitCode run_repl(Console& console) {
+    const bool isTerminal =
+        console.in.rdbuf() == std::cin.rdbuf() && ::isatty(STDIN_FILENO) == 1 && ::isatty(STDOUT_FILENO) == 1;
+    return isTerminal ? converse(console) : read_entries(console);
+}
+
+} // namespace
+
+void add_repl_command(CLI::App& app, Console& console, Action& action) {
+    app.add_subcommand("repl", "Run statements as they are entered, and show values")
+        ->callback([&console, &action] { action = [&console] { return run_repl(console); }; });
+}
+
+} // namespace host

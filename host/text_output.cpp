@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/text_output.h"
+
+#include <core/files/disk_file.h>
+#include <core/files/file_error.h>
+#include <core/files/file_system.h>
+#include <core/runtime/error.h>
+#include <core/runtime/process.h>
+#include <core/runtime/utf8.h>
+#include <core/serialization/text_file.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Writes to a byte stream, whose failure `fail` reports.
+void write_through(std::ostream& bytes, const core::wstring& name, const TextWriter& write,
+                   const std::function<void()>& fail) {
+    core::TextOutStream text(
+        [&](std::span<const std::byte> piece) {
+            if (!bytes.write(reinterpret_cast<const char*>(piece.data()), std::ssize(piece)))
+                fail();
+        },
+        name);
+    write(text);
+    text.finish();
+    if (!bytes.flush())
+        fail();
+}
+
+/// Not to be replaced: something that takes bytes without keeping them.
+bool is_device(const fs::path& path) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(path, ignored);
+    return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+}
+
+} // namespace
+
+void write_text_file(const std::string& file, const TextWriter& write) {
+    if (is_device(file)) {
+        const core::wstring url = core::file_url(file);
+        errno = 0;
+        std::ofstream bytes(file, std::ios::binary);
+        if (!bytes)
+            core::throw_file_error("IDS_FILE_OPEN", url, errno);
+        return write_through(bytes, url, write,
+                             [&] { core::throw_file_error("IDS_FILE_WRITE", url, errno); });
+    }
+    std::error_code isNoFile;
+    const fs::path linked = fs::canonical(file, isNoFile);
+    core::save_text(*core::get_service<core::IFileSystem>(),
+                    core::file_url(isNoFile ? file : linked.string()), write);
+}
+
+void write_text(Console& console, const std::string& file, const TextWriter& write) {
+    if (file != "-")
+        return write_text_file(file, write);
+    write_through(console.out, core::from_utf8(file), write,
+                  [] { core::throw_error<core::FileStreamException>("IDS_HOST_OUTPUT_FAILED"); });
+}
+
+} // namespace host

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+// What corehost says of types is what their live definitions say: nothing is missing, both languages are
+// there, and a member that is described can be found by its names.
+#include "tests/host/program_fixture.h"
+
+#include <core/context/context_def.h>
+#include <core/runtime/utf8.h>
+#include <core/values/type_service.h>
+#include <host/host_process.h>
+
+#include <nlohmann/json.hpp>
+
+namespace host {
+namespace {
+
+using nlohmann::json;
+
+json described(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"describe", "--json"});
+    const Answer answer = corehost(std::move(arguments));
+    EXPECT_EQ(answer.code, ExitCode::done) << answer.err;
+    return json::parse(answer.out);
+}
+
+TEST(DescribeTest, EveryTypeByBothNames) {
+    std::vector<std::string> registered;
+    {
+        const HostProcess process;
+        for (const core::IType* const type : core::get_service<core::ITypeValueService>()->types())
+            registered.push_back(core::to_utf8(core::to_string(type->id())));
+    }
+    std::vector<std::string> listed;
+    for (const json& type : described({})) {
+        listed.push_back(type["id"]);
+        const json english = described({type["name"]["en"]});
+        EXPECT_EQ(english["id"], type["id"]);
+        EXPECT_EQ(english, described({type["name"]["ru"]}));
+    }
+    EXPECT_EQ(listed, registered);
+}
+
+TEST(DescribeTest, MembersAreThoseOfLiveObjects) {
+    const HostProcess process;
+    for (const char* const name : {"Array", "Structure", "ValueTable", "TypeDescription", "ValueList"}) {
+        const json report = described({name});
+        auto* const type = core::get_service<core::ITypeValueService>()->findType(core::from_utf8(name));
+        const auto object = type->construct({});
+        const auto context = object.query<core::IContext_>();
+        ASSERT_TRUE(context);
+        ASSERT_EQ(report["methods"].size(), static_cast<std::size_t>(context->getNMethods())) << name;
+        for (const json& method : report["methods"]) {
+            for (const char* const language : {"en", "ru"}) {
+                const int found =
+                    context->findMethod(core::from_utf8(method["name"][language].get<std::string>()).c_str());
+                ASSERT_GE(found, 0) << name << method;
+                EXPECT_EQ(method["parameters"].size(), static_cast<std::size_t>(context->getNParams(found)));
+                for (int param = 0; param < context->getNParams(found); ++param)
+                    EXPECT_EQ(method["parameters"][static_cast<std::size_t>(param)].contains("default"),
+                              context->getParamDefValue(found, param, nullptr));
+            }
+        }
+        for (const json& property : report["properties"])
+            EXPECT_GE(context->findProp(core::from_utf8(property["name"]["ru"].get<std::string>()).c_str()),
+                      0);
+    }
+}
+
+TEST(DescribeTest, WhatAPersonReads) {
+    const Answer array = corehost({"describe", "массив"});
+    EXPECT_NE(array.out.find("New / Новый  arguments: 0..32\n"), std::string::npos) << array.out;
+    EXPECT_NE(array.out.find("  Insert  Вставить    (1, 2)\n"), std::string::npos) << array.out;
+    EXPECT_NE(corehost({"describe", "Map", "--lang", "ru"}).out.find("-> Число\n"), std::string::npos);
+    EXPECT_NE(corehost({"describe", "--functions"})
+                  .out.find("FromJson           ИзJson                 (1, 2 = False)"),
+              std::string::npos);
+    EXPECT_NE(corehost({"describe", "AllowedSign"}).out.find("\nValues\n  Any          Любой\n"),
+              std::string::npos);
+}
+
+TEST(DescribeTest, WhatThereIsNot) {
+    const Answer near = corehost({"describe", "Structur"});
+    EXPECT_EQ(near.code, ExitCode::no);
+    EXPECT_EQ(near.err, "corehost: There is no type Structur. Did you mean Structure?\n");
+    EXPECT_EQ(near.out, "");
+    EXPECT_EQ(corehost({"describe", "масив", "--lang", "ru"}).err,
+              "corehost: Нет типа масив. Возможно, имелся в виду Массив?\n");
+    EXPECT_EQ(corehost({"describe", std::string(100'000, 'x')}).code, ExitCode::no);
+    EXPECT_EQ(corehost({"describe", "Qzqzqzqz"}).err, "corehost: There is no type Qzqzqzqz.\n");
+    EXPECT_EQ(corehost({"describe", "Array", "--functions"}).code, ExitCode::usage);
+}
+
+} // namespace
+} // namespace host
