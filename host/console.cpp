@@ -3,8 +3,10 @@
 
 #include <core/strings/term.h>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdlib>
 
 namespace host {
@@ -34,6 +36,22 @@ bool colour_of_environment() {
     const std::string_view terminal = variable("TERM");
     return variable("NO_COLOR").empty() && !terminal.empty() && terminal != "dumb" &&
            isatty(STDERR_FILENO) == 1;
+}
+
+bool terminal_of_environment() {
+    return isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
+}
+
+std::size_t line_width(const Console& console) {
+    constexpr std::size_t kWithoutTerminal = 100;
+    const std::string_view wanted = variable("COLUMNS");
+    std::size_t width = 0;
+    if (std::from_chars(wanted.data(), wanted.data() + wanted.size(), width).ec == std::errc() && width > 0)
+        return width;
+    winsize size{};
+    if (console.terminal && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    return kWithoutTerminal;
 }
 
 } // namespace host

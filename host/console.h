@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 #include <string_view>
 
@@ -17,9 +18,13 @@ struct Console {
     std::ostream& out;
     std::ostream& err;
     Language language = Language::english;
-    bool colour = false; ///< messages may be coloured
-    bool json = false;   ///< data is written for programs
+    bool colour = false;   ///< messages may be coloured
+    bool json = false;     ///< data is written for programs
+    bool terminal = false; ///< `in` and `out` are a terminal, at which a user can be asked
 };
+
+/// How long lines may be: what COLUMNS says, else what the terminal says; without a terminal always the same.
+[[nodiscard]] std::size_t line_width(const Console& console);
 
 /// The language that the environment asks for: LC_ALL, LC_MESSAGES, LANG, the first that is set.
 [[nodiscard]] Language language_of_environment();
@@ -27,5 +32,8 @@ struct Console {
 /// Whether messages may be coloured: standard error is a terminal that knows colours, and NO_COLOR is not
 /// set.
 [[nodiscard]] bool colour_of_environment();
+
+/// Whether standard input and output are a terminal.
+[[nodiscard]] bool terminal_of_environment();
 
 } // namespace host

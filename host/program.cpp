@@ -2,6 +2,7 @@
 #include "host/program.h"
 
 #include "host/commands/commands.h"
+#include "host/console_chooser.h"
 #include "host/terminal_text.h"
 
 #include <core/runtime/error.h>
@@ -27,7 +28,9 @@ constexpr const char* kExitCodes =
 ExitCode carry_out(const Action& action, Console& console) {
     core::Settings settings;
     settings.locale = core::Locale(console.language == Language::russian ? "ru" : "en");
-    const HostProcess process(settings);
+    HostProcess process(settings);
+    if (console.terminal)
+        process.offerService(core::IChooser::IID, create_console_chooser(console).get());
     ExitCode code = ExitCode::internal;
     try {
         code = action();

@@ -22,4 +22,15 @@ inline constexpr std::size_t kMessageShown = 1000;
 /// The columns that a text in UTF-8 takes.
 [[nodiscard]] std::size_t terminal_width(std::string_view text);
 
+/// A text in UTF-8 and the columns that it takes.
+struct FittedText {
+    std::string text;
+    std::size_t columns = 0;
+};
+
+/// The text in one line of at most `width` columns; where it is longer, its end is "…". A line break shows as
+/// "↵", a tab as a blank; other characters that would steer the terminal, or turn the direction of writing
+/// for what follows, as U+FFFD.
+[[nodiscard]] FittedText fitted_text(core::wstring_view text, std::size_t width);
+
 } // namespace host

@@ -70,7 +70,7 @@ ExitCode describe_type(const std::string& text, Console& console) {
 }
 
 ExitCode describe_functions(Console& console) {
-    const auto functions = script::create_host_functions(console.out);
+    const auto functions = script::create_host_functions(console);
     describe::write_functions(console, describe::members_of(*functions, alias_of(console.language)));
     return ExitCode::done;
 }

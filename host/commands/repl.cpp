@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/console/line_editor.h"
-#include "host/json/json_value.h"
 #include "host/script/display.h"
 #include "host/script/functions.h"
 #include "host/script/interpreter.h"
 #include "host/script/interrupt_scope.h"
 #include "host/script/parser.h"
+#include "host/script/print.h"
+#include "host/script/table_view.h"
 #include "host/terminal_text.h"
 
 #include <core/runtime/error.h>
@@ -14,13 +15,13 @@
 #include <core/strings/integer_text.h>
 
 #include <CLI/CLI.hpp>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
-#include <iostream>
+#include <istream>
 #include <limits>
 #include <memory>
+#include <ostream>
 #include <string>
 
 namespace host {
@@ -85,8 +86,8 @@ class Repl {
     }
 
     void show(const GenericValue& value) {
-        if (console_.json)
-            console_.out << to_json(value) << '\n';
+        if (console_.json || script::table_view(value))
+            script::print_value(value, console_);
         else
             console_.out << terminal_text(script::display(value, alias_of(console_.language)),
                                           std::numeric_limits<std::size_t>::max())
@@ -95,7 +96,7 @@ class Repl {
 
     Console& console_;
     script::Variables variables_;
-    script::Interpreter interpreter_{script::create_globals(console_.out), variables_};
+    script::Interpreter interpreter_{script::create_globals(console_), variables_};
     wstring entry_;
     bool failed_ = false;
 };
@@ -144,9 +145,7 @@ ExitCode read_entries(Console& console) {
 }
 
 ExitCode run_repl(Console& console) {
-    const bool isTerminal =
-        console.in.rdbuf() == std::cin.rdbuf() && ::isatty(STDIN_FILENO) == 1 && ::isatty(STDOUT_FILENO) == 1;
-    return isTerminal ? converse(console) : read_entries(console);
+    return console.terminal ? converse(console) : read_entries(console);
 }
 
 } // namespace

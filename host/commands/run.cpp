@@ -20,7 +20,7 @@ ExitCode run_file(const std::string& file, Console& console) {
     try {
         script::Variables variables;
         const script::Program program = script::parse(source, variables);
-        script::Interpreter interpreter(script::create_globals(console.out), variables);
+        script::Interpreter interpreter(script::create_globals(console), variables);
         const script::InterruptScope interrupts(interpreter);
         interpreter.run(program);
     } catch (const script::ScriptError& error) {

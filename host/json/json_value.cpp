@@ -7,13 +7,16 @@
 #include <core/collections/value_array.h>
 #include <core/collections/value_map.h>
 #include <core/collections/value_structure.h>
+#include <core/context/context_def.h>
 #include <core/context/iteration.h>
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 #include <core/serialization/persistence.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
-#include <core/strings/term.h>
+#include <core/tables/terms.h>
+#include <core/tables/value_list.h>
+#include <core/tables/value_table.h>
 
 #include <algorithm>
 #include <utility>
@@ -159,57 +162,128 @@ class Writer {
   private:
     void writeString(wstring_view text) { append_json_string(text_, to_utf8(text)); }
 
+    /// Elements or members between brackets, with commas, each on a line of its own where that is wanted.
+    class Block {
+      public:
+        Block(Writer& writer, char open, char close) : writer_(writer), close_(close) {
+            if (++writer_.depth_ > Nesting::kMaxDepth)
+                too_deep();
+            writer_.text_ += open;
+        }
+        Block(const Block&) = delete;
+        Block& operator=(const Block&) = delete;
+        ~Block() {
+            --writer_.depth_;
+            if (!empty_)
+                writer_.newLine();
+            writer_.text_ += close_;
+        }
+
+        void next() {
+            if (!empty_)
+                writer_.text_ += ',';
+            empty_ = false;
+            writer_.newLine();
+        }
+        void member(wstring_view name, const Value& value) {
+            next();
+            writer_.writeString(name);
+            writer_.text_ += writer_.indent_ > 0 ? ": " : ":";
+            writer_.write(value);
+        }
+
+      private:
+        Writer& writer_;
+        char close_;
+        bool empty_ = true;
+    };
+
     void writeObject(const Value& value) {
-        if (++depth_ > Nesting::kMaxDepth)
-            too_deep();
+        const auto isA = [type = value.type()](const Term& name) {
+            return wstring_view(type.name(kEnglish)) == name[kEnglish];
+        };
         if (const auto pairs = value.query<IValuePairs>()) {
             writePairs(*pairs);
+        } else if (const auto table = value.query<IValueTableBaseRO>()) {
+            writeTable(*table);
+        } else if (const auto list = value.query<IValueList>()) {
+            writeList(*list);
+        } else if (isA(kValueTreeTerm)) {
+            const auto tree = value.query<IContext_>();
+            write(property(*tree, tree->findProp(kRowCollectionTerm[kEnglish])));
+        } else if (isA(kValueTreeRowTerm)) {
+            writeRow(*value.query<IContext_>(), 2); // behind the rows below it and its parent
+        } else if (isA(kValueTableRowTerm)) {
+            writeRow(*value.query<IContext_>(), 0);
         } else if (const auto collection = value.query<IValueCollection>()) {
             writeElements(*collection);
         } else {
             writeString(value.presentation());
         }
-        --depth_;
     }
 
     void writePairs(const IValuePairs& pairs) {
-        text_ += '{';
-        bool first = true;
+        Block block(*this, '{', '}');
         IValuePairs::View pair;
-        for (std::size_t place = 0; pairs.next(place, pair); first = false) {
-            separate(first);
-            writeString(pair.key->presentation());
-            text_ += indent_ > 0 ? ": " : ":";
-            write(*pair.value);
+        for (std::size_t place = 0; pairs.next(place, pair);)
+            block.member(pair.key->presentation(), *pair.value);
+    }
+
+    void writeTable(const IValueTableBaseRO& table) {
+        std::vector<IValueTableBaseRO::Column> columns;
+        for (std::size_t i = 0; i < table.columnCount(); ++i)
+            columns.push_back(table.column(i));
+        Block rows(*this, '[', ']');
+        for (std::size_t row = 0; row < table.rowCount(); ++row) {
+            rows.next();
+            Block cells(*this, '{', '}');
+            for (const auto& column : columns)
+                cells.member(column.name, table.get(row, column.id));
         }
-        finish(first, '}');
+    }
+
+    /// The cells by the names of their columns, which are the properties from the first one on; then what is
+    /// below the row.
+    void writeRow(IContext_& row, int first) {
+        Block block(*this, '{', '}');
+        for (int prop = first; prop < row.getNProps(); ++prop)
+            block.member(row.getPropName(prop, kEnglish), property(row, prop));
+        if (first > 0)
+            block.member(kRowCollectionTerm[kEnglish],
+                         property(row, row.findProp(kRowCollectionTerm[kEnglish])));
+    }
+
+    void writeList(const IValueList& list) {
+        Block items(*this, '[', ']');
+        for (std::size_t i = 0; i < list.count(); ++i) {
+            const IValueList::Item item = list.get(i);
+            items.next();
+            Block block(*this, '{', '}');
+            block.member(kVLColumnTermValue[kEnglish], item.value);
+            block.member(kVLColumnTermPresent[kEnglish], Value(item.presentation));
+            block.member(kVLColumnTermCheck[kEnglish], Value(item.check));
+        }
     }
 
     void writeElements(IValueCollection& collection) {
-        text_ += '[';
-        bool first = true;
+        Block block(*this, '[', ']');
         GenericValue element;
-        for (const auto walk = collection.enumerate(); walk->next(element); first = false) {
-            separate(first);
+        for (const auto walk = collection.enumerate(); walk->next(element);) {
+            block.next();
             write(element);
         }
-        finish(first, ']');
     }
 
-    void separate(bool first) {
-        if (!first)
-            text_ += ',';
-        newLine(depth_);
+    static GenericValue property(IContext_& context, int prop) {
+        GenericValue value;
+        context.getPropVal(prop, value);
+        return value;
     }
-    void finish(bool empty, char close) {
-        if (!empty)
-            newLine(depth_ - 1);
-        text_ += close;
-    }
-    void newLine(int depth) {
+
+    void newLine() {
         if (indent_ > 0) {
             text_ += '\n';
-            text_.append(static_cast<std::size_t>(indent_ * depth), ' ');
+            text_.append(static_cast<std::size_t>(indent_ * depth_), ' ');
         }
     }
 

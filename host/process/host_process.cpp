@@ -36,6 +36,11 @@ void ProcessObject::registerService(const GUID& iid, const GUID& clsid) {
     services_.insert_or_assign(iid, Service{clsid, nullptr});
 }
 
+void ProcessObject::offerService(const GUID& iid, IUnknown* object) {
+    const std::lock_guard guard(lock_);
+    services_.insert_or_assign(iid, Service{kNullGuid, InterfacePtr<IUnknown>(object)});
+}
+
 void ProcessObject::revokeResources(SCOM_ResourceBundle*) {
     // Services may still need their messages while they end, and their classes are about to go.
     releaseServices();

@@ -2,7 +2,10 @@
 #include "host/script/functions.h"
 
 #include "host/json/json_value.h"
+#include "host/script/arguments.h"
 #include "host/script/container_values.h"
+#include "host/script/print.h"
+#include "host/script/table_functions.h"
 #include "host/text_output.h"
 
 #include <core/context/context_impl.h>
@@ -12,17 +15,16 @@
 #include <core/files/disk_file.h>
 #include <core/files/file_system.h>
 #include <core/runtime/clock.h>
-#include <core/runtime/error.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/serialization/text_file.h>
 #include <core/serialization/unit_sink.h>
 #include <core/strings/letter_case.h>
+#include <core/strings/like.h>
 #include <core/strings/trim.h>
 
 #include <algorithm>
 #include <chrono>
-#include <ostream>
 
 namespace host::script {
 
@@ -30,35 +32,6 @@ using namespace core;
 
 namespace {
 
-using Args = std::span<GenericValue>;
-
-wstring_view text_argument(Args arguments, int param) {
-    const wstring_view* const text = arguments[static_cast<std::size_t>(param)].asString();
-    if (text == nullptr)
-        parameter_type_mismatch(param);
-    return *text;
-}
-
-Numeric number_argument(Args arguments, int param) {
-    Numeric number;
-    if (!arguments[static_cast<std::size_t>(param)].getNumeric(number))
-        parameter_type_mismatch(param);
-    return number;
-}
-
-/// A count or position: cut to a whole number, not below 0 and not above `most`.
-std::size_t count_argument(Args arguments, int param, std::size_t most) {
-    const Numeric number = number_argument(arguments, param);
-    if (number.sign() <= 0)
-        return 0;
-    return number.compare(Numeric(most)) >= 0 ? most : static_cast<std::size_t>(number);
-}
-
-bool given(const GenericValue& value) {
-    return !value.isUndefined();
-}
-
-constexpr Param kOptional{.byDefault = ParamDefault::undefined};
 constexpr Param kPrint[] = {{.byDefault = ParamDefault::emptyString}};
 constexpr Param kFromJson[] = {{}, {.byDefault = ParamDefault::falseValue}};
 constexpr Param kTextAndOptional[] = {{}, kOptional};
@@ -68,14 +41,14 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>> {
   public:
     using Interfaces = InterfaceList<IContext_, IContextDef>;
 
-    explicit HostFunctions(std::ostream& out) : out_(out), start_(std::chrono::steady_clock::now()) {}
+    explicit HostFunctions(Console& console) : console_(console), start_(std::chrono::steady_clock::now()) {}
 
     static std::span<const Property<HostFunctions>> properties() noexcept { return {}; }
     static std::span<const Method<HostFunctions>> methods() noexcept;
 
     // output and forms
     GenericValue print(Args a) {
-        out_ << to_utf8(a[0].presentation()) << '\n';
+        print_value(a[0], console_);
         return {};
     }
     GenericValue fromText(Args a) { return GenericValue::fromString(text_argument(a, 0)); }
@@ -131,6 +104,7 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>> {
     }
     GenericValue upper(Args a) { return GenericValue(to_upper(text_argument(a, 0))); }
     GenericValue lower(Args a) { return GenericValue(to_lower(text_argument(a, 0))); }
+    GenericValue like(Args a) { return GenericValue(compare_like(text_argument(a, 0), text_argument(a, 1))); }
     GenericValue trim(Args a) { return GenericValue(trim_all(text_argument(a, 0))); }
     /// The presentation, filled with blanks to a width; a negative width fills in front.
     GenericValue pad(Args a) {
@@ -165,7 +139,7 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>> {
     GenericValue type(Args a) { return GenericValue(Type(text_argument(a, 0))); }
 
   private:
-    std::ostream& out_;
+    Console& console_;
     std::chrono::steady_clock::time_point start_;
 };
 
@@ -185,6 +159,7 @@ constexpr Term kLeftTerm = {u"Left", u"Лев"};
 constexpr Term kMidTerm = {u"Mid", u"Сред"};
 constexpr Term kUpperTerm = {u"Upper", u"ВРег"};
 constexpr Term kLowerTerm = {u"Lower", u"НРег"};
+constexpr Term kLikeTerm = {u"Like", u"Подобно"};
 constexpr Term kTrimTerm = {u"TrimAll", u"СокрЛП"};
 constexpr Term kPadTerm = {u"Pad", u"Дополнить"};
 constexpr Term kStringTerm = {u"String", u"Строка"};
@@ -213,6 +188,7 @@ std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
         {kMidTerm, kMid, kFunction, &F::mid},
         {kUpperTerm, required(1), kFunction, &F::upper},
         {kLowerTerm, required(1), kFunction, &F::lower},
+        {kLikeTerm, required(2), kFunction, &F::like},
         {kTrimTerm, required(1), kFunction, &F::trim},
         {kPadTerm, required(2), kFunction, &F::pad},
         {kStringTerm, required(1), kFunction, &F::string},
@@ -225,10 +201,18 @@ std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
     return kMethods;
 }
 
+class AllFunctions : public StableGroupContext {
+  public:
+    explicit AllFunctions(Console& console) {
+        addContext(InterfacePtr<IContext_>(SCOM_InternalClass<HostFunctions>::create(console)).get());
+        addContext(create_table_functions(console).get());
+    }
+};
+
 class Globals : public StableGroupContext {
   public:
-    explicit Globals(std::ostream& out) {
-        addContext(create_host_functions(out).get());
+    explicit Globals(Console& console) {
+        addContext(create_host_functions(console).get());
         addContext(create_core_general_context().get());
         addContext(get_service<IEnumerations>());
     }
@@ -236,12 +220,12 @@ class Globals : public StableGroupContext {
 
 } // namespace
 
-InterfacePtr<IContext_> create_host_functions(std::ostream& out) {
-    return InterfacePtr<IContext_>(SCOM_InternalClass<HostFunctions>::create(out));
+InterfacePtr<IContext_> create_host_functions(Console& console) {
+    return InterfacePtr<IContext_>(SCOM_InternalClass<AllFunctions>::create(console));
 }
 
-InterfacePtr<IContext_> create_globals(std::ostream& out) {
-    return InterfacePtr<IContext_>(SCOM_InternalClass<Globals>::create(out));
+InterfacePtr<IContext_> create_globals(Console& console) {
+    return InterfacePtr<IContext_>(SCOM_InternalClass<Globals>::create(console));
 }
 
 } // namespace host::script

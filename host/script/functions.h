@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/context/context_def.h>
+#include "host/console.h"
 
-#include <iosfwd>
+#include <core/context/context_def.h>
 
 namespace host::script {
 
-/// What scripts call without an object in front: printing, text forms, files, dates, and the everyday
-/// functions of texts and numbers. `out` must outlive the result.
-[[nodiscard]] core::InterfacePtr<core::IContext_> create_host_functions(std::ostream& out);
+/// What scripts call without an object in front: printing, text forms, files, tables, dates, and the everyday
+/// functions of texts and numbers. `console`, where Print writes, must outlive the result.
+[[nodiscard]] core::InterfacePtr<core::IContext_> create_host_functions(Console& console);
 
 /// Everything that a script finds without an object in front, as one context: the functions of the host, the
-/// global context of the library, and the enumerations by name.
-[[nodiscard]] core::InterfacePtr<core::IContext_> create_globals(std::ostream& out);
+/// global context of the library, and the enumerations by name. `console` must outlive the result.
+[[nodiscard]] core::InterfacePtr<core::IContext_> create_globals(Console& console);
 
 } // namespace host::script

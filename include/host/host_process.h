@@ -30,6 +30,8 @@ class ProcessObject : public core::SCOM_Process {
     void revokeResources(core::SCOM_ResourceBundle* bundle) override;
     core::SCOM_ProcessData* data() noexcept override { return data_.get(); }
 
+    /// Offers an object that is there already as the service `iid`.
+    void offerService(const core::GUID& iid, core::IUnknown* object);
     /// Answers for the services: the one offered under `iid`, made on first use.
     core::HRESULT queryOther(const core::GUID& iid, void** out) noexcept;
     /// What a class was registered with: its factory (null for an unknown class) and attributes.
@@ -66,6 +68,9 @@ class HostProcess {
     /// The process object, borrowed.
     [[nodiscard]] core::SCOM_Process* get() const noexcept { return object_.get(); }
     [[nodiscard]] core::Settings& settings() noexcept { return object_->data()->settings; }
+
+    /// Offers an object of the program as the service `iid`. It is let go of when the process ends.
+    void offerService(const core::GUID& iid, core::IUnknown* object) { object_->offerService(iid, object); }
 
     /// Makes the process that of the calling thread while it lives, then restores the one before.
     class ThreadScope {

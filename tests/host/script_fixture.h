@@ -43,13 +43,16 @@ class Session {
         return answer;
     }
 
+    [[nodiscard]] Console& console() noexcept { return console_; }
     [[nodiscard]] Interpreter& interpreter() noexcept { return interpreter_; }
     [[nodiscard]] Variables& variables() noexcept { return variables_; }
 
   private:
+    std::istringstream in_;
     std::ostringstream out_;
+    Console console_{in_, out_, out_};
     Variables variables_;
-    Interpreter interpreter_{create_globals(out_), variables_};
+    Interpreter interpreter_{create_globals(console_), variables_};
 };
 
 class ScriptTest : public testing::Test {

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/context/context_error.h>
+#include <core/context/context_impl.h>
+#include <core/values/generic_value.h>
+
+#include <cstddef>
+#include <span>
+
+/// What the functions of the host take from their arguments. Parameters are numbered from 0; ContextException
+/// for an argument of the wrong type.
+namespace host::script {
+
+using Args = std::span<core::GenericValue>;
+
+inline constexpr core::Param kOptional{.byDefault = core::ParamDefault::undefined};
+
+[[nodiscard]] inline bool given(const core::GenericValue& value) {
+    return !value.isUndefined();
+}
+
+[[nodiscard]] inline core::wstring_view text_argument(Args arguments, int param) {
+    const core::wstring_view* const text = arguments[static_cast<std::size_t>(param)].asString();
+    if (text == nullptr)
+        core::parameter_type_mismatch(param);
+    return *text;
+}
+
+[[nodiscard]] inline core::Numeric number_argument(Args arguments, int param) {
+    core::Numeric number;
+    if (!arguments[static_cast<std::size_t>(param)].getNumeric(number))
+        core::parameter_type_mismatch(param);
+    return number;
+}
+
+/// A count or position: cut to a whole number, not below 0 and not above `most`.
+[[nodiscard]] inline std::size_t count_argument(Args arguments, int param, std::size_t most) {
+    const core::Numeric number = number_argument(arguments, param);
+    if (number.sign() <= 0)
+        return 0;
+    return number.compare(core::Numeric(most)) >= 0 ? most : static_cast<std::size_t>(number);
+}
+
+} // namespace host::script

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/table_text.h"
+
+#include <core/values/value.h>
+
+#include <optional>
+
+namespace host::script {
+
+/// What a value table, a value tree or a value list shows; nothing for any other value. A tree's rows stand
+/// below the row that they are below, a list's items as value, presentation and check mark. The view keeps
+/// the value alive; it is to be used before the value changes.
+[[nodiscard]] std::optional<TableView> table_view(const core::Value& value);
+
+} // namespace host::script
