@@ -4,9 +4,8 @@
 #include "host/commands/container.h"
 
 #include <core/runtime/utf8.h>
-
-#include <span>
-#include <string_view>
+#include <core/serialization/text_file.h>
+#include <core/serialization/unit_sink.h>
 
 namespace host::script {
 
@@ -23,16 +22,20 @@ container::Options at(wstring_view file) {
 } // namespace
 
 void save_to_container(wstring_view file, wstring_view name, const GenericValue& value) {
-    wstring text;
+    wstring text; // made before anything is touched
     value.toString(text);
-    const std::string bytes = to_utf8(text);
-    container::open(at(file), OpenMode::create).put(name, std::as_bytes(std::span(bytes)));
+    StorageRW storage = container::open(at(file), OpenMode::create);
+    const auto inner = storage.open(name, OpenMode::replace);
+    TextOutStream out(inner);
+    UnitSink(out).write(text);
+    out.finish();
+    inner->close();
 }
 
 GenericValue load_from_container(wstring_view file, wstring_view name) {
-    const std::vector<std::byte> bytes = container::open(at(file), OpenMode::read).get(name);
-    return GenericValue::fromString(
-        from_utf8(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size())));
+    const StorageRW storage = container::open(at(file), OpenMode::read);
+    TextInStream in(storage.open(name, OpenMode::read));
+    return GenericValue::fromString(read_text(in));
 }
 
 } // namespace host::script

@@ -126,19 +126,41 @@ TEST_F(Container, TakesNothingOutOfItsFolder) {
 }
 
 TEST_F(Container, KeepsValuesOfScripts) {
-    const std::string file = path("v.st");
-    write("s.script", "S = New Structure(\"A, B\", 1.5, \"x\");\n"
-                      "SaveToContainer(\"" +
-                          file +
-                          "\", \"values/s\", S);\n"
-                          "T = ЗагрузитьИзКонтейнера(\"" +
-                          file +
-                          "\", \"values/s\");\n"
-                          "Print(T.A); Print(T.B);\n");
-    ASSERT_EQ(run({"run", path("s.script")}), ExitCode::done) << err_;
-    EXPECT_EQ(out_, "1.5\nx\n");
-    EXPECT_EQ(run({"cat", file, "values/s"}), ExitCode::done);
-    EXPECT_EQ(out_.front(), '{');
+    const auto script = [this](const std::string& text) {
+        write("s.script", "C = \"" + path("v.st") + "\"; N = \"values/s\";\n" + text);
+        return run({"run", path("s.script")});
+    };
+    ASSERT_EQ(script("SaveToContainer(C, N, New Structure(\"A, B\", 1.5, \"ж😀\"));\n"
+                     "T = ЗагрузитьИзКонтейнера(C, N); Print(T.A); Print(T.B);"),
+              ExitCode::done)
+        << err_;
+    EXPECT_EQ(out_, "1.5\nж😀\n");
+    EXPECT_EQ(run({"cat", path("v.st"), "values/s"}), ExitCode::done);
+    const std::string kept = out_;
+    EXPECT_EQ(kept.front(), '{');
+
+    // what cannot be saved or loaded says where, and changes nothing
+    const struct {
+        std::string script;
+        std::string says;
+    } failures[] = {
+        {"SaveToContainer(C, N, Left(\"😀\", 1))", "v.st/values/s"},
+        {"SaveToContainer(C, N, (New ValueTable).Columns)", "s.script:2:1: "},
+        {"SaveToContainer(C + \"/x\", N, 1)", "v.st/x"},
+        {"Print(LoadFromContainer(C + \"x\", N))", "v.stx"},
+        {"Print(LoadFromContainer(C, \"none\"))", "v.st/none"},
+        {"SaveText(C + \".no\", \"no container, whatever its name says\"); Print(LoadFromContainer(C + "
+         "\".no\", N))",
+         "v.st.no"},
+    };
+    for (const auto& failure : failures) {
+        EXPECT_EQ(script(failure.script), ExitCode::malformed) << failure.script;
+        EXPECT_NE(err_.find(failure.says), std::string::npos) << failure.script << err_;
+        EXPECT_EQ(out_, "") << failure.script;
+    }
+    EXPECT_EQ(run({"cat", path("v.st"), "values/s"}), ExitCode::done);
+    EXPECT_EQ(out_, kept);
+    EXPECT_EQ(run({"check", path("v.st")}), ExitCode::done);
 }
 
 } // namespace
