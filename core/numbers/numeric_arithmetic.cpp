@@ -43,8 +43,8 @@ void Numeric::addUnaligned(Numeric& out, const Numeric& a, const Numeric& b, boo
     const bool first = a.fraction_ < b.fraction_;
     const Numeric& coarse = first ? a : b;
     const Numeric& fine = first ? b : a;
-    const std::int32_t shift = fine.fraction_ - coarse.fraction_;
-    if (shift >= static_cast<std::int32_t>(kInlineLimbs)) {
+    const std::int64_t shift = std::int64_t{fine.fraction_} - coarse.fraction_;
+    if (shift >= std::int64_t{kInlineLimbs}) {
         addLong(out, a, b, subtract);
         return;
     }
@@ -122,11 +122,11 @@ Numeric& Numeric::divide(Numeric& out, const Numeric& a, const Numeric& b) {
     if (b.count_ == 0) {
         throw NumericException(NumericException::Error::divideByZero);
     }
-    if (!a.isSmall() || !b.isSmall() || a.fraction_ < 0) {
-        divideLong(out, a, b);
+    const std::int64_t fraction = std::int64_t{a.fraction_} - b.fraction_ + b.count_ + 2;
+    if (!a.isSmall() || !b.isSmall() || a.fraction_ < 0 || fraction > std::int64_t{kMaxLimbs}) {
+        divideLong(out, a, b); // which checks the place of the point
         return out;
     }
-    const std::int64_t fraction = std::int64_t{a.fraction_} - b.fraction_ + b.count_ + 2;
     const bool negative = a.sign_ != b.sign_;
     const Lanes dividend(a.limbs_);
     const Lanes divisor(b.limbs_);

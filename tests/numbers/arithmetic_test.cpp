@@ -3,10 +3,12 @@
 // division, remainder, rounding and powers.
 #include "tests/numbers/model.h"
 
+#include <core/runtime/error.h>
 #include <core/runtime/exceptions.h>
 
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 namespace core {
@@ -24,6 +26,7 @@ namespace {
 using core::Numeric;
 using core::NumericException;
 using core::NumericRoundMode;
+using core::operator""_guid;
 using model::cpp_int;
 using Error = NumericException::Error;
 
@@ -164,6 +167,36 @@ TEST(Arithmetic, AFailedOperationChangesNothing) {
     }
     EXPECT_EQ(far.limbs().size(), 1U);
     EXPECT_EQ(far.fractionLimbs(), 1 << 29);
+    const Numeric limb = num("0.000000001");
+    Numeric farthest = limb;
+    while (farthest.fractionLimbs() < static_cast<std::int32_t>(Numeric::kMaxLimbs))
+        farthest = farthest * farthest * limb;
+    const Numeric opposite = 1 / farthest;
+    EXPECT_EQ(farthest / farthest, 1);
+    EXPECT_EQ(0 / opposite, 0);
+    EXPECT_THROW((void)(farthest / (3 * opposite)), std::bad_alloc) << "the place does not wrap round";
+    EXPECT_THROW((void)(farthest + opposite), std::bad_alloc);
+}
+
+TEST(Arithmetic, FailuresHaveTheirNumbersAndMessages) {
+    // Stored error objects name the class; callers tell failures apart by number.
+    EXPECT_EQ(NumericException::kClassId, "e62f19b5-a855-418f-a162-77d8571e9ddc"_guid);
+    const std::pair<Numeric (*)(), const char*> failures[] = {
+        {[] { return Numeric(1) / 0; }, "IDS_NUMERROR_DIVIDEBYZERO"},
+        {[] { return Numeric(-8).pow(num("0.5")); }, "IDS_NUMERROR_NEGATIVEPOW"},
+        {[] { return Numeric(10).pow(num("1000.5")); }, "IDS_NUMERROR_OVERFLOW"},
+    };
+    int number = 0;
+    for (const auto& [failing, message] : failures) {
+        ++number;
+        try {
+            (void)failing();
+            ADD_FAILURE() << message;
+        } catch (const NumericException& e) {
+            EXPECT_EQ(static_cast<int>(e.error()), number);
+            EXPECT_EQ(e.description(), core::message_text(message));
+        }
+    }
 }
 
 TEST(Rounding, DigitsAreThoseOfTheModelInBothModes) {
