@@ -3,14 +3,16 @@
 #include <core/context/group_context.h>
 
 #include <algorithm>
+#include <numeric>
 
 namespace core {
 
 void GroupContext::addContext(IContext_* context) {
     if (context == nullptr)
         return;
-    members_.emplace_back(context);
-    membersChanged();
+    Members members = members_;
+    members.emplace_back(context);
+    replaceMembers(std::move(members));
 }
 
 void GroupContext::removeContext(IContext_* context) {
@@ -18,21 +20,29 @@ void GroupContext::removeContext(IContext_* context) {
 }
 
 bool GroupContext::changeContext(IContext_* context, IContext_* replacement) {
-    const auto place = std::ranges::find(members_, context, [](const auto& member) { return member.get(); });
-    if (place == members_.end())
+    Members members = members_;
+    const auto place = std::ranges::find(members, context, [](const auto& member) { return member.get(); });
+    if (place == members.end())
         return false;
     if (replacement != nullptr)
         *place = InterfacePtr<IContext_>(replacement);
     else
-        members_.erase(place);
-    membersChanged();
+        members.erase(place);
+    replaceMembers(std::move(members));
     return true;
 }
 
+void GroupContext::replaceMembers(Members members) {
+    membersChange(members);
+    members_.swap(members); // those that leave are let go of when the group is whole again
+}
+
 std::optional<GroupContext::Place> GroupContext::findContextByPropPos(int prop) const {
+    if (prop < 0)
+        return std::nullopt;
     for (const auto& member : members_) {
         const int count = member->getNProps();
-        if (prop >= 0 && prop < count)
+        if (prop < count)
             return Place{member.get(), prop};
         prop -= count;
     }
@@ -40,9 +50,11 @@ std::optional<GroupContext::Place> GroupContext::findContextByPropPos(int prop) 
 }
 
 std::optional<GroupContext::Place> GroupContext::findContextByMethodPos(int method) const {
+    if (method < 0)
+        return std::nullopt;
     for (std::size_t i = 0; i < members_.size(); ++i) {
         const int count = methodsOf(i);
-        if (method >= 0 && method < count)
+        if (method < count)
             return Place{members_[i].get(), method};
         method -= count;
     }
@@ -153,13 +165,13 @@ void GroupContext::call(int method, GenericValue* result, std::vector<GenericVal
     place->context->call(place->index, result, params);
 }
 
-void StableGroupContext::membersChanged() {
-    counts_.clear();
-    methods_ = 0;
-    for (const auto& member : members()) {
-        counts_.push_back(member->getNMethods());
-        methods_ += counts_.back();
-    }
+void StableGroupContext::membersChange(const Members& members) {
+    std::vector<int> counts;
+    counts.reserve(members.size());
+    for (const auto& member : members)
+        counts.push_back(member->getNMethods());
+    methods_ = std::accumulate(counts.begin(), counts.end(), 0);
+    counts_.swap(counts);
 }
 
 } // namespace core

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <stdexcept>
+
 namespace {
 
 using namespace core;
@@ -180,7 +183,7 @@ TYPED_TEST(Groups, AreTheirMembersInARow) {
     EXPECT_EQ(second->calls, 1);
     EXPECT_EQ(group->findContextByPropPos(4)->context, second.get());
     EXPECT_EQ(group->findContextByMethodPos(3)->index, 1);
-    for (const int out : {-1, 6, 4}) {
+    for (const int out : {-1, std::numeric_limits<int>::min(), 6, 4}) {
         EXPECT_EQ(group->findContextByMethodPos(out), std::nullopt);
         if (out != 4) {
             EXPECT_EQ(group->getPropName(out, 0), nullptr);
@@ -198,6 +201,24 @@ TYPED_TEST(Groups, AreTheirMembersInARow) {
     EXPECT_EQ(group->getNMethods(), 2);
     group->call(0, &value, &params);
     EXPECT_EQ(second->calls, 2);
+}
+
+class Uncountable : public Gauge {
+  public:
+    using Gauge::Gauge;
+    int getNMethods() const override { throw std::runtime_error("no"); }
+};
+
+TEST_F(Calls, AGroupThatCannotCountAMemberStaysAsItWas) {
+    const auto group = make_object<Group<StableGroupContext>>();
+    const auto bad = make_object<Uncountable>();
+    group->addContext(gauge_.get());
+    EXPECT_THROW(group->addContext(bad.get()), std::runtime_error);
+    EXPECT_THROW(group->changeContext(gauge_.get(), bad.get()), std::runtime_error);
+    EXPECT_EQ(group->getNMethods(), 2);
+    EXPECT_EQ(group->getNProps(), 3);
+    EXPECT_EQ(group->findMethod(u"nothing"), -1);
+    EXPECT_EQ(group->findContextByMethodPos(1)->context, gauge_.get());
 }
 
 } // namespace

@@ -12,7 +12,8 @@ namespace core {
 /// Several contexts as one, in a fixed order: the properties of the first, then those of the second, and so
 /// on; the same with methods. Of equal names the earlier member's is found.
 ///
-/// Members are counted. Threads: as the members.
+/// Members are counted. A group must not be a member of itself, directly or through others. An edit that
+/// throws leaves the members as they were. Threads: as the members.
 class CORE_API GroupContext : public IContext_ {
   public:
     using Interfaces = InterfaceList<IContext_, IContextDef>;
@@ -59,14 +60,16 @@ class CORE_API GroupContext : public IContext_ {
     GroupContext() = default;
     ~GroupContext() = default;
 
-    /// Called after every change of the members.
-    virtual void membersChanged() {}
+    using Members = std::vector<InterfacePtr<IContext_>>;
+    /// Called before every change with the members to come. What it throws prevents the change.
+    virtual void membersChange(const Members& /*members*/) {}
     /// The number of a member's methods.
     [[nodiscard]] virtual int methodsOf(std::size_t member) const { return members_[member]->getNMethods(); }
-    [[nodiscard]] const std::vector<InterfacePtr<IContext_>>& members() const noexcept { return members_; }
 
   private:
-    std::vector<InterfacePtr<IContext_>> members_;
+    void replaceMembers(Members members);
+
+    Members members_;
 };
 
 /// A group whose members never change the number of their methods: it counts them once, when the members
@@ -80,7 +83,7 @@ class CORE_API StableGroupContext : public GroupContext {
     StableGroupContext() = default;
     ~StableGroupContext() = default;
 
-    void membersChanged() override;
+    void membersChange(const Members& members) override;
     int methodsOf(std::size_t member) const override { return counts_[member]; }
 
   private:
