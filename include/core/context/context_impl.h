@@ -168,12 +168,12 @@ class ContextDefIntern : public ContextDefCore<I> {
         cache_.initMethodsCache(*this);
     }
     /// To be called when the set of names has changed.
-    void resetPropsCache() noexcept {
+    void resetPropsCache() noexcept(!early) {
         cache_.resetPropsCache();
         if constexpr (early)
             cache_.initPropsCache(*this);
     }
-    void resetMethodsCache() noexcept {
+    void resetMethodsCache() noexcept(!early) {
         cache_.resetMethodsCache();
         if constexpr (early)
             cache_.initMethodsCache(*this);

@@ -26,7 +26,7 @@ class CORE_API TypedValue {
     // inspect
     [[nodiscard]] const TypeDomain& typeDomain() const noexcept { return domain_; }
     [[nodiscard]] const GenericValue& value() const noexcept { return value_; }
-    [[nodiscard]] InterfacePtr<IValue> getIValue() const noexcept { return value_.getIValue(); }
+    [[nodiscard]] InterfacePtr<IValue> getIValue() const { return value_.getIValue(); }
 
   private:
     TypeDomain domain_;
