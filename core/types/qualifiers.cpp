@@ -12,6 +12,8 @@ namespace {
 
 /// Beyond these the largest number is refused, as an exact power of so many digits is.
 constexpr std::uint32_t kMostDigits = 100'000'000;
+/// Beyond these a fixed length is not filled up: a few characters of a description must not take all memory.
+constexpr std::uint32_t kMostFilled = 100'000'000;
 
 struct DigitCounts {
     explicit DigitCounts(const Numeric& value) noexcept {
@@ -76,8 +78,11 @@ bool NumericQualifiers::isSubset(const NumericQualifiers& other) const noexcept 
 
 wstring StringQualifiers::adjust(wstring_view text) const {
     wstring adjusted(length_ != 0 ? text.substr(0, length_) : text);
-    if (!varying_ && adjusted.size() < length_)
+    if (!varying_ && adjusted.size() < length_) {
+        if (length_ > kMostFilled)
+            throw_error<ConverterException>("IDS_STRING_TOO_LONG");
         adjusted.resize(length_, u' ');
+    }
     return adjusted;
 }
 

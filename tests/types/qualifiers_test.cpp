@@ -98,6 +98,8 @@ TEST_F(Qualifiers, StringsAndDates) {
     EXPECT_EQ(StringQualifiers(5, false).adjust(u"abcdefg"), u"abcde");
     EXPECT_EQ(StringQualifiers(5, true).adjust(u"abcdefg"), u"abcde");
     EXPECT_EQ(StringQualifiers(0, false).adjust(u"abc"), u"abc");
+    EXPECT_EQ(StringQualifiers(4'000'000'000, true).adjust(u"abc"), u"abc");
+    EXPECT_THROW((void)StringQualifiers(4'000'000'000, false).adjust(u"abc"), ConverterException);
 
     const Date moment(2004, 3, 1, 13, 5, 7);
     const Date fraction(moment.ticks() + 1234);

@@ -73,7 +73,8 @@ class CORE_API StringQualifiers {
     [[nodiscard]] constexpr bool fits(wstring_view text) const noexcept {
         return length_ == 0 || text.size() == length_ || (varying_ && text.size() < length_);
     }
-    /// Cut to the length, or filled up to a fixed one.
+    /// Cut to the length, or filled up to a fixed one. ConverterException ("IDS_STRING_TOO_LONG") when more
+    /// than 100 million units would be filled up.
     [[nodiscard]] wstring adjust(wstring_view text) const;
 
     StringQualifiers& merge(const StringQualifiers& other) noexcept;
