@@ -51,12 +51,20 @@ struct Assignment {
     GenericValue value;
 };
 
+/// The receiver's property with a name of the source's property, in either language; -1 when there is none.
+int same_property(const IContext_& receiver, const IContext_& source, int prop) {
+    for (const int alias : {kEnglish, kRussian}) {
+        const wchar* const name = source.getPropName(prop, alias);
+        if (const int found = name != nullptr ? receiver.findProp(name) : -1; found >= 0)
+            return found;
+    }
+    return -1;
+}
+
 /// Adds the assignment of the source's property to the receiver's of the same name, where both have one.
-bool add_assignment(std::vector<Assignment>& assignments, IContext_& receiver, IContext_& source,
-                    const wchar* name) {
-    const int from = source.findProp(name);
-    const int to = receiver.findProp(name);
-    if (from < 0 || to < 0 || !source.isPropReadable(from) || !receiver.isPropWritable(to))
+bool add_assignment(std::vector<Assignment>& assignments, IContext_& receiver, IContext_& source, int from) {
+    const int to = from >= 0 ? same_property(receiver, source, from) : -1;
+    if (to < 0 || !source.isPropReadable(from) || !receiver.isPropWritable(to))
         return false;
     assignments.push_back({to, {}});
     source.getPropVal(from, assignments.back().value);
@@ -104,6 +112,9 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
         wstring_view extension = text_argument(arguments, 0);
         if (extension.starts_with(u'.'))
             extension.remove_prefix(1);
+        // The name must not lead out of the folder, nor end before its end.
+        if (extension.find_first_of(wstring_view(u"/\\\0", 3)) != wstring_view::npos)
+            parameter_value_mismatch(0);
         const std::string name = "core-" + to_utf8(to_string(new_guid())) + (extension.empty() ? "" : ".");
         return from_utf8((temp_folder() / (name + to_utf8(extension))).string());
     }
@@ -112,20 +123,19 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
         const auto receiver = context_argument(arguments, 0);
         const auto source = context_argument(arguments, 1);
         const auto listed = names_argument(arguments, 2);
-        const auto excluded = names_argument(arguments, 3);
-        const auto isExcluded = [&](wstring_view name) {
-            return std::ranges::any_of(excluded,
-                                       [&](wstring_view other) { return compare_nocase(name, other) == 0; });
-        };
+        std::vector<int> excluded;
+        for (const wstring_view name : names_argument(arguments, 3))
+            excluded.push_back(source->findProp(wstring(name).c_str()));
+        const auto isExcluded = [&](int prop) { return std::ranges::count(excluded, prop) != 0; };
         std::vector<Assignment> assignments;
         for (const wstring_view name : listed) {
-            if (!isExcluded(name) && !add_assignment(assignments, *receiver, *source, wstring(name).c_str()))
+            const int prop = source->findProp(wstring(name).c_str());
+            if ((prop < 0 || !isExcluded(prop)) && !add_assignment(assignments, *receiver, *source, prop))
                 parameter_value_mismatch(2);
         }
         for (int prop = 0; listed.empty() && prop < source->getNProps(); ++prop) {
-            const wchar* const name = source->getPropName(prop, kEnglish);
-            if (name != nullptr && !isExcluded(name))
-                add_assignment(assignments, *receiver, *source, name);
+            if (!isExcluded(prop))
+                add_assignment(assignments, *receiver, *source, prop);
         }
         assign_all(*receiver, assignments);
         return {};

@@ -17,6 +17,7 @@
 namespace {
 
 using namespace core;
+using namespace std::string_view_literals;
 
 class General : public testing::Test {
   protected:
@@ -129,6 +130,16 @@ TEST_F(General, PropertiesAreFilledByName) {
     for (const wchar* unknown : {u"A,Extra", u"A,Own", u"A,a b"})
         EXPECT_THROW(call(1, {receiver, source, unknown}), ContextException);
     EXPECT_EQ(field(receiver, u"A"), Value(0));
+
+    // A pair's properties have two names each, a structure's have one.
+    const GenericValue pair(create_value_pair(1, 2).query<IValue>());
+    receiver = structure({{u"Ключ", 0}, {u"Value", 0}});
+    call(1, {receiver, pair, u"", u"значение"});
+    EXPECT_EQ(field(receiver, u"Ключ"), Value(1));
+    EXPECT_EQ(field(receiver, u"Value"), Value(0));
+    call(1, {receiver, pair, u"Значение"});
+    EXPECT_EQ(field(receiver, u"Value"), Value(2));
+    EXPECT_THROW(call(1, {pair, receiver, u"Value"}), ContextException) << "nothing of a pair can be set";
     EXPECT_THROW(call(1, {receiver, 5}), ContextException);
     EXPECT_THROW(call(1, {receiver}), ContextException);
 }
@@ -138,6 +149,8 @@ TEST_F(General, NamesOfTemporaryFilesAreNew) {
     EXPECT_TRUE(name.ends_with(u".txt") && !name.ends_with(u"..txt"));
     EXPECT_TRUE(call(0, {u".txt"}).presentation().ends_with(u".txt"));
     EXPECT_NE(call(0, {}), call(0, {}));
+    for (const wstring_view bad : {u"/../x"sv, u"a/b"sv, u".\\x"sv, u"a\0b"sv})
+        EXPECT_THROW(call(0, {bad}), ContextException);
     const std::filesystem::path path(to_utf8(name));
     EXPECT_FALSE(std::filesystem::exists(path));
     EXPECT_TRUE(std::filesystem::is_directory(path.parent_path()));
