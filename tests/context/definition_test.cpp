@@ -134,6 +134,8 @@ class Borrower : public ContextDefExtern<clsid> {
 
 TEST(Borrowing, ForwardsToTheOtherClassOrToNothing) {
     const host::HostProcess process;
+    // By this id other modules ask a class for its definition.
+    EXPECT_EQ(IContextDef::IID, "fd7b6cc1-dc8e-11d2-b8d0-008048da0335"_guid);
     const auto borrowed = make_object<Borrower<&kCoreGeneralContextClass>>();
     EXPECT_EQ(borrowed->getNMethods(), 4);
     EXPECT_EQ(borrowed->findMethod(u"base64string"), 3);

@@ -79,27 +79,31 @@ TEST_F(Values, LettingGoOfValuesLeavesNothingAlive) {
 TEST_F(Values, EveryKindKnowsItsTypeAndPayload) {
     const struct {
         Value value;
-        Type::Code code;
+        int code;
+        const char* id;
         const wchar* english;
         const wchar* russian;
     } cases[] = {
-        {Value(), Type::undefined, u"Undefined", u"Неопределено"},
-        {Value::null(), Type::null, u"Null", u"Null"},
-        {Value(true), Type::boolean, u"Boolean", u"Булево"},
-        {Value(1), Type::number, u"Number", u"Число"},
-        {Value(u"a"), Type::string, u"String", u"Строка"},
-        {Value(Date(2004, 3, 1)), Type::date, u"Date", u"Дата"},
-        {Value(Type(Type::date)), Type::type, u"Type", u"Тип"},
+        {Value(), 0, "ee8d3e7c-f930-4a76-8aad-4ff9083a6ea6", u"Undefined", u"Неопределено"},
+        {Value::null(), 1, "af40a278-63bc-478e-91a8-19e0d16b10b5", u"Null", u"Null"},
+        {Value(true), 2, "5d4125ad-f6e7-4313-be32-f71d0ab60915", u"Boolean", u"Булево"},
+        {Value(1), 3, "b0be78f2-0ee6-4d31-a3bb-77dd32ba5bec", u"Number", u"Число"},
+        {Value(u"a"), 4, "9b6abf8b-0173-48e5-b0a0-83b21fcf63c5", u"String", u"Строка"},
+        {Value(Date(2004, 3, 1)), 5, "aae38c48-a877-411c-a6d3-fbaa1f83c4bd", u"Date", u"Дата"},
+        {Value(Type(Type::date)), 1000, "d47d59f8-73f0-481c-8b5e-f6384c0a4804", u"Type", u"Тип"},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(c.value.type(), Type(c.code));
+        const Type type(static_cast<Type::Code>(c.code));
+        EXPECT_EQ(c.value.type(), type);
+        EXPECT_EQ(type.code(), c.code);
+        EXPECT_EQ(to_string(type.id()), from_utf8(c.id));
+        EXPECT_EQ(type.presentation(), c.english);
         EXPECT_STREQ(reinterpret_cast<const char*>(to_utf8(c.value.type().name(0)).c_str()),
                      to_utf8(c.english).c_str());
         EXPECT_EQ(wstring(c.value.type().name(1)), c.russian);
         EXPECT_EQ(c.value.type().name(2), nullptr);
-        EXPECT_EQ(Type(c.value.type().id()), Type(c.code));
-        EXPECT_EQ(Type(wstring_view(c.russian)), Type(c.code));
-        EXPECT_FALSE(c.value.type().presentation().empty());
+        EXPECT_EQ(Type(type.id()), type);
+        EXPECT_EQ(Type(wstring_view(c.russian)), type);
         // A pointer leads back to the same kind and payload.
         const auto object = c.value.getIValue();
         const Value again(object);
@@ -108,8 +112,15 @@ TEST_F(Values, EveryKindKnowsItsTypeAndPayload) {
         EXPECT_EQ(again, c.value);
     }
     EXPECT_FALSE(Type(static_cast<Type::Code>(6)).isDefined());
-    EXPECT_THROW(Type(u"NoSuchType"), TypeException);
-    EXPECT_THROW(Type("12345678-1234-1234-1234-123456789abc"_guid), TypeException);
+    EXPECT_EQ(TypeException::kClassId, "96a351f3-7957-48c1-80f4-80ac15b233da"_guid);
+    constexpr GUID kNobodys = "12345678-1234-1234-1234-123456789abc"_guid;
+    EXPECT_THROW((void)Type(kNobodys), TypeException);
+    try {
+        (void)Type(u"NoSuchType");
+        ADD_FAILURE();
+    } catch (const TypeException& e) {
+        EXPECT_EQ(e.description(), message_text("IDS_TYPEERROR_TYPENOTDEFINED", {u"NoSuchType"}));
+    }
     EXPECT_EQ(Type(u"nUmBeR"), Type(Type::number));
     EXPECT_EQ(*static_cast<const wstring_view*>(Value(u"abc").object()->getDataPtr()), u"abc");
 }
@@ -176,6 +187,34 @@ TEST_F(Values, StringsReadAsBooleansNumbersAndDates) {
     EXPECT_EQ(date, Date(2004, 3, 1, 13, 5, 7));
     EXPECT_FALSE(Value(u"20040301130507x").getDate(date));
     EXPECT_TRUE(date.isEmpty());
+}
+
+TEST_F(Values, ReadingsGoThroughTheFormatsOfTheProcess) {
+    process_.settings().numericFormat = u"point=','; group=' '; zero=none";
+    process_.settings().dateFormat = u"datetime=d/M/yyyy s-m-H";
+    process_.settings().boolFormat = u"true=on; false=off";
+    const Numeric number = Numeric::fromString("-1234567.5");
+    const Date date(2004, 3, 1, 13, 5, 7);
+    const struct {
+        Value value;
+        const wchar* text;
+    } cases[] = {{number, u"-1 234 567,5"},
+                 {Value(0), u"none"},
+                 {Value(12345), u"12 345"},
+                 {date, u"1/3/2004 7-5-13"},
+                 {true, u"on"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(c.value.presentation(), c.text);
+    Numeric readNumber;
+    Date readDate;
+    bool readBoolean = false;
+    EXPECT_TRUE(Value(u"\t-1 234 567,5 ").getNumeric(readNumber) && readNumber == number);
+    EXPECT_TRUE(Value(u"1.5").getNumeric(readNumber) && readNumber == Numeric(3) / 2)
+        << "the plain form, too";
+    EXPECT_TRUE(Value(u"1/3/2004 7-5-13\n").getDate(readDate) && readDate == date);
+    EXPECT_FALSE(Value(u"2004-03-01 13:05:07").getDate(readDate));
+    EXPECT_TRUE(Value(u" ON ").getBoolean(readBoolean) && readBoolean);
+    EXPECT_FALSE(Value(u"Yes").getBoolean(readBoolean));
 }
 
 TEST_F(Values, EqualityNeverCrossesTypesAndHashesFollowIt) {
@@ -245,34 +284,6 @@ TEST_F(Values, WholeNumbersAreTheSameInTheWordAndAsObjects) {
     EXPECT_FALSE(Value(0.5).asSmallWhole());
 }
 
-TEST_F(Values, OrderIsTotalAcrossKinds) {
-    const Value ascending[] = {Value(),
-                               Value::null(),
-                               Value(false),
-                               Value(true),
-                               Value(-5),
-                               Value(0.25),
-                               Value(7),
-                               Value(u"a"),
-                               Value(u"B"),
-                               Value(u"b"),
-                               Value(Date(1, 1, 2)),
-                               Value(Date(2000, 1, 1)),
-                               Value(Type(Type::boolean))};
-    const std::size_t count = std::size(ascending);
-    for (std::size_t i = 0; i < count; ++i) {
-        for (std::size_t j = 0; j < count; ++j) {
-            const int order = compare_values(ascending[i], ascending[j]);
-            if (i == j || ascending[i].kind() != ValueKind::string ||
-                ascending[j].kind() != ValueKind::string) {
-                EXPECT_EQ(order < 0, i < j) << i << ' ' << j;
-                EXPECT_EQ(order == 0, i == j);
-            }
-            EXPECT_EQ(order, -compare_values(ascending[j], ascending[i]));
-        }
-    }
-}
-
 /// Claims to be a Number, as another module's own number class would.
 class ForeignNumber : public IValueImpl {
   public:
@@ -287,6 +298,34 @@ class ForeignNumber : public IValueImpl {
   private:
     Numeric value_{5};
 };
+
+TEST_F(Values, OrderIsTotalAcrossKinds) {
+    const Value ascending[] = {Value(),
+                               Value::null(),
+                               Value(false),
+                               Value(true),
+                               Value(-5),
+                               Value(0.25),
+                               Value(7),
+                               Value(u"a"),
+                               Value(u"b"),
+                               Value(u"B"),
+                               Value(u"e\u0301"), // collates as the next one
+                               Value(u"\u00e9"),
+                               Value(Date(1, 1, 2)),
+                               Value(Date(2000, 1, 1)),
+                               Value(Type(Type::boolean)),
+                               Value(Type(Type::date)),
+                               Value(SCOM_InternalClass<ForeignNumber>::create())};
+    const std::size_t count = std::size(ascending);
+    for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t j = 0; j < count; ++j) {
+            const int order = compare_values(ascending[i], ascending[j]);
+            EXPECT_EQ(order < 0, i < j) << i << ' ' << j;
+            EXPECT_EQ(order == 0, i == j) << i << ' ' << j;
+        }
+    }
+}
 
 TEST_F(Values, AForeignNumberIsAnObjectThatReadsAsOne) {
     const Value foreign(SCOM_InternalClass<ForeignNumber>::create());

@@ -47,6 +47,7 @@ class CORE_API Value {
     Value(T value) noexcept : bits_(tag(ValueKind::boolean) | (value ? kTrueBit : 0)) {}
     template <NumericInteger T>
     Value(T value) : bits_(make(value)) {}
+    /// NumericException (overflow) for infinities and NaN.
     Value(double value);
     Value(wchar) = delete; // a character is not a number
     Value(const Numeric& value) : Value(Numeric(value)) {}
