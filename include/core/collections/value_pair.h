@@ -25,7 +25,8 @@ class IValuePair : public IUnknown {
 
 [[nodiscard]] CORE_API InterfacePtr<IValuePair> create_value_pair(Value key, Value value);
 
-/// What structures and maps have in common. Everything borrowed from them is valid until their next change.
+/// What structures and maps have in common. Everything borrowed from them is valid until their next change;
+/// reaching a structure's keys as properties counts as one, since it may close the gaps of erased pairs.
 class IValuePairs : public IUnknown {
   public:
     static constexpr GUID IID = "0312d65c-4795-41d2-9b55-1e002d5aad45"_guid;
