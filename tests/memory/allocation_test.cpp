@@ -34,9 +34,11 @@ class Attempt {
     }
 
   private:
+    std::istringstream in_;
     std::ostringstream out_;
+    host::Console console_{in_, out_, out_};
     Variables variables_;
-    Interpreter interpreter_{create_globals(out_), variables_};
+    Interpreter interpreter_{create_globals(console_), variables_};
 };
 
 struct Operation {
