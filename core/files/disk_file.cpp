@@ -60,12 +60,7 @@ class DiskFile : public FileImpl, public ISharedFile {
         }
     }
 
-    std::uint64_t length() override {
-        struct stat status {};
-        if (::fstat(descriptor_, &status) != 0)
-            throw_file_error("IDS_FILE_READ", url(), errno);
-        return static_cast<std::uint64_t>(status.st_size);
-    }
+    std::uint64_t length() override { return static_cast<std::uint64_t>(status().st_size); }
 
     void truncate(std::uint64_t length) override {
         if (length > kMaxFileLength)
@@ -104,8 +99,24 @@ class DiskFile : public FileImpl, public ISharedFile {
             throw_file_error("IDS_FILE_LOCK", url(), errno);
     }
 
+    bool isSameFile(IFile& other) override {
+        const auto* const file = dynamic_cast<DiskFile*>(&other);
+        if (file == nullptr)
+            return false;
+        const struct stat mine = status();
+        const struct stat others = file->status();
+        return mine.st_dev == others.st_dev && mine.st_ino == others.st_ino;
+    }
+
   private:
     static ::off_t offset(std::uint64_t position) { return static_cast<::off_t>(position); }
+
+    [[nodiscard]] struct stat status() const {
+        struct stat result {};
+        if (::fstat(descriptor_, &result) != 0)
+            throw_file_error("IDS_FILE_READ", url(), errno);
+        return result;
+    }
 
     bool setLock(std::uint64_t start, std::uint64_t length, int type) {
         struct flock region {};

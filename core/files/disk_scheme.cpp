@@ -80,17 +80,20 @@ class DiskScheme : public IFileScheme {
         return count;
     }
 
-    /// The target has its old bytes or the new ones, never a part: the copy is made beside it and renamed.
     void copyFile(const wstring& from, const wstring& to) override {
         const std::string source = file_path(from);
-        const std::string target = file_path(to);
-        if (is_same_file(source, target))
+        if (is_same_file(source, file_path(to)))
             throw_file_error("IDS_FILE_COPY_ONTO_ITSELF", to, EEXIST);
-        const auto input = open_disk_file(source, OpenMode::read);
+        saveFile(*open_disk_file(source, OpenMode::read), to);
+    }
+
+    /// The target has its old bytes or the new ones, never a part: the copy is made beside it and renamed.
+    void saveFile(IFile& content, const wstring& to) override {
+        const std::string target = file_path(to);
         const std::string beside = target + "." + to_utf8(to_string(new_guid()));
         const auto output = open_disk_file(beside, OpenMode::createNew);
         try {
-            copy_bytes(*input, *output);
+            copy_bytes(content, *output);
             output->flush();
             output->close();
             rename(beside, target);

@@ -2,8 +2,8 @@
 #include "core/files/schemes.h"
 
 #include <core/files/file_error.h>
-#include <core/files/file_io.h>
 #include <core/files/file_system.h>
+#include <core/files/wildcard.h>
 #include <core/runtime/class_entry.h>
 #include <core/strings/compare.h>
 
@@ -77,6 +77,9 @@ class FileSystem : public IFileSystem {
         if (source == target) {
             source->moveFile(from, to);
         } else {
+            // A file whose name reads as a pattern must not take others along when it is removed.
+            if (has_wildcard(from) && source->findFile(from).size() > 1)
+                throw_file_error("IDS_FILE_MOVE", from, EINVAL);
             copyBetween(*source, from, *target, to);
             source->remove(from);
         }
@@ -96,11 +99,7 @@ class FileSystem : public IFileSystem {
 
     static void copyBetween(IFileScheme& source, const wstring& from, IFileScheme& target,
                             const wstring& to) {
-        const auto input = source.openURL(from, OpenMode::read);
-        const auto output = target.openURL(to, OpenMode::replace);
-        copy_bytes(*input, *output);
-        output->flush();
-        output->close();
+        target.saveFile(*source.openURL(from, OpenMode::read), to);
     }
 
     std::mutex mutex_;

@@ -87,6 +87,11 @@ class MemoryFile : public FileImpl, public ISharedFile {
         data_->locks.unlock(this, offset, length);
     }
 
+    bool isSameFile(IFile& other) override {
+        const auto* const file = dynamic_cast<MemoryFile*>(&other);
+        return file != nullptr && file->data_ == data_;
+    }
+
   private:
     std::unique_lock<std::mutex> open(const char* message) {
         if (data_ == nullptr)

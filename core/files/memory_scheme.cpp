@@ -65,8 +65,14 @@ class MemoryScheme : public IFileScheme {
 
     void copyFile(const wstring& from, const wstring& to) override {
         refuseSame(from, to);
-        const auto input = openURL(from, OpenMode::read);
-        copy_bytes(*input, *openURL(to, OpenMode::replace));
+        saveFile(*openURL(from, OpenMode::read), to);
+    }
+
+    void saveFile(IFile& content, const wstring& to) override {
+        const auto data = create_memory_data();
+        copy_bytes(content, *open_memory_file(data));
+        const std::lock_guard lock(mutex_);
+        files_[split_url(to).path] = data;
     }
 
     void moveFile(const wstring& from, const wstring& to) override {

@@ -141,6 +141,19 @@ void ChainInFile::readAt(BlockReader& reader, std::uint64_t position, std::span<
         walk(reader);
 }
 
+std::vector<std::byte> ChainInFile::content(BlockReader& reader) {
+    constexpr std::uint64_t kBelieved = std::uint64_t{64} << 20;
+    constexpr std::uint64_t kStep = std::uint64_t{4} << 20;
+    std::vector<std::byte> bytes;
+    bytes.reserve(static_cast<std::size_t>(std::min(size_, kBelieved)));
+    do {
+        const std::size_t done = bytes.size();
+        bytes.resize(static_cast<std::size_t>(std::min(size_, done + kStep)));
+        readAt(reader, done, std::span(bytes).subspan(done));
+    } while (bytes.size() < size_);
+    return bytes;
+}
+
 void ChainInFile::reach(BlockReader& reader, std::uint64_t position) {
     while (runs_.capacity() < position && next_ != layout_->null) {
         const std::uint64_t rest = position - runs_.capacity();

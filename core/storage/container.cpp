@@ -1,24 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
 
-#include <core/files/file_error.h>
 #include <core/files/file_io.h>
+#include <core/runtime/error.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
 namespace core {
 
-void Container::create(IFile& file, const StorageLayout& layout) {
+bool Container::create(IFile& file, const StorageLayout& layout) {
+    // Somebody else may be about to make one here and to put files into it.
+    const ContainerLock lock(InterfacePtr<ISharedFile>(&file), layout, file.url());
+    const ContainerLock::Turn turn(lock);
     if (file.length() != 0)
-        throw_file_error("IDS_FILE_OPEN", file.url(), EEXIST);
+        return false;
     const ContainerHead::Bytes head = ContainerHead::empty(layout).encode(layout);
     std::vector<std::byte> bytes(head.begin(), head.begin() + ContainerHead::sizeIn(layout));
     // The table's first block holds, from the start, what never changes of the table.
     bytes.insert(bytes.end(), StorageFilesType::preamble().begin(), StorageFilesType::preamble().end());
     write_all_at(file, 0, bytes);
     file.flush();
+    return true;
 }
 
 Container::Container(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
@@ -142,7 +145,7 @@ void Container::load(const ContainerHead::Bytes& bytes) {
     ChainInFile chain(layout_);
     chain.adopt(reader_, layout_.headerSize(), head.table.chainSize, head.table.size, head.table.next);
     StorageFilesType table(layout_);
-    if (!table.decode(content(chain), options_.noSortedCheck) || table.end() > length)
+    if (!table.decode(chain.content(reader_), options_.noSortedCheck) || table.end() > length)
         throwBadFormat();
     chain.walk(reader_);
     BlockRuns blocks = chain.runs();
@@ -166,7 +169,7 @@ void Container::loadFreeSpace() {
         return;
     checked([&] {
         ChainInFile free = chain(head_.freeChain, 0);
-        const std::vector<std::byte> ranges = content(free);
+        const std::vector<std::byte> ranges = free.content(reader_);
         free.walk(reader_);
         if (!space_.load(ranges, table_.end()) || !space_.isUsed(tableBlocks_) || !space_.isUsed(free.runs()))
             throwBadFormat();
@@ -179,13 +182,6 @@ ChainInFile Container::chain(std::uint64_t address, std::uint64_t wish) {
     ChainInFile result(layout_);
     result.open(reader_, address, wish);
     return result;
-}
-
-/// The chain's size is believed as far as the file is long.
-std::vector<std::byte> Container::content(ChainInFile& chain) {
-    std::vector<std::byte> bytes(static_cast<std::size_t>(chain.size()));
-    chain.readAt(reader_, 0, bytes);
-    return bytes;
 }
 
 std::uint64_t Container::changeCounter() {

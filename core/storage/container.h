@@ -45,8 +45,8 @@ class Container : public std::enable_shared_from_this<Container> {
     Container(const Container&) = delete;
     Container& operator=(const Container&) = delete;
 
-    /// Writes an empty container to an empty file.
-    static void create(IFile& file, const StorageLayout& layout);
+    /// Writes an empty container to an empty file. False when the file is not empty.
+    [[nodiscard]] static bool create(IFile& file, const StorageLayout& layout);
 
     /// The committed state stands still while one of these lives. May be nested.
     class Reading {
@@ -80,6 +80,8 @@ class Container : public std::enable_shared_from_this<Container> {
     [[nodiscard]] const wstring& url() const noexcept { return url_; }
     [[nodiscard]] const wstring& root() const noexcept { return root_; }
     void setRoot(wstring root) noexcept { root_ = std::move(root); }
+    [[nodiscard]] IFile& file() const noexcept { return *file_; }
+    [[nodiscard]] bool isIn(IFile& file) const { return &file == file_.get() || lock_.isSameFile(file); }
     [[nodiscard]] wstring urlOf(wstring_view name) const { return root_ + wstring(name); }
     [[nodiscard]] std::recursive_mutex& mutex() noexcept { return mutex_; }
     [[nodiscard]] std::uint64_t changeCounter();
@@ -96,6 +98,7 @@ class Container : public std::enable_shared_from_this<Container> {
 
     [[nodiscard]] bool contains(wstring_view name);
     [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern);
+    [[nodiscard]] StorageFound describe(wstring_view name);
     [[nodiscard]] InterfacePtr<IFile> open(wstring_view name, OpenMode mode);
     [[nodiscard]] std::vector<std::byte> get(wstring_view name);
     void put(wstring_view name, std::span<const std::byte> content);
@@ -148,7 +151,6 @@ class Container : public std::enable_shared_from_this<Container> {
     void beginTurn();
     void endTurn() noexcept;
     [[nodiscard]] ChainInFile chain(std::uint64_t address, std::uint64_t wish = 0);
-    [[nodiscard]] std::vector<std::byte> content(ChainInFile& chain);
 
     // container_commit.cpp
     void commitChanges();
@@ -160,6 +162,7 @@ class Container : public std::enable_shared_from_this<Container> {
     // container_files.cpp
     [[nodiscard]] StorageFileEntry existing(wstring_view name) const;
     [[nodiscard]] StorageFileInfo readInfo(const StorageFileEntry& entry, wstring_view name);
+    [[nodiscard]] StorageFound describe(const StorageFileEntry& entry, wstring_view name);
     void addBlocks(std::uint64_t address, BlockRuns& blocks);
     /// Writes two chains side by side and says where they begin.
     [[nodiscard]] StorageFileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,

@@ -35,10 +35,8 @@ class Survey {
         std::vector<std::byte> content;
         try {
             chain.open(reader_, address, 0);
-            if (wanted) {
-                content.resize(static_cast<std::size_t>(chain.size()));
-                chain.readAt(reader_, 0, content);
-            }
+            if (wanted)
+                content = chain.content(reader_);
             chain.walk(reader_);
             if (use == StorageUse::content)
                 contentBytes += chain.size();
@@ -56,6 +54,7 @@ class Survey {
         for (const BlockRun& run : blocks.runs())
             owned_.push_back({run.address, run.address + blocks.lengthOf(run), use, names_.size()});
         this->blocks += blocks.count();
+        length_ += blocks.length();
     }
 
     void addFree(const RangeSet& free) {
@@ -65,6 +64,10 @@ class Survey {
             ++freeRanges;
         }
     }
+
+    /// Chains that take more room together than there is share blocks. Those that do are in the list by then,
+    /// and walking the same blocks for ever more chains would take time without bound.
+    [[nodiscard]] bool isEnough() const noexcept { return length_ / 4 > reader_.end(); }
 
     /// Concerns the chain visited last.
     void problem(StorageProblem::Kind kind, std::uint64_t address) {
@@ -82,12 +85,12 @@ class Survey {
                 problems.push_back({StorageProblem::Kind::overlap, piece.begin,
                                     std::min(piece.end, furthest->end) - piece.begin, piece.use,
                                     nameOf(piece), furthest->use, nameOf(*furthest)});
-            else if (piece.begin > furthest->end)
+            else if (piece.begin > furthest->end && !isEnough())
                 lose(furthest->end, piece.begin);
             if (piece.end > furthest->end)
                 furthest = &piece;
         }
-        if (furthest->end < end)
+        if (furthest->end < end && !isEnough())
             lose(furthest->end, end);
         std::stable_sort(problems.begin(), problems.end(),
                          [](const auto& a, const auto& b) { return a.address < b.address; });
@@ -118,6 +121,7 @@ class Survey {
     BlockReader& reader_;
     const StorageLayout& layout_;
     std::vector<Owned> owned_;
+    std::uint64_t length_ = 0;   // of all blocks walked
     std::vector<wstring> names_; // of the chains visited; a piece counts them from 1
 };
 
@@ -135,6 +139,8 @@ Survey survey(const StorageFilesType& table, const ContainerHead& head, const Bl
     result.addFree(space.free());
     table.forEach([&](wstring_view name, const StorageFileEntry& entry) {
         ++count;
+        if (result.isEnough())
+            return;
         if (entry.attributes != layout.null) {
             const std::size_t before = result.problems.size();
             const auto record =

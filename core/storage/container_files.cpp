@@ -6,6 +6,7 @@
 #include <core/files/file_io.h>
 #include <core/files/file_time.h>
 #include <core/files/wildcard.h>
+#include <core/runtime/error.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -60,7 +61,7 @@ StorageFileInfo Container::readInfo(const StorageFileEntry& entry, wstring_view 
         return none;
     }
     ChainInFile attributes = chain(entry.attributes, kWithContent);
-    auto info = StorageFileInfo::decode(content(attributes));
+    auto info = StorageFileInfo::decode(attributes.content(reader_));
     if (!info || info->name != name)
         throwBadFormat();
     return *std::move(info);
@@ -75,23 +76,28 @@ std::vector<StorageFound> Container::find(wstring_view pattern) {
     const Reading reading(*this);
     std::vector<StorageFound> found;
     table_.forEach([&](wstring_view name, const StorageFileEntry& entry) {
-        if (!matches_wildcard(name, pattern))
-            return;
-        checked([&] {
-            const StorageFileInfo info = readInfo(entry, name);
-            found.push_back({info.name, chain(entry.data, 0).size(), info.created, info.modified});
-        });
+        if (matches_wildcard(name, pattern))
+            found.push_back(describe(entry, name));
     });
     return found;
+}
+
+StorageFound Container::describe(wstring_view name) {
+    const Reading reading(*this);
+    return describe(existing(name), name);
+}
+
+StorageFound Container::describe(const StorageFileEntry& entry, wstring_view name) {
+    return checked([&]() -> StorageFound {
+        const StorageFileInfo info = readInfo(entry, name);
+        return {info.name, chain(entry.data, 0).size(), info.created, info.modified};
+    });
 }
 
 std::vector<std::byte> Container::get(wstring_view name) {
     const Reading reading(*this);
     const StorageFileEntry entry = existing(name);
-    return checked([&] {
-        ChainInFile data = chain(entry.data, 0);
-        return content(data);
-    });
+    return checked([&] { return chain(entry.data, 0).content(reader_); });
 }
 
 InterfacePtr<IFile> Container::open(wstring_view name, OpenMode mode) {
@@ -126,6 +132,9 @@ void Container::addBlocks(std::uint64_t address, BlockRuns& blocks) {
     walked.walk(reader_);
     for (const BlockRun& run : walked.runs().runs())
         blocks.append(run.address, run.size, run.count);
+    // Chains that take more room together than there is share blocks; no need to gather them all.
+    if (blocks.length() > reader_.end())
+        throw ChainInFileExc(address);
 }
 
 StorageFileInfo Container::newInfo(wstring_view name, const std::optional<StorageFileEntry>& old) {
@@ -136,6 +145,8 @@ StorageFileInfo Container::newInfo(wstring_view name, const std::optional<Storag
 
 StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
                                       std::vector<BlockRange>& place) {
+    if (info.name.size() > StorageFilesType::kLongestName)
+        throw_error<StorageException>("IDS_STERROR_LONGNAME", {url_});
     const std::vector<std::byte> record = info.encode();
     const std::uint64_t recordBlocks = blocks_for(record.size());
     place = allocate(recordBlocks + blocks_for(content.size()));

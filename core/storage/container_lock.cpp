@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds kPause{20};
 
 } // namespace
 
-void ContainerLock::wait(std::uint64_t offset, std::uint64_t length, LockKind kind) {
+void ContainerLock::wait(std::uint64_t offset, std::uint64_t length, LockKind kind) const {
     if (file_->tryLock(offset, length, kind))
         return;
     const Date deadline = universal_now() + kPatience;
@@ -25,14 +25,14 @@ void ContainerLock::wait(std::uint64_t offset, std::uint64_t length, LockKind ki
     } while (!file_->tryLock(offset, length, kind));
 }
 
-void ContainerLock::unlock(std::uint64_t offset, std::uint64_t length) noexcept {
+void ContainerLock::unlock(std::uint64_t offset, std::uint64_t length) const noexcept {
     try {
         file_->unlock(offset, length);
     } catch (const Exception&) {
     }
 }
 
-void ContainerLock::beginReading() {
+void ContainerLock::beginReading() const {
     if (!file_)
         return;
     // Header and gate in one call; the gate is left at once for whoever wants to close it.
@@ -40,22 +40,22 @@ void ContainerLock::beginReading() {
     unlock(layout_.headerSize(), 1);
 }
 
-void ContainerLock::endReading() noexcept {
+void ContainerLock::endReading() const noexcept {
     if (file_)
         unlock(0, layout_.headerSize());
 }
 
-void ContainerLock::beginTurn() {
+void ContainerLock::beginTurn() const {
     if (file_)
         wait(kTurn, 1, LockKind::exclusive);
 }
 
-void ContainerLock::endTurn() noexcept {
+void ContainerLock::endTurn() const noexcept {
     if (file_)
         unlock(kTurn, 1);
 }
 
-void ContainerLock::beginCommit() {
+void ContainerLock::beginCommit() const {
     if (!file_)
         return;
     wait(layout_.headerSize(), 1, LockKind::exclusive);
@@ -67,7 +67,7 @@ void ContainerLock::beginCommit() {
     }
 }
 
-void ContainerLock::endCommit(bool reading) noexcept {
+void ContainerLock::endCommit(bool reading) const noexcept {
     if (!file_)
         return;
     unlock(layout_.headerSize(), 1);

@@ -20,24 +20,37 @@ class ContainerLock {
     ContainerLock(InterfacePtr<ISharedFile> file, const StorageLayout& layout, wstring url)
         : file_(std::move(file)), layout_(layout), url_(std::move(url)) {}
 
+    /// The turn, as long as it lives.
+    class Turn {
+      public:
+        explicit Turn(const ContainerLock& lock) : lock_(lock) { lock_.beginTurn(); }
+        ~Turn() { lock_.endTurn(); }
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+
+      private:
+        const ContainerLock& lock_;
+    };
+
     [[nodiscard]] bool isShared() const noexcept { return static_cast<bool>(file_); }
+    [[nodiscard]] bool isSameFile(IFile& other) const { return file_ && file_->isSameFile(other); }
 
     // Each waits, looking 50 times a second, and throws StorageException after 20 seconds.
 
-    void beginReading();
-    void beginTurn();
-    void beginCommit();
+    void beginReading() const;
+    void beginTurn() const;
+    void beginCommit() const;
 
     // A lock that cannot be given back ends with the open file: nothing to report.
 
-    void endReading() noexcept;
-    void endTurn() noexcept;
+    void endReading() const noexcept;
+    void endTurn() const noexcept;
     /// Leaves the header region locked for reading when `reading`.
-    void endCommit(bool reading) noexcept;
+    void endCommit(bool reading) const noexcept;
 
   private:
-    void unlock(std::uint64_t offset, std::uint64_t length) noexcept;
-    void wait(std::uint64_t offset, std::uint64_t length, LockKind kind);
+    void unlock(std::uint64_t offset, std::uint64_t length) const noexcept;
+    void wait(std::uint64_t offset, std::uint64_t length, LockKind kind) const;
 
     InterfacePtr<ISharedFile> file_;
     const StorageLayout& layout_;

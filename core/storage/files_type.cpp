@@ -19,9 +19,6 @@ namespace {
 // Tells this table layout from any other, in a place that stays the same through all commits.
 constexpr std::string_view kMark = "table of inner files, layout 1\r\n";
 
-// ICU counts in 32 bits.
-constexpr std::uint64_t kLongestName = 1 << 30;
-
 bool is_ascii(wchar c) noexcept {
     return c < 0x80;
 }
@@ -184,10 +181,17 @@ void StorageFilesType::makeIndex() const {
         return;
     index_.resize(std::bit_ceil(2 * rows_.size()));
     const std::size_t mask = index_.size() - 1;
+    std::size_t steps = 16 * rows_.size();
     for (std::size_t row = 0; row < rows_.size(); ++row) {
         std::size_t slot = Hash()(nameOf(row)) & mask;
-        while (index_[slot] != 0)
+        while (index_[slot] != 0) {
             slot = (slot + 1) & mask;
+            if (--steps == 0) { // names chosen to collide: go on searching the sorted rows
+                index_.clear();
+                searches_ = 0;
+                return;
+            }
+        }
         index_[slot] = static_cast<std::uint32_t>(row + 1);
     }
 }

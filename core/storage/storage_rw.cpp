@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
 
+#include <core/files/file_error.h>
 #include <core/storage/storage_rw.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace core {
@@ -12,7 +14,11 @@ StorageRW::StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout, cons
     : container_(std::make_shared<Container>(std::move(file), layout, options, std::move(url))) {}
 
 void StorageRW::create(IFile& file, const StorageLayout& layout) {
-    Container::create(file, layout);
+    if (!createIfEmpty(file, layout))
+        throw_file_error("IDS_FILE_OPEN", file.url(), EEXIST);
+}
+bool StorageRW::createIfEmpty(IFile& file, const StorageLayout& layout) {
+    return Container::create(file, layout);
 }
 
 const StorageLayout& StorageRW::layout() const noexcept {
@@ -39,6 +45,12 @@ StorageCheck StorageRW::check() const {
 StorageInfo StorageRW::info() const {
     return container_->info();
 }
+bool StorageRW::isIn(IFile& file) const {
+    return container_->isIn(file);
+}
+bool StorageRW::isSame(const StorageRW& other) const {
+    return container_->isIn(other.container_->file());
+}
 
 void StorageRW::begin() {
     container_->begin();
@@ -55,6 +67,9 @@ bool StorageRW::contains(wstring_view name) const {
 }
 std::vector<StorageFound> StorageRW::find(wstring_view pattern) const {
     return container_->find(pattern);
+}
+StorageFound StorageRW::describe(wstring_view name) const {
+    return container_->describe(name);
 }
 InterfacePtr<IFile> StorageRW::open(wstring_view name, OpenMode mode) {
     return container_->open(name, mode);

@@ -51,8 +51,8 @@ wstring StorageScheme::openContainer(const wstring& url, OpenMode mode) {
                                  .noSortedCheck = parsed.hasOption(u"NoSortedCheck")};
     auto file = open_file(parsed.path, mode);
     const bool mayBeNew = mode != OpenMode::read && mode != OpenMode::readWrite;
-    if (mayBeNew && file->length() == 0)
-        StorageRW::create(*file, layout_);
+    if (mayBeNew)
+        StorageRW::createIfEmpty(*file, layout_);
     return enter(std::move(file), options, url);
 }
 
@@ -124,21 +124,30 @@ std::size_t StorageScheme::remove(const wstring& pattern) {
     return 1;
 }
 
-void StorageScheme::copyBetween(const Inner& from, Inner& to) {
-    Inner source = from;
-    const auto input = source.storage.open(source.name, OpenMode::read);
+void StorageScheme::saveFile(IFile& content, const wstring& to) {
+    Inner target = resolve(to);
+    save(content, target);
+}
+
+void StorageScheme::save(IFile& content, Inner& to) {
+    if (to.storage.isIn(content)) // it would grow as it is read
+        throw StorageException(StorageException::Kind::isDestination, content.url());
     const auto output = to.storage.open(to.name, OpenMode::replace);
-    copy_bytes(*input, *output);
+    copy_bytes(content, *output);
     output->close();
+}
+
+/// One container may be open under two roots: a file moved from one to the other would be removed.
+void StorageScheme::refuseSame(const Inner& from, const Inner& to, const wstring& url) {
+    if (from.name == to.name && from.storage.isSame(to.storage))
+        throw StorageException(StorageException::Kind::isDestination, url);
 }
 
 void StorageScheme::copyFile(const wstring& from, const wstring& to) {
     Inner source = resolve(from);
     Inner target = resolve(to);
-    if (source.storage.rootURL() == target.storage.rootURL())
-        source.storage.copy(source.name, target.name);
-    else
-        copyBetween(source, target);
+    refuseSame(source, target, from);
+    save(*source.storage.open(source.name, OpenMode::read), target);
 }
 
 void StorageScheme::moveFile(const wstring& from, const wstring& to) {
@@ -146,10 +155,13 @@ void StorageScheme::moveFile(const wstring& from, const wstring& to) {
     Inner target = resolve(to);
     if (source.storage.rootURL() == target.storage.rootURL()) {
         source.storage.rename(source.name, target.name);
-    } else {
-        copyBetween(source, target);
-        source.storage.remove(source.name);
+        return;
     }
+    refuseSame(source, target, from);
+    const StorageFound found = source.storage.describe(source.name);
+    save(*source.storage.open(source.name, OpenMode::read), target);
+    target.storage.setTimes(target.name, found.created, found.modified);
+    source.storage.remove(source.name);
 }
 
 namespace {

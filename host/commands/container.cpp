@@ -30,8 +30,8 @@ StorageRW open(const Options& options, OpenMode mode) {
     }
     const StorageLayout& layout = wide ? kStorageLayout64 : kStorageLayout32;
     auto file = open_disk_file(byScheme ? file_path(url.path) : options.file, mode);
-    if (mode == OpenMode::createNew || (mode == OpenMode::create && file->length() == 0))
-        StorageRW::create(*file, layout);
+    if (mode == OpenMode::createNew || mode == OpenMode::create)
+        StorageRW::createIfEmpty(*file, layout);
     return StorageRW(std::move(file), layout, how, from_utf8(options.file));
 }
 

@@ -145,6 +145,8 @@ ExitCode put(const Options& options, Console& console) {
     StorageTransaction transaction(storage);
     for (const Source& source : all) {
         const auto from = open_disk_file(source.path, OpenMode::read);
+        if (storage.isIn(*from)) // it would grow as it is read
+            throw StorageException(StorageException::Kind::isDestination, from->url());
         const auto to = storage.open(source.name, OpenMode::replace);
         copy(*from, *to, progress);
         to->close();

@@ -163,6 +163,7 @@ class FaultScheme : public IFileScheme {
         disks_[to] = disks_[from];
         disks_.erase(from);
     }
+    void saveFile(IFile&, const wstring&) override {}
 
   private:
     void call(const wstring& url) {

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 
@@ -234,6 +235,14 @@ class Damaged : public Failing {
             bytes.at(offset + i) = static_cast<std::byte>(text[i]);
         return bytes;
     }
+    [[nodiscard]] Bytes raw(std::uint64_t number) const {
+        Bytes bytes(layout_.width);
+        for (std::byte& b : bytes) {
+            b = static_cast<std::byte>(number);
+            number >>= 8;
+        }
+        return bytes;
+    }
     std::string hex(std::uint64_t number) const {
         std::string text(layout_.digits(), '0');
         for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number /= 16)
@@ -281,6 +290,81 @@ TEST_P(Damaged, IsFoundInBlockHeaders) {
     EXPECT_TRUE(survives(with(size, hex(layout_.null))));
     EXPECT_TRUE(survives(with(size, hex(0)))) << "no data: shorter than the size";
     EXPECT_TRUE(survives(with(first + 2, hex(layout_.null)))) << "a huge chain";
+}
+
+/// A container of many files whose chains have blocks in common: each begins with a block of its own and goes
+/// on with the same long tail.
+TEST_P(Damaged, ManyChainsOverTheSameBlocksTakeTheTimeOfOne) {
+    constexpr std::uint64_t kFiles = 3000;
+    constexpr std::uint64_t kTail = 6000;
+    const std::uint64_t step = layout_.blockLength(0);
+    StorageFilesType table(layout_);
+    const std::uint64_t tableEnd = layout_.emptyLength() + layout_.blockLength(kFiles * 40);
+    const std::uint64_t tail = tableEnd + kFiles * step;
+    table.setEnd(tail + 2 * kTail * step);
+    for (std::uint64_t i = 0; i < kFiles; ++i)
+        table.set(from_utf8(std::to_string(i)), {layout_.null, tableEnd + i * step});
+    const Bytes content = table.merged().encode();
+    Bytes bytes(table.end());
+    const auto put = [&](std::uint64_t at, std::string_view text) {
+        for (const char c : text)
+            bytes.at(at++) = static_cast<std::byte>(c);
+    };
+    const auto header = [&](std::uint64_t at, std::uint64_t chain, std::uint64_t size, std::uint64_t next) {
+        put(at, "\r\n" + hex(chain) + " " + hex(size) + " " + hex(next) + " \r\n");
+    };
+    std::copy_n(disk_.bytes.begin(), layout_.emptyLength(), bytes.begin());
+    const Bytes null = raw(layout_.null); // nothing is free
+    std::copy(null.begin(), null.end(), bytes.begin());
+    header(layout_.headerSize(), content.size(), 512, layout_.emptyLength());
+    header(layout_.emptyLength(), 0, kFiles * 40, layout_.null);
+    std::copy(content.begin() + 512, content.end(),
+              bytes.begin() + static_cast<std::ptrdiff_t>(layout_.emptyLength() + layout_.blockHeaderSize()));
+    for (std::uint64_t i = 0; i < kFiles; ++i)
+        header(tableEnd + i * step, 0, 0, tail);
+    for (std::uint64_t i = 0; i < kTail; ++i) // with gaps, so that no two blocks are one run
+        header(tail + 2 * i * step, 0, 0, i + 1 < kTail ? tail + 2 * (i + 1) * step : layout_.null);
+
+    FaultDisk disk;
+    disk.bytes = bytes;
+    StorageRW storage(test::open_fault_file(disk), layout_);
+    disk.calls = 0;
+    const StorageCheck check = storage.check();
+    EXPECT_FALSE(check.isClean());
+    EXPECT_EQ(check.files, kFiles);
+    EXPECT_LT(check.blocks, 100 * kTail);
+    const std::uint64_t checked = disk.calls;
+    EXPECT_THROW(storage.removeAll(u"*"), StorageException);
+    EXPECT_LT(disk.calls, 3 * checked);
+    EXPECT_EQ(disk.bytes, bytes);
+}
+
+TEST_P(Damaged, AHugeSizeIsNotBelieved) {
+    const auto file = create_temp_file(std::filesystem::temp_directory_path().string());
+    const std::string mark = "\r\n" + hex(5000) + " ";
+    Bytes bytes = disk_.bytes;
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const std::size_t kept = text.find(mark);
+    const std::uint64_t huge = layout_.width == 8 ? std::uint64_t{1} << 42 : 0x7FFF0000;
+    write_all_at(*file, 0, bytes);
+    file->truncate(huge + (std::uint64_t{1} << 12)); // full of holes
+    const std::string number = hex(huge - (1 << 20));
+    write_all_at(*file, kept + 2, std::as_bytes(std::span(number)));
+    // The end of the container stands behind the number of files, in the second block of the table.
+    const std::uint64_t second = std::stoull(
+        std::string(text.substr(layout_.headerSize() + 4 + 2 * layout_.digits(), layout_.digits())), nullptr,
+        16);
+    write_all_at(*file, second + layout_.blockHeaderSize() + layout_.width, raw(huge));
+    const StorageRW storage(file, layout_);
+    const auto refused = [&](auto call) {
+        try {
+            call();
+        } catch (const StorageException& e) {
+            return e.kind() == StorageException::Kind::badFormat;
+        }
+        return false;
+    };
+    EXPECT_TRUE(refused([&] { (void)storage.get(u"kept"); }));
 }
 
 TEST_P(Damaged, IsFoundWhereverBytesAreFlippedOrCutOff) {

@@ -97,6 +97,60 @@ TEST_P(Scheme, FindsCopiesMovesAndRemovesInnerFiles) {
     EXPECT_EQ(list(a + u"in"), "in:1 ");
 }
 
+TEST_P(Scheme, MovesAreNeverLosses) {
+    const auto data = create_memory_data();
+    const wstring a = make(data);
+    const wstring again = scheme()->openContainerIn(open_memory_file(data).get(), {});
+    const wstring b = make(create_memory_data());
+    put(a + u"one", 100);
+    EXPECT_EQ(kind_of([&] { system_->moveFile(a + u"one", again + u"one"); }), Kind::isDestination)
+        << "one container, two roots";
+    EXPECT_EQ(kind_of([&] { system_->copyFile(a + u"one", again + u"one"); }), Kind::isDestination);
+    system_->moveFile(a + u"one", again + u"two");
+    EXPECT_EQ(list(again + u"*"), "two:100 ");
+
+    scheme()->container(a).setTimes(u"two", Date(2001, 2, 3), Date(2004, 5, 6));
+    system_->moveFile(a + u"two", b + u"two");
+    const StorageFound moved = scheme()->container(b).describe(u"two");
+    EXPECT_EQ(moved.created, Date(2001, 2, 3));
+    EXPECT_EQ(moved.modified, Date(2004, 5, 6));
+
+    put(b + u"t*", 1);
+    EXPECT_THROW(system_->moveFile(b + u"t*", u"mem://out"), FileException) << "the name reads as a pattern";
+    EXPECT_EQ(list(b + u"*"), "t*:1 two:100 ");
+
+    const auto itself = open_memory_file(data);
+    EXPECT_EQ(kind_of([&] { system_->findScheme(wstring(layout_.scheme))->saveFile(*itself, a + u"me"); }),
+              Kind::isDestination)
+        << "it would grow as it is read";
+    EXPECT_EQ(list(a + u"*"), "");
+}
+
+TEST_P(Scheme, ACopyThatFailsLeavesTheOldFile) {
+    const auto data = create_memory_data();
+    const wstring root = make(data);
+    put(root + u"damaged", 5000);
+    const auto file = open_memory_file(data);
+    Bytes bytes = read_whole(*file);
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    // The last block of the content is cut off from the others.
+    const std::size_t third = text.find("\r\n", text.find("1388 ") + 2 * layout_.blockLength(512) - 16);
+    ASSERT_NE(third, std::string_view::npos);
+    write_all_at(*file, third, Bytes(2));
+    const auto temp = create_temp_file_service();
+    const wstring onDisk = temp->createNamed();
+    const Bytes old(10, std::byte{1});
+    for (const wstring& target : {onDisk, wstring(u"mem://old"), make(create_memory_data()) + u"old"}) {
+        const auto out = system_->openURL(target, OpenMode::create);
+        write_all(*out, old);
+        out->close();
+        EXPECT_EQ(kind_of([&] { system_->copyFile(root + u"damaged", target); }), Kind::badFormat);
+        EXPECT_EQ(read_whole(*system_->openURL(target, OpenMode::read)), old);
+    }
+    EXPECT_EQ(system_->findFile(onDisk + u"*").size(), 1U) << "and nothing beside it";
+    system_->remove(onDisk);
+}
+
 TEST_P(Scheme, OpensContainersByURLWithOptions) {
     const wstring name(layout_.scheme);
     const auto temp = create_temp_file_service();

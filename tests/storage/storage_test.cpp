@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 namespace core {
 namespace {
 
@@ -311,9 +313,32 @@ TEST_P(Storage, SharesTheFileWithOtherOpenContainers) {
     EXPECT_TRUE(a.check().isClean());
 }
 
+TEST_P(Storage, IsMadeOnceWhoeverElseTries) {
+    const auto data = create_memory_data();
+    const auto first = open_memory_file(data);
+    const InterfacePtr<ISharedFile> locks(first);
+    constexpr std::uint64_t kTurn = std::uint64_t{1} << 62;
+    ASSERT_TRUE(locks->tryLock(kTurn, 1, LockKind::exclusive));
+    // The other one comes while the file is empty, and gets on when a file has been committed.
+    bool made = true;
+    std::thread other([&] { made = StorageRW::createIfEmpty(*open_memory_file(data), layout_); });
+    write_all_at(*first, 0, raw());
+    locks->unlock(kTurn, 1);
+    StorageRW storage(first, layout_);
+    storage.put(u"a", bytes_of("kept"));
+    other.join();
+    EXPECT_FALSE(made);
+    EXPECT_EQ(test::contents(storage), (Model{{u"a", bytes_of("kept")}}));
+}
+
 TEST_P(Storage, RefusesWhatTheLayoutCannotAddress) {
     StorageRW storage = open();
     storage.put(u"a", bytes_of("kept"));
+    const wstring longest(StorageFilesType::kLongestName, u'n');
+    storage.put(longest, {});
+    storage.remove(longest);
+    EXPECT_NE(message_of([&] { storage.put(longest + u"n", {}); }), u"");
+    EXPECT_NE(message_of([&] { storage.rename(u"a", longest + u"n"); }), u"");
     const Bytes before = raw();
     if (layout_.width == 4) {
         const auto file = storage.open(u"big", OpenMode::create);

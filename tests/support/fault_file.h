@@ -104,6 +104,10 @@ class FaultFile : public FileImpl, public ISharedFile {
     void unlock(std::uint64_t offset, std::uint64_t length) override {
         disk_.locks.unlock(this, offset, length);
     }
+    bool isSameFile(IFile& other) override {
+        const auto* const file = dynamic_cast<FaultFile*>(&other);
+        return file != nullptr && &file->disk_ == &disk_;
+    }
 
   private:
     FaultDisk& disk_;

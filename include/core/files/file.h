@@ -77,6 +77,8 @@ class ISharedFile : public IUnknown {
     /// has locked before changes its kind. Throws only when the system cannot lock at all.
     [[nodiscard]] virtual bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) = 0;
     virtual void unlock(std::uint64_t offset, std::uint64_t length) = 0;
+    /// Whether `other` stands on the same bytes, opened by whatever name.
+    [[nodiscard]] virtual bool isSameFile(IFile& other) = 0;
 
   protected:
     ~ISharedFile() = default;

@@ -39,6 +39,9 @@ class IFileScheme : public IUnknown {
     /// Both URLs are of this scheme. An existing target is replaced; a file is never copied onto itself.
     virtual void copyFile(const wstring& from, const wstring& to) = 0;
     virtual void moveFile(const wstring& from, const wstring& to) = 0;
+    /// Makes the rest of `content`, from its current position on, a file, or replaces one. A failure leaves
+    /// what was there.
+    virtual void saveFile(IFile& content, const wstring& to) = 0;
 
   protected:
     ~IFileScheme() = default;

@@ -51,6 +51,8 @@ class CORE_API ChainInFile {
                std::uint64_t next);
     /// Fills `out` with the content from `position` on, which reaches so far.
     void readAt(BlockReader& reader, std::uint64_t position, std::span<std::byte> out);
+    /// The whole content. Memory grows with what is read: the chain's size is not believed beforehand.
+    [[nodiscard]] std::vector<std::byte> content(BlockReader& reader);
     /// Finds the blocks out up to the one that holds the byte before `position`.
     void reach(BlockReader& reader, std::uint64_t position);
     /// Finds all blocks out and checks them.

@@ -30,6 +30,9 @@ struct StorageFileEntry {
 /// over it. Knows no file; the container reads and writes its content.
 class CORE_API StorageFilesType {
   public:
+    /// Code units of the longest name.
+    static constexpr std::size_t kLongestName = 0xFFFF;
+
     explicit StorageFilesType(const StorageLayout& layout = kStorageLayout32) noexcept;
 
     // modify

@@ -54,6 +54,9 @@ class CORE_API StorageRW {
 
     /// Makes an empty container in `file`, which must be empty.
     static void create(IFile& file, const StorageLayout& layout = kStorageLayout32);
+    /// The same, if the file is empty; who comes second when several processes try finds the container of the
+    /// first. Returns whether it made one.
+    static bool createIfEmpty(IFile& file, const StorageLayout& layout = kStorageLayout32);
 
     // the whole container
 
@@ -71,6 +74,9 @@ class CORE_API StorageRW {
     /// all.
     [[nodiscard]] StorageCheck check() const;
     [[nodiscard]] StorageInfo info() const;
+    /// Whether the container lies in this file, opened by whatever name; and whether both are one container.
+    [[nodiscard]] bool isIn(IFile& file) const;
+    [[nodiscard]] bool isSame(const StorageRW& other) const;
 
     // several changes as one
 
@@ -87,6 +93,8 @@ class CORE_API StorageRW {
     [[nodiscard]] bool contains(wstring_view name) const;
     /// Files whose names match ("*", "?"), in the order of the table.
     [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern = u"*") const;
+    /// What a search would find of the one file.
+    [[nodiscard]] StorageFound describe(wstring_view name) const;
     /// Opens an inner file. Open for writing, it holds the container's turn, and its content becomes visible
     /// when it is closed (or flushed); let go of by an exception, it is given up instead. A file open for
     /// reading fails once its content is changed.

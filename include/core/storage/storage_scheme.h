@@ -52,6 +52,7 @@ class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
     std::size_t remove(const wstring& pattern) override;
     void copyFile(const wstring& from, const wstring& to) override;
     void moveFile(const wstring& from, const wstring& to) override;
+    void saveFile(IFile& content, const wstring& to) override;
 
   private:
     /// An inner file, or a pattern of names, by its URL.
@@ -61,7 +62,8 @@ class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
     };
     [[nodiscard]] Inner resolve(const wstring& url);
     [[nodiscard]] wstring enter(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url);
-    void copyBetween(const Inner& from, Inner& to);
+    static void save(IFile& content, Inner& to);
+    static void refuseSame(const Inner& from, const Inner& to, const wstring& url);
 
     const StorageLayout& layout_;
     wstring name_;
