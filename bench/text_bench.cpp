@@ -33,7 +33,7 @@ struct Record {
     bool sold;
     wstring note;
 };
-constexpr std::int64_t kRecords = 2'000;
+constexpr std::int64_t kRecords = 400'000;
 constexpr std::int64_t kValues = 5 * kRecords;
 
 const std::vector<Record>& records() {
