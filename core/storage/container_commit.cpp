@@ -103,7 +103,7 @@ void Container::commitChanges() {
     table_ = std::move(table);
     tableBlocks_ = std::move(tableBlocks);
     freeBlocks_ = std::move(freeBlocks);
-    space_.commit(kept);
+    space_.commit(kept, table_.end());
     unsettled_ = !kept.empty();
     spaceCounter_ = head.counter;
     reader_.setEnd(space_.end());

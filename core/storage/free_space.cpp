@@ -130,19 +130,16 @@ bool FreeSpace::release(const BlockRuns& blocks) {
 }
 
 FreeSpace::Outlook FreeSpace::outlook(const RangeSet& kept) const {
-    Outlook result{free_, end_};
-    result.free.addAll(released_);
-    result.free.addAll(kept);
-    const auto& ranges = result.free.ranges();
-    if (!ranges.empty() && std::prev(ranges.end())->second == end_) {
-        result.end = std::prev(ranges.end())->first;
-        result.free.cut(result.end);
+    Outlook result{RangeSet::unite({&free_, &released_, &kept}), end_};
+    if (!result.free.empty() && result.free.back().second == end_) {
+        result.end = result.free.back().first;
+        result.free.pop_back();
     }
     return result;
 }
 
-void FreeSpace::commit(const RangeSet& kept) {
-    committedEnd_ = outlook(kept).end;
+void FreeSpace::commit(const RangeSet& kept, std::uint64_t end) {
+    committedEnd_ = end;
     free_.addAll(released_);
     released_.clear();
     fresh_ = kept;
@@ -168,10 +165,10 @@ void FreeSpace::trim() {
     }
 }
 
-std::vector<std::byte> FreeSpace::encode(const RangeSet& free, const StorageLayout& layout) {
-    std::vector<std::byte> content(free.ranges().size() * 2 * layout.width);
+std::vector<std::byte> FreeSpace::encode(const RangeSet::List& free, const StorageLayout& layout) {
+    std::vector<std::byte> content(free.size() * 2 * layout.width);
     std::byte* to = content.data();
-    for (const auto& [begin, end] : free.ranges()) {
+    for (const auto& [begin, end] : free) {
         store_number(to, begin, layout.width);
         store_number(to + layout.width, end - begin, layout.width);
         to += 2 * layout.width;

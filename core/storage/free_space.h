@@ -41,14 +41,14 @@ class FreeSpace {
     [[nodiscard]] bool isUsed(const BlockRuns& blocks) const;
 
     // Both ways out of the changes. `kept` is fresh space that stays so: it belongs to files still being
-    // written.
+    // written. `end` is what outlook() says of it.
 
-    void commit(const RangeSet& kept);
+    void commit(const RangeSet& kept, std::uint64_t end);
     void rollback();
 
     /// What the committed state will have free once the changes are committed, `kept` included, and its end.
     struct Outlook {
-        RangeSet free;
+        RangeSet::List free;
         std::uint64_t end;
     };
     [[nodiscard]] Outlook outlook(const RangeSet& kept) const;
@@ -57,7 +57,8 @@ class FreeSpace {
     [[nodiscard]] std::uint64_t end() const noexcept { return end_; }
     [[nodiscard]] const RangeSet& free() const noexcept { return free_; }
 
-    [[nodiscard]] static std::vector<std::byte> encode(const RangeSet& free, const StorageLayout& layout);
+    [[nodiscard]] static std::vector<std::byte> encode(const RangeSet::List& free,
+                                                       const StorageLayout& layout);
 
   private:
     void take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& place);

@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <iterator>
 #include <map>
+#include <utility>
+#include <vector>
 
 namespace core {
 
@@ -12,6 +15,7 @@ namespace core {
 class RangeSet {
   public:
     using Map = std::map<std::uint64_t, std::uint64_t>; // beginning, end
+    using List = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
 
     [[nodiscard]] const Map& ranges() const noexcept { return ranges_; }
     [[nodiscard]] bool empty() const noexcept { return ranges_.empty(); }
@@ -41,6 +45,25 @@ class RangeSet {
     void addAll(const RangeSet& other) {
         for (const auto& [begin, end] : other.ranges_)
             add(begin, end);
+    }
+
+    /// What is in any of some sets that have nothing in common, by address.
+    [[nodiscard]] static List unite(std::initializer_list<const RangeSet*> sets) {
+        List all;
+        for (const RangeSet* const set : sets) {
+            const auto middle = static_cast<std::ptrdiff_t>(all.size());
+            all.insert(all.end(), set->ranges_.begin(), set->ranges_.end());
+            std::inplace_merge(all.begin(), all.begin() + middle, all.end());
+        }
+        std::size_t count = 0;
+        for (const auto& range : all) {
+            if (count != 0 && all[count - 1].second == range.first)
+                all[count - 1].second = range.second;
+            else
+                all[count++] = range;
+        }
+        all.resize(count);
+        return all;
     }
 
     /// Takes a range out that is in the set as a whole.

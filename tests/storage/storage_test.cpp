@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 namespace core {
@@ -311,6 +312,44 @@ TEST_P(Storage, SharesTheFileWithOtherOpenContainers) {
     b.put(u"late", {});
     EXPECT_EQ(test::contents(a), test::contents(b));
     EXPECT_TRUE(a.check().isClean());
+}
+
+TEST_P(Storage, ThreadsShareOneHandle) {
+    StorageRW storage = open();
+    constexpr int kRounds = 200;
+    const auto contentOf = [](int round) {
+        return Bytes(100 + 37 * static_cast<std::size_t>(round % 50), static_cast<std::byte>(round));
+    };
+    storage.put(u"a", contentOf(0));
+    std::atomic<bool> wrong = false;
+    const auto read = [&] {
+        for (int i = 0; i < kRounds; ++i) {
+            try {
+                const Bytes bytes =
+                    i % 2 == 0 ? storage.get(u"a") : read_whole(*storage.open(u"a", OpenMode::read));
+                wrong = wrong || bytes.empty() || bytes != Bytes(bytes.size(), bytes[0]);
+            } catch (const StorageException& e) { // replaced while it was open
+                wrong = wrong || i % 2 == 0;
+            }
+        }
+    };
+    std::thread readers[] = {std::thread(read), std::thread(read)};
+    std::thread other([&] {
+        for (int round = 1; round <= kRounds; ++round) {
+            const auto file = storage.open(u"b", OpenMode::replace);
+            write_all(*file, contentOf(round));
+            file->close();
+        }
+    });
+    for (int round = 1; round <= kRounds; ++round)
+        storage.put(u"a", contentOf(round));
+    for (std::thread& thread : readers)
+        thread.join();
+    other.join();
+    EXPECT_FALSE(wrong);
+    EXPECT_EQ(test::contents(storage), (Model{{u"a", contentOf(kRounds)}, {u"b", contentOf(kRounds)}}));
+    EXPECT_EQ(storage.changeCounter(), 1U + 2 * kRounds);
+    EXPECT_TRUE(storage.check().isClean());
 }
 
 TEST_P(Storage, IsMadeOnceWhoeverElseTries) {
