@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Containers beside LMDB, SQLite, libzip and a plain file: thousands of small files and a large one.
 // Everybody makes every commit durable, as he does it when nothing else is said (libzip, which does not, by a
-// flush behind it). Files lie in the temporary folder; what TMPDIR=/dev/shm shows is the work without the disk.
+// flush behind it). Files lie in the temporary folder; what TMPDIR=/dev/shm shows is the work without the
+// disk.
 #include <core/files.h>
 #include <core/runtime/utf8.h>
 #include <core/storage.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/serialization/run_read.h"
+#include "core/serialization/list_run.h"
 #include "core/serialization/token_read.h"
 
 #include <core/runtime/error.h>
@@ -26,27 +26,10 @@ void ListInStream::skipGap() {
     source_.skipSpaces();
 }
 
-/// Reads what lies whole in the units at hand. `read` is given them, after the gap if there is to be one, and
-/// returns the end of what it read or null.
-template <class Read>
-bool ListInStream::readInRun(bool gap, Read read) {
-    TextBuffer* const runs = source_.runs();
-    if (runs == nullptr)
-        return false;
-    const wchar* const end = runs->readEnd();
-    const wchar* at = runs->readBegin();
-    if (gap)
-        at = run_gap(at, end, commaExpected_);
-    if (at == nullptr || (at = read(at, end)) == nullptr)
-        return false;
-    runs->readTo(at);
-    return true;
-}
-
 /// The step of every get: a token in the run at hand, else unit by unit.
 template <class InRun, class Read>
 void ListInStream::getToken(InRun inRun, Read read) {
-    if (!readInRun(true, inRun)) {
+    if (!ListRun::read(*this, true, inRun)) {
         skipGap();
         require(read());
     }
@@ -54,7 +37,8 @@ void ListInStream::getToken(InRun inRun, Read read) {
 }
 
 void ListInStream::getBeginOfList() {
-    if (readInRun(true, [](const wchar* at, const wchar* end) { return run_unit(at, end, u'{'); })) {
+    if (ListRun::read(*this, true,
+                      [](const wchar* at, const wchar* end) { return run_unit(at, end, u'{'); })) {
         commaExpected_ = false;
         return;
     }
@@ -63,7 +47,8 @@ void ListInStream::getBeginOfList() {
 }
 
 void ListInStream::getEndOfList() {
-    if (!readInRun(false, [](const wchar* at, const wchar* end) { return run_unit(at, end, u'}'); })) {
+    if (!ListRun::read(*this, false,
+                       [](const wchar* at, const wchar* end) { return run_unit(at, end, u'}'); })) {
         source_.skipSpaces();
         require(source_.skipIf(u'}'));
     }

@@ -68,12 +68,11 @@ void ListOutStream::put(const Date& date) {
 }
 
 void ListOutStream::put(const Numeric& number) {
-    constexpr std::size_t kUsual = 48;
-    const bool written = sink_.formatInPlace(kUsual + 1, [&](wchar* at) {
+    const bool written = sink_.formatInPlace(kNumericUnits + 1, [&](wchar* at) {
         if (commaPending_)
             *at++ = u',';
-        const std::size_t size = number.toString(at, kUsual);
-        return size <= kUsual ? at + size : nullptr;
+        const std::size_t size = number.toString(at, kNumericUnits);
+        return size <= kNumericUnits ? at + size : nullptr;
     });
     if (!written) {
         putComma();
@@ -84,14 +83,11 @@ void ListOutStream::put(const Numeric& number) {
 
 void ListOutStream::put(wstring_view text) {
     const bool written = sink_.formatInPlace(text.size() + 3, [&](wchar* at) -> wchar* {
-        const wchar* const end = text.data() + text.size();
-        if (find_unit<EndsPlainWrite>(text.data(), end) != end)
-            return nullptr;
         if (commaPending_)
             *at++ = u',';
         *at++ = u'"';
-        at = std::copy(text.data(), end, at);
-        *at++ = u'"';
+        if ((at = copy_plain(at, text)) != nullptr)
+            *at++ = u'"';
         return at;
     });
     if (!written) {

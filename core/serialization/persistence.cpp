@@ -4,10 +4,8 @@
 
 namespace core {
 
-Nesting::Level::Level(Nesting& nesting) : nesting_(nesting) {
-    if (nesting.depth_ >= kMaxDepth)
-        throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
-    ++nesting.depth_;
+void Nesting::Level::fail() {
+    throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
 }
 
 } // namespace core

@@ -47,6 +47,11 @@ struct RunDecimal {
     std::ptrdiff_t fraction = 0; ///< digits behind the point
     std::uint64_t digits = 0;
 
+    /// The number, without its point.
+    [[nodiscard]] std::int64_t whole() const noexcept {
+        const auto magnitude = static_cast<std::int64_t>(digits);
+        return negative ? -magnitude : magnitude;
+    }
     const wchar* read(const wchar* at, const wchar* end) noexcept {
         negative = *at == u'-';
         at += negative ? 1 : 0;
@@ -104,9 +109,8 @@ inline const wchar* run_double(const wchar* at, const wchar* end, double& value)
 inline const wchar* run_numeric(const wchar* at, const wchar* end, Numeric& number) {
     RunDecimal decimal;
     const wchar* stop = decimal.read(at, end);
-    if (stop != nullptr && !decimal.point) {
-        const auto magnitude = static_cast<std::int64_t>(decimal.digits);
-        number = Numeric(decimal.negative ? -magnitude : magnitude);
+    if (stop != nullptr) {
+        number = Numeric::fromScaled(decimal.whole(), static_cast<std::uint32_t>(decimal.fraction));
         return stop;
     }
     Numeric read = Numeric::fromString(wstring_view(at, static_cast<std::size_t>(end - at)), &stop);

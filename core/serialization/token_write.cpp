@@ -1,23 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/serialization/token_write.h"
 
+#include "core/numbers/digit_text.h"
 #include "core/serialization/unit_scan.h"
 
 #include <core/serialization/token.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <string>
 
 namespace core {
 namespace detail {
 
+namespace {
+
+wchar* format_magnitude(wchar* out, std::uint64_t magnitude) noexcept {
+    using namespace limbs;
+    if (magnitude >= kLimbBase)
+        return write_limb(format_magnitude(out, magnitude / kLimbBase),
+                          static_cast<Limb>(magnitude % kLimbBase));
+    const auto limb = static_cast<Limb>(magnitude);
+    const std::size_t digits = digit_count(limb | 1);
+    return write_leading(out, true, limb * kPowers[kLimbDigits - digits], digits);
+}
+
+} // namespace
+
 wchar* format_integer(wchar* out, bool negative, std::uint64_t magnitude) noexcept {
     if (negative)
         *out++ = u'-';
-    char digits[kIntegerUnits];
-    return std::copy(digits, std::to_chars(digits, digits + sizeof digits, magnitude).ptr, out);
+    return format_magnitude(out, magnitude);
 }
 
 wstring_view terminated(const wchar* text, std::size_t length) noexcept {

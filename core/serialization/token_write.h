@@ -9,9 +9,11 @@
 /// The text forms of tokens: each function writes to `out` and returns the end.
 namespace core::detail {
 
-inline constexpr std::size_t kIntegerUnits = 20;
-inline constexpr std::size_t kDoubleUnits = 40; // of which 24 are used; the rest is written over
+inline constexpr std::size_t kIntegerUnits = 24; // of which 20 are used
+inline constexpr std::size_t kNumericUnits = 48; // longer ones are rare
+inline constexpr std::size_t kDoubleUnits = 40;  // of which 24 are used; the rest is written over
 
+/// May write over some of the kIntegerUnits behind the end, too.
 wchar* format_integer(wchar* out, bool negative, std::uint64_t magnitude) noexcept;
 /// `value` is finite.
 wchar* format_double(wchar* out, double value) noexcept;

@@ -51,4 +51,24 @@ struct EndsPlainWrite {
 #endif
 };
 
+/// Copies a text that is written as it is to `out` and returns the end; null when it is not.
+[[nodiscard]] inline wchar* copy_plain(wchar* out, wstring_view text) noexcept {
+    const wchar* at = text.data();
+    const wchar* const end = at + text.size();
+#ifdef __SSE2__
+    for (; end - at >= 8; at += 8, out += 8) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        if (_mm_movemask_epi8(EndsPlainWrite::eight(units)) != 0)
+            return nullptr;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), units);
+    }
+#endif
+    for (; at != end; ++at, ++out) {
+        if (EndsPlainWrite::one(*at))
+            return nullptr;
+        *out = *at;
+    }
+    return out;
+}
+
 } // namespace core::detail

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/values/value_run.h"
+
 #include <core/runtime/error.h>
 #include <core/runtime/process.h>
 #include <core/serialization/list_in_stream.h>
@@ -82,6 +84,8 @@ GenericValue get_payload_of(wchar tag, IInPersistenceStorage* storage) {
 void serialize_value(IOutPersistenceStorage* storage, const Value& value) {
     const Nesting::Level level(storage->nesting());
     ListOutStream& out = storage->listStream();
+    if (detail::put_in_run(out, value, tag_of(value.kind())))
+        return;
     out.putBeginOfList();
     const wchar tag = tag_of(value.kind());
     out.put(wstring_view(&tag, 1));
@@ -116,10 +120,13 @@ void serialize_value(IOutPersistenceStorage* storage, const Value& value) {
 GenericValue GenericValue::deserialize(IInPersistenceStorage* storage) {
     const Nesting::Level level(storage->nesting());
     ListInStream& in = storage->listStream();
+    GenericValue value;
+    if (detail::get_in_run(in, value))
+        return value;
     in.getBeginOfList();
     wchar tag[2] = {};
     in.get(tag, 2);
-    GenericValue value = get_payload_of(tag[0], storage);
+    value = get_payload_of(tag[0], storage);
     in.getEndOfList();
     return value;
 }

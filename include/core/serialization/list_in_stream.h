@@ -9,6 +9,10 @@
 
 namespace core {
 
+namespace detail {
+struct ListRun;
+}
+
 /// Reads nested data from a brace list, in the order in which it was written, and demands the commas.
 ///
 /// Whatever does not fit throws ListStreamException, which tells no place: a missing comma or brace, a bad
@@ -51,8 +55,7 @@ class CORE_API ListInStream {
     void skipGap();
 
   private:
-    template <class Read>
-    bool readInRun(bool gap, Read read);
+    friend struct detail::ListRun;
     template <class InRun, class Read>
     void getToken(InRun inRun, Read read);
     void require(bool read) {

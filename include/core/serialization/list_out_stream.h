@@ -9,6 +9,10 @@
 
 namespace core {
 
+namespace detail {
+struct ListRun;
+}
+
 /// Writes nested data as a brace list: `{1,` line feed `{2,3}` line feed `}`. Commas and line breaks come by
 /// themselves: every "{" but the first begins a line, and so does a "}" behind a "}".
 ///
@@ -62,6 +66,7 @@ class CORE_API ListOutStream {
     }
 
   private:
+    friend struct detail::ListRun;
     void putInteger(bool negative, std::uint64_t magnitude);
     void putDouble(double value);
     template <std::size_t limit, class Format>

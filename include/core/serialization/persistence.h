@@ -21,12 +21,17 @@ class Nesting {
     /// One level down while it lives. ListStreamException when that is one too many.
     class Level {
       public:
-        CORE_API explicit Level(Nesting& nesting);
+        explicit Level(Nesting& nesting) : nesting_(nesting) {
+            if (nesting.depth_ >= kMaxDepth)
+                fail();
+            ++nesting.depth_;
+        }
         Level(const Level&) = delete;
         Level& operator=(const Level&) = delete;
         ~Level() { --nesting_.depth_; }
 
       private:
+        [[noreturn]] CORE_API static void fail();
         Nesting& nesting_;
     };
 
