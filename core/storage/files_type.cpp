@@ -147,7 +147,7 @@ bool StorageFilesType::isSorted() const noexcept {
 std::optional<StorageFileEntry> StorageFilesType::find(wstring_view name) const {
     if (!changes_.empty()) {
         if (const auto change = changes_.find(name); change != changes_.end())
-            return change->second;
+            return change->second.change;
     }
     const auto row = rowOf(name);
     return row ? std::optional(rows_[*row].entry) : std::nullopt;
@@ -196,21 +196,23 @@ void StorageFilesType::makeIndex() const {
     }
 }
 
-std::vector<const StorageFilesType::Changes::value_type*> StorageFilesType::sortedChanges() const {
-    std::vector<const Changes::value_type*> sorted;
-    sorted.reserve(changes_.size());
+StorageFilesType::SortedChanges StorageFilesType::sortedChanges() const {
+    SortedChanges sorted;
     for (const auto& change : changes_)
-        sorted.push_back(&change);
-    std::sort(sorted.begin(), sorted.end(),
+        (change.second.row == kNoRow ? sorted.added : sorted.known).push_back(&change);
+    std::sort(sorted.known.begin(), sorted.known.end(),
+              [](const auto* a, const auto* b) { return a->second.row < b->second.row; });
+    std::sort(sorted.added.begin(), sorted.added.end(),
               [](const auto* a, const auto* b) { return compare_file_names(a->first, b->first) < 0; });
     return sorted;
 }
 
 StorageFilesType::Change& StorageFilesType::edit(wstring_view name) {
     if (const auto change = changes_.find(name); change != changes_.end())
-        return change->second;
+        return change->second.change;
     const auto row = rowOf(name);
-    return changes_.emplace(wstring(name), row ? Change(rows_[*row].entry) : std::nullopt).first->second;
+    const Edit same{row ? Change(rows_[*row].entry) : std::nullopt, row.value_or(kNoRow)};
+    return changes_.emplace(wstring(name), same).first->second.change;
 }
 
 void StorageFilesType::revert() noexcept {

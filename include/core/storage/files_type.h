@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <span>
 #include <unordered_map>
@@ -81,7 +82,17 @@ class CORE_API StorageFilesType {
         using is_transparent = void;
         std::size_t operator()(wstring_view name) const noexcept { return std::hash<wstring_view>()(name); }
     };
-    using Changes = std::unordered_map<wstring, Change, Hash, std::equal_to<>>;
+    struct Edit {
+        Change change;
+        std::size_t row; // that it concerns, kNoRow for a name that the table does not have
+    };
+    static constexpr std::size_t kNoRow = std::numeric_limits<std::size_t>::max();
+    using Changes = std::unordered_map<wstring, Edit, Hash, std::equal_to<>>;
+    using ChangeList = std::vector<const Changes::value_type*>;
+    struct SortedChanges {
+        ChangeList known; // by row
+        ChangeList added; // by name
+    };
 
     [[nodiscard]] wstring_view nameOf(std::size_t row) const noexcept {
         const std::size_t begin = row == 0 ? 0 : static_cast<std::size_t>(rows_[row - 1].nameEnd);
@@ -90,7 +101,7 @@ class CORE_API StorageFilesType {
     [[nodiscard]] bool isSorted() const noexcept;
     [[nodiscard]] std::optional<std::size_t> rowOf(wstring_view name) const;
     void makeIndex() const;
-    [[nodiscard]] std::vector<const Changes::value_type*> sortedChanges() const;
+    [[nodiscard]] SortedChanges sortedChanges() const;
 
     const StorageLayout* layout_;
     std::uint64_t end_;
@@ -110,25 +121,24 @@ class CORE_API StorageFilesType64 : public StorageFilesType {
 
 template <class Visit>
 void StorageFilesType::forEach(Visit visit) const {
-    const auto changes = sortedChanges();
-    auto change = changes.begin();
-    const auto visitChange = [&] {
-        if ((*change)->second)
-            visit(wstring_view((*change)->first), *(*change)->second);
-        ++change;
+    const SortedChanges changes = sortedChanges();
+    auto known = changes.known.begin();
+    auto added = changes.added.begin();
+    const auto visitChange = [&](const Changes::value_type& change) {
+        if (change.second.change)
+            visit(wstring_view(change.first), *change.second.change);
     };
     for (std::size_t row = 0; row < rows_.size(); ++row) {
         const wstring_view name = nameOf(row);
-        int order = 1;
-        while (change != changes.end() && (order = compare_file_names((*change)->first, name)) < 0)
-            visitChange();
-        if (change != changes.end() && order == 0)
-            visitChange();
+        for (; added != changes.added.end() && compare_file_names((*added)->first, name) < 0; ++added)
+            visitChange(**added);
+        if (known != changes.known.end() && (*known)->second.row == row)
+            visitChange(**known++);
         else
             visit(name, rows_[row].entry);
     }
-    while (change != changes.end())
-        visitChange();
+    for (; added != changes.added.end(); ++added)
+        visitChange(**added);
 }
 
 } // namespace core
