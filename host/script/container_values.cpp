@@ -33,7 +33,7 @@ void save_to_container(wstring_view file, wstring_view name, const GenericValue&
 }
 
 GenericValue load_from_container(wstring_view file, wstring_view name) {
-    const StorageRW storage = container::open(at(file), OpenMode::read);
+    StorageRW storage = container::open(at(file), OpenMode::read);
     TextInStream in(storage.open(name, OpenMode::read));
     return GenericValue::fromString(read_text(in));
 }
