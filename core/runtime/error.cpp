@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/icu_length.h"
+
 #include <core/runtime/error.h>
 #include <core/runtime/library.h>
 #include <core/runtime/utf8.h>
@@ -14,10 +16,10 @@ wstring fill_in(const wstring& pattern, std::initializer_list<wstring> params) {
     std::vector<icu::Formattable> values;
     values.reserve(params.size());
     for (const wstring& param : params)
-        values.emplace_back(icu::UnicodeString(param.data(), static_cast<std::int32_t>(param.size())));
+        values.emplace_back(icu::UnicodeString(param.data(), icu_length(param.size())));
     UErrorCode status = U_ZERO_ERROR;
     icu::UnicodeString text;
-    icu::MessageFormat::format(icu::UnicodeString(pattern.data(), static_cast<std::int32_t>(pattern.size())),
+    icu::MessageFormat::format(icu::UnicodeString(pattern.data(), icu_length(pattern.size())),
                                values.data(), static_cast<std::int32_t>(values.size()), text, status);
     return U_SUCCESS(status) ? wstring(text.getBuffer(), static_cast<std::size_t>(text.length())) : pattern;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/strings/icu_length.h"
+#include "core/runtime/icu_length.h"
 
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>

@@ -159,6 +159,17 @@ TEST(UnknownImpl, OwnedObjectsAnswerQueriesButCountNothing) {
     EXPECT_TRUE(oneTime.wait(0ms) && oneTime.wait(0ms));
 }
 
+TEST(Semaphore, ATimeoutMayBeForEver) {
+    ISemaphoreImpl semaphore;
+    std::thread other([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        semaphore.signal();
+    });
+    EXPECT_TRUE(semaphore.wait(std::chrono::milliseconds::max()));
+    other.join();
+    EXPECT_FALSE(semaphore.wait(std::chrono::milliseconds::min()));
+}
+
 struct Plain : Refcountable<Plain> {
     int value = 7;
 };
@@ -190,7 +201,7 @@ TEST(Refcount, SharedPtrDestroysThroughTheVirtualDestructorWithTheLastHolder) {
     EXPECT_FALSE(gone);
     assign(b, b);
     EXPECT_FALSE(gone);
-    assign(b, static_cast<Virtual*>(nullptr));
+    core::assign(b, static_cast<Virtual*>(nullptr));
     EXPECT_TRUE(gone);
     IntrinsicRefcount<Virtual>::deallocate(nullptr);
 }
@@ -214,7 +225,7 @@ TEST(Refcount, ExtrinsicCountStandsInTheFourBytesBeforeTheObject) {
         EXPECT_EQ(*count, 2);
     }
     EXPECT_EQ(*count, 1);
-    pointer = CountedPtr<Wide>();
+    core::assign(pointer, CountedPtr<Wide>());
     EXPECT_TRUE(witness.expired());
     EXPECT_THROW(static_cast<void>(CountedPtr<Wide>::make(true)), std::runtime_error);
 }
@@ -234,6 +245,15 @@ TEST(LeaksCounter, IsReportedWhileItLives) {
     LeaksCounter::setTerm(u"leaks", nullptr);
     EXPECT_EQ(leaks_term().first, u"leaks");
     EXPECT_EQ(leaks_term().second, u"");
+}
+
+TEST(Utf8, BrokenPiecesAreReplacedAndTextsThatAreTooLongRefused) {
+    EXPECT_EQ(from_utf8("\xC3\xA9\xF0\x9F\x98\x80 \xED\xA0\x80\xFF"), u"\u00E9\U0001F600 \uFFFD\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(to_utf8(u"\u00E9\U0001F600\xD800x\xDC00"), "\xC3\xA9\xF0\x9F\x98\x80\xEF\xBF\xBDx\xEF\xBF\xBD");
+    EXPECT_EQ(to_utf8(u""), "");
+    // No such text exists here: its length is all that is looked at.
+    EXPECT_THROW(static_cast<void>(to_utf8({u"x", std::size_t{1} << 30})), ConverterException);
+    EXPECT_THROW(static_cast<void>(from_utf8({"x", std::size_t{1} << 31})), ConverterException);
 }
 
 TEST(Guid, TextRoundTripsAndOtherTextIsRefused) {

@@ -103,7 +103,10 @@ class SCOM_InternalClass final : public T {
     [[nodiscard]] static std::int32_t liveCount() noexcept { return live_counter<T>.count(); }
 
     // The live count goes with the memory, so that one visit to the thread's own part serves both.
-    static void* operator new(std::size_t size) { return allocate_counted(size, live_counter<T>); }
+    static void* operator new(std::size_t size) {
+        static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__, "blocks are aligned no further");
+        return allocate_counted(size, live_counter<T>);
+    }
     static void operator delete(void* block, std::size_t size) noexcept {
         free_counted(block, size, live_counter<T>);
     }

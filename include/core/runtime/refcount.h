@@ -116,10 +116,6 @@ class SmartPtrBase {
         return a.object_ == b.object_;
     }
 
-    /// Puts `source` in the place of what `target` holds, which is released. Works when both are the same.
-    friend void assign(Self& target, const Self& source) noexcept { target = source; }
-    friend void assign(Self& target, T* source) noexcept { target = Self(source); }
-
   private:
     void release() noexcept {
         if (object_ != nullptr)
@@ -128,6 +124,13 @@ class SmartPtrBase {
 
     T* object_ = nullptr;
 };
+
+/// Puts `source`, a pointer of the same kind or a plain one, in the place of what `target` holds, which is
+/// released. Works when both are the same.
+template <class T, class Self, class Policy>
+void assign(SmartPtrBase<T, Self, Policy>& target, const std::type_identity_t<Self>& source) noexcept {
+    static_cast<Self&>(target) = source;
+}
 
 /// A shared pointer to an object that carries its count.
 template <class T, class Policy = IntrinsicRefcount<T>>

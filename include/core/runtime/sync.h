@@ -3,26 +3,32 @@
 
 #include <core/runtime/unknown_impl.h>
 
-#include <atomic>
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <shared_mutex>
 
-/// Locks as interfaces. The objects belong to whatever encloses them, so their references count nothing.
+/// Locks as interfaces. The objects belong to whatever encloses them, so their references count nothing; they
+/// must not be destroyed while a thread holds them or waits for them.
 namespace core {
 
+/// Exclusive: one thread at a time.
 class IMutex : public IUnknown {
   public:
     static constexpr GUID IID = "aea2bf58-7319-45a9-befa-51a625a43b03"_guid;
+    /// Waits until the calling thread holds the lock.
     virtual void lock() = 0;
+    /// False, at once, when another thread holds the lock.
     virtual bool tryLock() = 0;
+    /// For the thread that holds it, once for each time it was locked.
     virtual void unlock() = 0;
 
   protected:
     ~IMutex() = default;
 };
 
+/// Many readers or one writer. Not recursive: a thread that holds it in either way must not ask for it again.
 class IRWMutex : public IUnknown {
   public:
     static constexpr GUID IID = "0b3a7bd9-4e91-447c-95aa-79ac0f060b5d"_guid;
@@ -35,10 +41,12 @@ class IRWMutex : public IUnknown {
     ~IRWMutex() = default;
 };
 
+/// Threads wait until others signal.
 class ISemaphore : public IUnknown {
   public:
     static constexpr GUID IID = "898a8253-bc72-4070-8c63-3e2df24696e9"_guid;
-    /// Waits until a signal can be taken, at most `timeout`; false when none came.
+    /// Waits until a signal can be taken, at most `timeout`; false when none came. Zero looks and does not
+    /// wait; a century and more is for ever.
     virtual bool wait(std::chrono::milliseconds timeout) = 0;
     virtual void signal() = 0;
 
@@ -75,8 +83,10 @@ template <class Impl, bool sticky>
 class SemaphoreBase : public IUnknownImpl<Impl, ISemaphore> {
   public:
     bool wait(std::chrono::milliseconds timeout) override {
+        // The sum of now and a timeout that means "for ever" would not fit the clock.
+        constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24 * 365 * 100);
         std::unique_lock guard(mutex_);
-        if (!ready_.wait_for(guard, timeout, [this] { return signals_ > 0; }))
+        if (!ready_.wait_for(guard, std::min(timeout, kLongest), [this] { return signals_ > 0; }))
             return false;
         if (!sticky)
             --signals_;
@@ -96,6 +106,7 @@ class SemaphoreBase : public IUnknownImpl<Impl, ISemaphore> {
 
 } // namespace detail
 
+/// Each signal lets one waiting thread through.
 class ISemaphoreImpl final : public detail::SemaphoreBase<ISemaphoreImpl, false> {};
 /// Once signalled, it lets everybody through.
 class ISemaphoreOneTimeImpl final : public detail::SemaphoreBase<ISemaphoreOneTimeImpl, true> {};
