@@ -16,17 +16,7 @@ SCOM_ResourceBundle& core_bundle() {
     return bundle;
 }
 
-void attach(ModuleHandle handle) {
-    detail::thread_slots.locale.allocate();
-    detail::thread_slots.process.allocate();
-    detail::thread_slots.data.allocate();
-    UErrorCode status = U_ZERO_ERROR;
-    u_init(&status);
-    LeaksCounter::setTerm(u"Objects alive", u"Живые объекты");
-    core_module().init(handle);
-}
-
-void detach() {
+void detach() noexcept {
     // Twice on purpose: the texts are closed once for the library and once for its module.
     core_bundle().cleanup();
     core_module().term();
@@ -36,6 +26,21 @@ void detach() {
     detail::thread_slots.data.free();
     detail::thread_slots.process.free();
     detail::thread_slots.locale.free();
+}
+
+void attach(ModuleHandle handle) {
+    detail::thread_slots.locale.allocate();
+    detail::thread_slots.process.allocate();
+    detail::thread_slots.data.allocate();
+    try {
+        UErrorCode status = U_ZERO_ERROR;
+        u_init(&status);
+        LeaksCounter::setTerm(u"Objects alive", u"Живые объекты");
+        core_module().init(handle);
+    } catch (...) {
+        detach();
+        throw;
+    }
 }
 
 std::mutex& scope_lock() {
@@ -62,8 +67,9 @@ bool library_main(ModuleHandle handle, LibraryEvent event) {
 
 LibraryScope::LibraryScope() {
     const std::lock_guard guard(scope_lock());
-    if (scopes++ == 0)
+    if (scopes == 0)
         library_main(&core_module(), LibraryEvent::processAttach);
+    ++scopes;
 }
 
 LibraryScope::~LibraryScope() {

@@ -2,20 +2,27 @@
 #include <core/runtime/module.h>
 
 #include <algorithm>
-#include <vector>
+#include <mutex>
 
 namespace core {
 namespace {
 
-std::vector<SCOM_Module*>& registry() {
-    static auto* const modules = new std::vector<SCOM_Module*>; // never destroyed: modules end in any order
+struct Registry {
+    std::mutex lock;
+    std::vector<SCOM_Module*> modules; // oldest first
+};
+
+Registry& registry() {
+    static auto* const modules = new Registry; // never destroyed: modules end in any order
     return *modules;
 }
 
 } // namespace
 
-std::span<SCOM_Module* const> registered_modules() noexcept {
-    return registry();
+std::vector<SCOM_Module*> registered_modules() {
+    Registry& all = registry();
+    const std::lock_guard guard(all.lock);
+    return all.modules;
 }
 
 void SCOM_Module::initialize() {
@@ -38,13 +45,19 @@ void SCOM_Module::cleanup() noexcept {
 void SCOM_Module::init(ModuleHandle handle) {
     initialize();
     handle_ = handle;
-    if (std::ranges::find(registry(), this) == registry().end())
-        registry().push_back(this);
+    Registry& all = registry();
+    const std::lock_guard guard(all.lock);
+    if (std::ranges::find(all.modules, this) == all.modules.end())
+        all.modules.push_back(this);
 }
 
 void SCOM_Module::term() noexcept {
     bundle_.cleanup();
-    std::erase(registry(), this);
+    {
+        Registry& all = registry();
+        const std::lock_guard guard(all.lock);
+        std::erase(all.modules, this);
+    }
     cleanup();
 }
 
@@ -52,15 +65,19 @@ void SCOM_Module::registerClass(const GUID& clsid, SCOM_Process* process) const 
     const ClassEntry* entry = entries_;
     while (entry != nullptr && !(*entry->record.clsid == clsid))
         entry = entry->next;
-    if (entry == nullptr)
+    const auto table = classTable();
+    const auto record = std::ranges::find_if(table, [&](const ClassRecord& candidate) {
+        return candidate.clsid != nullptr && *candidate.clsid == clsid;
+    });
+    if (entry == nullptr || record == table.end())
         return;
     void* factory = nullptr;
-    if (entry->record.getFactory(entry->record, IClassFactory::IID, &factory) != kOk)
+    if (record->getFactory(*record, IClassFactory::IID, &factory) != kOk)
         return;
     const auto held = InterfacePtr<IClassFactory>::adopt(static_cast<IClassFactory*>(factory));
     process->registerClass(clsid, held.get(), entry->threading, entry->attributes);
-    if (entry->record.service != nullptr)
-        process->registerService(*entry->record.service, clsid);
+    if (record->service != nullptr)
+        process->registerService(*record->service, clsid);
 }
 
 void SCOM_Module::revokeClass(const GUID& clsid, SCOM_Process* process) const {

@@ -82,15 +82,18 @@ HostProcess::HostProcess(const Settings& settings)
     : object_(SCOM_InternalClass<ProcessObject>::create(settings)) {
     if (!object_)
         throw_error<ProcessInitException>("IDS_PROCESS_INIT");
-    before_ = adopt_thread(object_.get());
     for (const SCOM_Module* module : registered_modules())
         module->registerAll(object_.get());
+    before_ = adopt_thread(object_.get()); // last: what fails before leaves the thread as it was
 }
 
 HostProcess::~HostProcess() {
-    const auto modules = registered_modules();
-    std::for_each(modules.rbegin(), modules.rend(),
-                  [this](const SCOM_Module* module) { module->revokeAll(object_.get()); });
+    try {
+        const auto modules = registered_modules();
+        std::for_each(modules.rbegin(), modules.rend(),
+                      [this](const SCOM_Module* module) { module->revokeAll(object_.get()); });
+    } catch (const std::bad_alloc&) { // the factories go with the process object
+    }
     object_->releaseServices();
     adopt_thread(before_);
 }

@@ -6,7 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+#include <memory>
+#include <stdexcept>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -62,6 +68,55 @@ TEST(Module, TableHoldsEveryDeclarationNewestFirstAndARecordOfZeros) {
     EXPECT_EQ(empty.classTable()[0].createInstance, nullptr);
 }
 
+TEST(Module, RegistersNothingWithoutItsTable) {
+    const host::HostProcess process;
+    TestModule test;
+    test.module.registerAll(process.get());
+    EXPECT_FALSE(create_object<IGreeter>(kGreeterClass));
+    test.module.init(nullptr);
+    test.module.registerClass(kGreeterClass, process.get());
+    EXPECT_TRUE(create_object<IGreeter>(kGreeterClass));
+    test.module.revokeClass(kGreeterClass, process.get());
+    EXPECT_FALSE(create_object<IGreeter>(kGreeterClass));
+}
+
+TEST(Module, ModulesAndProcessesBeginOnAnyThreads) {
+    SCOM_ResourceBundle bundle("nothing");
+    ClassEntry* const none = nullptr;
+    std::vector<std::unique_ptr<SCOM_Module>> modules; // end after all processes
+    std::vector<std::thread> threads;
+    threads.emplace_back([&] {
+        for (int round = 0; round < 200; ++round)
+            modules.emplace_back(std::make_unique<SCOM_Module>(none, bundle))->init(nullptr);
+    });
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([] {
+            for (int round = 0; round < 50; ++round) {
+                const host::HostProcess process;
+                EXPECT_EQ(current_process(), process.get());
+                EXPECT_NE(message_text("IDS_NUMERROR_OVERFLOW"), u"IDS_NUMERROR_OVERFLOW");
+            }
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_GE(registered_modules().size(), modules.size());
+}
+
+TEST(Module, AProcessThatCannotTakeItsClassesLeavesTheThreadAlone) {
+    TestModule test;
+    ClassEntry broken;
+    broken.record = {.clsid = &kTwiceClass,
+                     .getFactory = [](const ClassRecord&, const GUID&, void**) -> HRESULT {
+                         throw std::runtime_error("no factory");
+                     }};
+    ClassEntry* const entries = &broken;
+    SCOM_Module module(entries, test.bundle);
+    module.init(nullptr);
+    EXPECT_THROW(const host::HostProcess process, std::runtime_error);
+    EXPECT_EQ(current_process(), nullptr);
+}
+
 TEST(Registry, AProcessMakesObjectsAndOffersServicesUntilTheyAreRevoked) {
     TestModule test;
     test.module.init(nullptr);
@@ -105,12 +160,25 @@ TEST(Registry, AThreadHasTheProcessThatAdoptedIt) {
     }).join();
 }
 
+std::size_t bytes_in_use() {
+#if defined(__GLIBC__)
+    return mallinfo2().uordblks;
+#else
+    return 0;
+#endif
+}
+
 TEST(Library, ComesAndGoesAThousandTimes) {
+    std::size_t before = 0;
     for (int i = 0; i < 1000; ++i) {
+        if (i == 10) // what is made once is made by then
+            before = bytes_in_use();
         const host::HostProcess process;
+        ASSERT_EQ(current_process(), process.get()); // the slots have not run out
         ASSERT_FALSE(core_module().classTable().empty());
-        ASSERT_FALSE(message_text("IDS_NUMERROR_DIVIDEBYZERO").empty());
+        ASSERT_EQ(message_text("IDS_NUMERROR_DIVIDEBYZERO"), u"Division by zero.");
     }
+    EXPECT_EQ(bytes_in_use(), before);
     EXPECT_TRUE(core_module().classTable().empty());
     EXPECT_EQ(current_process(), nullptr);
     EXPECT_TRUE(library_main(nullptr, LibraryEvent::threadAttach));

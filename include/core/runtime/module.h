@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace core {
 
@@ -38,9 +39,12 @@ class CORE_API SCOM_Module {
 
     // registration
     /// Hands the factory of the declared class `clsid` to the process, and its service, if it is one. An
-    /// unknown id, or a class whose factory cannot be made, changes nothing.
+    /// unknown id, a class whose factory cannot be made, or a module without its table changes nothing. Throws
+    /// what the process throws.
     void registerClass(const GUID& clsid, SCOM_Process* process) const;
+    /// Takes the class back from the process.
     void revokeClass(const GUID& clsid, SCOM_Process* process) const;
+    /// Hands over every declared class in list order.
     void registerAll(SCOM_Process* process) const;
     /// Tells the process that the module's texts go, then revokes every class in list order.
     void revokeAll(SCOM_Process* process) const;
@@ -59,7 +63,8 @@ class CORE_API SCOM_Module {
     ModuleHandle handle_ = nullptr;
 };
 
-/// The modules that are initialised now, oldest first: how a process finds every declared class.
-[[nodiscard]] CORE_API std::span<SCOM_Module* const> registered_modules() noexcept;
+/// The modules that are initialised now, oldest first: how a process finds every declared class. Borrowed;
+/// whoever ends a module sees to it that no process still uses it. Safe on any thread.
+[[nodiscard]] CORE_API std::vector<SCOM_Module*> registered_modules();
 
 } // namespace core
