@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
-#include <core/strings/char_class.h>
+#include <core/strings/integer_text.h>
 #include <core/strings/printf.h>
 
-#include <fmt/printf.h>
+#include <fmt/format.h>
+#include <locale.h>
 #include <unicode/utf16.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <optional>
 
 namespace core {
@@ -27,10 +29,27 @@ struct Directive {
     [[nodiscard]] bool has(char flag) const noexcept { return flags.find(flag) != std::string::npos; }
 
     /// The directive for a number, `length` being the length letter.
-    [[nodiscard]] std::string narrow(const char* length = "") const {
+    [[nodiscard]] std::string narrow(const char* length) const {
         return fmt::format("%{}{}{}{}{}", flags, width > 0 ? fmt::to_string(width) : "",
                            precision ? fmt::format(".{}", *precision) : "", length, conversion);
     }
+};
+
+/// Lets the system's printf write numbers of this thread as in C's own locale, whatever the program's is.
+class PlainNumbers {
+  public:
+    PlainNumbers() noexcept : before_(uselocale(plain())) {}
+    PlainNumbers(const PlainNumbers&) = delete;
+    PlainNumbers& operator=(const PlainNumbers&) = delete;
+    ~PlainNumbers() { uselocale(before_); }
+
+  private:
+    static locale_t plain() noexcept {
+        static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+        return locale;
+    }
+
+    locale_t before_;
 };
 
 class Printer {
@@ -128,14 +147,14 @@ class Printer {
             break;
         case 'd':
         case 'i':
-            printInteger(directive, next<PrintfArgument::Integer>().asSigned);
+            printNumber(directive, "j", next<PrintfArgument::Integer>().asSigned);
             break;
         case 'u':
         case 'x':
         case 'X':
         case 'o':
             std::erase_if(directive.flags, [](char flag) { return flag == '+' || flag == ' '; });
-            printInteger(directive, next<PrintfArgument::Integer>().asUnsigned);
+            printNumber(directive, "j", next<PrintfArgument::Integer>().asUnsigned);
             break;
         case 'f':
         case 'F':
@@ -145,7 +164,7 @@ class Printer {
         case 'G':
         case 'a':
         case 'A':
-            printNumber(directive, next<double>());
+            printNumber(directive, "", next<double>());
             break;
         case 'c': {
             const auto unit = static_cast<wchar>(next<PrintfArgument::Integer>().asUnsigned);
@@ -156,25 +175,23 @@ class Printer {
             printText(directive);
             break;
         case 'p':
-            printNumber(directive, next<const void*>());
+            pad(directive, u"0x" + string_intto(reinterpret_cast<std::uintptr_t>(next<const void*>()), 16));
             break;
         default:
             fail();
         }
     }
 
+    /// `length` is the length letter of the number's type.
     template <class T>
-    void printInteger(const Directive& directive, T number) {
-        const std::string format = directive.narrow("j");
-        std::string text(static_cast<std::size_t>(std::snprintf(nullptr, 0, format.c_str(), number)), '\0');
+    void printNumber(const Directive& directive, const char* length, T number) {
+        const PlainNumbers plain;
+        const std::string format = directive.narrow(length);
+        const int size = std::snprintf(nullptr, 0, format.c_str(), number);
+        if (size < 0) // the format is one that it knows
+            throw std::bad_alloc();
+        std::string text(static_cast<std::size_t>(size), '\0');
         std::snprintf(text.data(), text.size() + 1, format.c_str(), number);
-        result_.append(text.begin(), text.end());
-    }
-
-    // The system's printf would take the decimal point from the locale of the program.
-    template <class T>
-    void printNumber(const Directive& directive, T number) {
-        const std::string text = fmt::sprintf(directive.narrow(), number);
         result_.append(text.begin(), text.end());
     }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdio>
 #include <random>
 
@@ -41,12 +42,14 @@ TEST(Printf, NumbersPrintAsInC) {
         const std::string natural =
             std::string("%") + (random() % 2 == 0 ? "#" : "") + start.substr(1) + "l" + pick("xXo");
         ASSERT_EQ(string_printf(natural, bits), c_printf(natural, bits)) << natural << bits;
-        const std::string floating = start + pick("fFeEgG");
+        const std::string floating =
+            std::string("%") + (random() % 2 == 0 ? "#" : "") + start.substr(1) + pick("fFeEgGaA");
         ASSERT_EQ(string_printf(floating, real), c_printf(floating, real)) << floating;
     }
     EXPECT_EQ(string_printf(u"%#x %#o %hhd", 255, 8, 7), u"0xff 010 7");
     EXPECT_EQ(string_printf(u"%x %+u", -1, short{-1}), u"ffffffff 4294967295");
-    EXPECT_EQ(string_printf(u"%a", 1.0), u"0x1p+0");
+    for (const double odd : {-0.0, HUGE_VAL, -HUGE_VAL, std::nan(""), 5e-324})
+        EXPECT_EQ(string_printf("%+012.3g|", odd), c_printf("%+012.3g|", odd));
     EXPECT_EQ(string_printf(u"%d %d", true, u'a'), u"1 97");
 }
 
@@ -60,6 +63,10 @@ TEST(Printf, TextsAndUnits) {
     EXPECT_EQ(string_printf(u"", 1), u"");
     const int here = 0;
     EXPECT_EQ(string_printf(u"%p", static_cast<const void*>(&here)).substr(0, 2), u"0x");
+    EXPECT_EQ(string_printf(u"%-5p|%5p", static_cast<const void*>(nullptr), reinterpret_cast<void*>(0x1A)),
+              u"0x0  | 0x1a");
+    EXPECT_EQ(string_printf(u"%s%2s|", static_cast<const char*>(nullptr), static_cast<const wchar*>(nullptr)),
+              u"  |");
 }
 
 TEST(Printf, MistakesAreRefused) {

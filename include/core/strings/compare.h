@@ -8,7 +8,7 @@
 /// comparisons return a number below, equal to or above zero, and are safe on any thread.
 namespace core {
 
-/// Exact, in the order of code units.
+/// Exact, in the order of code units; those of narrow text are its bytes, which no conversion replaces.
 [[nodiscard]] CORE_API int compare(wstring_view a, wstring_view b) noexcept;
 [[nodiscard]] CORE_API int compare(std::string_view a, std::string_view b) noexcept;
 

@@ -20,8 +20,10 @@
 ///     s            text, wide or UTF-8             p                 an address
 ///     %            itself
 ///
+/// Numbers are printed as C prints them in its own locale, an address as "0x" and hexadecimal digits.
+///
 /// The length letters of C (h l L j z t) are accepted and say nothing. Width and precision of text count code
-/// units; a surrogate pair is not cut apart. The result does not depend on the system's locale.
+/// units; a surrogate pair is not cut apart. A null pointer is the empty text.
 namespace core {
 
 /// One argument. It borrows texts; they live as long as the call.
@@ -38,10 +40,10 @@ class PrintfArgument {
     PrintfArgument(std::floating_point auto value) noexcept : value_(static_cast<double>(value)) {}
     template <class T>
     requires std::convertible_to<const T&, wstring_view> PrintfArgument(const T& text)
-    noexcept : value_(wstring_view(text)) {}
+    noexcept : value_(viewed<wchar>(text)) {}
     template <class T>
     requires std::convertible_to<const T&, std::string_view> PrintfArgument(const T& text)
-    noexcept : value_(std::string_view(text)) {}
+    noexcept : value_(viewed<char>(text)) {}
     PrintfArgument(const void* address) noexcept : value_(address) {}
 
     [[nodiscard]] const Value& value() const noexcept { return value_; }
@@ -51,6 +53,13 @@ class PrintfArgument {
     static constexpr std::uint64_t unsignedOf(T value) noexcept {
         using Promoted = decltype(+value);
         return static_cast<std::make_unsigned_t<Promoted>>(value);
+    }
+    template <CodeUnit C, class T>
+    static constexpr std::basic_string_view<C> viewed(const T& text) noexcept {
+        if constexpr (std::is_pointer_v<T>)
+            return text_view<C>(text); // which may be null
+        else
+            return text;
     }
 
     Value value_;
