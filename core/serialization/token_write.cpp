@@ -104,7 +104,7 @@ wostream& to_stream(wostream& out, wstring_view text) {
     return out;
 }
 wostream& to_stream(wostream& out, const wchar* text) {
-    return to_stream(out, wstring_view(text));
+    return to_stream(out, text_view(text));
 }
 wostream& to_stream(wostream& out, const wchar* text, std::uint32_t length) {
     return to_stream(out, terminated(text, length));

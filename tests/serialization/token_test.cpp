@@ -299,6 +299,7 @@ TEST(Token, StringsDoubleQuotesAndEscapeSurrogates) {
     }
     EXPECT_EQ(written(u"ab\0cd"), u"\"ab\"");
     EXPECT_EQ(written(u"abcd", std::uint32_t{3}), u"\"abc\"");
+    EXPECT_EQ(written(static_cast<const wchar*>(nullptr)), u"\"\"");
     EXPECT_EQ(written(u"ab\0cd", std::uint32_t{4}), u"\"ab\"");
     EXPECT_EQ(read<wstring>(u"  \"a\"\\00E9\"\\ff21\"\"\" z", u" z"), u"a\x00E9\xFF21\"");
     EXPECT_EQ(read<wstring>(u"\"\"\\\xFF21\xFF26\xFF41\xFF46\"", u""), wstring(1, 0xAFAF));

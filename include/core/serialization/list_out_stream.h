@@ -48,8 +48,8 @@ class CORE_API ListOutStream {
     void put(const Date& date);
     void put(wstring_view text);
     void put(const wstring& text) { put(wstring_view(text)); }
-    /// Up to the null unit.
-    void put(const wchar* text) { put(wstring_view(text)); }
+    /// Up to the null unit; a null pointer is the empty string.
+    void put(const wchar* text) { put(text_view(text)); }
     /// At most `length` units, fewer when a null unit stands among them.
     void put(const wchar* text, std::uint32_t length);
     template <CharacterCode T>

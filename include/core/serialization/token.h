@@ -86,6 +86,7 @@ inline wostream& to_stream(wostream& out, long double value) {
 CORE_API wostream& to_stream(wostream& out, const GUID& id);
 /// In quotes; quotes inside doubled, surrogates escaped.
 CORE_API wostream& to_stream(wostream& out, wstring_view text);
+/// The same, up to the null unit; a null pointer is the empty string.
 CORE_API wostream& to_stream(wostream& out, const wchar* text);
 /// At most `length` units, fewer when a null unit stands among them.
 CORE_API wostream& to_stream(wostream& out, const wchar* text, std::uint32_t length);
