@@ -7,6 +7,9 @@ namespace core {
 Exception::Exception(const wchar* description, IExceptionObject* cause)
     : Exception(kClassId, description, cause) {}
 
+Exception::Exception(const wstring& description, IExceptionObject* cause)
+    : Exception(kClassId, description, cause) {}
+
 Exception::Exception(const GUID& clsid, const wstring& description, IExceptionObject* cause)
     : clsid_(clsid), description_(description), cause_(cause), what_(to_utf8(description)) {}
 
@@ -14,7 +17,11 @@ Exception::Exception(const GUID& clsid, const wchar* description, IExceptionObje
     : Exception(clsid, description != nullptr ? wstring(description) : wstring(), cause) {}
 
 Exception::Exception(const Exception&) = default;
-Exception& Exception::operator=(const Exception&) = default;
+Exception::Exception(Exception&&) noexcept = default;
+Exception& Exception::operator=(const Exception& other) {
+    return *this = Exception(other);
+}
+Exception& Exception::operator=(Exception&&) noexcept = default;
 Exception::~Exception() = default;
 
 } // namespace core

@@ -152,6 +152,10 @@ TEST(ExceptionObject, WhatAnExceptionHoldsSurvivesText) {
     EXPECT_EQ(type.error(), -7);
     EXPECT_EQ(type.type(), TypeException::kClassId);
     EXPECT_EQ(through_text(LocaleException(u"plain")).description(), u"plain");
+    const wstring zero(u"a\0b", 3);
+    EXPECT_EQ(through_text(Exception(zero)).description(), zero);
+    EXPECT_EQ(through_text(ComparatorException(ComparatorException::Error::none, zero)).description(), zero);
+    EXPECT_EQ(through_text(COMTypeException(0, kNullGuid, zero)).description(), zero);
 }
 
 TEST(ExceptionObject, TextThatDoesNotFitChangesNothing) {
@@ -203,6 +207,12 @@ TEST(ExceptionObject, AFailureCrossesAnInterface) {
     const auto other = create_object<IExceptionObject>(ContextException::kClassId);
     other->init(failure->exception());
     EXPECT_EQ(raised<ContextException>(other.get()).description(), failure->exception().description());
+    EXPECT_EQ(other->exception().clsid(), ListStreamException::kClassId);
+    // Nothing of what it held before stays.
+    const auto numeric = wrap_exception(NumericException(NumericException::Error::overflow, {}, other.get()));
+    numeric->init(failure->exception());
+    EXPECT_EQ(raised<NumericException>(numeric.get()).error(), NumericException::Error::none);
+    EXPECT_EQ(numeric->exception().cause(), nullptr);
     EXPECT_FALSE(callee([] {}));
 }
 

@@ -31,15 +31,18 @@ class IExceptionObject : public IUnknown {
 /// The base of every failure that the library throws: a finished message in the user's language, the class id
 /// of the error object that carries such a failure across modules, and the failure that caused it, if any.
 ///
-/// Copying adds a reference to the cause.
+/// Copying adds a reference to the cause, moving hands it over; an assignment that fails changes nothing.
 class CORE_API Exception : public std::exception {
   public:
     static constexpr GUID kClassId = "f6f167a0-dcc9-49ad-8f8e-2c9d9904e4fe"_guid;
 
     /// `description` may be null, which gives an empty one; `cause` may be null and gains a reference.
     explicit Exception(const wchar* description = nullptr, IExceptionObject* cause = nullptr);
+    explicit Exception(const wstring& description, IExceptionObject* cause = nullptr);
     Exception(const Exception&);
+    Exception(Exception&&) noexcept;
     Exception& operator=(const Exception&);
+    Exception& operator=(Exception&&) noexcept;
     ~Exception() override;
 
     /// The class id of the twin error-object class.

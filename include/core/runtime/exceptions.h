@@ -60,6 +60,7 @@ class CORE_API CtorException : public BasicException<CtorException> {
     using BasicException::BasicException;
 };
 
+/// A source of data that could not be opened or read.
 class CORE_API DataSourceException : public BasicException<DataSourceException> {
   public:
     static constexpr GUID kClassId = "a1c2eb69-786f-47ac-9bda-d151db42d13d"_guid;
@@ -80,24 +81,28 @@ class CORE_API ListStreamException : public BasicException<ListStreamException> 
     using BasicException::BasicException;
 };
 
+/// A locale that the system does not know, or has no rules for.
 class CORE_API LocaleException : public BasicException<LocaleException> {
   public:
     static constexpr GUID kClassId = "a5ac9977-cc6b-4878-95b5-4969293f7ed5"_guid;
     using BasicException::BasicException;
 };
 
+/// A source of data that cannot be totalled by its dimensions.
 class CORE_API PivotSourceException : public BasicException<PivotSourceException> {
   public:
     static constexpr GUID kClassId = "34212dd6-31c7-4306-bc16-c1b43c60d8fa"_guid;
     using BasicException::BasicException;
 };
 
+/// A call to another process that did not come through.
 class CORE_API RemotingException : public BasicException<RemotingException> {
   public:
     static constexpr GUID kClassId = "df84c0d7-ee36-4d9f-96ca-503359a67a6c"_guid;
     using BasicException::BasicException;
 };
 
+/// Types that a provider of type descriptions could not name.
 class CORE_API TypeDomainPatternProviderException
     : public BasicException<TypeDomainPatternProviderException> {
   public:
@@ -112,6 +117,7 @@ class CORE_API TypeException : public BasicException<TypeException> {
     using BasicException::BasicException;
 };
 
+/// A value that cannot tell whether it is filled.
 class CORE_API ValueIsFilledException : public BasicException<ValueIsFilledException> {
   public:
     static constexpr GUID kClassId = "692be45e-09da-4328-9a57-bc5237164046"_guid;
@@ -132,7 +138,7 @@ class CORE_API ComparatorException : public BasicException<ComparatorException> 
     enum class Error : std::int32_t { none = 0, incomparable = 1 };
 
     using BasicException::BasicException;
-    explicit ComparatorException(Error error, const wchar* description = nullptr,
+    explicit ComparatorException(Error error, const wstring& description = wstring(),
                                  IExceptionObject* cause = nullptr)
         : BasicException(description, cause), error_(error) {}
     [[nodiscard]] Error error() const noexcept { return error_; }
@@ -147,7 +153,7 @@ class CORE_API COMTypeException : public BasicException<COMTypeException> {
     static constexpr GUID kClassId = "31c9840c-822a-4b75-9b4d-e5f691d035f4"_guid;
 
     using BasicException::BasicException;
-    COMTypeException(std::int32_t error, const GUID& type, const wchar* description = nullptr,
+    COMTypeException(std::int32_t error, const GUID& type, const wstring& description = wstring(),
                      IExceptionObject* cause = nullptr)
         : BasicException(description, cause), error_(error), type_(type) {}
     [[nodiscard]] std::int32_t error() const noexcept { return error_; }

@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <functional>
 #include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace core {
 
@@ -19,9 +21,7 @@ template <class X>
 struct ExceptionData {
     using Tokens = std::tuple<>;
     static Tokens of(const X&) { return {}; }
-    static X make(const wstring& description, IExceptionObject* cause) {
-        return X(description.c_str(), cause);
-    }
+    static X make(const wstring& description, IExceptionObject* cause) { return X(description, cause); }
 };
 
 template <>
@@ -29,8 +29,7 @@ struct ExceptionData<ComparatorException> {
     using Tokens = std::tuple<std::int32_t>;
     static Tokens of(const ComparatorException& e) { return {static_cast<std::int32_t>(e.error())}; }
     static ComparatorException make(const wstring& description, IExceptionObject* cause, std::int32_t error) {
-        return ComparatorException(static_cast<ComparatorException::Error>(error), description.c_str(),
-                                   cause);
+        return ComparatorException(static_cast<ComparatorException::Error>(error), description, cause);
     }
 };
 
@@ -40,7 +39,7 @@ struct ExceptionData<COMTypeException> {
     static Tokens of(const COMTypeException& e) { return {e.error(), e.type()}; }
     static COMTypeException make(const wstring& description, IExceptionObject* cause, std::int32_t error,
                                  const GUID& type) {
-        return COMTypeException(error, type, description.c_str(), cause);
+        return COMTypeException(error, type, description, cause);
     }
 };
 
@@ -98,10 +97,12 @@ class IExceptionObjectImpl : public IExceptionObject,
 
     void init(const Exception& e) override {
         // The whole exception where its class is the same, what all exceptions have otherwise.
+        X taken;
         if (const auto* const same = dynamic_cast<const X*>(&e))
-            held_ = *same;
+            taken = *same;
         else
-            static_cast<Exception&>(held_) = e;
+            static_cast<Exception&>(taken) = e;
+        held_ = std::move(taken);
     }
     [[noreturn]] void raise() override { throw X(held_); }
     Exception& exception() noexcept override { return held_; }
@@ -124,6 +125,8 @@ class IExceptionObjectImpl : public IExceptionObject,
     }
 
   private:
+    static_assert(std::is_nothrow_move_assignable_v<X>, "taking a failure must not fail half-way");
+
     X held_;
 };
 
