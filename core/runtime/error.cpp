@@ -19,8 +19,8 @@ wstring fill_in(const wstring& pattern, std::initializer_list<wstring> params) {
         values.emplace_back(icu::UnicodeString(param.data(), icu_length(param.size())));
     UErrorCode status = U_ZERO_ERROR;
     icu::UnicodeString text;
-    icu::MessageFormat::format(icu::UnicodeString(pattern.data(), icu_length(pattern.size())),
-                               values.data(), static_cast<std::int32_t>(values.size()), text, status);
+    icu::MessageFormat::format(icu::UnicodeString(pattern.data(), icu_length(pattern.size())), values.data(),
+                               static_cast<std::int32_t>(values.size()), text, status);
     return U_SUCCESS(status) ? wstring(text.getBuffer(), static_cast<std::size_t>(text.length())) : pattern;
 }
 

@@ -57,7 +57,8 @@ class ProcessObject : public core::SCOM_Process {
 
 /// A running process: attaches the library, registers the classes of every module, and adopts the calling
 /// thread. Its destructor releases services, revokes the classes and detaches, so all objects made in it must
-/// be gone by then.
+/// be gone by then. One that cannot be started throws ProcessInitException or std::bad_alloc and leaves the
+/// thread as it was. It ends on the thread that started it.
 class HostProcess {
   public:
     explicit HostProcess(const core::Settings& settings = {});

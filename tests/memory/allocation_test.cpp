@@ -165,4 +165,22 @@ TEST_F(Allocation, TablesStayWhole) {
     });
 }
 
+TEST(Process, StartsWholeOrNotAtAll) {
+    bool started = false;
+    for (int allowed = 0; !started; ++allowed) {
+        std::thread([&] {
+            try {
+                const test::AllocationLimit limit(allowed);
+                const host::HostProcess process;
+                started = true;
+                EXPECT_NE(process.get(), nullptr);
+            } catch (const std::bad_alloc&) {
+            } catch (const core::ProcessInitException&) {
+            }
+            EXPECT_EQ(core::current_process(), nullptr) << allowed;
+            EXPECT_TRUE(core::core_module().classTable().empty()) << "attached after failure " << allowed;
+        }).join();
+    }
+}
+
 } // namespace

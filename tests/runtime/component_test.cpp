@@ -248,7 +248,8 @@ TEST(LeaksCounter, IsReportedWhileItLives) {
 }
 
 TEST(Utf8, BrokenPiecesAreReplacedAndTextsThatAreTooLongRefused) {
-    EXPECT_EQ(from_utf8("\xC3\xA9\xF0\x9F\x98\x80 \xED\xA0\x80\xFF"), u"\u00E9\U0001F600 \uFFFD\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(from_utf8("\xC3\xA9\xF0\x9F\x98\x80 \xED\xA0\x80\xFF"),
+              u"\u00E9\U0001F600 \uFFFD\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(to_utf8(u"\u00E9\U0001F600\xD800x\xDC00"), "\xC3\xA9\xF0\x9F\x98\x80\xEF\xBF\xBDx\xEF\xBF\xBD");
     EXPECT_EQ(to_utf8(u""), "");
     // No such text exists here: its length is all that is looked at.

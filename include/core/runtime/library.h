@@ -11,8 +11,8 @@ enum class LibraryEvent { processDetach = 0, processAttach = 1, threadAttach = 2
 /// The library's entry point. On process attach it allocates the thread-local slots, initialises ICU and the
 /// leak registry, gathers the class table and enters the module into the registry; on process detach it
 /// undoes all that in reverse, closing the message texts first. Thread events do nothing. Always true. One
-/// attach is undone by one detach, as often as wanted; most programs leave this to LibraryScope. An attach that
-/// runs out of memory undoes what it did and throws std::bad_alloc. Threads: one call at a time.
+/// attach is undone by one detach, as often as wanted; most programs leave this to LibraryScope. An attach
+/// that runs out of memory undoes what it did and throws std::bad_alloc. Threads: one call at a time.
 CORE_API bool library_main(ModuleHandle handle, LibraryEvent event);
 
 /// The library's own module.

@@ -39,8 +39,8 @@ class CORE_API SCOM_Module {
 
     // registration
     /// Hands the factory of the declared class `clsid` to the process, and its service, if it is one. An
-    /// unknown id, a class whose factory cannot be made, or a module without its table changes nothing. Throws
-    /// what the process throws.
+    /// unknown id, a class whose factory cannot be made, or a module without its table changes nothing.
+    /// Throws what the process throws.
     void registerClass(const GUID& clsid, SCOM_Process* process) const;
     /// Takes the class back from the process.
     void revokeClass(const GUID& clsid, SCOM_Process* process) const;
