@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/strings/folded_name.h"
+
 #include <core/context/name_cache.h>
 
 #include <algorithm>
@@ -34,55 +36,64 @@ auto methods_of(const IContextDef& def) {
 } // namespace
 
 void NameTable::reserve(int count) {
-    const std::size_t names = 2 * static_cast<std::size_t>(std::max(count, 0));
-    entries_.reserve(names);
-    slots_.assign(std::bit_ceil(std::max(2 * names, kMinSlots)), 0);
+    const std::size_t slots = std::bit_ceil(4 * static_cast<std::size_t>(std::max(count, 0)));
+    if (slots > slots_.size())
+        resize(std::max(slots, kMinSlots));
 }
 
 void NameTable::clear() noexcept {
-    entries_.clear();
     slots_.clear();
-    names_.clear();
+    size_ = 0;
+    foldings_.clear();
 }
 
-/// The slot that holds the name, or the empty one where it would stand. There is always an empty one.
-std::size_t NameTable::slotOf(wstring_view name, const NameFingerprint& fingerprint) const noexcept {
+/// The slot with an entry of that fingerprint that `same` is true of, or the free one where it would stand.
+/// There is always a free one.
+template <class Same>
+std::size_t NameTable::slotOf(const NameFingerprint& fingerprint, Same same) const noexcept {
     const std::size_t mask = slots_.size() - 1;
     // The hash of short names leaves the upper bits bare: spread it over all of them.
     std::size_t slot = (static_cast<std::uint32_t>(fingerprint.hash) * 0x9E3779B1U >> 7) & mask;
-    for (; slots_[slot] != 0; slot = (slot + 1) & mask) {
-        const Entry& entry = entries_[slots_[slot] - 1];
-        if (entry.fingerprint == fingerprint && compare_nocase(nameOf(entry), name) == 0)
+    for (; slots_[slot].folding != kFree; slot = (slot + 1) & mask) {
+        const Entry& entry = slots_[slot];
+        if (entry.fingerprint == fingerprint && same(entry))
             break;
     }
     return slot;
 }
 
-void NameTable::grow() {
-    std::vector<std::uint32_t> slots(std::max(2 * slots_.size(), kMinSlots), 0);
-    slots_.swap(slots);
-    for (std::size_t i = 0; i < entries_.size(); ++i)
-        slots_[slotOf(nameOf(entries_[i]), entries_[i].fingerprint)] = static_cast<std::uint32_t>(i + 1);
+std::size_t NameTable::slotOf(const FoldedName& name) const noexcept {
+    return slotOf(name.fingerprint(),
+                  [&](const Entry& entry) { return name.isSame(foldings_.data() + entry.folding); });
+}
+
+void NameTable::resize(std::size_t slots) {
+    std::vector<Entry> old(slots);
+    slots_.swap(old);
+    for (const Entry& entry : old) {
+        if (entry.folding != kFree)
+            slots_[slotOf(entry.fingerprint, [](const Entry&) { return false; })] = entry;
+    }
 }
 
 void NameTable::add(wstring_view name, int number) {
-    if (2 * (entries_.size() + 1) > slots_.size())
-        grow();
-    const NameFingerprint fingerprint = name_fingerprint(name);
-    std::uint32_t& slot = slots_[slotOf(name, fingerprint)];
-    if (slot != 0)
+    if (2 * (size_ + 1) > slots_.size())
+        resize(std::max(2 * slots_.size(), kMinSlots));
+    const FoldedName wanted(name);
+    Entry& entry = slots_[slotOf(wanted)];
+    if (entry.folding != kFree)
         return;
-    const auto offset = static_cast<std::uint32_t>(names_.size());
-    names_ += name;
-    entries_.push_back({fingerprint, number, offset, static_cast<std::uint32_t>(name.size())});
-    slot = static_cast<std::uint32_t>(entries_.size());
+    const auto folding = static_cast<std::uint32_t>(foldings_.size());
+    wanted.appendTo(foldings_);
+    entry = {wanted.fingerprint(), number, folding};
+    ++size_;
 }
 
 int NameTable::find(wstring_view name) const noexcept {
-    if (entries_.empty())
+    if (slots_.empty())
         return -1;
-    const std::uint32_t entry = slots_[slotOf(name, name_fingerprint(name))];
-    return entry != 0 ? entries_[entry - 1].number : -1;
+    const Entry& entry = slots_[slotOf(FoldedName(name))];
+    return entry.folding != kFree ? entry.number : -1;
 }
 
 void ContextDefCached::initPropsCache(const IContextDef& def) const {

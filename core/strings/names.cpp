@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/strings/class_table.h"
+#include "core/strings/folded_name.h"
 #include "core/strings/folded_reader.h"
 
 #include <core/runtime/utf8.h>
@@ -30,30 +31,70 @@ NameFingerprint fingerprint_long(std::uint32_t hash, std::size_t length, wstring
     return {static_cast<std::int32_t>(hash), static_cast<std::uint32_t>(length)};
 }
 
-} // namespace
-
-NameFingerprint name_fingerprint(wstring_view name) noexcept {
+// Hands the folding to `store` by words of four units, and tells whether that was all of it.
+template <class Store>
+NameFingerprint fold_name(wstring_view name, bool& stored, Store store) noexcept {
     const FoldTable& fold = FoldTable::instance();
     constexpr wchar kLong = FoldTable::kLong;
+    stored = false;
     std::uint32_t hash = 0;
     std::size_t i = 0;
     // Four steps of h * 5 + c at once: the same sum, a quarter of the dependent multiplications.
     for (; i + 4 <= name.size(); i += 4) {
-        const wchar a = fold[name[i]];
-        const wchar b = fold[name[i + 1]];
-        const wchar c = fold[name[i + 2]];
-        const wchar d = fold[name[i + 3]];
+        const std::uint64_t a = fold[name[i]];
+        const std::uint64_t b = fold[name[i + 1]];
+        const std::uint64_t c = fold[name[i + 2]];
+        const std::uint64_t d = fold[name[i + 3]];
         if (a == kLong || b == kLong || c == kLong || d == kLong)
             return fingerprint_long(hash, i, name.substr(i));
-        hash = hash * 625 + a * 125U + b * 25U + c * 5U + d;
+        store(i / 4, a | b << 16 | c << 32 | d << 48);
+        hash = hash * 625 + static_cast<std::uint32_t>(a * 125 + b * 25 + c * 5 + d);
     }
-    for (; i < name.size(); ++i) {
-        const wchar folded = fold[name[i]];
+    std::uint64_t rest = 0;
+    for (std::size_t k = 0; i + k < name.size(); ++k) {
+        const wchar folded = fold[name[i + k]];
         if (folded == kLong)
-            return fingerprint_long(hash, i, name.substr(i));
+            return fingerprint_long(hash, i + k, name.substr(i + k));
+        rest |= std::uint64_t{folded} << (16 * k);
         hash = hash * 5 + folded;
     }
-    return {static_cast<std::int32_t>(hash), static_cast<std::uint32_t>(i)};
+    store(i / 4, rest);
+    stored = true;
+    return {static_cast<std::int32_t>(hash), static_cast<std::uint32_t>(name.size())};
+}
+
+} // namespace
+
+NameFingerprint name_fingerprint(wstring_view name) noexcept {
+    bool stored = false;
+    return fold_name(name, stored, [](std::size_t, std::uint64_t) {});
+}
+
+FoldedName::FoldedName(wstring_view name) noexcept : name_(name) {
+    if (name.size() < 4 * kWords) {
+        fingerprint_ =
+            fold_name(name, ready_, [this](std::size_t i, std::uint64_t word) { words_[i] = word; });
+    } else {
+        fingerprint_ = name_fingerprint(name);
+        ready_ = false;
+    }
+}
+
+bool FoldedName::isSameLong(const std::uint64_t* folding) const noexcept {
+    FoldedReader reader(name_);
+    for (std::size_t i = 0; i < fingerprint_.length; ++i) {
+        if (reader.next() != static_cast<wchar>(folding[i / 4] >> (i % 4 * 16)))
+            return false;
+    }
+    return true;
+}
+
+void FoldedName::appendTo(std::vector<std::uint64_t>& foldings) const {
+    const std::size_t begin = foldings.size();
+    foldings.resize(begin + (fingerprint_.length + 3) / 4);
+    FoldedReader reader(name_);
+    for (std::size_t i = 0; i < fingerprint_.length; ++i)
+        foldings[begin + i / 4] |= static_cast<std::uint64_t>(reader.next()) << (i % 4 * 16);
 }
 
 std::int32_t hash_nocase(wstring_view text) noexcept {

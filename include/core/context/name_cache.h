@@ -10,7 +10,7 @@
 namespace core {
 
 /// A table from names in any case to numbers. Of two equal names the one added first stays, so that a lower
-/// number wins, and English wins over Russian. Names are copied.
+/// number wins, and English wins over Russian. The foldings of names are copied.
 class CORE_API NameTable {
   public:
     /// Adds the names of numbers 0 ... `count` - 1: for each the aliases 0, 1, ... while `name(number,
@@ -35,26 +35,24 @@ class CORE_API NameTable {
     /// The number of a name, or -1.
     [[nodiscard]] int find(wstring_view name) const noexcept;
     /// How many different names there are.
-    [[nodiscard]] std::size_t size() const noexcept { return entries_.size(); }
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
   private:
     struct Entry {
         NameFingerprint fingerprint;
-        std::int32_t number;
-        std::uint32_t offset; // of the name in names_
-        std::uint32_t length;
+        std::int32_t number = 0;
+        std::uint32_t folding = kFree; // where the words of that of the name begin
     };
+    static constexpr std::uint32_t kFree = ~std::uint32_t{0};
 
-    [[nodiscard]] std::size_t slotOf(wstring_view name, const NameFingerprint& fingerprint) const noexcept;
-    [[nodiscard]] wstring_view nameOf(const Entry& entry) const noexcept {
-        return wstring_view(names_).substr(entry.offset, entry.length);
-    }
-    void grow();
+    template <class Same>
+    [[nodiscard]] std::size_t slotOf(const NameFingerprint& fingerprint, Same same) const noexcept;
+    [[nodiscard]] std::size_t slotOf(const class FoldedName& name) const noexcept;
+    void resize(std::size_t slots);
 
-    std::vector<Entry> entries_;
-    std::vector<std::uint32_t>
-        slots_; // index of an entry plus one, 0 for none; a power of two of them, half full
-    wstring names_;
+    std::vector<Entry> slots_; // a power of two of them, half full at the most
+    std::size_t size_ = 0;
+    std::vector<std::uint64_t> foldings_;
 };
 
 /// Finds properties and methods by tables that are built when first needed, one for each. Not for use by two
