@@ -104,15 +104,6 @@ struct Lanes {
     return {p0, p1, p2, p3};
 }
 
-[[nodiscard]] inline bool less(const Lanes& a, const Lanes& b) noexcept {
-    for (std::size_t i = 4; i-- > 0;) {
-        if (a.pairs[i] != b.pairs[i]) {
-            return a.pairs[i] < b.pairs[i];
-        }
-    }
-    return false;
-}
-
 /// a − b for b <= a.
 [[nodiscard]] inline Lanes subtract(const Lanes& a, const Lanes& b) noexcept {
     Pair borrow = 0;

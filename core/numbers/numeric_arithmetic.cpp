@@ -17,15 +17,24 @@ Numeric& Numeric::add(Numeric& out, const Numeric& a, const Numeric& b, bool sub
         addLong(out, a, b, subtract);
         return out;
     }
-    const Lanes x(a.limbs_);
-    const Lanes y(b.limbs_);
     if (a.fraction_ != b.fraction_) {
         addUnaligned(out, a, b, subtract);
-    } else if ((a.sign_ != b.sign_) == subtract) {
+    } else {
+        addLow(out, Lanes(a.limbs_), Lanes(b.limbs_), (a.sign_ != b.sign_) != subtract, a.fraction_,
+               a.negative());
+    }
+    return out;
+}
+
+/// x + y or, where signs are `different`, x − y, both of up to four limbs with the point at the same limb;
+/// `negative` is the sign of x.
+inline void Numeric::addLow(Numeric& out, const Lanes& x, const Lanes& y, bool different,
+                            std::int32_t fraction, bool negative) {
+    if (!different) {
         Pair carry = 0;
         const Pair low = add_pair(x.pairs[0], y.pairs[0], carry);
         const Pair high = add_pair(x.pairs[1], y.pairs[1], carry);
-        out.store({low, high, carry, 0}, a.fraction_, a.negative());
+        out.store({low, high, carry, 0}, fraction, negative);
     } else {
         const bool swapped = x.pairs[1] != y.pairs[1] ? x.pairs[1] < y.pairs[1] : x.pairs[0] < y.pairs[0];
         const Lanes& greater = swapped ? y : x;
@@ -33,9 +42,8 @@ Numeric& Numeric::add(Numeric& out, const Numeric& a, const Numeric& b, bool sub
         Pair borrow = 0;
         const Pair low = subtract_pair(greater.pairs[0], smaller.pairs[0], borrow);
         const Pair high = subtract_pair(greater.pairs[1], smaller.pairs[1], borrow);
-        out.store({low, high, 0, 0}, a.fraction_, a.negative() != swapped);
+        out.store({low, high, 0, 0}, fraction, negative != swapped);
     }
-    return out;
 }
 
 /// The operand with fewer fraction limbs moves up.
@@ -50,12 +58,13 @@ void Numeric::addUnaligned(Numeric& out, const Numeric& a, const Numeric& b, boo
     }
     const Lanes x = Lanes(coarse.limbs_).shiftedUp(static_cast<unsigned>(shift));
     const Lanes y(fine.limbs_);
+    const bool different = (a.sign_ != b.sign_) != subtract;
     const bool negative = coarse.negative() != (subtract && !first);
-    if ((a.sign_ != b.sign_) == subtract) {
+    if ((x.pairs[2] | x.pairs[3]) == 0) {
+        addLow(out, x, y, different, fine.fraction_, negative);
+    } else if (!different) {
         out.store(limbs::add(x, y), fine.fraction_, negative);
-    } else if (less(x, y)) {
-        out.store(limbs::subtract(y, x), fine.fraction_, !negative);
-    } else {
+    } else { // x reaches higher
         out.store(limbs::subtract(x, y), fine.fraction_, negative);
     }
 }

@@ -186,6 +186,8 @@ class CORE_API Numeric {
     static Numeric& multiply(Numeric& out, const Numeric& a, const Numeric& b);
     static Numeric& divide(Numeric& out, const Numeric& a, const Numeric& b);
     static Numeric& remainder(Numeric& out, const Numeric& a, const Numeric& b);
+    static void addLow(Numeric& out, const limbs::Lanes& x, const limbs::Lanes& y, bool different,
+                       std::int32_t fraction, bool negative);
     static void addUnaligned(Numeric& out, const Numeric& a, const Numeric& b, bool subtract);
     static void addLong(Numeric& out, const Numeric& a, const Numeric& b, bool subtract);
     static void divideLong(Numeric& out, const Numeric& a, const Numeric& b);
