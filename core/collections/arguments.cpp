@@ -9,9 +9,7 @@
 
 namespace core {
 
-std::int64_t index_argument(const Value& argument, int param) {
-    if (const auto whole = argument.asSmallWhole(); whole && *whole == static_cast<std::int32_t>(*whole))
-        return *whole;
+std::int64_t unusual_index_argument(const Value& argument, int param) {
     const auto number = argument.asNumeric();
     if (!number)
         parameter_type_mismatch(param);
