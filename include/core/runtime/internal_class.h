@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <limits>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 namespace core {
@@ -90,9 +91,13 @@ class SCOM_InternalClass final : public T {
         const std::int32_t count = AtomicCounter::decrement(count_);
         if (count != 0)
             return static_cast<std::uint32_t>(count);
-        count_ = kDying; // a reference taken and released by the destructor must not destroy twice
-        detail::destroy_bounded(
-            this, [](void* object) noexcept { delete static_cast<SCOM_InternalClass*>(object); });
+        if constexpr (std::is_trivially_destructible_v<T>) { // lets go of nothing
+            delete this;
+        } else {
+            count_ = kDying; // a reference taken and released by the destructor must not destroy twice
+            detail::destroy_bounded(
+                this, [](void* object) noexcept { delete static_cast<SCOM_InternalClass*>(object); });
+        }
         return 0;
     }
 
