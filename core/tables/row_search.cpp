@@ -93,7 +93,9 @@ std::vector<RowId> matching_rows(const TableData& data, RowId parent, bool subor
     if (TableIndex* const index = index_for(data, filter)) {
         std::vector<RowId> rows = indexed_rows(data, *index, filter);
         for (const RowCondition& condition : filter) {
-            if (!index->covers(*condition.column))
+            const bool answered =
+                index->covers(*condition.column) && condition_for(filter, condition.column) == &condition;
+            if (!answered)
                 rows = matching_in(RowRange(rows), condition);
         }
         return rows;

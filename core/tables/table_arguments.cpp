@@ -139,8 +139,12 @@ ColumnList optional_columns_argument(const TableData& data, const Value& argumen
 }
 
 std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param) {
-    ColumnList columns;
-    std::vector<SortColumn> sort;
+    // What is no list at all is told before what the list names.
+    struct Item {
+        wstring_view name;
+        bool descending;
+    };
+    std::vector<Item> items;
     for (const wstring_view item : items_of(argument, param)) {
         const std::vector<wstring_view> words = string_tokenize(item, u" ");
         if (words.empty() || words.size() > 2)
@@ -148,8 +152,13 @@ std::vector<SortColumn> sort_argument(const TableData& data, const Value& argume
         const bool descending = words.size() == 2 && is_term(words[1], kOrderingDirectionDescTerm);
         if (words.size() == 2 && !descending && !is_term(words[1], kOrderingDirectionAscTerm))
             parameter_value_mismatch(param);
-        add_column(columns, data, words[0]);
-        sort.push_back({&data.column(columns.back()).cells, descending});
+        items.push_back({words[0], descending});
+    }
+    ColumnList columns;
+    std::vector<SortColumn> sort;
+    for (const Item& item : items) {
+        add_column(columns, data, item.name);
+        sort.push_back({&data.column(columns.back()).cells, item.descending});
     }
     return sort;
 }

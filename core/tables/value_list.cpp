@@ -108,8 +108,11 @@ void ValueList::leave() noexcept {
 }
 
 std::size_t ValueList::position(const Value& argument, int param) const {
-    if (argument.kind() == ValueKind::number)
-        return position_argument(argument, param, count());
+    return argument.kind() == ValueKind::number ? position_argument(argument, param, count())
+                                                : positionOfItem(argument, param);
+}
+
+std::size_t ValueList::positionOfItem(const Value& argument, int param) const {
     const auto object = argument.query<IListItemObject>();
     if (!object)
         parameter_type_mismatch(param);

@@ -66,7 +66,9 @@ class ValueList : public TableObject<ValueList>,
     [[nodiscard]] GenericValue insert(std::size_t position, std::span<GenericValue> definition, int param);
     void assign(Items items) noexcept;
     void leave() noexcept;
+    /// The position of an item that is given by it or as an object, or as an object only.
     [[nodiscard]] std::size_t position(const Value& argument, int param) const;
+    [[nodiscard]] std::size_t positionOfItem(const Value& argument, int param) const;
     void sort(const Value& direction, Value (*key)(const Item& item));
     [[nodiscard]] bool holds(const ValueList& list) const;
 

@@ -36,7 +36,7 @@ GenericValue ValueList::callSortByPresentation(std::span<GenericValue> arguments
 GenericValue ValueList::callChooseItem(std::span<GenericValue> arguments) {
     const wstring title = string_argument(arguments[0], 0);
     if (!arguments[1].isUndefined())
-        static_cast<void>(position(arguments[1], 1));
+        static_cast<void>(positionOfItem(arguments[1], 1));
     IChooser* const chooser = get_service<IChooser>();
     return chooser != nullptr ? chooser->chooseItem(Value(this), title, arguments[1]) : GenericValue();
 }
@@ -119,9 +119,7 @@ GenericValue ValueList::callMove(std::span<GenericValue> arguments) {
 }
 
 GenericValue ValueList::callIndexOf(std::span<GenericValue> arguments) {
-    if (arguments[0].kind() == ValueKind::number)
-        parameter_type_mismatch(0);
-    return position(arguments[0], 0);
+    return positionOfItem(arguments[0], 0);
 }
 
 GenericValue ValueList::callGet(std::span<GenericValue> arguments) {

@@ -182,6 +182,8 @@ TEST_F(Tables, SortListsHaveTheirGrammar) {
         EXPECT_EQ(failure([&] { after_sort(wrong); }), value_mismatch(0)) << to_utf8(wrong);
     EXPECT_EQ(failure([&] { after_sort(u"A, C"); }), unknown_column(u"C"));
     EXPECT_EQ(failure([&] { after_sort(u"A, a Desc"); }), twice(u"a"));
+    EXPECT_EQ(failure([&] { after_sort(u"C, A Up"); }), value_mismatch(0))
+        << "first of all it must be a list";
 }
 
 /// Orders numbers by their last digit, and may do harm on the way.
@@ -231,6 +233,65 @@ TEST_F(Tables, AnObjectMayCompareAndDoNoHarm) {
         return *a.asNumeric() % 10 < *b.asNumeric() % 10;
     }));
     EXPECT_EQ(failure([&] { call(table, u"Sort", {u"A", 1}); }), type_mismatch(1));
+}
+
+/// Decides the order while it is asked, always so that a sort by partitions learns least (McIlroy's
+/// adversary).
+class Adversary : public IValueImpl, public ICompareValues {
+  public:
+    using Interfaces = InterfaceList<IValue, ICompareValues>;
+
+    Adversary(std::vector<int>& order, std::size_t& calls) noexcept : order_(order), calls_(calls) {}
+    IType* getType() const noexcept override { return Type(Type::undefined).get(); }
+    int compare(const Value& a, const Value& b) override {
+        ++calls_;
+        const auto x = static_cast<std::size_t>(*a.asSmallWhole());
+        const auto y = static_cast<std::size_t>(*b.asSmallWhole());
+        const int open = static_cast<int>(order_.size());
+        if (order_[x] == open && order_[y] == open)
+            order_[x == pivot_ ? x : y] = decided_++;
+        if (order_[x] == open)
+            pivot_ = x;
+        else if (order_[y] == open)
+            pivot_ = y;
+        return order_[x] - order_[y];
+    }
+
+  private:
+    std::vector<int>& order_; // by number; all open at first, which is their count
+    std::size_t& calls_;
+    std::size_t pivot_ = 0;
+    int decided_ = 0;
+};
+
+TEST_F(Tables, AreSortedInTimeWhateverTheOrder) {
+    constexpr std::size_t kRows = 1 << 12;
+    const GenericValue table = table_of(u"A", {});
+    const auto rows = table.query<IValueTable>();
+    for (std::size_t i = 0; i < kRows; ++i) {
+        const Value number(i);
+        rows->appendRow(std::span(&number, 1));
+    }
+    std::vector<int> order(kRows, static_cast<int>(kRows));
+    std::size_t calls = 0;
+    call(table, u"Sort", {u"A", GenericValue(make_object<Adversary>(order, calls))});
+    EXPECT_LT(calls, 5 * kRows * 12);
+    for (std::size_t i = 1; i < kRows; ++i)
+        ASSERT_LE(order[static_cast<std::size_t>(*rows->get(i - 1, 0).asSmallWhole())],
+                  order[static_cast<std::size_t>(*rows->get(i, 0).asSmallWhole())]);
+}
+
+TEST_F(Tables, MeetEveryConditionOfAFilter) {
+    const GenericValue table = table_of(u"A,B", {{1, 1}, {1, 2}, {2, 2}});
+    const auto rows = table.query<IValueTable>();
+    const VTFindParam twice[] = {{0, 1}, {1, 2}, {0, 1}};
+    const VTFindParam never[] = {{0, 1}, {1, 2}, {0, 2}};
+    for (const wchar* index : {u"", u"A", u"B", u"B, A"}) {
+        if (*index != u'\0')
+            call(property(table, u"Indexes"), u"Add", {index});
+        EXPECT_EQ(rows->IValueTableBaseRO_findRows(twice), std::vector<std::size_t>{1});
+        EXPECT_TRUE(rows->IValueTableBaseRO_findRows(never).empty()) << to_utf8(index);
+    }
 }
 
 TEST_F(Tables, RefuseWhatIsWrongAndStayAsTheyAre) {

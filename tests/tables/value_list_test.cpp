@@ -230,6 +230,7 @@ TEST_F(Lists, RefuseWhatIsWrongAndStayAsTheyAre) {
         {list, u"FillChecks", {1}, type_mismatch(0)},
         {list, u"ChooseItem", {5}, type_mismatch(0)},
         {list, u"ChooseItem", {u"", stranger}, value_mismatch(1)},
+        {list, u"ChooseItem", {u"", 0}, type_mismatch(1)},
         {list, u"CheckItems", {5}, type_mismatch(0)},
         {list, u"Add", {list}, cycling},
         {inner, u"Add", {outer}, cycling},
