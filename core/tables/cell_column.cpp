@@ -146,33 +146,40 @@ void CellColumn::grow(std::size_t size) {
 }
 
 bool CellColumn::exchange(RowId row, Value& value) {
+    if (form_ != Form::values)
+        return put(row, value); // the cell holds no object, whatever it holds
+    swap(values_[row], value);
+    return false;
+}
+
+bool CellColumn::put(RowId row, const Value& value) {
     switch (form_) {
     case Form::coded:
-        return exchangeCode(row, value);
+        return putCode(row, value);
     case Form::values:
-        swap(values_[row], value);
+        values_[row] = value;
         return false;
     default:
-        return exchangeWord(row, value);
+        return putWord(row, value);
     }
 }
 
-bool CellColumn::exchangeCode(RowId row, Value& value) {
+bool CellColumn::putCode(RowId row, const Value& value) {
     if (is_codable(value)) {
         const bool saves = dictionary_->size() < kFreeCodes + size_ / kRowsPerCode;
         if (!saves && !dictionary_->find(value))
-            return exchangeInForm(Form::values, 0, row, value);
+            return putInForm(Form::values, 0, row, value);
         codes_[row] = dictionary_->add(value);
         return false;
     }
     if (dictionary_->size() > 1)
-        return exchangeInForm(Form::values, 0, row, value);
+        return putInForm(Form::values, 0, row, value);
     // Nothing but Undefined so far: the column gets the form of its first value.
     const auto number = value.asNumeric();
-    return exchangeInForm(plain_form(value), number ? fraction_digits(*number) : 0, row, value);
+    return putInForm(plain_form(value), number ? fraction_digits(*number) : 0, row, value);
 }
 
-bool CellColumn::exchangeWord(RowId row, Value& value) {
+bool CellColumn::putWord(RowId row, const Value& value) {
     if (const auto word = wordOf(value)) {
         words_[row] = *word;
         return false;
@@ -186,12 +193,12 @@ bool CellColumn::exchangeWord(RowId row, Value& value) {
             return true;
         }
     }
-    return exchangeInForm(Form::values, 0, row, value);
+    return putInForm(Form::values, 0, row, value);
 }
 
 /// Changes the form from that of Undefined cells to one of words, or from any to values, and then puts the
 /// value in.
-bool CellColumn::exchangeInForm(Form form, std::uint32_t scale, RowId row, Value& value) {
+bool CellColumn::putInForm(Form form, std::uint32_t scale, RowId row, const Value& value) {
     if (form != Form::values) {
         CellColumn plain(form, scale, nullptr);
         plain.grow(size_);
@@ -202,7 +209,7 @@ bool CellColumn::exchangeInForm(Form form, std::uint32_t scale, RowId row, Value
         }
     }
     toValues();
-    swap(values_[row], value);
+    values_[row] = value;
     return true;
 }
 

@@ -77,6 +77,8 @@ class CellColumn {
     /// caller to let go of when nothing is left half done. True when the form has changed, and hashes with
     /// it.
     bool exchange(RowId row, Value& value);
+    /// Puts a value into a cell that holds Undefined. True when the form has changed.
+    bool put(RowId row, const Value& value);
     /// As many cells as rows, filled with one value.
     void fill(std::size_t size, const Value& value);
     /// The cells of the rows, in their order, as a column of its own.
@@ -102,9 +104,9 @@ class CellColumn {
         }
     }
     [[nodiscard]] std::optional<std::int64_t> wordOf(const Value& value) const noexcept;
-    bool exchangeWord(RowId row, Value& value);
-    bool exchangeCode(RowId row, Value& value);
-    bool exchangeInForm(Form form, std::uint32_t scale, RowId row, Value& value);
+    bool putWord(RowId row, const Value& value);
+    bool putCode(RowId row, const Value& value);
+    bool putInForm(Form form, std::uint32_t scale, RowId row, const Value& value);
     [[nodiscard]] bool rescale(std::uint32_t scale);
     void toValues();
 

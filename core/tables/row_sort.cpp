@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/row_sort.h"
 
-#include "core/tables/introsort.h"
 #include "core/tables/value_ranks.h"
+#include "core/tables/word_sort.h"
 #include "core/tables/word_span.h"
 
 #include <bit>
@@ -68,17 +68,15 @@ void add_column(PackedKeys& keys, RowRange rows, const SortColumn& column) {
     const CellColumn& cells = *column.cells;
     switch (cells.form()) {
     case CellColumn::Form::coded: {
-        const auto ranks = rank_values(cells.dictionary().values());
+        const auto values = cells.dictionary().values();
+        const auto ranks = rank_values(values, RowRange(values.size()));
         const auto codes = cells.codes();
         add_keys(keys, highest_of(ranks), column.descending,
                  [&](std::size_t i) -> std::uint64_t { return ranks[codes[rows[i]]]; });
         break;
     }
     case CellColumn::Form::values: {
-        std::vector<Value> values;
-        values.reserve(rows.size());
-        rows.forEach([&](RowId row) { values.push_back(cells.get(row)); });
-        const auto ranks = rank_values(values);
+        const auto ranks = rank_values(cells.values(), rows);
         add_keys(keys, highest_of(ranks), column.descending,
                  [&](std::size_t i) -> std::uint64_t { return ranks[i]; });
         break;
@@ -108,25 +106,19 @@ std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> column
             sorted[i] = rows[static_cast<std::size_t>(keys.word(0)[i] & mask)];
         return sorted;
     }
-    struct Item {
-        std::uint64_t word;
-        std::uint32_t place;
-    };
-    std::vector<Item> items(rows.size());
+    std::vector<WordItem> items(rows.size());
     for (std::uint32_t i = 0; i < items.size(); ++i)
         items[i] = {keys.word(0)[i], i};
-    introsort(std::span(items), [&](const Item& a, const Item& b) {
-        if (a.word != b.word)
-            return a.word < b.word;
-        for (std::size_t i = 1; i < keys.count(); ++i) {
-            const auto words = keys.word(i);
-            if (words[a.place] != words[b.place])
-                return words[a.place] < words[b.place];
-        }
-        return false;
+    sort_by_words(std::span(items), [&](std::span<WordItem> equal, unsigned depth) {
+        if (depth == keys.count())
+            return false;
+        const auto words = keys.word(depth);
+        for (WordItem& item : equal)
+            item.word = words[item.index];
+        return true;
     });
     for (std::size_t i = 0; i < sorted.size(); ++i)
-        sorted[i] = rows[items[i].place];
+        sorted[i] = rows[items[i].index];
     return sorted;
 }
 
@@ -147,7 +139,7 @@ std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> column
             if (order != 0)
                 return columns[i].descending ? order > 0 : order < 0;
         }
-        return false;
+        return a < b;
     });
     std::vector<RowId> sorted(rows.size());
     for (std::size_t i = 0; i < sorted.size(); ++i)

@@ -57,7 +57,7 @@ RowOrder& TableData::makeRowsOf(RowId parent) {
     return *rows;
 }
 
-RowId TableData::insertRow(RowId parent, std::size_t position) {
+RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const Value> cells) {
     RowOrder& order = makeRowsOf(parent);
     if (position != order.size())
         beforeReorder(order);
@@ -65,19 +65,21 @@ RowId TableData::insertRow(RowId parent, std::size_t position) {
     if (!reused && ids_ == kNoRow)
         throw std::bad_alloc();
     const RowId row = reused ? free_.back() : static_cast<RowId>(ids_);
-    for (const auto& column : columns_) {
-        column->cells.grow(std::size_t{row} + 1);
-        if (column->defaultValue.isUndefined())
-            continue; // as the cells of deleted rows are
-        Value value(column->defaultValue);
-        if (column->cells.exchange(row, value))
-            giveIndexesUp(*column);
+    try {
+        putCells(row, cells);
+        if (tree_) {
+            nodes_.resize(std::max<std::size_t>(nodes_.size(), std::size_t{row} + 1));
+            nodes_[row].parent = parent;
+        }
+        order.insert(position, row);
+    } catch (...) {
+        for (const auto& column : columns_) {
+            Value undefined; // what is not there holds no object
+            if (row < column->cells.size())
+                column->cells.exchange(row, undefined);
+        }
+        throw;
     }
-    if (tree_) {
-        nodes_.resize(std::max<std::size_t>(nodes_.size(), std::size_t{row} + 1));
-        nodes_[row].parent = parent;
-    }
-    order.insert(position, row);
     if (reused)
         free_.pop_back();
     else
@@ -87,6 +89,24 @@ RowId TableData::insertRow(RowId parent, std::size_t position) {
     for (const auto& index : indexes_)
         index->link(row);
     return row;
+}
+
+/// Fills the cells of a row that is not there yet, all of which are Undefined.
+void TableData::putCells(RowId row, std::span<const Value> cells) {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        TableColumn& column = *columns_[i];
+        column.cells.grow(std::size_t{row} + 1);
+        const TypeDomain& domain = column.info.domain;
+        bool changed = false;
+        if (i >= cells.size())
+            changed = column.cells.put(row, column.defaultValue);
+        else if (domain.fits(cells[i]))
+            changed = column.cells.put(row, cells[i]);
+        else
+            changed = column.cells.put(row, domain.adjust(cells[i]));
+        if (changed)
+            giveIndexesUp(column);
+    }
 }
 
 void TableData::removeRow(RowId parent, std::size_t position) {

@@ -66,8 +66,8 @@ class TableData {
     [[nodiscard]] std::vector<RowId> withSubordinates(std::span<const RowId> rows) const;
     /// How many rows there are at all levels.
     [[nodiscard]] std::size_t rowCount() const noexcept { return count_; }
-    /// A row whose cells hold the defaults of their columns.
-    RowId insertRow(RowId parent, std::size_t position);
+    /// A row with these cells, adjusted to their columns; the others hold the defaults of theirs.
+    RowId insertRow(RowId parent, std::size_t position, std::span<const Value> cells = {});
     /// With the rows below it.
     void removeRow(RowId parent, std::size_t position);
     void removeRows(RowId parent);
@@ -108,6 +108,7 @@ class TableData {
         std::unique_ptr<RowOrder> rows; // null for none
     };
 
+    void putCells(RowId row, std::span<const Value> cells);
     void checkName(wstring_view name, const TableColumn* except) const;
     RowOrder& makeRowsOf(RowId parent);
     void release(std::span<const RowId> rows, std::vector<Value>& dying) noexcept;

@@ -139,7 +139,7 @@ void ValueList::sort(const Value& direction, Value (*key)(const Item& item)) {
     keys.reserve(items.size());
     for (const ValueListItemPtr& item : items)
         keys.push_back(key(item->content()));
-    const std::vector<std::uint32_t> ranks = rank_values(keys);
+    const std::vector<std::uint32_t> ranks = rank_values(keys, RowRange(keys.size()));
     std::vector<std::uint64_t> order(items.size());
     for (std::size_t i = 0; i < order.size(); ++i) {
         const std::uint32_t rank = *number == 0 ? ranks[i] : ~ranks[i];

@@ -131,15 +131,7 @@ std::int32_t ValueTable::addColumn(wstring_view name, TypeDomain domain, wstring
 void ValueTable::appendRow(std::span<const Value> cells) {
     if (cells.size() > data_.columnCount())
         throw_bad_index();
-    const std::size_t position = data_.rows().size();
-    const RowId row = data_.insertRow(kNoRow, position);
-    try {
-        for (std::size_t i = 0; i < cells.size(); ++i)
-            data_.set(row, i, cells[i]);
-    } catch (...) {
-        data_.removeRow(kNoRow, position);
-        throw;
-    }
+    data_.insertRow(kNoRow, data_.rows().size(), cells);
 }
 
 /// Which rows to copy: all, those of an array, or those that match a filter.
