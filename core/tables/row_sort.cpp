@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/row_sort.h"
 
+#include "core/tables/introsort.h"
 #include "core/tables/value_ranks.h"
 #include "core/tables/word_sort.h"
 #include "core/tables/word_span.h"
 
 #include <bit>
-#include <functional>
 
 namespace core {
 namespace {
@@ -31,10 +31,6 @@ class PackedKeys {
         for (std::size_t i = 0; i < rows_; ++i)
             words[i] = fresh ? key(i) : words[i] << bits | key(i);
         used_ += bits;
-    }
-    /// Whether another number of so many bits fits into the only word there is.
-    [[nodiscard]] bool fits(unsigned bits) const noexcept {
-        return words_.size() == 1 && used_ + bits <= kWordBits;
     }
     [[nodiscard]] std::span<std::uint64_t> word(std::size_t i) noexcept { return words_[i]; }
     [[nodiscard]] std::size_t count() const noexcept { return words_.size(); }
@@ -96,29 +92,18 @@ std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> column
     PackedKeys keys(rows.size());
     for (const SortColumn& column : columns)
         add_column(keys, rows, column);
-    std::vector<RowId> sorted(rows.size());
-    const auto placeBits = static_cast<unsigned>(std::bit_width(rows.size()));
-    if (keys.fits(placeBits)) {
-        keys.add(placeBits, [](std::size_t i) -> std::uint64_t { return i; });
-        const std::uint64_t mask = (std::uint64_t{1} << placeBits) - 1;
-        introsort(keys.word(0), std::less<>());
-        for (std::size_t i = 0; i < sorted.size(); ++i)
-            sorted[i] = rows[static_cast<std::size_t>(keys.word(0)[i] & mask)];
-        return sorted;
-    }
-    std::vector<WordItem> items(rows.size());
-    for (std::uint32_t i = 0; i < items.size(); ++i)
-        items[i] = {keys.word(0)[i], i};
-    sort_by_words(std::span(items), [&](std::span<WordItem> equal, unsigned depth) {
+    const auto words = keys.word(0);
+    const auto deepen = [&](std::span<const std::uint32_t> equal, unsigned depth) {
         if (depth == keys.count())
             return false;
-        const auto words = keys.word(depth);
-        for (WordItem& item : equal)
-            item.word = words[item.index];
+        for (const std::uint32_t i : equal)
+            words[i] = keys.word(depth)[i];
         return true;
-    });
-    for (std::size_t i = 0; i < sorted.size(); ++i)
-        sorted[i] = rows[items[i].index];
+    };
+    std::vector<RowId> sorted =
+        sort_by_words(words, deepen, [](std::uint32_t, std::uint32_t) { return 0; }).order;
+    for (RowId& row : sorted)
+        row = rows[row];
     return sorted;
 }
 

@@ -22,9 +22,11 @@ std::uint64_t ordered_bits(double value) noexcept {
 /// The collation keys of texts, one behind the other, to be read by words.
 class TextKeys {
   public:
-    void add(wstring_view text) {
+    /// Returns the first word of the text's key.
+    std::uint64_t add(wstring_view text) {
         keys_ += collation_key(text, locale_);
         ends_.push_back(keys_.size());
+        return word(static_cast<std::uint32_t>(ends_.size() - 1), 0);
     }
     /// Eight bytes of a key, the first of them highest. A key ends with a zero byte, which it has nowhere
     /// else.
@@ -56,18 +58,6 @@ class TextKeys {
     std::vector<std::size_t> ends_;
 };
 
-/// Sorts items whose words tell nothing more by comparing them.
-template <class Compare>
-void sort_by_comparing(std::span<WordItem> items, Compare compare) {
-    introsort(items, [&](const WordItem& a, const WordItem& b) {
-        const int order = compare(a, b);
-        return order != 0 ? order < 0 : a.index < b.index;
-    });
-    items.front().leads = true;
-    for (std::size_t i = 1; i < items.size(); ++i)
-        items[i].leads = compare(items[i - 1], items[i]) != 0;
-}
-
 /// Sorts values of one kind and writes their places, the first of which is `next_`, to where they belong.
 class Ranking {
   public:
@@ -77,7 +67,6 @@ class Ranking {
     void rank(ValueKind kind, std::span<const std::uint32_t> places) {
         if (places.empty())
             return;
-        items_.clear();
         switch (kind) {
         case ValueKind::undefined:
         case ValueKind::null:
@@ -103,64 +92,63 @@ class Ranking {
 
     template <class Word>
     void rankBy(std::span<const std::uint32_t> places, Word word) {
+        std::vector<std::uint64_t> words;
+        words.reserve(places.size());
         for (const std::uint32_t place : places)
-            items_.push_back({word(value(place)), place});
-        sort_by_words(std::span(items_), [](std::span<WordItem>, unsigned) { return false; });
-        writeRanks([](std::uint32_t index) { return index; });
+            words.push_back(word(value(place)));
+        sort(places, words, nothing_deeper, [](std::uint32_t, std::uint32_t) { return 0; });
     }
 
     void rankNumbers(std::span<const std::uint32_t> places) {
+        std::vector<std::uint64_t> words;
+        words.reserve(places.size());
         for (const std::uint32_t place : places)
-            items_.push_back({ordered_bits(static_cast<double>(*value(place).asNumeric())), place});
-        sort_by_words(std::span(items_), [this](std::span<WordItem> equal, unsigned) {
-            sort_by_comparing(equal, [this](const WordItem& a, const WordItem& b) {
-                return value(a.index).asNumeric()->compare(*value(b.index).asNumeric());
-            });
-            return false;
+            words.push_back(ordered_bits(static_cast<double>(*value(place).asNumeric())));
+        sort(places, words, nothing_deeper, [&](std::uint32_t a, std::uint32_t b) {
+            return value(places[a]).asNumeric()->compare(*value(places[b]).asNumeric());
         });
-        writeRanks([](std::uint32_t index) { return index; });
     }
 
     void rankTexts(std::span<const std::uint32_t> places) {
         TextKeys keys;
         std::vector<wstring> presentations;
         std::vector<wstring_view> texts;
+        std::vector<std::uint64_t> words;
         presentations.reserve(places.size());
         texts.reserve(places.size());
-        items_.reserve(places.size());
-        for (std::uint32_t i = 0; i < places.size(); ++i) {
-            const Value& text = value(places[i]);
-            const wstring_view* const own = text.asString();
-            texts.push_back(own != nullptr ? *own : presentations.emplace_back(text.presentation()));
-            keys.add(texts.back());
-            items_.push_back({keys.word(i, 0), i});
+        words.reserve(places.size());
+        for (const std::uint32_t place : places) {
+            const wstring_view* const text = value(place).asString();
+            texts.push_back(text != nullptr ? *text
+                                            : presentations.emplace_back(value(place).presentation()));
+            words.push_back(keys.add(texts.back()));
         }
-        sort_by_words(std::span(items_), [&](std::span<WordItem> equal, unsigned depth) {
-            if (!keys.endsBefore(equal.front().index, depth)) {
-                for (WordItem& item : equal)
-                    item.word = keys.word(item.index, depth);
-                return true;
-            }
-            sort_by_comparing(equal, [&](const WordItem& a, const WordItem& b) {
-                return texts[a.index].compare(texts[b.index]);
-            });
-            return false;
-        });
-        writeRanks([=](std::uint32_t index) { return places[index]; });
+        const auto deepen = [&](std::span<const std::uint32_t> equal, unsigned depth) {
+            if (keys.endsBefore(equal.front(), depth))
+                return false;
+            for (const std::uint32_t i : equal)
+                words[i] = keys.word(i, depth);
+            return true;
+        };
+        sort(places, words, deepen,
+             [&](std::uint32_t a, std::uint32_t b) { return texts[a].compare(texts[b]); });
     }
 
-    template <class PlaceOf>
-    void writeRanks(PlaceOf place_of) {
-        for (const WordItem& item : items_) {
-            next_ += item.leads ? 1U : 0U;
-            ranks_[place_of(item.index)] = next_ - 1;
+    static bool nothing_deeper(std::span<const std::uint32_t>, unsigned) noexcept { return false; }
+
+    template <class Deepen, class Compare>
+    void sort(std::span<const std::uint32_t> places, std::span<std::uint64_t> words, Deepen deepen,
+              Compare compare) {
+        const SortedIndexes sorted = sort_by_words(words, deepen, compare);
+        for (std::size_t i = 0; i < sorted.order.size(); ++i) {
+            next_ += sorted.leads[i] ? 1U : 0U;
+            ranks_[places[sorted.order[i]]] = next_ - 1;
         }
     }
 
     std::span<const Value> values_;
     RowRange chosen_;
     std::vector<std::uint32_t> ranks_;
-    std::vector<WordItem> items_;
     std::uint32_t next_ = 0;
 };
 
