@@ -63,22 +63,26 @@ int compare_nocase(std::string_view a, std::string_view b, const Locale& locale)
     return compare_nocase(from_utf8(a), from_utf8(b), locale);
 }
 
-std::string collation_key(wstring_view text, const Locale& locale) {
+void append_collation_key(std::string& keys, wstring_view text, const Locale& locale) {
     const UCollator* const collator = collator_for(locale, UCOL_TERTIARY);
     const std::int32_t length = icu_length(text.size());
+    const std::size_t begin = keys.size();
     // Room for common text at the first try; ICU tells how much it needs when that is not enough.
-    std::string key(text.size() * 3 + 16, '\0');
+    std::size_t room = text.size() * 3 + 16;
     for (;;) {
-        const std::int32_t needed =
-            ucol_getSortKey(collator, text.data(), length, reinterpret_cast<std::uint8_t*>(key.data()),
-                            icu_length(key.size()));
-        if (needed <= 0)
+        keys.resize(begin + room);
+        const std::int32_t needed = ucol_getSortKey(
+            collator, text.data(), length, reinterpret_cast<std::uint8_t*>(&keys[begin]), icu_length(room));
+        if (needed <= 0) {
+            keys.resize(begin);
             throw_error<ConverterException>("IDS_STRING_TOO_LONG");
+        }
         const auto size = static_cast<std::size_t>(needed);
-        const bool complete = size <= key.size();
-        key.resize(complete ? size - 1 : size); // a key ends with a zero, which says nothing
-        if (complete)
-            return key;
+        if (size <= room) {
+            keys.resize(begin + size - 1); // a key ends with a zero, which says nothing
+            return;
+        }
+        room = size;
     }
 }
 

@@ -24,7 +24,7 @@ class TextKeys {
   public:
     /// Returns the first word of the text's key.
     std::uint64_t add(wstring_view text) {
-        keys_ += collation_key(text, locale_);
+        append_collation_key(keys_, text, locale_);
         ends_.push_back(keys_.size());
         return word(static_cast<std::uint32_t>(ends_.size() - 1), 0);
     }

@@ -8,6 +8,7 @@
 #include <core/serialization/memory_stream.h>
 #include <core/tables.h>
 
+#include <fstream>
 #include <random>
 
 namespace {
@@ -78,6 +79,33 @@ TEST_F(TableTexts, ComeBackEqual) {
     EXPECT_TRUE(call(property(table, u"Indexes"), u"Count").equals(1));
     EXPECT_TRUE(
         property(call(GenericValue::fromString(text(sample_list())), u"Get", {0}), u"Check").isTrue());
+}
+
+TEST_F(TableTexts, LookAsTheirDescriptionSays) {
+    const GenericValue table = make(u"ValueTable");
+    const GenericValue columns = property(table, u"Columns");
+    call(columns, u"Add", {u"Name"});
+    const GenericValue price =
+        make(u"TypeDescription", {u"Number", create_qualifiers_value(NumericQualifiers(10, 2))});
+    call(columns, u"Add", {u"Price", price, u"Price, EUR", 12});
+    call(property(table, u"Indexes"), u"Add", {u"Name"});
+    const GenericValue row = call(table, u"Add");
+    call(row, u"Set", {0, u"Tea"});
+    call(row, u"Set", {1, 2.5});
+
+    std::ifstream page(CORE_SOURCE_DIR "/docs/table-format.md");
+    std::string example;
+    bool inside = false;
+    for (std::string line; std::getline(page, line);) {
+        if (line.starts_with("{\"#\""))
+            inside = true;
+        if (line == "```")
+            inside = false;
+        if (inside)
+            example += line + '\n';
+    }
+    EXPECT_EQ(to_utf8(text(table)) + '\n', example);
+    EXPECT_EQ(text(GenericValue::fromString(from_utf8(example))), text(table));
 }
 
 TEST_F(TableTexts, ThatWereNeverWrittenAreRefused) {

@@ -30,7 +30,8 @@ namespace core {
 
 /// Bytes that stand in the order of their texts: comparing the keys of two texts, byte by byte, tells what
 /// compare() with the locale tells, except that identical keys may belong to texts of different code units.
-/// For sorting: a key is made once a text, and comparing keys is cheap.
-[[nodiscard]] CORE_API std::string collation_key(wstring_view text, const Locale& locale);
+/// For sorting: a key is made once a text, and comparing keys is cheap. The key comes behind what `keys`
+/// holds, so that those of many texts are one block of memory.
+CORE_API void append_collation_key(std::string& keys, wstring_view text, const Locale& locale);
 
 } // namespace core
