@@ -55,6 +55,7 @@ void RowOrder::insert(std::size_t position, RowId row) {
         places_->resize(std::size_t{row} + 1);
     const Spot spot = makeRoom(position);
     RowChunk& chunk = *chunks_[spot.chunk];
+    empty_ -= chunk.rows.empty() ? 1U : 0U;
     chunk.rows.insert(chunk.rows.begin() + signed_of(spot.offset), row);
     placeOf(row) = &chunk;
     count(spot.chunk, 1);
@@ -91,6 +92,7 @@ void RowOrder::clear() noexcept {
     chunks_.clear();
     sums_.clear();
     size_ = 0;
+    empty_ = 0;
 }
 
 void RowOrder::makePlain(std::size_t count) noexcept {
@@ -169,6 +171,7 @@ RowOrder::Spot RowOrder::makeRoom(std::size_t position) {
     const std::size_t kept = last ? kChunk : kChunk / 2;
     RowChunk& added = addChunk(spot.chunk + 1);
     added.rows.assign(full.rows.begin() + signed_of(kept), full.rows.end());
+    empty_ -= added.rows.empty() ? 0U : 1U;
     for (const RowId row : added.rows)
         placeOf(row) = &added;
     full.rows.resize(kept);
@@ -184,18 +187,24 @@ RowChunk& RowOrder::addChunk(std::size_t position) {
         chunk->rows.reserve(kChunk);
     if (sums_.size() <= chunks_.size())
         sums_.resize(2 * chunks_.size() + 1);
-    return **chunks_.insert(chunks_.begin() + signed_of(position), std::move(chunk));
+    RowChunk& added = **chunks_.insert(chunks_.begin() + signed_of(position), std::move(chunk));
+    ++empty_;
+    return added;
 }
 
 void RowOrder::eraseAt(Spot spot) noexcept {
     auto& rows = chunks_[spot.chunk]->rows;
     rows.erase(rows.begin() + signed_of(spot.offset));
-    if (!rows.empty()) {
-        count(spot.chunk, ~std::uint32_t{0});
+    count(spot.chunk, ~std::uint32_t{0});
+    if (!rows.empty())
         return;
-    }
-    chunks_.erase(chunks_.begin() + signed_of(spot.chunk));
-    renumber(spot.chunk);
+    // Empty chunks go many at a time: closing the gap of each would move all those behind it.
+    rows = {};
+    if (2 * ++empty_ < chunks_.size())
+        return;
+    std::erase_if(chunks_, [](const auto& chunk) { return chunk->rows.empty(); });
+    empty_ = 0;
+    renumber(0);
 }
 
 /// Adds `change`, modulo 2^32, to the size of a chunk.

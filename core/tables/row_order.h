@@ -29,9 +29,9 @@ using RowPlaces = std::vector<RowChunk*>;
 ///  1. While rows 0, 1, 2, ... have only been appended and taken from the end, the order is plain: a count,
 ///  and nothing
 ///     else.
-///  2. Otherwise the rows stand in chunks of up to kChunk of them, none of them empty, each of which knows
-///  its position
-///     among them. places[row] is the chunk of every row.
+///  2. Otherwise the rows stand in chunks of up to kChunk of them, each of which knows its position among
+///  them;
+///     empty_ of them, less than half, are empty. places[row] is the chunk of every row.
 ///  3. With several chunks, sums_ is a tree over their sizes (Fenwick's): sums_[i] counts the rows of the
 ///  chunks that
 ///     end at i and begin behind i without its lowest one bit, all counted from 1.
@@ -93,6 +93,7 @@ class RowOrder {
     std::vector<std::unique_ptr<RowChunk>> chunks_;
     std::vector<std::uint32_t> sums_;
     std::size_t size_ = 0;
+    std::size_t empty_ = 0;
     bool plain_;
 };
 
