@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/counted_block.h"
+#include "core/runtime/immortal.h"
 
 #include <core/runtime/live_counter.h>
 
@@ -22,7 +23,7 @@ constinit LiveCounter* first_counter = nullptr;
 constinit std::int32_t last_index = 0;
 
 std::mutex& counters_lock() {
-    static auto* const lock = new std::mutex; // never destroyed: objects may outlive the library's statics
+    static constinit detail::Immortal<std::mutex> lock; // objects may outlive the library's statics
     return *lock;
 }
 
@@ -70,8 +71,8 @@ struct Leaks {
     wstring russian;
 };
 
-Leaks& leaks() {
-    static auto* const registry = new Leaks; // never destroyed, as above
+Leaks& leaks() noexcept {
+    static constinit detail::Immortal<Leaks> registry; // entries end in any order
     return *registry;
 }
 

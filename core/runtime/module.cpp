@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/immortal.h"
+
 #include <core/runtime/module.h>
 
 #include <algorithm>
@@ -12,8 +14,8 @@ struct Registry {
     std::vector<SCOM_Module*> modules; // oldest first
 };
 
-Registry& registry() {
-    static auto* const modules = new Registry; // never destroyed: modules end in any order
+Registry& registry() noexcept {
+    static constinit detail::Immortal<Registry> modules; // modules end in any order
     return *modules;
 }
 

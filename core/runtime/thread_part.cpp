@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/thread_part.h"
 
+#include "core/runtime/immortal.h"
+
 #include <mutex>
 #include <new>
 
@@ -11,7 +13,7 @@ constinit thread_local ThreadPart* own_part = nullptr;
 namespace {
 
 std::mutex& parts_lock() {
-    static auto* const lock = new std::mutex; // never destroyed: threads may end after the library's statics
+    static constinit Immortal<std::mutex> lock; // threads may end after the library's statics
     return *lock;
 }
 

@@ -61,7 +61,7 @@ class TextKeys {
 /// Sorts values of one kind and writes their places, the first of which is `next_`, to where they belong.
 class Ranking {
   public:
-    Ranking(std::span<const Value> values, RowRange chosen) noexcept
+    Ranking(std::span<const Value> values, RowRange chosen)
         : values_(values), chosen_(chosen), ranks_(chosen.size()) {}
 
     void rank(ValueKind kind, std::span<const std::uint32_t> places) {

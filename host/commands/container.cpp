@@ -32,7 +32,10 @@ StorageRW open(const Options& options, OpenMode mode) {
     auto file = open_disk_file(byScheme ? file_path(url.path) : options.file, mode);
     if (mode == OpenMode::createNew || mode == OpenMode::create)
         StorageRW::createIfEmpty(*file, layout);
-    return StorageRW(std::move(file), layout, how, from_utf8(options.file));
+    const wstring shown = from_utf8(options.file);
+    StorageRW storage(std::move(file), layout, how, shown);
+    storage.setRootURL(shown + u"/"); // so that messages about inner files say where they are
+    return storage;
 }
 
 Selection select(const StorageRW& storage, const Options& options, Console& console) {
