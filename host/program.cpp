@@ -65,7 +65,8 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
                    "Language of messages, formats and sorting; default: the environment's")
         ->type_name("en|ru")
         ->transform(CLI::CheckedTransformer(
-            std::map<std::string, Language>{{"en", Language::english}, {"ru", Language::russian}}));
+                        std::map<std::string, Language>{{"en", Language::english}, {"ru", Language::russian}})
+                        .description(""));
     Action action;
     add_container_command(app, console, action);
     add_describe_command(app, console, action);

@@ -3,6 +3,7 @@
 #include "host/commands/describe_text.h"
 #include "host/script/functions.h"
 
+#include <core/context/core_general_context.h>
 #include <core/runtime/error.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
@@ -13,6 +14,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <numeric>
 #include <ostream>
@@ -70,8 +72,12 @@ ExitCode describe_type(const std::string& text, Console& console) {
 }
 
 ExitCode describe_functions(Console& console) {
-    const auto functions = script::create_host_functions(console);
-    describe::write_functions(console, describe::members_of(*functions, alias_of(console.language)));
+    std::vector<describe::Method> functions;
+    for (const auto& context : {script::create_host_functions(console), create_core_general_context()}) {
+        describe::Members members = describe::members_of(*context, alias_of(console.language));
+        std::move(members.methods.begin(), members.methods.end(), std::back_inserter(functions));
+    }
+    describe::write_functions(console, functions);
     return ExitCode::done;
 }
 

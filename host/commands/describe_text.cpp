@@ -106,16 +106,13 @@ void write_properties(Console& console, const TypeReport& report) {
     columns.write(console.out, "  ");
 }
 
-void write_methods(Console& console, const std::vector<Method>& methods) {
-    if (methods.empty())
-        return;
-    console.out << '\n' << message("IDS_HOST_METHODS") << '\n';
+void write_table(Console& console, const std::vector<Method>& methods, std::string_view indent) {
     Columns columns;
     for (const Method& method : methods) {
         columns.add({method.names.english, method.names.russian, parameters_text(method),
                      result_text(method, console.language)});
     }
-    columns.write(console.out, "  ");
+    columns.write(console.out, indent);
 }
 
 /// As in "0", "0..32", "1...": how many arguments make a new value.
@@ -142,28 +139,32 @@ Json to_json(const Kinds& kinds) {
     return all;
 }
 
-Json to_json(const Members& members) {
-    Json properties = Json::array();
-    for (const Property& property : members.properties) {
-        properties.push_back({{"name", to_json(property.names)},
-                              {"readable", property.readable},
-                              {"writable", property.writable},
-                              {"types", to_json(property.kinds)}});
+Json to_json(const std::vector<Property>& properties) {
+    Json all = Json::array();
+    for (const Property& property : properties) {
+        all.push_back({{"name", to_json(property.names)},
+                       {"readable", property.readable},
+                       {"writable", property.writable},
+                       {"types", to_json(property.kinds)}});
     }
-    Json methods = Json::array();
-    for (const Method& method : members.methods) {
+    return all;
+}
+
+Json to_json(const std::vector<Method>& methods) {
+    Json all = Json::array();
+    for (const Method& method : methods) {
         Json parameters = Json::array();
         for (const Parameter& parameter : method.parameters) {
             parameters.push_back({{"in", parameter.in}, {"out", parameter.out}});
             if (parameter.byDefault)
                 parameters.back()["default"] = *parameter.byDefault;
         }
-        methods.push_back({{"name", to_json(method.names)},
-                           {"parameters", std::move(parameters)},
-                           {"function", method.isFunction},
-                           {"types", to_json(method.kinds)}});
+        all.push_back({{"name", to_json(method.names)},
+                       {"parameters", std::move(parameters)},
+                       {"function", method.isFunction},
+                       {"types", to_json(method.kinds)}});
     }
-    return {{"known", members.known}, {"properties", std::move(properties)}, {"methods", std::move(methods)}};
+    return all;
 }
 
 } // namespace
@@ -201,7 +202,9 @@ void write_type(Console& console, const TypeReport& report) {
         all["enumeration"] = report.isEnumeration;
         if (report.members.isCollection)
             all["elements"] = to_json(report.members.elements);
-        all.update(to_json(report.members));
+        all["known"] = report.members.known;
+        all["properties"] = to_json(report.members.properties);
+        all["methods"] = to_json(report.members.methods);
         console.out << all.dump(2) << '\n';
         return;
     }
@@ -214,16 +217,19 @@ void write_type(Console& console, const TypeReport& report) {
         columns.add({message("IDS_HOST_ELEMENTS"), any_or(report.members.elements, console.language)});
     columns.write(console.out, "");
     write_properties(console, report);
-    write_methods(console, report.members.methods);
+    if (!report.members.methods.empty()) {
+        console.out << '\n' << message("IDS_HOST_METHODS") << '\n';
+        write_table(console, report.members.methods, "  ");
+    }
     if (!report.members.known)
         console.out << '\n' << message("IDS_HOST_NO_DEFINITION") << '\n';
 }
 
-void write_functions(Console& console, const Members& members) {
+void write_functions(Console& console, const std::vector<Method>& functions) {
     if (console.json)
-        console.out << to_json(members).dump(2) << '\n';
+        console.out << to_json(functions).dump(2) << '\n';
     else
-        write_methods(console, members.methods);
+        write_table(console, functions, "");
 }
 
 } // namespace host::describe

@@ -11,6 +11,6 @@ namespace host::describe {
 void write_list(Console& console, const std::vector<core::IType*>& types);
 void write_type(Console& console, const TypeReport& report);
 /// What can be called without an object.
-void write_functions(Console& console, const Members& members);
+void write_functions(Console& console, const std::vector<Method>& functions);
 
 } // namespace host::describe

@@ -156,8 +156,9 @@ void add_list_command(CLI::App& app, Console& console, Action& action) {
         auto* const sub = add(name, what, run);
         sub->add_option("file", options->files, "A file; - or none is standard input")->expected(0, 1);
         sub->add_option("-o,--output", options->output, "The file to write; default: standard output");
-        sub->add_option("--indent", options->indent, "Blanks for each level; default: 2")
-            ->check(CLI::Range(0, 16));
+        sub->add_option("--indent", options->indent, "Blanks for each level, 0 to 16; default: 2")
+            ->type_name("N")
+            ->check(CLI::Range(0, 16).description(""));
     };
     addConversion("fmt", "Lay a list out in lines", format);
     addConversion("to-json", "Write a list as JSON", to_json);

@@ -191,8 +191,9 @@ class LineEditor::Terminal {
     }
 
     void remember(const std::wstring& line) {
-        if (line.find_first_not_of(L" \t") == std::wstring::npos)
+        if (line == last_ || line.find_first_not_of(L" \t") == std::wstring::npos)
             return;
+        last_ = line;
         HistEventW event;
         history_w(history_.get(), &event, H_ENTER, line.c_str());
         file_.append(core::to_utf8(to_units(line)));
@@ -204,6 +205,7 @@ class LineEditor::Terminal {
     std::unique_ptr<HistoryW, End> history_;
     std::unique_ptr<EditLine, End> editor_;
     std::wstring prompt_;
+    std::wstring last_; // remembered
     bool cancelled_ = false;
 };
 

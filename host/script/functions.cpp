@@ -8,6 +8,7 @@
 #include "host/script/table_functions.h"
 #include "host/text_output.h"
 
+#include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
 #include <core/context/core_general_context.h>
 #include <core/context/enumeration.h>
@@ -37,9 +38,10 @@ constexpr Param kFromJson[] = {{}, {.byDefault = ParamDefault::falseValue}};
 constexpr Param kTextAndOptional[] = {{}, kOptional};
 constexpr Param kMid[] = {{}, {}, kOptional};
 
-class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>> {
+class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
+                      public ContextDefExtImpl<HostFunctions> {
   public:
-    using Interfaces = InterfaceList<IContext_, IContextDef>;
+    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt>;
 
     explicit HostFunctions(Console& console) : console_(console), start_(std::chrono::steady_clock::now()) {}
 
@@ -174,29 +176,29 @@ std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
     static constexpr Method<F> kMethods[] = {
         {kPrintTerm, kPrint, kProcedure, &F::print},
         {kFromTextTerm, required(1), kFunction, &F::fromText},
-        {kToTextTerm, required(1), kFunction, &F::toText},
+        {kToTextTerm, required(1), kFunction, &F::toText, &kStringType},
         {kFromJsonTerm, kFromJson, kFunction, &F::fromJson},
-        {kToJsonTerm, kTextAndOptional, kFunction, &F::toJson},
-        {kLoadTextTerm, required(1), kFunction, &F::loadText},
+        {kToJsonTerm, kTextAndOptional, kFunction, &F::toJson, &kStringType},
+        {kLoadTextTerm, required(1), kFunction, &F::loadText, &kStringType},
         {kSaveTextTerm, required(2), kProcedure, &F::saveText},
         {kSaveToContainerTerm, required(3), kProcedure, &F::saveToContainer},
         {kLoadFromContainerTerm, required(2), kFunction, &F::loadFromContainer},
-        {kCurrentDateTerm, {}, kFunction, &F::currentDate},
-        {kElapsedTerm, {}, kFunction, &F::elapsed},
-        {kLengthTerm, required(1), kFunction, &F::length},
-        {kLeftTerm, required(2), kFunction, &F::left},
-        {kMidTerm, kMid, kFunction, &F::mid},
-        {kUpperTerm, required(1), kFunction, &F::upper},
-        {kLowerTerm, required(1), kFunction, &F::lower},
-        {kLikeTerm, required(2), kFunction, &F::like},
-        {kTrimTerm, required(1), kFunction, &F::trim},
-        {kPadTerm, required(2), kFunction, &F::pad},
-        {kStringTerm, required(1), kFunction, &F::string},
-        {kNumberTerm, required(1), kFunction, &F::number},
-        {kDateTerm, required(1), kFunction, &F::date},
-        {kRoundTerm, kTextAndOptional, kFunction, &F::round},
-        {kTypeOfTerm, required(1), kFunction, &F::typeOf},
-        {kTypeTerm, required(1), kFunction, &F::type},
+        {kCurrentDateTerm, {}, kFunction, &F::currentDate, &kDateType},
+        {kElapsedTerm, {}, kFunction, &F::elapsed, &kNumberType},
+        {kLengthTerm, required(1), kFunction, &F::length, &kNumberType},
+        {kLeftTerm, required(2), kFunction, &F::left, &kStringType},
+        {kMidTerm, kMid, kFunction, &F::mid, &kStringType},
+        {kUpperTerm, required(1), kFunction, &F::upper, &kStringType},
+        {kLowerTerm, required(1), kFunction, &F::lower, &kStringType},
+        {kLikeTerm, required(2), kFunction, &F::like, &kBooleanType},
+        {kTrimTerm, required(1), kFunction, &F::trim, &kStringType},
+        {kPadTerm, required(2), kFunction, &F::pad, &kStringType},
+        {kStringTerm, required(1), kFunction, &F::string, &kStringType},
+        {kNumberTerm, required(1), kFunction, &F::number, &kNumberType},
+        {kDateTerm, required(1), kFunction, &F::date, &kDateType},
+        {kRoundTerm, kTextAndOptional, kFunction, &F::round, &kNumberType},
+        {kTypeOfTerm, required(1), kFunction, &F::typeOf, &kTypeType},
+        {kTypeTerm, required(1), kFunction, &F::type, &kTypeType},
     };
     return kMethods;
 }

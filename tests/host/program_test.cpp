@@ -149,6 +149,17 @@ TEST_F(ProgramTest, TheScriptsThatAreShownRun) {
     ASSERT_TRUE(std::regex_search(readme, found, std::regex("```\n(// fruit.script[^`]*)```")));
     EXPECT_EQ(run(found.str(1)).out, "Total: 3.55\n");
 
+    // the console in the handbook: what is entered stands behind the prompts
+    const std::string handbook = text_of(root / "docs/corehost.md");
+    ASSERT_TRUE(std::regex_search(handbook, found, std::regex("```console\n([^`]*)```")));
+    std::string entered, shown;
+    std::istringstream lines(found.str(1));
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t prompt = line.starts_with("> ") ? 2 : line.starts_with("  | ") ? 4 : 0;
+        (prompt > 0 ? entered : shown) += line.substr(prompt) + '\n';
+    }
+    EXPECT_EQ(corehost({"repl"}, entered).out, shown);
+
     const Answer tour = corehost({"run", (root / "examples/countries.script").string(), "--leaks"});
     EXPECT_EQ(tour.code, ExitCode::done) << tour.err;
     EXPECT_EQ(tour.err, "");

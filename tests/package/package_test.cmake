@@ -17,11 +17,21 @@ foreach(place ${work}/first ${build} ${source})
   endif()
 endforeach()
 
+file(READ ${source}/README.md readme)
+if(NOT readme MATCHES "```cpp\n([^`]+)```")
+  message(FATAL_ERROR "the readme shows no example")
+endif()
+file(WRITE ${work}/example.cpp "${CMAKE_MATCH_1}")
+
 set(consumer ${CMAKE_CURRENT_LIST_DIR}/consumer)
 execute_process(COMMAND ${CMAKE_COMMAND} -G Ninja -S ${consumer} -B ${work}/consumer -D CMAKE_PREFIX_PATH=${prefix}
-  -D CMAKE_CXX_COMPILER=${compiler} OUTPUT_QUIET ${run})
+  -D CMAKE_CXX_COMPILER=${compiler} -D EXAMPLE=${work}/example.cpp OUTPUT_QUIET ${run})
 execute_process(COMMAND ${CMAKE_COMMAND} --build ${work}/consumer OUTPUT_QUIET ${run})
 execute_process(COMMAND ${work}/consumer/consumer ${run})
+execute_process(COMMAND ${work}/consumer/example OUTPUT_VARIABLE total ${run})
+if(NOT total STREQUAL "3.55\n")
+  message(FATAL_ERROR "the example in the readme wrote ${total}")
+endif()
 
 file(GLOB_RECURSE pc ${prefix}/core-host.pc)
 cmake_path(GET pc PARENT_PATH pc_dir)

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: Apache-2.0
+// The console: entries over several lines, errors that it survives, names that it completes in both
+// languages, the history, and all of it once at a real terminal.
+#include "host/console/completion.h"
+#include "host/console/history_file.h"
+#include "tests/host/program_fixture.h"
+#include "tests/host/script_fixture.h"
+
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <iostream>
+
+namespace host {
+namespace {
+
+TEST(ReplTest, ThroughAPipe) {
+    struct Case {
+        std::string input, out, err;
+    };
+    const Case cases[] = {
+        {"", "", ""},
+        {"a = 1\n\n  // nothing\na + 1\nPrint(a); a = a + 1; a", "2\n1\n2\n", ""},
+        {"Если Истина Тогда\n Сообщить(1)\nКонецЕсли\n\"x\n|y\"", "1\n\"x\uFFFDy\"\n", ""},
+        {"b = New Array\r\nb.Add(\"\x1B[2J\")\r\nb\r\n", "Array [\"\uFFFD[2J\"]\n", ""},
+        // the console goes on behind every error; what was done before it stays done
+        {"a = 1; b = 1 / 0\na\n)\na\n\"\xFF\"\na", "1\n1\n1\n",
+         "repl:1:14: Division by zero.\n    a = 1; b = 1 / 0\n                 ^\n"
+         "repl:1:1: Expected a value, found “)”.\n    )\n    ^\n"
+         "corehost: The file - is not text in UTF-8: the byte at 1 does not fit.\n"},
+        {"Print(1)\nIf True Then", "1\n", "repl:3:1: Expected"},
+    };
+    for (const Case& c : cases) {
+        const Answer answer = corehost({"repl", "--leaks"}, c.input);
+        EXPECT_EQ(answer.out, c.out) << c.input;
+        EXPECT_EQ(answer.err.substr(0, c.err.size()), c.err) << c.input;
+        EXPECT_EQ(answer.err.empty(), c.err.empty()) << answer.err;
+        EXPECT_EQ(answer.code, c.err.empty() ? ExitCode::done : ExitCode::malformed) << c.input;
+    }
+    EXPECT_EQ(corehost({"repl", "--json"}, "a = New Map; a.Insert(\"x\", 0.10); a; Null").out,
+              "{\"x\":0.1}\nnull\n");
+    EXPECT_EQ(corehost({"repl", "--lang", "ru"}, "True; New Map").out, "Истина\nСоответствие {}\n");
+}
+
+class CompletionTest : public script::ScriptTest {
+  protected:
+    /// The candidates, and behind "|" what is typed already.
+    std::string complete(std::string_view before, int alias = core::kEnglish) {
+        const Completion found =
+            host::complete(core::from_utf8(before), session_.interpreter(), session_.variables(), alias);
+        std::string text;
+        for (const core::wstring& name : found.names)
+            text += (text.empty() ? "" : " ") + core::to_utf8(name);
+        return text + "|" + std::to_string(found.typed);
+    }
+
+    script::Session session_;
+};
+
+TEST_F(CompletionTest, NamesInBothLanguages) {
+    session_.run("Prices = New Map; Цены = Prices; x = 5");
+    EXPECT_EQ(complete("New Str"), "StringQualifiers Structure|3");
+    EXPECT_EQ(complete("a = новый соо"), "Соответствие|3");
+    EXPECT_EQ(complete("Prices."), "Clear() Count() Delete( Get( Insert(|0");
+    EXPECT_EQ(complete("If Prices.", core::kRussian),
+              "Вставить( Количество() Очистить() Получить( Удалить(|0");
+    EXPECT_EQ(complete("ЦЕНЫ.вст"), "Вставить(|3");
+    EXPECT_EQ(complete("f(Prices . In"), "Insert(|2");
+    EXPECT_EQ(complete("AllowedSign.n"), "Nonnegative|1");
+    EXPECT_EQ(complete("pri"), "Prices Print(|3");
+    EXPECT_EQ(complete("x = x + Цен"), "Цены|3");
+    EXPECT_EQ(complete("КонецЦ"), "КонецЦикла|6");
+    EXPECT_EQ(complete("If x Then\nEndI"), "EndIf|4");
+    EXPECT_NE(complete("").find("Prices"), std::string::npos);
+}
+
+TEST_F(CompletionTest, NothingWhereNoNameStands) {
+    session_.run("Prices = New Map");
+    for (const char* const before : {"\"Pri", "// Pri", "x = 1 // Pri", "12", "x = \"Pri\"", "Prices.Get.",
+                                     "Prices.Count().", "nothing.", "x = '2024", "$ Pri"})
+        EXPECT_EQ(complete(before), "|0") << before;
+    EXPECT_EQ(complete("never = 1; nev"), "|3"); // it has no value before the entry is run
+}
+
+TEST_F(CompletionTest, TheCommonBeginning) {
+    const auto common = [](std::vector<core::wstring> names) {
+        return core::to_utf8(Completion{0, std::move(names)}.common());
+    };
+    EXPECT_EQ(common({}), "");
+    EXPECT_EQ(common({u"Вставить("}), "Вставить(");
+    EXPECT_EQ(common({u"ValueTable", u"valueTree", u"ValueTableRow"}), "ValueT");
+    EXPECT_EQ(common({u"a", u"б"}), "");
+}
+
+class HistoryTest : public FolderTest {};
+
+TEST_F(HistoryTest, LinesComeBackAndTheFileStaysShort) {
+    const HistoryFile history(path("new/folder/history"));
+    EXPECT_TRUE(history.load().empty());
+    history.append("a = 1");
+    HistoryFile(path("new/folder/history")).append("б"); // a console beside
+    EXPECT_EQ(history.load(), (std::vector<std::string>{"a = 1", "б"}));
+    for (std::size_t i = 0; i < 2 * HistoryFile::kMostLines; ++i)
+        history.append(std::to_string(i));
+    EXPECT_EQ(history.load().size(), HistoryFile::kMostLines);
+    EXPECT_EQ(history.load().back(), std::to_string(2 * HistoryFile::kMostLines - 1));
+    EXPECT_EQ(text_of(path("new/folder/history")).substr(0, 5), "1000\n");
+
+    for (const std::string& nowhere : {std::string(), file("plain", "") + "/history", folder().string()}) {
+        const HistoryFile none(nowhere);
+        none.append("x");
+        EXPECT_TRUE(none.load().empty()) << nowhere;
+    }
+}
+
+/// A console at a terminal of its own, in a process of its own.
+class TerminalTest : public FolderTest {
+  protected:
+    TerminalTest() {
+        struct winsize size {
+            24, 100, 0, 0
+        };
+        child_ = ::forkpty(&terminal_, nullptr, nullptr, &size);
+        if (child_ == 0) {
+            ::setenv("TERM", "xterm", 1);
+            ::setenv("XDG_STATE_HOME", folder().c_str(), 1);
+            ::setenv("LC_ALL", "C", 1);
+            Console console{std::cin, std::cout, std::cerr};
+            const ExitCode code = run_program({"repl"}, console);
+            std::fflush(nullptr);
+            ::_exit(static_cast<int>(code));
+        }
+    }
+    ~TerminalTest() override {
+        if (child_ > 0) {
+            ::kill(child_, SIGKILL);
+            ::waitpid(child_, nullptr, 0);
+        }
+        ::close(terminal_);
+    }
+
+    void type(std::string_view keys) const {
+        EXPECT_EQ(::write(terminal_, keys.data(), keys.size()), static_cast<::ssize_t>(keys.size()));
+    }
+    /// Waits until something is shown, pressing some key again and again; false when it never is.
+    [[nodiscard]] bool shows(std::string_view text, std::string_view again = {}) {
+        for (int i = 0; i < 200; ++i) {
+            if (const auto at = shown_.find(text); at != std::string::npos) {
+                shown_.erase(0, at + text.size());
+                return true;
+            }
+            struct pollfd ready {
+                terminal_, POLLIN, 0
+            };
+            char bytes[4096];
+            ::ssize_t count = 0;
+            if (::poll(&ready, 1, 100) > 0 && (count = ::read(terminal_, bytes, sizeof bytes)) > 0)
+                shown_.append(bytes, static_cast<std::size_t>(count));
+            else
+                type(again);
+        }
+        ADD_FAILURE() << "waited for " << text << ", has " << testing::PrintToString(shown_);
+        return false;
+    }
+    [[nodiscard]] int exit_code() {
+        int status = 0;
+        EXPECT_EQ(::waitpid(child_, &status, 0), child_);
+        child_ = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+  private:
+    int terminal_ = -1;
+    ::pid_t child_ = 0;
+    std::string shown_;
+};
+
+TEST_F(TerminalTest, EditsCompletesStopsAndLeaves) {
+    ASSERT_TRUE(shows("> "));
+    type("Цены = Новый Соо\t\r");
+    type("Цены.Вст\t1, 3)\x1B[D\x7F"
+         "2\r"); // the 3 becomes a 2
+    type("Цены\r");
+    ASSERT_TRUE(shows("Map {1: 2}"));
+    type("1/0\r");
+    ASSERT_TRUE(shows("Division by zero."));
+    type("If True Then\r");
+    ASSERT_TRUE(shows("  | "));
+    type("Print(\x03");
+    ASSERT_TRUE(shows("^C"));
+    type("While True Do EndDo\r");
+    ASSERT_TRUE(shows("The script was interrupted.", "\x03"));
+    type("40+2\r");
+    ASSERT_TRUE(shows("\n42\r\n"));
+    type("\x04");
+    EXPECT_EQ(exit_code(), 0);
+    EXPECT_TRUE(text_of(folder() / "corehost/history")
+                    .starts_with("Цены = Новый Соответствие\nЦены.Вставить(1, 2)\n"))
+        << text_of(folder() / "corehost/history");
+}
+
+} // namespace
+} // namespace host
