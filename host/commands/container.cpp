@@ -6,7 +6,7 @@
 #include <core/files/disk_file.h>
 #include <core/files/url.h>
 #include <core/files/wildcard.h>
-#include <core/runtime/exceptions.h>
+#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 
 #include <CLI/CLI.hpp>
@@ -46,7 +46,7 @@ Selection select(const StorageRW& storage, const Options& options, Console& cons
         if (storage.contains(name)) // a name that looks like a pattern means itself
             std::erase_if(found, [&](const StorageFound& file) { return file.name != name; });
         if (found.empty()) {
-            console.err << "corehost: no inner file " << shown(name) << '\n';
+            fail(console, message_text("IDS_HOST_NO_INNER_FILE", {name}), ExitCode::no);
             ++selection.missing;
         }
         std::move(found.begin(), found.end(), std::back_inserter(selection.files));
@@ -91,8 +91,7 @@ void add_container_command(CLI::App& app, Console& console, Action& action) {
                 } catch (const core::StorageException& e) {
                     if (e.kind() != core::StorageException::Kind::fileNotFound)
                         throw;
-                    console.err << "corehost: " << e.what() << '\n';
-                    return ExitCode::no;
+                    return fail(console, e.description(), ExitCode::no);
                 }
             };
         });

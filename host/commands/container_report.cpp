@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/container.h"
+#include "host/text_columns.h"
 
 #include <core/runtime/utf8.h>
+#include <core/strings/integer_text.h>
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
-#include <iomanip>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -19,8 +20,6 @@ using namespace core;
 namespace {
 
 constexpr std::array<char, 6> kLetters = {'H', 'T', 'F', 'a', '#', '.'}; // by StorageUse
-constexpr std::string_view kLegend =
-    "H header  T table of files  F list of free space  a attributes  # content  . free\n";
 constexpr std::size_t kColumns = 64;
 constexpr std::size_t kRows = 16;
 
@@ -74,8 +73,10 @@ ExitCode check(const Options& options, Console& console) {
     } else {
         for (const StorageProblem& problem : result.problems)
             console.out << shown(problem.text()) << '\n';
-        console.out << result.files << " files, " << result.blocks << " blocks, " << result.problems.size()
-                    << " problems\n";
+        console.out << message("IDS_HOST_CONTAINER_CHECKED",
+                               {string_intto(result.files), string_intto(result.blocks),
+                                string_intto(result.problems.size())})
+                    << '\n';
     }
     return result.isClean() ? ExitCode::done : ExitCode::no;
 }
@@ -96,25 +97,26 @@ ExitCode info(const Options& options, Console& console) {
         console.out << all.dump(2) << '\n';
         return ExitCode::done;
     }
-    const auto line = [&console](const char* what) -> std::ostream& {
-        return console.out << std::left << std::setw(18) << what << std::right;
+    Columns columns;
+    const auto line = [&columns](const char* what, std::string text) {
+        columns.add({message(what), std::move(text)});
     };
-    line("layout") << (wide ? "64-bit" : "32-bit") << '\n';
-    line("free chain");
-    if (info.firstWord == storage.layout().null)
-        console.out << "none\n";
-    else
-        console.out << "at " << info.firstWord << '\n';
-    line("block size") << info.secondWord << '\n';
-    line("change counter") << info.changeCounter << '\n';
-    line("file") << info.fileLength << " bytes\n";
-    line("inner files") << info.files << " with " << info.contentBytes << " bytes in " << info.fragments
-                        << " pieces\n";
-    line("blocks") << info.blocks << '\n';
-    line("free") << info.freeBytes << " bytes in " << info.freeRanges << " ranges\n";
+    line("IDS_HOST_CONTAINER_LAYOUT", wide ? "64-bit" : "32-bit");
+    line("IDS_HOST_CONTAINER_FREE_CHAIN",
+         info.firstWord == storage.layout().null ? "-" : std::to_string(info.firstWord));
+    line("IDS_HOST_CONTAINER_BLOCK_SIZE", std::to_string(info.secondWord));
+    line("IDS_HOST_CONTAINER_CHANGES", std::to_string(info.changeCounter));
+    line("IDS_HOST_CONTAINER_LENGTH", std::to_string(info.fileLength));
+    line("IDS_HOST_CONTAINER_FILES", std::to_string(info.files));
+    line("IDS_HOST_CONTAINER_CONTENT", std::to_string(info.contentBytes));
+    line("IDS_HOST_CONTAINER_PIECES", std::to_string(info.fragments));
+    line("IDS_HOST_CONTAINER_BLOCKS", std::to_string(info.blocks));
+    line("IDS_HOST_CONTAINER_FREE", std::to_string(info.freeBytes));
+    line("IDS_HOST_CONTAINER_RANGES", std::to_string(info.freeRanges));
     if (beyond != 0)
-        line("left over") << beyond << " bytes behind the end\n";
-    console.out << picture(info) << kLegend;
+        line("IDS_HOST_CONTAINER_BEYOND", std::to_string(beyond));
+    columns.write(console.out);
+    console.out << picture(info) << message("IDS_HOST_CONTAINER_LEGEND") << '\n';
     return ExitCode::done;
 }
 
@@ -122,7 +124,9 @@ ExitCode compact(const Options& options, Console& console) {
     StorageRW storage = open(options, OpenMode::readWrite);
     const std::uint64_t before = storage.info().fileLength;
     storage.compact();
-    console.out << before << " bytes before, " << storage.info().fileLength << " now\n";
+    console.out << message("IDS_HOST_CONTAINER_COMPACTED",
+                           {string_intto(before), string_intto(storage.info().fileLength)})
+                << '\n';
     return ExitCode::done;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/describe_report.h"
 
+#include "host/commands/describe_sample.h"
 #include "host/script/display.h"
 
 #include <core/context/context_def_ext.h>
@@ -101,6 +102,8 @@ TypeReport report_on(IType& type, int alias) {
     report.isEnumeration = static_cast<bool>(definition);
     if (!definition && !(type.valueClass() == kNullGuid))
         definition = create_object<IContextDef>(type.valueClass());
+    if (!definition && type.code() == Type::object)
+        definition = sample_of(type);
     if (definition)
         report.members = members_of(*definition, alias);
     return report;

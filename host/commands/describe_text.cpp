@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/describe_text.h"
 
-#include "host/terminal_text.h"
+#include "host/text_columns.h"
 
-#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/term.h>
 
@@ -21,38 +20,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // as text
-
-/// Rows of cells, written with the cells of a column below each other.
-class Columns {
-  public:
-    void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
-
-    void write(std::ostream& out, std::string_view indent) const {
-        std::vector<std::size_t> widths;
-        for (const auto& row : rows_) {
-            widths.resize(std::max(widths.size(), row.size()));
-            for (std::size_t i = 0; i < row.size(); ++i)
-                widths[i] = std::max(widths[i], terminal_width(row[i]));
-        }
-        for (const auto& row : rows_) {
-            std::string line(indent);
-            std::size_t gap = 0;
-            for (std::size_t i = 0; i < row.size(); ++i) {
-                if (!row[i].empty())
-                    line.append(std::exchange(gap, 0), ' ').append(row[i]);
-                gap += widths[i] - terminal_width(row[i]) + 2;
-            }
-            out << line << '\n';
-        }
-    }
-
-  private:
-    std::vector<std::vector<std::string>> rows_;
-};
-
-std::string message(const char* id) {
-    return to_utf8(message_text(id));
-}
 
 const std::string& in_language(const Names& names, Language language) {
     return language == Language::russian ? names.russian : names.english;
@@ -123,7 +90,7 @@ std::string constructor_text(const TypeReport& report) {
         count += "...";
     else if (most > least)
         count += ".." + std::to_string(most);
-    return to_utf8(message_text("IDS_HOST_ARGUMENTS", {from_utf8(count)}));
+    return message("IDS_HOST_ARGUMENTS", {from_utf8(count)});
 }
 
 // as JSON

@@ -5,9 +5,10 @@
 #include "host/lists/json_to_list.h"
 #include "host/lists/list_tools.h"
 #include "host/terminal_text.h"
+#include "host/text_columns.h"
 #include "host/text_output.h"
 
-#include <core/runtime/error.h>
+#include <core/runtime/exceptions.h>
 #include <core/runtime/utf8.h>
 #include <core/serialization/text_file.h>
 #include <core/strings/integer_text.h>
@@ -15,6 +16,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <ostream>
@@ -75,9 +77,9 @@ bool check_file(Console& console, const std::string& file) {
         console.out << report(file, input.scanner(), counts, isGood).dump() << '\n';
     } else if (isGood) {
         console.out << terminal_text(from_utf8(file)) << ": "
-                    << to_utf8(message_text("IDS_HOST_LIST_COUNTS",
-                                            {string_intto(counts.lists), string_intto(counts.strings),
-                                             string_intto(counts.tokens), string_intto(counts.depth)}))
+                    << message("IDS_HOST_LIST_COUNTS",
+                               {string_intto(counts.lists), string_intto(counts.strings),
+                                string_intto(counts.tokens), string_intto(counts.depth)})
                     << '\n';
     } else {
         throw_malformed(input.scanner(), file);

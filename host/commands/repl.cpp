@@ -9,6 +9,7 @@
 #include "host/script/print.h"
 #include "host/script/table_view.h"
 #include "host/terminal_text.h"
+#include "host/text_columns.h"
 
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
@@ -117,7 +118,7 @@ ExitCode converse(Console& console) {
     const IgnoreInterrupts ignore;
     Repl repl(console);
     LineEditor editor([&repl](wstring_view before) { return repl.complete(before); }, HistoryFile::of_user());
-    console.out << to_utf8(message_text("IDS_HOST_REPL_KEYS")) << std::endl;
+    console.out << message("IDS_HOST_REPL_KEYS") << std::endl;
     while (console.out) {
         LineEditor::Line line = editor.read(repl.isInEntry() ? "  | " : "> ");
         switch (line.kind) {

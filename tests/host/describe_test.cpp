@@ -37,6 +37,9 @@ TEST(DescribeTest, EveryTypeByBothNames) {
         EXPECT_EQ(english, described({type["name"]["ru"]}));
     }
     EXPECT_EQ(listed, registered);
+    // objects that live inside others only
+    for (const char* const inner : {"ValueTableRow", "CollectionIndex", "ЭлементСпискаЗначений"})
+        EXPECT_TRUE(described({inner})["known"]) << inner;
 }
 
 TEST(DescribeTest, MembersAreThoseOfLiveObjects) {

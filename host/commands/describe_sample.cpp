@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/describe_sample.h"
+
+#include <core/runtime/exceptions.h>
+#include <core/runtime/process.h>
+#include <core/values/type_service.h>
+
+#include <vector>
+
+namespace host::describe {
+
+using namespace core;
+
+namespace {
+
+/// Nothing of what is asked matters to anybody, so a refusal is no more than an object less.
+template <class Ask>
+void try_to(Ask ask) {
+    try {
+        ask();
+    } catch (const Exception&) {
+    }
+}
+
+std::vector<GenericValue> inside(const GenericValue& object) {
+    std::vector<GenericValue> found;
+    const auto context = object.query<IContext_>();
+    if (!context)
+        return found;
+    GenericValue value;
+    for (int prop = 0; prop < context->getNProps(); ++prop) {
+        try_to([&] {
+            context->getPropVal(prop, value);
+            found.push_back(value);
+        });
+    }
+    if (const int add = context->findMethod(u"Add"); add >= 0 && context->hasRetVal(add)) {
+        try_to([&] {
+            std::vector<GenericValue> arguments(static_cast<std::size_t>(context->getNParams(add)));
+            for (std::size_t i = 0; i < arguments.size(); ++i) {
+                if (!context->getParamDefValue(add, static_cast<int>(i), &arguments[i]))
+                    arguments[i] = GenericValue(u"Name"); // of a column, for its table as for its index
+            }
+            context->call(add, &value, &arguments);
+            found.push_back(value);
+        });
+    }
+    return found;
+}
+
+} // namespace
+
+InterfacePtr<IContext_> sample_of(const IType& type) {
+    constexpr int kDepth = 3;
+    std::vector<GenericValue> level;
+    for (IType* const maker : get_service<ITypeValueService>()->types()) {
+        if (maker->arguments().least == 0)
+            try_to([&] { level.push_back(maker->construct({})); });
+    }
+    for (int depth = 0; depth < kDepth; ++depth) {
+        std::vector<GenericValue> next;
+        for (const GenericValue& object : level) {
+            for (GenericValue& value : inside(object)) {
+                if (value.type().id() == type.id())
+                    return value.query<IContext_>();
+                next.push_back(std::move(value));
+            }
+        }
+        level = std::move(next);
+    }
+    return {};
+}
+
+} // namespace host::describe
