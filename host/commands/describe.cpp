@@ -2,6 +2,7 @@
 #include "host/commands/commands.h"
 #include "host/commands/describe_text.h"
 #include "host/script/functions.h"
+#include "host/script/table_functions.h"
 
 #include <core/context/core_general_context.h>
 #include <core/runtime/error.h>
@@ -73,7 +74,8 @@ ExitCode describe_type(const std::string& text, Console& console) {
 
 ExitCode describe_functions(Console& console) {
     std::vector<describe::Method> functions;
-    for (const auto& context : {script::create_host_functions(console), create_core_general_context()}) {
+    for (const auto& context : {script::create_host_functions(console),
+                                script::create_table_functions(console), create_core_general_context()}) {
         describe::Members members = describe::members_of(*context, alias_of(console.language));
         std::move(members.methods.begin(), members.methods.end(), std::back_inserter(functions));
     }

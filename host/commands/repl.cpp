@@ -117,7 +117,8 @@ class IgnoreInterrupts {
 ExitCode converse(Console& console) {
     const IgnoreInterrupts ignore;
     Repl repl(console);
-    LineEditor editor([&repl](wstring_view before) { return repl.complete(before); }, HistoryFile::of_user());
+    LineEditor editor(
+        console, [&repl](wstring_view before) { return repl.complete(before); }, HistoryFile::of_user());
     console.out << message("IDS_HOST_REPL_KEYS") << std::endl;
     while (console.out) {
         LineEditor::Line line = editor.read(repl.isInEntry() ? "  | " : "> ");

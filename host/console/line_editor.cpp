@@ -7,9 +7,7 @@
 
 #include <histedit.h>
 #include <langinfo.h>
-#include <sys/ioctl.h>
 #include <unicode/utf16.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -63,20 +61,15 @@ class Utf8Locale {
     std::string before_;
 };
 
-std::size_t terminal_columns() {
-    struct winsize size {};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
-
 /// Names below each other, as many beside each other as the terminal takes.
-std::string in_columns(const std::vector<core::wstring>& names) {
+std::string in_columns(const std::vector<core::wstring>& names, std::size_t lineWidth) {
     std::size_t width = 0;
     std::vector<std::string> cells;
     for (const core::wstring& name : names) {
         cells.push_back(terminal_text(name));
         width = std::max(width, terminal_width(cells.back()) + 2);
     }
-    const std::size_t columns = std::max<std::size_t>((terminal_columns() - 1) / width, 1);
+    const std::size_t columns = std::max<std::size_t>((lineWidth - 1) / width, 1);
     const std::size_t rows = (cells.size() + columns - 1) / columns;
     std::string text;
     for (std::size_t row = 0; row < rows; ++row) {
@@ -94,9 +87,9 @@ std::string in_columns(const std::vector<core::wstring>& names) {
 
 class LineEditor::Terminal {
   public:
-    Terminal(Complete complete, HistoryFile history)
-        : complete_(std::move(complete)), file_(std::move(history)), history_(history_winit()),
-          editor_(el_init("corehost", stdin, stdout, stderr)) {
+    Terminal(const Console& console, Complete complete, HistoryFile history)
+        : console_(console), complete_(std::move(complete)), file_(std::move(history)),
+          history_(history_winit()), editor_(el_init("corehost", stdin, stdout, stderr)) {
         if (history_ == nullptr || editor_ == nullptr)
             throw std::bad_alloc();
         HistEventW event;
@@ -180,7 +173,7 @@ class LineEditor::Terminal {
             return CC_ERROR;
         const core::wstring common = found.common();
         if (found.names.size() > 1 && common.size() <= found.typed) {
-            std::fputs(("\n" + in_columns(found.names)).c_str(), stdout);
+            std::fputs(("\n" + in_columns(found.names, line_width(of(editor).console_))).c_str(), stdout);
             std::fflush(stdout);
             return CC_REDISPLAY;
         }
@@ -199,6 +192,7 @@ class LineEditor::Terminal {
         file_.append(core::to_utf8(to_units(line)));
     }
 
+    const Console& console_;
     Utf8Locale locale_;
     Complete complete_;
     HistoryFile file_;
@@ -209,8 +203,8 @@ class LineEditor::Terminal {
     bool cancelled_ = false;
 };
 
-LineEditor::LineEditor(Complete complete, HistoryFile history)
-    : terminal_(std::make_unique<Terminal>(std::move(complete), std::move(history))) {}
+LineEditor::LineEditor(const Console& console, Complete complete, HistoryFile history)
+    : terminal_(std::make_unique<Terminal>(console, std::move(complete), std::move(history))) {}
 
 LineEditor::~LineEditor() = default;
 

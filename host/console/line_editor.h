@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "host/console.h"
 #include "host/console/completion.h"
 #include "host/console/history_file.h"
 
@@ -27,7 +28,7 @@ class LineEditor {
         core::wstring text{};
     };
 
-    LineEditor(Complete complete, HistoryFile history);
+    LineEditor(const Console& console, Complete complete, HistoryFile history);
     LineEditor(const LineEditor&) = delete;
     LineEditor& operator=(const LineEditor&) = delete;
     ~LineEditor();

@@ -80,6 +80,16 @@ TEST(DescribeTest, WhatAPersonReads) {
               std::string::npos);
 }
 
+TEST(DescribeTest, TheHandbookNamesEveryFunction) {
+    const std::string handbook = text_of(std::filesystem::path(CORE_SOURCE_DIR) / "docs/corehost.md");
+    for (const json& function : described({"--functions"})) {
+        EXPECT_NE(handbook.find("`" + function["name"]["en"].get<std::string>() + "("), std::string::npos)
+            << function;
+        EXPECT_NE(handbook.find("`" + function["name"]["ru"].get<std::string>() + "`"), std::string::npos)
+            << function;
+    }
+}
+
 TEST(DescribeTest, WhatThereIsNot) {
     const Answer near = corehost({"describe", "Structur"});
     EXPECT_EQ(near.code, ExitCode::no);

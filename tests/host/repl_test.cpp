@@ -129,6 +129,7 @@ class TerminalTest : public FolderTest {
             ::setenv("XDG_STATE_HOME", folder().c_str(), 1);
             ::setenv("LC_ALL", "C", 1);
             Console console{std::cin, std::cout, std::cerr};
+            console.terminal = terminal_of_environment();
             const ExitCode code = run_program({"repl"}, console);
             std::fflush(nullptr);
             ::_exit(static_cast<int>(code));
