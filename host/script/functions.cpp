@@ -203,18 +203,11 @@ std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
     return kMethods;
 }
 
-class AllFunctions : public StableGroupContext {
-  public:
-    explicit AllFunctions(Console& console) {
-        addContext(InterfacePtr<IContext_>(SCOM_InternalClass<HostFunctions>::create(console)).get());
-        addContext(create_table_functions(console).get());
-    }
-};
-
 class Globals : public StableGroupContext {
   public:
     explicit Globals(Console& console) {
         addContext(create_host_functions(console).get());
+        addContext(create_table_functions(console).get());
         addContext(create_core_general_context().get());
         addContext(get_service<IEnumerations>());
     }
@@ -223,7 +216,7 @@ class Globals : public StableGroupContext {
 } // namespace
 
 InterfacePtr<IContext_> create_host_functions(Console& console) {
-    return InterfacePtr<IContext_>(SCOM_InternalClass<AllFunctions>::create(console));
+    return InterfacePtr<IContext_>(SCOM_InternalClass<HostFunctions>::create(console));
 }
 
 InterfacePtr<IContext_> create_globals(Console& console) {
