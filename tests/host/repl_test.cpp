@@ -70,7 +70,8 @@ TEST_F(CompletionTest, NamesInBothLanguages) {
     EXPECT_EQ(complete("ЦЕНЫ.вст"), "Вставить(|3");
     EXPECT_EQ(complete("f(Prices . In"), "Insert(|2");
     EXPECT_EQ(complete("AllowedSign.n"), "Nonnegative|1");
-    EXPECT_EQ(complete("pri"), "Prices Print( PrintTable(|3");
+    EXPECT_EQ(complete("pric"), "Prices|4");
+    EXPECT_EQ(complete("Strl"), "StrLen(|4");
     EXPECT_EQ(complete("x = x + Цен"), "Цены|3");
     EXPECT_EQ(complete("КонецЦ"), "КонецЦикла|6");
     EXPECT_EQ(complete("If x Then\nEndI"), "EndIf|4");
