@@ -13,7 +13,7 @@
 namespace core::detail {
 
 struct Utf8InBuffer::Block {
-    static constexpr std::size_t kSize = 64 * 1024;
+    static constexpr std::size_t kSize = std::size_t{64} << 10;
 
     std::uint8_t bytes[kSize];
     wchar units[kSize];       // a byte makes one unit at the most

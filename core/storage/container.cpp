@@ -25,9 +25,8 @@ bool Container::create(IFile& file, const StorageLayout& layout) {
 }
 
 Container::Container(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
-                     wstring url)
-    : file_(std::move(file)), layout_(layout), options_(options),
-      url_(url.empty() ? file_->url() : std::move(url)),
+                     const wstring& url)
+    : file_(std::move(file)), layout_(layout), options_(options), url_(url.empty() ? file_->url() : url),
       lock_(InterfacePtr<ISharedFile>(file_), layout_, url_), reader_(*file_, layout_), queue_(*file_),
       table_(layout_), tableBlocks_(layout_.blockHeaderSize()), freeBlocks_(layout_.blockHeaderSize()),
       space_(layout_) {

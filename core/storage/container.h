@@ -40,7 +40,7 @@ class FileWithBuffer;
 class Container : public std::enable_shared_from_this<Container> {
   public:
     Container(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
-              wstring url);
+              const wstring& url);
     ~Container();
     Container(const Container&) = delete;
     Container& operator=(const Container&) = delete;

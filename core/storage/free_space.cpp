@@ -112,9 +112,7 @@ bool FreeSpace::release(const BlockRuns& blocks) {
             const std::uint64_t step = layout_->blockHeaderSize() + run.size;
             std::uint64_t stop = end;
             const bool fresh = fresh_.contains(at, at + step);
-            if (fresh && !fresh_.contains(at, end))
-                stop = at + step;
-            else if (!fresh && fresh_.touches(at, end))
+            if (fresh ? !fresh_.contains(at, end) : fresh_.touches(at, end))
                 stop = at + step;
             if (fresh) {
                 fresh_.take(at, stop);

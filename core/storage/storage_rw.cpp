@@ -10,8 +10,8 @@
 namespace core {
 
 StorageRW::StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
-                     wstring url)
-    : container_(std::make_shared<Container>(std::move(file), layout, options, std::move(url))) {}
+                     const wstring& url)
+    : container_(std::make_shared<Container>(std::move(file), layout, options, url)) {}
 
 void StorageRW::create(IFile& file, const StorageLayout& layout) {
     if (!createIfEmpty(file, layout))
@@ -96,8 +96,8 @@ void StorageRW::setTimes(wstring_view name, Date created, Date modified) {
     container_->setTimes(name, created, modified);
 }
 
-StorageRW64::StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options, wstring url)
-    : StorageRW(std::move(file), kStorageLayout64, options, std::move(url)) {}
+StorageRW64::StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url)
+    : StorageRW(std::move(file), kStorageLayout64, options, url) {}
 
 StorageReading::StorageReading(const StorageRW& storage) : container_(storage.container_) {
     container_->beginReading();

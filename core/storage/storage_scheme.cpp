@@ -64,7 +64,7 @@ wstring StorageScheme::enter(InterfacePtr<IFile> file, const StorageOptions& opt
     StorageRW storage(std::move(file), layout_, options, url);
     // What does not open takes no number.
     const std::string serial = std::to_string(++serial_of(layout_));
-    const wstring root = name_ + wstring(kRoot) + from_utf8(serial) + u"/";
+    wstring root = name_ + wstring(kRoot) + from_utf8(serial) + u"/";
     storage.setRootURL(root);
     const std::lock_guard lock(mutex_);
     containers_.emplace(root, std::move(storage));

@@ -283,7 +283,7 @@ class Writer {
     void newLine() {
         if (indent_ > 0) {
             text_ += '\n';
-            text_.append(static_cast<std::size_t>(indent_ * depth_), ' ');
+            text_.append(static_cast<std::size_t>(indent_) * static_cast<std::size_t>(depth_), ' ');
         }
     }
 

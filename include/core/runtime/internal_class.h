@@ -121,7 +121,7 @@ class SCOM_InternalClass final : public T {
 
     template <class... Args>
     explicit SCOM_InternalClass(Args&&... args) : T(std::forward<Args>(args)...) {}
-    ~SCOM_InternalClass() = default;
+    ~SCOM_InternalClass() = default; // NOLINT(modernize-use-override): not every T has a virtual one
 
     std::int32_t count_ = 0;
 };

@@ -50,7 +50,7 @@ class CORE_API StorageRW {
   public:
     /// Opens the container in `file`, which `url` names in messages.
     explicit StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout = kStorageLayout32,
-                       const StorageOptions& options = {}, wstring url = {});
+                       const StorageOptions& options = {}, const wstring& url = {});
 
     /// Makes an empty container in `file`, which must be empty.
     static void create(IFile& file, const StorageLayout& layout = kStorageLayout32);
@@ -118,7 +118,8 @@ class CORE_API StorageRW {
 
 class CORE_API StorageRW64 : public StorageRW {
   public:
-    explicit StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options = {}, wstring url = {});
+    explicit StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options = {},
+                         const wstring& url = {});
 };
 
 /// Makes many reads see one committed state, and saves each of them its own lock. Commits of other processes

@@ -125,7 +125,8 @@ class CORE_API StringValue final : public PrimitiveValue {
   public:
     [[nodiscard]] static StringValue* make(wstring_view text);
     struct SharedEmpty {};
-    constexpr explicit StringValue(SharedEmpty) noexcept : PrimitiveValue(Life::shared), text_(u"", 0) {}
+    constexpr explicit StringValue(SharedEmpty) noexcept
+        : PrimitiveValue(Life::shared), text_(wstring_view(u"")) {}
     [[nodiscard]] wstring_view payload() const noexcept { return text_; }
 
     /// The hashes that tables find the string by, computed once: of the text, never 0, and of a name in any
