@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace core {
 
@@ -67,8 +68,7 @@ namespace {
 struct Leaks {
     std::mutex lock;
     std::vector<const LeaksCounter*> entries;
-    wstring english;
-    wstring russian;
+    std::optional<std::pair<wstring, wstring>> term; // a text alone is not a constant under every compiler
 };
 
 Leaks& leaks() noexcept {
@@ -115,8 +115,7 @@ LeaksCounter::~LeaksCounter() {
 void LeaksCounter::setTerm(const wchar* english, const wchar* russian) {
     Leaks& registry = leaks();
     const std::lock_guard guard(registry.lock);
-    registry.english = english != nullptr ? english : u"";
-    registry.russian = russian != nullptr ? russian : u"";
+    registry.term.emplace(english != nullptr ? english : u"", russian != nullptr ? russian : u"");
 }
 
 std::vector<LiveClass> live_report() {
@@ -148,7 +147,7 @@ std::vector<LiveClass> live_report() {
 std::pair<wstring, wstring> leaks_term() {
     Leaks& registry = leaks();
     const std::lock_guard guard(registry.lock);
-    return {registry.english, registry.russian};
+    return registry.term.value_or(std::pair<wstring, wstring>{});
 }
 
 } // namespace core
