@@ -117,8 +117,8 @@ void valid_name_core(benchmark::State& state, wstring_view letters) {
 }
 BENCHMARK_CAPTURE(valid_name_core, cyrillic, kCyrillic);
 
-// LIKE over lines of about 100 letters, put together from the words of a trading company. Every fourth
-// matches.
+// LIKE over lines of about 100 letters, put together from the words of a trading
+// company. Every fourth matches.
 
 struct Question {
     wstring_view like;

@@ -29,8 +29,8 @@ struct Console {
 /// The language that the environment asks for: LC_ALL, LC_MESSAGES, LANG, the first that is set.
 [[nodiscard]] Language language_of_environment();
 
-/// Whether messages may be coloured: standard error is a terminal that knows colours, and NO_COLOR is not
-/// set.
+/// Whether messages may be coloured: standard error is a terminal that knows
+/// colours, and NO_COLOR is not set.
 [[nodiscard]] bool colour_of_environment();
 
 /// Whether standard input and output are a terminal.

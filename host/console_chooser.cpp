@@ -27,8 +27,8 @@ namespace {
 
 constexpr std::size_t kListed = 50; // of more rows, the first are shown; any number is taken
 
-/// A view whose rows have their numbers in front, from 1, and a mark in front of that of the row to begin
-/// with.
+/// A view whose rows have their numbers in front, from 1, and a mark in front of that
+/// of the row to begin with.
 TableView numbered(TableView view, std::size_t marked) {
     view.columns.insert(view.columns.begin(), {{}, {u"№"}});
     view.walk = [walk = std::move(view.walk), marked](const TableView::Show& show) {

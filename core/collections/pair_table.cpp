@@ -28,8 +28,8 @@ void PairTable::enter(std::vector<Slot>& slots, unsigned shift, Slot slot) noexc
     slots[i] = slot;
 }
 
-/// Doubles the slots. Tags hold all the bits that are needed, and slots are met in the order of their new
-/// homes.
+/// Doubles the slots. Tags hold all the bits that are needed, and slots are met in the
+/// order of their new homes.
 void PairTable::grow() {
     constexpr std::size_t kFirst = 4 * kUnindexed;
     constexpr unsigned kFirstShift = 32 - 5;

@@ -8,9 +8,9 @@
 
 namespace core {
 
-/// What the objects of this folder have in common: each is an immutable content as a script value. Values of
-/// one class are equal when their contents are, and are written as their contents. `Self` adds its tables and
-/// type().
+/// What the objects of this folder have in common: each is an immutable content as a script value.
+/// Values of one class are equal when their contents are, and are written as their contents.
+/// `Self` adds its tables and type().
 template <class Self, class C, const GUID* clsid>
 class ContentValue : public IValueImpl,
                      public IContextImpl<IContextDefImpl<Self>>,

@@ -30,8 +30,8 @@ class DiskFile : public FileImpl, public ISharedFile {
   public:
     using Interfaces = InterfaceList<IFile, ISharedFile>;
 
-    /// Takes over `descriptor`. `path` is not empty when the file may be new, and is needed for the first
-    /// flush only.
+    /// Takes over `descriptor`. `path` is not empty when the file may be new, and is
+    /// needed for the first flush only.
     DiskFile(int descriptor, wstring url, std::string path)
         : FileImpl(std::move(url)), descriptor_(descriptor), newPath_(std::move(path)) {}
     ~DiskFile() override { DiskFile::close(); }

@@ -7,8 +7,8 @@
 
 namespace core {
 
-/// Who has locked which regions of one file: the rules of the system's file locks for files without a system
-/// below.
+/// Who has locked which regions of one file: the rules of the system's file locks for
+/// files without a system below.
 class RegionLocks {
   public:
     /// False when another owner's lock excludes it. Replaces what `owner` held in the region.

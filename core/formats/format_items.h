@@ -14,8 +14,8 @@ struct FormatItem {
     wstring value; ///< without quotes
 
     [[nodiscard]] bool is(wstring_view expected) const noexcept;
-    /// The value as a text that a reader can find: white space at its front is refused, since readers skip
-    /// it.
+    /// The value as a text that a reader can find: white space at its front is
+    /// refused, since readers skip it.
     [[nodiscard]] const wstring& text() const;
     /// Throws the CtorException for an item that a format cannot use.
     [[noreturn]] void refuse() const;

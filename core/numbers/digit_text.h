@@ -139,8 +139,8 @@ void write_cut_off(Char* out, Limb limb, std::size_t count) noexcept {
     std::memcpy(out, digits, count * sizeof(Char));
 }
 
-/// Writes the first `count` digits of nine and returns their end; where there is `room`, the others may
-/// follow them.
+/// Writes the first `count` digits of nine and returns their end; where there is `room`,
+/// the others may follow them.
 template <class Char>
 Char* write_leading(Char* out, bool room, Limb limb, std::size_t count) noexcept {
     if (room) [[likely]] {

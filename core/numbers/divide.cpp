@@ -88,9 +88,9 @@ bool subtract_product(std::span<Word> r, std::span<const Word> v, Word q) noexce
 
 /// One step of long division: q = ⌊r / v⌋ < 10^18; r, of one word more than v, becomes the remainder.
 ///
-/// q is estimated as the top three words of r by the top two words d of v. The estimate is never too small,
-/// and too large by at most 1: with u the top three words, u / d − u / (d + 1) < (u / d) / d <= 10^18 / d,
-/// and d >= 10^18.
+/// q is estimated as the top three words of r by the top two words d of v. The estimate is never
+/// too small, and too large by at most 1: with u the top three words, u / d − u / (d + 1) < (u / d)
+/// / d <= 10^18 / d, and d >= 10^18.
 Word divide_step(std::span<Word> r, std::span<const Word> v, const TwoWordDivisor& top,
                  DoubleWord d) noexcept {
     const std::size_t n = v.size();

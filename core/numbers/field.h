@@ -6,8 +6,8 @@
 /// Arithmetic modulo the primes of the transform.
 namespace core::limbs {
 
-/// The integers modulo a prime 10^18 < P < 2^61 of the form c × 3 × 2^40 + 1, of which `Generator` is a
-/// primitive root.
+/// The integers modulo a prime 10^18 < P < 2^61 of the form c × 3 × 2^40 + 1, of which
+/// `Generator` is a primitive root.
 ///
 /// Numbers that stay are in Montgomery's form (times 2^64); multiplying one by a plain number gives a plain
 /// number. Results are reduced lazily: a product is below 2P, sums may reach 8P, which is below 2^64.

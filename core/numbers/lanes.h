@@ -6,15 +6,15 @@
 #include <bit>
 #include <cstring>
 
-/// Arithmetic on two limbs at a time: a pair is one register whose low half is the lower limb. Up to eight
-/// limbs travel in four registers, so that small numbers are worked on without memory and almost without
-/// branches.
+/// Arithmetic on two limbs at a time: a pair is one register whose low half is the lower limb.
+/// Up to eight limbs travel in four registers, so that small numbers are worked on without
+/// memory and almost without branches.
 namespace core::limbs {
 
 using Pair = std::uint64_t;
 
-/// 2^32 − 10^9 in each half: added to a limb, it makes the hardware carry out of the half exactly when the
-/// limb carries.
+/// 2^32 − 10^9 in each half: added to a limb, it makes the hardware carry out of the half
+/// exactly when the limb carries.
 inline constexpr Pair kCarryBias = (Pair{1} << 32) - kLimbBase;
 
 [[nodiscard]] inline Pair load_pair(const Limb* limbs) noexcept {
@@ -39,8 +39,8 @@ inline void store_pair(Limb* limbs, Pair pair) noexcept {
     return sum - ((low_carry - 1) & kCarryBias) - ((carry - 1) & (kCarryBias << 32));
 }
 
-/// x − y − borrow for borrow 0 or 1, which becomes the borrow from beyond. A half that borrowed took 2^32
-/// instead of 10^9.
+/// x − y − borrow for borrow 0 or 1, which becomes the borrow from beyond. A half that
+/// borrowed took 2^32 instead of 10^9.
 [[nodiscard]] inline Pair subtract_pair(Pair x, Pair y, Pair& borrow) noexcept {
     const Pair partial = x - y;
     const Pair difference = partial - borrow;

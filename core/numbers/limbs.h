@@ -71,8 +71,8 @@ Limb add_to(std::span<Limb> out, std::span<const Limb> a) noexcept;
 /// out -= a for a.size() <= out.size(); returns the borrow from beyond the top.
 Limb subtract_from(std::span<Limb> out, std::span<const Limb> a) noexcept;
 
-/// out = a × b, with out.size() == a.size() + b.size(), neither factor empty and no overlap. The algorithm is
-/// chosen by size.
+/// out = a × b, with out.size() == a.size() + b.size(), neither factor empty and no overlap. The
+/// algorithm is chosen by size.
 void multiply(std::span<Limb> out, std::span<const Limb> a, std::span<const Limb> b);
 
 /// q = ⌊a × 10^(9 × shift) / b⌋ modulo 10^(9 × q.size()); the top limb of b is not zero.

@@ -10,8 +10,8 @@
 namespace core::limbs {
 namespace {
 
-/// Up to this many limbs in the shorter factor, column sums of limb products fit 64 bits: 18 × 10^18 and the
-/// carry.
+/// Up to this many limbs in the shorter factor, column sums of limb products fit 64
+/// bits: 18 × 10^18 and the carry.
 constexpr std::size_t kLimbColumns = 17;
 
 /// Column by column, each column summed before it is reduced.

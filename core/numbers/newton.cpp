@@ -15,13 +15,13 @@ namespace {
 using Words = std::vector<Word>;
 constexpr Word kOne[] = {1};
 
-/// The reciprocal of v, of k words with the top one at least W / 2: k + 1 words that differ from W^(2k) / v
-/// by less than 2.
+/// The reciprocal of v, of k words with the top one at least W / 2: k + 1 words that differ
+/// from W^(2k) / v by less than 2.
 ///
-/// Newton's iteration doubles the words that are right. Let r be the reciprocal of the upper h words of v,
-/// with 2h >= k + 2, and e = W^(k + h) − v r; then |e| < 4 W^k, and r W^(k − h) + r e / W^(2h) differs from
-/// W^(2k) / v by 2 W^k (e / W^(k + h))², which is below 32 / W². Cutting off e and the product adds less than
-/// 1 + 2 / W.
+/// Newton's iteration doubles the words that are right. Let r be the reciprocal of the upper h words of
+/// v, with 2h >= k + 2, and e = W^(k + h) − v r; then |e| < 4 W^k, and r W^(k − h) + r e / W^(2h)
+/// differs from W^(2k) / v by 2 W^k (e / W^(k + h))², which is below 32 / W². Cutting off e and the
+/// product adds less than 1 + 2 / W.
 Words reciprocal(std::span<const Word> v) {
     constexpr std::size_t kSchoolbook = 40;
     const std::size_t k = v.size();

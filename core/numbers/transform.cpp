@@ -110,8 +110,8 @@ class Transform {
         return roots_.get() + power * (block_ / 2);
     }
 
-    /// Splits the s-th block of a layer down to single values: two layers at a time, large blocks depth
-    /// first.
+    /// Splits the s-th block of a layer down to single values: two layers at a time,
+    /// large blocks depth first.
     void split(Word* x, std::size_t n, std::size_t s, std::size_t third, unsigned layer) {
         if (n > kCached) {
             splitLayers(x, n, n, s, third, layer);

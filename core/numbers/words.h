@@ -44,10 +44,10 @@ struct WordQuotient {
     Word remainder;
 };
 
-/// x / 10^18 for x < 2^64 × 10^18, by multiplication with the reciprocal
-/// v = ⌊(2^128 − 1) / d⌋ − 2^64 of the normalised divisor d = 2^4 × 10^18 (Möller and Granlund 2011,
-/// algorithm 4). The algorithm's second correction could occur only if 2^128 − (2^64 + v) d were at least
-/// 2^65 − 2^128 / d, that is 0.84 × 2^64; here it is 0.40 × 2^64.
+/// x / 10^18 for x < 2^64 × 10^18, by multiplication with the reciprocal v = ⌊(2^128 − 1) / d⌋ − 2^64 of
+/// the normalised divisor d = 2^4 × 10^18 (Möller and Granlund 2011, algorithm 4). The algorithm's
+/// second correction could occur only if 2^128 − (2^64 + v) d were at least 2^65 − 2^128 / d, that is
+/// 0.84 × 2^64; here it is 0.40 × 2^64.
 [[nodiscard]] inline WordQuotient split_word(DoubleWord x) noexcept {
     constexpr Word d = kWordBase << 4;
     constexpr Word v = 0x2725DD1D243ABA0E;

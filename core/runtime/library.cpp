@@ -21,8 +21,8 @@ void detach() noexcept {
     core_bundle().cleanup();
     core_module().term();
     LeaksCounter::setTerm(nullptr, nullptr);
-    // ICU stays initialised: other users of it in this program hold its data, and attaching again finds it
-    // ready.
+    // ICU stays initialised: other users of it in this program hold its data, and
+    // attaching again finds it ready.
     detail::thread_slots.data.free();
     detail::thread_slots.process.free();
     detail::thread_slots.locale.free();

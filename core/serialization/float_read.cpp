@@ -39,8 +39,8 @@ bool is_large(const char* at, const char* end) noexcept {
     return power + exponent > 0;
 }
 
-/// The nearest value of the type, an infinity or zero when it is out of range. False when `text` is no
-/// number.
+/// The nearest value of the type, an infinity or zero when it is out of range. False
+/// when `text` is no number.
 template <class Float>
 bool convert(const char* begin, const char* end, Float& value) noexcept {
     value = 0;

@@ -39,8 +39,8 @@ struct ListRun {
         return done;
     }
 
-    /// Writes a list. `format` is given where its content goes, up to `limit` units, and returns the end of
-    /// it, or null.
+    /// Writes a list. `format` is given where its content goes, up to `limit` units, and
+    /// returns the end of it, or null.
     template <class Format>
     [[nodiscard]] static bool putList(ListOutStream& out, std::size_t limit, Format format) {
         constexpr std::size_t kAround = 4;

@@ -9,8 +9,8 @@
 #include <bit>
 #endif
 
-/// The searches that reading and writing strings spend their time in, eight units a step where the processor
-/// can.
+/// The searches that reading and writing strings spend their time in, eight units a
+/// step where the processor can.
 namespace core::detail {
 
 /// The first of the units in [at, end) that passes a test; `end` if none does.

@@ -28,8 +28,8 @@ Utf8InBuffer::Utf8InBuffer(ByteReader read, wstring name)
 
 Utf8InBuffer::~Utf8InBuffer() = default;
 
-/// Keeps the beginning of a character that the last block has cut, and reads on. False at the end of the
-/// text.
+/// Keeps the beginning of a character that the last block has cut, and reads on.
+/// False at the end of the text.
 bool Utf8InBuffer::readBlock() {
     Block& block = *block_;
     block.before += block.used;

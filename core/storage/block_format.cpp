@@ -15,8 +15,8 @@ constexpr std::uint64_t kTops = 0x80 * kOnes;
 /// Eight hexadecimal digits at once, a byte each in one word.
 std::uint64_t eight_digits(const std::byte* from) {
     const std::uint64_t text = load_number(from, 8);
-    // Adding to bytes below 128 never carries into the next one: the top bit tells which are at least a
-    // limit.
+    // Adding to bytes below 128 never carries into the next one: the top bit tells
+    // which are at least a limit.
     const auto atLeast = [](std::uint64_t bytes, unsigned limit) {
         return (bytes + (0x80 - limit) * kOnes) & kTops;
     };

@@ -10,8 +10,8 @@
 namespace core {
 namespace {
 
-// A small inner file, attributes and all, is one call; the largest window stays within the processor's
-// caches.
+// A small inner file, attributes and all, is one call; the largest window stays
+// within the processor's caches.
 constexpr std::size_t kLeast = 2048;
 constexpr std::size_t kMost = std::size_t{256} << 10;
 

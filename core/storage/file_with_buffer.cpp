@@ -84,8 +84,8 @@ void FileWithBuffer::fetch(std::uint64_t position, std::span<std::byte> out) {
     container_->checked([&] { chain_.readAt(container_->reader(), position, out); });
 }
 
-/// The container may have changed since the last look: the file must still have the same content, though it
-/// may have moved.
+/// The container may have changed since the last look: the file must still have the same
+/// content, though it may have moved.
 void FileWithBuffer::revalidate(Container& container) {
     requireNotLost();
     if (state_ == container.state())

@@ -28,9 +28,9 @@ class FreeSpace {
     /// (the free chain's) is not a sorted list of ranges below `end`.
     [[nodiscard]] bool load(std::span<const std::byte> content, std::uint64_t end);
 
-    /// Takes `count` blocks from the lowest free space, or in one piece when they are many; from the end of
-    /// the container when nothing fits. False, with nothing changed, when the layout cannot address that
-    /// many.
+    /// Takes `count` blocks from the lowest free space, or in one piece when they are many;
+    /// from the end of the container when nothing fits. False, with nothing changed, when the
+    /// layout cannot address that many.
     [[nodiscard]] bool allocate(std::uint64_t count, std::vector<BlockRange>& place);
     /// The same, from the end of the container only.
     [[nodiscard]] bool allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& place);

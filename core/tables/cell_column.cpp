@@ -19,8 +19,8 @@ std::uint64_t hash_word(std::uint64_t word) noexcept {
     return table_hash_step(table_hash_seed(), word);
 }
 
-/// Values that stand for themselves: what they are does not change, and keeping them keeps nothing else
-/// alive.
+/// Values that stand for themselves: what they are does not change, and keeping them
+/// keeps nothing else alive.
 bool is_codable(const Value& value) noexcept {
     switch (value.kind()) {
     case ValueKind::number:
@@ -196,8 +196,8 @@ bool CellColumn::putWord(RowId row, const Value& value) {
     return putInForm(Form::values, 0, row, value);
 }
 
-/// Changes the form from that of Undefined cells to one of words, or from any to values, and then puts the
-/// value in.
+/// Changes the form from that of Undefined cells to one of words, or from any to values,
+/// and then puts the value in.
 bool CellColumn::putInForm(Form form, std::uint32_t scale, RowId row, const Value& value) {
     if (form != Form::values) {
         CellColumn plain(form, scale, nullptr);

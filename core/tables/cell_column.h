@@ -27,8 +27,7 @@ struct CellProbe {
 ///
 ///  1. numbers: words_[row] × 10^-scale(). dates: words_[row] ticks. In both, kEmptyWord is Undefined.
 ///  2. coded: codes_[row] is the value's code in the dictionary; 0 is Undefined. Holds what stands for
-///  itself: strings,
-///     Booleans, types, Null. Given up when the dictionary saves nothing.
+///     itself: strings, Booleans, types, Null. Given up when the dictionary saves nothing.
 ///  3. values: values_[row], anything.
 ///  4. Only the store of the form has elements.
 class CellColumn {
@@ -73,9 +72,9 @@ class CellColumn {
     // modify: an operation that throws leaves all values as they were
     /// Makes cells for the rows below `size`; new ones are Undefined.
     void grow(std::size_t size);
-    /// Puts a value into a cell. `value` receives what the cell held, where that could be an object: for the
-    /// caller to let go of when nothing is left half done. True when the form has changed, and hashes with
-    /// it.
+    /// Puts a value into a cell. `value` receives what the cell held, where that could be an
+    /// object: for the caller to let go of when nothing is left half done. True when the form has
+    /// changed, and hashes with it.
     bool exchange(RowId row, Value& value);
     /// Puts a value into a cell that holds Undefined. True when the form has changed.
     bool put(RowId row, const Value& value);

@@ -29,9 +29,9 @@ namespace core {
 void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& columns,
                const Value& comparison, int comparisonParam);
 
-/// The methods 0 to 13 that a value table and the row collections of a value tree share. `T` has data() and
-/// parent(); with T::kHierarchical, four methods have a parameter that says whether subordinate rows are
-/// meant, too.
+/// The methods 0 to 13 that a value table and the row collections of a value tree share. `T` has
+/// data() and parent(); with T::kHierarchical, four methods have a parameter that says whether
+/// subordinate rows are meant, too.
 template <class T>
 class RowCollection : public TableObject<T>, public IValueCollection {
   public:

@@ -23,18 +23,15 @@ struct RowChunk {
 /// in one order at the most.
 using RowPlaces = std::vector<RowChunk*>;
 
-/// Rows in an order of their own: by position and back, inserted and removed anywhere, in logarithmic time or
-/// practically so.
+/// Rows in an order of their own: by position and back, inserted and removed anywhere, in
+/// logarithmic time or practically so.
 ///
 ///  1. While rows 0, 1, 2, ... have only been appended and taken from the end, the order is plain: a count,
-///  and nothing
-///     else.
+///     and nothing else.
 ///  2. Otherwise the rows stand in chunks of up to kChunk of them, each of which knows its position among
-///  them;
-///     empty_ of them, less than half, are empty. places[row] is the chunk of every row.
+///     them; empty_ of them, less than half, are empty. places[row] is the chunk of every row.
 ///  3. With several chunks, sums_ is a tree over their sizes (Fenwick's): sums_[i] counts the rows of the
-///  chunks that
-///     end at i and begin behind i without its lowest one bit, all counted from 1.
+///     chunks that end at i and begin behind i without its lowest one bit, all counted from 1.
 ///
 /// An operation that throws has changed nothing.
 class RowOrder {

@@ -12,8 +12,8 @@ struct SortColumn {
     bool descending = false;
 };
 
-/// The rows in the order of their cells: by the first column, ties by the second, and so on. Equal rows come
-/// in any order.
+/// The rows in the order of their cells: by the first column, ties by the second, and so on.
+/// Equal rows come in any order.
 [[nodiscard]] std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns);
 /// The same with the cells compared by an object.
 [[nodiscard]] std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns,

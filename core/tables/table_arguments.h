@@ -32,8 +32,8 @@ enum class IndexBound { element, insertion };
 /// The same for a row only, at any level.
 [[nodiscard]] RowId row_object_argument(const TableData& data, const Value& argument, int param);
 
-/// A column, given by its name, its index or as a column; "IDS_VT_UNKNOWN_COLUMN_ERROR" for one that is not
-/// there.
+/// A column, given by its name, its index or as a column; "IDS_VT_UNKNOWN_COLUMN_ERROR"
+/// for one that is not there.
 [[nodiscard]] std::size_t column_argument(const TableData& data, const Value& argument, int param);
 /// The column of a name.
 [[nodiscard]] std::size_t column_named(const TableData& data, wstring_view name);

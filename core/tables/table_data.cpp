@@ -169,8 +169,8 @@ void TableData::reorder(RowId parent, std::span<const RowId> rows) {
     ++version_;
 }
 
-/// Gives all rows of a table the ids in whose order they stand, so that reading a column is reading memory in
-/// order.
+/// Gives all rows of a table the ids in whose order they stand, so that reading a column
+/// is reading memory in order.
 void TableData::renumber(std::span<const RowId> rows) {
     std::vector<CellColumn> room;
     room.reserve(columns_.size());

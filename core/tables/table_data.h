@@ -13,13 +13,12 @@
 
 namespace core {
 
-/// What a value table or a value tree holds: columns, rows, indexes, and the objects that scripts hold of
-/// them.
+/// What a value table or a value tree holds: columns, rows, indexes, and the objects
+/// that scripts hold of them.
 ///
 ///  1. A row is an id below ids_, for as long as it is there. Its cells are those of that id in every column.
-///  2. In a table the ids are in one order. In a tree each row has an order of its own for the rows below it;
-///  the
-///     topmost rows are in that of kNoRow.
+///  2. In a table the ids are in one order. In a tree each row has an order of its own for the rows below
+///     it; the topmost rows are in that of kNoRow.
 ///  3. Ids of deleted rows are used again, but not while a walk may still hold them.
 ///
 /// An operation that throws has changed nothing. Threads: one at a time.

@@ -25,8 +25,8 @@ class TableIndex : public TablePart<TableIndex> {
     void refresh(RowRange rows);
     void link(RowId row) noexcept;
     void unlink(RowId row) noexcept;
-    /// The rows whose cells match, in no particular order; the index must be current and the probes those of
-    /// its columns.
+    /// The rows whose cells match, in no particular order; the index must be current and the
+    /// probes those of its columns.
     void find(std::span<const CellProbe> probes, std::vector<RowId>& rows) const;
 
   private:

@@ -28,8 +28,8 @@ class TextKeys {
         ends_.push_back(keys_.size());
         return word(static_cast<std::uint32_t>(ends_.size() - 1), 0);
     }
-    /// Eight bytes of a key, the first of them highest. A key ends with a zero byte, which it has nowhere
-    /// else.
+    /// Eight bytes of a key, the first of them highest. A key ends with a zero byte,
+    /// which it has nowhere else.
     [[nodiscard]] std::uint64_t word(std::uint32_t i, unsigned depth) const noexcept {
         const std::string_view rest = key(i).substr(depth * sizeof(std::uint64_t));
         std::uint64_t word = 0;

@@ -16,8 +16,8 @@ namespace {
 
 constexpr GUID kClassId = "3854c854-6a24-41f9-9039-8f50d6f8eb1a"_guid;
 
-/// Gathers the types when it is first asked: the primitive ones, and what the script classes of the modules
-/// make.
+/// Gathers the types when it is first asked: the primitive ones, and what the script
+/// classes of the modules make.
 class TypeValueService : public ITypeValueService {
   public:
     using Interfaces = InterfaceList<ITypeValueService>;

@@ -9,9 +9,9 @@
 
 #include <algorithm>
 
-/// Primitive values written and read in one piece: texts of millions of them spend their time here. What is
-/// not in the form that is written (white space inside, a string with quotes in it, an object) goes token by
-/// token.
+/// Primitive values written and read in one piece: texts of millions of them spend their time
+/// here. What is not in the form that is written (white space inside, a string with quotes in it,
+/// an object) goes token by token.
 namespace core::detail {
 
 inline const wchar* read_value(const wchar* at, const wchar* end, GenericValue& value) {

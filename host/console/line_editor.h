@@ -11,8 +11,8 @@
 
 namespace host {
 
-/// Reads lines from the terminal of the process, with the keys of line editing, history and completion. One
-/// at a time.
+/// Reads lines from the terminal of the process, with the keys of line editing, history
+/// and completion. One at a time.
 class LineEditor {
   public:
     /// Given the text of the line before the cursor.

@@ -242,8 +242,8 @@ class Writer {
         }
     }
 
-    /// The cells by the names of their columns, which are the properties from the first one on; then what is
-    /// below the row.
+    /// The cells by the names of their columns, which are the properties from the first one on;
+    /// then what is below the row.
     void writeRow(IContext_& row, int first) {
         Block block(*this, '{', '}');
         for (int prop = first; prop < row.getNProps(); ++prop)

@@ -20,8 +20,8 @@ enum class Objects {
 
 /// The JSON text of a value: Undefined and Null are null, a Date is an ISO 8601 string, a Structure and a Map
 /// are objects, a value table, tree or list an array of its rows or items, which are objects, any other
-/// collection an array of its elements, any other object its presentation. With
-/// `indent` above 0, on many lines. ContextException for nesting deeper than values may have.
+/// collection an array of its elements, any other object its presentation. With `indent` above 0, on many
+/// lines. ContextException for nesting deeper than values may have.
 [[nodiscard]] std::string to_json(const core::GenericValue& value, int indent = 0);
 
 } // namespace host

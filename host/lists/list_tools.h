@@ -20,8 +20,8 @@ struct ListCounts {
     std::uint64_t units = 0; ///< the length of the text
 };
 
-/// ListStreamException when the text, which messages call `name`, is malformed, as "name:line:column: what
-/// was expected".
+/// ListStreamException when the text, which messages call `name`, is malformed, as
+/// "name:line:column: what was expected".
 [[noreturn]] void throw_malformed(const core::ListScanner& scanner, const std::string& name);
 
 /// Reads a text to its end; false when it is malformed, and the scanner says where.

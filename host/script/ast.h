@@ -8,9 +8,9 @@
 #include <variant>
 #include <vector>
 
-/// A script as a tree. Its depth is bounded by the parser, and what a script can make long without nesting (a
-/// sum of many terms, a chain of calls, many ElsIf) is a list in one node, so walking the tree by recursion
-/// is safe.
+/// A script as a tree. Its depth is bounded by the parser, and what a script can make long without
+/// nesting (a sum of many terms, a chain of calls, many ElsIf) is a list in one node, so walking
+/// the tree by recursion is safe.
 namespace host::script {
 
 struct Expression;

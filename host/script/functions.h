@@ -11,9 +11,9 @@ namespace host::script {
 /// functions of texts and numbers. `console`, where Print writes, must outlive the result.
 [[nodiscard]] core::InterfacePtr<core::IContext_> create_host_functions(Console& console);
 
-/// Everything that a script finds without an object in front, as one context: these functions, those of
-/// tables, the global context of the library, and the enumerations by name. `console` must outlive the
-/// result.
+/// Everything that a script finds without an object in front, as one context: these
+/// functions, those of tables, the global context of the library, and the enumerations by
+/// name. `console` must outlive the result.
 [[nodiscard]] core::InterfacePtr<core::IContext_> create_globals(Console& console);
 
 } // namespace host::script

@@ -13,13 +13,13 @@
 
 namespace host::script {
 
-/// Runs scripts. Objects are reached only through their contexts, by name found and by number called;
-/// functions without an object in front, and names that no variable has, are the methods and properties of
-/// `globals`.
+/// Runs scripts. Objects are reached only through their contexts, by name found and by number
+/// called; functions without an object in front, and names that no variable has, are the methods
+/// and properties of `globals`.
 ///
-/// One interpreter is one script's state: its variables keep their values from one run to the next. For one
-/// thread, which must have a process; interrupt() alone may be called from any thread and from a signal
-/// handler.
+/// One interpreter is one script's state: its variables keep their values from one run to the
+/// next. For one thread, which must have a process; interrupt() alone may be called from any
+/// thread and from a signal handler.
 class Interpreter {
   public:
     /// `globals` is counted. `variables` is the one that the scripts were parsed with, kept by reference.
@@ -27,8 +27,8 @@ class Interpreter {
 
     /// Runs a script to its end. Throws ScriptError at the first failure; what was done before stays done.
     void run(const Program& program);
-    /// The same, and hands the value of every statement that is an expression to `show`, nothing for a
-    /// procedure's.
+    /// The same, and hands the value of every statement that is an expression to `show`,
+    /// nothing for a procedure's.
     void run(const Program& program, const std::function<void(const core::GenericValue&)>& show);
 
     /// Makes a running script fail at its next statement.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// Formats: how numbers, dates and Booleans are shown to a user and read back, by default and by format
-/// strings.
+/// Formats: how numbers, dates and Booleans are shown to a user and read back, by
+/// default and by format strings.
 ///
 /// A format string is a list of items, `name=value` with ";" between them. A value that holds blanks, ";" or
 /// "'" stands in "'", inside which "''" is one "'". Names are compared without regard to case. The items of

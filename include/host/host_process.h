@@ -12,9 +12,9 @@ namespace host {
 
 /// The reference process object: keeps factories and services in tables, and its settings.
 ///
-/// Use it through HostProcess, which also brings the library up. Threads: creating objects and asking for
-/// services is safe on every thread that has adopted the process; registering and revoking is for the thread
-/// that made it.
+/// Use it through HostProcess, which also brings the library up. Threads: creating objects and
+/// asking for services is safe on every thread that has adopted the process; registering and
+/// revoking is for the thread that made it.
 class ProcessObject : public core::SCOM_Process {
   public:
     using Interfaces = core::InterfaceList<core::SCOM_Process>;

@@ -223,8 +223,8 @@ class Table {
             call(indexes, u"Delete", {below(count)});
         }
     }
-    /// Walks over the rows and deletes some of them, and others, on the way; each is seen once unless deleted
-    /// before.
+    /// Walks over the rows and deletes some of them, and others, on the way; each is seen
+    /// once unless deleted before.
     void walkAndChange() {
         std::vector<int> expected;
         for (const Row& row : rows)

@@ -235,8 +235,8 @@ TEST_F(Tables, AnObjectMayCompareAndDoNoHarm) {
     EXPECT_EQ(failure([&] { call(table, u"Sort", {u"A", 1}); }), type_mismatch(1));
 }
 
-/// Decides the order while it is asked, always so that a sort by partitions learns least (McIlroy's
-/// adversary).
+/// Decides the order while it is asked, always so that a sort by partitions learns
+/// least (McIlroy's adversary).
 class Adversary : public IValueImpl, public ICompareValues {
   public:
     using Interfaces = InterfaceList<IValue, ICompareValues>;

@@ -45,8 +45,8 @@ class IContextDef : public IUnknown {
     ~IContextDef() = default;
 };
 
-/// An object that can be worked with by number: its definition, the values of its properties, calls of its
-/// methods.
+/// An object that can be worked with by number: its definition, the values of its
+/// properties, calls of its methods.
 ///
 /// ContextException for a number out of range, a property that cannot be read or written, a wrong argument,
 /// and for what the method itself refuses; the object is then unchanged.

@@ -44,8 +44,8 @@ class IContextDefExt : public IUnknown {
 
 namespace detail {
 
-/// The type object of a registered type, borrowed; null for a null pointer and for a type that is not
-/// registered.
+/// The type object of a registered type, borrowed; null for a null pointer and for a
+/// type that is not registered.
 [[nodiscard]] CORE_API IType* find_type(const GUID* type);
 /// What is known of values of a type; false for a null pointer.
 CORE_API bool describe_type(const GUID* type, ContextValueInfo& info);

@@ -41,8 +41,8 @@ template <class Entry>
 
 } // namespace detail
 
-/// Implements the definition of `T` from its static tables. One table of names serves all objects of the
-/// class.
+/// Implements the definition of `T` from its static tables. One table of names serves
+/// all objects of the class.
 template <class T, class I = IContext_>
 class IContextDefImpl : public I {
   public:

@@ -34,8 +34,8 @@ struct Property {
     const GUID* type = nullptr; ///< the id of its type, where it always has the same
 };
 
-/// A method. It is called with as many arguments as it has parameters; what it returns counts for functions
-/// only.
+/// A method. It is called with as many arguments as it has parameters; what it returns
+/// counts for functions only.
 template <class T>
 struct Method {
     const wchar* const* names;
@@ -56,8 +56,8 @@ inline constexpr Param kRequired[8] = {};
 
 namespace detail {
 
-/// ContextException: a property or method number that does not exist, a property that cannot be read or
-/// written.
+/// ContextException: a property or method number that does not exist, a property that
+/// cannot be read or written.
 [[noreturn]] CORE_API void bad_property(int prop);
 [[noreturn]] CORE_API void bad_method(int method);
 [[noreturn]] CORE_API void unreadable_property(const wchar* name);

@@ -72,8 +72,8 @@ class CORE_API GroupContext : public IContext_ {
     Members members_;
 };
 
-/// A group whose members never change the number of their methods: it counts them once, when the members
-/// change.
+/// A group whose members never change the number of their methods: it counts them
+/// once, when the members change.
 class CORE_API StableGroupContext : public GroupContext {
   public:
     using Interfaces = InterfaceList<IContext_, IContextDef>;

@@ -54,8 +54,8 @@ struct Day {
             static_cast<int>((months & 0xFFFF) / 2141 + 1)};
 }
 
-/// The number of a day that exists. 0001-01-01 gives 0; the first day after the range, 10000-01-01, may be
-/// asked for too.
+/// The number of a day that exists. 0001-01-01 gives 0; the first day after the range,
+/// 10000-01-01, may be asked for too.
 [[nodiscard]] constexpr std::uint32_t day_number(int year, int month, int day) noexcept {
     const std::uint32_t beforeMarch = month <= 2 ? 1 : 0;
     const std::uint32_t years = static_cast<std::uint32_t>(year) - beforeMarch;

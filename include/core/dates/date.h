@@ -85,9 +85,9 @@ class Date {
     [[nodiscard]] constexpr Date endOfHour() const noexcept { return endOf(kTicksPerHour); }
     [[nodiscard]] constexpr Date begOfDay() const noexcept { return begOf(kTicksPerDay); }
     [[nodiscard]] constexpr Date endOfDay() const noexcept { return endOf(kTicksPerDay); }
-    /// A week begins on the first day of the week that the process has set, or on the one given (1 Monday ...
-    /// 7 Sunday, anything else counts as Monday). A week that would begin before the first day begins at the
-    /// empty date.
+    /// A week begins on the first day of the week that the process has set, or on the one given (1
+    /// Monday ... 7 Sunday, anything else counts as Monday). A week that would begin before the first
+    /// day begins at the empty date.
     [[nodiscard]] CORE_API Date begOfWeek() const noexcept;
     [[nodiscard]] constexpr Date begOfWeek(int firstDayOfWeek) const noexcept;
     /// Seven days less a second after the beginning, the largest date where that is out of range.
@@ -117,8 +117,8 @@ class Date {
     static constexpr std::size_t kXMLTextLength = 19;
     [[nodiscard]] CORE_API wstring toString() const;
     [[nodiscard]] CORE_API wstring toXMLString() const;
-    /// Write exactly kTextLength or kXMLTextLength characters, no terminator, and return the position after
-    /// them.
+    /// Write exactly kTextLength or kXMLTextLength characters, no terminator, and
+    /// return the position after them.
     CORE_API wchar* toString(wchar* out) const noexcept;
     CORE_API char* toString(char* out) const noexcept;
     CORE_API wchar* toXMLString(wchar* out) const noexcept;

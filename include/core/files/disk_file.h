@@ -17,8 +17,8 @@ namespace core {
 /// A new empty file in `folder` that nobody else can open and that is gone when it is closed.
 [[nodiscard]] CORE_API InterfacePtr<IFile> create_temp_file(const std::string& folder);
 
-/// "file://" URLs: the path with every byte escaped ("%20") that is not plain in a URL. A relative path stays
-/// one.
+/// "file://" URLs: the path with every byte escaped ("%20") that is not plain in a URL.
+/// A relative path stays one.
 [[nodiscard]] CORE_API wstring file_url(std::string_view path);
 /// The path of such a URL; a text without scheme is a path as it stands.
 [[nodiscard]] CORE_API std::string file_path(wstring_view url);

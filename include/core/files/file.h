@@ -66,9 +66,9 @@ class IFile : public IUnknown {
 
 enum class LockKind : std::int32_t { shared, exclusive };
 
-/// A file that several processes can have open at once: locks on regions of it, which may lie beyond its end.
-/// Locks bind only those who ask for them. They belong to this open file, not to the process, and end with
-/// it.
+/// A file that several processes can have open at once: locks on regions of it, which may lie
+/// beyond its end. Locks bind only those who ask for them. They belong to this open file, not to
+/// the process, and end with it.
 class ISharedFile : public IUnknown {
   public:
     static constexpr GUID IID = "9c6d1c51-569c-4fdb-a228-e62cfba2263e"_guid;

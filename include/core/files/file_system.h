@@ -39,17 +39,17 @@ class IFileScheme : public IUnknown {
     /// Both URLs are of this scheme. An existing target is replaced; a file is never copied onto itself.
     virtual void copyFile(const wstring& from, const wstring& to) = 0;
     virtual void moveFile(const wstring& from, const wstring& to) = 0;
-    /// Makes the rest of `content`, from its current position on, a file, or replaces one. A failure leaves
-    /// what was there.
+    /// Makes the rest of `content`, from its current position on, a file, or replaces one. A
+    /// failure leaves what was there.
     virtual void saveFile(IFile& content, const wstring& to) = 0;
 
   protected:
     ~IFileScheme() = default;
 };
 
-/// The file system service: hands each operation to the scheme that the URL names, without regard to case.
-/// URLs without scheme are paths on disk. "file" and "mem" are always there; "lumstg" and "lumstg64" reach
-/// into containers.
+/// The file system service: hands each operation to the scheme that the URL names, without regard to
+/// case. URLs without scheme are paths on disk. "file" and "mem" are always there; "lumstg" and
+/// "lumstg64" reach into containers.
 class IFileSystem : public IUnknown {
   public:
     static constexpr GUID IID = "3a6c2186-45c3-11d4-985d-008048da1252"_guid;
@@ -75,8 +75,8 @@ class IFileSystem : public IUnknown {
 /// Makes the file system service for a program without process object.
 [[nodiscard]] CORE_API InterfacePtr<IFileSystem> create_file_system();
 
-/// Announces a scheme that every file system made from now on has: a static object of the scheme's source
-/// file.
+/// Announces a scheme that every file system made from now on has: a static object of
+/// the scheme's source file.
 class FileSchemeEntry {
   public:
     CORE_API explicit FileSchemeEntry(InterfacePtr<IFileScheme> (*create)()) noexcept;

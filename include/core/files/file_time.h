@@ -6,8 +6,8 @@
 
 #include <chrono>
 
-/// Times of files are universal time, so that a file may travel between time zones; Date::toLocalTime shows
-/// them.
+/// Times of files are universal time, so that a file may travel between time zones;
+/// Date::toLocalTime shows them.
 namespace core {
 
 /// 1970-01-01 00:00:00.

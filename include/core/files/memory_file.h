@@ -12,8 +12,8 @@ class MemoryFileData;
 
 [[nodiscard]] CORE_API std::shared_ptr<MemoryFileData> create_memory_data();
 
-/// An open file on `data`, which is an ISharedFile, too: its locks exclude those of other open files on the
-/// same data.
+/// An open file on `data`, which is an ISharedFile, too: its locks exclude those of other
+/// open files on the same data.
 [[nodiscard]] CORE_API InterfacePtr<IFile> open_memory_file(std::shared_ptr<MemoryFileData> data,
                                                             wstring url = u"mem://");
 

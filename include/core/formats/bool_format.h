@@ -7,8 +7,8 @@
 
 namespace core {
 
-/// Booleans as text for a user: "Yes" and "No", in a Russian locale "Да" and "Нет". What is written reads
-/// back.
+/// Booleans as text for a user: "Yes" and "No", in a Russian locale "Да" and "Нет".
+/// What is written reads back.
 ///
 /// A format string may hold other words, as in "true=On; false=Off"; the two must differ in more than case. A
 /// value type; one object may be used by many threads.
@@ -29,9 +29,9 @@ class BoolFormat {
     wstring false_;
 };
 
-/// The format that the settings of the calling thread's process ask for. The reference is for this thread and
-/// holds until it asks again under other settings. CtorException for a malformed format string in the
-/// settings.
+/// The format that the settings of the calling thread's process ask for. The reference is for
+/// this thread and holds until it asks again under other settings. CtorException for a malformed
+/// format string in the settings.
 [[nodiscard]] CORE_API const BoolFormat& default_bool_format();
 
 } // namespace core

@@ -27,10 +27,10 @@ class DateFormat {
     CORE_API void format(Date date, wstring& text, DatePattern pattern = DatePattern::dateTime) const;
     [[nodiscard]] CORE_API wstring format(Date date, DatePattern pattern = DatePattern::dateTime) const;
 
-    /// Reads a date in a pattern, white space in front allowed, and stores through `end` where it stopped. A
-    /// part but the year may have one digit or two; a part that the pattern leaves out is that of the empty
-    /// date. False, with `date` unchanged and `end` at the start of the text, when no date of that pattern
-    /// stands there.
+    /// Reads a date in a pattern, white space in front allowed, and stores through `end` where it
+    /// stopped. A part but the year may have one digit or two; a part that the pattern leaves out is
+    /// that of the empty date. False, with `date` unchanged and `end` at the start of the text, when no
+    /// date of that pattern stands there.
     [[nodiscard]] CORE_API bool parse(wstring_view text, Date& date, const wchar** end = nullptr,
                                       DatePattern pattern = DatePattern::dateTime) const;
 
@@ -42,9 +42,9 @@ class DateFormat {
     wstring dateTime_;
 };
 
-/// The format that the settings of the calling thread's process ask for. The reference is for this thread and
-/// holds until it asks again under other settings. CtorException for a malformed format string in the
-/// settings.
+/// The format that the settings of the calling thread's process ask for. The reference is for
+/// this thread and holds until it asks again under other settings. CtorException for a malformed
+/// format string in the settings.
 [[nodiscard]] CORE_API const DateFormat& default_date_format();
 
 } // namespace core

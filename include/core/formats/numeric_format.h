@@ -43,9 +43,9 @@ class NumericFormat {
     wstring zero_;        ///< empty: like any other number
 };
 
-/// The format that the settings of the calling thread's process ask for. The reference is for this thread and
-/// holds until it asks again under other settings. CtorException for a malformed format string in the
-/// settings.
+/// The format that the settings of the calling thread's process ask for. The reference is for
+/// this thread and holds until it asks again under other settings. CtorException for a malformed
+/// format string in the settings.
 [[nodiscard]] CORE_API const NumericFormat& default_numeric_format();
 
 } // namespace core

@@ -37,9 +37,9 @@ concept NumericInteger =
 ///  3. up to four limbs lie inside the object; more lie on the heap.
 /// Fraction limbs may be negative: 10^9 is the one limb 1 with fraction limbs −1.
 ///
-/// A value type: copies are independent, equality and order are those of the values. An operation that throws
-/// leaves its operands as they were. Distinct objects may be used by distinct threads, one object by several
-/// readers.
+/// A value type: copies are independent, equality and order are those of the values. An operation
+/// that throws leaves its operands as they were. Distinct objects may be used by distinct threads,
+/// one object by several readers.
 ///
 /// Every operation may throw an exception derived from std::bad_alloc ("bad allocation" when a number would
 /// need more than `kMaxLimbs` limbs) unless it is noexcept; other failures are a NumericException.
@@ -71,8 +71,8 @@ class CORE_API Numeric {
     /// The quotient, cut off behind (fraction limbs of this − those of other) + limbs of other + 2 fraction
     /// limbs and rounded half up by the one limb that follows. NumericException (divideByZero).
     Numeric& operator/=(const Numeric& other) { return divide(*this, *this, other); }
-    /// What the quotient, cut towards zero, leaves: it has the sign of the dividend. NumericException
-    /// (divideByZero).
+    /// What the quotient, cut towards zero, leaves: it has the sign of the dividend.
+    /// NumericException (divideByZero).
     Numeric& operator%=(const Numeric& other) { return remainder(*this, *this, other); }
 
     friend Numeric operator+(const Numeric& a, const Numeric& b) { return made(add, a, b, false); }

@@ -8,9 +8,9 @@
 
 namespace core {
 
-/// The counting of an object's holders: atomic changes that return the new value. Whoever decrements gives
-/// back what it holds, and only a holder increments, but for the first; the counts are not made for anything
-/// else.
+/// The counting of an object's holders: atomic changes that return the new value. Whoever
+/// decrements gives back what it holds, and only a holder increments, but for the first; the counts
+/// are not made for anything else.
 struct AtomicCounter {
     static std::int32_t increment(std::int32_t& count) noexcept {
         const std::int32_t before = std::atomic_ref(count).fetch_add(1, std::memory_order_relaxed);

@@ -41,14 +41,14 @@ struct ClassEntry {
     module_class_entries = &entry;
 }
 
-/// Makes the class factory of a record. Never throws; kNoInterface for an interface that a factory does not
-/// have.
+/// Makes the class factory of a record. Never throws; kNoInterface for an interface
+/// that a factory does not have.
 CORE_API HRESULT create_class_factory(const ClassRecord& record, const GUID& iid, void** out) noexcept;
 
 namespace detail {
 
-/// What makes the objects of `T`: SCOM_InternalClass<T>, or `T::instance()` for one object that everybody
-/// shares.
+/// What makes the objects of `T`: SCOM_InternalClass<T>, or `T::instance()` for one
+/// object that everybody shares.
 template <class T>
 HRESULT create_instance(IUnknown* outer, const GUID& iid, void** out) {
     if (out == nullptr)

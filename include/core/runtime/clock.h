@@ -7,8 +7,8 @@
 
 namespace core {
 
-/// The library's one source of time: what now is, and waiting. A program or a test can put its own in its
-/// place.
+/// The library's one source of time: what now is, and waiting. A program or a test can
+/// put its own in its place.
 class CORE_API Clock {
   public:
     virtual ~Clock();
@@ -18,8 +18,8 @@ class CORE_API Clock {
 
 /// The clock in use: the system's, unless replaced.
 [[nodiscard]] CORE_API Clock& current_clock() noexcept;
-/// Puts `clock` (not owned; null restores the system's) in place and returns the one before, null for the
-/// system's.
+/// Puts `clock` (not owned; null restores the system's) in place and returns the one
+/// before, null for the system's.
 CORE_API Clock* replace_clock(Clock* clock) noexcept;
 
 } // namespace core

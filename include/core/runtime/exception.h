@@ -18,8 +18,8 @@ class IExceptionObject : public IUnknown {
 
     /// Copies the class id, the description and the cause of `e` into the held exception.
     virtual void init(const Exception& e) = 0;
-    /// Throws a copy of the held exception as its own type; the object stays as it is and may be raised
-    /// again.
+    /// Throws a copy of the held exception as its own type; the object stays as it is
+    /// and may be raised again.
     [[noreturn]] virtual void raise() = 0;
     /// The held exception; valid as long as this object.
     virtual Exception& exception() noexcept = 0;

@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-/// The exception classes of the library. Each names, as kClassId, the class id of its twin error-object
-/// class.
+/// The exception classes of the library. Each names, as kClassId, the class id of
+/// its twin error-object class.
 ///
 /// Who can act on what: the caller's mistake is a ContextException, TypeException or ConverterException;
 /// damaged data a ListStreamException or StorageException; the environment a FileException or
@@ -23,8 +23,8 @@ class BasicException : public Exception {
         : Exception(Self::kClassId, description, cause) {}
 };
 
-/// A process that could not be brought up. It has no error object of its own: nobody is there yet to take
-/// one.
+/// A process that could not be brought up. It has no error object of its own: nobody
+/// is there yet to take one.
 class CORE_API ProcessInitException : public Exception {
   public:
     explicit ProcessInitException(const wstring& description, IExceptionObject* cause = nullptr)
@@ -38,8 +38,8 @@ class CORE_API COMException : public BasicException<COMException> {
     using BasicException::BasicException;
 };
 
-/// A wrong call of a property or method: an unknown name, an argument of a wrong type or value, an index out
-/// of bounds.
+/// A wrong call of a property or method: an unknown name, an argument of a wrong type or
+/// value, an index out of bounds.
 class CORE_API ContextException : public BasicException<ContextException> {
   public:
     static constexpr GUID kClassId = "f08d92f8-9eb2-4e19-9dd9-977d907cec2d"_guid;
@@ -181,8 +181,8 @@ class CORE_API NumericException : public BasicException<NumericException> {
     Error error_ = Error::none;
 };
 
-/// A file that could not be opened, read, written or locked; the message holds the URL and the system's
-/// reason.
+/// A file that could not be opened, read, written or locked; the message holds the
+/// URL and the system's reason.
 class CORE_API FileException : public BasicException<FileException> {
   public:
     static constexpr GUID kClassId = "9db1fa37-b455-4f3f-b8dd-7de0ea7d6da3"_guid;

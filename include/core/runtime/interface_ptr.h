@@ -31,8 +31,8 @@ struct ComRefcount {
     static void acquire(T* object) noexcept { object->AddRef(); }
     static void release(T* object) noexcept { object->Release(); }
 
-    /// The interface `T` of an object with a reference of its own, or null when the object has none or is
-    /// null.
+    /// The interface `T` of an object with a reference of its own, or null when the
+    /// object has none or is null.
     [[nodiscard]] static T* cast(IUnknown* object) noexcept requires Interface<T> {
         void* answer = nullptr;
         if (object != nullptr)

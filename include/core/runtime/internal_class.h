@@ -33,9 +33,9 @@ struct InterfaceList {};
 
 namespace detail {
 
-/// Runs `destroy(object)`, but not deeper than some levels on one stack: objects let go of below that are
-/// kept back and destroyed when the stack has unwound, so that a chain of a million owners does not overflow
-/// it.
+/// Runs `destroy(object)`, but not deeper than some levels on one stack: objects let go of below
+/// that are kept back and destroyed when the stack has unwound, so that a chain of a million
+/// owners does not overflow it.
 CORE_API void destroy_bounded(void* object, void (*destroy)(void*) noexcept) noexcept;
 
 template <class T, class... Is>
@@ -126,8 +126,8 @@ class SCOM_InternalClass final : public T {
     std::int32_t count_ = 0;
 };
 
-/// A new object with one reference, for callers that have no use for null: std::bad_alloc when there is no
-/// memory.
+/// A new object with one reference, for callers that have no use for null:
+/// std::bad_alloc when there is no memory.
 template <class T, class... Args>
 [[nodiscard]] InterfacePtr<SCOM_InternalClass<T>> make_object(Args&&... args) {
     auto object = SCOM_InternalClass<T>::create(std::forward<Args>(args)...);

@@ -13,9 +13,9 @@
 
 namespace core {
 
-/// How many objects of one class are alive, over all threads. Counters only report; nothing refuses work
-/// because of them. They live for the whole program, and join one library-wide list when their first object
-/// is made.
+/// How many objects of one class are alive, over all threads. Counters only report; nothing
+/// refuses work because of them. They live for the whole program, and join one library-wide list
+/// when their first object is made.
 ///
 /// A count is kept in parts, one for each thread, so that threads making objects of one class do not share a
 /// cache line; count() is exact when no other thread is making or destroying such objects.

@@ -19,8 +19,8 @@ using ModuleHandle = const void*;
 /// Threads: the table is only read after init().
 class CORE_API SCOM_Module {
   public:
-    /// `entries` is the head of the module's list of declarations, `bundle` its message texts; both are kept
-    /// by reference.
+    /// `entries` is the head of the module's list of declarations, `bundle` its message texts;
+    /// both are kept by reference.
     SCOM_Module(ClassEntry* const& entries, SCOM_ResourceBundle& bundle) noexcept
         : entries_(entries), bundle_(bundle) {}
     SCOM_Module(const SCOM_Module&) = delete;

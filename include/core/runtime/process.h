@@ -31,8 +31,8 @@ class SCOM_Process : public IUnknown {
                                std::int32_t attributes) = 0;
     /// Forgets the factory of a class; unknown ids are ignored.
     virtual void revokeClass(const GUID& clsid) = 0;
-    /// A new object of the class, to be queried for the interface that is needed; null when no factory is
-    /// registered.
+    /// A new object of the class, to be queried for the interface that is needed; null
+    /// when no factory is registered.
     [[nodiscard]] virtual InterfacePtr<IUnknown> createInstance(const GUID& clsid) = 0;
     /// Offers, as the service `iid`, one object of class `clsid`, made when it is first asked for.
     virtual void registerService(const GUID& iid, const GUID& clsid) = 0;
@@ -53,8 +53,8 @@ class SCOM_Process : public IUnknown {
 /// Has no effect while the library is not attached.
 CORE_API SCOM_Process* adopt_thread(SCOM_Process* process) noexcept;
 
-/// A new object of a class in the current process, queried for `T`; null without a process, a factory or a
-/// `T`.
+/// A new object of a class in the current process, queried for `T`; null without a
+/// process, a factory or a `T`.
 template <Interface T>
 [[nodiscard]] InterfacePtr<T> create_object(const GUID& clsid) {
     SCOM_Process* const process = current_process();

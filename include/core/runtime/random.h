@@ -18,8 +18,8 @@ class CORE_API RandomSource {
 
 /// The source in use: the system's, unless replaced.
 [[nodiscard]] CORE_API RandomSource& current_random() noexcept;
-/// Puts `source` (not owned; null restores the system's) in place and returns the one before, null for the
-/// system's.
+/// Puts `source` (not owned; null restores the system's) in place and returns the one
+/// before, null for the system's.
 CORE_API RandomSource* replace_random(RandomSource* source) noexcept;
 
 /// A new random id (version 4).

@@ -43,8 +43,8 @@ class CORE_API SCOM_ResourceBundle {
     std::map<std::string, Opened> opened_; // by Locale::key
 };
 
-/// The text under `id` in the calling thread's resource locale; empty for a null bundle or id or a missing
-/// text.
+/// The text under `id` in the calling thread's resource locale; empty for a null
+/// bundle or id or a missing text.
 [[nodiscard]] CORE_API wstring load_wstring(SCOM_ResourceBundle* bundle, const char* id);
 
 } // namespace core

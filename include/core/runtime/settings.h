@@ -13,8 +13,8 @@ namespace core {
 /// What happens to an exact half: towards zero, or away from it. More than half is always rounded away.
 enum class NumericRoundMode : std::int32_t { round15as10 = 0, round15as20 = 1 };
 
-/// What a process sets for all code that runs in it. Changed by the host before it starts work; only read
-/// later.
+/// What a process sets for all code that runs in it. Changed by the host before it
+/// starts work; only read later.
 struct Settings {
     NumericRoundMode roundMode = NumericRoundMode::round15as20;
     int firstDayOfWeek = 1; ///< 1 Monday ... 7 Sunday

@@ -11,8 +11,8 @@ namespace core {
 /// The calling thread.
 class CORE_API Thread {
   public:
-    /// The locale of the messages shown to this thread's user. Until one is set, that of the process's
-    /// settings.
+    /// The locale of the messages shown to this thread's user. Until one is set, that
+    /// of the process's settings.
     [[nodiscard]] static Locale getResourceLocale();
     static void setResourceLocale(const Locale& locale);
 

@@ -13,9 +13,9 @@ class IUnknown {
   public:
     static constexpr GUID IID = "00000000-0000-0000-c000-000000000046"_guid;
 
-    /// Stores the interface `iid` of this object in `*out` with a reference of its own and returns kOk, or
-    /// stores null and returns kNoInterface. Never throws. Every query for IUnknown on one object gives one
-    /// pointer.
+    /// Stores the interface `iid` of this object in `*out` with a reference of its own and
+    /// returns kOk, or stores null and returns kNoInterface. Never throws. Every query for
+    /// IUnknown on one object gives one pointer.
     virtual HRESULT QueryInterface(const GUID& iid, void** out) noexcept = 0;
     /// Takes a reference; returns the new count.
     virtual std::uint32_t AddRef() noexcept = 0;

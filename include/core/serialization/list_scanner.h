@@ -35,8 +35,8 @@ class CORE_API ListScanner {
         lessDepth
     };
 
-    /// A position in the text; lines end with line feeds, line and column count from 1. All count UTF-16
-    /// units.
+    /// A position in the text; lines end with line feeds, line and column count from
+    /// 1. All count UTF-16 units.
     struct Place {
         std::uint64_t offset = 0;
         std::uint64_t line = 1;

@@ -36,8 +36,8 @@ class CORE_API TextBuffer : public std::basic_streambuf<wchar> {
 
   protected:
     TextBuffer() = default;
-    /// Reads U+FFFF as it is; the standard library's own, which goes through the type of its mark of the end,
-    /// may not.
+    /// Reads U+FFFF as it is; the standard library's own, which goes through the type of
+    /// its mark of the end, may not.
     std::streamsize xsgetn(wchar* units, std::streamsize count) override;
 };
 

@@ -68,8 +68,8 @@ class UnitSource {
             return kEnd;
         wchar stored = Traits::to_char_type(unit);
         if (stored == 0xFFFD) {
-            // Some libraries report U+FFFF so, lest it be taken for their mark of the end: look at what is
-            // stored.
+            // Some libraries report U+FFFF so, lest it be taken for their mark of the end:
+            // look at what is stored.
             plain_->sgetn(&stored, 1);
             plain_->sungetc();
         }

@@ -38,9 +38,9 @@ class CORE_API StorageFilesType {
 
     // modify
 
-    /// Takes over the table's content. False, with the table unchanged, when it is malformed: cut off, an
-    /// address outside the container, or names that are not sorted, unless `sorted` takes their order on
-    /// trust.
+    /// Takes over the table's content. False, with the table unchanged, when it is malformed:
+    /// cut off, an address outside the container, or names that are not sorted, unless `sorted`
+    /// takes their order on trust.
     [[nodiscard]] bool decode(std::span<const std::byte> content, bool sorted);
     /// What a name stands for, now or once the changes are committed; nothing when there is no such file.
     using Change = std::optional<StorageFileEntry>;

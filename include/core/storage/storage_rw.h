@@ -19,8 +19,8 @@ class Container;
 
 struct StorageOptions {
     bool readOnly = false;
-    /// Takes on trust that the table of inner files is sorted; in a table that is not, files may not be
-    /// found.
+    /// Takes on trust that the table of inner files is sorted; in a table that is
+    /// not, files may not be found.
     bool noSortedCheck = false;
 };
 
@@ -70,8 +70,8 @@ class CORE_API StorageRW {
     /// Rewrites all inner files side by side at the start of the file, which becomes as small as it can be.
     /// Needs room for them a second time meanwhile.
     void compact();
-    /// Walks every chain and says everything that is wrong. Throws only when the container cannot be read at
-    /// all.
+    /// Walks every chain and says everything that is wrong. Throws only when the
+    /// container cannot be read at all.
     [[nodiscard]] StorageCheck check() const;
     [[nodiscard]] StorageInfo info() const;
     /// Whether the container lies in this file, opened by whatever name; and whether both are one container.
@@ -82,8 +82,8 @@ class CORE_API StorageRW {
 
     /// From here on changes wait for commit(). Throws when that is so already.
     void begin();
-    /// Commits, and ends the transaction whether that succeeds or not. Files still open for writing are not
-    /// part of it.
+    /// Commits, and ends the transaction whether that succeeds or not. Files still open for
+    /// writing are not part of it.
     void commit();
     /// Takes the changes back, those to files still open for writing too.
     void rollback();
@@ -122,8 +122,8 @@ class CORE_API StorageRW64 : public StorageRW {
                          const wstring& url = {});
 };
 
-/// Makes many reads see one committed state, and saves each of them its own lock. Commits of other processes
-/// wait meanwhile.
+/// Makes many reads see one committed state, and saves each of them its own lock. Commits of
+/// other processes wait meanwhile.
 class CORE_API StorageReading {
   public:
     explicit StorageReading(const StorageRW& storage);

@@ -10,8 +10,8 @@
 /// locale without rules of its own is ordered by the root's.
 namespace core {
 
-/// By letters, accents and case, and texts that the language does not tell apart by code units: 0 means
-/// identical.
+/// By letters, accents and case, and texts that the language does not tell apart by
+/// code units: 0 means identical.
 [[nodiscard]] CORE_API int compare(wstring_view a, wstring_view b, const Locale& locale);
 [[nodiscard]] CORE_API int compare(std::string_view a, std::string_view b, const Locale& locale);
 

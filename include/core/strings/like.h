@@ -25,8 +25,8 @@ enum class LikeCase { exact, ignore };
 /// A pattern made ready for matching many texts. Immutable; copies share what was made ready, and several
 /// threads may match with one at once. One that was moved from can only be assigned to.
 ///
-/// Matching takes at most the text's length times that of the longest stretch without "%", however the
-/// pattern is made.
+/// Matching takes at most the text's length times that of the longest stretch without "%",
+/// however the pattern is made.
 class LikePattern {
   public:
     CORE_API explicit LikePattern(wstring_view pattern, wchar escape = 0,

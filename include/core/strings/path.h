@@ -6,8 +6,8 @@
 
 namespace core {
 
-/// A file's path in four pieces, each of which may be empty. Splitting loses nothing: the pieces, joined, are
-/// the path.
+/// A file's path in four pieces, each of which may be empty. Splitting loses nothing: the
+/// pieces, joined, are the path.
 template <CodeUnit C>
 struct BasicPathParts {
     std::basic_string<C> drive;     ///< a letter and a colon

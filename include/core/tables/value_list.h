@@ -6,8 +6,8 @@
 
 #include <cstddef>
 
-/// The value list: values in a row, each with a presentation, a check mark and a picture. Scripts know it as
-/// "ValueList".
+/// The value list: values in a row, each with a presentation, a check mark and a picture.
+/// Scripts know it as "ValueList".
 namespace core {
 
 inline constexpr GUID kValueListClass = "3a349384-5ec8-4b40-9774-2361025cc3d6"_guid;

@@ -64,9 +64,9 @@ class IValueTable : public IValueTableBaseRO {
   public:
     static constexpr GUID IID = "d392422d-7733-44a5-8d04-b4fbfd925781"_guid;
 
-    /// Adds a column behind the others and returns its id. ContextException for what is no valid name
-    /// ("IDS_VT_COLUMNCODE_ERROR") or that of another column ("IDS_VT_COLUMNS_NOT_UNIQUE"). An empty title is
-    /// the name.
+    /// Adds a column behind the others and returns its id. ContextException for what is no valid
+    /// name ("IDS_VT_COLUMNCODE_ERROR") or that of another column ("IDS_VT_COLUMNS_NOT_UNIQUE").
+    /// An empty title is the name.
     virtual std::int32_t addColumn(wstring_view name, TypeDomain domain = {}, wstring_view title = {},
                                    std::int32_t width = 0) = 0;
     /// Adds a row behind the others. Columns for which there is no cell get their defaults.

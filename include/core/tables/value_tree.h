@@ -5,8 +5,8 @@
 
 namespace core {
 
-/// The value tree: rows of values under named columns, each of which may have rows below it. Scripts know it
-/// as "ValueTree".
+/// The value tree: rows of values under named columns, each of which may have rows below it.
+/// Scripts know it as "ValueTree".
 inline constexpr GUID kValueTreeClass = "97f56523-60eb-47da-b476-44668f1fa86f"_guid;
 inline constexpr GUID kValueTreeType = "8e826792-4cd6-48d5-9b7f-db068bd5bccb"_guid;
 

@@ -32,21 +32,21 @@ class CORE_API TypeDomain : private TypeDomainPattern {
     }
 
     // defaults
-    /// The type of the set when it is the only one, else that of Undefined. TypeException when that type is
-    /// not registered.
+    /// The type of the set when it is the only one, else that of Undefined. TypeException when
+    /// that type is not registered.
     [[nodiscard]] Type defaultType() const;
-    /// What is stored where there is nothing to store: false, 0, the empty string, the empty date, the type
-    /// of Undefined, Null, each adjusted to its qualifiers, when theirs is the only type; Undefined
-    /// otherwise.
+    /// What is stored where there is nothing to store: false, 0, the empty string, the empty
+    /// date, the type of Undefined, Null, each adjusted to its qualifiers, when theirs is the
+    /// only type; Undefined otherwise.
     [[nodiscard]] GenericValue defaultValue() const;
 
     // adjust
     /// Whether the value is of one of the types and its qualifiers leave it as it is. Costs next to nothing.
     [[nodiscard]] bool fits(const Value& value) const noexcept;
-    /// The value itself when it fits. A value of one of the types is adjusted to its qualifiers. Any other is
-    /// converted to Number, Date, String or Boolean, the first of them that is in the set and of which the
-    /// value has a reading, and adjusted; without one, and for Undefined and Null, it gives way to the
-    /// default value.
+    /// The value itself when it fits. A value of one of the types is adjusted to its qualifiers. Any
+    /// other is converted to Number, Date, String or Boolean, the first of them that is in the set and
+    /// of which the value has a reading, and adjusted; without one, and for Undefined and Null, it
+    /// gives way to the default value.
     [[nodiscard]] GenericValue adjust(GenericValue value) const {
         return fits(value) ? std::move(value) : adjusted(value);
     }

@@ -13,9 +13,9 @@ namespace core {
 
 /// A set of types, by id, with qualifiers for Number, String and Date. The empty set stands for every value.
 ///
-/// A value type. Equal are patterns with equal sets and, for those of the three types that are in the set,
-/// equal qualifiers; qualifiers of other types are kept but count for nothing. Threads: several readers or
-/// one writer.
+/// A value type. Equal are patterns with equal sets and, for those of the three types that are in
+/// the set, equal qualifiers; qualifiers of other types are kept but count for nothing. Threads:
+/// several readers or one writer.
 class CORE_API TypeDomainPattern {
   public:
     TypeDomainPattern() = default;

@@ -40,8 +40,8 @@ class CORE_API GenericValue : public Value {
     /// whose class is not registered.
     [[nodiscard]] static GenericValue deserialize(IInPersistenceStorage* storage);
 
-    /// The text form of the whole value, and back; failures as above. Only white space may follow what is
-    /// read.
+    /// The text form of the whole value, and back; failures as above. Only white space
+    /// may follow what is read.
     void toString(wstring& text) const;
     [[nodiscard]] static GenericValue fromString(wstring_view text);
 };

@@ -17,17 +17,17 @@ class Numeric;
 
 /// The universal value: everything that a script sees is an object behind this interface.
 ///
-/// Threads: primitive values never change and may be read from any thread; an object is used by one thread at
-/// a time.
+/// Threads: primitive values never change and may be read from any thread; an object is
+/// used by one thread at a time.
 class alignas(8) IValue : public IUnknown {
   public:
     static constexpr GUID IID = "0e4e05a9-96d4-450b-a013-df113a84cf58"_guid;
 
     /// The value's type object, borrowed; values of one type have one type object.
     [[nodiscard]] virtual IType* getType() const noexcept = 0;
-    /// The payload inside the object: of a Boolean a `bool`, of a Number a `Numeric`, of a String a
-    /// `wstring_view` (followed by a null unit), of a Date a `Date`, of a Type a `Type`; null for every other
-    /// value.
+    /// The payload inside the object: of a Boolean a `bool`, of a Number a `Numeric`, of a
+    /// String a `wstring_view` (followed by a null unit), of a Date a `Date`, of a Type a
+    /// `Type`; null for every other value.
     [[nodiscard]] virtual const void* getDataPtr() const noexcept = 0;
 
     /// The readings: true and the result when the value has one, else false and false, zero, the empty date.
@@ -56,8 +56,8 @@ class IValueSerialize : public IUnknown {
     ~IValueSerialize() = default;
 };
 
-/// Implemented by Numbers, which are empty when zero, and Dates, which are empty when they are the empty
-/// date.
+/// Implemented by Numbers, which are empty when zero, and Dates, which are empty
+/// when they are the empty date.
 class IValueIsEmpty : public IUnknown {
   public:
     static constexpr GUID IID = "3f29105f-d8bf-43df-a07b-39d8e2b8639a"_guid;
@@ -102,8 +102,8 @@ class IType : public IUnknown {
         std::int32_t most;
     };
     [[nodiscard]] virtual Arguments arguments() const noexcept = 0;
-    /// A new value from the arguments. CtorException when there is none, ContextException for a wrong
-    /// argument.
+    /// A new value from the arguments. CtorException when there is none,
+    /// ContextException for a wrong argument.
     [[nodiscard]] virtual GenericValue construct(std::span<GenericValue> arguments) = 0;
 
   protected:

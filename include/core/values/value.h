@@ -36,10 +36,10 @@ class NumericRef {
 
 /// Holds one value, never none: a null pointer becomes Undefined.
 ///
-/// One word, in whose lowest bits the kind stands, so that telling kinds apart and reading primitive values
-/// touch no more than the payload. Undefined, Null, the Booleans and whole numbers of up to 60 bits are the
-/// word alone; an object is made of such a number when one is asked for. Copies count, moves do not and leave
-/// Undefined.
+/// One word, in whose lowest bits the kind stands, so that telling kinds apart and reading primitive
+/// values touch no more than the payload. Undefined, Null, the Booleans and whole numbers of up to 60
+/// bits are the word alone; an object is made of such a number when one is asked for. Copies count,
+/// moves do not and leave Undefined.
 class CORE_API Value {
   public:
     Value() = default;
@@ -113,8 +113,8 @@ class CORE_API Value {
     }
     [[nodiscard]] bool isTrue() const noexcept { return bits_ == (tag(ValueKind::boolean) | kTrueBit); }
     [[nodiscard]] bool isFalse() const noexcept { return bits_ == tag(ValueKind::boolean); }
-    /// The interface `T` of an object value with a reference; null for primitive values and for objects
-    /// without it.
+    /// The interface `T` of an object value with a reference; null for primitive values
+    /// and for objects without it.
     template <Interface T>
     [[nodiscard]] InterfacePtr<T> query() const noexcept {
         return isObject() ? InterfacePtr<T>(object()) : InterfacePtr<T>();
