@@ -5,6 +5,24 @@
 
 namespace core {
 
+void* detail::refill_blocks(std::size_t size, ThreadPart* part) {
+    FreeList alone;
+    FreeList& list = part != nullptr ? part->free[size] : alone;
+    fetch_blocks(size, list);
+    void* const block = list.pop();
+    if (part == nullptr)
+        return_blocks(size, list);
+    return block;
+}
+
+void detail::drain_blocks(void* block, std::size_t size, ThreadPart* part) noexcept {
+    FreeList given;
+    given.push(block);
+    while (part != nullptr && part->free[size].count > ThreadPart::kMaxFree / 2)
+        given.push(part->free[size].pop());
+    return_blocks(size, given);
+}
+
 void* allocate_block(std::size_t size) {
     return detail::take_block(size, detail::thread_part());
 }

@@ -53,33 +53,33 @@ inline constexpr bool kPooled = true;
 inline constexpr bool kPooled = true;
 #endif
 
+/// The place of a size among those of blocks; kBlockSizes and above are not pooled.
+inline std::size_t block_size_index(std::size_t size) noexcept {
+    return size == 0 ? 0 : (size - 1) / kBlockGranule;
+}
+
+/// For the rare case: nothing is left of the size, or there is no thread part any more.
+void* refill_blocks(std::size_t size, ThreadPart* part);
+/// The thread keeps as much as it may, or has no part any more.
+void drain_blocks(void* block, std::size_t size, ThreadPart* part) noexcept;
+
 /// `part` is the calling thread's, or null.
 inline void* take_block(std::size_t size, ThreadPart* part) {
-    const std::size_t index = ThreadPart::sizeIndex(size);
-    if (!kPooled || index >= ThreadPart::kSizes)
+    const std::size_t index = block_size_index(size);
+    if (!kPooled || index >= kBlockSizes)
         return ::operator new(size);
-    if (part != nullptr) {
-        ThreadPart::FreeList& list = part->free[index];
-        if (ThreadPart::FreeBlock* const block = list.first) {
-            list.first = block->next;
-            --list.count;
-            return block;
-        }
-    }
-    return ::operator new((index + 1) * ThreadPart::kGranule);
+    if (part != nullptr && part->free[index].first != nullptr)
+        return part->free[index].pop();
+    return refill_blocks(index, part);
 }
 
 inline void give_block(void* block, std::size_t size, ThreadPart* part) noexcept {
-    const std::size_t index = ThreadPart::sizeIndex(size);
-    if (kPooled && index < ThreadPart::kSizes && part != nullptr) {
-        ThreadPart::FreeList& list = part->free[index];
-        if (list.count < ThreadPart::kMaxFree) {
-            list.first = new (block) ThreadPart::FreeBlock{list.first};
-            ++list.count;
-            return;
-        }
-    }
-    ::operator delete(block);
+    const std::size_t index = block_size_index(size);
+    if (!kPooled || index >= kBlockSizes)
+        return ::operator delete(block);
+    if (part == nullptr || part->free[index].count == ThreadPart::kMaxFree)
+        return drain_blocks(block, index, part);
+    part->free[index].push(block);
 }
 
 inline void* take_counted_block(std::size_t size, LiveCounter& counter) {

@@ -36,13 +36,8 @@ struct PartOwner {
                 }
             }
         }
-        for (const ThreadPart::FreeList& list : part->free) {
-            for (ThreadPart::FreeBlock* block = list.first; block != nullptr;) {
-                ThreadPart::FreeBlock* const next = block->next;
-                ::operator delete(block);
-                block = next;
-            }
-        }
+        for (std::size_t size = 0; size < kBlockSizes; ++size)
+            return_blocks(size, part->free[size]);
         delete part;
     }
 };

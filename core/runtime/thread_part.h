@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/runtime/block_store.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -11,29 +13,16 @@ namespace core::detail {
 /// What one thread keeps for the runtime, so that making and destroying objects writes to no memory that
 /// other threads write to: free blocks, its part of the live counts, and how deep it stands in destructors.
 struct ThreadPart {
-    static constexpr std::size_t kGranule = 16;
-    static constexpr std::size_t kSizes = 16;       // blocks of 16, 32, ... 256 bytes
-    static constexpr std::uint32_t kMaxFree = 1024; // blocks kept of one size; more go back to the system
+    static constexpr std::uint32_t kMaxFree = 1024; // blocks kept of one size
     static constexpr std::int32_t kMaxCounters =
         512; // classes counted here; further ones are counted outside
 
-    struct FreeBlock {
-        FreeBlock* next;
-    };
-    struct FreeList {
-        FreeBlock* first = nullptr;
-        std::uint32_t count = 0;
-    };
     struct Pending {
         void* object;
         void (*destroy)(void*) noexcept;
     };
 
-    static constexpr std::size_t sizeIndex(std::size_t size) noexcept {
-        return size == 0 ? 0 : (size + kGranule - 1) / kGranule - 1;
-    }
-
-    std::array<FreeList, kSizes> free;
+    std::array<FreeList, kBlockSizes> free;
     std::array<std::int32_t, kMaxCounters> live{}; // written by this thread only, read by reports
     std::int32_t destroyDepth = 0;
     std::vector<Pending> pending;

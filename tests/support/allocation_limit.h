@@ -35,9 +35,23 @@ class AllocationLimit {
         return block;
     throw std::bad_alloc();
 }
+[[gnu::noinline]] void* operator new(std::size_t size, std::align_val_t alignment) {
+    if (test::allocations_left != 0) {
+        test::allocations_left -= test::allocations_left > 0 ? 1 : 0;
+        if (void* const block = std::aligned_alloc(static_cast<std::size_t>(alignment), size))
+            return block;
+    }
+    throw std::bad_alloc();
+}
 [[gnu::noinline]] void operator delete(void* block) noexcept {
     std::free(block);
 }
 [[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
+[[gnu::noinline]] void operator delete(void* block, std::align_val_t) noexcept {
+    std::free(block);
+}
+[[gnu::noinline]] void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
     std::free(block);
 }

@@ -9,9 +9,10 @@ namespace core {
 
 class LiveCounter;
 
-/// Memory for small counted objects: per-thread free lists of fixed sizes in front of the system's allocator.
-/// A block may be freed on another thread than the one that allocated it. Blocks over 256 bytes go straight
-/// to the system. Throws std::bad_alloc when there is no memory.
+/// Memory for small counted objects: per-thread free lists of fixed sizes, filled from chunks that go back to
+/// the system when all their blocks are free, but for 16 MiB. A block may be freed on another thread than the
+/// one that allocated it. Blocks over 256 bytes go straight to the system. Throws std::bad_alloc when there
+/// is no memory.
 [[nodiscard]] CORE_API void* allocate_block(std::size_t size);
 /// `size` is the one that was allocated.
 CORE_API void free_block(void* block, std::size_t size) noexcept;

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+// Concerns: blocks that overlap; blocks freed by another thread, in any order; memory that stays with the
+// library when everything is free.
+#include <core/runtime/block_pool.h>
+
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <thread>
+#include <vector>
+
+namespace {
+
+struct Block {
+    std::size_t size;
+    unsigned char* bytes;
+    unsigned char mark;
+};
+
+std::vector<Block> allocate_many(std::size_t count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::vector<Block> blocks;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t size = random() % 300;
+        auto* const bytes = static_cast<unsigned char*>(core::allocate_block(size));
+        blocks.push_back({size, bytes, static_cast<unsigned char>(random())});
+        std::fill_n(bytes, size, blocks.back().mark);
+    }
+    std::shuffle(blocks.begin(), blocks.end(), random);
+    return blocks;
+}
+
+/// Frees them and returns how many were not as they should be.
+std::size_t free_many(const std::vector<Block>& blocks) {
+    std::size_t damaged = 0;
+    for (const Block& block : blocks) {
+        const bool whole = std::all_of(block.bytes, block.bytes + block.size,
+                                       [&](unsigned char byte) { return byte == block.mark; });
+        damaged += whole && reinterpret_cast<std::uintptr_t>(block.bytes) % 16 == 0 ? 0U : 1U;
+        core::free_block(block.bytes, block.size);
+    }
+    return damaged;
+}
+
+std::size_t bytes_in_use() {
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+TEST(Blocks, BelongToOneOwnerWhicheverThreadFreesThemAndGoBackToTheSystem) {
+    constexpr unsigned kThreads = 4;
+    constexpr std::size_t kBlocks = 200'000;
+    constexpr std::size_t kKept = std::size_t{32} << 20; // what the library may keep for later
+    const std::size_t before = bytes_in_use();
+    for (unsigned round = 0; round < 3; ++round) {
+        std::vector<std::vector<Block>> made(kThreads);
+        std::vector<std::size_t> damaged(kThreads);
+        std::vector<std::thread> threads;
+        for (unsigned i = 0; i < kThreads; ++i)
+            threads.emplace_back(
+                [&made, i, round] { made[i] = allocate_many(kBlocks, round * kThreads + i); });
+        for (std::thread& thread : threads)
+            thread.join();
+        threads.clear();
+        for (std::size_t i = 0; i < kThreads; ++i)
+            threads.emplace_back([&, i] { damaged[i] = free_many(made[(i + 1) % kThreads]); });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(damaged, std::vector<std::size_t>(kThreads));
+    }
+    EXPECT_LT(bytes_in_use(), before + kKept);
+}
+
+} // namespace
