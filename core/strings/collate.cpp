@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/icu_length.h"
+#include "core/strings/collator.h"
 
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/collate.h>
 #include <core/strings/compare.h>
-
-#include <unicode/ucol.h>
 
 #include <memory>
 #include <vector>
@@ -24,8 +23,15 @@ struct OpenCollator {
     std::unique_ptr<UCollator, CloseCollator> collator;
 };
 
+int collate(wstring_view a, wstring_view b, const Locale& locale, UCollationStrength strength) {
+    return ucol_strcoll(detail::collator_for(locale, strength), a.data(), icu_length(a.size()), b.data(),
+                        icu_length(b.size()));
+}
+
+} // namespace
+
 // A process works in one locale or two, so the search is short.
-const UCollator* collator_for(const Locale& locale, UCollationStrength strength) {
+const UCollator* detail::collator_for(const Locale& locale, UCollationStrength strength) {
     thread_local std::vector<OpenCollator> opened;
     for (const OpenCollator& entry : opened)
         if (entry.strength == strength && entry.locale == locale)
@@ -38,13 +44,6 @@ const UCollator* collator_for(const Locale& locale, UCollationStrength strength)
     ucol_setStrength(collator.get(), strength);
     return opened.emplace_back(OpenCollator{locale, strength, std::move(collator)}).collator.get();
 }
-
-int collate(wstring_view a, wstring_view b, const Locale& locale, UCollationStrength strength) {
-    return ucol_strcoll(collator_for(locale, strength), a.data(), icu_length(a.size()), b.data(),
-                        icu_length(b.size()));
-}
-
-} // namespace
 
 int compare(wstring_view a, wstring_view b, const Locale& locale) {
     const int order = collate(a, b, locale, UCOL_TERTIARY);
@@ -61,29 +60,6 @@ int compare_nocase(wstring_view a, wstring_view b, const Locale& locale) {
 
 int compare_nocase(std::string_view a, std::string_view b, const Locale& locale) {
     return compare_nocase(from_utf8(a), from_utf8(b), locale);
-}
-
-void append_collation_key(std::string& keys, wstring_view text, const Locale& locale) {
-    const UCollator* const collator = collator_for(locale, UCOL_TERTIARY);
-    const std::int32_t length = icu_length(text.size());
-    const std::size_t begin = keys.size();
-    // Room for common text at the first try; ICU tells how much it needs when that is not enough.
-    std::size_t room = text.size() * 3 + 16;
-    for (;;) {
-        keys.resize(begin + room);
-        const std::int32_t needed = ucol_getSortKey(
-            collator, text.data(), length, reinterpret_cast<std::uint8_t*>(&keys[begin]), icu_length(room));
-        if (needed <= 0) {
-            keys.resize(begin);
-            throw_error<ConverterException>("IDS_STRING_TOO_LONG");
-        }
-        const auto size = static_cast<std::size_t>(needed);
-        if (size <= room) {
-            keys.resize(begin + size - 1); // a key ends with a zero, which says nothing
-            return;
-        }
-        room = size;
-    }
 }
 
 } // namespace core

@@ -4,7 +4,7 @@
 #include "core/tables/word_sort.h"
 
 #include <core/runtime/settings.h>
-#include <core/strings/collate.h>
+#include <core/strings/collation_keys.h>
 
 #include <array>
 #include <bit>
@@ -19,19 +19,14 @@ std::uint64_t ordered_bits(double value) noexcept {
     return bits >> 63 != 0 ? ~bits : bits | std::uint64_t{1} << 63;
 }
 
-/// The collation keys of texts, one behind the other, to be read by words.
-class TextKeys {
+/// A collation key, read by words.
+class KeyWords {
   public:
-    /// Returns the first word of the text's key.
-    std::uint64_t add(wstring_view text) {
-        append_collation_key(keys_, text, locale_);
-        ends_.push_back(keys_.size());
-        return word(static_cast<std::uint32_t>(ends_.size() - 1), 0);
-    }
-    /// Eight bytes of a key, the first of them highest. A key ends with a zero byte,
-    /// which it has nowhere else.
-    [[nodiscard]] std::uint64_t word(std::uint32_t i, unsigned depth) const noexcept {
-        const std::string_view rest = key(i).substr(depth * sizeof(std::uint64_t));
+    explicit KeyWords(std::string_view key) : key_(key) {}
+
+    /// Eight bytes, the first of them highest, with zeros behind the end; no key has a zero byte in it.
+    [[nodiscard]] std::uint64_t word(unsigned depth) const noexcept {
+        const std::string_view rest = key_.substr(depth * sizeof(std::uint64_t));
         std::uint64_t word = 0;
         if (rest.size() >= sizeof word) {
             for (std::size_t byte = 0; byte < sizeof word; ++byte)
@@ -43,19 +38,12 @@ class TextKeys {
         return word;
     }
     /// Whether the words up to this depth say all.
-    [[nodiscard]] bool endsBefore(std::uint32_t i, unsigned depth) const noexcept {
-        return key(i).size() < depth * sizeof(std::uint64_t);
+    [[nodiscard]] bool endsBefore(unsigned depth) const noexcept {
+        return key_.size() < depth * sizeof(std::uint64_t);
     }
 
   private:
-    [[nodiscard]] std::string_view key(std::uint32_t i) const noexcept {
-        const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
-        return std::string_view(keys_).substr(begin, ends_[i] - begin);
-    }
-
-    const Locale& locale_ = current_settings().locale;
-    std::string keys_;
-    std::vector<std::size_t> ends_;
+    std::string_view key_;
 };
 
 /// Sorts values of one kind and writes their places, the first of which is `next_`, to where they belong.
@@ -110,24 +98,24 @@ class Ranking {
     }
 
     void rankTexts(std::span<const std::uint32_t> places) {
-        TextKeys keys;
         std::vector<wstring> presentations;
         std::vector<wstring_view> texts;
-        std::vector<std::uint64_t> words;
         presentations.reserve(places.size());
         texts.reserve(places.size());
-        words.reserve(places.size());
         for (const std::uint32_t place : places) {
             const wstring_view* const text = value(place).asString();
             texts.push_back(text != nullptr ? *text
                                             : presentations.emplace_back(value(place).presentation()));
-            words.push_back(keys.add(texts.back()));
         }
+        const CollationKeys keys(texts, current_settings().locale);
+        std::vector<std::uint64_t> words(texts.size());
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            words[i] = KeyWords(keys[i]).word(0);
         const auto deepen = [&](std::span<const std::uint32_t> equal, unsigned depth) {
-            if (keys.endsBefore(equal.front(), depth))
+            if (KeyWords(keys[equal.front()]).endsBefore(depth))
                 return false;
             for (const std::uint32_t i : equal)
-                words[i] = keys.word(i, depth);
+                words[i] = KeyWords(keys[i]).word(depth);
             return true;
         };
         sort(places, words, deepen,

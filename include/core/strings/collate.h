@@ -28,10 +28,4 @@ namespace core {
     return compare_nocase(std::string_view(a, aLength), std::string_view(b, bLength), locale);
 }
 
-/// Bytes that stand in the order of their texts: comparing the keys of two texts, byte by byte, tells what
-/// compare() with the locale tells, except that identical keys may belong to texts of different code units.
-/// For sorting: a key is made once a text, and comparing keys is cheap. The key comes behind what `keys`
-/// holds, so that those of many texts are one block of memory.
-CORE_API void append_collation_key(std::string& keys, wstring_view text, const Locale& locale);
-
 } // namespace core
