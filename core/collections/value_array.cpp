@@ -93,13 +93,15 @@ GenericValue construct_array(std::span<GenericValue> arguments) {
             return Value(make_object<ValueArray>(copy_values(*source)));
     }
     std::vector<std::int64_t> sizes;
-    std::int64_t elements = 1;
+    std::int64_t arrays = 1; // of the dimension at hand
+    std::int64_t elements = 0;
     for (const GenericValue& argument : arguments) {
         const auto param = static_cast<int>(sizes.size());
         sizes.push_back(index_argument(argument, param));
-        if (sizes.back() < 0 || (sizes.back() > 0 && elements > kMaxElements / sizes.back()))
+        if (sizes.back() < 0 || (arrays > 0 && sizes.back() > (kMaxElements - elements) / arrays))
             parameter_value_mismatch(param);
-        elements *= sizes.back();
+        arrays *= sizes.back();
+        elements += arrays;
     }
     return make_dimensions(sizes);
 }

@@ -156,6 +156,7 @@ TEST_F(Arrays, AreMadeFromSizesAndFromEachOther) {
     EXPECT_EQ(failure([] { make(u"Array", {u"3"}); }), type_mismatch(0));
     EXPECT_EQ(failure([] { make(u"Array", {3, -1}); }), value_mismatch(1));
     EXPECT_EQ(failure([] { make(u"Array", {100000, 100000}); }), value_mismatch(1));
+    EXPECT_EQ(failure([] { make(u"Array", {16777216, 1}); }), value_mismatch(1)) << "arrays count, too";
     EXPECT_EQ(failure([] { make(u"FixedArray", {3}); }), type_mismatch(0));
     EXPECT_NE(failure<CtorException>([] { make(u"FixedArray"); }), u"");
 }
