@@ -30,17 +30,21 @@ Piece first_piece(wstring_view pattern) noexcept {
     return {part, length == wstring_view::npos ? pattern.size() : length};
 }
 
-/// Whether the year has four digits, the other parts one or two, and none comes twice.
+/// Whether the year has four digits, the other parts one or two, none comes twice, and it can be told where
+/// a part of one digit or two ends.
 bool is_pattern(wstring_view pattern) noexcept {
     std::array<bool, kLetters.size()> seen{};
     while (!pattern.empty()) {
         const auto [part, length] = first_piece(pattern);
-        if (part != wstring_view::npos) {
-            if (seen[part] || (part == 0 ? length != 4 : length > 2))
-                return false;
-            seen[part] = true;
-        }
         pattern.remove_prefix(length);
+        if (part == wstring_view::npos)
+            continue;
+        const bool endless = length == 1 && !pattern.empty() &&
+                             (kLetters.find(pattern.front()) != wstring_view::npos ||
+                              (pattern.front() >= u'0' && pattern.front() <= u'9'));
+        if (seen[part] || endless || (part == 0 ? length != 4 : length > 2))
+            return false;
+        seen[part] = true;
     }
     return true;
 }

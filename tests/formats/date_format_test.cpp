@@ -50,8 +50,8 @@ TEST(DateFormat, ReadsOnlyItsPattern) {
     EXPECT_EQ(date, Date(1, 1, 1, 13, 5, 7));
     EXPECT_EQ(format.format(Date(Date::kLimit)), u"00.00.0000 00:00:00");
     EXPECT_EQ(DateFormat(u"date=d-M-yyyy").format(Date(Date::kLimit)), u"0-0-0000 00:00:00");
-    expect_refused<DateFormat>({u"date=yyyy-MM-yyyy", u"date=yy-MM-dd", u"date=ddd", u"date=", u"time=' HH'",
-                                u"moment=HH", u"date"});
+    expect_refused<DateFormat>({u"date=yyyy-MM-yyyy", u"date=yy-MM-dd", u"date=ddd", u"date=dMyyyy",
+                                u"date=d1", u"date=", u"time=' HH'", u"moment=HH", u"date"});
 }
 
 } // namespace
