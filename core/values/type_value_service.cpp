@@ -22,56 +22,58 @@ class TypeValueService : public ITypeValueService {
   public:
     using Interfaces = InterfaceList<ITypeValueService>;
 
-    IType* findType(const GUID& id) override { return find(byId_, id); }
-    IType* findType(wstring_view name) override { return find(byName_, name); }
-    IType* findTypeOfClass(const GUID& clsid) override { return find(byClass_, clsid); }
-    std::vector<IType*> types() override {
-        gather();
-        return types_;
-    }
+    IType* findType(const GUID& id) override { return find(gathered().byId, id); }
+    IType* findType(wstring_view name) override { return find(gathered().byName, name); }
+    IType* findTypeOfClass(const GUID& clsid) override { return find(gathered().byClass, clsid); }
+    std::vector<IType*> types() override { return gathered().all; }
 
   private:
+    struct Types {
+        std::vector<IType*> all;
+        std::unordered_map<GUID, IType*> byId;
+        std::unordered_map<GUID, IType*> byClass;
+        std::unordered_map<wstring, IType*, NocaseHash, NocaseEqual> byName;
+
+        void add(IType* type) {
+            if (type == nullptr || !byId.emplace(type->id(), type).second)
+                return;
+            all.push_back(type);
+            if (!(type->valueClass() == kNullGuid))
+                byClass.emplace(type->valueClass(), type);
+            for (const int alias : {kEnglish, kRussian})
+                byName.emplace(type->name(alias), type);
+        }
+    };
+
     template <class Table, class Key>
-    IType* find(const Table& table, const Key& key) {
-        gather();
+    static IType* find(const Table& table, const Key& key) {
         const auto place = table.find(key);
         return place != table.end() ? place->second : nullptr;
     }
 
-    void gather() {
-        std::call_once(gathered_, [this] {
+    const Types& gathered() {
+        std::call_once(once_, [this] {
+            Types types; // when memory runs out, the next look-up begins anew
             for (auto kind = ValueKind::undefined; kind != ValueKind::object;
                  kind = static_cast<ValueKind>(static_cast<int>(kind) + 1))
-                add(detail::primitive_type(kind));
-            const auto primitives = static_cast<std::ptrdiff_t>(types_.size());
+                types.add(detail::primitive_type(kind));
+            const auto primitives = static_cast<std::ptrdiff_t>(types.all.size());
             for (const SCOM_Module* module : registered_modules()) {
                 for (const ClassRecord& record : module->classTable()) {
-                    if (record.scriptClass != 0)
-                        add(create_object<IType>(*record.clsid)
-                                .get()); // one object, alive as long as the library
+                    if (record.scriptClass != 0) // one object, alive as long as the library
+                        types.add(create_object<IType>(*record.clsid).get());
                 }
             }
-            std::sort(types_.begin() + primitives, types_.end(), [](const IType* a, const IType* b) {
+            std::sort(types.all.begin() + primitives, types.all.end(), [](const IType* a, const IType* b) {
                 return wstring_view(a->name(kEnglish)) < wstring_view(b->name(kEnglish));
             });
+            types_ = std::move(types);
         });
+        return types_;
     }
 
-    void add(IType* type) {
-        if (type == nullptr || !byId_.emplace(type->id(), type).second)
-            return;
-        types_.push_back(type);
-        if (!(type->valueClass() == kNullGuid))
-            byClass_.emplace(type->valueClass(), type);
-        for (const int alias : {kEnglish, kRussian})
-            byName_.emplace(type->name(alias), type);
-    }
-
-    std::once_flag gathered_;
-    std::vector<IType*> types_;
-    std::unordered_map<GUID, IType*> byId_;
-    std::unordered_map<GUID, IType*> byClass_;
-    std::unordered_map<wstring, IType*, NocaseHash, NocaseEqual> byName_;
+    std::once_flag once_;
+    Types types_;
 };
 
 const SCOM_ServiceEntryInit<TypeValueService, &kClassId, &ITypeValueService::IID> kEntry("TypeValueService");
