@@ -5,20 +5,26 @@
 #include <core/strings/names.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace core {
 
 std::optional<std::size_t> TableData::findColumn(wstring_view name) const {
     if (names_.size() == 0) {
-        names_.reserve(static_cast<int>(columns_.size()));
+        NameTable names; // all of them or none
+        names.reserve(static_cast<int>(columns_.size()));
         for (std::size_t i = 0; i < columns_.size(); ++i)
-            names_.add(columns_[i]->info.name, static_cast<int>(i));
+            names.add(columns_[i]->info.name, static_cast<int>(i));
+        names_ = std::move(names);
     }
     const int found = names_.find(name);
     return found >= 0 ? std::optional(static_cast<std::size_t>(found)) : std::nullopt;
 }
 
 std::optional<std::size_t> TableData::findColumn(ColumnId id) const noexcept {
+    const auto asMade = static_cast<std::size_t>(id); // where it stands unless columns have moved
+    if (asMade < columns_.size() && columns_[asMade]->id == id)
+        return asMade;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         if (columns_[i]->id == id)
             return i;
@@ -44,9 +50,15 @@ TableColumn& TableData::insertColumn(std::size_t position, ColumnInfo info) {
     checkName(info.name, nullptr);
     auto column = std::make_unique<TableColumn>(nextColumn_, std::move(info));
     column->cells.fill(ids_, column->defaultValue);
+    // The last of many columns adds its name to those of the others: gathering all anew each time takes long.
+    const bool last = position == columns_.size();
+    NameTable names = last ? std::exchange(names_, {}) : NameTable();
+    if (names.size() != 0)
+        names.add(column->info.name, static_cast<int>(position));
     columns_.insert(columns_.begin() + static_cast<std::ptrdiff_t>(position), std::move(column));
     ++nextColumn_;
     columnsChanged();
+    names_ = std::move(names);
     return *columns_[position];
 }
 
