@@ -170,9 +170,9 @@ void Numeric::divideLong(Numeric& out, const Numeric& a, const Numeric& b) {
     out = std::move(result);
 }
 
-/// With the point at the same limb in both, what is left of a whole quotient is at least one unit of that
-/// limb, a part of the divisor far above the last limb of the quotient: rounding cannot reach the next whole
-/// number, and the remainder is that of the limbs.
+/// By the rounded quotient, as its rule says. With the point at the same limb in both, what is left of a
+/// whole quotient is at least one unit of that limb, a part of the divisor far above the last limb of the
+/// quotient: rounding cannot reach the next whole number, and the remainder is that of the limbs.
 Numeric& Numeric::remainder(Numeric& out, const Numeric& a, const Numeric& b) {
     if (!a.isSmall() || !b.isSmall() || a.fraction_ != b.fraction_ || b.count_ == 0) {
         return out = a - (a / b).wholePart() * b;

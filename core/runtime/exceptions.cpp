@@ -4,7 +4,7 @@
 namespace core {
 namespace {
 
-const char* message_id(NumericException::Error error) {
+const char* message_id(NumericException::Error error) noexcept {
     switch (error) {
     case NumericException::Error::divideByZero:
         return "IDS_NUMERROR_DIVIDEBYZERO";
@@ -36,6 +36,10 @@ const char* message_id(StorageException::Kind kind) {
 
 NumericException::NumericException(Error error, IExceptionObject* cause)
     : BasicException(message_text(message_id(error)), cause), error_(error) {}
+
+const char* NumericException::messageId() const noexcept {
+    return message_id(error_);
+}
 
 StorageException::StorageException(Kind kind, const wstring& url, IExceptionObject* cause)
     : BasicException(message_text(message_id(kind)) + u" '" + url + u"'", cause), kind_(kind), url_(url) {}

@@ -71,8 +71,9 @@ class CORE_API Numeric {
     /// The quotient, cut off behind (fraction limbs of this − those of other) + limbs of other + 2 fraction
     /// limbs and rounded half up by the one limb that follows. NumericException (divideByZero).
     Numeric& operator/=(const Numeric& other) { return divide(*this, *this, other); }
-    /// What the quotient, cut towards zero, leaves: it has the sign of the dividend.
-    /// NumericException (divideByZero).
+    /// What the quotient, cut towards zero, leaves: it has the sign of the dividend. The quotient is that of
+    /// operator/=, rounded behind its last place, so that a divisor that begins some 27 places behind the
+    /// point may leave more than itself. NumericException (divideByZero).
     Numeric& operator%=(const Numeric& other) { return remainder(*this, *this, other); }
 
     friend Numeric operator+(const Numeric& a, const Numeric& b) { return made(add, a, b, false); }

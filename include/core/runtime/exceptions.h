@@ -142,6 +142,8 @@ class CORE_API ComparatorException : public BasicException<ComparatorException> 
                                  IExceptionObject* cause = nullptr)
         : BasicException(description, cause), error_(error) {}
     [[nodiscard]] Error error() const noexcept { return error_; }
+    /// The resource id of the text that belongs to the error; empty for none.
+    [[nodiscard]] const char* messageId() const noexcept;
 
   private:
     Error error_ = Error::none;
@@ -176,6 +178,8 @@ class CORE_API NumericException : public BasicException<NumericException> {
     NumericException(Error error, const wstring& description, IExceptionObject* cause = nullptr)
         : BasicException(description, cause), error_(error) {}
     [[nodiscard]] Error error() const noexcept { return error_; }
+    /// The resource id of the text that belongs to the error; empty for none.
+    [[nodiscard]] const char* messageId() const noexcept;
 
   private:
     Error error_ = Error::none;

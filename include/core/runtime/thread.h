@@ -18,6 +18,7 @@ class CORE_API Thread {
 
     /// Waits, by the library's clock.
     static void sleep(std::chrono::milliseconds time);
+    static void sleep(std::int64_t milliseconds) { sleep(std::chrono::milliseconds(milliseconds)); }
 };
 
 } // namespace core
