@@ -81,7 +81,8 @@ class Printer {
             if (width == indent)
                 return;
             column.empty = false;
-            column.right = column.right && cell.kind() == ValueKind::number;
+            column.right =
+                column.right && cell.kind() == ValueKind::number && indent == 0; // it shows the levels
         });
         for (std::size_t i = 0; i < columns_.size(); ++i) {
             Column& column = columns_[i];
