@@ -31,4 +31,12 @@ void throw_malformed() {
     throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
 }
 
+std::int64_t get_count(ListInStream& in) {
+    std::int64_t count = 0;
+    in.get(count);
+    if (count < 0)
+        throw_malformed();
+    return count;
+}
+
 } // namespace core

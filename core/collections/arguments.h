@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/serialization/list_in_stream.h>
 #include <core/values/value.h>
 
 #include <cstdint>
@@ -20,5 +21,7 @@ namespace core {
 [[noreturn]] void throw_bad_index();
 /// "IDS_LISTSTREAMERROR".
 [[noreturn]] void throw_malformed();
+/// The number of elements that follow. ListStreamException for a negative one.
+[[nodiscard]] std::int64_t get_count(ListInStream& in);
 
 } // namespace core

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/collections/arguments.h"
+#include "core/context/gathered_enum.h"
 
 #include <core/collections/terms.h>
 #include <core/collections/value_array.h>
@@ -17,25 +18,6 @@
 #include <algorithm>
 
 namespace core {
-
-/// A walk over what an array held when the walk began.
-class ValueArrayEnum : public IValueEnum {
-  public:
-    using Interfaces = InterfaceList<IValueEnum>;
-
-    explicit ValueArrayEnum(std::span<const Value> values) : values_(values.begin(), values.end()) {}
-
-    bool next(GenericValue& out) override {
-        if (next_ == values_.size())
-            return false;
-        out = GenericValue(std::move(values_[next_++]));
-        return true;
-    }
-
-  private:
-    std::vector<Value> values_;
-    std::size_t next_ = 0;
-};
 
 /// What both arrays are: values that can be read, found, walked, written and read back. `I` is what an array
 /// offers to modules.
@@ -71,7 +53,7 @@ class ArrayImpl : public IValueImpl,
     }
 
     // IValueCollection
-    InterfacePtr<IValueEnum> enumerate() override { return make_object<ValueArrayEnum>(values_); }
+    InterfacePtr<IValueEnum> enumerate() override { return make_object<GatheredEnum>(values_); }
 
     // IPersistableObject
     void serialize(IOutPersistenceStorage* storage) const override {
@@ -84,13 +66,9 @@ class ArrayImpl : public IValueImpl,
     }
     void deserialize(IInPersistenceStorage* storage) override {
         ListInStream& in = storage->listStream();
-        std::int64_t count = 0;
         in.getBeginOfList();
-        in.get(count);
-        if (count < 0)
-            throw_malformed();
         std::vector<Value> values; // grows with what is really there, whatever the count says
-        for (; count > 0; --count)
+        for (std::int64_t count = get_count(in); count > 0; --count)
             values.push_back(GenericValue::deserialize(storage));
         in.getEndOfList();
         values_.swap(values);

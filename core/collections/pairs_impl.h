@@ -65,13 +65,9 @@ class PairsImpl : public IValueImpl,
     }
     void deserialize(IInPersistenceStorage* storage) override {
         ListInStream& in = storage->listStream();
-        std::int64_t count = 0;
         in.getBeginOfList();
-        in.get(count);
-        if (count < 0)
-            throw_malformed();
         PairTable table; // grows with what is really there, whatever the count says
-        for (; count > 0; --count)
+        for (std::int64_t count = get_count(in); count > 0; --count)
             T::take(table, deserialize_pair(storage));
         in.getEndOfList();
         std::swap(table_, table);

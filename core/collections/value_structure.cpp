@@ -72,7 +72,7 @@ class ValueStructure : public PairsImpl<ValueStructure, IValueStructure, &kValue
     bool isPropReadable(int prop) const override { return isProp(prop); }
     bool isPropWritable(int prop) const override { return isProp(prop); }
     int findProp(const wchar* name) const override {
-        const PairTable::Pair* const pair = pairOf(Name(name));
+        const PairTable::Pair* const pair = name != nullptr ? pairOf(Name(name)) : nullptr;
         return pair != nullptr ? static_cast<int>(table_.positionOf(*pair)) : -1;
     }
 

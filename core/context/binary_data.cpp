@@ -2,7 +2,7 @@
 #include "core/context/base64.h"
 
 #include <core/context/binary_data.h>
-#include <core/context/context_impl.h>
+#include <core/context/context_def_ext.h>
 #include <core/runtime/utf8.h>
 #include <core/serialization/list_in_stream.h>
 #include <core/serialization/list_out_stream.h>
@@ -17,10 +17,12 @@ namespace core {
 
 class BinaryData : public IValueImpl,
                    public IContextImpl<IContextDefImpl<BinaryData>>,
+                   public ContextDefExtImpl<BinaryData>,
                    public IBinaryData,
                    public IPersistableObjectImpl<BinaryData, &kBinaryDataClass> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IBinaryData, IPersistableObject>;
+    using Interfaces =
+        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IBinaryData, IPersistableObject>;
 
     explicit BinaryData(std::vector<std::byte> bytes = {}) noexcept : bytes_(std::move(bytes)) {}
 
@@ -102,7 +104,7 @@ const TypeEntry<kInfo> kTypeEntry("BinaryData_Type");
 
 std::span<const Method<BinaryData>> BinaryData::methods() noexcept {
     static constexpr Method<BinaryData> kMethods[] = {
-        {kSize, required(0), kFunction, &BinaryData::callSize},
+        {kSize, required(0), kFunction, &BinaryData::callSize, &kNumberType},
     };
     return kMethods;
 }

@@ -2,7 +2,7 @@
 #include "core/context/base64.h"
 
 #include <core/context/binary_data.h>
-#include <core/context/context_impl.h>
+#include <core/context/context_def_ext.h>
 #include <core/context/core_general_context.h>
 #include <core/runtime/class_entry.h>
 #include <core/runtime/random.h>
@@ -94,9 +94,10 @@ void assign_all(IContext_& receiver, std::vector<Assignment>& assignments) {
 
 } // namespace
 
-class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralContextDef>> {
+class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralContextDef>>,
+                              public ContextDefExtImpl<CoreGeneralContextDef> {
   public:
-    using Interfaces = InterfaceList<IContext_, IContextDef>;
+    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt>;
 
     static std::span<const Property<CoreGeneralContextDef>> properties() noexcept { return {}; }
     static std::span<const Method<CoreGeneralContextDef>> methods() noexcept;
@@ -171,17 +172,17 @@ constexpr Param kOptionalText = {.byDefault = ParamDefault::emptyString};
 constexpr Param kExtension[] = {kOptionalText};
 constexpr Param kFill[] = {{}, {}, kOptionalText, kOptionalText};
 
-const SCOM_Class<CoreGeneralContextDef, &kCoreGeneralContextClass> kEntry("CoreGeneralContext");
+const SCOM_Class<CoreGeneralContextDef, &kCoreGeneralContextClass, true> kEntry("CoreGeneralContext");
 
 } // namespace
 
 std::span<const Method<CoreGeneralContextDef>> CoreGeneralContextDef::methods() noexcept {
     using T = CoreGeneralContextDef;
     static constexpr Method<T> kMethods[] = {
-        {kGetTempFileName, kExtension, kFunction, &T::getTempFileName},
+        {kGetTempFileName, kExtension, kFunction, &T::getTempFileName, &kStringType},
         {kFillPropertyValues, kFill, kProcedure, &T::fillPropertyValues},
-        {kBase64Value, required(1), kFunction, &T::base64Value},
-        {kBase64String, required(1), kFunction, &T::base64String},
+        {kBase64Value, required(1), kFunction, &T::base64Value, &kBinaryDataType},
+        {kBase64String, required(1), kFunction, &T::base64String, &kStringType},
     };
     return kMethods;
 }

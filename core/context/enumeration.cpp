@@ -110,6 +110,10 @@ void Enumeration::call(int method, GenericValue*, std::vector<GenericValue>*) {
     detail::bad_method(method);
 }
 
+bool Enumeration::getPropInfo(int prop, ContextValueInfo& info) const {
+    return detail::entry_at(info_.items, prop) != nullptr && detail::describe_type(&info_.type.id, info);
+}
+
 GenericValue Enumeration::Loader::load(IInPersistenceStorage* storage) {
     std::int32_t number = 0;
     storage->listStream().get(number);

@@ -4,6 +4,7 @@
 #include <core/context/iteration.h>
 #include <core/runtime/internal_class.h>
 
+#include <utility>
 #include <vector>
 
 namespace core {
@@ -13,16 +14,16 @@ class GatheredEnum : public IValueEnum {
   public:
     using Interfaces = InterfaceList<IValueEnum>;
 
-    explicit GatheredEnum(std::vector<GenericValue> values) noexcept : values_(std::move(values)) {}
+    explicit GatheredEnum(std::vector<Value> values) noexcept : values_(std::move(values)) {}
     bool next(GenericValue& out) override {
         if (next_ == values_.size())
             return false;
-        out = values_[next_++];
+        out = GenericValue(std::move(values_[next_++]));
         return true;
     }
 
   private:
-    std::vector<GenericValue> values_;
+    std::vector<Value> values_;
     std::size_t next_ = 0;
 };
 

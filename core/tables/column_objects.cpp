@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/column_objects.h"
 
+#include "core/context/gathered_enum.h"
 #include "core/tables/table_arguments.h"
-#include "core/tables/value_enum.h"
 
 #include <core/collections/terms.h>
 #include <core/descriptions/type_description.h>
@@ -44,7 +44,7 @@ wstring name_argument(const Value& argument, int param) {
 
 class ValueTableColumn : public TableObject<ValueTableColumn>, public IColumnObject {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IColumnObject>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IColumnObject>;
 
     ValueTableColumn(TableData& data, TableColumn& column) noexcept
         : handle_(*this, data.owner(), data, column) {}
@@ -71,7 +71,7 @@ class ValueTableColumn : public TableObject<ValueTableColumn>, public IColumnObj
     GenericValue getTitle() const { return Value(column().info.shownTitle()); }
     void setTitle(const GenericValue& value) {
         TableColumn& changed = column();
-        changed.info.title = text_argument(value, 0);
+        changed.info.title = optional_text_argument(value, 0);
     }
     GenericValue getWidth() const { return column().info.width; }
     void setWidth(const GenericValue& value) {
@@ -89,7 +89,7 @@ GenericValue column_value(TableData& data, TableColumn& column) {
 }
 
 InterfacePtr<IValueEnum> ValueTableColumnCollection::enumerate() {
-    std::vector<GenericValue> columns;
+    std::vector<Value> columns;
     for (std::size_t i = 0; i < data_.columnCount(); ++i)
         columns.push_back(getColumn(i));
     return make_object<GatheredEnum>(std::move(columns));
@@ -100,7 +100,7 @@ GenericValue ValueTableColumnCollection::insert(std::size_t position, std::span<
                                                 int firstParam) {
     ColumnInfo info{.name = name_argument(definition[0], firstParam),
                     .domain = domain_argument(definition[1], firstParam + 1),
-                    .title = text_argument(definition[2], firstParam + 2),
+                    .title = optional_text_argument(definition[2], firstParam + 2),
                     .width = width_argument(definition[3], firstParam + 3)};
     return column_value(data_, data_.insertColumn(position, std::move(info)));
 }
@@ -153,7 +153,7 @@ GenericValue ValueTableColumnCollection::callClear(std::span<GenericValue>) {
 namespace {
 
 constexpr TypeInfo kColumnInfo = {
-    .id = "f478813e-4087-4794-9832-ae7ae3aa98df"_guid,
+    .id = kValueTableColumnType,
     .valueClass = "3a8f9c0b-e93c-411f-9bd0-62a8b22ec7f4"_guid,
     .names = kValueTableColumnTerm,
     .presentation = "IDS_TYPE_PRESENTATION_VALUETABLECOLUMN",
@@ -161,7 +161,7 @@ constexpr TypeInfo kColumnInfo = {
 const TypeEntry<kColumnInfo> kColumnTypeEntry("ValueTableColumn_Type");
 
 constexpr TypeInfo kCollectionInfo = {
-    .id = "15e85ff8-27a9-4965-a502-6cd6294f8f84"_guid,
+    .id = kValueTableColumnCollectionType,
     .valueClass = "9d5f68b2-c62f-4646-a169-48e237c17272"_guid,
     .names = kValueTableColumnCollectionTerm,
     .presentation = "IDS_TYPE_PRESENTATION_VALUETABLECOLUMNS",
@@ -177,10 +177,10 @@ constexpr Param kIndexAndDefinition[] = {{}, {}, kUndefined, kUndefined, kUndefi
 std::span<const Property<ValueTableColumn>> ValueTableColumn::properties() noexcept {
     using Self = ValueTableColumn;
     static constexpr Property<Self> kProperties[] = {
-        {kCodePropTerm, &Self::getName, &Self::setName},
+        {kCodePropTerm, &Self::getName, &Self::setName, &kStringType},
         {kTypePropTerm, &Self::getValueType, &Self::setValueType, &kTypeDescriptionType},
-        {kTitlePropTerm, &Self::getTitle, &Self::setTitle},
-        {kWidthPropTerm, &Self::getWidth, &Self::setWidth},
+        {kTitlePropTerm, &Self::getTitle, &Self::setTitle, &kStringType},
+        {kWidthPropTerm, &Self::getWidth, &Self::setWidth, &kNumberType},
     };
     return kProperties;
 }
@@ -192,13 +192,13 @@ IType* ValueTableColumn::getType() const noexcept {
 std::span<const Method<ValueTableColumnCollection>> ValueTableColumnCollection::methods() noexcept {
     using Self = ValueTableColumnCollection;
     static constexpr Method<Self> kMethods[] = {
-        {kCollectTermAdd, kDefinition, kFunction, &Self::callAdd, &kColumnInfo.id},
-        {kCollectTermInsert, kIndexAndDefinition, kFunction, &Self::callInsert, &kColumnInfo.id},
-        {kCollectTermIndexOf, required(1), kFunction, &Self::callIndexOf},
-        {kCollectTermCount, required(0), kFunction, &Self::callCount},
+        {kCollectTermAdd, kDefinition, kFunction, &Self::callAdd, &kValueTableColumnType},
+        {kCollectTermInsert, kIndexAndDefinition, kFunction, &Self::callInsert, &kValueTableColumnType},
+        {kCollectTermIndexOf, required(1), kFunction, &Self::callIndexOf, &kNumberType},
+        {kCollectTermCount, required(0), kFunction, &Self::callCount, &kNumberType},
         {kCollectTermFind, required(1), kFunction, &Self::callFind},
         {kCollectTermRemove, required(1), kProcedure, &Self::callDelete},
-        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kColumnInfo.id},
+        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kValueTableColumnType},
         {kCollectTermMove, required(2), kProcedure, &Self::callMove},
         {kCollectTermClear, required(0), kProcedure, &Self::callClear},
     };

@@ -18,15 +18,19 @@ class IColumnObject : public IUnknown {
     ~IColumnObject() = default;
 };
 
+inline constexpr GUID kValueTableColumnType = "f478813e-4087-4794-9832-ae7ae3aa98df"_guid;
+inline constexpr GUID kValueTableColumnCollectionType = "15e85ff8-27a9-4965-a502-6cd6294f8f84"_guid;
+
 /// The script object of a column: the one there is, or a new one.
 [[nodiscard]] GenericValue column_value(TableData& data, TableColumn& column);
 
 /// The columns of a table or a tree, as a part of that.
 class ValueTableColumnCollection
-    : public TableObject<ValueTableColumnCollection, NamedColumns<ValueTableColumnCollection>>,
+    : public TableObject<ValueTableColumnCollection, true, &kValueTableColumnType,
+                         NamedColumns<ValueTableColumnCollection>>,
       public IValueCollection {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueCollection>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection>;
 
     explicit ValueTableColumnCollection(TableData& data) noexcept : data_(data) {}
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/index_objects.h"
 
+#include "core/context/gathered_enum.h"
 #include "core/tables/column_objects.h"
 #include "core/tables/table_arguments.h"
-#include "core/tables/value_enum.h"
 
 #include <core/collections/terms.h>
 #include <core/runtime/error.h>
@@ -22,16 +22,17 @@ class IIndexObject : public IUnknown {
 };
 
 /// An index to a script: the columns it is over.
-class VTIndex : public TableObject<VTIndex>, public IValueCollection, public IIndexObject {
+class VTIndex : public TableObject<VTIndex, true>, public IValueCollection, public IIndexObject {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueCollection, IIndexObject>;
+    using Interfaces =
+        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection, IIndexObject>;
 
     VTIndex(TableData& data, TableIndex& index) noexcept : handle_(*this, data.owner(), data, index) {}
 
     static std::span<const Method<VTIndex>> methods() noexcept;
     IType* getType() const noexcept override;
     InterfacePtr<IValueEnum> enumerate() override {
-        std::vector<GenericValue> columns;
+        std::vector<Value> columns;
         for (std::size_t i = 0; i < size(); ++i)
             columns.push_back(column(i));
         return make_object<GatheredEnum>(std::move(columns));
@@ -81,7 +82,7 @@ std::size_t index_position(const TableData& data, const Value& argument) {
 } // namespace
 
 InterfacePtr<IValueEnum> VTIndexCollection::enumerate() {
-    std::vector<GenericValue> indexes;
+    std::vector<Value> indexes;
     for (const auto& index : data_.indexes())
         indexes.push_back(index_value(data_, *index));
     return make_object<GatheredEnum>(std::move(indexes));
@@ -115,7 +116,7 @@ GenericValue VTIndexCollection::callGet(std::span<GenericValue> arguments) {
 namespace {
 
 constexpr TypeInfo kIndexInfo = {
-    .id = "c2bbd476-af15-4b8a-aa97-6c8ba039c343"_guid,
+    .id = kVTIndexType,
     .valueClass = "a5a77518-855b-4f12-b3d4-fef7a31bc47d"_guid,
     .names = kValueTableIndexTerm,
     .presentation = "IDS_TYPE_PRESENTATION_VALUETABLEINDEX",
@@ -123,7 +124,7 @@ constexpr TypeInfo kIndexInfo = {
 const TypeEntry<kIndexInfo> kIndexTypeEntry("VTIndex_Type");
 
 constexpr TypeInfo kCollectionInfo = {
-    .id = "9906b757-f6a2-46a6-884d-3a16d454f679"_guid,
+    .id = kVTIndexCollectionType,
     .valueClass = "0e4ed245-3072-4d80-9e0b-4cd011b73640"_guid,
     .names = kValueTableIndexCollectionTerm,
     .presentation = "IDS_TYPE_PRESENTATION_VALUETABLEINDEXES",
@@ -134,7 +135,7 @@ const TypeEntry<kCollectionInfo> kCollectionTypeEntry("VTIndexCollection_Type");
 
 std::span<const Method<VTIndex>> VTIndex::methods() noexcept {
     static constexpr Method<VTIndex> kMethods[] = {
-        {kCollectTermCount, required(0), kFunction, &VTIndex::callCount},
+        {kCollectTermCount, required(0), kFunction, &VTIndex::callCount, &kNumberType},
         {kCollectTermGet, required(1), kFunction, &VTIndex::callGet},
     };
     return kMethods;
@@ -147,11 +148,11 @@ IType* VTIndex::getType() const noexcept {
 std::span<const Method<VTIndexCollection>> VTIndexCollection::methods() noexcept {
     using Self = VTIndexCollection;
     static constexpr Method<Self> kMethods[] = {
-        {kCollectTermAdd, required(1), kFunction, &Self::callAdd, &kIndexInfo.id},
+        {kCollectTermAdd, required(1), kFunction, &Self::callAdd, &kVTIndexType},
         {kCollectTermRemove, required(1), kProcedure, &Self::callDelete},
         {kCollectTermClear, required(0), kProcedure, &Self::callClear},
-        {kCollectTermCount, required(0), kFunction, &Self::callCount},
-        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kIndexInfo.id},
+        {kCollectTermCount, required(0), kFunction, &Self::callCount, &kNumberType},
+        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kVTIndexType},
     };
     return kMethods;
 }

@@ -8,10 +8,14 @@
 
 namespace core {
 
+inline constexpr GUID kVTIndexType = "c2bbd476-af15-4b8a-aa97-6c8ba039c343"_guid;
+inline constexpr GUID kVTIndexCollectionType = "9906b757-f6a2-46a6-884d-3a16d454f679"_guid;
+
 /// The indexes of a table, as a part of that.
-class VTIndexCollection : public TableObject<VTIndexCollection>, public IValueCollection {
+class VTIndexCollection : public TableObject<VTIndexCollection, true, &kVTIndexType>,
+                          public IValueCollection {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueCollection>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection>;
 
     explicit VTIndexCollection(TableData& data) noexcept : data_(data) {}
 

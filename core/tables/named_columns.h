@@ -30,7 +30,7 @@ class NamedColumns : public IContextImpl<IContextDefImpl<T>> {
         const int own = Base::getNProps() != 0 ? Base::findProp(name) : -1;
         if (own >= 0)
             return own;
-        const auto column = data().findColumn(wstring_view(name));
+        const auto column = name != nullptr ? data().findColumn(wstring_view(name)) : std::nullopt;
         return column ? Base::getNProps() + static_cast<int>(*column) : -1;
     }
 
@@ -55,6 +55,13 @@ class NamedColumns : public IContextImpl<IContextDefImpl<T>> {
   protected:
     ~NamedColumns() = default;
 
+    /// The column that a property stands for; none for one of T's own table.
+    [[nodiscard]] std::optional<std::size_t> columnOf(int prop) const noexcept {
+        const int column = prop - Base::getNProps();
+        const bool here = column >= 0 && static_cast<std::size_t>(column) < data().columnCount();
+        return here ? std::optional(static_cast<std::size_t>(column)) : std::nullopt;
+    }
+
   private:
     static constexpr bool kWritable = requires(T & object, const GenericValue& value) {
         object.setColumn(std::size_t{}, value);
@@ -62,11 +69,6 @@ class NamedColumns : public IContextImpl<IContextDefImpl<T>> {
 
     [[nodiscard]] T& self() noexcept { return static_cast<T&>(*this); }
     [[nodiscard]] const TableData& data() const noexcept { return static_cast<const T&>(*this).tableData(); }
-    [[nodiscard]] std::optional<std::size_t> columnOf(int prop) const noexcept {
-        const int column = prop - Base::getNProps();
-        const bool here = column >= 0 && static_cast<std::size_t>(column) < data().columnCount();
-        return here ? std::optional(static_cast<std::size_t>(column)) : std::nullopt;
-    }
 };
 
 } // namespace core

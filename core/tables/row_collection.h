@@ -32,8 +32,8 @@ void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& co
 /// The methods 0 to 13 that a value table and the row collections of a value tree share. `T` has
 /// data() and parent(); with T::kHierarchical, four methods have a parameter that says whether
 /// subordinate rows are meant, too.
-template <class T>
-class RowCollection : public TableObject<T>, public IValueCollection {
+template <class T, const GUID* rowType>
+class RowCollection : public TableObject<T, true, rowType>, public IValueCollection {
   public:
     InterfacePtr<IValueEnum> enumerate() override { return walk_rows(data(), parent()); }
 
@@ -137,18 +137,18 @@ template <class Entry, std::size_t first, std::size_t second>
 
 } // namespace detail
 
-template <class T>
-constexpr std::array<Method<T>, 14> RowCollection<T>::rowMethods() noexcept {
+template <class T, const GUID* rowType>
+constexpr std::array<Method<T>, 14> RowCollection<T, rowType>::rowMethods() noexcept {
     constexpr bool deep = T::kHierarchical;
     constexpr auto find = std::span<const Param>(detail::kFind).first(deep ? 3 : 2);
     constexpr auto overRows = std::span<const Param>(detail::kOverRows).first(deep ? 2 : 1);
     constexpr auto sort =
         deep ? std::span<const Param>(detail::kHierarchicalSort) : std::span<const Param>(detail::kFlatSort);
     return {{
-        {kCollectTermCount, required(0), kFunction, &RowCollection::callCount},
-        {kCollectTermIndexOf, required(1), kFunction, &RowCollection::callIndexOf},
-        {kCollectTermAdd, required(0), kFunction, &RowCollection::callAdd, T::kRowType},
-        {kCollectTermInsert, required(1), kFunction, &RowCollection::callInsert, T::kRowType},
+        {kCollectTermCount, required(0), kFunction, &RowCollection::callCount, &kNumberType},
+        {kCollectTermIndexOf, required(1), kFunction, &RowCollection::callIndexOf, &kNumberType},
+        {kCollectTermAdd, required(0), kFunction, &RowCollection::callAdd, rowType},
+        {kCollectTermInsert, required(1), kFunction, &RowCollection::callInsert, rowType},
         {kCollectTermRemove, required(1), kProcedure, &RowCollection::callDelete},
         {kCollectTermClear, required(0), kProcedure, &RowCollection::callClear},
         {kCollectTermMove, required(2), kProcedure, &RowCollection::callMove},
@@ -158,7 +158,7 @@ constexpr std::array<Method<T>, 14> RowCollection<T>::rowMethods() noexcept {
         {kSortMethodTerm, sort, kProcedure, &RowCollection::callSort},
         {kLoadColumnMethodTerm, required(2), kProcedure, &RowCollection::callLoadColumn},
         {kUnloadColumnMethodTerm, required(1), kFunction, &RowCollection::callUnloadColumn, &kValueArrayType},
-        {kCollectTermGet, required(1), kFunction, &RowCollection::callGet, T::kRowType},
+        {kCollectTermGet, required(1), kFunction, &RowCollection::callGet, rowType},
     }};
 }
 

@@ -5,12 +5,14 @@
 
 #include <core/collections/terms.h>
 #include <core/tables/terms.h>
+#include <core/tables/value_table.h>
 
 namespace core {
 
 class ValueTableRow : public RowObject<ValueTableRow> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueCollection, IRowObject>;
+    using Interfaces =
+        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection, IRowObject>;
 
     ValueTableRow(TableData& data, RowId row) : RowObject(data, row) {}
 
@@ -64,7 +66,7 @@ std::span<const Method<ValueTableRow>> ValueTableRow::methods() noexcept {
     static constexpr Method<ValueTableRow> kMethods[] = {
         {kCollectTermGet, required(1), kFunction, &ValueTableRow::callGet},
         {kCollectTermSet, required(2), kProcedure, &ValueTableRow::callSet},
-        {kOwnerMethodTerm, required(0), kFunction, &ValueTableRow::callOwner},
+        {kOwnerMethodTerm, required(0), kFunction, &ValueTableRow::callOwner, &kValueTableType},
     };
     return kMethods;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/context/gathered_enum.h"
 #include "core/tables/named_columns.h"
 #include "core/tables/table_arguments.h"
 #include "core/tables/table_object.h"
-#include "core/tables/value_enum.h"
 
 namespace core {
 
@@ -17,13 +17,15 @@ inline constexpr GUID kValueTableRowType = "986427ea-161d-4970-9f88-a0a65bc4759a
 
 /// What the rows of tables and of trees are: their cells are properties, and the elements of a walk.
 template <class T>
-class RowObject : public TableObject<T, NamedColumns<T>>, public IValueCollection, public IRowObject {
+class RowObject : public TableObject<T, true, nullptr, NamedColumns<T>>,
+                  public IValueCollection,
+                  public IRowObject {
   public:
     RowHandle& handle() noexcept override { return handle_; }
 
     InterfacePtr<IValueEnum> enumerate() override {
         const TableData& data = tableData();
-        std::vector<GenericValue> cells;
+        std::vector<Value> cells;
         for (std::size_t i = 0; i < data.columnCount(); ++i)
             cells.push_back(getColumn(i));
         return make_object<GatheredEnum>(std::move(cells));
@@ -35,6 +37,14 @@ class RowObject : public TableObject<T, NamedColumns<T>>, public IValueCollectio
     }
     void setColumn(std::size_t position, const GenericValue& value) {
         handle_.data().set(handle_.row(), position, value);
+    }
+
+    bool getPropInfo(int prop, ContextValueInfo& info) const override {
+        const auto column = this->columnOf(prop);
+        if (!column)
+            return TableObject<T, true, nullptr, NamedColumns<T>>::getPropInfo(prop, info);
+        info = {.types = tableData().column(*column).info.domain};
+        return true;
     }
 
   protected:

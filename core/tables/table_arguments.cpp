@@ -56,7 +56,7 @@ wstring string_argument(const Value& argument, int param) {
     return wstring(*text);
 }
 
-wstring text_argument(const Value& argument, int param) {
+wstring optional_text_argument(const Value& argument, int param) {
     return argument.isUndefined() ? wstring() : string_argument(argument, param);
 }
 

@@ -15,7 +15,7 @@ namespace core {
 /// A String.
 [[nodiscard]] wstring string_argument(const Value& argument, int param);
 /// A String; Undefined is the empty one.
-[[nodiscard]] wstring text_argument(const Value& argument, int param);
+[[nodiscard]] wstring optional_text_argument(const Value& argument, int param);
 
 /// Whether something follows the last element, and so can be inserted there.
 enum class IndexBound { element, insertion };

@@ -14,14 +14,6 @@ void put_count(ListOutStream& out, std::size_t count) {
     out.put(static_cast<std::int64_t>(count));
 }
 
-std::int64_t get_count(ListInStream& in) {
-    std::int64_t count = 0;
-    in.get(count);
-    if (count < 0)
-        throw_malformed();
-    return count;
-}
-
 void put_columns(ListOutStream& out, const TableData& data) {
     out.putBeginOfList();
     put_count(out, data.columnCount());

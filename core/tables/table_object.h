@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/context/context_impl.h>
+#include <core/context/context_def_ext.h>
 #include <core/values/type_object.h>
 #include <core/values/value_impl.h>
 
 namespace core {
 
 /// What the script objects of this folder have in common: values that are presented by their type, with the
-/// tables of properties and methods of `T`.
-template <class T, class Context = IContextImpl<IContextDefImpl<T>>>
-class TableObject : public IValueImpl, public Context {
+/// tables of properties and methods of `T`. `collection` and `itemType` are those of ContextDefExtImpl.
+template <class T, bool collection = false, const GUID* itemType = nullptr,
+          class Context = IContextImpl<IContextDefImpl<T>>>
+class TableObject : public IValueImpl, public Context, public ContextDefExtImpl<T, collection, itemType> {
   public:
     bool getString(wstring& out) const override {
         out = this->getType()->presentation();

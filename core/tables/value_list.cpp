@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/arguments.h"
+#include "core/context/gathered_enum.h"
 #include "core/tables/introsort.h"
 #include "core/tables/table_arguments.h"
-#include "core/tables/value_enum.h"
 #include "core/tables/value_list_impl.h"
 #include "core/tables/value_ranks.h"
 
@@ -122,7 +122,7 @@ std::size_t ValueList::positionOfItem(const Value& argument, int param) const {
 }
 
 InterfacePtr<IValueEnum> ValueList::enumerate() {
-    std::vector<GenericValue> items;
+    std::vector<Value> items;
     items.reserve(count());
     for (const ValueListItemPtr& item : inOrder())
         items.emplace_back(item);
@@ -191,12 +191,9 @@ void ValueList::serialize(IOutPersistenceStorage* storage) const {
 void ValueList::deserialize(IInPersistenceStorage* storage) {
     ListInStream& in = storage->listStream();
     TypeDomainPattern pattern;
-    std::int64_t count = 0;
     in.getBeginOfList();
     pattern.deserialize(in);
-    in.get(count);
-    if (count < 0)
-        throw_malformed();
+    std::int64_t count = get_count(in);
     TypeDomain domain(std::move(pattern));
     Items items; // grows with what is really there, whatever the count says
     for (; count > 0; --count) {

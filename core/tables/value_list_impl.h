@@ -23,13 +23,13 @@ class IListObject : public IUnknown {
 
 /// Items have ids as the rows of a table have, so that taking one from a long list, or asking for its index,
 /// does not mean going through the list.
-class ValueList : public TableObject<ValueList>,
+class ValueList : public TableObject<ValueList, true, &kValueListItemType>,
                   public IValueList,
                   public IListObject,
                   public IValueCollection,
                   public IPersistableObjectImpl<ValueList, &kValueListClass> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueList, IListObject,
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueList, IListObject,
                                      IValueCollection, IPersistableObject>;
 
     ValueList() : order_(places_, true) {}

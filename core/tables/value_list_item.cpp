@@ -41,8 +41,8 @@ std::span<const Property<ValueListItem>> ValueListItem::properties() noexcept {
     using Self = ValueListItem;
     static constexpr Property<Self> kProperties[] = {
         {kVLColumnTermValue, &Self::getValue, &Self::setValue},
-        {kVLColumnTermPresent, &Self::getPresentation, &Self::setPresentation},
-        {kVLColumnTermCheck, &Self::getCheck, &Self::setCheckValue},
+        {kVLColumnTermPresent, &Self::getPresentation, &Self::setPresentation, &kStringType},
+        {kVLColumnTermCheck, &Self::getCheck, &Self::setCheckValue, &kBooleanType},
         {kVLColumnTermPicture, &Self::getPicture, &Self::setPicture},
     };
     return kProperties;

@@ -25,7 +25,7 @@ class IListItemObject : public IUnknown {
 /// An item of a value list. It stays what it is when it is deleted from the list or the list is gone.
 class ValueListItem : public TableObject<ValueListItem>, public IListItemObject {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IListItemObject>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IListItemObject>;
 
     explicit ValueListItem(IValueList::Item content) : content_(std::move(content)) {}
 

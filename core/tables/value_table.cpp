@@ -16,14 +16,13 @@
 
 namespace core {
 
-class ValueTable : public RowCollection<ValueTable>,
+class ValueTable : public RowCollection<ValueTable, &kValueTableRowType>,
                    public IValueTable,
                    public IPersistableObjectImpl<ValueTable, &kValueTableClass> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueTable, IValueTableBaseRO,
-                                     IValueCollection, IPersistableObject>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueTable,
+                                     IValueTableBaseRO, IValueCollection, IPersistableObject>;
     static constexpr bool kHierarchical = false;
-    static constexpr const GUID* kRowType = &kValueTableRowType;
 
     ValueTable()
         : data_(*this, false), columns_(*static_cast<IValue*>(this), data_),
@@ -123,6 +122,8 @@ std::vector<std::size_t> ValueTable::IValueTableBaseRO_findRows(std::span<const 
 
 std::int32_t ValueTable::addColumn(wstring_view name, TypeDomain domain, wstring_view title,
                                    std::int32_t width) {
+    if (width < 0)
+        parameter_value_mismatch(3);
     ColumnInfo info{
         .name = wstring(name), .domain = std::move(domain), .title = wstring(title), .width = width};
     return data_.insertColumn(data_.columnCount(), std::move(info)).id;
@@ -208,7 +209,7 @@ GenericValue ValueTable::callFillValues(std::span<GenericValue> arguments) {
 }
 
 GenericValue ValueTable::callChooseRow(std::span<GenericValue> arguments) {
-    const wstring title = text_argument(arguments[0], 0);
+    const wstring title = optional_text_argument(arguments[0], 0);
     if (!arguments[1].isUndefined())
         static_cast<void>(row_object_argument(data_, arguments[1], 1));
     IChooser* const chooser = get_service<IChooser>();
@@ -245,8 +246,8 @@ constexpr Param kAndOptional[] = {{}, detail::kOptional};
 
 std::span<const Property<ValueTable>> ValueTable::properties() noexcept {
     static constexpr Property<ValueTable> kProperties[] = {
-        {kColumnCollectionTerm, &ValueTable::getColumns},
-        {kIndexCollectionTerm, &ValueTable::getIndexes},
+        {kColumnCollectionTerm, &ValueTable::getColumns, nullptr, &kValueTableColumnCollectionType},
+        {kIndexCollectionTerm, &ValueTable::getIndexes, nullptr, &kVTIndexCollectionType},
     };
     return kProperties;
 }

@@ -10,11 +10,10 @@
 namespace core {
 
 /// The rows of a tree below one row, or the topmost ones, as a part of the row or of the tree.
-class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection> {
+class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection, &kValueTreeRowType> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueCollection>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection>;
     static constexpr bool kHierarchical = true;
-    static constexpr const GUID* kRowType = &kValueTreeRowType;
 
     /// `parent` is null for the topmost rows.
     ValueTreeRowCollection(TableData& data, const RowHandle* parent) noexcept
@@ -33,7 +32,8 @@ class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection> {
 
 class ValueTreeRow : public RowObject<ValueTreeRow> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IValueCollection, IRowObject>;
+    using Interfaces =
+        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection, IRowObject>;
 
     ValueTreeRow(TableData& data, RowId row)
         : RowObject(data, row), rows_(*static_cast<IValue*>(this), data, &handle_) {}
@@ -58,7 +58,7 @@ class ValueTreeRow : public RowObject<ValueTreeRow> {
 
 class ValueTree : public TableObject<ValueTree>, public IPersistableObjectImpl<ValueTree, &kValueTreeClass> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IPersistableObject>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IPersistableObject>;
 
     ValueTree()
         : data_(*this, true), columns_(*static_cast<IValue*>(this), data_),
@@ -156,7 +156,7 @@ IType* ValueTreeRow::getType() const noexcept {
 
 std::span<const Property<ValueTree>> ValueTree::properties() noexcept {
     static constexpr Property<ValueTree> kProperties[] = {
-        {kColumnCollectionTerm, &ValueTree::getColumns},
+        {kColumnCollectionTerm, &ValueTree::getColumns, nullptr, &kValueTableColumnCollectionType},
         {kRowCollectionTerm, &ValueTree::getRows, nullptr, &kCollectionInfo.id},
     };
     return kProperties;

@@ -112,6 +112,27 @@ TEST_F(Tables, AndTreesHaveTheirMethodsByNumberAndName) {
     EXPECT_EQ(context->findProp(u"Колонки"), 0);
     EXPECT_EQ(context->findProp(u"indexes"), 1);
     EXPECT_EQ(table.presentation(), u"Value table");
+    EXPECT_EQ(context->findProp(nullptr), -1);
+}
+
+TEST_F(Tables, SayOfWhichTypesTheirPartsAre) {
+    const GenericValue table = table_of(u"A,B", {{1, u"x"}});
+    const auto ext = table.query<IContextDefExt>();
+    ContextValueInfo info;
+    EXPECT_TRUE(ext->isCollection());
+    ASSERT_TRUE(ext->getCollectionItemInfo(info));
+    const GenericValue row = call(table, u"Get", {0});
+    EXPECT_TRUE(info.types.containsType(row.type().id()));
+    ASSERT_TRUE(ext->getMethodReturnInfo(table.query<IContext_>()->findMethod(u"Count"), info));
+    EXPECT_TRUE(info.types.containsType(kNumberType));
+    EXPECT_FALSE(ext->getMethodReturnInfo(table.query<IContext_>()->findMethod(u"Find"), info));
+    property(property(table, u"Columns"), u"B")
+        .query<IContext_>()
+        ->setPropVal(1, create_type_description(TypeDomain(kStringType)));
+    ASSERT_TRUE(row.query<IContextDefExt>()->getPropInfo(1, info));
+    EXPECT_EQ(info.types, TypeDomain(kStringType));
+    EXPECT_FALSE(make(u"ValueTree").query<IContextDefExt>()->isCollection());
+    EXPECT_TRUE(property(make(u"ValueTree"), u"Rows").query<IContextDefExt>()->isCollection());
 }
 
 TEST_F(Tables, RowsShowTheColumnsOfTheMoment) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/context/context_impl.h>
+#include <core/context/context_def_ext.h>
 #include <core/runtime/class_entry.h>
 #include <core/serialization/persistence.h>
 #include <core/values/type_object.h>
@@ -78,9 +78,10 @@ class IEnumeration : public IUnknown {
 
 class CORE_API Enumeration final : public IValueImpl,
                                    public ContextDefIntern<Enumeration, ContextDefNoncached>,
+                                   public ContextDefExtImpl<Enumeration>,
                                    public IEnumeration {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IEnumeration>;
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IEnumeration>;
 
     /// `values` holds the values of `info`, in the same order.
     constexpr Enumeration(const EnumerationInfo& info, EnumerationValue* values) noexcept
@@ -110,6 +111,7 @@ class CORE_API Enumeration final : public IValueImpl,
     void getPropVal(int prop, GenericValue& out) override;
     void setPropVal(int prop, const GenericValue& value) override;
     void call(int method, GenericValue* result, std::vector<GenericValue>* params) override;
+    bool getPropInfo(int prop, ContextValueInfo& info) const override;
 
   private:
     class CORE_API Loader final : public IUnknownImpl<Loader, IValueLoader> {

@@ -34,6 +34,10 @@ class CORE_API NameTable {
 
     /// The number of a name, or -1.
     [[nodiscard]] int find(wstring_view name) const noexcept;
+    /// Null is no name.
+    [[nodiscard]] int find(const wchar* name) const noexcept {
+        return name != nullptr ? find(wstring_view(name)) : -1;
+    }
     /// How many different names there are.
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
