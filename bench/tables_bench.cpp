@@ -325,9 +325,6 @@ void total(const TablePtr& table) {
 void unload_and_load(const TablePtr& table) {
     call(table, u"LoadColumn", {call(table, u"UnloadColumn", {Value(u"Price")}), Value(u"Price")});
 }
-void find_nowhere(const TablePtr& table) {
-    call(table, u"Find", {Value(u"nowhere"), GenericValue()});
-}
 void copy(const TablePtr& table) {
     call(table, u"Copy", {GenericValue(), GenericValue()});
 }
@@ -417,7 +414,6 @@ const bool registered = [] {
     add("growth/walk", growth, walk);
     add("growth/total", growth, total);
     add("growth/unload_and_load", growth, unload_and_load);
-    add("growth/find_nowhere", growth, find_nowhere);
     add("growth/copy", growth, copy);
 
     add("memory/ours", memory<TablePtr, fill_ours>, few)->Iterations(1);
