@@ -165,18 +165,21 @@ class Writer {
     /// Elements or members between brackets, with commas, each on a line of its own where that is wanted.
     class Block {
       public:
-        Block(Writer& writer, char open, char close) : writer_(writer), close_(close) {
-            if (++writer_.depth_ > Nesting::kMaxDepth)
+        Block(Writer& writer, char open) : writer_(writer), depth_(writer.depth_) {
+            if (depth_ == Nesting::kMaxDepth)
                 too_deep();
             writer_.text_ += open;
+            ++writer_.depth_;
         }
         Block(const Block&) = delete;
         Block& operator=(const Block&) = delete;
-        ~Block() {
-            --writer_.depth_;
+        ~Block() { writer_.depth_ = depth_; }
+
+        void close(char close) { // not left to the destructor: there may be no memory for it
+            writer_.depth_ = depth_;
             if (!empty_)
                 writer_.newLine();
-            writer_.text_ += close_;
+            writer_.text_ += close;
         }
 
         void next() {
@@ -194,7 +197,7 @@ class Writer {
 
       private:
         Writer& writer_;
-        char close_;
+        int depth_;
         bool empty_ = true;
     };
 
@@ -223,55 +226,62 @@ class Writer {
     }
 
     void writePairs(const IValuePairs& pairs) {
-        Block block(*this, '{', '}');
+        Block block(*this, '{');
         IValuePairs::View pair;
         for (std::size_t place = 0; pairs.next(place, pair);)
             block.member(pair.key->presentation(), *pair.value);
+        block.close('}');
     }
 
     void writeTable(const IValueTableBaseRO& table) {
         std::vector<IValueTableBaseRO::Column> columns;
         for (std::size_t i = 0; i < table.columnCount(); ++i)
             columns.push_back(table.column(i));
-        Block rows(*this, '[', ']');
+        Block rows(*this, '[');
         for (std::size_t row = 0; row < table.rowCount(); ++row) {
             rows.next();
-            Block cells(*this, '{', '}');
+            Block cells(*this, '{');
             for (const auto& column : columns)
                 cells.member(column.name, table.get(row, column.id));
+            cells.close('}');
         }
+        rows.close(']');
     }
 
     /// The cells by the names of their columns, which are the properties from the first one on;
     /// then what is below the row.
     void writeRow(IContext_& row, int first) {
-        Block block(*this, '{', '}');
+        Block block(*this, '{');
         for (int prop = first; prop < row.getNProps(); ++prop)
             block.member(row.getPropName(prop, kEnglish), property(row, prop));
         if (first > 0)
             block.member(kRowCollectionTerm[kEnglish],
                          property(row, row.findProp(kRowCollectionTerm[kEnglish])));
+        block.close('}');
     }
 
     void writeList(const IValueList& list) {
-        Block items(*this, '[', ']');
+        Block items(*this, '[');
         for (std::size_t i = 0; i < list.count(); ++i) {
             const IValueList::Item item = list.get(i);
             items.next();
-            Block block(*this, '{', '}');
+            Block block(*this, '{');
             block.member(kVLColumnTermValue[kEnglish], item.value);
             block.member(kVLColumnTermPresent[kEnglish], Value(item.presentation));
             block.member(kVLColumnTermCheck[kEnglish], Value(item.check));
+            block.close('}');
         }
+        items.close(']');
     }
 
     void writeElements(IValueCollection& collection) {
-        Block block(*this, '[', ']');
+        Block block(*this, '[');
         GenericValue element;
         for (const auto walk = collection.enumerate(); walk->next(element);) {
             block.next();
             write(element);
         }
+        block.close(']');
     }
 
     static GenericValue property(IContext_& context, int prop) {

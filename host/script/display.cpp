@@ -64,16 +64,15 @@ class Display {
     /// Puts items between brackets, with commas, as long as there is room.
     class Items {
       public:
-        Items(Display& display, const wchar* open, wchar close) : display_(display), close_(close) {
+        Items(Display& display, const wchar* open) : display_(display) {
             display_.text_ += open;
             ++display_.depth_;
         }
         Items(const Items&) = delete;
         Items& operator=(const Items&) = delete;
-        ~Items() {
-            --display_.depth_;
-            display_.text_ += close_;
-        }
+        ~Items() { --display_.depth_; }
+
+        void close(wchar close) { display_.text_ += close; }
 
         /// Begins an item; false, with a mark that there are more, when nothing else is shown.
         bool begin() {
@@ -88,7 +87,6 @@ class Display {
 
       private:
         Display& display_;
-        wchar close_;
         bool first_ = true;
     };
 
@@ -107,7 +105,7 @@ class Display {
     }
 
     void showPairs(const IValuePairs& pairs) {
-        Items items(*this, u" {", u'}');
+        Items items(*this, u" {");
         IValuePairs::View pair;
         for (std::size_t place = 0; pairs.next(place, pair) && items.begin();) {
             if (const wstring_view* const name = pair.key->asString();
@@ -118,27 +116,30 @@ class Display {
             text_ += u": ";
             show(*pair.value);
         }
+        items.close(u'}');
     }
 
     void showElements(IValueCollection& collection) {
-        Items items(*this, u" [", u']');
+        Items items(*this, u" [");
         GenericValue element;
         for (const auto walk = collection.enumerate(); walk->next(element) && items.begin();)
             show(element);
+        items.close(u']');
     }
 
     void showProperties(IContext_& context) {
-        Items items(*this, u" {", u'}');
+        Items items(*this, u" {");
         for (int prop = 0; prop < context.getNProps(); ++prop) {
             if (!context.isPropReadable(prop))
                 continue;
             if (!items.begin())
-                return;
+                break;
             text_.append(context.getPropName(prop, alias_)).append(u": ");
             GenericValue value;
             context.getPropVal(prop, value);
             show(value);
         }
+        items.close(u'}');
     }
 
     int alias_;

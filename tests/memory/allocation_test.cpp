@@ -109,6 +109,7 @@ TEST_F(Allocation, CollectionsStayWhole) {
         {"T = ToText(New Structure(\"A, B\", New Array(4), CurrentDate()));", "V = FromText(T);"},
         {"J = \"{\"\"a\"\": [1.5, true, null, \"\"text\"\"], \"\"b\"\": {\"\"c\"\": 1}}\";",
          "V = FromJson(J);"},
+        {map, "J = ToJson(M, 2);"},
     });
 }
 
@@ -151,17 +152,20 @@ TEST_F(Allocation, TablesStayWhole) {
         {table, "T.Columns.Name.Name = \"Renamed\";"},
         {table, "T.Indexes.Add(\"Sum, Any\");"},
         {table, "V = FromText(ToText(T));"},
+        {table, "J = ToJson(T);"},
         {tree, "T.Rows[3].Rows.Add();"},
         {tree, "T.Rows.Sort(\"Name\", True);"},
         {tree, "T.Rows[3].Rows.Clear();"},
         {tree, "F = T.Rows.FindRows(New Structure(\"Name\", \"below\"), True).Count();"},
         {tree, "V = FromText(ToText(T));"},
+        {tree, "J = ToJson(T);"},
         {list, "L.Insert(2, \"a value\", \"its presentation\");"},
         {list, "L.SortByValue();"},
         {list, "L.SortByPresentation();"},
         {list, "L.Delete(2);"},
         {list, "L.LoadValues(New Array(5));"},
         {list, "C = L.Copy();"},
+        {list, "J = ToJson(L);"},
     });
 }
 
