@@ -137,7 +137,7 @@ class ConsoleChooser : public IChooser {
 } // namespace
 
 InterfacePtr<IChooser> create_console_chooser(Console& console) {
-    return InterfacePtr<IChooser>(SCOM_InternalClass<ConsoleChooser>::create(console));
+    return make_object<ConsoleChooser>(console);
 }
 
 } // namespace host

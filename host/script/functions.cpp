@@ -216,11 +216,11 @@ class Globals : public StableGroupContext {
 } // namespace
 
 InterfacePtr<IContext_> create_host_functions(Console& console) {
-    return InterfacePtr<IContext_>(SCOM_InternalClass<HostFunctions>::create(console));
+    return make_object<HostFunctions>(console);
 }
 
 InterfacePtr<IContext_> create_globals(Console& console) {
-    return InterfacePtr<IContext_>(SCOM_InternalClass<Globals>::create(console));
+    return make_object<Globals>(console);
 }
 
 } // namespace host::script

@@ -16,10 +16,15 @@ class Variables {
   public:
     /// The slot of a name, a new one if need be.
     std::size_t slot(core::wstring_view name) {
-        const auto [found, added] = slots_.emplace(name, names_.size());
-        if (added)
-            names_.emplace_back(name);
-        return found->second;
+        if (const auto known = find(name))
+            return *known;
+        names_.emplace_back(name);
+        try {
+            return slots_.emplace(name, names_.size() - 1).first->second;
+        } catch (...) {
+            names_.pop_back(); // or two names would get one slot
+            throw;
+        }
     }
     [[nodiscard]] std::optional<std::size_t> find(core::wstring_view name) const {
         const auto found = slots_.find(core::wstring(name));
