@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/progress.h"
 
+#include "host/terminal_text.h"
+
+#include <core/runtime/utf8.h>
+
 #include <unistd.h>
 
 #include <algorithm>
 #include <iostream>
-#include <utility>
 
 namespace host {
 namespace {
@@ -14,8 +17,9 @@ constexpr std::size_t kWidth = 40;
 
 } // namespace
 
-Progress::Progress(Console& console, std::string what, std::uint64_t total)
-    : out_(console.err), what_(std::move(what)), total_(std::max<std::uint64_t>(total, 1)),
+Progress::Progress(Console& console, std::string_view what, std::uint64_t total)
+    : out_(console.err), what_(terminal_text(core::from_utf8(what))),
+      total_(std::max<std::uint64_t>(total, 1)),
       terminal_(console.err.rdbuf() == std::cerr.rdbuf() && ::isatty(STDERR_FILENO) == 1),
       next_(Clock::now() + std::chrono::milliseconds(500)) {}
 

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace host {
 
@@ -13,7 +14,7 @@ namespace host {
 /// messages do not go to a terminal; leaves nothing behind.
 class Progress {
   public:
-    Progress(Console& console, std::string what, std::uint64_t total);
+    Progress(Console& console, std::string_view what, std::uint64_t total);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;

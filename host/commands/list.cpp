@@ -53,7 +53,9 @@ class Input {
 
 nlohmann::ordered_json report(const std::string& file, const ListScanner& scanner, const ListCounts& counts,
                               bool isGood) {
-    nlohmann::ordered_json result = {{"file", file}, {"wellFormed", isGood}};
+    nlohmann::ordered_json result = {
+        {"file", to_utf8(from_utf8(file))}, // which need not be UTF-8, as JSON is
+        {"wellFormed", isGood}};
     if (isGood) {
         result.update({{"lists", counts.lists},
                        {"strings", counts.strings},

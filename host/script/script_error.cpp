@@ -76,8 +76,8 @@ void show_error(std::ostream& out, const Source& source, const ScriptError& erro
         return colour ? paint + text + kPlain : text;
     };
     const Position position = source.position(error.span().offset);
-    const std::string place =
-        source.name() + ':' + std::to_string(position.line) + ':' + std::to_string(position.column) + ':';
+    const std::string place = terminal_text(core::from_utf8(source.name())) + ':' +
+                              std::to_string(position.line) + ':' + std::to_string(position.column) + ':';
     const Excerpt lines = excerpt(source, error.span());
     out << painted(kBold, place) << ' ' << terminal_text(error.description()) << '\n'
         << "    " << terminal_text(lines.line) << '\n'
