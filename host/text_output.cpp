@@ -41,6 +41,19 @@ bool is_device(const fs::path& path) {
     return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
+/// What a link leads to, whether it is there or not; what is no link itself.
+fs::path followed(const fs::path& file) {
+    fs::path path = file;
+    std::error_code isNoLink;
+    for (int links = 0; links < 40; ++links) { // as many as the system follows
+        const fs::path next = fs::read_symlink(path, isNoLink);
+        if (isNoLink)
+            return path;
+        path = path.parent_path() / next;
+    }
+    core::throw_file_error("IDS_FILE_OPEN", core::file_url(file.string()), ELOOP);
+}
+
 } // namespace
 
 void write_text_file(const std::string& file, const TextWriter& write) {
@@ -53,10 +66,7 @@ void write_text_file(const std::string& file, const TextWriter& write) {
         return write_through(bytes, url, write,
                              [&] { core::throw_file_error("IDS_FILE_WRITE", url, errno); });
     }
-    std::error_code isNoFile;
-    const fs::path linked = fs::canonical(file, isNoFile);
-    core::save_text(*core::get_service<core::IFileSystem>(),
-                    core::file_url(isNoFile ? file : linked.string()), write);
+    core::save_text(*core::get_service<core::IFileSystem>(), core::file_url(followed(file).string()), write);
 }
 
 void write_text(Console& console, const std::string& file, const TextWriter& write) {

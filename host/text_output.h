@@ -12,8 +12,8 @@ namespace host {
 
 using TextWriter = std::function<void(core::wostream&)>;
 
-/// Makes what `write` writes the text of a file, in UTF-8. A file, or what a link leads to, has its old text
-/// or the new one, whole; pipes and devices are written to as they are. FileException.
+/// Makes what `write` writes the text of a file, in UTF-8. A file, or what a link leads to, there or not, has
+/// its old text or the new one, whole; pipes and devices are written to as they are. FileException.
 void write_text_file(const std::string& file, const TextWriter& write);
 
 /// The same; "-" is the console's output.

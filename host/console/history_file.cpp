@@ -2,9 +2,11 @@
 #include "host/console/history_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -19,15 +21,47 @@ std::string absolute_variable(const char* name) {
     return value != nullptr && value[0] == '/' ? value : "";
 }
 
-/// One write, so that lines of consoles side by side do not mix.
-bool append_bytes(const std::string& path, std::string_view bytes, int flags) noexcept {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | flags, 0600);
-    if (descriptor < 0)
-        return false;
-    const bool whole =
-        ::write(descriptor, bytes.data(), bytes.size()) == static_cast<::ssize_t>(bytes.size());
-    ::close(descriptor);
-    return whole;
+/// The file at a path, open for appending and locked; nobody else replaces it or appends to it meanwhile.
+class LockedFile {
+  public:
+    LockedFile(const std::string& path, int flags) noexcept {
+        do {
+            leave();
+            descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | flags, 0600);
+        } while (isOpen() && ::flock(descriptor_, LOCK_EX) == 0 && !isAt(path));
+    }
+    LockedFile(const LockedFile&) = delete;
+    LockedFile& operator=(const LockedFile&) = delete;
+    ~LockedFile() { leave(); }
+
+    [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
+    /// One write, so that a line is there whole or, where the disk is full, ends the file.
+    [[nodiscard]] bool append(std::string_view bytes) const noexcept {
+        return ::write(descriptor_, bytes.data(), bytes.size()) == static_cast<::ssize_t>(bytes.size());
+    }
+
+  private:
+    /// False when another file has taken its place while the lock was waited for.
+    [[nodiscard]] bool isAt(const std::string& path) const noexcept {
+        struct stat opened {
+        }, there{};
+        return ::fstat(descriptor_, &opened) == 0 && ::stat(path.c_str(), &there) == 0 &&
+               opened.st_dev == there.st_dev && opened.st_ino == there.st_ino;
+    }
+    void leave() noexcept {
+        if (isOpen())
+            ::close(descriptor_);
+    }
+
+    int descriptor_ = -1;
+};
+
+std::vector<std::string> read_lines(const std::string& path) {
+    std::vector<std::string> lines;
+    std::ifstream file(path, std::ios::binary);
+    for (std::string line; std::getline(file, line);)
+        lines.push_back(std::move(line));
+    return lines;
 }
 
 } // namespace
@@ -44,21 +78,23 @@ HistoryFile HistoryFile::of_user() {
 }
 
 std::vector<std::string> HistoryFile::load() const {
-    std::vector<std::string> lines;
     std::error_code ignored;
     if (!fs::is_regular_file(path_, ignored))
-        return lines;
-    std::ifstream file(path_, std::ios::binary);
-    for (std::string line; std::getline(file, line);)
-        lines.push_back(std::move(line));
+        return {};
+    std::vector<std::string> lines = read_lines(path_);
     if (lines.size() <= 2 * kMostLines)
         return lines;
-    lines.erase(lines.begin(), lines.end() - kMostLines);
+    const LockedFile history(path_, 0);
+    lines = read_lines(path_); // what came meanwhile, too
+    lines.erase(lines.begin(), lines.end() - std::min<std::ptrdiff_t>(std::ssize(lines), kMostLines));
+    if (!history.isOpen())
+        return lines;
     std::string text;
     for (const std::string& line : lines)
         text += line + '\n';
     const std::string beside = path_ + "." + std::to_string(::getpid());
-    if (append_bytes(beside, text, O_EXCL))
+    const LockedFile shortened(beside, O_EXCL);
+    if (shortened.isOpen() && shortened.append(text))
         fs::rename(beside, path_, ignored);
     else
         fs::remove(beside, ignored);
@@ -71,7 +107,8 @@ void HistoryFile::append(std::string_view line) const noexcept {
     try {
         std::error_code ignored;
         fs::create_directories(fs::path(path_).parent_path(), ignored);
-        append_bytes(path_, std::string(line) + '\n', 0);
+        if (const LockedFile history(path_, 0); history.isOpen())
+            static_cast<void>(history.append(std::string(line) + '\n'));
     } catch (const std::exception&) { // no memory for a path: nothing that the user must know
     }
 }

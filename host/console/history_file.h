@@ -8,7 +8,8 @@
 namespace host {
 
 /// The lines that a user has typed, from one console to the next: one a line, in UTF-8, in a file that only
-/// the user can read. Each line is appended when it is entered, so consoles side by side lose nothing. That
+/// the user can read. Each line is appended when it is entered, under a lock while another console
+/// shortens the file, so consoles side by side lose nothing. That
 /// it cannot be read or written harms nobody: the lines are then only not there the next time.
 class HistoryFile {
   public:
