@@ -2,6 +2,7 @@
 #include "host/commands/commands.h"
 #include "host/console/line_editor.h"
 #include "host/script/display.h"
+#include "host/script/entry_scan.h"
 #include "host/script/functions.h"
 #include "host/script/interpreter.h"
 #include "host/script/interrupt_scope.h"
@@ -37,8 +38,10 @@ class Repl {
 
     /// Adds a line to the entry and carries the entry out when it is complete, or when no line follows.
     void take(wstring_view line, bool isLast) {
-        entry_.append(line).append(u"\n");
         try {
+            entry_.append(line).append(u"\n");
+            if (!scan_.mayBeComplete(entry_) && !isLast)
+                return;
             const auto source = std::make_shared<const script::Source>("repl", entry_);
             try {
                 run(script::parse(source, variables_, script::Mode::console));
@@ -54,7 +57,7 @@ class Repl {
         } catch (const std::bad_alloc&) {
             report(message_text("IDS_SCRIPT_NO_MEMORY"));
         }
-        entry_.clear();
+        forget();
         console_.out.flush();
     }
     /// The same for a line in UTF-8, where nothing else is taken.
@@ -67,7 +70,10 @@ class Repl {
         report(message_text("IDS_TEXT_NOT_UTF8", {u"-", string_intto(fault - line.begin())}));
         forget();
     }
-    void forget() noexcept { entry_.clear(); }
+    void forget() noexcept {
+        entry_.clear();
+        scan_ = {};
+    }
 
     [[nodiscard]] bool isInEntry() const noexcept { return !entry_.empty(); }
     [[nodiscard]] bool hasFailed() const noexcept { return failed_; }
@@ -99,6 +105,7 @@ class Repl {
     script::Variables variables_;
     script::Interpreter interpreter_{script::create_globals(console_), variables_};
     wstring entry_;
+    script::EntryScan scan_; // over the entry
     bool failed_ = false;
 };
 

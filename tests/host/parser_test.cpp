@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The script reader: every construct in both languages, precedence, what is refused and where, and that no
 // text, however deep, long or broken, does harm.
+#include "host/script/entry_scan.h"
 #include "host/script/parser.h"
 #include "tests/host/script_dump.h"
 
@@ -163,6 +164,36 @@ TEST_F(ParserTest, AConsoleShowsValuesAndAsksForTheRest) {
     EXPECT_NO_THROW(tree(whole, Mode::console));
 }
 
+TEST_F(ParserTest, ALongEntryIsNotParsedWithEveryLine) {
+    const auto linesParsed = [](std::string_view first, std::string_view line, std::string_view last) {
+        EntryScan scan;
+        core::wstring entry = core::from_utf8(first);
+        int parsed = scan.mayBeComplete(entry);
+        for (int i = 0; i < 5000; ++i) {
+            entry += core::from_utf8(line);
+            parsed += scan.mayBeComplete(entry);
+        }
+        EXPECT_FALSE(scan.mayBeComplete(entry += u"\n"));
+        EXPECT_TRUE(scan.mayBeComplete(entry += core::from_utf8(last)));
+        Variables variables;
+        EXPECT_NO_THROW((void)parse(std::make_shared<Source>("test", entry), variables, Mode::console));
+        return parsed;
+    };
+    EXPECT_LT(linesParsed("If True Then\n", "a.If = \"EndIf\"; // EndIf\n", "EndIf\n"), 300);
+    EXPECT_LT(linesParsed("x = f(1,\n", "a.EndDo[1], New Map + // ).\n", "2)\n"), 300);
+    EXPECT_LT(linesParsed("x = \"\n", " |not the \"\"end\"\"\n\n", "|\"\n"), 600);
+    EXPECT_LT(linesParsed("x = \"\n", "|the\" + \"\n", "|\"\n"), 600);
+    EXPECT_LT(linesParsed("x = 1 +\n", "2 + // +\n\n", "3\n"), 600);
+    EXPECT_LT(linesParsed("For Each a In b Do\n", "While c Do EndDo; For i = 1 To 2 Do EndDo;\n", "EndDo;\n"),
+              300);
+    // an error is found at once, wherever the entry ends otherwise
+    EntryScan scan;
+    core::wstring entry = u"If True Then\n" + core::wstring(10'000, u' ');
+    (void)scan.mayBeComplete(entry);
+    EXPECT_FALSE(scan.mayBeComplete(entry += u"x\n"));
+    EXPECT_TRUE(scan.mayBeComplete(entry += u"1x\n"));
+}
+
 class ShowErrorTest : public ParserTest {
   protected:
     static std::string shown(std::string_view text, std::string_view marked, bool colour = false) {
@@ -187,6 +218,9 @@ TEST_F(ShowErrorTest, MarksTheSpanUnderWhateverStandsBefore) {
 
 TEST_F(ShowErrorTest, NothingInAScriptSteersTheTerminal) {
     EXPECT_EQ(shown("\x1B[2J\x7F x", "x"), "t:1:7: Wrong\uFFFD\n    \uFFFD[2J\uFFFD x\n          ^\n");
+    std::ostringstream out;
+    show_error(out, Source("\x1B[2J", u"x"), {{0, 1}, u"Wrong"}, false);
+    EXPECT_EQ(out.str(), "\uFFFD[2J:1:1: Wrong\n    x\n    ^\n");
     EXPECT_EQ(shown("x", "x", true), "\x1B[1mt:1:1:\x1B[0m Wrong\uFFFD\n    x\n    \x1B[1;31m^\x1B[0m\n");
 }
 
