@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <map>
 #include <ostream>
 
 namespace host {
@@ -52,6 +51,14 @@ void report_leaks(std::ostream& out) {
         out << "corehost: leak: " << left.name << ' ' << left.count << '\n';
 }
 
+Language language_of(const std::string& name) {
+    if (name == "en")
+        return Language::english;
+    if (name == "ru")
+        return Language::russian;
+    throw CLI::ValidationError("--lang", "the languages are en and ru");
+}
+
 ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     CLI::App app("Runs scripts on the core library, and looks into its data.", "corehost");
     app.set_version_flag("--version", "corehost " CORE_VERSION);
@@ -61,12 +68,10 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     bool leaks = false;
     app.add_flag("--json", console.json, "Write data as JSON, for programs");
     app.add_flag("--leaks", leaks, "At the end, report objects that are still alive: class and count");
-    app.add_option("--lang", console.language,
-                   "Language of messages, formats and sorting; default: the environment's")
-        ->type_name("en|ru")
-        ->transform(CLI::CheckedTransformer(
-                        std::map<std::string, Language>{{"en", Language::english}, {"ru", Language::russian}})
-                        .description(""));
+    app.add_option_function<std::string>(
+           "--lang", [&console](const std::string& name) { console.language = language_of(name); },
+           "Language of messages, formats and sorting; default: the environment's")
+        ->type_name("en|ru");
     Action action;
     add_container_command(app, console, action);
     add_describe_command(app, console, action);

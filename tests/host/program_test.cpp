@@ -44,6 +44,8 @@ TEST_F(ProgramTest, EveryExitCode) {
         {{"run", good, "x"}, ExitCode::usage},
         {{"--what", "run", good}, ExitCode::usage},
         {{"--lang", "de", "run", good}, ExitCode::usage},
+        {{"--lang", "0", "run", good}, ExitCode::usage},
+        {{"run", good, "--lang", "ru"}, ExitCode::done},
         {{"run", bad}, ExitCode::malformed},
         {{"run", stops}, ExitCode::malformed},
         {{"run", bytes}, ExitCode::malformed},
@@ -58,6 +60,8 @@ TEST_F(ProgramTest, EveryExitCode) {
         EXPECT_EQ(answer.out.empty(), c.code != ExitCode::done)
             << testing::PrintToString(c.arguments) << answer.out;
     }
+    EXPECT_EQ(corehost({"--lang", "de", "run", good}).err.substr(0, 39),
+              "--lang: the languages are en and ru\nRun");
 }
 
 TEST_F(ProgramTest, AStreamThatCannotBeWritten) {
