@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/console.h"
 
+#include <core/runtime/locale.h>
 #include <core/strings/term.h>
 
 #include <sys/ioctl.h>
@@ -27,7 +28,8 @@ Language language_of_environment() {
     for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         const std::string_view value = variable(name);
         if (!value.empty())
-            return value.starts_with("ru") ? Language::russian : Language::english;
+            return core::Locale(value.substr(0, value.find('.'))).isRussian() ? Language::russian
+                                                                              : Language::english;
     }
     return Language::english;
 }

@@ -10,7 +10,7 @@
 namespace core {
 
 BoolFormat::BoolFormat(wstring_view format, const Locale& locale)
-    : true_(is_russian(locale) ? u"Да" : u"Yes"), false_(is_russian(locale) ? u"Нет" : u"No") {
+    : true_(locale.isRussian() ? u"Да" : u"Yes"), false_(locale.isRussian() ? u"Нет" : u"No") {
     for (const FormatItem& item : format_items(format)) {
         if (item.is(u"true"))
             true_ = item.text();

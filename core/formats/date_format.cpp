@@ -90,7 +90,7 @@ void append_number(wstring& text, int number, std::size_t width) {
 } // namespace
 
 DateFormat::DateFormat(wstring_view format, const Locale& locale)
-    : date_(is_russian(locale) ? u"dd.MM.yyyy" : u"yyyy-MM-dd"), time_(u"HH:mm:ss") {
+    : date_(locale.isRussian() ? u"dd.MM.yyyy" : u"yyyy-MM-dd"), time_(u"HH:mm:ss") {
     for (const FormatItem& item : format_items(format)) {
         wstring* const pattern = item.is(u"date")       ? &date_
                                  : item.is(u"time")     ? &time_

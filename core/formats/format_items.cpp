@@ -76,9 +76,4 @@ std::vector<FormatItem> format_items(wstring_view format) {
     return items;
 }
 
-bool is_russian(const Locale& locale) noexcept {
-    const std::string& key = locale.key();
-    return key.starts_with("ru") && (key.size() == 2 || key[2] == '_' || key[2] == '-');
-}
-
 } // namespace core

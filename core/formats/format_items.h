@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/locale.h>
 #include <core/runtime/types.h>
 
 #include <vector>
@@ -23,7 +22,5 @@ struct FormatItem {
 
 /// The items of `format`, in order. The names are views into `format`. CtorException when it is malformed.
 [[nodiscard]] std::vector<FormatItem> format_items(wstring_view format);
-
-[[nodiscard]] bool is_russian(const Locale& locale) noexcept;
 
 } // namespace core

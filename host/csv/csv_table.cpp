@@ -152,20 +152,17 @@ InterfacePtr<IValueTable> load_csv(Console& console, wstring_view file, char del
     return loader.take();
 }
 
-void save_csv(wstring_view file, IValueTableBaseRO& table, char delimiter) {
-    std::vector<IValueTableBaseRO::Column> columns;
-    for (std::size_t i = 0; i < table.columnCount(); ++i)
-        columns.push_back(table.column(i));
-    std::vector<wstring> fields(columns.size());
+void save_csv(wstring_view file, const TableView& table, char delimiter) {
+    std::vector<wstring> fields(table.columns.size());
     write_text_file(to_utf8(file), [&](wostream& out) {
         Writer writer(out, delimiter);
-        std::ranges::transform(columns, fields.begin(), [](const auto& column) { return column.name; });
+        std::ranges::transform(table.columns, fields.begin(), &TableView::Column::title);
         writer.row(fields);
-        for (std::size_t row = 0; row < table.rowCount(); ++row) {
-            std::ranges::transform(columns, fields.begin(),
-                                   [&](const auto& column) { return text_of(table.get(row, column.id)); });
+        table.walk([&](std::span<const Value> cells, std::size_t) {
+            std::ranges::transform(cells, fields.begin(), text_of);
             writer.row(fields);
-        }
+            return true;
+        });
     });
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/console.h"
+#include "host/table_text.h"
 
 #include <core/tables/value_table.h>
 
@@ -24,10 +25,10 @@ namespace host {
 load_csv(Console& console, core::wstring_view file, char delimiter,
          const std::optional<std::vector<core::wstring>>& columns);
 
-/// Replaces a file by the names of the columns and the cells of the table: the old content or the new one,
+/// Replaces a file by the titles of the columns and the cells of the rows: the old content or the new one,
 /// whole, stays on the disk. Undefined and Null are empty, numbers and dates are written as the brace list
 /// has them, Booleans as True and False: in every language the same, and all of it reads back when the
 /// columns are given their types again.
-void save_csv(core::wstring_view file, core::IValueTableBaseRO& table, char delimiter);
+void save_csv(core::wstring_view file, const TableView& table, char delimiter);
 
 } // namespace host

@@ -52,7 +52,7 @@ class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>> {
             load_csv(console_, text_argument(a, 0), delimiter_argument(a, 1), columns).query<IValue>());
     }
     GenericValue saveCsv(Args a) {
-        const auto table = a[1].query<IValueTableBaseRO>();
+        const auto table = table_view(a[1], ViewFor::programs);
         if (!table)
             parameter_type_mismatch(1);
         save_csv(text_argument(a, 0), *table, delimiter_argument(a, 2));
@@ -91,7 +91,7 @@ std::span<const Method<TableFunctions>> TableFunctions::methods() noexcept {
 } // namespace
 
 InterfacePtr<IContext_> create_table_functions(Console& console) {
-    return InterfacePtr<IContext_>(SCOM_InternalClass<TableFunctions>::create(console));
+    return make_object<TableFunctions>(console);
 }
 
 } // namespace host::script

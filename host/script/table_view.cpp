@@ -22,13 +22,14 @@ GenericValue property(const Value& object, const Term& name) {
     return value;
 }
 
-TableView view_of(const InterfacePtr<IValueTableBaseRO>& table) {
+TableView view_of(const InterfacePtr<IValueTableBaseRO>& table, ViewFor whom) {
     TableView view;
     std::vector<std::int32_t> ids;
     for (std::size_t i = 0; i < table->columnCount(); ++i) {
         IValueTableBaseRO::Column column = table->column(i);
         ids.push_back(column.id);
-        view.columns.push_back({std::move(column.title), static_cast<std::size_t>(column.width)});
+        view.columns.push_back({std::move(whom == ViewFor::people ? column.title : column.name),
+                                static_cast<std::size_t>(column.width)});
     }
     view.rows = table->rowCount();
     view.walk = [table, ids](const TableView::Show& show) {
@@ -62,21 +63,26 @@ void walk_tree(const Value& tree, Visit visit) {
     }
 }
 
-TableView view_of_tree(const Value& tree) {
+TableView view_of_tree(const Value& tree, ViewFor whom) {
+    const bool showsLevel = whom == ViewFor::programs;
     TableView view;
+    if (showsLevel)
+        view.columns.push_back({u"Level"});
     GenericValue column;
     const auto columns = property(tree, kColumnCollectionTerm).query<IValueCollection>()->enumerate();
     while (columns->next(column))
-        view.columns.push_back({property(column, kTitlePropTerm).presentation(),
+        view.columns.push_back({property(column, showsLevel ? kCodePropTerm : kTitlePropTerm).presentation(),
                                 static_cast<std::size_t>(*property(column, kWidthPropTerm).asNumeric())});
     walk_tree(tree, [&view](const Value&, std::size_t) {
         ++view.rows;
         return true;
     });
-    view.walk = [tree](const TableView::Show& show) {
+    view.walk = [tree, showsLevel](const TableView::Show& show) {
         std::vector<Value> cells;
         walk_tree(tree, [&](const Value& row, std::size_t level) {
             cells.clear();
+            if (showsLevel)
+                cells.emplace_back(level);
             GenericValue cell;
             for (const auto walk = row.query<IValueCollection>()->enumerate(); walk->next(cell);)
                 cells.push_back(cell);
@@ -86,16 +92,18 @@ TableView view_of_tree(const Value& tree) {
     return view;
 }
 
-TableView view_of(const InterfacePtr<IValueList>& list) {
-    const int alias = current_settings().locale.key().starts_with("ru") ? kRussian : kEnglish;
+TableView view_of(const InterfacePtr<IValueList>& list, ViewFor whom) {
+    const bool forPeople = whom == ViewFor::people;
+    const int alias = forPeople && current_settings().locale.isRussian() ? kRussian : kEnglish;
     const auto title = [alias](const Term& name) { return TableView::Column{name[alias]}; };
     TableView view;
     view.columns = {title(kVLColumnTermValue), title(kVLColumnTermPresent), title(kVLColumnTermCheck)};
     view.rows = list->count();
-    view.walk = [list](const TableView::Show& show) {
+    view.walk = [list, forPeople](const TableView::Show& show) {
         for (std::size_t i = 0; i < list->count(); ++i) {
             const IValueList::Item item = list->get(i);
-            const Value cells[] = {item.value, Value(item.presentation), Value(item.check ? u"✓" : u"")};
+            const Value check = forPeople ? Value(item.check ? u"✓" : u"") : Value(item.check);
+            const Value cells[] = {item.value, Value(item.presentation), check};
             if (!show(cells, 0))
                 return;
         }
@@ -105,13 +113,13 @@ TableView view_of(const InterfacePtr<IValueList>& list) {
 
 } // namespace
 
-std::optional<TableView> table_view(const Value& value) {
+std::optional<TableView> table_view(const Value& value, ViewFor whom) {
     if (const auto table = value.query<IValueTableBaseRO>())
-        return view_of(table);
+        return view_of(table, whom);
     if (const auto list = value.query<IValueList>())
-        return view_of(list);
+        return view_of(list, whom);
     if (value.isObject() && value.type().id() == kValueTreeType)
-        return view_of_tree(value);
+        return view_of_tree(value, whom);
     return {};
 }
 

@@ -9,9 +9,15 @@
 
 namespace host::script {
 
+enum class ViewFor {
+    people,
+    programs, ///< the columns' English names are the titles; behind a column Level, 0 for topmost rows, a
+              ///< tree's
+};
+
 /// What a value table, a value tree or a value list shows; nothing for any other value. A tree's rows stand
 /// below the row that they are below, a list's items as value, presentation and check mark. The view keeps
 /// the value alive; it is to be used before the value changes.
-[[nodiscard]] std::optional<TableView> table_view(const core::Value& value);
+[[nodiscard]] std::optional<TableView> table_view(const core::Value& value, ViewFor whom = ViewFor::people);
 
 } // namespace host::script

@@ -3,6 +3,7 @@
 // row that is wrong is found.
 #include "host/csv/csv_table.h"
 #include "host/json/json_value.h"
+#include "host/script/table_view.h"
 #include "tests/host/program_fixture.h"
 #include "tests/host/script_fixture.h"
 
@@ -58,7 +59,9 @@ TEST_F(CsvTest, ReadsAndWritesWhatPythonDoes) {
                 ASSERT_EQ(table->get(row, table->column(i).id), cells->get(i))
                     << seed << ' ' << row << ' ' << i;
         }
-        save_csv(core::from_utf8(path(name + ".csv")), *table, delimiter(seed));
+        const auto view =
+            script::table_view(core::Value(table.query<core::IValue>()), script::ViewFor::programs);
+        save_csv(core::from_utf8(path(name + ".csv")), *view, delimiter(seed));
     }
     ASSERT_EQ(std::system((model + "read " + path("")).c_str()), 0);
     EXPECT_EQ(to_json(from_json(text_of(path("read.json")))),
@@ -118,6 +121,16 @@ TEST_F(CsvTest, TypedColumnsReadBack) {
             ToText(Again) = ToText(T); LoadText(F))"),
                   "True\n\"N;D;B\r\n-1234567.125;20240229130507;True\r\n0;00010101000000;False\r\n\"");
     }
+}
+
+TEST_F(CsvTest, TreesAndLists) {
+    EXPECT_EQ(run(R"(T = New ValueTree; C = T.Columns.Add("Name", , "A title"); C = T.Columns.Add("Level");
+        Row = T.Rows.Add(); Row.Name = "a"; Below = Row.Rows.Add(); Below.Name = "a,b"; Below.Level = 5;
+        Below.Rows.Add().Name = "c"; T.Rows.Add().Name = "d"; SaveCsv(F, T); LoadText(F))"),
+              "\"Level,Name,Level\r\n0,a,\r\n1,\"\"a,b\"\",5\r\n2,c,\r\n0,d,\r\n\"");
+    EXPECT_EQ(
+        run(R"(L = New ValueList; I = L.Add(1.5, "one", True); I = L.Add("x"); SaveCsv(F, L, ";"); LoadText(F))"),
+        "\"Value;Presentation;Check\r\n1.5;one;True\r\nx;;False\r\n\"");
 }
 
 TEST_F(CsvTest, BadArgumentsAndFailuresLeaveTheFile) {

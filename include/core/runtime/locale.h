@@ -16,6 +16,9 @@ class Locale {
     explicit Locale(std::string_view key) : key_(key) {}
 
     [[nodiscard]] const std::string& key() const noexcept { return key_; }
+    [[nodiscard]] bool isRussian() const noexcept {
+        return key_.starts_with("ru") && (key_.size() == 2 || key_[2] == '_' || key_[2] == '-');
+    }
     friend bool operator==(const Locale&, const Locale&) = default;
 
   private:
