@@ -18,23 +18,7 @@ enum class Mode {
 /// Reads a script. New variables are added to `variables`, also when it fails. Throws ScriptError for the
 /// first thing that is wrong.
 ///
-/// The language:
-///
-///     program    = [statement {";" [statement]}]
-///     statement  = target "=" expression | call
-///                | If expression Then program {ElsIf expression Then program} [Else program] EndIf
-///                | For Each name In expression Do program EndDo
-///                | For name "=" expression To expression Do program EndDo
-///                | While expression Do program EndDo | Break | Continue
-///     expression = and {Or and}        and = not {And not}       not = {Not} comparison
-///     comparison = sum {("=" | "<>" | "<" | "<=" | ">" | ">=") sum}
-///     sum        = product {("+" | "-") product}
-///     product    = sign {("*" | "/" | "%") sign}                sign = {"-" | "+"} chain
-///     chain      = primary {"." name [arguments] | "[" expression "]"}
-///     primary    = literal | name [arguments] | New name [arguments] | "(" expression ")"
-///     arguments  = "(" [[expression] {"," [expression]}] ")"
-///
-/// After "." and New every word is a name, keywords included.
+/// The grammar stands in docs/corehost.md, "The language". After "." and New every word is a name, keywords included.
 [[nodiscard]] Program parse(std::shared_ptr<const Source> source, Variables& variables,
                             Mode mode = Mode::file);
 
