@@ -9,6 +9,11 @@
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -208,6 +213,27 @@ TEST(ResourceBundle, SpeaksTheLanguageOfTheThreadAndFallsBack) {
     bundle.cleanup();
     EXPECT_NE(bundle.getString("IDS_NUMERROR_DIVIDEBYZERO", Locale("ru"), length), nullptr);
     EXPECT_EQ(message_text("IDS_NO_SUCH_TEXT", {u"7"}), u"IDS_NO_SUCH_TEXT 7");
+}
+
+TEST(Resources, BytesOfTheMostSpecificBundle) {
+    const std::filesystem::path folder = testing::TempDir() + "bundle-" + std::to_string(::getpid());
+    std::filesystem::create_directories(folder / "messages");
+    const auto make = [&](const char* locale, const char* bytes) {
+        const std::string source = (folder / locale).string() + ".txt";
+        std::ofstream(source) << locale << " { X:bin { " << bytes << " } }";
+        return std::system(("genrb -q -d " + (folder / "messages").string() + " " + source).c_str());
+    };
+    ASSERT_EQ(make("root", "00ff10"), 0);
+    ASSERT_EQ(make("ru", "07"), 0);
+    SCOM_ResourceBundle bundle(folder.c_str());
+    const auto bytes = [&](const char* locale) {
+        const auto found = bundle.getBinary("X", Locale(locale));
+        return std::vector<std::byte>(found.begin(), found.end());
+    };
+    EXPECT_EQ(bytes("de"), (std::vector{std::byte{0}, std::byte{0xFF}, std::byte{0x10}}));
+    EXPECT_EQ(bytes("ru_RU"), std::vector{std::byte{7}});
+    EXPECT_TRUE(bundle.getBinary("Y", Locale("ru")).empty());
+    std::filesystem::remove_all(folder);
 }
 
 TEST(Exceptions, CarryTheirTextsCausesAndIds) {
