@@ -4,6 +4,9 @@
 #include "tests/host/script_fixture.h"
 #include "tests/support/allocation_limit.h"
 
+#include <unistd.h>
+
+#include <filesystem>
 #include <thread>
 
 namespace {
@@ -44,6 +47,7 @@ class Attempt {
 struct Operation {
     const char* prepare;
     const char* act;
+    const char* probe = ""; // asks what the variables' texts do not show
 };
 
 enum class Outcome { done, failed, damaged };
@@ -53,6 +57,8 @@ Outcome attempt(const Operation& operation, int allowed) {
     Attempt attempt;
     attempt.run(attempt.read(operation.prepare));
     const Program act = attempt.read(operation.act);
+    const Program probe = attempt.read(operation.probe);
+    attempt.run(probe);
     const wstring before = attempt.state();
     std::string error = "no memory"; // before the first statement, or for the error itself
     try {
@@ -63,6 +69,7 @@ Outcome attempt(const Operation& operation, int allowed) {
         error = e.what();
     } catch (const std::bad_alloc&) {
     }
+    attempt.run(probe);
     if (attempt.state() == before)
         return Outcome::failed;
     ADD_FAILURE() << operation.act << " with " << allowed << " allocations: " << error << "\n"
@@ -145,11 +152,13 @@ TEST_F(Allocation, TablesStayWhole) {
         {table, "C = T.CopyColumns(\"Name, Any\");"},
         {table, "U = T.UnloadColumn(\"Name\");"},
         {table, "T.LoadColumn(T.UnloadColumn(\"Sum\"), \"Any\");"},
-        {table, "T.Columns.Add(\"More\", New TypeDescription(\"Date\"), \"A title for it\");"},
+        {table, "T.Columns.Add(\"More\", New TypeDescription(\"Date\"), \"A title for it\");",
+         "P = T.Columns.Find(\"More\") = Undefined;"},
         {table, "T.Columns.Insert(1, \"More\");"},
         {table, "T.Columns.Delete(\"Any\");"},
         {table, "T.Columns.Move(0, 2);"},
-        {table, "T.Columns.Name.Name = \"Renamed\";"},
+        {table, "T.Columns.Name.Name = \"Renamed\";",
+         "P = T.Columns.Find(\"Renamed\") = Undefined And T.Columns.IndexOf(T.Columns.Find(\"Name\")) = 0;"},
         {table, "T.Indexes.Add(\"Sum, Any\");"},
         {table, "V = FromText(ToText(T));"},
         {table, "J = ToJson(T);"},
@@ -167,6 +176,17 @@ TEST_F(Allocation, TablesStayWhole) {
         {list, "C = L.Copy();"},
         {list, "J = ToJson(L);"},
     });
+}
+
+TEST_F(Allocation, ContainersStayWhole) {
+    const std::string file = testing::TempDir() + "allocation-" + std::to_string(::getpid());
+    const std::string name = "(\"" + file + "\", \"name\"";
+    // A container that a failure has damaged would fail the next attempt.
+    const std::string prepare = "SaveToContainer" + name + ", 1); A = LoadFromContainer" + name + ");";
+    const std::string save = "SaveToContainer" + name + ", New Array(40));";
+    const std::string load = "V = LoadFromContainer" + name + ");";
+    check({{prepare.c_str(), save.c_str()}, {prepare.c_str(), load.c_str()}});
+    std::filesystem::remove(file);
 }
 
 TEST(Process, StartsWholeOrNotAtAll) {
