@@ -14,6 +14,7 @@ namespace core {
 /// value type; one object may be used by many threads.
 class BoolFormat {
   public:
+    /// CtorException for a malformed format string.
     CORE_API explicit BoolFormat(wstring_view format = {}, const Locale& locale = Locale());
 
     [[nodiscard]] const wstring& format(bool value) const noexcept { return value ? true_ : false_; }

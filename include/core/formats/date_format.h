@@ -21,6 +21,7 @@ enum class DatePattern : int { date = 1, time = 2, dateTime = 4 };
 /// value type; one object may be used by many threads.
 class DateFormat {
   public:
+    /// CtorException for a malformed format string.
     CORE_API explicit DateFormat(wstring_view format = {}, const Locale& locale = Locale());
 
     /// Replaces `text`, whose capacity is used. A date out of range has only zeros.

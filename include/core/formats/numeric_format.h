@@ -19,6 +19,7 @@ namespace core {
 class NumericFormat {
   public:
     NumericFormat() noexcept = default;
+    /// CtorException for a malformed format string.
     CORE_API explicit NumericFormat(wstring_view format);
 
     /// Replaces `text`, whose capacity is used.

@@ -13,6 +13,8 @@ namespace core {
 class CORE_API RandomSource {
   public:
     virtual ~RandomSource();
+    /// Fills all of `bytes`. Threads: any. Must not throw: tables draw the seed of their hash where nothing
+    /// can be reported, and an exception ends the program there.
     virtual void fill(std::span<std::byte> bytes) = 0;
 };
 

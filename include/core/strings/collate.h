@@ -6,8 +6,9 @@
 #include <core/strings/code_unit.h>
 
 /// The order of texts that a reader of a language expects. The collators of each thread are opened once a
-/// locale and kept. All functions throw LocaleException when the system has no collation rules at all; a
-/// locale without rules of its own is ordered by the root's.
+/// locale and kept. All functions throw LocaleException when the system has no collation rules at all,
+/// and ConverterException for a text that is too long for them (2 GiB); a locale without rules of its own is
+/// ordered by the root's.
 namespace core {
 
 /// By letters, accents and case, and texts that the language does not tell apart by
