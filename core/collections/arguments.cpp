@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/arguments.h"
 
+#include "core/serialization/malformed.h"
+
 #include <core/collections/collect_error.h>
 #include <core/context/context_error.h>
-#include <core/runtime/error.h>
 
 #include <limits>
 
@@ -25,10 +26,6 @@ std::int64_t unusual_index_argument(const Value& argument, int param) {
 
 void throw_bad_index() {
     throw ContextException(collect_error_bad_index());
-}
-
-void throw_malformed() {
-    throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
 }
 
 std::int64_t get_count(ListInStream& in) {

@@ -19,8 +19,6 @@ namespace core {
 
 /// "IDS_INDEX_OFFBOUND".
 [[noreturn]] void throw_bad_index();
-/// "IDS_LISTSTREAMERROR".
-[[noreturn]] void throw_malformed();
 /// The number of elements that follow. ListStreamException for a negative one.
 [[nodiscard]] std::int64_t get_count(ListInStream& in);
 

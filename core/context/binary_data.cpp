@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/context/base64.h"
+#include "core/serialization/malformed.h"
 
 #include <core/context/binary_data.h>
 #include <core/context/context_def_ext.h>
@@ -57,7 +58,7 @@ class BinaryData : public IValueImpl,
         storage->listStream().get(text);
         auto bytes = base64_decode(text);
         if (!bytes)
-            throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
+            throw_malformed();
         bytes_ = std::move(*bytes);
     }
 

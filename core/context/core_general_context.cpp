@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/context/base64.h"
+#include "core/files/temp_folder.h"
 
 #include <core/context/binary_data.h>
 #include <core/context/context_def_ext.h>
@@ -11,17 +12,9 @@
 #include <core/strings/trim.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 namespace core {
 namespace {
-
-std::filesystem::path temp_folder() {
-    std::error_code error;
-    auto folder = std::filesystem::temp_directory_path(error);
-    return error ? std::filesystem::path("/tmp") : folder;
-}
 
 wstring_view text_argument(std::span<GenericValue> arguments, int param) {
     const wstring_view* const text = arguments[static_cast<std::size_t>(param)].asString();

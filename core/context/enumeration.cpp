@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/serialization/malformed.h"
+
 #include <core/context/enumeration.h>
-#include <core/runtime/error.h>
 #include <core/serialization/list_in_stream.h>
 #include <core/serialization/list_out_stream.h>
 
@@ -12,10 +13,6 @@ constexpr TypeInfo kTypeInfo = {.id = "9ccfe410-65b9-471b-8424-d9c5d724c6d2"_gui
                                 .names = kTerm,
                                 .presentation = "IDS_TYPE_PRESENTATION_ENUMERATION"};
 const TypeEntry<kTypeInfo> kType("Enumeration_Type");
-
-[[noreturn]] void malformed() {
-    throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
-}
 
 } // namespace
 
@@ -52,7 +49,7 @@ void EnumerationValue::deserialize(IInPersistenceStorage* storage) {
     std::int32_t number = 0;
     storage->listStream().get(number);
     if (number != item_.number)
-        malformed();
+        throw_malformed();
 }
 
 // The enumeration
@@ -119,7 +116,7 @@ GenericValue Enumeration::Loader::load(IInPersistenceStorage* storage) {
     storage->listStream().get(number);
     GenericValue value = enumeration_.value(number);
     if (value.isUndefined())
-        malformed();
+        throw_malformed();
     return value;
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/hex_digit.h"
+
 #include <core/files/disk_file.h>
 #include <core/runtime/utf8.h>
-
-#include <optional>
 
 namespace core {
 namespace {
@@ -12,16 +12,6 @@ constexpr wstring_view kPrefix = u"file://";
 bool is_plain(char c) {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
            std::string_view("/-._~!$&'()+,;=:@").find(c) != std::string_view::npos;
-}
-
-std::optional<unsigned> hex_digit(char c) {
-    if (c >= '0' && c <= '9')
-        return static_cast<unsigned>(c - '0');
-    if (c >= 'a' && c <= 'f')
-        return static_cast<unsigned>(c - 'a' + 10);
-    if (c >= 'A' && c <= 'F')
-        return static_cast<unsigned>(c - 'A' + 10);
-    return std::nullopt;
 }
 
 } // namespace
@@ -48,10 +38,12 @@ std::string file_path(wstring_view url) {
     path.reserve(escaped.size());
     for (std::size_t i = 0; i < escaped.size(); ++i) {
         if (escaped[i] == '%' && i + 2 < escaped.size()) {
-            const auto high = hex_digit(escaped[i + 1]);
-            const auto low = hex_digit(escaped[i + 2]);
-            if (high && low) {
-                path.push_back(static_cast<char>(*high << 4 | *low));
+            const auto digit = [&](std::size_t at) {
+                return hex_digit(static_cast<unsigned char>(escaped[at]));
+            };
+            const int high = digit(i + 1), low = digit(i + 2);
+            if (high >= 0 && low >= 0) {
+                path.push_back(static_cast<char>(high << 4 | low));
                 i += 2;
                 continue;
             }

@@ -1,32 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/files/temp_folder.h"
+
 #include <core/files/disk_file.h>
 #include <core/files/temp_file_service.h>
 #include <core/runtime/class_entry.h>
 #include <core/runtime/random.h>
 #include <core/runtime/utf8.h>
 
-#include <filesystem>
 #include <string>
 #include <system_error>
 
 namespace core {
 namespace {
 
-std::string temp_folder() {
-    std::error_code error;
-    const std::string folder = std::filesystem::temp_directory_path(error).string();
-    return error ? "/tmp" : folder;
-}
-
 class TempFileService : public ITempFileService {
   public:
     using Interfaces = InterfaceList<ITempFileService>;
 
-    InterfacePtr<IFile> create() override { return create_temp_file(temp_folder()); }
+    InterfacePtr<IFile> create() override { return create_temp_file(temp_folder().string()); }
 
     wstring createNamed() override {
-        const std::string path = temp_folder() + "/core-" + to_utf8(to_string(new_guid()));
-        return open_disk_file(path, OpenMode::createNew)->url();
+        const auto path = temp_folder() / ("core-" + to_utf8(to_string(new_guid())));
+        return open_disk_file(path.string(), OpenMode::createNew)->url();
     }
 };
 
@@ -35,6 +30,12 @@ const SCOM_ServiceEntryInit<TempFileService, &kTempFileServiceClass, &ITempFileS
     entry("TempFileService");
 
 } // namespace
+
+std::filesystem::path temp_folder() {
+    std::error_code error;
+    auto folder = std::filesystem::temp_directory_path(error);
+    return error ? std::filesystem::path("/tmp") : folder;
+}
 
 InterfacePtr<ITempFileService> create_temp_file_service() {
     return SCOM_InternalClass<TempFileService>::create();

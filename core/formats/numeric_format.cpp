@@ -15,10 +15,6 @@ namespace {
 constexpr int kMaxFraction = 1000;
 constexpr std::size_t kGroup = 3;
 
-bool is_ascii_digit(wchar c) noexcept {
-    return c >= u'0' && c <= u'9';
-}
-
 std::size_t leading_digits(wstring_view text) noexcept {
     std::size_t count = 0;
     while (count < text.size() && is_ascii_digit(text[count]))

@@ -14,7 +14,6 @@ namespace core::limbs {
 template <Word P, Word Generator>
 struct Field {
     static constexpr Word kPrime = P;
-    static constexpr int kTwos = 40; ///< 2^40 divides P − 1, and so does 3
 
     /// P^−1 modulo 2^64, by Newton's iteration: each step doubles the bits that are right.
     static constexpr Word kInverse = [] {

@@ -31,10 +31,8 @@ template <class F>
 class Transform {
   public:
     explicit Transform(std::size_t size)
-        : thirds_(size % 3 == 0), block_(thirds_ ? size / 3 : size), size_(size),
+        : thirds_(size % 3 == 0), block_(thirds_ ? size / 3 : size),
           roots_(new Word[(thirds_ ? 3 : 1) * (block_ / 2 + 1)]) {}
-
-    [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
     void forward(Word* x) {
         makeRoots(false);
@@ -57,7 +55,7 @@ class Transform {
         }
     }
 
-    /// Undoes forward(), but for the factor size().
+    /// Undoes forward(), but for the size as a factor.
     void inverse(Word* x) {
         makeRoots(true);
         if (!thirds_) {
@@ -221,7 +219,6 @@ class Transform {
 
     bool thirds_;
     std::size_t block_;
-    std::size_t size_;
     std::unique_ptr<Word[]> roots_;
 };
 

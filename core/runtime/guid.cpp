@@ -4,13 +4,6 @@
 #include <core/runtime/guid.h>
 
 namespace core {
-namespace {
-
-constexpr bool is_hyphen_place(std::size_t i) {
-    return i == 8 || i == 13 || i == 18 || i == 23;
-}
-
-} // namespace
 
 wchar* to_string(const GUID& id, wchar* out) noexcept {
     constexpr wchar kDigits[] = u"0123456789abcdef";
@@ -44,7 +37,7 @@ bool from_string(wstring_view text, GUID& id) noexcept {
     std::uint8_t bytes[16] = {};
     std::size_t count = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (is_hyphen_place(i)) {
+        if (detail::is_guid_hyphen(i)) {
             if (text[i] != u'-')
                 return false;
             continue;
@@ -55,12 +48,7 @@ bool from_string(wstring_view text, GUID& id) noexcept {
         bytes[count / 2] = static_cast<std::uint8_t>(bytes[count / 2] << 4 | value);
         ++count;
     }
-    id.data1 = std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 |
-               bytes[3];
-    id.data2 = static_cast<std::uint16_t>(bytes[4] << 8 | bytes[5]);
-    id.data3 = static_cast<std::uint16_t>(bytes[6] << 8 | bytes[7]);
-    for (std::size_t i = 0; i < 8; ++i)
-        id.data4[i] = bytes[8 + i];
+    id = detail::guid_of(bytes);
     return true;
 }
 

@@ -25,7 +25,7 @@ bool BareToken::takesInteger(wchar unit) noexcept {
 bool BareToken::takesDecimal(wchar unit) noexcept {
     if (unit == u'.')
         return !std::exchange(point_, true);
-    return (unit >= u'0' && unit <= u'9') || (length_ == 0 && is_sign(unit));
+    return core::is_ascii_digit(unit) || (length_ == 0 && is_sign(unit));
 }
 
 bool BareToken::takesFloat(wchar unit) noexcept {
@@ -35,8 +35,7 @@ bool BareToken::takesFloat(wchar unit) noexcept {
 bool BareToken::takesId(wchar unit) const noexcept {
     if (length_ >= kGuidTextLength)
         return false;
-    const bool hyphen = length_ == 8 || length_ == 13 || length_ == 18 || length_ == 23;
-    return hyphen ? unit == u'-' : hex_digit(unit) >= 0;
+    return is_guid_hyphen(length_) ? unit == u'-' : hex_digit(unit) >= 0;
 }
 
 bool BareToken::take(wchar unit) noexcept {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/serialization/list_run.h"
+#include "core/serialization/malformed.h"
 #include "core/serialization/token_read.h"
 
-#include <core/runtime/error.h>
 #include <core/serialization/list_in_stream.h>
 #include <core/strings/compare.h>
 
@@ -14,7 +14,7 @@ namespace core {
 using namespace detail;
 
 void ListInStream::fail() {
-    throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
+    throw_malformed();
 }
 
 void ListInStream::skipGap() {

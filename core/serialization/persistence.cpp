@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/serialization/malformed.h"
+
 #include <core/runtime/error.h>
 #include <core/serialization/persistence.h>
 
 namespace core {
 
-void Nesting::Level::fail() {
+void throw_malformed() {
     throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
+}
+
+void Nesting::Level::fail() {
+    throw_malformed();
 }
 
 } // namespace core

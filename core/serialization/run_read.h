@@ -34,10 +34,6 @@ inline const wchar* run_gap(const wchar* at, const wchar* end, bool comma) noexc
     return run_spaces(at, end);
 }
 
-inline bool is_ascii_digit(wchar unit) noexcept {
-    return unit >= u'0' && unit <= u'9';
-}
-
 /// Digits with one point among them, as the number they are without the point. Too few digits to overflow.
 struct RunDecimal {
     static constexpr std::ptrdiff_t kMaxDigits = 18;

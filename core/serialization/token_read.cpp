@@ -138,8 +138,7 @@ bool read_guid(UnitSource& source, GUID& id) {
         if (next == kEnd)
             return false;
         const auto unit = static_cast<wchar>(next);
-        const bool hyphen = i == 8 || i == 13 || i == 18 || i == 23;
-        if (hyphen ? unit != u'-' : hex_digit(unit) < 0)
+        if (is_guid_hyphen(i) ? unit != u'-' : hex_digit(unit) < 0)
             return false;
         text[i] = unit;
         source.skip();

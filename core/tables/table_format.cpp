@@ -2,6 +2,7 @@
 #include "core/tables/table_format.h"
 
 #include "core/collections/arguments.h"
+#include "core/serialization/malformed.h"
 
 #include <core/serialization/list_in_stream.h>
 #include <core/serialization/list_out_stream.h>

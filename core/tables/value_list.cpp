@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/arguments.h"
 #include "core/context/gathered_enum.h"
+#include "core/serialization/malformed.h"
 #include "core/tables/introsort.h"
 #include "core/tables/table_arguments.h"
 #include "core/tables/value_list_impl.h"

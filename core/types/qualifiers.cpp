@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/serialization/malformed.h"
+
 #include <core/runtime/error.h>
 #include <core/serialization/list_in_stream.h>
 #include <core/serialization/list_out_stream.h>
@@ -117,10 +119,6 @@ bool DateQualifiers::isSubset(const DateQualifiers& other) const noexcept {
 
 namespace {
 
-[[noreturn]] void malformed() {
-    throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
-}
-
 template <class... Fields>
 void put_list(ListOutStream& out, const Fields&... fields) {
     out.putBeginOfList();
@@ -155,7 +153,7 @@ void from_stream(ListInStream& in, NumericQualifiers& qualifiers) {
     bool nonnegative = false;
     get_list(in, digits, fractionDigits, nonnegative);
     if (fractionDigits > digits)
-        malformed();
+        throw_malformed();
     qualifiers = NumericQualifiers(digits, fractionDigits, nonnegative);
 }
 
@@ -170,7 +168,7 @@ void from_stream(ListInStream& in, DateQualifiers& qualifiers) {
     std::uint32_t fractions = 0;
     get_list(in, fractions);
     if (fractions < 1 || fractions > 3)
-        malformed();
+        throw_malformed();
     qualifiers = DateQualifiers(static_cast<DateFractions>(fractions));
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/error.h>
+#include "core/serialization/malformed.h"
+
 #include <core/serialization/list_in_stream.h>
 #include <core/serialization/list_out_stream.h>
 #include <core/types/type_domain_pattern.h>
@@ -17,10 +18,6 @@ constexpr GUID kPrimitives[] = {kUndefinedType, kNullType, kBooleanType, kNumber
 /// The kind whose type has the id; `object` for every other id.
 ValueKind kind_of(const GUID& type) noexcept {
     return static_cast<ValueKind>(std::ranges::find(kPrimitives, type) - kPrimitives);
-}
-
-[[noreturn]] void malformed() {
-    throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
 }
 
 } // namespace
@@ -158,7 +155,7 @@ void TypeDomainPattern::deserialize(ListInStream& in) {
     in.getEndOfList();
     read.addTypes(types);
     if (read.size() != types.size()) // a type twice
-        malformed();
+        throw_malformed();
     *this = std::move(read);
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/serialization/malformed.h"
 #include "core/values/value_run.h"
 
 #include <core/runtime/error.h>
@@ -17,10 +18,6 @@ constexpr wchar kTags[] = u"ULBNSDT#";
 
 wchar tag_of(ValueKind kind) noexcept {
     return kTags[static_cast<std::size_t>(kind)];
-}
-
-[[noreturn]] void malformed() {
-    throw_error<ListStreamException>("IDS_LISTSTREAMERROR");
 }
 
 void serialize_object(IOutPersistenceStorage* storage, const Value& value) {
@@ -75,7 +72,7 @@ GenericValue get_payload_of(wchar tag, IInPersistenceStorage* storage) {
     case u'#':
         return deserialize_object(storage);
     default:
-        malformed();
+        throw_malformed();
     }
 }
 
@@ -146,7 +143,7 @@ GenericValue GenericValue::fromString(wstring_view text) {
     GenericValue value = deserialize(&storage);
     skip_spaces(memory);
     if (memory.peek() != MemoryInStream::traits_type::eof())
-        malformed();
+        throw_malformed();
     return value;
 }
 

@@ -18,10 +18,6 @@ bool continues_name(core::wchar c) noexcept {
     return core::is_alnum(c) || c == u'_';
 }
 
-bool is_ascii_digit(core::wchar c) noexcept {
-    return c >= u'0' && c <= u'9';
-}
-
 /// One line end, of one or two units.
 std::size_t skip_line_end(core::wstring_view text, std::size_t at) noexcept {
     return at + (text.substr(at, 2) == u"\r\n" ? 2 : 1);
@@ -55,7 +51,7 @@ Token Lexer::next() {
             ++at_;
         return {keyword(text_.substr(begin, at_ - begin)), since(begin)};
     }
-    if (is_ascii_digit(c))
+    if (core::is_ascii_digit(c))
         return number();
     if (c == u'"')
         return string();
@@ -80,11 +76,11 @@ void Lexer::skip_blanks() {
 Token Lexer::number() {
     const std::size_t begin = at_;
     const auto digits = [this] {
-        while (is_ascii_digit(at(at_)))
+        while (core::is_ascii_digit(at(at_)))
             ++at_;
     };
     digits();
-    if (at(at_) == u'.' && is_ascii_digit(at(at_ + 1))) {
+    if (at(at_) == u'.' && core::is_ascii_digit(at(at_ + 1))) {
         ++at_;
         digits();
     }
@@ -123,7 +119,7 @@ Token Lexer::string() {
 Token Lexer::date() {
     const std::size_t begin = at_++;
     const std::size_t digits = at_;
-    while (is_ascii_digit(at(at_)))
+    while (core::is_ascii_digit(at(at_)))
         ++at_;
     const std::size_t count = at_ - digits;
     const bool closed = at(at_) == u'\'';

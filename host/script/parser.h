@@ -18,7 +18,8 @@ enum class Mode {
 /// Reads a script. New variables are added to `variables`, also when it fails. Throws ScriptError for the
 /// first thing that is wrong.
 ///
-/// The grammar stands in docs/corehost.md, "The language". After "." and New every word is a name, keywords included.
+/// The grammar stands in docs/corehost.md, "The language". After "." and New every word is a name, keywords
+/// included.
 [[nodiscard]] Program parse(std::shared_ptr<const Source> source, Variables& variables,
                             Mode mode = Mode::file);
 

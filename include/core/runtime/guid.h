@@ -46,6 +46,22 @@ consteval unsigned hex_nibble(char c) {
     throw "an id holds hexadecimal digits and hyphens only";
 }
 
+/// The places of the hyphens in the written form.
+constexpr bool is_guid_hyphen(std::size_t i) noexcept {
+    return i == 8 || i == 13 || i == 18 || i == 23;
+}
+/// The id whose written form has these bytes in this order.
+constexpr GUID guid_of(const std::uint8_t (&bytes)[16]) noexcept {
+    GUID id;
+    id.data1 = std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 |
+               bytes[3];
+    id.data2 = static_cast<std::uint16_t>(bytes[4] << 8 | bytes[5]);
+    id.data3 = static_cast<std::uint16_t>(bytes[6] << 8 | bytes[7]);
+    for (std::size_t i = 0; i < 8; ++i)
+        id.data4[i] = bytes[8 + i];
+    return id;
+}
+
 } // namespace detail
 
 inline namespace literals {
@@ -57,7 +73,7 @@ consteval GUID operator""_guid(const char* text, std::size_t length) {
     std::uint8_t bytes[16] = {};
     std::size_t nibble = 0;
     for (std::size_t i = 0; i < length; ++i) {
-        if (i == 8 || i == 13 || i == 18 || i == 23) {
+        if (detail::is_guid_hyphen(i)) {
             if (text[i] != '-')
                 throw "the groups of an id are separated by hyphens";
             continue;
@@ -65,14 +81,7 @@ consteval GUID operator""_guid(const char* text, std::size_t length) {
         bytes[nibble / 2] = static_cast<std::uint8_t>(bytes[nibble / 2] * 16U + detail::hex_nibble(text[i]));
         ++nibble;
     }
-    GUID id;
-    id.data1 = std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 |
-               bytes[3];
-    id.data2 = static_cast<std::uint16_t>(bytes[4] << 8 | bytes[5]);
-    id.data3 = static_cast<std::uint16_t>(bytes[6] << 8 | bytes[7]);
-    for (std::size_t i = 0; i < 8; ++i)
-        id.data4[i] = bytes[8 + i];
-    return id;
+    return detail::guid_of(bytes);
 }
 
 } // namespace literals

@@ -126,7 +126,8 @@ CORE_API bool from_stream(wistream& in, wchar* buffer, std::uint32_t size);
 }
 /// Writes the four lowercase hexadecimal digits of a unit, no terminator.
 CORE_API void escape_char(wchar unit, wchar* out) noexcept;
-/// The unit that four hexadecimal digits stand for.
+/// The unit that four hexadecimal digits stand for. `in` points to four units; when one of them is no digit,
+/// the unit is any.
 [[nodiscard]] CORE_API wchar unescape_char(const wchar* in) noexcept;
 
 } // namespace core

@@ -45,6 +45,9 @@ constexpr bool is_ascii(wchar c) noexcept {
 [[nodiscard]] inline bool is_alnum(wchar c) noexcept {
     return detail::is_ascii(c) ? is_alnum(static_cast<char>(c)) : detail::is_wide_alnum(c);
 }
+[[nodiscard]] constexpr bool is_ascii_digit(wchar c) noexcept {
+    return c >= u'0' && c <= u'9';
+}
 /// The value of a decimal digit of any script, 0 to 9; -1 for anything else.
 [[nodiscard]] inline int digit(wchar c) noexcept {
     return detail::is_ascii(c) ? digit(static_cast<char>(c)) : detail::wide_digit(c);

@@ -38,8 +38,5 @@ template <NumericInteger T>
 [[nodiscard]] inline InterfacePtr<IValue> create_date_value(Date value) {
     return Value(value).getIValue();
 }
-[[nodiscard]] inline InterfacePtr<IValue> create_type_value(const Type& type) {
-    return Value(type).getIValue();
-}
 
 } // namespace core
