@@ -11,8 +11,7 @@ namespace host::script {
 
 enum class ViewFor {
     people,
-    programs, ///< the columns' English names are the titles; behind a column Level, 0 for topmost rows, a
-              ///< tree's
+    programs, ///< English names are the titles; a tree has a column Level in front, 0 for topmost rows
 };
 
 /// What a value table, a value tree or a value list shows; nothing for any other value. A tree's rows stand

@@ -6,13 +6,17 @@
 #include "tests/host/program_fixture.h"
 #include "tests/host/script_fixture.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <iostream>
+#include <thread>
 
 namespace host {
 namespace {
@@ -109,6 +113,17 @@ TEST_F(HistoryTest, LinesComeBackAndTheFileStaysShort) {
     EXPECT_EQ(history.load().size(), HistoryFile::kMostLines);
     EXPECT_EQ(history.load().back(), std::to_string(2 * HistoryFile::kMostLines - 1));
     EXPECT_EQ(text_of(path("new/folder/history")).substr(0, 5), "1000\n");
+
+    // a line that is entered while another console puts a shorter file in place
+    const std::string old = path("new/folder/history");
+    const int lock = ::open(old.c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+    std::thread beside([&] { history.append("late"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::filesystem::rename(file("shorter", "short\n"), old);
+    ::close(lock);
+    beside.join();
+    EXPECT_EQ(history.load(), (std::vector<std::string>{"short", "late"}));
 
     for (const std::string& nowhere : {std::string(), file("plain", "") + "/history", folder().string()}) {
         const HistoryFile none(nowhere);
