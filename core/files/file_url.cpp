@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/files/disk_file.h>
-#include <core/runtime/utf8.h>
+#include "core/files/disk_path.h"
 
+#include <core/files/disk_file.h>
+#include <core/files/file_error.h>
+#include <core/runtime/utf8.h>
+#include <core/strings/compare.h>
+
+#include <cerrno>
 #include <optional>
 
 namespace core {
@@ -24,7 +29,36 @@ std::optional<unsigned> hex_digit(char c) {
     return std::nullopt;
 }
 
+/// The path in a URL, its escapes resolved.
+std::string unescaped(wstring_view text) {
+    const std::string escaped = to_utf8(text);
+    std::string path;
+    path.reserve(escaped.size());
+    for (std::size_t i = 0; i < escaped.size(); ++i) {
+        if (escaped[i] == '%' && i + 2 < escaped.size()) {
+            const auto high = hex_digit(escaped[i + 1]);
+            const auto low = hex_digit(escaped[i + 2]);
+            if (high && low) {
+                path.push_back(static_cast<char>(*high << 4 | *low));
+                i += 2;
+                continue;
+            }
+        }
+        path.push_back(escaped[i]);
+    }
+    return path;
+}
+
 } // namespace
+
+bool is_file_url(wstring_view text) noexcept {
+    return text.size() >= kPrefix.size() && compare_nocase(text.substr(0, kPrefix.size()), kPrefix) == 0;
+}
+
+void require_whole_path(const std::string& path) {
+    if (path.find('\0') != std::string::npos)
+        throw_file_error("IDS_FILE_OPEN", file_url(path), EINVAL);
+}
 
 wstring file_url(std::string_view path) {
     constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
@@ -41,23 +75,8 @@ wstring file_url(std::string_view path) {
 }
 
 std::string file_path(wstring_view url) {
-    if (!url.starts_with(kPrefix))
-        return to_utf8(url);
-    const std::string escaped = to_utf8(url.substr(kPrefix.size()));
-    std::string path;
-    path.reserve(escaped.size());
-    for (std::size_t i = 0; i < escaped.size(); ++i) {
-        if (escaped[i] == '%' && i + 2 < escaped.size()) {
-            const auto high = hex_digit(escaped[i + 1]);
-            const auto low = hex_digit(escaped[i + 2]);
-            if (high && low) {
-                path.push_back(static_cast<char>(*high << 4 | *low));
-                i += 2;
-                continue;
-            }
-        }
-        path.push_back(escaped[i]);
-    }
+    std::string path = is_file_url(url) ? unescaped(url.substr(kPrefix.size())) : to_utf8(url);
+    require_whole_path(path);
     return path;
 }
 

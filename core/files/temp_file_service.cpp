@@ -26,7 +26,7 @@ class TempFileService : public ITempFileService {
 
     wstring createNamed() override {
         const std::string path = temp_folder() + "/core-" + to_utf8(to_string(new_guid()));
-        return open_disk_file(path, OpenMode::createNew)->url();
+        return open_disk_file(path, OpenMode::createNew, kPrivateFile)->url();
     }
 };
 
@@ -37,7 +37,7 @@ const SCOM_ServiceEntryInit<TempFileService, &kTempFileServiceClass, &ITempFileS
 } // namespace
 
 InterfacePtr<ITempFileService> create_temp_file_service() {
-    return SCOM_InternalClass<TempFileService>::create();
+    return make_object<TempFileService>();
 }
 
 } // namespace core
