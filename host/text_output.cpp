@@ -57,6 +57,7 @@ fs::path followed(const fs::path& file) {
 } // namespace
 
 void write_text_file(const std::string& file, const TextWriter& write) {
+    core::require_whole_path(file);
     if (is_device(file)) {
         const core::wstring url = core::file_url(file);
         errno = 0;

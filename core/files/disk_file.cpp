@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/files/disk_path.h"
+
 #include <core/files/disk_file.h>
 #include <core/files/file_error.h>
 #include <core/files/file_impl.h>
@@ -26,21 +28,41 @@ constexpr int kSetLock = F_SETLK;
 // No system reads or writes more in one call.
 constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
 
+/// An open descriptor of the system, closed at the end.
+class Descriptor {
+  public:
+    explicit Descriptor(int number) noexcept : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() { (void)close(); }
+
+    [[nodiscard]] int number() const noexcept { return number_; }
+    /// False when what was written before is not where it should be. Interrupted or not, the descriptor is
+    /// gone.
+    [[nodiscard]] bool close() noexcept {
+        return number_ < 0 || ::close(std::exchange(number_, -1)) == 0 || errno == EINTR;
+    }
+
+  private:
+    int number_;
+};
+
 class DiskFile : public FileImpl, public ISharedFile {
   public:
     using Interfaces = InterfaceList<IFile, ISharedFile>;
 
-    /// Takes over `descriptor`. `path` is not empty when the file may be new, and is
-    /// needed for the first flush only.
-    DiskFile(int descriptor, wstring url, std::string path)
-        : FileImpl(std::move(url)), descriptor_(descriptor), newPath_(std::move(path)) {}
-    ~DiskFile() override { DiskFile::close(); }
+    /// `path` is not empty when the file may be new, and is needed for the first flush only.
+    DiskFile(Descriptor descriptor, wstring url, std::string path)
+        : FileImpl(std::move(url)), descriptor_(std::move(descriptor)), newPath_(std::move(path)) {}
 
     std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
         if (position > kMaxFileLength)
             return 0;
         for (;;) {
-            const auto done = ::pread(descriptor_, buffer, std::min(count, kMaxTransfer), offset(position));
+            const auto done =
+                ::pread(descriptor_.number(), buffer, std::min(count, kMaxTransfer), offset(position));
             if (done >= 0)
                 return static_cast<std::size_t>(done);
             if (errno != EINTR)
@@ -52,7 +74,8 @@ class DiskFile : public FileImpl, public ISharedFile {
         if (position > kMaxFileLength)
             throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
         for (;;) {
-            const auto done = ::pwrite(descriptor_, buffer, std::min(count, kMaxTransfer), offset(position));
+            const auto done =
+                ::pwrite(descriptor_.number(), buffer, std::min(count, kMaxTransfer), offset(position));
             if (done >= 0)
                 return static_cast<std::size_t>(done);
             if (errno != EINTR)
@@ -65,7 +88,7 @@ class DiskFile : public FileImpl, public ISharedFile {
     void truncate(std::uint64_t length) override {
         if (length > kMaxFileLength)
             throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
-        while (::ftruncate(descriptor_, offset(length)) != 0) {
+        while (::ftruncate(descriptor_.number(), offset(length)) != 0) {
             if (errno != EINTR)
                 throw_file_error("IDS_FILE_WRITE", url(), errno);
         }
@@ -73,17 +96,18 @@ class DiskFile : public FileImpl, public ISharedFile {
 
     void flush() override {
         // Not even an interrupted call is repeated: the system may have forgotten what it could not write.
-        if (::fdatasync(descriptor_) != 0)
+        if (::fdatasync(descriptor_.number()) != 0)
             throw_file_error("IDS_FILE_FLUSH", url(), errno);
         if (!newPath_.empty()) {
-            flushFolder();
+            flush_folder_of(newPath_);
             newPath_.clear();
         }
     }
 
     void close() override {
-        if (descriptor_ >= 0)
-            ::close(std::exchange(descriptor_, -1)); // nothing is buffered here that could fail late
+        // Nothing is buffered here, but files of other machines can fail as late as this.
+        if (!descriptor_.close())
+            throw_file_error("IDS_FILE_FLUSH", url(), errno);
     }
 
     bool tryLock(std::uint64_t start, std::uint64_t length, LockKind kind) override {
@@ -113,7 +137,7 @@ class DiskFile : public FileImpl, public ISharedFile {
 
     [[nodiscard]] struct stat status() const {
         struct stat result {};
-        if (::fstat(descriptor_, &result) != 0)
+        if (::fstat(descriptor_.number(), &result) != 0)
             throw_file_error("IDS_FILE_READ", url(), errno);
         return result;
     }
@@ -124,29 +148,14 @@ class DiskFile : public FileImpl, public ISharedFile {
         region.l_whence = SEEK_SET;
         region.l_start = offset(start);
         region.l_len = offset(length);
-        while (::fcntl(descriptor_, kSetLock, &region) != 0) {
+        while (::fcntl(descriptor_.number(), kSetLock, &region) != 0) {
             if (errno != EINTR)
                 return false;
         }
         return true;
     }
 
-    /// A new file is durable only when the folder that names it is.
-    void flushFolder() {
-        const auto slash = newPath_.rfind('/');
-        const std::string folder =
-            slash == std::string::npos ? "." : newPath_.substr(0, std::max<std::size_t>(slash, 1));
-        const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (descriptor < 0)
-            return; // a folder that may be written but not read: nothing more can be done
-        const bool failed = ::fsync(descriptor) != 0 && errno != EINVAL; // not every system can
-        const int reason = errno;
-        ::close(descriptor);
-        if (failed)
-            throw_file_error("IDS_FILE_FLUSH", url(), reason);
-    }
-
-    int descriptor_;
+    Descriptor descriptor_;
     std::string newPath_;
 };
 
@@ -168,33 +177,48 @@ int open_flags(OpenMode mode) {
 
 } // namespace
 
-InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode) {
+std::string folder_of(const std::string& path) {
+    const auto slash = path.rfind('/');
+    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+void flush_folder_of(const std::string& path) {
+    const std::string folder = folder_of(path);
+    const Descriptor descriptor(
+        ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.number() < 0 && errno == EACCES)
+        return; // a folder that may be written but not read: nothing more can be done
+    if (descriptor.number() >= 0 && (::fsync(descriptor.number()) == 0 || errno == EINVAL))
+        return; // not every system can
+    const int reason = errno;
+    throw_file_error("IDS_FILE_FLUSH", file_url(path), reason);
+}
+
+InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode, unsigned permissions) {
+    require_whole_path(path);
     const wstring url = file_url(path);
-    // A name with a zero byte would be cut there and mean another file.
-    if (path.find('\0') != std::string::npos)
-        throw_file_error("IDS_FILE_OPEN", url, EINVAL);
-    int descriptor = -1;
+    int number = -1;
     do
-        descriptor = ::open(path.c_str(), open_flags(mode) | O_CLOEXEC, 0666);
-    while (descriptor < 0 && errno == EINTR);
-    if (descriptor < 0)
+        number = ::open(path.c_str(), open_flags(mode) | O_CLOEXEC, permissions);
+    while (number < 0 && errno == EINTR);
+    if (number < 0)
         throw_file_error("IDS_FILE_OPEN", url, errno);
+    Descriptor descriptor(number);
     struct stat status {};
-    if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
-        ::close(descriptor);
+    if (::fstat(number, &status) == 0 && S_ISDIR(status.st_mode))
         throw_file_error("IDS_FILE_OPEN", url, EISDIR);
-    }
     const bool mayBeNew = mode != OpenMode::read && mode != OpenMode::readWrite;
-    return SCOM_InternalClass<DiskFile>::create(descriptor, url, mayBeNew ? path : std::string());
+    return make_object<DiskFile>(std::move(descriptor), url, mayBeNew ? path : std::string());
 }
 
 InterfacePtr<IFile> create_temp_file(const std::string& folder) {
+    require_whole_path(folder);
     std::string path = folder + "/core-XXXXXX";
-    const int descriptor = ::mkostemp(path.data(), O_CLOEXEC);
-    if (descriptor < 0)
+    Descriptor descriptor(::mkostemp(path.data(), O_CLOEXEC));
+    if (descriptor.number() < 0)
         throw_file_error("IDS_FILE_OPEN", file_url(folder), errno);
     ::unlink(path.c_str());
-    return SCOM_InternalClass<DiskFile>::create(descriptor, file_url(path), std::string());
+    return make_object<DiskFile>(std::move(descriptor), file_url(path), std::string());
 }
 
 } // namespace core

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/files/disk_path.h"
 #include "core/files/schemes.h"
 
 #include <core/files/disk_file.h>
@@ -7,7 +8,6 @@
 #include <core/files/file_time.h>
 #include <core/files/wildcard.h>
 #include <core/runtime/internal_class.h>
-#include <core/runtime/random.h>
 #include <core/runtime/utf8.h>
 
 #include <sys/stat.h>
@@ -26,11 +26,6 @@ namespace fs = std::filesystem;
 
 const wstring kScheme = u"file";
 
-std::string folder_of(const std::string& path) {
-    const auto slash = path.rfind('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
 bool is_same_file(const std::string& a, const std::string& b) {
     std::error_code error;
     return fs::equivalent(a, b, error);
@@ -42,7 +37,7 @@ FileInfo describe(const std::string& path) {
     if (::stat(path.c_str(), &status) == 0) {
         info.isFolder = S_ISDIR(status.st_mode);
         info.length = info.isFolder ? 0 : static_cast<std::uint64_t>(status.st_size);
-        info.modified = universal_date(std::chrono::system_clock::from_time_t(status.st_mtime));
+        info.modified = unix_date(status.st_mtime);
     }
     return info;
 }
@@ -87,13 +82,19 @@ class DiskScheme : public IFileScheme {
         saveFile(*open_disk_file(source, OpenMode::read), to);
     }
 
-    /// The target has its old bytes or the new ones, never a part: the copy is made beside it and renamed.
-    void saveFile(IFile& content, const wstring& to) override {
+    /// The target has its old bytes or the new ones, never a part: they are written beside it and renamed.
+    void writeFile(const wstring& to, const FileWriter& write) override {
         const std::string target = file_path(to);
-        const std::string beside = target + "." + to_utf8(to_string(new_guid()));
-        const auto output = open_disk_file(beside, OpenMode::createNew);
+        const std::string beside = folder_of(target) + name_beside();
+        struct stat old {};
+        const bool replaces = ::stat(target.c_str(), &old) == 0;
+        // What replaces a file is nobody else's until it has the permissions of that.
+        const auto output =
+            open_disk_file(beside, OpenMode::createNew, replaces ? kPrivateFile : kPublicFile);
         try {
-            copy_bytes(content, *output);
+            write(*output);
+            if (replaces) // a file system without permissions is no reason to stop
+                (void)::chmod(beside.c_str(), old.st_mode & 0777);
             output->flush();
             output->close();
             rename(beside, target);
@@ -109,8 +110,12 @@ class DiskScheme : public IFileScheme {
         const std::string target = file_path(to);
         if (is_same_file(source, target))
             throw_file_error("IDS_FILE_COPY_ONTO_ITSELF", to, EEXIST);
-        if (std::rename(source.c_str(), target.c_str()) == 0)
+        if (std::rename(source.c_str(), target.c_str()) == 0) {
+            flush_folder_of(target);
+            if (folder_of(source) != folder_of(target))
+                flush_folder_of(source);
             return;
+        }
         if (errno != EXDEV)
             throw_file_error("IDS_FILE_MOVE", from, errno);
         copyFile(from, to);
@@ -126,23 +131,57 @@ class DiskScheme : public IFileScheme {
         return slash == wstring::npos ? wstring_view(url) : wstring_view(url).substr(slash + 1);
     }
 
+    /// The same for comparing with names of files: between the wildcards, all stands for itself.
+    static wstring decodedPattern(const wstring& url) {
+        const bool escaped = is_file_url(url);
+        wstring_view rest = patternOf(url);
+        wstring pattern;
+        while (!rest.empty()) {
+            const std::size_t count = std::min(rest.find_first_of(u"*?"), rest.size());
+            const wstring_view piece = rest.substr(0, count);
+            pattern += comparable(file_path(escaped ? wstring(u"file://").append(piece) : wstring(piece)));
+            pattern += rest.substr(count, 1);
+            rest.remove_prefix(std::min(count + 1, rest.size()));
+        }
+        return pattern;
+    }
+
+    /// A name as units among which neither a wildcard stands nor two names that differ are the same: halves
+    /// of surrogate pairs, which no text in UTF-8 has, stand for what is no text.
+    static wstring comparable(const std::string& name) {
+        constexpr unsigned kHalf = 0xDC00;
+        wstring units = from_utf8(name);
+        if (to_utf8(units) != name) {
+            units.clear();
+            for (const char c : name) {
+                const auto byte = static_cast<unsigned char>(c);
+                units.push_back(static_cast<wchar>(byte < 0x80 ? byte : kHalf | byte));
+            }
+        }
+        for (wchar& unit : units) {
+            if (unit == u'*' || unit == u'?')
+                unit = static_cast<wchar>(kHalf | unit);
+        }
+        return units;
+    }
+
     static std::vector<std::string> matching(const wstring& url) {
-        const std::string whole = file_path(url);
         std::vector<std::string> paths;
         std::error_code error;
         if (!isPattern(url)) {
+            std::string whole = file_path(url);
             if (fs::symlink_status(whole, error).type() != fs::file_type::not_found)
-                paths.push_back(whole);
+                paths.push_back(std::move(whole));
             return paths;
         }
-        const std::string folder = folder_of(whole);
-        const wstring pattern = from_utf8(whole.substr(folder.size()));
+        const std::string folder = file_path(wstring_view(url).substr(0, url.rfind(u'/') + 1));
+        const wstring pattern = decodedPattern(url);
         fs::directory_iterator entries(folder.empty() ? std::string(".") : folder, error);
         if (error && error.value() != ENOENT)
             throw_file_error("IDS_FILE_READ", url, error.value());
         for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
             const std::string name = entries->path().filename().string();
-            if (matches_wildcard(from_utf8(name), pattern))
+            if (matches_wildcard(comparable(name), pattern))
                 paths.push_back(folder + name);
         }
         if (error && error.value() != ENOENT)
@@ -154,13 +193,14 @@ class DiskScheme : public IFileScheme {
     static void rename(const std::string& from, const std::string& to) {
         if (std::rename(from.c_str(), to.c_str()) != 0)
             throw_file_error("IDS_FILE_MOVE", file_url(to), errno);
+        flush_folder_of(to);
     }
 };
 
 } // namespace
 
 InterfacePtr<IFileScheme> create_disk_scheme() {
-    return SCOM_InternalClass<DiskScheme>::create();
+    return make_object<DiskScheme>();
 }
 
 } // namespace core

@@ -36,9 +36,11 @@ class FileSystem : public IFileSystem {
     }
 
     void registerScheme(IFileScheme* scheme) override {
-        revokeScheme(scheme->schemeName());
         const std::lock_guard lock(mutex_);
-        schemes_.emplace_back(scheme);
+        if (const auto old = named(scheme->schemeName()); old != schemes_.end())
+            *old = InterfacePtr<IFileScheme>(scheme);
+        else
+            schemes_.emplace_back(scheme);
     }
 
     void revokeScheme(const wstring& name) override {
@@ -48,8 +50,7 @@ class FileSystem : public IFileSystem {
 
     InterfacePtr<IFileScheme> findScheme(const wstring& name) override {
         const std::lock_guard lock(mutex_);
-        const auto found = std::find_if(schemes_.begin(), schemes_.end(),
-                                        [&](const auto& scheme) { return isNamed(*scheme, name); });
+        const auto found = named(name);
         return found != schemes_.end() ? *found : nullptr;
     }
 
@@ -85,9 +86,18 @@ class FileSystem : public IFileSystem {
         }
     }
 
+    void writeFile(const wstring& to, const FileWriter& write) override {
+        schemeOf(to)->writeFile(to, write);
+    }
+
   private:
     static bool isNamed(const IFileScheme& scheme, wstring_view name) {
         return compare_nocase(scheme.schemeName(), name) == 0;
+    }
+
+    std::vector<InterfacePtr<IFileScheme>>::iterator named(wstring_view name) {
+        return std::find_if(schemes_.begin(), schemes_.end(),
+                            [name](const auto& scheme) { return isNamed(*scheme, name); });
     }
 
     InterfacePtr<IFileScheme> schemeOf(const wstring& url) {
@@ -114,7 +124,7 @@ const SCOM_ServiceEntryInit<FileSystem, &kFileSystemClass, &IFileSystem::IID> en
 } // namespace
 
 InterfacePtr<IFileSystem> create_file_system() {
-    return SCOM_InternalClass<FileSystem>::create();
+    return make_object<FileSystem>();
 }
 
 } // namespace core

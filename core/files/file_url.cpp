@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/files/disk_path.h"
 #include "core/runtime/hex_digit.h"
 
 #include <core/files/disk_file.h>
+#include <core/files/file_error.h>
 #include <core/runtime/utf8.h>
+#include <core/strings/compare.h>
+
+#include <cerrno>
 
 namespace core {
 namespace {
@@ -14,7 +19,36 @@ bool is_plain(char c) {
            std::string_view("/-._~!$&'()+,;=:@").find(c) != std::string_view::npos;
 }
 
+/// The path in a URL, its escapes resolved.
+std::string unescaped(wstring_view text) {
+    const std::string escaped = to_utf8(text);
+    std::string path;
+    path.reserve(escaped.size());
+    for (std::size_t i = 0; i < escaped.size(); ++i) {
+        if (escaped[i] == '%' && i + 2 < escaped.size()) {
+            const int high = hex_digit(static_cast<unsigned char>(escaped[i + 1]));
+            const int low = hex_digit(static_cast<unsigned char>(escaped[i + 2]));
+            if (high >= 0 && low >= 0) {
+                path.push_back(static_cast<char>(high << 4 | low));
+                i += 2;
+                continue;
+            }
+        }
+        path.push_back(escaped[i]);
+    }
+    return path;
+}
+
 } // namespace
+
+bool is_file_url(wstring_view text) noexcept {
+    return text.size() >= kPrefix.size() && compare_nocase(text.substr(0, kPrefix.size()), kPrefix) == 0;
+}
+
+void require_whole_path(const std::string& path) {
+    if (path.find('\0') != std::string::npos)
+        throw_file_error("IDS_FILE_OPEN", file_url(path), EINVAL);
+}
 
 wstring file_url(std::string_view path) {
     constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
@@ -31,25 +65,8 @@ wstring file_url(std::string_view path) {
 }
 
 std::string file_path(wstring_view url) {
-    if (!url.starts_with(kPrefix))
-        return to_utf8(url);
-    const std::string escaped = to_utf8(url.substr(kPrefix.size()));
-    std::string path;
-    path.reserve(escaped.size());
-    for (std::size_t i = 0; i < escaped.size(); ++i) {
-        if (escaped[i] == '%' && i + 2 < escaped.size()) {
-            const auto digit = [&](std::size_t at) {
-                return hex_digit(static_cast<unsigned char>(escaped[at]));
-            };
-            const int high = digit(i + 1), low = digit(i + 2);
-            if (high >= 0 && low >= 0) {
-                path.push_back(static_cast<char>(high << 4 | low));
-                i += 2;
-                continue;
-            }
-        }
-        path.push_back(escaped[i]);
-    }
+    std::string path = is_file_url(url) ? unescaped(url.substr(kPrefix.size())) : to_utf8(url);
+    require_whole_path(path);
     return path;
 }
 

@@ -119,7 +119,7 @@ std::shared_ptr<MemoryFileData> create_memory_data() {
 }
 
 InterfacePtr<IFile> open_memory_file(std::shared_ptr<MemoryFileData> data, wstring url) {
-    return SCOM_InternalClass<MemoryFile>::create(std::move(data), std::move(url));
+    return make_object<MemoryFile>(std::move(data), std::move(url));
 }
 
 } // namespace core

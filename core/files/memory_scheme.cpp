@@ -2,7 +2,6 @@
 #include "core/files/schemes.h"
 
 #include <core/files/file_error.h>
-#include <core/files/file_io.h>
 #include <core/files/memory_file.h>
 #include <core/files/wildcard.h>
 #include <core/runtime/internal_class.h>
@@ -27,17 +26,18 @@ class MemoryScheme : public IFileScheme {
     InterfacePtr<IFile> openURL(const wstring& url, OpenMode mode) override {
         const std::lock_guard lock(mutex_);
         const wstring name = split_url(url).path;
-        const bool exists = files_.contains(name);
+        const auto found = files_.find(name);
+        const bool exists = found != files_.end();
         if (!exists && (mode == OpenMode::read || mode == OpenMode::readWrite))
             throw_file_error("IDS_FILE_OPEN", url, ENOENT);
         if (exists && mode == OpenMode::createNew)
             throw_file_error("IDS_FILE_OPEN", url, EEXIST);
-        std::shared_ptr<MemoryFileData>& data = files_[name];
-        if (data == nullptr)
-            data = create_memory_data();
+        const auto data = exists ? found->second : create_memory_data();
         auto file = open_memory_file(data, url);
         if (mode == OpenMode::replace)
             file->truncate(0);
+        if (!exists)
+            files_.emplace(name, data);
         return file;
     }
 
@@ -68,9 +68,9 @@ class MemoryScheme : public IFileScheme {
         saveFile(*openURL(from, OpenMode::read), to);
     }
 
-    void saveFile(IFile& content, const wstring& to) override {
+    void writeFile(const wstring& to, const FileWriter& write) override {
         const auto data = create_memory_data();
-        copy_bytes(content, *open_memory_file(data));
+        write(*open_memory_file(data, to));
         const std::lock_guard lock(mutex_);
         files_[split_url(to).path] = data;
     }
@@ -78,10 +78,11 @@ class MemoryScheme : public IFileScheme {
     void moveFile(const wstring& from, const wstring& to) override {
         refuseSame(from, to);
         const std::lock_guard lock(mutex_);
-        auto node = files_.extract(split_url(from).path);
-        if (node.empty())
+        const auto source = files_.find(split_url(from).path);
+        if (source == files_.end())
             throw_file_error("IDS_FILE_MOVE", from, ENOENT);
-        files_[split_url(to).path] = node.mapped();
+        files_[split_url(to).path] = source->second;
+        files_.erase(source);
     }
 
   private:
@@ -97,7 +98,7 @@ class MemoryScheme : public IFileScheme {
 } // namespace
 
 InterfacePtr<IFileScheme> create_memory_scheme() {
-    return SCOM_InternalClass<MemoryScheme>::create();
+    return make_object<MemoryScheme>();
 }
 
 } // namespace core

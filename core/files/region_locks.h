@@ -3,6 +3,8 @@
 
 #include <core/files/file.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace core {
@@ -19,6 +21,7 @@ class RegionLocks {
             if (lock.owner != owner && excludes && lock.begin < end && offset < lock.end)
                 return false;
         }
+        locks_.reserve(locks_.size() + 2); // one more, and one that falls apart
         unlock(owner, offset, length);
         locks_.push_back({owner, offset, end, kind});
         return true;
@@ -26,18 +29,20 @@ class RegionLocks {
 
     void unlock(const void* owner, std::uint64_t offset, std::uint64_t length) {
         const std::uint64_t end = offset + length;
-        std::vector<Lock> kept;
-        for (const Lock& lock : locks_) {
+        for (std::size_t i = 0; i < locks_.size();) {
+            const Lock lock = locks_[i];
             if (lock.owner != owner || lock.begin >= end || offset >= lock.end) {
-                kept.push_back(lock);
-                continue;
+                ++i;
+            } else if (lock.begin < offset) {
+                if (end < lock.end)
+                    locks_.push_back({owner, end, lock.end, lock.kind});
+                locks_[i++].end = offset;
+            } else if (end < lock.end) {
+                locks_[i++].begin = end;
+            } else {
+                locks_.erase(locks_.begin() + static_cast<std::ptrdiff_t>(i));
             }
-            if (lock.begin < offset)
-                kept.push_back({owner, lock.begin, offset, lock.kind});
-            if (end < lock.end)
-                kept.push_back({owner, end, lock.end, lock.kind});
         }
-        locks_ = std::move(kept);
     }
 
     void unlockAll(const void* owner) {

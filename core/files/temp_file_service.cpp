@@ -21,7 +21,7 @@ class TempFileService : public ITempFileService {
 
     wstring createNamed() override {
         const auto path = temp_folder() / ("core-" + to_utf8(to_string(new_guid())));
-        return open_disk_file(path.string(), OpenMode::createNew)->url();
+        return open_disk_file(path.string(), OpenMode::createNew, kPrivateFile)->url();
     }
 };
 
@@ -38,7 +38,7 @@ std::filesystem::path temp_folder() {
 }
 
 InterfacePtr<ITempFileService> create_temp_file_service() {
-    return SCOM_InternalClass<TempFileService>::create();
+    return make_object<TempFileService>();
 }
 
 } // namespace core

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/files/file_io.h>
 #include <core/runtime/error.h>
-#include <core/runtime/random.h>
 #include <core/serialization/text_file.h>
-
-#include <exception>
 
 namespace core {
 
@@ -33,25 +30,11 @@ wstring load_text(IFileSystem& files, const wstring& url) {
 }
 
 void save_text(IFileSystem& files, const wstring& url, const std::function<void(wostream&)>& write) {
-    const wstring beside = url + u"." + to_string(new_guid());
-    const InterfacePtr<IFile> file = files.openURL(beside, OpenMode::createNew);
-    try {
-        TextOutStream stream(file);
+    files.writeFile(url, [&](IFile& file) {
+        TextOutStream stream([&file](std::span<const std::byte> bytes) { write_all(file, bytes); }, url);
         write(stream);
         stream.finish();
-        file->flush();
-        file->close();
-        files.moveFile(beside, url);
-    } catch (...) {
-        const std::exception_ptr error = std::current_exception();
-        try {
-            file->close();
-            files.remove(beside);
-        } catch (const std::exception&) {
-            // What is reported is why the text was not saved.
-        }
-        std::rethrow_exception(error);
-    }
+    });
 }
 
 } // namespace core

@@ -4,8 +4,7 @@
 #include "core/storage/block_format.h"
 #include "core/storage/block_reader.h"
 #include "core/storage/container.h"
-
-#include <core/runtime/error.h>
+#include "core/storage/storage_error.h"
 
 #include <algorithm>
 #include <array>
@@ -80,7 +79,7 @@ void ChainWriter::requireRoom(std::uint64_t position, std::uint64_t count) const
     const StorageLayout& layout = container_.layout();
     const std::uint64_t most = layout.limit() / layout.blockLength(kBlock) * kBlock;
     if (position > most || count > most - position)
-        throw_error<StorageException>("IDS_STERROR_TOOLARGE", {container_.url()});
+        throw_storage_error("IDS_STERROR_TOOLARGE", container_.url());
 }
 
 void ChainWriter::writeAt(std::uint64_t position, std::span<const std::byte> bytes) {

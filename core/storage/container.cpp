@@ -1,26 +1,37 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
 
+#include "core/storage/storage_error.h"
+
 #include <core/files/file_io.h>
-#include <core/runtime/error.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace core {
 
-bool Container::create(IFile& file, const StorageLayout& layout) {
+bool Container::create(IFile& file, const StorageLayout& layout, bool replacing) {
     // Somebody else may be about to make one here and to put files into it.
     const ContainerLock lock(InterfacePtr<ISharedFile>(&file), layout, file.url());
     const ContainerLock::Turn turn(lock);
-    if (file.length() != 0)
+    const bool empty = file.length() == 0;
+    if (!empty && !replacing)
         return false;
     const ContainerHead::Bytes head = ContainerHead::empty(layout).encode(layout);
     std::vector<std::byte> bytes(head.begin(), head.begin() + ContainerHead::sizeIn(layout));
     // The table's first block holds, from the start, what never changes of the table.
     bytes.insert(bytes.end(), StorageFilesType::preamble().begin(), StorageFilesType::preamble().end());
-    write_all_at(file, 0, bytes);
-    file.flush();
+    lock.beginCommit(); // after whoever reads what there was
+    try {
+        write_all_at(file, 0, bytes);
+        file.flush();
+        if (!empty) // what a crash leaves behind the end counts as free
+            file.truncate(bytes.size());
+    } catch (...) {
+        lock.endCommit(false);
+        throw;
+    }
+    lock.endCommit(false);
     return true;
 }
 
@@ -80,9 +91,9 @@ Container::Turn::~Turn() {
 void Container::beginTurn() {
     const std::lock_guard lock(mutex_);
     if (options_.readOnly)
-        throw_error<StorageException>("IDS_STERROR_READONLY", {url_});
+        throw_storage_error("IDS_STERROR_READONLY", url_);
     if (failed_)
-        throw_error<StorageException>("IDS_STERROR_FAILED", {url_});
+        throw_storage_error("IDS_STERROR_FAILED", url_);
     if (turns_ == 0) {
         lock_.beginTurn();
         try {
@@ -105,7 +116,7 @@ void Container::endTurn() noexcept {
             try {
                 lock_.beginReading();
                 readLocked_ = true;
-            } catch (const Exception&) { // the next one to read finds out
+            } catch (...) { // the next one to read finds out
             }
         }
         lock_.endTurn();

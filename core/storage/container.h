@@ -45,8 +45,9 @@ class Container : public std::enable_shared_from_this<Container> {
     Container(const Container&) = delete;
     Container& operator=(const Container&) = delete;
 
-    /// Writes an empty container to an empty file. False when the file is not empty.
-    [[nodiscard]] static bool create(IFile& file, const StorageLayout& layout);
+    /// Writes an empty container to a file, in its turn: to an empty one, or whatever the file holds when
+    /// `replacing`. False when the file is left as it is.
+    [[nodiscard]] static bool create(IFile& file, const StorageLayout& layout, bool replacing);
 
     /// The committed state stands still while one of these lives. May be nested.
     class Reading {
@@ -125,6 +126,9 @@ class Container : public std::enable_shared_from_this<Container> {
     /// Returns blocks that were allocated and are not used after all.
     void giveBack(std::span<const BlockRange> place) noexcept;
     void giveBack(const BlockRuns& blocks) noexcept;
+    /// What is free is not known any more, because a call ran out of memory in the middle. Nothing is taken
+    /// nor committed before it is read anew.
+    void forgetSpace() noexcept { spaceCounter_.reset(); }
     /// Writes blocks in pieces; see encode_blocks().
     void write(std::span<const BlockRange> place, std::span<const std::byte> content, std::uint64_t chainSize,
                std::uint64_t next);
@@ -157,6 +161,9 @@ class Container : public std::enable_shared_from_this<Container> {
     void writeHead(const ContainerHead& head);
     void takeBack() noexcept;
     void cutTail() noexcept;
+    void requireSpace() const;
+    template <class Call>
+    auto onSpace(Call call) -> decltype(call());
     [[nodiscard]] std::uint64_t writeFreeChain(const RangeSet& kept, BlockRuns& blocks);
 
     // container_files.cpp
@@ -194,7 +201,7 @@ class Container : public std::enable_shared_from_this<Container> {
     ContainerHead head_;
     StorageFilesType table_;
     BlockRuns tableBlocks_;                     // but for the first, which never moves
-    std::optional<std::uint64_t> spaceCounter_; // the state that space_ belongs to
+    std::optional<std::uint64_t> spaceCounter_; // the state that space_ belongs to; none when it is not known
     BlockRuns freeBlocks_;
     FreeSpace space_;
     std::uint64_t state_ = 0;

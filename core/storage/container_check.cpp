@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
+#include "core/storage/storage_error.h"
 
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
@@ -178,7 +179,7 @@ wstring who(StorageUse use, const wstring& name) {
 StorageCheck Container::check() {
     const Reading reading(*this);
     if (table_.hasChanges() || space_.hasChanges())
-        throw_error<StorageException>("IDS_STERROR_TRANSACTION", {url_});
+        throw_storage_error("IDS_STERROR_TRANSACTION", url_);
     StorageCheck result;
     Survey found = survey(table_, head_, tableBlocks_, reader_, layout_, result.files);
     result.blocks = found.blocks;

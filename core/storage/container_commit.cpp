@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
 #include "core/storage/file_with_buffer.h"
+#include "core/storage/storage_error.h"
 
 #include <core/files/file_error.h>
 #include <core/files/file_io.h>
@@ -13,7 +14,7 @@ namespace core {
 void Container::begin() {
     const std::lock_guard lock(mutex_);
     if (transaction_)
-        throw_error<StorageException>("IDS_STERROR_TRANSACTION", {url_});
+        throw_storage_error("IDS_STERROR_TRANSACTION", url_);
     beginTurn();
     transaction_ = true;
 }
@@ -50,15 +51,16 @@ void Container::commitChanges() {
     if (!table_.hasChanges())
         return;
     RangeSet kept;
-    for (const FileWithBuffer* file : files_)
-        file->addFresh(kept);
-
     ContainerHead head = head_;
     BlockRuns tableBlocks(layout_.blockHeaderSize());
     BlockRuns freeBlocks(layout_.blockHeaderSize());
     StorageFilesType table(layout_);
     bool flushing = false;
     try {
+        if (failed_)
+            throw_storage_error("IDS_STERROR_FAILED", url_);
+        for (const FileWithBuffer* file : files_)
+            file->addFresh(kept);
         release(tableBlocks_);
         release(freeBlocks_);
         table = table_.merged();
@@ -84,7 +86,7 @@ void Container::commitChanges() {
         takeBack();
         throwBadFormat();
     } catch (...) {
-        failed_ = flushing;
+        failed_ = failed_ || flushing;
         takeBack();
         throw;
     }
@@ -98,13 +100,14 @@ void Container::commitChanges() {
     }
     lock_.endCommit(readLocked_);
 
+    // The changes are the committed state by now: nothing from here on may fail.
     head_ = head;
     headBytes_ = head.encode(layout_);
     table_ = std::move(table);
     tableBlocks_ = std::move(tableBlocks);
     freeBlocks_ = std::move(freeBlocks);
-    space_.commit(kept, table_.end());
     unsettled_ = !kept.empty();
+    space_.commit(std::move(kept), table_.end());
     spaceCounter_ = head.counter;
     reader_.setEnd(space_.end());
     ++state_;
@@ -142,7 +145,7 @@ void Container::writeHead(const ContainerHead& head) {
         try {
             write_all_at(*file_, 0, std::span(std::as_const(headBytes_)).first(size));
             file_->flush();
-        } catch (const Exception&) {
+        } catch (...) {
             loaded_ = false; // one of the two states, both whole; the next one to read sees which
         }
         throw;
@@ -150,20 +153,18 @@ void Container::writeHead(const ContainerHead& head) {
 }
 
 void Container::takeBack() noexcept {
-    for (FileWithBuffer* file : files_)
-        file->lose();
+    for (FileWithBuffer* file : files_) {
+        if (file->isWriter() || table_.isChanged(file->name()))
+            file->lose();
+    }
     unsettled_ = false;
     table_.revert();
-    try {
-        space_.rollback();
-    } catch (const std::bad_alloc&) {
-        failed_ = true; // where anything could be written is not known any more
-    }
+    space_.rollback();
     queue_.drop();
     reader_.forget();
     reader_.setEnd(table_.end());
     ++state_;
-    if (!failed_)
+    if (!failed_ && spaceCounter_)
         cutTail();
 }
 
@@ -173,35 +174,63 @@ void Container::cutTail() noexcept {
     try {
         if (file_->length() > space_.end())
             file_->truncate(space_.end());
-    } catch (const Exception&) {
+    } catch (...) { // the next commit tries again
+    }
+}
+
+void Container::requireSpace() const {
+    if (!spaceCounter_)
+        throw std::bad_alloc();
+}
+
+/// Runs `call`, which takes or gives space back.
+template <class Call>
+auto Container::onSpace(Call call) -> decltype(call()) {
+    requireSpace();
+    try {
+        return call();
+    } catch (...) {
+        forgetSpace();
+        throw;
     }
 }
 
 std::vector<BlockRange> Container::allocate(std::uint64_t blocks) {
     std::vector<BlockRange> place;
-    if (blocks != 0 && !(appending_ ? space_.allocateAtEnd(blocks, place) : space_.allocate(blocks, place)))
-        throw_error<StorageException>("IDS_STERROR_TOOLARGE", {url_});
+    const bool fits =
+        blocks == 0 || onSpace([&] {
+            return appending_ ? space_.allocateAtEnd(blocks, place) : space_.allocate(blocks, place);
+        });
+    if (!fits)
+        throw_storage_error("IDS_STERROR_TOOLARGE", url_);
     reader_.setEnd(std::max(reader_.end(), space_.end()));
     unsettled_ = unsettled_ || blocks != 0;
     return place;
 }
 
 void Container::release(const BlockRuns& blocks) {
-    if (blocks.overlap() || !space_.release(blocks))
+    if (blocks.overlap() || !onSpace([&] { return space_.release(blocks); }))
         throw ChainInFileExc(blocks.runs().front().address);
 }
 
 void Container::giveBack(std::span<const BlockRange> place) noexcept {
-    BlockRuns blocks(layout_.blockHeaderSize());
-    for (const BlockRange& range : place)
-        blocks.append(range.address, kStorageBlockSize, range.count);
-    giveBack(blocks);
+    try {
+        BlockRuns blocks(layout_.blockHeaderSize());
+        for (const BlockRange& range : place)
+            blocks.append(range.address, kStorageBlockSize, range.count);
+        giveBack(blocks);
+    } catch (...) {
+        forgetSpace();
+    }
 }
 
 void Container::giveBack(const BlockRuns& blocks) noexcept {
     for (auto run = blocks.runs().rbegin(); run != blocks.runs().rend(); ++run)
         queue_.drop(run->address, run->address + blocks.lengthOf(*run));
-    (void)space_.release(blocks); // false: everything was taken back by now
+    try {
+        (void)onSpace([&] { return space_.release(blocks); }); // false: everything was taken back by now
+    } catch (...) {                                            // what is free is read anew
+    }
 }
 
 void Container::write(std::span<const BlockRange> place, std::span<const std::byte> content,

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
-
-#include <core/runtime/error.h>
+#include "core/storage/storage_error.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +12,7 @@ namespace core {
 void Container::compact() {
     const std::lock_guard lock(mutex_);
     if (transaction_ || turns_ != 0)
-        throw_error<StorageException>("IDS_STERROR_TRANSACTION", {url_});
+        throw_storage_error("IDS_STERROR_TRANSACTION", url_);
     const Turn turn(*this);
     if (space_.free().empty() && head_.freeChain == layout_.null)
         return;

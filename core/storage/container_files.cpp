@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
 #include "core/storage/file_with_buffer.h"
+#include "core/storage/storage_error.h"
 
 #include <core/files/file_error.h>
 #include <core/files/file_io.h>
 #include <core/files/file_time.h>
 #include <core/files/wildcard.h>
-#include <core/runtime/error.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -102,11 +102,8 @@ std::vector<std::byte> Container::get(wstring_view name) {
 
 InterfacePtr<IFile> Container::open(wstring_view name, OpenMode mode) {
     const std::lock_guard lock(mutex_);
-    InterfacePtr<IFile> file = mode == OpenMode::read ? create_reader(shared_from_this(), name)
-                                                      : create_writer(shared_from_this(), name, mode);
-    if (!file)
-        throw std::bad_alloc();
-    return file;
+    return mode == OpenMode::read ? create_reader(shared_from_this(), name)
+                                  : create_writer(shared_from_this(), name, mode);
 }
 
 // Changing.
@@ -114,7 +111,7 @@ InterfacePtr<IFile> Container::open(wstring_view name, OpenMode mode) {
 void Container::refuseOpened(wstring_view name) const {
     for (const FileWithBuffer* file : files_) {
         if (file->isWriter() && file->name() == name)
-            throw_error<StorageException>("IDS_STERROR_OPENED", {urlOf(name)});
+            throw_storage_error("IDS_STERROR_OPENED", urlOf(name));
     }
 }
 
@@ -146,7 +143,7 @@ StorageFileInfo Container::newInfo(wstring_view name, const std::optional<Storag
 StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
                                       std::vector<BlockRange>& place) {
     if (info.name.size() > StorageFilesType::kLongestName)
-        throw_error<StorageException>("IDS_STERROR_LONGNAME", {url_});
+        throw_storage_error("IDS_STERROR_LONGNAME", url_);
     const std::vector<std::byte> record = info.encode();
     const std::uint64_t recordBlocks = blocks_for(record.size());
     place = allocate(recordBlocks + blocks_for(content.size()));

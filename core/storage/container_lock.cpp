@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container_lock.h"
 
+#include "core/storage/storage_error.h"
+
 #include <core/files/file_time.h>
-#include <core/runtime/error.h>
 #include <core/runtime/thread.h>
 
 namespace core {
@@ -18,9 +19,11 @@ void ContainerLock::wait(std::uint64_t offset, std::uint64_t length, LockKind ki
     if (file_->tryLock(offset, length, kind))
         return;
     const Date deadline = universal_now() + kPatience;
+    auto pauses =
+        kPatience.ticks() / (kPause.count() * kTicksPerSecond / 1000); // for clocks that are set back
     do {
-        if (universal_now() > deadline)
-            throw_error<StorageException>("IDS_STERROR_BUSY", {url_});
+        if (pauses-- == 0 || universal_now() > deadline)
+            throw_storage_error("IDS_STERROR_BUSY", url_);
         Thread::sleep(kPause);
     } while (!file_->tryLock(offset, length, kind));
 }
@@ -28,7 +31,7 @@ void ContainerLock::wait(std::uint64_t offset, std::uint64_t length, LockKind ki
 void ContainerLock::unlock(std::uint64_t offset, std::uint64_t length) const noexcept {
     try {
         file_->unlock(offset, length);
-    } catch (const Exception&) {
+    } catch (...) { // it ends with the open file
     }
 }
 
@@ -75,7 +78,7 @@ void ContainerLock::endCommit(bool reading) const noexcept {
         // From exclusive to shared: nobody can be in the way.
         if (reading && file_->tryLock(0, layout_.headerSize(), LockKind::shared))
             return;
-    } catch (const Exception&) {
+    } catch (...) { // given back as a whole
     }
     unlock(0, layout_.headerSize());
 }

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/file_with_buffer.h"
 
+#include "core/storage/storage_error.h"
+
 #include <core/files/file_error.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace core {
@@ -44,7 +47,7 @@ Container& FileWithBuffer::container() const {
 
 void FileWithBuffer::requireNotLost() const {
     if (lost_)
-        throw_error<StorageException>(isWriter() ? "IDS_STERROR_LOST" : "IDS_STERROR_CHANGED", {url()});
+        throw_storage_error(isWriter() ? "IDS_STERROR_LOST" : "IDS_STERROR_CHANGED", url());
 }
 
 std::size_t FileWithBuffer::readAt(std::uint64_t position, void* to, std::size_t count) {
@@ -158,6 +161,10 @@ void FileWithBuffer2::writing(Call call) {
     requireNotLost();
     try {
         container().checked(call);
+    } catch (const std::bad_alloc&) {
+        container().forgetSpace(); // blocks may have been lost on their way
+        lose();
+        throw;
     } catch (...) {
         if (!isLost())
             writer_->discard();
@@ -256,7 +263,7 @@ void FileWithBuffer2::flush() {
 void FileWithBuffer2::close() {
     if (!turn_)
         return;
-    const auto keep = container().shared_from_this();
+    const auto keep = shared();
     const std::lock_guard lock(keep->mutex());
     try {
         publish(false);
@@ -271,7 +278,7 @@ void FileWithBuffer2::close() {
 void FileWithBuffer2::giveUp() noexcept {
     if (!turn_)
         return;
-    const auto keep = container().shared_from_this(); // its mutex outlives this file
+    const auto keep = shared(); // its mutex outlives this file
     const std::lock_guard lock(keep->mutex());
     if (!isLost())
         writer_->discard();
@@ -280,12 +287,12 @@ void FileWithBuffer2::giveUp() noexcept {
 }
 
 InterfacePtr<IFile> create_reader(std::shared_ptr<Container> container, wstring_view name) {
-    return SCOM_InternalClass<FileWithBuffer>::create(std::move(container), name);
+    return make_object<FileWithBuffer>(std::move(container), name);
 }
 
 InterfacePtr<IFile> create_writer(const std::shared_ptr<Container>& container, wstring_view name,
                                   OpenMode mode) {
-    return SCOM_InternalClass<FileWithBuffer2>::create(container, name, mode);
+    return make_object<FileWithBuffer2>(container, name, mode);
 }
 
 } // namespace core

@@ -47,6 +47,7 @@ class FileWithBuffer : public FileImpl {
     virtual void fetch(std::uint64_t position, std::span<std::byte> out);
     [[nodiscard]] virtual std::uint64_t size() const noexcept { return chain_.size(); }
     [[nodiscard]] Container& container() const;
+    [[nodiscard]] std::shared_ptr<Container> shared() const noexcept { return container_; }
     [[nodiscard]] bool isLost() const noexcept { return lost_; }
     void requireNotLost() const;
     void forgetBuffer() noexcept { bufferLength_ = 0; }
@@ -83,7 +84,7 @@ class FileWithBuffer2 : public FileWithBuffer {
 
     [[nodiscard]] bool isWriter() const noexcept override { return true; }
     void addFresh(RangeSet& ranges) const override {
-        if (writer_)
+        if (writer_ && !isLost())
             writer_->addFresh(ranges);
     }
 

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/little_endian.h"
+#include "core/strings/folded_reader.h"
 
 #include <core/storage/files_type.h>
-
-#include <unicode/uchar.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <array>
@@ -18,19 +16,6 @@ namespace {
 
 // Tells this table layout from any other, in a place that stays the same through all commits.
 constexpr std::string_view kMark = "table of inner files, layout 1\r\n";
-
-bool is_ascii(wchar c) noexcept {
-    return c < 0x80;
-}
-wchar fold_ascii(wchar c) noexcept {
-    return c >= u'A' && c <= u'Z' ? static_cast<wchar>(c + 32) : c;
-}
-
-int compare_folded(wstring_view a, wstring_view b) noexcept {
-    UErrorCode status = U_ZERO_ERROR;
-    return u_strCaseCompare(a.data(), static_cast<std::int32_t>(a.size()), b.data(),
-                            static_cast<std::int32_t>(b.size()), U_FOLD_CASE_DEFAULT, &status);
-}
 
 void copy_units(wchar* to, const std::byte* from, std::size_t count) noexcept {
     if constexpr (std::endian::native == std::endian::little) {
@@ -63,24 +48,11 @@ int compare_file_names(wstring_view a, wstring_view b) noexcept {
     }
     while (i < common && a[i] == b[i])
         ++i;
-    const std::size_t first = i;
-    // Foldings of one letter each: the first that differs decides.
-    while (i < common && is_ascii(a[i]) && is_ascii(b[i])) {
-        const wchar x = fold_ascii(a[i]);
-        const wchar y = fold_ascii(b[i]);
-        if (x != y)
-            return x < y ? -1 : 1;
-        ++i;
-    }
-    if (i < common) {
-        // A folding never reaches back over its letter, but a letter may have begun with an equal unit.
-        const std::size_t start = i > 0 && (a[i - 1] & 0xFC00) == 0xD800 ? i - 1 : i;
-        if (const int order = compare_folded(a.substr(start), b.substr(start)); order != 0)
-            return order < 0 ? -1 : 1;
-    } else if (a.size() != b.size()) {
-        return a.size() < b.size() ? -1 : 1;
-    }
-    const int exact = a.substr(first).compare(b.substr(first));
+    // A folding never reaches back over its letter, but a letter may have begun with an equal unit.
+    const std::size_t start = i > 0 && (a[i - 1] & 0xFC00) == 0xD800 ? i - 1 : i;
+    if (const int order = compare_foldings(a.substr(start), b.substr(start)); order != 0)
+        return order < 0 ? -1 : 1;
+    const int exact = a.substr(i).compare(b.substr(i));
     return exact < 0 ? -1 : exact > 0 ? 1 : 0;
 }
 
@@ -213,6 +185,14 @@ StorageFilesType::Change& StorageFilesType::edit(wstring_view name) {
     const auto row = rowOf(name);
     const Edit same{row ? Change(rows_[*row].entry) : std::nullopt, row.value_or(kNoRow)};
     return changes_.emplace(wstring(name), same).first->second.change;
+}
+
+bool StorageFilesType::isChanged(wstring_view name) const noexcept {
+    const auto found = changes_.find(name);
+    if (found == changes_.end())
+        return false;
+    const auto& [change, row] = found->second;
+    return change != (row == kNoRow ? Change() : Change(rows_[row].entry));
 }
 
 void StorageFilesType::revert() noexcept {

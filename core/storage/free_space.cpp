@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace core {
 namespace {
@@ -136,26 +137,24 @@ FreeSpace::Outlook FreeSpace::outlook(const RangeSet& kept) const {
     return result;
 }
 
-void FreeSpace::commit(const RangeSet& kept, std::uint64_t end) {
+void FreeSpace::commit(RangeSet kept, std::uint64_t end) noexcept {
     committedEnd_ = end;
-    free_.addAll(released_);
-    released_.clear();
-    fresh_ = kept;
+    free_.takeAll(released_);
+    fresh_ = std::move(kept);
     longest_ = std::numeric_limits<std::uint64_t>::max();
     trim();
 }
 
-void FreeSpace::rollback() {
-    free_.addAll(fresh_);
+void FreeSpace::rollback() noexcept {
+    free_.takeAll(fresh_);
     free_.cut(committedEnd_);
     end_ = committedEnd_;
-    fresh_.clear();
     released_.clear();
     longest_ = std::numeric_limits<std::uint64_t>::max();
 }
 
 /// Free space at the end is no space at all.
-void FreeSpace::trim() {
+void FreeSpace::trim() noexcept {
     const auto& ranges = free_.ranges();
     if (!ranges.empty() && std::prev(ranges.end())->second == end_) {
         end_ = std::prev(ranges.end())->first;

@@ -20,6 +20,9 @@ namespace core {
 /// 2. free: in use by neither;
 /// 3. fresh: in use by the changes alone, free once they are taken back;
 /// 4. released: in use by the committed state alone, free once the changes are committed.
+///
+/// A call that runs out of memory leaves things half done: load() it anew. The two ways out of the changes
+/// never do.
 class FreeSpace {
   public:
     explicit FreeSpace(const StorageLayout& layout) : layout_(&layout), end_(layout.emptyLength()) {}
@@ -43,8 +46,8 @@ class FreeSpace {
     // Both ways out of the changes. `kept` is fresh space that stays so: it belongs to files still being
     // written. `end` is what outlook() says of it.
 
-    void commit(const RangeSet& kept, std::uint64_t end);
-    void rollback();
+    void commit(RangeSet kept, std::uint64_t end) noexcept;
+    void rollback() noexcept;
 
     /// What the committed state will have free once the changes are committed, `kept` included, and its end.
     struct Outlook {
@@ -62,7 +65,7 @@ class FreeSpace {
 
   private:
     void take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& place);
-    void trim();
+    void trim() noexcept;
 
     const StorageLayout* layout_;
     RangeSet free_;

@@ -42,9 +42,21 @@ class RangeSet {
             ranges_.emplace_hint(next, begin, end);
     }
 
-    void addAll(const RangeSet& other) {
-        for (const auto& [begin, end] : other.ranges_)
-            add(begin, end);
+    /// Adds the ranges of a set that has nothing in common with this one, and takes them out of it. Their
+    /// memory moves over, so that this cannot fail.
+    void takeAll(RangeSet& other) noexcept {
+        while (!other.ranges_.empty()) {
+            auto range = other.ranges_.extract(other.ranges_.begin());
+            auto next = ranges_.lower_bound(range.key());
+            if (next != ranges_.end() && next->first == range.mapped()) {
+                range.mapped() = next->second;
+                next = ranges_.erase(next);
+            }
+            if (next != ranges_.begin() && std::prev(next)->second == range.key())
+                std::prev(next)->second = range.mapped();
+            else
+                ranges_.insert(next, std::move(range));
+        }
     }
 
     /// What is in any of some sets that have nothing in common, by address.
@@ -79,7 +91,7 @@ class RangeSet {
     }
 
     /// Takes everything from `limit` on out.
-    void cut(std::uint64_t limit) {
+    void cut(std::uint64_t limit) noexcept {
         ranges_.erase(ranges_.lower_bound(limit), ranges_.end());
         if (!ranges_.empty() && std::prev(ranges_.end())->second > limit)
             std::prev(ranges_.end())->second = limit;

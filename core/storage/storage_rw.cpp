@@ -2,9 +2,11 @@
 #include "core/storage/container.h"
 
 #include <core/files/file_error.h>
+#include <core/files/file_io.h>
 #include <core/storage/storage_rw.h>
 
 #include <cerrno>
+#include <mutex>
 #include <utility>
 
 namespace core {
@@ -18,7 +20,10 @@ void StorageRW::create(IFile& file, const StorageLayout& layout) {
         throw_file_error("IDS_FILE_OPEN", file.url(), EEXIST);
 }
 bool StorageRW::createIfEmpty(IFile& file, const StorageLayout& layout) {
-    return Container::create(file, layout);
+    return Container::create(file, layout, false);
+}
+void StorageRW::replace(IFile& file, const StorageLayout& layout) {
+    (void)Container::create(file, layout, true);
 }
 
 const StorageLayout& StorageRW::layout() const noexcept {
@@ -92,12 +97,39 @@ void StorageRW::rename(wstring_view from, wstring_view to) {
 void StorageRW::copy(wstring_view from, wstring_view to) {
     container_->copy(from, to);
 }
+void StorageRW::moveFrom(StorageRW& source, wstring_view from, wstring_view to) {
+    if (isSame(source))
+        return source.rename(from, to);
+    Container& old = *source.container_;
+    // Nobody may change the file between its copy and its removal: neither a thread nor a process.
+    const std::scoped_lock locks(old.mutex(), container_->mutex());
+    const Container::Turn turn(old);
+    old.refuseOpened(from);
+    const StorageFound found = old.describe(from);
+    StorageTransaction transaction(*this);
+    const auto output = container_->open(to, OpenMode::replace);
+    copy_bytes(*old.open(from, OpenMode::read), *output);
+    output->close();
+    container_->setTimes(to, found.created, found.modified);
+    transaction.commit();
+    old.remove(from);
+}
 void StorageRW::setTimes(wstring_view name, Date created, Date modified) {
     container_->setTimes(name, created, modified);
 }
 
 StorageRW64::StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url)
     : StorageRW(std::move(file), kStorageLayout64, options, url) {}
+
+void StorageRW64::create(IFile& file) {
+    StorageRW::create(file, kStorageLayout64);
+}
+bool StorageRW64::createIfEmpty(IFile& file) {
+    return StorageRW::createIfEmpty(file, kStorageLayout64);
+}
+void StorageRW64::replace(IFile& file) {
+    StorageRW::replace(file, kStorageLayout64);
+}
 
 StorageReading::StorageReading(const StorageRW& storage) : container_(storage.container_) {
     container_->beginReading();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/files/disk_file.h>
 #include <core/files/file_error.h>
-#include <core/files/file_io.h>
 #include <core/files/wildcard.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/process.h>
@@ -25,7 +24,7 @@ std::atomic<unsigned>& serial_of(const StorageLayout& layout) {
 }
 
 InterfacePtr<IFile> open_file(const wstring& url, OpenMode mode) {
-    if (split_url(url).scheme == u"file")
+    if (compare_nocase(split_url(url).scheme, u"file") == 0)
         return open_disk_file(file_path(url), mode);
     if (auto* const system = get_service<IFileSystem>())
         return system->openURL(url, mode);
@@ -49,9 +48,11 @@ wstring StorageScheme::openContainer(const wstring& url, OpenMode mode) {
     const URL parsed = parseURL(url);
     const StorageOptions options{.readOnly = mode == OpenMode::read,
                                  .noSortedCheck = parsed.hasOption(u"NoSortedCheck")};
-    auto file = open_file(parsed.path, mode);
-    const bool mayBeNew = mode != OpenMode::read && mode != OpenMode::readWrite;
-    if (mayBeNew)
+    // What is replaced is emptied in its turn, and not as it is opened.
+    auto file = open_file(parsed.path, mode == OpenMode::replace ? OpenMode::create : mode);
+    if (mode == OpenMode::replace)
+        StorageRW::replace(*file, layout_);
+    else if (mode == OpenMode::create || mode == OpenMode::createNew)
         StorageRW::createIfEmpty(*file, layout_);
     return enter(std::move(file), options, url);
 }
@@ -124,17 +125,16 @@ std::size_t StorageScheme::remove(const wstring& pattern) {
     return 1;
 }
 
-void StorageScheme::saveFile(IFile& content, const wstring& to) {
-    Inner target = resolve(to);
-    save(content, target);
+void StorageScheme::writeFile(const wstring& to, const FileWriter& write) {
+    const auto output = openURL(to, OpenMode::replace);
+    write(*output);
+    output->close();
 }
 
-void StorageScheme::save(IFile& content, Inner& to) {
-    if (to.storage.isIn(content)) // it would grow as it is read
+void StorageScheme::saveFile(IFile& content, const wstring& to) {
+    if (resolve(to).storage.isIn(content)) // it would grow as it is read
         throw StorageException(StorageException::Kind::isDestination, content.url());
-    const auto output = to.storage.open(to.name, OpenMode::replace);
-    copy_bytes(content, *output);
-    output->close();
+    IFileScheme::saveFile(content, to);
 }
 
 /// One container may be open under two roots: a file moved from one to the other would be removed.
@@ -147,31 +147,19 @@ void StorageScheme::copyFile(const wstring& from, const wstring& to) {
     Inner source = resolve(from);
     Inner target = resolve(to);
     refuseSame(source, target, from);
-    save(*source.storage.open(source.name, OpenMode::read), target);
+    saveFile(*source.storage.open(source.name, OpenMode::read), to);
 }
 
 void StorageScheme::moveFile(const wstring& from, const wstring& to) {
     Inner source = resolve(from);
     Inner target = resolve(to);
-    if (source.storage.rootURL() == target.storage.rootURL()) {
-        source.storage.rename(source.name, target.name);
-        return;
-    }
-    refuseSame(source, target, from);
-    const StorageFound found = source.storage.describe(source.name);
-    save(*source.storage.open(source.name, OpenMode::read), target);
-    target.storage.setTimes(target.name, found.created, found.modified);
-    source.storage.remove(source.name);
+    target.storage.moveFrom(source.storage, source.name, target.name);
 }
 
 namespace {
 
-const FileSchemeEntry narrowEntry([]() -> InterfacePtr<IFileScheme> {
-    return SCOM_InternalClass<StorageScheme>::create();
-});
-const FileSchemeEntry wideEntry([]() -> InterfacePtr<IFileScheme> {
-    return SCOM_InternalClass<StorageScheme64>::create();
-});
+const FileSchemeEntry narrowEntry([]() -> InterfacePtr<IFileScheme> { return make_object<StorageScheme>(); });
+const FileSchemeEntry wideEntry([]() -> InterfacePtr<IFileScheme> { return make_object<StorageScheme64>(); });
 
 } // namespace
 

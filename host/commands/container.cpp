@@ -8,6 +8,7 @@
 #include <core/files/wildcard.h>
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
+#include <core/strings/compare.h>
 
 #include <CLI/CLI.hpp>
 
@@ -21,8 +22,11 @@ using namespace core;
 
 StorageRW open(const Options& options, OpenMode mode) {
     URL url = split_url(from_utf8(options.file));
-    const bool byScheme = url.scheme == kStorageLayout32.scheme || url.scheme == kStorageLayout64.scheme;
-    const bool wide = options.wide || url.scheme == kStorageLayout64.scheme;
+    const auto isOf = [&url](const StorageLayout& layout) {
+        return compare_nocase(url.scheme, layout.scheme) == 0;
+    };
+    const bool byScheme = isOf(kStorageLayout32) || isOf(kStorageLayout64);
+    const bool wide = byScheme ? isOf(kStorageLayout64) : options.wide;
     StorageOptions how{.readOnly = mode == OpenMode::read, .noSortedCheck = false};
     if (byScheme) {
         split_options(url);
@@ -77,7 +81,7 @@ void add_container_command(CLI::App& app, Console& console, Action& action) {
     command->require_subcommand(1);
     command->fallthrough();
     const auto options = std::make_shared<Options>();
-    command->add_flag("--64", options->wide, "The container has the 64-bit layout");
+    command->add_flag("--64", options->wide, "A container given by its path has the 64-bit layout");
 
     const auto add = [&](const char* name, const char* what, auto run) {
         auto* const sub = command->add_subcommand(name, what);

@@ -5,7 +5,10 @@
 #include <core/files/disk_file.h>
 #include <core/files/file_error.h>
 #include <core/files/file_io.h>
+#include <core/files/file_system.h>
 #include <core/files/file_time.h>
+#include <core/runtime/error.h>
+#include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 
 #include <fcntl.h>
@@ -16,6 +19,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <iomanip>
+#include <map>
 #include <ostream>
 #include <span>
 #include <utility>
@@ -50,6 +54,25 @@ struct Source {
     throw_file_error("IDS_FILE_READ", file_url(path), error.value());
 }
 
+/// The name of an inner file for what is on disk; one that would not come out again as it was is refused.
+wstring inner_name(const std::string& path, const std::string& name) {
+    wstring text = from_utf8(name);
+    if (to_utf8(text) != name)
+        throw_error<ConverterException>("IDS_HOST_NAME_NOT_UTF8", {file_url(path)});
+    return text;
+}
+
+/// Refuses files of which the later would replace the earlier.
+void refuse_same_names(const std::vector<Source>& all) {
+    std::map<wstring_view, const Source*> byName;
+    for (const Source& source : all) {
+        const auto [other, isNew] = byName.emplace(source.name, &source);
+        if (!isNew)
+            throw_error<ConverterException>(
+                "IDS_HOST_NAME_TWICE", {from_utf8(other->second->path), from_utf8(source.path), source.name});
+    }
+}
+
 std::vector<Source> sources(const Options& options) {
     std::vector<Source> all;
     const std::string into =
@@ -59,7 +82,7 @@ std::vector<Source> sources(const Options& options) {
         const std::uint64_t size = fs::file_size(path, error);
         if (error)
             throw_not_read(path.string(), error);
-        all.push_back({path.string(), from_utf8(into + name), size});
+        all.push_back({path.string(), inner_name(path.string(), into + name), size});
     };
     for (const std::string& text : options.names) {
         // "docs", "docs/" and "../docs" all give names that begin with "docs/".
@@ -79,6 +102,7 @@ std::vector<Source> sources(const Options& options) {
         if (error)
             throw_not_read(text, error);
     }
+    refuse_same_names(all);
     return all;
 }
 
@@ -96,13 +120,37 @@ Date modified_on_disk(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0)
         return universal_now();
-    return universal_date(std::chrono::system_clock::from_time_t(status.st_mtime));
+    return unix_date(status.st_mtime);
 }
 
 void set_modified_on_disk(const std::string& path, Date modified) {
+    if (modified == Date()) // it is not known
+        return;
     const std::int64_t seconds = (modified - kUnixEpoch).ticks() / kTicksPerSecond;
     const ::timespec times[2] = {{0, UTIME_OMIT}, {static_cast<::time_t>(seconds), 0}};
     (void)::utimensat(AT_FDCWD, path.c_str(), times, 0); // a file system without times is no reason to stop
+}
+
+/// Writes an inner file to disk. A file there is replaced by the whole content or stays as it is, devices are
+/// written to.
+void take_out(const StorageRW& storage, IFile& from, const std::string& path, Progress& progress) {
+    std::error_code ignored;
+    if (fs::is_regular_file(path, ignored)) {
+        if (storage.isIn(*open_disk_file(path, OpenMode::read)))
+            throw StorageException(StorageException::Kind::isDestination, file_url(path));
+        get_service<IFileSystem>()->writeFile(file_url(path), [&](IFile& to) { copy(from, to, progress); });
+        return;
+    }
+    const bool isNew = !fs::exists(fs::symlink_status(path, ignored));
+    const auto to = open_disk_file(path, isNew ? OpenMode::createNew : OpenMode::replace);
+    try {
+        copy(from, *to, progress);
+        to->close();
+    } catch (...) {
+        if (isNew)
+            fs::remove(path, ignored);
+        throw;
+    }
 }
 
 } // namespace
@@ -169,9 +217,7 @@ ExitCode get(const Options& options, Console& console) {
         std::error_code error;
         fs::create_directories(fs::path(path).parent_path(), error); // opening says what is wrong
         const auto from = storage.open(file.name, OpenMode::read);
-        const auto to = open_disk_file(path, OpenMode::replace);
-        copy(*from, *to, progress);
-        to->close();
+        take_out(storage, *from, path, progress);
         set_modified_on_disk(path, file.modified);
     }
     return selection.missing == 0 ? ExitCode::done : ExitCode::no;

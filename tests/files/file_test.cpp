@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -198,6 +199,7 @@ TEST(FileURL, CarriesAnyPathThereAndBack) {
     EXPECT_EQ(file_url("/a b/ж%.txt"), u"file:///a%20b/%D0%B6%25.txt");
     EXPECT_EQ(file_path(u"/a b/ж%20"), "/a b/ж%20") << "a plain path is taken as it is";
     EXPECT_EQ(file_path(u"file:///100%"), "/100%");
+    EXPECT_EQ(file_path(u"File:///a%20b"), "/a b") << "schemes have no case";
     URL url = split_url(u"lumstg:///a?x;NoSortedCheck;;y");
     split_options(url);
     EXPECT_EQ(url.scheme, u"lumstg");
@@ -286,6 +288,99 @@ TEST_P(EveryScheme, FindsCopiesMovesAndRemoves) {
     EXPECT_EQ(list("*"), "two.txt:2 ж.dat:2 ") << "failures left nothing behind";
 }
 
+TEST_P(EveryScheme, WritesAWholeFileOrNone) {
+    put("a", "old");
+    const auto broken = [](IFile& file) {
+        write_all(file, bytes_of("half"));
+        throw std::runtime_error("no more");
+    };
+    EXPECT_THROW(system_->writeFile(url("a"), broken), std::runtime_error);
+    EXPECT_THROW(system_->writeFile(url("b"), broken), std::runtime_error);
+    EXPECT_EQ(list("*"), "a:3 ");
+    system_->writeFile(url("a"), [](IFile& file) { write_all(file, bytes_of("whole")); });
+    EXPECT_EQ(get("a"), "whole");
+    const std::string longest(255, 'n');
+    system_->writeFile(url(longest), [](IFile&) {});
+    EXPECT_EQ(list("*"), "a:5 " + longest + ":0 ") << "no longer name is needed on the way";
+}
+
+TEST(DiskScheme, APathWithAZeroByteIsNoOtherPath) {
+    const TempFolder folder;
+    const auto system = create_file_system();
+    const wstring kept = file_url(folder / "a");
+    write_all(*open_disk_file(folder / "a", OpenMode::createNew), bytes_of("kept"));
+    const wstring plain = from_utf8(folder / "a") + wstring(u"\0b", 2);
+    for (const wstring& cut : {kept + u"%00b", plain, kept + u"%00*", file_url(folder / "") + u"%00*"}) {
+        EXPECT_EQ(reason_of([&] { (void)system->openURL(cut, OpenMode::create); }), EINVAL);
+        EXPECT_EQ(reason_of([&] { (void)system->findFile(cut); }), EINVAL);
+        EXPECT_EQ(reason_of([&] { system->remove(cut); }), EINVAL);
+        EXPECT_EQ(reason_of([&] { system->moveFile(cut, kept + u"2"); }), EINVAL);
+        EXPECT_EQ(reason_of([&] { system->moveFile(kept, cut); }), EINVAL);
+        EXPECT_EQ(reason_of([&] { system->copyFile(cut, kept + u"2"); }), EINVAL);
+        EXPECT_EQ(reason_of([&] { system->copyFile(kept, cut); }), EINVAL);
+    }
+    EXPECT_EQ(system->findFile(file_url(folder / "") + u"*").size(), 1U);
+}
+
+TEST(DiskScheme, AnEscapedWildcardIsACharacter) {
+    const TempFolder folder;
+    const auto system = create_file_system();
+    for (const char* const name : {"a*1", "ab1",
+                                   "a\xFF"
+                                   "1",
+                                   "a\xFE"
+                                   "1",
+                                   "a?1"})
+        (void)open_disk_file(folder / name, OpenMode::createNew);
+    const wstring at = file_url(folder / "");
+    const auto names = [&](const wstring& pattern) {
+        std::string all;
+        for (const FileInfo& info : system->findFile(at + pattern))
+            all += file_path(info.url).substr((folder / "").size()) + " ";
+        return all;
+    };
+    EXPECT_EQ(names(u"a%2A*"), "a*1 ");
+    EXPECT_EQ(names(u"*%3F?"), "a?1 ");
+    EXPECT_EQ(names(u"a%FE*"), "a\xFE"
+                               "1 ")
+        << "what is no text is told apart";
+    EXPECT_EQ(names(u"a*"), "a*1 a?1 ab1 a\xFE"
+                            "1 a\xFF"
+                            "1 ");
+    EXPECT_EQ(system->remove(at + u"a%2a?"), 1U);
+    EXPECT_EQ(names(u"a?1"), "a?1 ab1 a\xFE"
+                             "1 a\xFF"
+                             "1 ");
+}
+
+TEST(DiskScheme, WhatReplacesAFileKeepsItsPermissions) {
+    namespace fs = std::filesystem;
+    const TempFolder folder;
+    const auto system = create_file_system();
+    const std::string path = folder / "a";
+    const auto write = [](IFile& file) { write_all(file, bytes_of("new")); };
+    system->writeFile(file_url(path), write);
+    for (const fs::perms permissions : {fs::perms(0600), fs::perms(0664), fs::perms(0755)}) {
+        fs::permissions(path, permissions);
+        system->writeFile(file_url(path), [&](IFile& file) {
+            const std::string beside = file_path(file.url());
+            EXPECT_EQ(fs::status(beside).permissions(), fs::perms(0600)) << "not to be read meanwhile";
+            write(file);
+        });
+        EXPECT_EQ(fs::status(path).permissions(), permissions);
+    }
+    const std::string named = file_path(create_temp_file_service()->createNamed());
+    EXPECT_EQ(fs::status(named).permissions(), fs::perms(0600));
+    fs::remove(named);
+}
+
+TEST(FileTime, StaysWithinTheCalendar) {
+    EXPECT_EQ(unix_date(0), kUnixEpoch);
+    EXPECT_EQ(unix_date(15'000'000'000), Date(2445, 5, 1, 2, 40, 0)) << "more nanoseconds than 64 bits hold";
+    EXPECT_GE(unix_date(std::numeric_limits<std::int64_t>::max()), Date(9999, 12, 31));
+    EXPECT_EQ(unix_date(std::numeric_limits<std::int64_t>::min()), Date());
+}
+
 TEST(FileSystem, CarriesFilesBetweenSchemes) {
     const TempFolder folder;
     const auto system = create_file_system();
@@ -297,6 +392,17 @@ TEST(FileSystem, CarriesFilesBetweenSchemes) {
     const auto info = system->findFile(from_utf8(folder / "b"));
     ASSERT_EQ(info.size(), 1U);
     EXPECT_LT((universal_now() - info[0].modified).ticks(), kTicksPerHour);
+}
+
+TEST(FileSystem, ARegisteredSchemeReplacesTheOneOfItsName) {
+    const auto system = create_file_system();
+    const auto other = create_file_system()->findScheme(u"mem");
+    const auto old = system->findScheme(u"MEM");
+    ASSERT_NE(other, old);
+    system->registerScheme(other.get());
+    EXPECT_EQ(system->findScheme(u"mem"), other);
+    system->revokeScheme(u"Mem");
+    EXPECT_FALSE(system->findScheme(u"mem"));
 }
 
 TEST(TempFileService, MakesFilesThatVanish) {

@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/program.h"
+#include "host/text_output.h"
+
+#include <core/files/disk_file.h>
+#include <core/runtime/exceptions.h>
+#include <core/storage/storage_rw.h>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -113,6 +119,57 @@ TEST_F(Container, ChangesAndReports) {
     EXPECT_EQ(run({"nonsense", file}), ExitCode::usage);
 }
 
+TEST_F(Container, GetReplacesAFileWholeOrNotAtAll) {
+    const std::string file = path("box.st");
+    write("tree/box.st", std::string(5000, 'x'));
+    ASSERT_EQ(run({"put", file, path("tree/box.st"), path("tree/a.txt")}), ExitCode::done) << err_;
+    const std::string before = read("box.st");
+    EXPECT_EQ(run({"get", file, "box.st", "--to", folder_.string()}), ExitCode::malformed);
+    EXPECT_EQ(read("box.st"), before) << "not over the container itself";
+
+    write("out/a.txt", "old");
+    fs::permissions(path("out/a.txt"), fs::perms(0600));
+    ASSERT_EQ(run({"get", file, "a.txt", "--to", path("out")}), ExitCode::done) << err_;
+    EXPECT_EQ(read("out/a.txt"), "Hello");
+    EXPECT_EQ(fs::status(path("out/a.txt")).permissions(), fs::perms(0600));
+
+    const auto second = before.find(std::string(512, 'x')) + 512;
+    write("box.st", std::string(before).replace(second, 2, "??")); // the next block's header
+    write("out/box.st", "old");
+    EXPECT_EQ(run({"get", file, "box.st", "--to", path("out")}), ExitCode::malformed);
+    EXPECT_EQ(read("out/box.st"), "old");
+    EXPECT_EQ(run({"get", file, "box.st", "--to", path("new")}), ExitCode::malformed);
+    EXPECT_TRUE(fs::is_empty(path("new"))) << "no half of a file";
+}
+
+TEST_F(Container, PutMergesNoFiles) {
+    const std::string file = path("c.st");
+    write("other/a.txt", "another");
+    EXPECT_EQ(run({"put", file, path("tree/a.txt"), path("other/a.txt")}), ExitCode::malformed);
+    EXPECT_NE(err_.find("other/a.txt"), std::string::npos) << err_;
+    write("bytes/a\xFF", "1");
+    EXPECT_EQ(run({"put", file, path("bytes")}), ExitCode::malformed);
+    EXPECT_NE(err_.find("a%FF"), std::string::npos) << err_;
+    EXPECT_FALSE(fs::exists(file)) << "refused before anything is written";
+}
+
+TEST_F(Container, TheSchemeOfAURLSaysTheLayout) {
+    ASSERT_EQ(run({"put", path("narrow"), path("tree/a.txt")}), ExitCode::done);
+    ASSERT_EQ(run({"put", "LUMSTG64://" + path("wide"), path("tree/a.txt")}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"cat", "--64", "LumStg://" + path("narrow"), "a.txt"}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"cat", "--64", path("wide"), "a.txt"}), ExitCode::done) << err_;
+    EXPECT_EQ(out_, "Hello");
+}
+
+TEST_F(Container, TimesThatAreNotKnownAreNotSet) {
+    core::StorageRW64::create(*core::open_disk_file(path("c.st"), core::OpenMode::createNew));
+    core::StorageRW64 storage(core::open_disk_file(path("c.st"), core::OpenMode::readWrite));
+    storage.put(u"a", {});
+    storage.setTimes(u"a", core::Date(), core::Date());
+    ASSERT_EQ(run({"get", "--64", path("c.st"), "a", "--to", path("out")}), ExitCode::done) << err_;
+    EXPECT_LT(fs::file_time_type::clock::now() - fs::last_write_time(path("out/a")), std::chrono::hours(1));
+}
+
 TEST_F(Container, TakesNothingOutOfItsFolder) {
     const std::string file = path("c.st");
     ASSERT_EQ(run({"put", file, path("tree/a.txt")}), ExitCode::done);
@@ -123,6 +180,12 @@ TEST_F(Container, TakesNothingOutOfItsFolder) {
         ASSERT_EQ(run({"mv", file, name, "a.txt"}), ExitCode::done);
     }
     EXPECT_FALSE(fs::exists(folder_ / "escaped"));
+}
+
+TEST_F(Container, TextIsNotSavedOverAFileThatAZeroByteCutsOff) {
+    const std::string name = path("tree/a.txt") + std::string("\0.new", 5);
+    EXPECT_THROW(write_text_file(name, [](core::wostream& out) { out << u'x'; }), core::FileException);
+    EXPECT_EQ(read("tree/a.txt"), "Hello");
 }
 
 TEST_F(Container, KeepsValuesOfScripts) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the file below fails at, and what a damaged container holds: the caller gets an error that says so,
 // and the committed state stays whole.
+#include "tests/support/allocation_limit.h"
 #include "tests/support/fault_file.h"
 #include "tests/support/storage_model.h"
 
@@ -165,6 +166,7 @@ TEST_P(Failing, AFailedFlushIsNotTriedAgain) {
     const std::uint64_t before = disk.calls;
     storage.put(u"x", {});
     const std::uint64_t callsEach = disk.calls - before;
+    int failed = 0;
     for (std::uint64_t n = 0; n < callsEach; ++n) {
         FaultDisk other;
         other.bytes = disk_.bytes;
@@ -176,12 +178,46 @@ TEST_P(Failing, AFailedFlushIsNotTriedAgain) {
         } catch (const FileException& e) {
             if (e.description().find(u"durable") == wstring::npos)
                 continue;
+            ++failed;
             const std::size_t traced = other.trace.size();
             EXPECT_THROW(failing.put(u"y", {}), StorageException) << "not as if nothing had happened";
             EXPECT_EQ(other.trace.size(), traced);
             StorageRW opened(test::open_fault_file(other), layout_);
             opened.put(u"y", {});
         }
+    }
+    EXPECT_EQ(failed, 2) << "each of the two flushes";
+}
+
+TEST_P(Failing, MemoryThatRunsOutAnywhereCostsNothing) {
+    for (const Operation& operation : operations()) {
+        Model done = model_;
+        FaultDisk plain;
+        plain.bytes = disk_.bytes;
+        StorageRW whole(test::open_fault_file(plain), layout_);
+        operation.run(whole, done);
+        int n = 0;
+        for (bool succeeded = false; !succeeded; n += n < 100 ? 1 : 7) {
+            ASSERT_LT(n, 10000);
+            const std::string where = operation.name + std::string(", allocation ") + std::to_string(n);
+            const auto data = create_memory_data();
+            write_all(*open_memory_file(data), disk_.bytes);
+            StorageRW storage(open_memory_file(data), layout_);
+            Model ignored = model_;
+            try {
+                const ::test::AllocationLimit limit(n);
+                operation.run(storage, ignored);
+                succeeded = true;
+            } catch (const std::exception&) { // out of memory, or of memory for saying what else is wrong
+            }
+            Model now = test::contents(StorageRW(open_memory_file(data), layout_));
+            ASSERT_TRUE(now == done || (!succeeded && now == model_)) << where;
+            storage.put(u"afterwards", Bytes(700));
+            now[u"afterwards"] = Bytes(700);
+            ASSERT_EQ(test::contents(storage), now) << where;
+            ASSERT_TRUE(storage.check().isClean()) << where;
+        }
+        EXPECT_GT(n, 10) << operation.name;
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 namespace core {
@@ -115,6 +116,11 @@ TEST_P(Scheme, MovesAreNeverLosses) {
     EXPECT_EQ(moved.created, Date(2001, 2, 3));
     EXPECT_EQ(moved.modified, Date(2004, 5, 6));
 
+    const auto held = system_->openURL(b + u"two", OpenMode::readWrite);
+    EXPECT_EQ(kind_of([&] { system_->moveFile(b + u"two", a + u"two"); }), Kind::none);
+    EXPECT_EQ(list(a + u"*"), "") << "what cannot leave does not arrive";
+    held->close();
+
     put(b + u"t*", 1);
     EXPECT_THROW(system_->moveFile(b + u"t*", u"mem://out"), FileException) << "the name reads as a pattern";
     EXPECT_EQ(list(b + u"*"), "t*:1 two:100 ");
@@ -138,7 +144,10 @@ TEST_P(Scheme, ACopyThatFailsLeavesTheOldFile) {
     ASSERT_NE(third, std::string_view::npos);
     write_all_at(*file, third, Bytes(2));
     const auto temp = create_temp_file_service();
-    const wstring onDisk = temp->createNamed();
+    const std::string folder = file_path(temp->createNamed());
+    std::filesystem::remove(folder);
+    std::filesystem::create_directory(folder);
+    const wstring onDisk = file_url(folder) + u"/old";
     const Bytes old(10, std::byte{1});
     for (const wstring& target : {onDisk, wstring(u"mem://old"), make(create_memory_data()) + u"old"}) {
         const auto out = system_->openURL(target, OpenMode::create);
@@ -147,8 +156,8 @@ TEST_P(Scheme, ACopyThatFailsLeavesTheOldFile) {
         EXPECT_EQ(kind_of([&] { system_->copyFile(root + u"damaged", target); }), Kind::badFormat);
         EXPECT_EQ(read_whole(*system_->openURL(target, OpenMode::read)), old);
     }
-    EXPECT_EQ(system_->findFile(onDisk + u"*").size(), 1U) << "and nothing beside it";
-    system_->remove(onDisk);
+    EXPECT_EQ(system_->findFile(file_url(folder) + u"/*").size(), 1U) << "and nothing beside it";
+    std::filesystem::remove_all(folder);
 }
 
 TEST_P(Scheme, OpensContainersByURLWithOptions) {
@@ -174,6 +183,8 @@ TEST_P(Scheme, OpensContainersByURLWithOptions) {
     write_all(*file, bytes);
     EXPECT_EQ(kind_of([&] { (void)scheme()->openContainer(url, OpenMode::read); }), Kind::badFormat);
     EXPECT_NE(scheme()->openContainer(url + u"?NoSortedCheck", OpenMode::read), u"");
+    EXPECT_EQ(list(scheme()->openContainer(name + u"://FILE://" + from_utf8(path), OpenMode::replace) + u"*"),
+              "");
 
     const wstring other = layout_.width == 4 ? u"lumstg64" : u"lumstg";
     const auto otherScheme = system_->findScheme(other).query<IStorageScheme>();

@@ -257,6 +257,98 @@ TEST_P(Storage, GivesUpAFileThatAnExceptionLetsGoOf) {
     EXPECT_TRUE(storage.check().isClean());
 }
 
+TEST_P(Storage, TakingBackConcernsWhatWasChangedAlone) {
+    StorageRW storage = open();
+    const Bytes old(200000, std::byte{1});
+    storage.put(u"a", old);
+    storage.put(u"b", old);
+    const auto bystander = storage.open(u"a", OpenMode::read);
+    Bytes part(10);
+    storage.begin();
+    storage.put(u"b", {});
+    const auto reader = storage.open(u"b", OpenMode::read);
+    const auto writer = storage.open(u"c", OpenMode::create);
+    write_all(*writer, old);
+    storage.rollback();
+    EXPECT_EQ(read_all_at(*bystander, 150000, part), 10U);
+    EXPECT_EQ(storage.get(u"b"), old);
+    storage.put(u"d", old); // while what the writer had written is free again
+    EXPECT_EQ(read_all_at(*bystander, 50000, part), 10U);
+    EXPECT_THROW(writer->close(), StorageException);
+    storage.put(u"e", old);
+    EXPECT_TRUE(storage.check().isClean());
+    EXPECT_EQ(test::contents(storage), (Model{{u"a", old}, {u"b", old}, {u"d", old}, {u"e", old}}));
+}
+
+TEST_P(Storage, AnErrorSaysWhichContainerOrFile) {
+    ReplacedClock clock;
+    StorageRW storage(open_memory_file(data_), layout_, {}, u"test:///box");
+    StorageRW other(open_memory_file(data_), layout_, {.readOnly = true}, u"test:///other");
+    storage.setRootURL(u"box/");
+    const auto held = storage.open(u"a", OpenMode::create);
+    const auto urlOf = [](auto call) {
+        try {
+            call();
+        } catch (const StorageException& e) {
+            EXPECT_NE(e.description().find(e.url()), wstring::npos);
+            return e.url();
+        }
+        return wstring();
+    };
+    EXPECT_EQ(urlOf([&] { storage.put(u"a", {}); }), u"box/a");
+    EXPECT_EQ(urlOf([&] { other.put(u"b", {}); }), u"test:///other");
+    EXPECT_EQ(urlOf([&] { open().put(u"b", {}); }), open_memory_file(data_)->url());
+    storage.begin();
+    EXPECT_EQ(urlOf([&] { storage.begin(); }), u"test:///box");
+    storage.rollback();
+    EXPECT_EQ(urlOf([&] { held->close(); }), u"box/a");
+}
+
+TEST_P(Storage, IsReplacedInItsTurn) {
+    ReplacedClock clock;
+    StorageRW storage = open();
+    storage.put(u"a", Bytes(5000));
+    auto held = storage.open(u"b", OpenMode::create);
+    EXPECT_THROW(StorageRW::replace(*open_memory_file(data_), layout_), StorageException);
+    held->close();
+    EXPECT_TRUE(storage.contains(u"a"));
+    StorageRW::replace(*open_memory_file(data_), layout_);
+    EXPECT_EQ(raw().size(), layout_.emptyLength());
+    EXPECT_EQ(storage.find().size(), 0U) << "who has it open sees it";
+    storage.put(u"c", Bytes(5000));
+    EXPECT_EQ(test::contents(open()), (Model{{u"c", Bytes(5000)}}));
+}
+
+TEST(Storage64, HasTheWideLayoutThroughout) {
+    const auto data = create_memory_data();
+    EXPECT_TRUE(StorageRW64::createIfEmpty(*open_memory_file(data)));
+    EXPECT_THROW(StorageRW64::create(*open_memory_file(data)), FileException);
+    EXPECT_EQ(open_memory_file(data)->length(), kStorageLayout64.emptyLength());
+    StorageRW64(open_memory_file(data)).put(u"a", bytes_of("wide"));
+    EXPECT_EQ(StorageRW64(open_memory_file(data)).get(u"a"), bytes_of("wide"));
+    EXPECT_EQ(kind_of([&] { const StorageRW narrow(open_memory_file(data)); }), Kind::badFormat);
+
+    // The table is found by its first block, the file's content by the table.
+    const Bytes bytes = read_whole(*open_memory_file(data));
+    ChainInFile64 chain;
+    chain.read(*open_memory_file(data), kStorageLayout64.headerSize(), u"box");
+    Bytes content;
+    for (const ChainInFile64::Block& block : chain.blocks()) {
+        const auto from =
+            bytes.begin() + static_cast<std::ptrdiff_t>(block.address + kStorageLayout64.blockHeaderSize());
+        content.insert(content.end(), from, from + static_cast<std::ptrdiff_t>(block.size));
+    }
+    content.resize(chain.size());
+    StorageFilesType64 table;
+    ASSERT_TRUE(table.decode(content, false));
+    ASSERT_TRUE(table.find(u"a"));
+    chain.read(*open_memory_file(data), table.find(u"a")->data, u"box");
+    EXPECT_EQ(chain.size(), 4U);
+    EXPECT_EQ(table.encode(), content);
+    StorageRW64::replace(*open_memory_file(data));
+    EXPECT_FALSE(StorageRW64(open_memory_file(data)).contains(u"a"));
+}
+
 TEST_P(Storage, RewritesOnlyWhatComesBeforeAChange) {
     StorageRW storage = open();
     storage.put(u"a", Bytes(512 * 1000));

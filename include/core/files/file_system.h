@@ -6,6 +6,7 @@
 #include <core/files/url.h>
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace core {
@@ -20,11 +21,14 @@ struct FileInfo {
     bool isFolder = false;
 };
 
+/// Writes the content of a file that is empty as yet.
+using FileWriter = std::function<void(IFile&)>;
+
 /// The operations on files whose URLs begin with one scheme.
 ///
 /// Patterns may hold "*" and "?" in the last part of the path (anywhere in the name of an inner file).
 /// Errors: FileException or StorageException with the URL. Threads: any.
-class IFileScheme : public IUnknown {
+class CORE_API IFileScheme : public IUnknown {
   public:
     static constexpr GUID IID = "2185a724-1877-4ba9-8d3d-2e66ef631d03"_guid;
 
@@ -39,9 +43,12 @@ class IFileScheme : public IUnknown {
     /// Both URLs are of this scheme. An existing target is replaced; a file is never copied onto itself.
     virtual void copyFile(const wstring& from, const wstring& to) = 0;
     virtual void moveFile(const wstring& from, const wstring& to) = 0;
-    /// Makes the rest of `content`, from its current position on, a file, or replaces one. A
-    /// failure leaves what was there.
-    virtual void saveFile(IFile& content, const wstring& to) = 0;
+    /// Makes what `write` writes a file, or replaces one, which keeps its permissions. A failure, in `write`
+    /// as well, leaves what was there. As it stands here a file beside is written, and moved when it is
+    /// durable.
+    virtual void writeFile(const wstring& to, const FileWriter& write);
+    /// The same with all bytes of `content`.
+    virtual void saveFile(IFile& content, const wstring& to);
 
   protected:
     ~IFileScheme() = default;
@@ -67,6 +74,7 @@ class IFileSystem : public IUnknown {
     /// Between two schemes the bytes are copied, and moving is copying, then removing.
     virtual void copyFile(const wstring& from, const wstring& to) = 0;
     virtual void moveFile(const wstring& from, const wstring& to) = 0;
+    virtual void writeFile(const wstring& to, const FileWriter& write) = 0;
 
   protected:
     ~IFileSystem() = default;

@@ -4,7 +4,10 @@
 #include <core/dates/date.h>
 #include <core/runtime/clock.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <limits>
 
 /// Times of files are universal time, so that a file may travel between time zones;
 /// Date::toLocalTime shows them.
@@ -17,6 +20,12 @@ inline constexpr Date kUnixEpoch{1970, 1, 1};
 [[nodiscard]] constexpr Date universal_date(std::chrono::system_clock::time_point time) noexcept {
     using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, kTicksPerSecond>>;
     return kUnixEpoch + DateSpan(std::chrono::floor<Ticks>(time.time_since_epoch()).count());
+}
+
+/// The same of a system that counts seconds since 1970, whatever it says; past the year 9999 the last date.
+[[nodiscard]] constexpr Date unix_date(std::int64_t seconds) noexcept {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / kTicksPerSecond;
+    return kUnixEpoch + DateSpan(std::clamp(seconds, -kMost, kMost) * kTicksPerSecond);
 }
 
 /// Now, by the library's clock.

@@ -3,6 +3,7 @@
 
 #include <core/files/file.h>
 #include <core/storage/block_runs.h>
+#include <core/storage/chain_error.h>
 #include <core/storage/layout.h>
 
 #include <cstddef>

@@ -60,6 +60,8 @@ class CORE_API StorageFilesType {
     [[nodiscard]] std::uint64_t end() const noexcept { return end_; }
     void setEnd(std::uint64_t end) noexcept { end_ = end; }
     [[nodiscard]] bool hasChanges() const noexcept { return changed_; }
+    /// Whether the changes make a name stand for something else.
+    [[nodiscard]] bool isChanged(wstring_view name) const noexcept;
     [[nodiscard]] std::optional<StorageFileEntry> find(wstring_view name) const;
     /// Every file, in order, as `visit(wstring_view name, const StorageFileEntry&)`.
     template <class Visit>

@@ -57,6 +57,8 @@ class CORE_API StorageRW {
     /// The same, if the file is empty; who comes second when several processes try finds the container of the
     /// first. Returns whether it made one.
     static bool createIfEmpty(IFile& file, const StorageLayout& layout = kStorageLayout32);
+    /// The same in place of all that the file holds, once nobody else changes it.
+    static void replace(IFile& file, const StorageLayout& layout = kStorageLayout32);
 
     // the whole container
 
@@ -68,7 +70,7 @@ class CORE_API StorageRW {
     /// Grows by one with every commit.
     [[nodiscard]] std::uint64_t changeCounter() const;
     /// Rewrites all inner files side by side at the start of the file, which becomes as small as it can be.
-    /// Needs room for them a second time meanwhile.
+    /// Needs room for them a second time meanwhile. Where nothing is free, nothing is done.
     void compact();
     /// Walks every chain and says everything that is wrong. Throws only when the
     /// container cannot be read at all.
@@ -109,6 +111,9 @@ class CORE_API StorageRW {
     /// An existing file of the new name is replaced. The content is not touched.
     void rename(wstring_view from, wstring_view to);
     void copy(wstring_view from, wstring_view to);
+    /// Moves a file of another container into this one, with its times. Nobody else can change it meanwhile;
+    /// a crash may leave it in both.
+    void moveFrom(StorageRW& source, wstring_view from, wstring_view to);
     void setTimes(wstring_view name, Date created, Date modified);
 
   private:
@@ -120,6 +125,10 @@ class CORE_API StorageRW64 : public StorageRW {
   public:
     explicit StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options = {},
                          const wstring& url = {});
+
+    static void create(IFile& file);
+    static bool createIfEmpty(IFile& file);
+    static void replace(IFile& file);
 };
 
 /// Makes many reads see one committed state, and saves each of them its own lock. Commits of

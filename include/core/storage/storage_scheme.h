@@ -52,6 +52,7 @@ class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
     std::size_t remove(const wstring& pattern) override;
     void copyFile(const wstring& from, const wstring& to) override;
     void moveFile(const wstring& from, const wstring& to) override;
+    void writeFile(const wstring& to, const FileWriter& write) override;
     void saveFile(IFile& content, const wstring& to) override;
 
   private:
@@ -62,7 +63,6 @@ class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
     };
     [[nodiscard]] Inner resolve(const wstring& url);
     [[nodiscard]] wstring enter(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url);
-    static void save(IFile& content, Inner& to);
     static void refuseSame(const Inner& from, const Inner& to, const wstring& url);
 
     const StorageLayout& layout_;
