@@ -11,6 +11,7 @@
 #include <pty.h>
 #include <sys/file.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -182,6 +183,18 @@ class TerminalTest : public FolderTest {
         ADD_FAILURE() << "waited for " << text << ", has " << testing::PrintToString(shown_);
         return false;
     }
+    /// Waits for a prompt, and for the editor to take keys: what comes between the two is the terminal's own.
+    [[nodiscard]] bool asks(std::string_view prompt) {
+        struct termios mode {};
+        if (!shows(prompt))
+            return false;
+        for (int i = 0; i < 2000; ++i) {
+            if (::tcgetattr(terminal_, &mode) == 0 && (mode.c_lflag & ICANON) == 0)
+                return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
+    }
     [[nodiscard]] int exit_code() {
         int status = 0;
         EXPECT_EQ(::waitpid(child_, &status, 0), child_);
@@ -196,22 +209,29 @@ class TerminalTest : public FolderTest {
 };
 
 TEST_F(TerminalTest, EditsCompletesStopsAndLeaves) {
-    ASSERT_TRUE(shows("> "));
+    ASSERT_TRUE(asks("> "));
     type("Цены = Новый Соо\t\r");
+    ASSERT_TRUE(asks("\n> "));
     type("Цены.Вст\t1, 3)\x1B[D\x7F"
          "2\r"); // the 3 becomes a 2
+    ASSERT_TRUE(asks("\n> "));
     type("Цены\r");
     ASSERT_TRUE(shows("Map {1: 2}"));
+    ASSERT_TRUE(asks("\n> "));
     type("1/0\r");
     ASSERT_TRUE(shows("Division by zero."));
+    ASSERT_TRUE(asks("\n> "));
     type("If True Then\r");
-    ASSERT_TRUE(shows("  | "));
+    ASSERT_TRUE(asks("  | "));
     type("Print(\x03");
     ASSERT_TRUE(shows("^C"));
+    ASSERT_TRUE(asks("> "));
     type("While True Do EndDo\r");
     ASSERT_TRUE(shows("The script was interrupted.", "\x03"));
+    ASSERT_TRUE(asks("\n> "));
     type("40+2\r");
     ASSERT_TRUE(shows("\n42\r\n"));
+    ASSERT_TRUE(asks("> "));
     type("\x04");
     EXPECT_EQ(exit_code(), 0);
     EXPECT_TRUE(text_of(folder() / "corehost/history")
