@@ -3,6 +3,7 @@
 
 #include <core/runtime/error.h>
 #include <core/serialization/persistence.h>
+#include <core/strings/integer_text.h>
 
 namespace core {
 
@@ -11,7 +12,7 @@ void throw_malformed() {
 }
 
 void Nesting::Level::fail() {
-    throw_malformed();
+    throw_error<ListStreamException>("IDS_NESTING_TOO_DEEP", {string_intto(kMaxDepth)});
 }
 
 } // namespace core

@@ -60,6 +60,8 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
         return GenericValue(text);
     }
     GenericValue fromJson(Args a) {
+        if (given(a[1]) && a[1].kind() != ValueKind::boolean)
+            parameter_type_mismatch(1);
         return from_json(to_utf8(text_argument(a, 0)), a[1].isTrue() ? Objects::maps : Objects::structures);
     }
     GenericValue toJson(Args a) {
@@ -115,8 +117,9 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
         Numeric width = number_argument(a, 1);
         const bool inFront = width.sign() < 0;
         width = width.abs();
-        const std::size_t wanted =
-            width.compare(Numeric(kMaxWidth)) > 0 ? kMaxWidth : static_cast<std::size_t>(width);
+        if (width.compare(Numeric(kMaxWidth)) > 0)
+            parameter_value_mismatch(1);
+        const auto wanted = static_cast<std::size_t>(width);
         if (text.size() < wanted)
             text.insert(inFront ? 0 : text.size(), wanted - text.size(), u' ');
         return GenericValue(text);

@@ -234,7 +234,7 @@ TEST_F(InterpreterTest, NothingAScriptBuildsOverflowsTheStack) {
     check({
         {deep + "b = 0; a = 0; \"done\"", "\"done\""},
         {deep + "ToText(a)",
-         "! 1:78 The text is not a well-formed brace list, or holds something else than was expected."},
+         "! 1:78 Values stand inside each other more than 1000 levels deep."},
         {deep + "ToJson(a)", "! 1:78 JSON is nested more than 1000 levels deep."},
         {deep + "a", "Array [Array [Array [Array […]]]]"},
     });

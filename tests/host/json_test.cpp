@@ -64,6 +64,9 @@ TEST_F(JsonTest, EveryKindAndItsType) {
         {"m = New Map; m[1] = '20240229'; m[Null] = Type(\"Map\"); m[\"x\"] = New FixedArray(New Array(1)); "
          "ToJson(m)",
          R"("{""1"":""2024-02-29T00:00:00"","""":""Map"",""x"":[null]}")"},
+        {"m = New Map; m[1] = 1; m[\"1\"] = 2; ToJson(m)",
+         "! 1:36 Two keys of the map would be the same name, “1”, in JSON."},
+        {"FromJson(\"1\", 1)", "! 1:1 Parameter 2 is of a type that is not accepted here."},
         {"ToJson(New Structure(\"a,b\", New Array(2), New Map), 2)",
          "\"{\n  \"\"a\"\": [\n    null,\n    null\n  ],\n  \"\"b\"\": {}\n}\""},
         {"ToJson(FromJson(\"[1]\")[0] + 0.5); ToJson(DateFractions.Time)", "\"1.5\"\n\"\"\"Time\"\"\""},
