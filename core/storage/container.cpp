@@ -183,6 +183,14 @@ void Container::loadFreeSpace() {
         free.walk(reader_);
         if (!space_.load(ranges, table_.end()) || !space_.isUsed(tableBlocks_) || !space_.isUsed(free.runs()))
             throwBadFormat();
+        // What a file begins with is free in a damaged container alone; writing there would take it from the
+        // file.
+        table_.forEach([&](wstring_view, const StorageFileEntry& entry) {
+            for (const std::uint64_t first : {entry.attributes, entry.data}) {
+                if (first != layout_.null && space_.isFree(first))
+                    throwBadFormat();
+            }
+        });
         freeBlocks_ = free.runs();
     });
     spaceCounter_ = head_.counter;

@@ -42,6 +42,7 @@ class FreeSpace {
     [[nodiscard]] bool release(const BlockRuns& blocks);
     /// Whether blocks of a chain lie in what is free, or beyond the end.
     [[nodiscard]] bool isUsed(const BlockRuns& blocks) const;
+    [[nodiscard]] bool isFree(std::uint64_t address) const { return free_.touches(address, address + 1); }
 
     // Both ways out of the changes. `kept` is fresh space that stays so: it belongs to files still being
     // written. `end` is what outlook() says of it.
