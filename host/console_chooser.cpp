@@ -12,8 +12,12 @@
 #include <core/tables/value_list.h>
 #include <core/tables/value_table.h>
 
+#include <poll.h>
+#include <unistd.h>
+
 #include <algorithm>
-#include <istream>
+#include <cerrno>
+#include <iostream>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -114,7 +118,14 @@ class ConsoleChooser : public IChooser {
         while (true) {
             console_.out << to_utf8(message_text(question, {string_intto(count)})) << ' ' << std::flush;
             std::string line;
-            std::getline(console_.in, line);
+            if (!awaitLine()) {
+                console_.out << '\n';
+                return false;
+            }
+            if (!std::getline(console_.in, line) && isTerminal()) {
+                console_.in.clear(); // the end of this answer is not the end of the terminal
+                console_.out << '\n';
+            }
             const auto words = string_tokenize(std::string_view(line), " ,;\t\r");
             if (words.empty())
                 return false;
@@ -129,6 +140,16 @@ class ConsoleChooser : public IChooser {
                 return true;
             console_.out << to_utf8(message_text("IDS_HOST_CHOOSE_AGAIN")) << '\n';
         }
+    }
+
+    [[nodiscard]] bool isTerminal() const { return console_.in.rdbuf() == std::cin.rdbuf(); }
+
+    /// Waits until a line can be read; false when Ctrl-C came instead, which reading would not tell.
+    [[nodiscard]] bool awaitLine() const {
+        if (!isTerminal() || console_.in.rdbuf()->in_avail() > 0)
+            return true;
+        pollfd input{STDIN_FILENO, POLLIN, 0};
+        return ::poll(&input, 1, -1) >= 0 || errno != EINTR;
     }
 
     Console& console_;

@@ -37,6 +37,9 @@ ExitCode carry_out(const Action& action, Console& console) {
         return fail(console, e.description(), ExitCode::io);
     } catch (const core::FileStreamException& e) {
         return fail(console, e.description(), ExitCode::io);
+    } catch (const core::StorageException& e) {
+        const bool failed = e.kind() == core::StorageException::Kind::none; // in use, read only, full
+        return fail(console, e.description(), failed ? ExitCode::io : ExitCode::malformed);
     } catch (const core::Exception& e) {
         return fail(console, e.description(), ExitCode::malformed);
     }

@@ -5,6 +5,7 @@
 
 #include <core/runtime/utf8.h>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,19 +14,26 @@
 namespace host {
 namespace {
 
-constexpr std::size_t kWidth = 40;
+constexpr std::size_t kBar = 40;
+
+/// How many columns the terminal has that messages go to.
+std::size_t terminal_columns() {
+    winsize size{};
+    return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
 
 } // namespace
 
 Progress::Progress(Console& console, std::string_view what, std::uint64_t total)
-    : out_(console.err), what_(terminal_text(core::from_utf8(what))),
-      total_(std::max<std::uint64_t>(total, 1)),
+    : out_(console.err), tied_(out_.tie(nullptr)), what_(core::from_utf8(what)), total_(total),
+      room_(terminal_columns()),
       terminal_(console.err.rdbuf() == std::cerr.rdbuf() && ::isatty(STDERR_FILENO) == 1),
       next_(Clock::now() + std::chrono::milliseconds(500)) {}
 
 Progress::~Progress() {
     if (shown_)
         out_ << "\r\033[K" << std::flush;
+    out_.tie(tied_);
 }
 
 void Progress::add(std::uint64_t done) {
@@ -34,10 +42,19 @@ void Progress::add(std::uint64_t done) {
         return;
     next_ = Clock::now() + std::chrono::milliseconds(100);
     shown_ = true;
-    const double part = std::min(1.0, static_cast<double>(done_) / static_cast<double>(total_));
-    const auto filled = static_cast<std::size_t>(part * kWidth);
-    out_ << '\r' << what_ << " [" << std::string(filled, '#') << std::string(kWidth - filled, '.') << "] "
-         << static_cast<int>(part * 100) << " %" << std::flush;
+    std::string bar;
+    if (total_ == 0) {
+        bar = std::to_string(done_ >> 20) + " MiB";
+    } else {
+        const double part = std::min(1.0, static_cast<double>(done_) / static_cast<double>(total_));
+        const std::size_t width = std::min(kBar, room_ / 2);
+        const auto filled = static_cast<std::size_t>(part * static_cast<double>(width));
+        bar = '[' + std::string(filled, '#') + std::string(width - filled, '.') + "] " +
+              std::to_string(static_cast<int>(part * 100)) + " %";
+    }
+    // The last column stays free: a line that is full would not be written over.
+    const std::size_t rest = room_ - std::min(room_, bar.size() + 2);
+    out_ << '\r' << fitted_text(what_, rest).text << ' ' << bar << "\033[K" << std::flush;
 }
 
 } // namespace host

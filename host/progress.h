@@ -3,6 +3,8 @@
 
 #include "host/console.h"
 
+#include <core/runtime/types.h>
+
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -14,6 +16,7 @@ namespace host {
 /// messages do not go to a terminal; leaves nothing behind.
 class Progress {
   public:
+    /// `total` is 0 where it is not known.
     Progress(Console& console, std::string_view what, std::uint64_t total);
     ~Progress();
     Progress(const Progress&) = delete;
@@ -25,8 +28,10 @@ class Progress {
     using Clock = std::chrono::steady_clock;
 
     std::ostream& out_;
-    std::string what_;
-    std::uint64_t total_;
+    std::ostream* tied_; // what else flushes when the bar is written: results must not come before its end
+    core::wstring what_;
+    std::uint64_t total_; // 0 where it is not known
+    std::size_t room_;
     std::uint64_t done_ = 0;
     bool terminal_;
     bool shown_ = false;

@@ -23,6 +23,11 @@ core::wstring clipped(core::wstring_view text, std::size_t most) {
     return core::wstring(text.substr(0, begin)).append(u" … ").append(text.substr(end));
 }
 
+/// Whether it would steer the terminal, or turn the direction of writing for what follows.
+bool steers(UChar32 c) {
+    return u_charType(c) == U_CONTROL_CHAR || u_hasBinaryProperty(c, UCHAR_BIDI_CONTROL);
+}
+
 /// What is shown in the place of a character; `next` is the one behind it. 0 for nothing.
 char32_t visible(char32_t c, char32_t next) {
     switch (c) {
@@ -36,9 +41,7 @@ char32_t visible(char32_t c, char32_t next) {
         return U'↵';
     default:
         const auto code = static_cast<UChar32>(c);
-        const bool steers = u_charType(code) == U_CONTROL_CHAR || U_IS_SURROGATE(code) ||
-                            u_hasBinaryProperty(code, UCHAR_BIDI_CONTROL);
-        return steers ? U'\uFFFD' : c;
+        return steers(code) || U_IS_SURROGATE(code) ? U'\uFFFD' : c;
     }
 }
 
@@ -54,7 +57,7 @@ void append_utf8(std::string& text, char32_t c) {
 std::string terminal_text(core::wstring_view text, std::size_t most) {
     core::wstring shown = clipped(text, most);
     for (core::wchar& c : shown) {
-        if (u_iscntrl(c) && c != u'\t')
+        if (steers(c) && c != u'\t')
             c = 0xFFFD;
     }
     return core::to_utf8(shown);

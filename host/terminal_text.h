@@ -13,8 +13,8 @@ namespace host {
 /// A message longer than this is shown without its middle: the URL or the token in it may be of any length.
 inline constexpr std::size_t kMessageShown = 1000;
 
-/// The text in UTF-8, of at most about `most` units, with U+FFFD for control characters other than the tab:
-/// nothing that is shown may steer the terminal.
+/// The text in UTF-8, of at most about `most` units, with U+FFFD for control characters other than the tab
+/// and for those that turn the direction of writing: nothing that is shown may steer the terminal.
 [[nodiscard]] std::string terminal_text(core::wstring_view text, std::size_t most = kMessageShown);
 
 /// The columns that a character takes: none for what combines with the one before, two for wide ones.

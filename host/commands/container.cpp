@@ -63,13 +63,6 @@ Selection select(const StorageRW& storage, const Options& options, Console& cons
     return selection;
 }
 
-std::string shown(wstring_view name) {
-    wstring text(name);
-    std::replace_if(
-        text.begin(), text.end(), [](wchar c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }, u'\uFFFD');
-    return to_utf8(text);
-}
-
 } // namespace host::container
 
 namespace host {

@@ -30,9 +30,6 @@ struct Selection {
 };
 [[nodiscard]] Selection select(const core::StorageRW& storage, const Options& options, Console& console);
 
-/// A name for a person to read: nothing in it may steer the terminal.
-[[nodiscard]] std::string shown(core::wstring_view name);
-
 // container_files.cpp
 [[nodiscard]] ExitCode create(const Options& options);
 [[nodiscard]] ExitCode list(const Options& options, Console& console);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/commands/commands.h"
 #include "host/commands/container.h"
 #include "host/progress.h"
+#include "host/terminal_text.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/file_error.h>
@@ -20,6 +22,7 @@
 #include <filesystem>
 #include <iomanip>
 #include <map>
+#include <optional>
 #include <ostream>
 #include <span>
 #include <utility>
@@ -106,13 +109,13 @@ std::vector<Source> sources(const Options& options) {
     return all;
 }
 
-/// Where an inner file goes on disk. A name must not lead out of the folder.
-std::string target_of(const Options& options, wstring_view name) {
+/// Where an inner file goes on disk; none for a name that leads out of the folder.
+std::optional<std::string> target_of(const Options& options, wstring_view name) {
     const fs::path relative = fs::path(to_utf8(name)).lexically_normal();
     const bool leadsOut = relative.empty() || relative.is_absolute() || *relative.begin() == ".." ||
                           !relative.has_filename() || relative == ".";
     if (leadsOut || name.find(u'\0') != wstring_view::npos)
-        throw_file_error("IDS_FILE_OPEN", wstring(name), EINVAL);
+        return std::nullopt;
     return (fs::path(options.folder) / relative).string();
 }
 
@@ -177,7 +180,8 @@ ExitCode list(const Options& options, Console& console) {
         for (const StorageFound& file : files) {
             std::string time = to_utf8(file.modified.toLocalTime().toXMLString()).substr(0, 16);
             std::replace(time.begin(), time.end(), 'T', ' ');
-            console.out << std::setw(12) << file.size << "  " << time << "  " << shown(file.name) << '\n';
+            console.out << std::setw(12) << file.size << "  " << time << "  " << terminal_text(file.name)
+                        << '\n';
         }
     }
     return options.names.empty() || !files.empty() ? ExitCode::done : ExitCode::no;
@@ -212,15 +216,20 @@ ExitCode get(const Options& options, Console& console) {
     for (const StorageFound& file : selection.files)
         total += file.size;
     Progress progress(console, "get", total);
+    ExitCode code = selection.missing == 0 ? ExitCode::done : ExitCode::no;
     for (const StorageFound& file : selection.files) {
-        const std::string path = target_of(options, file.name);
+        const auto path = target_of(options, file.name);
+        if (!path) {
+            code = fail(console, message_text("IDS_HOST_NAME_LEADS_OUT", {file.name}), ExitCode::no);
+            continue;
+        }
         std::error_code error;
-        fs::create_directories(fs::path(path).parent_path(), error); // opening says what is wrong
+        fs::create_directories(fs::path(*path).parent_path(), error); // opening says what is wrong
         const auto from = storage.open(file.name, OpenMode::read);
-        take_out(storage, *from, path, progress);
-        set_modified_on_disk(path, file.modified);
+        take_out(storage, *from, *path, progress);
+        set_modified_on_disk(*path, file.modified);
     }
-    return selection.missing == 0 ? ExitCode::done : ExitCode::no;
+    return code;
 }
 
 ExitCode cat(const Options& options, Console& console) {

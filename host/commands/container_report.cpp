@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/commands/commands.h"
 #include "host/commands/container.h"
+#include "host/terminal_text.h"
 #include "host/text_columns.h"
 
+#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 
@@ -72,7 +75,7 @@ ExitCode check(const Options& options, Console& console) {
         console.out << all.dump(2) << '\n';
     } else {
         for (const StorageProblem& problem : result.problems)
-            console.out << shown(problem.text()) << '\n';
+            console.out << terminal_text(problem.text()) << '\n';
         console.out << message("IDS_HOST_CONTAINER_CHECKED",
                                {string_intto(result.files), string_intto(result.blocks),
                                 string_intto(result.problems.size())})
@@ -122,6 +125,8 @@ ExitCode info(const Options& options, Console& console) {
 
 ExitCode compact(const Options& options, Console& console) {
     StorageRW storage = open(options, OpenMode::readWrite);
+    if (!storage.check().isClean()) // moving what is damaged would hide it
+        return fail(console, message_text("IDS_HOST_CONTAINER_DAMAGED"), ExitCode::malformed);
     const std::uint64_t before = storage.info().fileLength;
     storage.compact();
     console.out << message("IDS_HOST_CONTAINER_COMPACTED",

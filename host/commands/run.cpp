@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <new>
 #include <ostream>
 #include <string>
 
@@ -27,6 +28,8 @@ ExitCode run_file(const std::string& file, Console& console) {
         console.out.flush();
         script::show_error(console.err, *source, error, console.colour);
         return ExitCode::malformed;
+    } catch (const std::bad_alloc&) { // for the script itself, or what stands between its statements
+        return fail(console, core::message_text("IDS_SCRIPT_NO_MEMORY"), ExitCode::malformed);
     }
     return ExitCode::done;
 }

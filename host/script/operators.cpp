@@ -43,9 +43,18 @@ Numeric seconds_between(const Date& from, const Date& to) {
     return Numeric((to - from).ticks()) / Numeric(kTicksPerSecond);
 }
 
+/// Strings that scripts make longer piece by piece are long: nothing is copied that need not be.
+GenericValue joined(wstring_view left, const GenericValue& right) {
+    const wstring other = right.kind() == ValueKind::string ? wstring() : right.presentation();
+    const wstring_view end = right.kind() == ValueKind::string ? *right.asString() : wstring_view(other);
+    wstring text;
+    text.reserve(left.size() + end.size());
+    return GenericValue(text.append(left).append(end));
+}
+
 GenericValue compute(Operator sign, const GenericValue& left, const GenericValue& right) {
     if (left.kind() == ValueKind::string && sign == Operator::add)
-        return GenericValue(wstring(*left.asString()) + right.presentation());
+        return joined(*left.asString(), right);
     Numeric number;
     if (const Date* const date = left.asDate()) {
         if (sign == Operator::subtract && right.asDate() != nullptr)
