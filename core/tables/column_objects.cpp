@@ -102,7 +102,13 @@ GenericValue ValueTableColumnCollection::insert(std::size_t position, std::span<
                     .domain = domain_argument(definition[1], firstParam + 1),
                     .title = optional_text_argument(definition[2], firstParam + 2),
                     .width = width_argument(definition[3], firstParam + 3)};
-    return column_value(data_, data_.insertColumn(position, std::move(info)));
+    TableColumn& column = data_.insertColumn(position, std::move(info));
+    try {
+        return column_value(data_, column);
+    } catch (...) { // no object, no column
+        data_.removeColumn(position);
+        throw;
+    }
 }
 
 GenericValue ValueTableColumnCollection::callAdd(std::span<GenericValue> arguments) {

@@ -92,7 +92,13 @@ GenericValue VTIndexCollection::callAdd(std::span<GenericValue> arguments) {
     std::vector<const TableColumn*> columns;
     for (const std::size_t column : column_list_argument(data_, arguments[0], 0))
         columns.push_back(&data_.column(column));
-    return index_value(data_, data_.addIndex(std::move(columns)));
+    TableIndex& index = data_.addIndex(std::move(columns));
+    try {
+        return index_value(data_, index);
+    } catch (...) { // no object, no index
+        data_.removeIndex(data_.indexes().size() - 1);
+        throw;
+    }
 }
 
 GenericValue VTIndexCollection::callDelete(std::span<GenericValue> arguments) {

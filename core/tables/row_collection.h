@@ -53,18 +53,23 @@ class RowCollection : public TableObject<T, true, rowType>, public IValueCollect
         return false;
     }
 
+    /// The object of the row is made first: when there is no memory for it, there is no row, either.
+    GenericValue insert(std::size_t position) {
+        GenericValue row = row_value(data(), data().nextRow());
+        data().insertRow(parent(), position);
+        return row;
+    }
+
     GenericValue callCount(std::span<GenericValue>) { return rows().size(); }
     GenericValue callIndexOf(std::span<GenericValue> arguments) {
         if (arguments[0].kind() == ValueKind::number)
             parameter_type_mismatch(0);
         return row_argument(data(), parent(), arguments[0], 0);
     }
-    GenericValue callAdd(std::span<GenericValue>) {
-        return row_value(data(), data().insertRow(parent(), rows().size()));
-    }
+    GenericValue callAdd(std::span<GenericValue>) { return insert(rows().size()); }
     GenericValue callInsert(std::span<GenericValue> arguments) {
         const std::size_t position = position_argument(arguments[0], 0, rows().size(), IndexBound::insertion);
-        return row_value(data(), data().insertRow(parent(), position));
+        return insert(position);
     }
     GenericValue callDelete(std::span<GenericValue> arguments) {
         data().removeRow(parent(), row_argument(data(), parent(), arguments[0], 0));

@@ -57,14 +57,19 @@ RowOrder& TableData::makeRowsOf(RowId parent) {
     return *rows;
 }
 
+RowId TableData::nextRow() const {
+    if (!free_.empty() && walks_.empty())
+        return free_.back();
+    if (ids_ == kNoRow)
+        throw std::bad_alloc();
+    return static_cast<RowId>(ids_);
+}
+
 RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const Value> cells) {
     RowOrder& order = makeRowsOf(parent);
     if (position != order.size())
         beforeReorder(order);
-    const bool reused = !free_.empty() && walks_.empty();
-    if (!reused && ids_ == kNoRow)
-        throw std::bad_alloc();
-    const RowId row = reused ? free_.back() : static_cast<RowId>(ids_);
+    const RowId row = nextRow();
     try {
         putCells(row, cells);
         if (tree_) {
@@ -80,10 +85,10 @@ RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const V
         }
         throw;
     }
-    if (reused)
-        free_.pop_back();
-    else
+    if (row == ids_)
         ++ids_;
+    else
+        free_.pop_back();
     ++count_;
     ++version_;
     for (const auto& index : indexes_)

@@ -65,6 +65,8 @@ class TableData {
     [[nodiscard]] std::vector<RowId> withSubordinates(std::span<const RowId> rows) const;
     /// How many rows there are at all levels.
     [[nodiscard]] std::size_t rowCount() const noexcept { return count_; }
+    /// The id that the next row gets.
+    [[nodiscard]] RowId nextRow() const;
     /// A row with these cells, adjusted to their columns; the others hold the defaults of theirs.
     RowId insertRow(RowId parent, std::size_t position, std::span<const Value> cells = {});
     /// With the rows below it.
