@@ -16,6 +16,7 @@
 #include <cstring>
 #include <map>
 #include <random>
+#include <vector>
 
 namespace core {
 namespace {
@@ -155,13 +156,16 @@ class FaultScheme : public IFileScheme {
         return test::open_fault_file(disk);
     }
     std::vector<FileInfo> findFile(const wstring&) override { return {}; }
-    std::size_t remove(const wstring& url) override { return disks_.erase(url); }
+    std::size_t remove(const wstring& url) override {
+        removed_.push_back(disks_.extract(url)); // it may still be open
+        return removed_.back().empty() ? 0 : 1;
+    }
     void copyFile(const wstring&, const wstring&) override {}
     void moveFile(const wstring& from, const wstring& to) override {
         calls_ += disks_[from].calls;
         call(from);
         disks_[to] = disks_[from];
-        disks_.erase(from);
+        removed_.push_back(disks_.extract(from));
     }
     void saveFile(IFile&, const wstring&) override {}
 
@@ -173,6 +177,7 @@ class FaultScheme : public IFileScheme {
     std::map<wstring, test::FaultDisk>& disks_;
     std::uint64_t& failAt_;
     std::uint64_t calls_ = 0;
+    std::vector<std::map<wstring, test::FaultDisk>::node_type> removed_;
     wstring name_ = u"fault";
 };
 

@@ -83,10 +83,12 @@ template <class Impl, bool sticky>
 class SemaphoreBase : public IUnknownImpl<Impl, ISemaphore> {
   public:
     bool wait(std::chrono::milliseconds timeout) override {
-        // The sum of now and a timeout that means "for ever" would not fit the clock.
+        // The sum of now and a timeout that means "for ever" would not fit the clock, nor would one below
+        // zero.
         constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24 * 365 * 100);
         std::unique_lock guard(mutex_);
-        if (!ready_.wait_for(guard, std::min(timeout, kLongest), [this] { return signals_ > 0; }))
+        if (!ready_.wait_for(guard, std::clamp(timeout, std::chrono::milliseconds::zero(), kLongest),
+                             [this] { return signals_ > 0; }))
             return false;
         if (!sticky)
             --signals_;
