@@ -88,7 +88,7 @@ class Store {
     }
     void dropChunk(Chunk& chunk) noexcept {
         if (spares_ == kSpareChunks)
-            return ::operator delete(&chunk, kChunkSize, std::align_val_t(kChunkSize));
+            return ::operator delete(&chunk, std::align_val_t(kChunkSize));
         chunk.next = spare_;
         spare_ = &chunk;
         ++spares_;

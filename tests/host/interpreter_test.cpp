@@ -233,8 +233,7 @@ TEST_F(InterpreterTest, NothingAScriptBuildsOverflowsTheStack) {
     const std::string deep = "a = New Array; For i = 1 To 100000 Do b = New Array; b.Add(a); a = b; EndDo; ";
     check({
         {deep + "b = 0; a = 0; \"done\"", "\"done\""},
-        {deep + "ToText(a)",
-         "! 1:78 Values stand inside each other more than 1000 levels deep."},
+        {deep + "ToText(a)", "! 1:78 Values stand inside each other more than 1000 levels deep."},
         {deep + "ToJson(a)", "! 1:78 JSON is nested more than 1000 levels deep."},
         {deep + "a", "Array [Array [Array [Array […]]]]"},
     });
