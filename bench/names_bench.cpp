@@ -2,6 +2,7 @@
 // Names and patterns: comparison beside QString, hashing beside ICU's folding with absl's hash, LIKE beside
 // compiled PCRE2 expressions and SQLite's LIKE. Every benchmark goes round 64 texts.
 #define PCRE2_CODE_UNIT_WIDTH 16
+#include <core/locales.h>
 #include <core/runtime/utf8.h>
 #include <core/strings.h>
 

@@ -3,10 +3,10 @@
 // its writer, boxed values against its documents. A figure is the time of one value. Writing is measured into
 // memory that grows, where the system's fresh pages weigh most, and through one piece that is used again, as
 // a file is written.
-#include <core/serialization/list_in_stream.h>
-#include <core/serialization/list_out_stream.h>
-#include <core/serialization/memory_stream.h>
-#include <core/serialization/persistence.h>
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
+#include <core/persistence/persistence.h>
+#include <core/streams/memory_stream.h>
 #include <core/values/generic_value.h>
 
 #include <benchmark/benchmark.h>

@@ -4,7 +4,7 @@
 #include <core/files/disk_file.h>
 #include <core/files/file_error.h>
 #include <core/runtime/utf8.h>
-#include <core/serialization/text_file.h>
+#include <core/streams/text_file.h>
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -7,7 +7,7 @@
 #include <core/runtime/error.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
-#include <core/serialization/text_file.h>
+#include <core/streams/text_file.h>
 
 #include <cerrno>
 #include <filesystem>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/arguments.h"
 
-#include "core/serialization/malformed.h"
+#include "core/lists/malformed.h"
 
 #include <core/collections/collect_error.h>
 #include <core/context/context_error.h>

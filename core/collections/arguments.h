@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/serialization/list_in_stream.h>
+#include <core/lists/list_in_stream.h>
 #include <core/values/value.h>
 
 #include <cstdint>

@@ -9,8 +9,8 @@
 #include <core/collections/terms.h>
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
-#include <core/serialization/list_in_stream.h>
-#include <core/serialization/list_out_stream.h>
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
 #include <core/values/type_object.h>
 #include <core/values/value_impl.h>
 

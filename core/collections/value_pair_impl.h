@@ -2,7 +2,7 @@
 #pragma once
 
 #include <core/collections/value_pair.h>
-#include <core/serialization/persistence.h>
+#include <core/persistence/persistence.h>
 #include <core/values/generic_value.h>
 
 namespace core {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/pairs_impl.h"
-#include "core/serialization/malformed.h"
+#include "core/lists/malformed.h"
 
 #include <core/collections/value_structure.h>
 #include <core/strings/compare.h>

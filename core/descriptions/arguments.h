@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/context/enumeration.h>
+#include <core/objects/enumeration.h>
 
 #include <cstdint>
 #include <span>

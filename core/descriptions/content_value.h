@@ -2,8 +2,8 @@
 #pragma once
 
 #include <core/context/context_def_ext.h>
+#include <core/persistence/persistence.h>
 #include <core/runtime/internal_class.h>
-#include <core/serialization/persistence.h>
 #include <core/values/value_impl.h>
 
 namespace core {

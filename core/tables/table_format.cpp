@@ -2,10 +2,10 @@
 #include "core/tables/table_format.h"
 
 #include "core/collections/arguments.h"
-#include "core/serialization/malformed.h"
+#include "core/lists/malformed.h"
 
-#include <core/serialization/list_in_stream.h>
-#include <core/serialization/list_out_stream.h>
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
 #include <core/strings/names.h>
 
 namespace core {

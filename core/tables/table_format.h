@@ -3,7 +3,7 @@
 
 #include "core/tables/table_data.h"
 
-#include <core/serialization/persistence.h>
+#include <core/persistence/persistence.h>
 
 namespace core {
 

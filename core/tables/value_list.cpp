@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/arguments.h"
 #include "core/context/gathered_enum.h"
-#include "core/serialization/malformed.h"
+#include "core/lists/malformed.h"
 #include "core/tables/introsort.h"
 #include "core/tables/table_arguments.h"
 #include "core/tables/value_list_impl.h"
 #include "core/tables/value_ranks.h"
 
 #include <core/descriptions/type_description.h>
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
 #include <core/runtime/error.h>
-#include <core/serialization/list_in_stream.h>
-#include <core/serialization/list_out_stream.h>
 #include <core/tables/terms.h>
 
 #include <functional>

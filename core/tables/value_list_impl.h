@@ -4,7 +4,7 @@
 #include "core/tables/value_list_item.h"
 
 #include <core/context/iteration.h>
-#include <core/serialization/persistence.h>
+#include <core/persistence/persistence.h>
 #include <core/types/type_domain.h>
 
 #include <vector>

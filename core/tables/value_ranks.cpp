@@ -3,8 +3,8 @@
 
 #include "core/tables/word_sort.h"
 
+#include <core/locales/collation_keys.h>
 #include <core/runtime/settings.h>
-#include <core/strings/collation_keys.h>
 
 #include <array>
 #include <bit>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/serialization/malformed.h"
+#include "core/lists/malformed.h"
 
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
 #include <core/runtime/error.h>
-#include <core/serialization/list_in_stream.h>
-#include <core/serialization/list_out_stream.h>
 #include <core/types/qualifiers.h>
 
 #include <algorithm>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/serialization/malformed.h"
+#include "core/lists/malformed.h"
 #include "core/values/value_run.h"
 
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
+#include <core/persistence/persistence.h>
 #include <core/runtime/error.h>
 #include <core/runtime/process.h>
-#include <core/serialization/list_in_stream.h>
-#include <core/serialization/list_out_stream.h>
-#include <core/serialization/memory_stream.h>
-#include <core/serialization/persistence.h>
+#include <core/streams/memory_stream.h>
 #include <core/values/generic_value.h>
 
 namespace core {

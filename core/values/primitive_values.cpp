@@ -2,11 +2,11 @@
 #include "core/runtime/counted_block.h"
 #include "core/values/primitive_types.h"
 
-#include <core/formats/bool_format.h>
-#include <core/formats/date_format.h>
-#include <core/formats/numeric_format.h>
-#include <core/serialization/list_out_stream.h>
-#include <core/serialization/persistence.h>
+#include <core/lists/list_out_stream.h>
+#include <core/locales/bool_format.h>
+#include <core/locales/date_format.h>
+#include <core/locales/numeric_format.h>
+#include <core/persistence/persistence.h>
 #include <core/strings/compare.h>
 #include <core/strings/names.h>
 #include <core/strings/trim.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/values/primitive_types.h"
 
+#include <core/locales/collate.h>
 #include <core/runtime/settings.h>
-#include <core/strings/collate.h>
 #include <core/values/value.h>
 #include <core/values/value_impl.h>
 

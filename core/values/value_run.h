@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/serialization/list_run.h"
-#include "core/serialization/token_write.h"
-#include "core/serialization/unit_scan.h"
+#include "core/lists/list_run.h"
+#include "core/lists/token_write.h"
+#include "core/lists/unit_scan.h"
 
 #include <core/values/generic_value.h>
 

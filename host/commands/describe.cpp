@@ -4,7 +4,7 @@
 #include "host/script/functions.h"
 #include "host/script/table_functions.h"
 
-#include <core/context/core_general_context.h>
+#include <core/objects/core_general_context.h>
 #include <core/runtime/error.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>

@@ -5,7 +5,7 @@
 #include "host/script/display.h"
 
 #include <core/context/context_def_ext.h>
-#include <core/context/enumeration.h>
+#include <core/objects/enumeration.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/term.h>

@@ -10,7 +10,7 @@
 
 #include <core/runtime/exceptions.h>
 #include <core/runtime/utf8.h>
-#include <core/serialization/text_file.h>
+#include <core/streams/text_file.h>
 #include <core/strings/integer_text.h>
 
 #include <CLI/CLI.hpp>

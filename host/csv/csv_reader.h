@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/serialization/text_file.h>
+#include <core/streams/text_file.h>
 
 #include <cstdint>
 #include <functional>

@@ -9,9 +9,9 @@
 #include <core/collections/value_structure.h>
 #include <core/context/context_def.h>
 #include <core/context/iteration.h>
+#include <core/persistence/persistence.h>
 #include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
-#include <core/serialization/persistence.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
 #include <core/tables/terms.h>

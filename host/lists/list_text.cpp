@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/lists/list_text.h"
 
-#include <core/serialization/list_scanner.h>
-#include <core/serialization/memory_stream.h>
-#include <core/serialization/token.h>
+#include <core/lists/list_scanner.h>
+#include <core/lists/token.h>
+#include <core/streams/memory_stream.h>
 #include <core/strings/char_class.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/serialization/unit_sink.h>
+#include <core/streams/unit_sink.h>
 
 namespace host {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/serialization/list_scanner.h>
+#include <core/lists/list_scanner.h>
 
 #include <cstddef>
 #include <cstdint>

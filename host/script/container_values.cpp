@@ -4,8 +4,8 @@
 #include "host/commands/container.h"
 
 #include <core/runtime/utf8.h>
-#include <core/serialization/text_file.h>
-#include <core/serialization/unit_sink.h>
+#include <core/streams/text_file.h>
+#include <core/streams/unit_sink.h>
 
 namespace host::script {
 

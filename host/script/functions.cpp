@@ -10,16 +10,16 @@
 
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
-#include <core/context/core_general_context.h>
-#include <core/context/enumeration.h>
 #include <core/context/group_context.h>
 #include <core/files/disk_file.h>
 #include <core/files/file_system.h>
+#include <core/objects/core_general_context.h>
+#include <core/objects/enumeration.h>
 #include <core/runtime/clock.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
-#include <core/serialization/text_file.h>
-#include <core/serialization/unit_sink.h>
+#include <core/streams/text_file.h>
+#include <core/streams/unit_sink.h>
 #include <core/strings/letter_case.h>
 #include <core/strings/like.h>
 #include <core/strings/trim.h>

@@ -5,8 +5,8 @@
 #include "host/script/script_error.h"
 
 #include <core/context/iteration.h>
+#include <core/persistence/exception_object.h>
 #include <core/runtime/error.h>
-#include <core/serialization/exception_object.h>
 #include <core/strings/integer_text.h>
 #include <core/values/type_object.h>
 

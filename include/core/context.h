@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// Contexts: what scripts reach of an object, its properties and methods by number and by two names;
-/// enumerations; and walks over collections.
-#include <core/context/binary_data.h>
+/// Contexts: what scripts reach of an object, its properties and methods by number and by two names,
+/// and walks over collections.
 #include <core/context/context_def.h>
 #include <core/context/context_def_core.h>
 #include <core/context/context_def_ext.h>
@@ -11,8 +10,6 @@
 #include <core/context/context_extern.h>
 #include <core/context/context_impl.h>
 #include <core/context/context_table.h>
-#include <core/context/core_general_context.h>
-#include <core/context/enumeration.h>
 #include <core/context/group_context.h>
 #include <core/context/iteration.h>
 #include <core/context/name_cache.h>

@@ -4,8 +4,6 @@
 /// Texts: comparison with and without regard to case, names, patterns, and the everyday helpers.
 #include <core/strings/case_fold.h>
 #include <core/strings/char_class.h>
-#include <core/strings/collate.h>
-#include <core/strings/collation_keys.h>
 #include <core/strings/compare.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/letter_case.h>

@@ -3,7 +3,7 @@
 
 /// Values and types: the universal value and its holders, exact numbers, dates, strings, and types as values.
 #include <core/dates.h>
-#include <core/formats.h>
+#include <core/locales.h>
 #include <core/numbers.h>
 #include <core/strings.h>
 #include <core/values/create_value.h>

@@ -4,7 +4,7 @@
 // a class.
 #include <core/context/context_extern.h>
 #include <core/context/context_impl.h>
-#include <core/context/core_general_context.h>
+#include <core/objects/core_general_context.h>
 #include <core/strings/integer_text.h>
 #include <host/host_process.h>
 

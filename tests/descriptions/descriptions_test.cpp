@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: what scripts construct from arguments of every form, and wrong ones refused by position;
 // properties and methods by both names; equality, hash and text by content.
-#include <core/context.h>
 #include <core/descriptions.h>
+#include <core/objects.h>
 #include <core/runtime.h>
 #include <core/values.h>
 #include <host/host_process.h>

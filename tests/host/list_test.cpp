@@ -5,9 +5,9 @@
 #include "host/lists/json_to_list.h"
 #include "tests/host/program_fixture.h"
 
+#include <core/lists/token.h>
 #include <core/runtime/utf8.h>
-#include <core/serialization/memory_stream.h>
-#include <core/serialization/token.h>
+#include <core/streams/memory_stream.h>
 #include <host/host_process.h>
 
 #include <nlohmann/json.hpp>

@@ -4,8 +4,8 @@
 #include "tests/collections/script.h"
 
 #include <core/descriptions.h>
-#include <core/serialization/list_in_stream.h>
-#include <core/serialization/memory_stream.h>
+#include <core/lists/list_in_stream.h>
+#include <core/streams/memory_stream.h>
 #include <core/tables.h>
 
 #include <fstream>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/context/enumeration.h>
+#include <core/objects/enumeration.h>
 #include <core/types/qualifiers.h>
 
 /// Qualifiers as script values, "NumberQualifiers", "StringQualifiers" and "DateQualifiers", and the

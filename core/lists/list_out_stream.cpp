@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/lists/token_write.h"
+#include "core/lists/unit_scan.h"
+
+#include <core/lists/list_out_stream.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace core {
+
+using namespace detail;
+
+void ListOutStream::putBeginOfList() {
+    sink_.format<3>([this](wchar* at) {
+        if (commaPending_)
+            *at++ = u',';
+        if (!atStart_)
+            *at++ = u'\n';
+        *at++ = u'{';
+        return at;
+    });
+    commaPending_ = false;
+    justClosed_ = false;
+    atStart_ = false;
+}
+
+void ListOutStream::putEndOfList() {
+    sink_.format<2>([this](wchar* at) {
+        if (justClosed_)
+            *at++ = u'\n';
+        *at++ = u'}';
+        return at;
+    });
+    justClosed_ = true;
+    commaPending_ = true;
+    atStart_ = false;
+}
+
+/// A token of up to `limit` units and the comma before it in one piece.
+template <std::size_t limit, class Format>
+void ListOutStream::putToken(Format format) {
+    sink_.format<limit + 1>([&](wchar* at) {
+        if (commaPending_)
+            *at++ = u',';
+        return format(at);
+    });
+    endToken();
+}
+
+void ListOutStream::putInteger(bool negative, std::uint64_t magnitude) {
+    putToken<kIntegerUnits>([&](wchar* at) { return format_integer(at, negative, magnitude); });
+}
+
+void ListOutStream::putDouble(double value) {
+    if (!std::isfinite(value))
+        sink_.stream().setstate(std::ios_base::failbit);
+    else
+        putToken<kDoubleUnits>([&](wchar* at) { return format_double(at, value); });
+}
+
+void ListOutStream::put(const GUID& id) {
+    putToken<kGuidTextLength>([&](wchar* at) { return to_string(id, at); });
+}
+
+void ListOutStream::put(const Date& date) {
+    putToken<Date::kTextLength>([&](wchar* at) { return date.toString(at); });
+}
+
+void ListOutStream::put(const Numeric& number) {
+    const bool written = sink_.formatInPlace(kNumericUnits + 1, [&](wchar* at) {
+        if (commaPending_)
+            *at++ = u',';
+        const std::size_t size = number.toString(at, kNumericUnits);
+        return size <= kNumericUnits ? at + size : nullptr;
+    });
+    if (!written) {
+        putComma();
+        sink_.write(number.toString());
+    }
+    endToken();
+}
+
+void ListOutStream::put(wstring_view text) {
+    const bool written = sink_.formatInPlace(text.size() + 3, [&](wchar* at) -> wchar* {
+        if (commaPending_)
+            *at++ = u',';
+        *at++ = u'"';
+        if ((at = copy_plain(at, text)) != nullptr)
+            *at++ = u'"';
+        return at;
+    });
+    if (!written) {
+        putComma();
+        write_string(sink_, text);
+    }
+    endToken();
+}
+
+void ListOutStream::putBare(wstring_view token) {
+    putComma();
+    sink_.write(token);
+    endToken();
+}
+
+void ListOutStream::put(const wchar* text, std::uint32_t length) {
+    put(terminated(text, length));
+}
+
+} // namespace core

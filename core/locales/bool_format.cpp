@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/locales/cached_format.h"
+#include "core/locales/format_items.h"
+
+#include <core/locales/bool_format.h>
+#include <core/runtime/settings.h>
+#include <core/strings/compare.h>
+#include <core/strings/trim.h>
+
+namespace core {
+
+BoolFormat::BoolFormat(wstring_view format, const Locale& locale)
+    : true_(locale.isRussian() ? u"Да" : u"Yes"), false_(locale.isRussian() ? u"Нет" : u"No") {
+    for (const FormatItem& item : format_items(format)) {
+        if (item.is(u"true"))
+            true_ = item.text();
+        else if (item.is(u"false"))
+            false_ = item.text();
+        else
+            item.refuse();
+    }
+    if (compare_nocase(true_, false_) == 0)
+        FormatItem{u"false", false_}.refuse();
+}
+
+bool BoolFormat::parse(wstring_view text, bool& value, const wchar** end) const noexcept {
+    const wstring_view rest = trim_left(text);
+    const auto fits = [rest](const wstring& word) {
+        return compare_nocase(rest.substr(0, word.size()), wstring_view(word)) == 0;
+    };
+    const bool preferred = true_.size() >= false_.size();
+    for (const bool candidate : {preferred, !preferred}) {
+        if (fits(format(candidate))) {
+            value = candidate;
+            if (end != nullptr)
+                *end = rest.data() + format(candidate).size();
+            return true;
+        }
+    }
+    if (end != nullptr)
+        *end = text.data();
+    return false;
+}
+
+const BoolFormat& default_bool_format() {
+    const Settings& settings = current_settings();
+    return cached_format<BoolFormat>(settings.boolFormat, settings.locale);
+}
+
+} // namespace core

@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// Script objects that are no collections: binary data, enumerations and their values, the global functions.
+#include <core/context.h>
+#include <core/objects/binary_data.h>
+#include <core/objects/core_general_context.h>
+#include <core/objects/enumeration.h>

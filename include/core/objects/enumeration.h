@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/context/context_def_ext.h>
+#include <core/persistence/persistence.h>
+#include <core/runtime/class_entry.h>
+#include <core/values/type_object.h>
+#include <core/values/value_impl.h>
+
+#include <optional>
+#include <span>
+
+/// Enumerations that scripts see, written as data at one place in a source file:
+///
+///     constexpr EnumerationItem kFractions[] = {{kDate, "IDS_CORE_DATE_FRACTIONS_DATE", 1}, ...};
+///     constexpr EnumerationInfo kInfo = {.type = {.id = ..., .valueClass = ..., .names = kDateFractions,
+///                                                 .presentation = "IDS_CORE_DATE_FRACTIONS"},
+///                                        .factory = ..., .items = kFractions};
+///     const EnumerationEntry<kInfo> kEntry("DateFractions");
+///
+/// A script then writes `DateFractions.Date`. All ids are minted once and never change.
+namespace core {
+
+class Enumeration;
+
+struct EnumerationItem {
+    const wchar* const* names; ///< a Term
+    const char* presentation;  ///< resource id of what the user reads
+    std::int32_t number;       ///< what is stored
+};
+
+struct EnumerationInfo {
+    TypeInfo type; ///< the type of the values; its class id is the one that they are stored under
+    GUID factory;  ///< the class id of the enumeration as an object
+    std::span<const EnumerationItem> items;
+};
+
+/// A value of an enumeration: the only one of its kind, alive as long as the library, equal to itself alone,
+/// and read back as itself. Threads: safe on all, as it never changes.
+class CORE_API EnumerationValue final : public IValueImpl, public IPersistableObject {
+  public:
+    using Interfaces = InterfaceList<IValue, IPersistableObject>;
+
+    constexpr EnumerationValue(const Enumeration& enumeration, const EnumerationItem& item) noexcept
+        : enumeration_(enumeration), item_(item) {}
+    EnumerationValue(const EnumerationValue&) = delete;
+    EnumerationValue& operator=(const EnumerationValue&) = delete;
+
+    [[nodiscard]] const EnumerationItem& item() const noexcept { return item_; }
+
+    HRESULT QueryInterface(const GUID& iid, void** out) noexcept override;
+    std::uint32_t AddRef() noexcept override { return 1; }
+    std::uint32_t Release() noexcept override { return 1; }
+    IType* getType() const noexcept override;
+    bool getString(wstring& out) const override;
+    std::int32_t hashCode() const noexcept override;
+    const GUID& getCLSID() const noexcept override;
+    void serialize(IOutPersistenceStorage* storage) const override;
+    /// Accepts its own number only: values are read by the enumeration, which finds them.
+    void deserialize(IInPersistenceStorage* storage) override;
+
+  private:
+    const Enumeration& enumeration_;
+    const EnumerationItem& item_;
+};
+
+/// An enumeration as an object: a context with a read-only property for each of its values, in their order.
+/// Alive as long as the library; safe on all threads.
+class IEnumeration : public IUnknown {
+  public:
+    static constexpr GUID IID = "3f9a7508-461a-4a59-a507-98bfbe9ab48b"_guid;
+    /// The type of the values, borrowed; its name is that of the enumeration, too.
+    [[nodiscard]] virtual IType* valueType() const noexcept = 0;
+
+  protected:
+    ~IEnumeration() = default;
+};
+
+class CORE_API Enumeration final : public IValueImpl,
+                                   public ContextDefIntern<Enumeration, ContextDefNoncached>,
+                                   public ContextDefExtImpl<Enumeration>,
+                                   public IEnumeration {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IEnumeration>;
+
+    /// `values` holds the values of `info`, in the same order.
+    constexpr Enumeration(const EnumerationInfo& info, EnumerationValue* values) noexcept
+        : info_(info), values_(values), type_(info.type), loader_(*this) {}
+    Enumeration(const Enumeration&) = delete;
+    Enumeration& operator=(const Enumeration&) = delete;
+
+    // the values, for C++ code
+    /// The value with a number; Undefined when there is none.
+    [[nodiscard]] GenericValue value(std::int32_t number) const;
+    /// The number of a value; none when it is not of this enumeration.
+    [[nodiscard]] std::optional<std::int32_t> number(const Value& value) const noexcept;
+    [[nodiscard]] const EnumerationInfo& info() const noexcept { return info_; }
+    /// What reads the values back, borrowed.
+    [[nodiscard]] IValueLoader* loader() noexcept { return &loader_; }
+
+    HRESULT QueryInterface(const GUID& iid, void** out) noexcept override;
+    std::uint32_t AddRef() noexcept override { return 1; }
+    std::uint32_t Release() noexcept override { return 1; }
+    IType* getType() const noexcept override;
+    bool getString(wstring& out) const override;
+    IType* valueType() const noexcept override { return const_cast<TypeObject*>(&type_); }
+
+    int getNProps() const override { return static_cast<int>(info_.items.size()); }
+    const wchar* getPropName(int prop, int alias) const override;
+    InterfacePtr<IContextDef> getIContextDef() override;
+    void getPropVal(int prop, GenericValue& out) override;
+    void setPropVal(int prop, const GenericValue& value) override;
+    void call(int method, GenericValue* result, std::vector<GenericValue>* params) override;
+    bool getPropInfo(int prop, ContextValueInfo& info) const override;
+
+  private:
+    class CORE_API Loader final : public IUnknownImpl<Loader, IValueLoader> {
+      public:
+        constexpr explicit Loader(const Enumeration& enumeration) noexcept : enumeration_(enumeration) {}
+        GenericValue load(IInPersistenceStorage* storage) override;
+
+      private:
+        const Enumeration& enumeration_;
+    };
+
+    const EnumerationInfo& info_;
+    EnumerationValue* values_;
+    TypeObject type_;
+    Loader loader_;
+};
+
+/// Declares an enumeration, as a static object of a source file: its type, the class of its values, and
+/// itself as a script class. `info` is a static EnumerationInfo.
+template <const EnumerationInfo& info>
+class EnumerationEntry {
+  public:
+    explicit EnumerationEntry(const char* name) noexcept {
+        entries_[0].record = detail::class_record<ValueType>(info.type.id, name, true, nullptr);
+        entries_[1].record = detail::class_record<Loader>(info.type.valueClass, name, false, nullptr);
+        entries_[2].record = detail::class_record<EnumerationEntry>(info.factory, name, true, nullptr);
+        for (ClassEntry& entry : entries_)
+            declare_class(entry);
+    }
+    EnumerationEntry(const EnumerationEntry&) = delete;
+    EnumerationEntry& operator=(const EnumerationEntry&) = delete;
+
+    [[nodiscard]] static Enumeration* instance() noexcept { return &objects_.enumeration; }
+
+  private:
+    struct ValueType {
+        static IType* instance() noexcept { return objects_.enumeration.valueType(); }
+    };
+    struct Loader {
+        static IValueLoader* instance() noexcept { return objects_.enumeration.loader(); }
+    };
+    using Places = std::make_index_sequence<info.items.size()>;
+    struct Objects {
+        constexpr Objects() noexcept : Objects(Places{}) {}
+        template <std::size_t... places>
+        constexpr explicit Objects(std::index_sequence<places...>) noexcept
+            : enumeration(info, values), values{{enumeration, info.items[places]}...} {}
+
+        Enumeration enumeration;
+        EnumerationValue values[Places::size()];
+    };
+
+    static inline constinit Objects objects_;
+    ClassEntry entries_[3];
+};
+
+/// All enumerations of the process as one context: a read-only property for each, by English name, whose
+/// value is the enumeration. What a script's bare name may mean. A service; threads: all operations are safe.
+class IEnumerations : public IContext_ {
+  public:
+    static constexpr GUID IID = "9047800e-61d3-40bc-960d-cb40df781348"_guid;
+
+  protected:
+    ~IEnumerations() = default;
+};
+
+} // namespace core

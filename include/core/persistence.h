@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// Objects that write themselves and are made again from what they wrote; failures among them.
+#include <core/lists.h>
+#include <core/persistence/exception_object.h>
+#include <core/persistence/persistence.h>
