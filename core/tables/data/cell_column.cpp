@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/data/cell_column.h"
+
+#include <core/values/value_hash.h>
+
+#include <algorithm>
+#include <array>
+
+namespace core {
+namespace {
+
+using Form = CellColumn::Form;
+
+/// What a dictionary may always hold, and the part of the rows up to which it saves memory and time.
+constexpr std::size_t kFreeCodes = 4096;
+constexpr std::size_t kRowsPerCode = 4;
+
+std::uint64_t hash_word(std::uint64_t word) noexcept {
+    return table_hash_step(table_hash_seed(), word);
+}
+
+/// Values that stand for themselves: what they are does not change, and keeping them
+/// keeps nothing else alive.
+bool is_codable(const Value& value) noexcept {
+    switch (value.kind()) {
+    case ValueKind::number:
+    case ValueKind::date:
+    case ValueKind::object:
+        return false;
+    default:
+        return true;
+    }
+}
+
+Form plain_form(const Value& value) noexcept {
+    return value.kind() == ValueKind::number ? Form::numbers
+           : value.kind() == ValueKind::date ? Form::dates
+                                             : Form::values;
+}
+
+constexpr std::array<std::int64_t, Numeric::kMaxScale + 1> kTens = [] {
+    std::array<std::int64_t, Numeric::kMaxScale + 1> tens{1};
+    for (std::size_t i = 1; i < tens.size(); ++i)
+        tens[i] = tens[i - 1] * 10;
+    return tens;
+}();
+
+/// A whole number as a word of some scale.
+std::optional<std::int64_t> scaled_whole(std::int64_t whole, std::uint32_t scale) noexcept {
+    const std::int64_t largest = std::numeric_limits<std::int64_t>::max() / kTens[scale];
+    return whole <= largest && whole >= -largest ? std::optional(whole * kTens[scale]) : std::nullopt;
+}
+
+std::uint32_t fraction_digits(const Numeric& number) noexcept {
+    std::int64_t length = 0;
+    std::int64_t precision = 0;
+    number.lengthAndPrecision(length, precision);
+    return static_cast<std::uint32_t>(std::min<std::int64_t>(precision, Numeric::kMaxScale + 1));
+}
+
+} // namespace
+
+Value CellColumn::get(RowId row) const {
+    switch (form_) {
+    case Form::coded:
+        return (*dictionary_)[codes_[row]];
+    case Form::values:
+        return values_[row];
+    case Form::numbers:
+        break;
+    case Form::dates:
+        return words_[row] != kEmptyWord ? Value(Date(static_cast<std::uint64_t>(words_[row]))) : Value();
+    }
+    if (words_[row] == kEmptyWord)
+        return {};
+    return scale_ == 0 ? Value(words_[row]) : Value(Numeric::fromScaled(words_[row], scale_));
+}
+
+/// The word of a value in a column of words; none when the form cannot hold it.
+std::optional<std::int64_t> CellColumn::wordOf(const Value& value) const noexcept {
+    if (value.isUndefined())
+        return kEmptyWord;
+    if (form_ == Form::numbers) {
+        if (const auto whole = value.asSmallWhole())
+            return scaled_whole(*whole, scale_);
+        const auto number = value.asNumeric();
+        return number ? number->scaled(scale_) : std::nullopt;
+    }
+    const Date* const date = value.asDate();
+    const bool holds = date != nullptr && date->ticks() <= std::numeric_limits<std::int64_t>::max();
+    return holds ? std::optional(static_cast<std::int64_t>(date->ticks())) : std::nullopt;
+}
+
+CellProbe CellColumn::probe(const Value& value) const noexcept {
+    if (form_ == Form::values)
+        return {.possible = true, .value = &value};
+    if (form_ == Form::coded) {
+        const auto code = dictionary_->find(value);
+        return {.possible = code.has_value(), .word = code.value_or(0)};
+    }
+    const auto word = wordOf(value);
+    return {.possible = word.has_value(), .word = word.value_or(0)};
+}
+
+bool CellColumn::matches(RowId row, const CellProbe& probe) const noexcept {
+    switch (form_) {
+    case Form::coded:
+        return codes_[row] == probe.word;
+    case Form::values:
+        return values_[row].equals(*probe.value);
+    default:
+        return words_[row] == probe.word;
+    }
+}
+
+bool CellColumn::equal(RowId a, RowId b) const noexcept {
+    return visit([=](auto cells) { return cells[a] == cells[b]; });
+}
+
+std::uint64_t CellColumn::hash(RowId row) const noexcept {
+    switch (form_) {
+    case Form::coded:
+        return hash_word(codes_[row]);
+    case Form::values:
+        return value_table_hash(values_[row]);
+    default:
+        return hash_word(static_cast<std::uint64_t>(words_[row]));
+    }
+}
+
+std::uint64_t CellColumn::hash(const CellProbe& probe) const noexcept {
+    return form_ == Form::values ? value_table_hash(*probe.value)
+                                 : hash_word(static_cast<std::uint64_t>(probe.word));
+}
+
+void CellColumn::grow(std::size_t size) {
+    if (size <= size_)
+        return;
+    if (form_ == Form::coded)
+        codes_.resize(size);
+    else if (form_ == Form::values)
+        values_.resize(size);
+    else
+        words_.resize(size, kEmptyWord);
+    size_ = size;
+}
+
+bool CellColumn::exchange(RowId row, Value& value) {
+    if (form_ != Form::values)
+        return put(row, value); // the cell holds no object, whatever it holds
+    swap(values_[row], value);
+    return false;
+}
+
+bool CellColumn::put(RowId row, const Value& value) {
+    switch (form_) {
+    case Form::coded:
+        return putCode(row, value);
+    case Form::values:
+        values_[row] = value;
+        return false;
+    default:
+        return putWord(row, value);
+    }
+}
+
+bool CellColumn::putCode(RowId row, const Value& value) {
+    if (is_codable(value)) {
+        const bool saves = dictionary_->size() < kFreeCodes + size_ / kRowsPerCode;
+        if (!saves && !dictionary_->find(value))
+            return putInForm(Form::values, 0, row, value);
+        codes_[row] = dictionary_->add(value);
+        return false;
+    }
+    if (dictionary_->size() > 1)
+        return putInForm(Form::values, 0, row, value);
+    // Nothing but Undefined so far: the column gets the form of its first value.
+    const auto number = value.asNumeric();
+    return putInForm(plain_form(value), number ? fraction_digits(*number) : 0, row, value);
+}
+
+bool CellColumn::putWord(RowId row, const Value& value) {
+    if (const auto word = wordOf(value)) {
+        words_[row] = *word;
+        return false;
+    }
+    const auto number = value.asNumeric();
+    if (form_ == Form::numbers && number) {
+        const std::uint32_t scale = fraction_digits(*number);
+        const auto word = scale > scale_ ? number->scaled(scale) : std::nullopt;
+        if (word && rescale(scale)) {
+            words_[row] = *word;
+            return true;
+        }
+    }
+    return putInForm(Form::values, 0, row, value);
+}
+
+/// Changes the form from that of Undefined cells to one of words, or from any to values,
+/// and then puts the value in.
+bool CellColumn::putInForm(Form form, std::uint32_t scale, RowId row, const Value& value) {
+    if (form != Form::values) {
+        CellColumn plain(form, scale, nullptr);
+        plain.grow(size_);
+        if (const auto word = plain.wordOf(value)) {
+            plain.words_[row] = *word;
+            std::swap(*this, plain);
+            return true;
+        }
+    }
+    toValues();
+    values_[row] = value;
+    return true;
+}
+
+/// Makes all words those of a larger scale. False, with nothing changed, when one would not fit.
+bool CellColumn::rescale(std::uint32_t scale) {
+    if (scale > Numeric::kMaxScale)
+        return false;
+    const std::int64_t factor = kTens[scale - scale_];
+    const std::int64_t largest = std::numeric_limits<std::int64_t>::max() / factor;
+    const auto fits = [=](std::int64_t word) {
+        return word == kEmptyWord || (word <= largest && word >= -largest);
+    };
+    if (!std::all_of(words_.begin(), words_.end(), fits))
+        return false;
+    for (std::int64_t& word : words_)
+        word = word == kEmptyWord ? word : word * factor;
+    scale_ = static_cast<std::uint8_t>(scale);
+    return true;
+}
+
+void CellColumn::toValues() {
+    CellColumn values(Form::values, 0, nullptr);
+    values.values_.reserve(std::max(size_, codes_.capacity()));
+    for (std::size_t row = 0; row < size_; ++row)
+        values.values_.push_back(get(static_cast<RowId>(row)));
+    values.size_ = size_;
+    std::swap(*this, values);
+}
+
+void CellColumn::fill(std::size_t size, const Value& value) {
+    CellColumn filled;
+    Value first(value);
+    filled.grow(1);
+    filled.exchange(0, first);
+    filled.visitStore([&](auto& cells) {
+        const auto cell = cells.front();
+        cells.assign(size, cell);
+    });
+    filled.size_ = size;
+    std::swap(*this, filled);
+}
+
+CellColumn CellColumn::makeRoom(std::size_t size) const {
+    CellColumn room(form_, scale_, nullptr);
+    room.visitStore([&](auto& cells) { cells.reserve(size); });
+    return room;
+}
+
+CellColumn CellColumn::copy(RowRange rows) const {
+    CellColumn out = makeRoom(rows.size());
+    if (dictionary_)
+        out.dictionary_ = std::make_unique<ValueDictionary>(*dictionary_);
+    out.visitStore([&]<class Cell>(std::vector<Cell>& to) {
+        visit([&](auto from) {
+            if constexpr (std::is_same_v<const Cell, typename decltype(from)::element_type>)
+                rows.forEach([&](RowId row) { to.push_back(from[row]); });
+        });
+    });
+    out.size_ = rows.size();
+    return out;
+}
+
+void CellColumn::take(std::span<const RowId> rows, CellColumn&& room) noexcept {
+    const auto move_cells = [&](auto& from, auto& to) {
+        for (const RowId row : rows)
+            to.push_back(std::move(from[row]));
+    };
+    if (form_ == Form::coded)
+        move_cells(codes_, room.codes_);
+    else if (form_ == Form::values)
+        move_cells(values_, room.values_);
+    else
+        move_cells(words_, room.words_);
+    room.size_ = rows.size();
+    room.dictionary_ = std::move(dictionary_);
+    std::swap(*this, room);
+}
+
+} // namespace core

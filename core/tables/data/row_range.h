@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/data/row_order.h"
+
+namespace core {
+
+/// Rows in an order, to be walked: those of an order, which must not change meanwhile, or of a list.
+class RowRange {
+  public:
+    /// Rows 0 ... `count` - 1.
+    explicit RowRange(std::size_t count) noexcept : count_(count), plain_(true) {}
+    explicit RowRange(std::span<const RowId> rows) noexcept : count_(rows.size()), rows_(rows) {}
+
+    [[nodiscard]] std::size_t size() const noexcept { return count_; }
+    [[nodiscard]] RowId operator[](std::size_t position) const noexcept {
+        return plain_ ? static_cast<RowId>(position) : rows_[position];
+    }
+    [[nodiscard]] RowRange first(std::size_t count) const noexcept {
+        return plain_ ? RowRange(count) : RowRange(rows_.first(count));
+    }
+    /// Calls `work(row)` for every row.
+    template <class Work>
+    void forEach(Work work) const {
+        if (plain_) {
+            for (std::size_t i = 0; i < count_; ++i)
+                work(static_cast<RowId>(i));
+        } else {
+            for (const RowId row : rows_)
+                work(row);
+        }
+    }
+
+  private:
+    std::size_t count_;
+    std::span<const RowId> rows_;
+    bool plain_ = false;
+};
+
+} // namespace core

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/data/cell_column.h"
+#include "core/tables/data/table_handle.h"
+
+#include <core/types/type_domain.h>
+
+namespace core {
+
+using ColumnId = std::int32_t;
+
+/// What a column is, without its cells.
+struct ColumnInfo {
+    wstring name;
+    TypeDomain domain;
+    wstring title; ///< empty: the name
+    std::int32_t width = 0;
+
+    /// What a user reads.
+    [[nodiscard]] const wstring& shownTitle() const noexcept { return title.empty() ? name : title; }
+};
+
+/// A column with its cells. It stays at its address as long as it is in the table.
+struct TableColumn : TablePart<TableColumn> {
+    TableColumn(ColumnId columnId, ColumnInfo columnInfo)
+        : id(columnId), info(std::move(columnInfo)), defaultValue(info.domain.defaultValue()) {}
+
+    ColumnId id;
+    ColumnInfo info;
+    Value defaultValue; ///< of new cells
+    CellColumn cells;
+};
+
+} // namespace core

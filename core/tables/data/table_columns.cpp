@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/data/table_data.h"
+
+#include <core/runtime/error.h>
+#include <core/strings/names.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace core {
+
+std::optional<std::size_t> TableData::findColumn(wstring_view name) const {
+    if (names_.size() == 0) {
+        NameTable names; // all of them or none
+        names.reserve(static_cast<int>(columns_.size()));
+        for (std::size_t i = 0; i < columns_.size(); ++i)
+            names.add(columns_[i]->info.name, static_cast<int>(i));
+        names_ = std::move(names);
+    }
+    const int found = names_.find(name);
+    return found >= 0 ? std::optional(static_cast<std::size_t>(found)) : std::nullopt;
+}
+
+std::optional<std::size_t> TableData::findColumn(ColumnId id) const noexcept {
+    const auto asMade = static_cast<std::size_t>(id); // where it stands unless columns have moved
+    if (asMade < columns_.size() && columns_[asMade]->id == id)
+        return asMade;
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        if (columns_[i]->id == id)
+            return i;
+    }
+    return std::nullopt;
+}
+
+std::size_t TableData::positionOf(const TableColumn& column) const noexcept {
+    const auto found = std::find_if(columns_.begin(), columns_.end(),
+                                    [&](const auto& candidate) { return candidate.get() == &column; });
+    return static_cast<std::size_t>(found - columns_.begin());
+}
+
+void TableData::checkName(wstring_view name, const TableColumn* except) const {
+    if (!is_valid_name(name))
+        throw_error<ContextException>("IDS_VT_COLUMNCODE_ERROR", {wstring(name)});
+    const auto same = findColumn(name);
+    if (same && columns_[*same].get() != except)
+        throw_error<ContextException>("IDS_VT_COLUMNS_NOT_UNIQUE", {wstring(name)});
+}
+
+TableColumn& TableData::insertColumn(std::size_t position, ColumnInfo info) {
+    checkName(info.name, nullptr);
+    auto column = std::make_unique<TableColumn>(nextColumn_, std::move(info));
+    column->cells.fill(ids_, column->defaultValue);
+    // The last of many columns adds its name to those of the others: gathering all anew each time takes long.
+    const bool last = position == columns_.size();
+    NameTable names = last ? std::exchange(names_, {}) : NameTable();
+    if (names.size() != 0)
+        names.add(column->info.name, static_cast<int>(position));
+    columns_.insert(columns_.begin() + static_cast<std::ptrdiff_t>(position), std::move(column));
+    ++nextColumn_;
+    columnsChanged();
+    names_ = std::move(names);
+    return *columns_[position];
+}
+
+void TableData::columnsChanged() noexcept {
+    names_.clear();
+    ++version_;
+}
+
+void TableData::renameColumn(TableColumn& column, wstring_view name) {
+    checkName(name, &column);
+    column.info.name = name;
+    names_.clear();
+}
+
+void TableData::setDomain(TableColumn& column, TypeDomain domain) {
+    Value byDefault = domain.defaultValue();
+    CellColumn cells;
+    cells.grow(ids_);
+    for (std::size_t i = 0; i < ids_; ++i) {
+        const auto row = static_cast<RowId>(i);
+        if (!rows_.contains(row))
+            continue;
+        Value value = domain.adjust(column.cells.get(row));
+        cells.exchange(row, value);
+    }
+    std::swap(column.info.domain, domain);
+    swap(column.defaultValue, byDefault);
+    setCells(column, std::move(cells));
+}
+
+void TableData::assign(std::vector<std::unique_ptr<TableColumn>> columns, std::size_t count) noexcept {
+    columns_.swap(columns);
+    for (const auto& column : columns_)
+        nextColumn_ = std::max(nextColumn_, column->id + 1);
+    columnsChanged();
+    rows_.makePlain(count);
+    ids_ = count;
+    count_ = count;
+}
+
+void TableData::removeColumn(std::size_t position) noexcept {
+    const std::unique_ptr<TableColumn> dying = std::move(columns_[position]);
+    columns_.erase(columns_.begin() + static_cast<std::ptrdiff_t>(position));
+    std::erase_if(indexes_, [&](const auto& index) { return index->covers(*dying); });
+    columnsChanged();
+}
+
+void TableData::moveColumn(std::size_t from, std::size_t to) noexcept {
+    const auto first = columns_.begin() + static_cast<std::ptrdiff_t>(std::min(from, to));
+    const auto last = columns_.begin() + static_cast<std::ptrdiff_t>(std::max(from, to)) + 1;
+    std::rotate(first, from < to ? first + 1 : last - 1, last);
+    columnsChanged();
+}
+
+void TableData::clearColumns() noexcept {
+    const auto dying = std::exchange(columns_, {});
+    indexes_.clear();
+    columnsChanged();
+}
+
+void TableData::fill(std::span<const std::size_t> columns, const GenericValue& value) {
+    std::vector<CellColumn> filled(columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        filled[i].fill(ids_, columns_[columns[i]]->info.domain.adjust(value));
+        for (const RowId row : free_) { // what is not there holds no object
+            Value undefined;
+            filled[i].exchange(row, undefined);
+        }
+    }
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        setCells(*columns_[columns[i]], std::move(filled[i]));
+}
+
+void TableData::load(RowId parent, std::size_t position, std::span<const Value> values) {
+    TableColumn& column = *columns_[position];
+    CellColumn cells = column.cells.copy(RowRange(ids_));
+    std::size_t next = 0;
+    rowsOf(parent).walk([&](RowId row) {
+        if (next == values.size())
+            return false;
+        Value value = column.info.domain.adjust(values[next++]);
+        cells.exchange(row, value);
+        return true;
+    });
+    setCells(column, std::move(cells));
+}
+
+void TableData::setCells(TableColumn& column, CellColumn cells) noexcept {
+    giveIndexesUp(column);
+    std::swap(column.cells, cells);
+}
+
+TableIndex& TableData::addIndex(std::vector<const TableColumn*> columns) {
+    return *indexes_.emplace_back(std::make_unique<TableIndex>(std::move(columns)));
+}
+
+void TableData::removeIndex(std::size_t position) noexcept {
+    indexes_.erase(indexes_.begin() + static_cast<std::ptrdiff_t>(position));
+}
+
+void TableData::giveIndexesUp(const TableColumn& column) noexcept {
+    for (const auto& index : indexes_) {
+        if (index->covers(column))
+            index->giveUp();
+    }
+}
+
+void TableData::giveIndexesUp() noexcept {
+    for (const auto& index : indexes_)
+        index->giveUp();
+}
+
+} // namespace core

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/data/row_handle.h"
+#include "core/tables/data/row_walk.h"
+#include "core/tables/data/table_index.h"
+
+#include <core/context/name_cache.h>
+#include <core/values/generic_value.h>
+
+#include <memory>
+#include <optional>
+
+namespace core {
+
+/// What a value table or a value tree holds: columns, rows, indexes, and the objects
+/// that scripts hold of them.
+///
+///  1. A row is an id below ids_, for as long as it is there. Its cells are those of that id in every column.
+///  2. In a table the ids are in one order. In a tree each row has an order of its own for the rows below
+///     it; the topmost rows are in that of kNoRow.
+///  3. Ids of deleted rows are used again, but not while a walk may still hold them.
+///
+/// An operation that throws has changed nothing. Threads: one at a time.
+class TableData {
+  public:
+    /// `owner` is the object that this is a part of.
+    TableData(IValue& owner, bool tree);
+    TableData(const TableData&) = delete;
+    TableData& operator=(const TableData&) = delete;
+    ~TableData();
+
+    [[nodiscard]] IValue& owner() const noexcept { return owner_; }
+    [[nodiscard]] bool isTree() const noexcept { return tree_; }
+    /// Changes whenever columns or rows come, go or move.
+    [[nodiscard]] std::uint64_t version() const noexcept { return version_; }
+    /// Exchanges columns, rows and indexes for those of data that no script holds anything of.
+    void replace(TableData& fresh) noexcept;
+
+    // columns, by position
+    [[nodiscard]] std::size_t columnCount() const noexcept { return columns_.size(); }
+    [[nodiscard]] TableColumn& column(std::size_t position) noexcept { return *columns_[position]; }
+    [[nodiscard]] const TableColumn& column(std::size_t position) const noexcept {
+        return *columns_[position];
+    }
+    [[nodiscard]] std::optional<std::size_t> findColumn(wstring_view name) const;
+    [[nodiscard]] std::optional<std::size_t> findColumn(ColumnId id) const noexcept;
+    [[nodiscard]] std::size_t positionOf(const TableColumn& column) const noexcept;
+    /// ContextException: "IDS_VT_COLUMNCODE_ERROR" for what is no valid name, "IDS_VT_COLUMNS_NOT_UNIQUE" for
+    /// a name that another column has.
+    TableColumn& insertColumn(std::size_t position, ColumnInfo info);
+    void renameColumn(TableColumn& column, wstring_view name);
+    /// Adjusts every cell to the description.
+    void setDomain(TableColumn& column, TypeDomain domain);
+    /// Its indexes go, too.
+    void removeColumn(std::size_t position) noexcept;
+    void moveColumn(std::size_t from, std::size_t to) noexcept;
+    void clearColumns() noexcept;
+
+    // rows, by their parent and position; the parent is kNoRow in a table
+    [[nodiscard]] const RowOrder& rowsOf(RowId parent) const noexcept;
+    [[nodiscard]] const RowOrder& rows() const noexcept { return rows_; }
+    [[nodiscard]] RowId parentOf(RowId row) const noexcept { return tree_ ? nodes_[row].parent : kNoRow; }
+    /// The rows of a tree with all rows below them, each of which stands behind the one it is below.
+    [[nodiscard]] std::vector<RowId> withSubordinates(std::span<const RowId> rows) const;
+    /// How many rows there are at all levels.
+    [[nodiscard]] std::size_t rowCount() const noexcept { return count_; }
+    /// The id that the next row gets.
+    [[nodiscard]] RowId nextRow() const;
+    /// A row with these cells, adjusted to their columns; the others hold the defaults of theirs.
+    RowId insertRow(RowId parent, std::size_t position, std::span<const Value> cells = {});
+    /// With the rows below it.
+    void removeRow(RowId parent, std::size_t position);
+    void removeRows(RowId parent);
+    void moveRow(RowId parent, std::size_t from, std::size_t to);
+    /// The rows below the parent in another order.
+    void reorder(RowId parent, std::span<const RowId> rows);
+    /// Fills a table that has no columns yet, each of these having cells for `count` rows.
+    void assign(std::vector<std::unique_ptr<TableColumn>> columns, std::size_t count) noexcept;
+    /// Replaces the table by other columns, chosen among its own and filled anew, with `count` cells each.
+    void regroup(std::span<const std::size_t> columns, std::span<CellColumn> cells, std::size_t count);
+
+    // cells
+    [[nodiscard]] Value get(RowId row, std::size_t column) const { return columns_[column]->cells.get(row); }
+    /// Adjusts the value to the column's description.
+    void set(RowId row, std::size_t column, GenericValue value);
+    /// The same for the rows below a parent, as far as there are rows and values.
+    void load(RowId parent, std::size_t column, std::span<const Value> values);
+    /// The same for one value in all rows of a table and several columns.
+    void fill(std::span<const std::size_t> columns, const GenericValue& value);
+
+    // indexes
+    [[nodiscard]] std::span<const std::unique_ptr<TableIndex>> indexes() const noexcept { return indexes_; }
+    TableIndex& addIndex(std::vector<const TableColumn*> columns);
+    void removeIndex(std::size_t position) noexcept;
+    void clearIndexes() noexcept { indexes_.clear(); }
+
+    // objects of rows
+    [[nodiscard]] RowHandle* handleOf(RowId row) const noexcept {
+        return row < handles_.size() ? handles_[row] : nullptr;
+    }
+
+  private:
+    friend class RowHandle;
+    friend class RowWalk;
+
+    struct Node {
+        RowId parent = kNoRow;
+        std::unique_ptr<RowOrder> rows; // null for none
+    };
+
+    void putCells(RowId row, std::span<const Value> cells);
+    void checkName(wstring_view name, const TableColumn* except) const;
+    RowOrder& makeRowsOf(RowId parent);
+    void release(std::span<const RowId> rows, std::vector<Value>& dying) noexcept;
+    void prepareRelease(std::size_t rows, std::vector<Value>& dying);
+    void beforeReorder(const RowOrder& order);
+    void renumber(std::span<const RowId> rows);
+    void setCells(TableColumn& column, CellColumn cells) noexcept;
+    void giveIndexesUp(const TableColumn& column) noexcept;
+    void giveIndexesUp() noexcept;
+    void columnsChanged() noexcept;
+    void detachHandles() noexcept;
+
+    IValue& owner_;
+    const bool tree_;
+    std::uint64_t version_ = 0;
+    ColumnId nextColumn_ = 0;
+    std::vector<std::unique_ptr<TableColumn>> columns_;
+    mutable NameTable names_; // of the columns; empty until it is needed
+    std::vector<std::unique_ptr<TableIndex>> indexes_;
+
+    std::unique_ptr<RowPlaces> places_; // goes with its orders
+    RowOrder rows_;
+    std::vector<Node> nodes_; // of a tree, by row
+    std::size_t ids_ = 0;
+    std::size_t count_ = 0;
+    std::vector<RowId> free_;
+    std::vector<RowHandle*> handles_; // by row; shorter than ids_ when there are none behind
+    std::vector<RowWalk*> walks_;
+};
+
+} // namespace core

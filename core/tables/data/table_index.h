@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/data/row_range.h"
+#include "core/tables/data/table_column.h"
+
+namespace core {
+
+/// Finds the rows whose cells in some columns have given values: a hash table from the cells of those columns
+/// to the rows, linked in rings.
+///
+/// An index that is current is kept so by link() and unlink() around every change of a row. Where keeping it
+/// would cost as much as making it anew (many cells changed at once, another form of a column), or fails for
+/// want of memory, it is given up instead, and built again when it is next needed; a write never fails
+/// because of an index.
+class TableIndex : public TablePart<TableIndex> {
+  public:
+    explicit TableIndex(std::vector<const TableColumn*> columns) noexcept : columns_(std::move(columns)) {}
+
+    [[nodiscard]] std::span<const TableColumn* const> columns() const noexcept { return columns_; }
+    [[nodiscard]] bool covers(const TableColumn& column) const noexcept;
+
+    void giveUp() noexcept;
+    /// Makes it current again over all rows of the table.
+    void refresh(RowRange rows);
+    void link(RowId row) noexcept;
+    void unlink(RowId row) noexcept;
+    /// The rows whose cells match, in no particular order; the index must be current and the
+    /// probes those of its columns.
+    void find(std::span<const CellProbe> probes, std::vector<RowId>& rows) const;
+
+  private:
+    struct Slot {
+        std::uint32_t tag = 0;
+        RowId first = kNoRow;
+    };
+    struct Link {
+        RowId next;
+        RowId previous;
+    };
+
+    [[nodiscard]] std::uint32_t tagOf(RowId row) const noexcept;
+    [[nodiscard]] bool sameKey(RowId a, RowId b) const noexcept;
+    template <class Matches>
+    [[nodiscard]] std::size_t search(std::uint32_t tag, Matches matches) const noexcept;
+    [[nodiscard]] std::size_t slotOf(RowId row) const noexcept;
+    void add(RowId row);
+    void growSlots();
+    void freeSlot(std::size_t slot) noexcept;
+
+    std::vector<const TableColumn*> columns_;
+    std::vector<Slot> slots_; // a power of two of them, at most half in use; a slot a key
+    std::vector<Link> links_; // by row: a ring of the rows of one key
+    std::size_t keys_ = 0;
+    bool current_ = false;
+};
+
+} // namespace core

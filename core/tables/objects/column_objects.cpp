@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/objects/column_objects.h"
+
+#include "core/context/gathered_enum.h"
+#include "core/tables/objects/table_arguments.h"
+
+#include <core/collections/terms.h>
+#include <core/descriptions/type_description.h>
+#include <core/runtime/error.h>
+#include <core/strings/trim.h>
+#include <core/tables/terms.h>
+
+namespace core {
+namespace {
+
+TypeDomain domain_argument(const Value& argument, int param) {
+    if (argument.isUndefined())
+        return {};
+    const TypeDomain* const domain = type_domain_of(argument);
+    if (domain == nullptr)
+        parameter_type_mismatch(param);
+    return *domain;
+}
+
+std::int32_t width_argument(const Value& argument, int param) {
+    if (argument.isUndefined())
+        return 0;
+    const auto width = argument.asNumeric();
+    if (!width)
+        parameter_type_mismatch(param);
+    if (*width < 0 || *width > std::numeric_limits<std::int32_t>::max())
+        parameter_value_mismatch(param);
+    return static_cast<std::int32_t>(*width);
+}
+
+wstring name_argument(const Value& argument, int param) {
+    const wstring_view* const name = argument.asString();
+    if (name == nullptr)
+        parameter_type_mismatch(param);
+    return wstring(trim_all(*name));
+}
+
+} // namespace
+
+class ValueTableColumn : public TableObject<ValueTableColumn>, public IColumnObject {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IColumnObject>;
+
+    ValueTableColumn(TableData& data, TableColumn& column) noexcept
+        : handle_(*this, data.owner(), data, column) {}
+
+    static std::span<const Property<ValueTableColumn>> properties() noexcept;
+    IType* getType() const noexcept override;
+    const TableHandle<TableColumn>& handle() const noexcept override { return handle_; }
+
+  private:
+    [[nodiscard]] TableColumn& column() const {
+        if (handle_.part() == nullptr)
+            throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {getType()->presentation()});
+        return *handle_.part();
+    }
+
+    GenericValue getName() const { return Value(column().info.name); }
+    void setName(const GenericValue& value) {
+        handle_.data().renameColumn(column(), name_argument(value, 0));
+    }
+    GenericValue getValueType() const { return create_type_description(column().info.domain); }
+    void setValueType(const GenericValue& value) {
+        handle_.data().setDomain(column(), domain_argument(value, 0));
+    }
+    GenericValue getTitle() const { return Value(column().info.shownTitle()); }
+    void setTitle(const GenericValue& value) {
+        TableColumn& changed = column();
+        changed.info.title = optional_text_argument(value, 0);
+    }
+    GenericValue getWidth() const { return column().info.width; }
+    void setWidth(const GenericValue& value) {
+        TableColumn& changed = column();
+        changed.info.width = width_argument(value, 0);
+    }
+
+    TableHandle<TableColumn> handle_;
+};
+
+GenericValue column_value(TableData& data, TableColumn& column) {
+    if (column.handle() != nullptr)
+        return Value(&column.handle()->self());
+    return Value(make_object<ValueTableColumn>(data, column));
+}
+
+InterfacePtr<IValueEnum> ValueTableColumnCollection::enumerate() {
+    std::vector<Value> columns;
+    for (std::size_t i = 0; i < data_.columnCount(); ++i)
+        columns.push_back(getColumn(i));
+    return make_object<GatheredEnum>(std::move(columns));
+}
+
+/// Makes a column of a name, a type description, a title and a width.
+GenericValue ValueTableColumnCollection::insert(std::size_t position, std::span<GenericValue> definition,
+                                                int firstParam) {
+    ColumnInfo info{.name = name_argument(definition[0], firstParam),
+                    .domain = domain_argument(definition[1], firstParam + 1),
+                    .title = optional_text_argument(definition[2], firstParam + 2),
+                    .width = width_argument(definition[3], firstParam + 3)};
+    TableColumn& column = data_.insertColumn(position, std::move(info));
+    try {
+        return column_value(data_, column);
+    } catch (...) { // no object, no column
+        data_.removeColumn(position);
+        throw;
+    }
+}
+
+GenericValue ValueTableColumnCollection::callAdd(std::span<GenericValue> arguments) {
+    return insert(data_.columnCount(), arguments, 0);
+}
+
+GenericValue ValueTableColumnCollection::callInsert(std::span<GenericValue> arguments) {
+    const std::size_t position =
+        position_argument(arguments[0], 0, data_.columnCount(), IndexBound::insertion);
+    return insert(position, arguments.subspan(1), 1);
+}
+
+GenericValue ValueTableColumnCollection::callIndexOf(std::span<GenericValue> arguments) {
+    if (!arguments[0].query<IColumnObject>())
+        parameter_type_mismatch(0);
+    return column_argument(data_, arguments[0], 0);
+}
+
+GenericValue ValueTableColumnCollection::callCount(std::span<GenericValue>) {
+    return data_.columnCount();
+}
+
+GenericValue ValueTableColumnCollection::callFind(std::span<GenericValue> arguments) {
+    const auto found = data_.findColumn(wstring_view(name_argument(arguments[0], 0)));
+    return found ? getColumn(*found) : GenericValue();
+}
+
+GenericValue ValueTableColumnCollection::callDelete(std::span<GenericValue> arguments) {
+    data_.removeColumn(column_argument(data_, arguments[0], 0));
+    return {};
+}
+
+GenericValue ValueTableColumnCollection::callGet(std::span<GenericValue> arguments) {
+    return getColumn(position_argument(arguments[0], 0, data_.columnCount()));
+}
+
+GenericValue ValueTableColumnCollection::callMove(std::span<GenericValue> arguments) {
+    const std::size_t from = column_argument(data_, arguments[0], 0);
+    data_.moveColumn(from, target_argument(arguments[1], 1, from, data_.columnCount()));
+    return {};
+}
+
+GenericValue ValueTableColumnCollection::callClear(std::span<GenericValue>) {
+    data_.clearColumns();
+    return {};
+}
+
+namespace {
+
+constexpr TypeInfo kColumnInfo = {
+    .id = kValueTableColumnType,
+    .valueClass = "3a8f9c0b-e93c-411f-9bd0-62a8b22ec7f4"_guid,
+    .names = kValueTableColumnTerm,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLECOLUMN",
+};
+const TypeEntry<kColumnInfo> kColumnTypeEntry("ValueTableColumn_Type");
+
+constexpr TypeInfo kCollectionInfo = {
+    .id = kValueTableColumnCollectionType,
+    .valueClass = "9d5f68b2-c62f-4646-a169-48e237c17272"_guid,
+    .names = kValueTableColumnCollectionTerm,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLECOLUMNS",
+};
+const TypeEntry<kCollectionInfo> kCollectionTypeEntry("ValueTableColumnCollection_Type");
+
+constexpr Param kUndefined = {.byDefault = ParamDefault::undefined};
+constexpr Param kDefinition[] = {{}, kUndefined, kUndefined, kUndefined};
+constexpr Param kIndexAndDefinition[] = {{}, {}, kUndefined, kUndefined, kUndefined};
+
+} // namespace
+
+std::span<const Property<ValueTableColumn>> ValueTableColumn::properties() noexcept {
+    using Self = ValueTableColumn;
+    static constexpr Property<Self> kProperties[] = {
+        {kCodePropTerm, &Self::getName, &Self::setName, &kStringType},
+        {kTypePropTerm, &Self::getValueType, &Self::setValueType, &kTypeDescriptionType},
+        {kTitlePropTerm, &Self::getTitle, &Self::setTitle, &kStringType},
+        {kWidthPropTerm, &Self::getWidth, &Self::setWidth, &kNumberType},
+    };
+    return kProperties;
+}
+
+IType* ValueTableColumn::getType() const noexcept {
+    return TypeEntry<kColumnInfo>::instance();
+}
+
+std::span<const Method<ValueTableColumnCollection>> ValueTableColumnCollection::methods() noexcept {
+    using Self = ValueTableColumnCollection;
+    static constexpr Method<Self> kMethods[] = {
+        {kCollectTermAdd, kDefinition, kFunction, &Self::callAdd, &kValueTableColumnType},
+        {kCollectTermInsert, kIndexAndDefinition, kFunction, &Self::callInsert, &kValueTableColumnType},
+        {kCollectTermIndexOf, required(1), kFunction, &Self::callIndexOf, &kNumberType},
+        {kCollectTermCount, required(0), kFunction, &Self::callCount, &kNumberType},
+        {kCollectTermFind, required(1), kFunction, &Self::callFind},
+        {kCollectTermRemove, required(1), kProcedure, &Self::callDelete},
+        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kValueTableColumnType},
+        {kCollectTermMove, required(2), kProcedure, &Self::callMove},
+        {kCollectTermClear, required(0), kProcedure, &Self::callClear},
+    };
+    return kMethods;
+}
+
+IType* ValueTableColumnCollection::getType() const noexcept {
+    return TypeEntry<kCollectionInfo>::instance();
+}
+
+} // namespace core

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/objects/named_columns.h"
+#include "core/tables/objects/table_object.h"
+
+#include <core/context/iteration.h>
+
+namespace core {
+
+/// How the library knows its own column objects among all values.
+class IColumnObject : public IUnknown {
+  public:
+    static constexpr GUID IID = "dede5bfa-7ddd-49e7-bab9-39d4a89b084a"_guid;
+    [[nodiscard]] virtual const TableHandle<TableColumn>& handle() const noexcept = 0;
+
+  protected:
+    ~IColumnObject() = default;
+};
+
+inline constexpr GUID kValueTableColumnType = "f478813e-4087-4794-9832-ae7ae3aa98df"_guid;
+inline constexpr GUID kValueTableColumnCollectionType = "15e85ff8-27a9-4965-a502-6cd6294f8f84"_guid;
+
+/// The script object of a column: the one there is, or a new one.
+[[nodiscard]] GenericValue column_value(TableData& data, TableColumn& column);
+
+/// The columns of a table or a tree, as a part of that.
+class ValueTableColumnCollection
+    : public TableObject<ValueTableColumnCollection, true, &kValueTableColumnType,
+                         NamedColumns<ValueTableColumnCollection>>,
+      public IValueCollection {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection>;
+
+    explicit ValueTableColumnCollection(TableData& data) noexcept : data_(data) {}
+
+    static std::span<const Method<ValueTableColumnCollection>> methods() noexcept;
+    IType* getType() const noexcept override;
+    InterfacePtr<IValueEnum> enumerate() override;
+
+    [[nodiscard]] const TableData& tableData() const noexcept { return data_; }
+    [[nodiscard]] GenericValue getColumn(std::size_t position) {
+        return column_value(data_, data_.column(position));
+    }
+
+  private:
+    GenericValue insert(std::size_t position, std::span<GenericValue> definition, int firstParam);
+    GenericValue callAdd(std::span<GenericValue> arguments);
+    GenericValue callInsert(std::span<GenericValue> arguments);
+    GenericValue callIndexOf(std::span<GenericValue> arguments);
+    GenericValue callCount(std::span<GenericValue> arguments);
+    GenericValue callFind(std::span<GenericValue> arguments);
+    GenericValue callDelete(std::span<GenericValue> arguments);
+    GenericValue callGet(std::span<GenericValue> arguments);
+    GenericValue callMove(std::span<GenericValue> arguments);
+    GenericValue callClear(std::span<GenericValue> arguments);
+
+    TableData& data_;
+};
+
+} // namespace core

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/objects/row_collection.h"
+
+#include <core/collections/value_structure.h>
+#include <core/runtime/error.h>
+
+namespace core {
+
+std::vector<RowCondition> filter_argument(const TableData& data, const Value& argument, int param) {
+    const auto structure = argument.query<IValueStructure>();
+    if (!structure)
+        parameter_type_mismatch(param);
+    std::vector<RowCondition> filter;
+    std::size_t place = 0;
+    for (IValuePairs::View pair; structure->next(place, pair);)
+        filter.push_back({&data.column(column_named(data, *pair.key->asString())), pair.value});
+    return filter;
+}
+
+std::vector<Value> array_argument(const Value& argument, int param) {
+    const auto array = argument.query<IValueSequence>();
+    if (!array)
+        parameter_type_mismatch(param);
+    return {array->values().begin(), array->values().end()};
+}
+
+GenericValue array_of_rows(TableData& data, std::span<const RowId> rows) {
+    std::vector<Value> values;
+    values.reserve(rows.size());
+    for (const RowId row : rows)
+        values.push_back(row_value(data, row));
+    return Value(create_value_array(std::move(values)).query<IValue>());
+}
+
+GenericValue find_row(TableData& data, RowId parent, bool subordinates, const Value& value,
+                      const Value& columns) {
+    std::vector<const TableColumn*> searched;
+    for (const std::size_t column : optional_columns_argument(data, columns, 1))
+        searched.push_back(&data.column(column));
+    const RowId row = first_row_with(RowList(data, parent, subordinates).range(), searched, value);
+    return row != kNoRow ? row_value(data, row) : GenericValue();
+}
+
+namespace {
+
+/// The rows below a parent in their new order.
+struct SortedRows {
+    RowId parent;
+    std::vector<RowId> rows;
+};
+
+} // namespace
+
+void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& columns,
+               const Value& comparison, int comparisonParam) {
+    const std::vector<SortColumn> sort = sort_argument(data, columns, 0);
+    const auto object = comparison.query<ICompareValues>();
+    if (!object && !comparison.isUndefined())
+        parameter_type_mismatch(comparisonParam);
+    if (!object && !data.isTree()) {
+        data.reorder(parent, sorted_rows(RowList(data, parent, false).range(), sort));
+        return;
+    }
+    // All orders are found before the first is changed, so that a failure leaves every row in its place. An
+    // object that compares may have changed the table: what was found is then worth nothing.
+    const std::uint64_t version = data.version();
+    std::vector<SortedRows> orders = {{parent, data.rowsOf(parent).rows()}};
+    for (std::size_t i = 0; i < orders.size(); ++i) {
+        const RowRange rows{std::span<const RowId>(orders[i].rows)};
+        std::vector<RowId> sorted = object ? sorted_rows(rows, sort, *object) : sorted_rows(rows, sort);
+        if (data.version() != version)
+            throw_error<ContextException>("IDS_VT_CHANGED_WHILE_SORTING");
+        orders[i].rows.swap(sorted);
+        for (std::size_t row = 0; subordinates && row < orders[i].rows.size(); ++row) {
+            const RowId below = orders[i].rows[row];
+            if (data.rowsOf(below).size() != 0)
+                orders.push_back({below, data.rowsOf(below).rows()});
+        }
+    }
+    for (const SortedRows& sorted : orders)
+        data.reorder(sorted.parent, sorted.rows);
+}
+
+} // namespace core

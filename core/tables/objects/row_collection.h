@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/objects/row_objects.h"
+#include "core/tables/query/row_search.h"
+#include "core/tables/query/row_totals.h"
+
+#include <core/collections/terms.h>
+#include <core/collections/value_array.h>
+#include <core/context/iteration.h>
+#include <core/tables/terms.h>
+
+#include <algorithm>
+#include <array>
+
+namespace core {
+
+/// A filter: a structure of column names and wanted values, which are borrowed.
+[[nodiscard]] std::vector<RowCondition> filter_argument(const TableData& data, const Value& argument,
+                                                        int param);
+/// The values of an array.
+[[nodiscard]] std::vector<Value> array_argument(const Value& argument, int param);
+[[nodiscard]] GenericValue array_of_rows(TableData& data, std::span<const RowId> rows);
+
+[[nodiscard]] GenericValue find_row(TableData& data, RowId parent, bool subordinates, const Value& value,
+                                    const Value& columns);
+/// Puts the rows below a parent, and those below them where that is wanted, into the order that a column list
+/// and a comparison object (or Undefined) say; these are the arguments 0 and `comparisonParam`.
+void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& columns,
+               const Value& comparison, int comparisonParam);
+
+/// The methods 0 to 13 that a value table and the row collections of a value tree share. `T` has
+/// data() and parent(); with T::kHierarchical, four methods have a parameter that says whether
+/// subordinate rows are meant, too.
+template <class T, const GUID* rowType>
+class RowCollection : public TableObject<T, true, rowType>, public IValueCollection {
+  public:
+    InterfacePtr<IValueEnum> enumerate() override { return walk_rows(data(), parent()); }
+
+  protected:
+    ~RowCollection() = default;
+
+    [[nodiscard]] static constexpr std::array<Method<T>, 14> rowMethods() noexcept;
+
+  private:
+    [[nodiscard]] T& self() noexcept { return static_cast<T&>(*this); }
+    [[nodiscard]] TableData& data() noexcept { return self().data(); }
+    [[nodiscard]] RowId parent() { return self().parent(); }
+    [[nodiscard]] const RowOrder& rows() { return data().rowsOf(parent()); }
+    [[nodiscard]] static bool subordinates(std::span<GenericValue> arguments, int param) {
+        if constexpr (T::kHierarchical)
+            return flag_argument(arguments[static_cast<std::size_t>(param)], param);
+        return false;
+    }
+
+    /// The object of the row is made first: when there is no memory for it, there is no row, either.
+    GenericValue insert(std::size_t position) {
+        GenericValue row = row_value(data(), data().nextRow());
+        data().insertRow(parent(), position);
+        return row;
+    }
+
+    GenericValue callCount(std::span<GenericValue>) { return rows().size(); }
+    GenericValue callIndexOf(std::span<GenericValue> arguments) {
+        if (arguments[0].kind() == ValueKind::number)
+            parameter_type_mismatch(0);
+        return row_argument(data(), parent(), arguments[0], 0);
+    }
+    GenericValue callAdd(std::span<GenericValue>) { return insert(rows().size()); }
+    GenericValue callInsert(std::span<GenericValue> arguments) {
+        const std::size_t position = position_argument(arguments[0], 0, rows().size(), IndexBound::insertion);
+        return insert(position);
+    }
+    GenericValue callDelete(std::span<GenericValue> arguments) {
+        data().removeRow(parent(), row_argument(data(), parent(), arguments[0], 0));
+        return {};
+    }
+    GenericValue callClear(std::span<GenericValue>) {
+        data().removeRows(parent());
+        return {};
+    }
+    GenericValue callMove(std::span<GenericValue> arguments) {
+        const std::size_t from = row_argument(data(), parent(), arguments[0], 0);
+        data().moveRow(parent(), from, target_argument(arguments[1], 1, from, rows().size()));
+        return {};
+    }
+    GenericValue callFind(std::span<GenericValue> arguments) {
+        return find_row(data(), parent(), subordinates(arguments, 2), arguments[0], arguments[1]);
+    }
+    GenericValue callFindRows(std::span<GenericValue> arguments) {
+        const auto filter = filter_argument(data(), arguments[0], 0);
+        return array_of_rows(data(), matching_rows(data(), parent(), subordinates(arguments, 1), filter));
+    }
+    GenericValue callTotal(std::span<GenericValue> arguments) {
+        const std::size_t column = column_argument(data(), arguments[0], 0);
+        const RowList list(data(), parent(), subordinates(arguments, 1));
+        return total(list.range(), data().column(column).cells);
+    }
+    GenericValue callSort(std::span<GenericValue> arguments) {
+        constexpr int kComparison = T::kHierarchical ? 2 : 1;
+        sort_rows(data(), parent(), subordinates(arguments, 1), arguments[0], arguments[kComparison],
+                  kComparison);
+        return {};
+    }
+    GenericValue callLoadColumn(std::span<GenericValue> arguments) {
+        const std::vector<Value> values = array_argument(arguments[0], 0);
+        data().load(parent(), column_argument(data(), arguments[1], 1), values);
+        return {};
+    }
+    GenericValue callUnloadColumn(std::span<GenericValue> arguments) {
+        const CellColumn& cells = data().column(column_argument(data(), arguments[0], 0)).cells;
+        std::vector<Value> values;
+        values.reserve(rows().size());
+        rows().walk([&](RowId row) {
+            values.push_back(cells.get(row));
+            return true;
+        });
+        return Value(create_value_array(std::move(values)).template query<IValue>());
+    }
+    GenericValue callGet(std::span<GenericValue> arguments) {
+        return row_value(data(), rows().at(position_argument(arguments[0], 0, rows().size())));
+    }
+};
+
+namespace detail {
+
+inline constexpr Param kOptional = {.byDefault = ParamDefault::undefined};
+inline constexpr Param kFalse = {.byDefault = ParamDefault::falseValue};
+inline constexpr Param kFind[] = {{}, kOptional, kFalse};
+inline constexpr Param kOverRows[] = {{}, kFalse};
+inline constexpr Param kFlatSort[] = {{}, kOptional};
+inline constexpr Param kHierarchicalSort[] = {{}, kFalse, kOptional};
+
+/// One method table behind the other.
+template <class Entry, std::size_t first, std::size_t second>
+[[nodiscard]] constexpr auto joined(const std::array<Entry, first>& a, const std::array<Entry, second>& b) {
+    std::array<Entry, first + second> both{};
+    std::copy(a.begin(), a.end(), both.begin());
+    std::copy(b.begin(), b.end(), both.begin() + first);
+    return both;
+}
+
+} // namespace detail
+
+template <class T, const GUID* rowType>
+constexpr std::array<Method<T>, 14> RowCollection<T, rowType>::rowMethods() noexcept {
+    constexpr bool deep = T::kHierarchical;
+    constexpr auto find = std::span<const Param>(detail::kFind).first(deep ? 3 : 2);
+    constexpr auto overRows = std::span<const Param>(detail::kOverRows).first(deep ? 2 : 1);
+    constexpr auto sort =
+        deep ? std::span<const Param>(detail::kHierarchicalSort) : std::span<const Param>(detail::kFlatSort);
+    return {{
+        {kCollectTermCount, required(0), kFunction, &RowCollection::callCount, &kNumberType},
+        {kCollectTermIndexOf, required(1), kFunction, &RowCollection::callIndexOf, &kNumberType},
+        {kCollectTermAdd, required(0), kFunction, &RowCollection::callAdd, rowType},
+        {kCollectTermInsert, required(1), kFunction, &RowCollection::callInsert, rowType},
+        {kCollectTermRemove, required(1), kProcedure, &RowCollection::callDelete},
+        {kCollectTermClear, required(0), kProcedure, &RowCollection::callClear},
+        {kCollectTermMove, required(2), kProcedure, &RowCollection::callMove},
+        {kFindMethodTerm, find, kFunction, &RowCollection::callFind},
+        {kFindRowsMethodTerm, overRows, kFunction, &RowCollection::callFindRows, &kValueArrayType},
+        {kTotalMethodTerm, overRows, kFunction, &RowCollection::callTotal},
+        {kSortMethodTerm, sort, kProcedure, &RowCollection::callSort},
+        {kLoadColumnMethodTerm, required(2), kProcedure, &RowCollection::callLoadColumn},
+        {kUnloadColumnMethodTerm, required(1), kFunction, &RowCollection::callUnloadColumn, &kValueArrayType},
+        {kCollectTermGet, required(1), kFunction, &RowCollection::callGet, rowType},
+    }};
+}
+
+} // namespace core

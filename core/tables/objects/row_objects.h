@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/context/gathered_enum.h"
+#include "core/tables/objects/named_columns.h"
+#include "core/tables/objects/table_arguments.h"
+#include "core/tables/objects/table_object.h"
+
+namespace core {
+
+inline constexpr GUID kValueTableRowType = "986427ea-161d-4970-9f88-a0a65bc4759a"_guid;
+
+/// The script object of a row: the one there is, or a new one.
+[[nodiscard]] GenericValue row_value(TableData& data, RowId row);
+/// A walk over the rows below a parent, or over the table's.
+[[nodiscard]] InterfacePtr<IValueEnum> walk_rows(TableData& data, RowId parent);
+
+/// What the rows of tables and of trees are: their cells are properties, and the elements of a walk.
+template <class T>
+class RowObject : public TableObject<T, true, nullptr, NamedColumns<T>>,
+                  public IValueCollection,
+                  public IRowObject {
+  public:
+    RowHandle& handle() noexcept override { return handle_; }
+
+    InterfacePtr<IValueEnum> enumerate() override {
+        const TableData& data = tableData();
+        std::vector<Value> cells;
+        for (std::size_t i = 0; i < data.columnCount(); ++i)
+            cells.push_back(getColumn(i));
+        return make_object<GatheredEnum>(std::move(cells));
+    }
+
+    [[nodiscard]] const TableData& tableData() const noexcept { return handle_.data(); }
+    [[nodiscard]] GenericValue getColumn(std::size_t position) const {
+        return tableData().get(handle_.row(), position);
+    }
+    void setColumn(std::size_t position, const GenericValue& value) {
+        handle_.data().set(handle_.row(), position, value);
+    }
+
+    bool getPropInfo(int prop, ContextValueInfo& info) const override {
+        const auto column = this->columnOf(prop);
+        if (!column)
+            return TableObject<T, true, nullptr, NamedColumns<T>>::getPropInfo(prop, info);
+        info = {.types = tableData().column(*column).info.domain};
+        return true;
+    }
+
+  protected:
+    RowObject(TableData& data, RowId row) : handle_(*this, data.owner(), data, row) {}
+    ~RowObject() = default;
+
+    [[nodiscard]] RowId row() const { return handle_.row(); }
+
+    GenericValue callGet(std::span<GenericValue> arguments) {
+        return getColumn(column_argument(tableData(), arguments[0], 0));
+    }
+    GenericValue callSet(std::span<GenericValue> arguments) {
+        setColumn(column_argument(tableData(), arguments[0], 0), arguments[1]);
+        return {};
+    }
+    GenericValue callOwner(std::span<GenericValue>) {
+        static_cast<void>(row()); // of a row that is there
+        return Value(handle_.owner());
+    }
+
+    RowHandle handle_;
+};
+
+} // namespace core

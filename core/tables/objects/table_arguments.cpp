@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/objects/table_arguments.h"
+
+#include "core/collections/arguments.h"
+#include "core/tables/objects/column_objects.h"
+
+#include <core/collections/collect_error.h>
+#include <core/context/context_error.h>
+#include <core/runtime/error.h>
+#include <core/strings/compare.h>
+#include <core/strings/split.h>
+#include <core/strings/trim.h>
+#include <core/tables/terms.h>
+
+#include <algorithm>
+#include <numeric>
+
+namespace core {
+namespace {
+
+bool is_term(wstring_view word, Term term) noexcept {
+    return compare_nocase(word, wstring_view(term[kEnglish])) == 0 ||
+           compare_nocase(word, wstring_view(term[kRussian])) == 0;
+}
+
+/// The items of a list; a list that is wholly blank has one, the empty one.
+std::vector<wstring_view> items_of(const Value& argument, int param) {
+    const wstring_view* const text = argument.asString();
+    if (text == nullptr)
+        parameter_type_mismatch(param);
+    std::vector<wstring_view> items = string_tokenize(*text, u",", EmptyTokens::keep);
+    for (wstring_view& item : items)
+        item = trim_all(item);
+    return items;
+}
+
+void add_column(ColumnList& columns, const TableData& data, wstring_view name) {
+    const std::size_t column = column_named(data, name);
+    if (std::find(columns.begin(), columns.end(), column) != columns.end())
+        throw_error<ContextException>("IDS_VT_COLUMNS_NOT_UNIQUE", {wstring(name)});
+    columns.push_back(column);
+}
+
+} // namespace
+
+bool flag_argument(const Value& argument, int param) {
+    if (argument.kind() != ValueKind::boolean)
+        parameter_type_mismatch(param);
+    return argument.isTrue();
+}
+
+wstring string_argument(const Value& argument, int param) {
+    const wstring_view* const text = argument.asString();
+    if (text == nullptr)
+        parameter_type_mismatch(param);
+    return wstring(*text);
+}
+
+wstring optional_text_argument(const Value& argument, int param) {
+    return argument.isUndefined() ? wstring() : string_argument(argument, param);
+}
+
+std::size_t position_argument(const Value& argument, int param, std::size_t count, IndexBound bound) {
+    const std::int64_t index = index_argument(argument, param);
+    const std::size_t end = count + (bound == IndexBound::insertion ? 1 : 0);
+    if (index < 0 || static_cast<std::uint64_t>(index) >= end)
+        throw_bad_index();
+    return static_cast<std::size_t>(index);
+}
+
+std::size_t target_argument(const Value& argument, int param, std::size_t from, std::size_t count) {
+    const std::int64_t offset = index_argument(argument, param);
+    const auto place = static_cast<std::int64_t>(from);
+    if (offset < -place || offset >= static_cast<std::int64_t>(count) - place)
+        throw ContextException(collect_error_bad_offset());
+    return static_cast<std::size_t>(place + offset);
+}
+
+RowId row_object_argument(const TableData& data, const Value& argument, int param) {
+    const auto object = argument.query<IRowObject>();
+    if (!object)
+        parameter_type_mismatch(param);
+    const RowHandle& handle = object->handle();
+    if (&handle.data() != &data)
+        throw_error<ContextException>("IDS_VT_UNKNOWN_ROW_ERROR");
+    return handle.row();
+}
+
+std::size_t row_argument(const TableData& data, RowId parent, const Value& argument, int param) {
+    const RowOrder& order = data.rowsOf(parent);
+    if (argument.kind() == ValueKind::number)
+        return position_argument(argument, param, order.size());
+    const RowId row = row_object_argument(data, argument, param);
+    if (data.parentOf(row) != parent)
+        throw_error<ContextException>("IDS_VT_UNKNOWN_ROW_ERROR");
+    return order.positionOf(row);
+}
+
+std::size_t column_named(const TableData& data, wstring_view name) {
+    const auto column = data.findColumn(name);
+    if (!column)
+        throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {wstring(name)});
+    return *column;
+}
+
+std::size_t column_argument(const TableData& data, const Value& argument, int param) {
+    if (const wstring_view* const name = argument.asString(); name != nullptr)
+        return column_named(data, trim_all(*name));
+    if (argument.kind() == ValueKind::number)
+        return position_argument(argument, param, data.columnCount());
+    const auto object = argument.query<IColumnObject>();
+    if (!object)
+        parameter_type_mismatch(param);
+    const TableColumn* const column = object->handle().part();
+    if (column == nullptr || &object->handle().data() != &data)
+        throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {argument.presentation()});
+    return data.positionOf(*column);
+}
+
+ColumnList column_list_argument(const TableData& data, const Value& argument, int param, BlankList blank) {
+    const std::vector<wstring_view> items = items_of(argument, param);
+    ColumnList columns;
+    if (blank == BlankList::noColumn && items.size() == 1 && items.front().empty())
+        return columns;
+    for (const wstring_view item : items) {
+        if (item.empty())
+            parameter_value_mismatch(param);
+        add_column(columns, data, item);
+    }
+    return columns;
+}
+
+ColumnList optional_columns_argument(const TableData& data, const Value& argument, int param) {
+    if (!argument.isUndefined())
+        return column_list_argument(data, argument, param);
+    ColumnList columns(data.columnCount());
+    std::iota(columns.begin(), columns.end(), std::size_t{0});
+    return columns;
+}
+
+std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param) {
+    // What is no list at all is told before what the list names.
+    struct Item {
+        wstring_view name;
+        bool descending;
+    };
+    std::vector<Item> items;
+    for (const wstring_view item : items_of(argument, param)) {
+        const std::vector<wstring_view> words = string_tokenize(item, u" ");
+        if (words.empty() || words.size() > 2)
+            parameter_value_mismatch(param);
+        const bool descending = words.size() == 2 && is_term(words[1], kOrderingDirectionDescTerm);
+        if (words.size() == 2 && !descending && !is_term(words[1], kOrderingDirectionAscTerm))
+            parameter_value_mismatch(param);
+        items.push_back({words[0], descending});
+    }
+    ColumnList columns;
+    std::vector<SortColumn> sort;
+    for (const Item& item : items) {
+        add_column(columns, data, item.name);
+        sort.push_back({&data.column(columns.back()).cells, item.descending});
+    }
+    return sort;
+}
+
+} // namespace core

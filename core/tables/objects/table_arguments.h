@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/data/table_data.h"
+#include "core/tables/sort/row_sort.h"
+
+#include <span>
+
+/// Reading the arguments of script calls. Wrong ones throw ContextException: of a wrong type
+/// "IDS_PARAMETER_N_TYPE_MISMATCH", others as said.
+namespace core {
+
+/// A Boolean.
+[[nodiscard]] bool flag_argument(const Value& argument, int param);
+/// A String.
+[[nodiscard]] wstring string_argument(const Value& argument, int param);
+/// A String; Undefined is the empty one.
+[[nodiscard]] wstring optional_text_argument(const Value& argument, int param);
+
+/// Whether something follows the last element, and so can be inserted there.
+enum class IndexBound { element, insertion };
+/// The position of one of `count` elements, or where one can be inserted: "IDS_INDEX_OFFBOUND" for any other.
+[[nodiscard]] std::size_t position_argument(const Value& argument, int param, std::size_t count,
+                                            IndexBound bound = IndexBound::element);
+/// Where an element ends up when it is moved by an offset: "IDS_COLLECTION_BADOFFSET" beyond either end.
+[[nodiscard]] std::size_t target_argument(const Value& offset, int param, std::size_t from,
+                                          std::size_t count);
+
+/// The position of a row below `parent`, which is given by an index or as a row; "IDS_VT_UNKNOWN_ROW_ERROR"
+/// for one that is not there.
+[[nodiscard]] std::size_t row_argument(const TableData& data, RowId parent, const Value& argument, int param);
+/// The same for a row only, at any level.
+[[nodiscard]] RowId row_object_argument(const TableData& data, const Value& argument, int param);
+
+/// A column, given by its name, its index or as a column; "IDS_VT_UNKNOWN_COLUMN_ERROR"
+/// for one that is not there.
+[[nodiscard]] std::size_t column_argument(const TableData& data, const Value& argument, int param);
+/// The column of a name.
+[[nodiscard]] std::size_t column_named(const TableData& data, wstring_view name);
+
+/// Positions of columns.
+using ColumnList = std::vector<std::size_t>;
+enum class BlankList { refused, noColumn };
+/// Names with "," between them. "IDS_VT_UNKNOWN_COLUMN_ERROR", "IDS_VT_COLUMNS_NOT_UNIQUE", and
+/// "IDS_PARAMETER_N_VALUE_MISMATCH" where no name stands.
+[[nodiscard]] ColumnList column_list_argument(const TableData& data, const Value& argument, int param,
+                                              BlankList blank = BlankList::refused);
+/// The same; Undefined stands for all columns.
+[[nodiscard]] ColumnList optional_columns_argument(const TableData& data, const Value& argument, int param);
+/// Names with "," between them, each of which may be followed by a direction.
+[[nodiscard]] std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param);
+
+} // namespace core

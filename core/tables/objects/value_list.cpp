@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/collections/arguments.h"
+#include "core/context/gathered_enum.h"
+#include "core/lists/malformed.h"
+#include "core/tables/objects/table_arguments.h"
+#include "core/tables/objects/value_list_impl.h"
+#include "core/tables/sort/introsort.h"
+#include "core/tables/sort/value_ranks.h"
+
+#include <core/descriptions/type_description.h>
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
+#include <core/runtime/error.h>
+#include <core/tables/terms.h>
+
+#include <functional>
+#include <unordered_set>
+
+namespace core {
+
+const ValueListItemPtr& ValueList::itemAt(std::size_t position) const {
+    if (position >= count())
+        throw_bad_index();
+    return items_[order_.at(position)];
+}
+
+ValueList::Items ValueList::inOrder() const {
+    Items items;
+    items.reserve(count());
+    order_.walk([&](RowId id) {
+        items.push_back(items_[id]);
+        return true;
+    });
+    return items;
+}
+
+Value ValueList::adjusted(const Value& value) const {
+    Value result = domain_.adjust(value);
+    const auto list = result.query<IListObject>();
+    if (list && list->self().holds(*this))
+        throw_error<ContextException>("IDS_VL_CYCLING");
+    return result;
+}
+
+/// Whether a list is this one or stands somewhere in it.
+bool ValueList::holds(const ValueList& list) const {
+    std::unordered_set<const ValueList*> seen = {this};
+    std::vector<const ValueList*> ahead = {this};
+    while (!ahead.empty()) {
+        const ValueList* const here = ahead.back();
+        ahead.pop_back();
+        if (here == &list)
+            return true;
+        here->order_.walk([&](RowId id) {
+            const auto inner = here->items_[id]->content().value.query<IListObject>();
+            if (inner && seen.insert(&inner->self()).second)
+                ahead.push_back(&inner->self());
+            return true;
+        });
+    }
+    return false;
+}
+
+GenericValue ValueList::insert(std::size_t position, Item item) {
+    item.value = adjusted(item.value);
+    ValueListItemPtr object = make_object<ValueListItem>(std::move(item));
+    GenericValue result(object);
+    const RowId id = free_.empty() ? static_cast<RowId>(items_.size()) : free_.back();
+    if (id == items_.size())
+        items_.emplace_back();
+    try {
+        order_.insert(position, id);
+    } catch (...) {
+        if (free_.empty())
+            items_.pop_back();
+        throw;
+    }
+    if (!free_.empty())
+        free_.pop_back();
+    object->enter(this, id);
+    items_[id] = std::move(object);
+    return result;
+}
+
+/// Makes an item of a value, a presentation, a check mark and a picture.
+GenericValue ValueList::insert(std::size_t position, std::span<GenericValue> definition, int param) {
+    return insert(position, Item{.value = definition[0],
+                                 .presentation = string_argument(definition[1], param + 1),
+                                 .check = flag_argument(definition[2], param + 2),
+                                 .picture = definition[3]});
+}
+
+/// Replaces all items.
+void ValueList::assign(Items items) noexcept {
+    leave();
+    items_.swap(items);
+    for (std::size_t i = 0; i < items_.size(); ++i)
+        items_[i]->enter(this, static_cast<RowId>(i));
+    order_.makePlain(items_.size());
+    free_.clear();
+}
+
+/// Tells all items that they are in the list no longer.
+void ValueList::leave() noexcept {
+    for (const ValueListItemPtr& item : items_) {
+        if (item)
+            item->enter(nullptr, kNoRow);
+    }
+}
+
+std::size_t ValueList::position(const Value& argument, int param) const {
+    return argument.kind() == ValueKind::number ? position_argument(argument, param, count())
+                                                : positionOfItem(argument, param);
+}
+
+std::size_t ValueList::positionOfItem(const Value& argument, int param) const {
+    const auto object = argument.query<IListItemObject>();
+    if (!object)
+        parameter_type_mismatch(param);
+    if (object->self().list() != this)
+        parameter_value_mismatch(param);
+    return order_.positionOf(object->self().id());
+}
+
+InterfacePtr<IValueEnum> ValueList::enumerate() {
+    std::vector<Value> items;
+    items.reserve(count());
+    for (const ValueListItemPtr& item : inOrder())
+        items.emplace_back(item);
+    return make_object<GatheredEnum>(std::move(items));
+}
+
+/// Sorts by a value of each item; equal ones keep their order.
+void ValueList::sort(const Value& direction, Value (*key)(const Item& item)) {
+    const auto number = direction.isUndefined() ? 0 : sort_types().number(direction);
+    if (!number)
+        parameter_type_mismatch(0);
+    const Items items = inOrder();
+    std::vector<Value> keys;
+    keys.reserve(items.size());
+    for (const ValueListItemPtr& item : items)
+        keys.push_back(key(item->content()));
+    const std::vector<std::uint32_t> ranks = rank_values(keys, RowRange(keys.size()));
+    std::vector<std::uint64_t> order(items.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        const std::uint32_t rank = *number == 0 ? ranks[i] : ~ranks[i];
+        order[i] = std::uint64_t{rank} << 32 | i;
+    }
+    introsort(std::span(order), std::less<>());
+    Items sorted;
+    sorted.reserve(items.size());
+    for (const std::uint64_t place : order)
+        sorted.push_back(items[static_cast<std::uint32_t>(place)]);
+    assign(std::move(sorted));
+}
+
+GenericValue ValueList::getValueType() const {
+    return create_type_description(domain_);
+}
+
+void ValueList::setValueType(const GenericValue& value) {
+    const TypeDomain* const domain = type_domain_of(value);
+    if (domain == nullptr && !value.isUndefined())
+        parameter_type_mismatch(0);
+    TypeDomain changed = domain != nullptr ? *domain : TypeDomain();
+    const Items items = inOrder();
+    std::vector<Value> values;
+    values.reserve(items.size());
+    for (const ValueListItemPtr& item : items)
+        values.push_back(changed.adjust(item->content().value));
+    std::swap(domain_, changed);
+    for (std::size_t i = 0; i < items.size(); ++i)
+        items[i]->exchangeValue(values[i]);
+}
+
+void ValueList::serialize(IOutPersistenceStorage* storage) const {
+    ListOutStream& out = storage->listStream();
+    out.putBeginOfList();
+    domain_.pattern().serialize(out);
+    out.put(static_cast<std::int64_t>(count()));
+    for (const ValueListItemPtr& item : inOrder()) {
+        out.putBeginOfList();
+        serialize_value(storage, item->content().value);
+        out.put(item->content().presentation);
+        out.put(item->content().check);
+        serialize_value(storage, item->content().picture);
+        out.putEndOfList();
+    }
+    out.putEndOfList();
+}
+
+void ValueList::deserialize(IInPersistenceStorage* storage) {
+    ListInStream& in = storage->listStream();
+    TypeDomainPattern pattern;
+    in.getBeginOfList();
+    pattern.deserialize(in);
+    std::int64_t count = get_count(in);
+    TypeDomain domain(std::move(pattern));
+    Items items; // grows with what is really there, whatever the count says
+    for (; count > 0; --count) {
+        Item item;
+        in.getBeginOfList();
+        item.value = GenericValue::deserialize(storage);
+        in.get(item.presentation);
+        in.get(item.check);
+        item.picture = GenericValue::deserialize(storage);
+        in.getEndOfList();
+        if (!domain.adjust(item.value).equals(item.value))
+            throw_malformed(); // the list would never have held it
+        items.push_back(make_object<ValueListItem>(std::move(item)));
+    }
+    in.getEndOfList();
+    domain_ = std::move(domain);
+    assign(std::move(items));
+}
+
+InterfacePtr<IValueList> create_value_list() {
+    return make_object<ValueList>();
+}
+
+namespace {
+
+GenericValue construct(std::span<GenericValue>) {
+    return make_object<ValueList>();
+}
+
+constexpr TypeInfo kInfo = {
+    .id = kValueListType,
+    .valueClass = kValueListClass,
+    .names = kValueListTerm,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUELIST",
+    .construct = &construct,
+    .arguments = {0, 0},
+};
+
+const SCOM_Class<ValueList, &kValueListClass> kEntry("ValueList");
+const TypeEntry<kInfo> kTypeEntry("ValueList_Type");
+
+} // namespace
+
+std::span<const Property<ValueList>> ValueList::properties() noexcept {
+    static constexpr Property<ValueList> kProperties[] = {
+        {kTypePropTerm, &ValueList::getValueType, &ValueList::setValueType, &kTypeDescriptionType},
+    };
+    return kProperties;
+}
+
+IType* ValueList::getType() const noexcept {
+    return TypeEntry<kInfo>::instance();
+}
+
+} // namespace core

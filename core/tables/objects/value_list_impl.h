@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/objects/value_list_item.h"
+
+#include <core/context/iteration.h>
+#include <core/persistence/persistence.h>
+#include <core/types/type_domain.h>
+
+#include <vector>
+
+namespace core {
+
+/// How the library knows its own lists among all values.
+class IListObject : public IUnknown {
+  public:
+    static constexpr GUID IID = "c7e38042-32bc-4f9f-b2f4-9c88a6fad2f8"_guid;
+    [[nodiscard]] virtual const ValueList& self() const noexcept = 0;
+
+  protected:
+    ~IListObject() = default;
+};
+
+/// Items have ids as the rows of a table have, so that taking one from a long list, or asking for its index,
+/// does not mean going through the list.
+class ValueList : public TableObject<ValueList, true, &kValueListItemType>,
+                  public IValueList,
+                  public IListObject,
+                  public IValueCollection,
+                  public IPersistableObjectImpl<ValueList, &kValueListClass> {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueList, IListObject,
+                                     IValueCollection, IPersistableObject>;
+
+    ValueList() : order_(places_, true) {}
+    ValueList(const ValueList&) = delete;
+    ValueList& operator=(const ValueList&) = delete;
+    ~ValueList() { leave(); }
+
+    static std::span<const Property<ValueList>> properties() noexcept;
+    static std::span<const Method<ValueList>> methods() noexcept;
+    IType* getType() const noexcept override;
+    const ValueList& self() const noexcept override { return *this; }
+    InterfacePtr<IValueEnum> enumerate() override;
+
+    // IValueList
+    std::size_t count() const noexcept override { return order_.size(); }
+    Item get(std::size_t position) const override { return itemAt(position)->content(); }
+    GenericValue item(std::size_t position) const override { return itemAt(position); }
+    void setCheck(std::size_t position, bool check) override { itemAt(position)->setCheck(check); }
+    void add(const Item& item) override { static_cast<void>(insert(count(), item)); }
+
+    // IPersistableObject
+    void serialize(IOutPersistenceStorage* storage) const override;
+    void deserialize(IInPersistenceStorage* storage) override;
+
+    /// What the list makes of a value that an item is to have.
+    [[nodiscard]] Value adjusted(const Value& value) const;
+
+  private:
+    using Items = std::vector<ValueListItemPtr>;
+
+    [[nodiscard]] const ValueListItemPtr& itemAt(std::size_t position) const;
+    [[nodiscard]] Items inOrder() const;
+    [[nodiscard]] GenericValue insert(std::size_t position, Item item);
+    [[nodiscard]] GenericValue insert(std::size_t position, std::span<GenericValue> definition, int param);
+    void assign(Items items) noexcept;
+    void leave() noexcept;
+    /// The position of an item that is given by it or as an object, or as an object only.
+    [[nodiscard]] std::size_t position(const Value& argument, int param) const;
+    [[nodiscard]] std::size_t positionOfItem(const Value& argument, int param) const;
+    void sort(const Value& direction, Value (*key)(const Item& item));
+    [[nodiscard]] bool holds(const ValueList& list) const;
+
+    GenericValue getValueType() const;
+    void setValueType(const GenericValue& value);
+
+    GenericValue callFindByValue(std::span<GenericValue> arguments);
+    GenericValue callSortByValue(std::span<GenericValue> arguments);
+    GenericValue callSortByPresentation(std::span<GenericValue> arguments);
+    GenericValue callChooseItem(std::span<GenericValue> arguments);
+    GenericValue callCheckItems(std::span<GenericValue> arguments);
+    GenericValue callUnloadValues(std::span<GenericValue> arguments);
+    GenericValue callLoadValues(std::span<GenericValue> arguments);
+    GenericValue callCopy(std::span<GenericValue> arguments);
+    GenericValue callCount(std::span<GenericValue> arguments);
+    GenericValue callAdd(std::span<GenericValue> arguments);
+    GenericValue callInsert(std::span<GenericValue> arguments);
+    GenericValue callDelete(std::span<GenericValue> arguments);
+    GenericValue callClear(std::span<GenericValue> arguments);
+    GenericValue callMove(std::span<GenericValue> arguments);
+    GenericValue callIndexOf(std::span<GenericValue> arguments);
+    GenericValue callGet(std::span<GenericValue> arguments);
+    GenericValue callFillChecks(std::span<GenericValue> arguments);
+
+    TypeDomain domain_;
+    RowPlaces places_;
+    RowOrder order_;
+    Items items_; // by id; null for those that are free
+    std::vector<RowId> free_;
+};
+
+} // namespace core

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/objects/table_arguments.h"
+#include "core/tables/objects/value_list_impl.h"
+
+#include <core/context/context_error.h>
+#include <core/tables/terms.h>
+
+namespace core {
+
+void ValueListItem::setValue(const GenericValue& value) {
+    Value adjusted = list_ != nullptr ? list_->adjusted(value) : Value(value);
+    exchangeValue(adjusted);
+}
+
+void ValueListItem::setPresentation(const GenericValue& value) {
+    content_.presentation = string_argument(value, 0);
+}
+
+void ValueListItem::setCheckValue(const GenericValue& value) {
+    setCheck(flag_argument(value, 0));
+}
+
+void ValueListItem::setPicture(const GenericValue& value) {
+    Value picture(value);
+    swap(content_.picture, picture);
+}
+
+namespace {
+
+constexpr TypeInfo kInfo = {
+    .id = kValueListItemType,
+    .valueClass = "24b2a36c-c706-4387-8c29-9271884ce228"_guid,
+    .names = kValueListItemTerm,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUELISTITEM",
+};
+const TypeEntry<kInfo> kTypeEntry("ValueListItem_Type");
+
+} // namespace
+
+std::span<const Property<ValueListItem>> ValueListItem::properties() noexcept {
+    using Self = ValueListItem;
+    static constexpr Property<Self> kProperties[] = {
+        {kVLColumnTermValue, &Self::getValue, &Self::setValue},
+        {kVLColumnTermPresent, &Self::getPresentation, &Self::setPresentation, &kStringType},
+        {kVLColumnTermCheck, &Self::getCheck, &Self::setCheckValue, &kBooleanType},
+        {kVLColumnTermPicture, &Self::getPicture, &Self::setPicture},
+    };
+    return kProperties;
+}
+
+IType* ValueListItem::getType() const noexcept {
+    return TypeEntry<kInfo>::instance();
+}
+
+} // namespace core

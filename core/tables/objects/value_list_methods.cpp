@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: Apache-2.0
+// The list's methods as scripts call them, and their table.
+#include "core/tables/objects/table_arguments.h"
+#include "core/tables/objects/value_list_impl.h"
+
+#include <core/collections/terms.h>
+#include <core/collections/value_array.h>
+#include <core/context/context_error.h>
+#include <core/runtime/process.h>
+#include <core/tables/chooser.h>
+#include <core/tables/terms.h>
+
+namespace core {
+
+GenericValue ValueList::callFindByValue(std::span<GenericValue> arguments) {
+    GenericValue found;
+    order_.walk([&](RowId id) {
+        if (!items_[id]->content().value.equals(arguments[0]))
+            return true;
+        found = GenericValue(items_[id]);
+        return false;
+    });
+    return found;
+}
+
+GenericValue ValueList::callSortByValue(std::span<GenericValue> arguments) {
+    sort(arguments[0], [](const Item& item) { return item.value; });
+    return {};
+}
+
+GenericValue ValueList::callSortByPresentation(std::span<GenericValue> arguments) {
+    sort(arguments[0], [](const Item& item) { return Value(item.presentation); });
+    return {};
+}
+
+GenericValue ValueList::callChooseItem(std::span<GenericValue> arguments) {
+    const wstring title = string_argument(arguments[0], 0);
+    if (!arguments[1].isUndefined())
+        static_cast<void>(positionOfItem(arguments[1], 1));
+    IChooser* const chooser = get_service<IChooser>();
+    return chooser != nullptr ? chooser->chooseItem(Value(this), title, arguments[1]) : GenericValue();
+}
+
+GenericValue ValueList::callCheckItems(std::span<GenericValue> arguments) {
+    const wstring title = string_argument(arguments[0], 0);
+    IChooser* const chooser = get_service<IChooser>();
+    return chooser != nullptr && chooser->checkItems(Value(this), title);
+}
+
+GenericValue ValueList::callUnloadValues(std::span<GenericValue>) {
+    std::vector<Value> values;
+    values.reserve(count());
+    for (const ValueListItemPtr& item : inOrder())
+        values.push_back(item->content().value);
+    return Value(create_value_array(std::move(values)).query<IValue>());
+}
+
+GenericValue ValueList::callLoadValues(std::span<GenericValue> arguments) {
+    const auto array = arguments[0].query<IValueSequence>();
+    if (!array)
+        parameter_type_mismatch(0);
+    Items items;
+    items.reserve(array->count());
+    for (const Value& value : array->values())
+        items.push_back(
+            make_object<ValueListItem>(Item{.value = adjusted(value), .presentation = {}, .picture = {}}));
+    assign(std::move(items));
+    return {};
+}
+
+GenericValue ValueList::callCopy(std::span<GenericValue>) {
+    auto copy = make_object<ValueList>();
+    copy->domain_ = domain_;
+    Items items;
+    items.reserve(count());
+    for (const ValueListItemPtr& item : inOrder())
+        items.push_back(make_object<ValueListItem>(item->content()));
+    copy->assign(std::move(items));
+    return copy;
+}
+
+GenericValue ValueList::callCount(std::span<GenericValue>) {
+    return count();
+}
+
+GenericValue ValueList::callAdd(std::span<GenericValue> arguments) {
+    return insert(count(), arguments, 0);
+}
+
+GenericValue ValueList::callInsert(std::span<GenericValue> arguments) {
+    const std::size_t position = position_argument(arguments[0], 0, count(), IndexBound::insertion);
+    return insert(position, arguments.subspan(1), 1);
+}
+
+GenericValue ValueList::callDelete(std::span<GenericValue> arguments) {
+    const std::size_t place = position(arguments[0], 0);
+    const RowId id = order_.at(place);
+    free_.push_back(id);
+    try {
+        order_.erase(place);
+    } catch (...) {
+        free_.pop_back();
+        throw;
+    }
+    const ValueListItemPtr dying = std::move(items_[id]);
+    dying->enter(nullptr, kNoRow);
+    return {};
+}
+
+GenericValue ValueList::callClear(std::span<GenericValue>) {
+    assign({});
+    return {};
+}
+
+GenericValue ValueList::callMove(std::span<GenericValue> arguments) {
+    const std::size_t from = position(arguments[0], 0);
+    order_.move(from, target_argument(arguments[1], 1, from, count()));
+    return {};
+}
+
+GenericValue ValueList::callIndexOf(std::span<GenericValue> arguments) {
+    return positionOfItem(arguments[0], 0);
+}
+
+GenericValue ValueList::callGet(std::span<GenericValue> arguments) {
+    return item(position_argument(arguments[0], 0, count()));
+}
+
+GenericValue ValueList::callFillChecks(std::span<GenericValue> arguments) {
+    const bool check = flag_argument(arguments[0], 0);
+    for (const ValueListItemPtr& item : items_) {
+        if (item)
+            item->setCheck(check);
+    }
+    return {};
+}
+
+namespace {
+
+constexpr Param kUndefined = {.byDefault = ParamDefault::undefined};
+constexpr Param kDirection[] = {kUndefined};
+constexpr Param kChoice[] = {{.byDefault = ParamDefault::resourceText, .resource = "IDS_VLUI_FORM_TTL"},
+                             kUndefined};
+constexpr Param kChecks[] = {{.byDefault = ParamDefault::resourceText, .resource = "IDS_VLUI_FORM_TTL_CH"}};
+constexpr Param kIndexAndItem[] = {{},
+                                   kUndefined,
+                                   {.byDefault = ParamDefault::emptyString},
+                                   {.byDefault = ParamDefault::falseValue},
+                                   kUndefined};
+constexpr auto kItem = std::span<const Param>(kIndexAndItem).subspan(1);
+
+} // namespace
+
+std::span<const Method<ValueList>> ValueList::methods() noexcept {
+    using Self = ValueList;
+    static constexpr Method<Self> kMethods[] = {
+        {kValListTermFindValue, required(1), kFunction, &Self::callFindByValue},
+        {kValListTermSort, kDirection, kProcedure, &Self::callSortByValue},
+        {kValListTermSortByPresent, kDirection, kProcedure, &Self::callSortByPresentation},
+        {kValListTermChooseValue, kChoice, kFunction, &Self::callChooseItem},
+        {kValListTermCheckValues, kChecks, kFunction, &Self::callCheckItems, &kBooleanType},
+        {kValListTermUnload, required(0), kFunction, &Self::callUnloadValues, &kValueArrayType},
+        {kValListTermLoad, required(1), kProcedure, &Self::callLoadValues},
+        {kValListTermCopy, required(0), kFunction, &Self::callCopy, &kValueListType},
+        {kCollectTermCount, required(0), kFunction, &Self::callCount, &kNumberType},
+        {kCollectTermAdd, kItem, kFunction, &Self::callAdd, &kValueListItemType},
+        {kCollectTermInsert, kIndexAndItem, kFunction, &Self::callInsert, &kValueListItemType},
+        {kCollectTermRemove, required(1), kProcedure, &Self::callDelete},
+        {kCollectTermClear, required(0), kProcedure, &Self::callClear},
+        {kCollectTermMove, required(2), kProcedure, &Self::callMove},
+        {kCollectTermIndexOf, required(1), kFunction, &Self::callIndexOf, &kNumberType},
+        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kValueListItemType},
+        {kValListTermFillChecks, required(1), kProcedure, &Self::callFillChecks},
+    };
+    return kMethods;
+}
+
+} // namespace core

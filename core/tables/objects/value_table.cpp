@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/collections/arguments.h"
+#include "core/tables/objects/column_objects.h"
+#include "core/tables/objects/index_objects.h"
+#include "core/tables/objects/row_collection.h"
+#include "core/tables/objects/sub_object.h"
+#include "core/tables/objects/table_format.h"
+#include "core/tables/query/row_totals.h"
+
+#include <core/collections/value_structure.h>
+#include <core/runtime/error.h>
+#include <core/runtime/process.h>
+#include <core/strings/integer_text.h>
+#include <core/tables/chooser.h>
+#include <core/tables/value_table.h>
+
+namespace core {
+
+class ValueTable : public RowCollection<ValueTable, &kValueTableRowType>,
+                   public IValueTable,
+                   public IPersistableObjectImpl<ValueTable, &kValueTableClass> {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueTable,
+                                     IValueTableBaseRO, IValueCollection, IPersistableObject>;
+    static constexpr bool kHierarchical = false;
+
+    ValueTable()
+        : data_(*this, false), columns_(*static_cast<IValue*>(this), data_),
+          indexes_(*static_cast<IValue*>(this), data_) {}
+
+    static std::span<const Property<ValueTable>> properties() noexcept;
+    static std::span<const Method<ValueTable>> methods() noexcept;
+    IType* getType() const noexcept override;
+
+    [[nodiscard]] TableData& data() noexcept { return data_; }
+    [[nodiscard]] RowId parent() const noexcept { return kNoRow; }
+
+    // IValueTableBaseRO
+    std::size_t columnCount() const noexcept override { return data_.columnCount(); }
+    Column column(std::size_t position) const override;
+    std::int32_t findColumn(wstring_view name) const override;
+    std::size_t rowCount() const noexcept override { return data_.rows().size(); }
+    GenericValue get(std::size_t row, std::int32_t column) const override {
+        return data_.get(rowAt(row), columnAt(column));
+    }
+    GenericValue row(std::size_t position) override { return row_value(data_, rowAt(position)); }
+    std::vector<std::size_t> IValueTableBaseRO_findRows(std::span<const VTFindParam> filter) const override;
+
+    // IValueTable
+    std::int32_t addColumn(wstring_view name, TypeDomain domain, wstring_view title,
+                           std::int32_t width) override;
+    void appendRow(std::span<const Value> cells) override;
+    void set(std::size_t row, std::int32_t column, const Value& value) override {
+        data_.set(rowAt(row), columnAt(column), value);
+    }
+    void removeRow(std::size_t row) override {
+        static_cast<void>(rowAt(row));
+        data_.removeRow(kNoRow, row);
+    }
+    void clear() override { data_.removeRows(kNoRow); }
+
+    // IPersistableObject
+    void serialize(IOutPersistenceStorage* storage) const override { serialize_table(storage, data_); }
+    void deserialize(IInPersistenceStorage* storage) override { deserialize_table(storage, data_); }
+
+  private:
+    [[nodiscard]] RowId rowAt(std::size_t position) const {
+        if (position >= data_.rows().size())
+            throw_bad_index();
+        return data_.rows().at(position);
+    }
+    [[nodiscard]] std::size_t columnAt(std::int32_t id) const {
+        const auto column = data_.findColumn(ColumnId{id});
+        if (!column)
+            throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {string_intto(id)});
+        return *column;
+    }
+    [[nodiscard]] std::vector<RowId> rowsArgument(const Value& argument, int param) const;
+    [[nodiscard]] GenericValue copy(std::span<const std::size_t> columns, RowRange rows) const;
+
+    // properties and methods
+    GenericValue getColumns() const {
+        return Value(const_cast<SubObject<ValueTableColumnCollection>*>(&columns_));
+    }
+    GenericValue getIndexes() const { return Value(const_cast<SubObject<VTIndexCollection>*>(&indexes_)); }
+    GenericValue callCopy(std::span<GenericValue> arguments);
+    GenericValue callCopyColumns(std::span<GenericValue> arguments);
+    GenericValue callGroupBy(std::span<GenericValue> arguments);
+    GenericValue callFillValues(std::span<GenericValue> arguments);
+    GenericValue callChooseRow(std::span<GenericValue> arguments);
+
+    TableData data_;
+    SubObject<ValueTableColumnCollection> columns_;
+    SubObject<VTIndexCollection> indexes_;
+};
+
+IValueTableBaseRO::Column ValueTable::column(std::size_t position) const {
+    if (position >= data_.columnCount())
+        throw_bad_index();
+    const TableColumn& column = data_.column(position);
+    return {.id = column.id,
+            .name = column.info.name,
+            .title = column.info.shownTitle(),
+            .width = column.info.width,
+            .domain = column.info.domain};
+}
+
+std::int32_t ValueTable::findColumn(wstring_view name) const {
+    const auto position = data_.findColumn(name);
+    return position ? data_.column(*position).id : -1;
+}
+
+std::vector<std::size_t> ValueTable::IValueTableBaseRO_findRows(std::span<const VTFindParam> filter) const {
+    std::vector<RowCondition> conditions;
+    for (const VTFindParam& param : filter)
+        conditions.push_back({&data_.column(columnAt(param.column)), &param.value});
+    std::vector<std::size_t> positions;
+    for (const RowId row : matching_rows(data_, kNoRow, false, conditions))
+        positions.push_back(data_.rows().positionOf(row));
+    return positions;
+}
+
+std::int32_t ValueTable::addColumn(wstring_view name, TypeDomain domain, wstring_view title,
+                                   std::int32_t width) {
+    if (width < 0)
+        parameter_value_mismatch(3);
+    ColumnInfo info{
+        .name = wstring(name), .domain = std::move(domain), .title = wstring(title), .width = width};
+    return data_.insertColumn(data_.columnCount(), std::move(info)).id;
+}
+
+void ValueTable::appendRow(std::span<const Value> cells) {
+    if (cells.size() > data_.columnCount())
+        throw_bad_index();
+    data_.insertRow(kNoRow, data_.rows().size(), cells);
+}
+
+/// Which rows to copy: all, those of an array, or those that match a filter.
+std::vector<RowId> ValueTable::rowsArgument(const Value& argument, int param) const {
+    if (argument.query<IValueStructure>())
+        return matching_rows(data_, kNoRow, false, filter_argument(data_, argument, param));
+    if (argument.isUndefined())
+        return matching_rows(data_, kNoRow, false, {});
+    std::vector<RowId> rows;
+    for (const Value& row : array_argument(argument, param))
+        rows.push_back(row_object_argument(data_, row, param));
+    return rows;
+}
+
+/// A new table with some columns of this one and the cells of some rows.
+GenericValue ValueTable::copy(std::span<const std::size_t> columns, RowRange rows) const {
+    std::vector<std::unique_ptr<TableColumn>> copies;
+    for (const std::size_t position : columns) {
+        const TableColumn& column = data_.column(position);
+        const auto id = static_cast<ColumnId>(copies.size());
+        copies.push_back(std::make_unique<TableColumn>(id, column.info));
+        copies.back()->cells = column.cells.copy(rows);
+    }
+    auto table = make_object<ValueTable>();
+    table->data_.assign(std::move(copies), rows.size());
+    return table;
+}
+
+GenericValue ValueTable::callCopy(std::span<GenericValue> arguments) {
+    const std::vector<RowId> rows = rowsArgument(arguments[0], 0);
+    return copy(optional_columns_argument(data_, arguments[1], 1), RowRange(rows));
+}
+
+GenericValue ValueTable::callCopyColumns(std::span<GenericValue> arguments) {
+    return copy(optional_columns_argument(data_, arguments[0], 0), RowRange(0));
+}
+
+GenericValue ValueTable::callGroupBy(std::span<GenericValue> arguments) {
+    ColumnList columns = column_list_argument(data_, arguments[0], 0, BlankList::noColumn);
+    ColumnList totals;
+    if (!arguments[1].isUndefined())
+        totals = column_list_argument(data_, arguments[1], 1, BlankList::noColumn);
+    for (const std::size_t column : totals) {
+        if (std::find(columns.begin(), columns.end(), column) != columns.end())
+            throw_error<ContextException>("IDS_VT_GROUPBY_INTERSECT_ERROR", {data_.column(column).info.name});
+    }
+
+    const RowList list(data_, kNoRow, false);
+    std::vector<const CellColumn*> keys;
+    for (const std::size_t column : columns)
+        keys.push_back(&data_.column(column).cells);
+    const RowGroups groups = group_rows(list.range(), keys);
+    std::vector<CellColumn> cells;
+    for (const CellColumn* const key : keys)
+        cells.push_back(key->copy(RowRange(groups.firstRows)));
+    for (const std::size_t column : totals) {
+        const TableColumn& summed = data_.column(column);
+        std::vector<Value> sums = group_totals(list.range(), groups, summed.cells);
+        CellColumn& sumCells = cells.emplace_back();
+        sumCells.grow(sums.size());
+        for (std::size_t i = 0; i < sums.size(); ++i) {
+            Value sum = summed.info.domain.adjust(std::move(sums[i]));
+            sumCells.exchange(static_cast<RowId>(i), sum);
+        }
+    }
+    columns.insert(columns.end(), totals.begin(), totals.end());
+    data_.regroup(columns, cells, groups.firstRows.size());
+    return {};
+}
+
+GenericValue ValueTable::callFillValues(std::span<GenericValue> arguments) {
+    data_.fill(optional_columns_argument(data_, arguments[1], 1), arguments[0]);
+    return {};
+}
+
+GenericValue ValueTable::callChooseRow(std::span<GenericValue> arguments) {
+    const wstring title = optional_text_argument(arguments[0], 0);
+    if (!arguments[1].isUndefined())
+        static_cast<void>(row_object_argument(data_, arguments[1], 1));
+    IChooser* const chooser = get_service<IChooser>();
+    return chooser != nullptr ? chooser->chooseRow(Value(this), title, arguments[1]) : GenericValue();
+}
+
+InterfacePtr<IValueTable> create_value_table() {
+    return make_object<ValueTable>();
+}
+
+namespace {
+
+GenericValue construct(std::span<GenericValue>) {
+    return make_object<ValueTable>();
+}
+
+constexpr TypeInfo kInfo = {
+    .id = kValueTableType,
+    .valueClass = kValueTableClass,
+    .names = kValueTableTerm,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLE",
+    .construct = &construct,
+    .arguments = {0, 0},
+};
+
+const SCOM_Class<ValueTable, &kValueTableClass> kEntry("ValueTable");
+const TypeEntry<kInfo> kTypeEntry("ValueTable_Type");
+
+constexpr Param kTwoOptional[] = {detail::kOptional, detail::kOptional};
+constexpr Param kOneOptional[] = {detail::kOptional};
+constexpr Param kAndOptional[] = {{}, detail::kOptional};
+
+} // namespace
+
+std::span<const Property<ValueTable>> ValueTable::properties() noexcept {
+    static constexpr Property<ValueTable> kProperties[] = {
+        {kColumnCollectionTerm, &ValueTable::getColumns, nullptr, &kValueTableColumnCollectionType},
+        {kIndexCollectionTerm, &ValueTable::getIndexes, nullptr, &kVTIndexCollectionType},
+    };
+    return kProperties;
+}
+
+std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
+    static constexpr auto kMethods = detail::joined(
+        rowMethods(),
+        std::to_array<Method<ValueTable>>({
+            {kCopyMethodTerm, kTwoOptional, kFunction, &ValueTable::callCopy, &kValueTableType},
+            {kCopyColumnsMethodTerm, kOneOptional, kFunction, &ValueTable::callCopyColumns, &kValueTableType},
+            {kGroupByMethodTerm, kAndOptional, kProcedure, &ValueTable::callGroupBy},
+            {kFillValuesMethodTerm, kAndOptional, kProcedure, &ValueTable::callFillValues},
+            {kSelectRowMethodTerm, kTwoOptional, kFunction, &ValueTable::callChooseRow},
+        }));
+    return kMethods;
+}
+
+IType* ValueTable::getType() const noexcept {
+    return TypeEntry<kInfo>::instance();
+}
+
+} // namespace core

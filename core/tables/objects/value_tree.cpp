@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/objects/column_objects.h"
+#include "core/tables/objects/row_collection.h"
+#include "core/tables/objects/sub_object.h"
+#include "core/tables/objects/table_format.h"
+#include "core/tables/objects/tree_objects.h"
+
+#include <core/tables/value_tree.h>
+
+namespace core {
+
+/// The rows of a tree below one row, or the topmost ones, as a part of the row or of the tree.
+class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection, &kValueTreeRowType> {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection>;
+    static constexpr bool kHierarchical = true;
+
+    /// `parent` is null for the topmost rows.
+    ValueTreeRowCollection(TableData& data, const RowHandle* parent) noexcept
+        : data_(data), parent_(parent) {}
+
+    static std::span<const Method<ValueTreeRowCollection>> methods() noexcept;
+    IType* getType() const noexcept override;
+
+    [[nodiscard]] TableData& data() noexcept { return data_; }
+    [[nodiscard]] RowId parent() const { return parent_ != nullptr ? parent_->row() : kNoRow; }
+
+  private:
+    TableData& data_;
+    const RowHandle* parent_;
+};
+
+class ValueTreeRow : public RowObject<ValueTreeRow> {
+  public:
+    using Interfaces =
+        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection, IRowObject>;
+
+    ValueTreeRow(TableData& data, RowId row)
+        : RowObject(data, row), rows_(*static_cast<IValue*>(this), data, &handle_) {}
+
+    static std::span<const Property<ValueTreeRow>> properties() noexcept;
+    static std::span<const Method<ValueTreeRow>> methods() noexcept;
+    IType* getType() const noexcept override;
+
+  private:
+    GenericValue getRows() const {
+        static_cast<void>(row()); // of a row that is there
+        return Value(const_cast<SubObject<ValueTreeRowCollection>*>(&rows_));
+    }
+    GenericValue getParent() const {
+        TableData& data = handle_.data();
+        const RowId parent = data.parentOf(row());
+        return parent != kNoRow ? row_value(data, parent) : GenericValue();
+    }
+
+    SubObject<ValueTreeRowCollection> rows_;
+};
+
+class ValueTree : public TableObject<ValueTree>, public IPersistableObjectImpl<ValueTree, &kValueTreeClass> {
+  public:
+    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IPersistableObject>;
+
+    ValueTree()
+        : data_(*this, true), columns_(*static_cast<IValue*>(this), data_),
+          rows_(*static_cast<IValue*>(this), data_, nullptr) {}
+
+    static std::span<const Property<ValueTree>> properties() noexcept;
+    IType* getType() const noexcept override;
+
+    void serialize(IOutPersistenceStorage* storage) const override { serialize_table(storage, data_); }
+    void deserialize(IInPersistenceStorage* storage) override { deserialize_table(storage, data_); }
+
+  private:
+    GenericValue getColumns() const {
+        return Value(const_cast<SubObject<ValueTableColumnCollection>*>(&columns_));
+    }
+    GenericValue getRows() const { return Value(const_cast<SubObject<ValueTreeRowCollection>*>(&rows_)); }
+
+    TableData data_;
+    SubObject<ValueTableColumnCollection> columns_;
+    SubObject<ValueTreeRowCollection> rows_;
+};
+
+GenericValue make_tree_row(TableData& data, RowId row) {
+    return make_object<ValueTreeRow>(data, row);
+}
+
+GenericValue create_value_tree() {
+    return make_object<ValueTree>();
+}
+
+namespace {
+
+GenericValue construct(std::span<GenericValue>) {
+    return create_value_tree();
+}
+
+constexpr TypeInfo kTreeInfo = {
+    .id = kValueTreeType,
+    .valueClass = kValueTreeClass,
+    .names = kValueTreeTerm,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUETREE",
+    .construct = &construct,
+    .arguments = {0, 0},
+};
+const SCOM_Class<ValueTree, &kValueTreeClass> kTreeEntry("ValueTree");
+const TypeEntry<kTreeInfo> kTreeTypeEntry("ValueTree_Type");
+
+constexpr TypeInfo kRowInfo = {
+    .id = kValueTreeRowType,
+    .valueClass = "d69a98fb-da31-45b6-baa5-600a0c9b3f6a"_guid,
+    .names = kValueTreeRowTerm,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUETREEROW",
+};
+const TypeEntry<kRowInfo> kRowTypeEntry("ValueTreeRow_Type");
+
+constexpr TypeInfo kCollectionInfo = {
+    .id = "73aa5a29-af0c-4f13-9315-5f3d91cefcae"_guid,
+    .valueClass = "f41c9bd7-54c9-4d7a-b44b-5fc5e47373ff"_guid,
+    .names = kValueTreeRowCollectionTerm,
+    .presentation = "IDS_TYPE_PRESENTATION_VALUETREEROWS",
+};
+const TypeEntry<kCollectionInfo> kCollectionTypeEntry("ValueTreeRowCollection_Type");
+
+} // namespace
+
+std::span<const Method<ValueTreeRowCollection>> ValueTreeRowCollection::methods() noexcept {
+    static constexpr auto kMethods = rowMethods();
+    return kMethods;
+}
+
+IType* ValueTreeRowCollection::getType() const noexcept {
+    return TypeEntry<kCollectionInfo>::instance();
+}
+
+std::span<const Property<ValueTreeRow>> ValueTreeRow::properties() noexcept {
+    static constexpr Property<ValueTreeRow> kProperties[] = {
+        {kRowCollectionTerm, &ValueTreeRow::getRows, nullptr, &kCollectionInfo.id},
+        {kParentPropTerm, &ValueTreeRow::getParent},
+    };
+    return kProperties;
+}
+
+std::span<const Method<ValueTreeRow>> ValueTreeRow::methods() noexcept {
+    static constexpr Method<ValueTreeRow> kMethods[] = {
+        {kCollectTermGet, required(1), kFunction, &ValueTreeRow::callGet},
+        {kCollectTermSet, required(2), kProcedure, &ValueTreeRow::callSet},
+        {kOwnerMethodTerm, required(0), kFunction, &ValueTreeRow::callOwner, &kValueTreeType},
+    };
+    return kMethods;
+}
+
+IType* ValueTreeRow::getType() const noexcept {
+    return TypeEntry<kRowInfo>::instance();
+}
+
+std::span<const Property<ValueTree>> ValueTree::properties() noexcept {
+    static constexpr Property<ValueTree> kProperties[] = {
+        {kColumnCollectionTerm, &ValueTree::getColumns, nullptr, &kValueTableColumnCollectionType},
+        {kRowCollectionTerm, &ValueTree::getRows, nullptr, &kCollectionInfo.id},
+    };
+    return kProperties;
+}
+
+IType* ValueTree::getType() const noexcept {
+    return TypeEntry<kTreeInfo>::instance();
+}
+
+} // namespace core

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/query/row_search.h"
+
+#include <algorithm>
+
+namespace core {
+namespace {
+
+const RowCondition* condition_for(std::span<const RowCondition> filter, const TableColumn* column) noexcept {
+    const auto found = std::find_if(filter.begin(), filter.end(), [=](const RowCondition& condition) {
+        return condition.column == column;
+    });
+    return found != filter.end() ? &*found : nullptr;
+}
+
+/// The index with most columns among those that the filter names all columns of, or null.
+TableIndex* index_for(const TableData& data, std::span<const RowCondition> filter) noexcept {
+    TableIndex* best = nullptr;
+    for (const auto& index : data.indexes()) {
+        const auto columns = index->columns();
+        const bool named = std::all_of(columns.begin(), columns.end(), [&](const TableColumn* column) {
+            return condition_for(filter, column) != nullptr;
+        });
+        if (named && (best == nullptr || best->columns().size() < columns.size()))
+            best = index.get();
+    }
+    return best;
+}
+
+/// Calls `work` with a test of single rows for the value.
+template <class Work>
+void with_test(const CellColumn& cells, const Value& value, Work work) {
+    const CellProbe probe = cells.probe(value);
+    if (!probe.possible)
+        return;
+    cells.visit([&]<class Cell>(std::span<const Cell> all) {
+        if constexpr (std::is_same_v<Cell, Value>)
+            work([=](RowId row) { return all[row].equals(*probe.value); });
+        else
+            work([all, word = static_cast<Cell>(probe.word)](RowId row) { return all[row] == word; });
+    });
+}
+
+std::vector<RowId> matching_in(RowRange rows, const RowCondition& condition) {
+    std::vector<RowId> matches;
+    with_test(condition.column->cells, *condition.value, [&](auto test) {
+        rows.forEach([&](RowId row) {
+            if (test(row))
+                matches.push_back(row);
+        });
+    });
+    return matches;
+}
+
+/// Puts rows of an order into that order, in which they often are.
+void put_in_order(std::vector<RowId>& rows, const RowOrder& order) {
+    std::vector<std::pair<std::size_t, RowId>> places;
+    places.reserve(rows.size());
+    for (const RowId row : rows)
+        places.emplace_back(order.positionOf(row), row);
+    if (std::is_sorted(places.begin(), places.end()))
+        return;
+    std::sort(places.begin(), places.end());
+    std::transform(places.begin(), places.end(), rows.begin(),
+                   [](const auto& place) { return place.second; });
+}
+
+std::vector<RowId> indexed_rows(const TableData& data, TableIndex& index,
+                                std::span<const RowCondition> filter) {
+    index.refresh(RowList(data, kNoRow, false).range());
+    std::vector<CellProbe> probes;
+    for (const TableColumn* const column : index.columns())
+        probes.push_back(column->cells.probe(*condition_for(filter, column)->value));
+    std::vector<RowId> rows;
+    index.find(probes, rows);
+    put_in_order(rows, data.rows());
+    return rows;
+}
+
+} // namespace
+
+RowList::RowList(const TableData& data, RowId parent, bool subordinates)
+    : count_(data.rowsOf(parent).size()), plain_(data.rowsOf(parent).isPlain()) {
+    if (plain_)
+        return;
+    rows_ = data.rowsOf(parent).rows();
+    if (subordinates)
+        rows_ = data.withSubordinates(rows_);
+}
+
+std::vector<RowId> matching_rows(const TableData& data, RowId parent, bool subordinates,
+                                 std::span<const RowCondition> filter) {
+    if (TableIndex* const index = index_for(data, filter)) {
+        std::vector<RowId> rows = indexed_rows(data, *index, filter);
+        for (const RowCondition& condition : filter) {
+            const bool answered =
+                index->covers(*condition.column) && condition_for(filter, condition.column) == &condition;
+            if (!answered)
+                rows = matching_in(RowRange(rows), condition);
+        }
+        return rows;
+    }
+    const RowList all(data, parent, subordinates);
+    if (filter.empty()) {
+        std::vector<RowId> rows;
+        rows.reserve(all.range().size());
+        all.range().forEach([&](RowId row) { rows.push_back(row); });
+        return rows;
+    }
+    std::vector<RowId> rows = matching_in(all.range(), filter.front());
+    for (const RowCondition& condition : filter.subspan(1))
+        rows = matching_in(RowRange(rows), condition);
+    return rows;
+}
+
+RowId first_row_with(RowRange rows, std::span<const TableColumn* const> columns, const Value& value) {
+    RowId found = kNoRow;
+    std::size_t end = rows.size();
+    for (const TableColumn* const column : columns) {
+        with_test(column->cells, value, [&](auto test) {
+            for (std::size_t i = 0; i < end; ++i) {
+                if (test(rows[i])) {
+                    found = rows[i];
+                    end = i;
+                }
+            }
+        });
+    }
+    return found;
+}
+
+} // namespace core

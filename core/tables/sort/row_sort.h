@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/data/cell_column.h"
+
+#include <core/tables/compare_values.h>
+
+namespace core {
+
+struct SortColumn {
+    const CellColumn* cells;
+    bool descending = false;
+};
+
+/// The rows in the order of their cells: by the first column, ties by the second, and so on.
+/// Equal rows come in any order.
+[[nodiscard]] std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns);
+/// The same with the cells compared by an object.
+[[nodiscard]] std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns,
+                                             ICompareValues& comparison);
+
+} // namespace core

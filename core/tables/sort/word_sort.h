@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/sort/introsort.h"
+
+#include <cstdint>
+#include <functional>
+#include <numeric>
+#include <vector>
+
+namespace core {
+
+/// Indexes in an order, and which of them differ from the one before.
+struct SortedIndexes {
+    std::vector<std::uint32_t> order;
+    std::vector<bool> leads;
+};
+
+namespace detail {
+
+/// As much of a word as fits beside the item's place into one, so that what a sort moves and compares is
+/// small: the upper bits of its distance from the lowest word.
+class WordPacking {
+  public:
+    WordPacking(std::size_t count, std::uint64_t lowest, std::uint64_t highest) noexcept
+        : placeBits_(static_cast<unsigned>(std::bit_width(count - 1))), lowest_(lowest) {
+        const auto bits = static_cast<unsigned>(std::bit_width(highest - lowest)) + placeBits_;
+        dropped_ = bits > 64 ? bits - 64 : 0;
+    }
+    [[nodiscard]] std::uint64_t pack(std::uint64_t word, std::size_t place) const noexcept {
+        return (word - lowest_) >> dropped_ << placeBits_ | place;
+    }
+    [[nodiscard]] std::size_t place(std::uint64_t packed) const noexcept {
+        return static_cast<std::size_t>(packed & ((std::uint64_t{1} << placeBits_) - 1));
+    }
+    [[nodiscard]] bool same(std::uint64_t a, std::uint64_t b) const noexcept {
+        return (a ^ b) >> placeBits_ == 0;
+    }
+
+  private:
+    unsigned placeBits_;
+    unsigned dropped_;
+    std::uint64_t lowest_;
+};
+
+/// Sorts indexes whose words are all equal.
+template <class Compare>
+void sort_by_comparing(std::span<std::uint32_t> order, std::size_t begin, SortedIndexes& sorted,
+                       Compare& compare) {
+    if (std::all_of(order.begin(), order.end(), [&](auto i) { return compare(order.front(), i) == 0; }))
+        return;
+    introsort(order, [&](std::uint32_t a, std::uint32_t b) {
+        const int less = compare(a, b);
+        return less != 0 ? less < 0 : a < b;
+    });
+    for (std::size_t i = 1; i < order.size(); ++i)
+        sorted.leads[begin + i] = compare(order[i - 1], order[i]) != 0;
+}
+
+} // namespace detail
+
+/// Sorts the indexes of `words` by sequences of words, of which these are the first ones. Where words are
+/// equal, `deepen(indexes, depth)` puts those of that depth in their place and answers true, or false when
+/// there are no more; then `compare(a, b)` decides. What belongs to a long sequence is thus looked at only
+/// where it decides.
+template <class Deepen, class Compare>
+[[nodiscard]] SortedIndexes sort_by_words(std::span<std::uint64_t> words, Deepen deepen, Compare compare) {
+    struct Run {
+        std::uint32_t begin;
+        std::uint32_t end;
+        unsigned depth;
+    };
+    const auto count = static_cast<std::uint32_t>(words.size());
+    SortedIndexes sorted{std::vector<std::uint32_t>(count), std::vector<bool>(count)};
+    std::iota(sorted.order.begin(), sorted.order.end(), 0U);
+    std::vector<std::uint64_t> packed(count);
+    std::vector<std::uint32_t> before(count);
+    std::vector<Run> ahead = {{0, count, 0}};
+    while (!ahead.empty()) {
+        const Run run = ahead.back();
+        ahead.pop_back();
+        if (run.begin == run.end)
+            continue;
+        sorted.leads[run.begin] = true;
+        const auto order = std::span(sorted.order).subspan(run.begin, run.end - run.begin);
+        std::uint64_t lowest = words[order.front()];
+        std::uint64_t highest = lowest;
+        for (const std::uint32_t i : order) {
+            lowest = std::min(lowest, words[i]);
+            highest = std::max(highest, words[i]);
+        }
+        if (lowest == highest) {
+            if (order.size() == 1)
+                continue;
+            if (deepen(order, run.depth + 1))
+                ahead.push_back({run.begin, run.end, run.depth + 1});
+            else
+                detail::sort_by_comparing(order, run.begin, sorted, compare);
+            continue;
+        }
+        const detail::WordPacking packing(order.size(), lowest, highest);
+        for (std::size_t i = 0; i < order.size(); ++i)
+            packed[i] = packing.pack(words[order[i]], i);
+        const auto items = std::span(packed).first(order.size());
+        introsort(items, std::less<>());
+        std::copy(order.begin(), order.end(), before.begin());
+        for (std::size_t i = 0; i < order.size(); ++i)
+            order[i] = before[packing.place(items[i])];
+        for (std::uint32_t first = 0; first < items.size();) {
+            std::uint32_t end = first + 1;
+            while (end < items.size() && packing.same(items[first], items[end]))
+                ++end;
+            if (end - first > 1)
+                ahead.push_back({run.begin + first, run.begin + end, run.depth});
+            sorted.leads[run.begin + first] = true;
+            first = end;
+        }
+    }
+    return sorted;
+}
+
+} // namespace core
