@@ -1,11 +1,13 @@
 # SPDX-License-Identifier: Apache-2.0
 """What the checks share: the files of the project, and running a program."""
+import os
 import subprocess
 
 
-def run(*command):
-    """The exit code and the output of a program, both streams in one."""
-    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace")
+def run(*command, given=None):
+    """The exit code and the output of a program, both streams in one; `given` is its input."""
+    done = subprocess.run(command, input=given, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                          errors="replace")
     return done.returncode, done.stdout
 
 
@@ -21,6 +23,11 @@ def files(*endings):
             except OSError:
                 pass  # deleted, not yet committed
     return kept
+
+
+def relative(line):
+    """A line of a program's output with the paths of the project's files counted from its top."""
+    return line.replace(os.getcwd() + "/", "")
 
 
 def text(name):
