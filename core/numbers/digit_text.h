@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/numbers/limbs.h"
+#include "core/numbers/long/limbs.h"
 
 #include <array>
 #include <bit>

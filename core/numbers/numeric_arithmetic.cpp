@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/numbers/long/reciprocal.h"
 #include "core/numbers/numeric_store.h"
-#include "core/numbers/reciprocal.h"
 
 #include <core/numbers/numeric.h>
 #include <core/runtime/exceptions.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/numbers/limbs.h"
+#include "core/numbers/long/limbs.h"
 
 #include <core/numbers/numeric.h>
 #include <core/runtime/exceptions.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Long operands: every algorithm of multiplication and division, at the sizes where one takes over from
 // another and where the transform changes its shape, must give the digits of the plain rules.
-#include "core/numbers/divide.h"
-#include "core/numbers/multiply.h"
+#include "core/numbers/long/divide.h"
+#include "core/numbers/long/multiply.h"
 #include "tests/numbers/model.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Division by multiplication with a reciprocal: its last corrections are so rare that only operands made for
 // them reach them.
-#include "core/numbers/reciprocal.h"
+#include "core/numbers/long/reciprocal.h"
 #include "tests/numbers/model.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/numbers/multiply.h"
+#include "core/numbers/long/multiply.h"
 
-#include "core/numbers/scratch.h"
-#include "core/numbers/transform.h"
+#include "core/numbers/long/scratch.h"
+#include "core/numbers/long/transform.h"
 
 #include <algorithm>
 #include <cassert>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Long division at the price of a few long multiplications. W stands for the word base 10^18.
-#include "core/numbers/newton.h"
+#include "core/numbers/long/newton.h"
 
-#include "core/numbers/divide.h"
-#include "core/numbers/multiply.h"
+#include "core/numbers/long/divide.h"
+#include "core/numbers/long/multiply.h"
 
 #include <algorithm>
 #include <cassert>

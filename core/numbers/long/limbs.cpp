@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/numbers/limbs.h"
+#include "core/numbers/long/limbs.h"
 
-#include "core/numbers/lanes.h"
+#include "core/numbers/long/pairs.h"
 
 namespace core::limbs {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/numbers/words.h"
+#include "core/numbers/long/words.h"
 
 /// Arithmetic modulo the primes of the transform.
 namespace core::limbs {

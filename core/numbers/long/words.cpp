@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/numbers/words.h"
+#include "core/numbers/long/words.h"
 
 #include <algorithm>
 #include <cassert>

@@ -2,9 +2,9 @@
 // The product of two long numbers as a cyclic convolution of their words: modulo three primes by
 // number-theoretic transforms, then by the Chinese remainder theorem. A sum of at most 2^29 products of two
 // words is below 2^149, the product of the primes above 2^182.
-#include "core/numbers/transform.h"
+#include "core/numbers/long/transform.h"
 
-#include "core/numbers/field.h"
+#include "core/numbers/long/field.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/numbers/divide.h"
+#include "core/numbers/long/divide.h"
 
-#include "core/numbers/newton.h"
-#include "core/numbers/reciprocal.h"
-#include "core/numbers/scratch.h"
+#include "core/numbers/long/newton.h"
+#include "core/numbers/long/reciprocal.h"
+#include "core/numbers/long/scratch.h"
 
 #include <algorithm>
 #include <cassert>
