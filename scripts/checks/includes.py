@@ -24,6 +24,8 @@ BELOW = {
     "storage": ["files"],
     "host": ["tables", "storage"],
 }
+# Still to be moved: declared edges that no file uses, and pairs of folders that include each other. The list only shrinks.
+OPEN = {("collections", "objects"), ("host/commands", "host/script"), ("host", "host/script"), ("host", "host/commands")}
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
@@ -42,31 +44,71 @@ def layer_of(path):
     return parts[1] if parts[0] == "core" and len(parts) > 2 else None
 
 
+def folder_of(path):
+    """The folder of a file or an include, without what tells public from private: "tables/data"."""
+    folder = path.removeprefix("include/").removeprefix("core/").rpartition("/")[0]
+    return folder if folder != "core" else ""
+
+
+def upwards(name, layer, found):
+    """Yields what a file includes of ours, as (line, path), and adds to `found` what it should not include."""
+    public = name.startswith("include/")
+    for number, line in enumerate(tree.text(name).splitlines(), 1):
+        match = INCLUDE.match(line)
+        if not match:
+            continue
+        quote, path = match.groups()
+        place = f"{name}:{number}: {path}"
+        ours = path.startswith(("core/", "host/"))
+        if public and not ours and ("/" in path or path.endswith(".h")):
+            found.append(f"{place} is no standard header, and this header is public")
+        if public and (quote == '"' or path.startswith("host/")):
+            found.append(f"{place} is private, and this header is public")
+        if ours and layer is not None:
+            target = layer_of(path)
+            if target is None:
+                found.append(f"{place} is an umbrella for users; include the piece that is needed")
+            elif target not in reach(layer):
+                found.append(f"{place} lies above the layer {layer}")
+            yield number, path
+
+
+def circles(edges):
+    """For each circle of folders one line that walks it. `edges` leads from a folder to those it includes, each with the
+    place of one such include."""
+    found, settled = [], set()
+
+    def walk(folder, path):
+        if folder in path:
+            circle = path[path.index(folder):] + [folder]
+            if tuple(sorted(circle[:2])) not in OPEN and tuple(sorted(circle[-2:])) not in OPEN:
+                found.append("a circle: " + "; ".join(
+                    f"{a} includes {b} ({edges[a][b]})" for a, b in zip(circle, circle[1:])))
+        elif folder not in settled:
+            for below in sorted(edges.get(folder, ())):
+                walk(below, path + [folder])
+            settled.add(folder)
+
+    for folder in sorted(edges):
+        walk(folder, [])
+    return found
+
+
 def findings():
-    found = []
+    found, used, edges = [], set(), {}
     for name in tree.sources():
         if not name.startswith(("include/", "core/", "host/")):
             continue
-        public = name.startswith("include/")
         layer = layer_of(name)
         if layer is not None and layer not in BELOW:
             found.append(f"{name}: no layer is called {layer}; scripts/checks/includes.py lists them")
             continue
-        for number, line in enumerate(tree.text(name).splitlines(), 1):
-            match = INCLUDE.match(line)
-            if not match:
-                continue
-            quote, path = match.groups()
-            place = f"{name}:{number}: {path}"
-            ours = path.startswith(("core/", "host/"))
-            if public and not ours and ("/" in path or path.endswith(".h")):
-                found.append(f"{place} is no standard header, and this header is public")
-            if public and (quote == '"' or path.startswith("host/")):
-                found.append(f"{place} is private, and this header is public")
-            if ours and layer is not None:
-                target = layer_of(path)
-                if target is None:
-                    found.append(f"{place} is an umbrella for users; include the piece that is needed")
-                elif target not in reach(layer):
-                    found.append(f"{place} lies above the layer {layer}")
-    return found
+        for number, path in upwards(name, layer, found):
+            used.add((layer, layer_of(path)))
+            here, there = folder_of(name), folder_of(path)
+            if here != there:
+                edges.setdefault(here, {}).setdefault(there, f"{name}:{number}")
+    for layer, below in BELOW.items():
+        found += [f"scripts/checks/includes.py: {layer} stands on {other}, which none of its files includes"
+                  for other in below if (layer, other) not in used and (layer, other) not in OPEN]
+    return found + circles(edges)
