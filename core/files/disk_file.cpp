@@ -25,6 +25,9 @@ constexpr int kSetLock = F_OFD_SETLK;
 constexpr int kSetLock = F_SETLK;
 #endif
 
+// Offsets are cast to the system's type after a check against kMaxFileLength: it must hold all of them.
+static_assert(sizeof(::off_t) == sizeof(std::int64_t), "build with _FILE_OFFSET_BITS=64");
+
 // No system reads or writes more in one call.
 constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
 

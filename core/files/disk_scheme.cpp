@@ -26,6 +26,9 @@ namespace fs = std::filesystem;
 
 const wstring kScheme = u"file";
 
+// Without it the system refuses to describe a large file.
+static_assert(sizeof(::off_t) == sizeof(std::int64_t), "build with _FILE_OFFSET_BITS=64");
+
 bool is_same_file(const std::string& a, const std::string& b) {
     std::error_code error;
     return fs::equivalent(a, b, error);

@@ -54,6 +54,8 @@ std::vector<std::byte> read_whole(IFile& file) {
         const std::uint64_t rest = length > done ? length - done : 0;
         const std::uint64_t step =
             std::min<std::uint64_t>(rest, std::max<std::uint64_t>(done, std::uint64_t{16} << 20)) + 1;
+        if (step > bytes.max_size() - done)
+            throw_file_error("IDS_FILE_READ", file.url(), EFBIG);
         bytes.resize(done + static_cast<std::size_t>(step));
         const std::size_t part = read_all_at(file, done, std::span(bytes).subspan(done));
         done += part;

@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <mutex>
-#include <stdexcept>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -100,12 +100,12 @@ class MemoryFile : public FileImpl, public ISharedFile {
     }
 
     void resize(std::uint64_t length) {
+        if (length > data_->bytes.max_size()) // also keeps the cast below from cutting it on a 32-bit host
+            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
         try {
             data_->bytes.resize(static_cast<std::size_t>(length));
         } catch (const std::bad_alloc&) {
             throw_file_error("IDS_FILE_WRITE", url(), ENOSPC);
-        } catch (const std::length_error&) {
-            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
         }
     }
 

@@ -134,6 +134,41 @@ TEST_P(EveryFile, BehavesAsAStringOfBytesDoes) {
     EXPECT_EQ(file.first->seek(0, SeekOrigin::current), position) << "a failed seek moves nothing";
 }
 
+TEST_P(EveryFile, PositionsAreNeverCut) {
+    const std::string_view kind = GetParam();
+    if (kind == "fault")
+        return;
+    const Opened file = open();
+    write_all(*file.first, bytes_of("01234567"));
+    // Either the bytes stand where they were put, or the file refuses and stays as it was.
+    std::vector<std::uint64_t> refused{kMaxFileLength + 1, ~std::uint64_t{0}};
+    if (kind == "memory")
+        refused.push_back(kMaxFileLength - 1);
+    if (kind == "memory" && sizeof(std::size_t) < sizeof(std::uint64_t))
+        refused.push_back((std::uint64_t{1} << 32) + 4);
+    char byte = 'x';
+    for (const std::uint64_t position : refused) {
+        const int reason = reason_of([&] { file.first->writeAt(position, &byte, 1); });
+        EXPECT_TRUE(reason == EFBIG || reason == ENOSPC) << position;
+        EXPECT_NE(reason_of([&] { file.first->truncate(position); }), 0) << position;
+        EXPECT_EQ(file.first->readAt(position, &byte, 1), 0U) << position;
+        EXPECT_EQ(text_of(*file.second), "01234567");
+    }
+    if (kind == "disk") { // where a file may be full of holes
+        for (const std::uint64_t position : {std::uint64_t{1} << 31, (std::uint64_t{1} << 32) + 4}) {
+            EXPECT_EQ(file.first->writeAt(position, "y", 1), 1U);
+            EXPECT_EQ(file.second->length(), position + 1);
+            EXPECT_EQ(file.second->readAt(position, &byte, 1), 1U);
+            EXPECT_EQ(byte, 'y');
+            EXPECT_EQ(create_file_system()->findFile(file.first->url()).at(0).length, position + 1);
+        }
+        file.first->truncate((std::uint64_t{1} << 32) + 8);
+        EXPECT_EQ(file.first->seek(-1, SeekOrigin::end), (std::uint64_t{1} << 32) + 7);
+        file.first->truncate(8);
+    }
+    EXPECT_EQ(text_of(*file.second), "01234567");
+}
+
 TEST_P(EveryFile, LocksRegionsAgainstOtherOpenings) {
     const Opened file = open();
     const InterfacePtr<ISharedFile> a(file.first);
