@@ -166,12 +166,21 @@ class _Finder:
             return  # a function without a body
         digits = match.group(1).replace("'", "")
         value = int(digits, 16) if digits[:2] in ("0x", "0X") else int(digits, 10)
+        if value >= 16 and value & (value - 1) == 0 and before == "=" and after == ";" and self._is_constant(index):
+            return  # the size of a buffer, or where a quicker way begins to pay
         room = before == "[" and after == "]" and self.tokens[index - 3].kind == "word" \
             and self.tokens[index - 2].kind == "word"
         if not room:  # an array that is larger than it need be shows nowhere
             yield self._replace(index, index, f"{value + 1}{match.group(2)}")
         if value > 0:
             yield self._replace(index, index, f"{value - 1}{match.group(2)}")
+
+    def _is_constant(self, index):
+        while index > 0 and self.tokens[index].text not in (";", "{", "}"):
+            if self.tokens[index].text == "constexpr":
+                return True
+            index -= 1
+        return False
 
     # Conditions and statements.
 
