@@ -6,8 +6,8 @@ import tempfile
 
 from checks import tree
 
-# The rooms whose headers are documented throughout. The gate looks at these; "scripts/lint docs [ROOM...]" looks at
-# those that are named, or at all.
+# The rooms whose headers are documented throughout. The gate looks at these, and None is all; "scripts/lint docs [ROOM...]"
+# looks at those that are named, or at all.
 DONE = []
 
 FINDING = re.compile(r"^(?P<file>[^:]+):(?P<line>\d+): (?:warning|error): (?P<text>.*)$")
@@ -32,12 +32,6 @@ def noise(name, kind):
     )
 
 
-def room_of(path):
-    """The folder of a public header under include/core, or the room that an umbrella is named after."""
-    parts = path.removeprefix("include/").split("/")
-    return parts[0] if parts[0] == "host" else parts[1].removesuffix(".h")
-
-
 def findings(rooms=None):
     with tempfile.TemporaryDirectory() as place:
         configuration = tree.text("docs/Doxyfile") + f"\nOUTPUT_DIRECTORY = {place}\n"
@@ -47,7 +41,7 @@ def findings(rooms=None):
     found = {}
     for line in output.splitlines():
         match = FINDING.match(tree.relative(line))
-        if not match or CONFUSED in line or (rooms is not None and room_of(match["file"]) not in rooms):
+        if not match or CONFUSED in line or (rooms is not None and tree.room_of(match["file"]) not in rooms):
             continue
         missing = UNDOCUMENTED.match(match["text"])
         if not missing:

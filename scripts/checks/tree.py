@@ -35,6 +35,12 @@ def text(name):
         return file.read()
 
 
+def room_of(path):
+    """The room that a source or a test belongs to: the layer, "host", or the name of another folder such as "bench"."""
+    parts = path.removeprefix("include/").split("/")
+    return parts[1].removesuffix(".h") if parts[0] in ("core", "tests") and len(parts) > 1 else parts[0]
+
+
 def sources():
     return files(".h", ".cpp")
 
