@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/storage/block_runs.h>
+#include "core/storage/block_runs.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/storage/block_chain.h"
 #include "core/storage/range_set.h"
-
-#include <core/storage/chain.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -59,7 +58,7 @@ class ChainWriter {
     void patchNumber(std::uint64_t address, std::uint64_t number);
 
     Container& container_;
-    ChainInFile base_;
+    BlockChain base_;
     std::uint64_t baseLimit_;
     BlockRuns fresh_;
     std::uint64_t guess_; // what the last fresh block says of the next one

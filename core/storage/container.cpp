@@ -20,7 +20,7 @@ bool Container::create(IFile& file, const StorageLayout& layout, bool replacing)
     const ContainerHead::Bytes head = ContainerHead::empty(layout).encode(layout);
     std::vector<std::byte> bytes(head.begin(), head.begin() + ContainerHead::sizeIn(layout));
     // The table's first block holds, from the start, what never changes of the table.
-    bytes.insert(bytes.end(), StorageFilesType::preamble().begin(), StorageFilesType::preamble().end());
+    bytes.insert(bytes.end(), FilesTable::preamble().begin(), FilesTable::preamble().end());
     lock.beginCommit(); // after whoever reads what there was
     try {
         write_all_at(file, 0, bytes);
@@ -152,9 +152,9 @@ void Container::load(const ContainerHead::Bytes& bytes) {
     loaded_ = false;
     reader_.forget();
     reader_.setEnd(length);
-    ChainInFile chain(layout_);
+    BlockChain chain(layout_);
     chain.adopt(reader_, layout_.headerSize(), head.table.chainSize, head.table.size, head.table.next);
-    StorageFilesType table(layout_);
+    FilesTable table(layout_);
     if (!table.decode(chain.content(reader_), options_.noSortedCheck) || table.end() > length)
         throwBadFormat();
     chain.walk(reader_);
@@ -178,7 +178,7 @@ void Container::loadFreeSpace() {
     if (spaceCounter_ == head_.counter)
         return;
     checked([&] {
-        ChainInFile free = chain(head_.freeChain, 0);
+        BlockChain free = chain(head_.freeChain, 0);
         const std::vector<std::byte> ranges = free.content(reader_);
         free.walk(reader_);
         if (!space_.load(ranges, table_.end()) || !space_.isUsed(tableBlocks_) || !space_.isUsed(free.runs()))
@@ -196,8 +196,8 @@ void Container::loadFreeSpace() {
     spaceCounter_ = head_.counter;
 }
 
-ChainInFile Container::chain(std::uint64_t address, std::uint64_t wish) {
-    ChainInFile result(layout_);
+BlockChain Container::chain(std::uint64_t address, std::uint64_t wish) {
+    BlockChain result(layout_);
     result.open(reader_, address, wish);
     return result;
 }

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/storage/block_chain.h"
 #include "core/storage/block_reader.h"
 #include "core/storage/container_head.h"
 #include "core/storage/container_lock.h"
+#include "core/storage/files_table.h"
 #include "core/storage/free_space.h"
 #include "core/storage/write_queue.h"
 
 #include <core/files/file.h>
-#include <core/storage/chain.h>
 #include <core/storage/file_info.h>
-#include <core/storage/files_type.h>
 #include <core/storage/storage_rw.h>
 
 #include <cstdint>
@@ -24,7 +24,7 @@
 
 namespace core {
 
-class FileWithBuffer;
+class InnerFile;
 
 /// An open container: what StorageRW and the open inner files of it share.
 ///
@@ -100,13 +100,11 @@ class Container : public std::enable_shared_from_this<Container> {
     [[nodiscard]] bool contains(wstring_view name);
     [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern);
     [[nodiscard]] StorageFound describe(wstring_view name);
-    [[nodiscard]] InterfacePtr<IFile> open(wstring_view name, OpenMode mode);
     [[nodiscard]] std::vector<std::byte> get(wstring_view name);
     void put(wstring_view name, std::span<const std::byte> content);
     void remove(wstring_view name);
     std::size_t removeAll(wstring_view pattern);
     void rename(wstring_view from, wstring_view to);
-    void copy(wstring_view from, wstring_view to);
     void setTimes(wstring_view name, Date created, Date modified);
 
     // For open inner files; the caller holds a Reading or a Turn, hence the mutex.
@@ -139,8 +137,8 @@ class Container : public std::enable_shared_from_this<Container> {
     /// Makes `data`, the first block of a chain that is written, a file's content. `released` is what the old
     /// content used and the new one does not; all of it when `dropOld`. Both commit, unless in a transaction.
     void publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld);
-    void enlist(FileWithBuffer& file) { files_.push_back(&file); }
-    void dismiss(FileWithBuffer& file) noexcept { std::erase(files_, &file); }
+    void enlist(InnerFile& file) { files_.push_back(&file); }
+    void dismiss(InnerFile& file) noexcept { std::erase(files_, &file); }
 
     [[noreturn]] void throwBadFormat() const;
     /// Runs `call` and says with the container's URL what is damaged.
@@ -154,7 +152,7 @@ class Container : public std::enable_shared_from_this<Container> {
     void loadFreeSpace();
     void beginTurn();
     void endTurn() noexcept;
-    [[nodiscard]] ChainInFile chain(std::uint64_t address, std::uint64_t wish = 0);
+    [[nodiscard]] BlockChain chain(std::uint64_t address, std::uint64_t wish = 0);
 
     // container_commit.cpp
     void commitChanges();
@@ -174,7 +172,7 @@ class Container : public std::enable_shared_from_this<Container> {
     /// Writes two chains side by side and says where they begin.
     [[nodiscard]] StorageFileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
                                              std::vector<BlockRange>& place);
-    void replace(wstring_view name, StorageFilesType::Change& change, const StorageFileEntry& entry,
+    void replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
                  const BlockRuns& released, std::span<const BlockRange> place);
     [[nodiscard]] StorageFileInfo newInfo(wstring_view name, const std::optional<StorageFileEntry>& old);
     void erase(std::span<const wstring> names);
@@ -199,7 +197,7 @@ class Container : public std::enable_shared_from_this<Container> {
     bool loaded_ = false;
     ContainerHead::Bytes headBytes_{};
     ContainerHead head_;
-    StorageFilesType table_;
+    FilesTable table_;
     BlockRuns tableBlocks_;                     // but for the first, which never moves
     std::optional<std::uint64_t> spaceCounter_; // the state that space_ belongs to; none when it is not known
     BlockRuns freeBlocks_;
@@ -213,7 +211,7 @@ class Container : public std::enable_shared_from_this<Container> {
     bool transaction_ = false;
     bool failed_ = false;    // what is durable is not known any more
     bool appending_ = false; // new blocks go behind everything
-    std::vector<FileWithBuffer*> files_;
+    std::vector<InnerFile*> files_;
 };
 
 template <class Call>

@@ -32,7 +32,7 @@ class Survey {
     std::vector<std::byte> visit(std::uint64_t address, StorageUse use, wstring_view name,
                                  StorageProblem::Kind damage, bool wanted) {
         names_.emplace_back(name);
-        ChainInFile chain(layout_);
+        BlockChain chain(layout_);
         std::vector<std::byte> content;
         try {
             chain.open(reader_, address, 0);
@@ -127,7 +127,7 @@ class Survey {
 };
 
 /// The whole survey; `count` grows with the files.
-Survey survey(const StorageFilesType& table, const ContainerHead& head, const BlockRuns& tableBlocks,
+Survey survey(const FilesTable& table, const ContainerHead& head, const BlockRuns& tableBlocks,
               BlockReader& reader, const StorageLayout& layout, std::uint64_t& count) {
     using Kind = StorageProblem::Kind;
     Survey result(reader, layout);

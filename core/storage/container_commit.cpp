@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
-#include "core/storage/file_with_buffer.h"
+#include "core/storage/inner_file.h"
 #include "core/storage/storage_error.h"
 
 #include <core/files/file_error.h>
@@ -54,12 +54,12 @@ void Container::commitChanges() {
     ContainerHead head = head_;
     BlockRuns tableBlocks(layout_.blockHeaderSize());
     BlockRuns freeBlocks(layout_.blockHeaderSize());
-    StorageFilesType table(layout_);
+    FilesTable table(layout_);
     bool flushing = false;
     try {
         if (failed_)
             throw_storage_error("IDS_STERROR_FAILED", url_);
-        for (const FileWithBuffer* file : files_)
+        for (const InnerFile* file : files_)
             file->addFresh(kept);
         release(tableBlocks_);
         release(freeBlocks_);
@@ -153,7 +153,7 @@ void Container::writeHead(const ContainerHead& head) {
 }
 
 void Container::takeBack() noexcept {
-    for (FileWithBuffer* file : files_) {
+    for (InnerFile* file : files_) {
         if (file->isWriter() || table_.isChanged(file->name()))
             file->lose();
     }

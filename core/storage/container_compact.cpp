@@ -46,7 +46,7 @@ void Container::moveAll() {
 
 /// Copies a chain to other blocks, as much at once as the queue holds.
 std::uint64_t Container::moveChain(std::uint64_t address) {
-    ChainInFile from = chain(address, 0);
+    BlockChain from = chain(address, 0);
     if (from.size() == 0)
         return layout_.null;
     const std::uint64_t step = layout_.blockLength(kStorageBlockSize);

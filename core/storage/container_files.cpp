@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
-#include "core/storage/file_with_buffer.h"
+#include "core/storage/inner_file.h"
 #include "core/storage/storage_error.h"
 
 #include <core/files/file_error.h>
-#include <core/files/file_io.h>
 #include <core/files/file_time.h>
 #include <core/files/wildcard.h>
 
@@ -60,7 +59,7 @@ StorageFileInfo Container::readInfo(const StorageFileEntry& entry, wstring_view 
         none.name = name;
         return none;
     }
-    ChainInFile attributes = chain(entry.attributes, kWithContent);
+    BlockChain attributes = chain(entry.attributes, kWithContent);
     auto info = StorageFileInfo::decode(attributes.content(reader_));
     if (!info || info->name != name)
         throwBadFormat();
@@ -97,19 +96,18 @@ StorageFound Container::describe(const StorageFileEntry& entry, wstring_view nam
 std::vector<std::byte> Container::get(wstring_view name) {
     const Reading reading(*this);
     const StorageFileEntry entry = existing(name);
-    return checked([&] { return chain(entry.data, 0).content(reader_); });
-}
-
-InterfacePtr<IFile> Container::open(wstring_view name, OpenMode mode) {
-    const std::lock_guard lock(mutex_);
-    return mode == OpenMode::read ? create_reader(shared_from_this(), name)
-                                  : create_writer(shared_from_this(), name, mode);
+    return checked([&] {
+        BlockChain content = chain(entry.data, 0);
+        if (content.size() > std::vector<std::byte>().max_size()) // on a 32-bit host
+            throw_file_error("IDS_FILE_READ", urlOf(name), EFBIG);
+        return content.content(reader_);
+    });
 }
 
 // Changing.
 
 void Container::refuseOpened(wstring_view name) const {
-    for (const FileWithBuffer* file : files_) {
+    for (const InnerFile* file : files_) {
         if (file->isWriter() && file->name() == name)
             throw_storage_error("IDS_STERROR_OPENED", urlOf(name));
     }
@@ -118,14 +116,14 @@ void Container::refuseOpened(wstring_view name) const {
 /// Readers of the file as it was must not go on as if nothing had happened.
 void Container::changed(wstring_view name) noexcept {
     ++state_;
-    for (FileWithBuffer* file : files_) {
+    for (InnerFile* file : files_) {
         if (!file->isWriter() && file->name() == name)
             file->lose();
     }
 }
 
 void Container::addBlocks(std::uint64_t address, BlockRuns& blocks) {
-    ChainInFile walked = chain(address, kWithContent);
+    BlockChain walked = chain(address, kWithContent);
     walked.walk(reader_);
     for (const BlockRun& run : walked.runs().runs())
         blocks.append(run.address, run.size, run.count);
@@ -160,7 +158,7 @@ StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<con
 }
 
 /// Puts a new entry into the table, or gives its blocks back.
-void Container::replace(wstring_view name, StorageFilesType::Change& change, const StorageFileEntry& entry,
+void Container::replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
                         const BlockRuns& released, std::span<const BlockRange> place) {
     try {
         release(released);
@@ -181,7 +179,7 @@ void Container::put(wstring_view name, std::span<const std::byte> content) {
 
 void Container::putContent(wstring_view name, std::span<const std::byte> content) {
     checked([&] {
-        StorageFilesType::Change& old = table_.edit(name);
+        FilesTable::Change& old = table_.edit(name);
         BlockRuns released(layout_.blockHeaderSize());
         if (old) {
             addBlocks(old->attributes, released);
@@ -197,7 +195,7 @@ void Container::putContent(wstring_view name, std::span<const std::byte> content
 
 void Container::publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld) {
     checked([&] {
-        StorageFilesType::Change& old = table_.edit(name);
+        FilesTable::Change& old = table_.edit(name);
         BlockRuns all = released;
         if (old)
             addBlocks(old->attributes, all);
@@ -213,11 +211,11 @@ void Container::publish(wstring_view name, std::uint64_t data, const BlockRuns& 
 
 void Container::erase(std::span<const wstring> names) {
     BlockRuns released(layout_.blockHeaderSize());
-    std::vector<StorageFilesType::Change*> changes;
+    std::vector<FilesTable::Change*> changes;
     changes.reserve(names.size());
     for (const wstring& name : names) {
         refuseOpened(name);
-        StorageFilesType::Change& change = table_.edit(name);
+        FilesTable::Change& change = table_.edit(name);
         if (!change)
             throw StorageException(StorageException::Kind::fileNotFound, urlOf(name));
         addBlocks(change->attributes, released);
@@ -225,7 +223,7 @@ void Container::erase(std::span<const wstring> names) {
         changes.push_back(&change);
     }
     release(released);
-    for (StorageFilesType::Change* const change : changes)
+    for (FilesTable::Change* const change : changes)
         table_.assign(*change, std::nullopt);
     for (const wstring& name : names)
         changed(name);
@@ -265,8 +263,8 @@ void Container::rename(wstring_view from, wstring_view to) {
         info.name = to;
         BlockRuns released(layout_.blockHeaderSize());
         addBlocks(source.attributes, released);
-        StorageFilesType::Change& gone = table_.edit(from);
-        StorageFilesType::Change& target = table_.edit(to);
+        FilesTable::Change& gone = table_.edit(from);
+        FilesTable::Change& target = table_.edit(to);
         if (target) {
             addBlocks(target->attributes, released);
             addBlocks(target->data, released);
@@ -279,16 +277,6 @@ void Container::rename(wstring_view from, wstring_view to) {
         changed(from);
     });
     finishChange();
-}
-
-void Container::copy(wstring_view from, wstring_view to) {
-    if (from == to)
-        throw StorageException(StorageException::Kind::isDestination, urlOf(from));
-    const std::lock_guard lock(mutex_);
-    const auto source = open(from, OpenMode::read);
-    const auto target = open(to, OpenMode::replace);
-    copy_bytes(*source, *target);
-    target->close();
 }
 
 void Container::setTimes(wstring_view name, Date created, Date modified) {

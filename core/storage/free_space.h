@@ -2,9 +2,9 @@
 #pragma once
 
 #include "core/storage/block_format.h"
+#include "core/storage/block_runs.h"
 #include "core/storage/range_set.h"
 
-#include <core/storage/block_runs.h>
 #include <core/storage/layout.h>
 
 #include <cstdint>

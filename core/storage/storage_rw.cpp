@@ -3,7 +3,7 @@
 
 #include <core/files/file_error.h>
 #include <core/files/file_io.h>
-#include <core/storage/storage_rw.h>
+#include <core/storage/file_with_buffer.h>
 
 #include <cerrno>
 #include <mutex>
@@ -77,7 +77,8 @@ StorageFound StorageRW::describe(wstring_view name) const {
     return container_->describe(name);
 }
 InterfacePtr<IFile> StorageRW::open(wstring_view name, OpenMode mode) {
-    return container_->open(name, mode);
+    return mode == OpenMode::read ? make_object<FileWithBuffer>(*this, name)
+                                  : InterfacePtr<IFile>(make_object<FileWithBuffer2>(*this, name, mode));
 }
 std::vector<std::byte> StorageRW::get(wstring_view name) const {
     return container_->get(name);
@@ -95,7 +96,13 @@ void StorageRW::rename(wstring_view from, wstring_view to) {
     container_->rename(from, to);
 }
 void StorageRW::copy(wstring_view from, wstring_view to) {
-    container_->copy(from, to);
+    if (from == to)
+        throw StorageException(StorageException::Kind::isDestination, container_->urlOf(from));
+    const std::lock_guard lock(container_->mutex());
+    const auto source = open(from, OpenMode::read);
+    const auto target = open(to, OpenMode::replace);
+    copy_bytes(*source, *target);
+    target->close();
 }
 void StorageRW::moveFrom(StorageRW& source, wstring_view from, wstring_view to) {
     if (isSame(source))
@@ -107,8 +114,8 @@ void StorageRW::moveFrom(StorageRW& source, wstring_view from, wstring_view to) 
     old.refuseOpened(from);
     const StorageFound found = old.describe(from);
     StorageTransaction transaction(*this);
-    const auto output = container_->open(to, OpenMode::replace);
-    copy_bytes(*old.open(from, OpenMode::read), *output);
+    const auto output = open(to, OpenMode::replace);
+    copy_bytes(*source.open(from, OpenMode::read), *output);
     output->close();
     container_->setTimes(to, found.created, found.modified);
     transaction.commit();

@@ -2,10 +2,10 @@
 #pragma once
 
 /// Containers: many named inner files in one file that survives a crash at any moment.
-#include <core/storage/block_runs.h>
 #include <core/storage/chain.h>
 #include <core/storage/chain_error.h>
 #include <core/storage/file_info.h>
+#include <core/storage/file_with_buffer.h>
 #include <core/storage/files_type.h>
 #include <core/storage/layout.h>
 #include <core/storage/storage_check.h>

@@ -340,7 +340,7 @@ TEST_P(Damaged, ManyChainsOverTheSameBlocksTakeTheTimeOfOne) {
     table.setEnd(tail + 2 * kTail * step);
     for (std::uint64_t i = 0; i < kFiles; ++i)
         table.set(from_utf8(std::to_string(i)), {layout_.null, tableEnd + i * step});
-    const Bytes content = table.merged().encode();
+    const Bytes content = table.encode();
     Bytes bytes(table.end());
     const auto put = [&](std::uint64_t at, std::string_view text) {
         for (const char c : text)
@@ -435,21 +435,6 @@ TEST_P(Damaged, OtherLayoutsAndOtherFilesAreRefused) {
     EXPECT_TRUE(refused({}, layout_));
     EXPECT_TRUE(refused(Bytes(15), layout_));
     EXPECT_TRUE(refused(Bytes(100000), layout_));
-}
-
-TEST_P(Damaged, AnUnsortedTableNeedsTheOption) {
-    StorageFilesType table(layout_);
-    table.set(u"a", {layout_.null, layout_.null});
-    table.set(u"b", {layout_.null, layout_.null});
-    Bytes content = table.merged().encode();
-    EXPECT_TRUE(StorageFilesType(layout_).decode(content, false));
-    content[content.size() - 4] = std::byte{'c'};
-    EXPECT_FALSE(StorageFilesType(layout_).decode(content, false));
-    EXPECT_TRUE(StorageFilesType(layout_).decode(content, true));
-    content[content.size() - 4] = std::byte{'b'};
-    EXPECT_FALSE(StorageFilesType(layout_).decode(content, false)) << "a name twice";
-    for (std::size_t size = 0; size < content.size(); ++size)
-        EXPECT_EQ(StorageFilesType(layout_).decode(std::span(content).first(size), true), size == 0);
 }
 
 } // namespace

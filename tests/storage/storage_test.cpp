@@ -319,36 +319,6 @@ TEST_P(Storage, IsReplacedInItsTurn) {
     EXPECT_EQ(test::contents(open()), (Model{{u"c", Bytes(5000)}}));
 }
 
-TEST(Storage64, HasTheWideLayoutThroughout) {
-    const auto data = create_memory_data();
-    EXPECT_TRUE(StorageRW64::createIfEmpty(*open_memory_file(data)));
-    EXPECT_THROW(StorageRW64::create(*open_memory_file(data)), FileException);
-    EXPECT_EQ(open_memory_file(data)->length(), kStorageLayout64.emptyLength());
-    StorageRW64(open_memory_file(data)).put(u"a", bytes_of("wide"));
-    EXPECT_EQ(StorageRW64(open_memory_file(data)).get(u"a"), bytes_of("wide"));
-    EXPECT_EQ(kind_of([&] { const StorageRW narrow(open_memory_file(data)); }), Kind::badFormat);
-
-    // The table is found by its first block, the file's content by the table.
-    const Bytes bytes = read_whole(*open_memory_file(data));
-    ChainInFile64 chain;
-    chain.read(*open_memory_file(data), kStorageLayout64.headerSize(), u"box");
-    Bytes content;
-    for (const ChainInFile64::Block& block : chain.blocks()) {
-        const auto from =
-            bytes.begin() + static_cast<std::ptrdiff_t>(block.address + kStorageLayout64.blockHeaderSize());
-        content.insert(content.end(), from, from + static_cast<std::ptrdiff_t>(block.size));
-    }
-    content.resize(chain.size());
-    StorageFilesType64 table;
-    ASSERT_TRUE(table.decode(content, false));
-    ASSERT_TRUE(table.find(u"a"));
-    chain.read(*open_memory_file(data), table.find(u"a")->data, u"box");
-    EXPECT_EQ(chain.size(), 4U);
-    EXPECT_EQ(table.encode(), content);
-    StorageRW64::replace(*open_memory_file(data));
-    EXPECT_FALSE(StorageRW64(open_memory_file(data)).contains(u"a"));
-}
-
 TEST_P(Storage, RewritesOnlyWhatComesBeforeAChange) {
     StorageRW storage = open();
     storage.put(u"a", Bytes(512 * 1000));
@@ -483,16 +453,6 @@ TEST_P(Storage, RefusesWhatTheLayoutCannotAddress) {
     const auto file = storage.open(u"big", OpenMode::create);
     EXPECT_THROW(write_all_at(*file, ~std::uint64_t{0} - 5, bytes_of("x")), StorageException);
     EXPECT_EQ(test::contents(storage), (Model{{u"a", bytes_of("kept")}}));
-}
-
-TEST(StorageFileInfo, IsTheRecordOfTheFormat) {
-    const StorageFileInfo info{Date(1), Date(0x0102030405), 7, u"Aж"};
-    const Bytes record = info.encode();
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(record.data()), record.size()),
-              std::string("\1\0\0\0\0\0\0\0\5\4\3\2\1\0\0\0\7\0\0\0A\0\x36\4\0\0\0\0", 28));
-    EXPECT_EQ(StorageFileInfo::decode(record), info);
-    EXPECT_EQ(StorageFileInfo::decode(std::span(record).first(24))->name, u"");
-    EXPECT_FALSE(StorageFileInfo::decode(std::span(record).first(23)));
 }
 
 } // namespace

@@ -8,139 +8,83 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <limits>
+#include <memory>
 #include <optional>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 namespace core {
 
-/// The order of inner files: by the code units of the names' full case foldings, then by the code units
-/// themselves. Names that differ only in case are different names, side by side.
+class FilesTable;
+
+/// Compares two names in the order of the table: by the code units of their full case foldings, then by their
+/// own code units. Returns -1, 0 or 1. Names that differ only in case are different names, side by side.
 [[nodiscard]] CORE_API int compare_file_names(wstring_view a, wstring_view b) noexcept;
 
-/// What the table says of an inner file.
+/// What the table says of one inner file.
 struct StorageFileEntry {
-    std::uint64_t attributes; ///< first block of its attributes chain, null when it has none
-    std::uint64_t data;       ///< first block of its data chain, null when the file is empty
+    std::uint64_t attributes; ///< Address of the first block of its attributes, null when it has none.
+    std::uint64_t data;       ///< Address of the first block of its content, null when the file is empty.
+    /// Whether both addresses are equal.
     friend bool operator==(const StorageFileEntry&, const StorageFileEntry&) = default;
 };
 
-/// The table of inner files: sorted by name, as it was read, with the changes that are not committed yet laid
-/// over it. Knows no file; the container reads and writes its content.
+/// The table of inner files: their names, in order, and where their chains begin. It knows no file: its
+/// content is read as a chain (ChainInFile), and a container writes it. A value type; one that was moved from
+/// can only be assigned to. Threads: one at a time, also for finding.
 class CORE_API StorageFilesType {
   public:
     /// Code units of the longest name.
     static constexpr std::size_t kLongestName = 0xFFFF;
 
-    explicit StorageFilesType(const StorageLayout& layout = kStorageLayout32) noexcept;
+    /// Makes an empty table. `layout` is borrowed for as long as the object lives; the two layouts live for
+    /// ever.
+    explicit StorageFilesType(const StorageLayout& layout = kStorageLayout32);
+    /// Makes a table of the same files.
+    StorageFilesType(const StorageFilesType& other);
+    /// Takes the files of `other`.
+    StorageFilesType(StorageFilesType&& other) noexcept;
+    /// Holds the files of `other` from now on.
+    StorageFilesType& operator=(const StorageFilesType& other);
+    /// Takes the files of `other`.
+    StorageFilesType& operator=(StorageFilesType&& other) noexcept;
+    ~StorageFilesType();
 
     // modify
 
-    /// Takes over the table's content. False, with the table unchanged, when it is malformed:
-    /// cut off, an address outside the container, or names that are not sorted, unless `sorted`
-    /// takes their order on trust.
+    /// Takes over a table's content. Returns false, with the object unchanged, when the content is malformed:
+    /// it is cut off, an address lies outside the container, or the names are not in order. `sorted` takes
+    /// their order on trust; files of a table that is not in order may then not be found.
     [[nodiscard]] bool decode(std::span<const std::byte> content, bool sorted);
-    /// What a name stands for, now or once the changes are committed; nothing when there is no such file.
-    using Change = std::optional<StorageFileEntry>;
-    /// The place of a change of this name, as it is now. assign() to it cannot fail.
-    [[nodiscard]] Change& edit(wstring_view name);
-    void assign(Change& place, const Change& change) noexcept {
-        place = change;
-        changed_ = true;
-    }
-    void set(wstring_view name, const StorageFileEntry& entry) { assign(edit(name), entry); }
-    /// Forgets the changes.
-    void revert() noexcept;
+    /// Adds a file or replaces its entry. The addresses are stored as they are. Throws StorageException when
+    /// the name is longer than kLongestName.
+    void set(wstring_view name, const StorageFileEntry& entry);
+    /// Removes a file; returns whether there was one.
+    bool remove(wstring_view name);
+    /// Sets the address behind which nothing of the container is in use.
+    void setEnd(std::uint64_t end) noexcept;
 
     // inspect
 
-    /// The container's end as the table knows it: nothing that is in use lies beyond.
-    [[nodiscard]] std::uint64_t end() const noexcept { return end_; }
-    void setEnd(std::uint64_t end) noexcept { end_ = end; }
-    [[nodiscard]] bool hasChanges() const noexcept { return changed_; }
-    /// Whether the changes make a name stand for something else.
-    [[nodiscard]] bool isChanged(wstring_view name) const noexcept;
+    /// Returns the address behind which nothing of the container is in use.
+    [[nodiscard]] std::uint64_t end() const noexcept;
+    /// Returns the entry of a file, or nothing when the table has no such name.
     [[nodiscard]] std::optional<StorageFileEntry> find(wstring_view name) const;
-    /// Every file, in order, as `visit(wstring_view name, const StorageFileEntry&)`.
-    template <class Visit>
-    void forEach(Visit visit) const;
-    /// The table with the changes as part of it.
-    [[nodiscard]] StorageFilesType merged() const;
-    /// The content of a table without changes, and its size.
+    /// Calls `visit` for every file, in order. The name is borrowed for that call. What `visit` throws ends
+    /// the walk; it must not change the table.
+    void forEach(const std::function<void(wstring_view name, const StorageFileEntry& entry)>& visit) const;
+    /// Returns the table's content, from which decode() makes an equal table. An empty table has no content.
     [[nodiscard]] std::vector<std::byte> encode() const;
-    [[nodiscard]] std::uint64_t encodedSize() const noexcept;
-
-    /// The first bytes of the content, which never change: they lie in the table's first block.
-    [[nodiscard]] static std::span<const std::byte> preamble() noexcept;
 
   private:
-    struct Row {
-        StorageFileEntry entry;
-        std::uint64_t nameEnd; // in names_
-    };
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(wstring_view name) const noexcept { return std::hash<wstring_view>()(name); }
-    };
-    struct Edit {
-        Change change;
-        std::size_t row; // that it concerns, kNoRow for a name that the table does not have
-    };
-    static constexpr std::size_t kNoRow = std::numeric_limits<std::size_t>::max();
-    using Changes = std::unordered_map<wstring, Edit, Hash, std::equal_to<>>;
-    using ChangeList = std::vector<const Changes::value_type*>;
-    struct SortedChanges {
-        ChangeList known; // by row
-        ChangeList added; // by name
-    };
-
-    [[nodiscard]] wstring_view nameOf(std::size_t row) const noexcept {
-        const std::size_t begin = row == 0 ? 0 : static_cast<std::size_t>(rows_[row - 1].nameEnd);
-        return wstring_view(names_).substr(begin, static_cast<std::size_t>(rows_[row].nameEnd) - begin);
-    }
-    [[nodiscard]] bool isSorted() const noexcept;
-    [[nodiscard]] std::optional<std::size_t> rowOf(wstring_view name) const;
-    void makeIndex() const;
-    [[nodiscard]] SortedChanges sortedChanges() const;
-
-    const StorageLayout* layout_;
-    std::uint64_t end_;
-    std::vector<Row> rows_;
-    wstring names_; // of all rows, one behind the other
-    Changes changes_;
-    bool changed_ = false;
-    // Rows by the hash of their names, counted from 1; made once so many names were asked for that it pays.
-    mutable std::vector<std::uint32_t> index_;
-    mutable std::size_t searches_ = 0;
+    std::unique_ptr<FilesTable> table_;
 };
 
+/// The table of inner files in the 64-bit layout.
 class CORE_API StorageFilesType64 : public StorageFilesType {
   public:
-    StorageFilesType64() noexcept : StorageFilesType(kStorageLayout64) {}
+    /// Makes an empty table.
+    StorageFilesType64() : StorageFilesType(kStorageLayout64) {}
 };
-
-template <class Visit>
-void StorageFilesType::forEach(Visit visit) const {
-    const SortedChanges changes = sortedChanges();
-    auto known = changes.known.begin();
-    auto added = changes.added.begin();
-    const auto visitChange = [&](const Changes::value_type& change) {
-        if (change.second.change)
-            visit(wstring_view(change.first), *change.second.change);
-    };
-    for (std::size_t row = 0; row < rows_.size(); ++row) {
-        const wstring_view name = nameOf(row);
-        for (; added != changes.added.end() && compare_file_names((*added)->first, name) < 0; ++added)
-            visitChange(**added);
-        if (known != changes.known.end() && (*known)->second.row == row)
-            visitChange(**known++);
-        else
-            visit(name, rows_[row].entry);
-    }
-    for (; added != changes.added.end(); ++added)
-        visitChange(**added);
-}
 
 } // namespace core

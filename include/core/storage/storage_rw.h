@@ -117,6 +117,8 @@ class CORE_API StorageRW {
     void setTimes(wstring_view name, Date created, Date modified);
 
   private:
+    friend class FileWithBuffer;
+    friend class FileWithBuffer2;
     friend class StorageReading;
     std::shared_ptr<Container> container_;
 };

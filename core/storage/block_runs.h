@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/api.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -23,7 +21,7 @@ struct BlockRun {
 ///
 /// 1. Runs are in chain order and their positions follow from each other.
 /// 2. No two neighbouring runs could be one.
-class CORE_API BlockRuns {
+class BlockRuns {
   public:
     explicit BlockRuns(std::size_t blockHeaderSize) noexcept : headerSize_(blockHeaderSize) {}
 

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/storage/block_runs.h"
+
+#include <core/storage/layout.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace core {
+
+class BlockReader;
+
+/// A chain of blocks while the library reads it. Its blocks are found as far as they are needed, together
+/// with their content, in one pass.
+///
+/// A chain is damaged when a header is malformed, when blocks lie outside the container, overlap or form a
+/// circle, or when they hold fewer bytes than the chain's size. Each is thrown as ChainInFileExc, in time and
+/// memory bounded by the size of the container.
+class BlockChain {
+  public:
+    explicit BlockChain(const StorageLayout& layout) noexcept;
+
+    /// Looks at the first block. `wish` is how many bytes at its address are worth reading at once.
+    void open(BlockReader& reader, std::uint64_t address, std::uint64_t wish);
+    /// Takes a first block whose header is known.
+    void adopt(BlockReader& reader, std::uint64_t address, std::uint64_t chainSize, std::uint64_t size,
+               std::uint64_t next);
+    /// Fills `out` with the content from `position` on, which reaches so far.
+    void readAt(BlockReader& reader, std::uint64_t position, std::span<std::byte> out);
+    /// Returns the whole content. Memory grows with what is read: the chain's size is not believed
+    /// beforehand.
+    [[nodiscard]] std::vector<std::byte> content(BlockReader& reader);
+    /// Finds the blocks up to the one that holds the byte before `position`.
+    void reach(BlockReader& reader, std::uint64_t position);
+    /// Finds all blocks and checks them.
+    void walk(BlockReader& reader);
+
+    /// The blocks found so far.
+    [[nodiscard]] const BlockRuns& runs() const noexcept { return runs_; }
+    /// Bytes of content.
+    [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
+
+  private:
+    void visit(BlockReader& reader, std::uint64_t address, std::uint64_t size, std::uint64_t next);
+    void finish();
+    [[nodiscard]] std::uint64_t bytesFor(std::uint64_t content) const noexcept;
+
+    const StorageLayout* layout_;
+    BlockRuns runs_;
+    std::uint64_t address_;
+    std::uint64_t size_ = 0;
+    std::uint64_t next_; // the first block that is not in runs_ yet
+};
+
+} // namespace core

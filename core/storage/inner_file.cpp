@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/inner_file.h"
+
+#include "core/storage/storage_error.h"
+
+#include <core/files/file_error.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace core {
+namespace {
+
+constexpr std::size_t kLeastAhead = std::size_t{4} << 10;
+
+} // namespace
+
+InnerFile::InnerFile(std::shared_ptr<Container> container, wstring_view name)
+    : container_(std::move(container)), name_(name), url_(container_->urlOf(name)) {}
+
+Container& InnerFile::container() const {
+    if (container_ == nullptr)
+        throw_file_error("IDS_FILE_READ", url_, EBADF);
+    return *container_;
+}
+
+void InnerFile::requireNotLost() const {
+    if (lost_)
+        throw_storage_error(isWriter() ? "IDS_STERROR_LOST" : "IDS_STERROR_CHANGED", url_);
+}
+
+std::uint64_t InnerFile::length() {
+    const std::lock_guard lock(container().mutex());
+    return size();
+}
+
+std::size_t InnerFile::readAt(std::uint64_t position, std::span<std::byte> to) {
+    const std::lock_guard lock(container().mutex());
+    if (position >= size())
+        return 0;
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(to.size(), size() - position));
+    std::size_t done = 0;
+    while (done < count) {
+        const std::uint64_t at = position + done;
+        const std::size_t left = count - done;
+        if (at >= bufferStart_ && at - bufferStart_ < bufferLength_) {
+            const auto skip = static_cast<std::size_t>(at - bufferStart_);
+            const std::size_t part = std::min(left, bufferLength_ - skip);
+            std::memcpy(to.data() + done, buffer_.data() + skip, part);
+            done += part;
+        } else if (left >= kBuffer) {
+            fetch(at, to.subspan(done, left));
+            done = count;
+        } else {
+            const bool inOrder = at == bufferStart_ + bufferLength_;
+            ahead_ = inOrder ? std::min(2 * ahead_, kBuffer) : kLeastAhead;
+            const auto length =
+                static_cast<std::size_t>(std::min<std::uint64_t>(std::max(left, ahead_), size() - at));
+            bufferLength_ = 0;
+            buffer_.resize(std::max(buffer_.size(), length));
+            fetch(at, std::span(buffer_).first(length));
+            bufferStart_ = at;
+            bufferLength_ = length;
+        }
+    }
+    return done;
+}
+
+void InnerFile::leave() noexcept {
+    if (const auto container = std::exchange(container_, nullptr)) {
+        const std::lock_guard lock(container->mutex());
+        container->dismiss(*this);
+    }
+}
+
+} // namespace core

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/inner_reader.h"
+
+#include <core/files/file_error.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace core {
+
+InnerReader::InnerReader(std::shared_ptr<Container> container, wstring_view name)
+    : InnerFile(std::move(container), name), chain_(this->container().layout()) {
+    Container& in = this->container();
+    const Container::Reading reading(in);
+    const Container::Found found = in.lookUp(name);
+    in.checked([&] { chain_.open(in.reader(), found.entry.data, 0); });
+    version_ = found.info.attribute;
+    state_ = in.state();
+    in.enlist(*this);
+}
+
+InnerReader::~InnerReader() {
+    leave();
+}
+
+void InnerReader::fetch(std::uint64_t position, std::span<std::byte> out) {
+    Container& in = container();
+    const Container::Reading reading(in);
+    revalidate();
+    in.checked([&] { chain_.readAt(in.reader(), position, out); });
+}
+
+/// The container may have changed since the last look: the file must still have the same content, though it
+/// may have moved.
+void InnerReader::revalidate() {
+    requireNotLost();
+    Container& in = container();
+    if (state_ == in.state())
+        return;
+    const Container::Found found = in.lookUp(name());
+    const std::uint64_t size = chain_.size();
+    if (found.info.attribute != version_)
+        lose();
+    requireNotLost();
+    in.checked([&] { chain_.open(in.reader(), found.entry.data, 0); });
+    if (chain_.size() != size)
+        in.throwBadFormat();
+    state_ = in.state();
+}
+
+void InnerReader::writeAt(std::uint64_t, std::span<const std::byte>) {
+    throw_file_error("IDS_FILE_WRITE", url(), EBADF);
+}
+
+void InnerReader::truncate(std::uint64_t) {
+    throw_file_error("IDS_FILE_WRITE", url(), EBADF);
+}
+
+} // namespace core
