@@ -4,8 +4,8 @@
 #include "core/lists/malformed.h"
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/value_list_impl.h"
-#include "core/tables/sort/introsort.h"
 #include "core/tables/sort/value_ranks.h"
+#include "core/tables/sort/word_sort.h"
 
 #include <core/descriptions/type_description.h>
 #include <core/lists/list_in_stream.h>
@@ -13,7 +13,6 @@
 #include <core/runtime/error.h>
 #include <core/tables/terms.h>
 
-#include <functional>
 #include <unordered_set>
 
 namespace core {
@@ -146,7 +145,7 @@ void ValueList::sort(const Value& direction, Value (*key)(const Item& item)) {
         const std::uint32_t rank = *number == 0 ? ranks[i] : ~ranks[i];
         order[i] = std::uint64_t{rank} << 32 | i;
     }
-    introsort(std::span(order), std::less<>());
+    sort_words(order);
     Items sorted;
     sorted.reserve(items.size());
     for (const std::uint64_t place : order)

@@ -2,7 +2,7 @@
 #include "core/tables/sort/row_sort.h"
 
 #include "core/tables/data/word_span.h"
-#include "core/tables/sort/introsort.h"
+#include "core/tables/sort/heap_sort.h"
 #include "core/tables/sort/value_ranks.h"
 #include "core/tables/sort/word_sort.h"
 
@@ -117,7 +117,7 @@ std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> column
         for (const SortColumn& column : columns)
             cells.push_back(column.cells->get(rows[i]));
     }
-    introsort(std::span(places), [&](std::uint32_t a, std::uint32_t b) {
+    heap_sort(std::span(places), [&](std::uint32_t a, std::uint32_t b) {
         for (std::size_t i = 0; i < columns.size(); ++i) {
             const int order =
                 comparison.compare(cells[a * columns.size() + i], cells[b * columns.size() + i]);

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/tables/sort/introsort.h"
+#include "core/tables/sort/heap_sort.h"
 
+#include <bit>
 #include <cstdint>
-#include <functional>
 #include <numeric>
 #include <vector>
 
 namespace core {
+
+/// Sorts words. Random ones cost no branch that is guessed wrong, sorted ones a single pass.
+void sort_words(std::span<std::uint64_t> words) noexcept;
 
 /// Indexes in an order, and which of them differ from the one before.
 struct SortedIndexes {
@@ -49,7 +52,7 @@ void sort_by_comparing(std::span<std::uint32_t> order, std::size_t begin, Sorted
                        Compare& compare) {
     if (std::all_of(order.begin(), order.end(), [&](auto i) { return compare(order.front(), i) == 0; }))
         return;
-    introsort(order, [&](std::uint32_t a, std::uint32_t b) {
+    heap_sort(order, [&](std::uint32_t a, std::uint32_t b) {
         const int less = compare(a, b);
         return less != 0 ? less < 0 : a < b;
     });
@@ -102,7 +105,7 @@ template <class Deepen, class Compare>
         for (std::size_t i = 0; i < order.size(); ++i)
             packed[i] = packing.pack(words[order[i]], i);
         const auto items = std::span(packed).first(order.size());
-        introsort(items, std::less<>());
+        sort_words(items);
         std::copy(order.begin(), order.end(), before.begin());
         for (std::size_t i = 0; i < order.size(); ++i)
             order[i] = before[packing.place(items[i])];
