@@ -45,6 +45,15 @@ bool TypeDomain::fits(const Value& value) const noexcept {
     }
 }
 
+bool TypeDomain::canHold(const Value& value) const {
+    const ValueKind kind = value.kind();
+    if (isEmpty() || containsType(kind))
+        return true;
+    if (kind == ValueKind::object)
+        return containsObjectType(value.object()->getType()->id());
+    return kind == ValueKind::undefined && defaultValue().isUndefined();
+}
+
 /// Of a value that does not fit.
 GenericValue TypeDomain::adjusted(const Value& value) const {
     if (!containsType(value.kind()))

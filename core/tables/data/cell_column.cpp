@@ -152,6 +152,28 @@ bool CellColumn::exchange(RowId row, Value& value) {
     return false;
 }
 
+void CellColumn::exchange(const RowOrder& rows, std::span<Value> values) {
+    std::vector<RowId> done;
+    done.reserve(values.size());
+    try {
+        rows.walk([&](RowId row) {
+            if (done.size() == values.size())
+                return false;
+            Value& value = values[done.size()];
+            Value old = get(row);
+            exchange(row, value);
+            swap(value, old);
+            done.push_back(row);
+            return true;
+        });
+    } catch (...) {
+        // The form of now holds whatever the column held before: putting that back needs no memory.
+        for (std::size_t i = 0; i < done.size(); ++i)
+            exchange(done[i], values[i]);
+        throw;
+    }
+}
+
 bool CellColumn::put(RowId row, const Value& value) {
     switch (form_) {
     case Form::coded:
@@ -166,10 +188,11 @@ bool CellColumn::put(RowId row, const Value& value) {
 
 bool CellColumn::putCode(RowId row, const Value& value) {
     if (is_codable(value)) {
+        const auto known = dictionary_->find(value);
         const bool saves = dictionary_->size() < kFreeCodes + size_ / kRowsPerCode;
-        if (!saves && !dictionary_->find(value))
+        if (!known && !saves)
             return putInForm(Form::values, 0, row, value);
-        codes_[row] = dictionary_->add(value);
+        codes_[row] = known ? *known : dictionary_->add(value);
         return false;
     }
     if (dictionary_->size() > 1)

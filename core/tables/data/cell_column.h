@@ -76,6 +76,9 @@ class CellColumn {
     /// object: for the caller to let go of when nothing is left half done. True when the form has
     /// changed, and hashes with it.
     bool exchange(RowId row, Value& value);
+    /// Does the same for the first rows of an order, as many as there are values; each receives what its cell
+    /// held.
+    void exchange(const RowOrder& rows, std::span<Value> values);
     /// Puts a value into a cell that holds Undefined. True when the form has changed.
     bool put(RowId row, const Value& value);
     /// As many cells as rows, filled with one value.

@@ -25,6 +25,10 @@ struct ColumnInfo {
 struct TableColumn : TablePart<TableColumn> {
     TableColumn(ColumnId columnId, ColumnInfo columnInfo)
         : id(columnId), info(std::move(columnInfo)), defaultValue(info.domain.defaultValue()) {}
+    ~TableColumn() {
+        if (handle() != nullptr)
+            handle()->setLastName(std::move(info.name));
+    }
 
     ColumnId id;
     ColumnInfo info;

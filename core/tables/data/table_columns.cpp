@@ -134,16 +134,13 @@ void TableData::fill(std::span<const std::size_t> columns, const GenericValue& v
 
 void TableData::load(RowId parent, std::size_t position, std::span<const Value> values) {
     TableColumn& column = *columns_[position];
-    CellColumn cells = column.cells.copy(RowRange(ids_));
-    std::size_t next = 0;
-    rowsOf(parent).walk([&](RowId row) {
-        if (next == values.size())
-            return false;
-        Value value = column.info.domain.adjust(values[next++]);
-        cells.exchange(row, value);
-        return true;
-    });
-    setCells(column, std::move(cells));
+    const std::size_t count = std::min(values.size(), rowsOf(parent).size());
+    std::vector<Value> cells;
+    cells.reserve(count);
+    for (const Value& value : values.first(count))
+        cells.push_back(column.info.domain.adjust(value));
+    giveIndexesUp(column);
+    column.cells.exchange(rowsOf(parent), cells);
 }
 
 void TableData::setCells(TableColumn& column, CellColumn cells) noexcept {

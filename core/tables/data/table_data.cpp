@@ -65,13 +65,14 @@ RowId TableData::nextRow() const {
     return static_cast<RowId>(ids_);
 }
 
-RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const Value> cells) {
+RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const Value> cells,
+                           CellSource source) {
     RowOrder& order = makeRowsOf(parent);
     if (position != order.size())
         beforeReorder(order);
     const RowId row = nextRow();
     try {
-        putCells(row, cells);
+        putCells(row, cells, source);
         if (tree_) {
             nodes_.resize(std::max<std::size_t>(nodes_.size(), std::size_t{row} + 1));
             nodes_[row].parent = parent;
@@ -97,7 +98,7 @@ RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const V
 }
 
 /// Fills the cells of a row that is not there yet, all of which are Undefined.
-void TableData::putCells(RowId row, std::span<const Value> cells) {
+void TableData::putCells(RowId row, std::span<const Value> cells, CellSource source) {
     // Values lie anywhere in memory: their objects are fetched together, not one after the other.
     for (const Value& cell : cells)
         __builtin_prefetch(cell.object());
@@ -108,7 +109,7 @@ void TableData::putCells(RowId row, std::span<const Value> cells) {
         bool changed = false;
         if (i >= cells.size())
             changed = column.cells.put(row, column.defaultValue);
-        else if (domain.fits(cells[i]))
+        else if (source == CellSource::stored || domain.fits(cells[i]))
             changed = column.cells.put(row, cells[i]);
         else
             changed = column.cells.put(row, domain.adjust(cells[i]));
@@ -206,16 +207,14 @@ void TableData::renumber(std::span<const RowId> rows) {
     ids_ = rows.size();
 }
 
-void TableData::regroup(std::span<const std::size_t> columns, std::span<CellColumn> cells,
-                        std::size_t count) {
+void TableData::regroup(std::span<GroupedColumn> columns, std::size_t count) {
     std::vector<std::unique_ptr<TableColumn>> kept(columns.size());
-    std::vector<CellColumn> dying(cells.size());
     detachHandles();
     giveIndexesUp();
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        kept[i] = std::move(columns_[columns[i]]);
-        dying[i] = std::move(kept[i]->cells);
-        kept[i]->cells = std::move(cells[i]);
+        kept[i] = std::move(columns_[columns[i].position]);
+        std::swap(kept[i]->info.domain, columns[i].domain);
+        std::swap(kept[i]->cells, columns[i].cells); // objects die with the caller's, when the table is whole
     }
     columns_.swap(kept);
     for (const auto& gone : kept) {

@@ -13,6 +13,19 @@
 
 namespace core {
 
+/// Where the cells of a new row come from.
+enum class CellSource {
+    given, ///< from a caller: they are adjusted to their columns
+    stored ///< from stored data: they were adjusted once and are taken as they are
+};
+
+/// A column that stays when a table is grouped, with what it is to hold then.
+struct GroupedColumn {
+    std::size_t position;
+    TypeDomain domain;
+    CellColumn cells;
+};
+
 /// What a value table or a value tree holds: columns, rows, indexes, and the objects
 /// that scripts hold of them.
 ///
@@ -67,8 +80,9 @@ class TableData {
     [[nodiscard]] std::size_t rowCount() const noexcept { return count_; }
     /// The id that the next row gets.
     [[nodiscard]] RowId nextRow() const;
-    /// A row with these cells, adjusted to their columns; the others hold the defaults of theirs.
-    RowId insertRow(RowId parent, std::size_t position, std::span<const Value> cells = {});
+    /// Inserts a row with these cells; the others hold the defaults of their columns.
+    RowId insertRow(RowId parent, std::size_t position, std::span<const Value> cells = {},
+                    CellSource source = CellSource::given);
     /// With the rows below it.
     void removeRow(RowId parent, std::size_t position);
     void removeRows(RowId parent);
@@ -77,8 +91,8 @@ class TableData {
     void reorder(RowId parent, std::span<const RowId> rows);
     /// Fills a table that has no columns yet, each of these having cells for `count` rows.
     void assign(std::vector<std::unique_ptr<TableColumn>> columns, std::size_t count) noexcept;
-    /// Replaces the table by other columns, chosen among its own and filled anew, with `count` cells each.
-    void regroup(std::span<const std::size_t> columns, std::span<CellColumn> cells, std::size_t count);
+    /// Replaces the table by some of its columns with other cells, `count` in each.
+    void regroup(std::span<GroupedColumn> columns, std::size_t count);
 
     // cells
     [[nodiscard]] Value get(RowId row, std::size_t column) const { return columns_[column]->cells.get(row); }
@@ -109,7 +123,7 @@ class TableData {
         std::unique_ptr<RowOrder> rows; // null for none
     };
 
-    void putCells(RowId row, std::span<const Value> cells);
+    void putCells(RowId row, std::span<const Value> cells, CellSource source);
     void checkName(wstring_view name, const TableColumn* except) const;
     RowOrder& makeRowsOf(RowId parent);
     void release(std::span<const RowId> rows, std::vector<Value>& dying) noexcept;

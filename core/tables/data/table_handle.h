@@ -29,6 +29,9 @@ class TableHandle {
     [[nodiscard]] TableData& data() const noexcept { return data_; }
     /// Null when the part has been removed.
     [[nodiscard]] Part* part() const noexcept { return part_; }
+    /// The name that a removed part had last, so that an error can say what is gone.
+    [[nodiscard]] const wstring& lastName() const noexcept { return lastName_; }
+    void setLastName(wstring name) noexcept { lastName_ = std::move(name); }
 
   private:
     template <class>
@@ -38,6 +41,7 @@ class TableHandle {
     InterfacePtr<IValue> owner_;
     TableData& data_;
     Part* part_;
+    wstring lastName_;
 };
 
 /// The base of such a part.

@@ -20,6 +20,8 @@ class TableIndex : public TablePart<TableIndex> {
     [[nodiscard]] std::span<const TableColumn* const> columns() const noexcept { return columns_; }
     [[nodiscard]] bool covers(const TableColumn& column) const noexcept;
 
+    /// Says whether the index holds all rows of the table; refresh() is needed otherwise.
+    [[nodiscard]] bool isCurrent() const noexcept { return current_; }
     void giveUp() noexcept;
     /// Makes it current again over all rows of the table.
     void refresh(RowRange rows);

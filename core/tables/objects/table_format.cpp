@@ -104,16 +104,17 @@ void put_rows(IOutPersistenceStorage* storage, const TableData& data, RowId pare
 void get_rows(IInPersistenceStorage* storage, TableData& data, RowId parent) {
     const Nesting::Level level(storage->nesting());
     ListInStream& in = storage->listStream();
+    std::vector<Value> cells;
     in.getBeginOfList();
     for (std::int64_t left = get_count(in); left > 0; --left) {
         in.getBeginOfList();
-        const RowId row = data.insertRow(parent, data.rowsOf(parent).size());
+        cells.clear();
         for (std::size_t i = 0; i < data.columnCount(); ++i) {
-            const GenericValue value = GenericValue::deserialize(storage);
-            if (!data.column(i).info.domain.adjust(value).equals(value))
-                throw_malformed(); // the column would never have held it
-            data.set(row, i, value);
+            cells.push_back(GenericValue::deserialize(storage));
+            if (!data.column(i).info.domain.canHold(cells.back()))
+                throw_malformed(); // no column of this description ever held it
         }
+        const RowId row = data.insertRow(parent, data.rowsOf(parent).size(), cells, CellSource::stored);
         if (data.isTree())
             get_rows(storage, data, row);
         in.getEndOfList();

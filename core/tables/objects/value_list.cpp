@@ -204,8 +204,8 @@ void ValueList::deserialize(IInPersistenceStorage* storage) {
         in.get(item.check);
         item.picture = GenericValue::deserialize(storage);
         in.getEndOfList();
-        if (!domain.adjust(item.value).equals(item.value))
-            throw_malformed(); // the list would never have held it
+        if (!domain.canHold(item.value))
+            throw_malformed(); // no list of this description ever held it
         items.push_back(make_object<ValueListItem>(std::move(item)));
     }
     in.getEndOfList();

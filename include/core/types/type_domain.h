@@ -41,15 +41,22 @@ class CORE_API TypeDomain : private TypeDomainPattern {
     [[nodiscard]] GenericValue defaultValue() const;
 
     // adjust
-    /// Whether the value is of one of the types and its qualifiers leave it as it is. Costs next to nothing.
+    /// Says whether the value is of one of the types and its qualifiers leave it as it is. Costs next to
+    /// nothing.
     [[nodiscard]] bool fits(const Value& value) const noexcept;
-    /// The value itself when it fits. A value of one of the types is adjusted to its qualifiers. Any
+    /// Returns the value itself when it fits. A value of one of the types is adjusted to its qualifiers. Any
     /// other is converted to Number, Date, String or Boolean, the first of them that is in the set and
     /// of which the value has a reading, and adjusted; without one, and for Undefined and Null, it
     /// gives way to the default value.
     [[nodiscard]] GenericValue adjust(GenericValue value) const {
         return fits(value) ? std::move(value) : adjusted(value);
     }
+
+    /// Says whether the value is of one of the types, whatever their qualifiers say, or is the default value:
+    /// every value that adjust() returned is. A reader of stored values asks this. It cannot ask fits(),
+    /// because rounding carries a number past its qualifiers: 99.996 in four digits, two of them behind the
+    /// point, is stored as 100.
+    [[nodiscard]] bool canHold(const Value& value) const;
 
   private:
     [[nodiscard]] GenericValue adjusted(const Value& value) const;
