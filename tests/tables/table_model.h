@@ -7,6 +7,7 @@
 #include <core/tables.h>
 
 #include <algorithm>
+#include <deque>
 #include <random>
 
 /// A value table beside the plainest one there could be, a vector of rows: every operation is done to both
@@ -30,28 +31,25 @@ class Table {
     std::vector<Row> rows;
 
     std::size_t below(std::size_t n) { return static_cast<std::size_t>(random_() % n); }
-    /// One column in three has numbers, one texts, one anything.
+    /// A value for a column: numbers, texts, anything, numbers whose sums pass 2^63, one of 10 000 keys.
     GenericValue value(std::size_t column) {
-        const auto small = static_cast<int>(below(6));
-        switch (column % 3 == 0 ? below(8) : column % 3) {
-        case 0:
-            return GenericValue();
+        const int sign = below(3) == 0 ? -1 : 1;
+        switch (column) {
         case 1:
-            return below(40) == 0 ? GenericValue(Numeric(10).pow(small * 9) / 8)
-                                  : GenericValue(Numeric(small) / 2);
+            return number();
         case 2:
-            return wstring(u"name") + static_cast<wchar>(u'a' + small);
-        case 3:
-            return Date(2000 + small, 1, 1);
+            return textValue();
         case 4:
-            return small % 2 == 0;
+            return sign * static_cast<std::int64_t>((std::uint64_t{1} << 62) + below(9));
         case 5:
-            return Value::null();
-        case 6:
-            return Type(static_cast<Type::Code>(small));
+            return sign * static_cast<int>(below(5'000));
         default:
-            return small;
+            return anything();
         }
+    }
+    /// A value of a column's cell, or one that may be in none.
+    GenericValue wanted(std::size_t column) {
+        return rows.empty() || below(3) == 0 ? value(column) : rows[below(rows.size())].cells[column];
     }
     std::size_t anyColumn() { return 1 + below(columns.size() - 1); }
 
@@ -136,18 +134,18 @@ class Table {
     void find() {
         const std::size_t a = anyColumn();
         const std::size_t b = anyColumn();
-        const GenericValue wanted = value(a);
+        const GenericValue sought = wanted(a);
         const auto named = [&](const Row& row) {
-            return row.cells[a].equals(wanted) || row.cells[b].equals(wanted);
+            return row.cells[a].equals(sought) || row.cells[b].equals(sought);
         };
         const auto anywhere = [&](const Row& row) {
             return std::any_of(row.cells.begin(), row.cells.end(),
-                               [&](const GenericValue& cell) { return cell.equals(wanted); });
+                               [&](const GenericValue& cell) { return cell.equals(sought); });
         };
         const bool all = below(2) == 0;
         const auto expected = all ? std::find_if(rows.begin(), rows.end(), anywhere)
                                   : std::find_if(rows.begin(), rows.end(), named);
-        Arguments arguments = {wanted};
+        Arguments arguments = {sought};
         if (!all)
             arguments.push_back(GenericValue(a == b ? columns[a] : columns[a] + u" ," + columns[b]));
         const GenericValue found = call(table, u"Find", arguments);
@@ -159,8 +157,8 @@ class Table {
     void filter() {
         const std::size_t a = anyColumn();
         const std::size_t b = anyColumn();
-        const GenericValue wantedA = value(a);
-        const GenericValue wantedB = a == b ? wantedA : value(b);
+        const GenericValue wantedA = wanted(a);
+        const GenericValue wantedB = a == b ? wantedA : wanted(b);
         const GenericValue structure = make(u"Structure");
         call(structure, u"Insert", {Value(columns[a]), wantedA});
         call(structure, u"Insert", {Value(columns[b]), wantedB});
@@ -223,31 +221,14 @@ class Table {
             call(indexes, u"Delete", {below(count)});
         }
     }
-    /// Walks over the rows and deletes some of them, and others, on the way; each is seen
-    /// once unless deleted before.
+    /// Walks over the rows, and over them once more within that, while rows come, go and move.
     void walkAndChange() {
-        std::vector<int> expected;
-        for (const Row& row : rows)
-            expected.push_back(row.id);
-        const auto items = table.query<IValueCollection>()->enumerate();
-        std::size_t seen = 0;
-        for (GenericValue item; items->next(item);) {
-            const auto id = static_cast<int>(*property(item, u"Id").asNumeric());
-            const auto place =
-                std::find(expected.begin() + static_cast<std::ptrdiff_t>(seen), expected.end(), id);
-            ASSERT_NE(place, expected.end()) << "seen twice, out of order, or added later";
-            for (auto skipped = expected.begin() + static_cast<std::ptrdiff_t>(seen); skipped != place;
-                 ++skipped)
-                ASSERT_FALSE(std::any_of(rows.begin(), rows.end(),
-                                         [=](const Row& row) { return row.id == *skipped; }));
-            seen = static_cast<std::size_t>(place - expected.begin()) + 1;
-            item = {};
-            if (below(8) == 0 && !rows.empty())
-                remove(below(rows.size()));
-            if (below(16) == 0)
-                insert(below(rows.size() + 1));
-            if (below(64) == 0)
-                sort();
+        for (Walk outer(*this); outer.next(*this) && !testing::Test::HasFatalFailure();) {
+            disturb();
+            if (below(16) != 0)
+                continue;
+            for (Walk inner(*this); below(20) != 0 && inner.next(*this);)
+                disturb();
         }
     }
 
@@ -270,6 +251,74 @@ class Table {
     }
 
   private:
+    /// A walk that knows which rows it may still show: each once, in the order they had when it began, unless
+    /// deleted before.
+    class Walk {
+      public:
+        explicit Walk(const Table& table) : items_(table.table.query<IValueCollection>()->enumerate()) {
+            for (const Row& row : table.rows)
+                expected_.push_back(row.id);
+        }
+        bool next(const Table& table) {
+            GenericValue item;
+            const bool shown = items_->next(item);
+            const int id = shown ? static_cast<int>(*property(item, u"Id").asNumeric()) : 0;
+            while (!expected_.empty() && expected_.front() != id) {
+                EXPECT_FALSE(std::any_of(table.rows.begin(), table.rows.end(), [this](const Row& row) {
+                    return row.id == expected_.front();
+                })) << "a row was left out";
+                expected_.pop_front();
+            }
+            EXPECT_EQ(shown, !expected_.empty())
+                << "a row was shown twice, out of order, or though it came later";
+            if (!expected_.empty())
+                expected_.pop_front();
+            return shown;
+        }
+
+      private:
+        InterfacePtr<IValueEnum> items_;
+        std::deque<int> expected_;
+    };
+
+    void disturb() {
+        if (below(8) == 0 && !rows.empty())
+            remove(below(rows.size()));
+        if (below(16) == 0)
+            insert(below(rows.size() + 1));
+        if (below(64) == 0)
+            sort();
+    }
+    GenericValue number() {
+        const Numeric half = Numeric(static_cast<int>(below(13)) - 6) / 2;
+        return below(40) == 0 ? GenericValue(half * Numeric(10).pow(below(50))) : GenericValue(half);
+    }
+    /// Texts that begin alike, and that differ in case alone.
+    GenericValue textValue() {
+        const auto letter = static_cast<wchar>((below(2) == 0 ? u'a' : u'A') + below(4));
+        return (below(2) == 0 ? wstring(u"name ") : wstring(u"a name that is longer than a word ")) + letter;
+    }
+    GenericValue anything() {
+        const auto small = static_cast<int>(below(6));
+        switch (below(8)) {
+        case 0:
+            return GenericValue();
+        case 1:
+        case 2:
+            return number();
+        case 3:
+            return textValue();
+        case 4:
+            return Date(2000 + small, 1, 1);
+        case 5:
+            return small % 2 == 0;
+        case 6:
+            return Value::null();
+        default:
+            return Type(static_cast<Type::Code>(small));
+        }
+    }
+
     std::mt19937 random_;
     int nextId_ = 1;
 };

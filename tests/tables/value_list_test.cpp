@@ -108,8 +108,8 @@ TEST_F(Lists, BehaveAsAVectorOfItems) {
     for (int round = 0; round < 6000; ++round) {
         const std::size_t count = items.size();
         const int action = count < 2 || count < below(1500) ? 0 : static_cast<int>(below(12));
-        const GenericValue value =
-            below(2) == 0 ? GenericValue(below(9)) : GenericValue(u"v" + string_intto(below(9)));
+        const GenericValue value = below(2) == 0 ? GenericValue(Numeric(static_cast<int>(below(9)) - 4) / 2)
+                                                 : GenericValue(u"v" + string_intto(below(9)));
         if (action <= 2) {
             const std::size_t place = below(2) == 0 ? count : below(count + 1);
             const GenericValue text = wstring(1, static_cast<wchar>(u'a' + below(5)));

@@ -3,6 +3,9 @@
 // branches; what including subordinate rows means to search, total and sort.
 #include "tests/tables/table_model.h"
 
+#include <functional>
+#include <set>
+
 namespace {
 
 using namespace script;
@@ -132,6 +135,94 @@ TEST_F(Trees, BehaveAsRowsOfRows) {
         ASSERT_TRUE(std::is_sorted(below.begin(), below.end(), [](const Value& a, const Value& b) {
             return *property(a, u"A").asNumeric() > *property(b, u"A").asNumeric();
         }));
+    }
+}
+
+TEST_F(Trees, EndTheWalksOverRowsThatGo) {
+    const GenericValue top = property(tree_, u"Rows");
+    std::vector<GenericValue> all; // keeps every address from being used again
+    std::set<const IValue*> alive;
+    const auto add = [&](const GenericValue& rows) {
+        all.push_back(call(rows, u"Add"));
+        alive.insert(all.back().object());
+    };
+    const auto remove = [&](const GenericValue& row) {
+        std::vector<GenericValue> doomed = {row};
+        while (!doomed.empty()) {
+            const GenericValue next = doomed.back();
+            doomed.pop_back();
+            alive.erase(next.object());
+            const auto below = walk(property(next, u"Rows"));
+            doomed.insert(doomed.end(), below.begin(), below.end());
+        }
+        const GenericValue parent = property(row, u"Parent");
+        call(property(parent.isUndefined() ? tree_ : parent, u"Rows"), u"Delete", {row});
+    };
+    const auto any_alive = [&] {
+        const GenericValue& row = all[random_() % all.size()];
+        return alive.contains(row.object()) ? row : GenericValue();
+    };
+    // Walks within walks, while rows of any level come and go.
+    const std::function<void(const GenericValue&)> descend = [&](const GenericValue& rows) {
+        const auto items = rows.query<IValueCollection>()->enumerate();
+        std::set<const IValue*> seen;
+        for (GenericValue row; items->next(row);) {
+            ASSERT_TRUE(alive.contains(row.object())) << "a row that is gone was shown";
+            ASSERT_TRUE(seen.insert(row.object()).second) << "a row was shown twice";
+            const GenericValue below = property(row, u"Rows");
+            if (random_() % 4 == 0)
+                add(below);
+            descend(below);
+            if (const GenericValue doomed = any_alive(); random_() % 5 == 0 && !doomed.isUndefined())
+                remove(doomed);
+            if (!alive.contains(row.object()) && random_() % 2 == 0)
+                add(top);
+        }
+    };
+    for (int round = 0; round < 60 && !HasFatalFailure(); ++round) {
+        for (int i = 0; i < 20; ++i) {
+            const GenericValue parent = all.empty() ? GenericValue() : any_alive();
+            add(parent.isUndefined() ? top : property(parent, u"Rows"));
+        }
+        descend(top);
+    }
+}
+
+/// Counts how often it is held.
+class Held final : public IValueImpl {
+  public:
+    int holds = 0;
+
+    HRESULT QueryInterface(const GUID& iid, void** out) noexcept override {
+        if (iid != IValue::IID && iid != IUnknown::IID)
+            return *out = nullptr, kNoInterface;
+        *out = static_cast<IValue*>(this);
+        AddRef();
+        return kOk;
+    }
+    std::uint32_t AddRef() noexcept override { return static_cast<std::uint32_t>(++holds); }
+    std::uint32_t Release() noexcept override { return 1; }
+    IType* getType() const noexcept override { return Type(kValueArrayType).get(); }
+};
+
+TEST_F(Trees, LoadAColumnWithoutLookingAtOtherRows) {
+    Held held;
+    {
+        const GenericValue top = property(tree_, u"Rows");
+        for (int i = 0; i < 1000; ++i)
+            call(call(top, u"Add"), u"Set", {0, GenericValue(Value(&held))});
+        const GenericValue below = property(call(top, u"Get", {500}), u"Rows");
+        for (int i = 0; i < 3; ++i)
+            call(below, u"Add");
+        const GenericValue array = make(u"Array");
+        for (const int value : {1, 2})
+            call(array, u"Add", {value});
+        held.holds = 0;
+        call(below, u"LoadColumn", {array, u"A"});
+        EXPECT_LT(held.holds, 100);
+        const auto loaded = walk(call(below, u"UnloadColumn", {u"A"}));
+        EXPECT_EQ(loaded, (std::vector<GenericValue>{1, 2, GenericValue()}));
+        call(property(tree_, u"Rows"), u"Clear");
     }
 }
 

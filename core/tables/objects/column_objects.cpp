@@ -56,7 +56,7 @@ class ValueTableColumn : public TableObject<ValueTableColumn>, public IColumnObj
   private:
     [[nodiscard]] TableColumn& column() const {
         if (handle_.part() == nullptr)
-            throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {getType()->presentation()});
+            throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {handle_.lastName()});
         return *handle_.part();
     }
 

@@ -37,7 +37,7 @@ GenericValue find_row(TableData& data, RowId parent, bool subordinates, const Va
     std::vector<const TableColumn*> searched;
     for (const std::size_t column : optional_columns_argument(data, columns, 1))
         searched.push_back(&data.column(column));
-    const RowId row = first_row_with(RowList(data, parent, subordinates).range(), searched, value);
+    const RowId row = first_row_with(data, parent, subordinates, searched, value);
     return row != kNoRow ? row_value(data, row) : GenericValue();
 }
 

@@ -94,7 +94,7 @@ class RowCollection : public TableObject<T, true, rowType>, public IValueCollect
     GenericValue callTotal(std::span<GenericValue> arguments) {
         const std::size_t column = column_argument(data(), arguments[0], 0);
         const RowList list(data(), parent(), subordinates(arguments, 1));
-        return total(list.range(), data().column(column).cells);
+        return total(list.range(), data().column(column));
     }
     GenericValue callSort(std::span<GenericValue> arguments) {
         constexpr int kComparison = T::kHierarchical ? 2 : 1;

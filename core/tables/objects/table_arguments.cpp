@@ -111,9 +111,11 @@ std::size_t column_argument(const TableData& data, const Value& argument, int pa
     const auto object = argument.query<IColumnObject>();
     if (!object)
         parameter_type_mismatch(param);
-    const TableColumn* const column = object->handle().part();
-    if (column == nullptr || &object->handle().data() != &data)
-        throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {argument.presentation()});
+    const TableHandle<TableColumn>& handle = object->handle();
+    const TableColumn* const column = handle.part();
+    if (column == nullptr || &handle.data() != &data)
+        throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR",
+                                      {column != nullptr ? column->info.name : handle.lastName()});
     return data.positionOf(*column);
 }
 

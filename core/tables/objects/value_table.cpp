@@ -5,7 +5,7 @@
 #include "core/tables/objects/row_collection.h"
 #include "core/tables/objects/sub_object.h"
 #include "core/tables/objects/table_format.h"
-#include "core/tables/query/row_totals.h"
+#include "core/tables/query/group_by.h"
 
 #include <core/collections/value_structure.h>
 #include <core/runtime/error.h>
@@ -171,7 +171,7 @@ GenericValue ValueTable::callCopyColumns(std::span<GenericValue> arguments) {
 }
 
 GenericValue ValueTable::callGroupBy(std::span<GenericValue> arguments) {
-    ColumnList columns = column_list_argument(data_, arguments[0], 0, BlankList::noColumn);
+    const ColumnList columns = column_list_argument(data_, arguments[0], 0, BlankList::noColumn);
     ColumnList totals;
     if (!arguments[1].isUndefined())
         totals = column_list_argument(data_, arguments[1], 1, BlankList::noColumn);
@@ -179,27 +179,9 @@ GenericValue ValueTable::callGroupBy(std::span<GenericValue> arguments) {
         if (std::find(columns.begin(), columns.end(), column) != columns.end())
             throw_error<ContextException>("IDS_VT_GROUPBY_INTERSECT_ERROR", {data_.column(column).info.name});
     }
-
-    const RowList list(data_, kNoRow, false);
-    std::vector<const CellColumn*> keys;
-    for (const std::size_t column : columns)
-        keys.push_back(&data_.column(column).cells);
-    const RowGroups groups = group_rows(list.range(), keys);
-    std::vector<CellColumn> cells;
-    for (const CellColumn* const key : keys)
-        cells.push_back(key->copy(RowRange(groups.firstRows)));
-    for (const std::size_t column : totals) {
-        const TableColumn& summed = data_.column(column);
-        std::vector<Value> sums = group_totals(list.range(), groups, summed.cells);
-        CellColumn& sumCells = cells.emplace_back();
-        sumCells.grow(sums.size());
-        for (std::size_t i = 0; i < sums.size(); ++i) {
-            Value sum = summed.info.domain.adjust(std::move(sums[i]));
-            sumCells.exchange(static_cast<RowId>(i), sum);
-        }
-    }
-    columns.insert(columns.end(), totals.begin(), totals.end());
-    data_.regroup(columns, cells, groups.firstRows.size());
+    if (columns.empty() && totals.empty())
+        throw_error<ContextException>("IDS_VT_GROUPBY_NO_COLUMN_ERROR");
+    group_by(data_, columns, totals);
     return {};
 }
 

@@ -2,6 +2,7 @@
 #include "core/tables/query/row_search.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace core {
 namespace {
@@ -65,17 +66,69 @@ void put_in_order(std::vector<RowId>& rows, const RowOrder& order) {
                    [](const auto& place) { return place.second; });
 }
 
-std::vector<RowId> indexed_rows(const TableData& data, TableIndex& index,
-                                std::span<const RowCondition> filter) {
-    index.refresh(RowList(data, kNoRow, false).range());
+/// The rows that an index has for a filter, in no particular order.
+std::vector<RowId> looked_up(const TableData& data, TableIndex& index, std::span<const RowCondition> filter) {
+    if (!index.isCurrent())
+        index.refresh(RowList(data, kNoRow, false).range());
     std::vector<CellProbe> probes;
     for (const TableColumn* const column : index.columns())
         probes.push_back(column->cells.probe(*condition_for(filter, column)->value));
     std::vector<RowId> rows;
     index.find(probes, rows);
-    put_in_order(rows, data.rows());
     return rows;
 }
+
+/// A frequent value stands near the top, and looking there is quicker than going through all its rows in the
+/// index.
+constexpr std::size_t kTopRows = 64;
+
+std::vector<RowId> first_rows(const RowOrder& order, std::size_t count) {
+    std::vector<RowId> rows;
+    rows.reserve(std::min(count, order.size()));
+    order.walk([&](RowId row) {
+        if (rows.size() == count)
+            return false;
+        rows.push_back(row);
+        return true;
+    });
+    return rows;
+}
+
+/// The first row that any of several searches finds.
+class FirstRow {
+  public:
+    [[nodiscard]] RowId row() const noexcept { return row_; }
+
+    /// Looks at the rows before the one found so far. `rows` begin with the first one of the order. True when
+    /// one of them matches.
+    bool scan(RowRange rows, const RowCondition& condition) {
+        bool found = false;
+        with_test(condition.column->cells, *condition.value, [&](auto test) {
+            const std::size_t end = std::min(rows.size(), position_);
+            for (std::size_t i = 0; i < end && !found; ++i) {
+                found = test(rows[i]);
+                if (found)
+                    take(i, rows[i]);
+            }
+        });
+        return found;
+    }
+    void lookUp(const TableData& data, TableIndex& index, const RowCondition& condition) {
+        for (const RowId row : looked_up(data, index, {&condition, 1})) {
+            if (const std::size_t position = data.rows().positionOf(row); position < position_)
+                take(position, row);
+        }
+    }
+
+  private:
+    void take(std::size_t position, RowId row) noexcept {
+        position_ = position;
+        row_ = row;
+    }
+
+    std::size_t position_ = std::numeric_limits<std::size_t>::max();
+    RowId row_ = kNoRow;
+};
 
 } // namespace
 
@@ -91,7 +144,8 @@ RowList::RowList(const TableData& data, RowId parent, bool subordinates)
 std::vector<RowId> matching_rows(const TableData& data, RowId parent, bool subordinates,
                                  std::span<const RowCondition> filter) {
     if (TableIndex* const index = index_for(data, filter)) {
-        std::vector<RowId> rows = indexed_rows(data, *index, filter);
+        std::vector<RowId> rows = looked_up(data, *index, filter);
+        put_in_order(rows, data.rows());
         for (const RowCondition& condition : filter) {
             const bool answered =
                 index->covers(*condition.column) && condition_for(filter, condition.column) == &condition;
@@ -113,20 +167,25 @@ std::vector<RowId> matching_rows(const TableData& data, RowId parent, bool subor
     return rows;
 }
 
-RowId first_row_with(RowRange rows, std::span<const TableColumn* const> columns, const Value& value) {
-    RowId found = kNoRow;
-    std::size_t end = rows.size();
+RowId first_row_with(const TableData& data, RowId parent, bool subordinates,
+                     std::span<const TableColumn* const> columns, const Value& value) {
+    FirstRow first;
+    std::vector<const TableColumn*> scanned;
+    const std::vector<RowId> top = first_rows(data.rowsOf(parent), kTopRows);
     for (const TableColumn* const column : columns) {
-        with_test(column->cells, value, [&](auto test) {
-            for (std::size_t i = 0; i < end; ++i) {
-                if (test(rows[i])) {
-                    found = rows[i];
-                    end = i;
-                }
-            }
-        });
+        const RowCondition condition{column, &value};
+        TableIndex* const index = index_for(data, {&condition, 1});
+        if (index == nullptr)
+            scanned.push_back(column);
+        else if (!first.scan(RowRange(top), condition))
+            first.lookUp(data, *index, condition);
     }
-    return found;
+    if (!scanned.empty()) {
+        const RowList all(data, parent, subordinates);
+        for (const TableColumn* const column : scanned)
+            first.scan(all.range(), {column, &value});
+    }
+    return first.row();
 }
 
 } // namespace core

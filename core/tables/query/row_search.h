@@ -30,8 +30,9 @@ struct RowCondition {
 [[nodiscard]] std::vector<RowId> matching_rows(const TableData& data, RowId parent, bool subordinates,
                                                std::span<const RowCondition> filter);
 
-/// The first row with a cell, in one of the columns, that equals the value; kNoRow when there is none.
-[[nodiscard]] RowId first_row_with(RowRange rows, std::span<const TableColumn* const> columns,
-                                   const Value& value);
+/// The first row with a cell, in one of the columns, that equals the value; kNoRow when there is none. A
+/// column with an index of its own is looked up there.
+[[nodiscard]] RowId first_row_with(const TableData& data, RowId parent, bool subordinates,
+                                   std::span<const TableColumn* const> columns, const Value& value);
 
 } // namespace core

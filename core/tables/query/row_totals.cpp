@@ -183,10 +183,10 @@ std::vector<Value> group_totals(RowRange rows, const RowGroups& groups, const Ce
     }
 }
 
-Value total(RowRange rows, const CellColumn& cells) {
-    if (rows.size() == 0)
-        return {};
-    return group_totals(rows, group_rows(rows, {}), cells).front();
+Value total(RowRange rows, const TableColumn& column) {
+    if (rows.size() != 0)
+        return group_totals(rows, group_rows(rows, {}), column.cells).front();
+    return column.defaultValue.kind() == ValueKind::number ? column.defaultValue : Value();
 }
 
 } // namespace core
