@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""A copy of the project in build/mutate, built once like the preset "dev", in which one object at a time is compiled
-from a changed source and linked in. The checkout itself is only read. Each run takes a copy that no other run holds."""
+"""A copy of the project in build/mutate, built once like the preset "dev", in which the objects of one changed source at a
+time are compiled and linked in. The checkout itself is only read. Each run takes a copy that no other run holds."""
 import fcntl
 import json
 import os
@@ -56,8 +56,28 @@ class Workshop:
             if done[0]:
                 raise SystemExit(done[1].decode(errors="replace") + "mutate: the unchanged sources do not build")
         with open(os.path.join(self.build, "compile_commands.json"), encoding="utf-8") as file:
-            self.compile_commands = {os.path.relpath(entry["file"], self.tree): entry for entry in json.load(file)}
+            entries = json.load(file)
+        self.commands, self.object_of = {}, {}
+        for entry in entries:
+            words = shlex.split(entry["command"])
+            name = os.path.relpath(os.path.join(entry["directory"], words[words.index("-o") + 1]), self.build)
+            self.commands[name] = entry
+            self.object_of[os.path.relpath(entry["file"], self.tree)] = name
+        self.includers = self._includers()
         self.links = {}
+
+    def _includers(self):
+        """From each header to the objects that were made with it."""
+        listed = subprocess.run(["ninja", "-t", "deps"], cwd=self.build, stdout=subprocess.PIPE, text=True, check=True)
+        found, name = {}, None
+        for line in listed.stdout.splitlines():
+            if line.startswith("    "):
+                path = os.path.relpath(os.path.join(self.build, line.strip()), self.tree)
+                if path.endswith(".h") and not path.startswith(".."):
+                    found.setdefault(path, []).append(name)
+            elif ": #deps" in line:
+                name = line.split(":")[0]
+        return {path: [name for name in names if name in self.commands] for path, names in found.items()}
 
     def _copy(self):
         listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], cwd=self.root,
@@ -86,32 +106,43 @@ class Workshop:
             self.links[program] = [line for line in listed if " -c " not in line and ".o" in line]
         return self.links[program]
 
-    def builds(self, file):
-        return file in self.compile_commands
+    def objects(self, file, program):
+        """The objects that hold a source; for a header those of the library, of the host and of the test program."""
+        if file.endswith(".cpp"):
+            return [self.object_of[file]] if file in self.object_of else []
+        ours = ("core/CMakeFiles/", "host/CMakeFiles/", f"tests/CMakeFiles/{program}.dir/")
+        return [name for name in self.includers.get(file, []) if name.startswith(ours)]
 
-    def compile(self, file, text):
-        """The changed object, or None when the change does not compile."""
-        entry = self.compile_commands[file]
-        source = os.path.join(self.tree, file)
-        changed = source.removesuffix(".cpp") + ".changed.cpp"
-        words = [word for word in shlex.split(entry["command"]) if word != "-Werror"]
-        if "ccache" in os.path.basename(words[0]):
-            words.pop(0)
-        at = words.index("-o") + 1
-        self.object = os.path.relpath(os.path.join(entry["directory"], words[at]), self.build)
-        words[at] = os.path.join(entry["directory"], words[at]) + ".changed"
-        words[words.index(entry["file"])] = changed
+    def compile(self, file, text, program):
+        """The objects made with the changed source, or None when it does not compile. A changed header is laid before the
+        true one; a changed source lies beside the true one."""
+        header = file.endswith(".h")
+        changed = os.path.join(self.place, "changed", file.removeprefix("include/")) if header \
+            else os.path.join(self.tree, file.removesuffix(".cpp") + ".changed.cpp")
+        os.makedirs(os.path.dirname(changed), exist_ok=True)
         with open(changed, "w", encoding="utf-8") as out:
             out.write(text)
+        objects = self.objects(file, program)
         try:
-            code, _ = self._run([*words, *EXTRA], cwd=entry["directory"], limit=300)
+            for name in objects:
+                entry = self.commands[name]
+                words = [word for word in shlex.split(entry["command"]) if word != "-Werror"]
+                if "ccache" in os.path.basename(words[0]):
+                    words.pop(0)
+                words[words.index("-o") + 1] = os.path.join(self.build, name) + ".changed"
+                if header:
+                    words.insert(1, f"-I{os.path.join(self.place, 'changed')}")
+                else:
+                    words[words.index(entry["file"])] = changed
+                if self._run([*words, *EXTRA], cwd=entry["directory"], limit=300)[0] != 0:
+                    return None
         finally:
             os.remove(changed)
-        return self.object if code == 0 else None
+        return objects
 
     def link(self, program, changed):
-        """Links the program with the changed object: a shared library alone, a static one and all that takes it."""
-        affected = {changed: changed + ".changed"}
+        """Links the program with the changed objects: a shared library alone, a static one and all that takes it."""
+        affected = {name: name + ".changed" for name in changed}
         for command in self._commands(program):
             words = command.split()
             if not any(word in affected for word in words):
