@@ -3,11 +3,10 @@
 // the commit or as the one after it, with nothing wrong in it. CORE_NIGHTLY=1 tries tens of thousands of
 // cuts.
 #include "tests/support/fault_file.h"
-#include "tests/support/storage_model.h"
+#include "tests/support/storage_crowd.h"
+#include "tests/support/storage_fixture.h"
 
 #include <core/runtime/utf8.h>
-
-#include <gtest/gtest.h>
 
 namespace core {
 namespace {
@@ -29,48 +28,26 @@ void expect_whole(const StorageRW& storage, const std::string& where) {
         ADD_FAILURE() << where << ": " << to_utf8(problem.text());
 }
 
-class Crash : public testing::TestWithParam<const StorageLayout*> {
+class Crash : public test::InBothLayouts {
   protected:
     /// Runs a workload, then cuts the power after each of its events.
     void run(unsigned seed, int cutsEach) {
-        const StorageLayout& layout = *GetParam();
         FaultDisk disk;
         test::Random random(seed);
-        StorageRW::create(*test::open_fault_file(disk), layout);
+        StorageRW::create(*test::open_fault_file(disk), layout_);
         const Bytes start = disk.bytes;
         disk.recording = true;
         std::vector<State> states{{{}, 0, 0}};
         {
-            StorageRW storage(test::open_fault_file(disk), layout);
-            Model model;
+            test::Crowd crowd([&] { return test::open_fault_file(disk); }, layout_, random);
+            states.push_back({crowd.model(), 0, disk.trace.size()});
             for (int step = 0; step < 12; ++step) {
                 const std::size_t begun = disk.trace.size();
-                switch (random.below(6)) {
-                case 0: { // several changes as one
-                    StorageTransaction transaction(storage);
-                    for (std::size_t i = random.below(6); i > 0; --i)
-                        test::change(random, storage, model);
-                    transaction.commit();
-                    break;
-                }
-                case 1: { // changes that come to nothing
-                    StorageTransaction transaction(storage);
-                    Model ignored = model;
-                    for (std::size_t i = random.below(3); i > 0; --i)
-                        test::change(random, storage, ignored);
-                    break;
-                }
-                case 2:
-                    if (random.below(2) == 0)
-                        storage.compact();
-                    break;
-                default:
-                    test::change(random, storage, model);
-                }
-                ASSERT_EQ(test::contents(storage), model) << "seed " << seed;
-                expect_whole(storage, "seed " + std::to_string(seed));
-                states.push_back({model, begun, disk.trace.size()});
+                crowd.step();
+                states.push_back({crowd.model(), begun, disk.trace.size()});
+                ASSERT_NO_THROW(crowd.check()) << "seed " << seed << " step " << step;
             }
+            disk.recording = false; // before a file that is still open is closed
         }
         for (std::size_t cut = 0; cut <= disk.trace.size(); ++cut) {
             for (int i = 0; i < cutsEach; ++i) {
@@ -87,7 +64,7 @@ class Crash : public testing::TestWithParam<const StorageLayout*> {
 
     void expectOneOf(FaultDisk& disk, const std::vector<State>& states, std::size_t cut,
                      const std::string& where) {
-        StorageRW storage(test::open_fault_file(disk), *GetParam());
+        StorageRW storage(test::open_fault_file(disk), layout_);
         expect_whole(storage, where);
         const Model found = test::contents(storage);
         const bool known = std::any_of(states.begin(), states.end(), [&](const State& state) {
@@ -106,8 +83,7 @@ class Crash : public testing::TestWithParam<const StorageLayout*> {
 
     std::size_t cuts_ = 0;
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Crash, testing::Values(&kStorageLayout32, &kStorageLayout64),
-                         [](const auto& info) { return info.param == &kStorageLayout32 ? "32" : "64"; });
+INSTANTIATE_TEST_SUITE_P(Layouts, Crash, test::kBothLayouts, test::name_of_layout);
 
 TEST_P(Crash, LeavesTheOldStateOrTheNewOne) {
     const std::size_t wanted = is_nightly() ? 20000 : 300;

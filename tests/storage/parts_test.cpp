@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The parts of a container, each by itself: chains of blocks, the table of inner files, attributes, open
 // inner files. Together they read any container without the class that writes it.
-#include "tests/support/storage_model.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/storage_fixture.h"
 
 #include <cerrno>
 
@@ -13,9 +11,8 @@ namespace {
 using test::Bytes;
 using test::Model;
 
-class Parts : public testing::TestWithParam<const StorageLayout*> {
+class Parts : public test::MemoryContainer {
   protected:
-    [[nodiscard]] InterfacePtr<IFile> file() const { return open_memory_file(data_); }
     [[nodiscard]] Bytes contentAt(std::uint64_t address) const {
         ChainInFile chain(layout_);
         chain.read(*file(), address, u"box");
@@ -24,16 +21,11 @@ class Parts : public testing::TestWithParam<const StorageLayout*> {
         EXPECT_EQ(chain.address(), address);
         return content;
     }
-
-    const StorageLayout& layout_ = *GetParam();
-    std::shared_ptr<MemoryFileData> data_ = create_memory_data();
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Parts, testing::Values(&kStorageLayout32, &kStorageLayout64),
-                         [](const auto& info) { return info.param == &kStorageLayout32 ? "32" : "64"; });
+INSTANTIATE_TEST_SUITE_P(Layouts, Parts, test::kBothLayouts, test::name_of_layout);
 
 TEST_P(Parts, ReadWhatAContainerHolds) {
-    StorageRW::create(*file(), layout_);
-    StorageRW storage(file(), layout_);
+    StorageRW storage = open();
     test::Random random(41);
     Model model;
     for (int round = 0; round < 40; ++round) {
@@ -57,9 +49,8 @@ TEST_P(Parts, ReadWhatAContainerHolds) {
 }
 
 TEST_P(Parts, AChainThatIsDamagedLeavesTheObjectAsItWas) {
-    StorageRW::create(*file(), layout_);
-    StorageRW(file(), layout_).put(u"a", Bytes(1300, std::byte{5}));
-    const auto bytes = read_whole(*file());
+    open().put(u"a", Bytes(1300, std::byte{5}));
+    const auto bytes = raw();
     StorageFilesType table(layout_);
     ASSERT_TRUE(table.decode(contentAt(layout_.headerSize()), false));
     const std::uint64_t address = table.find(u"a").value().data;
@@ -153,8 +144,7 @@ TEST_P(Parts, AnUnsortedTableNeedsTheOption) {
 }
 
 TEST_P(Parts, AnOpenInnerFileKeepsItsContainerOpen) {
-    StorageRW::create(*file(), layout_);
-    std::optional<StorageRW> storage(std::in_place, file(), layout_);
+    std::optional<StorageRW> storage(open());
     const auto writer = make_object<FileWithBuffer2>(*storage, u"a", OpenMode::createNew);
     EXPECT_EQ(writer->name(), u"a");
     write_all(*writer, Bytes(1000, std::byte{1}));
@@ -172,7 +162,7 @@ TEST_P(Parts, AnOpenInnerFileKeepsItsContainerOpen) {
     EXPECT_EQ(reader->length(), 1000U);
     EXPECT_EQ(read_whole(*reader), Bytes(1000, std::byte{1}));
     writer->close();
-    EXPECT_EQ(StorageRW(file(), layout_).get(u"a").size(), 1005U);
+    EXPECT_EQ(open().get(u"a").size(), 1005U);
 }
 
 TEST(Storage64, HasTheWideLayoutThroughout) {

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The format as somebody else reads and writes it, who has only its description: tests/storage/container.py.
-#include "tests/support/storage_model.h"
+#include "tests/support/storage_fixture.h"
 
 #include <core/runtime/utf8.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -36,7 +34,7 @@ std::string listing(const StorageRW& storage) {
     return lines.str();
 }
 
-class Python : public testing::TestWithParam<const StorageLayout*> {
+class Python : public test::InBothLayouts {
   protected:
     void SetUp() override {
         if (std::system("python3 -c ''") != 0)
@@ -57,12 +55,10 @@ class Python : public testing::TestWithParam<const StorageLayout*> {
         return text.str();
     }
 
-    const StorageLayout& layout_ = *GetParam();
     const std::string container_ = file_path(create_temp_file_service()->createNamed());
     const std::string lines_ = container_ + ".txt";
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Python, testing::Values(&kStorageLayout32, &kStorageLayout64),
-                         [](const auto& info) { return info.param == &kStorageLayout32 ? "32" : "64"; });
+INSTANTIATE_TEST_SUITE_P(Layouts, Python, test::kBothLayouts, test::name_of_layout);
 
 TEST_P(Python, ReadsWhatTheLibraryWrote) {
     StorageRW::create(*open_disk_file(container_, OpenMode::readWrite), layout_);

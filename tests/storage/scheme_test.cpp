@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/storage_model.h"
+#include "tests/support/storage_fixture.h"
 
 #include <core/runtime/utf8.h>
-
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
@@ -13,19 +11,10 @@ namespace {
 
 using test::Bytes;
 
+using test::kind_of;
 using Kind = StorageException::Kind;
 
-template <class Call>
-Kind kind_of(Call call) {
-    try {
-        call();
-    } catch (const StorageException& e) {
-        return e.kind();
-    }
-    return Kind::none;
-}
-
-class Scheme : public testing::TestWithParam<const StorageLayout*> {
+class Scheme : public test::InBothLayouts {
   protected:
     [[nodiscard]] InterfacePtr<IStorageScheme> scheme() const {
         return system_->findScheme(wstring(layout_.scheme)).query<IStorageScheme>();
@@ -49,11 +38,9 @@ class Scheme : public testing::TestWithParam<const StorageLayout*> {
         return names;
     }
 
-    const StorageLayout& layout_ = *GetParam();
     InterfacePtr<IFileSystem> system_ = create_file_system();
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Scheme, testing::Values(&kStorageLayout32, &kStorageLayout64),
-                         [](const auto& info) { return info.param == &kStorageLayout32 ? "32" : "64"; });
+INSTANTIATE_TEST_SUITE_P(Layouts, Scheme, test::kBothLayouts, test::name_of_layout);
 
 TEST_P(Scheme, GivesEachContainerANumberedRoot) {
     ASSERT_TRUE(scheme());

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a damaged container holds: the caller gets an error that says so, in bounded time, and nothing more is
+// damaged.
+#include "tests/support/fault_container.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace core {
+namespace {
+
+using test::Bytes;
+using test::FaultDisk;
+
+class Damaged : public test::FaultContainer {
+  protected:
+    /// Whatever the bytes are: opening, reading and changing says that the format is bad, or works. Returns
+    /// whether anything was found to be wrong. What fails its checks is not written to.
+    bool survives(const Bytes& bytes) {
+        FaultDisk disk;
+        disk.bytes = bytes;
+        bool wrong = false;
+        const auto attempt = [&](auto call) {
+            try {
+                call();
+            } catch (const StorageException& e) {
+                EXPECT_EQ(e.kind(), StorageException::Kind::badFormat) << e.what();
+                EXPECT_TRUE(e.url().starts_with(u"fault://disk")) << e.what();
+                wrong = true;
+            }
+        };
+        attempt([&] {
+            StorageRW storage(test::open_fault_file(disk), layout_);
+            attempt([&] { wrong = !storage.check().isClean() || wrong; });
+            attempt([&] { (void)test::contents(storage); });
+            attempt([&] { (void)storage.info(); });
+            std::vector<wstring> names;
+            attempt([&] {
+                for (const StorageFound& found : storage.find())
+                    names.push_back(found.name);
+            });
+            for (const wstring& name : names)
+                attempt([&] { (void)read_whole(*storage.open(name, OpenMode::read)); });
+            EXPECT_EQ(disk.bytes, bytes);
+        });
+        if (!wrong)
+            return false;
+        attempt([&] {
+            StorageRW storage(test::open_fault_file(disk), layout_);
+            storage.put(u"kept", Bytes(10));
+            storage.removeAll(u"*");
+            storage.compact();
+        });
+        return true;
+    }
+    /// The bytes of the container with the text at `offset` replaced.
+    Bytes with(std::uint64_t offset, std::string_view text) {
+        Bytes bytes = disk_.bytes;
+        for (std::size_t i = 0; i < text.size(); ++i)
+            bytes.at(offset + i) = static_cast<std::byte>(text[i]);
+        return bytes;
+    }
+    [[nodiscard]] Bytes raw(std::uint64_t number) const {
+        Bytes bytes(layout_.width);
+        for (std::byte& b : bytes) {
+            b = static_cast<std::byte>(number);
+            number >>= 8;
+        }
+        return bytes;
+    }
+    std::string hex(std::uint64_t number) const {
+        std::string text(layout_.digits(), '0');
+        for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number /= 16)
+            *digit = "0123456789abcdef"[number % 16];
+        return text;
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Layouts, Damaged, test::kBothLayouts, test::name_of_layout);
+
+TEST_P(Damaged, IsFoundInBlockHeaders) {
+    // "kept" is found by its size; its blocks follow each other.
+    const std::string mark = "\r\n" + hex(5000) + " ";
+    const auto* const text = reinterpret_cast<const char*>(disk_.bytes.data());
+    const auto first = std::string_view(text, disk_.bytes.size()).find(mark);
+    ASSERT_NE(first, std::string_view::npos);
+    const std::uint64_t block = first + layout_.blockLength(512);
+    ASSERT_EQ(text[block], '\r');
+    const std::size_t digits = layout_.digits();
+    const std::uint64_t size = block + 3 + digits;
+    const std::uint64_t next = size + digits + 1;
+    EXPECT_FALSE(survives(disk_.bytes));
+    EXPECT_FALSE(survives(with(block + 2, std::string(digits, 'F'))))
+        << "the chain's size counts in its first block";
+    EXPECT_FALSE(survives(with(size + digits - 3, "2"))) << "the same digit";
+    Bytes upper = disk_.bytes;
+    for (std::size_t i = 0; i < digits; ++i) {
+        std::byte& digit = upper.at(next + i);
+        if (digit >= std::byte{'a'})
+            digit &= std::byte{0xDF};
+    }
+    EXPECT_FALSE(survives(upper)) << "digits may be upper case";
+    EXPECT_TRUE(survives(with(next, " "))) << "a blank is no digit";
+    EXPECT_TRUE(survives(with(next, "\x80")));
+    EXPECT_TRUE(survives(with(next, "g")));
+    EXPECT_TRUE(survives(with(block, "\n\r")));
+    EXPECT_TRUE(survives(with(next + digits + 1, "\r\r")));
+    EXPECT_TRUE(survives(with(next, hex(block)))) << "a circle of one";
+    EXPECT_TRUE(survives(with(next, hex(first)))) << "a circle of two";
+    EXPECT_TRUE(survives(with(next, hex(layout_.null)))) << "shorter than the size";
+    EXPECT_TRUE(survives(with(next, hex(disk_.bytes.size() + 5)))) << "outside";
+    EXPECT_TRUE(survives(with(next, hex(layout_.null - 1))));
+    EXPECT_TRUE(survives(with(next, hex(0)))) << "the header is no block";
+    EXPECT_TRUE(survives(with(size, hex(disk_.bytes.size())))) << "a data area beyond the end";
+    EXPECT_TRUE(survives(with(size, hex(layout_.null))));
+    EXPECT_TRUE(survives(with(size, hex(0)))) << "no data: shorter than the size";
+    EXPECT_TRUE(survives(with(first + 2, hex(layout_.null)))) << "a huge chain";
+}
+
+/// A container of many files whose chains have blocks in common: each begins with a block of its own and goes
+/// on with the same long tail.
+TEST_P(Damaged, ManyChainsOverTheSameBlocksTakeTheTimeOfOne) {
+    constexpr std::uint64_t kFiles = 3000;
+    constexpr std::uint64_t kTail = 6000;
+    const std::uint64_t step = layout_.blockLength(0);
+    StorageFilesType table(layout_);
+    const std::uint64_t tableEnd = layout_.emptyLength() + layout_.blockLength(kFiles * 40);
+    const std::uint64_t tail = tableEnd + kFiles * step;
+    table.setEnd(tail + 2 * kTail * step);
+    for (std::uint64_t i = 0; i < kFiles; ++i)
+        table.set(from_utf8(std::to_string(i)), {layout_.null, tableEnd + i * step});
+    const Bytes content = table.encode();
+    Bytes bytes(table.end());
+    const auto put = [&](std::uint64_t at, std::string_view text) {
+        for (const char c : text)
+            bytes.at(at++) = static_cast<std::byte>(c);
+    };
+    const auto header = [&](std::uint64_t at, std::uint64_t chain, std::uint64_t size, std::uint64_t next) {
+        put(at, "\r\n" + hex(chain) + " " + hex(size) + " " + hex(next) + " \r\n");
+    };
+    std::copy_n(disk_.bytes.begin(), layout_.emptyLength(), bytes.begin());
+    const Bytes null = raw(layout_.null); // nothing is free
+    std::copy(null.begin(), null.end(), bytes.begin());
+    header(layout_.headerSize(), content.size(), 512, layout_.emptyLength());
+    header(layout_.emptyLength(), 0, kFiles * 40, layout_.null);
+    std::copy(content.begin() + 512, content.end(),
+              bytes.begin() + static_cast<std::ptrdiff_t>(layout_.emptyLength() + layout_.blockHeaderSize()));
+    for (std::uint64_t i = 0; i < kFiles; ++i)
+        header(tableEnd + i * step, 0, 0, tail);
+    for (std::uint64_t i = 0; i < kTail; ++i) // with gaps, so that no two blocks are one run
+        header(tail + 2 * i * step, 0, 0, i + 1 < kTail ? tail + 2 * (i + 1) * step : layout_.null);
+
+    FaultDisk disk;
+    disk.bytes = bytes;
+    StorageRW storage(test::open_fault_file(disk), layout_);
+    disk.calls = 0;
+    const StorageCheck check = storage.check();
+    EXPECT_FALSE(check.isClean());
+    EXPECT_EQ(check.files, kFiles);
+    EXPECT_LT(check.blocks, 100 * kTail);
+    const std::uint64_t checked = disk.calls;
+    EXPECT_THROW(storage.removeAll(u"*"), StorageException);
+    EXPECT_LT(disk.calls, 3 * checked);
+    EXPECT_EQ(disk.bytes, bytes);
+}
+
+TEST_P(Damaged, AHugeSizeIsNotBelieved) {
+    const auto file = create_temp_file(std::filesystem::temp_directory_path().string());
+    const std::string mark = "\r\n" + hex(5000) + " ";
+    Bytes bytes = disk_.bytes;
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const std::size_t kept = text.find(mark);
+    const std::uint64_t huge = layout_.width == 8 ? std::uint64_t{1} << 42 : 0x7FFF0000;
+    write_all_at(*file, 0, bytes);
+    file->truncate(huge + (std::uint64_t{1} << 12)); // full of holes
+    const std::string number = hex(huge - (1 << 20));
+    write_all_at(*file, kept + 2, std::as_bytes(std::span(number)));
+    // The end of the container stands behind the number of files, in the second block of the table.
+    const std::uint64_t second = std::stoull(
+        std::string(text.substr(layout_.headerSize() + 4 + 2 * layout_.digits(), layout_.digits())), nullptr,
+        16);
+    write_all_at(*file, second + layout_.blockHeaderSize() + layout_.width, raw(huge));
+    const StorageRW storage(file, layout_);
+    const auto refused = [&](auto call) {
+        try {
+            call();
+        } catch (const StorageException& e) {
+            return e.kind() == StorageException::Kind::badFormat;
+        }
+        return false;
+    };
+    EXPECT_TRUE(refused([&] { (void)storage.get(u"kept"); }));
+}
+
+TEST_P(Damaged, IsFoundWhereverBytesAreFlippedOrCutOff) {
+    test::Random random(17);
+    int found = 0;
+    for (int round = 0; round < 3000; ++round) {
+        Bytes bytes = disk_.bytes;
+        // Mostly where it matters: headers, table, free chain.
+        const std::size_t limit = random.below(2) == 0 ? 200 : bytes.size();
+        for (std::size_t i = random.below(4) + 1; i > 0; --i)
+            bytes[random.below(limit)] = static_cast<std::byte>(random.engine());
+        if (random.below(10) == 0)
+            bytes.resize(random.below(bytes.size()));
+        found += survives(bytes) ? 1 : 0;
+    }
+    EXPECT_GT(found, 500);
+}
+
+TEST_P(Damaged, OtherLayoutsAndOtherFilesAreRefused) {
+    const StorageLayout& other = layout_.width == 4 ? kStorageLayout64 : kStorageLayout32;
+    const auto refused = [](const Bytes& bytes, const StorageLayout& layout) {
+        FaultDisk disk;
+        disk.bytes = bytes;
+        try {
+            const StorageRW storage(test::open_fault_file(disk), layout, {}, u"lumstg:///there");
+        } catch (const StorageException& e) {
+            return e.kind() == StorageException::Kind::badFormat && e.url() == u"lumstg:///there";
+        }
+        return false;
+    };
+    EXPECT_TRUE(refused(disk_.bytes, other));
+    EXPECT_TRUE(refused({}, layout_));
+    EXPECT_TRUE(refused(Bytes(15), layout_));
+    EXPECT_TRUE(refused(Bytes(100000), layout_));
+}
+
+} // namespace
+} // namespace core

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: Apache-2.0
+// A container in several hands: open inner files, other handles, threads.
+#include "tests/support/storage_crowd.h"
+#include "tests/support/storage_fixture.h"
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+
+namespace core {
+namespace {
+
+using test::Bytes;
+using test::bytes_of;
+using test::message_of;
+using test::Model;
+using test::ReplacedClock;
+
+class Sharing : public test::MemoryContainer {};
+INSTANTIATE_TEST_SUITE_P(Layouts, Sharing, test::kBothLayouts, test::name_of_layout);
+
+TEST_P(Sharing, HoldsWhatAModelHoldsWhoeverElseHasFilesOpen) {
+    for (unsigned seed = 1; seed <= 12; ++seed) {
+        StorageRW::replace(*open_memory_file(data_), layout_);
+        test::Random random(seed);
+        test::Crowd crowd([&] { return open_memory_file(data_); }, layout_, random);
+        for (int step = 0; step < 80; ++step) {
+            ASSERT_NO_THROW(crowd.step()) << "seed " << seed << " step " << step;
+            ASSERT_NO_THROW(crowd.check()) << "seed " << seed << " step " << step;
+        }
+    }
+}
+
+TEST_P(Sharing, LetsOneWriteAFileAndTellsReadersOfIt) {
+    StorageRW storage = open();
+    const Bytes old(200000, std::byte{1});
+    storage.put(u"a", old);
+    storage.put(u"other", old);
+    const auto reader = storage.open(u"a", OpenMode::read);
+    const auto bystander = storage.open(u"other", OpenMode::read);
+    Bytes part(10);
+    EXPECT_EQ(reader->read(part.data(), 10), 10U);
+    const auto writer = storage.open(u"a", OpenMode::readWrite);
+    write_all_at(*writer, 100000, bytes_of("new"));
+    EXPECT_EQ(storage.get(u"a"), old) << "not visible before it is closed";
+    EXPECT_EQ(read_all_at(*reader, 150000, part), 10U);
+    EXPECT_FALSE(message_of([&] { (void)storage.open(u"a", OpenMode::create); }).empty());
+    EXPECT_FALSE(message_of([&] { storage.remove(u"a"); }).empty());
+    EXPECT_FALSE(message_of([&] { storage.rename(u"other", u"a"); }).empty());
+    writer->flush();
+    EXPECT_NE(storage.get(u"a"), old) << "a flush publishes";
+    write_all_at(*writer, 0, bytes_of("more"));
+    writer->close();
+    EXPECT_EQ(storage.get(u"a")[0], std::byte{'m'});
+    EXPECT_THROW((void)read_all_at(*reader, 190000, part), StorageException) << "half old, half new";
+    storage.compact();
+    EXPECT_EQ(read_all_at(*bystander, 190000, part), 10U) << "moved, but the same";
+    storage.remove(u"other");
+    EXPECT_THROW((void)read_all_at(*bystander, 0, part), StorageException);
+    reader->close();
+    EXPECT_THROW((void)reader->read(part.data(), 1), FileException);
+    EXPECT_THROW((void)bystander->write(part.data(), 1), FileException);
+}
+
+TEST_P(Sharing, GivesUpAFileThatAnExceptionLetsGoOf) {
+    StorageRW storage = open();
+    storage.put(u"a", bytes_of("old"));
+    try {
+        const auto file = storage.open(u"a", OpenMode::replace);
+        write_all(*file, Bytes(100000));
+        throw std::runtime_error("no more");
+    } catch (const std::runtime_error&) {
+    }
+    EXPECT_EQ(storage.get(u"a"), bytes_of("old"));
+    write_all(*storage.open(u"a", OpenMode::replace), bytes_of("let go of without a word"));
+    EXPECT_EQ(storage.get(u"a"), bytes_of("let go of without a word"));
+    const auto late = storage.open(u"b", OpenMode::create);
+    storage.begin();
+    storage.put(u"c", {});
+    storage.rollback();
+    EXPECT_THROW(late->close(), StorageException) << "the rollback took it back, too";
+    EXPECT_FALSE(storage.contains(u"b"));
+    EXPECT_TRUE(storage.check().isClean());
+}
+
+TEST_P(Sharing, TakingBackConcernsWhatWasChangedAlone) {
+    StorageRW storage = open();
+    const Bytes old(200000, std::byte{1});
+    storage.put(u"a", old);
+    storage.put(u"b", old);
+    const auto bystander = storage.open(u"a", OpenMode::read);
+    Bytes part(10);
+    storage.begin();
+    storage.put(u"b", {});
+    const auto reader = storage.open(u"b", OpenMode::read);
+    const auto writer = storage.open(u"c", OpenMode::create);
+    write_all(*writer, old);
+    storage.rollback();
+    EXPECT_EQ(read_all_at(*bystander, 150000, part), 10U);
+    EXPECT_EQ(storage.get(u"b"), old);
+    storage.put(u"d", old); // while what the writer had written is free again
+    EXPECT_EQ(read_all_at(*bystander, 50000, part), 10U);
+    EXPECT_THROW(writer->close(), StorageException);
+    storage.put(u"e", old);
+    EXPECT_TRUE(storage.check().isClean());
+    EXPECT_EQ(test::contents(storage), (Model{{u"a", old}, {u"b", old}, {u"d", old}, {u"e", old}}));
+}
+
+TEST_P(Sharing, IsReplacedInItsTurn) {
+    ReplacedClock clock;
+    StorageRW storage = open();
+    storage.put(u"a", Bytes(5000));
+    auto held = storage.open(u"b", OpenMode::create);
+    EXPECT_THROW(StorageRW::replace(*open_memory_file(data_), layout_), StorageException);
+    held->close();
+    EXPECT_TRUE(storage.contains(u"a"));
+    StorageRW::replace(*open_memory_file(data_), layout_);
+    EXPECT_EQ(raw().size(), layout_.emptyLength());
+    EXPECT_EQ(storage.find().size(), 0U) << "who has it open sees it";
+    storage.put(u"c", Bytes(5000));
+    EXPECT_EQ(test::contents(open()), (Model{{u"c", Bytes(5000)}}));
+}
+
+TEST_P(Sharing, SharesTheFileWithOtherOpenContainers) {
+    ReplacedClock clock;
+    StorageRW a = open();
+    StorageRW b = open();
+    a.put(u"x", bytes_of("1"));
+    EXPECT_EQ(b.get(u"x"), bytes_of("1"));
+    b.put(u"x", bytes_of("2"));
+    EXPECT_EQ(a.get(u"x"), bytes_of("2"));
+
+    const auto held = a.open(u"y", OpenMode::create);
+    EXPECT_NE(message_of([&] { b.put(u"z", {}); }), u"") << "the turn is not given up";
+    EXPECT_GE(clock.sleeps, 1000) << "20 seconds, 50 times a second";
+    EXPECT_LE(clock.sleeps, 1002);
+    held->close();
+    b.put(u"z", {});
+    {
+        const StorageReading reading(a);
+        EXPECT_NE(message_of([&] { b.put(u"late", {}); }), u"") << "a commit waits for readers";
+        EXPECT_FALSE(a.contains(u"late"));
+    }
+    b.put(u"late", {});
+    EXPECT_EQ(test::contents(a), test::contents(b));
+    EXPECT_TRUE(a.check().isClean());
+}
+
+TEST_P(Sharing, ThreadsShareOneHandle) {
+    StorageRW storage = open();
+    constexpr int kRounds = 200;
+    const auto contentOf = [](int round) {
+        return Bytes(100 + 37 * static_cast<std::size_t>(round % 50), static_cast<std::byte>(round));
+    };
+    storage.put(u"a", contentOf(0));
+    std::atomic<bool> wrong = false;
+    const auto read = [&] {
+        for (int i = 0; i < kRounds; ++i) {
+            try {
+                const Bytes bytes =
+                    i % 2 == 0 ? storage.get(u"a") : read_whole(*storage.open(u"a", OpenMode::read));
+                wrong = wrong || bytes.empty() || bytes != Bytes(bytes.size(), bytes[0]);
+            } catch (const StorageException& e) { // replaced while it was open
+                wrong = wrong || i % 2 == 0;
+            }
+        }
+    };
+    std::thread readers[] = {std::thread(read), std::thread(read)};
+    std::thread other([&] {
+        for (int round = 1; round <= kRounds; ++round) {
+            const auto file = storage.open(u"b", OpenMode::replace);
+            write_all(*file, contentOf(round));
+            file->close();
+        }
+    });
+    for (int round = 1; round <= kRounds; ++round)
+        storage.put(u"a", contentOf(round));
+    for (std::thread& thread : readers)
+        thread.join();
+    other.join();
+    EXPECT_FALSE(wrong);
+    EXPECT_EQ(test::contents(storage), (Model{{u"a", contentOf(kRounds)}, {u"b", contentOf(kRounds)}}));
+    EXPECT_EQ(storage.changeCounter(), 1U + 2 * kRounds);
+    EXPECT_TRUE(storage.check().isClean());
+}
+
+TEST_P(Sharing, IsMadeOnceWhoeverElseTries) {
+    const auto data = create_memory_data();
+    const auto first = open_memory_file(data);
+    const InterfacePtr<ISharedFile> locks(first);
+    constexpr std::uint64_t kTurn = std::uint64_t{1} << 62;
+    ASSERT_TRUE(locks->tryLock(kTurn, 1, LockKind::exclusive));
+    // The other one comes while the file is empty, and gets on when a file has been committed.
+    bool made = true;
+    std::thread other([&] { made = StorageRW::createIfEmpty(*open_memory_file(data), layout_); });
+    write_all_at(*first, 0, raw());
+    locks->unlock(kTurn, 1);
+    StorageRW storage(first, layout_);
+    storage.put(u"a", bytes_of("kept"));
+    other.join();
+    EXPECT_FALSE(made);
+    EXPECT_EQ(test::contents(storage), (Model{{u"a", bytes_of("kept")}}));
+}
+
+} // namespace
+} // namespace core
