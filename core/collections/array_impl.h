@@ -1,19 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/collections/arguments.h"
-#include "core/context/gathered_enum.h"
+#include "core/collections/stored_count.h"
 
 #include <core/collections/terms.h>
 #include <core/collections/value_array.h>
-#include <core/context/context_def_ext.h>
-#include <core/context/context_impl.h>
-#include <core/context/iteration.h>
-#include <core/lists/list_in_stream.h>
+#include <core/context/arguments.h>
+#include <core/context/script_object.h>
 #include <core/lists/list_out_stream.h>
-#include <core/persistence/persistence.h>
-#include <core/values/type_object.h>
-#include <core/values/value_impl.h>
 
 #include <algorithm>
 
@@ -21,23 +15,10 @@ namespace core {
 
 /// What both arrays are: values that can be read, found, walked, written and read back. `I` is what an array
 /// offers to modules.
-template <class T, class I, const GUID* clsid>
-class ArrayImpl : public IValueImpl,
-                  public IContextImpl<IContextDefImpl<T>>,
-                  public ContextDefExtImpl<T, true>,
-                  public I,
-                  public IValueCollection,
-                  public IPersistableObjectImpl<T, clsid> {
+template <class T, class I>
+class ArrayImpl : public ScriptObject<T, I, IValueCollection, IPersistableObject> {
   public:
     explicit ArrayImpl(std::vector<Value> values = {}) noexcept : values_(std::move(values)) {}
-
-    static std::span<const Property<T>> properties() noexcept { return {}; }
-
-    // IValue
-    bool getString(wstring& out) const override {
-        out = this->getType()->presentation();
-        return true;
-    }
 
     // IValueSequence
     std::span<const Value> values() const noexcept override { return values_; }
@@ -53,7 +34,7 @@ class ArrayImpl : public IValueImpl,
     }
 
     // IValueCollection
-    InterfacePtr<IValueEnum> enumerate() override { return make_object<GatheredEnum>(values_); }
+    InterfacePtr<IValueEnum> enumerate() override { return create_value_enum(values_); }
 
     // IPersistableObject
     void serialize(IOutPersistenceStorage* storage) const override {
@@ -79,10 +60,7 @@ class ArrayImpl : public IValueImpl,
 
     /// The index that an argument names; it must be that of an element.
     [[nodiscard]] std::size_t indexOf(const Value& argument) const {
-        const std::int64_t index = index_argument(argument, 0);
-        if (index < 0 || static_cast<std::uint64_t>(index) >= values_.size())
-            throw_bad_index();
-        return static_cast<std::size_t>(index);
+        return position_argument(argument, 0, values_.size());
     }
 
     // methods

@@ -3,15 +3,31 @@
 
 namespace core {
 
-class FixedValueArray : public ArrayImpl<FixedValueArray, IValueSequence, &kFixedValueArrayClass> {
+class FixedValueArray : public ArrayImpl<FixedValueArray, IValueSequence> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueSequence,
-                                     IValueCollection, IPersistableObject>;
+    static constexpr ScriptClass script = {
+        .names = kFixedValueArrayTypeString,
+        .type = kFixedValueArrayType,
+        .object = kFixedValueArrayClass,
+        .presentation = "IDS_TYPE_PRESENTATION_FIXEDVALUEARRAY",
+        .arguments = {1, 1},
+    };
     using ArrayImpl::ArrayImpl;
 
-    static std::span<const Method<FixedValueArray>> methods() noexcept;
-
-    IType* getType() const noexcept override;
+    /// New FixedArray of an array's elements.
+    static GenericValue construct(std::span<GenericValue> arguments) {
+        const auto source = object_argument<IValueSequence>(arguments[0], 0);
+        return make_object<FixedValueArray>(copy_values(*source));
+    }
+    static std::span<const Method<FixedValueArray>> methods() noexcept {
+        static constexpr Method<FixedValueArray> kTable[] = {
+            {kCollectTermCount, required(0), kFunction, &FixedValueArray::callCount, &kNumberType},
+            {kCollectTermUBound, required(0), kFunction, &FixedValueArray::callUBound, &kNumberType},
+            {kCollectTermGet, required(1), kFunction, &FixedValueArray::callGet},
+            {kCollectTermFind, required(1), kFunction, &FixedValueArray::callFind},
+        };
+        return kTable;
+    }
 };
 
 InterfacePtr<IValueSequence> create_fixed_value_array(std::vector<Value> values) {
@@ -20,40 +36,7 @@ InterfacePtr<IValueSequence> create_fixed_value_array(std::vector<Value> values)
 
 namespace {
 
-/// New FixedArray of an array's elements.
-GenericValue construct_fixed_array(std::span<GenericValue> arguments) {
-    const auto source = arguments[0].query<IValueSequence>();
-    if (!source)
-        parameter_type_mismatch(0);
-    return Value(make_object<FixedValueArray>(copy_values(*source)));
-}
-
-constexpr TypeInfo kFixedArrayInfo = {
-    .id = kFixedValueArrayType,
-    .valueClass = kFixedValueArrayClass,
-    .names = kFixedValueArrayTypeString,
-    .presentation = "IDS_TYPE_PRESENTATION_FIXEDVALUEARRAY",
-    .construct = &construct_fixed_array,
-    .arguments = {1, 1},
-};
-
-const SCOM_Class<FixedValueArray, &kFixedValueArrayClass> kFixedArrayEntry("FixedValueArray");
-const TypeEntry<kFixedArrayInfo> kFixedArrayTypeEntry("FixedValueArray_Type");
+const ScriptClassEntry<FixedValueArray> kEntry;
 
 } // namespace
-
-std::span<const Method<FixedValueArray>> FixedValueArray::methods() noexcept {
-    static constexpr Method<FixedValueArray> kMethods[] = {
-        {kCollectTermCount, required(0), kFunction, &FixedValueArray::callCount, &kNumberType},
-        {kCollectTermUBound, required(0), kFunction, &FixedValueArray::callUBound, &kNumberType},
-        {kCollectTermGet, required(1), kFunction, &FixedValueArray::callGet},
-        {kCollectTermFind, required(1), kFunction, &FixedValueArray::callFind},
-    };
-    return kMethods;
-}
-
-IType* FixedValueArray::getType() const noexcept {
-    return TypeEntry<kFixedArrayInfo>::instance();
-}
-
 } // namespace core

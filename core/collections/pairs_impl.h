@@ -1,38 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/collections/arguments.h"
 #include "core/collections/pair_table.h"
+#include "core/collections/stored_count.h"
 #include "core/collections/value_pair_impl.h"
-#include "core/collections/value_pair_list_enum.h"
 
 #include <core/collections/terms.h>
-#include <core/context/context_def_ext.h>
-#include <core/context/context_impl.h>
-#include <core/lists/list_in_stream.h>
+#include <core/context/arguments.h>
+#include <core/context/script_object.h>
 #include <core/lists/list_out_stream.h>
-#include <core/values/type_object.h>
-#include <core/values/value_impl.h>
 
 namespace core {
 
 /// What maps and structures are: pairs that can be counted, walked, written and read back. `I` is what they
 /// offer to modules; T::take(table, pair) adds a pair that was read.
-template <class T, class I, const GUID* clsid>
-class PairsImpl : public IValueImpl,
-                  public IContextImpl<IContextDefImpl<T>>,
-                  public ContextDefExtImpl<T, true, &kValuePairType>,
-                  public I,
-                  public IValueCollection,
-                  public IPersistableObjectImpl<T, clsid> {
+template <class T, class I>
+class PairsImpl : public ScriptObject<T, I, IValueCollection, IPersistableObject> {
   public:
-    static std::span<const Property<T>> properties() noexcept { return {}; }
-
-    // IValue
-    bool getString(wstring& out) const override {
-        out = this->getType()->presentation();
-        return true;
-    }
+    using Interfaces = ScriptInterfaces<I, IValuePairs, IValueCollection, IPersistableObject>;
 
     // IValuePairs
     std::size_t count() const noexcept override { return table_.size(); }

@@ -3,15 +3,24 @@
 
 namespace core {
 
-class ValueArray : public ArrayImpl<ValueArray, IValueArray, &kValueArrayClass> {
+constexpr std::int32_t kMaxDimensions = 32;
+/// How many elements, those of all dimensions together, an array is made with at once.
+constexpr std::int64_t kMaxElements = std::int64_t{1} << 24;
+
+class ValueArray : public ArrayImpl<ValueArray, IValueArray> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueArray,
-                                     IValueSequence, IValueCollection, IPersistableObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueArrayTypeString,
+        .type = kValueArrayType,
+        .object = kValueArrayClass,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUEARRAY",
+        .arguments = {0, kMaxDimensions},
+    };
+    using Interfaces = ScriptInterfaces<IValueArray, IValueSequence, IValueCollection, IPersistableObject>;
     using ArrayImpl::ArrayImpl;
 
+    static GenericValue construct(std::span<GenericValue> arguments);
     static std::span<const Method<ValueArray>> methods() noexcept;
-
-    IType* getType() const noexcept override;
 
     // IValueArray
     void reserve(std::size_t count) override { values_.reserve(count); }
@@ -70,10 +79,6 @@ InterfacePtr<IValueArray> create_value_array(std::vector<Value> values) {
 
 namespace {
 
-constexpr std::int32_t kMaxDimensions = 32;
-/// How many elements, those of all dimensions together, an array is made with at once.
-constexpr std::int64_t kMaxElements = std::int64_t{1} << 24;
-
 /// An array of the first size, each element of which is an array of the second, and so on.
 Value make_dimensions(std::span<const std::int64_t> sizes) {
     std::vector<Value> values(static_cast<std::size_t>(sizes.front()));
@@ -84,8 +89,10 @@ Value make_dimensions(std::span<const std::int64_t> sizes) {
     return Value(make_object<ValueArray>(std::move(values)));
 }
 
+} // namespace
+
 /// New Array(), of an array's elements, or of one size or several.
-GenericValue construct_array(std::span<GenericValue> arguments) {
+GenericValue ValueArray::construct(std::span<GenericValue> arguments) {
     if (arguments.empty())
         return Value(make_object<ValueArray>());
     if (arguments.size() == 1) {
@@ -106,22 +113,8 @@ GenericValue construct_array(std::span<GenericValue> arguments) {
     return make_dimensions(sizes);
 }
 
-constexpr TypeInfo kArrayInfo = {
-    .id = kValueArrayType,
-    .valueClass = kValueArrayClass,
-    .names = kValueArrayTypeString,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUEARRAY",
-    .construct = &construct_array,
-    .arguments = {0, kMaxDimensions},
-};
-
-const SCOM_Class<ValueArray, &kValueArrayClass> kArrayEntry("ValueArray");
-const TypeEntry<kArrayInfo> kArrayTypeEntry("ValueArray_Type");
-
-} // namespace
-
 std::span<const Method<ValueArray>> ValueArray::methods() noexcept {
-    static constexpr Method<ValueArray> kMethods[] = {
+    static constexpr Method<ValueArray> kTable[] = {
         {kCollectTermCount, required(0), kFunction, &ValueArray::callCount, &kNumberType},
         {kCollectTermUBound, required(0), kFunction, &ValueArray::callUBound, &kNumberType},
         {kCollectTermInsert, required(2), kProcedure, &ValueArray::callInsert},
@@ -132,11 +125,12 @@ std::span<const Method<ValueArray>> ValueArray::methods() noexcept {
         {kCollectTermSet, required(2), kProcedure, &ValueArray::callSet},
         {kCollectTermFind, required(1), kFunction, &ValueArray::callFind},
     };
-    return kMethods;
+    return kTable;
 }
 
-IType* ValueArray::getType() const noexcept {
-    return TypeEntry<kArrayInfo>::instance();
-}
+namespace {
 
+const ScriptClassEntry<ValueArray> kEntry;
+
+} // namespace
 } // namespace core

@@ -22,19 +22,22 @@ void put_pair(PairTable& table, const Value& key, Value&& value) {
 
 } // namespace
 
-class ValueMap : public PairsImpl<ValueMap, IValueMap, &kValueMapClass> {
+class ValueMap : public PairsImpl<ValueMap, IValueMap> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueMap, IValuePairs,
-                                     IValueCollection, IPersistableObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueMapTypeString,
+        .type = kValueMapType,
+        .object = kValueMapClass,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUEMAP",
+        .arguments = {0, 0},
+        .elements = &kValuePairType,
+    };
 
     static std::span<const Method<ValueMap>> methods() noexcept;
     /// Keys that differ may be written alike, as dates with parts of a second are: the last one stays.
     static void take(PairTable& table, KeyAndValue&& pair) {
         put_pair(table, pair.key, std::move(pair.value));
     }
-
-    // IValue
-    IType* getType() const noexcept override;
 
     // IValueMap
     void insert(const Value& key, Value value) override { put_pair(table_, key, std::move(value)); }
@@ -69,35 +72,20 @@ InterfacePtr<IValueMap> create_value_map() {
     return make_object<ValueMap>();
 }
 
-namespace {
-
-constexpr TypeInfo kInfo = {
-    .id = kValueMapType,
-    .valueClass = kValueMapClass,
-    .names = kValueMapTypeString,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUEMAP",
-    .construct = [](std::span<GenericValue>) { return GenericValue(make_object<ValueMap>()); },
-    .arguments = {0, 0},
-};
-
-const SCOM_Class<ValueMap, &kValueMapClass> kEntry("ValueMap");
-const TypeEntry<kInfo> kTypeEntry("ValueMap_Type");
-
-} // namespace
-
 std::span<const Method<ValueMap>> ValueMap::methods() noexcept {
-    static constexpr Method<ValueMap> kMethods[] = {
+    static constexpr Method<ValueMap> kTable[] = {
         {kCollectTermCount, required(0), kFunction, &ValueMap::callCount, &kNumberType},
         {kCollectTermInsert, required(2), kProcedure, &ValueMap::callInsert},
         {kCollectTermRemove, required(1), kProcedure, &ValueMap::callDelete},
         {kCollectTermClear, required(0), kProcedure, &ValueMap::callClear},
         {kCollectTermGet, required(1), kFunction, &ValueMap::callGet},
     };
-    return kMethods;
+    return kTable;
 }
 
-IType* ValueMap::getType() const noexcept {
-    return TypeEntry<kInfo>::instance();
-}
+namespace {
 
+const ScriptClassEntry<ValueMap> kEntry;
+
+} // namespace
 } // namespace core

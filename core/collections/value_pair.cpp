@@ -2,34 +2,30 @@
 #include "core/collections/value_pair_impl.h"
 
 #include <core/collections/terms.h>
-#include <core/context/context_def_ext.h>
-#include <core/context/context_impl.h>
+#include <core/context/script_object.h>
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
-#include <core/values/type_object.h>
-#include <core/values/value_impl.h>
 
 namespace core {
 
-class ValuePair : public IValueImpl,
-                  public IContextImpl<IContextDefImpl<ValuePair>>,
-                  public ContextDefExtImpl<ValuePair>,
-                  public IValuePair,
-                  public IPersistableObjectImpl<ValuePair, &kValuePairClass> {
+/// Only walks make pairs that scripts see: there is no New.
+class ValuePair : public ScriptObject<ValuePair, IValuePair, IPersistableObject> {
   public:
-    using Interfaces =
-        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValuePair, IPersistableObject>;
+    static constexpr ScriptClass script = {
+        .names = kValuePairTypeString,
+        .type = kValuePairType,
+        .object = kValuePairClass,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUEPAIR",
+    };
 
     explicit ValuePair(Value key = {}, Value value = {}) noexcept : pair_{std::move(key), std::move(value)} {}
 
-    static std::span<const Property<ValuePair>> properties() noexcept;
-    static std::span<const Method<ValuePair>> methods() noexcept { return {}; }
-
-    // IValue
-    IType* getType() const noexcept override;
-    bool getString(wstring& out) const override {
-        out = getType()->presentation();
-        return true;
+    static std::span<const Property<ValuePair>> properties() noexcept {
+        static constexpr Property<ValuePair> kTable[] = {
+            {kKeyTerm, &ValuePair::getKey},
+            {kValueTerm, &ValuePair::getValue},
+        };
+        return kTable;
     }
 
     // IValuePair
@@ -73,28 +69,7 @@ KeyAndValue deserialize_pair(IInPersistenceStorage* storage) {
 
 namespace {
 
-constexpr TypeInfo kInfo = {
-    .id = kValuePairType,
-    .valueClass = kValuePairClass,
-    .names = kValuePairTypeString,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUEPAIR",
-};
-
-const SCOM_Class<ValuePair, &kValuePairClass> kEntry("ValuePair");
-const TypeEntry<kInfo> kTypeEntry("ValuePair_Type");
+const ScriptClassEntry<ValuePair> kEntry;
 
 } // namespace
-
-std::span<const Property<ValuePair>> ValuePair::properties() noexcept {
-    static constexpr Property<ValuePair> kProperties[] = {
-        {kKeyTerm, &ValuePair::getKey},
-        {kValueTerm, &ValuePair::getValue},
-    };
-    return kProperties;
-}
-
-IType* ValuePair::getType() const noexcept {
-    return TypeEntry<kInfo>::instance();
-}
-
 } // namespace core

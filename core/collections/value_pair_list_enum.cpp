@@ -1,16 +1,43 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/collections/value_pair_list_enum.h"
+#include "core/collections/value_pair_impl.h"
 
 #include <core/runtime/class_entry.h>
+#include <core/runtime/refcount.h>
+
+#include <vector>
 
 namespace core {
+namespace {
 
-bool ValuePairListEnum::next(GenericValue& out) {
-    if (!pairs_ || next_ == pairs_->size())
-        return false;
-    out = GenericValue((*pairs_)[next_++].query<IValue>());
-    return true;
-}
+constexpr GUID kClassId = "0342ac9d-ee78-4f88-847f-a3c8b97fa68d"_guid;
+
+/// The pairs that a structure or a map held when a walk began. Shared: it outlives changes to the collection.
+using ValuePairList = std::vector<InterfacePtr<IValuePair>>;
+using ValuePairListPtr = CountedPtr<ValuePairList>;
+
+/// A walk over such a list.
+class ValuePairListEnum : public IValueEnum {
+  public:
+    using Interfaces = InterfaceList<IValueEnum>;
+
+    ValuePairListEnum() = default;
+    explicit ValuePairListEnum(ValuePairListPtr pairs) noexcept : pairs_(std::move(pairs)) {}
+
+    bool next(GenericValue& out) override {
+        if (!pairs_ || next_ == pairs_->size())
+            return false;
+        out = GenericValue((*pairs_)[next_++].query<IValue>());
+        return true;
+    }
+
+  private:
+    ValuePairListPtr pairs_;
+    std::size_t next_ = 0;
+};
+
+const SCOM_Class<ValuePairListEnum, &kClassId> kEntry("ValuePairListEnum");
+
+} // namespace
 
 InterfacePtr<IValueEnum> enumerate_pairs(const PairTable& table) {
     const auto pairs = ValuePairListPtr::make();
@@ -22,9 +49,4 @@ InterfacePtr<IValueEnum> enumerate_pairs(const PairTable& table) {
     return make_object<ValuePairListEnum>(pairs);
 }
 
-namespace {
-
-const SCOM_Class<ValuePairListEnum, &kValuePairListEnumClass> kEntry("ValuePairListEnum");
-
-} // namespace
 } // namespace core

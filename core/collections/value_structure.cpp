@@ -5,7 +5,6 @@
 #include <core/collections/value_structure.h>
 #include <core/strings/compare.h>
 #include <core/strings/names.h>
-#include <core/strings/split.h>
 #include <core/strings/trim.h>
 #include <core/values/value_hash.h>
 
@@ -49,20 +48,24 @@ PairTable::Pair* find_or_add(PairTable& table, const Value& key, const Name& nam
 
 } // namespace
 
-class ValueStructure : public PairsImpl<ValueStructure, IValueStructure, &kValueStructureClass> {
+class ValueStructure : public PairsImpl<ValueStructure, IValueStructure> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueStructure,
-                                     IValuePairs, IValueCollection, IPersistableObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueStructureTypeString,
+        .type = kValueStructureType,
+        .object = kValueStructureClass,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUESTRUCTURE",
+        .arguments = {0, -1},
+        .elements = &kValuePairType,
+    };
 
+    static GenericValue construct(std::span<GenericValue> arguments);
     static std::span<const Method<ValueStructure>> methods() noexcept;
     static void take(PairTable& table, KeyAndValue&& pair) {
         const std::uint64_t hash = name_table_hash(pair.key);
         if (hash == 0 || find_or_add(table, pair.key, {*pair.key.asString(), hash}, pair.value) != nullptr)
             throw_malformed();
     }
-
-    // IValue
-    IType* getType() const noexcept override;
 
     // IContextDef: the keys are the properties
     int getNProps() const override { return static_cast<int>(table_.size()); }
@@ -139,18 +142,13 @@ InterfacePtr<IValueStructure> create_value_structure() {
     return make_object<ValueStructure>();
 }
 
-namespace {
-
 /// New Structure(), or of names with "," between them and their values; missing values are Undefined.
-GenericValue construct(std::span<GenericValue> arguments) {
+GenericValue ValueStructure::construct(std::span<GenericValue> arguments) {
     auto structure = make_object<ValueStructure>();
     if (arguments.empty())
         return structure;
-    const wstring_view* const names = arguments[0].asString();
-    if (names == nullptr)
-        parameter_type_mismatch(0);
     std::size_t param = 1;
-    for (const wstring_view name : string_tokenize(*names, u",", EmptyTokens::keep)) {
+    for (const wstring_view name : list_argument(arguments[0], 0)) {
         structure->insert(Value(name), param < arguments.size() ? arguments[param] : Value());
         ++param;
     }
@@ -159,36 +157,23 @@ GenericValue construct(std::span<GenericValue> arguments) {
     return structure;
 }
 
-constexpr TypeInfo kInfo = {
-    .id = kValueStructureType,
-    .valueClass = kValueStructureClass,
-    .names = kValueStructureTypeString,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUESTRUCTURE",
-    .construct = &construct,
-    .arguments = {0, -1},
-};
-
-const SCOM_Class<ValueStructure, &kValueStructureClass> kEntry("ValueStructure");
-const TypeEntry<kInfo> kTypeEntry("ValueStructure_Type");
-
-constexpr Param kKeyAndOptionalValue[] = {{}, {.byDefault = ParamDefault::undefined}};
-constexpr Param kKeyAndFoundValue[] = {{}, {.byDefault = ParamDefault::undefined, .in = false, .out = true}};
-
-} // namespace
-
 std::span<const Method<ValueStructure>> ValueStructure::methods() noexcept {
-    static constexpr Method<ValueStructure> kMethods[] = {
+    static constexpr Param kKeyAndOptionalValue[] = {{}, kOptional};
+    static constexpr Param kFound = {.byDefault = ParamDefault::undefined, .in = false, .out = true};
+    static constexpr Param kKeyAndFoundValue[] = {{}, kFound};
+    static constexpr Method<ValueStructure> kTable[] = {
         {kCollectTermCount, required(0), kFunction, &ValueStructure::callCount, &kNumberType},
         {kCollectTermInsert, kKeyAndOptionalValue, kProcedure, &ValueStructure::callInsert},
         {kCollectTermRemove, required(1), kProcedure, &ValueStructure::callDelete},
         {kCollectTermClear, required(0), kProcedure, &ValueStructure::callClear},
         {kStructureTermProperty, kKeyAndFoundValue, kFunction, &ValueStructure::callProperty, &kBooleanType},
     };
-    return kMethods;
+    return kTable;
 }
 
-IType* ValueStructure::getType() const noexcept {
-    return TypeEntry<kInfo>::instance();
-}
+namespace {
 
+const ScriptClassEntry<ValueStructure> kEntry;
+
+} // namespace
 } // namespace core

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/descriptions/arguments.h"
 #include "core/descriptions/content_value.h"
 #include "core/descriptions/enumerations.h"
 
@@ -8,24 +7,30 @@
 namespace core {
 namespace {
 
-// Number
-
-constexpr GUID kNumberQualifiersClass = "cd88cbf7-ac2f-4cfd-879b-4c38eca9ea00"_guid;
-constexpr Term kNumberQualifiers = {u"NumberQualifiers", u"КвалификаторыЧисла"};
-constexpr Term kDigits = {u"Digits", u"Разрядность"};
-constexpr Term kFractionDigits = {u"FractionDigits", u"РазрядностьДробнойЧасти"};
-constexpr Term kAllowedSign = {u"AllowedSign", u"ДопустимыйЗнак"};
-
-class NumberQualifiersValue
-    : public ContentValue<NumberQualifiersValue, NumericQualifiers, &kNumberQualifiersClass> {
+class NumberQualifiersValue : public ContentValue<NumberQualifiersValue, NumericQualifiers> {
   public:
+    static constexpr ScriptClass script = {
+        .names = {u"NumberQualifiers", u"КвалификаторыЧисла"},
+        .type = kNumberQualifiersType,
+        .object = "cd88cbf7-ac2f-4cfd-879b-4c38eca9ea00"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_NUMBERQUALIFIERS",
+        .arguments = {0, 3},
+    };
     using ContentValue::ContentValue;
 
-    [[nodiscard]] static IType* type() noexcept;
-    [[nodiscard]] static std::span<const Property<NumberQualifiersValue>> properties() noexcept;
-    [[nodiscard]] static GenericValue construct(std::span<GenericValue> arguments) {
-        return make({count_argument(arguments, 0), count_argument(arguments, 1),
-                     choice_argument(arguments, 2, allowed_sign(), 0) != 0});
+    static GenericValue construct(std::span<GenericValue> arguments) {
+        return make({count_argument(optional_argument(arguments, 0), 0),
+                     count_argument(optional_argument(arguments, 1), 1),
+                     choice_argument(optional_argument(arguments, 2), 2, allowed_sign(), 0) != 0});
+    }
+    static std::span<const Property<NumberQualifiersValue>> properties() noexcept {
+        using T = NumberQualifiersValue;
+        static constexpr Property<T> kTable[] = {
+            {{u"Digits", u"Разрядность"}, &T::digits, nullptr, &kNumberType},
+            {{u"FractionDigits", u"РазрядностьДробнойЧасти"}, &T::fractionDigits, nullptr, &kNumberType},
+            {{u"AllowedSign", u"ДопустимыйЗнак"}, &T::allowedSign, nullptr, &kAllowedSignType},
+        };
+        return kTable;
     }
 
   private:
@@ -34,45 +39,28 @@ class NumberQualifiersValue
     GenericValue allowedSign() const { return allowed_sign().value(content().nonnegative()); }
 };
 
-constexpr TypeInfo kNumberInfo = {.id = kNumberQualifiersType,
-                                  .valueClass = kNumberQualifiersClass,
-                                  .names = kNumberQualifiers,
-                                  .presentation = "IDS_TYPE_PRESENTATION_NUMBERQUALIFIERS",
-                                  .construct = &NumberQualifiersValue::construct,
-                                  .arguments = {0, 3}};
-const TypeEntry<kNumberInfo> kNumberEntry("NumberQualifiers_Type");
-const SCOM_ClassEntryInit<NumberQualifiersValue, &kNumberQualifiersClass> kNumberClass("NumberQualifiers");
-
-IType* NumberQualifiersValue::type() noexcept {
-    return kNumberEntry.instance();
-}
-
-std::span<const Property<NumberQualifiersValue>> NumberQualifiersValue::properties() noexcept {
-    using V = NumberQualifiersValue;
-    static constexpr Property<V> table[] = {
-        {.names = kDigits, .get = &V::digits, .type = &kNumberType},
-        {.names = kFractionDigits, .get = &V::fractionDigits, .type = &kNumberType},
-        {.names = kAllowedSign, .get = &V::allowedSign, .type = &kAllowedSignType},
-    };
-    return table;
-}
-
-// String
-
-constexpr GUID kStringQualifiersClass = "f8223f74-5b8a-4a59-87a2-0b94bbe4855f"_guid;
-constexpr Term kStringQualifiers = {u"StringQualifiers", u"КвалификаторыСтроки"};
-constexpr Term kLength = {u"Length", u"Длина"};
-constexpr Term kAllowedLength = {u"AllowedLength", u"ДопустимаяДлина"};
-
-class StringQualifiersValue
-    : public ContentValue<StringQualifiersValue, StringQualifiers, &kStringQualifiersClass> {
+class StringQualifiersValue : public ContentValue<StringQualifiersValue, StringQualifiers> {
   public:
+    static constexpr ScriptClass script = {
+        .names = {u"StringQualifiers", u"КвалификаторыСтроки"},
+        .type = kStringQualifiersType,
+        .object = "f8223f74-5b8a-4a59-87a2-0b94bbe4855f"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_STRINGQUALIFIERS",
+        .arguments = {0, 2},
+    };
     using ContentValue::ContentValue;
 
-    [[nodiscard]] static IType* type() noexcept;
-    [[nodiscard]] static std::span<const Property<StringQualifiersValue>> properties() noexcept;
-    [[nodiscard]] static GenericValue construct(std::span<GenericValue> arguments) {
-        return make({count_argument(arguments, 0), choice_argument(arguments, 1, allowed_length(), 1) != 0});
+    static GenericValue construct(std::span<GenericValue> arguments) {
+        return make({count_argument(optional_argument(arguments, 0), 0),
+                     choice_argument(optional_argument(arguments, 1), 1, allowed_length(), 1) != 0});
+    }
+    static std::span<const Property<StringQualifiersValue>> properties() noexcept {
+        using T = StringQualifiersValue;
+        static constexpr Property<T> kTable[] = {
+            {{u"Length", u"Длина"}, &T::length, nullptr, &kNumberType},
+            {{u"AllowedLength", u"ДопустимаяДлина"}, &T::allowedLength, nullptr, &kAllowedLengthType},
+        };
+        return kTable;
     }
 
   private:
@@ -80,43 +68,27 @@ class StringQualifiersValue
     GenericValue allowedLength() const { return allowed_length().value(content().varying()); }
 };
 
-constexpr TypeInfo kStringInfo = {.id = kStringQualifiersType,
-                                  .valueClass = kStringQualifiersClass,
-                                  .names = kStringQualifiers,
-                                  .presentation = "IDS_TYPE_PRESENTATION_STRINGQUALIFIERS",
-                                  .construct = &StringQualifiersValue::construct,
-                                  .arguments = {0, 2}};
-const TypeEntry<kStringInfo> kStringEntry("StringQualifiers_Type");
-const SCOM_ClassEntryInit<StringQualifiersValue, &kStringQualifiersClass> kStringClass("StringQualifiers");
-
-IType* StringQualifiersValue::type() noexcept {
-    return kStringEntry.instance();
-}
-
-std::span<const Property<StringQualifiersValue>> StringQualifiersValue::properties() noexcept {
-    using V = StringQualifiersValue;
-    static constexpr Property<V> table[] = {
-        {.names = kLength, .get = &V::length, .type = &kNumberType},
-        {.names = kAllowedLength, .get = &V::allowedLength, .type = &kAllowedLengthType},
-    };
-    return table;
-}
-
-// Date
-
-constexpr GUID kDateQualifiersClass = "e9febaa1-0051-432e-be4b-bb87e1af08c5"_guid;
-constexpr Term kDateQualifiers = {u"DateQualifiers", u"КвалификаторыДаты"};
-constexpr Term kDateFractions = {u"DateFractions", u"ЧастиДаты"};
-
-class DateQualifiersValue : public ContentValue<DateQualifiersValue, DateQualifiers, &kDateQualifiersClass> {
+class DateQualifiersValue : public ContentValue<DateQualifiersValue, DateQualifiers> {
   public:
+    static constexpr ScriptClass script = {
+        .names = {u"DateQualifiers", u"КвалификаторыДаты"},
+        .type = kDateQualifiersType,
+        .object = "e9febaa1-0051-432e-be4b-bb87e1af08c5"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_DATEQUALIFIERS",
+        .arguments = {0, 1},
+    };
     using ContentValue::ContentValue;
 
-    [[nodiscard]] static IType* type() noexcept;
-    [[nodiscard]] static std::span<const Property<DateQualifiersValue>> properties() noexcept;
-    [[nodiscard]] static GenericValue construct(std::span<GenericValue> arguments) {
-        return make(
-            DateQualifiers(static_cast<DateFractions>(choice_argument(arguments, 0, date_fractions(), 3))));
+    static GenericValue construct(std::span<GenericValue> arguments) {
+        const auto fractions = choice_argument(optional_argument(arguments, 0), 0, date_fractions(), 3);
+        return make(DateQualifiers(static_cast<DateFractions>(fractions)));
+    }
+    static std::span<const Property<DateQualifiersValue>> properties() noexcept {
+        using T = DateQualifiersValue;
+        static constexpr Property<T> kTable[] = {
+            {{u"DateFractions", u"ЧастиДаты"}, &T::dateFractions, nullptr, &kDateFractionsType},
+        };
+        return kTable;
     }
 
   private:
@@ -125,26 +97,9 @@ class DateQualifiersValue : public ContentValue<DateQualifiersValue, DateQualifi
     }
 };
 
-constexpr TypeInfo kDateInfo = {.id = kDateQualifiersType,
-                                .valueClass = kDateQualifiersClass,
-                                .names = kDateQualifiers,
-                                .presentation = "IDS_TYPE_PRESENTATION_DATEQUALIFIERS",
-                                .construct = &DateQualifiersValue::construct,
-                                .arguments = {0, 1}};
-const TypeEntry<kDateInfo> kDateEntry("DateQualifiers_Type");
-const SCOM_ClassEntryInit<DateQualifiersValue, &kDateQualifiersClass> kDateClass("DateQualifiers");
-
-IType* DateQualifiersValue::type() noexcept {
-    return kDateEntry.instance();
-}
-
-std::span<const Property<DateQualifiersValue>> DateQualifiersValue::properties() noexcept {
-    using V = DateQualifiersValue;
-    static constexpr Property<V> table[] = {
-        {.names = kDateFractions, .get = &V::dateFractions, .type = &kDateFractionsType},
-    };
-    return table;
-}
+const ScriptClassEntry<NumberQualifiersValue> kNumberEntry;
+const ScriptClassEntry<StringQualifiersValue> kStringEntry;
+const ScriptClassEntry<DateQualifiersValue> kDateEntry;
 
 } // namespace
 
@@ -161,15 +116,15 @@ GenericValue create_qualifiers_value(const DateQualifiers& qualifiers) {
 }
 
 const NumericQualifiers* numeric_qualifiers_of(const Value& value) noexcept {
-    return NumberQualifiersValue::of(value);
+    return NumberQualifiersValue::contentOf(value);
 }
 
 const StringQualifiers* string_qualifiers_of(const Value& value) noexcept {
-    return StringQualifiersValue::of(value);
+    return StringQualifiersValue::contentOf(value);
 }
 
 const DateQualifiers* date_qualifiers_of(const Value& value) noexcept {
-    return DateQualifiersValue::of(value);
+    return DateQualifiersValue::contentOf(value);
 }
 
 } // namespace core

@@ -1,38 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/descriptions/arguments.h"
 #include "core/descriptions/content_value.h"
 
-#include <core/context/iteration.h>
+#include <core/collections/value_array.h>
 #include <core/descriptions/qualifier_values.h>
 #include <core/descriptions/type_description.h>
-#include <core/runtime/error.h>
-#include <core/strings/split.h>
-#include <core/strings/trim.h>
 #include <core/values/type_service.h>
 
 namespace core {
 namespace {
 
-// The array lies above this layer and is made by its class id.
-constexpr GUID kArrayClass = "1bb40b60-bbfa-11d5-a3c1-0050bae0a776"_guid;
-constexpr GUID kArrayType = "51e7a0d2-530b-11d4-b98a-008048da3034"_guid;
-
-constexpr GUID kClassId = "df56239d-9cc6-475b-a66f-30f430f90870"_guid;
-constexpr Term kTypeDescription = {u"TypeDescription", u"ОписаниеТипов"};
-constexpr Term kNumberQualifiers = {u"NumberQualifiers", u"КвалификаторыЧисла"};
-constexpr Term kStringQualifiers = {u"StringQualifiers", u"КвалификаторыСтроки"};
-constexpr Term kDateQualifiers = {u"DateQualifiers", u"КвалификаторыДаты"};
-constexpr Term kTypes = {u"Types", u"Типы"};
-constexpr Term kContainsType = {u"ContainsType", u"СодержитТип"};
-constexpr Term kAdjustValue = {u"AdjustValue", u"ПривестиЗначение"};
-
 /// Names with commas between; blank for none.
-std::vector<GUID> types_of_names(wstring_view names) {
+std::vector<GUID> types_of_names(const Value& names) {
+    const std::vector<wstring_view> items = list_argument(names, 0);
     std::vector<GUID> types;
-    if (trim_all(names).empty())
+    if (items.size() == 1 && items.front().empty())
         return types;
-    for (const wstring_view item : string_tokenize(names, u",", EmptyTokens::keep)) {
-        const wstring_view name = trim_all(item);
+    for (const wstring_view name : items) {
         if (name.empty())
             parameter_value_mismatch(0);
         types.push_back(Type(name).id());
@@ -45,11 +28,9 @@ std::vector<GUID> types_argument(const GenericValue& value) {
         return {};
     if (const Type* const type = value.asType(); type != nullptr)
         return {type->id()};
-    if (const wstring_view* const names = value.asString(); names != nullptr)
-        return types_of_names(*names);
-    const auto collection = value.query<IValueCollection>();
-    if (!collection)
-        parameter_type_mismatch(0);
+    if (value.kind() == ValueKind::string)
+        return types_of_names(value);
+    const auto collection = object_argument<IValueCollection>(value, 0);
     std::vector<GUID> types;
     const auto walk = collection->enumerate();
     for (GenericValue item; walk->next(item);) {
@@ -60,20 +41,31 @@ std::vector<GUID> types_argument(const GenericValue& value) {
     return types;
 }
 
-class TypeDescription : public ContentValue<TypeDescription, TypeDomain, &kClassId> {
+/// What `of` finds in the argument; a default content for Undefined.
+template <class Content>
+Content content_argument(const Value& argument, int param, const Content* (*of)(const Value&) noexcept) {
+    if (argument.isUndefined())
+        return {};
+    const Content* const content = of(argument);
+    if (content == nullptr)
+        parameter_type_mismatch(param);
+    return *content;
+}
+
+class TypeDescription : public ContentValue<TypeDescription, TypeDomain> {
   public:
+    static constexpr ScriptClass script = {
+        .names = {u"TypeDescription", u"ОписаниеТипов"},
+        .type = kTypeDescriptionType,
+        .object = "df56239d-9cc6-475b-a66f-30f430f90870"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_TYPEDESCRIPTION",
+        .arguments = {0, 4},
+    };
     using ContentValue::ContentValue;
 
-    [[nodiscard]] static IType* type() noexcept;
-    [[nodiscard]] static std::span<const Property<TypeDescription>> properties() noexcept;
-    [[nodiscard]] static std::span<const Method<TypeDescription>> methods() noexcept;
-    [[nodiscard]] static GenericValue construct(std::span<GenericValue> arguments) {
-        TypeDomain domain(types_argument(argument(arguments, 0)));
-        domain.setNumericQualifiers(content_argument(arguments, 1, &numeric_qualifiers_of));
-        domain.setStringQualifiers(content_argument(arguments, 2, &string_qualifiers_of));
-        domain.setDateQualifiers(content_argument(arguments, 3, &date_qualifiers_of));
-        return make(std::move(domain));
-    }
+    static GenericValue construct(std::span<GenericValue> arguments);
+    static std::span<const Property<TypeDescription>> properties() noexcept;
+    static std::span<const Method<TypeDescription>> methods() noexcept;
 
     /// The presentations of the types, with commas between.
     bool getString(wstring& out) const override;
@@ -88,38 +80,16 @@ class TypeDescription : public ContentValue<TypeDescription, TypeDomain, &kClass
     GenericValue adjustValue(std::span<GenericValue> arguments);
 };
 
-constexpr TypeInfo kInfo = {.id = kTypeDescriptionType,
-                            .valueClass = kClassId,
-                            .names = kTypeDescription,
-                            .presentation = "IDS_TYPE_PRESENTATION_TYPEDESCRIPTION",
-                            .construct = &TypeDescription::construct,
-                            .arguments = {0, 4}};
-const TypeEntry<kInfo> kTypeEntry("TypeDescription_Type");
-const SCOM_ClassEntryInit<TypeDescription, &kClassId> kClassEntry("TypeDescription");
-
-IType* TypeDescription::type() noexcept {
-    return kTypeEntry.instance();
-}
-
-std::span<const Property<TypeDescription>> TypeDescription::properties() noexcept {
-    using D = TypeDescription;
-    static constexpr Property<D> table[] = {
-        {.names = kNumberQualifiers, .get = &D::numberQualifiers, .type = &kNumberQualifiersType},
-        {.names = kStringQualifiers, .get = &D::stringQualifiers, .type = &kStringQualifiersType},
-        {.names = kDateQualifiers, .get = &D::dateQualifiers, .type = &kDateQualifiersType},
+/// New TypeDescription of types and the qualifiers of Number, String and Date.
+GenericValue TypeDescription::construct(std::span<GenericValue> arguments) {
+    const auto at = [&](std::size_t index) -> const GenericValue& {
+        return optional_argument(arguments, index);
     };
-    return table;
-}
-
-std::span<const Method<TypeDescription>> TypeDescription::methods() noexcept {
-    using D = TypeDescription;
-    static constexpr Param adjustParams[] = {{ParamDefault::undefined}};
-    static constexpr Method<D> table[] = {
-        {kTypes, {}, kFunction, &D::types, &kArrayType},
-        {kContainsType, required(1), kFunction, &D::containsType, &kBooleanType},
-        {kAdjustValue, adjustParams, kFunction, &D::adjustValue},
-    };
-    return table;
+    TypeDomain domain(types_argument(at(0)));
+    domain.setNumericQualifiers(content_argument(at(1), 1, &numeric_qualifiers_of));
+    domain.setStringQualifiers(content_argument(at(2), 2, &string_qualifiers_of));
+    domain.setDateQualifiers(content_argument(at(3), 3, &date_qualifiers_of));
+    return make(std::move(domain));
 }
 
 bool TypeDescription::getString(wstring& out) const {
@@ -134,17 +104,12 @@ bool TypeDescription::getString(wstring& out) const {
     return true;
 }
 
-/// An Array of the types. TypeException when one of them is not registered.
+/// An Array of the types.
 GenericValue TypeDescription::types(std::span<GenericValue>) {
-    const auto array = create_object<IContext_>(kArrayClass);
-    if (!array)
-        throw_error<TypeException>("IDS_TYPEERROR_TYPENOTDEFINED", {to_string(kArrayType)});
-    const int add = array->findMethod(u"Add");
-    for (const GUID& id : content().types()) {
-        std::vector<GenericValue> arguments = {Type(id)};
-        array->call(add, nullptr, &arguments);
-    }
-    return array.query<IValue>();
+    std::vector<Value> types;
+    for (const GUID& id : content().types())
+        types.emplace_back(Type(id));
+    return create_value_array(std::move(types)).query<IValue>();
 }
 
 GenericValue TypeDescription::containsType(std::span<GenericValue> arguments) {
@@ -158,6 +123,32 @@ GenericValue TypeDescription::adjustValue(std::span<GenericValue> arguments) {
     return content().adjust(std::move(arguments[0]));
 }
 
+std::span<const Property<TypeDescription>> TypeDescription::properties() noexcept {
+    using T = TypeDescription;
+    static constexpr Property<T> kTable[] = {
+        {{u"NumberQualifiers", u"КвалификаторыЧисла"}, &T::numberQualifiers, nullptr, &kNumberQualifiersType},
+        {{u"StringQualifiers", u"КвалификаторыСтроки"},
+         &T::stringQualifiers,
+         nullptr,
+         &kStringQualifiersType},
+        {{u"DateQualifiers", u"КвалификаторыДаты"}, &T::dateQualifiers, nullptr, &kDateQualifiersType},
+    };
+    return kTable;
+}
+
+std::span<const Method<TypeDescription>> TypeDescription::methods() noexcept {
+    using T = TypeDescription;
+    static constexpr Param kAdjust[] = {kOptional};
+    static constexpr Method<T> kTable[] = {
+        {{u"Types", u"Типы"}, {}, kFunction, &T::types, &kValueArrayType},
+        {{u"ContainsType", u"СодержитТип"}, required(1), kFunction, &T::containsType, &kBooleanType},
+        {{u"AdjustValue", u"ПривестиЗначение"}, kAdjust, kFunction, &T::adjustValue},
+    };
+    return kTable;
+}
+
+const ScriptClassEntry<TypeDescription> kEntry;
+
 } // namespace
 
 GenericValue create_type_description(TypeDomain domain) {
@@ -165,7 +156,7 @@ GenericValue create_type_description(TypeDomain domain) {
 }
 
 const TypeDomain* type_domain_of(const Value& value) noexcept {
-    return TypeDescription::of(value);
+    return TypeDescription::contentOf(value);
 }
 
 } // namespace core

@@ -2,41 +2,18 @@
 #include "core/files/temp_folder.h"
 #include "core/objects/base64.h"
 
+#include <core/context/arguments.h>
 #include <core/context/context_def_ext.h>
 #include <core/objects/binary_data.h>
 #include <core/objects/core_general_context.h>
 #include <core/runtime/class_entry.h>
 #include <core/runtime/random.h>
 #include <core/runtime/utf8.h>
-#include <core/strings/split.h>
-#include <core/strings/trim.h>
 
 #include <algorithm>
 
 namespace core {
 namespace {
-
-wstring_view text_argument(std::span<GenericValue> arguments, int param) {
-    const wstring_view* const text = arguments[static_cast<std::size_t>(param)].asString();
-    if (text == nullptr)
-        parameter_type_mismatch(param);
-    return *text;
-}
-
-/// The names in a list with "," between them.
-std::vector<wstring_view> names_argument(std::span<GenericValue> arguments, int param) {
-    std::vector<wstring_view> names = string_tokenize(text_argument(arguments, param), u",");
-    for (wstring_view& name : names)
-        name = trim_all(name);
-    return names;
-}
-
-InterfacePtr<IContext_> context_argument(std::span<GenericValue> arguments, int param) {
-    auto context = arguments[static_cast<std::size_t>(param)].query<IContext_>();
-    if (!context)
-        parameter_type_mismatch(param);
-    return context;
-}
 
 /// A property of the receiver and the value that it is to have.
 struct Assignment {
@@ -85,6 +62,11 @@ void assign_all(IContext_& receiver, std::vector<Assignment>& assignments) {
     }
 }
 
+constexpr Term kGetTempFileName = {u"GetTempFileName", u"ПолучитьИмяВременногоФайла"};
+constexpr Term kFillPropertyValues = {u"FillPropertyValues", u"ЗаполнитьЗначенияСвойств"};
+constexpr Term kBase64Value = {u"Base64Value", u"Base64Значение"};
+constexpr Term kBase64String = {u"Base64String", u"Base64Строка"};
+
 } // namespace
 
 class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralContextDef>>,
@@ -93,7 +75,19 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
     using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt>;
 
     static std::span<const Property<CoreGeneralContextDef>> properties() noexcept { return {}; }
-    static std::span<const Method<CoreGeneralContextDef>> methods() noexcept;
+    static std::span<const Method<CoreGeneralContextDef>> methods() noexcept {
+        using T = CoreGeneralContextDef;
+        static constexpr Param kText = {.byDefault = ParamDefault::emptyString};
+        static constexpr Param kExtension[] = {kText};
+        static constexpr Param kFill[] = {{}, {}, kText, kText};
+        static constexpr Method<T> kTable[] = {
+            {kGetTempFileName, kExtension, kFunction, &T::getTempFileName, &kStringType},
+            {kFillPropertyValues, kFill, kProcedure, &T::fillPropertyValues},
+            {kBase64Value, required(1), kFunction, &T::base64Value, &kBinaryDataType},
+            {kBase64String, required(1), kFunction, &T::base64String, &kStringType},
+        };
+        return kTable;
+    }
 
     // Out of range the name is empty, where other definitions answer null.
     const wchar* getPropName(int, int) const override { return u""; }
@@ -103,7 +97,7 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
 
   private:
     GenericValue getTempFileName(std::span<GenericValue> arguments) {
-        wstring_view extension = text_argument(arguments, 0);
+        wstring_view extension = text_argument(arguments[0], 0);
         if (extension.starts_with(u'.'))
             extension.remove_prefix(1);
         // The name must not lead out of the folder, nor end before its end.
@@ -114,11 +108,11 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
     }
 
     GenericValue fillPropertyValues(std::span<GenericValue> arguments) {
-        const auto receiver = context_argument(arguments, 0);
-        const auto source = context_argument(arguments, 1);
-        const auto listed = names_argument(arguments, 2);
+        const auto receiver = object_argument<IContext_>(arguments[0], 0);
+        const auto source = object_argument<IContext_>(arguments[1], 1);
+        const auto listed = list_argument(arguments[2], 2, EmptyTokens::skip);
         std::vector<int> excluded;
-        for (const wstring_view name : names_argument(arguments, 3))
+        for (const wstring_view name : list_argument(arguments[3], 3, EmptyTokens::skip))
             excluded.push_back(source->findProp(wstring(name).c_str()));
         const auto isExcluded = [&](int prop) { return std::ranges::count(excluded, prop) != 0; };
         std::vector<Assignment> assignments;
@@ -136,7 +130,7 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
     }
 
     GenericValue base64Value(std::span<GenericValue> arguments) {
-        auto bytes = base64_decode(text_argument(arguments, 0));
+        auto bytes = base64_decode(text_argument(arguments[0], 0));
         if (!bytes)
             parameter_value_mismatch(0);
         return create_binary_data(std::move(*bytes));
@@ -145,7 +139,7 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
     GenericValue base64String(std::span<GenericValue> arguments) {
         if (const auto data = arguments[0].query<IBinaryData>())
             return base64_encode(data->bytes());
-        const std::string utf8 = to_utf8(text_argument(arguments, 0));
+        const std::string utf8 = to_utf8(text_argument(arguments[0], 0));
         return base64_encode(std::as_bytes(std::span(utf8)));
     }
 };
@@ -156,28 +150,8 @@ InterfacePtr<IContext_> create_core_general_context() {
 
 namespace {
 
-constexpr Term kGetTempFileName = {u"GetTempFileName", u"ПолучитьИмяВременногоФайла"};
-constexpr Term kFillPropertyValues = {u"FillPropertyValues", u"ЗаполнитьЗначенияСвойств"};
-constexpr Term kBase64Value = {u"Base64Value", u"Base64Значение"};
-constexpr Term kBase64String = {u"Base64String", u"Base64Строка"};
-
-constexpr Param kOptionalText = {.byDefault = ParamDefault::emptyString};
-constexpr Param kExtension[] = {kOptionalText};
-constexpr Param kFill[] = {{}, {}, kOptionalText, kOptionalText};
-
 const SCOM_Class<CoreGeneralContextDef, &kCoreGeneralContextClass, true> kEntry("CoreGeneralContext");
 
 } // namespace
-
-std::span<const Method<CoreGeneralContextDef>> CoreGeneralContextDef::methods() noexcept {
-    using T = CoreGeneralContextDef;
-    static constexpr Method<T> kMethods[] = {
-        {kGetTempFileName, kExtension, kFunction, &T::getTempFileName, &kStringType},
-        {kFillPropertyValues, kFill, kProcedure, &T::fillPropertyValues},
-        {kBase64Value, required(1), kFunction, &T::base64Value, &kBinaryDataType},
-        {kBase64String, required(1), kFunction, &T::base64String, &kStringType},
-    };
-    return kMethods;
-}
 
 } // namespace core

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/lists/malformed.h"
 
+#include <core/context/arguments.h>
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
 #include <core/objects/enumeration.h>
@@ -8,9 +9,8 @@
 namespace core {
 namespace {
 
-constexpr Term kTerm = {u"Enumeration", u"Перечисление"};
 constexpr TypeInfo kTypeInfo = {.id = "9ccfe410-65b9-471b-8424-d9c5d724c6d2"_guid,
-                                .names = kTerm,
+                                .names = {u"Enumeration", u"Перечисление"},
                                 .presentation = "IDS_TYPE_PRESENTATION_ENUMERATION"};
 const TypeEntry<kTypeInfo> kType("Enumeration_Type");
 
@@ -109,6 +109,16 @@ void Enumeration::call(int method, GenericValue*, std::vector<GenericValue>*) {
 
 bool Enumeration::getPropInfo(int prop, ContextValueInfo& info) const {
     return detail::entry_at(info_.items, prop) != nullptr && detail::describe_type(&info_.type.id, info);
+}
+
+std::int32_t choice_argument(const Value& argument, int param, const Enumeration& enumeration,
+                             std::int32_t byDefault) {
+    if (argument.isUndefined())
+        return byDefault;
+    const auto number = enumeration.number(argument);
+    if (!number)
+        parameter_type_mismatch(param);
+    return *number;
 }
 
 GenericValue Enumeration::Loader::load(IInPersistenceStorage* storage) {

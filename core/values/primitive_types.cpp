@@ -15,8 +15,7 @@ constexpr Term kString = {u"String", u"Строка"};
 constexpr Term kDate = {u"Date", u"Дата"};
 constexpr Term kType = {u"Type", u"Тип"};
 
-constexpr TypeInfo info(const GUID& id, const wchar* const* names, const char* presentation,
-                        Type::Code code) {
+constexpr TypeInfo info(const GUID& id, NamePair names, const char* presentation, Type::Code code) {
     return {.id = id, .names = names, .presentation = presentation, .code = code};
 }
 

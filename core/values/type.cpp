@@ -2,6 +2,7 @@
 #include "core/values/primitive_types.h"
 
 #include <core/runtime/error.h>
+#include <core/runtime/thread.h>
 #include <core/values/generic_value.h>
 #include <core/values/type_object.h>
 #include <core/values/type_service.h>
@@ -52,7 +53,9 @@ Type::Code Type::code() const noexcept {
 }
 
 wstring TypeObject::presentation() const {
-    return message_text(info_.presentation);
+    if (info_.presentation != nullptr)
+        return message_text(info_.presentation);
+    return term_string(info_.names, Thread::getResourceLocale().isRussian() ? kRussian : kEnglish);
 }
 
 GenericValue TypeObject::construct(std::span<GenericValue> arguments) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/context/context_error.h>
+#include <core/context/arguments.h>
 #include <core/context/context_impl.h>
 #include <core/values/generic_value.h>
 

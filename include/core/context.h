@@ -3,13 +3,13 @@
 
 /// Contexts: what scripts reach of an object, its properties and methods by number and by two names,
 /// and walks over collections.
+#include <core/context/arguments.h>
 #include <core/context/context_def.h>
-#include <core/context/context_def_core.h>
 #include <core/context/context_def_ext.h>
-#include <core/context/context_error.h>
 #include <core/context/context_extern.h>
 #include <core/context/context_impl.h>
 #include <core/context/context_table.h>
 #include <core/context/group_context.h>
 #include <core/context/iteration.h>
 #include <core/context/name_cache.h>
+#include <core/context/script_object.h>

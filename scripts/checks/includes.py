@@ -18,9 +18,9 @@ BELOW = {
     "types": ["values"],
     "context": ["types"],
     "objects": ["context"],
-    "descriptions": ["objects"],
-    "collections": ["objects"],
-    "tables": ["collections", "descriptions"],
+    "collections": ["context"],
+    "descriptions": ["objects", "collections"],
+    "tables": ["descriptions"],
     "storage": ["files"],
     "host": ["tables", "storage"],
 }

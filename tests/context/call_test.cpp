@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: calls and properties by number from a class's tables; defaults of every kind; wrong numbers and
 // wrong counts of arguments that reach no method; several contexts as one.
+#include <core/context/arguments.h>
 #include <core/context/context_impl.h>
 #include <core/context/group_context.h>
 #include <core/runtime/error.h>

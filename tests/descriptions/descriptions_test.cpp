@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: what scripts construct from arguments of every form, and wrong ones refused by position;
 // properties and methods by both names; equality, hash and text by content.
+#include <core/collections.h>
 #include <core/descriptions.h>
 #include <core/objects.h>
 #include <core/runtime.h>
@@ -13,33 +14,6 @@ namespace {
 
 using namespace core;
 
-/// A walk over given values, as any collection offers it.
-class Walk : public IValueEnum {
-  public:
-    using Interfaces = InterfaceList<IValueEnum>;
-    explicit Walk(std::vector<GenericValue> values) : values_(std::move(values)) {}
-    bool next(GenericValue& out) override {
-        if (next_ == values_.size())
-            return false;
-        out = values_[next_++];
-        return true;
-    }
-
-  private:
-    std::vector<GenericValue> values_;
-    std::size_t next_ = 0;
-};
-class Collection : public IValueImpl, public IValueCollection {
-  public:
-    using Interfaces = InterfaceList<IValue, IValueCollection>;
-    explicit Collection(std::vector<GenericValue> values) : values_(std::move(values)) {}
-    IType* getType() const noexcept override { return Type(u"TypeDescription").get(); }
-    InterfacePtr<IValueEnum> enumerate() override { return make_object<Walk>(values_); }
-
-  private:
-    std::vector<GenericValue> values_;
-};
-
 class Descriptions : public testing::Test {
   protected:
     static GenericValue make(const wchar* type, std::vector<GenericValue> arguments) {
@@ -47,6 +21,9 @@ class Descriptions : public testing::Test {
     }
     static GenericValue description(std::vector<GenericValue> arguments) {
         return make(u"ОписаниеТипов", std::move(arguments));
+    }
+    static GenericValue array(std::vector<Value> values) {
+        return create_value_array(std::move(values)).query<IValue>();
     }
     static GenericValue get(const GenericValue& value, const wchar* property) {
         const auto context = value.query<IContext_>();
@@ -105,8 +82,7 @@ TEST_F(Descriptions, QualifiersComeFromArgumentsAndShowThemAsProperties) {
 TEST_F(Descriptions, TypesComeAsNamesATypeOrACollection) {
     const GenericValue both = create_type_description({kNumberType, kStringType});
     expectSameContent(description({u" string, Число "}), both);
-    expectSameContent(description({make_object<Collection>(std::vector<GenericValue>{
-                          Type(Type::string), Type(Type::number), Type(Type::string)})}),
+    expectSameContent(description({array({Type(Type::string), Type(Type::number), Type(Type::string)})}),
                       both);
     expectSameContent(description({Type(Type::date)}), create_type_description(TypeDomain(kDateType)));
     for (const GenericValue& none : {GenericValue(), GenericValue(u" ")})
@@ -139,7 +115,7 @@ TEST_F(Descriptions, AScriptAsksAndAdjusts) {
 }
 
 TEST_F(Descriptions, WrongArgumentsAreRefused) {
-    const auto bad = make_object<Collection>(std::vector<GenericValue>{Type(Type::date), 5});
+    const GenericValue bad = array({Type(Type::date), 5});
     const struct {
         const wchar* type;
         std::vector<GenericValue> arguments;

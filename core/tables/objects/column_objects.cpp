@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/column_objects.h"
 
-#include "core/context/gathered_enum.h"
 #include "core/tables/objects/table_arguments.h"
 
 #include <core/collections/terms.h>
@@ -92,7 +91,7 @@ InterfacePtr<IValueEnum> ValueTableColumnCollection::enumerate() {
     std::vector<Value> columns;
     for (std::size_t i = 0; i < data_.columnCount(); ++i)
         columns.push_back(getColumn(i));
-    return make_object<GatheredEnum>(std::move(columns));
+    return create_value_enum(std::move(columns));
 }
 
 /// Makes a column of a name, a type description, a title and a width.

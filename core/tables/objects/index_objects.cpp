@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/index_objects.h"
 
-#include "core/context/gathered_enum.h"
 #include "core/tables/objects/column_objects.h"
 #include "core/tables/objects/table_arguments.h"
 
@@ -35,7 +34,7 @@ class VTIndex : public TableObject<VTIndex, true>, public IValueCollection, publ
         std::vector<Value> columns;
         for (std::size_t i = 0; i < size(); ++i)
             columns.push_back(column(i));
-        return make_object<GatheredEnum>(std::move(columns));
+        return create_value_enum(std::move(columns));
     }
     const TableHandle<TableIndex>& handle() const noexcept override { return handle_; }
 
@@ -85,7 +84,7 @@ InterfacePtr<IValueEnum> VTIndexCollection::enumerate() {
     std::vector<Value> indexes;
     for (const auto& index : data_.indexes())
         indexes.push_back(index_value(data_, *index));
-    return make_object<GatheredEnum>(std::move(indexes));
+    return create_value_enum(std::move(indexes));
 }
 
 GenericValue VTIndexCollection::callAdd(std::span<GenericValue> arguments) {

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/context/gathered_enum.h"
 #include "core/tables/objects/named_columns.h"
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/table_object.h"
+
+#include <core/context/iteration.h>
 
 namespace core {
 
@@ -28,7 +29,7 @@ class RowObject : public TableObject<T, true, nullptr, NamedColumns<T>>,
         std::vector<Value> cells;
         for (std::size_t i = 0; i < data.columnCount(); ++i)
             cells.push_back(getColumn(i));
-        return make_object<GatheredEnum>(std::move(cells));
+        return create_value_enum(std::move(cells));
     }
 
     [[nodiscard]] const TableData& tableData() const noexcept { return handle_.data(); }

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/table_arguments.h"
 
-#include "core/collections/arguments.h"
 #include "core/tables/objects/column_objects.h"
 
-#include <core/collections/collect_error.h>
-#include <core/context/context_error.h>
 #include <core/runtime/error.h>
 #include <core/strings/compare.h>
-#include <core/strings/split.h>
 #include <core/strings/trim.h>
 #include <core/tables/terms.h>
 
@@ -23,17 +19,6 @@ bool is_term(wstring_view word, Term term) noexcept {
            compare_nocase(word, wstring_view(term[kRussian])) == 0;
 }
 
-/// The items of a list; a list that is wholly blank has one, the empty one.
-std::vector<wstring_view> items_of(const Value& argument, int param) {
-    const wstring_view* const text = argument.asString();
-    if (text == nullptr)
-        parameter_type_mismatch(param);
-    std::vector<wstring_view> items = string_tokenize(*text, u",", EmptyTokens::keep);
-    for (wstring_view& item : items)
-        item = trim_all(item);
-    return items;
-}
-
 void add_column(ColumnList& columns, const TableData& data, wstring_view name) {
     const std::size_t column = column_named(data, name);
     if (std::find(columns.begin(), columns.end(), column) != columns.end())
@@ -43,43 +28,16 @@ void add_column(ColumnList& columns, const TableData& data, wstring_view name) {
 
 } // namespace
 
-bool flag_argument(const Value& argument, int param) {
-    if (argument.kind() != ValueKind::boolean)
-        parameter_type_mismatch(param);
-    return argument.isTrue();
-}
-
 wstring string_argument(const Value& argument, int param) {
-    const wstring_view* const text = argument.asString();
-    if (text == nullptr)
-        parameter_type_mismatch(param);
-    return wstring(*text);
+    return wstring(text_argument(argument, param));
 }
 
 wstring optional_text_argument(const Value& argument, int param) {
     return argument.isUndefined() ? wstring() : string_argument(argument, param);
 }
 
-std::size_t position_argument(const Value& argument, int param, std::size_t count, IndexBound bound) {
-    const std::int64_t index = index_argument(argument, param);
-    const std::size_t end = count + (bound == IndexBound::insertion ? 1 : 0);
-    if (index < 0 || static_cast<std::uint64_t>(index) >= end)
-        throw_bad_index();
-    return static_cast<std::size_t>(index);
-}
-
-std::size_t target_argument(const Value& argument, int param, std::size_t from, std::size_t count) {
-    const std::int64_t offset = index_argument(argument, param);
-    const auto place = static_cast<std::int64_t>(from);
-    if (offset < -place || offset >= static_cast<std::int64_t>(count) - place)
-        throw ContextException(collect_error_bad_offset());
-    return static_cast<std::size_t>(place + offset);
-}
-
 RowId row_object_argument(const TableData& data, const Value& argument, int param) {
-    const auto object = argument.query<IRowObject>();
-    if (!object)
-        parameter_type_mismatch(param);
+    const auto object = object_argument<IRowObject>(argument, param);
     const RowHandle& handle = object->handle();
     if (&handle.data() != &data)
         throw_error<ContextException>("IDS_VT_UNKNOWN_ROW_ERROR");
@@ -108,9 +66,7 @@ std::size_t column_argument(const TableData& data, const Value& argument, int pa
         return column_named(data, trim_all(*name));
     if (argument.kind() == ValueKind::number)
         return position_argument(argument, param, data.columnCount());
-    const auto object = argument.query<IColumnObject>();
-    if (!object)
-        parameter_type_mismatch(param);
+    const auto object = object_argument<IColumnObject>(argument, param);
     const TableHandle<TableColumn>& handle = object->handle();
     const TableColumn* const column = handle.part();
     if (column == nullptr || &handle.data() != &data)
@@ -120,7 +76,7 @@ std::size_t column_argument(const TableData& data, const Value& argument, int pa
 }
 
 ColumnList column_list_argument(const TableData& data, const Value& argument, int param, BlankList blank) {
-    const std::vector<wstring_view> items = items_of(argument, param);
+    const std::vector<wstring_view> items = list_argument(argument, param);
     ColumnList columns;
     if (blank == BlankList::noColumn && items.size() == 1 && items.front().empty())
         return columns;
@@ -147,7 +103,7 @@ std::vector<SortColumn> sort_argument(const TableData& data, const Value& argume
         bool descending;
     };
     std::vector<Item> items;
-    for (const wstring_view item : items_of(argument, param)) {
+    for (const wstring_view item : list_argument(argument, param)) {
         const std::vector<wstring_view> words = string_tokenize(item, u" ");
         if (words.empty() || words.size() > 2)
             parameter_value_mismatch(param);

@@ -4,27 +4,18 @@
 #include "core/tables/data/table_data.h"
 #include "core/tables/sort/row_sort.h"
 
+#include <core/context/arguments.h>
+
 #include <span>
 
-/// Reading the arguments of script calls. Wrong ones throw ContextException: of a wrong type
-/// "IDS_PARAMETER_N_TYPE_MISMATCH", others as said.
+/// Reading the arguments of script calls that are rows and columns. Wrong ones throw ContextException: of a
+/// wrong type "IDS_PARAMETER_N_TYPE_MISMATCH", others as said.
 namespace core {
 
-/// A Boolean.
-[[nodiscard]] bool flag_argument(const Value& argument, int param);
 /// A String.
 [[nodiscard]] wstring string_argument(const Value& argument, int param);
 /// A String; Undefined is the empty one.
 [[nodiscard]] wstring optional_text_argument(const Value& argument, int param);
-
-/// Whether something follows the last element, and so can be inserted there.
-enum class IndexBound { element, insertion };
-/// The position of one of `count` elements, or where one can be inserted: "IDS_INDEX_OFFBOUND" for any other.
-[[nodiscard]] std::size_t position_argument(const Value& argument, int param, std::size_t count,
-                                            IndexBound bound = IndexBound::element);
-/// Where an element ends up when it is moved by an offset: "IDS_COLLECTION_BADOFFSET" beyond either end.
-[[nodiscard]] std::size_t target_argument(const Value& offset, int param, std::size_t from,
-                                          std::size_t count);
 
 /// The position of a row below `parent`, which is given by an index or as a row; "IDS_VT_UNKNOWN_ROW_ERROR"
 /// for one that is not there.

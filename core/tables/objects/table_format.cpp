@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/table_format.h"
 
-#include "core/collections/arguments.h"
+#include "core/collections/stored_count.h"
 #include "core/lists/malformed.h"
 
 #include <core/lists/list_in_stream.h>

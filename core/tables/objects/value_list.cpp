@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/collections/arguments.h"
-#include "core/context/gathered_enum.h"
+#include "core/collections/stored_count.h"
 #include "core/lists/malformed.h"
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/value_list_impl.h"
@@ -126,7 +125,7 @@ InterfacePtr<IValueEnum> ValueList::enumerate() {
     items.reserve(count());
     for (const ValueListItemPtr& item : inOrder())
         items.emplace_back(item);
-    return make_object<GatheredEnum>(std::move(items));
+    return create_value_enum(std::move(items));
 }
 
 /// Sorts by a value of each item; equal ones keep their order.

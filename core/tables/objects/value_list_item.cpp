@@ -2,7 +2,7 @@
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/value_list_impl.h"
 
-#include <core/context/context_error.h>
+#include <core/context/arguments.h>
 #include <core/tables/terms.h>
 
 namespace core {

@@ -5,7 +5,7 @@
 
 #include <core/collections/terms.h>
 #include <core/collections/value_array.h>
-#include <core/context/context_error.h>
+#include <core/context/arguments.h>
 #include <core/runtime/process.h>
 #include <core/tables/chooser.h>
 #include <core/tables/terms.h>

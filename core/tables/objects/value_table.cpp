@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/collections/arguments.h"
+#include "core/collections/stored_count.h"
 #include "core/tables/objects/column_objects.h"
 #include "core/tables/objects/index_objects.h"
 #include "core/tables/objects/row_collection.h"

@@ -6,10 +6,11 @@
 namespace core {
 
 /// A definition borrowed from another class by class id: an object of that class is made in the current
-/// process, and everything is forwarded to its definition. Without one (the null id, an unknown class) there
-/// are no properties and no methods.
+/// process, and every operation is forwarded to its definition. For the null id and an unknown class there
+/// are no properties and no methods, as in ContextDefCore.
 class CORE_API ContextDefExternBase : public IContextDef {
   public:
+    /// Makes an object of the class `*clsid`; `clsid` must not be null.
     explicit ContextDefExternBase(const GUID* clsid);
 
     int getNProps() const override;
@@ -26,9 +27,6 @@ class CORE_API ContextDefExternBase : public IContextDef {
     bool hasRetVal(int method) const override;
     int findMethod(const wchar* name) const override;
 
-    /// The definition that is borrowed, or null.
-    [[nodiscard]] IContextDef* borrowed() const noexcept { return def_.get(); }
-
   protected:
     ~ContextDefExternBase() = default;
 
@@ -36,9 +34,11 @@ class CORE_API ContextDefExternBase : public IContextDef {
     InterfacePtr<IContextDef> def_;
 };
 
+/// ContextDefExternBase with a class id that is known when the program is built.
 template <const GUID* clsid>
 class ContextDefExtern : public ContextDefExternBase {
   public:
+    /// Makes an object of the class `*clsid`.
     ContextDefExtern() : ContextDefExternBase(clsid) {}
 
   protected:

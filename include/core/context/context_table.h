@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/context/context_error.h>
 #include <core/context/name_cache.h>
 #include <core/strings/term.h>
 
@@ -12,52 +11,61 @@
 namespace core {
 
 /// The default of a parameter that may be left out.
-enum class ParamDefault : std::uint8_t { none, undefined, emptyString, falseValue, resourceText };
+enum class ParamDefault : std::uint8_t {
+    none,        ///< it may not be left out
+    undefined,   ///< Undefined
+    emptyString, ///< the empty String
+    falseValue,  ///< False
+    resourceText ///< the text of the message Param::resource, in the language of the thread
+};
 
 /// A parameter of a method. Most are `{}`: a value goes in, and it cannot be left out.
 struct Param {
-    ParamDefault byDefault = ParamDefault::none;
-    const char* resource = nullptr; ///< the text of a resourceText default
-    bool in = true;
-    bool out = false;
+    ParamDefault byDefault = ParamDefault::none; ///< what it is when it is left out
+    const char* resource = nullptr;              ///< the message id of a resourceText default
+    bool in = true;                              ///< passes a value in
+    bool out = false;                            ///< passes a value back
 
-    /// Whether there is a default, stored in `*value` when that is not null.
+    /// Returns whether there is a default, and stores it in `*value` when that is not null.
     CORE_API bool getDefault(GenericValue* value) const;
 };
 
-/// A property: how it is read and written. A null function means that it cannot be.
+/// A property: how it is read and written.
 template <class T>
 struct Property {
-    const wchar* const* names;
-    GenericValue (T::*get)() const;
-    void (T::*set)(const GenericValue& value) = nullptr;
-    const GUID* type = nullptr; ///< the id of its type, where it always has the same
+    NamePair names;                                      ///< English and Russian
+    GenericValue (T::*get)() const;                      ///< reads it; null when it cannot be read
+    void (T::*set)(const GenericValue& value) = nullptr; ///< writes it; null when it cannot be written
+    const GUID* type = nullptr;                          ///< the id of its type, where that never varies
 };
 
-/// A method. It is called with as many arguments as it has parameters; what it returns
-/// counts for functions only.
+/// A method.
 template <class T>
 struct Method {
-    const wchar* const* names;
-    std::span<const Param> params;
-    bool returns;
+    NamePair names;                ///< English and Russian
+    std::span<const Param> params; ///< borrowed; lives as long as the table
+    bool returns;                  ///< kFunction or kProcedure
+    /// Called with as many arguments as there are parameters. What it returns counts for functions only.
     GenericValue (T::*call)(std::span<GenericValue> arguments);
-    const GUID* type = nullptr; ///< the id of what it returns, where that is always of the same type
+    const GUID* type = nullptr; ///< the id of the type of what it returns, where that never varies
 };
 
-/// Names for the entries of a table of methods.
-inline constexpr bool kFunction = true;
-inline constexpr bool kProcedure = false;
-/// Parameters without defaults.
-inline constexpr Param kRequired[8] = {};
+inline constexpr bool kFunction = true;   ///< for Method::returns: the call has a value
+inline constexpr bool kProcedure = false; ///< for Method::returns: the call has none
+
+inline constexpr Param kRequired[8] = {}; ///< what required() hands out
+/// Returns `count` parameters, 8 at the most, that cannot be left out.
 [[nodiscard]] constexpr std::span<const Param> required(std::size_t count) noexcept {
     return std::span(kRequired).first(count);
 }
 
+/// The parameter that may be left out and is Undefined then.
+inline constexpr Param kOptional = {.byDefault = ParamDefault::undefined};
+
 namespace detail {
 
-/// ContextException: a property or method number that does not exist, a property that
-/// cannot be read or written.
+// Each throws ContextException: for the number of a property or a method that does not exist, for a property
+// that cannot be read or written.
 [[noreturn]] CORE_API void bad_property(int prop);
 [[noreturn]] CORE_API void bad_method(int method);
 [[noreturn]] CORE_API void unreadable_property(const wchar* name);

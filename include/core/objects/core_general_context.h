@@ -16,8 +16,10 @@
 /// Arguments of another type or value are a ContextException that names the parameter.
 namespace core {
 
+/// The class id of the global context.
 inline constexpr GUID kCoreGeneralContextClass = "d01bff24-01c3-4ed3-b0d7-63042f854d4a"_guid;
 
+/// Returns a new global context. Throws std::bad_alloc.
 [[nodiscard]] CORE_API InterfacePtr<IContext_> create_core_general_context();
 
 } // namespace core

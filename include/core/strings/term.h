@@ -21,4 +21,20 @@ inline constexpr int kRussian = 1;
     return nullptr;
 }
 
+/// A name in both languages as an entry of a table holds it: what a Term says, in a form that can be copied.
+/// The texts are borrowed; they are literals as a rule.
+struct NamePair {
+    /// No name.
+    constexpr NamePair() noexcept = default;
+    /// A name; the Russian one may be missing (null).
+    constexpr NamePair(const wchar* english, const wchar* russian = nullptr) noexcept
+        : text{english, russian} {}
+    /// The name that a Term says.
+    constexpr NamePair(const Term& term) noexcept : text{term[kEnglish], term[kRussian]} {}
+    /// The pair as a Term, for term_string(); valid as long as the pair.
+    constexpr operator const wchar* const*() const noexcept { return text; }
+
+    const wchar* text[2] = {}; ///< English, Russian
+};
+
 } // namespace core

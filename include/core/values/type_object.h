@@ -10,14 +10,14 @@ namespace core {
 
 /// Everything there is to know of a type, as data at one place in its class's source file.
 struct TypeInfo {
-    GUID id;
-    GUID valueClass = kNullGuid;         ///< the class of the type's objects; null for primitive types
-    const wchar* const* names = nullptr; ///< the script's name, a Term
-    const char* presentation = nullptr;  ///< resource id
-    std::int32_t code = Type::object;
+    GUID id;                            ///< minted once, never changed
+    GUID valueClass = kNullGuid;        ///< the class of the type's objects; null for primitive types
+    NamePair names;                     ///< the name by which scripts know the type
+    const char* presentation = nullptr; ///< message id of what the user reads; null for the script's name
+    std::int32_t code = Type::object;   ///< a Type::Code
     /// Makes a value from a script's arguments, whose number is within the bounds; null when scripts cannot.
     GenericValue (*construct)(std::span<GenericValue> arguments) = nullptr;
-    IType::Arguments arguments = {-1, -1};
+    IType::Arguments arguments = {-1, -1}; ///< how many arguments `construct` takes
 };
 
 /// The type object of a TypeInfo; lives as long as the library, so counting does nothing.

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#pragma once
-
 #include <core/context/iteration.h>
 #include <core/runtime/internal_class.h>
 
 #include <utility>
-#include <vector>
 
 namespace core {
+namespace {
 
 /// A walk over values that were gathered when it began.
 class GatheredEnum : public IValueEnum {
@@ -26,5 +24,11 @@ class GatheredEnum : public IValueEnum {
     std::vector<Value> values_;
     std::size_t next_ = 0;
 };
+
+} // namespace
+
+InterfacePtr<IValueEnum> create_value_enum(std::vector<Value> values) {
+    return make_object<GatheredEnum>(std::move(values));
+}
 
 } // namespace core
