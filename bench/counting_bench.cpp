@@ -2,6 +2,7 @@
 // Counted objects beside boost::intrusive_ptr, dynamic_cast and std::make_shared, all with a second thread
 // running, so that no counter may take the short way of programs with one.
 #include <core/runtime.h>
+#include <core/runtime/module.h>
 
 #include <benchmark/benchmark.h>
 #include <boost/smart_ptr/intrusive_ptr.hpp>

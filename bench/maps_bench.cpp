@@ -4,6 +4,7 @@
 // program makes for itself (a count and an integer or a std::u16string). QVariantHash beside the structure.
 #include <core/collections.h>
 #include <core/runtime.h>
+#include <core/runtime/module.h>
 #include <core/values.h>
 #include <core/values/value_hash.h>
 

@@ -5,6 +5,7 @@
 #include <core/context/context_def.h>
 #include <core/context/name_cache.h>
 #include <core/runtime.h>
+#include <core/runtime/module.h>
 #include <core/values.h>
 
 #include <QtCore/QObject>

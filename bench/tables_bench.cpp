@@ -8,6 +8,7 @@
 #include <core/collections.h>
 #include <core/context/iteration.h>
 #include <core/runtime.h>
+#include <core/runtime/module.h>
 #include <core/tables.h>
 
 #include <QtCore/QHash>

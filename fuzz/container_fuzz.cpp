@@ -3,6 +3,7 @@
 // written to; what is whole can be read, changed and compacted, and stays whole.
 #include <core/files.h>
 #include <core/storage.h>
+#include <core/storage/errors.h>
 
 #include <cstdint>
 #include <cstdlib>

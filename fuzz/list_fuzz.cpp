@@ -2,6 +2,7 @@
 // Any text as a brace list. What the scanner accepts is written anew and must scan to the same, by runs and
 // unit by unit; the reader takes what it can and stops, whatever it is asked for.
 #include <core/lists.h>
+#include <core/lists/errors.h>
 #include <core/runtime/utf8.h>
 
 #include <cstdint>

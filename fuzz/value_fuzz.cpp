@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Any text as the text form of a value, collections among them: what is read is written and read back the
 // same.
-#include <core/runtime/exceptions.h>
+#include <core/runtime/exception.h>
 #include <core/runtime/utf8.h>
 #include <core/values/generic_value.h>
 #include <host/host_process.h>

@@ -2,7 +2,7 @@
 #include "host/byte_input.h"
 
 #include <core/files/disk_file.h>
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>
 
@@ -46,14 +46,14 @@ ByteInput::ByteInput(Console& console, std::string file)
     if (file_.is_open() && ::stat(name_.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
         errno = EISDIR;
     if (!file_.is_open() || errno == EISDIR)
-        core::throw_file_error("IDS_FILE_OPEN", core::file_url(name_), errno);
+        core::throw_file_error(core::messages::kFileOpen, core::file_url(name_), errno);
 }
 
 std::size_t ByteInput::read(std::span<std::byte> bytes) {
     errno = 0;
     in_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (in_.bad())
-        core::throw_file_error("IDS_FILE_READ", core::from_utf8(name_), errno);
+        core::throw_file_error(core::messages::kFileRead, core::from_utf8(name_), errno);
     const auto count = static_cast<std::size_t>(in_.gcount());
     progress_.add(count);
     return count;

@@ -5,9 +5,11 @@
 #include "host/console_chooser.h"
 #include "host/terminal_text.h"
 
-#include <core/runtime/error.h>
+#include <core/files/errors.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
+#include <core/streams/errors.h>
 #include <host/host_process.h>
 
 #include <CLI/CLI.hpp>

@@ -2,11 +2,11 @@
 #include "host/text_output.h"
 
 #include <core/files/disk_file.h>
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_system.h>
-#include <core/runtime/error.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
+#include <core/streams/errors.h>
 #include <core/streams/text_file.h>
 
 #include <cerrno>
@@ -51,7 +51,7 @@ fs::path followed(const fs::path& file) {
             return path;
         path = path.parent_path() / next;
     }
-    core::throw_file_error("IDS_FILE_OPEN", core::file_url(file.string()), ELOOP);
+    core::throw_file_error(core::messages::kFileOpen, core::file_url(file.string()), ELOOP);
 }
 
 } // namespace
@@ -63,9 +63,9 @@ void write_text_file(const std::string& file, const TextWriter& write) {
         errno = 0;
         std::ofstream bytes(file, std::ios::binary);
         if (!bytes)
-            core::throw_file_error("IDS_FILE_OPEN", url, errno);
+            core::throw_file_error(core::messages::kFileOpen, url, errno);
         return write_through(bytes, url, write,
-                             [&] { core::throw_file_error("IDS_FILE_WRITE", url, errno); });
+                             [&] { core::throw_file_error(core::messages::kFileWrite, url, errno); });
     }
     core::save_text(*core::get_service<core::IFileSystem>(), core::file_url(followed(file).string()), write);
 }

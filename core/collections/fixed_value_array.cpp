@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/array_impl.h"
 
+#include <core/context/errors.h>
+
 namespace core {
 
 class FixedValueArray : public ArrayImpl<FixedValueArray, IValueSequence> {

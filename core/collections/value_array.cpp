@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/array_impl.h"
 
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
+
 namespace core {
 
 constexpr std::int32_t kMaxDimensions = 32;

@@ -2,10 +2,14 @@
 #include "core/collections/pairs_impl.h"
 #include "core/lists/malformed.h"
 
+#include <core/collections/errors.h>
 #include <core/collections/value_structure.h>
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
 #include <core/strings/compare.h>
 #include <core/strings/names.h>
 #include <core/strings/trim.h>
+#include <core/values/errors.h>
 #include <core/values/value_hash.h>
 
 namespace core {
@@ -32,7 +36,7 @@ Name name_of(const Value& key) {
     const wstring_view* const text = key.asString();
     const wstring_view name = text != nullptr ? trim_all(*text) : wstring_view();
     if (!is_valid_name(name))
-        throw_error<ContextException>("IDS_VS_BADPROPNAME_ERROR", {key.presentation()});
+        throw_error<ContextException>(messages::kBadKey, {key.presentation()});
     return Name(name);
 }
 

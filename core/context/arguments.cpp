@@ -1,26 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/context/arguments.h>
+#include <core/context/errors.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/trim.h>
+#include <core/values/errors.h>
 
 #include <limits>
 
 namespace core {
 
 void parameter_type_mismatch(int param) {
-    throw_error<ContextException>("IDS_PARAMETER_N_TYPE_MISMATCH", {string_intto(param + 1)});
+    throw_error<ContextException>(messages::kParameterType, {string_intto(param + 1)});
 }
 
 void parameter_value_mismatch(int param) {
-    throw_error<ContextException>("IDS_PARAMETER_N_VALUE_MISMATCH", {string_intto(param + 1)});
+    throw_error<ContextException>(messages::kParameterValue, {string_intto(param + 1)});
 }
 
 void throw_bad_index() {
-    throw_error<ContextException>("IDS_INDEX_OFFBOUND");
+    throw_error<ContextException>(messages::kBadIndex);
 }
 
 void throw_bad_offset() {
-    throw_error<ContextException>("IDS_COLLECTION_BADOFFSET");
+    throw_error<ContextException>(messages::kBadOffset);
 }
 
 const GenericValue& optional_argument(std::span<const GenericValue> arguments, std::size_t index) noexcept {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/context/context_table.h>
-#include <core/runtime/error.h>
+#include <core/context/errors.h>
 #include <core/strings/integer_text.h>
+#include <core/values/errors.h>
 
 namespace core {
 
@@ -29,31 +30,30 @@ bool Param::getDefault(GenericValue* value) const {
 }
 
 void detail::bad_property(int prop) {
-    throw_error<ContextException>("IDS_CONTEXT_NO_PROPERTY", {string_intto(prop)});
+    throw_error<ContextException>(messages::kNoProperty, {string_intto(prop)});
 }
 
 void detail::bad_method(int method) {
-    throw_error<ContextException>("IDS_CONTEXT_NO_METHOD", {string_intto(method)});
+    throw_error<ContextException>(messages::kNoMethod, {string_intto(method)});
 }
 
 void detail::unreadable_property(const wchar* name) {
-    throw_error<ContextException>("IDS_CONTEXT_PROPERTY_NOT_READABLE", {name});
+    throw_error<ContextException>(messages::kPropertyNotReadable, {name});
 }
 
 void detail::unwritable_property(const wchar* name) {
-    throw_error<ContextException>("IDS_CONTEXT_PROPERTY_NOT_WRITABLE", {name});
+    throw_error<ContextException>(messages::kPropertyNotWritable, {name});
 }
 
 void detail::complete_arguments(std::span<const Param> params, std::vector<GenericValue>& arguments,
                                 const wchar* method) {
     if (arguments.size() > params.size())
-        throw_error<ContextException>("IDS_CONTEXT_TOO_MANY_ARGUMENTS",
-                                      {method, string_intto(params.size())});
+        throw_error<ContextException>(messages::kTooManyArguments, {method, string_intto(params.size())});
     std::vector<GenericValue> defaults;
     for (std::size_t i = arguments.size(); i < params.size(); ++i) {
         GenericValue value;
         if (!params[i].getDefault(&value))
-            throw_error<ContextException>("IDS_CONTEXT_MISSING_ARGUMENT", {method, string_intto(i + 1)});
+            throw_error<ContextException>(messages::kMissingArgument, {method, string_intto(i + 1)});
         defaults.push_back(std::move(value));
     }
     arguments.insert(arguments.end(), std::make_move_iterator(defaults.begin()),

@@ -2,8 +2,8 @@
 #include "core/dates/time_zone.h"
 
 #include <core/dates/date.h>
+#include <core/dates/settings.h>
 #include <core/runtime/clock.h>
-#include <core/runtime/settings.h>
 
 #include <chrono>
 
@@ -33,19 +33,19 @@ Date Date::getCurrentDate() {
 }
 
 Date Date::begOfWeek() const noexcept {
-    return begOfWeek(current_settings().firstDayOfWeek);
+    return begOfWeek(current_settings().part<DateSettings>().firstDayOfWeek);
 }
 
 Date Date::endOfWeek() const noexcept {
-    return endOfWeek(current_settings().firstDayOfWeek);
+    return endOfWeek(current_settings().part<DateSettings>().firstDayOfWeek);
 }
 
 Date Date::toLocalTime() const {
-    return toLocalTime(current_settings().timeZone);
+    return toLocalTime(current_settings().part<DateSettings>().timeZone);
 }
 
 Date Date::toUniversalTime() const {
-    return toUniversalTime(current_settings().timeZone);
+    return toUniversalTime(current_settings().part<DateSettings>().timeZone);
 }
 
 Date Date::toLocalTime(const std::string& zone) const {

@@ -2,6 +2,7 @@
 #include "core/descriptions/content_value.h"
 
 #include <core/collections/value_array.h>
+#include <core/context/arguments.h>
 #include <core/descriptions/qualifier_values.h>
 #include <core/descriptions/type_description.h>
 #include <core/values/type_service.h>

@@ -2,7 +2,8 @@
 #include "core/files/disk_path.h"
 
 #include <core/files/disk_file.h>
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
+#include <core/files/file.h>
 #include <core/files/file_impl.h>
 #include <core/runtime/internal_class.h>
 
@@ -69,20 +70,20 @@ class DiskFile : public FileImpl, public ISharedFile {
             if (done >= 0)
                 return static_cast<std::size_t>(done);
             if (errno != EINTR)
-                throw_file_error("IDS_FILE_READ", url(), errno);
+                throw_file_error(messages::kFileRead, url(), errno);
         }
     }
 
     std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override {
         if (position > kMaxFileLength)
-            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
+            throw_file_error(messages::kFileWrite, url(), EFBIG);
         for (;;) {
             const auto done =
                 ::pwrite(descriptor_.number(), buffer, std::min(count, kMaxTransfer), offset(position));
             if (done >= 0)
                 return static_cast<std::size_t>(done);
             if (errno != EINTR)
-                throw_file_error("IDS_FILE_WRITE", url(), errno);
+                throw_file_error(messages::kFileWrite, url(), errno);
         }
     }
 
@@ -90,17 +91,17 @@ class DiskFile : public FileImpl, public ISharedFile {
 
     void truncate(std::uint64_t length) override {
         if (length > kMaxFileLength)
-            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
+            throw_file_error(messages::kFileWrite, url(), EFBIG);
         while (::ftruncate(descriptor_.number(), offset(length)) != 0) {
             if (errno != EINTR)
-                throw_file_error("IDS_FILE_WRITE", url(), errno);
+                throw_file_error(messages::kFileWrite, url(), errno);
         }
     }
 
     void flush() override {
         // Not even an interrupted call is repeated: the system may have forgotten what it could not write.
         if (::fdatasync(descriptor_.number()) != 0)
-            throw_file_error("IDS_FILE_FLUSH", url(), errno);
+            throw_file_error(messages::kFileFlush, url(), errno);
         if (!newPath_.empty()) {
             flush_folder_of(newPath_);
             newPath_.clear();
@@ -110,20 +111,20 @@ class DiskFile : public FileImpl, public ISharedFile {
     void close() override {
         // Nothing is buffered here, but files of other machines can fail as late as this.
         if (!descriptor_.close())
-            throw_file_error("IDS_FILE_FLUSH", url(), errno);
+            throw_file_error(messages::kFileFlush, url(), errno);
     }
 
     bool tryLock(std::uint64_t start, std::uint64_t length, LockKind kind) override {
         if (setLock(start, length, kind == LockKind::shared ? F_RDLCK : F_WRLCK))
             return true;
         if (errno != EAGAIN && errno != EACCES)
-            throw_file_error("IDS_FILE_LOCK", url(), errno);
+            throw_file_error(messages::kFileLock, url(), errno);
         return false;
     }
 
     void unlock(std::uint64_t start, std::uint64_t length) override {
         if (!setLock(start, length, F_UNLCK))
-            throw_file_error("IDS_FILE_LOCK", url(), errno);
+            throw_file_error(messages::kFileLock, url(), errno);
     }
 
     bool isSameFile(IFile& other) override {
@@ -141,7 +142,7 @@ class DiskFile : public FileImpl, public ISharedFile {
     [[nodiscard]] struct stat status() const {
         struct stat result {};
         if (::fstat(descriptor_.number(), &result) != 0)
-            throw_file_error("IDS_FILE_READ", url(), errno);
+            throw_file_error(messages::kFileRead, url(), errno);
         return result;
     }
 
@@ -194,7 +195,7 @@ void flush_folder_of(const std::string& path) {
     if (descriptor.number() >= 0 && (::fsync(descriptor.number()) == 0 || errno == EINVAL))
         return; // not every system can
     const int reason = errno;
-    throw_file_error("IDS_FILE_FLUSH", file_url(path), reason);
+    throw_file_error(messages::kFileFlush, file_url(path), reason);
 }
 
 InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode, unsigned permissions) {
@@ -205,11 +206,11 @@ InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode, unsig
         number = ::open(path.c_str(), open_flags(mode) | O_CLOEXEC, permissions);
     while (number < 0 && errno == EINTR);
     if (number < 0)
-        throw_file_error("IDS_FILE_OPEN", url, errno);
+        throw_file_error(messages::kFileOpen, url, errno);
     Descriptor descriptor(number);
     struct stat status {};
     if (::fstat(number, &status) == 0 && S_ISDIR(status.st_mode))
-        throw_file_error("IDS_FILE_OPEN", url, EISDIR);
+        throw_file_error(messages::kFileOpen, url, EISDIR);
     const bool mayBeNew = mode != OpenMode::read && mode != OpenMode::readWrite;
     return make_object<DiskFile>(std::move(descriptor), url, mayBeNew ? path : std::string());
 }
@@ -219,7 +220,7 @@ InterfacePtr<IFile> create_temp_file(const std::string& folder) {
     std::string path = folder + "/core-XXXXXX";
     Descriptor descriptor(::mkostemp(path.data(), O_CLOEXEC));
     if (descriptor.number() < 0)
-        throw_file_error("IDS_FILE_OPEN", file_url(folder), errno);
+        throw_file_error(messages::kFileOpen, file_url(folder), errno);
     ::unlink(path.c_str());
     return make_object<DiskFile>(std::move(descriptor), file_url(path), std::string());
 }

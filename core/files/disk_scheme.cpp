@@ -3,7 +3,7 @@
 #include "core/files/schemes.h"
 
 #include <core/files/disk_file.h>
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_io.h>
 #include <core/files/file_time.h>
 #include <core/files/wildcard.h>
@@ -65,14 +65,14 @@ class DiskScheme : public IFileScheme {
     std::size_t remove(const wstring& pattern) override {
         const std::vector<std::string> paths = matching(pattern);
         if (paths.empty() && !isPattern(pattern))
-            throw_file_error("IDS_FILE_REMOVE", pattern, ENOENT);
+            throw_file_error(messages::kFileRemove, pattern, ENOENT);
         std::size_t count = 0;
         for (const std::string& path : paths) {
             std::error_code error;
             if (isPattern(pattern) && fs::is_directory(path, error))
                 continue;
             if (!fs::remove(path, error) && error)
-                throw_file_error("IDS_FILE_REMOVE", file_url(path), error.value());
+                throw_file_error(messages::kFileRemove, file_url(path), error.value());
             ++count;
         }
         return count;
@@ -81,7 +81,7 @@ class DiskScheme : public IFileScheme {
     void copyFile(const wstring& from, const wstring& to) override {
         const std::string source = file_path(from);
         if (is_same_file(source, file_path(to)))
-            throw_file_error("IDS_FILE_COPY_ONTO_ITSELF", to, EEXIST);
+            throw_file_error(messages::kFileCopyOntoItself, to, EEXIST);
         saveFile(*open_disk_file(source, OpenMode::read), to);
     }
 
@@ -112,7 +112,7 @@ class DiskScheme : public IFileScheme {
         const std::string source = file_path(from);
         const std::string target = file_path(to);
         if (is_same_file(source, target))
-            throw_file_error("IDS_FILE_COPY_ONTO_ITSELF", to, EEXIST);
+            throw_file_error(messages::kFileCopyOntoItself, to, EEXIST);
         if (std::rename(source.c_str(), target.c_str()) == 0) {
             flush_folder_of(target);
             if (folder_of(source) != folder_of(target))
@@ -120,7 +120,7 @@ class DiskScheme : public IFileScheme {
             return;
         }
         if (errno != EXDEV)
-            throw_file_error("IDS_FILE_MOVE", from, errno);
+            throw_file_error(messages::kFileMove, from, errno);
         copyFile(from, to);
         remove(file_url(source));
     }
@@ -181,21 +181,21 @@ class DiskScheme : public IFileScheme {
         const wstring pattern = decodedPattern(url);
         fs::directory_iterator entries(folder.empty() ? std::string(".") : folder, error);
         if (error && error.value() != ENOENT)
-            throw_file_error("IDS_FILE_READ", url, error.value());
+            throw_file_error(messages::kFileRead, url, error.value());
         for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
             const std::string name = entries->path().filename().string();
             if (matches_wildcard(comparable(name), pattern))
                 paths.push_back(folder + name);
         }
         if (error && error.value() != ENOENT)
-            throw_file_error("IDS_FILE_READ", url, error.value());
+            throw_file_error(messages::kFileRead, url, error.value());
         std::sort(paths.begin(), paths.end());
         return paths;
     }
 
     static void rename(const std::string& from, const std::string& to) {
         if (std::rename(from.c_str(), to.c_str()) != 0)
-            throw_file_error("IDS_FILE_MOVE", file_url(to), errno);
+            throw_file_error(messages::kFileMove, file_url(to), errno);
         flush_folder_of(to);
     }
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
+#include <core/files/file.h>
 #include <core/files/file_impl.h>
 
 #include <cerrno>
@@ -29,11 +30,11 @@ std::uint64_t FileImpl::seek(std::int64_t offset, SeekOrigin origin) {
     else if (origin == SeekOrigin::end)
         base = length();
     else if (origin != SeekOrigin::begin)
-        throw_file_error("IDS_FILE_SEEK", url_, EINVAL);
+        throw_file_error(messages::kFileSeek, url_, EINVAL);
     const std::uint64_t target = base + static_cast<std::uint64_t>(offset);
     const bool before = offset < 0 && target > base;
     if (before || target > kMaxFileLength)
-        throw_file_error("IDS_FILE_SEEK", url_, EINVAL);
+        throw_file_error(messages::kFileSeek, url_, EINVAL);
     return position_ = target;
 }
 

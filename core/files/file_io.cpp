@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_io.h>
 
 #include <algorithm>
@@ -12,7 +12,7 @@ constexpr std::size_t kCopyBlock = std::size_t{256} << 10;
 
 void require_progress(std::size_t done, IFile& file) {
     if (done == 0)
-        throw_file_error("IDS_FILE_WRITE", file.url(), ENOSPC);
+        throw_file_error(messages::kFileWrite, file.url(), ENOSPC);
 }
 
 } // namespace
@@ -55,7 +55,7 @@ std::vector<std::byte> read_whole(IFile& file) {
         const std::uint64_t step =
             std::min<std::uint64_t>(rest, std::max<std::uint64_t>(done, std::uint64_t{16} << 20)) + 1;
         if (step > bytes.max_size() - done)
-            throw_file_error("IDS_FILE_READ", file.url(), EFBIG);
+            throw_file_error(messages::kFileRead, file.url(), EFBIG);
         bytes.resize(done + static_cast<std::size_t>(step));
         const std::size_t part = read_all_at(file, done, std::span(bytes).subspan(done));
         done += part;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/schemes.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_system.h>
 #include <core/files/wildcard.h>
 #include <core/runtime/class_entry.h>
@@ -80,7 +80,7 @@ class FileSystem : public IFileSystem {
         } else {
             // A file whose name reads as a pattern must not take others along when it is removed.
             if (has_wildcard(from) && source->findFile(from).size() > 1)
-                throw_file_error("IDS_FILE_MOVE", from, EINVAL);
+                throw_file_error(messages::kFileMove, from, EINVAL);
             copyBetween(*source, from, *target, to);
             source->remove(from);
         }
@@ -103,7 +103,7 @@ class FileSystem : public IFileSystem {
     InterfacePtr<IFileScheme> schemeOf(const wstring& url) {
         auto scheme = findScheme(split_url(url).scheme);
         if (!scheme)
-            throw_file_error("IDS_FILE_SCHEME", url, ENOTSUP);
+            throw_file_error(messages::kFileScheme, url, ENOTSUP);
         return scheme;
     }
 

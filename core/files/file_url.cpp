@@ -3,7 +3,7 @@
 #include "core/runtime/hex_digit.h"
 
 #include <core/files/disk_file.h>
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/compare.h>
 
@@ -47,7 +47,7 @@ bool is_file_url(wstring_view text) noexcept {
 
 void require_whole_path(const std::string& path) {
     if (path.find('\0') != std::string::npos)
-        throw_file_error("IDS_FILE_OPEN", file_url(path), EINVAL);
+        throw_file_error(messages::kFileOpen, file_url(path), EINVAL);
 }
 
 wstring file_url(std::string_view path) {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/region_locks.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
+#include <core/files/file.h>
 #include <core/files/file_impl.h>
 #include <core/files/memory_file.h>
 #include <core/runtime/internal_class.h>
@@ -34,7 +35,7 @@ class MemoryFile : public FileImpl, public ISharedFile {
     ~MemoryFile() override { MemoryFile::close(); }
 
     std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
-        const auto lock = open("IDS_FILE_READ");
+        const auto lock = open(messages::kFileRead);
         const std::vector<std::byte>& bytes = data_->bytes;
         if (position >= bytes.size() || count == 0)
             return 0;
@@ -44,11 +45,11 @@ class MemoryFile : public FileImpl, public ISharedFile {
     }
 
     std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override {
-        const auto lock = open("IDS_FILE_WRITE");
+        const auto lock = open(messages::kFileWrite);
         if (count == 0)
             return 0;
         if (position > kMaxFileLength - count)
-            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
+            throw_file_error(messages::kFileWrite, url(), EFBIG);
         if (position + count > data_->bytes.size())
             resize(position + count);
         std::memcpy(data_->bytes.data() + position, buffer, count);
@@ -56,12 +57,12 @@ class MemoryFile : public FileImpl, public ISharedFile {
     }
 
     std::uint64_t length() override {
-        const auto lock = open("IDS_FILE_READ");
+        const auto lock = open(messages::kFileRead);
         return data_->bytes.size();
     }
 
     void truncate(std::uint64_t length) override {
-        const auto lock = open("IDS_FILE_WRITE");
+        const auto lock = open(messages::kFileWrite);
         resize(length);
     }
 
@@ -78,12 +79,12 @@ class MemoryFile : public FileImpl, public ISharedFile {
     }
 
     bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
-        const auto lock = open("IDS_FILE_LOCK");
+        const auto lock = open(messages::kFileLock);
         return data_->locks.tryLock(this, offset, length, kind);
     }
 
     void unlock(std::uint64_t offset, std::uint64_t length) override {
-        const auto lock = open("IDS_FILE_LOCK");
+        const auto lock = open(messages::kFileLock);
         data_->locks.unlock(this, offset, length);
     }
 
@@ -101,11 +102,11 @@ class MemoryFile : public FileImpl, public ISharedFile {
 
     void resize(std::uint64_t length) {
         if (length > data_->bytes.max_size()) // also keeps the cast below from cutting it on a 32-bit host
-            throw_file_error("IDS_FILE_WRITE", url(), EFBIG);
+            throw_file_error(messages::kFileWrite, url(), EFBIG);
         try {
             data_->bytes.resize(static_cast<std::size_t>(length));
         } catch (const std::bad_alloc&) {
-            throw_file_error("IDS_FILE_WRITE", url(), ENOSPC);
+            throw_file_error(messages::kFileWrite, url(), ENOSPC);
         }
     }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/schemes.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/memory_file.h>
 #include <core/files/wildcard.h>
 #include <core/runtime/internal_class.h>
@@ -29,9 +29,9 @@ class MemoryScheme : public IFileScheme {
         const auto found = files_.find(name);
         const bool exists = found != files_.end();
         if (!exists && (mode == OpenMode::read || mode == OpenMode::readWrite))
-            throw_file_error("IDS_FILE_OPEN", url, ENOENT);
+            throw_file_error(messages::kFileOpen, url, ENOENT);
         if (exists && mode == OpenMode::createNew)
-            throw_file_error("IDS_FILE_OPEN", url, EEXIST);
+            throw_file_error(messages::kFileOpen, url, EEXIST);
         const auto data = exists ? found->second : create_memory_data();
         auto file = open_memory_file(data, url);
         if (mode == OpenMode::replace)
@@ -59,7 +59,7 @@ class MemoryScheme : public IFileScheme {
         const std::size_t count =
             std::erase_if(files_, [&](const auto& file) { return matches_wildcard(file.first, path); });
         if (count == 0 && !has_wildcard(path))
-            throw_file_error("IDS_FILE_REMOVE", pattern, ENOENT);
+            throw_file_error(messages::kFileRemove, pattern, ENOENT);
         return count;
     }
 
@@ -80,7 +80,7 @@ class MemoryScheme : public IFileScheme {
         const std::lock_guard lock(mutex_);
         const auto source = files_.find(split_url(from).path);
         if (source == files_.end())
-            throw_file_error("IDS_FILE_MOVE", from, ENOENT);
+            throw_file_error(messages::kFileMove, from, ENOENT);
         files_[split_url(to).path] = source->second;
         files_.erase(source);
     }
@@ -88,7 +88,7 @@ class MemoryScheme : public IFileScheme {
   private:
     static void refuseSame(const wstring& from, const wstring& to) {
         if (split_url(from).path == split_url(to).path)
-            throw_file_error("IDS_FILE_COPY_ONTO_ITSELF", to, EEXIST);
+            throw_file_error(messages::kFileCopyOntoItself, to, EEXIST);
     }
 
     std::mutex mutex_;

@@ -5,7 +5,7 @@
 
 #include <core/lists/list_scanner.h>
 #include <core/lists/token.h>
-#include <core/runtime/error.h>
+#include <core/runtime/exception.h>
 #include <core/strings/char_class.h>
 #include <core/strings/integer_text.h>
 

@@ -3,7 +3,7 @@
 #include "core/locales/format_items.h"
 
 #include <core/locales/bool_format.h>
-#include <core/runtime/settings.h>
+#include <core/locales/settings.h>
 #include <core/strings/compare.h>
 #include <core/strings/trim.h>
 
@@ -44,7 +44,7 @@ bool BoolFormat::parse(wstring_view text, bool& value, const wchar** end) const 
 
 const BoolFormat& default_bool_format() {
     const Settings& settings = current_settings();
-    return cached_format<BoolFormat>(settings.boolFormat, settings.locale);
+    return cached_format<BoolFormat>(settings.part<FormatSettings>().boolFormat, settings.locale);
 }
 
 } // namespace core

@@ -3,7 +3,7 @@
 #include "core/runtime/icu_length.h"
 
 #include <core/locales/collate.h>
-#include <core/runtime/error.h>
+#include <core/locales/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/compare.h>
 
@@ -40,7 +40,7 @@ const UCollator* detail::collator_for(const Locale& locale, UCollationStrength s
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<UCollator, CloseCollator> collator(ucol_open(locale.key().c_str(), &status));
     if (U_FAILURE(status))
-        throw_error<LocaleException>("IDS_LOCALE_NO_COLLATION", {from_utf8(locale.key())});
+        throw_error<LocaleException>(messages::kNoCollation, {from_utf8(locale.key())});
     ucol_setStrength(collator.get(), strength);
     return opened.emplace_back(OpenCollator{locale, strength, std::move(collator)}).collator.get();
 }

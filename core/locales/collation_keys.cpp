@@ -4,7 +4,7 @@
 #include "core/runtime/icu_length.h"
 
 #include <core/locales/collation_keys.h>
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
 
 #include <algorithm>
 
@@ -24,7 +24,7 @@ void append_by_rules(std::string& keys, wstring_view text, const UCollator* coll
         const std::int32_t needed = ucol_getSortKey(
             collator, text.data(), length, reinterpret_cast<std::uint8_t*>(&keys[begin]), icu_length(room));
         if (needed <= 0)
-            throw_error<ConverterException>("IDS_STRING_TOO_LONG");
+            throw_error<ConverterException>(messages::kStringTooLong);
         const auto size = static_cast<std::size_t>(needed);
         if (size <= room) {
             keys.resize(begin + size - 1); // a key ends with a zero, which says nothing

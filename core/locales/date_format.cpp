@@ -3,7 +3,7 @@
 #include "core/locales/format_items.h"
 
 #include <core/locales/date_format.h>
-#include <core/runtime/settings.h>
+#include <core/locales/settings.h>
 #include <core/strings/trim.h>
 
 #include <array>
@@ -144,7 +144,7 @@ bool DateFormat::parse(wstring_view text, Date& date, const wchar** end, DatePat
 
 const DateFormat& default_date_format() {
     const Settings& settings = current_settings();
-    return cached_format<DateFormat>(settings.dateFormat, settings.locale);
+    return cached_format<DateFormat>(settings.part<FormatSettings>().dateFormat, settings.locale);
 }
 
 } // namespace core

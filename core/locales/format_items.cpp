@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/locales/format_items.h"
 
-#include <core/runtime/error.h>
+#include <core/locales/errors.h>
+#include <core/runtime/errors.h>
 #include <core/strings/char_class.h>
 #include <core/strings/compare.h>
 #include <core/strings/trim.h>
@@ -10,7 +11,7 @@ namespace core {
 namespace {
 
 [[noreturn]] void refuse_item(wstring_view item) {
-    throw_error<CtorException>("IDS_FORMAT_STRING_ERROR", {wstring(item)});
+    throw_error<CtorException>(messages::kFormatItem, {wstring(item)});
 }
 
 /// Takes the value off the front of `rest`, with the ";" behind it.

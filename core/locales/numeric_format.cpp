@@ -3,7 +3,7 @@
 #include "core/locales/format_items.h"
 
 #include <core/locales/numeric_format.h>
-#include <core/runtime/settings.h>
+#include <core/locales/settings.h>
 #include <core/strings/char_class.h>
 #include <core/strings/trim.h>
 
@@ -166,7 +166,7 @@ bool NumericFormat::parse(wstring_view text, Numeric& number, const wchar** end)
 const NumericFormat& default_numeric_format() {
     // Nearly every process keeps the plain form, and every text of a number comes through here.
     static const NumericFormat plain;
-    const wstring& format = current_settings().numericFormat;
+    const wstring& format = current_settings().part<FormatSettings>().numericFormat;
     return format.empty() ? plain : cached_format<NumericFormat>(format);
 }
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/numbers/numeric_store.h"
+#include "core/runtime/memory/block_pool.h"
 
+#include <core/numbers/errors.h>
 #include <core/numbers/numeric.h>
-#include <core/runtime/exceptions.h>
 
 #include <algorithm>
 #include <charconv>
@@ -41,6 +42,10 @@ Float highest_limbs(std::span<const Limb> limbs, std::size_t& used) noexcept {
 }
 
 } // namespace
+
+void Numeric::freeLimbs() noexcept {
+    free_block(limbs_, capacity_ * sizeof(Limb));
+}
 
 Numeric::Numeric(const Numeric& other)
     : count_(other.count_), fraction_(other.fraction_), sign_(other.sign_) {

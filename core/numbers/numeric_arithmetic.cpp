@@ -2,8 +2,9 @@
 #include "core/numbers/long/reciprocal.h"
 #include "core/numbers/numeric_store.h"
 
+#include <core/numbers/errors.h>
 #include <core/numbers/numeric.h>
-#include <core/runtime/exceptions.h>
+#include <core/numbers/settings.h>
 
 #include <algorithm>
 
@@ -250,7 +251,7 @@ Numeric Numeric::round(std::int32_t digits, NumericRoundMode mode) const {
 }
 
 Numeric Numeric::round(std::int32_t digits) const {
-    return round(digits, current_settings().roundMode);
+    return round(digits, current_settings().part<NumericSettings>().roundMode);
 }
 
 } // namespace core

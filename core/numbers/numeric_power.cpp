@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/numbers/long/limbs.h"
 
+#include <core/numbers/errors.h>
 #include <core/numbers/numeric.h>
-#include <core/runtime/exceptions.h>
 
 #include <bit>
 #include <cmath>

@@ -2,6 +2,7 @@
 #include "core/numbers/digit_text.h"
 
 #include <core/numbers/numeric.h>
+#include <core/numbers/settings.h>
 
 #include <algorithm>
 #include <limits>

@@ -4,6 +4,7 @@
 
 #include <core/context/arguments.h>
 #include <core/context/context_def_ext.h>
+#include <core/context/errors.h>
 #include <core/objects/binary_data.h>
 #include <core/objects/core_general_context.h>
 #include <core/runtime/class_entry.h>

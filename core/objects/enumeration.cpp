@@ -5,6 +5,7 @@
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
 #include <core/objects/enumeration.h>
+#include <core/runtime/exception.h>
 
 namespace core {
 namespace {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/runtime/class_entry.h>
-#include <core/runtime/class_factory.h>
+#include <core/runtime/process.h>
 
 namespace core {
 namespace {

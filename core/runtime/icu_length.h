@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace core {
 /// The length of a text as ICU takes it. Throws ConverterException for a text that is too long for it.
 [[nodiscard]] inline std::int32_t icu_length(std::size_t length) {
     if (length > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
-        throw_error<ConverterException>("IDS_STRING_TOO_LONG");
+        throw_error<ConverterException>(messages::kStringTooLong);
     return static_cast<std::int32_t>(length);
 }
 

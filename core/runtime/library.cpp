@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/thread_slots.h"
 
-#include <core/runtime/library.h>
 #include <core/runtime/live_counter.h>
+#include <core/runtime/module.h>
 
 #include <unicode/uclean.h>
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/runtime/immortal.h"
+#include "core/runtime/memory/immortal.h"
 
 #include <core/runtime/module.h>
+#include <core/runtime/process.h>
 
 #include <algorithm>
 #include <mutex>

@@ -4,6 +4,8 @@
 #include "core/storage/block_format.h"
 #include "core/storage/block_reader.h"
 
+#include <core/storage/errors.h>
+
 #include <algorithm>
 #include <cstring>
 

@@ -3,6 +3,8 @@
 
 #include "core/storage/little_endian.h"
 
+#include <core/storage/errors.h>
+
 #include <algorithm>
 #include <cstring>
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/storage/chain_error.h>
 #include <core/storage/layout.h>
 
 #include <cstddef>

@@ -2,11 +2,10 @@
 #include "core/storage/block_chain.h"
 #include "core/storage/block_reader.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_io.h>
-#include <core/runtime/exceptions.h>
 #include <core/storage/chain.h>
-#include <core/storage/chain_error.h>
+#include <core/storage/errors.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -39,7 +38,7 @@ void ChainInFile::read(IFile& file, std::uint64_t address, const wstring& url) {
 std::vector<std::byte> ChainInFile::content(IFile& file, const wstring& url) const {
     std::vector<std::byte> bytes;
     if (size_ > bytes.max_size())
-        throw_file_error("IDS_FILE_READ", url, EFBIG);
+        throw_file_error(messages::kFileRead, url, EFBIG);
     for (const Block& block : blocks_) {
         const std::size_t done = bytes.size();
         const auto part = static_cast<std::size_t>(std::min(block.size, size_ - done));

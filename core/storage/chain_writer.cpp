@@ -6,6 +6,8 @@
 #include "core/storage/container.h"
 #include "core/storage/storage_error.h"
 
+#include <core/storage/errors.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -79,7 +81,7 @@ void ChainWriter::requireRoom(std::uint64_t position, std::uint64_t count) const
     const StorageLayout& layout = container_.layout();
     const std::uint64_t most = layout.limit() / layout.blockLength(kBlock) * kBlock;
     if (position > most || count > most - position)
-        throw_storage_error("IDS_STERROR_TOOLARGE", container_.url());
+        throw_storage_error(messages::kStorageTooLarge, container_.url());
 }
 
 void ChainWriter::writeAt(std::uint64_t position, std::span<const std::byte> bytes) {

@@ -4,6 +4,7 @@
 #include "core/storage/storage_error.h"
 
 #include <core/files/file_io.h>
+#include <core/storage/errors.h>
 
 #include <algorithm>
 #include <utility>
@@ -91,9 +92,9 @@ Container::Turn::~Turn() {
 void Container::beginTurn() {
     const std::lock_guard lock(mutex_);
     if (options_.readOnly)
-        throw_storage_error("IDS_STERROR_READONLY", url_);
+        throw_storage_error(messages::kStorageReadOnly, url_);
     if (failed_)
-        throw_storage_error("IDS_STERROR_FAILED", url_);
+        throw_storage_error(messages::kStorageFailed, url_);
     if (turns_ == 0) {
         lock_.beginTurn();
         try {

@@ -10,6 +10,7 @@
 #include "core/storage/write_queue.h"
 
 #include <core/files/file.h>
+#include <core/storage/errors.h>
 #include <core/storage/file_info.h>
 #include <core/storage/storage_rw.h>
 

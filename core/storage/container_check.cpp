@@ -2,8 +2,8 @@
 #include "core/storage/container.h"
 #include "core/storage/storage_error.h"
 
-#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
 
 #include <algorithm>
 #include <string>
@@ -179,7 +179,7 @@ wstring who(StorageUse use, const wstring& name) {
 StorageCheck Container::check() {
     const Reading reading(*this);
     if (table_.hasChanges() || space_.hasChanges())
-        throw_storage_error("IDS_STERROR_TRANSACTION", url_);
+        throw_storage_error(messages::kStorageTransaction, url_);
     StorageCheck result;
     Survey found = survey(table_, head_, tableBlocks_, reader_, layout_, result.files);
     result.blocks = found.blocks;

@@ -3,8 +3,8 @@
 #include "core/storage/inner_file.h"
 #include "core/storage/storage_error.h"
 
-#include <core/files/file_error.h>
 #include <core/files/file_io.h>
+#include <core/storage/errors.h>
 
 #include <algorithm>
 #include <new>
@@ -14,7 +14,7 @@ namespace core {
 void Container::begin() {
     const std::lock_guard lock(mutex_);
     if (transaction_)
-        throw_storage_error("IDS_STERROR_TRANSACTION", url_);
+        throw_storage_error(messages::kStorageTransaction, url_);
     beginTurn();
     transaction_ = true;
 }
@@ -58,7 +58,7 @@ void Container::commitChanges() {
     bool flushing = false;
     try {
         if (failed_)
-            throw_storage_error("IDS_STERROR_FAILED", url_);
+            throw_storage_error(messages::kStorageFailed, url_);
         for (const InnerFile* file : files_)
             file->addFresh(kept);
         release(tableBlocks_);
@@ -202,7 +202,7 @@ std::vector<BlockRange> Container::allocate(std::uint64_t blocks) {
             return appending_ ? space_.allocateAtEnd(blocks, place) : space_.allocate(blocks, place);
         });
     if (!fits)
-        throw_storage_error("IDS_STERROR_TOOLARGE", url_);
+        throw_storage_error(messages::kStorageTooLarge, url_);
     reader_.setEnd(std::max(reader_.end(), space_.end()));
     unsettled_ = unsettled_ || blocks != 0;
     return place;

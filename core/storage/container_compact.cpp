@@ -2,6 +2,8 @@
 #include "core/storage/container.h"
 #include "core/storage/storage_error.h"
 
+#include <core/storage/errors.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -12,7 +14,7 @@ namespace core {
 void Container::compact() {
     const std::lock_guard lock(mutex_);
     if (transaction_ || turns_ != 0)
-        throw_storage_error("IDS_STERROR_TRANSACTION", url_);
+        throw_storage_error(messages::kStorageTransaction, url_);
     const Turn turn(*this);
     if (space_.free().empty() && head_.freeChain == layout_.null)
         return;

@@ -3,9 +3,10 @@
 #include "core/storage/inner_file.h"
 #include "core/storage/storage_error.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_time.h>
 #include <core/files/wildcard.h>
+#include <core/storage/errors.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -99,7 +100,7 @@ std::vector<std::byte> Container::get(wstring_view name) {
     return checked([&] {
         BlockChain content = chain(entry.data, 0);
         if (content.size() > std::vector<std::byte>().max_size()) // on a 32-bit host
-            throw_file_error("IDS_FILE_READ", urlOf(name), EFBIG);
+            throw_file_error(messages::kFileRead, urlOf(name), EFBIG);
         return content.content(reader_);
     });
 }
@@ -109,7 +110,7 @@ std::vector<std::byte> Container::get(wstring_view name) {
 void Container::refuseOpened(wstring_view name) const {
     for (const InnerFile* file : files_) {
         if (file->isWriter() && file->name() == name)
-            throw_storage_error("IDS_STERROR_OPENED", urlOf(name));
+            throw_storage_error(messages::kStorageOpened, urlOf(name));
     }
 }
 
@@ -141,7 +142,7 @@ StorageFileInfo Container::newInfo(wstring_view name, const std::optional<Storag
 StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
                                       std::vector<BlockRange>& place) {
     if (info.name.size() > StorageFilesType::kLongestName)
-        throw_storage_error("IDS_STERROR_LONGNAME", url_);
+        throw_storage_error(messages::kStorageLongName, url_);
     const std::vector<std::byte> record = info.encode();
     const std::uint64_t recordBlocks = blocks_for(record.size());
     place = allocate(recordBlocks + blocks_for(content.size()));

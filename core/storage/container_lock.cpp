@@ -5,6 +5,7 @@
 
 #include <core/files/file_time.h>
 #include <core/runtime/thread.h>
+#include <core/storage/errors.h>
 
 namespace core {
 namespace {
@@ -23,7 +24,7 @@ void ContainerLock::wait(std::uint64_t offset, std::uint64_t length, LockKind ki
         kPatience.ticks() / (kPause.count() * kTicksPerSecond / 1000); // for clocks that are set back
     do {
         if (pauses-- == 0 || universal_now() > deadline)
-            throw_storage_error("IDS_STERROR_BUSY", url_);
+            throw_storage_error(messages::kStorageBusy, url_);
         Thread::sleep(kPause);
     } while (!file_->tryLock(offset, length, kind));
 }

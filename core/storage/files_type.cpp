@@ -2,6 +2,7 @@
 #include "core/storage/files_table.h"
 #include "core/storage/storage_error.h"
 
+#include <core/storage/errors.h>
 #include <core/storage/files_type.h>
 
 #include <utility>
@@ -25,7 +26,7 @@ bool StorageFilesType::decode(std::span<const std::byte> content, bool sorted) {
 
 void StorageFilesType::set(wstring_view name, const StorageFileEntry& entry) {
     if (name.size() > kLongestName)
-        throw_storage_error("IDS_STERROR_LONGNAME", {});
+        throw_storage_error(messages::kStorageLongName, {});
     table_->set(name, entry);
 }
 

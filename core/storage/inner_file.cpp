@@ -3,7 +3,8 @@
 
 #include "core/storage/storage_error.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
+#include <core/storage/errors.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -22,13 +23,13 @@ InnerFile::InnerFile(std::shared_ptr<Container> container, wstring_view name)
 
 Container& InnerFile::container() const {
     if (container_ == nullptr)
-        throw_file_error("IDS_FILE_READ", url_, EBADF);
+        throw_file_error(messages::kFileRead, url_, EBADF);
     return *container_;
 }
 
 void InnerFile::requireNotLost() const {
     if (lost_)
-        throw_storage_error(isWriter() ? "IDS_STERROR_LOST" : "IDS_STERROR_CHANGED", url_);
+        throw_storage_error(isWriter() ? messages::kStorageLost : messages::kStorageChanged, url_);
 }
 
 std::uint64_t InnerFile::length() {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/inner_reader.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 
 #include <cerrno>
 #include <utility>
@@ -49,11 +49,11 @@ void InnerReader::revalidate() {
 }
 
 void InnerReader::writeAt(std::uint64_t, std::span<const std::byte>) {
-    throw_file_error("IDS_FILE_WRITE", url(), EBADF);
+    throw_file_error(messages::kFileWrite, url(), EBADF);
 }
 
 void InnerReader::truncate(std::uint64_t) {
-    throw_file_error("IDS_FILE_WRITE", url(), EBADF);
+    throw_file_error(messages::kFileWrite, url(), EBADF);
 }
 
 } // namespace core

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/inner_writer.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
+#include <core/storage/errors.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -13,7 +14,7 @@ namespace core {
 InnerWriter::InnerWriter(const std::shared_ptr<Container>& container, wstring_view name, OpenMode mode)
     : InnerFile(container, name) {
     if (mode == OpenMode::read)
-        throw_file_error("IDS_FILE_OPEN", url(), EINVAL);
+        throw_file_error(messages::kFileOpen, url(), EINVAL);
     const std::lock_guard lock(container->mutex());
     turn_.emplace(*container);
     container->refuseOpened(name);
@@ -21,7 +22,7 @@ InnerWriter::InnerWriter(const std::shared_ptr<Container>& container, wstring_vi
     if (!exists && mode == OpenMode::readWrite)
         throw StorageException(StorageException::Kind::fileNotFound, url());
     if (exists && mode == OpenMode::createNew)
-        throw_file_error("IDS_FILE_OPEN", url(), EEXIST);
+        throw_file_error(messages::kFileOpen, url(), EEXIST);
     dropOld_ = exists && mode == OpenMode::replace;
     changed_ = !exists || dropOld_;
     const std::uint64_t base = changed_ ? container->layout().null : container->lookUp(name).entry.data;

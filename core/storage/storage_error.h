@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/error.h>
+#include <core/storage/errors.h>
 
 namespace core {
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/container.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_io.h>
+#include <core/storage/errors.h>
 #include <core/storage/file_with_buffer.h>
 
 #include <cerrno>
@@ -17,7 +18,7 @@ StorageRW::StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout, cons
 
 void StorageRW::create(IFile& file, const StorageLayout& layout) {
     if (!createIfEmpty(file, layout))
-        throw_file_error("IDS_FILE_OPEN", file.url(), EEXIST);
+        throw_file_error(messages::kFileOpen, file.url(), EEXIST);
 }
 bool StorageRW::createIfEmpty(IFile& file, const StorageLayout& layout) {
     return Container::create(file, layout, false);

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/files/disk_file.h>
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/wildcard.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
 #include <core/storage/storage_scheme.h>
 #include <core/strings/compare.h>
 
@@ -28,7 +29,7 @@ InterfacePtr<IFile> open_file(const wstring& url, OpenMode mode) {
         return open_disk_file(file_path(url), mode);
     if (auto* const system = get_service<IFileSystem>())
         return system->openURL(url, mode);
-    throw_file_error("IDS_FILE_SCHEME", url, ENOTSUP);
+    throw_file_error(messages::kFileScheme, url, ENOTSUP);
 }
 
 FileInfo file_info(const StorageRW& storage, const StorageFound& found) {

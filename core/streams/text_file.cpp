@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/files/file_io.h>
-#include <core/runtime/error.h>
+#include <core/streams/errors.h>
 #include <core/streams/text_file.h>
 
 namespace core {
@@ -11,7 +11,7 @@ TextOutStream::TextOutStream(const InterfacePtr<IFile>& file)
 void TextOutStream::finish() {
     buffer_.finish();
     if (fail())
-        throw_error<FileStreamException>("IDS_TEXT_NOT_WHOLE", {buffer_.name()});
+        throw_error<FileStreamException>(messages::kTextNotWhole, {buffer_.name()});
 }
 
 wstring read_text(TextInStream& in) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
+#include <core/streams/errors.h>
 #include <core/streams/text_file.h>
 #include <core/strings/integer_text.h>
 
@@ -79,7 +80,8 @@ void Utf8InBuffer::decode() {
                 at = begin;
                 break;
             }
-            throw_error<ConverterException>("IDS_TEXT_NOT_UTF8", {name_, string_intto(block.before + begin)});
+            throw_error<ConverterException>(messages::kTextNotUtf8,
+                                            {name_, string_intto(block.before + begin)});
         }
         std::size_t length = 0;
         U16_APPEND_UNSAFE(out, length, character);

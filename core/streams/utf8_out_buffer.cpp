@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
+#include <core/streams/errors.h>
 #include <core/streams/text_file.h>
 #include <core/strings/integer_text.h>
 
@@ -45,7 +46,7 @@ void Utf8OutBuffer::encode(bool last) {
             }
             if (!U16_IS_SURROGATE_LEAD(character) || at == end || !U16_IS_TRAIL(*at)) {
                 const auto place = block.before + static_cast<std::size_t>(out - block.bytes);
-                throw_error<ConverterException>("IDS_TEXT_NOT_UTF16", {name_, string_intto(place)});
+                throw_error<ConverterException>(messages::kTextNotUtf16, {name_, string_intto(place)});
             }
             character = U16_GET_SUPPLEMENTARY(character, *at);
             ++at;

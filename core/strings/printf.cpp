@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
+#include <core/strings/errors.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/printf.h>
 
@@ -71,7 +72,7 @@ class Printer {
 
   private:
     [[noreturn]] void fail() const {
-        throw_error<ConverterException>("IDS_STRING_PRINTF_ERROR",
+        throw_error<ConverterException>(messages::kPrintfDirective,
                                         {wstring(format_.substr(start_, at_ - start_))});
     }
 

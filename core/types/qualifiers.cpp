@@ -3,7 +3,8 @@
 
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
-#include <core/runtime/error.h>
+#include <core/numbers/errors.h>
+#include <core/runtime/errors.h>
 #include <core/types/qualifiers.h>
 
 #include <algorithm>
@@ -82,7 +83,7 @@ wstring StringQualifiers::adjust(wstring_view text) const {
     wstring adjusted(length_ != 0 ? text.substr(0, length_) : text);
     if (!varying_ && adjusted.size() < length_) {
         if (length_ > kMostFilled)
-            throw_error<ConverterException>("IDS_STRING_TOO_LONG");
+            throw_error<ConverterException>(messages::kStringTooLong);
         adjusted.resize(length_, u' ');
     }
     return adjusted;

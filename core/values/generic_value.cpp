@@ -5,9 +5,9 @@
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
 #include <core/persistence/persistence.h>
-#include <core/runtime/error.h>
 #include <core/runtime/process.h>
 #include <core/streams/memory_stream.h>
+#include <core/values/errors.h>
 #include <core/values/generic_value.h>
 
 namespace core {
@@ -23,7 +23,7 @@ wchar tag_of(ValueKind kind) noexcept {
 void serialize_object(IOutPersistenceStorage* storage, const Value& value) {
     const auto object = value.query<IPersistableObject>();
     if (!object)
-        throw_error<ContextException>("IDS_VALUE_NOT_SERIALIZABLE", {value.type().presentation()});
+        throw_error<ContextException>(messages::kNotSerializable, {value.type().presentation()});
     storage->listStream().put(object->getCLSID());
     object->serialize(storage);
 }
@@ -37,7 +37,7 @@ GenericValue deserialize_object(IInPersistenceStorage* storage) {
     const auto object = made.query<IPersistableObject>();
     const auto value = made.query<IValue>();
     if (!object || !value)
-        throw_error<TypeException>("IDS_TYPEERROR_TYPENOTDEFINED", {to_string(clsid)});
+        throw_error<TypeException>(messages::kTypeNotDefined, {to_string(clsid)});
     object->deserialize(storage);
     return GenericValue(value);
 }

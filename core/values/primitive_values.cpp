@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/runtime/counted_block.h"
+#include "core/runtime/memory/counted_block.h"
 #include "core/values/primitive_types.h"
 
 #include <core/lists/list_out_stream.h>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/values/primitive_types.h"
 
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
 #include <core/runtime/thread.h>
+#include <core/values/errors.h>
 #include <core/values/generic_value.h>
 #include <core/values/type_object.h>
 #include <core/values/type_service.h>
@@ -24,7 +25,7 @@ IType* registered(const Key& key, const wstring& keyText) {
     auto* const service = get_service<ITypeValueService>();
     IType* const type = service != nullptr ? service->findType(key) : nullptr;
     if (type == nullptr)
-        throw_error<TypeException>("IDS_TYPEERROR_TYPENOTDEFINED", {keyText});
+        throw_error<TypeException>(messages::kTypeNotDefined, {keyText});
     return type;
 }
 
@@ -62,9 +63,9 @@ GenericValue TypeObject::construct(std::span<GenericValue> arguments) {
     const auto count = static_cast<std::int32_t>(arguments.size());
     const Arguments bounds = info_.arguments;
     if (info_.construct == nullptr)
-        throw_error<CtorException>("IDS_CTORERROR_NOCONSTRUCTOR", {presentation()});
+        throw_error<CtorException>(messages::kNoConstructor, {presentation()});
     if (count < bounds.least || (bounds.most >= 0 && count > bounds.most))
-        throw_error<CtorException>("IDS_CTORERROR_BADPARAMCOUNT", {presentation()});
+        throw_error<CtorException>(messages::kBadParameterCount, {presentation()});
     return info_.construct(arguments);
 }
 

@@ -6,8 +6,8 @@
 #include <core/files/disk_file.h>
 #include <core/files/url.h>
 #include <core/files/wildcard.h>
-#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
 #include <core/strings/compare.h>
 
 #include <CLI/CLI.hpp>

@@ -5,13 +5,14 @@
 #include "host/terminal_text.h"
 
 #include <core/files/disk_file.h>
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_io.h>
 #include <core/files/file_system.h>
 #include <core/files/file_time.h>
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
 
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
@@ -54,7 +55,7 @@ struct Source {
 };
 
 [[noreturn]] void throw_not_read(const std::string& path, const std::error_code& error) {
-    throw_file_error("IDS_FILE_READ", file_url(path), error.value());
+    throw_file_error(messages::kFileRead, file_url(path), error.value());
 }
 
 /// The name of an inner file for what is on disk; one that would not come out again as it was is refused.

@@ -4,7 +4,7 @@
 #include "host/terminal_text.h"
 #include "host/text_columns.h"
 
-#include <core/runtime/error.h>
+#include <core/runtime/exception.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 

@@ -5,7 +5,7 @@
 #include "host/script/table_functions.h"
 
 #include <core/objects/core_general_context.h>
-#include <core/runtime/error.h>
+#include <core/runtime/exception.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/letter_case.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/describe_sample.h"
 
-#include <core/runtime/exceptions.h>
+#include <core/runtime/exception.h>
 #include <core/runtime/process.h>
 #include <core/values/type_service.h>
 

@@ -8,7 +8,7 @@
 #include "host/text_columns.h"
 #include "host/text_output.h"
 
-#include <core/runtime/exceptions.h>
+#include <core/files/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>
 #include <core/strings/integer_text.h>

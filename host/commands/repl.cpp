@@ -12,8 +12,8 @@
 #include "host/terminal_text.h"
 #include "host/text_columns.h"
 
-#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
+#include <core/streams/errors.h>
 #include <core/strings/integer_text.h>
 
 #include <CLI/CLI.hpp>
@@ -67,7 +67,7 @@ class Repl {
         if (same == line)
             return take(units, false);
         const auto fault = std::mismatch(line.begin(), line.end(), same.begin(), same.end()).first;
-        report(message_text("IDS_TEXT_NOT_UTF8", {u"-", string_intto(fault - line.begin())}));
+        report(message_text(messages::kTextNotUtf8, {u"-", string_intto(fault - line.begin())}));
         forget();
     }
     void forget() noexcept {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/csv/csv_reader.h"
 
-#include <core/runtime/error.h>
 #include <core/strings/integer_text.h>
+#include <core/values/errors.h>
 
 #include <csv.h>
 #include <unicode/ustring.h>

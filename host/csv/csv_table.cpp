@@ -5,13 +5,13 @@
 #include "host/csv/csv_reader.h"
 #include "host/text_output.h"
 
-#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/char_class.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
 #include <core/strings/term.h>
 #include <core/strings/trim.h>
+#include <core/values/errors.h>
 
 #include <algorithm>
 #include <unordered_map>

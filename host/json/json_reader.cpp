@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/json/json_reader.h"
 
-#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
+#include <core/values/errors.h>
 
 #include <boost/json/basic_parser_impl.hpp>
 #include <boost/json/src.hpp> // the parser's own sources, so that no library has to be linked

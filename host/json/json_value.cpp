@@ -10,13 +10,13 @@
 #include <core/context/context_def.h>
 #include <core/context/iteration.h>
 #include <core/persistence/persistence.h>
-#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
 #include <core/tables/terms.h>
 #include <core/tables/value_list.h>
 #include <core/tables/value_table.h>
+#include <core/values/errors.h>
 
 #include <algorithm>
 #include <unordered_set>

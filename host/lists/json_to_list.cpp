@@ -4,9 +4,9 @@
 #include "host/lists/list_text.h"
 
 #include <core/lists/list_scanner.h>
-#include <core/runtime/error.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
+#include <core/values/errors.h>
 
 namespace host {
 

@@ -5,7 +5,7 @@
 #include "host/lists/list_layout.h"
 #include "host/lists/list_text.h"
 
-#include <core/runtime/error.h>
+#include <core/lists/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
+#include <core/runtime/process.h>
 #include <host/host_process.h>
 
 #include <algorithm>
@@ -81,14 +82,14 @@ void ProcessObject::releaseServices() noexcept {
 HostProcess::HostProcess(const Settings& settings)
     : object_(SCOM_InternalClass<ProcessObject>::create(settings)) {
     if (!object_)
-        throw_error<ProcessInitException>("IDS_PROCESS_INIT");
+        throw_error<ProcessInitException>(messages::kProcessInit);
     for (const SCOM_Module* module : registered_modules()) {
         module->registerAll(object_.get());
         // A factory that could not be made is passed over; ours fail for lack of memory alone, and a process
         // without some of its classes would be worse than none.
         for (const ClassRecord& record : module->classTable())
             if (record.getFactory == &create_class_factory && !object_->registration(*record.clsid).factory)
-                throw_error<ProcessInitException>("IDS_PROCESS_INIT");
+                throw_error<ProcessInitException>(messages::kProcessInit);
     }
     before_ = adopt_thread(object_.get()); // last: what fails before leaves the thread as it was
 }

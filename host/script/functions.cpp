@@ -8,8 +8,10 @@
 #include "host/script/table_functions.h"
 #include "host/text_output.h"
 
+#include <core/context/arguments.h>
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
+#include <core/context/errors.h>
 #include <core/context/group_context.h>
 #include <core/files/disk_file.h>
 #include <core/files/file_system.h>

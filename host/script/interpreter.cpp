@@ -4,10 +4,11 @@
 #include "host/script/operators.h"
 #include "host/script/script_error.h"
 
+#include <core/context/errors.h>
 #include <core/context/iteration.h>
-#include <core/persistence/exception_object.h>
-#include <core/runtime/error.h>
+#include <core/runtime/exception_object.h>
 #include <core/strings/integer_text.h>
+#include <core/values/errors.h>
 #include <core/values/type_object.h>
 
 #include <algorithm>
@@ -317,7 +318,7 @@ class Interpreter::Run {
                 const auto param = static_cast<int>(arguments.size());
                 if (!context.getParamDefValue(method, param, &byDefault) &&
                     param < context.getNParams(method))
-                    fail_at(span, "IDS_CONTEXT_MISSING_ARGUMENT", {name, string_intto(param + 1)});
+                    fail_at(span, messages::kMissingArgument, {name, string_intto(param + 1)});
                 arguments.push_back(std::move(byDefault));
             }
         }

@@ -3,7 +3,7 @@
 
 #include "host/script/source.h"
 
-#include <core/runtime/error.h>
+#include <core/runtime/exception.h>
 
 #include <initializer_list>
 #include <iosfwd>

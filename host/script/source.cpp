@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/script/source.h"
 
-#include <core/runtime/error.h>
+#include <core/values/errors.h>
 
 #include <algorithm>
 #include <utility>

@@ -6,6 +6,8 @@
 #include "host/script/print.h"
 #include "host/script/table_view.h"
 
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
 #include <core/runtime/internal_class.h>
 #include <core/strings/split.h>
 #include <core/strings/trim.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 /// The collections that scripts see as values, and their common names and errors.
-#include <core/collections/collect_error.h>
+#include <core/collections/errors.h>
 #include <core/collections/terms.h>
 #include <core/collections/value_array.h>
 #include <core/collections/value_map.h>

@@ -9,6 +9,7 @@
 #include <core/context/context_extern.h>
 #include <core/context/context_impl.h>
 #include <core/context/context_table.h>
+#include <core/context/errors.h>
 #include <core/context/group_context.h>
 #include <core/context/iteration.h>
 #include <core/context/name_cache.h>

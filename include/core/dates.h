@@ -5,3 +5,4 @@
 #include <core/dates/calendar.h>
 #include <core/dates/date.h>
 #include <core/dates/date_span.h>
+#include <core/dates/settings.h>

@@ -3,8 +3,8 @@
 
 /// Files: one interface for bytes on disk and in memory, and the file system service that finds them by URL.
 #include <core/files/disk_file.h>
+#include <core/files/errors.h>
 #include <core/files/file.h>
-#include <core/files/file_error.h>
 #include <core/files/file_impl.h>
 #include <core/files/file_io.h>
 #include <core/files/file_system.h>

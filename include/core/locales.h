@@ -12,4 +12,6 @@
 #include <core/locales/collate.h>
 #include <core/locales/collation_keys.h>
 #include <core/locales/date_format.h>
+#include <core/locales/errors.h>
 #include <core/locales/numeric_format.h>
+#include <core/locales/settings.h>

@@ -3,5 +3,6 @@
 
 /// Objects that write themselves and are made again from what they wrote; failures among them.
 #include <core/lists.h>
-#include <core/persistence/exception_object.h>
+#include <core/persistence/errors.h>
 #include <core/persistence/persistence.h>
+#include <core/runtime/exception_object.h>

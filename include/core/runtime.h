@@ -4,16 +4,18 @@
 /// The component runtime: ids, counted interfaces, the registry of classes and services, failures.
 #include <core/runtime/class_entry.h>
 #include <core/runtime/clock.h>
-#include <core/runtime/error.h>
+#include <core/runtime/errors.h>
+#include <core/runtime/exception_object.h>
 #include <core/runtime/internal_class.h>
-#include <core/runtime/library.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/module.h>
+#include <core/runtime/persistable.h>
 #include <core/runtime/process.h>
 #include <core/runtime/random.h>
 #include <core/runtime/refcount.h>
 #include <core/runtime/resource_bundle.h>
+#include <core/runtime/settings.h>
 #include <core/runtime/sync.h>
 #include <core/runtime/thread.h>
-#include <core/runtime/unknown_impl.h>
+#include <core/runtime/unknown.h>
 #include <core/runtime/utf8.h>

@@ -3,7 +3,7 @@
 
 /// Containers: many named inner files in one file that survives a crash at any moment.
 #include <core/storage/chain.h>
-#include <core/storage/chain_error.h>
+#include <core/storage/errors.h>
 #include <core/storage/file_info.h>
 #include <core/storage/file_with_buffer.h>
 #include <core/storage/files_type.h>

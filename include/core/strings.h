@@ -5,6 +5,7 @@
 #include <core/strings/case_fold.h>
 #include <core/strings/char_class.h>
 #include <core/strings/compare.h>
+#include <core/strings/errors.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/letter_case.h>
 #include <core/strings/like.h>

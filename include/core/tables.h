@@ -4,6 +4,7 @@
 /// Value tables, value trees and value lists.
 #include <core/tables/chooser.h>
 #include <core/tables/compare_values.h>
+#include <core/tables/errors.h>
 #include <core/tables/terms.h>
 #include <core/tables/value_list.h>
 #include <core/tables/value_table.h>

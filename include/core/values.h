@@ -3,10 +3,12 @@
 
 /// Values and types: the universal value and its holders, exact numbers, dates, strings, and types as values.
 #include <core/dates.h>
+#include <core/lists/errors.h>
 #include <core/locales.h>
 #include <core/numbers.h>
 #include <core/strings.h>
 #include <core/values/create_value.h>
+#include <core/values/errors.h>
 #include <core/values/generic_value.h>
 #include <core/values/type.h>
 #include <core/values/type_object.h>

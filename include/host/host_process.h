@@ -2,7 +2,7 @@
 #pragma once
 
 #include <core/runtime/internal_class.h>
-#include <core/runtime/library.h>
+#include <core/runtime/module.h>
 #include <core/runtime/process.h>
 
 #include <mutex>

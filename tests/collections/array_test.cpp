@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <core/runtime/errors.h>
+
 // Concerns: bounds that differ between Insert and the others; what counts as an index; failed calls that
 // change nothing; making arrays from sizes and from each other; walks that nothing disturbs; letting go of
 // deep ones.

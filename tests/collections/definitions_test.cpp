@@ -4,6 +4,7 @@
 #include "tests/collections/script.h"
 
 #include <core/context/context_def_ext.h>
+#include <core/runtime/errors.h>
 #include <core/runtime/module.h>
 
 #include <set>

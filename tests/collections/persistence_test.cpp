@@ -3,9 +3,11 @@
 // that leave the object as it was; nesting at the limit and beyond it.
 #include "tests/collections/script.h"
 
+#include <core/lists/errors.h>
 #include <core/lists/list_in_stream.h>
 #include <core/persistence/persistence.h>
 #include <core/streams/memory_stream.h>
+#include <core/values/errors.h>
 
 namespace {
 

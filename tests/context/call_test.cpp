@@ -3,9 +3,10 @@
 // wrong counts of arguments that reach no method; several contexts as one.
 #include <core/context/arguments.h>
 #include <core/context/context_impl.h>
+#include <core/context/errors.h>
 #include <core/context/group_context.h>
-#include <core/runtime/error.h>
 #include <core/strings/integer_text.h>
+#include <core/values/errors.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>

@@ -71,8 +71,8 @@ TEST(DateZone, TheCurrentDateIsTheClocksLocalTimeInWholeSeconds) {
 
 TEST(DateZone, ZoneAndWeekFollowTheSettingsOfTheProcess) {
     Settings settings;
-    settings.timeZone = "Asia/Tokyo";
-    settings.firstDayOfWeek = 7;
+    settings.part<DateSettings>().timeZone = "Asia/Tokyo";
+    settings.part<DateSettings>().firstDayOfWeek = 7;
     const host::HostProcess process(settings);
     const Date date(2004, 3, 3, 12);
     EXPECT_EQ(date.toLocalTime(), Date(2004, 3, 3, 21));

@@ -3,7 +3,7 @@
 #include "host/text_output.h"
 
 #include <core/files/disk_file.h>
-#include <core/runtime/exceptions.h>
+#include <core/files/errors.h>
 #include <core/storage/storage_rw.h>
 
 #include <gtest/gtest.h>

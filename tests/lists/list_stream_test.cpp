@@ -2,9 +2,9 @@
 // The writer's commas and line breaks, the reader's demands, skipping, and random nested data through both.
 #include "tests/lists/streams.h"
 
+#include <core/lists/errors.h>
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
-#include <core/runtime/exceptions.h>
 
 #include <bit>
 #include <cmath>

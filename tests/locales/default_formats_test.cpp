@@ -3,7 +3,6 @@
 #include "tests/locales/read_back.h"
 
 #include <core/locales.h>
-#include <core/runtime/settings.h>
 #include <host/host_process.h>
 
 namespace core {
@@ -18,7 +17,7 @@ TEST(DefaultFormats, FollowTheSettingsOfTheThreadsProcess) {
     EXPECT_EQ(texts(), plain);
     Settings settings;
     settings.locale = kRussian;
-    settings.numericFormat = u"fraction=1";
+    settings.part<FormatSettings>().numericFormat = u"fraction=1";
     {
         const host::HostProcess process(settings);
         EXPECT_EQ(texts(), u"1234.0|01.01.0001 00:00:00|Да");
@@ -26,9 +25,9 @@ TEST(DefaultFormats, FollowTheSettingsOfTheThreadsProcess) {
     }
     EXPECT_EQ(texts(), plain);
 
-    settings.boolFormat = u"nonsense";
-    settings.numericFormat.clear();
-    settings.dateFormat = u"date=d/M/yyyy";
+    settings.part<FormatSettings>().boolFormat = u"nonsense";
+    settings.part<FormatSettings>().numericFormat.clear();
+    settings.part<FormatSettings>().dateFormat = u"date=d/M/yyyy";
     const host::HostProcess process(settings);
     EXPECT_THROW((void)default_bool_format(), CtorException);
     EXPECT_EQ(default_date_format().format(Date()), u"1/1/0001 00:00:00");

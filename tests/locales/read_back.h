@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/exceptions.h>
+#include <core/runtime/errors.h>
 #include <core/runtime/locale.h>
 #include <core/runtime/types.h>
 

@@ -2,6 +2,7 @@
 // Text and streams, in and out, and the digits that formats are made from.
 #include "tests/numbers/model.h"
 
+#include <core/numbers/settings.h>
 #include <core/runtime/settings.h>
 
 #include <gtest/gtest.h>

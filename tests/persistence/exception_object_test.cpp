@@ -1,9 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 // Failures as objects: the twin of every class, raising, chains and their counts, what survives being written
 // and read, and the way through a process from one module to another.
-#include <core/persistence/exception_object.h>
+#include <core/files/errors.h>
+#include <core/lists/errors.h>
+#include <core/locales/errors.h>
+#include <core/numbers/errors.h>
+#include <core/persistence/errors.h>
+#include <core/runtime/errors.h>
+#include <core/runtime/exception_object.h>
 #include <core/runtime/process.h>
+#include <core/storage/errors.h>
+#include <core/streams/errors.h>
 #include <core/streams/memory_stream.h>
+#include <core/tables/errors.h>
+#include <core/types/errors.h>
+#include <core/values/errors.h>
 #include <core/values/generic_value.h>
 #include <host/host_process.h>
 
@@ -216,8 +227,45 @@ TEST(ExceptionObject, AFailureCrossesAnInterface) {
     EXPECT_FALSE(callee([] {}));
 }
 
-TEST(ExceptionObject, WithoutAProcessThereIsNone) {
-    EXPECT_FALSE(wrap_exception(Exception(u"x")));
+/// A class that no module declares an error object for.
+struct Stranger : BasicException<Stranger> {
+    static constexpr GUID kClassId = "9f1f2d0f-53ab-44c5-9a60-6c8cbb5ba8a1"_guid;
+    using BasicException::BasicException;
+};
+
+TEST(ExceptionObject, AFailureWithoutATwinIsWrappedAsWhatAllFailuresAre) {
+    const auto expect_wrapped = [](const auto& e, const GUID& made) {
+        const auto object = wrap_exception(e);
+        ASSERT_TRUE(object);
+        EXPECT_EQ(object.template query<IPersistableObject>()->getCLSID(), made);
+        const auto back = raised<Exception>(object.get());
+        EXPECT_EQ(back.description(), e.description());
+        EXPECT_EQ(back.clsid(), e.clsid());
+        EXPECT_EQ(back.cause(), e.cause());
+    };
+    const auto cause = wrap_exception(Exception(u"cause")); // without a process, too
+    expect_wrapped(ContextException(u"no process", cause.get()), Exception::kClassId);
+    const host::HostProcess process;
+    expect_wrapped(Stranger(u"no twin", cause.get()), Exception::kClassId);
+    expect_wrapped(ProcessInitException(u"no twin"), Exception::kClassId);
+    expect_wrapped(ContextException(u"a twin", cause.get()), ContextException::kClassId);
+    EXPECT_EQ(raised<Exception>(
+                  deserialized(Exception::kClassId, serialized(wrap_exception(Stranger(u"x")).get())).get())
+                  .description(),
+              u"x");
+}
+
+TEST(ExceptionObject, DamagedBlocksAreFailuresOfTheFamily) {
+    const host::HostProcess process;
+    const ChainInFileExc chain(4096);
+    EXPECT_EQ(chain.address(), 4096U);
+    EXPECT_NE(chain.description().find(u"4096"), wstring::npos);
+    EXPECT_EQ(raised<StorageException>(wrap_exception(chain).get()).kind(),
+              StorageException::Kind::badFormat);
+    EXPECT_EQ(through_text(static_cast<const StorageException&>(chain)).description(), chain.description());
+    const HexConvExc number;
+    EXPECT_FALSE(number.description().empty() || number.description().starts_with(u"IDS_"));
+    EXPECT_EQ(raised<ConverterException>(wrap_exception(number).get()).description(), number.description());
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: blocks that overlap; blocks freed by another thread, in any order; memory that stays with the
 // library when everything is free.
-#include <core/runtime/block_pool.h>
+#include <core/runtime/live_counter.h>
 
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -25,7 +25,8 @@ std::vector<Block> allocate_many(std::size_t count, unsigned seed) {
     std::vector<Block> blocks;
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t size = random() % 300;
-        auto* const bytes = static_cast<unsigned char*>(core::allocate_block(size));
+        auto* const bytes =
+            static_cast<unsigned char*>(core::detail::allocate_counted(size, core::live_counter<Block>));
         blocks.push_back({size, bytes, static_cast<unsigned char>(random())});
         std::fill_n(bytes, size, blocks.back().mark);
     }
@@ -40,7 +41,7 @@ std::size_t free_many(const std::vector<Block>& blocks) {
         const bool whole = std::all_of(block.bytes, block.bytes + block.size,
                                        [&](unsigned char byte) { return byte == block.mark; });
         damaged += whole && reinterpret_cast<std::uintptr_t>(block.bytes) % 16 == 0 ? 0U : 1U;
-        core::free_block(block.bytes, block.size);
+        core::detail::free_counted(block.bytes, block.size, core::live_counter<Block>);
     }
     return damaged;
 }
@@ -70,6 +71,7 @@ TEST(Blocks, BelongToOneOwnerWhicheverThreadFreesThemAndGoBackToTheSystem) {
         for (std::thread& thread : threads)
             thread.join();
         EXPECT_EQ(damaged, std::vector<std::size_t>(kThreads));
+        EXPECT_EQ(core::live_counter<Block>.count(), 0);
     }
     EXPECT_LT(bytes_in_use(), before + kKept);
 }

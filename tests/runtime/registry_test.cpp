@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: declarations reach the table and the process in order; services by interface; threads and their
 // process; coming and going many times; messages in two languages, missing texts included.
+#include <core/dates/settings.h>
+#include <core/numbers/errors.h>
+#include <core/numbers/settings.h>
 #include <core/runtime.h>
+#include <core/storage/errors.h>
+#include <core/values/errors.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
@@ -15,8 +20,10 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -150,16 +157,16 @@ TEST(Registry, AThreadHasTheProcessThatAdoptedIt) {
     EXPECT_EQ(get_service<IGreeter>(), nullptr);
     EXPECT_EQ(adopt_thread(nullptr), nullptr);
     Settings settings;
-    settings.firstDayOfWeek = 7;
+    settings.part<DateSettings>().firstDayOfWeek = 7;
     const host::HostProcess process(settings);
     EXPECT_EQ(current_process(), process.get());
-    EXPECT_EQ(current_settings().firstDayOfWeek, 7);
+    EXPECT_EQ(current_settings().part<DateSettings>().firstDayOfWeek, 7);
     std::thread([&] {
         EXPECT_EQ(current_process(), nullptr);
-        EXPECT_EQ(current_settings().firstDayOfWeek, 1);
+        EXPECT_EQ(current_settings().part<DateSettings>().firstDayOfWeek, 1);
         {
             const host::HostProcess::ThreadScope scope(process);
-            EXPECT_EQ(current_settings().firstDayOfWeek, 7);
+            EXPECT_EQ(current_settings().part<DateSettings>().firstDayOfWeek, 7);
         }
         EXPECT_EQ(current_process(), nullptr);
     }).join();
@@ -243,9 +250,52 @@ TEST(Exceptions, CarryTheirTextsCausesAndIds) {
     EXPECT_EQ(error.clsid(), NumericException::kClassId);
     EXPECT_EQ(Exception(nullptr).description(), u"");
     EXPECT_EQ(ContextException(u"x").clsid(), ContextException::kClassId);
-    const StorageException storage(StorageException::Kind::badFormat, u"lumstg://c:/1/");
-    EXPECT_NE(storage.description().find(u"lumstg://c:/1/"), wstring::npos);
     EXPECT_THROW(throw_error<TypeException>("IDS_NO_SUCH_TEXT"), Exception);
+}
+
+TEST(Exceptions, EveryKindOfFailureHasItsOwnMessage) {
+    std::set<wstring> texts;
+    using Error = NumericException::Error;
+    const Error errors[] = {Error::divideByZero, Error::negativePower, Error::overflow, Error::notANumber};
+    for (const Error error : errors) {
+        const NumericException e(error);
+        EXPECT_EQ(e.error(), error);
+        EXPECT_EQ(e.description(), message_text(e.messageId()));
+        texts.insert(e.description());
+    }
+    EXPECT_STREQ(NumericException(u"own text").messageId(), "");
+    EXPECT_EQ(NumericException(Error::none).description(), u"");
+    using Kind = StorageException::Kind;
+    const wstring url = u"lumstg://c:/1/";
+    for (const Kind kind : {Kind::badFormat, Kind::isDestination, Kind::fileNotFound}) {
+        const StorageException e(kind, url);
+        EXPECT_EQ(e.kind(), kind);
+        EXPECT_TRUE(e.description().ends_with(u" '" + url + u"'"));
+        EXPECT_FALSE(e.description().starts_with(u"IDS_"));
+        texts.insert(e.description());
+    }
+    EXPECT_EQ(StorageException(Kind::none, url).description(), u" '" + url + u"'");
+    EXPECT_EQ(texts.size(), 7U);
+}
+
+TEST(Settings, CopiesAreIndependentAndPartsThatWereNotSetHaveTheirDefaults) {
+    Settings first;
+    first.locale = Locale("de");
+    EXPECT_EQ(std::as_const(first).part<DateSettings>().firstDayOfWeek, 1);
+    first.part<DateSettings>().timeZone = "Asia/Tokyo";
+    DateSettings& part = first.part<DateSettings>();
+    first.part<NumericSettings>().roundMode = NumericRoundMode::round15as10;
+    EXPECT_EQ(&part, &first.part<DateSettings>()) << "a part stays where it is";
+
+    Settings second = first;
+    second.part<DateSettings>().firstDayOfWeek = 7;
+    EXPECT_EQ(second.part<DateSettings>().timeZone, "Asia/Tokyo");
+    EXPECT_EQ(second.part<NumericSettings>().roundMode, NumericRoundMode::round15as10);
+    EXPECT_EQ(second.locale, Locale("de"));
+    EXPECT_EQ(first.part<DateSettings>().firstDayOfWeek, 1);
+    first = Settings();
+    EXPECT_EQ(first.part<DateSettings>().timeZone, "");
+    EXPECT_EQ(first.locale, Locale());
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "tests/support/storage_fixture.h"
 
 #include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
 
 #include <filesystem>
 #include <string>

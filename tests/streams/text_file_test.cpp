@@ -4,12 +4,14 @@
 #include "tests/lists/streams.h"
 #include "tests/support/fault_file.h"
 
+#include <core/files/errors.h>
 #include <core/files/file_io.h>
 #include <core/files/file_system.h>
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
-#include <core/runtime/exceptions.h>
+#include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
+#include <core/streams/errors.h>
 #include <core/streams/text_file.h>
 
 #include <cmath>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Directives for numbers print what the C library prints in the C locale; texts and mistakes by example.
-#include <core/runtime/exceptions.h>
+#include <core/runtime/errors.h>
 #include <core/strings/printf.h>
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 
 #include "core/files/region_locks.h"
 
-#include <core/files/file_error.h>
+#include <core/files/errors.h>
 #include <core/files/file_impl.h>
 #include <core/runtime/internal_class.h>
 

@@ -3,6 +3,8 @@
 
 #include "tests/support/storage_model.h"
 
+#include <core/storage/errors.h>
+
 #include <functional>
 #include <optional>
 #include <stdexcept>

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: numbers against a model on scaled integers; strings and dates; merging and subsets against what a
 // set of samples says; qualifiers that would take all memory.
-#include <core/runtime/exceptions.h>
+#include <core/numbers/errors.h>
+#include <core/numbers/settings.h>
+#include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/types.h>
 #include <host/host_process.h>
@@ -51,7 +53,7 @@ TEST_F(Qualifiers, NumbersFollowTheRulesInBothRoundingModes) {
     std::mt19937 generator(1);
     const auto random = [&] { return static_cast<std::uint32_t>(generator()); };
     for (int i = 0; i < 20000; ++i) {
-        process_.settings().roundMode =
+        process_.settings().part<NumericSettings>().roundMode =
             i % 2 != 0 ? NumericRoundMode::round15as20 : NumericRoundMode::round15as10;
         const std::uint32_t digits = random() % 7;
         // A saturated number of more fraction digits than the model has is out of its reach.

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: patterns as sets; what becomes of values of every kind; the brace-list form read back, and
 // damaged text refused with the pattern unchanged; values bound to a description.
+#include <core/lists/errors.h>
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
-#include <core/runtime/exceptions.h>
+#include <core/numbers/errors.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/memory_stream.h>
 #include <core/types.h>
 #include <core/values.h>
+#include <core/values/errors.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>

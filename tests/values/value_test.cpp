@@ -190,9 +190,9 @@ TEST_F(Values, StringsReadAsBooleansNumbersAndDates) {
 }
 
 TEST_F(Values, ReadingsGoThroughTheFormatsOfTheProcess) {
-    process_.settings().numericFormat = u"point=','; group=' '; zero=none";
-    process_.settings().dateFormat = u"datetime=d/M/yyyy s-m-H";
-    process_.settings().boolFormat = u"true=on; false=off";
+    process_.settings().part<FormatSettings>().numericFormat = u"point=','; group=' '; zero=none";
+    process_.settings().part<FormatSettings>().dateFormat = u"datetime=d/M/yyyy s-m-H";
+    process_.settings().part<FormatSettings>().boolFormat = u"true=on; false=off";
     const Numeric number = Numeric::fromString("-1234567.5");
     const Date date(2004, 3, 1, 13, 5, 7);
     const struct {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/data/table_data.h"
 
-#include <core/runtime/error.h>
 #include <core/strings/names.h>
+#include <core/tables/errors.h>
+#include <core/values/errors.h>
 
 #include <algorithm>
 #include <utility>
@@ -40,10 +41,10 @@ std::size_t TableData::positionOf(const TableColumn& column) const noexcept {
 
 void TableData::checkName(wstring_view name, const TableColumn* except) const {
     if (!is_valid_name(name))
-        throw_error<ContextException>("IDS_VT_COLUMNCODE_ERROR", {wstring(name)});
+        throw_error<ContextException>(messages::kBadColumnName, {wstring(name)});
     const auto same = findColumn(name);
     if (same && columns_[*same].get() != except)
-        throw_error<ContextException>("IDS_VT_COLUMNS_NOT_UNIQUE", {wstring(name)});
+        throw_error<ContextException>(messages::kColumnTwice, {wstring(name)});
 }
 
 TableColumn& TableData::insertColumn(std::size_t position, ColumnInfo info) {

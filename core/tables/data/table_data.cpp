@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/data/table_data.h"
 
-#include <core/runtime/error.h>
+#include <core/tables/errors.h>
+#include <core/values/errors.h>
 
 #include <algorithm>
 #include <new>
@@ -349,7 +350,7 @@ RowHandle::~RowHandle() {
 
 RowId RowHandle::row() const {
     if (row_ == kNoRow)
-        throw_error<ContextException>("IDS_VT_UNKNOWN_ROW_ERROR");
+        throw_error<ContextException>(messages::kUnknownRow);
     return row_;
 }
 

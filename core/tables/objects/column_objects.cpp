@@ -4,10 +4,13 @@
 #include "core/tables/objects/table_arguments.h"
 
 #include <core/collections/terms.h>
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
 #include <core/descriptions/type_description.h>
-#include <core/runtime/error.h>
 #include <core/strings/trim.h>
+#include <core/tables/errors.h>
 #include <core/tables/terms.h>
+#include <core/values/errors.h>
 
 namespace core {
 namespace {
@@ -55,7 +58,7 @@ class ValueTableColumn : public TableObject<ValueTableColumn>, public IColumnObj
   private:
     [[nodiscard]] TableColumn& column() const {
         if (handle_.part() == nullptr)
-            throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {handle_.lastName()});
+            throw_error<ContextException>(messages::kUnknownColumn, {handle_.lastName()});
         return *handle_.part();
     }
 

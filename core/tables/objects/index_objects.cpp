@@ -5,8 +5,11 @@
 #include "core/tables/objects/table_arguments.h"
 
 #include <core/collections/terms.h>
-#include <core/runtime/error.h>
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
+#include <core/tables/errors.h>
 #include <core/tables/terms.h>
+#include <core/values/errors.h>
 
 namespace core {
 
@@ -75,7 +78,7 @@ std::size_t index_position(const TableData& data, const Value& argument) {
         if (indexes[i].get() == object->handle().part())
             return i;
     }
-    throw_error<ContextException>("IDS_VT_UNKNOWN_INDEX_ERROR");
+    throw_error<ContextException>(messages::kUnknownIndex);
 }
 
 } // namespace

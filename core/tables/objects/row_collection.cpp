@@ -2,7 +2,10 @@
 #include "core/tables/objects/row_collection.h"
 
 #include <core/collections/value_structure.h>
-#include <core/runtime/error.h>
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
+#include <core/tables/errors.h>
+#include <core/values/errors.h>
 
 namespace core {
 
@@ -69,7 +72,7 @@ void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& co
         const RowRange rows{std::span<const RowId>(orders[i].rows)};
         std::vector<RowId> sorted = object ? sorted_rows(rows, sort, *object) : sorted_rows(rows, sort);
         if (data.version() != version)
-            throw_error<ContextException>("IDS_VT_CHANGED_WHILE_SORTING");
+            throw_error<ContextException>(messages::kChangedWhileSorting);
         orders[i].rows.swap(sorted);
         for (std::size_t row = 0; subordinates && row < orders[i].rows.size(); ++row) {
             const RowId below = orders[i].rows[row];

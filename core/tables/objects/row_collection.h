@@ -7,6 +7,8 @@
 
 #include <core/collections/terms.h>
 #include <core/collections/value_array.h>
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
 #include <core/context/iteration.h>
 #include <core/tables/terms.h>
 

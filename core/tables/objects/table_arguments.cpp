@@ -3,10 +3,12 @@
 
 #include "core/tables/objects/column_objects.h"
 
-#include <core/runtime/error.h>
+#include <core/context/arguments.h>
 #include <core/strings/compare.h>
 #include <core/strings/trim.h>
+#include <core/tables/errors.h>
 #include <core/tables/terms.h>
+#include <core/values/errors.h>
 
 #include <algorithm>
 #include <numeric>
@@ -22,7 +24,7 @@ bool is_term(wstring_view word, Term term) noexcept {
 void add_column(ColumnList& columns, const TableData& data, wstring_view name) {
     const std::size_t column = column_named(data, name);
     if (std::find(columns.begin(), columns.end(), column) != columns.end())
-        throw_error<ContextException>("IDS_VT_COLUMNS_NOT_UNIQUE", {wstring(name)});
+        throw_error<ContextException>(messages::kColumnTwice, {wstring(name)});
     columns.push_back(column);
 }
 
@@ -40,7 +42,7 @@ RowId row_object_argument(const TableData& data, const Value& argument, int para
     const auto object = object_argument<IRowObject>(argument, param);
     const RowHandle& handle = object->handle();
     if (&handle.data() != &data)
-        throw_error<ContextException>("IDS_VT_UNKNOWN_ROW_ERROR");
+        throw_error<ContextException>(messages::kUnknownRow);
     return handle.row();
 }
 
@@ -50,14 +52,14 @@ std::size_t row_argument(const TableData& data, RowId parent, const Value& argum
         return position_argument(argument, param, order.size());
     const RowId row = row_object_argument(data, argument, param);
     if (data.parentOf(row) != parent)
-        throw_error<ContextException>("IDS_VT_UNKNOWN_ROW_ERROR");
+        throw_error<ContextException>(messages::kUnknownRow);
     return order.positionOf(row);
 }
 
 std::size_t column_named(const TableData& data, wstring_view name) {
     const auto column = data.findColumn(name);
     if (!column)
-        throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {wstring(name)});
+        throw_error<ContextException>(messages::kUnknownColumn, {wstring(name)});
     return *column;
 }
 
@@ -70,7 +72,7 @@ std::size_t column_argument(const TableData& data, const Value& argument, int pa
     const TableHandle<TableColumn>& handle = object->handle();
     const TableColumn* const column = handle.part();
     if (column == nullptr || &handle.data() != &data)
-        throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR",
+        throw_error<ContextException>(messages::kUnknownColumn,
                                       {column != nullptr ? column->info.name : handle.lastName()});
     return data.positionOf(*column);
 }

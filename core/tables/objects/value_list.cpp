@@ -6,11 +6,14 @@
 #include "core/tables/sort/value_ranks.h"
 #include "core/tables/sort/word_sort.h"
 
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
 #include <core/descriptions/type_description.h>
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
-#include <core/runtime/error.h>
+#include <core/tables/errors.h>
 #include <core/tables/terms.h>
+#include <core/values/errors.h>
 
 #include <unordered_set>
 
@@ -36,7 +39,7 @@ Value ValueList::adjusted(const Value& value) const {
     Value result = domain_.adjust(value);
     const auto list = result.query<IListObject>();
     if (list && list->self().holds(*this))
-        throw_error<ContextException>("IDS_VL_CYCLING");
+        throw_error<ContextException>(messages::kListHoldsItself);
     return result;
 }
 

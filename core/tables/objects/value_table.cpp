@@ -8,11 +8,14 @@
 #include "core/tables/query/group_by.h"
 
 #include <core/collections/value_structure.h>
-#include <core/runtime/error.h>
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
 #include <core/runtime/process.h>
 #include <core/strings/integer_text.h>
 #include <core/tables/chooser.h>
+#include <core/tables/errors.h>
 #include <core/tables/value_table.h>
+#include <core/values/errors.h>
 
 namespace core {
 
@@ -72,7 +75,7 @@ class ValueTable : public RowCollection<ValueTable, &kValueTableRowType>,
     [[nodiscard]] std::size_t columnAt(std::int32_t id) const {
         const auto column = data_.findColumn(ColumnId{id});
         if (!column)
-            throw_error<ContextException>("IDS_VT_UNKNOWN_COLUMN_ERROR", {string_intto(id)});
+            throw_error<ContextException>(messages::kUnknownColumn, {string_intto(id)});
         return *column;
     }
     [[nodiscard]] std::vector<RowId> rowsArgument(const Value& argument, int param) const;
@@ -177,10 +180,10 @@ GenericValue ValueTable::callGroupBy(std::span<GenericValue> arguments) {
         totals = column_list_argument(data_, arguments[1], 1, BlankList::noColumn);
     for (const std::size_t column : totals) {
         if (std::find(columns.begin(), columns.end(), column) != columns.end())
-            throw_error<ContextException>("IDS_VT_GROUPBY_INTERSECT_ERROR", {data_.column(column).info.name});
+            throw_error<ContextException>(messages::kGroupedAndTotalled, {data_.column(column).info.name});
     }
     if (columns.empty() && totals.empty())
-        throw_error<ContextException>("IDS_VT_GROUPBY_NO_COLUMN_ERROR");
+        throw_error<ContextException>(messages::kGroupByNothing);
     group_by(data_, columns, totals);
     return {};
 }

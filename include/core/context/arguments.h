@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/error.h>
 #include <core/strings/split.h>
 #include <core/values/generic_value.h>
 

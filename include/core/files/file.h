@@ -7,8 +7,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace core {
+
+/// No offset and no length of a file is greater: to the system they are signed numbers of 64 bits.
+inline constexpr std::uint64_t kMaxFileLength = std::numeric_limits<std::int64_t>::max();
 
 /// What the offset of a seek counts from.
 enum class SeekOrigin : std::int32_t { begin = 1, current = 2, end = 4 };
@@ -25,8 +29,8 @@ enum class OpenMode : std::int32_t {
 /// A random-access file of bytes: on disk, in memory, or inside a container. Everything that touches a disk
 /// stands on this interface, so a program or a test can put its own file underneath.
 ///
-/// Errors: FileException with the file's URL and the system's reason, or StorageException inside a container.
-/// Threads: one at a time, except that disk and memory files take positioned calls from any thread.
+/// Errors: FileException with the file's URL and the system's reason, or what its scheme throws for a file of
+/// its own. Threads: one at a time, except that disk and memory files take positioned calls from any thread.
 class IFile : public IUnknown {
   public:
     static constexpr GUID IID = "4a1aeab8-fb4d-45df-929e-8e7e56ccb89b"_guid;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/exceptions.h>
+#include <core/runtime/api.h>
 
 #include <cstdint>
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/numbers/settings.h>
 #include <core/runtime/api.h>
-#include <core/runtime/block_pool.h>
-#include <core/runtime/settings.h>
 #include <core/runtime/types.h>
 
 #include <compare>
@@ -221,9 +220,10 @@ class CORE_API Numeric {
     static void checkShape(std::size_t count, std::int64_t fraction);
     void setShape(std::size_t count, std::int64_t fraction, bool negative) noexcept;
     void steal(Numeric& other) noexcept;
+    void freeLimbs() noexcept;
     void release() noexcept {
         if (limbs_ != inline_) {
-            free_block(limbs_, capacity_ * sizeof(Limb));
+            freeLimbs();
         }
     }
 

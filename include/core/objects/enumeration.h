@@ -4,6 +4,7 @@
 #include <core/context/context_def_ext.h>
 #include <core/persistence/persistence.h>
 #include <core/runtime/class_entry.h>
+#include <core/runtime/unknown.h>
 #include <core/values/type_object.h>
 #include <core/values/value_impl.h>
 

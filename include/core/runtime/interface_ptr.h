@@ -3,18 +3,11 @@
 
 #include <core/runtime/unknown.h>
 
-#include <concepts>
 #include <cstddef>
 #include <type_traits>
 #include <utility>
 
 namespace core {
-
-template <class T>
-concept Interface = requires {
-    { T::IID } -> std::convertible_to<const GUID&>;
-}
-&&std::derived_from<T, IUnknown>;
 
 namespace detail {
 

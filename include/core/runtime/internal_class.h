@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/block_pool.h>
 #include <core/runtime/interface_ptr.h>
 #include <core/runtime/refcount.h>
 
@@ -109,11 +108,11 @@ class SCOM_InternalClass final : public T {
 
     // The live count goes with the memory, so that one visit to the thread's own part serves both.
     static void* operator new(std::size_t size) {
-        static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__, "blocks are aligned no further");
-        return allocate_counted(size, live_counter<T>);
+        static_assert(alignof(T) <= detail::kBlockAlignment, "blocks are aligned no further");
+        return detail::allocate_counted(size, live_counter<T>);
     }
     static void operator delete(void* block, std::size_t size) noexcept {
-        free_counted(block, size, live_counter<T>);
+        detail::free_counted(block, size, live_counter<T>);
     }
 
   private:

@@ -4,6 +4,7 @@
 #include <core/runtime/api.h>
 #include <core/runtime/types.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -39,6 +40,19 @@ class CORE_API LiveCounter {
     std::int32_t outside_ = 0; // what no thread's part holds; changed atomically
     LiveCounter* next_ = nullptr;
 };
+
+namespace detail {
+
+inline constexpr std::size_t kBlockAlignment = 16;
+
+/// Returns memory for an object of a counted class and raises its counter, in one visit to the thread's own
+/// part. It is aligned to kBlockAlignment. Throws std::bad_alloc.
+[[nodiscard]] CORE_API void* allocate_counted(std::size_t size, LiveCounter& counter);
+/// Frees memory of `size` bytes, the size that was asked for, on any thread, and lowers the counter. Null is
+/// ignored.
+CORE_API void free_counted(void* block, std::size_t size, LiveCounter& counter) noexcept;
+
+} // namespace detail
 
 /// The counter of class `T`.
 template <class T>

@@ -67,4 +67,34 @@ class CORE_API SCOM_Module {
 /// whoever ends a module sees to it that no process still uses it. Safe on any thread.
 [[nodiscard]] CORE_API std::vector<SCOM_Module*> registered_modules();
 
+/// Returns the library's own module.
+[[nodiscard]] CORE_API SCOM_Module& core_module() noexcept;
+
+/// What the loader of a library tells its entry point.
+enum class LibraryEvent {
+    processDetach = 0, ///< the library goes
+    processAttach = 1, ///< the library comes
+    threadAttach = 2,  ///< a thread begins
+    threadDetach = 3   ///< a thread ends
+};
+
+/// The library's entry point. On process attach it allocates the thread-local slots, initialises ICU and the
+/// leak registry, gathers the class table and enters the module into the registry; on process detach it
+/// undoes all that in reverse, closing the message texts first. Thread events do nothing. Always true. One
+/// attach is undone by one detach, as often as wanted; most programs leave this to LibraryScope. An attach
+/// that runs out of memory undoes what it did and throws std::bad_alloc. Threads: one call at a time.
+CORE_API bool library_main(ModuleHandle handle, LibraryEvent event);
+
+/// Keeps the library attached while at least one scope lives.
+/// Threads: scopes may be made and destroyed on any thread, also at the same time.
+class CORE_API LibraryScope {
+  public:
+    /// Attaches the library when this is the first scope; throws what attaching throws.
+    LibraryScope();
+    LibraryScope(const LibraryScope&) = delete;
+    LibraryScope& operator=(const LibraryScope&) = delete;
+    /// Detaches the library when this is the last scope.
+    ~LibraryScope();
+};
+
 } // namespace core

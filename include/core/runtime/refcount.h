@@ -1,17 +1,42 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/atomic_counter.h>
 #include <core/runtime/live_counter.h>
 
+#include <atomic>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <new>
 #include <type_traits>
 #include <utility>
 
 /// Shared ownership of plain objects, those without interfaces.
 namespace core {
+
+/// The counting of an object's holders: atomic changes that return the new value. A caller of decrement()
+/// gives back what it holds. Only a holder calls increment(), except for the first one. The counts serve
+/// nothing else.
+struct AtomicCounter {
+    /// Adds one holder.
+    static std::int32_t increment(std::int32_t& count) noexcept {
+        const std::int32_t before = std::atomic_ref(count).fetch_add(1, std::memory_order_relaxed);
+        assert(before != std::numeric_limits<std::int32_t>::max());
+        return before + 1;
+    }
+
+    /// Takes one holder away. The caller that gets 0 owns the object alone and sees all that other holders
+    /// wrote to it.
+    static std::int32_t decrement(std::int32_t& count) noexcept {
+        // The last holder needs no locked write: nobody else is left who could change the count.
+        if (std::atomic_ref(count).load(std::memory_order_acquire) == 1) {
+            std::atomic_ref(count).store(0, std::memory_order_relaxed);
+            return 0;
+        }
+        return std::atomic_ref(count).fetch_sub(1, std::memory_order_acq_rel) - 1;
+    }
+};
 
 /// A base with one count that starts at 0. It deletes nothing by itself: whoever is told 0 does.
 template <class T, class Counter = AtomicCounter>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/unknown_impl.h>
+#include <core/runtime/unknown.h>
 
 #include <algorithm>
 #include <chrono>

@@ -3,7 +3,7 @@
 
 #include <core/dates/date.h>
 #include <core/numbers/numeric.h>
-#include <core/runtime/atomic_counter.h>
+#include <core/runtime/refcount.h>
 #include <core/values/ivalue.h>
 #include <core/values/type.h>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <core/runtime/class_entry.h>
-#include <core/runtime/unknown_impl.h>
+#include <core/runtime/unknown.h>
 #include <core/strings/term.h>
 #include <core/values/type.h>
 

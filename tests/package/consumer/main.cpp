@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // A program outside the tree: it links both libraries and finds the messages, wherever the package stands.
-#include <core/runtime/error.h>
+#include <core/runtime/exception.h>
 #include <core/runtime/utf8.h>
 #include <host/host_process.h>
 

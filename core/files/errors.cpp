@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <core/files/errors.h>
+#include <core/runtime/exception_object.h>
+#include <core/runtime/utf8.h>
+
+#include <system_error>
+
+namespace core {
+namespace {
+
+const SCOM_ExceptionEntry<FileException> kFileException("FileExceptionObject");
+
+} // namespace
+
+void throw_file_error(const char* id, const wstring& url, int systemError, IExceptionObject* cause) {
+    // Unlike strerror(), the category's text may be asked for on any thread.
+    const wstring reason = from_utf8(std::system_category().message(systemError));
+    throw FileException(message_text(id, {url, reason}), url, systemError, cause);
+}
+
+} // namespace core

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/values/errors.h>
+
+/// The failures of calls; all travel in a ContextException, which <core/context/arguments.h> throws.
+/// Parameters are numbered from 1 in the messages that users read.
+namespace core::messages {
+
+/// A move would take an element out of its collection. No parameters.
+inline constexpr const char* kBadOffset = "IDS_COLLECTION_BADOFFSET";
+/// A collection has no element of that index. No parameters.
+inline constexpr const char* kBadIndex = "IDS_INDEX_OFFBOUND";
+/// A call lacks an argument; {0} is the method, {1} the number of the parameter, from 1.
+inline constexpr const char* kMissingArgument = "IDS_CONTEXT_MISSING_ARGUMENT";
+/// An object has no method of that number; {0} is the number.
+inline constexpr const char* kNoMethod = "IDS_CONTEXT_NO_METHOD";
+/// An object has no property of that number; {0} is the number.
+inline constexpr const char* kNoProperty = "IDS_CONTEXT_NO_PROPERTY";
+/// A property cannot be read; {0} is its name.
+inline constexpr const char* kPropertyNotReadable = "IDS_CONTEXT_PROPERTY_NOT_READABLE";
+/// A property cannot be written; {0} is its name.
+inline constexpr const char* kPropertyNotWritable = "IDS_CONTEXT_PROPERTY_NOT_WRITABLE";
+/// A call has too many arguments; {0} is the method, {1} how many it takes.
+inline constexpr const char* kTooManyArguments = "IDS_CONTEXT_TOO_MANY_ARGUMENTS";
+/// An argument has a type that its parameter does not take; {0} is the parameter's number, from 1.
+inline constexpr const char* kParameterType = "IDS_PARAMETER_N_TYPE_MISMATCH";
+/// An argument has a value that its parameter does not take; {0} is the parameter's number, from 1.
+inline constexpr const char* kParameterValue = "IDS_PARAMETER_N_VALUE_MISMATCH";
+
+} // namespace core::messages

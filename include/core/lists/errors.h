@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/exception.h>
+
+/// The failures of brace lists.
+namespace core {
+
+namespace messages {
+
+/// A text is not a brace list, or holds something else than was expected. No parameters.
+inline constexpr const char* kMalformedList = "IDS_LISTSTREAMERROR";
+/// Values stand inside each other too deeply; {0} is the number of levels that may.
+inline constexpr const char* kNestingTooDeep = "IDS_NESTING_TOO_DEEP";
+
+} // namespace messages
+
+/// Malformed brace-list text.
+class CORE_API ListStreamException : public BasicException<ListStreamException> {
+  public:
+    /// The class id of ListStreamExceptionObject.
+    static constexpr GUID kClassId = "e88a796d-7758-48a7-9ba7-781e269e9aa4"_guid;
+    using BasicException::BasicException;
+};
+
+/// The error object of ListStreamException.
+using ListStreamExceptionObject = IExceptionObjectImpl<ListStreamException>;
+
+} // namespace core

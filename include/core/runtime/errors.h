@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/exception.h>
+
+#include <cstdint>
+#include <tuple>
+
+/// The exceptions of the runtime itself, and those that belong to no single layer: objects that cannot be
+/// made, text that cannot be converted, calls that leave the process. Each class names, as `kClassId`, the
+/// class id of its error object.
+namespace core {
+
+/// The ids of messages. Each layer's `errors.h` adds its own; message_text() gives the texts.
+namespace messages {
+
+/// A process could not be started for lack of memory. No parameters.
+inline constexpr const char* kProcessInit = "IDS_PROCESS_INIT";
+/// A text is longer than an operation can take. No parameters.
+inline constexpr const char* kStringTooLong = "IDS_STRING_TOO_LONG";
+
+} // namespace messages
+
+/// A process that could not be started. It has no error object of its own: nothing is there yet to take one.
+class CORE_API ProcessInitException : public Exception {
+  public:
+    /// Makes a failure with a copy of `description`. Takes a reference to `cause`, which may be null.
+    explicit ProcessInitException(const wstring& description, IExceptionObject* cause = nullptr)
+        : Exception(Exception::kClassId, description, cause) {}
+};
+
+/// An object that could not be made from the given arguments.
+class CORE_API CtorException : public BasicException<CtorException> {
+  public:
+    /// The class id of CtorExceptionObject.
+    static constexpr GUID kClassId = "2e20eda7-414a-4549-ae78-06c19979ce2d"_guid;
+    using BasicException::BasicException;
+};
+
+/// Text that cannot be converted between encodings or forms.
+class CORE_API ConverterException : public BasicException<ConverterException> {
+  public:
+    /// The class id of ConverterExceptionObject.
+    static constexpr GUID kClassId = "12d4914c-d6ae-4255-87a1-02485be1b924"_guid;
+    using BasicException::BasicException;
+};
+
+/// A failed automation call.
+class CORE_API COMException : public BasicException<COMException> {
+  public:
+    /// The class id of COMExceptionObject.
+    static constexpr GUID kClassId = "4061180c-eee5-4ee5-bfe6-021f7c0becb1"_guid;
+    using BasicException::BasicException;
+};
+
+/// An automation type that could not be used: an error number and the id of the type.
+class CORE_API COMTypeException : public BasicException<COMTypeException> {
+  public:
+    /// The class id of COMTypeExceptionObject.
+    static constexpr GUID kClassId = "31c9840c-822a-4b75-9b4d-e5f691d035f4"_guid;
+
+    using BasicException::BasicException;
+    /// Makes a failure with an error number of the automation system and the id of the type concerned. Takes
+    /// a reference to `cause`, which may be null.
+    COMTypeException(std::int32_t error, const GUID& type, const wstring& description = wstring(),
+                     IExceptionObject* cause = nullptr)
+        : BasicException(description, cause), error_(error), type_(type) {}
+    /// Returns the error number, 0 when none was given.
+    [[nodiscard]] std::int32_t error() const noexcept { return error_; }
+    /// Returns the id of the type, the null id when none was given.
+    [[nodiscard]] const GUID& type() const noexcept { return type_; }
+
+  private:
+    template <class>
+    friend class IExceptionObjectImpl;
+    static auto fields(auto& self) noexcept { return std::tie(self.error_, self.type_); }
+
+    std::int32_t error_ = 0;
+    GUID type_;
+};
+
+/// A call to another process that did not come through.
+class CORE_API RemotingException : public BasicException<RemotingException> {
+  public:
+    /// The class id of RemotingExceptionObject.
+    static constexpr GUID kClassId = "df84c0d7-ee36-4d9f-96ca-503359a67a6c"_guid;
+    using BasicException::BasicException;
+};
+
+/// The error object of Exception.
+using ExceptionObject = IExceptionObjectImpl<Exception>;
+/// The error object of CtorException.
+using CtorExceptionObject = IExceptionObjectImpl<CtorException>;
+/// The error object of ConverterException.
+using ConverterExceptionObject = IExceptionObjectImpl<ConverterException>;
+/// The error object of COMException.
+using COMExceptionObject = IExceptionObjectImpl<COMException>;
+/// The error object of COMTypeException.
+using COMTypeExceptionObject = IExceptionObjectImpl<COMTypeException>;
+/// The error object of RemotingException.
+using RemotingExceptionObject = IExceptionObjectImpl<RemotingException>;
+
+} // namespace core
