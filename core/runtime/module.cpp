@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/runtime/memory/immortal.h"
+#include "core/runtime/immortal.h"
 
 #include <core/runtime/module.h>
 #include <core/runtime/process.h>

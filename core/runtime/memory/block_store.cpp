@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/memory/block_store.h"
 
-#include "core/runtime/memory/immortal.h"
+#include "core/runtime/immortal.h"
 
 #include <array>
 #include <mutex>

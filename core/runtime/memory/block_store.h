@@ -34,7 +34,7 @@ inline FreeBlock* FreeList::pop() noexcept {
 }
 
 inline constexpr std::size_t kBlockGranule = 16; // and what blocks are aligned to
-inline constexpr std::size_t kBlockSizes = 16; // blocks of 16, 32, ... 256 bytes
+inline constexpr std::size_t kBlockSizes = 16;   // blocks of 16, 32, ... 256 bytes
 
 /// Where the threads get free blocks from, many at a time, and bring those to that they do not keep. It cuts
 /// them from chunks of memory, each for one size, and gives a chunk back to the system when all its blocks

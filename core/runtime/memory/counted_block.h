@@ -58,7 +58,8 @@ inline std::size_t block_size_index(std::size_t size) noexcept {
     return size == 0 ? 0 : (size - 1) / kBlockGranule;
 }
 
-/// The system's own block, for sizes that are not pooled. On some 32-bit hosts a plain `new` aligns to 8 bytes.
+/// The system's own block, for sizes that are not pooled. On some 32-bit hosts a plain `new` aligns to 8
+/// bytes.
 inline void* take_system_block(std::size_t size) {
     if constexpr (__STDCPP_DEFAULT_NEW_ALIGNMENT__ >= kBlockAlignment)
         return ::operator new(size);

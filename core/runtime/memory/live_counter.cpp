@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/immortal.h"
 #include "core/runtime/memory/counted_block.h"
-#include "core/runtime/memory/immortal.h"
 
 #include <core/runtime/live_counter.h>
 

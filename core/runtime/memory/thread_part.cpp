@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/memory/thread_part.h"
 
-#include "core/runtime/memory/immortal.h"
+#include "core/runtime/immortal.h"
 
 #include <mutex>
 #include <new>

@@ -12,24 +12,24 @@ namespace core {
 
 /// What the module's class table holds of a class: nine words, all zero in the table's last record.
 struct ClassRecord {
-    const GUID* clsid = nullptr;
-    /// Makes an object and queries it, as IClassFactory::CreateInstance does.
+    const GUID* clsid = nullptr; ///< the class id, borrowed: valid as long as the module
+    /// Makes an object and queries it for `iid`, as IClassFactory::CreateInstance does.
     HRESULT (*createInstance)(IUnknown* outer, const GUID& iid, void** out) = nullptr;
     /// Makes the class's factory and queries it for `iid`.
     HRESULT (*getFactory)(const ClassRecord& record, const GUID& iid, void** out) = nullptr;
-    const char* name = nullptr;     ///< the implementing class, for reports
-    const GUID* service = nullptr;  ///< the interface under which a service is offered; null for a class
-    std::uintptr_t scriptClass = 0; ///< 1 for the type and factory classes of the script layer
-    std::uintptr_t reserved[3] = {};
+    const char* name = nullptr;      ///< the implementing class, for reports
+    const GUID* service = nullptr;   ///< the interface under which a service is offered; null for a class
+    std::uintptr_t scriptClass = 0;  ///< 1 for the type and factory classes of the script layer
+    std::uintptr_t reserved[3] = {}; ///< zero
 };
 static_assert(sizeof(ClassRecord) == 9 * sizeof(void*));
 
 /// A declared class: its record, what its registration passes on, and the entry declared before it.
 struct ClassEntry {
-    ClassRecord record;
-    std::int32_t threading = 0; ///< 0: objects may be made and used on any thread, one thread at a time
-    std::int32_t attributes = 0;
-    ClassEntry* next = nullptr;
+    ClassRecord record;          ///< what the class table copies
+    std::int32_t threading = 0;  ///< 0: objects may be made and used on any thread, one thread at a time
+    std::int32_t attributes = 0; ///< passed on at registration; no bit has a meaning yet
+    ClassEntry* next = nullptr;  ///< the entry declared before, null for the first
 };
 
 /// The head of the calling module's list. Each module, hence each shared library and program, has its own.
@@ -41,8 +41,9 @@ struct ClassEntry {
     module_class_entries = &entry;
 }
 
-/// Makes the class factory of a record. Never throws; kNoInterface for an interface
-/// that a factory does not have.
+/// Makes the class factory of a record and stores its interface `iid` in `*out` with a reference. Never
+/// throws; returns kNoInterface, with null stored, for an interface that a factory does not have and without
+/// memory.
 CORE_API HRESULT create_class_factory(const ClassRecord& record, const GUID& iid, void** out) noexcept;
 
 namespace detail {
@@ -82,6 +83,8 @@ ClassRecord class_record(const GUID& clsid, const char* name, bool scriptClass,
 template <class T, const GUID* clsid, bool scriptClass = false>
 class SCOM_ClassEntryInit {
   public:
+    /// Declares the class under `name`, which reports show, and as the service `service`, if that is not
+    /// null. Both are kept by address.
     explicit SCOM_ClassEntryInit(const char* name, const GUID* service = nullptr) noexcept {
         entry_.record = detail::class_record<T>(*clsid, name, scriptClass, service);
         declare_class(entry_);
@@ -93,6 +96,7 @@ class SCOM_ClassEntryInit {
     ClassEntry entry_;
 };
 
+/// Another name of SCOM_ClassEntryInit.
 template <class T, const GUID* clsid, bool scriptClass = false>
 using SCOM_Class = SCOM_ClassEntryInit<T, clsid, scriptClass>;
 
@@ -100,6 +104,7 @@ using SCOM_Class = SCOM_ClassEntryInit<T, clsid, scriptClass>;
 template <class Impl, const GUID* clsid, const GUID* iid>
 class SCOM_ServiceEntryInit : public SCOM_ClassEntryInit<Impl, clsid> {
   public:
+    /// Declares the class and its service under `name`, which reports show; it is kept by address.
     explicit SCOM_ServiceEntryInit(const char* name) noexcept : SCOM_ClassEntryInit<Impl, clsid>(name, iid) {}
 };
 

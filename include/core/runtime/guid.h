@@ -15,10 +15,10 @@ namespace core {
 /// A class id or interface id: 16 bytes in the usual layout. Equality is equality of all bytes; the order is
 /// the order of the written form.
 struct GUID {
-    std::uint32_t data1 = 0;
-    std::uint16_t data2 = 0;
-    std::uint16_t data3 = 0;
-    std::uint8_t data4[8] = {};
+    std::uint32_t data1 = 0;    ///< the first group of the written form
+    std::uint16_t data2 = 0;    ///< the second group
+    std::uint16_t data3 = 0;    ///< the third group
+    std::uint8_t data4[8] = {}; ///< the last two groups, byte for byte
 
     friend bool operator==(const GUID& a, const GUID& b) noexcept {
         // Two words, the first of which differs in almost every failed comparison.
@@ -32,6 +32,7 @@ struct GUID {
 };
 static_assert(sizeof(GUID) == 16);
 
+/// The id of zeros, which names nothing.
 inline constexpr GUID kNullGuid{};
 
 namespace detail {
@@ -46,7 +47,7 @@ consteval unsigned hex_nibble(char c) {
     throw "an id holds hexadecimal digits and hyphens only";
 }
 
-/// The places of the hyphens in the written form.
+/// Whether a hyphen stands at index `i` of the written form.
 constexpr bool is_guid_hyphen(std::size_t i) noexcept {
     return i == 8 || i == 13 || i == 18 || i == 23;
 }
@@ -86,11 +87,12 @@ consteval GUID operator""_guid(const char* text, std::size_t length) {
 
 } // namespace literals
 
+/// The length of the written form in code units.
 inline constexpr std::size_t kGuidTextLength = 36;
 
-/// The 36 lowercase characters of an id, without braces.
+/// Returns the written form of an id: 36 lowercase characters, without braces.
 [[nodiscard]] CORE_API wstring to_string(const GUID& id);
-/// Writes them, no terminator, and returns the position behind them.
+/// Writes the 36 characters to `out`, without a terminator, and returns the address behind them.
 CORE_API wchar* to_string(const GUID& id, wchar* out) noexcept;
 
 /// Reads the 36-character form, hexadecimal digits of either case (the fullwidth letters too). Returns false

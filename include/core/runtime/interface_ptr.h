@@ -21,11 +21,13 @@ concept IsUpcast = std::same_as<U, T> ||(std::convertible_to<U*, T*> && !std::sa
 /// The counting policy of interface objects, and the conversion between interface types.
 template <class T>
 struct ComRefcount {
+    /// Takes a reference to `object`, which must not be null.
     static void acquire(T* object) noexcept { object->AddRef(); }
+    /// Gives a reference to `object` back, which must not be null.
     static void release(T* object) noexcept { object->Release(); }
 
-    /// The interface `T` of an object with a reference of its own, or null when the
-    /// object has none or is null.
+    /// Returns the interface `T` of `object` with a reference that the caller owns. Returns null when the
+    /// object does not have it or is null.
     [[nodiscard]] static T* cast(IUnknown* object) noexcept requires Interface<T> {
         void* answer = nullptr;
         if (object != nullptr)
@@ -40,7 +42,9 @@ template <class T>
 class InterfacePtr {
   public:
     InterfacePtr() = default;
+    /// Makes a null pointer.
     InterfacePtr(std::nullptr_t) noexcept {}
+    /// Takes a reference to `object`; null is allowed.
     InterfacePtr(T* object) noexcept : object_(object) {
         if (object_ != nullptr)
             object_->AddRef();
@@ -48,11 +52,11 @@ class InterfacePtr {
     InterfacePtr(const InterfacePtr& other) noexcept : InterfacePtr(other.object_) {}
     InterfacePtr(InterfacePtr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
 
-    /// From an interface that derives from `T`: no query is needed.
+    /// Takes a reference to an interface that derives from `T`: no query is needed.
     template <class U>
     requires(!std::same_as<U, T> && detail::IsUpcast<U, T>) InterfacePtr(U* object)
     noexcept : InterfacePtr(static_cast<T*>(object)) {}
-    /// From any other interface: queries for `T`.
+    /// Queries any other interface for `T`; null when the object does not have it.
     template <class U>
     requires(!detail::IsUpcast<U, T> && requires(U * object, void** out) {
         object->QueryInterface(T::IID, out);
@@ -74,12 +78,13 @@ class InterfacePtr {
             object_->Release();
     }
 
+    /// Releases what it holds and takes over what `other` holds.
     InterfacePtr& operator=(InterfacePtr other) noexcept {
         std::swap(object_, other.object_);
         return *this;
     }
 
-    /// Takes over a reference that the caller owns.
+    /// Returns a pointer that takes over a reference which the caller owns.
     [[nodiscard]] static InterfacePtr adopt(T* object) noexcept {
         InterfacePtr result;
         result.object_ = object;
@@ -87,15 +92,21 @@ class InterfacePtr {
     }
 
     // modify
+    /// Releases what it holds; it is null afterwards.
     void reset() noexcept { *this = InterfacePtr(); }
-    /// Hands the reference to the caller, who now owes a Release.
+    /// Returns the object with its reference, which the caller now owns; this pointer is null afterwards.
     [[nodiscard]] T* detach() noexcept { return std::exchange(object_, nullptr); }
+    /// Exchanges what two pointers hold.
     friend void swap(InterfacePtr& a, InterfacePtr& b) noexcept { std::swap(a.object_, b.object_); }
 
     // inspect
+    /// Returns the object, borrowed: valid as long as a reference is held. May be null.
     [[nodiscard]] T* get() const noexcept { return object_; }
+    /// Returns the object, which must not be null.
     T* operator->() const noexcept { return object_; }
+    /// Returns the object, which must not be null.
     T& operator*() const noexcept { return *object_; }
+    /// Whether it holds an object.
     explicit operator bool() const noexcept { return object_ != nullptr; }
     friend bool operator==(const InterfacePtr& a, const InterfacePtr& b) noexcept {
         return a.object_ == b.object_;
@@ -103,7 +114,7 @@ class InterfacePtr {
     friend bool operator==(const InterfacePtr& a, const T* b) noexcept { return a.object_ == b; }
 
     // query
-    /// The same object through another interface, or null.
+    /// Returns the same object through the interface `U`; null when it does not have it.
     template <class U>
     [[nodiscard]] InterfacePtr<U> query() const noexcept {
         return InterfacePtr<U>(object_);

@@ -16,9 +16,9 @@ namespace core {
 /// A row of a class's interface map: the interface at `offset` bytes from the start of the object. A null id
 /// ends the map; kind 1, the only kind, means that the interface is part of the object itself.
 struct InterfaceMapEntry {
-    const GUID* iid;
-    std::ptrdiff_t offset;
-    int kind;
+    const GUID* iid;       ///< the interface id, null in the last row
+    std::ptrdiff_t offset; ///< of the interface, in bytes from the start of the object
+    int kind;              ///< 1
 };
 
 /// Answers a query through an interface map. A query for IUnknown is answered with the first row, so that it
@@ -62,8 +62,8 @@ const InterfaceMapEntry* interface_map(InterfaceList<Is...>) noexcept {
 template <class T>
 class SCOM_InternalClass final : public T {
   public:
-    /// A new object with one reference, which the result owns. Null when there is no memory; throws what the
-    /// constructor of `T` throws otherwise.
+    /// Returns a new object with one reference. Null when there is no memory; throws what the constructor of
+    /// `T` throws otherwise.
     template <class... Args>
     [[nodiscard]] static InterfacePtr<SCOM_InternalClass> create(Args&&... args) {
         try {
@@ -100,17 +100,20 @@ class SCOM_InternalClass final : public T {
         return 0;
     }
 
+    /// Returns the interface map of the class, valid for the whole program.
     [[nodiscard]] static const InterfaceMapEntry* interfaceMap() noexcept {
         return detail::interface_map<T>(typename T::Interfaces{});
     }
-    /// How many objects of the class are alive.
+    /// Returns how many objects of the class are alive.
     [[nodiscard]] static std::int32_t liveCount() noexcept { return live_counter<T>.count(); }
 
     // The live count goes with the memory, so that one visit to the thread's own part serves both.
+    /// Takes memory for one object and counts it; throws std::bad_alloc.
     static void* operator new(std::size_t size) {
         static_assert(alignof(T) <= detail::kBlockAlignment, "blocks are aligned no further");
         return detail::allocate_counted(size, live_counter<T>);
     }
+    /// Gives the memory of one object back and counts it.
     static void operator delete(void* block, std::size_t size) noexcept {
         detail::free_counted(block, size, live_counter<T>);
     }
@@ -125,8 +128,8 @@ class SCOM_InternalClass final : public T {
     std::int32_t count_ = 0;
 };
 
-/// A new object with one reference, for callers that have no use for null:
-/// std::bad_alloc when there is no memory.
+/// Returns a new object with one reference, never null. Throws std::bad_alloc, and what the constructor of
+/// `T` throws.
 template <class T, class... Args>
 [[nodiscard]] InterfacePtr<SCOM_InternalClass<T>> make_object(Args&&... args) {
     auto object = SCOM_InternalClass<T>::create(std::forward<Args>(args)...);

@@ -19,15 +19,19 @@ namespace core {
 /// when their first object is made.
 ///
 /// A count is kept in parts, one for each thread, so that threads making objects of one class do not share a
-/// cache line; count() is exact when no other thread is making or destroying such objects.
+/// cache line.
 class CORE_API LiveCounter {
   public:
+    /// Makes a counter of zero, which reports under the name of `type`.
     constexpr explicit LiveCounter(const std::type_info& type) noexcept : type_(&type) {}
     LiveCounter(const LiveCounter&) = delete;
     LiveCounter& operator=(const LiveCounter&) = delete;
 
+    /// Counts one object more.
     void raise() noexcept { add(1); }
+    /// Counts one object less.
     void lower() noexcept { add(-1); }
+    /// Returns how many objects are alive; exact when no other thread is making or destroying any.
     [[nodiscard]] std::int32_t count() const noexcept;
 
   private:
@@ -62,6 +66,7 @@ inline constinit LiveCounter live_counter{typeid(T)};
 template <class T>
 class LiveObjectTrackerImpl {
   public:
+    /// Returns how many objects of `T` are alive.
     [[nodiscard]] static std::int32_t liveCount() noexcept { return live_counter<T>.count(); }
 
   protected:
@@ -74,7 +79,8 @@ class LiveObjectTrackerImpl {
 /// A named entry of the leak report with a table of names, present as long as it lives.
 class CORE_API LeaksCounter {
   public:
-    /// `names` is a table of texts ended by null, or null; it is kept by address.
+    /// Enters `name` and `names` into the report. `names` is a table of texts ended by null, or null. Both
+    /// are kept by address.
     explicit LeaksCounter(const char* name, const wchar* const* names = nullptr);
     LeaksCounter(const LeaksCounter&) = delete;
     LeaksCounter& operator=(const LeaksCounter&) = delete;
@@ -83,7 +89,9 @@ class CORE_API LeaksCounter {
     /// Records two texts in the registry: what is watched, in English and in Russian. Null is taken as empty.
     static void setTerm(const wchar* english, const wchar* russian);
 
+    /// Returns the name, borrowed from the maker of the entry.
     [[nodiscard]] const char* name() const noexcept { return name_; }
+    /// Returns the table of names, borrowed from the maker of the entry; null when there is none.
     [[nodiscard]] const wchar* const* names() const noexcept { return names_; }
 
   private:
@@ -93,15 +101,15 @@ class CORE_API LeaksCounter {
 
 /// One line of the leak report.
 struct LiveClass {
-    std::string name;
-    std::int32_t count;
+    std::string name;   ///< of the class as it is written in C++, or of the entry
+    std::int32_t count; ///< living objects, 1 for an entry
 };
 
-/// The classes with living objects, by name, and the named entries that are still registered (count 1 each).
-/// Empty when everything is gone.
+/// Returns the classes with living objects and the entries that are still registered, in the order of their
+/// names; empty when everything is gone. Throws std::bad_alloc.
 [[nodiscard]] CORE_API std::vector<LiveClass> live_report();
 
-/// The two texts that setTerm recorded last.
+/// Returns the two texts that LeaksCounter::setTerm() recorded last, English and Russian.
 [[nodiscard]] CORE_API std::pair<wstring, wstring> leaks_term();
 
 } // namespace core

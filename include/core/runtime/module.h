@@ -50,9 +50,11 @@ class CORE_API SCOM_Module {
     void revokeAll(SCOM_Process* process) const;
 
     // inspect
-    /// The class table with its closing record; empty before initialize().
+    /// Returns the class table with its closing record, borrowed until cleanup(); empty before initialize().
     [[nodiscard]] std::span<const ClassRecord> classTable() const noexcept { return {table_.get(), size_}; }
+    /// Returns the message texts, borrowed from the maker of the module.
     [[nodiscard]] SCOM_ResourceBundle& resourceBundle() const noexcept { return bundle_; }
+    /// Returns what init() was given, null before.
     [[nodiscard]] ModuleHandle handle() const noexcept { return handle_; }
 
   private:
@@ -63,8 +65,8 @@ class CORE_API SCOM_Module {
     ModuleHandle handle_ = nullptr;
 };
 
-/// The modules that are initialised now, oldest first: how a process finds every declared class. Borrowed;
-/// whoever ends a module sees to it that no process still uses it. Safe on any thread.
+/// Returns the modules that are initialised now, oldest first: how a process finds every declared class. They
+/// are borrowed; the code that ends a module first ends the processes that use it. Threads: any.
 [[nodiscard]] CORE_API std::vector<SCOM_Module*> registered_modules();
 
 /// Returns the library's own module.

@@ -26,12 +26,13 @@ class IClassFactory : public IUnknown {
     ~IClassFactory() = default;
 };
 
-/// What every code of one process shares: its settings. Held by the process object.
+/// What all code of one process shares. Held by the process object.
 class SCOM_ProcessData : private LiveObjectTrackerImpl<SCOM_ProcessData> {
   public:
-    Settings settings;
+    Settings settings; ///< changed by the host before other threads work in the process, only read later
 };
 
+/// How a process holds its data.
 using SCOM_ProcessDataPtr = CountedPtr<SCOM_ProcessData, ExtrinsicRefcount<SCOM_ProcessData, AtomicCounter>>;
 
 /// The host's process object: it keeps class factories, makes objects by class id and answers its own
@@ -48,38 +49,38 @@ class SCOM_Process : public IUnknown {
                                std::int32_t attributes) = 0;
     /// Forgets the factory of a class; unknown ids are ignored.
     virtual void revokeClass(const GUID& clsid) = 0;
-    /// A new object of the class, to be queried for the interface that is needed; null
-    /// when no factory is registered.
+    /// Returns a new object of the class, to be queried for the interface that is needed. Null when no
+    /// factory is registered; throws what the class's constructor throws.
     [[nodiscard]] virtual InterfacePtr<IUnknown> createInstance(const GUID& clsid) = 0;
     /// Offers, as the service `iid`, one object of class `clsid`, made when it is first asked for.
     virtual void registerService(const GUID& iid, const GUID& clsid) = 0;
     /// Told once, before the classes of a module are revoked, which bundle its messages come from.
     virtual void revokeResources(SCOM_ResourceBundle* bundle) = 0;
-    /// The data of the process, borrowed.
+    /// Returns the data of the process, borrowed: valid as long as the process.
     [[nodiscard]] virtual SCOM_ProcessData* data() noexcept = 0;
 
   protected:
     ~SCOM_Process() = default;
 };
 
-/// The process that has adopted the calling thread, borrowed; null when none has.
+/// Returns the process that has adopted the calling thread, borrowed; null when none has.
 [[nodiscard]] CORE_API SCOM_Process* current_process() noexcept;
-/// The data of that process, or null.
+/// Returns the data of the calling thread's process, borrowed; null without a process.
 [[nodiscard]] CORE_API SCOM_ProcessData* current_process_data() noexcept;
 /// Makes `process` (borrowed, null for none) the process of the calling thread and returns the one before.
 /// Has no effect while the library is not attached.
 CORE_API SCOM_Process* adopt_thread(SCOM_Process* process) noexcept;
 
-/// A new object of a class in the current process, queried for `T`; null without a
-/// process, a factory or a `T`.
+/// Returns a new object of a class in the current process, queried for `T`. Null without a process, a factory
+/// or a `T`; throws what the class's constructor throws.
 template <Interface T>
 [[nodiscard]] InterfacePtr<T> create_object(const GUID& clsid) {
     SCOM_Process* const process = current_process();
     return process != nullptr ? process->createInstance(clsid).query<T>() : InterfacePtr<T>();
 }
 
-/// The service that offers `T` in the current process, or null. Borrowed: it stays valid while the process
-/// holds the service, and is not to be released.
+/// Returns the service that offers `T` in the current process, or null. It is borrowed: valid while the
+/// process holds the service, and not to be released.
 template <Interface T>
 [[nodiscard]] T* get_service() noexcept {
     SCOM_Process* const process = current_process();

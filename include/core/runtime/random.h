@@ -18,13 +18,13 @@ class CORE_API RandomSource {
     virtual void fill(std::span<std::byte> bytes) = 0;
 };
 
-/// The source in use: the system's, unless replaced.
+/// Returns the source in use, borrowed: the system's, unless it was replaced.
 [[nodiscard]] CORE_API RandomSource& current_random() noexcept;
-/// Puts `source` (not owned; null restores the system's) in place and returns the one
-/// before, null for the system's.
+/// Makes `source` the source in use; null restores the system's. It is not owned and must live until it is
+/// replaced. Returns the source before, null for the system's.
 CORE_API RandomSource* replace_random(RandomSource* source) noexcept;
 
-/// A new random id (version 4).
+/// Returns a new random id (version 4).
 [[nodiscard]] CORE_API GUID new_guid();
 
 } // namespace core

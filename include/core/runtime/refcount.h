@@ -38,11 +38,13 @@ struct AtomicCounter {
     }
 };
 
-/// A base with one count that starts at 0. It deletes nothing by itself: whoever is told 0 does.
+/// A base with one count that starts at 0. It deletes nothing: the caller of release() that gets 0 does.
 template <class T, class Counter = AtomicCounter>
 class Refcountable : private LiveObjectTrackerImpl<T> {
   public:
+    /// Adds one holder; returns the new count.
     std::int32_t acquire() noexcept { return Counter::increment(count_); }
+    /// Takes one holder away; returns the new count. The caller that gets 0 owns the object alone.
     [[nodiscard]] std::int32_t release() noexcept { return Counter::decrement(count_); }
 
     using LiveObjectTrackerImpl<T>::liveCount;
@@ -61,12 +63,14 @@ class Refcountable : private LiveObjectTrackerImpl<T> {
 /// Policy: the count is inside the object, which is `new`-allocated and has acquire() and release().
 template <class T>
 struct IntrinsicRefcount {
+    /// Adds one holder to `object`, which must not be null.
     static void acquire(T* object) noexcept { object->acquire(); }
+    /// Takes one holder away from `object`, which must not be null, and destroys it when that was the last.
     static void release(T* object) noexcept {
         if (object->release() == 0)
             deallocate(object);
     }
-    /// Destroys and frees without looking at the count; null is ignored.
+    /// Destroys and frees `object` without looking at the count; null is ignored.
     static void deallocate(T* object) noexcept {
         static_assert(!std::is_polymorphic_v<T> || std::has_virtual_destructor_v<T> || std::is_final_v<T>);
         delete object;
@@ -77,7 +81,8 @@ struct IntrinsicRefcount {
 /// the object's own alignment. Objects are made by allocate().
 template <class T, class Counter = AtomicCounter>
 struct ExtrinsicRefcount {
-    /// A new object with count 0. Throws what the allocation or the constructor throws, keeping nothing.
+    /// Returns a new object with count 0. Throws what the allocation or the constructor throws, keeping
+    /// nothing.
     template <class... Args>
     [[nodiscard]] static T* allocate(Args&&... args) {
         auto* const block = static_cast<std::byte*>(::operator new(kOffset + sizeof(T), kAlignment));
@@ -89,7 +94,9 @@ struct ExtrinsicRefcount {
             throw;
         }
     }
+    /// Adds one holder to `object`, which must not be null.
     static void acquire(T* object) noexcept { Counter::increment(count(object)); }
+    /// Takes one holder away from `object`, which must not be null, and destroys it when that was the last.
     static void release(T* object) noexcept {
         if (Counter::decrement(count(object)) == 0)
             deallocate(object);
@@ -101,6 +108,7 @@ struct ExtrinsicRefcount {
         object->~T();
         ::operator delete(reinterpret_cast<std::byte*>(object) - kOffset, kAlignment);
     }
+    /// Returns the count of `object`, valid as long as the object.
     [[nodiscard]] static std::int32_t& count(T* object) noexcept {
         return *std::launder(
             reinterpret_cast<std::int32_t*>(reinterpret_cast<std::byte*>(object) - sizeof(std::int32_t)));
@@ -118,10 +126,12 @@ template <class T, class Self, class Policy>
 class SmartPtrBase {
   public:
     SmartPtrBase() = default;
+    /// Adds one holder to `object`; null is allowed.
     SmartPtrBase(T* object) noexcept : object_(object) { acquire(); }
     SmartPtrBase(const SmartPtrBase& other) noexcept : object_(other.object_) { acquire(); }
     SmartPtrBase(SmartPtrBase&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
     ~SmartPtrBase() { release(); }
+    /// Releases what it holds and takes over what `other` holds.
     SmartPtrBase& operator=(SmartPtrBase other) noexcept {
         std::swap(object_, other.object_);
         return *this;
@@ -133,9 +143,13 @@ class SmartPtrBase {
             Policy::acquire(object_);
     }
 
+    /// Returns the object, borrowed: valid as long as it has a holder. May be null.
     [[nodiscard]] T* get() const noexcept { return object_; }
+    /// Returns the object, which must not be null.
     T* operator->() const noexcept { return object_; }
+    /// Returns the object, which must not be null.
     T& operator*() const noexcept { return *object_; }
+    /// Whether it holds an object.
     explicit operator bool() const noexcept { return object_ != nullptr; }
     friend bool operator==(const SmartPtrBase& a, const SmartPtrBase& b) noexcept {
         return a.object_ == b.object_;
@@ -150,8 +164,8 @@ class SmartPtrBase {
     T* object_ = nullptr;
 };
 
-/// Puts `source`, a pointer of the same kind or a plain one, in the place of what `target` holds, which is
-/// released. Works when both are the same.
+/// Makes `target` hold `source`, a pointer of the same kind or a plain one, and releases what it held. Both
+/// may be the same.
 template <class T, class Self, class Policy>
 void assign(SmartPtrBase<T, Self, Policy>& target, const std::type_identity_t<Self>& source) noexcept {
     static_cast<Self&>(target) = source;
@@ -170,6 +184,7 @@ class CountedPtr : public SmartPtrBase<T, CountedPtr<T, Policy>, Policy> {
   public:
     using SmartPtrBase<T, CountedPtr, Policy>::SmartPtrBase;
 
+    /// Returns the only holder of a new object. Throws what the allocation or the constructor throws.
     template <class... Args>
     [[nodiscard]] static CountedPtr make(Args&&... args) {
         return CountedPtr(Policy::allocate(std::forward<Args>(args)...));

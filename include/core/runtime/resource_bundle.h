@@ -19,15 +19,17 @@ namespace core {
 /// Threads: all operations may be called from any thread. What they return stays valid until cleanup().
 class CORE_API SCOM_ResourceBundle {
   public:
+    /// Makes the bundle called `name`; nothing is opened yet.
     explicit SCOM_ResourceBundle(const char* name);
     SCOM_ResourceBundle(const SCOM_ResourceBundle&) = delete;
     SCOM_ResourceBundle& operator=(const SCOM_ResourceBundle&) = delete;
     ~SCOM_ResourceBundle();
 
-    /// The text under `id` in the bundle of `locale` (or its language, or the root), with its length in code
-    /// units; null when there is none.
+    /// Returns the text under `id` in the bundle of `locale`, or its language, or the root, and stores its
+    /// length in code units. Null when there is none. Throws std::bad_alloc.
     [[nodiscard]] const wchar* getString(const char* id, const Locale& locale, unsigned& length);
-    /// The bytes under `id`, in the same way; empty when there are none.
+    /// Returns the bytes under `id`, looked for in the same bundles; empty when there are none. Throws
+    /// std::bad_alloc.
     [[nodiscard]] std::span<const std::byte> getBinary(const char* id, const Locale& locale);
 
     /// Closes the opened bundles; harmless when there are none.
@@ -43,8 +45,8 @@ class CORE_API SCOM_ResourceBundle {
     std::map<std::string, Opened> opened_; // by Locale::key
 };
 
-/// The text under `id` in the calling thread's resource locale; empty for a null
-/// bundle or id or a missing text.
+/// Returns the text under `id` in the calling thread's resource locale; empty for a null bundle, a null id
+/// and a missing text.
 [[nodiscard]] CORE_API wstring load_wstring(SCOM_ResourceBundle* bundle, const char* id);
 
 } // namespace core

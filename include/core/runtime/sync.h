@@ -21,7 +21,7 @@ class IMutex : public IUnknown {
     virtual void lock() = 0;
     /// False, at once, when another thread holds the lock.
     virtual bool tryLock() = 0;
-    /// For the thread that holds it, once for each time it was locked.
+    /// Unlocks it. The calling thread holds it and calls this once for each time that it locked it.
     virtual void unlock() = 0;
 
   protected:
@@ -32,9 +32,13 @@ class IMutex : public IUnknown {
 class IRWMutex : public IUnknown {
   public:
     static constexpr GUID IID = "0b3a7bd9-4e91-447c-95aa-79ac0f060b5d"_guid;
+    /// Waits until the calling thread may read: until no thread writes.
     virtual void lockRead() = 0;
+    /// Ends the reading of the calling thread.
     virtual void unlockRead() = 0;
+    /// Waits until the calling thread may write: until no other thread reads or writes.
     virtual void lockWrite() = 0;
+    /// Ends the writing of the calling thread.
     virtual void unlockWrite() = 0;
 
   protected:
@@ -45,16 +49,17 @@ class IRWMutex : public IUnknown {
 class ISemaphore : public IUnknown {
   public:
     static constexpr GUID IID = "898a8253-bc72-4070-8c63-3e2df24696e9"_guid;
-    /// Waits until a signal can be taken, at most `timeout`; false when none came. Zero looks and does not
-    /// wait; a century and more is for ever.
+    /// Waits until there is a signal, at most `timeout`; false when none came. Zero does not wait; a century
+    /// and more is for ever.
     virtual bool wait(std::chrono::milliseconds timeout) = 0;
+    /// Gives one signal.
     virtual void signal() = 0;
 
   protected:
     ~ISemaphore() = default;
 };
 
-/// May be locked again by the thread that holds it.
+/// A lock that the thread which holds it may lock again.
 class IMutexImpl final : public IUnknownImpl<IMutexImpl, IMutex> {
   public:
     void lock() override { mutex_.lock(); }
@@ -65,6 +70,7 @@ class IMutexImpl final : public IUnknownImpl<IMutexImpl, IMutex> {
     std::recursive_mutex mutex_;
 };
 
+/// The lock of many readers or one writer.
 class IRWMutexSimpleImpl final : public IUnknownImpl<IRWMutexSimpleImpl, IRWMutex> {
   public:
     void lockRead() override { mutex_.lock_shared(); }
@@ -108,9 +114,9 @@ class SemaphoreBase : public IUnknownImpl<Impl, ISemaphore> {
 
 } // namespace detail
 
-/// Each signal lets one waiting thread through.
+/// A semaphore whose signals each let one waiting thread through.
 class ISemaphoreImpl final : public detail::SemaphoreBase<ISemaphoreImpl, false> {};
-/// Once signalled, it lets everybody through.
+/// A semaphore that lets every thread through once it was signalled.
 class ISemaphoreOneTimeImpl final : public detail::SemaphoreBase<ISemaphoreOneTimeImpl, true> {};
 
 } // namespace core

@@ -11,13 +11,15 @@ namespace core {
 /// The calling thread.
 class CORE_API Thread {
   public:
-    /// The locale of the messages shown to this thread's user. Until one is set, that
-    /// of the process's settings.
+    /// Returns the locale of the messages shown to this thread's user. Until one is set, it is the locale of
+    /// the process's settings.
     [[nodiscard]] static Locale getResourceLocale();
+    /// Sets the locale of the messages shown to this thread's user, until the thread ends.
     static void setResourceLocale(const Locale& locale);
 
-    /// Waits, by the library's clock.
+    /// Waits for at least `time`, by the library's clock.
     static void sleep(std::chrono::milliseconds time);
+    /// Waits for at least that many milliseconds, by the library's clock.
     static void sleep(std::int64_t milliseconds) { sleep(std::chrono::milliseconds(milliseconds)); }
 };
 
