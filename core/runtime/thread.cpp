@@ -5,12 +5,15 @@
 #include <core/runtime/settings.h>
 #include <core/runtime/thread.h>
 
+#include <memory>
+
 namespace core {
 namespace {
 
+/// The locale of this thread, made when it is first set.
 Locale& own_locale() {
-    thread_local Locale locale;
-    return locale;
+    thread_local const auto locale = std::make_unique<Locale>();
+    return *locale;
 }
 
 } // namespace

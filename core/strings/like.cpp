@@ -5,7 +5,7 @@
 #include <core/strings/compare.h>
 #include <core/strings/like.h>
 
-#include <optional>
+#include <memory>
 
 namespace core {
 
@@ -22,10 +22,10 @@ bool matches_like(wstring_view text, wstring_view pattern, wchar escape, LikeCas
     constexpr std::size_t kLongestKept = 256;
     if (pattern.size() > kLongestKept)
         return LikeProgram(pattern, escape, letterCase).matches(text);
-    thread_local std::optional<LikeProgram> kept;
-    if (!kept || kept->escape() != escape || kept->letterCase() != letterCase ||
+    thread_local std::unique_ptr<const LikeProgram> kept;
+    if (kept == nullptr || kept->escape() != escape || kept->letterCase() != letterCase ||
         compare(kept->pattern(), pattern) != 0)
-        kept.emplace(pattern, escape, letterCase);
+        kept = std::make_unique<const LikeProgram>(pattern, escape, letterCase);
     return kept->matches(text);
 }
 

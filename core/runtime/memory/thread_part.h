@@ -29,6 +29,11 @@ struct ThreadPart {
     ThreadPart* next = nullptr; // in the list of all parts
 };
 
+// Reached without a call. The loader has little room for such variables in a running program, and everything
+// that the library declares `thread_local` takes of it: large ones are kept behind a pointer.
+#if defined(__GLIBC__)
+[[gnu::tls_model("initial-exec")]]
+#endif
 extern constinit thread_local ThreadPart* own_part;
 
 /// Makes the calling thread's part; null when the thread is ending or there is no memory.
