@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/errors.h>
-
 // Concerns: bounds that differ between Insert and the others; what counts as an index; failed calls that
 // change nothing; making arrays from sizes and from each other; walks that nothing disturbs; letting go of
 // deep ones.
 #include "tests/collections/script.h"
+
+#include <core/runtime/errors.h>
 
 #include <random>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/values/errors.h>
-
 // JSON in and out: numbers to the digit, names and their order, what becomes a Structure and what a Map,
 // nesting to the limit, and malformed text with its place.
 #include "host/json/json_reader.h"
 #include "host/json/json_value.h"
 #include "tests/host/script_fixture.h"
+
+#include <core/values/errors.h>
 
 #include <random>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/errors.h>
-#include <core/runtime/module.h>
-
 // Memory that runs out at any point of what a script does: the statement fails with an error, and every
 // object is as it was before it.
 #include "tests/host/script_fixture.h"
 #include "tests/support/allocation_limit.h"
+
+#include <core/runtime/errors.h>
+#include <core/runtime/module.h>
 
 #include <unistd.h>
 

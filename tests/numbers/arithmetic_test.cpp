@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/numbers/errors.h>
-#include <core/numbers/settings.h>
-
 // Arithmetic beside the slow model on random operands across limb borders, and the corners of the rules for
 // division, remainder, rounding and powers.
 #include "tests/numbers/model.h"
+
+#include <core/numbers/errors.h>
+#include <core/numbers/settings.h>
 
 #include <gtest/gtest.h>
 

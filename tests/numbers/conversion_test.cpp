@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/numbers/errors.h>
-
 // Built-in types in and out: exactness, wrapping, and doubles that come back as they were.
 #include "tests/numbers/model.h"
+
+#include <core/numbers/errors.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/storage/errors.h>
-
 // What a damaged container holds: the caller gets an error that says so, in bounded time, and nothing more is
 // damaged.
 #include "tests/support/fault_container.h"
+
+#include <core/storage/errors.h>
 
 #include <filesystem>
 #include <string>

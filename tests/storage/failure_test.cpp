@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/files/errors.h>
-#include <core/storage/errors.h>
-
 // What the file below fails at: the caller gets an error that says so, and the committed state stays whole,
 // for those too who use the container at the same time.
 #include "tests/support/allocation_limit.h"
 #include "tests/support/fault_container.h"
+
+#include <core/files/errors.h>
+#include <core/storage/errors.h>
 
 #include <functional>
 #include <optional>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/files/errors.h>
-#include <core/storage/errors.h>
-
 // The parts of a container, each by itself: chains of blocks, the table of inner files, attributes, open
 // inner files. Together they read any container without the class that writes it.
 #include "tests/support/storage_fixture.h"
+
+#include <core/files/errors.h>
+#include <core/storage/errors.h>
 
 #include <cerrno>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/files/errors.h>
-#include <core/storage/errors.h>
-
 // A container in several hands: open inner files, other handles, threads.
 #include "tests/support/storage_crowd.h"
 #include "tests/support/storage_fixture.h"
+
+#include <core/files/errors.h>
+#include <core/storage/errors.h>
 
 #include <atomic>
 #include <stdexcept>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/files/errors.h>
-#include <core/storage/errors.h>
-
 // A container by itself: what it holds, what it refuses, and how it lies in its file.
 #include "tests/support/storage_fixture.h"
+
+#include <core/files/errors.h>
+#include <core/storage/errors.h>
 
 namespace core {
 namespace {

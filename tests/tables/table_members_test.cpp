@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/process.h>
-
 // Concerns: the method tables to the letter; rows, columns and indexes as scripts hold them, alive after they
 // are gone; the chooser.
 #include "tests/tables/table_fixture.h"
+
+#include <core/runtime/process.h>
 
 namespace {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/values/errors.h>
-
 // Concerns: the grammar of sort lists; the order of every kind of value; objects that compare, lie, throw or
 // change the table.
 #include "tests/tables/table_fixture.h"
+
+#include <core/values/errors.h>
 
 #include <functional>
 #include <random>
