@@ -4,6 +4,7 @@
 #include "tests/lists/streams.h"
 
 #include <core/lists/list_scanner.h>
+#include <core/runtime/guid.h>
 #include <core/strings/char_class.h>
 
 #include <random>

@@ -3,9 +3,12 @@
 // and read, and the way through a process from one module to another.
 #include <core/files/errors.h>
 #include <core/lists/errors.h>
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
 #include <core/locales/errors.h>
 #include <core/numbers/errors.h>
 #include <core/persistence/errors.h>
+#include <core/persistence/persistence.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/exception_object.h>
 #include <core/runtime/process.h>
