@@ -206,6 +206,7 @@ TEST(Process, StartsWholeOrNotAtAll) {
             }
             EXPECT_EQ(core::current_process(), nullptr) << allowed;
             EXPECT_TRUE(core::core_module().classTable().empty()) << "attached after failure " << allowed;
+            EXPECT_EQ(core::leaks_term().first, u"") << "still attached after failure " << allowed;
         }).join();
     }
 }

@@ -323,4 +323,24 @@ TEST(Guid, TextRoundTripsAndOtherTextIsRefused) {
     EXPECT_NE(new_guid(), new_guid());
 }
 
+TEST(Guid, NewOnesAreRandomInEveryBitButThoseThatSaySo) {
+    GUID any{};
+    GUID every{0xFFFFFFFF, 0xFFFF, 0xFFFF, {255, 255, 255, 255, 255, 255, 255, 255}};
+    for (int i = 0; i < 100; ++i) {
+        const GUID id = new_guid();
+        any.data1 |= id.data1;
+        every.data1 &= id.data1;
+        any.data3 |= id.data3;
+        every.data3 &= id.data3;
+        any.data4[0] |= id.data4[0];
+        every.data4[0] &= id.data4[0];
+    }
+    EXPECT_EQ(any.data1, 0xFFFFFFFFU);
+    EXPECT_EQ(every.data1, 0U);
+    EXPECT_EQ(any.data3, 0x4FFF); // version 4
+    EXPECT_EQ(every.data3, 0x4000);
+    EXPECT_EQ(any.data4[0], 0xBF); // variant 10
+    EXPECT_EQ(every.data4[0], 0x80);
+}
+
 } // namespace

@@ -129,6 +129,45 @@ TEST(Module, AProcessThatCannotTakeItsClassesLeavesTheThreadAlone) {
     EXPECT_EQ(current_process(), nullptr);
 }
 
+TEST(Module, EachClassIsRegisteredWithWhatItsOwnDeclarationSays) {
+    struct Recorder : IUnknownImpl<Recorder, SCOM_Process> {
+        struct Class {
+            GUID clsid;
+            std::int32_t threading;
+            std::int32_t attributes;
+            bool operator==(const Class&) const = default;
+        };
+        std::vector<Class> classes;
+
+        void registerClass(const GUID& clsid, IClassFactory* factory, std::int32_t threading,
+                           std::int32_t attributes) override {
+            EXPECT_NE(factory, nullptr);
+            classes.push_back({clsid, threading, attributes});
+        }
+        void revokeClass(const GUID&) override { classes.pop_back(); }
+        InterfacePtr<IUnknown> createInstance(const GUID&) override { return {}; }
+        void registerService(const GUID&, const GUID&) override {}
+        void revokeResources(SCOM_ResourceBundle*) override {}
+        SCOM_ProcessData* data() noexcept override { return nullptr; }
+    };
+    ClassEntry second{.record = detail::class_record<Greeter>(kTwiceClass, "Greeter", false, nullptr),
+                      .threading = 3,
+                      .attributes = 4};
+    ClassEntry first{.record = detail::class_record<Greeter>(kGreeterClass, "Greeter", false, nullptr),
+                     .threading = 1,
+                     .attributes = 2,
+                     .next = &second};
+    ClassEntry* const entries = &first;
+    SCOM_ResourceBundle bundle("nothing");
+    SCOM_Module module(entries, bundle);
+    module.initialize();
+    Recorder process;
+    module.registerAll(&process);
+    EXPECT_EQ(process.classes, (std::vector<Recorder::Class>{{kGreeterClass, 1, 2}, {kTwiceClass, 3, 4}}));
+    module.revokeAll(&process);
+    EXPECT_TRUE(process.classes.empty());
+}
+
 TEST(Registry, AProcessMakesObjectsAndOffersServicesUntilTheyAreRevoked) {
     TestModule test;
     test.module.init(nullptr);
