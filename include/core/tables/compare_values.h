@@ -5,11 +5,14 @@
 
 namespace core {
 
-/// An object that says how values are ordered: given to a sort, it stands in for the order of values.
+/// An object that says how values are ordered. A sort that is given one uses it instead of the order of
+/// values.
 class ICompareValues : public IUnknown {
   public:
+    /// The id of the interface.
     static constexpr GUID IID = "8a0538da-3cdf-4570-ae01-a9a1c2d6638a"_guid;
-    /// Negative, 0 or positive. What it throws ends the sort, with nothing sorted.
+    /// Returns a negative number when `a` comes before `b`, 0 when they are equal, and a positive number
+    /// otherwise. An exception ends the sort, with nothing sorted.
     [[nodiscard]] virtual int compare(const Value& a, const Value& b) = 0;
 
   protected:

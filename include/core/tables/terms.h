@@ -3,76 +3,135 @@
 
 #include <core/strings/term.h>
 
-/// The names by which scripts know tables, trees and lists; the names that all collections share stand in
-/// core/collections/terms.h.
+/// The names by which scripts know tables, trees and lists, English and Russian. The names that all
+/// collections share are in core/collections/terms.h.
 namespace core {
 
 // types
+
+/// The type of a value table.
 inline constexpr Term kValueTableTerm = {u"ValueTable", u"ТаблицаЗначений"};
+/// The type of the columns of a table or a tree, all together.
 inline constexpr Term kValueTableColumnCollectionTerm = {u"ValueTableColumnCollection",
                                                          u"КоллекцияКолонокТаблицыЗначений"};
+/// The type of one column.
 inline constexpr Term kValueTableColumnTerm = {u"ValueTableColumn", u"КолонкаТаблицыЗначений"};
+/// The type of the indexes of a table, all together.
 inline constexpr Term kValueTableIndexCollectionTerm = {u"CollectionIndexes", u"ИндексыКоллекции"};
+/// The type of one index.
 inline constexpr Term kValueTableIndexTerm = {u"CollectionIndex", u"ИндексКоллекции"};
+/// The type of a row of a table.
 inline constexpr Term kValueTableRowTerm = {u"ValueTableRow", u"СтрокаТаблицыЗначений"};
+/// The type of a value tree.
 inline constexpr Term kValueTreeTerm = {u"ValueTree", u"ДеревоЗначений"};
+/// The type of the rows of a tree below one row, or of the topmost ones.
 inline constexpr Term kValueTreeRowCollectionTerm = {u"ValueTreeRowCollection",
                                                      u"КоллекцияСтрокДереваЗначений"};
+/// The type of a row of a tree.
 inline constexpr Term kValueTreeRowTerm = {u"ValueTreeRow", u"СтрокаДереваЗначений"};
+/// The type of a value list.
 inline constexpr Term kValueListTerm = {u"ValueList", u"СписокЗначений"};
+/// The type of an item of a value list.
 inline constexpr Term kValueListItemTerm = {u"ValueListItem", u"ЭлементСпискаЗначений"};
 
 // properties of tables, trees, columns and rows
+
+/// The columns of a table or a tree.
 inline constexpr Term kColumnCollectionTerm = {u"Columns", u"Колонки"};
+/// The indexes of a table.
 inline constexpr Term kIndexCollectionTerm = {u"Indexes", u"Индексы"};
+/// The rows of a tree, or those below a row.
 inline constexpr Term kRowCollectionTerm = {u"Rows", u"Строки"};
+/// The name of a column.
 inline constexpr Term kCodePropTerm = {u"Name", u"Имя"};
+/// The type description of a column or a list.
 inline constexpr Term kTypePropTerm = {u"ValueType", u"ТипЗначения"};
+/// The text that a user reads above a column.
 inline constexpr Term kTitlePropTerm = {u"Title", u"Заголовок"};
+/// The width of a column in characters.
 inline constexpr Term kWidthPropTerm = {u"Width", u"Ширина"};
+/// The row of a tree that a row is below.
 inline constexpr Term kParentPropTerm = {u"Parent", u"Родитель"};
 
 // methods of tables, trees and rows
+
+/// Gives the table or tree of a row.
 inline constexpr Term kOwnerMethodTerm = {u"Owner", u"Владелец"};
+/// Finds the first row with a value.
 inline constexpr Term kFindMethodTerm = {u"Find", u"Найти"};
+/// Finds all rows that meet a filter.
 inline constexpr Term kFindRowsMethodTerm = {u"FindRows", u"НайтиСтроки"};
+/// Adds up the numbers of a column.
 inline constexpr Term kTotalMethodTerm = {u"Total", u"Итог"};
+/// Sorts the rows by columns.
 inline constexpr Term kSortMethodTerm = {u"Sort", u"Сортировать"};
+/// Fills a column from an array.
 inline constexpr Term kLoadColumnMethodTerm = {u"LoadColumn", u"ЗагрузитьКолонку"};
+/// Gives the values of a column as an array.
 inline constexpr Term kUnloadColumnMethodTerm = {u"UnloadColumn", u"ВыгрузитьКолонку"};
+/// Copies rows and columns to a new table.
 inline constexpr Term kCopyMethodTerm = {u"Copy", u"Скопировать"};
+/// Copies columns alone to a new table.
 inline constexpr Term kCopyColumnsMethodTerm = {u"CopyColumns", u"СкопироватьКолонки"};
+/// Collapses rows by columns, with totals.
 inline constexpr Term kGroupByMethodTerm = {u"GroupBy", u"Свернуть"};
+/// Puts one value into all rows.
 inline constexpr Term kFillValuesMethodTerm = {u"FillValues", u"ЗаполнитьЗначения"};
+/// Lets the user choose a row.
 inline constexpr Term kSelectRowMethodTerm = {u"ChooseRow", u"ВыбратьСтроку"};
+/// Fills an object from a table.
 inline constexpr Term kLoadMethodTerm = {u"Load", u"Загрузить"};
+/// Gives the content of an object as a table.
 inline constexpr Term kUnloadMethodTerm = {u"Unload", u"Выгрузить"};
+/// Gives the columns of an object as a table.
 inline constexpr Term kUnloadColumnsMethodTerm = {u"UnloadColumns", u"ВыгрузитьКолонки"};
 
 // the direction in a sort's column list
+
+/// Smallest values first.
 inline constexpr Term kOrderingDirectionAscTerm = {u"Asc", u"Возр"};
+/// Largest values first.
 inline constexpr Term kOrderingDirectionDescTerm = {u"Desc", u"Убыв"};
 
 // properties of list items
+
+/// The value of an item.
 inline constexpr Term kVLColumnTermValue = {u"Value", u"Значение"};
+/// The text that a user reads for an item.
 inline constexpr Term kVLColumnTermPresent = {u"Presentation", u"Представление"};
+/// The check mark of an item.
 inline constexpr Term kVLColumnTermCheck = {u"Check", u"Пометка"};
+/// The picture of an item.
 inline constexpr Term kVLColumnTermPicture = {u"Picture", u"Картинка"};
 
 // methods of lists
+
+/// Finds the first item with a value.
 inline constexpr Term kValListTermFindValue = {u"FindByValue", u"НайтиПоЗначению"};
+/// Sorts the items by their values.
 inline constexpr Term kValListTermSort = {u"SortByValue", u"СортироватьПоЗначению"};
+/// Sorts the items by their presentations.
 inline constexpr Term kValListTermSortByPresent = {u"SortByPresentation", u"СортироватьПоПредставлению"};
+/// Lets the user choose an item.
 inline constexpr Term kValListTermChooseValue = {u"ChooseItem", u"ВыбратьЭлемент"};
+/// Lets the user set the check marks.
 inline constexpr Term kValListTermCheckValues = {u"CheckItems", u"ОтметитьЭлементы"};
+/// Gives the values as an array.
 inline constexpr Term kValListTermUnload = {u"UnloadValues", u"ВыгрузитьЗначения"};
+/// Replaces the items by the values of an array.
 inline constexpr Term kValListTermLoad = {u"LoadValues", u"ЗагрузитьЗначения"};
+/// Copies the list.
 inline constexpr Term kValListTermCopy = {u"Copy", u"Скопировать"};
+/// Sets or clears all check marks.
 inline constexpr Term kValListTermFillChecks = {u"FillChecks", u"ЗаполнитьПометки"};
 
 // the enumeration of directions
+
+/// The enumeration itself.
 inline constexpr Term kSortTypesTerm = {u"SortDirection", u"НаправлениеСортировки"};
+/// Its value for smallest values first.
 inline constexpr Term kSortTypesAscending = {u"Asc", u"Возр"};
+/// Its value for largest values first.
 inline constexpr Term kSortTypesDescending = {u"Desc", u"Убыв"};
 
 } // namespace core

@@ -6,11 +6,14 @@
 
 namespace core {
 
-/// A type description at work: a pattern, and what it makes of values. Equality and threads as the pattern.
+/// A type description at work: a pattern, and what it makes of values. It is compared as the pattern is.
+/// Threads: several readers or one writer.
 class CORE_API TypeDomain : private TypeDomainPattern {
   public:
     using TypeDomainPattern::TypeDomainPattern;
+    /// Makes a description that admits every value.
     TypeDomain() = default;
+    /// Makes a description of a pattern.
     explicit TypeDomain(TypeDomainPattern pattern) noexcept : TypeDomainPattern(std::move(pattern)) {}
 
     using TypeDomainPattern::addType;
@@ -24,30 +27,33 @@ class CORE_API TypeDomain : private TypeDomainPattern {
     using TypeDomainPattern::setStringQualifiers;
     using TypeDomainPattern::stringQualifiers;
     using TypeDomainPattern::types;
+    /// Admits from now on what either of the two admits. Throws nothing but std::bad_alloc.
     void merge(const TypeDomain& other) { TypeDomainPattern::merge(other); }
+    /// Returns the pattern, valid as long as the description.
     [[nodiscard]] const TypeDomainPattern& pattern() const noexcept { return *this; }
     using TypeDomainPattern::hash;
+    /// Says whether the patterns are equal.
     friend bool operator==(const TypeDomain& a, const TypeDomain& b) noexcept {
         return a.pattern() == b.pattern();
     }
 
     // defaults
-    /// The type of the set when it is the only one, else that of Undefined. TypeException when
-    /// that type is not registered.
+    /// Returns the type of the set when it is the only one, else that of Undefined. Throws TypeException when
+    /// the only type is not registered.
     [[nodiscard]] Type defaultType() const;
-    /// What is stored where there is nothing to store: false, 0, the empty string, the empty
-    /// date, the type of Undefined, Null, each adjusted to its qualifiers, when theirs is the
-    /// only type; Undefined otherwise.
+    /// Returns what is stored where nothing is given. When the set holds one type alone that is false, 0, the
+    /// empty string filled up to its fixed length, the empty date, the type of Undefined, or Null. In every
+    /// other case it is Undefined. Throws ConverterException where StringQualifiers::adjust() does.
     [[nodiscard]] GenericValue defaultValue() const;
 
     // adjust
     /// Says whether the value is of one of the types and its qualifiers leave it as it is. Costs next to
     /// nothing.
     [[nodiscard]] bool fits(const Value& value) const noexcept;
-    /// Returns the value itself when it fits. A value of one of the types is adjusted to its qualifiers. Any
-    /// other is converted to Number, Date, String or Boolean, the first of them that is in the set and
-    /// of which the value has a reading, and adjusted; without one, and for Undefined and Null, it
-    /// gives way to the default value.
+    /// Returns the value itself when it fits, and a value of one of the types adjusted to its qualifiers. Any
+    /// other value is converted to Number, Date, String or Boolean, the first of them that is in the set and
+    /// of which the value has a reading, and then adjusted. Without such a reading, and for Undefined and
+    /// Null, the default value is returned. Throws what the qualifiers throw.
     [[nodiscard]] GenericValue adjust(GenericValue value) const {
         return fits(value) ? std::move(value) : adjusted(value);
     }
@@ -63,10 +69,11 @@ class CORE_API TypeDomain : private TypeDomainPattern {
     [[nodiscard]] GenericValue converted(const Value& value) const;
 };
 
-/// The text of the pattern. Reading fails as TypeDomainPattern::deserialize does.
+/// Writes the pattern. Throws as TypeDomainPattern::serialize() does.
 inline void to_stream(ListOutStream& out, const TypeDomain& domain) {
     domain.pattern().serialize(out);
 }
+/// Reads a pattern. Throws as TypeDomainPattern::deserialize() does; the description is then unchanged.
 inline void from_stream(ListInStream& in, TypeDomain& domain) {
     TypeDomainPattern pattern;
     pattern.deserialize(in);
