@@ -26,6 +26,18 @@ class Lists : public script::Test {
         const auto context = object.query<IContext_>();
         context->setPropVal(context->findProp(name), value);
     }
+    /// Sorts a list and the items that it is to have.
+    static void sort(const Value& list, std::vector<GenericValue>& items, bool byValue, bool down) {
+        const wchar* const key = byValue ? u"Value" : u"Presentation";
+        Arguments arguments;
+        if (down || byValue) // ascending when left out
+            arguments.push_back(direction(down ? u"Убыв" : u"Asc"));
+        call(list, byValue ? u"SortByValue" : u"SortByPresentation", arguments);
+        std::stable_sort(items.begin(), items.end(), [&](const Value& a, const Value& b) {
+            const int order = compare_values(property(a, key), property(b, key));
+            return down ? order > 0 : order < 0;
+        });
+    }
     static GenericValue direction(const wchar* name) {
         const Enumeration& directions = sort_types();
         GenericValue value;
@@ -134,17 +146,7 @@ TEST_F(Lists, BehaveAsAVectorOfItems) {
             ASSERT_TRUE(
                 call(list, u"FindByValue", {value}).equals(found != items.end() ? *found : GenericValue()));
         } else if (action == 8 && below(20) == 0) {
-            const bool byValue = below(2) == 0;
-            const wchar* const key = byValue ? u"Value" : u"Presentation";
-            const bool down = below(2) == 0;
-            Arguments arguments;
-            if (down || below(2) == 0)
-                arguments.push_back(direction(down ? u"Убыв" : u"Asc"));
-            call(list, byValue ? u"SortByValue" : u"SortByPresentation", arguments);
-            std::stable_sort(items.begin(), items.end(), [&](const Value& a, const Value& b) {
-                const int order = compare_values(property(a, key), property(b, key));
-                return down ? order > 0 : order < 0;
-            });
+            sort(list, items, below(2) == 0, below(2) == 0);
         } else if (action == 9 && below(100) == 0) {
             call(list, u"FillChecks", {true});
             for (const GenericValue& item : items)
