@@ -293,10 +293,11 @@ class Table {
         const Numeric half = Numeric(static_cast<int>(below(13)) - 6) / 2;
         return below(40) == 0 ? GenericValue(half * Numeric(10).pow(below(50))) : GenericValue(half);
     }
-    /// Texts that begin alike, and that differ in case alone.
+    /// Texts that begin alike, that differ in case alone, and that the locale takes for equal.
     GenericValue textValue() {
-        const auto letter = static_cast<wchar>((below(2) == 0 ? u'a' : u'A') + below(4));
-        return (below(2) == 0 ? wstring(u"name ") : wstring(u"a name that is longer than a word ")) + letter;
+        static constexpr const wchar* kEnds[] = {u"a", u"A", u"b", u"é", u"e\u0301", u"e\u00AD"};
+        return (below(2) == 0 ? wstring(u"name ") : wstring(u"a name that is longer than a word ")) +
+               kEnds[below(6)];
     }
     GenericValue anything() {
         const auto small = static_cast<int>(below(6));
