@@ -3,7 +3,7 @@
 
 /// Script objects that are no collections: binary data, enumerations and their values, the global functions.
 #include <core/context.h>
-#include <core/context/errors.h>
+#include <core/lists/errors.h>
 #include <core/objects/binary_data.h>
 #include <core/objects/core_general_context.h>
 #include <core/objects/enumeration.h>

@@ -11,6 +11,7 @@
 
 #include <filesystem>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -190,6 +191,23 @@ TEST_F(Allocation, ContainersStayWhole) {
     const std::string load = "V = LoadFromContainer" + name + ");";
     check({{prepare.c_str(), save.c_str()}, {prepare.c_str(), load.c_str()}});
     std::filesystem::remove(file);
+}
+
+TEST(ClassFactory, IsWholeOrNull) {
+    const core::ClassRecord record;
+    std::vector<core::InterfacePtr<core::IUnknown>> made(100'000);
+    void* factory = &factory;
+    {
+        const test::AllocationLimit limit(0); // what the thread keeps still serves some
+        for (auto& kept : made) {
+            if (core::create_class_factory(record, core::IClassFactory::IID, &factory) != core::kOk)
+                break;
+            kept = core::InterfacePtr<core::IUnknown>::adopt(static_cast<core::IClassFactory*>(factory));
+            factory = &factory;
+        }
+    }
+    EXPECT_FALSE(made.back());
+    EXPECT_EQ(factory, nullptr);
 }
 
 TEST(Process, StartsWholeOrNotAtAll) {

@@ -20,15 +20,27 @@ struct Block {
     unsigned char mark;
 };
 
+Block allocate_one(std::size_t size, unsigned char mark) {
+    auto* const bytes =
+        static_cast<unsigned char*>(core::detail::allocate_counted(size, core::live_counter<Block>));
+    std::fill_n(bytes, size, mark);
+    return {size, bytes, mark};
+}
+
+/// Blocks of one size, `total` bytes of them.
+std::vector<Block> allocate_of(std::size_t total, std::size_t size) {
+    std::vector<Block> blocks;
+    for (std::size_t i = 0; i < total / size; ++i)
+        blocks.push_back(allocate_one(size, static_cast<unsigned char>(i)));
+    return blocks;
+}
+
 std::vector<Block> allocate_many(std::size_t count, unsigned seed) {
     std::mt19937 random(seed);
     std::vector<Block> blocks;
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t size = random() % 300;
-        auto* const bytes =
-            static_cast<unsigned char*>(core::detail::allocate_counted(size, core::live_counter<Block>));
-        blocks.push_back({size, bytes, static_cast<unsigned char>(random())});
-        std::fill_n(bytes, size, blocks.back().mark);
+        blocks.push_back(allocate_one(size, static_cast<unsigned char>(random())));
     }
     std::shuffle(blocks.begin(), blocks.end(), random);
     return blocks;
@@ -74,6 +86,12 @@ TEST(Blocks, BelongToOneOwnerWhicheverThreadFreesThemAndGoBackToTheSystem) {
         EXPECT_EQ(core::live_counter<Block>.count(), 0);
     }
     EXPECT_LT(bytes_in_use(), before + kKept);
+
+    // What is kept serves the next ones.
+    const std::size_t idle = bytes_in_use();
+    std::vector<Block> next = allocate_of(std::size_t{8} << 20, 256);
+    EXPECT_LT(bytes_in_use(), idle + (std::size_t{4} << 20));
+    EXPECT_EQ(free_many(next), 0U);
 }
 
 } // namespace

@@ -40,7 +40,7 @@ inline constexpr std::size_t kBlockSizes = 16;   // blocks of 16, 32, ... 256 by
 /// them from chunks of memory, each for one size, and gives a chunk back to the system when all its blocks
 /// are free; a few it keeps, because fresh pages cost as much as the work that is done on them.
 ///
-/// `size` is the place of a size among kBlockSizes.
+/// `size` is the index of a size among kBlockSizes.
 void fetch_blocks(std::size_t size, FreeList& list); ///< of an empty list; throws std::bad_alloc
 void return_blocks(std::size_t size, FreeList blocks) noexcept;
 

@@ -14,23 +14,23 @@ namespace core {
 
 /// What the runtime may do with a LiveCounter.
 struct LiveCounterAccess {
-    /// The counter's place in every thread's part.
+    /// The counter's index in every thread's part.
     static std::int32_t index(LiveCounter& counter) noexcept {
         const std::int32_t index = std::atomic_ref(counter.index_).load(std::memory_order_acquire);
         return index != 0 ? index : join(counter);
     }
     static void add(LiveCounter& counter, std::int32_t change, detail::ThreadPart* part) noexcept {
-        const std::int32_t place = index(counter);
-        if (part == nullptr || place >= detail::ThreadPart::kMaxCounters) {
+        const std::int32_t at = index(counter);
+        if (part == nullptr || at >= detail::ThreadPart::kMaxCounters) {
             std::atomic_ref(counter.outside_).fetch_add(change, std::memory_order_relaxed);
             return;
         }
         // Only this thread writes its part, so no locked instruction is needed.
-        const std::atomic_ref own(part->live[static_cast<std::size_t>(place)]);
+        const std::atomic_ref own(part->live[static_cast<std::size_t>(at)]);
         own.store(own.load(std::memory_order_relaxed) + change, std::memory_order_relaxed);
     }
 
-    /// Enters the counter into the list of all and gives it its place, once.
+    /// Enters the counter into the list of all and gives it its index, once.
     static std::int32_t join(LiveCounter& counter) noexcept;
     static std::int32_t count(LiveCounter& counter);
     static void foldPart(LiveCounter& counter, const detail::ThreadPart& part) noexcept;
@@ -53,7 +53,7 @@ inline constexpr bool kPooled = true;
 inline constexpr bool kPooled = true;
 #endif
 
-/// The place of a size among those of blocks; kBlockSizes and above are not pooled.
+/// The index of a size among those of blocks; kBlockSizes and above are not pooled.
 inline std::size_t block_size_index(std::size_t size) noexcept {
     return size == 0 ? 0 : (size - 1) / kBlockGranule;
 }

@@ -19,7 +19,7 @@ using detail::ThreadPart;
 
 namespace {
 
-/// All counters that have a place, newest first.
+/// All counters that have an index, newest first.
 constinit LiveCounter* first_counter = nullptr;
 constinit std::int32_t last_index = 0;
 
@@ -59,8 +59,8 @@ std::int32_t LiveCounterAccess::count(LiveCounter& counter) {
 }
 
 void LiveCounterAccess::foldPart(LiveCounter& counter, const ThreadPart& part) noexcept {
-    if (const std::int32_t place = index(counter); place < ThreadPart::kMaxCounters)
-        std::atomic_ref(counter.outside_).fetch_add(part.live[static_cast<std::size_t>(place)]);
+    if (const std::int32_t at = index(counter); at < ThreadPart::kMaxCounters)
+        std::atomic_ref(counter.outside_).fetch_add(part.live[static_cast<std::size_t>(at)]);
 }
 
 namespace {

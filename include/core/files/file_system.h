@@ -27,7 +27,7 @@ using FileWriter = std::function<void(IFile&)>;
 /// The operations on files whose URLs begin with one scheme.
 ///
 /// Patterns may hold "*" and "?" in the last part of the path (anywhere in the name of an inner file).
-/// Errors: FileException or StorageException with the URL. Threads: any.
+/// Errors: FileException, or what the scheme throws for its own files; both hold the URL. Threads: any.
 class CORE_API IFileScheme : public IUnknown {
   public:
     static constexpr GUID IID = "2185a724-1877-4ba9-8d3d-2e66ef631d03"_guid;

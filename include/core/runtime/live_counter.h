@@ -40,7 +40,7 @@ class CORE_API LiveCounter {
     void add(std::int32_t change) noexcept;
 
     const std::type_info* type_;
-    std::int32_t index_ = 0; // this counter's place in every thread's part; 0 until the first object is made
+    std::int32_t index_ = 0; // this counter's index in every thread's part; 0 until the first object is made
     std::int32_t outside_ = 0; // what no thread's part holds; changed atomically
     LiveCounter* next_ = nullptr;
 };

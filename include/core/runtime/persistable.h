@@ -38,8 +38,8 @@ class IOutPersistenceStorage : public IUnknown {
     /// storage.
     [[nodiscard]] virtual Nesting& nesting() noexcept = 0;
     /// Writes the body of a failure: the description, `fields` in their order, then the class id and the body
-    /// of the cause when it is a persistable object. Throws ListStreamException when causes stand in causes
-    /// too deeply.
+    /// of the cause when it is a persistable object. Throws what the carrier throws, also when causes stand
+    /// in causes too deeply.
     virtual void putFailure(const Exception& failure, std::span<const FailureField> fields) = 0;
 
   protected:
@@ -57,8 +57,8 @@ class IInPersistenceStorage : public IUnknown {
     /// Returns how deep the body being read stands in other bodies, borrowed: valid as long as the storage.
     [[nodiscard]] virtual Nesting& nesting() noexcept = 0;
     /// Reads what putFailure() wrote. Each of `fields` is read as the type that it holds already. A cause of
-    /// a class that the current process does not make ends the chain. Throws ListStreamException for anything
-    /// else than such a body; `fields` are then partly read.
+    /// a class that the current process does not make ends the chain. Throws what the carrier throws for
+    /// anything else than such a body; `fields` are then partly read.
     [[nodiscard]] virtual StoredFailure getFailure(std::span<FailureField> fields) = 0;
 
   protected:
@@ -76,7 +76,7 @@ class IPersistableObject : public IUnknown {
     [[nodiscard]] virtual const GUID& getCLSID() const noexcept = 0;
     /// Writes the object's body, one element of a list, to `storage`. Throws what the storage throws.
     virtual void serialize(IOutPersistenceStorage* storage) const = 0;
-    /// Takes the state from a body. Throws ListStreamException for a malformed body; the object is then
+    /// Takes the state from a body. Throws what the carrier throws for a malformed one; the object is then
     /// unchanged.
     virtual void deserialize(IInPersistenceStorage* storage) = 0;
 
