@@ -67,9 +67,11 @@ TEST_F(AdjustedCells, AreStoredCopiedSavedAndReadBackAsTheyAre) {
         table->appendRow({});
         table->set(1, column, value);
         const GenericValue tableValue(table.query<IValue>());
-        for (const GenericValue& same : {tableValue, call(tableValue, u"Copy"), read_back(tableValue)}) {
-            EXPECT_EQ(same.query<IValueTable>()->get(0, 0), expected);
-            EXPECT_EQ(same.query<IValueTable>()->get(1, 0), expected);
+        const GenericValue same = create_type_description(domain);
+        assign(property(property(tableValue, u"Columns"), u"A"), u"ValueType", same);
+        for (const GenericValue& copy : {tableValue, call(tableValue, u"Copy"), read_back(tableValue)}) {
+            EXPECT_EQ(copy.query<IValueTable>()->get(0, 0), expected);
+            EXPECT_EQ(copy.query<IValueTable>()->get(1, 0), expected);
         }
 
         const GenericValue tree = create_value_tree();
@@ -82,8 +84,9 @@ TEST_F(AdjustedCells, AreStoredCopiedSavedAndReadBackAsTheyAre) {
         const GenericValue list = make(u"ValueList");
         assign(list, u"ValueType", create_type_description(domain));
         call(list, u"Add", {value});
-        for (const GenericValue& same : {list, call(list, u"Copy"), read_back(list)})
-            EXPECT_EQ(property(call(same, u"Get", {0}), u"Value"), expected);
+        assign(list, u"ValueType", same);
+        for (const GenericValue& copy : {list, call(list, u"Copy"), read_back(list)})
+            EXPECT_EQ(property(call(copy, u"Get", {0}), u"Value"), expected);
     }
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 using Form = CellColumn::Form;
 
-/// What a dictionary may always hold, and the part of the rows up to which it saves memory and time.
+/// A dictionary saves memory and time up to one value for so many rows; the first values are always free.
 constexpr std::size_t kFreeCodes = 4096;
 constexpr std::size_t kRowsPerCode = 4;
 
@@ -19,8 +19,7 @@ std::uint64_t hash_word(std::uint64_t word) noexcept {
     return table_hash_step(table_hash_seed(), word);
 }
 
-/// Values that stand for themselves: what they are does not change, and keeping them
-/// keeps nothing else alive.
+/// Says whether a dictionary may hold a value: it does not change, and keeping it keeps nothing else alive.
 bool is_codable(const Value& value) noexcept {
     switch (value.kind()) {
     case ValueKind::number:
@@ -45,7 +44,7 @@ constexpr std::array<std::int64_t, Numeric::kMaxScale + 1> kTens = [] {
     return tens;
 }();
 
-/// A whole number as a word of some scale.
+/// Returns a whole number as a word of some scale; none when it does not fit.
 std::optional<std::int64_t> scaled_whole(std::int64_t whole, std::uint32_t scale) noexcept {
     const std::int64_t largest = std::numeric_limits<std::int64_t>::max() / kTens[scale];
     return whole <= largest && whole >= -largest ? std::optional(whole * kTens[scale]) : std::nullopt;
@@ -76,7 +75,7 @@ Value CellColumn::get(RowId row) const {
     return scale_ == 0 ? Value(words_[row]) : Value(Numeric::fromScaled(words_[row], scale_));
 }
 
-/// The word of a value in a column of words; none when the form cannot hold it.
+/// Returns the word of a value in a column of words; none when the form cannot hold it.
 std::optional<std::int64_t> CellColumn::wordOf(const Value& value) const noexcept {
     if (value.isUndefined())
         return kEmptyWord;
@@ -147,7 +146,7 @@ void CellColumn::grow(std::size_t size) {
 
 bool CellColumn::exchange(RowId row, Value& value) {
     if (form_ != Form::values)
-        return put(row, value); // the cell holds no object, whatever it holds
+        return put(row, value); // no such form holds objects
     swap(values_[row], value);
     return false;
 }
@@ -219,8 +218,8 @@ bool CellColumn::putWord(RowId row, const Value& value) {
     return putInForm(Form::values, 0, row, value);
 }
 
-/// Changes the form from that of Undefined cells to one of words, or from any to values,
-/// and then puts the value in.
+/// Changes the form of a column of Undefined cells to a form of words, or any form to values, and then puts
+/// the value in.
 bool CellColumn::putInForm(Form form, std::uint32_t scale, RowId row, const Value& value) {
     if (form != Form::values) {
         CellColumn plain(form, scale, nullptr);
@@ -236,7 +235,7 @@ bool CellColumn::putInForm(Form form, std::uint32_t scale, RowId row, const Valu
     return true;
 }
 
-/// Makes all words those of a larger scale. False, with nothing changed, when one would not fit.
+/// Multiplies all words to a larger scale. Returns false, with nothing changed, when one would not fit.
 bool CellColumn::rescale(std::uint32_t scale) {
     if (scale > Numeric::kMaxScale)
         return false;

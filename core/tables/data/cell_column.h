@@ -14,22 +14,24 @@
 
 namespace core {
 
-/// A value as the cells of one column keep theirs: what a search compares with. Borrows the value.
+/// A value in the form that the cells of one column have: what a search compares with them. The value is
+/// borrowed.
 struct CellProbe {
-    bool possible = false; ///< whether any cell can equal it
-    std::int64_t word = 0; ///< in columns of plain cells
+    bool possible = false; ///< whether a cell can equal it
+    std::int64_t word = 0; ///< in columns of words or codes
     const Value* value = nullptr;
 };
 
 /// The cells of one column, by row id, in the plainest form that holds them all. A column begins in the form
-/// `coded` and changes its form when a value is written that the form cannot hold: a column of prices costs
-/// eight bytes a row, one of a thousand names four. Reading makes a value of a cell.
+/// `coded` and changes its form when a value is written that the form cannot hold. A column of prices costs
+/// eight bytes a row, one of a thousand names four. Reading a cell makes a value of it.
 ///
-///  1. numbers: words_[row] × 10^-scale(). dates: words_[row] ticks. In both, kEmptyWord is Undefined.
-///  2. coded: codes_[row] is the value's code in the dictionary; 0 is Undefined. Holds what stands for
-///     itself: strings, Booleans, types, Null. Given up when the dictionary saves nothing.
-///  3. values: values_[row], anything.
-///  4. Only the store of the form has elements.
+///  1. numbers: a cell is words_[row] × 10^-scale(). dates: it is words_[row] ticks. In both, kEmptyWord is
+///     Undefined.
+///  2. coded: codes_[row] is the value's code in the dictionary, and 0 is Undefined. The form holds strings,
+///     Booleans, types and Null. It is given up when the dictionary saves nothing.
+///  3. values: values_[row] holds anything.
+///  4. Only the vector of the form has elements.
 class CellColumn {
   public:
     enum class Form : std::uint8_t { coded, numbers, dates, values };
@@ -44,11 +46,11 @@ class CellColumn {
     [[nodiscard]] std::uint32_t scale() const noexcept { return scale_; }
     [[nodiscard]] const ValueDictionary& dictionary() const noexcept { return *dictionary_; }
     [[nodiscard]] Value get(RowId row) const;
-    /// The cells in their form; empty in any other.
+    /// The cells of each form; empty for a form that the column does not have.
     [[nodiscard]] std::span<const std::int64_t> words() const noexcept { return words_; }
     [[nodiscard]] std::span<const Code> codes() const noexcept { return codes_; }
     [[nodiscard]] std::span<const Value> values() const noexcept { return values_; }
-    /// Calls `work` with those of the form it has.
+    /// Calls `work` with the cells of the form that the column has.
     template <class Work>
     decltype(auto) visit(Work work) const {
         switch (form_) {
@@ -65,28 +67,28 @@ class CellColumn {
     [[nodiscard]] CellProbe probe(const Value& value) const noexcept;
     [[nodiscard]] bool matches(RowId row, const CellProbe& probe) const noexcept;
     [[nodiscard]] bool equal(RowId a, RowId b) const noexcept;
-    /// Equal for equal cells of this column, as long as its form stays.
+    /// Equal cells of this column have equal hashes as long as its form stays.
     [[nodiscard]] std::uint64_t hash(RowId row) const noexcept;
     [[nodiscard]] std::uint64_t hash(const CellProbe& probe) const noexcept;
 
-    // modify: an operation that throws leaves all values as they were
-    /// Makes cells for the rows below `size`; new ones are Undefined.
+    // modify; if an operation throws, all values are as they were
+    /// Makes cells for the rows below `size`. New cells are Undefined.
     void grow(std::size_t size);
-    /// Puts a value into a cell. `value` receives what the cell held, where that could be an
-    /// object: for the caller to let go of when nothing is left half done. True when the form has
-    /// changed, and hashes with it.
+    /// Puts a value into a cell. If the cell could hold an object, `value` receives what it held; the caller
+    /// lets go of that when nothing is left half done. Returns whether the form has changed, and hashes with
+    /// it.
     bool exchange(RowId row, Value& value);
     /// Does the same for the first rows of an order, as many as there are values; each receives what its cell
     /// held.
     void exchange(const RowOrder& rows, std::span<Value> values);
-    /// Puts a value into a cell that holds Undefined. True when the form has changed.
+    /// Puts a value into a cell that holds Undefined. Returns whether the form has changed.
     bool put(RowId row, const Value& value);
-    /// As many cells as rows, filled with one value.
+    /// Replaces all cells by `size` cells with one value.
     void fill(std::size_t size, const Value& value);
-    /// The cells of the rows, in their order, as a column of its own.
+    /// Returns the cells of the rows, in their order, as another column.
     [[nodiscard]] CellColumn copy(RowRange rows) const;
-    /// The same, leaving this column without cells, for rows none of which comes twice: `room` is what
-    /// makeRoom() of this column gave for as many rows, so nothing can fail.
+    /// Puts the cells into the order of the rows, none of which comes twice. `room` is what makeRoom() of
+    /// this column returned for as many rows, so nothing can fail.
     void take(std::span<const RowId> rows, CellColumn&& room) noexcept;
     [[nodiscard]] CellColumn makeRoom(std::size_t size) const;
 

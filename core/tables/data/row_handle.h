@@ -22,7 +22,7 @@ class RowHandle {
     [[nodiscard]] const InterfacePtr<IValue>& owner() const noexcept { return owner_; }
     [[nodiscard]] TableData& data() const noexcept { return data_; }
     [[nodiscard]] bool isDeleted() const noexcept { return row_ == kNoRow; }
-    /// ContextException ("IDS_VT_UNKNOWN_ROW_ERROR") when the row has been deleted.
+    /// Returns the row. Throws ContextException ("IDS_VT_UNKNOWN_ROW_ERROR") when it has been deleted.
     [[nodiscard]] RowId row() const;
 
   private:

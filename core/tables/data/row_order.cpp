@@ -8,7 +8,7 @@
 namespace core {
 namespace {
 
-/// The lowest one bit of a place in the tree of sums.
+/// Returns the lowest one bit of an index into the tree of sums.
 std::size_t low_bit(std::size_t i) noexcept {
     return i & (0 - i);
 }
@@ -29,7 +29,7 @@ RowId RowOrder::at(std::size_t position) const noexcept {
 std::size_t RowOrder::positionOf(RowId row) const noexcept {
     if (plain_)
         return row;
-    const RowChunk& chunk = *placeOf(row);
+    const RowChunk& chunk = *chunkRef(row);
     const auto offset = std::find(chunk.rows.begin(), chunk.rows.end(), row) - chunk.rows.begin();
     return rowsBefore(chunk.position) + static_cast<std::size_t>(offset);
 }
@@ -51,13 +51,13 @@ void RowOrder::insert(std::size_t position, RowId row) {
     }
     if (plain_)
         unfold();
-    if (places_->size() <= row)
-        places_->resize(std::size_t{row} + 1);
+    if (chunkOf_->size() <= row)
+        chunkOf_->resize(std::size_t{row} + 1);
     const Spot spot = makeRoom(position);
     RowChunk& chunk = *chunks_[spot.chunk];
     empty_ -= chunk.rows.empty() ? 1U : 0U;
     chunk.rows.insert(chunk.rows.begin() + signed_of(spot.offset), row);
-    placeOf(row) = &chunk;
+    chunkRef(row) = &chunk;
     count(spot.chunk, 1);
     ++size_;
 }
@@ -66,7 +66,7 @@ void RowOrder::erase(std::size_t position) {
     if (plain_ && position + 1 != size_)
         unfold();
     if (!plain_) {
-        placeOf(at(position)) = nullptr;
+        chunkRef(at(position)) = nullptr;
         eraseAt(spotOf(position));
     }
     --size_;
@@ -78,7 +78,7 @@ void RowOrder::move(std::size_t from, std::size_t to) {
     if (plain_)
         unfold();
     const RowId row = at(from);
-    // The new place first: only making that can fail.
+    // Inserted first: only that can fail.
     insert(to > from ? to + 1 : to, row);
     eraseAt(spotOf(to > from ? from : from + 1));
     --size_;
@@ -87,7 +87,7 @@ void RowOrder::move(std::size_t from, std::size_t to) {
 void RowOrder::clear() noexcept {
     for (const auto& chunk : chunks_) {
         for (const RowId row : chunk->rows)
-            placeOf(row) = nullptr;
+            chunkRef(row) = nullptr;
     }
     chunks_.clear();
     sums_.clear();
@@ -97,7 +97,7 @@ void RowOrder::clear() noexcept {
 
 void RowOrder::makePlain(std::size_t count) noexcept {
     clear();
-    *places_ = RowPlaces(); // given back
+    *chunkOf_ = ChunksByRow(); // given back
     plain_ = true;
     size_ = count;
 }
@@ -109,7 +109,7 @@ void RowOrder::reorder(std::span<const RowId> rows) {
         const auto mine = rows.first(chunk->rows.size());
         std::copy(mine.begin(), mine.end(), chunk->rows.begin());
         for (const RowId row : mine)
-            placeOf(row) = chunk.get();
+            chunkRef(row) = chunk.get();
         rows = rows.subspan(mine.size());
     }
 }
@@ -142,17 +142,17 @@ void RowOrder::unfold() {
         std::iota(rows.begin(), rows.end(), static_cast<RowId>(first));
     }
     std::vector<std::uint32_t> sums(chunks.size());
-    if (places_->size() < size_)
-        places_->resize(size_);
+    if (chunkOf_->size() < size_)
+        chunkOf_->resize(size_);
     for (std::size_t row = 0; row < size_; ++row)
-        placeOf(static_cast<RowId>(row)) = chunks[row / kFill].get();
+        chunkRef(static_cast<RowId>(row)) = chunks[row / kFill].get();
     chunks_.swap(chunks);
     sums_.swap(sums);
     renumber(0);
     plain_ = false;
 }
 
-/// Where a row for the position goes, in a chunk that has room for it.
+/// Returns the spot for a row that is to have the position, in a chunk with room for it.
 RowOrder::Spot RowOrder::makeRoom(std::size_t position) {
     const bool last = position == size_;
     Spot spot = last ? Spot{chunks_.size() - 1, 0} : spotOf(position);
@@ -167,13 +167,13 @@ RowOrder::Spot RowOrder::makeRoom(std::size_t position) {
         full.rows.reserve(std::clamp<std::size_t>(2 * full.rows.size(), 4, kChunk));
     if (full.rows.size() < kChunk)
         return spot;
-    // Rows that come at the end one by one shall fill their chunks.
+    // Rows that are appended one by one fill their chunks.
     const std::size_t kept = last ? kChunk : kChunk / 2;
     RowChunk& added = addChunk(spot.chunk + 1);
     added.rows.assign(full.rows.begin() + signed_of(kept), full.rows.end());
     empty_ -= added.rows.empty() ? 0U : 1U;
     for (const RowId row : added.rows)
-        placeOf(row) = &added;
+        chunkRef(row) = &added;
     full.rows.resize(kept);
     renumber(spot.chunk);
     return spot.offset < kept ? spot : Spot{spot.chunk + 1, spot.offset - kept};

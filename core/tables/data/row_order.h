@@ -9,50 +9,50 @@
 
 namespace core {
 
-/// Names a row, an item, a node of a table for as long as it is there; the place of its cells.
+/// The number of a row or of a list's item for as long as it is there. Cells are stored by it.
 using RowId = std::uint32_t;
 inline constexpr RowId kNoRow = ~RowId{0};
 
-/// A run of neighbouring rows of one order.
+/// Some neighbouring rows of one order.
 struct RowChunk {
     std::uint32_t position = 0; // among the chunks of its order
     std::vector<RowId> rows;
 };
 
-/// Where each row stands: the chunk that holds it. Shared by all orders over one set of ids, each of which is
-/// in one order at the most.
-using RowPlaces = std::vector<RowChunk*>;
+/// The chunk that holds each row, or null. All orders over one set of ids share it; a row is in one of them
+/// at the most.
+using ChunksByRow = std::vector<RowChunk*>;
 
-/// Rows in an order of their own: by position and back, inserted and removed anywhere, in
-/// logarithmic time or practically so.
+/// An order of rows: finds the row at a position and the position of a row, inserts and removes anywhere, all
+/// in practically logarithmic time.
 ///
 ///  1. While rows 0, 1, 2, ... have only been appended and taken from the end, the order is plain: a count,
 ///     and nothing else.
-///  2. Otherwise the rows stand in chunks of up to kChunk of them, each of which knows its position among
-///     them; empty_ of them, less than half, are empty. places[row] is the chunk of every row.
+///  2. Otherwise the rows are in chunks of up to kChunk rows, each of which knows its position among
+///     them; empty_ of them, less than half, are empty. chunkOf_ has the chunk of every row.
 ///  3. With several chunks, sums_ is a tree over their sizes (Fenwick's): sums_[i] counts the rows of the
 ///     chunks that end at i and begin behind i without its lowest one bit, all counted from 1.
 ///
-/// An operation that throws has changed nothing.
+/// If an operation throws, nothing has changed.
 class RowOrder {
   public:
-    /// `places` is kept by address. A plain order is one over ids that nobody else uses.
-    explicit RowOrder(RowPlaces& places, bool plain) noexcept : places_(&places), plain_(plain) {}
+    /// Keeps the address of `chunkOf`. A plain order is the only one over its ids.
+    explicit RowOrder(ChunksByRow& chunkOf, bool plain) noexcept : chunkOf_(&chunkOf), plain_(plain) {}
 
     // inspect
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
-    /// Whether the row at each position has the position as its id.
+    /// Says whether the row at each position has the position as its id.
     [[nodiscard]] bool isPlain() const noexcept { return plain_; }
     [[nodiscard]] RowId at(std::size_t position) const noexcept;
-    /// Of a row that is in this order.
+    /// Returns the position of a row that is in this order.
     [[nodiscard]] std::size_t positionOf(RowId row) const noexcept;
-    /// Calls `work(row)` for every row in order until one answers false.
+    /// Calls `work(row)` for every row in order until it returns false.
     template <class Work>
     void walk(Work work) const;
     [[nodiscard]] std::vector<RowId> rows() const;
-    /// Whether the row is in this order, or in one that shares its places.
+    /// Says whether the row is in this order, or in another one over the same ids.
     [[nodiscard]] bool contains(RowId row) const noexcept {
-        return plain_ ? row < size_ : row < places_->size() && (*places_)[row] != nullptr;
+        return plain_ ? row < size_ : row < chunkOf_->size() && (*chunkOf_)[row] != nullptr;
     }
 
     // modify
@@ -63,7 +63,7 @@ class RowOrder {
     void clear() noexcept;
     /// Becomes the plain order of `count` rows.
     void makePlain(std::size_t count) noexcept;
-    /// The same rows in another order.
+    /// Puts the same rows into another order.
     void reorder(std::span<const RowId> rows);
 
   private:
@@ -84,9 +84,9 @@ class RowOrder {
     void count(std::size_t chunk, std::uint32_t change) noexcept;
     void renumber(std::size_t from) noexcept;
 
-    [[nodiscard]] RowChunk*& placeOf(RowId row) const noexcept { return (*places_)[row]; }
+    [[nodiscard]] RowChunk*& chunkRef(RowId row) const noexcept { return (*chunkOf_)[row]; }
 
-    RowPlaces* places_;
+    ChunksByRow* chunkOf_;
     std::vector<std::unique_ptr<RowChunk>> chunks_;
     std::vector<std::uint32_t> sums_;
     std::size_t size_ = 0;

@@ -5,10 +5,10 @@
 
 namespace core {
 
-/// Rows in an order, to be walked: those of an order, which must not change meanwhile, or of a list.
+/// Rows to go through in order: the first ones of a plain order, or those of a list, which is borrowed.
 class RowRange {
   public:
-    /// Rows 0 ... `count` - 1.
+    /// The rows from 0 to `count` - 1.
     explicit RowRange(std::size_t count) noexcept : count_(count), plain_(true) {}
     explicit RowRange(std::span<const RowId> rows) noexcept : count_(rows.size()), rows_(rows) {}
 

@@ -7,17 +7,17 @@ namespace core {
 
 class TableData;
 
-/// A walk over the rows that an order had when the walk began, without those deleted since. It copies nothing
-/// until the order is about to change.
+/// A walk over the rows that an order had when the walk began, without those deleted since. It copies them
+/// only when the order is about to change.
 class RowWalk {
   public:
-    /// The rows below `parent`, or the table's.
+    /// Walks over the rows below `parent`, or over those of the table.
     RowWalk(TableData& data, RowId parent);
     RowWalk(const RowWalk&) = delete;
     RowWalk& operator=(const RowWalk&) = delete;
     ~RowWalk();
 
-    /// The next row, or kNoRow at the end.
+    /// Returns the next row, or kNoRow at the end.
     [[nodiscard]] RowId next();
 
   private:

@@ -14,10 +14,10 @@ using ColumnId = std::int32_t;
 struct ColumnInfo {
     wstring name;
     TypeDomain domain;
-    wstring title; ///< empty: the name
+    wstring title; ///< empty for the name
     std::int32_t width = 0;
 
-    /// What a user reads.
+    /// Returns the title that a user reads.
     [[nodiscard]] const wstring& shownTitle() const noexcept { return title.empty() ? name : title; }
 };
 

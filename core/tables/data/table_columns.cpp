@@ -12,7 +12,7 @@ namespace core {
 
 std::optional<std::size_t> TableData::findColumn(wstring_view name) const {
     if (names_.size() == 0) {
-        NameTable names; // all of them or none
+        NameTable names; // complete before it is used
         names.reserve(static_cast<int>(columns_.size()));
         for (std::size_t i = 0; i < columns_.size(); ++i)
             names.add(columns_[i]->info.name, static_cast<int>(i));
@@ -23,7 +23,7 @@ std::optional<std::size_t> TableData::findColumn(wstring_view name) const {
 }
 
 std::optional<std::size_t> TableData::findColumn(ColumnId id) const noexcept {
-    const auto asMade = static_cast<std::size_t>(id); // where it stands unless columns have moved
+    const auto asMade = static_cast<std::size_t>(id); // its position unless columns have moved
     if (asMade < columns_.size() && columns_[asMade]->id == id)
         return asMade;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
@@ -51,7 +51,7 @@ TableColumn& TableData::insertColumn(std::size_t position, ColumnInfo info) {
     checkName(info.name, nullptr);
     auto column = std::make_unique<TableColumn>(nextColumn_, std::move(info));
     column->cells.fill(ids_, column->defaultValue);
-    // The last of many columns adds its name to those of the others: gathering all anew each time takes long.
+    // An appended column adds its name to those of the others: to gather all names each time takes long.
     const bool last = position == columns_.size();
     NameTable names = last ? std::exchange(names_, {}) : NameTable();
     if (names.size() != 0)
@@ -75,6 +75,8 @@ void TableData::renameColumn(TableColumn& column, wstring_view name) {
 }
 
 void TableData::setDomain(TableColumn& column, TypeDomain domain) {
+    if (domain == column.info.domain)
+        return; // the cells are adjusted to it; doing it again would cut those that rounding carried past it
     Value byDefault = domain.defaultValue();
     CellColumn cells;
     cells.grow(ids_);
@@ -124,7 +126,7 @@ void TableData::fill(std::span<const std::size_t> columns, const GenericValue& v
     std::vector<CellColumn> filled(columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
         filled[i].fill(ids_, columns_[columns[i]]->info.domain.adjust(value));
-        for (const RowId row : free_) { // what is not there holds no object
+        for (const RowId row : free_) { // a row that is not there holds no object
             Value undefined;
             filled[i].exchange(row, undefined);
         }

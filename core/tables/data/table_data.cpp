@@ -10,7 +10,7 @@
 namespace core {
 namespace {
 
-/// Room for `more` elements, in steps that keep adding them one by one cheap.
+/// Makes room for `more` elements, in steps that keep it cheap to add them one by one.
 template <class T>
 void make_room(std::vector<T>& elements, std::size_t more) {
     if (elements.capacity() - elements.size() < more)
@@ -20,7 +20,7 @@ void make_room(std::vector<T>& elements, std::size_t more) {
 } // namespace
 
 TableData::TableData(IValue& owner, bool tree)
-    : owner_(owner), tree_(tree), places_(std::make_unique<RowPlaces>()), rows_(*places_, !tree) {}
+    : owner_(owner), tree_(tree), chunks_(std::make_unique<ChunksByRow>()), rows_(*chunks_, !tree) {}
 
 TableData::~TableData() = default;
 
@@ -30,7 +30,7 @@ void TableData::replace(TableData& fresh) noexcept {
     columns_.swap(fresh.columns_);
     columnsChanged();
     indexes_.swap(fresh.indexes_);
-    places_.swap(fresh.places_);
+    chunks_.swap(fresh.chunks_);
     std::swap(rows_, fresh.rows_);
     nodes_.swap(fresh.nodes_);
     std::swap(ids_, fresh.ids_);
@@ -42,8 +42,8 @@ const RowOrder& TableData::rowsOf(RowId parent) const noexcept {
     if (parent == kNoRow)
         return rows_;
     static const RowOrder kNone = [] {
-        static RowPlaces places;
-        return RowOrder(places, false);
+        static ChunksByRow none;
+        return RowOrder(none, false);
     }();
     const auto& rows = nodes_[parent].rows;
     return rows ? *rows : kNone;
@@ -54,7 +54,7 @@ RowOrder& TableData::makeRowsOf(RowId parent) {
         return rows_;
     auto& rows = nodes_[parent].rows;
     if (!rows)
-        rows = std::make_unique<RowOrder>(*places_, false);
+        rows = std::make_unique<RowOrder>(*chunks_, false);
     return *rows;
 }
 
@@ -81,7 +81,7 @@ RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const V
         order.insert(position, row);
     } catch (...) {
         for (const auto& column : columns_) {
-            Value undefined; // what is not there holds no object
+            Value undefined; // a row that is not there holds no object
             if (row < column->cells.size())
                 column->cells.exchange(row, undefined);
         }
@@ -98,7 +98,7 @@ RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const V
     return row;
 }
 
-/// Fills the cells of a row that is not there yet, all of which are Undefined.
+/// Fills the cells, all Undefined, of a row that is not there yet.
 void TableData::putCells(RowId row, std::span<const Value> cells, CellSource source) {
     // Values lie anywhere in memory: their objects are fetched together, not one after the other.
     for (const Value& cell : cells)
@@ -176,8 +176,8 @@ void TableData::reorder(RowId parent, std::span<const RowId> rows) {
     ++version_;
 }
 
-/// Gives all rows of a table the ids in whose order they stand, so that reading a column
-/// is reading memory in order.
+/// Gives all rows of a table the ids 0, 1, 2, ... in their order, so that going through a column is going
+/// through memory.
 void TableData::renumber(std::span<const RowId> rows) {
     std::vector<CellColumn> room;
     room.reserve(columns_.size());
@@ -215,7 +215,8 @@ void TableData::regroup(std::span<GroupedColumn> columns, std::size_t count) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
         kept[i] = std::move(columns_[columns[i].position]);
         std::swap(kept[i]->info.domain, columns[i].domain);
-        std::swap(kept[i]->cells, columns[i].cells); // objects die with the caller's, when the table is whole
+        std::swap(kept[i]->cells,
+                  columns[i].cells); // the old cells die with the caller's, when the table is whole
     }
     columns_.swap(kept);
     for (const auto& gone : kept) {
@@ -279,8 +280,8 @@ void TableData::prepareRelease(std::size_t rows, std::vector<Value>& dying) {
     make_room(free_, rows);
 }
 
-/// Forgets rows that are in no order any more. Objects that die with their cells are left to the caller: they
-/// may look at this table.
+/// Forgets rows that are no longer in an order. Objects that die with their cells are left to the caller,
+/// because they may look at this table.
 void TableData::release(std::span<const RowId> rows, std::vector<Value>& dying) noexcept {
     for (const RowId row : rows) {
         for (const auto& index : indexes_)
@@ -317,7 +318,7 @@ void TableData::release(std::span<const RowId> rows, std::vector<Value>& dying) 
         rows_.makePlain(0);
 }
 
-/// Tells the walks over an order to keep what they still have to show.
+/// Makes the walks over an order keep the rows that they still have to show.
 void TableData::beforeReorder(const RowOrder& order) {
     for (RowWalk* const walk : walks_) {
         if (walk->order_ == &order)
@@ -325,7 +326,7 @@ void TableData::beforeReorder(const RowOrder& order) {
     }
 }
 
-/// All rows go, or are no longer what they were.
+/// Detaches the objects of all rows and ends all walks: the rows go, or are no longer what they were.
 void TableData::detachHandles() noexcept {
     for (RowHandle* const handle : handles_) {
         if (handle != nullptr)

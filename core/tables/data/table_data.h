@@ -16,28 +16,28 @@ namespace core {
 /// Where the cells of a new row come from.
 enum class CellSource {
     given, ///< from a caller: they are adjusted to their columns
-    stored ///< from stored data: they were adjusted once and are taken as they are
+    stored ///< from stored data: they were adjusted once, and are taken as they are
 };
 
-/// A column that stays when a table is grouped, with what it is to hold then.
+/// A column that stays when a table is grouped, with its description and its cells from then on.
 struct GroupedColumn {
     std::size_t position;
     TypeDomain domain;
     CellColumn cells;
 };
 
-/// What a value table or a value tree holds: columns, rows, indexes, and the objects
-/// that scripts hold of them.
+/// What a value table or a value tree holds: columns, rows, indexes, and the script objects made for them.
 ///
-///  1. A row is an id below ids_, for as long as it is there. Its cells are those of that id in every column.
-///  2. In a table the ids are in one order. In a tree each row has an order of its own for the rows below
-///     it; the topmost rows are in that of kNoRow.
+///  1. A row is an id below ids_ for as long as it is there. Its cells have that id in every column.
+///  2. In a table all rows are in one order. In a tree each row has an order for the rows below it; the
+///  topmost
+///     rows are in the order of kNoRow.
 ///  3. Ids of deleted rows are used again, but not while a walk may still hold them.
 ///
-/// An operation that throws has changed nothing. Threads: one at a time.
+/// If an operation throws, nothing has changed. Threads: one at a time.
 class TableData {
   public:
-    /// `owner` is the object that this is a part of.
+    /// `owner` is the object that this is a part of; it is kept by address.
     TableData(IValue& owner, bool tree);
     TableData(const TableData&) = delete;
     TableData& operator=(const TableData&) = delete;
@@ -47,7 +47,7 @@ class TableData {
     [[nodiscard]] bool isTree() const noexcept { return tree_; }
     /// Changes whenever columns or rows come, go or move.
     [[nodiscard]] std::uint64_t version() const noexcept { return version_; }
-    /// Exchanges columns, rows and indexes for those of data that no script holds anything of.
+    /// Exchanges columns, rows and indexes with data of which scripts hold no objects.
     void replace(TableData& fresh) noexcept;
 
     // columns, by position
@@ -59,13 +59,15 @@ class TableData {
     [[nodiscard]] std::optional<std::size_t> findColumn(wstring_view name) const;
     [[nodiscard]] std::optional<std::size_t> findColumn(ColumnId id) const noexcept;
     [[nodiscard]] std::size_t positionOf(const TableColumn& column) const noexcept;
-    /// ContextException: "IDS_VT_COLUMNCODE_ERROR" for what is no valid name, "IDS_VT_COLUMNS_NOT_UNIQUE" for
-    /// a name that another column has.
+    /// Inserts a column with the default of its description in every row. Throws ContextException:
+    /// "IDS_VT_COLUMNCODE_ERROR" for a name that is not valid, "IDS_VT_COLUMNS_NOT_UNIQUE" for a name that
+    /// another column has.
     TableColumn& insertColumn(std::size_t position, ColumnInfo info);
+    /// Throws as insertColumn() does.
     void renameColumn(TableColumn& column, wstring_view name);
-    /// Adjusts every cell to the description.
+    /// Replaces the description and adjusts every cell to it.
     void setDomain(TableColumn& column, TypeDomain domain);
-    /// Its indexes go, too.
+    /// Removes a column and the indexes over it.
     void removeColumn(std::size_t position) noexcept;
     void moveColumn(std::size_t from, std::size_t to) noexcept;
     void clearColumns() noexcept;
@@ -74,33 +76,34 @@ class TableData {
     [[nodiscard]] const RowOrder& rowsOf(RowId parent) const noexcept;
     [[nodiscard]] const RowOrder& rows() const noexcept { return rows_; }
     [[nodiscard]] RowId parentOf(RowId row) const noexcept { return tree_ ? nodes_[row].parent : kNoRow; }
-    /// The rows of a tree with all rows below them, each of which stands behind the one it is below.
+    /// Returns rows of a tree together with all rows below them; each row comes before those below it.
     [[nodiscard]] std::vector<RowId> withSubordinates(std::span<const RowId> rows) const;
-    /// How many rows there are at all levels.
+    /// Returns how many rows there are at all levels.
     [[nodiscard]] std::size_t rowCount() const noexcept { return count_; }
-    /// The id that the next row gets.
+    /// Returns the id that the next row gets.
     [[nodiscard]] RowId nextRow() const;
     /// Inserts a row with these cells; the others hold the defaults of their columns.
     RowId insertRow(RowId parent, std::size_t position, std::span<const Value> cells = {},
                     CellSource source = CellSource::given);
-    /// With the rows below it.
+    /// Removes a row with the rows below it.
     void removeRow(RowId parent, std::size_t position);
+    /// Removes all rows below a parent, with those below them.
     void removeRows(RowId parent);
     void moveRow(RowId parent, std::size_t from, std::size_t to);
-    /// The rows below the parent in another order.
+    /// Puts the rows below a parent into another order.
     void reorder(RowId parent, std::span<const RowId> rows);
-    /// Fills a table that has no columns yet, each of these having cells for `count` rows.
+    /// Fills a table that has no columns yet with columns that have `count` cells each.
     void assign(std::vector<std::unique_ptr<TableColumn>> columns, std::size_t count) noexcept;
     /// Replaces the table by some of its columns with other cells, `count` in each.
     void regroup(std::span<GroupedColumn> columns, std::size_t count);
 
     // cells
     [[nodiscard]] Value get(RowId row, std::size_t column) const { return columns_[column]->cells.get(row); }
-    /// Adjusts the value to the column's description.
+    /// Puts a value, adjusted to the column's description, into a cell.
     void set(RowId row, std::size_t column, GenericValue value);
-    /// The same for the rows below a parent, as far as there are rows and values.
+    /// Does the same for the rows below a parent, as far as there are rows and values.
     void load(RowId parent, std::size_t column, std::span<const Value> values);
-    /// The same for one value in all rows of a table and several columns.
+    /// Puts one value into all rows of a table in several columns.
     void fill(std::span<const std::size_t> columns, const GenericValue& value);
 
     // indexes
@@ -120,7 +123,7 @@ class TableData {
 
     struct Node {
         RowId parent = kNoRow;
-        std::unique_ptr<RowOrder> rows; // null for none
+        std::unique_ptr<RowOrder> rows; // null when there are none
     };
 
     void putCells(RowId row, std::span<const Value> cells, CellSource source);
@@ -144,13 +147,13 @@ class TableData {
     mutable NameTable names_; // of the columns; empty until it is needed
     std::vector<std::unique_ptr<TableIndex>> indexes_;
 
-    std::unique_ptr<RowPlaces> places_; // goes with its orders
+    std::unique_ptr<ChunksByRow> chunks_; // of all orders
     RowOrder rows_;
     std::vector<Node> nodes_; // of a tree, by row
     std::size_t ids_ = 0;
     std::size_t count_ = 0;
     std::vector<RowId> free_;
-    std::vector<RowHandle*> handles_; // by row; shorter than ids_ when there are none behind
+    std::vector<RowHandle*> handles_; // by row; may be shorter than ids_
     std::vector<RowWalk*> walks_;
 };
 

@@ -23,13 +23,13 @@ class TableHandle {
             part_->handle_ = nullptr;
     }
 
-    /// The object itself.
+    /// Returns the object itself.
     [[nodiscard]] IValue& self() const noexcept { return self_; }
     [[nodiscard]] const InterfacePtr<IValue>& owner() const noexcept { return owner_; }
     [[nodiscard]] TableData& data() const noexcept { return data_; }
-    /// Null when the part has been removed.
+    /// Returns the part, or null when it has been removed.
     [[nodiscard]] Part* part() const noexcept { return part_; }
-    /// The name that a removed part had last, so that an error can say what is gone.
+    /// Returns the name that a removed part had last, so that an error can say what is gone.
     [[nodiscard]] const wstring& lastName() const noexcept { return lastName_; }
     void setLastName(wstring name) noexcept { lastName_ = std::move(name); }
 

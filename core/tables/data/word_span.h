@@ -7,8 +7,8 @@
 
 namespace core {
 
-/// The words of some rows as distances from the smallest one, small numbers in the order of the words.
-/// Undefined, where there is any, comes before the smallest.
+/// The words of some rows as distances from the smallest one: small numbers in the order of the words.
+/// Undefined, if it occurs, is 0, before the smallest word.
 class WordSpan {
   public:
     WordSpan(RowRange rows, std::span<const std::int64_t> words) noexcept {

@@ -21,7 +21,7 @@ class IColumnObject : public IUnknown {
 inline constexpr GUID kValueTableColumnType = "f478813e-4087-4794-9832-ae7ae3aa98df"_guid;
 inline constexpr GUID kValueTableColumnCollectionType = "15e85ff8-27a9-4965-a502-6cd6294f8f84"_guid;
 
-/// The script object of a column: the one there is, or a new one.
+/// Returns the script object of a column: the one that scripts hold, or a new one.
 [[nodiscard]] GenericValue column_value(TableData& data, TableColumn& column);
 
 /// The columns of a table or a tree, as a part of that.

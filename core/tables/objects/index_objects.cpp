@@ -66,7 +66,7 @@ GenericValue index_value(TableData& data, TableIndex& index) {
     return Value(make_object<VTIndex>(data, index));
 }
 
-/// The position of an index that is given by its own or as an object.
+/// Returns the position of an index that is given by its position or as an object.
 std::size_t index_position(const TableData& data, const Value& argument) {
     const auto indexes = data.indexes();
     if (argument.kind() == ValueKind::number)

@@ -14,8 +14,8 @@ std::vector<RowCondition> filter_argument(const TableData& data, const Value& ar
     if (!structure)
         parameter_type_mismatch(param);
     std::vector<RowCondition> filter;
-    std::size_t place = 0;
-    for (IValuePairs::View pair; structure->next(place, pair);)
+    std::size_t position = 0;
+    for (IValuePairs::View pair; structure->next(position, pair);)
         filter.push_back({&data.column(column_named(data, *pair.key->asString())), pair.value});
     return filter;
 }
@@ -64,8 +64,8 @@ void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& co
         data.reorder(parent, sorted_rows(RowList(data, parent, false).range(), sort));
         return;
     }
-    // All orders are found before the first is changed, so that a failure leaves every row in its place. An
-    // object that compares may have changed the table: what was found is then worth nothing.
+    // All orders are found before the first is changed, so that a failure moves no row. An object that
+    // compares may have changed the table: the orders found are then worth nothing.
     const std::uint64_t version = data.version();
     std::vector<SortedRows> orders = {{parent, data.rowsOf(parent).rows()}};
     for (std::size_t i = 0; i < orders.size(); ++i) {

@@ -17,23 +17,23 @@
 
 namespace core {
 
-/// A filter: a structure of column names and wanted values, which are borrowed.
+/// Reads a filter from a structure of column names and wanted values; the values are borrowed from it.
 [[nodiscard]] std::vector<RowCondition> filter_argument(const TableData& data, const Value& argument,
                                                         int param);
-/// The values of an array.
+/// Returns the values of an array.
 [[nodiscard]] std::vector<Value> array_argument(const Value& argument, int param);
 [[nodiscard]] GenericValue array_of_rows(TableData& data, std::span<const RowId> rows);
 
 [[nodiscard]] GenericValue find_row(TableData& data, RowId parent, bool subordinates, const Value& value,
                                     const Value& columns);
-/// Puts the rows below a parent, and those below them where that is wanted, into the order that a column list
-/// and a comparison object (or Undefined) say; these are the arguments 0 and `comparisonParam`.
+/// Sorts the rows below a parent, and those below them if `subordinates` says so, by a column list and a
+/// comparison object or Undefined. These are the arguments 0 and `comparisonParam`.
 void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& columns,
                const Value& comparison, int comparisonParam);
 
 /// The methods 0 to 13 that a value table and the row collections of a value tree share. `T` has
-/// data() and parent(); with T::kHierarchical, four methods have a parameter that says whether
-/// subordinate rows are meant, too.
+/// data() and parent(). With T::kHierarchical, four methods have a parameter that says whether subordinate
+/// rows are included.
 template <class T, const GUID* rowType>
 class RowCollection : public TableObject<T, true, rowType>, public IValueCollection {
   public:
@@ -55,7 +55,7 @@ class RowCollection : public TableObject<T, true, rowType>, public IValueCollect
         return false;
     }
 
-    /// The object of the row is made first: when there is no memory for it, there is no row, either.
+    /// The object of the row is made first: without memory for it, no row is inserted.
     GenericValue insert(std::size_t position) {
         GenericValue row = row_value(data(), data().nextRow());
         data().insertRow(parent(), position);
@@ -133,7 +133,7 @@ inline constexpr Param kOverRows[] = {{}, kFalse};
 inline constexpr Param kFlatSort[] = {{}, kOptional};
 inline constexpr Param kHierarchicalSort[] = {{}, kFalse, kOptional};
 
-/// One method table behind the other.
+/// Joins two method tables.
 template <class Entry, std::size_t first, std::size_t second>
 [[nodiscard]] constexpr auto joined(const std::array<Entry, first>& a, const std::array<Entry, second>& b) {
     std::array<Entry, first + second> both{};

@@ -11,12 +11,12 @@ namespace core {
 
 inline constexpr GUID kValueTableRowType = "986427ea-161d-4970-9f88-a0a65bc4759a"_guid;
 
-/// The script object of a row: the one there is, or a new one.
+/// Returns the script object of a row: the one that scripts hold, or a new one.
 [[nodiscard]] GenericValue row_value(TableData& data, RowId row);
-/// A walk over the rows below a parent, or over the table's.
+/// Returns a walk over the rows below a parent, or over those of the table.
 [[nodiscard]] InterfacePtr<IValueEnum> walk_rows(TableData& data, RowId parent);
 
-/// What the rows of tables and of trees are: their cells are properties, and the elements of a walk.
+/// What the rows of tables and of trees have in common: the cells are properties, and a walk shows them.
 template <class T>
 class RowObject : public TableObject<T, true, nullptr, NamedColumns<T>>,
                   public IValueCollection,
@@ -62,7 +62,7 @@ class RowObject : public TableObject<T, true, nullptr, NamedColumns<T>>,
         return {};
     }
     GenericValue callOwner(std::span<GenericValue>) {
-        static_cast<void>(row()); // of a row that is there
+        static_cast<void>(row()); // a deleted row has no owner
         return Value(handle_.owner());
     }
 

@@ -5,8 +5,8 @@
 
 namespace core {
 
-/// An object that is a member of another one and counts as that: whoever holds it keeps the other alive. It
-/// is one object for as long as the other is there. `T` names its interfaces as for SCOM_InternalClass.
+/// An object that is a member of another one and shares its count: a reference to it keeps the other alive.
+/// `T` names its interfaces as for SCOM_InternalClass.
 template <class T>
 class SubObject final : public T {
   public:

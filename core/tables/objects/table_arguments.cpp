@@ -99,7 +99,7 @@ ColumnList optional_columns_argument(const TableData& data, const Value& argumen
 }
 
 std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param) {
-    // What is no list at all is told before what the list names.
+    // The form of the list is checked before the names in it.
     struct Item {
         wstring_view name;
         bool descending;

@@ -43,7 +43,7 @@ Value ValueList::adjusted(const Value& value) const {
     return result;
 }
 
-/// Whether a list is this one or stands somewhere in it.
+/// Says whether a list is this one or is held by it, directly or through other lists.
 bool ValueList::holds(const ValueList& list) const {
     std::unordered_set<const ValueList*> seen = {this};
     std::vector<const ValueList*> ahead = {this};
@@ -101,7 +101,7 @@ void ValueList::assign(Items items) noexcept {
     free_.clear();
 }
 
-/// Tells all items that they are in the list no longer.
+/// Tells all items that they are no longer in the list.
 void ValueList::leave() noexcept {
     for (const ValueListItemPtr& item : items_) {
         if (item)
@@ -131,7 +131,7 @@ InterfacePtr<IValueEnum> ValueList::enumerate() {
     return create_value_enum(std::move(items));
 }
 
-/// Sorts by a value of each item; equal ones keep their order.
+/// Sorts by a value of each item. Items with equal values keep their order.
 void ValueList::sort(const Value& direction, Value (*key)(const Item& item)) {
     const auto number = direction.isUndefined() ? 0 : sort_types().number(direction);
     if (!number)
@@ -150,8 +150,8 @@ void ValueList::sort(const Value& direction, Value (*key)(const Item& item)) {
     sort_words(order);
     Items sorted;
     sorted.reserve(items.size());
-    for (const std::uint64_t place : order)
-        sorted.push_back(items[static_cast<std::uint32_t>(place)]);
+    for (const std::uint64_t key : order)
+        sorted.push_back(items[static_cast<std::uint32_t>(key)]);
     assign(std::move(sorted));
 }
 
@@ -164,6 +164,8 @@ void ValueList::setValueType(const GenericValue& value) {
     if (domain == nullptr && !value.isUndefined())
         parameter_type_mismatch(0);
     TypeDomain changed = domain != nullptr ? *domain : TypeDomain();
+    if (changed == domain_)
+        return; // see TableData::setDomain()
     const Items items = inOrder();
     std::vector<Value> values;
     values.reserve(items.size());
@@ -197,7 +199,7 @@ void ValueList::deserialize(IInPersistenceStorage* storage) {
     pattern.deserialize(in);
     std::int64_t count = get_count(in);
     TypeDomain domain(std::move(pattern));
-    Items items; // grows with what is really there, whatever the count says
+    Items items; // grows with the items that are there: the count is not believed
     for (; count > 0; --count) {
         Item item;
         in.getBeginOfList();

@@ -32,7 +32,7 @@ class ValueList : public TableObject<ValueList, true, &kValueListItemType>,
     using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueList, IListObject,
                                      IValueCollection, IPersistableObject>;
 
-    ValueList() : order_(places_, true) {}
+    ValueList() : order_(chunks_, true) {}
     ValueList(const ValueList&) = delete;
     ValueList& operator=(const ValueList&) = delete;
     ~ValueList() { leave(); }
@@ -94,7 +94,7 @@ class ValueList : public TableObject<ValueList, true, &kValueListItemType>,
     GenericValue callFillChecks(std::span<GenericValue> arguments);
 
     TypeDomain domain_;
-    RowPlaces places_;
+    ChunksByRow chunks_;
     RowOrder order_;
     Items items_; // by id; null for those that are free
     std::vector<RowId> free_;

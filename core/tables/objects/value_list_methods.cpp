@@ -93,11 +93,11 @@ GenericValue ValueList::callInsert(std::span<GenericValue> arguments) {
 }
 
 GenericValue ValueList::callDelete(std::span<GenericValue> arguments) {
-    const std::size_t place = position(arguments[0], 0);
-    const RowId id = order_.at(place);
+    const std::size_t at = position(arguments[0], 0);
+    const RowId id = order_.at(at);
     free_.push_back(id);
     try {
-        order_.erase(place);
+        order_.erase(at);
     } catch (...) {
         free_.pop_back();
         throw;

@@ -138,7 +138,7 @@ void ValueTable::appendRow(std::span<const Value> cells) {
     data_.insertRow(kNoRow, data_.rows().size(), cells);
 }
 
-/// Which rows to copy: all, those of an array, or those that match a filter.
+/// Returns the rows to copy: all, those of an array, or those that match a filter.
 std::vector<RowId> ValueTable::rowsArgument(const Value& argument, int param) const {
     if (argument.query<IValueStructure>())
         return matching_rows(data_, kNoRow, false, filter_argument(data_, argument, param));

@@ -44,7 +44,7 @@ class ValueTreeRow : public RowObject<ValueTreeRow> {
 
   private:
     GenericValue getRows() const {
-        static_cast<void>(row()); // of a row that is there
+        static_cast<void>(row()); // a deleted row has no rows
         return Value(const_cast<SubObject<ValueTreeRowCollection>*>(&rows_));
     }
     GenericValue getParent() const {

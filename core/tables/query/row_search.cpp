@@ -14,7 +14,7 @@ const RowCondition* condition_for(std::span<const RowCondition> filter, const Ta
     return found != filter.end() ? &*found : nullptr;
 }
 
-/// The index with most columns among those that the filter names all columns of, or null.
+/// Returns the index with most columns among those whose columns the filter names all, or null.
 TableIndex* index_for(const TableData& data, std::span<const RowCondition> filter) noexcept {
     TableIndex* best = nullptr;
     for (const auto& index : data.indexes()) {
@@ -28,7 +28,7 @@ TableIndex* index_for(const TableData& data, std::span<const RowCondition> filte
     return best;
 }
 
-/// Calls `work` with a test of single rows for the value.
+/// Calls `work` with a function that tests a row for the value; does not call it when no row can match.
 template <class Work>
 void with_test(const CellColumn& cells, const Value& value, Work work) {
     const CellProbe probe = cells.probe(value);
@@ -53,20 +53,20 @@ std::vector<RowId> matching_in(RowRange rows, const RowCondition& condition) {
     return matches;
 }
 
-/// Puts rows of an order into that order, in which they often are.
+/// Sorts rows by their positions; often they are sorted already.
 void put_in_order(std::vector<RowId>& rows, const RowOrder& order) {
-    std::vector<std::pair<std::size_t, RowId>> places;
-    places.reserve(rows.size());
+    std::vector<std::pair<std::size_t, RowId>> positions;
+    positions.reserve(rows.size());
     for (const RowId row : rows)
-        places.emplace_back(order.positionOf(row), row);
-    if (std::is_sorted(places.begin(), places.end()))
+        positions.emplace_back(order.positionOf(row), row);
+    if (std::is_sorted(positions.begin(), positions.end()))
         return;
-    std::sort(places.begin(), places.end());
-    std::transform(places.begin(), places.end(), rows.begin(),
-                   [](const auto& place) { return place.second; });
+    std::sort(positions.begin(), positions.end());
+    std::transform(positions.begin(), positions.end(), rows.begin(),
+                   [](const auto& position) { return position.second; });
 }
 
-/// The rows that an index has for a filter, in no particular order.
+/// Returns the rows that an index has for a filter, in no particular order.
 std::vector<RowId> looked_up(const TableData& data, TableIndex& index, std::span<const RowCondition> filter) {
     if (!index.isCurrent())
         index.refresh(RowList(data, kNoRow, false).range());
@@ -78,8 +78,8 @@ std::vector<RowId> looked_up(const TableData& data, TableIndex& index, std::span
     return rows;
 }
 
-/// A frequent value stands near the top, and looking there is quicker than going through all its rows in the
-/// index.
+/// How many rows are looked at before an index. A frequent value is found among them, which is quicker than
+/// to go through all its rows in the index.
 constexpr std::size_t kTopRows = 64;
 
 std::vector<RowId> first_rows(const RowOrder& order, std::size_t count) {
@@ -99,8 +99,8 @@ class FirstRow {
   public:
     [[nodiscard]] RowId row() const noexcept { return row_; }
 
-    /// Looks at the rows before the one found so far. `rows` begin with the first one of the order. True when
-    /// one of them matches.
+    /// Looks at the rows before the one found so far, where `rows` begin with the first one of the order.
+    /// Returns whether one of them matches.
     bool scan(RowRange rows, const RowCondition& condition) {
         bool found = false;
         with_test(condition.column->cells, *condition.value, [&](auto test) {

@@ -5,8 +5,8 @@
 
 namespace core {
 
-/// The rows that a search, a total or a copy goes over, in their order: those below a parent, with the rows
-/// below them where that is wanted. Valid until the table changes.
+/// The rows that a search, a total or a copy goes over, in order: those below a parent, with the rows below
+/// them if `subordinates` says so. Valid until the table changes.
 class RowList {
   public:
     RowList(const TableData& data, RowId parent, bool subordinates);
@@ -24,14 +24,14 @@ struct RowCondition {
     const Value* value;
 };
 
-/// The rows, in order, whose cells equal the wanted values; all rows when nothing is wanted. A filter that
-/// names all columns of an index of a table looks the rows up there, which takes no longer in a large table
-/// than in a small one; any other looks at every row.
+/// Returns the rows, in order, whose cells equal the wanted values; an empty filter finds all rows. A filter
+/// that names all columns of an index looks the rows up there, which takes no longer in a large table than in
+/// a small one. Any other filter looks at every row.
 [[nodiscard]] std::vector<RowId> matching_rows(const TableData& data, RowId parent, bool subordinates,
                                                std::span<const RowCondition> filter);
 
-/// The first row with a cell, in one of the columns, that equals the value; kNoRow when there is none. A
-/// column with an index of its own is looked up there.
+/// Returns the first row with a cell, in one of the columns, that equals the value, or kNoRow. A column with
+/// an index of its own is looked up there.
 [[nodiscard]] RowId first_row_with(const TableData& data, RowId parent, bool subordinates,
                                    std::span<const TableColumn* const> columns, const Value& value);
 

@@ -13,8 +13,8 @@ namespace {
 
 constexpr unsigned kWordBits = 64;
 
-/// The cells of all rows as numbers of few bits, packed into one word a row with the highest bits of the
-/// first column; what does not fit goes on in further words. Comparing words compares rows.
+/// Packs the cells of each row, as numbers of few bits, into a word that begins with the highest bits of the
+/// first column. What does not fit goes on in further words. Comparing words compares rows.
 class PackedKeys {
   public:
     explicit PackedKeys(std::size_t rows) : rows_(rows) { addWord(); }
@@ -46,7 +46,7 @@ class PackedKeys {
     unsigned used_ = 0;
 };
 
-/// Adds keys of 0 ... `highest`, in descending order where that is wanted.
+/// Adds keys from 0 to `highest`, turned round for a descending column.
 template <class Key>
 void add_keys(PackedKeys& keys, std::uint64_t highest, bool descending, Key key) {
     const auto bits = static_cast<unsigned>(std::bit_width(highest));
@@ -111,13 +111,13 @@ std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> column
                                ICompareValues& comparison) {
     std::vector<Value> cells;
     cells.reserve(rows.size() * columns.size());
-    std::vector<std::uint32_t> places(rows.size());
-    for (std::uint32_t i = 0; i < places.size(); ++i) {
-        places[i] = i;
+    std::vector<std::uint32_t> positions(rows.size());
+    for (std::uint32_t i = 0; i < positions.size(); ++i) {
+        positions[i] = i;
         for (const SortColumn& column : columns)
             cells.push_back(column.cells->get(rows[i]));
     }
-    heap_sort(std::span(places), [&](std::uint32_t a, std::uint32_t b) {
+    heap_sort(std::span(positions), [&](std::uint32_t a, std::uint32_t b) {
         for (std::size_t i = 0; i < columns.size(); ++i) {
             const int order =
                 comparison.compare(cells[a * columns.size() + i], cells[b * columns.size() + i]);
@@ -128,7 +128,7 @@ std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> column
     });
     std::vector<RowId> sorted(rows.size());
     for (std::size_t i = 0; i < sorted.size(); ++i)
-        sorted[i] = rows[places[i]];
+        sorted[i] = rows[positions[i]];
     return sorted;
 }
 

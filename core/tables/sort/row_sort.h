@@ -7,15 +7,16 @@
 
 namespace core {
 
+/// A column that rows are sorted by.
 struct SortColumn {
     const CellColumn* cells;
     bool descending = false;
 };
 
-/// The rows in the order of their cells: by the first column, ties by the second, and so on.
-/// Equal rows come in any order.
+/// Returns the rows in the order of their cells: by the first column, ties by the second, and so on. Equal
+/// rows come in any order.
 [[nodiscard]] std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns);
-/// The same with the cells compared by an object.
+/// Does the same with an object that compares the cells, and throws what that throws.
 [[nodiscard]] std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns,
                                              ICompareValues& comparison);
 

@@ -13,18 +13,18 @@
 namespace core {
 namespace {
 
-/// The bits of a double in an order that unsigned integers have, too.
+/// Gives the bits of a double such that unsigned integers compare as the doubles do.
 std::uint64_t ordered_bits(double value) noexcept {
     const auto bits = std::bit_cast<std::uint64_t>(value);
     return bits >> 63 != 0 ? ~bits : bits | std::uint64_t{1} << 63;
 }
 
-/// A collation key, read by words.
+/// Reads a collation key word by word.
 class KeyWords {
   public:
     explicit KeyWords(std::string_view key) : key_(key) {}
 
-    /// Eight bytes, the first of them highest, with zeros behind the end; no key has a zero byte in it.
+    /// Returns eight bytes, the first of them highest, with zeros behind the end. No key holds a zero byte.
     [[nodiscard]] std::uint64_t word(unsigned depth) const noexcept {
         const std::string_view rest = key_.substr(depth * sizeof(std::uint64_t));
         std::uint64_t word = 0;
@@ -37,7 +37,7 @@ class KeyWords {
             word = word << 8 | (byte < rest.size() ? static_cast<unsigned char>(rest[byte]) : 0U);
         return word;
     }
-    /// Whether the words up to this depth say all.
+    /// Says whether the words before this depth hold the whole key.
     [[nodiscard]] bool endsBefore(unsigned depth) const noexcept {
         return key_.size() < depth * sizeof(std::uint64_t);
     }
@@ -46,66 +46,68 @@ class KeyWords {
     std::string_view key_;
 };
 
-/// Sorts values of one kind and writes their places, the first of which is `next_`, to where they belong.
+/// Sorts values of one kind and writes their ranks, the first of which is `next_`.
 class Ranking {
   public:
     Ranking(std::span<const Value> values, RowRange chosen)
         : values_(values), chosen_(chosen), ranks_(chosen.size()) {}
 
-    void rank(ValueKind kind, std::span<const std::uint32_t> places) {
-        if (places.empty())
+    void rank(ValueKind kind, std::span<const std::uint32_t> positions) {
+        if (positions.empty())
             return;
         switch (kind) {
         case ValueKind::undefined:
         case ValueKind::null:
-            rankBy(places, [](const Value&) { return 0U; });
+            rankBy(positions, [](const Value&) { return 0U; });
             break;
         case ValueKind::boolean:
-            rankBy(places, [](const Value& value) { return value.isTrue() ? 1U : 0U; });
+            rankBy(positions, [](const Value& value) { return value.isTrue() ? 1U : 0U; });
             break;
         case ValueKind::date:
-            rankBy(places, [](const Value& value) { return value.asDate()->ticks(); });
+            rankBy(positions, [](const Value& value) { return value.asDate()->ticks(); });
             break;
         case ValueKind::number:
-            rankNumbers(places);
+            rankNumbers(positions);
             break;
         default:
-            rankTexts(places);
+            rankTexts(positions);
         }
     }
     [[nodiscard]] std::vector<std::uint32_t> take() noexcept { return std::move(ranks_); }
 
   private:
-    [[nodiscard]] const Value& value(std::uint32_t place) const noexcept { return values_[chosen_[place]]; }
-
-    template <class Word>
-    void rankBy(std::span<const std::uint32_t> places, Word word) {
-        std::vector<std::uint64_t> words;
-        words.reserve(places.size());
-        for (const std::uint32_t place : places)
-            words.push_back(word(value(place)));
-        sort(places, words, nothing_deeper, [](std::uint32_t, std::uint32_t) { return 0; });
+    [[nodiscard]] const Value& value(std::uint32_t position) const noexcept {
+        return values_[chosen_[position]];
     }
 
-    void rankNumbers(std::span<const std::uint32_t> places) {
+    template <class Word>
+    void rankBy(std::span<const std::uint32_t> positions, Word word) {
         std::vector<std::uint64_t> words;
-        words.reserve(places.size());
-        for (const std::uint32_t place : places)
-            words.push_back(ordered_bits(static_cast<double>(*value(place).asNumeric())));
-        sort(places, words, nothing_deeper, [&](std::uint32_t a, std::uint32_t b) {
-            return value(places[a]).asNumeric()->compare(*value(places[b]).asNumeric());
+        words.reserve(positions.size());
+        for (const std::uint32_t position : positions)
+            words.push_back(word(value(position)));
+        sort(positions, words, nothing_deeper, [](std::uint32_t, std::uint32_t) { return 0; });
+    }
+
+    void rankNumbers(std::span<const std::uint32_t> positions) {
+        std::vector<std::uint64_t> words;
+        words.reserve(positions.size());
+        for (const std::uint32_t position : positions)
+            words.push_back(ordered_bits(static_cast<double>(*value(position).asNumeric())));
+        sort(positions, words, nothing_deeper, [&](std::uint32_t a, std::uint32_t b) {
+            return value(positions[a]).asNumeric()->compare(*value(positions[b]).asNumeric());
         });
     }
 
-    void rankTexts(std::span<const std::uint32_t> places) {
+    void rankTexts(std::span<const std::uint32_t> positions) {
         std::vector<wstring> presentations;
         std::vector<wstring_view> texts;
-        presentations.reserve(places.size());
-        texts.reserve(places.size());
-        for (const std::uint32_t place : places) {
-            const wstring_view* const text = value(place).asString();
+        presentations.reserve(positions.size());
+        texts.reserve(positions.size());
+        for (const std::uint32_t position : positions) {
+            const wstring_view* const text = value(position).asString();
             texts.push_back(text != nullptr ? *text
-                                            : presentations.emplace_back(value(place).presentation()));
+                                            : presentations.emplace_back(value(position).presentation()));
         }
         const CollationKeys keys(texts, current_settings().locale);
         std::vector<std::uint64_t> words(texts.size());
@@ -118,19 +120,19 @@ class Ranking {
                 words[i] = KeyWords(keys[i]).word(depth);
             return true;
         };
-        sort(places, words, deepen,
+        sort(positions, words, deepen,
              [&](std::uint32_t a, std::uint32_t b) { return texts[a].compare(texts[b]); });
     }
 
     static bool nothing_deeper(std::span<const std::uint32_t>, unsigned) noexcept { return false; }
 
     template <class Deepen, class Compare>
-    void sort(std::span<const std::uint32_t> places, std::span<std::uint64_t> words, Deepen deepen,
+    void sort(std::span<const std::uint32_t> positions, std::span<std::uint64_t> words, Deepen deepen,
               Compare compare) {
         const SortedIndexes sorted = sort_by_words(words, deepen, compare);
         for (std::size_t i = 0; i < sorted.order.size(); ++i) {
             next_ += sorted.leads[i] ? 1U : 0U;
-            ranks_[places[sorted.order[i]]] = next_ - 1;
+            ranks_[positions[sorted.order[i]]] = next_ - 1;
         }
     }
 

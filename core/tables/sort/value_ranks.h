@@ -7,9 +7,9 @@
 
 namespace core {
 
-/// The place of each chosen value, in the row that they are chosen in, in the order of values
-/// (compare_values), counted from 0; equal ones have equal places. What comparing them needs, the collation
-/// keys of texts above all, is made once a value.
+/// Returns the rank of each chosen value, in the order in which they are chosen. Ranks count from 0 and
+/// follow compare_values(); equal values have equal ranks. What a comparison needs, above all the collation
+/// keys of texts, is made once for each value.
 [[nodiscard]] std::vector<std::uint32_t> rank_values(std::span<const Value> values, RowRange chosen);
 
 } // namespace core

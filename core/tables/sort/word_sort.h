@@ -10,38 +10,38 @@
 
 namespace core {
 
-/// Sorts words. Random ones cost no branch that is guessed wrong, sorted ones a single pass.
+/// Sorts words. Random words cost no branch that the processor guesses wrong, sorted ones a single pass.
 void sort_words(std::span<std::uint64_t> words) noexcept;
 
-/// Indexes in an order, and which of them differ from the one before.
+/// Indexes in an order.
 struct SortedIndexes {
     std::vector<std::uint32_t> order;
-    std::vector<bool> leads;
+    std::vector<bool> leads; ///< for each of them, whether it differs from the one before
 };
 
 namespace detail {
 
-/// As much of a word as fits beside the item's place into one, so that what a sort moves and compares is
-/// small: the upper bits of its distance from the lowest word.
+/// Packs an item's position and as much of its word as fits beside that, the upper bits of its distance from
+/// the lowest word, into one word. A sort then moves and compares single words, all of them different.
 class WordPacking {
   public:
     WordPacking(std::size_t count, std::uint64_t lowest, std::uint64_t highest) noexcept
-        : placeBits_(static_cast<unsigned>(std::bit_width(count - 1))), lowest_(lowest) {
-        const auto bits = static_cast<unsigned>(std::bit_width(highest - lowest)) + placeBits_;
+        : positionBits_(static_cast<unsigned>(std::bit_width(count - 1))), lowest_(lowest) {
+        const auto bits = static_cast<unsigned>(std::bit_width(highest - lowest)) + positionBits_;
         dropped_ = bits > 64 ? bits - 64 : 0;
     }
-    [[nodiscard]] std::uint64_t pack(std::uint64_t word, std::size_t place) const noexcept {
-        return (word - lowest_) >> dropped_ << placeBits_ | place;
+    [[nodiscard]] std::uint64_t pack(std::uint64_t word, std::size_t position) const noexcept {
+        return (word - lowest_) >> dropped_ << positionBits_ | position;
     }
-    [[nodiscard]] std::size_t place(std::uint64_t packed) const noexcept {
-        return static_cast<std::size_t>(packed & ((std::uint64_t{1} << placeBits_) - 1));
+    [[nodiscard]] std::size_t position(std::uint64_t packed) const noexcept {
+        return static_cast<std::size_t>(packed & ((std::uint64_t{1} << positionBits_) - 1));
     }
     [[nodiscard]] bool same(std::uint64_t a, std::uint64_t b) const noexcept {
-        return (a ^ b) >> placeBits_ == 0;
+        return (a ^ b) >> positionBits_ == 0;
     }
 
   private:
-    unsigned placeBits_;
+    unsigned positionBits_;
     unsigned dropped_;
     std::uint64_t lowest_;
 };
@@ -63,9 +63,9 @@ void sort_by_comparing(std::span<std::uint32_t> order, std::size_t begin, Sorted
 } // namespace detail
 
 /// Sorts the indexes of `words` by sequences of words, of which these are the first ones. Where words are
-/// equal, `deepen(indexes, depth)` puts those of that depth in their place and answers true, or false when
-/// there are no more; then `compare(a, b)` decides. What belongs to a long sequence is thus looked at only
-/// where it decides.
+/// equal, `deepen(indexes, depth)` replaces them by the words at that depth and returns true. It returns
+/// false when there are no more, and then `compare(a, b)` decides. Long sequences are read only as far as
+/// they decide.
 template <class Deepen, class Compare>
 [[nodiscard]] SortedIndexes sort_by_words(std::span<std::uint64_t> words, Deepen deepen, Compare compare) {
     struct Run {
@@ -108,7 +108,7 @@ template <class Deepen, class Compare>
         sort_words(items);
         std::copy(order.begin(), order.end(), before.begin());
         for (std::size_t i = 0; i < order.size(); ++i)
-            order[i] = before[packing.place(items[i])];
+            order[i] = before[packing.position(items[i])];
         for (std::uint32_t first = 0; first < items.size();) {
             std::uint32_t end = first + 1;
             while (end < items.size() && packing.same(items[first], items[end]))
