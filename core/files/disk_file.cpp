@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/disk_path.h"
+#include "core/files/region_locks.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -115,6 +116,7 @@ class DiskFile : public FileImpl, public ISharedFile {
     }
 
     bool tryLock(std::uint64_t start, std::uint64_t length, LockKind kind) override {
+        require_region(start, length, url());
         if (setLock(start, length, kind == LockKind::shared ? F_RDLCK : F_WRLCK))
             return true;
         if (errno != EAGAIN && errno != EACCES)
@@ -123,6 +125,7 @@ class DiskFile : public FileImpl, public ISharedFile {
     }
 
     void unlock(std::uint64_t start, std::uint64_t length) override {
+        require_region(start, length, url());
         if (!setLock(start, length, F_UNLCK))
             throw_file_error(messages::kFileLock, url(), errno);
     }

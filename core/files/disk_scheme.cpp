@@ -6,7 +6,7 @@
 #include <core/files/errors.h>
 #include <core/files/file_io.h>
 #include <core/files/file_time.h>
-#include <core/files/wildcard.h>
+#include <core/files/url.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 

@@ -3,7 +3,7 @@
 
 #include <core/files/errors.h>
 #include <core/files/file_system.h>
-#include <core/files/wildcard.h>
+#include <core/files/url.h>
 #include <core/runtime/class_entry.h>
 #include <core/strings/compare.h>
 

@@ -80,11 +80,13 @@ class MemoryFile : public FileImpl, public ISharedFile {
 
     bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
         const auto lock = open(messages::kFileLock);
+        require_region(offset, length, url());
         return data_->locks.tryLock(this, offset, length, kind);
     }
 
     void unlock(std::uint64_t offset, std::uint64_t length) override {
         const auto lock = open(messages::kFileLock);
+        require_region(offset, length, url());
         data_->locks.unlock(this, offset, length);
     }
 

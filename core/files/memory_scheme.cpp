@@ -3,7 +3,7 @@
 
 #include <core/files/errors.h>
 #include <core/files/memory_file.h>
-#include <core/files/wildcard.h>
+#include <core/files/url.h>
 #include <core/runtime/internal_class.h>
 
 #include <cerrno>

@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/files/errors.h>
 #include <core/files/file.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace core {
+
+/// Refuses a region that is empty or reaches too far: systems would take it for another one.
+inline void require_region(std::uint64_t offset, std::uint64_t length, const wstring& url) {
+    if (length == 0 || offset > kMaxFileLength || length > kMaxFileLength - offset)
+        throw_file_error(messages::kFileLock, url, EINVAL);
+}
 
 /// Who has locked which regions of one file: the rules of the system's file locks for
 /// files without a system below.

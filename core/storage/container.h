@@ -156,7 +156,18 @@ class Container : public std::enable_shared_from_this<Container> {
     [[nodiscard]] BlockChain chain(std::uint64_t address, std::uint64_t wish = 0);
 
     // container_commit.cpp
+
+    /// What a commit makes the committed state.
+    struct Next {
+        ContainerHead head;
+        FilesTable table;
+        BlockRuns tableBlocks;
+        BlockRuns freeBlocks;
+        RangeSet kept; // fresh blocks of files that are still being written
+    };
     void commitChanges();
+    void writeBeside(Next& next);
+    void settle(Next next) noexcept;
     void writeHead(const ContainerHead& head);
     void takeBack() noexcept;
     void cutTail() noexcept;

@@ -50,34 +50,16 @@ void Container::finishChange() {
 void Container::commitChanges() {
     if (!table_.hasChanges())
         return;
-    RangeSet kept;
-    ContainerHead head = head_;
-    BlockRuns tableBlocks(layout_.blockHeaderSize());
-    BlockRuns freeBlocks(layout_.blockHeaderSize());
-    FilesTable table(layout_);
+    Next next{head_,
+              FilesTable(layout_),
+              BlockRuns(layout_.blockHeaderSize()),
+              BlockRuns(layout_.blockHeaderSize()),
+              {}};
     bool flushing = false;
     try {
         if (failed_)
             throw_storage_error(messages::kStorageFailed, url_);
-        for (const InnerFile* file : files_)
-            file->addFresh(kept);
-        release(tableBlocks_);
-        release(freeBlocks_);
-        table = table_.merged();
-        const std::uint64_t size = table.encodedSize();
-        const std::uint64_t beyondFirst = size > kStorageBlockSize ? size - kStorageBlockSize : 0;
-        const auto place = allocate((beyondFirst + kStorageBlockSize - 1) / kStorageBlockSize);
-        for (const BlockRange& range : place)
-            tableBlocks.append(range.address, kStorageBlockSize, range.count);
-        head.freeChain = writeFreeChain(kept, freeBlocks);
-        table.setEnd(space_.outlook(kept).end);
-        const std::vector<std::byte> content = table.encode();
-        if (!place.empty())
-            write(place, std::span(content).subspan(kStorageBlockSize), 0, layout_.null);
-        head.table.chainSize = size;
-        head.table.next = place.empty() ? layout_.null : place.front().address;
-        ++head.counter;
-        queue_.flush();
+        writeBeside(next);
         flushing = true;
         file_->flush();
         flushing = false;
@@ -91,7 +73,7 @@ void Container::commitChanges() {
         throw;
     }
     try {
-        writeHead(head);
+        writeHead(next.head);
     } catch (...) {
         lock_.endCommit(readLocked_);
         failed_ = true;
@@ -99,16 +81,42 @@ void Container::commitChanges() {
         throw;
     }
     lock_.endCommit(readLocked_);
+    settle(std::move(next));
+}
 
-    // The changes are the committed state by now: nothing from here on may fail.
-    head_ = head;
-    headBytes_ = head.encode(layout_);
-    table_ = std::move(table);
-    tableBlocks_ = std::move(tableBlocks);
-    freeBlocks_ = std::move(freeBlocks);
-    unsettled_ = !kept.empty();
-    space_.commit(std::move(kept), table_.end());
-    spaceCounter_ = head.counter;
+/// Writes the new table and the new free chain beside what is live, and says in `next` where.
+void Container::writeBeside(Next& next) {
+    for (const InnerFile* file : files_)
+        file->addFresh(next.kept);
+    release(tableBlocks_);
+    release(freeBlocks_);
+    next.table = table_.merged();
+    const std::uint64_t size = next.table.encodedSize();
+    const std::uint64_t beyondFirst = size > kStorageBlockSize ? size - kStorageBlockSize : 0;
+    const auto place = allocate((beyondFirst + kStorageBlockSize - 1) / kStorageBlockSize);
+    for (const BlockRange& range : place)
+        next.tableBlocks.append(range.address, kStorageBlockSize, range.count);
+    next.head.freeChain = writeFreeChain(next.kept, next.freeBlocks);
+    next.table.setEnd(space_.outlook(next.kept).end);
+    const std::vector<std::byte> content = next.table.encode();
+    if (!place.empty())
+        write(place, std::span(content).subspan(kStorageBlockSize), 0, layout_.null);
+    next.head.table.chainSize = size;
+    next.head.table.next = place.empty() ? layout_.null : place.front().address;
+    ++next.head.counter;
+    queue_.flush();
+}
+
+/// Makes the state on the disk the one in memory. Nothing here may fail: the changes are committed by now.
+void Container::settle(Next next) noexcept {
+    head_ = next.head;
+    headBytes_ = head_.encode(layout_);
+    table_ = std::move(next.table);
+    tableBlocks_ = std::move(next.tableBlocks);
+    freeBlocks_ = std::move(next.freeBlocks);
+    unsettled_ = !next.kept.empty();
+    space_.commit(std::move(next.kept), table_.end());
+    spaceCounter_ = head_.counter;
     reader_.setEnd(space_.end());
     ++state_;
     cutTail();

@@ -5,7 +5,7 @@
 
 #include <core/files/errors.h>
 #include <core/files/file_time.h>
-#include <core/files/wildcard.h>
+#include <core/files/url.h>
 #include <core/storage/errors.h>
 
 #include <algorithm>

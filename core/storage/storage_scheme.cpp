@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
-#include <core/files/wildcard.h>
+#include <core/files/url.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>

@@ -5,7 +5,6 @@
 
 #include <core/files/disk_file.h>
 #include <core/files/url.h>
-#include <core/files/wildcard.h>
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
 #include <core/strings/compare.h>

@@ -12,4 +12,3 @@
 #include <core/files/memory_file.h>
 #include <core/files/temp_file_service.h>
 #include <core/files/url.h>
-#include <core/files/wildcard.h>

@@ -188,6 +188,17 @@ TEST_P(EveryFile, LocksRegionsAgainstOtherOpenings) {
     a->unlock(4, 4);
     EXPECT_TRUE(b->tryLock(4, 4, LockKind::exclusive)) << "a hole in the middle of a lock";
     EXPECT_FALSE(b->tryLock(3, 1, LockKind::shared));
+    EXPECT_TRUE(b->tryLock(kMaxFileLength - 1, 1, LockKind::shared));
+    const std::pair<std::uint64_t, std::uint64_t> regions[] = {{0, 0},
+                                                               {kMaxFileLength, 1},
+                                                               {kMaxFileLength + 1, 1},
+                                                               {1, kMaxFileLength},
+                                                               {20, ~std::uint64_t{0} - 10}};
+    for (const auto& [offset, length] : regions) {
+        EXPECT_EQ(reason_of([&] { (void)a->tryLock(offset, length, LockKind::shared); }), EINVAL);
+        EXPECT_EQ(reason_of([&] { a->unlock(offset, length); }), EINVAL);
+    }
+    EXPECT_FALSE(b->tryLock(0, 1, LockKind::shared)) << "nothing was given back";
     file.first->close();
     EXPECT_TRUE(b->tryLock(0, 16, LockKind::exclusive)) << "closing gives locks back";
 }

@@ -99,9 +99,11 @@ class FaultFile : public FileImpl, public ISharedFile {
     void close() override { disk_.locks.unlockAll(this); }
     bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
         disk_.call("IDS_FILE_LOCK", url());
+        require_region(offset, length, url());
         return disk_.locks.tryLock(this, offset, length, kind);
     }
     void unlock(std::uint64_t offset, std::uint64_t length) override {
+        require_region(offset, length, url());
         disk_.locks.unlock(this, offset, length);
     }
     bool isSameFile(IFile& other) override {

@@ -5,7 +5,8 @@
 
 namespace core {
 
-/// A file's current position on top of its positioned calls: what all files have in common.
+/// The base of a class that implements IFile: it keeps the URL and the current position, on top of readAt(),
+/// writeAt() and length(), which the class writes itself.
 class CORE_API FileImpl : public IFile {
   public:
     std::size_t read(void* buffer, std::size_t count) override;
@@ -14,6 +15,7 @@ class CORE_API FileImpl : public IFile {
     [[nodiscard]] const wstring& url() const noexcept override { return url_; }
 
   protected:
+    /// Makes the base of a file with this URL, its current position at the start.
     explicit FileImpl(wstring url);
     virtual ~FileImpl();
 

@@ -9,26 +9,27 @@
 #include <cstdint>
 #include <limits>
 
-/// Times of files are universal time, so that a file may travel between time zones;
-/// Date::toLocalTime shows them.
+/// Times of files are universal time, so that a file may travel between time zones. Date::toLocalTime() shows
+/// them.
 namespace core {
 
-/// 1970-01-01 00:00:00.
+/// The date from which systems count: 1970-01-01 00:00:00.
 inline constexpr Date kUnixEpoch{1970, 1, 1};
 
-/// The moment, in ticks; the empty date for moments before year 1.
+/// Returns the date of a moment, exact to a tick; the empty date for moments before the year 1.
 [[nodiscard]] constexpr Date universal_date(std::chrono::system_clock::time_point time) noexcept {
     using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, kTicksPerSecond>>;
     return kUnixEpoch + DateSpan(std::chrono::floor<Ticks>(time.time_since_epoch()).count());
 }
 
-/// The same of a system that counts seconds since 1970, whatever it says; past the year 9999 the last date.
+/// Returns the date of `seconds` since 1970, the empty date before the year 1, the last date past the year
+/// 9999.
 [[nodiscard]] constexpr Date unix_date(std::int64_t seconds) noexcept {
     constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / kTicksPerSecond;
     return kUnixEpoch + DateSpan(std::clamp(seconds, -kMost, kMost) * kTicksPerSecond);
 }
 
-/// Now, by the library's clock.
+/// Returns the present moment by the library's clock.
 [[nodiscard]] inline Date universal_now() noexcept {
     return universal_date(current_clock().now());
 }

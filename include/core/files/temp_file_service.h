@@ -5,22 +5,23 @@
 
 namespace core {
 
-/// The service for files that live no longer than their use. They lie in the folder that TMPDIR names, else
-/// in the system's. Threads: any.
+/// The service for temporary files. They lie in the folder that the variable TMPDIR names, else in the
+/// system's. Each call throws FileException when the file cannot be made. Threads: any.
 class ITempFileService : public IUnknown {
   public:
     static constexpr GUID IID = "68cdb09f-2364-493a-a532-8dafaae86e53"_guid;
 
-    /// A new empty file, gone when it is closed, or with the process.
+    /// Makes an empty file without a name, which is gone when it is closed or when the process ends.
     [[nodiscard]] virtual InterfacePtr<IFile> create() = 0;
-    /// Makes an empty file with a name nobody else has and returns its URL; it is the caller's to remove.
+    /// Makes an empty file with a new name, which only its owner may read, and returns its URL. The caller
+    /// removes it.
     [[nodiscard]] virtual wstring createNamed() = 0;
 
   protected:
     ~ITempFileService() = default;
 };
 
-/// Makes the service for a program without process object.
+/// Makes the service for a program that has no process object.
 [[nodiscard]] CORE_API InterfacePtr<ITempFileService> create_temp_file_service();
 
 } // namespace core

@@ -13,22 +13,24 @@
 
 namespace core {
 
-/// The attributes of one inner file, the content of its attributes chain. A value type.
+/// The attributes of one inner file: the content of its attributes chain. A value type.
 struct CORE_API StorageFileInfo {
     /// Bytes of a record with an empty name.
     static constexpr std::size_t kLeastSize = 24;
 
-    Date created;  ///< universal time
-    Date modified; ///< universal time
+    Date created;  ///< Universal time.
+    Date modified; ///< Universal time.
     /// The low 32 bits of the container's change counter after the commit that last changed the content: two
     /// states of one file never have the same.
     std::uint32_t attribute = 0;
-    wstring name;
+    wstring name; ///< The name of the inner file.
 
-    /// Nothing when the record is shorter than kLeastSize.
+    /// Returns what a record holds, or nothing when it is shorter than kLeastSize.
     [[nodiscard]] static std::optional<StorageFileInfo> decode(std::span<const std::byte> record);
+    /// Returns the record, from which decode() makes equal attributes.
     [[nodiscard]] std::vector<std::byte> encode() const;
 
+    /// Whether all attributes are equal.
     friend bool operator==(const StorageFileInfo&, const StorageFileInfo&) = default;
 };
 

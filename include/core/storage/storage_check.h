@@ -9,58 +9,69 @@
 
 namespace core {
 
-/// What a piece of a container is used for.
-enum class StorageUse : std::int32_t { head, table, freeChain, attributes, content, free };
+/// What a piece of a container's file is used for.
+enum class StorageUse : std::int32_t {
+    head,       ///< The header and the first block of the table.
+    table,      ///< The other blocks of the table of inner files.
+    freeChain,  ///< The list of free space.
+    attributes, ///< The attributes of an inner file.
+    content,    ///< The content of an inner file.
+    free,       ///< Nothing: new blocks may be put there.
+};
 
 /// Something that is wrong in a container.
 struct StorageProblem {
+    /// What is wrong.
     enum class Kind : std::int32_t {
-        damagedFreeChain = 1,  ///< the list of free space cannot be read
-        damagedAttributes = 2, ///< the attributes of an inner file cannot be read, or name another file
-        damagedContent = 3,    ///< the content of an inner file cannot be read
-        overlap = 4,           ///< bytes in use twice, or in use and free
-        lost = 5,              ///< bytes neither in use nor free
+        damagedFreeChain = 1,  ///< The list of free space cannot be read.
+        damagedAttributes = 2, ///< The attributes of an inner file cannot be read, or name another file.
+        damagedContent = 3,    ///< The content of an inner file cannot be read.
+        overlap = 4,           ///< Bytes are in use twice, or in use and free.
+        lost = 5,              ///< Bytes are neither in use nor free.
     };
-    Kind kind;
-    std::uint64_t address = 0; ///< where it shows
-    std::uint64_t length = 0;  ///< of what overlaps or is lost
-    StorageUse use{};          ///< of the piece concerned
-    wstring name{};            ///< the inner file that it belongs to, if any
-    StorageUse otherUse{};     ///< the other piece of an overlap
-    wstring otherName{};
+    Kind kind;                 ///< What is wrong.
+    std::uint64_t address = 0; ///< The offset in the file at which it shows.
+    std::uint64_t length = 0;  ///< Bytes that overlap or are lost; 0 for damage.
+    StorageUse use{};          ///< The use of an overlapping piece.
+    wstring name{};        ///< The inner file that is damaged or has the piece; empty for a piece of no file.
+    StorageUse otherUse{}; ///< The use of the other piece of an overlap.
+    wstring otherName{};   ///< The inner file that has the other piece; empty for a piece of no file.
 
-    /// A sentence for the user, in the thread's language.
+    /// Returns a sentence for the user, in the thread's language.
     [[nodiscard]] CORE_API wstring text() const;
 };
 
+/// What a check of a container found.
 struct StorageCheck {
-    std::uint64_t files = 0;
-    std::uint64_t blocks = 0;
-    std::vector<StorageProblem> problems; ///< by address
+    std::uint64_t files = 0;  ///< Inner files.
+    std::uint64_t blocks = 0; ///< Blocks of all chains; those before the damage of a damaged chain.
+    std::vector<StorageProblem> problems; ///< What is wrong, by address.
 
+    /// Returns whether nothing is wrong.
     [[nodiscard]] bool isClean() const noexcept { return problems.empty(); }
 };
 
 /// How a container uses its file.
 struct StorageInfo {
+    /// Some bytes of the file with one use.
     struct Piece {
-        std::uint64_t address;
-        std::uint64_t length;
-        StorageUse use;
+        std::uint64_t address; ///< Offset of the first byte.
+        std::uint64_t length;  ///< Bytes.
+        StorageUse use;        ///< What they are used for.
     };
 
-    std::uint64_t firstWord = 0;  ///< first block of the free chain, or null
-    std::uint64_t secondWord = 0; ///< default block size
-    std::uint64_t changeCounter = 0;
-    std::uint64_t fileLength = 0;
-    std::uint64_t end = 0; ///< of what is in use; what the file has beyond is left over from an interruption
-    std::uint64_t files = 0;
-    std::uint64_t contentBytes = 0;
-    std::uint64_t blocks = 0;
-    std::uint64_t freeBytes = 0;
-    std::uint64_t freeRanges = 0;
-    std::uint64_t fragments = 0; ///< runs of neighbouring blocks in which the content of the files lies
-    std::vector<Piece> pieces;   ///< the whole file up to `end`, by address
+    std::uint64_t firstWord = 0;     ///< First header word: the first block of the free chain, or null.
+    std::uint64_t secondWord = 0;    ///< Second header word: the default block size.
+    std::uint64_t changeCounter = 0; ///< Commits so far.
+    std::uint64_t fileLength = 0;    ///< Bytes of the file.
+    std::uint64_t end = 0;          ///< The end of what is in use; an interruption may leave bytes behind it.
+    std::uint64_t files = 0;        ///< Inner files.
+    std::uint64_t contentBytes = 0; ///< Bytes of content in all inner files.
+    std::uint64_t blocks = 0;       ///< Blocks of all chains.
+    std::uint64_t freeBytes = 0;    ///< Bytes that are free.
+    std::uint64_t freeRanges = 0;   ///< Ranges in which they lie.
+    std::uint64_t fragments = 0;    ///< Runs of neighbouring blocks in which the content of the files lies.
+    std::vector<Piece> pieces;      ///< The whole file up to `end`, by address.
 };
 
 } // namespace core

@@ -17,19 +17,20 @@ namespace core {
 
 class Container;
 
+/// How a container is opened.
 struct StorageOptions {
-    bool readOnly = false;
-    /// Takes on trust that the table of inner files is sorted; in a table that is
-    /// not, files may not be found.
+    bool readOnly = false; ///< Whether changes are refused. The file need not be open for writing then.
+    /// Whether the order of the table of inner files is taken on trust. In a table that is not in order,
+    /// files may not be found.
     bool noSortedCheck = false;
 };
 
 /// What a search finds of an inner file.
 struct StorageFound {
-    wstring name{};
-    std::uint64_t size = 0;
-    Date created{};  ///< universal time
-    Date modified{}; ///< universal time
+    wstring name{};         ///< The name of the inner file.
+    std::uint64_t size = 0; ///< Bytes of content.
+    Date created{};         ///< Universal time.
+    Date modified{};        ///< Universal time.
 };
 
 /// A container opened for reading and writing: one file that holds many named inner files. Names are any
@@ -40,80 +41,107 @@ struct StorageFound {
 /// begin() and commit(). A crash at any moment leaves the state before a commit or after it. A failed call
 /// changes nothing; a failed commit takes all of its changes back.
 ///
-/// Several processes may have a container open. Reads see one committed state; who wants to change something
-/// waits for its turn, 20 seconds at most.
+/// Several processes may have a container open. Reads see one committed state. A change waits for the
+/// container's turn, which one open container has at a time, 20 seconds at most.
 ///
-/// Errors: StorageException (damage, with the URL; a missing file; see its kinds), FileException from the
-/// file below. After a failed flush nothing more is written: open the container again.
-/// Threads: calls may come from any thread, one after the other takes effect; a transaction is everybody's.
+/// Every call can throw StorageException (damage; a turn that is not had; its kinds say more) and
+/// FileException from the file below. After a failed flush nothing more is written: open the container again.
+/// Threads: calls may come from any thread and take effect one after the other; a transaction is that of all
+/// threads.
 class CORE_API StorageRW {
   public:
-    /// Opens the container in `file`, which `url` names in messages.
+    /// Opens the container in `file`, to which it takes a reference. `url` names the container in messages;
+    /// the file's own URL does when it is empty. Throws StorageException of kind badFormat when the file
+    /// holds no container of this layout.
     explicit StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout = kStorageLayout32,
                        const StorageOptions& options = {}, const wstring& url = {});
 
-    /// Makes an empty container in `file`, which must be empty.
+    /// Makes an empty container in `file`. Throws FileException when the file is not empty.
     static void create(IFile& file, const StorageLayout& layout = kStorageLayout32);
-    /// The same, if the file is empty; who comes second when several processes try finds the container of the
-    /// first. Returns whether it made one.
+    /// Makes an empty container in `file` if that is empty, and returns whether it did. Of several processes
+    /// that try at once one makes it, and the others find it.
     static bool createIfEmpty(IFile& file, const StorageLayout& layout = kStorageLayout32);
-    /// The same in place of all that the file holds, once nobody else changes it.
+    /// Makes an empty container in place of all that `file` holds, as soon as nobody else changes that. A
+    /// crash leaves the old container or the empty one.
     static void replace(IFile& file, const StorageLayout& layout = kStorageLayout32);
 
     // the whole container
 
+    /// Returns the layout that the container was opened with. The reference is valid for ever.
     [[nodiscard]] const StorageLayout& layout() const noexcept;
+    /// Returns the URL that names the container in messages. The reference is valid as long as the container
+    /// is open.
     [[nodiscard]] const wstring& url() const noexcept;
-    /// Inner files are addressed below it; empty unless set.
+    /// Returns the URL below which inner files are addressed, empty unless set. The reference is valid until
+    /// setRootURL().
     [[nodiscard]] const wstring& rootURL() const noexcept;
+    /// Sets the URL below which inner files are addressed, for all handles of the open container. Threads:
+    /// before the container is shared.
     void setRootURL(wstring root);
-    /// Grows by one with every commit.
+    /// Returns the change counter: how many commits the container has seen, those of other processes
+    /// included.
     [[nodiscard]] std::uint64_t changeCounter() const;
     /// Rewrites all inner files side by side at the start of the file, which becomes as small as it can be.
-    /// Needs room for them a second time meanwhile. Where nothing is free, nothing is done.
+    /// Needs room for them a second time meanwhile. Does nothing where nothing is free. Throws in the middle
+    /// of a transaction and while a file is open for writing.
     void compact();
-    /// Walks every chain and says everything that is wrong. Throws only when the
-    /// container cannot be read at all.
+    /// Walks every chain and returns everything that is wrong. Damage that it finds is not thrown, only what
+    /// prevents the container from being read at all. Throws while changes wait for their commit, also those
+    /// to a file open for writing.
     [[nodiscard]] StorageCheck check() const;
+    /// Returns how the container uses its file, as far as damage lets that be found.
     [[nodiscard]] StorageInfo info() const;
-    /// Whether the container lies in this file, opened by whatever name; and whether both are one container.
+    /// Returns whether the container lies in `file`, whatever name that was opened by.
     [[nodiscard]] bool isIn(IFile& file) const;
+    /// Returns whether both handles stand for one container, be it opened twice.
     [[nodiscard]] bool isSame(const StorageRW& other) const;
 
     // several changes as one
 
-    /// From here on changes wait for commit(). Throws when that is so already.
+    /// Begins a transaction: from here on changes wait for commit(). Throws when there is one already.
     void begin();
-    /// Commits, and ends the transaction whether that succeeds or not. Files still open for
-    /// writing are not part of it.
+    /// Makes the changes of the transaction durable as one commit, and ends it; when it throws, all of them
+    /// are taken back. Files still open for writing are not part of it. Does nothing without a transaction.
     void commit();
-    /// Takes the changes back, those to files still open for writing too.
+    /// Takes the changes of the transaction back, also those to files still open for writing, and ends it.
+    /// Does nothing without a transaction.
     void rollback();
 
     // inner files
 
+    /// Returns whether there is an inner file of this name.
     [[nodiscard]] bool contains(wstring_view name) const;
-    /// Files whose names match ("*", "?"), in the order of the table.
+    /// Returns the files whose names match `pattern` ("*", "?"), in the order of the table.
     [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern = u"*") const;
-    /// What a search would find of the one file.
+    /// Returns what a search would find of this one file. Throws when there is none.
     [[nodiscard]] StorageFound describe(wstring_view name) const;
-    /// Opens an inner file. Open for writing, it holds the container's turn, and its content becomes visible
-    /// when it is closed (or flushed); let go of by an exception, it is given up instead. A file open for
-    /// reading fails once its content is changed.
+    /// Opens an inner file: a FileWithBuffer for OpenMode::read, a FileWithBuffer2 for the other modes. Their
+    /// pages say what they throw. The file keeps the container open.
     [[nodiscard]] InterfacePtr<IFile> open(wstring_view name, OpenMode mode);
-    /// The whole content, of one committed state.
+    /// Returns the whole content of a file, of one committed state. Throws when there is none of that name,
+    /// and FileException when memory cannot address the content.
     [[nodiscard]] std::vector<std::byte> get(wstring_view name) const;
-    /// Makes a file or replaces its content.
+    /// Makes a file with this content, or replaces the content of an old one. Throws when the file is open
+    /// for writing or the name is longer than StorageFilesType::kLongestName.
     void put(wstring_view name, std::span<const std::byte> content);
+    /// Removes a file. Throws when there is none of that name or it is open for writing.
     void remove(wstring_view name);
-    /// Removes what matches, in one commit; returns how many files that were.
+    /// Removes the files whose names match `pattern`, in one commit; returns how many that were. Throws when
+    /// one of them is open for writing.
     std::size_t removeAll(wstring_view pattern);
-    /// An existing file of the new name is replaced. The content is not touched.
+    /// Gives a file another name, with its times; an existing file of the new name is replaced. The content
+    /// is not touched. Throws when there is no such file, when the names are equal (isDestination), or when
+    /// either is open for writing.
     void rename(wstring_view from, wstring_view to);
+    /// Makes `to` a copy of `from`, with new times, or replaces it by one. Throws as rename() does, but
+    /// `from` may be open for writing.
     void copy(wstring_view from, wstring_view to);
-    /// Moves a file of another container into this one, with its times. Nobody else can change it meanwhile;
-    /// a crash may leave it in both.
+    /// Moves a file of another container into this one, with its times. Nobody else can change it meanwhile.
+    /// A crash may leave it in both containers, never in none. Throws as rename() does, and in the middle of
+    /// a transaction of this container.
     void moveFrom(StorageRW& source, wstring_view from, wstring_view to);
+    /// Sets the times of a file, in universal time. Throws when there is none of that name or it is open for
+    /// writing.
     void setTimes(wstring_view name, Date created, Date modified);
 
   private:
@@ -123,20 +151,26 @@ class CORE_API StorageRW {
     std::shared_ptr<Container> container_;
 };
 
+/// A container in the 64-bit layout.
 class CORE_API StorageRW64 : public StorageRW {
   public:
+    /// Opens the container in `file`, as StorageRW does.
     explicit StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options = {},
                          const wstring& url = {});
 
+    /// Makes an empty container in `file`, as StorageRW::create() does.
     static void create(IFile& file);
+    /// Makes an empty container in `file` if that is empty, as StorageRW::createIfEmpty() does.
     static bool createIfEmpty(IFile& file);
+    /// Makes an empty container in place of all that `file` holds, as StorageRW::replace() does.
     static void replace(IFile& file);
 };
 
-/// Makes many reads see one committed state, and saves each of them its own lock. Commits of
-/// other processes wait meanwhile.
+/// Makes many reads see one committed state as long as it lives, and saves each of them its own lock. Commits
+/// of other processes wait meanwhile. It keeps the container open. May be nested.
 class CORE_API StorageReading {
   public:
+    /// Begins reading. Throws as a read of the container does.
     explicit StorageReading(const StorageRW& storage);
     ~StorageReading();
     StorageReading(const StorageReading&) = delete;
@@ -146,9 +180,10 @@ class CORE_API StorageReading {
     std::shared_ptr<Container> container_;
 };
 
-/// A transaction that takes its changes back unless it is committed.
+/// A transaction that takes its changes back at its end unless it was committed. The handle must outlive it.
 class StorageTransaction {
   public:
+    /// Begins a transaction. Throws when the container has one already.
     explicit StorageTransaction(StorageRW& storage) : storage_(storage) { storage_.begin(); }
     ~StorageTransaction() {
         if (open_)
@@ -156,6 +191,8 @@ class StorageTransaction {
     }
     StorageTransaction(const StorageTransaction&) = delete;
     StorageTransaction& operator=(const StorageTransaction&) = delete;
+    /// Makes the changes durable as one commit, as StorageRW::commit() does; when it throws, they are taken
+    /// back.
     void commit() {
         open_ = false;
         storage_.commit();

@@ -17,26 +17,30 @@ class IStorageScheme : public IUnknown {
   public:
     static constexpr GUID IID = "e365e27f-59f7-435f-bf15-b5a0069f2832"_guid;
 
-    /// Opens the container that lies in a file, and returns its root URL. The URL is the scheme, "://", and
-    /// the URL or path of the file; options follow a "?", separated by ";": "NoSortedCheck" takes the order
-    /// of the table on trust. A file that is made or emptied becomes an empty container.
+    /// Opens the container that lies in a file, and returns its root URL. `url` is the scheme, "://", and the
+    /// URL or path of the file; options follow a "?", separated by ";": "NoSortedCheck" takes the order of
+    /// the table on trust. A file that is made or emptied becomes an empty container. Throws FileException
+    /// when the file cannot be opened, and StorageException when it holds no container of this layout.
     [[nodiscard]] virtual wstring openContainer(const wstring& url, OpenMode mode) = 0;
-    /// The same for a file that is open already.
+    /// Opens the container that lies in an open file, to which it takes a reference, and returns its root
+    /// URL. Throws StorageException when the file holds no container of this layout.
     [[nodiscard]] virtual wstring openContainerIn(IFile* file, const StorageOptions& options) = 0;
-    /// Forgets a root URL; what is still open of the container stays open.
+    /// Forgets a root URL; what is still open of the container stays open. Throws StorageException when there
+    /// is none.
     virtual void closeContainer(const wstring& root) = 0;
-    /// The container with a root URL. Throws StorageException when there is none.
+    /// Returns the container with a root URL. Throws StorageException when there is none.
     [[nodiscard]] virtual StorageRW container(const wstring& root) = 0;
 
   protected:
     ~IStorageScheme() = default;
 };
 
-/// The scheme of the 32-bit layout. Threads: any.
+/// The scheme of the containers of one layout, the 32-bit one unless told otherwise. Threads: any.
 class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
   public:
     using Interfaces = InterfaceList<IFileScheme, IStorageScheme>;
 
+    /// Makes the scheme of a layout, with no container open.
     explicit StorageScheme(const StorageLayout& layout = kStorageLayout32);
     virtual ~StorageScheme();
 
@@ -74,6 +78,7 @@ class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
 /// The scheme of the 64-bit layout.
 class CORE_API StorageScheme64 : public StorageScheme {
   public:
+    /// Makes the scheme, with no container open.
     StorageScheme64() : StorageScheme(kStorageLayout64) {}
 };
 
