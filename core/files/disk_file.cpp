@@ -63,11 +63,11 @@ class DiskFile : public FileImpl, public ISharedFile {
         : FileImpl(std::move(url)), descriptor_(std::move(descriptor)), newPath_(std::move(path)) {}
 
     std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
-        if (position > kMaxFileLength)
+        if (position >= kMaxFileLength)
             return 0;
         for (;;) {
             const auto done =
-                ::pread(descriptor_.number(), buffer, std::min(count, kMaxTransfer), offset(position));
+                ::pread(descriptor_.number(), buffer, transfer(position, count), offset(position));
             if (done >= 0)
                 return static_cast<std::size_t>(done);
             if (errno != EINTR)
@@ -76,11 +76,13 @@ class DiskFile : public FileImpl, public ISharedFile {
     }
 
     std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override {
-        if (position > kMaxFileLength)
+        if (count == 0)
+            return 0;
+        if (position >= kMaxFileLength)
             throw_file_error(messages::kFileWrite, url(), EFBIG);
         for (;;) {
             const auto done =
-                ::pwrite(descriptor_.number(), buffer, std::min(count, kMaxTransfer), offset(position));
+                ::pwrite(descriptor_.number(), buffer, transfer(position, count), offset(position));
             if (done >= 0)
                 return static_cast<std::size_t>(done);
             if (errno != EINTR)
@@ -140,6 +142,12 @@ class DiskFile : public FileImpl, public ISharedFile {
     }
 
   private:
+    /// What of `count` bytes the system takes at once: no more than it can count to, nor behind its last
+    /// offset.
+    static std::size_t transfer(std::uint64_t position, std::size_t count) {
+        return static_cast<std::size_t>(
+            std::min<std::uint64_t>(std::min(count, kMaxTransfer), kMaxFileLength - position));
+    }
     static ::off_t offset(std::uint64_t position) { return static_cast<::off_t>(position); }
 
     [[nodiscard]] struct stat status() const {

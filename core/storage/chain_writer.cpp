@@ -230,8 +230,13 @@ ChainWriter::Result ChainWriter::finish() {
         base_.walk(reader);
     const StorageLayout& layout = container_.layout();
     Result result{null, BlockRuns(layout.blockHeaderSize()), base_.runs()};
-    if (sharing)
-        (void)result.released.cutAt(shared);
+    if (sharing) {
+        // Blocks without data that stand in front of the first shared one are passed over, so they are not in
+        // use.
+        const BlockRuns kept = result.released.cutAt(shared);
+        for (auto run = kept.runs().begin(); run != kept.runs().end() && run->size == 0; ++run)
+            result.released.append(run->address, run->size, run->count);
+    }
     if (size_ == 0) {
         discard();
         return result;

@@ -2,6 +2,7 @@
 // What a damaged container holds: the caller gets an error that says so, in bounded time, and nothing more is
 // damaged.
 #include "tests/support/fault_container.h"
+#include "tests/support/storage_image.h"
 
 #include <core/storage/errors.h>
 
@@ -71,12 +72,7 @@ class Damaged : public test::FaultContainer {
         }
         return bytes;
     }
-    std::string hex(std::uint64_t number) const {
-        std::string text(layout_.digits(), '0');
-        for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number /= 16)
-            *digit = "0123456789abcdef"[number % 16];
-        return text;
-    }
+    [[nodiscard]] std::string hex(std::uint64_t number) const { return test::hex(number, layout_.digits()); }
 };
 INSTANTIATE_TEST_SUITE_P(Layouts, Damaged, test::kBothLayouts, test::name_of_layout);
 

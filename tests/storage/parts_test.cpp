@@ -195,6 +195,9 @@ TEST(StorageFileInfo, IsTheRecordOfTheFormat) {
     EXPECT_EQ(StorageFileInfo::decode(record), info);
     EXPECT_EQ(StorageFileInfo::decode(std::span(record).first(24))->name, u"");
     EXPECT_FALSE(StorageFileInfo::decode(std::span(record).first(23)));
+    Bytes far = record;
+    far[7] = std::byte{1}; // a number that no date has
+    EXPECT_GE(StorageFileInfo::decode(far)->created, Date(9999, 12, 31));
 }
 
 } // namespace

@@ -84,6 +84,8 @@ TEST_P(Scheme, FindsCopiesMovesAndRemovesInnerFiles) {
     system_->copyFile(b + u"one", u"mem://out");
     system_->moveFile(u"mem://out", a + u"in");
     EXPECT_EQ(list(a + u"in"), "in:1 ");
+    EXPECT_EQ(system_->remove(a + u"in"), 1U);
+    EXPECT_EQ(list(a + u"in"), "");
 }
 
 TEST_P(Scheme, MovesAreNeverLosses) {

@@ -149,6 +149,30 @@ TEST_P(Sharing, SharesTheFileWithOtherOpenContainers) {
     EXPECT_TRUE(a.check().isClean());
 }
 
+TEST_P(Sharing, ReadingKeepsOthersFromCommittingAcrossOwnChanges) {
+    ReplacedClock clock;
+    StorageRW a = open();
+    StorageRW b = open();
+    const auto isBusy = [&] { return !message_of([&] { b.put(u"b", {}); }).empty(); };
+    {
+        const StorageReading outer(a);
+        const StorageReading inner(a);
+        a.put(u"a", {}); // its own reading does not wait for itself
+        EXPECT_TRUE(isBusy()) << "still reading after the commit";
+    }
+    EXPECT_FALSE(isBusy());
+    {
+        auto writer = a.open(u"c", OpenMode::create);
+        const StorageReading reading(a);
+        EXPECT_TRUE(isBusy());
+        writer->close();
+        EXPECT_TRUE(isBusy()) << "still reading after the turn";
+        EXPECT_EQ(b.find().size(), 3U) << "others may read";
+    }
+    EXPECT_FALSE(isBusy());
+    EXPECT_EQ(test::contents(a), (Model{{u"a", {}}, {u"b", {}}, {u"c", {}}}));
+}
+
 TEST_P(Sharing, ThreadsShareOneHandle) {
     StorageRW storage = open();
     constexpr int kRounds = 200;

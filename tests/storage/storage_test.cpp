@@ -195,6 +195,33 @@ TEST_P(Storage, RewritesOnlyWhatComesBeforeAChange) {
     EXPECT_EQ(storage.get(u"a")[5120], std::byte{'x'});
 }
 
+TEST_P(Storage, LargeFilesStayTogetherAndSmallOnesFillTheHoles) {
+    StorageRW storage = open();
+    const auto name = [](int i) { return u"file" + wstring(1, static_cast<wchar>(u'A' + i)); };
+    for (int i = 0; i < 40; ++i)
+        storage.put(name(i), Bytes(512 * 10));
+    for (int i = 0; i < 40; i += 2)
+        storage.remove(name(i)); // holes of ten blocks, and some for attributes
+    const StorageInfo before = storage.info();
+    storage.put(u"small", Bytes(512 * 62));
+    EXPECT_EQ(storage.info().fileLength, before.fileLength)
+        << "63 blocks, one for the attributes, fit into the holes";
+    EXPECT_GE(storage.info().fragments, before.fragments + 6);
+    storage.remove(u"small");
+    storage.put(u"large", Bytes(512 * 63));
+    EXPECT_EQ(storage.info().fragments, before.fragments + 1) << "64 blocks lie in one piece";
+    EXPECT_GT(storage.info().fileLength, before.fileLength);
+    storage.put(u"guard", Bytes(1));
+    storage.put(u"another", Bytes(512 * 63));
+    const std::uint64_t longest = storage.info().fileLength;
+    storage.remove(u"large");
+    storage.put(u"again", Bytes(512 * 63));
+    EXPECT_EQ(storage.info().fileLength, longest) << "the hole that is long enough is taken";
+    storage.put(u"more", Bytes(512 * 63));
+    EXPECT_GT(storage.info().fileLength, longest) << "there is no other";
+    EXPECT_TRUE(storage.check().isClean());
+}
+
 TEST_P(Storage, UsesFreeSpaceAgainAndGivesTheEndBack) {
     StorageRW storage = open();
     std::uint64_t most = 0;

@@ -68,6 +68,8 @@ class FaultFile : public FileImpl, public ISharedFile {
     std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override {
         disk_.call("IDS_FILE_WRITE", url());
         count = std::min(count, disk_.longestTransfer);
+        if (count == 0)
+            return 0;
         if (position + count > disk_.capacity && position + count > disk_.bytes.size()) {
             if (position >= disk_.capacity)
                 throw_file_error("IDS_FILE_WRITE", url(), ENOSPC);
