@@ -133,6 +133,10 @@ TEST_F(Allocation, TablesStayWhole) {
         "T.Indexes.Add(\"Name\");"
         "For I = 1 To 30 Do R = T.Add(); R.Name = \"name \" + (I * 7 % 11); R.Sum = I / 8;"
         "R.Any = New Array(1); EndDo; R = Undefined; I = 0;";
+    // Numbers that need no memory in the column, and one on the way that does.
+    const std::string numbers = std::string(table) +
+                                "U = T.UnloadColumn(\"Sum\"); U[0] = 5; U[9] = 1000000 * 1000000 * "
+                                "1000000 * 1000000;";
     const char* const tree = "T = New ValueTree; T.Columns.Add(\"Name\"); "
                              "For I = 1 To 9 Do R = T.Rows.Add(); R.Name = \"name \" + (I * 7 % 11);"
                              "R.Rows.Add().Name = \"below\"; EndDo; R = Undefined; I = 0;";
@@ -156,6 +160,7 @@ TEST_F(Allocation, TablesStayWhole) {
         {table, "C = T.CopyColumns(\"Name, Any\");"},
         {table, "U = T.UnloadColumn(\"Name\");"},
         {table, "T.LoadColumn(T.UnloadColumn(\"Sum\"), \"Any\");"},
+        {numbers.c_str(), "T.LoadColumn(U, \"Sum\");"},
         {table, "T.Columns.Add(\"More\", New TypeDescription(\"Date\"), \"A title for it\");",
          "P = T.Columns.Find(\"More\") = Undefined;"},
         {table, "T.Columns.Insert(1, \"More\");"},

@@ -53,6 +53,8 @@ TEST_F(TableCells, KeepCellsOfEveryFormThroughEveryChange) {
     // Values that need a wider form than the column has, each written between plain ones and read back.
     const GenericValue changes[] = {0.5,
                                     Numeric::fromScaled(1, 18),
+                                    std::int64_t{1} << 58,
+                                    -(std::int64_t{1} << 58),
                                     std::numeric_limits<std::int64_t>::max(),
                                     std::numeric_limits<std::int64_t>::min(),
                                     Numeric(10).pow(40),

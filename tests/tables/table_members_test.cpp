@@ -112,6 +112,8 @@ TEST_F(TableMembers, RowsShowTheColumnsOfTheMoment) {
 
     const GenericValue a = property(columns, u"A");
     a.query<IContext_>()->setPropVal(0, u"Номер");
+    a.query<IContext_>()->setPropVal(0, u"номер"); // its own name, written otherwise
+    EXPECT_EQ(wstring(context->getPropName(0, kRussian)), u"номер");
     EXPECT_TRUE(property(row, u"НОМЕР").equals(2));
     EXPECT_EQ(context->findProp(u"A"), -1);
     call(columns, u"Insert", {0, u"First"});
@@ -128,7 +130,7 @@ TEST_F(TableMembers, RowsShowTheColumnsOfTheMoment) {
     call(columns, u"Clear");
     EXPECT_EQ(context->getNProps(), 0);
     EXPECT_TRUE(call(table, u"Count").equals(2));
-    EXPECT_EQ(failure([&] { return property(a, u"Name"); }), unknown_column(u"Номер"));
+    EXPECT_EQ(failure([&] { return property(a, u"Name"); }), unknown_column(u"номер"));
 }
 
 TEST_F(TableMembers, ObjectsOutliveWhatTheyStandFor) {
