@@ -60,6 +60,9 @@ class Crowd {
         const StorageCheck check = (writer_ ? second_ : first_).check();
         if (!check.isClean())
             throw std::logic_error("a container is not whole");
+        const StorageInfo info = second_.info();
+        if (!writer_ && info.fileLength != info.end)
+            throw std::logic_error("the end of a file that nobody uses was not given back");
         const std::size_t position = random_.below(steady_.size());
         Bytes read(random_.below(steady_.size() - position) + 1);
         const std::size_t done = read_all_at(*reader_, position, read);
