@@ -201,6 +201,11 @@ TEST(ExceptionObject, ChainsAreWalkedAndBounded) {
     EXPECT_EQ(links, Nesting::kMaxDepth);
     last = wrap_exception(Exception(u"one too many", last.get()));
     EXPECT_THROW(serialized(last.get()), ListStreamException);
+    // The reader has the same limit.
+    wstring text = u"{\"link\"}";
+    for (int i = 0; i < Nesting::kMaxDepth; ++i)
+        text = u"{\"link\"," + to_string(Exception::kClassId) + u',' + text + u'}';
+    EXPECT_THROW(deserialized(Exception::kClassId, text), ListStreamException);
 }
 
 TEST(ExceptionObject, AFailureCrossesAnInterface) {

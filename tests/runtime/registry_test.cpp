@@ -259,6 +259,9 @@ TEST(ResourceBundle, SpeaksTheLanguageOfTheThreadAndFallsBack) {
     bundle.cleanup();
     EXPECT_NE(bundle.getString("IDS_NUMERROR_DIVIDEBYZERO", Locale("ru"), length), nullptr);
     EXPECT_EQ(message_text("IDS_NO_SUCH_TEXT", {u"7"}), u"IDS_NO_SUCH_TEXT 7");
+    const wstring filled = message_text("IDS_FILE_READ", {u"the {1} file", u"no reason"});
+    EXPECT_NE(filled.find(u"the {1} file"), wstring::npos) << "what is filled in is not filled in again";
+    EXPECT_NE(filled.find(u"no reason"), wstring::npos);
 }
 
 TEST(Resources, BytesOfTheMostSpecificBundle) {
