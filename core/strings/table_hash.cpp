@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/strings/table_hash.h"
+
 #include "core/strings/folded_reader.h"
 
 #include <core/runtime/random.h>
-#include <core/strings/table_hash.h>
 
 #include <cstring>
 
