@@ -15,15 +15,6 @@ namespace core {
 [[nodiscard]] CORE_API bool is_valid_name(wstring_view text) noexcept;
 [[nodiscard]] CORE_API bool is_valid_name(std::string_view text);
 
-/// The hash and the length, in code units, of a name's full case folding: names that compare_nocase calls
-/// equal have equal fingerprints.
-struct NameFingerprint {
-    std::int32_t hash = 0;
-    std::uint32_t length = 0;
-    friend bool operator==(const NameFingerprint&, const NameFingerprint&) = default;
-};
-[[nodiscard]] CORE_API NameFingerprint name_fingerprint(wstring_view name) noexcept;
-
 /// h = 0, then h = h * 5 + c for each unit c of the full case folding, modulo 2^32.
 [[nodiscard]] CORE_API std::int32_t hash_nocase(wstring_view text) noexcept;
 [[nodiscard]] CORE_API std::int32_t hash_nocase(std::string_view text);
