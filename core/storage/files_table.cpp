@@ -2,7 +2,7 @@
 #include "core/storage/files_table.h"
 
 #include "core/storage/little_endian.h"
-#include "core/strings/folded_reader.h"
+#include "core/strings/folding.h"
 
 #include <algorithm>
 #include <array>

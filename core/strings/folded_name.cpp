@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/strings/folded_name.h"
 
-#include "core/strings/folded_reader.h"
+#include "core/strings/folding.h"
 #include "core/strings/table_hash.h"
 
 #include <utility>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/strings/class_table.h"
-#include "core/strings/folded_reader.h"
+#include "core/strings/folding.h"
 
 #include <core/runtime/utf8.h>
 #include <core/strings/names.h>

@@ -3,7 +3,7 @@
 // texts rich in what folds in odd ways.
 #include "core/strings/table_hash.h"
 
-#include <core/strings/case_fold.h>
+#include <core/strings/compare.h>
 #include <core/strings/like.h>
 #include <core/strings/names.h>
 
