@@ -2,11 +2,12 @@
 // Maps of boxed keys and structures. Two peers under a map of a million keys: a flat hash table of the same
 // values with the same hash, which shows the table's own layout, and one of counted boxes of the kind that a
 // program makes for itself (a count and an integer or a std::u16string). QVariantHash beside the structure.
+#include "core/values/value_hash.h"
+
 #include <core/collections.h>
 #include <core/runtime.h>
 #include <core/runtime/module.h>
 #include <core/values.h>
-#include <core/values/value_hash.h>
 
 #include <QtCore/QHash>
 #include <QtCore/QString>

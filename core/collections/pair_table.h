@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/strings/hash_index.h"
+
 #include <core/values/value.h>
 
 #include <cstdint>
@@ -9,16 +11,13 @@
 
 namespace core {
 
-/// The pairs of a map or a structure: in the order of insertion, found by the hash of their keys. What a hash
-/// is and when keys are equal is for the owner to say.
+/// The pairs of a map or a structure: in the order of insertion, found by the hash of their keys. The owner
+/// says what a hash is and when keys are equal.
 ///
-///  1. Pairs stand in one row in the order of insertion. An erased one has hash 0 and holds Undefined twice;
-///     it goes when half of the row is erased, so that erasing costs constant time in the long run.
-///  2. Up to kUnindexed pairs are found by walking the row, of which none is then erased.
-///  3. More are found by the slots, a power of two of them, at most two thirds in use. A slot holds the upper
-///     half of a pair's hash and its place; the highest bits of a hash say where its search begins, and no
-///     free slot stands between there and its slot. Growing and searching for what is not there touch no
-///     pair.
+///  1. Pairs stand in one row in the order of insertion. An erased one has hash 0 and holds Undefined twice.
+///     It goes when half of the row is erased, so that erasing takes constant time in the long run.
+///  2. Up to kUnindexed pairs are found by walking the row. None of them is erased then.
+///  3. More are found by the index, which holds the positions of all but the erased.
 class PairTable {
   public:
     struct Pair {
@@ -34,30 +33,25 @@ class PairTable {
     /// The pair with that hash, not 0, of which `equal` is true; or null. Valid until the next change.
     template <class Equal>
     [[nodiscard]] Pair* find(std::uint64_t hash, Equal equal) noexcept {
-        if (slots_.empty()) {
+        if (index_.empty()) {
             for (Pair& pair : pairs_) {
                 if (pair.hash == hash && equal(pair))
                     return &pair;
             }
             return nullptr;
         }
-        const std::uint32_t tag = tag_of(hash);
-        const std::size_t mask = slots_.size() - 1;
-        for (std::size_t i = home(tag); slots_[i].tag != kFree; i = (i + 1) & mask) {
-            if (slots_[i].tag != tag)
-                continue;
-            Pair& pair = pairs_[slots_[i].place];
-            if (pair.hash == hash && equal(pair))
-                return &pair;
-        }
-        return nullptr;
+        Pair* const pairs = pairs_.data();
+        const HashIndex::Position found = index_.find(hash, [=](HashIndex::Position position) {
+            return pairs[position].hash == hash && equal(pairs[position]);
+        });
+        return found != HashIndex::kNone ? pairs + found : nullptr;
     }
     template <class Equal>
     [[nodiscard]] const Pair* find(std::uint64_t hash, Equal equal) const noexcept {
         return const_cast<PairTable*>(this)->find(hash, equal);
     }
 
-    /// Adds a pair whose key is not here.
+    /// Adds a pair whose key is not here. Throws std::bad_alloc; nothing has changed then.
     void append(std::uint64_t hash, Value key, Value value);
     void erase(Pair& pair) noexcept;
     void clear() noexcept;
@@ -68,27 +62,15 @@ class PairTable {
 
   private:
     static constexpr std::size_t kUnindexed = 8;
-    static constexpr std::size_t kMaxPairs = std::size_t{1} << 30; // so that a tag needs no more than 31 bits
-    static constexpr std::uint32_t kFree = 0;
-    struct Slot {
-        std::uint32_t tag;   // kFree, or odd
-        std::uint32_t place; // in the row
-    };
 
-    static std::uint32_t tag_of(std::uint64_t hash) noexcept {
-        return static_cast<std::uint32_t>(hash >> 32) | 1;
+    [[nodiscard]] HashIndex::Position positionInRow(const Pair& pair) const noexcept {
+        return static_cast<HashIndex::Position>(&pair - pairs_.data());
     }
-    [[nodiscard]] std::size_t home(std::uint32_t tag) const noexcept { return tag >> shift_; }
-    [[nodiscard]] std::size_t slotOf(const Pair& pair) const noexcept;
-    static void enter(std::vector<Slot>& slots, unsigned shift, Slot slot) noexcept;
-    void grow();
-    void leave(std::size_t slot) noexcept;
     void compact() noexcept;
 
     std::vector<Pair> pairs_;
-    std::vector<Slot> slots_;
+    HashIndex index_;
     std::uint32_t erased_ = 0;
-    unsigned shift_ = 0; // of a tag, to its home
 };
 
 } // namespace core

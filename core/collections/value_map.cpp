@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/pairs_impl.h"
+#include "core/values/value_hash.h"
 
 #include <core/collections/value_map.h>
-#include <core/values/value_hash.h>
 
 namespace core {
 namespace {

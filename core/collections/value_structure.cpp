@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/pairs_impl.h"
 #include "core/lists/malformed.h"
+#include "core/values/value_hash.h"
 
 #include <core/collections/errors.h>
 #include <core/collections/value_structure.h>
@@ -10,7 +11,6 @@
 #include <core/strings/names.h>
 #include <core/strings/trim.h>
 #include <core/values/errors.h>
-#include <core/values/value_hash.h>
 
 namespace core {
 namespace {

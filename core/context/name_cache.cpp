@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/strings/folded_name.h"
+#include "core/strings/hash_index.h"
 
 #include <core/context/name_cache.h>
+#include <core/strings/compare.h>
 
 #include <algorithm>
-#include <bit>
+#include <limits>
+#include <new>
+#include <vector>
 
 namespace core {
 namespace {
-
-constexpr std::size_t kMinSlots = 8;
 
 template <class Name>
 int walk(int count, const wchar* wanted, Name name) {
@@ -35,65 +37,65 @@ auto methods_of(const IContextDef& def) {
 
 } // namespace
 
+/// The names stand one behind the other in `words`: each a word with its number and the length of its
+/// folding, then the words of the folding. A name's position is that of its first word.
+struct NameTable::Content {
+    [[nodiscard]] HashIndex::Position find(const FoldedName& name) const noexcept {
+        return index.find(name.hash(), [&](HashIndex::Position position) {
+            return lengthAt(position) == name.length() && name.isSame(words.data() + position + 1);
+        });
+    }
+    [[nodiscard]] std::size_t lengthAt(HashIndex::Position position) const noexcept {
+        return static_cast<std::size_t>(words[position] >> 32);
+    }
+    [[nodiscard]] int numberAt(HashIndex::Position position) const noexcept {
+        return static_cast<std::int32_t>(words[position]);
+    }
+    void add(const FoldedName& name, int number) {
+        const std::size_t position = words.size();
+        if (position >= HashIndex::kNone || name.length() > std::numeric_limits<std::uint32_t>::max())
+            throw std::bad_alloc();
+        index.reserve(index.size() + 1);
+        name.appendTo(words, std::uint64_t{name.length()} << 32 | static_cast<std::uint32_t>(number));
+        index.add(name.hash(), static_cast<HashIndex::Position>(position));
+    }
+
+    HashIndex index;
+    std::vector<std::uint64_t> words;
+};
+
+NameTable::NameTable() noexcept = default;
+NameTable::NameTable(NameTable&& other) noexcept = default;
+NameTable& NameTable::operator=(NameTable&& other) noexcept = default;
+NameTable::~NameTable() = default;
+
 void NameTable::reserve(int count) {
-    const std::size_t slots = std::bit_ceil(4 * static_cast<std::size_t>(std::max(count, 0)));
-    if (slots > slots_.size())
-        resize(std::max(slots, kMinSlots));
-}
-
-void NameTable::clear() noexcept {
-    slots_.clear();
-    size_ = 0;
-    foldings_.clear();
-}
-
-/// The slot with an entry of that fingerprint that `same` is true of, or the free one where it would stand.
-/// There is always a free one.
-template <class Same>
-std::size_t NameTable::slotOf(const NameFingerprint& fingerprint, Same same) const noexcept {
-    const std::size_t mask = slots_.size() - 1;
-    // The hash of short names leaves the upper bits bare: spread it over all of them.
-    std::size_t slot = (static_cast<std::uint32_t>(fingerprint.hash) * 0x9E3779B1U >> 7) & mask;
-    for (; slots_[slot].folding != kFree; slot = (slot + 1) & mask) {
-        const Entry& entry = slots_[slot];
-        if (entry.fingerprint == fingerprint && same(entry))
-            break;
-    }
-    return slot;
-}
-
-std::size_t NameTable::slotOf(const FoldedName& name) const noexcept {
-    return slotOf(name.fingerprint(),
-                  [&](const Entry& entry) { return name.isSame(foldings_.data() + entry.folding); });
-}
-
-void NameTable::resize(std::size_t slots) {
-    std::vector<Entry> old(slots);
-    slots_.swap(old);
-    for (const Entry& entry : old) {
-        if (entry.folding != kFree)
-            slots_[slotOf(entry.fingerprint, [](const Entry&) { return false; })] = entry;
-    }
+    if (!content_)
+        content_ = std::make_unique<Content>();
+    content_->index.reserve(2 * static_cast<std::size_t>(std::max(count, 0)));
 }
 
 void NameTable::add(wstring_view name, int number) {
-    if (2 * (size_ + 1) > slots_.size())
-        resize(std::max(2 * slots_.size(), kMinSlots));
-    const FoldedName wanted(name);
-    Entry& entry = slots_[slotOf(wanted)];
-    if (entry.folding != kFree)
-        return;
-    const auto folding = static_cast<std::uint32_t>(foldings_.size());
-    wanted.appendTo(foldings_);
-    entry = {wanted.fingerprint(), number, folding};
-    ++size_;
+    if (!content_)
+        content_ = std::make_unique<Content>();
+    const FoldedName folded(name);
+    if (content_->find(folded) == HashIndex::kNone)
+        content_->add(folded, number);
+}
+
+void NameTable::clear() noexcept {
+    content_.reset();
 }
 
 int NameTable::find(wstring_view name) const noexcept {
-    if (slots_.empty())
+    if (!content_)
         return -1;
-    const Entry& entry = slots_[slotOf(FoldedName(name))];
-    return entry.folding != kFree ? entry.number : -1;
+    const HashIndex::Position position = content_->find(FoldedName(name));
+    return position != HashIndex::kNone ? content_->numberAt(position) : -1;
+}
+
+std::size_t NameTable::size() const noexcept {
+    return content_ ? content_->index.size() : 0;
 }
 
 void ContextDefCached::initPropsCache(const IContextDef& def) const {

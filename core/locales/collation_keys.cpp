@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/locales/collation_keys.h"
+
 #include "core/locales/collator.h"
 #include "core/locales/letter_order.h"
 #include "core/runtime/icu_length.h"
 
-#include <core/locales/collation_keys.h>
 #include <core/runtime/errors.h>
 
 #include <algorithm>

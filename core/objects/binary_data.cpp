@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/lists/malformed.h"
 #include "core/objects/base64.h"
+#include "core/strings/table_hash.h"
 
 #include <core/context/arguments.h>
 #include <core/context/script_object.h>
@@ -8,7 +9,6 @@
 #include <core/lists/list_out_stream.h>
 #include <core/objects/binary_data.h>
 #include <core/runtime/utf8.h>
-#include <core/strings/table_hash.h>
 
 #include <algorithm>
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/block_format.h"
 
-#include "core/storage/little_endian.h"
-
 #include <core/storage/errors.h>
 
 #include <algorithm>
@@ -11,43 +9,22 @@
 namespace core {
 namespace {
 
-constexpr std::uint64_t kOnes = 0x0101010101010101;
-constexpr std::uint64_t kTops = 0x80 * kOnes;
-
-/// Eight hexadecimal digits at once, a byte each in one word.
-std::uint64_t eight_digits(const std::byte* from) {
-    const std::uint64_t text = load_number(from, 8);
-    // Adding to bytes below 128 never carries into the next one: the top bit tells
-    // which are at least a limit.
-    const auto atLeast = [](std::uint64_t bytes, unsigned limit) {
-        return (bytes + (0x80 - limit) * kOnes) & kTops;
-    };
-    if ((text & kTops) != 0)
+/// The value of a digit of either case.
+std::uint64_t hex_value(std::byte digit) {
+    const auto c = static_cast<unsigned char>(digit);
+    if (c >= '0' && c <= '9')
+        return c - unsigned{'0'};
+    const unsigned letter = c | 0x20U;
+    if (letter < 'a' || letter > 'f')
         throw HexConvExc();
-    const std::uint64_t lower = text | 0x20 * kOnes;
-    const std::uint64_t digits = atLeast(text, '0') & ~atLeast(text, '9' + 1);
-    const std::uint64_t letters = atLeast(lower, 'a') & ~atLeast(lower, 'f' + 1);
-    if ((digits | letters) != kTops)
-        throw HexConvExc();
-    std::uint64_t value = (text & 0x0F * kOnes) + (letters >> 7) * 9;
-    // The first digit is the highest: join neighbours, then pairs, then fours.
-    value = (value << 4 | value >> 8) & 0x00FF00FF00FF00FF;
-    value = (value << 8 | value >> 16) & 0x0000FFFF0000FFFF;
-    return (value << 16 | value >> 32) & 0xFFFFFFFF;
+    return letter - 'a' + 10;
 }
 
 std::uint64_t decode_hex(const std::byte* from, std::size_t digits) {
-    const std::uint64_t high = eight_digits(from);
-    return digits == 8 ? high : high << 32 | eight_digits(from + 8);
-}
-
-void encode_eight(std::byte* to, std::uint64_t value) noexcept {
-    // The same steps backwards.
-    value = (value & 0xFFFF) << 32 | (value & 0xFFFF0000) >> 16;
-    value = (value & 0x000000FF000000FF) << 16 | (value & 0x0000FF000000FF00) >> 8;
-    value = (value & 0x000F000F000F000F) << 8 | (value & 0x00F000F000F000F0) >> 4;
-    const std::uint64_t letters = (value + 6 * kOnes) >> 4 & kOnes;
-    store_number(to, value + '0' * kOnes + letters * ('a' - '0' - 10), 8);
+    std::uint64_t value = 0;
+    for (std::size_t i = 0; i < digits; ++i)
+        value = value << 4 | hex_value(from[i]);
+    return value;
 }
 
 bool is(const std::byte* from, char a, char b) noexcept {
@@ -71,11 +48,8 @@ BlockHeader decode_block_header(const std::byte* from, const StorageLayout& layo
 }
 
 void encode_number(std::byte* to, const StorageLayout& layout, std::uint64_t number) noexcept {
-    if (layout.digits() == 16) {
-        encode_eight(to, number >> 32);
-        to += 8;
-    }
-    encode_eight(to, number & 0xFFFFFFFF);
+    for (std::size_t i = layout.digits(); i-- > 0; number >>= 4)
+        to[i] = static_cast<std::byte>("0123456789abcdef"[number & 0xF]);
 }
 
 void encode_block_header(std::byte* to, const StorageLayout& layout, const BlockHeader& header) noexcept {

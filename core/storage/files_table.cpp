@@ -2,13 +2,14 @@
 #include "core/storage/files_table.h"
 
 #include "core/storage/little_endian.h"
-#include "core/strings/folded_reader.h"
+#include "core/strings/folding.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <string_view>
 
 namespace core {
@@ -129,12 +130,9 @@ std::optional<std::size_t> FilesTable::rowOf(wstring_view name) const {
     if (index_.empty() && ++searches_ > rows_.size() / 16)
         makeIndex();
     if (!index_.empty()) {
-        const std::size_t mask = index_.size() - 1;
-        for (std::size_t slot = Hash()(name) & mask; index_[slot] != 0; slot = (slot + 1) & mask) {
-            if (nameOf(index_[slot] - 1) == name)
-                return index_[slot] - 1;
-        }
-        return std::nullopt;
+        const auto row =
+            index_.find(table_hash(name), [&](HashIndex::Position row) { return nameOf(row) == name; });
+        return row != HashIndex::kNone ? std::optional<std::size_t>(row) : std::nullopt;
     }
     std::size_t low = 0;
     std::size_t high = rows_.size();
@@ -149,23 +147,14 @@ std::optional<std::size_t> FilesTable::rowOf(wstring_view name) const {
 }
 
 void FilesTable::makeIndex() const {
-    if (rows_.empty() || rows_.size() >= std::numeric_limits<std::uint32_t>::max())
+    try {
+        index_.reserve(rows_.size());
+    } catch (const std::bad_alloc&) { // the sorted rows can be searched without
+        searches_ = 0;
         return;
-    index_.resize(std::bit_ceil(2 * rows_.size()));
-    const std::size_t mask = index_.size() - 1;
-    std::size_t steps = 16 * rows_.size();
-    for (std::size_t row = 0; row < rows_.size(); ++row) {
-        std::size_t slot = Hash()(nameOf(row)) & mask;
-        while (index_[slot] != 0) {
-            slot = (slot + 1) & mask;
-            if (--steps == 0) { // names chosen to collide: go on searching the sorted rows
-                index_.clear();
-                searches_ = 0;
-                return;
-            }
-        }
-        index_[slot] = static_cast<std::uint32_t>(row + 1);
     }
+    for (std::size_t row = 0; row < rows_.size(); ++row)
+        index_.add(table_hash(nameOf(row)), static_cast<HashIndex::Position>(row));
 }
 
 FilesTable::SortedChanges FilesTable::sortedChanges() const {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/strings/hash_index.h"
+#include "core/strings/table_hash.h"
+
 #include <core/runtime/types.h>
 #include <core/storage/files_type.h>
 #include <core/storage/layout.h>
@@ -68,7 +71,9 @@ class FilesTable {
     };
     struct Hash {
         using is_transparent = void;
-        std::size_t operator()(wstring_view name) const noexcept { return std::hash<wstring_view>()(name); }
+        std::size_t operator()(wstring_view name) const noexcept {
+            return static_cast<std::size_t>(table_hash(name));
+        }
     };
     struct Edit {
         Change change;
@@ -97,8 +102,8 @@ class FilesTable {
     wstring names_; // of all rows, one behind the other
     Changes changes_;
     bool changed_ = false;
-    // Rows by the hash of their names, counted from 1; made once so many names were asked for that it pays.
-    mutable std::vector<std::uint32_t> index_;
+    // The rows by their names; made once so many names were asked for that it pays.
+    mutable HashIndex index_;
     mutable std::size_t searches_ = 0;
 };
 

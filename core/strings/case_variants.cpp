@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/strings/case_variants.h"
 
-#include "core/strings/fold_table.h"
+#include "core/strings/folding.h"
 
 #include <algorithm>
 

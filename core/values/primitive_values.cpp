@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/memory/counted_block.h"
 #include "core/values/primitive_types.h"
+#include "core/values/value_hash.h"
 
 #include <core/lists/list_out_stream.h>
 #include <core/locales/bool_format.h>
@@ -11,7 +12,6 @@
 #include <core/strings/names.h>
 #include <core/strings/trim.h>
 #include <core/values/primitive_values.h>
-#include <core/values/value_hash.h>
 
 #include <cstring>
 #include <new>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/values/value_hash.h>
+#include "core/values/value_hash.h"
 
 #include <optional>
 

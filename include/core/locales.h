@@ -10,7 +10,6 @@
 /// is refused with a CtorException.
 #include <core/locales/bool_format.h>
 #include <core/locales/collate.h>
-#include <core/locales/collation_keys.h>
 #include <core/locales/date_format.h>
 #include <core/locales/errors.h>
 #include <core/locales/numeric_format.h>

@@ -2,7 +2,6 @@
 #pragma once
 
 /// Texts: comparison with and without regard to case, names, patterns, and the everyday helpers.
-#include <core/strings/case_fold.h>
 #include <core/strings/char_class.h>
 #include <core/strings/compare.h>
 #include <core/strings/errors.h>

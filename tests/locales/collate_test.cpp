@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The order of a language: what differs from the order of code units, and that keys stand in the same order.
+#include "core/locales/collation_keys.h"
+
 #include <core/locales/collate.h>
-#include <core/locales/collation_keys.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/compare.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/strings/case_fold.h>
+#include <core/strings/compare.h>
 
 #include <algorithm>
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: what is shared and what is made; holders never empty and safe to assign to themselves; readings
 // across kinds; equality, hashes and order that agree; foreign values that only look like the library's own.
+#include "core/values/value_hash.h"
+
 #include <core/runtime.h>
 #include <core/values.h>
-#include <core/values/value_hash.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>

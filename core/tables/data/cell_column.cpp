@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/data/cell_column.h"
 
-#include <core/values/value_hash.h>
+#include "core/values/value_hash.h"
 
 #include <algorithm>
 #include <array>

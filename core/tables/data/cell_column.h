@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/strings/table_hash.h"
 #include "core/tables/data/row_range.h"
 #include "core/tables/data/value_dictionary.h"
 
 #include <core/numbers/numeric.h>
-#include <core/strings/table_hash.h>
 
 #include <cstdint>
 #include <limits>

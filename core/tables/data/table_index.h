@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/strings/hash_index.h"
 #include "core/tables/data/row_range.h"
 #include "core/tables/data/table_column.h"
 
@@ -32,28 +33,18 @@ class TableIndex : public TablePart<TableIndex> {
     void find(std::span<const CellProbe> probes, std::vector<RowId>& rows) const;
 
   private:
-    struct Slot {
-        std::uint32_t tag = 0;
-        RowId first = kNoRow;
-    };
     struct Link {
         RowId next;
         RowId previous;
     };
 
-    [[nodiscard]] std::uint32_t tagOf(RowId row) const noexcept;
-    [[nodiscard]] bool sameKey(RowId a, RowId b) const noexcept;
-    template <class Matches>
-    [[nodiscard]] std::size_t search(std::uint32_t tag, Matches matches) const noexcept;
-    [[nodiscard]] std::size_t slotOf(RowId row) const noexcept;
+    [[nodiscard]] std::uint64_t hashOf(RowId row) const noexcept;
+    [[nodiscard]] RowId firstWithKeyOf(RowId row, std::uint64_t hash) const noexcept;
     void add(RowId row);
-    void growSlots();
-    void freeSlot(std::size_t slot) noexcept;
 
     std::vector<const TableColumn*> columns_;
-    std::vector<Slot> slots_; // a power of two of them, at most half in use; a slot a key
+    HashIndex index_;         // of the first row of each key
     std::vector<Link> links_; // by row: a ring of the rows of one key
-    std::size_t keys_ = 0;
     bool current_ = false;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/strings/hash_index.h"
+
 #include <core/values/value.h>
 
 #include <cstdint>
@@ -14,7 +16,7 @@ namespace core {
 /// in the order of first appearance.
 class ValueDictionary {
   public:
-    using Code = std::uint32_t;
+    using Code = HashIndex::Position;
 
     /// How many codes there are, that of Undefined among them.
     [[nodiscard]] std::size_t size() const noexcept { return values_.size(); }
@@ -26,16 +28,12 @@ class ValueDictionary {
     [[nodiscard]] Code add(const Value& value);
 
   private:
-    struct Slot {
-        std::uint32_t tag;
-        Code code; // 0: free
-    };
-
-    [[nodiscard]] std::size_t slotOf(std::uint64_t hash, const Value& value) const noexcept;
-    void grow();
+    [[nodiscard]] Code search(std::uint64_t hash, const Value& value) const noexcept {
+        return index_.find(hash, [&](Code code) { return values_[code].equals(value); });
+    }
 
     std::vector<Value> values_{Value()};
-    std::vector<Slot> slots_; // a power of two of them, at most half in use
+    HashIndex index_; // of all values but Undefined
 };
 
 } // namespace core

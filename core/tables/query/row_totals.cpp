@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/row_totals.h"
 
+#include "core/strings/hash_index.h"
 #include "core/tables/data/word_span.h"
 
 namespace core {
@@ -62,43 +63,27 @@ std::vector<Value> sums_of(RowRange rows, const RowGroups& groups, std::uint32_t
 class GroupTable {
   public:
     [[nodiscard]] std::uint32_t groupOf(std::uint32_t group, std::uint64_t key) {
-        if (slots_.size() < 2 * (count_ + 1))
-            grow();
-        Slot& slot = slots_[search(slots_, group, key)];
-        if (slot.number == 0)
-            slot = {key, group, ++count_};
-        return slot.number - 1;
+        const std::uint64_t hash = table_hash_step(seed_ + group, key);
+        const std::uint32_t known = index_.find(hash, [&](std::uint32_t number) {
+            return pairs_[number].key == key && pairs_[number].group == group;
+        });
+        if (known != HashIndex::kNone)
+            return known;
+        const auto number = static_cast<std::uint32_t>(pairs_.size());
+        pairs_.push_back({key, group});
+        index_.add(hash, number);
+        return number;
     }
 
   private:
-    struct Slot {
-        std::uint64_t key = 0;
-        std::uint32_t group = 0;
-        std::uint32_t number = 0; // from 1; 0: free
+    struct Pair {
+        std::uint64_t key;
+        std::uint32_t group;
     };
 
-    [[nodiscard]] std::size_t search(const std::vector<Slot>& slots, std::uint32_t group,
-                                     std::uint64_t key) const noexcept {
-        const std::size_t mask = slots.size() - 1;
-        const std::uint64_t hash = table_hash_step(seed_ + group, key);
-        for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
-            const Slot& slot = slots[i];
-            if (slot.number == 0 || (slot.key == key && slot.group == group))
-                return i;
-        }
-    }
-    void grow() {
-        std::vector<Slot> slots(slots_.empty() ? 64 : 2 * slots_.size());
-        for (const Slot& slot : slots_) {
-            if (slot.number != 0)
-                slots[search(slots, slot.group, slot.key)] = slot;
-        }
-        slots_.swap(slots);
-    }
-
     std::uint64_t seed_ = table_hash_seed();
-    std::vector<Slot> slots_; // a power of two of them, at most half in use
-    std::uint32_t count_ = 0;
+    std::vector<Pair> pairs_; // by the number of the new group
+    HashIndex index_;
 };
 
 /// Splits each group by the key of its rows, which is `highest` at the most.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/sort/value_ranks.h"
 
+#include "core/locales/collation_keys.h"
 #include "core/tables/sort/word_sort.h"
 
-#include <core/locales/collation_keys.h>
 #include <core/runtime/settings.h>
 
 #include <array>

@@ -2,19 +2,28 @@
 #pragma once
 
 #include <core/context/context_def.h>
-#include <core/strings/names.h>
+#include <core/runtime/types.h>
 
-#include <cstdint>
-#include <vector>
+#include <cstddef>
+#include <memory>
 
 namespace core {
 
-/// A table from names in any case to numbers. Of two equal names the one added first stays, so that a lower
-/// number wins, and English wins over Russian. The foldings of names are copied.
+/// A table from names to numbers, which finds a name in any case. It keeps foldings of the names, not the
+/// names. Several threads may search at once; none may change the table meanwhile.
 class CORE_API NameTable {
   public:
-    /// Adds the names of numbers 0 ... `count` - 1: for each the aliases 0, 1, ... while `name(number,
-    /// alias)` is not null.
+    /// An empty table, which owns no memory.
+    NameTable() noexcept;
+    /// Takes the names of the other table, which is empty afterwards.
+    NameTable(NameTable&& other) noexcept;
+    /// Takes the names of the other table, which is empty afterwards.
+    NameTable& operator=(NameTable&& other) noexcept;
+    ~NameTable();
+
+    /// Replaces the content by the names of the numbers 0 to `count` - 1: for each the aliases 0, 1, ...
+    /// until `name(number, alias)` returns null. Throws std::bad_alloc, and what `name` throws; the table
+    /// then holds some of the names.
     template <class Name>
     void build(int count, Name name) {
         clear();
@@ -28,35 +37,27 @@ class CORE_API NameTable {
             }
         }
     }
+    /// Makes room for two names of each of `count` numbers. Throws std::bad_alloc; nothing has changed then.
     void reserve(int count);
+    /// Adds a name of a number. Where the table has an equal name, that one stays: a lower number wins, and
+    /// an English name wins over a Russian one, when they are added first. Throws std::bad_alloc; nothing has
+    /// changed then.
     void add(wstring_view name, int number);
+    /// Removes all names and gives the memory back.
     void clear() noexcept;
 
-    /// The number of a name, or -1.
+    /// Returns the number of a name, or -1.
     [[nodiscard]] int find(wstring_view name) const noexcept;
-    /// Null is no name.
+    /// Returns the number of a name, or -1, also for null.
     [[nodiscard]] int find(const wchar* name) const noexcept {
         return name != nullptr ? find(wstring_view(name)) : -1;
     }
-    /// How many different names there are.
-    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+    /// Returns how many different names there are.
+    [[nodiscard]] std::size_t size() const noexcept;
 
   private:
-    struct Entry {
-        NameFingerprint fingerprint;
-        std::int32_t number = 0;
-        std::uint32_t folding = kFree; // where the words of that of the name begin
-    };
-    static constexpr std::uint32_t kFree = ~std::uint32_t{0};
-
-    template <class Same>
-    [[nodiscard]] std::size_t slotOf(const NameFingerprint& fingerprint, Same same) const noexcept;
-    [[nodiscard]] std::size_t slotOf(const class FoldedName& name) const noexcept;
-    void resize(std::size_t slots);
-
-    std::vector<Entry> slots_; // a power of two of them, half full at the most
-    std::size_t size_ = 0;
-    std::vector<std::uint64_t> foldings_;
+    struct Content;
+    std::unique_ptr<Content> content_; ///< null while the table is empty
 };
 
 /// Finds properties and methods by tables that are built when first needed, one for each. Not for use by two

@@ -12,7 +12,7 @@
 /// Integers of every built-in type to text and back, in a radix from 2 to 36.
 namespace core {
 
-/// The built-in integers; characters of text and bool are none.
+/// A built-in integer type; `bool` and the types of characters do not count as such.
 template <class T>
 concept TextInteger = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, wchar_t> &&
                       !std::same_as<T, char8_t> && !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
@@ -36,8 +36,8 @@ CORE_API std::optional<Integer> integer_from_text(wstring_view text, unsigned ra
 CORE_API std::optional<Integer> integer_from_text(std::string_view text, unsigned radix);
 } // namespace detail
 
-/// "-" for a negative value, then the digits, lower-case letters for those above 9, no leading zeros. In
-/// another radix than 2 to 36, the empty text.
+/// Returns the text of an integer: "-" for a negative value, then the digits without leading zeros, those
+/// above 9 as lower-case letters. Returns the empty text for a radix outside 2 to 36.
 template <CodeUnit C = wchar, TextInteger T>
 [[nodiscard]] std::basic_string<C> string_intto(T value, unsigned radix = 10) {
     const bool negative = detail::is_negative(value);
@@ -46,9 +46,9 @@ template <CodeUnit C = wchar, TextInteger T>
     return std::basic_string<C>(text.begin(), text.end());
 }
 
-/// The value of an optional sign and one or more digits. Decimal digits of any script (is_digit) and letters
-/// of either case are digits. None when anything else stands in the text, white space included, when the
-/// value does not fit `T`, and in another radix than 2 to 36.
+/// Returns the value of an optional sign and one or more digits. Decimal digits of any script (is_digit())
+/// and letters of either case are digits. Returns nothing when anything else stands in the text, white space
+/// included, when the value does not fit `T`, and for a radix outside 2 to 36.
 template <TextInteger T = int, CodeUnit C>
 [[nodiscard]] std::optional<T> string_toint(std::basic_string_view<C> text, unsigned radix = 10) {
     const std::optional<detail::Integer> integer = detail::integer_from_text(text, radix);
@@ -61,14 +61,17 @@ template <TextInteger T = int, CodeUnit C>
                       detail::is_negative(value) == (integer->negative && bits != 0);
     return fits ? std::optional<T>(value) : std::nullopt;
 }
+/// Returns the value of a text that a string holds.
 template <TextInteger T = int, CodeUnit C>
 [[nodiscard]] std::optional<T> string_toint(const std::basic_string<C>& text, unsigned radix = 10) {
     return string_toint<T>(std::basic_string_view<C>(text), radix);
 }
+/// Returns the value of a text that a null unit ends.
 template <TextInteger T = int, CodeUnit C>
 [[nodiscard]] std::optional<T> string_toint(const C* text, unsigned radix = 10) {
     return string_toint<T>(text_view(text), radix);
 }
+/// Returns the value of the text from `begin` to `end`.
 template <TextInteger T = int, CodeUnit C>
 [[nodiscard]] std::optional<T> string_toint(const C* begin, const C* end, unsigned radix = 10) {
     return string_toint<T>(text_view(begin, end), radix);

@@ -16,66 +16,67 @@
 ///     [^abc]  one unit that is not in the set; [^] matches any unit
 ///     other   itself
 ///
-/// The escape character makes the unit after it stand for itself; at the end of the pattern it is itself, and
+/// The escape character makes the unit after it stand for itself. At the end of the pattern it is itself, and
 /// inside a set it has no effect. 0 means that there is none.
+///
+/// Without regard to case, units match when their simple foldings (fold_case() of a unit) are the same, and a
+/// set holds every unit that is another case of a member.
 namespace core {
 
-enum class LikeCase { exact, ignore };
+/// Whether a pattern tells the cases of a letter apart.
+enum class LikeCase {
+    exact, ///< it does
+    ignore ///< it does not
+};
 
-/// A pattern made ready for matching many texts. Immutable; copies share what was made ready, and several
-/// threads may match with one at once. One that was moved from can only be assigned to.
-///
-/// Matching takes at most the text's length times that of the longest stretch without "%",
-/// however the pattern is made.
+/// A pattern made ready for matching many texts. It never changes; copies share what was made ready, and
+/// several threads may match with one at once. One that was moved from can only be assigned to.
 class LikePattern {
   public:
+    /// Makes a pattern ready. The text of the pattern is not needed afterwards.
     CORE_API explicit LikePattern(wstring_view pattern, wchar escape = 0,
                                   LikeCase letterCase = LikeCase::exact);
 
+    /// Tells whether the whole text matches. This takes at most the length of the text times that of the
+    /// longest stretch of the pattern without "%".
     [[nodiscard]] CORE_API bool matches(wstring_view text) const noexcept;
 
   private:
     std::shared_ptr<const class LikeProgram> program_;
 };
 
-/// Whether `text` matches `pattern`. The last pattern of each thread is kept ready, so that a loop over texts
-/// costs what matching costs; several patterns in turn are better kept as LikePattern.
+/// Tells whether `text` matches `pattern`. Each thread keeps its last pattern ready, so that a loop over
+/// texts costs what matching costs; several patterns in turn are better kept as LikePattern.
 [[nodiscard]] CORE_API bool compare_like(wstring_view text, wstring_view pattern, wchar escape = 0);
+/// Tells whether `text` matches `pattern`, both in UTF-8. An escape above 0x7F escapes nothing.
 [[nodiscard]] CORE_API bool compare_like(std::string_view text, std::string_view pattern, char escape = 0);
-/// The same, without regard to case: units match when their simple foldings (fold_case of a unit) are the
-/// same, and a set holds every unit that is another case of a member.
-[[nodiscard]] CORE_API bool compare_nocase_like(wstring_view text, wstring_view pattern, wchar escape = 0);
-[[nodiscard]] CORE_API bool compare_nocase_like(std::string_view text, std::string_view pattern,
-                                                char escape = 0);
-
+/// Tells whether a text matches a pattern, both ended by null units.
 template <CodeUnit C>
 [[nodiscard]] bool compare_like(const C* text, const C* pattern, std::type_identity_t<C> escape = 0) {
     return compare_like(text_view(text), text_view(pattern), escape);
 }
-template <CodeUnit C>
-[[nodiscard]] bool compare_like(const C* text, std::size_t length, const C* pattern,
-                                std::size_t patternLength, std::type_identity_t<C> escape = 0) {
-    return compare_like(std::basic_string_view<C>(text, length),
-                        std::basic_string_view<C>(pattern, patternLength), escape);
-}
-template <CodeUnit C>
-[[nodiscard]] bool compare_like(const C* text, const C* textEnd, const C* pattern, const C* patternEnd,
+/// Tells whether a text matches a pattern, each given by a pointer and its end (code_unit.h).
+template <CodeUnit C, TextEnd<C> T, TextEnd<C> P>
+[[nodiscard]] bool compare_like(const C* text, T textEnd, const C* pattern, P patternEnd,
                                 std::type_identity_t<C> escape = 0) {
     return compare_like(text_view(text, textEnd), text_view(pattern, patternEnd), escape);
 }
 
+/// Tells whether `text` matches `pattern` without regard to case. Each thread keeps its last pattern ready.
+[[nodiscard]] CORE_API bool compare_nocase_like(wstring_view text, wstring_view pattern, wchar escape = 0);
+/// Tells whether `text` matches `pattern` without regard to case, both in UTF-8. An escape above 0x7F escapes
+/// nothing.
+[[nodiscard]] CORE_API bool compare_nocase_like(std::string_view text, std::string_view pattern,
+                                                char escape = 0);
+/// Tells whether a text matches a pattern without regard to case, both ended by null units.
 template <CodeUnit C>
 [[nodiscard]] bool compare_nocase_like(const C* text, const C* pattern, std::type_identity_t<C> escape = 0) {
     return compare_nocase_like(text_view(text), text_view(pattern), escape);
 }
-template <CodeUnit C>
-[[nodiscard]] bool compare_nocase_like(const C* text, std::size_t length, const C* pattern,
-                                       std::size_t patternLength, std::type_identity_t<C> escape = 0) {
-    return compare_nocase_like(std::basic_string_view<C>(text, length),
-                               std::basic_string_view<C>(pattern, patternLength), escape);
-}
-template <CodeUnit C>
-[[nodiscard]] bool compare_nocase_like(const C* text, const C* textEnd, const C* pattern, const C* patternEnd,
+/// Tells whether a text matches a pattern without regard to case, each given by a pointer and its end
+/// (code_unit.h).
+template <CodeUnit C, TextEnd<C> T, TextEnd<C> P>
+[[nodiscard]] bool compare_nocase_like(const C* text, T textEnd, const C* pattern, P patternEnd,
                                        std::type_identity_t<C> escape = 0) {
     return compare_nocase_like(text_view(text, textEnd), text_view(pattern, patternEnd), escape);
 }

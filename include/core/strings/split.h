@@ -6,23 +6,26 @@
 
 #include <vector>
 
-/// Texts taken apart and put together: exact code units throughout.
+/// Texts taken apart and put together, by exact code units.
 namespace core {
 
-/// `text` with every occurrence of `from`, found from left to right without overlap, replaced by `to`. An
-/// empty `from` occurs nowhere.
+/// Returns `text` with every occurrence of `from` replaced by `to`. Occurrences are found from left to right
+/// and do not overlap. An empty `from` occurs nowhere.
 [[nodiscard]] CORE_API wstring replace_all(wstring_view text, wstring_view from, wstring_view to);
+/// Returns narrow `text` with every occurrence of `from`, found byte by byte, replaced by `to`.
 [[nodiscard]] CORE_API std::string replace_all(std::string_view text, std::string_view from,
                                                std::string_view to);
 
+/// What string_tokenize() makes of two delimiters side by side.
 enum class EmptyTokens {
     skip, ///< delimiters in a row, at the beginning or at the end count as one: "" has no token
     keep  ///< every delimiter separates two tokens: "" has one, the empty one
 };
 
-/// The pieces of `text` between the units of `delimiters`, as views into it.
+/// Returns the pieces of `text` between the units of `delimiters`, as views that borrow from `text`.
 [[nodiscard]] CORE_API std::vector<wstring_view> string_tokenize(wstring_view text, wstring_view delimiters,
                                                                  EmptyTokens empty = EmptyTokens::skip);
+/// Returns the pieces of narrow `text` between the bytes of `delimiters`, as views that borrow from `text`.
 [[nodiscard]] CORE_API std::vector<std::string_view>
 string_tokenize(std::string_view text, std::string_view delimiters, EmptyTokens empty = EmptyTokens::skip);
 

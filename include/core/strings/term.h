@@ -8,11 +8,13 @@ namespace core {
 /// A name in both languages: English first, then Russian, which may be missing (null).
 using Term = const wchar* const[2];
 
+/// The alias of the English name.
 inline constexpr int kEnglish = 0;
+/// The alias of the Russian name.
 inline constexpr int kRussian = 1;
 
-/// The name in one language: for `alias` 0 the English one; for 1 the Russian one, or the English one where
-/// the Russian is missing; null for any other alias.
+/// Returns the name in one language: for kEnglish the English name; for kRussian the Russian name, or the
+/// English one where the Russian is missing; null for any other alias.
 [[nodiscard]] constexpr const wchar* term_string(const wchar* const* names, int alias) noexcept {
     if (alias == kEnglish)
         return names[kEnglish];

@@ -130,7 +130,7 @@ class CORE_API StringValue final : public PrimitiveValue {
     [[nodiscard]] wstring_view payload() const noexcept { return text_; }
 
     /// The hashes that tables find the string by, computed once: of the text, never 0, and of a name in any
-    /// case, which is 0 for a text that is no valid name. See value_hash.h.
+    /// case, which is 0 for a text that is no valid name.
     [[nodiscard]] std::uint64_t tableHash() const noexcept;
     [[nodiscard]] std::uint64_t nameHash() const noexcept;
 

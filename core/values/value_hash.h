@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/strings/table_hash.h>
+#include "core/strings/table_hash.h"
+
 #include <core/values/value.h>
 
 namespace core {
