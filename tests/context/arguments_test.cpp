@@ -2,6 +2,8 @@
 // Concerns: the bounds of indexes, offsets and counts against plain arithmetic; which kinds of values each
 // reader takes; the items of lists.
 #include <core/context/arguments.h>
+#include <core/context/errors.h>
+#include <core/runtime/errors.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
