@@ -22,7 +22,11 @@ void try_to(Ask ask) {
     }
 }
 
-std::vector<GenericValue> inside(const GenericValue& object) {
+enum class Making { given, named };
+
+/// What the properties of an object hold and what its method Add returns. With Making::given Add is called
+/// where it needs no argument, with Making::named it is also given a name.
+std::vector<GenericValue> inside(const GenericValue& object, Making making) {
     std::vector<GenericValue> found;
     const auto context = object.query<IContext_>();
     if (!context)
@@ -38,8 +42,11 @@ std::vector<GenericValue> inside(const GenericValue& object) {
         try_to([&] {
             std::vector<GenericValue> arguments(static_cast<std::size_t>(context->getNParams(add)));
             for (std::size_t i = 0; i < arguments.size(); ++i) {
-                if (!context->getParamDefValue(add, static_cast<int>(i), &arguments[i]))
-                    arguments[i] = GenericValue(u"Name"); // of a column, for its table as for its index
+                if (context->getParamDefValue(add, static_cast<int>(i), &arguments[i]))
+                    continue;
+                if (making == Making::given)
+                    return;
+                arguments[i] = GenericValue(u"Name"); // of a column, for its table as for its index
             }
             context->call(add, &value, &arguments);
             found.push_back(value);
@@ -48,9 +55,7 @@ std::vector<GenericValue> inside(const GenericValue& object) {
     return found;
 }
 
-} // namespace
-
-InterfacePtr<IContext_> sample_of(const IType& type) {
+InterfacePtr<IContext_> find_sample(const IType& type, Making making) {
     constexpr int kDepth = 3;
     std::vector<GenericValue> level;
     for (IType* const maker : get_service<ITypeValueService>()->types()) {
@@ -60,7 +65,7 @@ InterfacePtr<IContext_> sample_of(const IType& type) {
     for (int depth = 0; depth < kDepth; ++depth) {
         std::vector<GenericValue> next;
         for (const GenericValue& object : level) {
-            for (GenericValue& value : inside(object)) {
+            for (GenericValue& value : inside(object, making)) {
                 if (value.type().id() == type.id())
                     return value.query<IContext_>();
                 next.push_back(std::move(value));
@@ -69,6 +74,15 @@ InterfacePtr<IContext_> sample_of(const IType& type) {
         level = std::move(next);
     }
     return {};
+}
+
+} // namespace
+
+InterfacePtr<IContext_> sample_of(const IType& type) {
+    // A column that is made on the way shows as a property of its rows, so it is made only where nothing else
+    // helps.
+    auto sample = find_sample(type, Making::given);
+    return sample ? sample : find_sample(type, Making::named);
 }
 
 } // namespace host::describe

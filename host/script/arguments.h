@@ -14,17 +14,12 @@ namespace host::script {
 
 using Args = std::span<core::GenericValue>;
 
-inline constexpr core::Param kOptional{.byDefault = core::ParamDefault::undefined};
-
 [[nodiscard]] inline bool given(const core::GenericValue& value) {
     return !value.isUndefined();
 }
 
 [[nodiscard]] inline core::wstring_view text_argument(Args arguments, int param) {
-    const core::wstring_view* const text = arguments[static_cast<std::size_t>(param)].asString();
-    if (text == nullptr)
-        core::parameter_type_mismatch(param);
-    return *text;
+    return core::text_argument(arguments[static_cast<std::size_t>(param)], param);
 }
 
 [[nodiscard]] inline core::Numeric number_argument(Args arguments, int param) {

@@ -9,8 +9,6 @@
 #include <core/context/arguments.h>
 #include <core/context/errors.h>
 #include <core/runtime/internal_class.h>
-#include <core/strings/split.h>
-#include <core/strings/trim.h>
 
 #include <limits>
 
@@ -32,8 +30,8 @@ char delimiter_argument(Args arguments, int param) {
 /// Names with commas between them.
 std::vector<wstring> names_argument(Args arguments, int param) {
     std::vector<wstring> names;
-    for (const wstring_view name : string_tokenize(text_argument(arguments, param), u",", EmptyTokens::keep))
-        names.emplace_back(trim_all(name));
+    for (const wstring_view name : list_argument(arguments[static_cast<std::size_t>(param)], param))
+        names.emplace_back(name);
     return names;
 }
 

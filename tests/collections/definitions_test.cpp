@@ -97,6 +97,9 @@ TEST_F(Definitions, MethodsHaveTheirNumbers) {
             ++method;
         }
     }
+}
+
+TEST_F(Definitions, PairsAreSeenAndNeverMade) {
     const auto pair = create_object<IContext_>(kValuePairClass);
     ASSERT_EQ(pair->getNProps(), 2);
     EXPECT_EQ(pair->findProp(u"КЛЮЧ"), 0);

@@ -29,7 +29,7 @@ constexpr Param kJoinParams[] = {
     {.byDefault = ParamDefault::falseValue},
     {.byDefault = ParamDefault::emptyString},
     {.byDefault = ParamDefault::resourceText, .resource = "IDS_NUMERROR_OVERFLOW"}};
-constexpr Param kSwapParams[] = {{.out = true}, {.out = true}};
+constexpr Param kSwapParams[] = {{.out = true}, {.in = false, .out = true}};
 
 class Gauge : public IContextImpl<IContextDefImpl<Gauge>> {
   public:
@@ -120,6 +120,7 @@ TEST_F(Calls, WrongNumbersAndCountsReachNoMethod) {
         EXPECT_EQ(gauge_->getMethodName(method, 0), nullptr);
         EXPECT_EQ(gauge_->getNParams(method), 0);
         EXPECT_FALSE(gauge_->hasRetVal(method) || gauge_->isParamOut(method, 0));
+        EXPECT_TRUE(gauge_->isParamIn(method, 0));
     }
     const wstring missing = message_text("IDS_CONTEXT_MISSING_ARGUMENT", {u"Join", u"1"});
     expectRefused([&] { gauge_->call(0, &value, &none); }, missing);
@@ -174,6 +175,8 @@ TYPED_TEST(Groups, AreTheirMembersInARow) {
     EXPECT_EQ(group->getNParams(2), 5);
     EXPECT_TRUE(group->hasRetVal(2) && group->isParamOut(3, 1) && group->getParamDefValue(2, 4, nullptr));
     EXPECT_FALSE(group->isPropReadable(4) || group->isPropWritable(5));
+    EXPECT_TRUE(group->isParamIn(3, 0));
+    EXPECT_FALSE(group->isParamIn(3, 1) || group->isParamOut(2, 1) || group->hasRetVal(1));
 
     GenericValue value;
     group->setPropVal(3, 20);
@@ -187,8 +190,14 @@ TYPED_TEST(Groups, AreTheirMembersInARow) {
     EXPECT_EQ(group->findContextByMethodPos(3)->index, 1);
     for (const int out : {-1, std::numeric_limits<int>::min(), 6, 4}) {
         EXPECT_EQ(group->findContextByMethodPos(out), std::nullopt);
+        EXPECT_EQ(group->getMethodName(out, 0), nullptr);
+        EXPECT_EQ(group->getNParams(out), 0);
+        EXPECT_TRUE(group->isParamIn(out, 0));
+        EXPECT_FALSE(group->isParamOut(out, 0) || group->hasRetVal(out) ||
+                     group->getParamDefValue(out, 0, nullptr));
         if (out != 4) {
             EXPECT_EQ(group->getPropName(out, 0), nullptr);
+            EXPECT_FALSE(group->isPropReadable(out) || group->isPropWritable(out));
             EXPECT_THROW(group->getPropVal(out, value), ContextException);
         }
         EXPECT_THROW(group->call(out, &value, &params), ContextException);

@@ -5,6 +5,7 @@
 #include <core/context/context_extern.h>
 #include <core/context/context_impl.h>
 #include <core/objects/core_general_context.h>
+#include <core/runtime/module.h>
 #include <core/strings/integer_text.h>
 #include <host/host_process.h>
 
@@ -124,7 +125,63 @@ TEST(Terms, AMissingRussianNameIsTheEnglishOne) {
     EXPECT_EQ(term_string(kEnglishOnly, -1), nullptr);
 }
 
+/// What a definition answers for every number, those just out of range among them.
+std::vector<wstring> answers(const IContextDef& def) {
+    std::vector<wstring> all;
+    const auto add = [&](const wchar* name) { all.emplace_back(name != nullptr ? name : u"(null)"); };
+    const auto flag = [&](bool value) { all.emplace_back(value ? u"yes" : u"no"); };
+    const int props = def.getNProps();
+    const int methods = def.getNMethods();
+    for (int prop = -1; prop <= props; ++prop) {
+        for (const int alias : {kEnglish, kRussian, 2})
+            add(def.getPropName(prop, alias));
+        flag(def.isPropReadable(prop));
+        flag(def.isPropWritable(prop));
+        all.push_back(string_intto(def.findProp(def.getPropName(prop, kRussian))));
+    }
+    for (int method = -1; method <= methods; ++method) {
+        for (const int alias : {kEnglish, kRussian, 2})
+            add(def.getMethodName(method, alias));
+        flag(def.hasRetVal(method));
+        all.push_back(string_intto(def.findMethod(def.getMethodName(method, kRussian))));
+        for (int param = -1; param <= def.getNParams(method); ++param) {
+            flag(def.isParamIn(method, param));
+            flag(def.isParamOut(method, param));
+            GenericValue value = 5;
+            flag(def.getParamDefValue(method, param, &value));
+            flag(def.getParamDefValue(method, param, nullptr));
+            all.push_back(value.presentation());
+        }
+    }
+    return all;
+}
+
+/// A class that another one borrows its definition from: all that a table can say.
+class Lender : public IContextImpl<IContextDefImpl<Lender>> {
+  public:
+    using Interfaces = InterfaceList<IContext_, IContextDef>;
+    static std::span<const Property<Lender>> properties() noexcept {
+        static constexpr Property<Lender> kTable[] = {{{u"Both", u"Оба"}, &Lender::get, &Lender::set},
+                                                      {{u"Read"}, &Lender::get},
+                                                      {{u"Write"}, nullptr, &Lender::set}};
+        return kTable;
+    }
+    static std::span<const Method<Lender>> methods() noexcept {
+        static constexpr Param kParams[] = {{}, {.in = false, .out = true}, kOptional};
+        static constexpr Method<Lender> kTable[] = {
+            {{u"Ask", u"Спросить"}, kParams, kFunction, &Lender::call},
+            {{u"Do"}, required(1), kProcedure, &Lender::call}};
+        return kTable;
+    }
+
+  private:
+    GenericValue get() const { return {}; }
+    void set(const GenericValue&) {}
+    GenericValue call(std::span<GenericValue>) { return {}; }
+};
+constexpr GUID kLenderClass = "d01bff24-01c3-4ed3-b0d7-63042f854d41"_guid;
 constexpr GUID kUnknownClass = "d01bff24-01c3-4ed3-b0d7-63042f854d40"_guid;
+const SCOM_Class<Lender, &kLenderClass> kLenderEntry("Lender");
 
 template <const GUID* clsid>
 class Borrower : public ContextDefExtern<clsid> {
@@ -132,30 +189,47 @@ class Borrower : public ContextDefExtern<clsid> {
     using Interfaces = InterfaceList<IContextDef>;
 };
 
+class Nothing : public ContextDefCore<> {
+  public:
+    using Interfaces = InterfaceList<IContextDef>;
+};
+
 TEST(Borrowing, ForwardsToTheOtherClassOrToNothing) {
+    SCOM_ResourceBundle bundle("nothing");
+    SCOM_Module module(module_class_entries, bundle);
+    module.init(&bundle);
     const host::HostProcess process;
     // By this id other modules ask a class for its definition.
     EXPECT_EQ(IContextDef::IID, "fd7b6cc1-dc8e-11d2-b8d0-008048da0335"_guid);
-    const auto borrowed = make_object<Borrower<&kCoreGeneralContextClass>>();
-    EXPECT_EQ(borrowed->getNMethods(), 4);
-    EXPECT_EQ(borrowed->findMethod(u"base64string"), 3);
-    EXPECT_EQ(wstring_view(borrowed->getMethodName(1, 1)), u"ЗаполнитьЗначенияСвойств");
-    EXPECT_EQ(borrowed->getNParams(1), 4);
-    EXPECT_FALSE(borrowed->hasRetVal(1));
-    GenericValue value;
-    EXPECT_TRUE(borrowed->getParamDefValue(1, 3, &value));
-    EXPECT_TRUE(value.equals(u""));
+    EXPECT_EQ(answers(*make_object<Borrower<&kLenderClass>>()), answers(*make_object<Lender>()));
+    EXPECT_EQ(answers(*make_object<Borrower<&kCoreGeneralContextClass>>()),
+              answers(*create_core_general_context()));
 
-    const auto none = make_object<Borrower<&kNullGuid>>();
-    const auto unknown = make_object<Borrower<&kUnknownClass>>();
-    for (const IContextDef* def :
-         {static_cast<IContextDef*>(none.get()), static_cast<IContextDef*>(unknown.get())}) {
-        EXPECT_EQ(def->getNProps() + def->getNMethods() + def->getNParams(0), 0);
-        EXPECT_EQ(def->findProp(u"Count"), -1);
-        EXPECT_EQ(def->findMethod(u"Base64String"), -1);
-        EXPECT_EQ(def->getMethodName(0, 0), nullptr);
-        EXPECT_FALSE(def->getParamDefValue(0, 0, &value) || def->hasRetVal(0) || def->isPropReadable(0));
+    // Without a definition nothing can be read; all else is what a definition without members answers.
+    const auto core = answers(*make_object<Nothing>());
+    const auto none = answers(*make_object<Borrower<&kNullGuid>>());
+    EXPECT_EQ(answers(*make_object<Borrower<&kUnknownClass>>()), none);
+    ASSERT_EQ(none.size(), core.size());
+    for (std::size_t i = 0; i < core.size(); ++i)
+        EXPECT_EQ(none[i], i == 3 || i == 9 ? u"no" : core[i]) << i;
+}
+
+TEST(ContextDefCore, HasNoMembersAndSaysWhatIsUsual) {
+    const host::HostProcess process;
+    const std::vector<wstring> property = {u"(null)", u"(null)", u"(null)", u"yes", u"no", u"-1"};
+    const std::vector<wstring> parameter = {u"yes", u"no", u"no", u"no", u"5"};
+    std::vector<wstring> expected;
+    const auto add = [&](const std::vector<wstring>& more) {
+        expected.insert(expected.end(), more.begin(), more.end());
+    };
+    for (int prop = -1; prop <= 0; ++prop)
+        add(property);
+    for (int method = -1; method <= 0; ++method) {
+        add({u"(null)", u"(null)", u"(null)", u"no", u"-1"});
+        for (int param = -1; param <= 0; ++param)
+            add(parameter);
     }
+    EXPECT_EQ(answers(*make_object<Nothing>()), expected);
 }
 
 } // namespace

@@ -68,6 +68,16 @@ TEST(DescribeTest, MembersAreThoseOfLiveObjects) {
     }
 }
 
+TEST(DescribeTest, ASampleAddsNoMembersOfItsOwn) {
+    const json table = described({"ValueTableRow"});
+    const json tree = described({"ValueTreeRow"});
+    ASSERT_TRUE(table["known"] && tree["known"]);
+    EXPECT_EQ(table["properties"].size(), 0U) << table["properties"];
+    for (const json& property : tree["properties"])
+        EXPECT_NE(property["name"]["en"], "Name") << "that is a column of the tree the row was taken from";
+    EXPECT_EQ(tree["properties"].size(), 2U) << tree["properties"];
+}
+
 TEST(DescribeTest, WhatAPersonReads) {
     const Answer array = corehost({"describe", "массив"});
     EXPECT_NE(array.out.find("New / Новый  arguments: 0..32\n"), std::string::npos) << array.out;

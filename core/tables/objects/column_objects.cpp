@@ -44,15 +44,19 @@ wstring name_argument(const Value& argument, int param) {
 
 } // namespace
 
-class ValueTableColumn : public TableObject<ValueTableColumn>, public IColumnObject {
+class ValueTableColumn : public ScriptObject<ValueTableColumn, IColumnObject> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IColumnObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueTableColumnTerm,
+        .type = kValueTableColumnType,
+        .object = "3a8f9c0b-e93c-411f-9bd0-62a8b22ec7f4"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETABLECOLUMN",
+    };
 
     ValueTableColumn(TableData& data, TableColumn& column) noexcept
         : handle_(*this, data.owner(), data, column) {}
 
     static std::span<const Property<ValueTableColumn>> properties() noexcept;
-    IType* getType() const noexcept override;
     const TableHandle<TableColumn>& handle() const noexcept override { return handle_; }
 
   private:
@@ -160,25 +164,12 @@ GenericValue ValueTableColumnCollection::callClear(std::span<GenericValue>) {
 
 namespace {
 
-constexpr TypeInfo kColumnInfo = {
-    .id = kValueTableColumnType,
-    .valueClass = "3a8f9c0b-e93c-411f-9bd0-62a8b22ec7f4"_guid,
-    .names = kValueTableColumnTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLECOLUMN",
-};
-const TypeEntry<kColumnInfo> kColumnTypeEntry("ValueTableColumn_Type");
+const ScriptTypeEntry<ValueTableColumn> kColumnEntry;
 
-constexpr TypeInfo kCollectionInfo = {
-    .id = kValueTableColumnCollectionType,
-    .valueClass = "9d5f68b2-c62f-4646-a169-48e237c17272"_guid,
-    .names = kValueTableColumnCollectionTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLECOLUMNS",
-};
-const TypeEntry<kCollectionInfo> kCollectionTypeEntry("ValueTableColumnCollection_Type");
+const ScriptTypeEntry<ValueTableColumnCollection> kCollectionEntry;
 
-constexpr Param kUndefined = {.byDefault = ParamDefault::undefined};
-constexpr Param kDefinition[] = {{}, kUndefined, kUndefined, kUndefined};
-constexpr Param kIndexAndDefinition[] = {{}, {}, kUndefined, kUndefined, kUndefined};
+constexpr Param kDefinition[] = {{}, kOptional, kOptional, kOptional};
+constexpr Param kIndexAndDefinition[] = {{}, {}, kOptional, kOptional, kOptional};
 
 } // namespace
 
@@ -191,10 +182,6 @@ std::span<const Property<ValueTableColumn>> ValueTableColumn::properties() noexc
         {kWidthPropTerm, &Self::getWidth, &Self::setWidth, &kNumberType},
     };
     return kProperties;
-}
-
-IType* ValueTableColumn::getType() const noexcept {
-    return TypeEntry<kColumnInfo>::instance();
 }
 
 std::span<const Method<ValueTableColumnCollection>> ValueTableColumnCollection::methods() noexcept {
@@ -211,10 +198,6 @@ std::span<const Method<ValueTableColumnCollection>> ValueTableColumnCollection::
         {kCollectTermClear, required(0), kProcedure, &Self::callClear},
     };
     return kMethods;
-}
-
-IType* ValueTableColumnCollection::getType() const noexcept {
-    return TypeEntry<kCollectionInfo>::instance();
 }
 
 } // namespace core

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "core/tables/objects/named_columns.h"
-#include "core/tables/objects/table_object.h"
 
-#include <core/context/iteration.h>
+#include <core/context/script_object.h>
+#include <core/tables/terms.h>
 
 namespace core {
 
@@ -26,16 +26,20 @@ inline constexpr GUID kValueTableColumnCollectionType = "15e85ff8-27a9-4965-a502
 
 /// The columns of a table or a tree, as a part of that.
 class ValueTableColumnCollection
-    : public TableObject<ValueTableColumnCollection, true, &kValueTableColumnType,
-                         NamedColumns<ValueTableColumnCollection>>,
-      public IValueCollection {
+    : public ScriptObjectOver<ValueTableColumnCollection, NamedColumns<ValueTableColumnCollection>,
+                              IValueCollection> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection>;
+    static constexpr ScriptClass script = {
+        .names = kValueTableColumnCollectionTerm,
+        .type = kValueTableColumnCollectionType,
+        .object = "9d5f68b2-c62f-4646-a169-48e237c17272"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETABLECOLUMNS",
+        .elements = &kValueTableColumnType,
+    };
 
     explicit ValueTableColumnCollection(TableData& data) noexcept : data_(data) {}
 
     static std::span<const Method<ValueTableColumnCollection>> methods() noexcept;
-    IType* getType() const noexcept override;
     InterfacePtr<IValueEnum> enumerate() override;
 
     [[nodiscard]] const TableData& tableData() const noexcept { return data_; }

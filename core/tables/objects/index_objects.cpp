@@ -24,15 +24,18 @@ class IIndexObject : public IUnknown {
 };
 
 /// An index to a script: the columns it is over.
-class VTIndex : public TableObject<VTIndex, true>, public IValueCollection, public IIndexObject {
+class VTIndex : public ScriptObject<VTIndex, IValueCollection, IIndexObject> {
   public:
-    using Interfaces =
-        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection, IIndexObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueTableIndexTerm,
+        .type = kVTIndexType,
+        .object = "a5a77518-855b-4f12-b3d4-fef7a31bc47d"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETABLEINDEX",
+    };
 
     VTIndex(TableData& data, TableIndex& index) noexcept : handle_(*this, data.owner(), data, index) {}
 
     static std::span<const Method<VTIndex>> methods() noexcept;
-    IType* getType() const noexcept override;
     InterfacePtr<IValueEnum> enumerate() override {
         std::vector<Value> columns;
         for (std::size_t i = 0; i < size(); ++i)
@@ -123,21 +126,9 @@ GenericValue VTIndexCollection::callGet(std::span<GenericValue> arguments) {
 
 namespace {
 
-constexpr TypeInfo kIndexInfo = {
-    .id = kVTIndexType,
-    .valueClass = "a5a77518-855b-4f12-b3d4-fef7a31bc47d"_guid,
-    .names = kValueTableIndexTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLEINDEX",
-};
-const TypeEntry<kIndexInfo> kIndexTypeEntry("VTIndex_Type");
+const ScriptTypeEntry<VTIndex> kIndexEntry;
 
-constexpr TypeInfo kCollectionInfo = {
-    .id = kVTIndexCollectionType,
-    .valueClass = "0e4ed245-3072-4d80-9e0b-4cd011b73640"_guid,
-    .names = kValueTableIndexCollectionTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLEINDEXES",
-};
-const TypeEntry<kCollectionInfo> kCollectionTypeEntry("VTIndexCollection_Type");
+const ScriptTypeEntry<VTIndexCollection> kCollectionEntry;
 
 } // namespace
 
@@ -147,10 +138,6 @@ std::span<const Method<VTIndex>> VTIndex::methods() noexcept {
         {kCollectTermGet, required(1), kFunction, &VTIndex::callGet},
     };
     return kMethods;
-}
-
-IType* VTIndex::getType() const noexcept {
-    return TypeEntry<kIndexInfo>::instance();
 }
 
 std::span<const Method<VTIndexCollection>> VTIndexCollection::methods() noexcept {
@@ -163,10 +150,6 @@ std::span<const Method<VTIndexCollection>> VTIndexCollection::methods() noexcept
         {kCollectTermGet, required(1), kFunction, &Self::callGet, &kVTIndexType},
     };
     return kMethods;
-}
-
-IType* VTIndexCollection::getType() const noexcept {
-    return TypeEntry<kCollectionInfo>::instance();
 }
 
 } // namespace core

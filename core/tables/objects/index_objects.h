@@ -2,9 +2,9 @@
 #pragma once
 
 #include "core/tables/data/table_data.h"
-#include "core/tables/objects/table_object.h"
 
-#include <core/context/iteration.h>
+#include <core/context/script_object.h>
+#include <core/tables/terms.h>
 
 namespace core {
 
@@ -12,15 +12,19 @@ inline constexpr GUID kVTIndexType = "c2bbd476-af15-4b8a-aa97-6c8ba039c343"_guid
 inline constexpr GUID kVTIndexCollectionType = "9906b757-f6a2-46a6-884d-3a16d454f679"_guid;
 
 /// The indexes of a table, as a part of that.
-class VTIndexCollection : public TableObject<VTIndexCollection, true, &kVTIndexType>,
-                          public IValueCollection {
+class VTIndexCollection : public ScriptObject<VTIndexCollection, IValueCollection> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection>;
+    static constexpr ScriptClass script = {
+        .names = kValueTableIndexCollectionTerm,
+        .type = kVTIndexCollectionType,
+        .object = "0e4ed245-3072-4d80-9e0b-4cd011b73640"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETABLEINDEXES",
+        .elements = &kVTIndexType,
+    };
 
     explicit VTIndexCollection(TableData& data) noexcept : data_(data) {}
 
     static std::span<const Method<VTIndexCollection>> methods() noexcept;
-    IType* getType() const noexcept override;
     InterfacePtr<IValueEnum> enumerate() override;
 
   private:

@@ -34,8 +34,8 @@ void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& co
 /// The methods 0 to 13 that a value table and the row collections of a value tree share. `T` has
 /// data() and parent(). With T::kHierarchical, four methods have a parameter that says whether subordinate
 /// rows are included.
-template <class T, const GUID* rowType>
-class RowCollection : public TableObject<T, true, rowType>, public IValueCollection {
+template <class T, class... Is>
+class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
   public:
     InterfacePtr<IValueEnum> enumerate() override { return walk_rows(data(), parent()); }
 
@@ -126,7 +126,6 @@ class RowCollection : public TableObject<T, true, rowType>, public IValueCollect
 
 namespace detail {
 
-inline constexpr Param kOptional = {.byDefault = ParamDefault::undefined};
 inline constexpr Param kFalse = {.byDefault = ParamDefault::falseValue};
 inline constexpr Param kFind[] = {{}, kOptional, kFalse};
 inline constexpr Param kOverRows[] = {{}, kFalse};
@@ -144,8 +143,8 @@ template <class Entry, std::size_t first, std::size_t second>
 
 } // namespace detail
 
-template <class T, const GUID* rowType>
-constexpr std::array<Method<T>, 14> RowCollection<T, rowType>::rowMethods() noexcept {
+template <class T, class... Is>
+constexpr std::array<Method<T>, 14> RowCollection<T, Is...>::rowMethods() noexcept {
     constexpr bool deep = T::kHierarchical;
     constexpr auto find = std::span<const Param>(detail::kFind).first(deep ? 3 : 2);
     constexpr auto overRows = std::span<const Param>(detail::kOverRows).first(deep ? 2 : 1);
@@ -154,8 +153,8 @@ constexpr std::array<Method<T>, 14> RowCollection<T, rowType>::rowMethods() noex
     return {{
         {kCollectTermCount, required(0), kFunction, &RowCollection::callCount, &kNumberType},
         {kCollectTermIndexOf, required(1), kFunction, &RowCollection::callIndexOf, &kNumberType},
-        {kCollectTermAdd, required(0), kFunction, &RowCollection::callAdd, rowType},
-        {kCollectTermInsert, required(1), kFunction, &RowCollection::callInsert, rowType},
+        {kCollectTermAdd, required(0), kFunction, &RowCollection::callAdd, T::script.elements},
+        {kCollectTermInsert, required(1), kFunction, &RowCollection::callInsert, T::script.elements},
         {kCollectTermRemove, required(1), kProcedure, &RowCollection::callDelete},
         {kCollectTermClear, required(0), kProcedure, &RowCollection::callClear},
         {kCollectTermMove, required(2), kProcedure, &RowCollection::callMove},
@@ -165,7 +164,7 @@ constexpr std::array<Method<T>, 14> RowCollection<T, rowType>::rowMethods() noex
         {kSortMethodTerm, sort, kProcedure, &RowCollection::callSort},
         {kLoadColumnMethodTerm, required(2), kProcedure, &RowCollection::callLoadColumn},
         {kUnloadColumnMethodTerm, required(1), kFunction, &RowCollection::callUnloadColumn, &kValueArrayType},
-        {kCollectTermGet, required(1), kFunction, &RowCollection::callGet, rowType},
+        {kCollectTermGet, required(1), kFunction, &RowCollection::callGet, T::script.elements},
     }};
 }
 

@@ -11,13 +11,16 @@ namespace core {
 
 class ValueTableRow : public RowObject<ValueTableRow> {
   public:
-    using Interfaces =
-        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection, IRowObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueTableRowTerm,
+        .type = kValueTableRowType,
+        .object = "fd415ae8-96df-4eeb-b4e6-f0b432a1f043"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETABLEROW",
+    };
 
     ValueTableRow(TableData& data, RowId row) : RowObject(data, row) {}
 
     static std::span<const Method<ValueTableRow>> methods() noexcept;
-    IType* getType() const noexcept override;
 };
 
 /// Shows the rows of a walk as script objects, and keeps their table.
@@ -52,13 +55,7 @@ InterfacePtr<IValueEnum> walk_rows(TableData& data, RowId parent) {
 
 namespace {
 
-constexpr TypeInfo kInfo = {
-    .id = kValueTableRowType,
-    .valueClass = "fd415ae8-96df-4eeb-b4e6-f0b432a1f043"_guid,
-    .names = kValueTableRowTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLEROW",
-};
-const TypeEntry<kInfo> kTypeEntry("ValueTableRow_Type");
+const ScriptTypeEntry<ValueTableRow> kEntry;
 
 } // namespace
 
@@ -69,10 +66,6 @@ std::span<const Method<ValueTableRow>> ValueTableRow::methods() noexcept {
         {kOwnerMethodTerm, required(0), kFunction, &ValueTableRow::callOwner, &kValueTableType},
     };
     return kMethods;
-}
-
-IType* ValueTableRow::getType() const noexcept {
-    return TypeEntry<kInfo>::instance();
 }
 
 } // namespace core

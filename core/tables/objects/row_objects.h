@@ -3,9 +3,8 @@
 
 #include "core/tables/objects/named_columns.h"
 #include "core/tables/objects/table_arguments.h"
-#include "core/tables/objects/table_object.h"
 
-#include <core/context/iteration.h>
+#include <core/context/script_object.h>
 
 namespace core {
 
@@ -18,9 +17,9 @@ inline constexpr GUID kValueTableRowType = "986427ea-161d-4970-9f88-a0a65bc4759a
 
 /// What the rows of tables and of trees have in common: the cells are properties, and a walk shows them.
 template <class T>
-class RowObject : public TableObject<T, true, nullptr, NamedColumns<T>>,
-                  public IValueCollection,
-                  public IRowObject {
+class RowObject : public ScriptObjectOver<T, NamedColumns<T>, IValueCollection, IRowObject> {
+    using Base = ScriptObjectOver<T, NamedColumns<T>, IValueCollection, IRowObject>;
+
   public:
     RowHandle& handle() noexcept override { return handle_; }
 
@@ -43,7 +42,7 @@ class RowObject : public TableObject<T, true, nullptr, NamedColumns<T>>,
     bool getPropInfo(int prop, ContextValueInfo& info) const override {
         const auto column = this->columnOf(prop);
         if (!column)
-            return TableObject<T, true, nullptr, NamedColumns<T>>::getPropInfo(prop, info);
+            return Base::getPropInfo(prop, info);
         info = {.types = tableData().column(*column).info.domain};
         return true;
     }

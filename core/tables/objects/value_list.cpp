@@ -223,21 +223,7 @@ InterfacePtr<IValueList> create_value_list() {
 
 namespace {
 
-GenericValue construct(std::span<GenericValue>) {
-    return make_object<ValueList>();
-}
-
-constexpr TypeInfo kInfo = {
-    .id = kValueListType,
-    .valueClass = kValueListClass,
-    .names = kValueListTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUELIST",
-    .construct = &construct,
-    .arguments = {0, 0},
-};
-
-const SCOM_Class<ValueList, &kValueListClass> kEntry("ValueList");
-const TypeEntry<kInfo> kTypeEntry("ValueList_Type");
+const ScriptClassEntry<ValueList> kEntry;
 
 } // namespace
 
@@ -246,10 +232,6 @@ std::span<const Property<ValueList>> ValueList::properties() noexcept {
         {kTypePropTerm, &ValueList::getValueType, &ValueList::setValueType, &kTypeDescriptionType},
     };
     return kProperties;
-}
-
-IType* ValueList::getType() const noexcept {
-    return TypeEntry<kInfo>::instance();
 }
 
 } // namespace core

@@ -3,8 +3,6 @@
 
 #include "core/tables/objects/value_list_item.h"
 
-#include <core/context/iteration.h>
-#include <core/persistence/persistence.h>
 #include <core/types/type_domain.h>
 
 #include <vector>
@@ -23,14 +21,17 @@ class IListObject : public IUnknown {
 
 /// Items have ids as the rows of a table have, so that taking one from a long list, or asking for its index,
 /// does not mean going through the list.
-class ValueList : public TableObject<ValueList, true, &kValueListItemType>,
-                  public IValueList,
-                  public IListObject,
-                  public IValueCollection,
-                  public IPersistableObjectImpl<ValueList, &kValueListClass> {
+class ValueList
+    : public ScriptObject<ValueList, IValueList, IListObject, IValueCollection, IPersistableObject> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueList, IListObject,
-                                     IValueCollection, IPersistableObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueListTerm,
+        .type = kValueListType,
+        .object = kValueListClass,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUELIST",
+        .arguments = {0, 0},
+        .elements = &kValueListItemType,
+    };
 
     ValueList() : order_(chunks_, true) {}
     ValueList(const ValueList&) = delete;
@@ -39,7 +40,6 @@ class ValueList : public TableObject<ValueList, true, &kValueListItemType>,
 
     static std::span<const Property<ValueList>> properties() noexcept;
     static std::span<const Method<ValueList>> methods() noexcept;
-    IType* getType() const noexcept override;
     const ValueList& self() const noexcept override { return *this; }
     InterfacePtr<IValueEnum> enumerate() override;
 

@@ -27,13 +27,7 @@ void ValueListItem::setPicture(const GenericValue& value) {
 
 namespace {
 
-constexpr TypeInfo kInfo = {
-    .id = kValueListItemType,
-    .valueClass = "24b2a36c-c706-4387-8c29-9271884ce228"_guid,
-    .names = kValueListItemTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUELISTITEM",
-};
-const TypeEntry<kInfo> kTypeEntry("ValueListItem_Type");
+const ScriptTypeEntry<ValueListItem> kEntry;
 
 } // namespace
 
@@ -46,10 +40,6 @@ std::span<const Property<ValueListItem>> ValueListItem::properties() noexcept {
         {kVLColumnTermPicture, &Self::getPicture, &Self::setPicture},
     };
     return kProperties;
-}
-
-IType* ValueListItem::getType() const noexcept {
-    return TypeEntry<kInfo>::instance();
 }
 
 } // namespace core

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "core/tables/data/row_order.h"
-#include "core/tables/objects/table_object.h"
 
-#include <core/runtime/internal_class.h>
+#include <core/context/script_object.h>
+#include <core/tables/terms.h>
 #include <core/tables/value_list.h>
 
 namespace core {
@@ -23,14 +23,18 @@ class IListItemObject : public IUnknown {
 };
 
 /// An item of a value list. It stays what it is when it is deleted from the list or the list is gone.
-class ValueListItem : public TableObject<ValueListItem>, public IListItemObject {
+class ValueListItem : public ScriptObject<ValueListItem, IListItemObject> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IListItemObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueListItemTerm,
+        .type = kValueListItemType,
+        .object = "24b2a36c-c706-4387-8c29-9271884ce228"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUELISTITEM",
+    };
 
     explicit ValueListItem(IValueList::Item content) : content_(std::move(content)) {}
 
     static std::span<const Property<ValueListItem>> properties() noexcept;
-    IType* getType() const noexcept override;
     ValueListItem& self() noexcept override { return *this; }
 
     [[nodiscard]] const IValueList::Item& content() const noexcept { return content_; }

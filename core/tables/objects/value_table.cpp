@@ -19,12 +19,17 @@
 
 namespace core {
 
-class ValueTable : public RowCollection<ValueTable, &kValueTableRowType>,
-                   public IValueTable,
-                   public IPersistableObjectImpl<ValueTable, &kValueTableClass> {
+class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObject> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueTable,
-                                     IValueTableBaseRO, IValueCollection, IPersistableObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueTableTerm,
+        .type = kValueTableType,
+        .object = kValueTableClass,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETABLE",
+        .arguments = {0, 0},
+        .elements = &kValueTableRowType,
+    };
+    using Interfaces = ScriptInterfaces<IValueTable, IValueTableBaseRO, IValueCollection, IPersistableObject>;
     static constexpr bool kHierarchical = false;
 
     ValueTable()
@@ -33,7 +38,6 @@ class ValueTable : public RowCollection<ValueTable, &kValueTableRowType>,
 
     static std::span<const Property<ValueTable>> properties() noexcept;
     static std::span<const Method<ValueTable>> methods() noexcept;
-    IType* getType() const noexcept override;
 
     [[nodiscard]] TableData& data() noexcept { return data_; }
     [[nodiscard]] RowId parent() const noexcept { return kNoRow; }
@@ -207,25 +211,11 @@ InterfacePtr<IValueTable> create_value_table() {
 
 namespace {
 
-GenericValue construct(std::span<GenericValue>) {
-    return make_object<ValueTable>();
-}
+const ScriptClassEntry<ValueTable> kEntry;
 
-constexpr TypeInfo kInfo = {
-    .id = kValueTableType,
-    .valueClass = kValueTableClass,
-    .names = kValueTableTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETABLE",
-    .construct = &construct,
-    .arguments = {0, 0},
-};
-
-const SCOM_Class<ValueTable, &kValueTableClass> kEntry("ValueTable");
-const TypeEntry<kInfo> kTypeEntry("ValueTable_Type");
-
-constexpr Param kTwoOptional[] = {detail::kOptional, detail::kOptional};
-constexpr Param kOneOptional[] = {detail::kOptional};
-constexpr Param kAndOptional[] = {{}, detail::kOptional};
+constexpr Param kTwoOptional[] = {kOptional, kOptional};
+constexpr Param kOneOptional[] = {kOptional};
+constexpr Param kAndOptional[] = {{}, kOptional};
 
 } // namespace
 
@@ -248,10 +238,6 @@ std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
             {kSelectRowMethodTerm, kTwoOptional, kFunction, &ValueTable::callChooseRow},
         }));
     return kMethods;
-}
-
-IType* ValueTable::getType() const noexcept {
-    return TypeEntry<kInfo>::instance();
 }
 
 } // namespace core

@@ -10,9 +10,15 @@
 namespace core {
 
 /// The rows of a tree below one row, or the topmost ones, as a part of the row or of the tree.
-class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection, &kValueTreeRowType> {
+class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection>;
+    static constexpr ScriptClass script = {
+        .names = kValueTreeRowCollectionTerm,
+        .type = "73aa5a29-af0c-4f13-9315-5f3d91cefcae"_guid,
+        .object = "f41c9bd7-54c9-4d7a-b44b-5fc5e47373ff"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETREEROWS",
+        .elements = &kValueTreeRowType,
+    };
     static constexpr bool kHierarchical = true;
 
     /// `parent` is null for the topmost rows.
@@ -20,7 +26,6 @@ class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection, &kVa
         : data_(data), parent_(parent) {}
 
     static std::span<const Method<ValueTreeRowCollection>> methods() noexcept;
-    IType* getType() const noexcept override;
 
     [[nodiscard]] TableData& data() noexcept { return data_; }
     [[nodiscard]] RowId parent() const { return parent_ != nullptr ? parent_->row() : kNoRow; }
@@ -32,15 +37,18 @@ class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection, &kVa
 
 class ValueTreeRow : public RowObject<ValueTreeRow> {
   public:
-    using Interfaces =
-        InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IValueCollection, IRowObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueTreeRowTerm,
+        .type = kValueTreeRowType,
+        .object = "d69a98fb-da31-45b6-baa5-600a0c9b3f6a"_guid,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETREEROW",
+    };
 
     ValueTreeRow(TableData& data, RowId row)
         : RowObject(data, row), rows_(*static_cast<IValue*>(this), data, &handle_) {}
 
     static std::span<const Property<ValueTreeRow>> properties() noexcept;
     static std::span<const Method<ValueTreeRow>> methods() noexcept;
-    IType* getType() const noexcept override;
 
   private:
     GenericValue getRows() const {
@@ -56,16 +64,21 @@ class ValueTreeRow : public RowObject<ValueTreeRow> {
     SubObject<ValueTreeRowCollection> rows_;
 };
 
-class ValueTree : public TableObject<ValueTree>, public IPersistableObjectImpl<ValueTree, &kValueTreeClass> {
+class ValueTree : public ScriptObject<ValueTree, IPersistableObject> {
   public:
-    using Interfaces = InterfaceList<IValue, IContext_, IContextDef, IContextDefExt, IPersistableObject>;
+    static constexpr ScriptClass script = {
+        .names = kValueTreeTerm,
+        .type = kValueTreeType,
+        .object = kValueTreeClass,
+        .presentation = "IDS_TYPE_PRESENTATION_VALUETREE",
+        .arguments = {0, 0},
+    };
 
     ValueTree()
         : data_(*this, true), columns_(*static_cast<IValue*>(this), data_),
           rows_(*static_cast<IValue*>(this), data_, nullptr) {}
 
     static std::span<const Property<ValueTree>> properties() noexcept;
-    IType* getType() const noexcept override;
 
     void serialize(IOutPersistenceStorage* storage) const override { serialize_table(storage, data_); }
     void deserialize(IInPersistenceStorage* storage) override { deserialize_table(storage, data_); }
@@ -91,36 +104,11 @@ GenericValue create_value_tree() {
 
 namespace {
 
-GenericValue construct(std::span<GenericValue>) {
-    return create_value_tree();
-}
+const ScriptClassEntry<ValueTree> kTreeEntry;
 
-constexpr TypeInfo kTreeInfo = {
-    .id = kValueTreeType,
-    .valueClass = kValueTreeClass,
-    .names = kValueTreeTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETREE",
-    .construct = &construct,
-    .arguments = {0, 0},
-};
-const SCOM_Class<ValueTree, &kValueTreeClass> kTreeEntry("ValueTree");
-const TypeEntry<kTreeInfo> kTreeTypeEntry("ValueTree_Type");
+const ScriptTypeEntry<ValueTreeRow> kRowEntry;
 
-constexpr TypeInfo kRowInfo = {
-    .id = kValueTreeRowType,
-    .valueClass = "d69a98fb-da31-45b6-baa5-600a0c9b3f6a"_guid,
-    .names = kValueTreeRowTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETREEROW",
-};
-const TypeEntry<kRowInfo> kRowTypeEntry("ValueTreeRow_Type");
-
-constexpr TypeInfo kCollectionInfo = {
-    .id = "73aa5a29-af0c-4f13-9315-5f3d91cefcae"_guid,
-    .valueClass = "f41c9bd7-54c9-4d7a-b44b-5fc5e47373ff"_guid,
-    .names = kValueTreeRowCollectionTerm,
-    .presentation = "IDS_TYPE_PRESENTATION_VALUETREEROWS",
-};
-const TypeEntry<kCollectionInfo> kCollectionTypeEntry("ValueTreeRowCollection_Type");
+const ScriptTypeEntry<ValueTreeRowCollection> kCollectionEntry;
 
 } // namespace
 
@@ -129,13 +117,9 @@ std::span<const Method<ValueTreeRowCollection>> ValueTreeRowCollection::methods(
     return kMethods;
 }
 
-IType* ValueTreeRowCollection::getType() const noexcept {
-    return TypeEntry<kCollectionInfo>::instance();
-}
-
 std::span<const Property<ValueTreeRow>> ValueTreeRow::properties() noexcept {
     static constexpr Property<ValueTreeRow> kProperties[] = {
-        {kRowCollectionTerm, &ValueTreeRow::getRows, nullptr, &kCollectionInfo.id},
+        {kRowCollectionTerm, &ValueTreeRow::getRows, nullptr, &ValueTreeRowCollection::script.type},
         {kParentPropTerm, &ValueTreeRow::getParent},
     };
     return kProperties;
@@ -150,20 +134,12 @@ std::span<const Method<ValueTreeRow>> ValueTreeRow::methods() noexcept {
     return kMethods;
 }
 
-IType* ValueTreeRow::getType() const noexcept {
-    return TypeEntry<kRowInfo>::instance();
-}
-
 std::span<const Property<ValueTree>> ValueTree::properties() noexcept {
     static constexpr Property<ValueTree> kProperties[] = {
         {kColumnCollectionTerm, &ValueTree::getColumns, nullptr, &kValueTableColumnCollectionType},
-        {kRowCollectionTerm, &ValueTree::getRows, nullptr, &kCollectionInfo.id},
+        {kRowCollectionTerm, &ValueTree::getRows, nullptr, &ValueTreeRowCollection::script.type},
     };
     return kProperties;
-}
-
-IType* ValueTree::getType() const noexcept {
-    return TypeEntry<kTreeInfo>::instance();
 }
 
 } // namespace core

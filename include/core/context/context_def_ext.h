@@ -4,7 +4,7 @@
 #include <core/context/context_impl.h>
 #include <core/types/type_domain.h>
 
-/// What is known of values before they exist: for editors that complete names, and for whoever checks a
+/// What is known of values before they exist: for editors that complete names, and for tools that check a
 /// script without running it.
 namespace core {
 
@@ -16,26 +16,30 @@ struct ContextValueInfo {
     GUID definition = kNullGuid;
 };
 
-/// The extended description of a context: of which types its values are. Every operation that fills in an
-/// answer returns false, and says that nothing is known, where that is so, also for a number out of range.
-/// Threads: as the context.
+/// The extended description of a context: of which types its values are. An operation that fills in an answer
+/// returns true where something is known. It returns false where nothing is known, also for a number out of
+/// range, and the answer then admits everything. Threads: as the context.
 class IContextDefExt : public IUnknown {
   public:
     static constexpr GUID IID = "26fffb9b-1e12-47b7-b950-b69c28b0ef36"_guid;
 
-    /// Whether the object can be walked, see IValueCollection.
+    /// Returns whether the object can be walked, see IValueCollection.
     [[nodiscard]] virtual bool isCollection() const = 0;
+    /// Stores what is known of the elements of the collection.
     virtual bool getCollectionItemInfo(ContextValueInfo& info) const = 0;
+    /// Stores what is known of the value of a property.
     virtual bool getPropInfo(int prop, ContextValueInfo& info) const = 0;
+    /// Stores what is known of what a method returns.
     virtual bool getMethodReturnInfo(int method, ContextValueInfo& info) const = 0;
 
     // links to type descriptions, on which the answers above stand
-    /// The class whose definition the property's value has, or the null id.
+    /// Returns the class whose definition the property's value has, or the null id.
     [[nodiscard]] virtual GUID IContextDefExt_mapPropContextDefBase(int prop) const = 0;
-    /// The type of what the method returns, borrowed, or null.
+    /// Returns the type of what the method returns, borrowed; null where it is not known.
     [[nodiscard]] virtual IType* IContextDefExt_mapMethodTypeProvider(int method) const = 0;
-    /// Whether it is known what the method returns.
+    /// Returns whether it is known what the method returns.
     [[nodiscard]] virtual bool IContextDefExt_haveMethodReturnTypeInfo(int method) const = 0;
+    /// Stores the types of what the method returns.
     virtual bool IContextDefExt_mapMethodReturnTypeInfo(int method, TypeDomain& types) const = 0;
 
   protected:

@@ -23,16 +23,19 @@ class CORE_API GroupContext : public IContext_ {
     void addContext(IContext_* context);
     /// Removes a member; one that is not here is ignored.
     void removeContext(IContext_* context);
-    /// Puts `replacement` in the place of a member; null removes it. False when `context` is not here.
+    /// Puts `replacement` in the place of a member; null removes the member. Returns false when `context` is
+    /// not here.
     bool changeContext(IContext_* context, IContext_* replacement);
 
     // query
-    /// A member and a number of its own. Empty for a number out of range.
+    /// Where a number of the group leads.
     struct Place {
-        IContext_* context;
-        int index;
+        IContext_* context; ///< the member, borrowed until it leaves the group
+        int index;          ///< the number within the member
     };
+    /// Returns the member that has a property of the group, and its number there; nothing out of range.
     [[nodiscard]] std::optional<Place> findContextByPropPos(int prop) const;
+    /// Returns the member that has a method of the group, and its number there; nothing out of range.
     [[nodiscard]] std::optional<Place> findContextByMethodPos(int method) const;
 
     // IContextDef
@@ -60,10 +63,11 @@ class CORE_API GroupContext : public IContext_ {
     GroupContext() = default;
     ~GroupContext() = default;
 
+    /// The members in their order, counted.
     using Members = std::vector<InterfacePtr<IContext_>>;
     /// Called before every change with the members to come. What it throws prevents the change.
     virtual void membersChange(const Members& /*members*/) {}
-    /// The number of a member's methods.
+    /// Returns how many methods a member has.
     [[nodiscard]] virtual int methodsOf(std::size_t member) const { return members_[member]->getNMethods(); }
 
   private:

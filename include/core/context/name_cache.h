@@ -64,23 +64,28 @@ class CORE_API NameTable {
 /// threads while it builds.
 class CORE_API ContextDefCached {
   public:
+    /// Returns the number of the property with that name in `def`, or -1. Builds the table on the first call.
     [[nodiscard]] int findProp(const IContextDef& def, const wchar* name) const {
         if (!props_.built)
             initPropsCache(def);
         return props_.table.find(name);
     }
+    /// Returns the number of the method with that name in `def`, or -1. Builds the table on the first call.
     [[nodiscard]] int findMethod(const IContextDef& def, const wchar* name) const {
         if (!methods_.built)
             initMethodsCache(def);
         return methods_.table.find(name);
     }
+    /// Builds the table of properties, also where it stands already.
     void initPropsCache(const IContextDef& def) const;
+    /// Builds the table of methods, also where it stands already.
     void initMethodsCache(const IContextDef& def) const;
-    /// Forgets the names; to be called when the set of names has changed.
+    /// Forgets the names of the properties; to be called when their set has changed.
     void resetPropsCache() noexcept { props_.reset(); }
+    /// Forgets the names of the methods; to be called when their set has changed.
     void resetMethodsCache() noexcept { methods_.reset(); }
 
-    /// The names that the table of properties holds; 0 before it is built.
+    /// Returns how many names the table of properties holds; 0 before it is built.
     [[nodiscard]] std::size_t propNames() const noexcept { return props_.table.size(); }
 
   private:
@@ -100,11 +105,17 @@ class CORE_API ContextDefCached {
 /// often than they are asked for.
 class CORE_API ContextDefNoncached {
   public:
+    /// Returns the number of the property with that name in `def`, or -1.
     [[nodiscard]] int findProp(const IContextDef& def, const wchar* name) const;
+    /// Returns the number of the method with that name in `def`, or -1.
     [[nodiscard]] int findMethod(const IContextDef& def, const wchar* name) const;
+    /// Does nothing.
     void initPropsCache(const IContextDef&) const noexcept {}
+    /// Does nothing.
     void initMethodsCache(const IContextDef&) const noexcept {}
+    /// Does nothing.
     void resetPropsCache() noexcept {}
+    /// Does nothing.
     void resetMethodsCache() noexcept {}
 };
 

@@ -10,10 +10,12 @@
 /// of Types; none admits every value) and optional qualifiers of Number, String and Date.
 namespace core {
 
+/// The type id of "TypeDescription".
 inline constexpr GUID kTypeDescriptionType = "64bcd8e6-250c-426b-8e55-53e7cc7dfa3e"_guid;
 
+/// Returns a new "TypeDescription". Throws std::bad_alloc.
 [[nodiscard]] CORE_API GenericValue create_type_description(TypeDomain domain);
-/// The description that a value holds, borrowed from it; null when it is any other value.
+/// Returns the description that a "TypeDescription" holds, borrowed from it; null for any other value.
 [[nodiscard]] CORE_API const TypeDomain* type_domain_of(const Value& value) noexcept;
 
 } // namespace core

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+// The class that docs/contributing.md adds from nothing does what the page says. It is compiled into this
+// program from the page itself.
+#include "tests/host/program_fixture.h"
+#include "tests/host/script_fixture.h"
+
+#include <core/runtime/module.h>
+
+namespace host::script {
+namespace {
+
+TEST(Contributing, TheClassFromNothingRunsItsScript) {
+    const std::string page = text_of(std::filesystem::path(CORE_SOURCE_DIR) / "docs" / "contributing.md");
+    const std::size_t begin = page.find("\nC = New Counter;");
+    ASSERT_NE(begin, std::string::npos);
+    const std::string code = page.substr(begin + 1, page.find("\n```", begin) - begin - 1);
+    const std::size_t answer = code.find("// ");
+    ASSERT_NE(answer, std::string::npos);
+
+    core::SCOM_ResourceBundle bundle("nothing");
+    core::SCOM_Module module(core::module_class_entries, bundle);
+    module.init(&bundle);
+    const HostProcess process;
+    Session session;
+    EXPECT_EQ(session.run(code), code.substr(answer + 3));
+    EXPECT_EQ(session.run("C.Add(\"x\")").substr(0, 1), "!");
+}
+
+} // namespace
+} // namespace host::script
