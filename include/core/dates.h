@@ -5,4 +5,5 @@
 #include <core/dates/calendar.h>
 #include <core/dates/date.h>
 #include <core/dates/date_span.h>
+#include <core/dates/errors.h>
 #include <core/dates/settings.h>

@@ -100,14 +100,29 @@ class Date {
     [[nodiscard]] constexpr Date begOfYear() const noexcept { return begOfMonths(12); }
     [[nodiscard]] constexpr Date endOfYear() const noexcept { return endOfMonths(12); }
 
-    // Time zones: the process's zone, or one given by name ("Europe/Berlin"; empty: the system's; unknown:
-    // UTC). The empty date and dates out of range stay as they are. A local time that a change of clocks
-    // skips is read by the offset before the change; one that occurs twice means its first occurrence.
+    /// \name Time zones
+    /// A zone has the name that it would have in the variable TZ: a file of the system's zones
+    /// ("Europe/Berlin", looked for in TZDIR where that is set), an absolute path of such a file, or a rule as
+    /// in "CET-1CEST,M3.5.0,M10.5.0/3"; what the system has no file for is looked up in ICU's data. The empty
+    /// name means the system's zone: TZ, else /etc/localtime. Zones are read once a process.
+    /// The empty date and dates out of range stay as they are. All throw TimeZoneException for a name that is
+    /// no zone.
+    /// @{
 
+    /// This universal time on the clocks of the process's zone.
     [[nodiscard]] CORE_API Date toLocalTime() const;
+    /// This universal time on the clocks of `zone`.
     [[nodiscard]] CORE_API Date toLocalTime(const std::string& zone) const;
+    /// The universal time at which the clocks of the process's zone show this date. A local time that a
+    /// change of clocks skips is read by the offset before the change; one that occurs twice means its first
+    /// occurrence.
     [[nodiscard]] CORE_API Date toUniversalTime() const;
+    /// The same by the clocks of `zone`.
     [[nodiscard]] CORE_API Date toUniversalTime(const std::string& zone) const;
+    /// Does nothing but throw for a name that is no zone: a program that checks its zone when it starts does
+    /// not fail later.
+    static CORE_API void checkTimeZone(const std::string& zone);
+    /// @}
 
     // Text: fourteen digits, 20040301130507, and the XML form, 2004-03-01T13:05:07.
     // A reader skips white space in front, stores through `end` where it stopped, and gives the empty date,
