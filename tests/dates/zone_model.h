@@ -88,9 +88,9 @@ inline void expect_as_in_c_library(const std::string& zone, int first, int count
     ::tzset();
     constexpr std::int64_t kYear = 31'556'952;
     std::mt19937_64 random(1);
-    const auto between = [&](std::int64_t first, std::int64_t last) {
-        return (first - 1970) * kYear +
-               static_cast<std::int64_t>(random() % static_cast<std::uint64_t>((last - first) * kYear));
+    const auto between = [&](std::int64_t from, std::int64_t to) {
+        return (from - 1970) * kYear +
+               static_cast<std::int64_t>(random() % static_cast<std::uint64_t>((to - from) * kYear));
     };
     std::vector<std::int64_t> moments;
     for (int i = 0; i < count; ++i) {

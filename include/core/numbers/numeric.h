@@ -55,6 +55,8 @@ class CORE_API Numeric {
     Numeric(T value) noexcept;
     /// The shortest decimal that reads back as `value`. NumericException (overflow) for infinities and NaN.
     Numeric(double value);
+    /// The same for the wider type.
+    Numeric(long double value);
     Numeric(bool) = delete;
     ~Numeric() { release(); }
 
@@ -206,6 +208,10 @@ class CORE_API Numeric {
     [[nodiscard]] bool negative() const noexcept { return sign_ != kPositive; }
     [[nodiscard]] bool equals(const Numeric& other) const noexcept;
     [[nodiscard]] std::uint64_t toInteger() const noexcept;
+    template <class Float>
+    void setFloating(Float value);
+    template <class Float>
+    [[nodiscard]] Float toFloating() const noexcept;
     [[nodiscard]] Numeric wholePart() const;
 
     /// Room for `count` limbs in a number that is zero; finish() must follow.
