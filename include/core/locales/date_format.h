@@ -65,9 +65,9 @@ class DateFormat {
     Pattern dateTime_;
 };
 
-/// The format that the settings of the calling thread's process ask for. The reference is for
-/// this thread and holds until it asks again under other settings. CtorException for a malformed
-/// format string in the settings.
+/// Returns the format that the settings of the calling thread's process ask for. It is borrowed, for this
+/// thread, until it asks again under other settings. Throws CtorException for a malformed format
+/// string in the settings.
 [[nodiscard]] CORE_API const DateFormat& default_date_format();
 
 } // namespace core
