@@ -24,7 +24,7 @@ TEST(DateFormat, StandardPatternsFollowTheLocaleAndReadBack) {
     const DateFormat formats[] = {
         DateFormat(), DateFormat(u"", kRussian), DateFormat(u"datetime=s.m.H d/M/yyyy"),
         DateFormat(u"date=ddMMyyyy; time='HHmmss''Z'''"),
-        DateFormat(u"datetime='''Datum: ''dd.MM.yyyy'' um ''H ''o''''''clock'' г.mm''''ss'")};
+        DateFormat(u"datetime='''Datum: ''dd.MM.yyyy'' um ''H ''o''''clock'' г.mm''''ss'")};
     for (const DateFormat& format : formats) {
         for (int i = 0; i < 2000; ++i) {
             const Date written = Date(random() % Date::kLimit);
