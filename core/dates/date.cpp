@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/dates/zones/find_zone.h"
+#include "core/dates/find_zone.h"
 
 #include <core/dates/date.h>
 #include <core/dates/settings.h>

@@ -83,7 +83,8 @@ void ProcessObject::releaseServices() noexcept {
 
 HostProcess::HostProcess(const Settings& settings)
     : object_(SCOM_InternalClass<ProcessObject>::create(settings)) {
-    Date::checkTimeZone(settings.part<DateSettings>().timeZone); // a wrong one stops a program here, not at its first date
+    Date::checkTimeZone(
+        settings.part<DateSettings>().timeZone); // a wrong one stops a program here, not at its first date
     if (!object_)
         throw_error<ProcessInitException>(messages::kProcessInit);
     for (const SCOM_Module* module : registered_modules()) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/dates/zones/time_zone.h"
+#include "core/dates/time_zone.h"
 
 #include <memory>
 #include <string>

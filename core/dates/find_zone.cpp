@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/dates/zones/find_zone.h"
+#include "core/dates/find_zone.h"
 
-#include "core/dates/zones/icu_zone.h"
-#include "core/dates/zones/zone_file.h"
-#include "core/dates/zones/zone_rule.h"
+#include "core/dates/icu_zone.h"
+#include "core/dates/zone_file.h"
+#include "core/dates/zone_rule.h"
 
 #include <core/dates/errors.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/dates/zones/time_zone.h"
+#include "core/dates/time_zone.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/dates/zones/zone_file.h"
+#include "core/dates/zone_file.h"
 
-#include "core/dates/zones/unix_time.h"
-#include "core/dates/zones/zone_rule.h"
+#include "core/dates/unix_time.h"
+#include "core/dates/zone_rule.h"
 
 #include <algorithm>
 

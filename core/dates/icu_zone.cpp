@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/dates/zones/icu_zone.h"
+#include "core/dates/icu_zone.h"
 
-#include "core/dates/zones/unix_time.h"
+#include "core/dates/unix_time.h"
 
 #include <unicode/basictz.h>
 #include <unicode/tztrans.h>

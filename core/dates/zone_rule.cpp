@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/dates/zones/zone_rule.h"
+#include "core/dates/zone_rule.h"
 
-#include "core/dates/zones/unix_time.h"
+#include "core/dates/unix_time.h"
 
 #include <algorithm>
 
