@@ -29,11 +29,11 @@ constexpr const char* kExitCodes =
 ExitCode carry_out(const Action& action, Console& console) {
     core::Settings settings;
     settings.locale = core::Locale(console.language == Language::russian ? "ru" : "en");
-    HostProcess process(settings);
-    if (console.terminal)
-        process.offerService(core::IChooser::IID, create_console_chooser(console).get());
     ExitCode code = ExitCode::internal;
     try {
+        HostProcess process(settings);
+        if (console.terminal)
+            process.offerService(core::IChooser::IID, create_console_chooser(console).get());
         code = action();
     } catch (const core::FileException& e) {
         return fail(console, e.description(), ExitCode::io);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/dates/time_zone.h"
+#include "core/dates/find_zone.h"
 
 #include <core/dates/date.h>
 #include <core/dates/settings.h>
@@ -12,16 +12,10 @@ namespace {
 
 constexpr Date kUnixEpoch(1970, 1, 1);
 
-constexpr std::int64_t kTicksPerMillisecond = kTicksPerSecond / 1000;
-
 /// Rounded down on both sides of the epoch.
-std::int64_t unix_milliseconds(Date date) noexcept {
-    return static_cast<std::int64_t>(date.ticks() / kTicksPerMillisecond) -
-           static_cast<std::int64_t>(kUnixEpoch.ticks() / kTicksPerMillisecond);
-}
-
-DateSpan to_span(std::chrono::milliseconds offset) noexcept {
-    return DateSpan(offset.count() * kTicksPerMillisecond);
+std::int64_t unix_seconds(Date date) noexcept {
+    return static_cast<std::int64_t>(date.ticks() / kTicksPerSecond) -
+           static_cast<std::int64_t>(kUnixEpoch.ticks() / kTicksPerSecond);
 }
 
 } // namespace
@@ -51,13 +45,17 @@ Date Date::toUniversalTime() const {
 Date Date::toLocalTime(const std::string& zone) const {
     if (isEmpty() || !isInRange())
         return *this;
-    return *this + to_span(time_zone(zone).offsetAtUniversal(unix_milliseconds(*this)));
+    return *this + DateSpan(time_zone(zone).offsetAtUniversal(unix_seconds(*this)) * kTicksPerSecond);
 }
 
 Date Date::toUniversalTime(const std::string& zone) const {
     if (isEmpty() || !isInRange())
         return *this;
-    return *this - to_span(time_zone(zone).offsetAtLocal(unix_milliseconds(*this)));
+    return *this - DateSpan(time_zone(zone).offsetAtLocal(unix_seconds(*this)) * kTicksPerSecond);
+}
+
+void Date::checkTimeZone(const std::string& zone) {
+    (void)time_zone(zone);
 }
 
 } // namespace core

@@ -3,9 +3,12 @@
 #include "core/locales/format_items.h"
 
 #include <core/locales/date_format.h>
+#include <core/locales/errors.h>
 #include <core/locales/settings.h>
+#include <core/strings/char_class.h>
 #include <core/strings/trim.h>
 
+#include <algorithm>
 #include <array>
 
 namespace core {
@@ -16,37 +19,12 @@ constexpr wstring_view kLetters = u"yMdHms";
 using Parts = std::array<int, kLetters.size()>;
 constexpr Parts kEmptyDate = {1, 1, 1, 0, 0, 0};
 
-/// What stands at the front of a pattern: a part with its width, or a character that stands for itself.
-struct Piece {
-    std::size_t part; ///< npos for a character
-    std::size_t length;
-};
-
-Piece first_piece(wstring_view pattern) noexcept {
-    const std::size_t part = kLetters.find(pattern.front());
-    if (part == wstring_view::npos)
-        return {part, 1};
-    const std::size_t length = pattern.find_first_not_of(pattern.front());
-    return {part, length == wstring_view::npos ? pattern.size() : length};
+[[noreturn]] void refuse_part(wstring_view pattern, wstring_view part) {
+    throw_error<CtorException>(messages::kPatternPart, {wstring(pattern), wstring(part)});
 }
 
-/// Whether the year has four digits, the other parts one or two, none comes twice, and it can be told where
-/// a part of one digit or two ends.
-bool is_pattern(wstring_view pattern) noexcept {
-    std::array<bool, kLetters.size()> seen{};
-    while (!pattern.empty()) {
-        const auto [part, length] = first_piece(pattern);
-        pattern.remove_prefix(length);
-        if (part == wstring_view::npos)
-            continue;
-        const bool endless = length == 1 && !pattern.empty() &&
-                             (kLetters.find(pattern.front()) != wstring_view::npos ||
-                              (pattern.front() >= u'0' && pattern.front() <= u'9'));
-        if (seen[part] || endless || (part == 0 ? length != 4 : length > 2))
-            return false;
-        seen[part] = true;
-    }
-    return true;
+bool is_latin_letter(wchar c) noexcept {
+    return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
 }
 
 /// Takes a number off the front of `rest`; -1 when there are fewer digits than `least`.
@@ -57,24 +35,6 @@ int take_number(wstring_view& rest, std::size_t least, std::size_t most) noexcep
         number = number * 10 + (rest[count] - u'0');
     rest.remove_prefix(count);
     return count >= least ? number : -1;
-}
-
-/// Takes the parts off the front of `rest`.
-bool take_parts(wstring_view& rest, wstring_view pattern, Parts& parts) noexcept {
-    while (!pattern.empty()) {
-        const auto [part, length] = first_piece(pattern);
-        if (part != wstring_view::npos) {
-            parts[part] = part == 0 ? take_number(rest, 4, 4) : take_number(rest, 1, 2);
-            if (parts[part] < 0)
-                return false;
-        } else {
-            if (rest.empty() || rest.front() != pattern.front())
-                return false;
-            rest.remove_prefix(1);
-        }
-        pattern.remove_prefix(length);
-    }
-    return true;
 }
 
 void append_number(wstring& text, int number, std::size_t width) {
@@ -89,22 +49,85 @@ void append_number(wstring& text, int number, std::size_t width) {
 
 } // namespace
 
+/// Every part comes once, the year with four digits and the others with one or two; a part that may have one
+/// digit is not followed by another digit, so that its end can be found; and readers, who skip white space in
+/// front, find what a text begins with.
+DateFormat::Pattern DateFormat::compile(wstring_view pattern) {
+    Pattern pieces;
+    const auto append_text = [&](const wstring& text) {
+        if (pieces.empty() || pieces.back().width != 0)
+            pieces.push_back({0, 0, {}});
+        pieces.back().text += text;
+    };
+    std::array<bool, kLetters.size()> seen{};
+    for (wstring_view rest = pattern; !rest.empty();) {
+        const wchar front = rest.front();
+        if (front == u'\'') {
+            const auto text = take_quoted(rest);
+            if (!text)
+                refuse_part(pattern, rest);
+            append_text(text->empty() ? u"'" : *text);
+            continue;
+        }
+        const std::size_t width = std::min(rest.find_first_not_of(front), rest.size());
+        const wstring_view letters = rest.substr(0, is_latin_letter(front) ? width : 1);
+        rest.remove_prefix(letters.size());
+        if (!is_latin_letter(front)) {
+            append_text(wstring(letters));
+            continue;
+        }
+        const std::size_t part = kLetters.find(front);
+        if (part == wstring_view::npos || seen[part] || (part == 0 ? width != 4 : width > 2))
+            refuse_part(pattern, letters);
+        seen[part] = true;
+        pieces.push_back({part, width, {}});
+    }
+    for (std::size_t i = 0; i + 1 < pieces.size(); ++i) {
+        const Piece& next = pieces[i + 1];
+        if (pieces[i].width == 1 && (next.width != 0 || is_ascii_digit(next.text.front())))
+            refuse_part(pattern, kLetters.substr(pieces[i].part, 1));
+    }
+    if (std::find(seen.begin(), seen.end(), true) == seen.end() ||
+        (pieces.front().width == 0 && is_space(pieces.front().text.front())))
+        refuse_part(pattern, pattern);
+    return pieces;
+}
+
+/// Takes the parts off the front of `rest`.
+bool DateFormat::take(wstring_view& rest, const Pattern& pattern, int* parts) noexcept {
+    for (const auto& [part, width, text] : pattern) {
+        if (width != 0) {
+            parts[part] = part == 0 ? take_number(rest, 4, 4) : take_number(rest, 1, 2);
+            if (parts[part] < 0)
+                return false;
+        } else {
+            if (!rest.starts_with(text))
+                return false;
+            rest.remove_prefix(text.size());
+        }
+    }
+    return true;
+}
+
 DateFormat::DateFormat(wstring_view format, const Locale& locale)
-    : date_(locale.isRussian() ? u"dd.MM.yyyy" : u"yyyy-MM-dd"), time_(u"HH:mm:ss") {
+    : date_(compile(locale.isRussian() ? u"dd.MM.yyyy" : u"yyyy-MM-dd")), time_(compile(u"HH:mm:ss")) {
     for (const FormatItem& item : format_items(format)) {
-        wstring* const pattern = item.is(u"date")       ? &date_
+        Pattern* const pattern = item.is(u"date")       ? &date_
                                  : item.is(u"time")     ? &time_
                                  : item.is(u"datetime") ? &dateTime_
                                                         : nullptr;
-        if (pattern == nullptr || !is_pattern(item.value))
+        if (pattern == nullptr)
             item.refuse();
-        *pattern = item.text();
+        *pattern = compile(item.text());
     }
-    if (dateTime_.empty())
-        dateTime_ = date_ + u' ' + time_;
+    if (dateTime_.empty()) {
+        dateTime_ = date_;
+        dateTime_.push_back({0, 0, u" "});
+        dateTime_.insert(dateTime_.end(), time_.begin(), time_.end());
+    }
 }
 
-const wstring& DateFormat::pattern(DatePattern number) const noexcept {
+const DateFormat::Pattern& DateFormat::pattern(DatePattern number) const noexcept {
     return number == DatePattern::date ? date_ : number == DatePattern::time ? time_ : dateTime_;
 }
 
@@ -112,15 +135,11 @@ void DateFormat::format(Date date, wstring& text, DatePattern number) const {
     Parts parts;
     date.split(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
     text.clear();
-    wstring_view rest = pattern(number);
-    text.reserve(rest.size() + parts.size());
-    while (!rest.empty()) {
-        const auto [part, length] = first_piece(rest);
-        if (part != wstring_view::npos)
-            append_number(text, parts[part], length);
+    for (const Piece& piece : pattern(number)) {
+        if (piece.width != 0)
+            append_number(text, parts[piece.part], piece.width);
         else
-            text += rest.front();
-        rest.remove_prefix(length);
+            text += piece.text;
     }
 }
 
@@ -133,7 +152,7 @@ wstring DateFormat::format(Date date, DatePattern number) const {
 bool DateFormat::parse(wstring_view text, Date& date, const wchar** end, DatePattern number) const {
     wstring_view rest = trim_left(text);
     Parts parts = kEmptyDate;
-    const bool done = take_parts(rest, pattern(number), parts) &&
+    const bool done = take(rest, pattern(number), parts.data()) &&
                       Date::isMoment(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
     if (done)
         date = Date(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);

@@ -7,6 +7,8 @@
 #include <core/strings/compare.h>
 #include <core/strings/trim.h>
 
+#include <algorithm>
+
 namespace core {
 namespace {
 
@@ -24,27 +26,36 @@ wstring take_value(wstring_view& rest) {
         rest.remove_prefix(length == wstring_view::npos ? rest.size() : length + 1);
         return value;
     }
-    wstring value;
-    for (rest.remove_prefix(1);; rest.remove_prefix(1)) {
-        const std::size_t length = rest.find(u'\'');
-        if (length == wstring_view::npos)
-            refuse_item(all);
-        value += rest.substr(0, length);
-        rest.remove_prefix(length + 1);
-        if (rest.empty() || rest.front() != u'\'')
-            break;
-        value += u'\'';
-    }
+    const std::optional<wstring> value = take_quoted(rest);
+    if (!value)
+        refuse_item(all);
     rest = trim_left(rest);
     if (!rest.empty()) {
         if (rest.front() != u';')
             refuse_item(all);
         rest.remove_prefix(1);
     }
-    return value;
+    return *value;
 }
 
 } // namespace
+
+std::optional<wstring> take_quoted(wstring_view& rest) {
+    wstring text;
+    for (std::size_t at = 1;;) {
+        const std::size_t end = rest.find(u'\'', at);
+        if (end == wstring_view::npos)
+            return std::nullopt;
+        text += rest.substr(at, end - at);
+        at = end + 1;
+        if (at == rest.size() || rest[at] != u'\'') {
+            rest.remove_prefix(at);
+            return text;
+        }
+        text += u'\'';
+        ++at;
+    }
+}
 
 bool FormatItem::is(wstring_view expected) const noexcept {
     return compare_nocase(name, expected) == 0;
@@ -72,7 +83,10 @@ std::vector<FormatItem> format_items(wstring_view format) {
             refuse_item(rest);
         const wstring_view name = trim_right(rest.substr(0, length));
         rest.remove_prefix(length + 1);
-        items.push_back({name, take_value(rest)});
+        FormatItem item{name, take_value(rest)};
+        if (std::any_of(items.begin(), items.end(), [&](const FormatItem& other) { return other.is(name); }))
+            item.refuse();
+        items.push_back(std::move(item));
     }
     return items;
 }

@@ -3,6 +3,7 @@
 
 #include <core/runtime/types.h>
 
+#include <optional>
 #include <vector>
 
 namespace core {
@@ -20,7 +21,12 @@ struct FormatItem {
     [[noreturn]] void refuse() const;
 };
 
-/// The items of `format`, in order. The names are views into `format`. CtorException when it is malformed.
+/// Takes the text between the apostrophes at the front of `rest`, in which two are one. None when it has no
+/// end; `rest` is then what it was.
+[[nodiscard]] std::optional<wstring> take_quoted(wstring_view& rest);
+
+/// The items of `format`, in order. The names are views into `format`. CtorException when it is malformed, or
+/// names an item twice.
 [[nodiscard]] std::vector<FormatItem> format_items(wstring_view format);
 
 } // namespace core

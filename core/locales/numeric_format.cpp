@@ -34,7 +34,8 @@ int fraction_digits(const FormatItem& item) {
 }
 
 wchar separator(const FormatItem& item) {
-    if (item.value.size() != 1 || is_digit(item.value[0]) || item.value[0] == u'-' || item.value[0] == u'+')
+    if (item.value.size() != 1 || item.value[0] == u'\0' || is_digit(item.value[0]) ||
+        item.value[0] == u'-' || item.value[0] == u'+')
         item.refuse();
     return item.value[0];
 }
@@ -92,6 +93,11 @@ NumericFormat::NumericFormat(wstring_view format) {
     }
     if (point_ == group_)
         FormatItem{u"group", wstring(1, group_)}.refuse();
+    // The text of zero must not be that of another number.
+    wstring_view zero = zero_;
+    const std::string plain = take_number(zero, point_, group_);
+    if (!plain.empty() && zero.empty() && Numeric::fromString(std::string_view(plain)).sign() != 0)
+        FormatItem{u"zero", zero_}.refuse();
 }
 
 void NumericFormat::format(const Numeric& number, wstring& text) const {

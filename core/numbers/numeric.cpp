@@ -6,9 +6,6 @@
 #include <core/numbers/numeric.h>
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <limits>
 #include <new>
 
 namespace core {
@@ -28,17 +25,6 @@ Numeric::Limb* allocate(std::size_t count) {
         throw TooManyLimbs();
     }
     return static_cast<Numeric::Limb*>(allocate_block(count * sizeof(Numeric::Limb)));
-}
-
-/// Limb × 10^9 + limb ... for the up to three highest limbs; `used` receives their number.
-template <class Float>
-Float highest_limbs(std::span<const Limb> limbs, std::size_t& used) noexcept {
-    used = std::min<std::size_t>(limbs.size(), 3);
-    Float value = 0;
-    for (std::size_t i = 0; i < used; ++i) {
-        value = value * static_cast<Float>(kLimbBase) + static_cast<Float>(limbs[limbs.size() - 1 - i]);
-    }
-    return value;
 }
 
 } // namespace
@@ -67,41 +53,6 @@ Numeric& Numeric::operator=(const Numeric& other) {
     fraction_ = other.fraction_;
     sign_ = other.sign_;
     return *this;
-}
-
-Numeric::Numeric(double value) {
-    constexpr double kExactIntegers = 1e15;
-    if (!std::isfinite(value)) {
-        throw NumericException(NumericException::Error::overflow);
-    }
-    const double magnitude = std::fabs(value);
-    if (magnitude < kExactIntegers && magnitude == std::floor(magnitude)) {
-        setInteger(static_cast<std::uint64_t>(magnitude), std::signbit(value));
-        return;
-    }
-    // d.ddde±xx: at most 17 digits, placed by the exponent.
-    char text[32];
-    const char* end = std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific).ptr;
-    std::int32_t exponent = 0; // of the last digit
-    std::uint64_t digits = 0;
-    for (const char* p = text; p != end; ++p) {
-        if (*p == 'e') {
-            std::int32_t written = 0;
-            std::from_chars(p[1] == '+' ? p + 2 : p + 1, end, written);
-            exponent += written;
-            break;
-        }
-        if (*p != '.') {
-            digits = digits * 10 + static_cast<std::uint64_t>(*p - '0');
-            exponent -= p == text ? 0 : 1;
-        }
-    }
-    // value = digits × 10^exponent = digits × 10^filler × 10^(−9 × fraction)
-    constexpr std::int32_t kDigits = kLimbDigits;
-    const std::int32_t fraction = exponent >= 0 ? -(exponent / kDigits) : (kDigits - 1 - exponent) / kDigits;
-    const std::int32_t filler = exponent + fraction * kDigits;
-    const auto [high, low] = split_word(product(digits, kPowers[static_cast<std::size_t>(filler)]));
-    store({pair_of(low), pair_of(high), 0, 0}, fraction, std::signbit(value));
 }
 
 int Numeric::compareMagnitudes(const Numeric& a, const Numeric& b) noexcept {
@@ -146,84 +97,6 @@ Numeric Numeric::abs() const {
     Numeric result = *this;
     result.sign_ = kPositive;
     return result;
-}
-
-/// Modulo 2^64 the zeros implied by eight limbs make everything zero, since 10^9 is a multiple of 2^9: only
-/// the eight lowest whole limbs count.
-std::uint64_t Numeric::toInteger() const noexcept {
-    std::uint64_t value = 0;
-    const std::int64_t first = std::max<std::int64_t>(fraction_, 0);
-    const std::int64_t last = std::min<std::int64_t>(count_, std::int64_t{fraction_} + 8);
-    for (std::int64_t i = last; i-- > first;) {
-        value = value * kBase + limbs_[i];
-    }
-    for (std::int64_t i = std::max(fraction_, -8); i < 0; ++i) {
-        value *= kBase;
-    }
-    return negative() ? 0 - value : value;
-}
-
-Numeric::operator double() const noexcept {
-    // Exact while both the limbs and the divisor are exact in a double.
-    constexpr double kExact = 0x1p53;
-    std::size_t used = 0;
-    if (count_ <= 2 && fraction_ >= 0 && fraction_ <= 2) {
-        constexpr double kScale[] = {1, 1e9, 1e18};
-        const double value = highest_limbs<double>(limbs(), used);
-        if (value <= kExact) {
-            return (negative() ? -value : value) / kScale[fraction_];
-        }
-    }
-    // Else by the decimal reader, which rounds correctly: limb, limb, limb, "e", exponent.
-    char text[64];
-    char* out = text;
-    used = std::min<std::size_t>(limbCount(), 3);
-    for (std::size_t i = 0; i < used; ++i) {
-        Limb limb = limbs_[limbCount() - 1 - i];
-        for (std::size_t digit = kLimbDigits; digit-- > 0; limb /= 10) {
-            out[digit] = static_cast<char>('0' + limb % 10);
-        }
-        out += kLimbDigits;
-    }
-    *out++ = 'e';
-    const std::int64_t exponent = (std::int64_t{count_} - fraction_ - static_cast<std::int64_t>(used)) *
-                                  static_cast<std::int64_t>(kLimbDigits);
-    out = std::to_chars(out, text + sizeof text, exponent).ptr;
-    double value = 0;
-    if (std::from_chars(text, out, value).ec == std::errc::result_out_of_range) {
-        value = exponent > 0 ? std::numeric_limits<double>::infinity() : 0;
-    }
-    return negative() ? -value : value;
-}
-
-Numeric::operator long double() const noexcept {
-    std::size_t used = 0;
-    auto value = highest_limbs<long double>(limbs(), used);
-    const auto scale =
-        static_cast<long double>(std::int64_t{count_} - fraction_ - static_cast<std::int64_t>(used));
-    constexpr long double base = kBase;
-    if (scale >= 0) {
-        value *= std::pow(base, scale);
-    } else {
-        // In two steps: the power may be out of range where the quotient is not.
-        const long double half = std::floor(scale / 2);
-        value = value / std::pow(base, -half) / std::pow(base, half - scale);
-    }
-    return negative() ? -value : value;
-}
-
-void Numeric::setInteger(std::uint64_t magnitude, bool negative) noexcept {
-    if (magnitude == 0) {
-        return;
-    }
-    sign_ = negative ? kNegative : kPositive;
-    while (magnitude % kBase == 0) {
-        magnitude /= kBase;
-        --fraction_;
-    }
-    for (; magnitude != 0; magnitude /= kBase) {
-        inline_[count_++] = static_cast<Limb>(magnitude % kBase);
-    }
 }
 
 void Numeric::refuse() {

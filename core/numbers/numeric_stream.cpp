@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/numbers/digit_text.h"
 
-#include <core/numbers/numeric_stream.h>
+#include <core/numbers/numeric.h>
 
+#include <istream>
+#include <ostream>
 #include <streambuf>
 
 namespace core {
@@ -78,6 +80,17 @@ wostream& Numeric::toStream(wostream& out) const {
         out.setstate(std::ios_base::badbit);
     }
     return out;
+}
+
+wostream& operator<<(wostream& out, const Numeric& number) {
+    return number.toStream(out);
+}
+
+wistream& operator>>(wistream& in, Numeric& number) {
+    if (!number.fromStream(in)) {
+        in.setstate(std::ios_base::failbit);
+    }
+    return in;
 }
 
 } // namespace core

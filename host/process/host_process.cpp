@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <core/dates/date.h>
+#include <core/dates/settings.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/process.h>
 #include <host/host_process.h>
@@ -81,6 +83,8 @@ void ProcessObject::releaseServices() noexcept {
 
 HostProcess::HostProcess(const Settings& settings)
     : object_(SCOM_InternalClass<ProcessObject>::create(settings)) {
+    Date::checkTimeZone(
+        settings.part<DateSettings>().timeZone); // a wrong one stops a program here, not at its first date
     if (!object_)
         throw_error<ProcessInitException>(messages::kProcessInit);
     for (const SCOM_Module* module : registered_modules()) {

@@ -4,5 +4,5 @@
 /// Dates: a moment of the calendar as one count of ticks, its parts, periods, time zones and texts.
 #include <core/dates/calendar.h>
 #include <core/dates/date.h>
-#include <core/dates/date_span.h>
+#include <core/dates/errors.h>
 #include <core/dates/settings.h>

@@ -4,5 +4,4 @@
 /// Exact decimal numbers of any length, and their texts.
 #include <core/numbers/errors.h>
 #include <core/numbers/numeric.h>
-#include <core/numbers/numeric_stream.h>
 #include <core/numbers/settings.h>

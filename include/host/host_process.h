@@ -61,6 +61,7 @@ class ProcessObject : public core::SCOM_Process {
 /// thread as it was. It ends on the thread that started it.
 class HostProcess {
   public:
+    /// Throws TimeZoneException for settings whose time zone, or whose system, has a zone that is not known.
     explicit HostProcess(const core::Settings& settings = {});
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;

@@ -17,7 +17,6 @@ TEST(DateZone, OffsetsFollowTheZone) {
     EXPECT_EQ(winter.toLocalTime(kBerlin), Date(2004, 1, 15, 13, 0, 0));
     EXPECT_EQ(summer.toLocalTime(kBerlin), Date(2004, 7, 15, 14, 0, 0));
     EXPECT_EQ(summer.toLocalTime("Asia/Kathmandu"), Date(2004, 7, 15, 17, 45, 0));
-    EXPECT_EQ(summer.toLocalTime("No/Such_Zone"), summer);
     for (const char* zone : {kBerlin, "America/St_Johns", "Asia/Tokyo", "UTC", ""}) {
         for (const Date date :
              {winter, summer, Date(1850, 5, 5), Date(1, 1, 3), Date(9999, 12, 29) + DateSpan(1)})

@@ -27,7 +27,8 @@ TEST(BoolFormat, WordsFollowTheLocaleAndReadBackInAnyCase) {
     EXPECT_TRUE(value);
     for (const wstring_view text : {u"", u"Ye", u"Да", u"1"})
         EXPECT_EQ(read(english, text, value), -1);
-    expect_refused<BoolFormat>({u"true=", u"true=No", u"true=A; false=a", u"maybe=1", u"true=' A'"});
+    expect_refused<BoolFormat>(
+        {u"true=", u"true=No", u"true=A; false=a", u"maybe=1", u"true=A; true=B", u"true=' A'"});
 }
 
 } // namespace

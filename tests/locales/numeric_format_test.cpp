@@ -63,10 +63,29 @@ TEST(NumericFormat, GroupsRoundsAndReadsBack) {
 }
 
 TEST(NumericFormat, RefusesBadStrings) {
-    expect_refused<NumericFormat>({u"fraction", u"fraction=", u"fraction=-1", u"fraction=1001",
-                                   u"fraction=99999999999", u"fraction=2x", u"point=", u"point=ab",
-                                   u"point=5", u"group=-", u"group=.", u"group=' ", u"group=' 'x",
-                                   u"zero=' -'", u"colour=red", u"=2", u"fraction=2 point=,"});
+    expect_refused<NumericFormat>({u"fraction",
+                                   u"fraction=",
+                                   u"fraction=-1",
+                                   u"fraction=1001",
+                                   u"fraction=99999999999",
+                                   u"fraction=2x",
+                                   u"point=",
+                                   u"point=ab",
+                                   u"point=5",
+                                   u"group=-",
+                                   u"group=.",
+                                   u"group=' ",
+                                   u"group=' 'x",
+                                   u"zero=' -'",
+                                   u"colour=red",
+                                   u"=2",
+                                   u"fraction=2 point=,",
+                                   u"fraction=1; Fraction=2",
+                                   u"zero=5",
+                                   u"zero=1.0",
+                                   u"point=,; zero='-0,5'",
+                                   wstring_view(u"point=\0", 7)});
+    EXPECT_EQ(NumericFormat(u"zero=0.00").format(Numeric(0)), u"0.00");
 }
 
 } // namespace

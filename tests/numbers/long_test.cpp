@@ -13,8 +13,8 @@ namespace {
 
 using core::Numeric;
 using core::limbs::kHalvesThreshold;
-using core::limbs::kNewtonDivisor;
 using core::limbs::kNewtonQuotient;
+using core::limbs::kStackDivisor;
 using core::limbs::kTransformThreshold;
 using model::cpp_int;
 
@@ -78,7 +78,7 @@ TEST(LongNumbers, ProductsOfAnyTransformSizeCastOut) {
 
 TEST(LongNumbers, QuotientsHaveTheDigitsOfTheRuleWhereAlgorithmsChange) {
     model::Generator next(13);
-    const std::size_t divisor = 2 * kNewtonDivisor;
+    const std::size_t divisor = 2 * kStackDivisor;
     const std::size_t quotient = 2 * kNewtonQuotient;
     for (const std::size_t b :
          {std::size_t{5}, std::size_t{6}, divisor - 1, divisor, divisor + 1, 3 * divisor}) {

@@ -110,7 +110,7 @@ Word divide_step(std::span<Word> r, std::span<const Word> v, const TwoWordDiviso
 /// Long division with a window of the dividend as long as the divisor, so that the working area depends on
 /// the divisor alone.
 void divide_long(std::span<Limb> q, const ShiftedWords& a, std::span<const Limb> b) {
-    constexpr std::size_t kStack = kNewtonDivisor;
+    constexpr std::size_t kStack = kStackDivisor;
     const std::size_t n = word_count(b.size());
     const std::size_t words = word_count(a.limbs());
     Scratch<Word, kStack> divisor(n);
@@ -186,7 +186,7 @@ void divide(std::span<Limb> q, std::span<const Limb> a, std::size_t shift, std::
         divide_short(q, dividend, words, OneWordDivisor(low_half(value_of(b))));
     } else if (b.size() <= 4) {
         divide_short(q, dividend, words, TwoWordDivisor(value_of(b)));
-    } else if (word_count(b.size()) < kNewtonDivisor || dividend.limbs() < b.size() + 2 * kNewtonQuotient) {
+    } else if (word_count(b.size()) <= kStackDivisor || dividend.limbs() < b.size() + 2 * kNewtonQuotient) {
         divide_long(q, dividend, b);
     } else {
         divide_very_long(q, dividend, b);

@@ -11,24 +11,26 @@
 /// (Neri and Schneider, "Euclidean affine functions and their application to calendar algorithms").
 namespace core::calendar {
 
-inline constexpr std::uint32_t kDayCount = 3'652'059; ///< the days of the years 1 to 9999
+/// The days of the years 1 to 9999.
+inline constexpr std::uint32_t kDayCount = 3'652'059;
 
-/// From 0000-03-01, where the shifted years begin, to 0001-01-01.
+/// The days from 0000-03-01, where the shifted years begin, to 0001-01-01.
 inline constexpr std::uint32_t kDaysToFirstJanuary = 306;
 
+/// A day of the calendar.
 struct Day {
-    int year = 0;
+    int year = 0;  ///< 1 ... 9999
     int month = 0; ///< 1 ... 12
     int day = 0;   ///< 1 ... 31
 };
 
-/// Years before year 1 are never leap years.
+/// Returns whether the year has 366 days; years before year 1 never do.
 [[nodiscard]] constexpr bool is_leap_year(int year) noexcept {
     // A multiple of 100 is one of 400 exactly when 16 divides it.
     return year >= 1 && (year % 100 != 0 ? year % 4 == 0 : year % 16 == 0);
 }
 
-/// The length of a month; 0 for a month outside 1 ... 12.
+/// Returns the days of a month; 0 for a month outside 1 ... 12.
 [[nodiscard]] constexpr int days_per_month(int year, int month) noexcept {
     if (month < 1 || month > 12)
         return 0;
@@ -37,7 +39,7 @@ struct Day {
     return 30 | (month ^ (month >> 3)); // lengths alternate, and once more from August on
 }
 
-/// Splits a day number. `day` is below kDayCount.
+/// Returns the year, month and day of a day number below kDayCount.
 [[nodiscard]] constexpr Day split_day(std::uint32_t day) noexcept {
     const std::uint32_t quarters = 4 * (day + kDaysToFirstJanuary) + 3;
     const std::uint32_t century = quarters / 146'097;
@@ -54,8 +56,7 @@ struct Day {
             static_cast<int>((months & 0xFFFF) / 2141 + 1)};
 }
 
-/// The number of a day that exists. 0001-01-01 gives 0; the first day after the range,
-/// 10000-01-01, may be asked for too.
+/// Returns the number of a day that exists, of the year 1 or a later one. 0001-01-01 gives 0.
 [[nodiscard]] constexpr std::uint32_t day_number(int year, int month, int day) noexcept {
     const std::uint32_t beforeMarch = month <= 2 ? 1 : 0;
     const std::uint32_t years = static_cast<std::uint32_t>(year) - beforeMarch;
@@ -65,7 +66,7 @@ struct Day {
            static_cast<std::uint32_t>(day) - 1 - kDaysToFirstJanuary;
 }
 
-/// 1 Monday ... 7 Sunday.
+/// Returns the day of the week of a day number, 1 Monday ... 7 Sunday.
 [[nodiscard]] constexpr int week_day(std::uint32_t day) noexcept {
     return static_cast<int>(day % 7) + 1;
 }

@@ -14,9 +14,11 @@ namespace core {
 /// value type; one object may be used by many threads.
 class BoolFormat {
   public:
-    /// CtorException for a malformed format string.
+    /// Makes the format of a format string, with the words of `locale` where it gives none. Throws
+    /// CtorException for a malformed string, and std::bad_alloc.
     CORE_API explicit BoolFormat(wstring_view format = {}, const Locale& locale = Locale());
 
+    /// Returns the word for a value, borrowed as long as the format.
     [[nodiscard]] const wstring& format(bool value) const noexcept { return value ? true_ : false_; }
 
     /// Reads one of the words without regard to case, white space in front allowed, and stores through `end`
@@ -30,9 +32,9 @@ class BoolFormat {
     wstring false_;
 };
 
-/// The format that the settings of the calling thread's process ask for. The reference is for
-/// this thread and holds until it asks again under other settings. CtorException for a malformed
-/// format string in the settings.
+/// Returns the format that the settings of the calling thread's process ask for. It is borrowed, for this
+/// thread, until it asks again under other settings. Throws CtorException for a malformed format
+/// string in the settings.
 [[nodiscard]] CORE_API const BoolFormat& default_bool_format();
 
 } // namespace core

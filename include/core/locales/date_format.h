@@ -6,10 +6,17 @@
 #include <core/runtime/locale.h>
 #include <core/runtime/types.h>
 
+#include <cstddef>
+#include <vector>
+
 namespace core {
 
 /// The standard patterns, by their numbers.
-enum class DatePattern : int { date = 1, time = 2, dateTime = 4 };
+enum class DatePattern : int {
+    date = 1,    ///< the day
+    time = 2,    ///< the time of day
+    dateTime = 4 ///< both
+};
 
 /// Dates as text for a user: 2004-03-01 13:05:07, in a Russian locale 01.03.2004 13:05:07. What is written
 /// reads back, up to the parts that a pattern leaves out.
@@ -17,15 +24,20 @@ enum class DatePattern : int { date = 1, time = 2, dateTime = 4 };
 /// A format string may hold a pattern for each of
 ///   date=pattern   time=pattern   datetime=pattern   (left out: the date, a blank and the time)
 /// as in "date=dd.MM.yyyy; time=HH:mm". In a pattern yyyy, MM, dd, HH, mm and ss stand for the parts with
-/// leading zeros, M, d, H, m and s for those without, each at most once; everything else stands for itself. A
-/// value type; one object may be used by many threads.
+/// leading zeros, M, d, H, m and s for those without, each at most once. Text stands between apostrophes, two
+/// of which are one apostrophe of the text; what is no Latin letter may stand alone: "date=d.M.yyyy 'at'
+/// H:mm". All other Latin letters are refused, so that they can get a meaning later. A pattern has at least
+/// one part. A value type; one object may be used by many threads.
 class DateFormat {
   public:
-    /// CtorException for a malformed format string.
+    /// Makes the format of a format string, with the patterns of `locale` where it gives none. Throws
+    /// CtorException for a malformed string.
     CORE_API explicit DateFormat(wstring_view format = {}, const Locale& locale = Locale());
 
-    /// Replaces `text`, whose capacity is used. A date out of range has only zeros.
+    /// Replaces `text`, whose capacity is used, by the date in a pattern. A date out of range has only zeros.
+    /// Throws std::bad_alloc alone.
     CORE_API void format(Date date, wstring& text, DatePattern pattern = DatePattern::dateTime) const;
+    /// Returns the text that the other overload writes.
     [[nodiscard]] CORE_API wstring format(Date date, DatePattern pattern = DatePattern::dateTime) const;
 
     /// Reads a date in a pattern, white space in front allowed, and stores through `end` where it
@@ -36,16 +48,26 @@ class DateFormat {
                                       DatePattern pattern = DatePattern::dateTime) const;
 
   private:
-    [[nodiscard]] const wstring& pattern(DatePattern number) const noexcept;
+    /// A part of a date, by its index and its least number of digits, or a text.
+    struct Piece {
+        std::size_t part;
+        std::size_t width; ///< 0: a text
+        wstring text;
+    };
+    using Pattern = std::vector<Piece>;
 
-    wstring date_;
-    wstring time_;
-    wstring dateTime_;
+    [[nodiscard]] static Pattern compile(wstring_view pattern);
+    [[nodiscard]] static bool take(wstring_view& rest, const Pattern& pattern, int* parts) noexcept;
+    [[nodiscard]] const Pattern& pattern(DatePattern number) const noexcept;
+
+    Pattern date_;
+    Pattern time_;
+    Pattern dateTime_;
 };
 
-/// The format that the settings of the calling thread's process ask for. The reference is for
-/// this thread and holds until it asks again under other settings. CtorException for a malformed
-/// format string in the settings.
+/// Returns the format that the settings of the calling thread's process ask for. It is borrowed, for this
+/// thread, until it asks again under other settings. Throws CtorException for a malformed format
+/// string in the settings.
 [[nodiscard]] CORE_API const DateFormat& default_date_format();
 
 } // namespace core

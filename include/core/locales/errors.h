@@ -10,6 +10,8 @@ namespace messages {
 
 /// A format string has an item that is not valid; {0} is the item.
 inline constexpr const char* kFormatItem = "IDS_FORMAT_STRING_ERROR";
+/// A pattern of dates has letters without a meaning there; {0} is the pattern, {1} the letters.
+inline constexpr const char* kPatternPart = "IDS_FORMAT_PATTERN_ERROR";
 /// The system has no collation rules for a locale; {0} is its key.
 inline constexpr const char* kNoCollation = "IDS_LOCALE_NO_COLLATION";
 
