@@ -4,7 +4,9 @@
 #include "host/lists/list_text.h"
 
 #include <core/lists/list_scanner.h>
+#include <core/lists/token.h>
 #include <core/runtime/utf8.h>
+#include <core/streams/text_file.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
 
@@ -45,15 +47,12 @@ void JsonToList::onString(std::string_view piece, bool isLast) {
         }
         return;
     }
-    UnitSink& sink = inString_ ? layout_.sink() : layout_.element();
+    wostream& out = inString_ ? layout_.stream() : layout_.element();
     if (!inString_)
-        sink.write(u"\"");
-    const wstring text = from_utf8(piece);
-    if (text.find(u'\uFFFF') != wstring::npos)
-        throw_error<ContextException>("IDS_HOST_LIST_NO_CHARACTER");
-    write_list_characters(sink, text);
+        put_text(out, u"\"");
+    put_characters(out, from_utf8(piece));
     if (isLast)
-        sink.write(u"\"");
+        put_text(out, u"\"");
     inString_ = !isLast;
 }
 
@@ -92,7 +91,7 @@ void JsonToList::token(std::string_view text) {
     const wstring units = from_utf8(text);
     if (!is_list_token(units))
         throw_error<ContextException>("IDS_HOST_LIST_NO_TOKEN", {units});
-    layout_.element().write(units);
+    put_text(layout_.element(), units);
 }
 
 } // namespace host

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/lists/list_layout.h"
 
+#include <core/streams/text_file.h>
+
 #include <algorithm>
 
 namespace host {
@@ -13,17 +15,17 @@ constexpr core::wstring_view kBlanks = u"                "; // 16
 
 } // namespace
 
-core::UnitSink& ListLayout::element() {
+core::wostream& ListLayout::element() {
     separate();
     last_ = Last::element;
-    return sink_;
+    return out_;
 }
 
 void ListLayout::open() {
     separate();
     if (last_ != Last::nothing)
         newLine();
-    sink_.write({&style_.open, 1});
+    core::put_text(out_, {&style_.open, 1});
     ++depth_;
     last_ = Last::open;
 }
@@ -32,25 +34,25 @@ void ListLayout::close() {
     --depth_;
     if (last_ == Last::close)
         newLine();
-    sink_.write({&style_.close, 1});
+    core::put_text(out_, {&style_.close, 1});
     last_ = Last::close;
 }
 
 void ListLayout::finish() {
-    sink_.write(u"\n");
+    core::put_text(out_, u"\n");
 }
 
 void ListLayout::separate() {
     if (last_ == Last::element || last_ == Last::close)
-        sink_.write(u",");
+        core::put_text(out_, u",");
 }
 
 void ListLayout::newLine() {
-    sink_.write(u"\n");
+    core::put_text(out_, u"\n");
     std::size_t blanks = std::min(depth_, kMaxIndentedDepth) * style_.indent;
     for (; blanks > kBlanks.size(); blanks -= kBlanks.size())
-        sink_.write(kBlanks);
-    sink_.write(kBlanks.substr(0, blanks));
+        core::put_text(out_, kBlanks);
+    core::put_text(out_, kBlanks.substr(0, blanks));
 }
 
 } // namespace host

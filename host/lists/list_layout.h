@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/streams/unit_sink.h>
+#include <core/runtime/types.h>
 
 #include <cstddef>
+#include <ostream>
 
 namespace host {
 
@@ -17,16 +18,16 @@ class ListLayout {
         std::size_t indent = 0; ///< blanks for each level
     };
 
-    ListLayout(core::wostream& out, const Style& style) : sink_(out), style_(style) {}
+    ListLayout(core::wostream& out, const Style& style) : out_(out), style_(style) {}
 
-    /// Begins an element that is no list; what it consists of goes to the sink.
-    core::UnitSink& element();
+    /// Begins an element that is no list; its text goes to the stream that this returns.
+    core::wostream& element();
     void open();
     void close();
     /// Ends the last line.
     void finish();
 
-    [[nodiscard]] core::UnitSink& sink() noexcept { return sink_; }
+    [[nodiscard]] core::wostream& stream() noexcept { return out_; }
     [[nodiscard]] std::size_t depth() const noexcept { return depth_; }
 
   private:
@@ -35,7 +36,7 @@ class ListLayout {
     void separate();
     void newLine();
 
-    core::UnitSink sink_;
+    core::wostream& out_;
     Style style_;
     std::size_t depth_ = 0;
     Last last_ = Last::nothing;

@@ -3,10 +3,11 @@
 
 #include "host/json/json_text.h"
 #include "host/lists/list_layout.h"
-#include "host/lists/list_text.h"
 
 #include <core/lists/errors.h>
+#include <core/lists/token.h>
 #include <core/runtime/utf8.h>
+#include <core/streams/text_file.h>
 #include <core/strings/integer_text.h>
 
 #include <algorithm>
@@ -58,39 +59,39 @@ void each_piece(ListScanner& scanner, const std::string& name, Take take) {
 
 struct ListElements {
     static void string(ListScanner& scanner, ListLayout& layout, const std::string& name) {
-        UnitSink& sink = layout.element();
-        sink.write(u"\"");
-        each_piece(scanner, name, [&](wstring_view piece) { write_list_characters(sink, piece); });
-        sink.write(u"\"");
+        wostream& out = layout.element();
+        put_text(out, u"\"");
+        each_piece(scanner, name, [&](wstring_view piece) { put_characters(out, piece); });
+        put_text(out, u"\"");
     }
     static void bare(ListScanner& scanner, ListLayout& layout, const std::string& name) {
-        UnitSink& sink = layout.element();
-        each_piece(scanner, name, [&](wstring_view piece) { sink.write(piece); });
+        wostream& out = layout.element();
+        each_piece(scanner, name, [&](wstring_view piece) { put_text(out, piece); });
     }
 };
 
 class JsonElements {
   public:
     void string(ListScanner& scanner, ListLayout& layout, const std::string& name) {
-        UnitSink& sink = layout.element();
-        sink.write(u"\"");
+        wostream& out = layout.element();
+        put_text(out, u"\"");
         each_piece(scanner, name, [&](wstring_view piece) {
             text_.clear();
             append_json_characters(text_, piece);
-            sink.write(text_);
+            put_text(out, text_);
         });
-        sink.write(u"\"");
+        put_text(out, u"\"");
     }
     void bare(ListScanner& scanner, ListLayout& layout, const std::string& name) {
         text_.clear();
         each_piece(scanner, name, [&](wstring_view piece) { text_ += piece; });
-        UnitSink& sink = layout.element();
+        wostream& out = layout.element();
         if (is_json_number(text_)) {
-            sink.write(text_);
+            put_text(out, text_);
         } else { // no character of a token needs an escape
-            sink.write(u"{\"token\": \"");
-            sink.write(text_);
-            sink.write(u"\"}");
+            put_text(out, u"{\"token\": \"");
+            put_text(out, text_);
+            put_text(out, u"\"}");
         }
     }
 

@@ -5,7 +5,6 @@
 
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>
-#include <core/streams/unit_sink.h>
 
 namespace host::script {
 
@@ -27,7 +26,7 @@ void save_to_container(wstring_view file, wstring_view name, const GenericValue&
     StorageRW storage = container::open(at(file), OpenMode::create);
     const auto inner = storage.open(name, OpenMode::replace);
     TextOutStream out(inner);
-    UnitSink(out).write(text);
+    put_text(out, text);
     out.finish();
     inner->close();
 }

@@ -21,7 +21,6 @@
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>
-#include <core/streams/unit_sink.h>
 #include <core/strings/letter_case.h>
 #include <core/strings/like.h>
 #include <core/strings/trim.h>
@@ -76,7 +75,7 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
     }
     GenericValue saveText(Args a) {
         const wstring_view text = text_argument(a, 1);
-        write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { UnitSink(out).write(text); });
+        write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { put_text(out, text); });
         return {};
     }
 

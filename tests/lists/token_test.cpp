@@ -249,11 +249,15 @@ TEST(Token, FloatsComeBackToTheBit) {
     EXPECT_EQ(read<float>(u"-.25 ", u" "), -0.25F);
     EXPECT_EQ(read<float>(wstring(40, u'0') + u"1.5", u""), 1.5F);
     EXPECT_EQ(read<float>(u"1e-99", u""), 0.0F);
-    for (const wchar* const text : {u"", u"-", u".", u"e5", u"1e", u"1e99", u"-1e99", u"1e-"}) {
-        on_every_stream(text, [](wistream& in) {
+    const std::pair<wstring, wstring> refused[] = {
+        {u"", u""},       {u"-", u""},   {u".", u""},     {u"e5", u"e5"},  {u"-.E5", u"E5"}, {u"1e", u""},
+        {u"1e99,", u","}, {u"1e-", u""}, {u"1e+x", u"x"}, {u"-1e99", u""}, {u"x", u"x"}};
+    for (const auto& [text, rest] : refused) {
+        on_every_stream(text, [&, left = rest](wistream& in) {
             float value = 1;
             EXPECT_FALSE(from_stream(in, value));
             EXPECT_TRUE(in.fail());
+            EXPECT_EQ(rest_of(in), left);
         });
     }
     std::mt19937 random(5);
@@ -288,6 +292,8 @@ TEST(Token, StringsDoubleQuotesAndEscapeSurrogates) {
     const std::pair<wstring, const wchar*> forms[] = {{u"", u"\"\""},
                                                       {u"a\"b", u"\"a\"\"b\""},
                                                       {u"\xD83D\xDE00", u"\"\"\\d83d\"\\de00\""},
+                                                      {u"a\xFFFF", u"\"a\"\\ffff\""},
+                                                      {u"\xFFFD\xFFFE", u"\"\xFFFD\xFFFE\""},
                                                       {u"line\nend\r\t\x01", u"\"line\nend\r\t\x01\""},
                                                       {wstring(u"a\0b", 3), nullptr}};
     for (const auto& [text, form] : forms) {

@@ -7,16 +7,16 @@
 #include <array>
 #include <ostream>
 
-namespace core {
+namespace core::detail {
 
 /// Where units of text go: the buffer of an output stream, past the stream's own machinery. A buffer that
 /// takes less than it is given makes the stream bad, and a stream that is not good takes nothing more. What a
 /// buffer throws passes through.
 class UnitSink {
   public:
-    explicit UnitSink(wostream& out) : out_(out), runs_(dynamic_cast<TextBuffer*>(out.rdbuf())) {}
-
-    [[nodiscard]] wostream& stream() const noexcept { return out_; }
+    explicit UnitSink(wostream& out) : UnitSink(out, dynamic_cast<TextBuffer*>(out.rdbuf())) {}
+    /// A sink over `out`; `runs` is its buffer if that is a TextBuffer, else null.
+    UnitSink(wostream& out, TextBuffer* runs) noexcept : out_(out), runs_(runs) {}
 
     void write(wstring_view units) {
         if (!out_.good())
@@ -57,4 +57,4 @@ class UnitSink {
     TextBuffer* runs_;
 };
 
-} // namespace core
+} // namespace core::detail
