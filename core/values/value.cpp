@@ -4,7 +4,7 @@
 #include <core/locales/collate.h>
 #include <core/runtime/settings.h>
 #include <core/values/value.h>
-#include <core/values/value_impl.h>
+#include <core/values/type_object.h>
 
 #include <typeinfo>
 

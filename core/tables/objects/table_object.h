@@ -3,7 +3,6 @@
 
 #include <core/context/context_def_ext.h>
 #include <core/values/type_object.h>
-#include <core/values/value_impl.h>
 
 namespace core {
 
