@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Any bytes as a script: a tree, or an error whose place is in the text and can be shown.
-#include "host/script/parser.h"
+#include "host/language/parser.h"
 
 #include <core/runtime/utf8.h>
 #include <host/host_process.h>

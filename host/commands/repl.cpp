@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
-#include "host/console/line_editor.h"
-#include "host/script/display.h"
-#include "host/script/entry_scan.h"
-#include "host/script/functions.h"
-#include "host/script/interpreter.h"
-#include "host/script/interrupt_scope.h"
-#include "host/script/parser.h"
-#include "host/script/print.h"
-#include "host/script/table_view.h"
-#include "host/terminal_text.h"
-#include "host/text_columns.h"
+#include "host/commands/interrupt_scope.h"
+#include "host/exchange/tables/table_view.h"
+#include "host/language/display.h"
+#include "host/language/entry_scan.h"
+#include "host/language/interpreter.h"
+#include "host/language/parser.h"
+#include "host/library/functions.h"
+#include "host/library/print.h"
+#include "host/terminal/error_report.h"
+#include "host/terminal/line_editor.h"
+#include "host/terminal/terminal_text.h"
+#include "host/terminal/text_columns.h"
 
 #include <core/runtime/utf8.h>
 #include <core/streams/errors.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // corehost list: random lists survive formatting and the way through JSON; malformed text is told by line,
 // column and file; outputs are replaced whole or not at all.
-#include "host/json/json_reader.h"
-#include "host/lists/json_to_list.h"
+#include "host/exchange/json/json_reader.h"
+#include "host/exchange/lists/json_to_list.h"
 #include "tests/host/program_fixture.h"
 
 #include <core/lists/token.h>

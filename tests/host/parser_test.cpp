@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The script reader: every construct in both languages, precedence, what is refused and where, and that no
 // text, however deep, long or broken, does harm.
-#include "host/script/entry_scan.h"
-#include "host/script/parser.h"
+#include "host/language/entry_scan.h"
+#include "host/language/parser.h"
+#include "host/terminal/error_report.h"
 #include "tests/host/script_dump.h"
 
 #include <core/runtime/thread.h>
