@@ -4,6 +4,7 @@
 #include <core/strings/char_class.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace host::script {
 namespace {
@@ -31,9 +32,16 @@ std::size_t skip_spaces(core::wstring_view text, std::size_t at) noexcept {
 
 } // namespace
 
-Lexer::Lexer(core::wstring_view text) noexcept : text_(text) {
+Lexer::Lexer(core::wstring_view text, More more) : text_(text), more_(std::move(more)) {
     if (at(0) == kByteOrderMark)
         at_ = 1;
+}
+
+bool Lexer::extend() {
+    const std::size_t size = text_.size();
+    if (more_)
+        text_ = more_();
+    return text_.size() > size;
 }
 
 Span Lexer::since(std::size_t begin) const noexcept {
@@ -99,14 +107,13 @@ Token Lexer::string() {
         if (at_ == text_.size() || is_line_end(c)) {
             // The string may go on in a later line, behind a "|".
             const Span opening = since(begin);
-            while (at_ < text_.size() && is_line_end(text_[at_]))
-                at_ = skip_spaces(text_, skip_line_end(text_, at_));
-            if (at(at_) != u'|') {
-                ScriptError error(opening, core::message_text("IDS_SCRIPT_OPEN_STRING"));
-                if (at_ == text_.size())
-                    error.mark_incomplete();
-                throw error;
-            }
+            do {
+                at_ = skip_spaces(text_, at_);
+                while (at_ < text_.size() && is_line_end(text_[at_]))
+                    at_ = skip_spaces(text_, skip_line_end(text_, at_));
+            } while (at_ == text_.size() && extend());
+            if (at(at_) != u'|')
+                fail_at(opening, "IDS_SCRIPT_OPEN_STRING");
         } else if (c == u'"') {
             ++at_;
             if (at(at_) != u'"')

@@ -4,15 +4,23 @@
 #include "host/language/script_error.h"
 #include "host/language/token.h"
 
+#include <functional>
+
 namespace host::script {
 
 /// Cuts a text into tokens, one at a time. The text must outlive it.
 class Lexer {
   public:
-    explicit Lexer(core::wstring_view text) noexcept;
+    /// Adds lines to the text and returns all of it; the same as before when there are none.
+    using More = std::function<core::wstring_view()>;
+
+    /// Reads `text`; `more` is asked where that ends inside a string, and by extend().
+    explicit Lexer(core::wstring_view text, More more = {});
 
     /// The next token; `end` at the end, as often as asked. Throws ScriptError for what is no token.
     Token next();
+    /// Asks for more text, which next() then reads. False when there is none.
+    bool extend();
 
   private:
     void skip_blanks();
@@ -25,6 +33,7 @@ class Lexer {
     [[nodiscard]] Span since(std::size_t begin) const noexcept;
 
     core::wstring_view text_;
+    More more_;
     std::size_t at_ = 0;
 };
 

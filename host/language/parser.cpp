@@ -56,8 +56,8 @@ using StatementNode = decltype(Statement::node);
 
 class Parser {
   public:
-    Parser(std::shared_ptr<const Source> source, Variables& variables, Mode mode)
-        : lexer_(source->text()), variables_(variables), mode_(mode) {
+    Parser(std::shared_ptr<const Source> source, Variables& variables, Mode mode, Lexer::More more = {})
+        : lexer_(source->text(), std::move(more)), variables_(variables), mode_(mode) {
         program_.source = std::move(source);
         token_ = lexer_.next();
     }
@@ -109,7 +109,15 @@ class Parser {
     // tokens
     Token take() {
         last_ = token_.span;
-        return std::exchange(token_, lexer_.next());
+        const Token taken = std::exchange(token_, lexer_.next());
+        if (open_ > 0)
+            need();
+        return taken;
+    }
+    /// Something must follow: where the text ends, it goes on in another line.
+    void need() {
+        while (token_.kind == TokenKind::end && lexer_.extend())
+            token_ = lexer_.next();
     }
     bool accept(TokenKind kind) {
         const bool found = token_.kind == kind;
@@ -135,27 +143,25 @@ class Parser {
     Token token_; // the next one
     Span last_;   // of the one before
     int depth_ = 0;
+    int open_ = 0; // statements and brackets that wait for their end
     int loops_ = 0;
 };
 
 /// "{0}" of the message is what was found, "{1}" what was expected.
 void Parser::fail_found(const char* id, core::wstring expected) {
     constexpr std::size_t kMaxShown = 40;
-    const bool end = token_.kind == TokenKind::end;
     core::wstring found;
-    if (end)
+    if (token_.kind == TokenKind::end)
         found = core::message_text("IDS_SCRIPT_END_OF_TEXT");
     else if (token_.span.length > kMaxShown)
         found = u"“" + core::wstring(text(token_).substr(0, kMaxShown)) + u"…”";
     else
         found = u"“" + core::wstring(text(token_)) + u"”";
-    ScriptError error(token_.span, core::message_text(id, {found, std::move(expected)}));
-    if (end)
-        error.mark_incomplete();
-    throw error;
+    fail_at(token_.span, id, {found, std::move(expected)});
 }
 
 Token Parser::expect(TokenKind kind) {
+    need();
     if (token_.kind == kind)
         return take();
     if (kind == TokenKind::name)
@@ -164,6 +170,7 @@ Token Parser::expect(TokenKind kind) {
 }
 
 Token Parser::expect_word() {
+    need();
     return is_keyword(token_.kind) ? take() : expect(TokenKind::name);
 }
 
@@ -210,6 +217,7 @@ Statement Parser::statement() {
 
 If Parser::if_statement() {
     If result;
+    ++open_;
     do {
         take(); // If or ElsIf
         ExpressionPtr condition = expression();
@@ -218,11 +226,13 @@ If Parser::if_statement() {
     } while (token_.kind == TokenKind::keyElsIf);
     if (accept(TokenKind::keyElse))
         result.otherwise = block();
+    --open_;
     expect(TokenKind::keyEndIf);
     return result;
 }
 
 StatementNode Parser::for_statement() {
+    ++open_;
     take();
     if (accept(TokenKind::keyEach)) {
         const std::size_t slot = variables_.slot(text(expect(TokenKind::name)));
@@ -239,16 +249,19 @@ StatementNode Parser::for_statement() {
 }
 
 While Parser::while_statement() {
+    ++open_;
     take();
     ExpressionPtr condition = expression();
     return {std::move(condition), loop_body()};
 }
 
+/// The rest of a loop, which its keyword has opened.
 Block Parser::loop_body() {
     expect(TokenKind::keyDo);
     ++loops_;
     Block body = block();
     --loops_;
+    --open_;
     expect(TokenKind::keyEndDo);
     return body;
 }
@@ -272,6 +285,8 @@ StatementNode Parser::simple_statement() {
 
 /// `left`, if not null, is the chain that the expression begins with, read already.
 ExpressionPtr Parser::operations(Level level, ExpressionPtr left) {
+    if (left == nullptr)
+        need();
     if (level == Level::logicalNot && left == nullptr && token_.kind == TokenKind::keyNot)
         return negation(true);
     if (level == Level::sign) {
@@ -316,7 +331,9 @@ Link Parser::link() {
         const Nested nested(*this);
         result.kind = Link::Kind::element;
         result.span = last_;
+        ++open_;
         result.arguments.push_back(expression());
+        --open_;
         expect(TokenKind::closeBracket);
         return result;
     }
@@ -347,7 +364,9 @@ ExpressionPtr Parser::primary() {
     case TokenKind::open: {
         const Nested nested(*this);
         take();
+        ++open_;
         ExpressionPtr inner = expression();
+        --open_;
         expect(TokenKind::close);
         return inner;
     }
@@ -379,15 +398,16 @@ ExpressionPtr Parser::literal(Constant::Kind kind, core::wstring text) {
 Arguments Parser::arguments() {
     const Nested nested(*this);
     expect(TokenKind::open);
+    ++open_;
+    need();
     Arguments result;
-    if (accept(TokenKind::close))
-        return result;
-    for (;;) {
+    while (!(result.empty() && token_.kind == TokenKind::close)) {
         const bool omitted = token_.kind == TokenKind::comma || token_.kind == TokenKind::close;
         result.push_back(omitted ? nullptr : expression());
         if (!accept(TokenKind::comma))
             break;
     }
+    --open_;
     expect(TokenKind::close);
     return result;
 }
@@ -396,6 +416,14 @@ Arguments Parser::arguments() {
 
 Program parse(std::shared_ptr<const Source> source, Variables& variables, Mode mode) {
     return Parser(std::move(source), variables, mode).program();
+}
+
+Program parse_entry(const std::shared_ptr<Source>& source, Variables& variables, const MoreLines& more) {
+    const auto grow = [&source = *source, &more] {
+        more(source);
+        return source.text();
+    };
+    return Parser(source, variables, Mode::console, grow).program();
 }
 
 } // namespace host::script

@@ -5,6 +5,8 @@
 #include "host/language/script_error.h"
 #include "host/language/variables.h"
 
+#include <functional>
+
 namespace host::script {
 
 /// Expressions and statements may be nested this deeply together.
@@ -22,5 +24,13 @@ enum class Mode {
 /// included.
 [[nodiscard]] Program parse(std::shared_ptr<const Source> source, Variables& variables,
                             Mode mode = Mode::file);
+
+/// Adds a line to a source, or nothing when there is none.
+using MoreLines = std::function<void(Source& source)>;
+/// Reads an entry of a console, whose first line `source` holds. `more` is asked wherever the text ends and
+/// something must follow, and not before, so that an entry is carried out as soon as it is complete, and each
+/// of its lines is read once. What `more` throws passes through.
+[[nodiscard]] Program parse_entry(const std::shared_ptr<Source>& source, Variables& variables,
+                                  const MoreLines& more);
 
 } // namespace host::script

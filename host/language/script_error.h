@@ -6,7 +6,6 @@
 #include <core/runtime/exception.h>
 
 #include <initializer_list>
-#include <iosfwd>
 
 namespace host::script {
 
@@ -19,13 +18,8 @@ class ScriptError : public core::Exception {
 
     [[nodiscard]] Span span() const noexcept { return span_; }
 
-    /// Only the end of the text was in the way: a console asks for another line instead of showing this.
-    [[nodiscard]] bool incomplete() const noexcept { return incomplete_; }
-    void mark_incomplete() noexcept { incomplete_ = true; }
-
   private:
     Span span_;
-    bool incomplete_ = false;
 };
 
 /// Throws a ScriptError with the message stored under `id`.

@@ -8,9 +8,22 @@
 
 namespace host::script {
 
-Source::Source(std::string name, core::wstring text) : name_(std::move(name)), text_(std::move(text)) {
-    if (text_.size() > kMaxSize)
+namespace {
+
+void require_size(std::size_t size) {
+    if (size > Source::kMaxSize)
         core::throw_error<core::ContextException>("IDS_SCRIPT_TOO_LARGE");
+}
+
+} // namespace
+
+Source::Source(std::string name, core::wstring text) : name_(std::move(name)), text_(std::move(text)) {
+    require_size(text_.size());
+}
+
+void Source::append(core::wstring_view line) {
+    require_size(text_.size() + line.size() + 1);
+    text_.append(line).append(u"\n");
 }
 
 Position Source::position(std::uint32_t offset) const noexcept {

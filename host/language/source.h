@@ -33,6 +33,10 @@ class Source {
     /// Throws ContextException for a text above kMaxSize.
     Source(std::string name, core::wstring text);
 
+    /// Adds a line, as a console does to what has no end yet. Spans stay valid, what text() returned does
+    /// not. Throws ContextException when the text would pass kMaxSize.
+    void append(core::wstring_view line);
+
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
     [[nodiscard]] core::wstring_view text() const noexcept { return text_; }
     [[nodiscard]] core::wstring_view text(Span span) const noexcept {
