@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <random>
 
 namespace core {
@@ -144,6 +145,26 @@ TEST(FloatToken, FloatsComeBackToTheBit) {
             EXPECT_TRUE(in.fail());
             EXPECT_EQ(rest_of(in), left);
         });
+    }
+    // what no float holds, however the digits and the exponent share it
+    const std::string zeros(400, '0');
+    const std::pair<std::string, float> odd[] = {{"0." + zeros + "1e440", HUGE_VALF},
+                                                 {"-0." + zeros + "1e450", -HUGE_VALF},
+                                                 {"-1e99", -HUGE_VALF},
+                                                 {"1" + zeros + "e-450", 0.0F},
+                                                 {"-1" + zeros + "e-450", -0.0F},
+                                                 {"0e99999999999999999999", 0.0F},
+                                                 {"1e-99999999999999999999", 0.0F},
+                                                 {"1e99999999999999999999", HUGE_VALF}};
+    for (const auto& [text, exact] : odd) {
+        const wstring units(text.begin(), text.end());
+        MemoryInStream in(units);
+        float value = 1;
+        EXPECT_EQ(from_stream(in, value), std::isfinite(exact)) << text.substr(0, 9);
+        const float most = std::numeric_limits<float>::max();
+        const float nearest = std::isfinite(exact) ? exact : std::copysign(most, exact);
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(value), std::bit_cast<std::uint32_t>(nearest))
+            << text.substr(0, 9);
     }
     std::mt19937 random(5);
     for (int i = 0; i < 20'000; ++i) {
