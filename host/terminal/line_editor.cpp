@@ -2,6 +2,7 @@
 #include "host/terminal/line_editor.h"
 
 #include "host/exchange/tables/column_text.h"
+#include "host/terminal/terminal_text.h"
 
 #include <core/runtime/utf8.h>
 
