@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/language/script_error.h"
 
-#include <core/runtime/error.h>
-
 namespace host::script {
 
 void fail_at(Span span, const char* id, std::initializer_list<core::wstring> params) {
