@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Any bytes as a script: a tree, or an error whose place is in the text and can be shown.
-#include "host/script/parser.h"
+#include "host/language/parser.h"
+#include "host/terminal/error_report.h"
 
 #include <core/runtime/utf8.h>
 #include <host/host_process.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/program.h"
+#include "host/commands/program.h"
 
 #include <fcntl.h>
 #include <malloc.h>

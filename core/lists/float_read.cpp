@@ -84,17 +84,17 @@ bool read_float(UnitSource& source, float& value) {
         return true;
     };
     const auto take_digits = [&] {
-        while (take('0', '1', '2', '3', '4', '5', '6', '7', '8', '9')) {
-        }
+        bool found = false;
+        while (take('0', '1', '2', '3', '4', '5', '6', '7', '8', '9'))
+            found = true;
+        return found;
     };
-    if (source.skipIf(u'-'))
-        text.push_back('-');
-    else
+    if (!take('-'))
         static_cast<void>(source.skipIf(u'+'));
-    take_digits();
+    bool found = take_digits();
     if (take('.'))
-        take_digits();
-    if (take('e', 'E')) {
+        found = take_digits() || found;
+    if (found && take('e', 'E')) {
         static_cast<void>(take('-', '+'));
         take_digits();
     }

@@ -2,6 +2,7 @@
 #include "core/lists/list_run.h"
 #include "core/lists/malformed.h"
 #include "core/lists/token_read.h"
+#include "core/streams/unit_source.h"
 
 #include <core/lists/list_in_stream.h>
 #include <core/strings/compare.h>
@@ -13,17 +14,33 @@ namespace core {
 
 using namespace detail;
 
-void ListInStream::fail() {
-    throw_malformed();
+namespace {
+
+void require(bool read) {
+    if (!read)
+        throw_malformed();
+}
+
+} // namespace
+
+ListInStream::ListInStream(wistream& in) : in_(in) {
+    const UnitSource source(in);
+    buffer_ = source.buffer();
+    runs_ = source.runs();
+}
+
+UnitSource ListInStream::source() const noexcept {
+    return {buffer_, runs_};
 }
 
 void ListInStream::skipGap() {
+    UnitSource units = source();
     if (commaExpected_) {
-        source_.skipSpaces();
-        require(source_.skipIf(u','));
+        units.skipSpaces();
+        require(units.skipIf(u','));
         commaExpected_ = false;
     }
-    source_.skipSpaces();
+    units.skipSpaces();
 }
 
 /// The step of every get: a token in the run at hand, else unit by unit.
@@ -31,7 +48,8 @@ template <class InRun, class Read>
 void ListInStream::getToken(InRun inRun, Read read) {
     if (!ListRun::read(*this, true, inRun)) {
         skipGap();
-        require(read());
+        UnitSource units = source();
+        require(read(units));
     }
     commaExpected_ = true;
 }
@@ -43,47 +61,52 @@ void ListInStream::getBeginOfList() {
         return;
     }
     skipGap();
-    require(source_.skipIf(u'{'));
+    require(source().skipIf(u'{'));
 }
 
 void ListInStream::getEndOfList() {
     if (!ListRun::read(*this, false,
                        [](const wchar* at, const wchar* end) { return run_unit(at, end, u'}'); })) {
-        source_.skipSpaces();
-        require(source_.skipIf(u'}'));
+        UnitSource units = source();
+        units.skipSpaces();
+        require(units.skipIf(u'}'));
     }
     commaExpected_ = true;
 }
 
 bool ListInStream::getComma() {
-    source_.skipSpaces();
-    if (!source_.skipIf(u','))
+    UnitSource units = source();
+    units.skipSpaces();
+    if (!units.skipIf(u','))
         return false;
     commaExpected_ = false;
     return true;
 }
 
 void ListInStream::skipString() {
-    source_.skip();
-    for (int unit = source_.take(); unit != UnitSource::kEnd; unit = source_.take()) {
-        if (unit == u'"' && !source_.skipIf(u'"'))
+    UnitSource units = source();
+    units.skip();
+    for (int unit = units.take(); unit != UnitSource::kEnd; unit = units.take()) {
+        if (unit == u'"' && !units.skipIf(u'"'))
             return;
     }
 }
 
 void ListInStream::skipBare() {
-    for (int unit = source_.peek(); unit != u',' && unit != u'}'; unit = source_.peek()) {
-        if (source_.take() == UnitSource::kEnd)
+    UnitSource units = source();
+    for (int unit = units.peek(); unit != u',' && unit != u'}'; unit = units.peek()) {
+        if (units.take() == UnitSource::kEnd)
             return;
     }
 }
 
 void ListInStream::skipListContent() {
+    UnitSource units = source();
     std::uint64_t depth = 0; // of lists begun here
     for (;;) {
         const bool ends = commaExpected_ && !getComma();
-        source_.skipSpaces();
-        const int unit = source_.peek();
+        units.skipSpaces();
+        const int unit = units.peek();
         if (ends || unit == u'}') {
             if (depth == 0)
                 return;
@@ -96,7 +119,7 @@ void ListInStream::skipListContent() {
             if (unit == u'"')
                 skipString();
             // An escape has ended the string too early: its rest counts as a bare token.
-            if (unit != u'"' || source_.peek() == u'\\')
+            if (unit != u'"' || units.peek() == u'\\')
                 skipBare();
             commaExpected_ = true;
         }
@@ -105,13 +128,13 @@ void ListInStream::skipListContent() {
 
 void ListInStream::get(bool& value) {
     getToken([&](const wchar* at, const wchar* end) { return run_boolean(at, end, value); },
-             [&] { return read_boolean(source_, value); });
+             [&](UnitSource& from) { return read_boolean(from, value); });
 }
 
 std::uint64_t ListInStream::getInteger(bool withSign) {
     std::uint64_t value = 0;
     getToken([&](const wchar* at, const wchar* end) { return run_integer(at, end, withSign, value); },
-             [&] { return read_integer(source_, withSign, value); });
+             [&](UnitSource& from) { return read_integer(from, withSign, value); });
     return value;
 }
 
@@ -123,23 +146,24 @@ void ListInStream::get(float& value) {
 
 void ListInStream::get(double& value) {
     getToken([&](const wchar* at, const wchar* end) { return run_double(at, end, value); },
-             [&] { return read_double(source_, value); });
+             [&](UnitSource& from) { return read_double(from, value); });
 }
 
 void ListInStream::get(GUID& id) {
     skipGap();
-    require(read_guid(source_, id));
+    UnitSource units = source();
+    require(read_guid(units, id));
     commaExpected_ = true;
 }
 
 void ListInStream::get(Numeric& number) {
     getToken([&](const wchar* at, const wchar* end) { return run_numeric(at, end, number); },
-             [&] { return number.fromStream(in_); });
+             [&](UnitSource&) { return number.fromStream(in_); });
 }
 
 void ListInStream::get(Date& date) {
     getToken([&](const wchar* at, const wchar* end) { return run_date(at, end, date); },
-             [&] { return date.fromStream(in_); });
+             [&](UnitSource&) { return date.fromStream(in_); });
 }
 
 void ListInStream::get(wstring& text) {
@@ -150,7 +174,7 @@ void ListInStream::get(wstring& text) {
                 text.assign(read);
             return at;
         },
-        [&] { return read_string(source_, text); });
+        [&](UnitSource& from) { return read_string(from, text); });
 }
 
 void ListInStream::get(wchar* buffer, std::uint32_t size) {
@@ -162,7 +186,7 @@ void ListInStream::get(wchar* buffer, std::uint32_t size) {
             *std::copy(read.begin(), read.end(), buffer) = u'\0';
             return at;
         },
-        [&] { return read_string(source_, buffer, size); });
+        [&](UnitSource& from) { return read_string(from, buffer, size); });
 }
 
 void ListInStream::get(wstring& text, const wchar* expected) {

@@ -11,8 +11,20 @@ namespace core {
 
 using namespace detail;
 
+ListOutStream::ListOutStream(wostream& out) : out_(out), runs_(dynamic_cast<TextBuffer*>(out.rdbuf())) {}
+
+UnitSink ListOutStream::sink() const noexcept {
+    return {out_, runs_};
+}
+
+void ListOutStream::putComma() {
+    if (commaPending_)
+        sink().write(u",");
+    commaPending_ = false;
+}
+
 void ListOutStream::putBeginOfList() {
-    sink_.format<3>([this](wchar* at) {
+    sink().format<3>([this](wchar* at) {
         if (commaPending_)
             *at++ = u',';
         if (!atStart_)
@@ -26,7 +38,7 @@ void ListOutStream::putBeginOfList() {
 }
 
 void ListOutStream::putEndOfList() {
-    sink_.format<2>([this](wchar* at) {
+    sink().format<2>([this](wchar* at) {
         if (justClosed_)
             *at++ = u'\n';
         *at++ = u'}';
@@ -40,7 +52,7 @@ void ListOutStream::putEndOfList() {
 /// A token of up to `limit` units and the comma before it in one piece.
 template <std::size_t limit, class Format>
 void ListOutStream::putToken(Format format) {
-    sink_.format<limit + 1>([&](wchar* at) {
+    sink().format<limit + 1>([&](wchar* at) {
         if (commaPending_)
             *at++ = u',';
         return format(at);
@@ -54,7 +66,7 @@ void ListOutStream::putInteger(bool negative, std::uint64_t magnitude) {
 
 void ListOutStream::putDouble(double value) {
     if (!std::isfinite(value))
-        sink_.stream().setstate(std::ios_base::failbit);
+        out_.setstate(std::ios_base::failbit);
     else
         putToken<kDoubleUnits>([&](wchar* at) { return format_double(at, value); });
 }
@@ -68,7 +80,7 @@ void ListOutStream::put(const Date& date) {
 }
 
 void ListOutStream::put(const Numeric& number) {
-    const bool written = sink_.formatInPlace(kNumericUnits + 1, [&](wchar* at) {
+    const bool written = sink().formatInPlace(kNumericUnits + 1, [&](wchar* at) {
         if (commaPending_)
             *at++ = u',';
         const std::size_t size = number.toString(at, kNumericUnits);
@@ -76,13 +88,13 @@ void ListOutStream::put(const Numeric& number) {
     });
     if (!written) {
         putComma();
-        sink_.write(number.toString());
+        sink().write(number.toString());
     }
     endToken();
 }
 
 void ListOutStream::put(wstring_view text) {
-    const bool written = sink_.formatInPlace(text.size() + 3, [&](wchar* at) -> wchar* {
+    const bool written = sink().formatInPlace(text.size() + 3, [&](wchar* at) -> wchar* {
         if (commaPending_)
             *at++ = u',';
         *at++ = u'"';
@@ -92,14 +104,15 @@ void ListOutStream::put(wstring_view text) {
     });
     if (!written) {
         putComma();
-        write_string(sink_, text);
+        UnitSink to = sink();
+        write_string(to, text);
     }
     endToken();
 }
 
 void ListOutStream::putBare(wstring_view token) {
     putComma();
-    sink_.write(token);
+    sink().write(token);
     endToken();
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/lists/run_read.h"
+#include "core/streams/unit_sink.h"
 
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
@@ -18,7 +19,7 @@ struct ListRun {
     /// it read, or null.
     template <class Read>
     static bool read(ListInStream& in, bool gap, Read read) {
-        TextBuffer* const runs = in.source_.runs();
+        TextBuffer* const runs = in.runs_;
         if (runs == nullptr)
             return false;
         const wchar* const end = runs->readEnd();
@@ -44,7 +45,7 @@ struct ListRun {
     template <class Format>
     [[nodiscard]] static bool putList(ListOutStream& out, std::size_t limit, Format format) {
         constexpr std::size_t kAround = 4;
-        const bool written = out.sink_.formatInPlace(limit + kAround, [&](wchar* at) -> wchar* {
+        const bool written = out.sink().formatInPlace(limit + kAround, [&](wchar* at) -> wchar* {
             if (out.commaPending_)
                 *at++ = u',';
             if (!out.atStart_)

@@ -2,6 +2,7 @@
 #include "core/lists/bare_token.h"
 #include "core/lists/unit_scan.h"
 #include "core/runtime/hex_digit.h"
+#include "core/streams/unit_source.h"
 
 #include <core/lists/list_scanner.h>
 #include <core/lists/token.h>
@@ -35,7 +36,15 @@ bool ends_bare(int unit) noexcept {
 
 } // namespace
 
-ListScanner::ListScanner(wistream& in) : source_(in), bare_(new BareToken) {}
+/// What the scanner reads from, and the form of the bare token at hand.
+struct ListScanner::Input {
+    explicit Input(wistream& in) : source(in) {}
+
+    UnitSource source;
+    BareToken bare;
+};
+
+ListScanner::ListScanner(wistream& in) : input_(new Input(in)) {}
 ListScanner::~ListScanner() = default;
 
 ListScanner::Token ListScanner::next() {
@@ -56,9 +65,9 @@ ListScanner::Token ListScanner::next() {
 }
 
 ListScanner::Token ListScanner::scanAfterElement() {
-    const int unit = source_.peek();
-    if (depth_ == 0)
-        return unit == kEnd ? set(Token::endOfText, Phase::ended) : fail(Expected::endOfText);
+    const int unit = input_->source.peek();
+    if (depth_ == 0) // U+FFFF is no end: what follows it would be dropped without a word
+        return input_->source.isExhausted() ? set(Token::endOfText, Phase::ended) : fail(Expected::endOfText);
     if (unit == u'}') {
         consume();
         --depth_;
@@ -74,7 +83,7 @@ ListScanner::Token ListScanner::scanAfterElement() {
 }
 
 ListScanner::Token ListScanner::scanElement() {
-    switch (const int unit = source_.peek()) {
+    switch (const int unit = input_->source.peek()) {
     case u'{':
         if (depth_ == kMaxDepth)
             return fail(Expected::lessDepth);
@@ -93,14 +102,14 @@ ListScanner::Token ListScanner::scanElement() {
     default:
         if (ends_bare(unit))
             return fail(Expected::element);
-        *bare_ = BareToken();
+        input_->bare = BareToken();
         return scanBare();
     }
 }
 
 /// Takes as many units as stand for themselves and fit.
 void ListScanner::scanRun() {
-    TextBuffer* const runs = source_.runs();
+    TextBuffer* const runs = input_->source.runs();
     if (runs == nullptr || !runs->fill())
         return;
     const wstring_view run = runs->atHand().substr(0, kPieceUnits - size_);
@@ -117,21 +126,21 @@ ListScanner::Token ListScanner::scanString() {
         scanRun();
         if (size_ == kPieceUnits)
             return set(Token::string, Phase::inString);
-        const int unit = source_.take();
+        const int unit = input_->source.take();
         if (unit == kEnd)
             return fail(Expected::quote);
         auto stored = static_cast<wchar>(unit);
         consumed({&stored, 1});
         if (unit == u'"') {
-            if (source_.peek() == u'"') {
+            if (input_->source.peek() == u'"') {
                 consume();
-            } else if (source_.peek() != u'\\') {
+            } else if (input_->source.peek() != u'\\') {
                 return set(Token::string, Phase::afterElement);
             } else {
                 consume();
                 wchar digits[4];
                 for (wchar& digit : digits) {
-                    const int next = source_.peek();
+                    const int next = input_->source.peek();
                     if (next == kEnd || hex_digit(static_cast<wchar>(next)) < 0)
                         return fail(Expected::hexDigit);
                     digit = static_cast<wchar>(next);
@@ -145,15 +154,15 @@ ListScanner::Token ListScanner::scanString() {
 }
 
 ListScanner::Token ListScanner::scanBare() {
-    for (int unit = source_.peek(); !ends_bare(unit); unit = source_.peek()) {
+    for (int unit = input_->source.peek(); !ends_bare(unit); unit = input_->source.peek()) {
         if (size_ == kPieceUnits)
             return set(Token::bare, Phase::inBare);
-        if (!bare_->take(static_cast<wchar>(unit)))
+        if (!input_->bare.take(static_cast<wchar>(unit)))
             return fail(Expected::bareToken);
         piece_[size_++] = static_cast<wchar>(unit);
         consume();
     }
-    return bare_->complete() ? set(Token::bare, Phase::afterElement) : fail(Expected::bareToken);
+    return input_->bare.complete() ? set(Token::bare, Phase::afterElement) : fail(Expected::bareToken);
 }
 
 ListScanner::Token ListScanner::set(Token token, Phase phase) noexcept {
@@ -169,14 +178,15 @@ ListScanner::Token ListScanner::fail(Expected expected) noexcept {
 }
 
 void ListScanner::skipSpaces() {
-    for (int unit = source_.peek(); unit != kEnd && is_space(static_cast<wchar>(unit)); unit = source_.peek())
+    for (int unit = input_->source.peek(); unit != kEnd && is_space(static_cast<wchar>(unit));
+         unit = input_->source.peek())
         consume();
 }
 
 /// Consumes the unit that peek() has shown.
 void ListScanner::consume() {
-    const auto unit = static_cast<wchar>(source_.peek());
-    source_.skip();
+    const auto unit = static_cast<wchar>(input_->source.peek());
+    input_->source.skip();
     consumed({&unit, 1});
 }
 

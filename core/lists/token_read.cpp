@@ -171,6 +171,8 @@ bool get_integer(wistream& in, bool withSign, std::uint64_t& value) {
 
 } // namespace detail
 
+using detail::UnitSource;
+
 namespace {
 
 bool next_is(wistream& in, wchar unit) {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/streams/unit_source.h"
+
 #include <core/runtime/guid.h>
-#include <core/streams/unit_source.h>
 
 #include <cstdint>
 

@@ -38,15 +38,14 @@ wstring_view terminated(const wchar* text, std::size_t length) noexcept {
     return {text, null == nullptr ? length : static_cast<std::size_t>(null - text)};
 }
 
-void write_string(UnitSink& sink, wstring_view text) {
-    sink.write(u"\"");
+void write_characters(UnitSink& sink, wstring_view text) {
     const wchar* at = text.data();
     const wchar* const end = at + text.size();
     for (;;) {
         const wchar* const special = find_unit<EndsPlainWrite>(at, end);
         sink.write({at, special});
         if (special == end)
-            break;
+            return;
         if (*special == u'"') {
             sink.write(u"\"\"");
         } else {
@@ -56,6 +55,11 @@ void write_string(UnitSink& sink, wstring_view text) {
         }
         at = special + 1;
     }
+}
+
+void write_string(UnitSink& sink, wstring_view text) {
+    sink.write(u"\"");
+    write_characters(sink, text);
     sink.write(u"\"");
 }
 
@@ -108,6 +112,12 @@ wostream& to_stream(wostream& out, const wchar* text) {
 }
 wostream& to_stream(wostream& out, const wchar* text, std::uint32_t length) {
     return to_stream(out, terminated(text, length));
+}
+
+wostream& put_characters(wostream& out, wstring_view text) {
+    UnitSink sink(out);
+    write_characters(sink, text);
+    return out;
 }
 
 void escape_char(wchar unit, wchar* out) noexcept {

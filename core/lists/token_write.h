@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/streams/unit_sink.h>
+#include "core/streams/unit_sink.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,6 +18,8 @@ wchar* format_integer(wchar* out, bool negative, std::uint64_t magnitude) noexce
 /// `value` is finite.
 wchar* format_double(wchar* out, double value) noexcept;
 void write_string(UnitSink& sink, wstring_view text);
+/// What stands between the quotes of a string, or a piece of it.
+void write_characters(UnitSink& sink, wstring_view text);
 /// The text before the first null unit, `length` units at the most.
 [[nodiscard]] wstring_view terminated(const wchar* text, std::size_t length) noexcept;
 

@@ -39,14 +39,15 @@ struct EndsPlainRead {
 #endif
 };
 
-/// What is not written as it is: a quote, or a surrogate.
+/// What is not written as it is: a quote, a surrogate, or U+FFFF, which would end the text.
 struct EndsPlainWrite {
-    static bool one(wchar unit) noexcept { return unit == u'"' || (unit & 0xF800) == 0xD800; }
+    static bool one(wchar unit) noexcept {
+        return unit == u'"' || (unit & 0xF800) == 0xD800 || unit == 0xFFFF;
+    }
 #ifdef __SSE2__
     static __m128i eight(__m128i units) noexcept {
         const __m128i top = _mm_srli_epi16(units, 11);
-        return _mm_or_si128(_mm_cmpeq_epi16(units, _mm_set1_epi16(u'"')),
-                            _mm_cmpeq_epi16(top, _mm_set1_epi16(0xD800 >> 11)));
+        return _mm_or_si128(EndsPlainRead::eight(units), _mm_cmpeq_epi16(top, _mm_set1_epi16(0xD800 >> 11)));
     }
 #endif
 };

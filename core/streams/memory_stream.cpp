@@ -3,8 +3,7 @@
 
 namespace core::detail {
 
-/// Goes on in a new piece. The rest of the old one stays unused only if a writer asks for room in one go,
-/// which it does not: it comes here when the piece is full.
+/// Comes here only when a piece is full, so that every piece but the last is used to its end.
 MemoryOutBuffer::int_type MemoryOutBuffer::overflow(int_type unit) {
     more_.push_back(std::make_unique_for_overwrite<wchar[]>(kPiece));
     setp(more_.back().get(), more_.back().get() + kPiece);

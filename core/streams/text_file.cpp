@@ -29,6 +29,12 @@ wstring load_text(IFileSystem& files, const wstring& url) {
     return read_text(stream);
 }
 
+void put_text(wostream& out, wstring_view text) {
+    const auto size = static_cast<std::streamsize>(text.size());
+    if (out.good() && out.rdbuf()->sputn(text.data(), size) != size)
+        out.setstate(std::ios_base::badbit);
+}
+
 void save_text(IFileSystem& files, const wstring& url, const std::function<void(wostream&)>& write) {
     files.writeFile(url, [&](IFile& file) {
         TextOutStream stream([&file](std::span<const std::byte> bytes) { write_all(file, bytes); }, url);

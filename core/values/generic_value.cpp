@@ -67,7 +67,7 @@ GenericValue get_payload_of(wchar tag, IInPersistenceStorage* storage) {
     case u'T': {
         GUID id;
         in.get(id);
-        return GenericValue(Type(id));
+        return GenericValue(id == kNullGuid ? Type() : Type(id)); // a Type may be none
     }
     case u'#':
         return deserialize_object(storage);

@@ -3,8 +3,8 @@
 
 #include <core/locales/collate.h>
 #include <core/runtime/settings.h>
+#include <core/values/type_object.h>
 #include <core/values/value.h>
-#include <core/values/value_impl.h>
 
 #include <typeinfo>
 

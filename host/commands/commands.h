@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/console.h"
-#include "host/exit_code.h"
+#include "host/commands/exit_code.h"
+#include "host/terminal/console.h"
 
 #include <core/runtime/types.h>
 

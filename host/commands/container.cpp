@@ -19,28 +19,6 @@ namespace host::container {
 
 using namespace core;
 
-StorageRW open(const Options& options, OpenMode mode) {
-    URL url = split_url(from_utf8(options.file));
-    const auto isOf = [&url](const StorageLayout& layout) {
-        return compare_nocase(url.scheme, layout.scheme) == 0;
-    };
-    const bool byScheme = isOf(kStorageLayout32) || isOf(kStorageLayout64);
-    const bool wide = byScheme ? isOf(kStorageLayout64) : options.wide;
-    StorageOptions how{.readOnly = mode == OpenMode::read, .noSortedCheck = false};
-    if (byScheme) {
-        split_options(url);
-        how.noSortedCheck = url.hasOption(u"NoSortedCheck");
-    }
-    const StorageLayout& layout = wide ? kStorageLayout64 : kStorageLayout32;
-    auto file = open_disk_file(byScheme ? file_path(url.path) : options.file, mode);
-    if (mode == OpenMode::createNew || mode == OpenMode::create)
-        StorageRW::createIfEmpty(*file, layout);
-    const wstring shown = from_utf8(options.file);
-    StorageRW storage(std::move(file), layout, how, shown);
-    storage.setRootURL(shown + u"/"); // so that messages about inner files say where they are
-    return storage;
-}
-
 Selection select(const StorageRW& storage, const Options& options, Console& console) {
     Selection selection;
     for (const std::string& text : options.names) {

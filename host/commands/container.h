@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/console.h"
-#include "host/exit_code.h"
+#include "host/commands/exit_code.h"
+#include "host/terminal/console.h"
 
 #include <core/storage/storage_rw.h>
 
@@ -18,9 +18,6 @@ struct Options {
     std::vector<std::string> names;
     std::string folder; ///< put: where to in the container; get: where to on disk
 };
-
-/// Opens the container; one that need not exist is made.
-[[nodiscard]] core::StorageRW open(const Options& options, core::OpenMode mode);
 
 /// The inner files that the names and patterns of the command line mean, by name. One that means none is
 /// told on the console and counted.

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container.h"
-#include "host/progress.h"
-#include "host/terminal_text.h"
+#include "host/containers/container_store.h"
+#include "host/terminal/progress.h"
+#include "host/terminal/terminal_text.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -160,12 +161,12 @@ void take_out(const StorageRW& storage, IFile& from, const std::string& path, Pr
 } // namespace
 
 ExitCode create(const Options& options) {
-    (void)open(options, OpenMode::createNew);
+    (void)open_container(options.file, options.wide, OpenMode::createNew);
     return ExitCode::done;
 }
 
 ExitCode list(const Options& options, Console& console) {
-    const StorageRW storage = open(options, OpenMode::read);
+    const StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
     const std::vector<StorageFound> files =
         options.names.empty() ? storage.find() : select(storage, options, console).files;
     if (console.json) {
@@ -193,7 +194,7 @@ ExitCode put(const Options& options, Console& console) {
     std::uint64_t total = 0;
     for (const Source& source : all)
         total += source.size;
-    StorageRW storage = open(options, OpenMode::create);
+    StorageRW storage = open_container(options.file, options.wide, OpenMode::create);
     Progress progress(console, "put", total);
     StorageTransaction transaction(storage);
     for (const Source& source : all) {
@@ -211,7 +212,7 @@ ExitCode put(const Options& options, Console& console) {
 }
 
 ExitCode get(const Options& options, Console& console) {
-    StorageRW storage = open(options, OpenMode::read);
+    StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
     const Selection selection = select(storage, options, console);
     std::uint64_t total = 0;
     for (const StorageFound& file : selection.files)
@@ -234,7 +235,7 @@ ExitCode get(const Options& options, Console& console) {
 }
 
 ExitCode cat(const Options& options, Console& console) {
-    StorageRW storage = open(options, OpenMode::read);
+    StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
     const Selection selection = select(storage, options, console);
     for (const StorageFound& file : selection.files) {
         const auto from = storage.open(file.name, OpenMode::read);
@@ -246,7 +247,7 @@ ExitCode cat(const Options& options, Console& console) {
 }
 
 ExitCode remove(const Options& options, Console& console) {
-    StorageRW storage = open(options, OpenMode::readWrite);
+    StorageRW storage = open_container(options.file, options.wide, OpenMode::readWrite);
     const Selection selection = select(storage, options, console);
     StorageTransaction transaction(storage);
     for (const StorageFound& file : selection.files)
@@ -256,7 +257,7 @@ ExitCode remove(const Options& options, Console& console) {
 }
 
 ExitCode move(const Options& options) {
-    StorageRW storage = open(options, OpenMode::readWrite);
+    StorageRW storage = open_container(options.file, options.wide, OpenMode::readWrite);
     storage.rename(from_utf8(options.names.at(0)), from_utf8(options.names.at(1)));
     return ExitCode::done;
 }

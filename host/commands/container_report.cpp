@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container.h"
-#include "host/terminal_text.h"
-#include "host/text_columns.h"
+#include "host/containers/container_store.h"
+#include "host/terminal/terminal_text.h"
+#include "host/terminal/text_columns.h"
 
 #include <core/runtime/exception.h>
 #include <core/runtime/utf8.h>
@@ -60,7 +61,7 @@ std::string picture(const StorageInfo& info) {
 } // namespace
 
 ExitCode check(const Options& options, Console& console) {
-    const StorageCheck result = open(options, OpenMode::read).check();
+    const StorageCheck result = open_container(options.file, options.wide, OpenMode::read).check();
     if (console.json) {
         auto problems = nlohmann::ordered_json::array();
         for (const StorageProblem& problem : result.problems) {
@@ -85,7 +86,7 @@ ExitCode check(const Options& options, Console& console) {
 }
 
 ExitCode info(const Options& options, Console& console) {
-    const StorageRW storage = open(options, OpenMode::read);
+    const StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
     const StorageInfo info = storage.info();
     const bool wide = storage.layout().width == kStorageLayout64.width;
     const std::uint64_t beyond = info.fileLength - std::min(info.end, info.fileLength);
@@ -124,7 +125,7 @@ ExitCode info(const Options& options, Console& console) {
 }
 
 ExitCode compact(const Options& options, Console& console) {
-    StorageRW storage = open(options, OpenMode::readWrite);
+    StorageRW storage = open_container(options.file, options.wide, OpenMode::readWrite);
     if (!storage.check().isClean()) // moving what is damaged would hide it
         return fail(console, message_text("IDS_HOST_CONTAINER_DAMAGED"), ExitCode::malformed);
     const std::uint64_t before = storage.info().fileLength;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/describe_text.h"
-#include "host/script/functions.h"
-#include "host/script/table_functions.h"
+#include "host/library/functions.h"
+#include "host/library/table_functions.h"
 
 #include <core/objects/core_general_context.h>
 #include <core/runtime/exception.h>

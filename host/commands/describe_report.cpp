@@ -2,7 +2,7 @@
 #include "host/commands/describe_report.h"
 
 #include "host/commands/describe_sample.h"
-#include "host/script/display.h"
+#include "host/language/display.h"
 
 #include <core/context/context_def_ext.h>
 #include <core/objects/enumeration.h>

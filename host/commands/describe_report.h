@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/console.h"
+#include "host/terminal/console.h"
 
 #include <core/context/context_def.h>
 #include <core/values/ivalue.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/describe_text.h"
 
-#include "host/text_columns.h"
+#include "host/terminal/text_columns.h"
 
 #include <core/runtime/utf8.h>
 #include <core/strings/term.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/commands/describe_report.h"
-#include "host/console.h"
+#include "host/terminal/console.h"
 
 /// Writes what is known of types, as text or as JSON.
 namespace host::describe {

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
-#include "host/console/line_editor.h"
-#include "host/script/display.h"
-#include "host/script/entry_scan.h"
-#include "host/script/functions.h"
-#include "host/script/interpreter.h"
-#include "host/script/interrupt_scope.h"
-#include "host/script/parser.h"
-#include "host/script/print.h"
-#include "host/script/table_view.h"
-#include "host/terminal_text.h"
-#include "host/text_columns.h"
+#include "host/commands/interrupt_scope.h"
+#include "host/exchange/tables/table_view.h"
+#include "host/language/display.h"
+#include "host/language/interpreter.h"
+#include "host/language/parser.h"
+#include "host/library/functions.h"
+#include "host/library/print.h"
+#include "host/terminal/error_report.h"
+#include "host/terminal/line_editor.h"
+#include "host/terminal/terminal_text.h"
+#include "host/terminal/text_columns.h"
 
 #include <core/runtime/utf8.h>
 #include <core/streams/errors.h>
@@ -20,9 +20,11 @@
 
 #include <algorithm>
 #include <csignal>
+#include <functional>
 #include <istream>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -31,65 +33,66 @@ namespace {
 
 using namespace core;
 
+/// Thrown where the lines of an entry are read, to drop what it has so far.
+struct EntryDropped {};
+
 /// One console: entries come in lines, and what they make stays.
 class Repl {
   public:
+    /// Returns the next line, the first of an entry or one that it goes on with; nothing at the end. Throws
+    /// EntryDropped.
+    using Lines = std::function<std::optional<wstring>(bool goesOn)>;
+
     explicit Repl(Console& console) : console_(console) {}
 
-    /// Adds a line to the entry and carries the entry out when it is complete, or when no line follows.
-    void take(wstring_view line, bool isLast) {
-        try {
-            entry_.append(line).append(u"\n");
-            if (!scan_.mayBeComplete(entry_) && !isLast)
-                return;
-            const auto source = std::make_shared<const script::Source>("repl", entry_);
+    /// Carries entries out until the lines end, or nothing can be shown any more.
+    void run(const Lines& lines) {
+        while (console_.out) {
             try {
-                run(script::parse(source, variables_, script::Mode::console));
-            } catch (const script::ScriptError& error) {
-                if (error.incomplete() && !isLast)
+                const std::optional<wstring> line = lines(false);
+                if (!line)
                     return;
-                failed_ = true;
-                console_.out.flush();
-                show_error(console_.err, *source, error, console_.colour);
+                take(*line, lines);
+            } catch (const EntryDropped&) {
+            } catch (const Exception& e) {
+                report(e.description());
+            } catch (const std::bad_alloc&) {
+                report(message_text("IDS_SCRIPT_NO_MEMORY"));
             }
-        } catch (const Exception& e) {
-            report(e.description());
-        } catch (const std::bad_alloc&) {
-            report(message_text("IDS_SCRIPT_NO_MEMORY"));
+            entry_.reset();
+            console_.out.flush();
         }
-        forget();
-        console_.out.flush();
     }
-    /// The same for a line in UTF-8, where nothing else is taken.
-    void takeBytes(const std::string& line) {
-        const wstring units = from_utf8(line);
-        const std::string same = to_utf8(units);
-        if (same == line)
-            return take(units, false);
-        const auto fault = std::mismatch(line.begin(), line.end(), same.begin(), same.end()).first;
-        report(message_text(messages::kTextNotUtf8, {u"-", string_intto(fault - line.begin())}));
-        forget();
-    }
-    void forget() noexcept {
-        entry_.clear();
-        scan_ = {};
-    }
-
-    [[nodiscard]] bool isInEntry() const noexcept { return !entry_.empty(); }
-    [[nodiscard]] bool hasFailed() const noexcept { return failed_; }
-
-    [[nodiscard]] Completion complete(wstring_view line) const {
-        return host::complete(entry_ + wstring(line), interpreter_, variables_, alias_of(console_.language));
-    }
-
-  private:
+    /// Tells what has gone wrong.
     void report(const wstring& message) {
         failed_ = true;
         fail(console_, message, ExitCode::malformed);
     }
-    void run(const script::Program& program) {
-        const script::InterruptScope interrupts(interpreter_);
-        interpreter_.run(program, [this](const GenericValue& value) { show(value); });
+
+    [[nodiscard]] bool hasFailed() const noexcept { return failed_; }
+
+    [[nodiscard]] Completion complete(wstring_view line) const {
+        const wstring before(entry_ ? entry_->text() : wstring_view());
+        return host::complete(before + wstring(line), interpreter_, variables_, alias_of(console_.language));
+    }
+
+  private:
+    void take(wstring_view line, const Lines& lines) {
+        entry_ = std::make_shared<script::Source>("repl", wstring());
+        entry_->append(line);
+        try {
+            const auto more = [&lines](script::Source& source) {
+                if (const auto next = lines(true))
+                    source.append(*next);
+            };
+            const script::Program program = script::parse_entry(entry_, variables_, more);
+            const script::InterruptScope interrupts(interpreter_);
+            interpreter_.run(program, [this](const GenericValue& value) { show(value); });
+        } catch (const script::ScriptError& error) {
+            failed_ = true;
+            console_.out.flush();
+            show_error(console_.err, *entry_, error, console_.colour);
+        }
     }
 
     void show(const GenericValue& value) {
@@ -104,8 +107,7 @@ class Repl {
     Console& console_;
     script::Variables variables_;
     script::Interpreter interpreter_{script::create_globals(console_), variables_};
-    wstring entry_;
-    script::EntryScan scan_; // over the entry
+    std::shared_ptr<script::Source> entry_; // while one is read and carried out
     bool failed_ = false;
 };
 
@@ -127,29 +129,34 @@ ExitCode converse(Console& console) {
     LineEditor editor(
         console, [&repl](wstring_view before) { return repl.complete(before); }, HistoryFile::of_user());
     console.out << message("IDS_HOST_REPL_KEYS") << std::endl;
-    while (console.out) {
-        LineEditor::Line line = editor.read(repl.isInEntry() ? "  | " : "> ");
-        switch (line.kind) {
-        case LineEditor::Line::Kind::text:
-            repl.take(line.text, false);
-            break;
-        case LineEditor::Line::Kind::cancelled:
-            repl.forget();
-            break;
-        case LineEditor::Line::Kind::end:
-            return ExitCode::done;
-        }
-    }
-    return ExitCode::io;
+    bool ended = false;
+    repl.run([&](bool goesOn) -> std::optional<wstring> {
+        if (ended)
+            return std::nullopt;
+        LineEditor::Line line = editor.read(goesOn ? "  | " : "> ");
+        if (line.kind == LineEditor::Line::Kind::text)
+            return std::move(line.text);
+        ended = line.kind == LineEditor::Line::Kind::end;
+        throw EntryDropped();
+    });
+    return ended ? ExitCode::done : ExitCode::io;
 }
 
 /// Without a terminal there is nobody to see prompts, and whoever started it must learn of failures.
 ExitCode read_entries(Console& console) {
     Repl repl(console);
-    for (std::string line; console.out && std::getline(console.in, line);)
-        repl.takeBytes(line);
-    if (repl.isInEntry())
-        repl.take({}, true);
+    repl.run([&](bool) -> std::optional<wstring> {
+        std::string line;
+        if (!std::getline(console.in, line))
+            return std::nullopt;
+        wstring units = from_utf8(line);
+        const std::string same = to_utf8(units);
+        if (same == line)
+            return units;
+        const auto fault = std::mismatch(line.begin(), line.end(), same.begin(), same.end()).first;
+        repl.report(message_text(messages::kTextNotUtf8, {u"-", string_intto(fault - line.begin())}));
+        throw EntryDropped();
+    });
     return repl.hasFailed() ? ExitCode::malformed : ExitCode::done;
 }
 

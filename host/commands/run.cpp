@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/byte_input.h"
 #include "host/commands/commands.h"
-#include "host/script/functions.h"
-#include "host/script/interpreter.h"
-#include "host/script/interrupt_scope.h"
-#include "host/script/parser.h"
+#include "host/commands/interrupt_scope.h"
+#include "host/language/interpreter.h"
+#include "host/language/parser.h"
+#include "host/library/functions.h"
+#include "host/terminal/byte_input.h"
+#include "host/terminal/error_report.h"
 
 #include <CLI/CLI.hpp>
 

@@ -14,4 +14,3 @@
 #include <core/values/type_object.h>
 #include <core/values/type_service.h>
 #include <core/values/value.h>
-#include <core/values/value_impl.h>

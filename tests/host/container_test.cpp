@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/program.h"
-#include "host/text_output.h"
+#include "host/commands/program.h"
+#include "host/terminal/text_output.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>

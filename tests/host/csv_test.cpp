@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Comma-separated values: what another program writes is read, what is written another program reads, and a
 // row that is wrong is found.
-#include "host/csv/csv_table.h"
-#include "host/json/json_value.h"
-#include "host/script/table_view.h"
+#include "host/exchange/json/json_value.h"
+#include "host/exchange/tables/table_view.h"
+#include "host/library/table_functions.h"
 #include "tests/host/program_fixture.h"
 #include "tests/host/script_fixture.h"
 
@@ -50,7 +50,7 @@ TEST_F(CsvTest, ReadsAndWritesWhatPythonDoes) {
     for (std::size_t seed = 0; seed < written->count(); ++seed) {
         const std::string name = std::to_string(seed);
         const auto table =
-            load_csv(session.console(), core::from_utf8(path(name + ".csv")), delimiter(seed), {});
+            script::load_csv(session.console(), core::from_utf8(path(name + ".csv")), delimiter(seed), {});
         const auto rows = written->get(seed).query<core::IValueArray>();
         ASSERT_EQ(table->rowCount() + 1, rows->count());
         for (std::size_t row = 0; row < table->rowCount(); ++row) {
@@ -61,7 +61,7 @@ TEST_F(CsvTest, ReadsAndWritesWhatPythonDoes) {
         }
         const auto view =
             script::table_view(core::Value(table.query<core::IValue>()), script::ViewFor::programs);
-        save_csv(core::from_utf8(path(name + ".csv")), *view, delimiter(seed));
+        script::save_csv(core::from_utf8(path(name + ".csv")), *view, delimiter(seed));
     }
     ASSERT_EQ(std::system((model + "read " + path("")).c_str()), 0);
     EXPECT_EQ(to_json(from_json(text_of(path("read.json")))),

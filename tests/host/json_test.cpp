@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // JSON in and out: numbers to the digit, names and their order, what becomes a Structure and what a Map,
 // nesting to the limit, and malformed text with its place.
-#include "host/json/json_reader.h"
-#include "host/json/json_value.h"
+#include "host/exchange/json/json_reader.h"
+#include "host/exchange/json/json_value.h"
 #include "tests/host/script_fixture.h"
 
 #include <core/values/errors.h>

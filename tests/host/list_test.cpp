@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // corehost list: random lists survive formatting and the way through JSON; malformed text is told by line,
 // column and file; outputs are replaced whole or not at all.
-#include "host/json/json_reader.h"
-#include "host/lists/json_to_list.h"
+#include "host/exchange/json/json_reader.h"
+#include "host/exchange/lists/json_to_list.h"
 #include "tests/host/program_fixture.h"
 
 #include <core/lists/token.h>
@@ -175,6 +175,14 @@ TEST_F(ListTest, MalformedTextHasAPlace) {
     EXPECT_EQ(nlohmann::json::parse(result({"check", file("\xFF", "{}"), "--json"}, ""))["file"],
               path("\uFFFD"));
 
+    // U+FFFF ends no text in silence, and is written so that it can be read
+    const std::string cut = file("cut", "{1}\uFFFF{2}");
+    for (const char* const command : {"fmt", "to-json", "check"})
+        EXPECT_EQ(refusal({command, cut}, ""), "corehost: " + cut + ":1:4: Expected the end of the text.\n");
+    const std::string odd = "{\"a\"\\ffff\"}\n";
+    EXPECT_EQ(result({"fmt"}, odd), odd);
+    EXPECT_EQ(result({"from-json"}, result({"to-json"}, odd)), odd);
+
     // every file is looked at, and the worst counts
     Answer all = corehost({"list", "check", bad, good, bytes, path("none")});
     EXPECT_EQ(all.code, ExitCode::io);
@@ -184,26 +192,11 @@ TEST_F(ListTest, MalformedTextHasAPlace) {
 }
 
 TEST_F(ListTest, JsonThatStandsForNoList) {
-    for (const char* const json : {"true",
-                                   "[null]",
-                                   "{}",
-                                   R"({"a":"1"})",
-                                   R"({"token":"x"})",
-                                   R"({"token":"1 "})",
-                                   R"({"token":"1,2"})",
-                                   R"({"token":"1","token":"2"})",
-                                   R"({"token":"1","x":1})",
-                                   R"({"token":1})",
-                                   R"({"token":["1"]})",
-                                   R"({"token":{"token":"1"}})",
-                                   R"("\uffff")",
-                                   R"("\ud800")",
-                                   "",
-                                   "[1",
-                                   "[1]]",
-                                   "[1,]",
-                                   "\"\xFF\"",
-                                   "[1e99999999999999999999999999999999]"})
+    for (const char* const json :
+         {"true", "[null]", "{}", R"({"a":"1"})", R"({"token":"x"})", R"({"token":"1 "})",
+          R"({"token":"1,2"})", R"({"token":"1","token":"2"})", R"({"token":"1","x":1})", R"({"token":1})",
+          R"({"token":["1"]})", R"({"token":{"token":"1"}})", R"("\ud800")", "", "[1", "[1]]", "[1,]",
+          "\"\xFF\"", "[1e99999999999999999999999999999999]"})
         EXPECT_TRUE(refusal({"from-json"}, json).find("column ") != std::string::npos) << json;
     EXPECT_NE(refusal({"to-json"}, "{\"\"\\d83d\"}").find("surrogate"), std::string::npos);
 }

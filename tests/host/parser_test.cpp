@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The script reader: every construct in both languages, precedence, what is refused and where, and that no
 // text, however deep, long or broken, does harm.
-#include "host/script/entry_scan.h"
-#include "host/script/parser.h"
+#include "host/language/parser.h"
+#include "host/terminal/error_report.h"
 #include "tests/host/script_dump.h"
 
 #include <core/runtime/thread.h>
@@ -149,49 +149,67 @@ TEST_F(ParserTest, DeepNestingIsRefusedAndLengthIsNot) {
 TEST_F(ParserTest, AConsoleShowsValuesAndAsksForTheRest) {
     EXPECT_EQ(tree("1 + 2", Mode::console), "(1+2);");
     EXPECT_EQ(tree("a = 1; a.b + 1; -a", Mode::console), "a:=1; (a.b+1); -a;");
-    const std::string whole =
-        "For Each x In f(\"\n|a\") Do If x.y Then z = (x + 1) * 2; Else g(1) EndIf EndDo";
-    for (std::size_t end = whole.find_first_of(" \n"); end != std::string::npos;
-         end = whole.find_first_of(" \n", end + 1)) {
-        Variables variables;
-        try {
-            (void)parse(source(whole.substr(0, end)), variables, Mode::console);
-            ADD_FAILURE() << "complete: " << whole.substr(0, end);
-        } catch (const ScriptError& e) {
-            EXPECT_TRUE(e.incomplete()) << whole.substr(0, end) << ": " << e.what();
-        }
-    }
-    EXPECT_NO_THROW(tree(whole, Mode::console));
 }
 
-TEST_F(ParserTest, ALongEntryIsNotParsedWithEveryLine) {
-    const auto linesParsed = [](std::string_view first, std::string_view line, std::string_view last) {
-        EntryScan scan;
-        core::wstring entry = core::from_utf8(first);
-        int parsed = scan.mayBeComplete(entry);
-        for (int i = 0; i < 5000; ++i) {
-            entry += core::from_utf8(line);
-            parsed += scan.mayBeComplete(entry);
-        }
-        EXPECT_FALSE(scan.mayBeComplete(entry += u"\n"));
-        EXPECT_TRUE(scan.mayBeComplete(entry += core::from_utf8(last)));
-        Variables variables;
-        EXPECT_NO_THROW((void)parse(std::make_shared<Source>("test", entry), variables, Mode::console));
-        return parsed;
+/// The tree of an entry that comes in pieces, a line each. All of them are read, and no more is asked for.
+std::string entry_tree(const std::vector<std::string>& pieces) {
+    Variables variables;
+    const auto text = std::make_shared<Source>("test", core::wstring());
+    std::size_t next = 0;
+    const auto more = [&](Source& source) {
+        if (next == pieces.size())
+            ADD_FAILURE() << "more than was there is asked for: " << pieces.back();
+        else
+            source.append(core::from_utf8(pieces[next++]));
     };
-    EXPECT_LT(linesParsed("If True Then\n", "a.If = \"EndIf\"; // EndIf\n", "EndIf\n"), 300);
-    EXPECT_LT(linesParsed("x = f(1,\n", "a.EndDo[1], New Map + // ).\n", "2)\n"), 300);
-    EXPECT_LT(linesParsed("x = \"\n", " |not the \"\"end\"\"\n\n", "|\"\n"), 600);
-    EXPECT_LT(linesParsed("x = \"\n", "|the\" + \"\n", "|\"\n"), 600);
-    EXPECT_LT(linesParsed("x = 1 +\n", "2 + // +\n\n", "3\n"), 600);
-    EXPECT_LT(linesParsed("For Each a In b Do\n", "While c Do EndDo; For i = 1 To 2 Do EndDo;\n", "EndDo;\n"),
-              300);
-    // an error is found at once, wherever the entry ends otherwise
-    EntryScan scan;
-    core::wstring entry = u"If True Then\n" + core::wstring(10'000, u' ');
-    (void)scan.mayBeComplete(entry);
-    EXPECT_FALSE(scan.mayBeComplete(entry += u"x\n"));
-    EXPECT_TRUE(scan.mayBeComplete(entry += u"1x\n"));
+    more(*text);
+    const Program program = parse_entry(text, variables, more);
+    EXPECT_EQ(next, pieces.size());
+    return Dump(program, variables).all();
+}
+
+TEST_F(ParserTest, AnEntryGoesOnUntilItIsComplete) {
+    for (const char* const whole : {"For Each x In f( \"\n|a\n\n  |\" , ) Do If Not x.y [ 1 ] And a Then z = "
+                                    "( x + 1 ) * 2 ; Else g( 1 ) EndIf EndDo",
+                                    "For i = New Array + 1 To - f( ) Do While a Or b Do If a Then ElsIf b "
+                                    "Then Continue EndIf EndDo EndDo",
+                                    "x=( a . If [ f( , 1 ) ] = '20240101' + New Map ( ) )"}) {
+        std::istringstream words(whole);
+        std::vector<std::string> pieces;
+        for (std::string word; words >> word;)
+            pieces.push_back(word);
+        EXPECT_EQ(entry_tree(pieces), tree(whole, Mode::console));
+    }
+    EXPECT_EQ(entry_tree({"x =", "", "// not yet", "1"}), "x:=1;");
+    EXPECT_EQ(entry_tree({"// nothing"}), "");
+
+    const std::tuple<const char*, const char*, const char*> ofManyLines[] = {
+        {"If True Then", "a.If = \"EndIf\"; // EndIf", "EndIf"},
+        {"x = f(1,", "a.EndDo[1], New Map + // ).", "2)"},
+        {"x = \"", " |not the \"\"end\"\"", "|\""},
+        {"x = 1 +", "2 + // +", "3"}};
+    for (const auto& [first, line, last] : ofManyLines) {
+        std::vector<std::string> pieces(5000, line);
+        pieces.insert(pieces.begin(), first);
+        pieces.push_back(last);
+        EXPECT_NE(entry_tree(pieces), "");
+    }
+}
+
+TEST_F(ParserTest, AnEntryFailsInTheLineThatIsWrong) {
+    for (const char* const wrong : {"1x", "]", "EndDo", "y = ;"}) {
+        const auto text = std::make_shared<Source>("test", core::wstring(u"If True Then\n"));
+        Variables variables;
+        int asked = 0;
+        const auto more = [&](Source& source) {
+            source.append(core::from_utf8(asked++ == 0 ? "x;" : wrong));
+        };
+        EXPECT_THROW((void)parse_entry(text, variables, more), ScriptError) << wrong;
+        EXPECT_EQ(asked, 2) << wrong;
+    }
+    const auto text = std::make_shared<Source>("test", core::wstring(u"x = \"open\n"));
+    Variables variables;
+    EXPECT_THROW((void)parse_entry(text, variables, [](Source&) {}), ScriptError) << "the lines have ended";
 }
 
 class ShowErrorTest : public ParserTest {

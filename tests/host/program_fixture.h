@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/program.h"
+#include "host/commands/program.h"
 
 #include <gtest/gtest.h>
 

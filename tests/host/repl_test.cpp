@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The console: entries over several lines, errors that it survives, names that it completes in both
 // languages, the history, and all of it once at a real terminal.
-#include "host/console/completion.h"
-#include "host/console/history_file.h"
+#include "host/terminal/completion.h"
+#include "host/terminal/history_file.h"
 #include "tests/host/program_fixture.h"
 #include "tests/host/script_fixture.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/script/ast.h"
-#include "host/script/variables.h"
+#include "host/language/ast.h"
+#include "host/language/variables.h"
 
 #include <core/runtime/utf8.h>
 

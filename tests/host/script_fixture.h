@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/script/display.h"
-#include "host/script/functions.h"
-#include "host/script/interpreter.h"
-#include "host/script/parser.h"
+#include "host/language/display.h"
+#include "host/language/interpreter.h"
+#include "host/language/parser.h"
+#include "host/library/functions.h"
 
 #include <core/runtime/thread.h>
 #include <core/runtime/utf8.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tables on the terminal: alignment of every kind of character, what is cut, what is left out; the other form
 // is JSON.
-#include "host/json/json_value.h"
-#include "host/script/table_view.h"
-#include "host/terminal_text.h"
+#include "host/exchange/json/json_value.h"
+#include "host/exchange/tables/column_text.h"
+#include "host/exchange/tables/table_view.h"
 #include "tests/host/script_fixture.h"
 
 #include <core/tables/value_table.h>
@@ -128,7 +128,7 @@ TEST_F(TablePrintTest, NoLineIsLongerThanItsWidth) {
         const std::size_t width = 16 + below(60);
         std::istringstream lines(print(table(columns, cells), width));
         for (std::string line; std::getline(lines, line);) {
-            ASSERT_LE(terminal_width(line), width) << line;
+            ASSERT_LE(column_count(line), width) << line;
         }
     }
 }

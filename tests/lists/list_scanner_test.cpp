@@ -197,6 +197,9 @@ TEST(ListScanner, TellsThePlaceAndWhatWasExpected) {
                  {u"{- ,1}", Expected::bareToken, 2, 1, 3},
                  {u"{\"a\"1}", Expected::separator, 4, 1, 5},
                  {u"{\"\xFFFF\"}", Expected::quote, 2, 1, 3}, // the end of the text
+                 {u"{1}\n\xFFFF{2}", Expected::endOfText, 4, 2, 1},
+                 {u"{1}\xFFFF", Expected::endOfText, 3, 1, 4},
+                 {u"\xFFFF{1}", Expected::element, 0, 1, 1},
                  {wstring(ListScanner::kMaxDepth + 1, u'{'), Expected::lessDepth, ListScanner::kMaxDepth, 1,
                   ListScanner::kMaxDepth + 1}};
     for (const auto& [text, expected, offset, line, column] : cases) {

@@ -76,7 +76,7 @@ TEST(ListOutStream, WritesNothingForInfinitiesAndOntoFailedStreams) {
 
 TEST(ListOutStream, WritesStringsOfEveryLengthAcrossItsBuffers) {
     for (const std::size_t length : {0U, 1U, 7U, 8U, 9U, 508U, 509U, 510U, 511U, 512U, 513U, 40'000U}) {
-        for (const wchar last : {u'x', u'"', static_cast<wchar>(0xDC00)}) {
+        for (const wchar last : {u'x', u'"', wchar{0xDC00}, wchar{0xFFFF}}) {
             const wstring text = wstring(length, u'a') + last;
             const wstring list = written([&](ListOutStream& out) {
                 out.put(text);
@@ -248,6 +248,12 @@ TEST(ListInStream, SkipsAnyDepthWithoutStack) {
     EXPECT_EQ(rest_of(stream), u"");
 }
 
+/// Quotes, the units on both sides of what is escaped, and any other.
+wchar random_unit(std::mt19937_64& source) {
+    constexpr wchar kEdges[] = {u'"', u'\\', 0, 0xD7FF, 0xD800, 0xDFFF, 0xE000, 0xFFFD, 0xFFFE, 0xFFFF};
+    return source() % 2 == 0 ? kEdges[source() % std::size(kEdges)] : static_cast<wchar>(source());
+}
+
 /// Random nested data, and its way through a list.
 struct Node {
     std::variant<bool, std::int64_t, std::uint64_t, double, GUID, Numeric, Date, wstring, std::vector<Node>>
@@ -274,8 +280,7 @@ struct Node {
         case 7: {
             wstring text;
             for (auto length = bits % 40; length > 0; --length)
-                text.push_back(source() % 3 == 0 ? u'"'
-                                                 : static_cast<wchar>(source() % 0xFFFF)); // not U+FFFF
+                text.push_back(random_unit(source));
             return {text};
         }
         default: {

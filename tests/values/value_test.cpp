@@ -3,7 +3,10 @@
 // across kinds; equality, hashes and order that agree; foreign values that only look like the library's own.
 #include "core/values/value_hash.h"
 
+#include <core/lists/list_out_stream.h>
+#include <core/persistence/persistence.h>
 #include <core/runtime.h>
+#include <core/streams/memory_stream.h>
 #include <core/values.h>
 #include <host/host_process.h>
 
@@ -112,7 +115,9 @@ TEST_F(Values, EveryKindKnowsItsTypeAndPayload) {
         EXPECT_EQ(again.getIValue().get(), object.get());
         EXPECT_EQ(again, c.value);
     }
-    EXPECT_FALSE(Type(static_cast<Type::Code>(6)).isDefined());
+    for (const int code : {-2, -1, 6, 999, 1001})
+        EXPECT_FALSE(Type(static_cast<Type::Code>(code)).isDefined()) << code;
+    EXPECT_EQ(Type().code(), Type::object);
     EXPECT_EQ(TypeException::kClassId, "96a351f3-7957-48c1-80f4-80ac15b233da"_guid);
     constexpr GUID kNobodys = "12345678-1234-1234-1234-123456789abc"_guid;
     EXPECT_THROW((void)Type(kNobodys), TypeException);
@@ -134,6 +139,23 @@ TEST_F(Values, QueriesReachTheInterfacesOfEachKind) {
     EXPECT_FALSE(create_string_value(u"").query<IValueIsEmpty>());
     EXPECT_TRUE(number.query<IValueSerialize>());
     EXPECT_EQ(number.query<IUnknown>().get(), number.query<IValueSerialize>().query<IUnknown>().get());
+    // the payload alone, without a tag
+    const std::pair<Value, const wchar*> payloads[] = {
+        {Value(), u""},
+        {Value::null(), u""},
+        {Value(true), u"1"},
+        {Value(-7), u"-7"},
+        {Value(0.5), u"0.5"},
+        {Value(u"a\"b"), u"\"a\"\"b\""},
+        {Value(Date(2004, 3, 1)), u"20040301000000"},
+        {Value(Type(Type::null)), u"af40a278-63bc-478e-91a8-19e0d16b10b5"}};
+    for (const auto& [value, text] : payloads) {
+        MemoryOutStream memory;
+        ListOutStream out(memory);
+        ListOutStorage storage(out);
+        value.getIValue().query<IValueSerialize>()->serialize(&storage);
+        EXPECT_EQ(memory.take(), text);
+    }
     EXPECT_EQ(number->AddRef(), 2U);
     EXPECT_EQ(number->Release(), 1U);
 }
@@ -152,6 +174,7 @@ TEST_F(Values, ReadAcrossKinds) {
         EXPECT_FALSE(value.getDate(date));
         EXPECT_TRUE(date.isEmpty());
         EXPECT_TRUE(value.getString(text));
+        EXPECT_EQ(text, value.kind() == ValueKind::type ? Type(Type::null).presentation() : wstring());
     }
     EXPECT_TRUE(Value(Numeric::fromString(u"-0.5")).getBoolean(boolean) && boolean);
     EXPECT_TRUE(Value(0).getBoolean(boolean) && !boolean);
@@ -244,7 +267,7 @@ TEST_F(Values, EqualityNeverCrossesTypesAndHashesFollowIt) {
 }
 
 TEST_F(Values, WholeNumbersAreTheSameInTheWordAndAsObjects) {
-    constexpr std::int64_t kEdge = std::int64_t{1} << 59;
+    constexpr std::int64_t kEdge = std::int64_t{1} << (8 * sizeof(void*) - 5);
     const auto wholes = {std::int64_t{0},
                          std::int64_t{1},
                          std::int64_t{-1},
@@ -281,15 +304,20 @@ TEST_F(Values, WholeNumbersAreTheSameInTheWordAndAsObjects) {
         EXPECT_EQ(truth, whole != 0);
     }
     EXPECT_EQ(Value(~std::uint64_t{0}).presentation(), u"18446744073709551615");
-    EXPECT_TRUE(Value(1e9).asSmallWhole());
+    EXPECT_TRUE(Value(1e6).asSmallWhole() && Value(Numeric::fromString(u"100000000")).asSmallWhole());
+    EXPECT_EQ(sizeof(void*) == 8,
+              Value(Numeric::fromString(u"-100000000000000000")).asSmallWhole().has_value());
+    EXPECT_EQ(Value(Numeric::fromString(u"1000000000000000000000")).presentation(),
+              u"1000000000000000000000");
     EXPECT_FALSE(Value(0.5).asSmallWhole());
 }
 
-/// Claims to be a Number, as another module's own number class would.
-class ForeignNumber : public IValueImpl {
+/// Claims to be of a primitive type, as another module's own class would.
+class Foreign : public IValueImpl {
   public:
     using Interfaces = InterfaceList<IValue>;
-    IType* getType() const noexcept override { return Type(Type::number).get(); }
+    explicit Foreign(Type::Code code = Type::number) : code_(code) {}
+    IType* getType() const noexcept override { return Type(code_).get(); }
     const void* getDataPtr() const noexcept override { return &value_; }
     bool getNumeric(Numeric& out) const override {
         out = value_;
@@ -297,6 +325,7 @@ class ForeignNumber : public IValueImpl {
     }
 
   private:
+    Type::Code code_;
     Numeric value_{5};
 };
 
@@ -317,7 +346,7 @@ TEST_F(Values, OrderIsTotalAcrossKinds) {
                                Value(Date(2000, 1, 1)),
                                Value(Type(Type::boolean)),
                                Value(Type(Type::date)),
-                               Value(SCOM_InternalClass<ForeignNumber>::create())};
+                               Value(SCOM_InternalClass<Foreign>::create())};
     const std::size_t count = std::size(ascending);
     for (std::size_t i = 0; i < count; ++i) {
         for (std::size_t j = 0; j < count; ++j) {
@@ -328,8 +357,8 @@ TEST_F(Values, OrderIsTotalAcrossKinds) {
     }
 }
 
-TEST_F(Values, AForeignNumberIsAnObjectThatReadsAsOne) {
-    const Value foreign(SCOM_InternalClass<ForeignNumber>::create());
+TEST_F(Values, AForeignIsAnObjectThatReadsAsOne) {
+    const Value foreign(SCOM_InternalClass<Foreign>::create());
     EXPECT_TRUE(foreign.isObject());
     EXPECT_EQ(foreign.asNumeric(), nullptr);
     EXPECT_EQ(foreign.type(), Type(Type::number));
@@ -337,16 +366,28 @@ TEST_F(Values, AForeignNumberIsAnObjectThatReadsAsOne) {
     Numeric read;
     EXPECT_TRUE(foreign.getNumeric(read));
     EXPECT_EQ(read, Numeric(5));
+    for (const int code : {0, 1, 2, 3, 4, 5, 1000}) {
+        const Value other(SCOM_InternalClass<Foreign>::create(static_cast<Type::Code>(code)));
+        EXPECT_TRUE(other.isObject()) << code;
+        EXPECT_EQ(other.type().code(), code);
+    }
 }
 
 TEST_F(Values, ObjectsAreEqualToThemselvesAloneAndHaveNoReadings) {
-    const Value a(SCOM_InternalClass<ForeignNumber>::create());
-    const Value b(SCOM_InternalClass<ForeignNumber>::create());
+    const Value a(SCOM_InternalClass<Foreign>::create());
+    const Value b(SCOM_InternalClass<Foreign>::create());
     EXPECT_TRUE(a.equals(a) && !a.equals(b));
     EXPECT_EQ(a.hashCode(), Value(a).hashCode());
     bool boolean = true;
     EXPECT_FALSE(a.getBoolean(boolean) || boolean);
     EXPECT_EQ(a.presentation(), u"");
+    Date date(2000, 1, 1);
+    EXPECT_FALSE(a.getDate(date));
+    EXPECT_TRUE(date.isEmpty());
+    Numeric number(7);
+    EXPECT_FALSE(static_cast<Foreign*>(a.object())->IValueImpl::getNumeric(number));
+    EXPECT_EQ(number, Numeric());
+    EXPECT_FALSE(a.equals(nullptr));
 }
 
 } // namespace

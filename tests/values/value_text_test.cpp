@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: the text form of every kind and back; malformed text, unknown tags, types and classes; nothing
 // read twice and nothing left over.
+#include "tests/lists/streams.h"
+
+#include <core/collections/value_array.h>
+#include <core/lists/list_in_stream.h>
+#include <core/lists/list_out_stream.h>
+#include <core/persistence/persistence.h>
 #include <core/runtime.h>
 #include <core/values.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
+
+#include <random>
 
 namespace {
 
@@ -39,12 +47,80 @@ TEST_F(ValueText, ReadsBackEqualForEveryKind) {
          {Value(), Value::null(), Value(false), Value(true), Value(0), Value(-1), Value(std::uint64_t(-1)),
           Value(Numeric::fromString(u"123456789012345678901234567890.000000000000000000000001")), Value(u""),
           Value(u"{},"), Value(odd), Value(Date()), Value(Date(9999, 12, 31, 23, 59, 59)),
-          Value(Type(Type::string)), Value(Type(Type::type))}) {
+          Value(Type(Type::string)), Value(Type(Type::type)), Value(Type())}) {
         const wstring text = textOf(value);
         const GenericValue again = GenericValue::fromString(text);
         EXPECT_TRUE(again.equals(value)) << to_utf8(text).substr(0, 100);
         EXPECT_EQ(textOf(again), text);
         EXPECT_TRUE(GenericValue::fromString(u" \n" + text + u"\t ").equals(value));
+    }
+}
+
+/// A value of any kind, with what its kind finds hard; arrays hold others.
+Value random_value(std::mt19937_64& random, int depth) {
+    const auto bits = random();
+    switch (random() % (depth > 0 ? 12 : 9)) {
+    case 0:
+        return bits % 2 == 0 ? Value() : Value::null();
+    case 1:
+        return bits % 2 == 0;
+    case 2:
+        return static_cast<std::int64_t>(bits) >> random() % 64;
+    case 3: // a fraction of up to 18 digits, and longer ones
+        return Numeric::fromScaled(static_cast<std::int64_t>(bits) >> random() % 64,
+                                   static_cast<std::uint32_t>(random() % 25));
+    case 4:
+        return Numeric(static_cast<std::int64_t>(bits)) * Numeric(bits | 1) * Numeric(random());
+    case 5:
+    case 6: {
+        constexpr wchar kOdd[] = {u'"', u'\\', u'{', u'}', u',', u'\n', 0, 0xD800, 0xDFFF, 0xFFFE, 0xFFFF};
+        wstring text(random() % 30, u'x');
+        for (auto changes = bits % 3; changes > 0 && !text.empty(); --changes)
+            text[random() % text.size()] = kOdd[random() % std::size(kOdd)];
+        return text;
+    }
+    case 7:
+        return Date(bits % (Date::kLimit / kTicksPerSecond) * kTicksPerSecond);
+    case 8:
+        return bits % 8 == 0 ? Type() : Type(static_cast<Type::Code>(bits % 6));
+    default: {
+        std::vector<Value> values;
+        for (auto count = bits % 6; count > 0; --count)
+            values.push_back(random_value(random, depth - 1));
+        return create_value_array(std::move(values)).query<IValue>();
+    }
+    }
+}
+
+void expect_same(const Value& a, const Value& b) {
+    ASSERT_EQ(a.kind(), b.kind());
+    const auto left = a.query<IValueArray>();
+    const auto right = b.query<IValueArray>();
+    if (!left || !right) {
+        ASSERT_TRUE(a.equals(b));
+        return;
+    }
+    ASSERT_EQ(left->values().size(), right->values().size());
+    for (std::size_t i = 0; i < left->values().size(); ++i)
+        expect_same(left->get(i), right->get(i));
+}
+
+TEST_F(ValueText, RandomTreesComeBackOverEveryStream) {
+    std::mt19937_64 random(23);
+    for (int i = 0; i < 400; ++i) {
+        const Value value = random_value(random, 5);
+        const wstring text = textOf(value);
+        std::basic_ostringstream<wchar> plain;
+        ListOutStream out(plain);
+        ListOutStorage written(out);
+        GenericValue(value).serialize(&written);
+        ASSERT_EQ(plain.str(), text);
+        test::on_every_stream(text + u",", [&](wistream& stream) {
+            ListInStream in(stream);
+            ListInStorage storage(in);
+            expect_same(GenericValue::deserialize(&storage), value);
+            EXPECT_TRUE(in.getComma()) << "nothing else is taken";
+        });
     }
 }
 

@@ -5,7 +5,6 @@
 #include <core/context/iteration.h>
 #include <core/persistence/persistence.h>
 #include <core/values/type_object.h>
-#include <core/values/value_impl.h>
 
 #include <array>
 

@@ -3,7 +3,7 @@
 
 #include <core/lists/nesting.h>
 #include <core/runtime/api.h>
-#include <core/streams/unit_source.h>
+#include <core/runtime/types.h>
 
 #include <array>
 #include <cstdint>
@@ -12,41 +12,46 @@
 
 namespace core {
 
-namespace detail {
-class BareToken;
-}
-
 /// Takes brace-list text of any size apart without knowing what it holds: for tools that check, format and
-/// convert. Accepts exactly one element with white space around it. Nothing is thrown for malformed text: the
-/// scanner tells the place and what was expected there.
+/// convert. Accepts exactly one element with white space around it. Malformed text throws nothing: the
+/// scanner tells the position and what was expected there. What the stream's buffer throws passes through.
 ///
-/// Memory does not grow with the text: a long string or token comes in pieces. The stream must outlive the
-/// scanner. One thread at a time.
+/// Memory does not grow with the text: a long string or token comes in pieces. One thread at a time.
 class CORE_API ListScanner {
   public:
-    enum class Token : std::uint8_t { beginOfList, endOfList, string, bare, endOfText, error };
+    /// What next() finds.
+    enum class Token : std::uint8_t {
+        beginOfList, ///< "{"
+        endOfList,   ///< "}"
+        string,      ///< a string in quotes, or a piece of it
+        bare,        ///< a number, a date or an id, or a piece of it
+        endOfText,   ///< the element is complete, and nothing follows
+        error,       ///< the text is malformed; see expected()
+    };
+    /// What malformed text misses.
     enum class Expected : std::uint8_t {
-        element,
-        separator,
-        endOfText,
-        quote,
-        hexDigit,
-        bareToken,
-        lessDepth
+        element,   ///< a list, a string or a bare token
+        separator, ///< "," or "}"
+        endOfText, ///< the end of the text
+        quote,     ///< the quote that ends a string
+        hexDigit,  ///< a hexadecimal digit of an escape
+        bareToken, ///< the rest of a number, a date or an id
+        lessDepth, ///< fewer lists inside each other
     };
 
-    /// A position in the text; lines end with line feeds, line and column count from
-    /// 1. All count UTF-16 units.
+    /// A position in the text, in UTF-16 units.
     struct Place {
-        std::uint64_t offset = 0;
-        std::uint64_t line = 1;
-        std::uint64_t column = 1;
+        std::uint64_t offset = 0; ///< units before it
+        std::uint64_t line = 1;   ///< from 1; lines end with line feeds
+        std::uint64_t column = 1; ///< from 1
     };
 
-    /// Lists inside lists; no value that can be written has as many.
+    /// How many lists may stand inside each other. No value that can be written has as many.
     static constexpr std::uint32_t kMaxDepth = 4 * Nesting::kMaxDepth;
+    /// How many units of a string or bare token come at a time.
     static constexpr std::size_t kPieceUnits = 4096;
 
+    /// Reads from `in`, which must outlive the scanner.
     explicit ListScanner(wistream& in);
     ListScanner(const ListScanner&) = delete;
     ListScanner& operator=(const ListScanner&) = delete;
@@ -56,23 +61,26 @@ class CORE_API ListScanner {
     /// of its text. After endOfText or error nothing else comes.
     Token next();
 
+    /// Returns what next() has returned.
     [[nodiscard]] Token token() const noexcept { return token_; }
-    /// The characters of a string, quotes and escapes resolved, or of a bare token; valid until next().
+    /// Returns the units of a string, with quotes and escapes resolved, or of a bare token; borrowed until
+    /// next().
     [[nodiscard]] wstring_view text() const noexcept { return {piece_.data(), size_}; }
-    /// Whether text() ends the string or bare token.
+    /// Returns whether text() ends the string or bare token.
     [[nodiscard]] bool isWhole() const noexcept {
         return phase_ != Phase::inString && phase_ != Phase::inBare;
     }
-    /// Where the token begins; of an error, the first unit that does not fit.
+    /// Returns where the token begins; for an error, where the first unit stands that does not fit.
     [[nodiscard]] const Place& place() const noexcept { return place_; }
-    /// How many lists stand around what comes next.
+    /// Returns how many lists stand around what comes next.
     [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
-    /// What an error missed.
+    /// Returns what an error missed.
     [[nodiscard]] Expected expected() const noexcept { return expected_; }
-    /// The same as a text in the user's language; says nothing of the place.
+    /// Returns what an error missed as a text in the user's language, without the position.
     [[nodiscard]] wstring message() const;
 
   private:
+    struct Input;
     enum class Phase : std::uint8_t { element, first, afterElement, inString, inBare, ended };
 
     Token set(Token token, Phase phase) noexcept;
@@ -88,7 +96,7 @@ class CORE_API ListScanner {
     void consumed(wstring_view units) noexcept;
     [[nodiscard]] Place here() const noexcept { return {offset_, line_, offset_ - lineStart_ + 1}; }
 
-    UnitSource source_;
+    std::unique_ptr<Input> input_;
     std::uint64_t offset_ = 0;
     std::uint64_t line_ = 1;
     std::uint64_t lineStart_ = 0;
@@ -97,7 +105,6 @@ class CORE_API ListScanner {
     Phase phase_ = Phase::element;
     Expected expected_ = Expected::element;
     Place place_;
-    std::unique_ptr<detail::BareToken> bare_;
     std::size_t size_ = 0;
     std::array<wchar, kPieceUnits> piece_;
 };

@@ -11,11 +11,14 @@ namespace core {
 /// written can be read, and neither can be made to overflow the stack.
 class Nesting {
   public:
+    /// How many values may stand inside each other.
     static constexpr std::int32_t kMaxDepth = 1000;
 
-    /// One level down while it lives. ListStreamException when that is one too many.
+    /// One level of nesting, as long as it lives.
     class Level {
       public:
+        /// Goes one level down. Throws ListStreamException ("IDS_NESTING_TOO_DEEP") when that is one too
+        /// many. `nesting` must outlive the level.
         explicit Level(Nesting& nesting) : nesting_(nesting) {
             if (nesting.depth_ >= kMaxDepth)
                 fail();
@@ -23,6 +26,7 @@ class Nesting {
         }
         Level(const Level&) = delete;
         Level& operator=(const Level&) = delete;
+        /// Goes one level up.
         ~Level() { --nesting_.depth_; }
 
       private:

@@ -6,7 +6,6 @@
 #include <core/runtime/class_entry.h>
 #include <core/runtime/unknown.h>
 #include <core/values/type_object.h>
-#include <core/values/value_impl.h>
 
 #include <optional>
 #include <span>

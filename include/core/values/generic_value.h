@@ -8,8 +8,8 @@ namespace core {
 class IInPersistenceStorage;
 class IOutPersistenceStorage;
 
-/// Writes a value as a list: its type tag, then its payload. ListStreamException when values stand in values
-/// deeper than Nesting allows, ContextException for an object that cannot be written.
+/// Writes a value as a list: its type tag, then its payload. Throws ListStreamException when values stand in
+/// values deeper than Nesting allows, and ContextException for an object that cannot be written.
 CORE_API void serialize_value(IOutPersistenceStorage* storage, const Value& value);
 
 /// The holder used across the library's interfaces: property values, parameters and results, cells of
@@ -17,17 +17,24 @@ CORE_API void serialize_value(IOutPersistenceStorage* storage, const Value& valu
 class CORE_API GenericValue : public Value {
   public:
     using Value::Value;
+    /// Holds Undefined.
     GenericValue() = default;
+    /// Holds what `value` holds.
     GenericValue(const Value& value) noexcept : Value(value) {}
+    /// Takes what `value` holds and leaves Undefined there.
     GenericValue(Value&& value) noexcept : Value(std::move(value)) {}
 
-    // modify: builds the value of the matching kind
+    // modify
+
+    /// Holds the value that `Value(value)` makes. Throws what that throws; the old value then stays.
     template <class T>
     requires std::constructible_from<Value, const T&>
     void assign(const T& value) { *this = GenericValue(Value(value)); }
 
-    // compare: equal to the value that assign() would build
+    // compare
+
     using Value::equals;
+    /// Returns whether the value equals the one that assign() would hold.
     template <class T>
     requires(std::constructible_from<Value, const T&> && !std::derived_from<T, Value> &&
              !std::convertible_to<const T&, const IValue*>) [[nodiscard]] bool equals(const T& value) const {
@@ -35,14 +42,16 @@ class CORE_API GenericValue : public Value {
     }
 
     // write and read
+
+    /// Writes the value as serialize_value() does.
     void serialize(IOutPersistenceStorage* storage) const { serialize_value(storage, *this); }
-    /// Reads what serialize() wrote. ListStreamException for malformed text, TypeException for an object
-    /// whose class is not registered.
+    /// Reads what serialize() wrote. Throws ListStreamException for malformed text, and TypeException for a
+    /// type or an object whose class is not registered.
     [[nodiscard]] static GenericValue deserialize(IInPersistenceStorage* storage);
 
-    /// The text form of the whole value, and back; failures as above. Only white space
-    /// may follow what is read.
+    /// Sets `text` to the text form of the whole value. Throws as serialize(); `text` is then unchanged.
     void toString(wstring& text) const;
+    /// Reads the text form of a value. Throws as deserialize(), and when more than white space follows.
     [[nodiscard]] static GenericValue fromString(wstring_view text);
 };
 

@@ -9,18 +9,19 @@
 namespace core {
 
 /// Finds types by id and by name: the primitive ones, and those of every class that the modules of the
-/// process declare. A service; threads: all operations are safe.
+/// process declare. A service. Any thread may call it.
 class ITypeValueService : public IUnknown {
   public:
+    /// The interface's id.
     static constexpr GUID IID = "c9c8dcc3-479f-448b-99db-ddecab1b483c"_guid;
 
-    /// The type object, borrowed, or null.
+    /// Returns the type object with a type id, borrowed as long as the library lives; null if there is none.
     [[nodiscard]] virtual IType* findType(const GUID& id) = 0;
-    /// By its name in either language, in any case.
+    /// Returns the type object with a name in either language, in any case; null if there is none.
     [[nodiscard]] virtual IType* findType(wstring_view name) = 0;
-    /// The type whose objects have this class id.
+    /// Returns the type object of the objects that have a class id; null if there is none.
     [[nodiscard]] virtual IType* findTypeOfClass(const GUID& clsid) = 0;
-    /// All types, primitive ones first, the others by English name.
+    /// Returns all type objects, primitive ones first, the others by English name.
     [[nodiscard]] virtual std::vector<IType*> types() = 0;
 
   protected:

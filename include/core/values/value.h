@@ -12,21 +12,37 @@
 namespace core {
 
 /// What a value is, where the difference matters to code.
-enum class ValueKind : std::uint8_t { undefined, null, boolean, number, string, date, type, object };
+enum class ValueKind : std::uint8_t {
+    undefined, ///< Undefined
+    null,      ///< Null
+    boolean,   ///< a Boolean
+    number,    ///< a Number
+    string,    ///< a String
+    date,      ///< a Date
+    type,      ///< a type as a value
+    object     ///< every other object, other modules' primitive values among them
+};
 
-/// The payload of a Number, to be used as a pointer to it would be: null when there is none. Either borrowed
-/// from the Number's object or made for the occasion, so it is not to be kept longer than the value.
+/// The payload of a Number, used as a pointer to it would be. It is borrowed from the Number's object or made
+/// for the occasion, so it is valid as long as both the value and the reference live.
 class NumericRef {
   public:
+    /// Refers to no number.
     NumericRef() noexcept = default;
+    /// Refers to `number`, which must outlive the reference.
     explicit NumericRef(const Numeric& number) noexcept : number_(&number) {}
+    /// Makes a number and refers to it.
     explicit NumericRef(std::int64_t whole) noexcept : number_(&made_.emplace(whole)) {}
     NumericRef(const NumericRef&) = delete;
     NumericRef& operator=(const NumericRef&) = delete;
 
+    /// Returns the number, which must be there.
     const Numeric& operator*() const noexcept { return *number_; }
+    /// Returns the number's address, or null.
     const Numeric* operator->() const noexcept { return number_; }
+    /// Returns whether there is a number.
     explicit operator bool() const noexcept { return number_ != nullptr; }
+    /// Returns whether there is no number.
     friend bool operator==(const NumericRef& ref, std::nullptr_t) noexcept { return ref.number_ == nullptr; }
 
   private:
@@ -42,109 +58,145 @@ class NumericRef {
 /// moves do not and leave Undefined.
 class CORE_API Value {
   public:
+    /// Holds Undefined.
     Value() = default;
+    /// Holds a Boolean.
     template <std::same_as<bool> T>
     Value(T value) noexcept : bits_(tag(ValueKind::boolean) | (value ? kTrueBit : 0)) {}
+    /// Holds a Number. Throws std::bad_alloc for one that does not fit the word.
     template <NumericInteger T>
     Value(T value) : bits_(make(value)) {}
-    /// NumericException (overflow) for infinities and NaN.
+    /// Holds the shortest decimal that reads back to `value`. Throws NumericException for infinities and NaN.
     Value(double value);
-    Value(wchar) = delete; // a character is not a number
+    /// Refuses a character, which is not a number.
+    Value(wchar) = delete;
+    /// Holds a copy of a number.
     Value(const Numeric& value) : Value(Numeric(value)) {}
+    /// Holds a number, which is moved from.
     Value(Numeric&& value);
+    /// Holds a String with a copy of `text`.
     Value(wstring_view text);
+    /// Holds a String with a copy of `text`.
     Value(const wstring& text) : Value(wstring_view(text)) {}
-    /// Zero-terminated; null gives the empty string.
+    /// Holds a String with a copy of the units before the null unit. Null gives the empty string.
     Value(const wchar* text) : Value(text != nullptr ? wstring_view(text) : wstring_view()) {}
+    /// Holds a Date.
     Value(Date value);
+    /// Holds a type, or none, as a value.
     Value(const Type& type);
-    /// Takes a reference of its own.
+    /// Holds an object, of which it takes a reference of its own; null gives Undefined.
     Value(IValue* value);
+    /// Holds an object, as above.
     template <std::derived_from<IValue> T>
     Value(const InterfacePtr<T>& value) : Value(static_cast<IValue*>(value.get())) {}
+    /// Holds Undefined.
     Value(std::nullptr_t) noexcept {}
 
+    /// Holds what `other` holds.
     Value(const Value& other) noexcept : bits_(other.bits_) { acquire(); }
+    /// Takes what `other` holds and leaves Undefined there.
     Value(Value&& other) noexcept : bits_(std::exchange(other.bits_, 0)) {}
+    /// Lets go of the object that it holds.
     ~Value() { release(); }
+    /// Holds what `other` holds; the old object is let go of last.
     Value& operator=(const Value& other) noexcept {
         other.acquire(); // before release: both may be one object's
         release();
         bits_ = other.bits_;
         return *this;
     }
+    /// Takes what `other` holds and leaves Undefined there.
     Value& operator=(Value&& other) noexcept {
         Value taken(std::move(other));
         std::swap(bits_, taken.bits_);
         return *this;
     }
 
+    /// Returns Null.
     [[nodiscard]] static Value null() noexcept { return Value(Bits{tag(ValueKind::null)}); }
 
     // modify
-    /// Holds `value`, or Undefined for null. Takes the new reference before it releases the old one.
+
+    /// Holds `value`, or Undefined for null. It takes the new reference before it releases the old one.
     void setIValue(IValue* value) { *this = Value(value); }
+    /// Exchanges what two values hold.
     friend void swap(Value& a, Value& b) noexcept { std::swap(a.bits_, b.bits_); }
 
     // inspect
+
+    /// Returns the kind of the value.
     [[nodiscard]] ValueKind kind() const noexcept { return static_cast<ValueKind>(bits_ & kTagMask); }
+    /// Returns whether the value is Undefined.
     [[nodiscard]] bool isUndefined() const noexcept { return bits_ == 0; }
+    /// Returns whether the value is an object that is no primitive value of the library.
     [[nodiscard]] bool isObject() const noexcept { return kind() == ValueKind::object; }
-    /// The payload when the value is of that kind, else null. Borrowed from the value.
+    /// Returns the number of a Number, else null; borrowed as long as the value and the result live.
     [[nodiscard]] NumericRef asNumeric() const noexcept {
         if (inWord())
             return NumericRef(whole());
         return kind() == ValueKind::number ? NumericRef(number()->payload()) : NumericRef();
     }
-    /// The number that the word itself holds, the quickest way to one. Empty for other values, among them
-    /// Numbers that were given as objects.
+    /// Returns the number that the word itself holds, the quickest way to one. Empty for other values,
+    /// Numbers that were given as objects among them.
     [[nodiscard]] std::optional<std::int64_t> asSmallWhole() const noexcept {
         return inWord() ? std::optional(whole()) : std::nullopt;
     }
+    /// Returns the date of a Date, else null; borrowed as long as the value lives.
     [[nodiscard]] const Date* asDate() const noexcept {
         return kind() == ValueKind::date ? &as<DateValue>()->payload() : nullptr;
     }
+    /// Returns the type of a Type, else null; borrowed as long as the value lives.
     [[nodiscard]] const Type* asType() const noexcept {
         return kind() == ValueKind::type ? &as<TypeValue>()->payload() : nullptr;
     }
+    /// Returns the text of a String, else null; borrowed as long as the value lives.
     [[nodiscard]] const wstring_view* asString() const noexcept {
         return kind() == ValueKind::string ? static_cast<const wstring_view*>(string()->getDataPtr())
                                            : nullptr;
     }
+    /// Returns whether the value is the Boolean true.
     [[nodiscard]] bool isTrue() const noexcept { return bits_ == (tag(ValueKind::boolean) | kTrueBit); }
+    /// Returns whether the value is the Boolean false.
     [[nodiscard]] bool isFalse() const noexcept { return bits_ == tag(ValueKind::boolean); }
-    /// The interface `T` of an object value with a reference; null for primitive values
-    /// and for objects without it.
+    /// Returns the interface `T` of an object with a reference; null for primitive values and for objects
+    /// without it.
     template <Interface T>
     [[nodiscard]] InterfacePtr<T> query() const noexcept {
         return isObject() ? InterfacePtr<T>(object()) : InterfacePtr<T>();
     }
-    /// The value as an object, never null.
+    /// Returns the value as an object with a reference, never null. Throws std::bad_alloc.
     [[nodiscard]] InterfacePtr<IValue> getIValue() const {
         return inWord() ? makeObject() : InterfacePtr<IValue>(object());
     }
-    /// The object behind the value, borrowed; null for a Number without one.
+    /// Returns the object behind the value, borrowed as long as the value lives; null for a Number without
+    /// one.
     [[nodiscard]] IValue* object() const noexcept;
+    /// Returns the type of the value.
     [[nodiscard]] Type type() const noexcept;
 
-    // read: true when the value has such a reading, see IValue
+    // read
+
+    /// Sets the Boolean reading and returns true; sets false and returns false when the value has none.
     bool getBoolean(bool& out) const {
         if (!inWord())
             return object()->getBoolean(out);
         out = whole() != 0;
         return true;
     }
+    /// Sets the numeric reading and returns true; sets zero and returns false when the value has none.
     bool getNumeric(Numeric& out) const {
         if (!inWord())
             return object()->getNumeric(out);
         out = whole();
         return true;
     }
+    /// Sets the presentation, which may be empty, and returns true.
     bool getString(wstring& out) const {
         return inWord() ? makeObject()->getString(out) : object()->getString(out);
     }
+    /// Sets the date reading and returns true; sets the empty date and returns false when the value has none.
     bool getDate(Date& out) const { return inWord() ? makeObject()->getDate(out) : object()->getDate(out); }
-    /// The string reading.
+    /// Returns the presentation, which may be empty.
     [[nodiscard]] wstring presentation() const {
         wstring text;
         getString(text);
@@ -152,9 +204,14 @@ class CORE_API Value {
     }
 
     // compare
+
+    /// Returns a hash; equal values have equal ones.
     [[nodiscard]] std::int32_t hashCode() const noexcept;
+    /// Returns whether the values are equal. Values of different types never are.
     [[nodiscard]] bool equals(const Value& other) const noexcept;
+    /// Returns whether the value equals an object; null equals nothing.
     [[nodiscard]] bool equals(const IValue* other) const noexcept;
+    /// Returns whether the values are equal.
     friend bool operator==(const Value& a, const Value& b) noexcept { return a.equals(b); }
 
   private:
@@ -215,19 +272,23 @@ class CORE_API Value {
     std::uintptr_t bits_ = 0;
 };
 
-/// Key functors of tables keyed by values: the value's own hash and equality.
+/// The hash of tables keyed by values.
 struct GenericValueHash {
+    /// Returns the value's own hash.
     std::size_t operator()(const Value& value) const noexcept {
         return static_cast<std::size_t>(static_cast<std::uint32_t>(value.hashCode()));
     }
 };
+/// The equality of tables keyed by values.
 struct GenericValueCompare {
+    /// Returns whether the values are equal.
     bool operator()(const Value& a, const Value& b) const noexcept { return a.equals(b); }
 };
 
-/// The order of values: negative, 0, positive. Kinds first (Undefined, Null, Boolean, Number, String, Date,
-/// Type, objects), then within a kind: false before true, numbers and dates by size, strings by the collation
-/// of the process's locale with ties by code units, types and objects by presentation.
+/// Compares two values and returns a negative number, 0 or a positive number. Kinds come first (Undefined,
+/// Null, Boolean, Number, String, Date, Type, objects), then within a kind: false before true, numbers and
+/// dates by size, strings by the collation of the process's locale with ties by code units, types and objects
+/// by presentation.
 [[nodiscard]] CORE_API int compare_values(const Value& a, const Value& b);
 
 } // namespace core

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/program.h"
+
+#include "host/commands/commands.h"
+#include "host/terminal/console_chooser.h"
+#include "host/terminal/terminal_text.h"
+
+#include <core/files/errors.h>
+#include <core/runtime/live_counter.h>
+#include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
+#include <core/streams/errors.h>
+#include <host/host_process.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <exception>
+#include <ostream>
+
+namespace host {
+namespace {
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done, 1 the answer is no, 2 usage, 3 malformed input or a script error, "
+    "4 input or output failed, 70 internal fault.";
+
+/// Runs the action in a process of its own, and tells what stopped it.
+ExitCode carry_out(const Action& action, Console& console) {
+    core::Settings settings;
+    settings.locale = core::Locale(console.language == Language::russian ? "ru" : "en");
+    ExitCode code = ExitCode::internal;
+    try {
+        HostProcess process(settings);
+        if (console.terminal)
+            process.offerService(core::IChooser::IID, create_console_chooser(console).get());
+        code = action();
+    } catch (const core::FileException& e) {
+        return fail(console, e.description(), ExitCode::io);
+    } catch (const core::FileStreamException& e) {
+        return fail(console, e.description(), ExitCode::io);
+    } catch (const core::StorageException& e) {
+        const bool failed = e.kind() == core::StorageException::Kind::none; // in use, read only, full
+        return fail(console, e.description(), failed ? ExitCode::io : ExitCode::malformed);
+    } catch (const core::Exception& e) {
+        return fail(console, e.description(), ExitCode::malformed);
+    }
+    if (!console.out.flush())
+        return fail(console, core::message_text("IDS_HOST_OUTPUT_FAILED"), ExitCode::io);
+    return code;
+}
+
+/// What is still alive when everything should be gone.
+void report_leaks(std::ostream& out) {
+    for (const core::LiveClass& left : core::live_report())
+        out << "corehost: leak: " << left.name << ' ' << left.count << '\n';
+}
+
+Language language_of(const std::string& name) {
+    if (name == "en")
+        return Language::english;
+    if (name == "ru")
+        return Language::russian;
+    throw CLI::ValidationError("--lang", "the languages are en and ru");
+}
+
+ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
+    CLI::App app("Runs scripts on the core library, and looks into its data.", "corehost");
+    app.set_version_flag("--version", "corehost " CORE_VERSION);
+    app.footer(kExitCodes);
+    app.require_subcommand(1);
+    app.fallthrough(); // these options may stand behind the command, too
+    bool leaks = false;
+    app.add_flag("--json", console.json, "Write data as JSON, for programs");
+    app.add_flag("--leaks", leaks, "At the end, report objects that are still alive: class and count");
+    app.add_option_function<std::string>(
+           "--lang", [&console](const std::string& name) { console.language = language_of(name); },
+           "Language of messages, formats and sorting; default: the environment's")
+        ->type_name("en|ru");
+    Action action;
+    add_container_command(app, console, action);
+    add_describe_command(app, console, action);
+    add_list_command(app, console, action);
+    add_repl_command(app, console, action);
+    add_run_command(app, console, action);
+    try {
+        std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 wants
+        app.parse(std::move(arguments));
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e, console.out, console.err) == 0 ? ExitCode::done : ExitCode::usage;
+    }
+    const ExitCode code = carry_out(action, console);
+    if (leaks)
+        report_leaks(console.err);
+    return code;
+}
+
+} // namespace
+
+ExitCode fail(Console& console, const core::wstring& message, ExitCode code) {
+    console.err << "corehost: " << terminal_text(message) << '\n';
+    return code;
+}
+
+ExitCode run_program(std::vector<std::string> arguments, Console& console) {
+    try {
+        return parse_and_run(std::move(arguments), console);
+    } catch (const std::exception& e) {
+        return fail(console, core::from_utf8(e.what()), ExitCode::internal);
+    }
+}
+
+} // namespace host

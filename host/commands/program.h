@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/commands/exit_code.h"
+#include "host/terminal/console.h"
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// corehost as a function: runs the command that `arguments` (without the program's name) ask for. Throws
+/// nothing; every failure is a message on `console.err` and an exit code.
+[[nodiscard]] ExitCode run_program(std::vector<std::string> arguments, Console& console);
+
+} // namespace host

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/language/source.h"
+
+#include <cstdint>
+#include <memory>
+#include <variant>
+#include <vector>
+
+/// A script as a tree. Its depth is bounded by the parser, and what a script can make long without
+/// nesting (a sum of many terms, a chain of calls, many ElsIf) is a list in one node, so walking
+/// the tree by recursion is safe.
+namespace host::script {
+
+struct Expression;
+using ExpressionPtr = std::unique_ptr<Expression>;
+/// An argument that was left out is null.
+using Arguments = std::vector<ExpressionPtr>;
+
+enum class Operator : std::uint8_t {
+    add,
+    subtract,
+    multiply,
+    divide,
+    modulo,
+    equal,
+    notEqual,
+    less,
+    lessEqual,
+    greater,
+    greaterEqual,
+    logicalAnd,
+    logicalOr,
+};
+
+/// A literal, kept in the program's list so that its value is made once.
+struct Constant {
+    enum class Kind : std::uint8_t { undefined, null, falseValue, trueValue, number, string, date };
+    Kind kind = Kind::undefined;
+    core::wstring text; ///< the digits of a number or a date, the characters of a string
+    Span span;
+};
+
+struct Literal {
+    std::size_t constant; ///< index in Program::constants
+};
+struct Variable {
+    std::size_t slot; ///< index in Variables
+};
+/// A function of the host: Print(x)
+struct Call {
+    core::wstring name;
+    Arguments arguments;
+};
+/// New Name(x)
+struct Creation {
+    core::wstring type;
+    Arguments arguments;
+};
+struct Negation {
+    bool logical = false; ///< Not x, otherwise -x
+    ExpressionPtr operand;
+};
+/// Operations of one precedence, carried out from left to right.
+struct Operation {
+    Operator sign;
+    Span span; ///< of the sign
+    ExpressionPtr operand;
+};
+struct Operations {
+    ExpressionPtr first;
+    std::vector<Operation> rest;
+};
+/// What follows an object: .Name, .Name(x), [x]
+struct Link {
+    enum class Kind : std::uint8_t { property, method, element };
+    Kind kind = Kind::property;
+    Span span; ///< of the name, or of the bracket
+    core::wstring name;
+    Arguments arguments; ///< of a method; the index of an element
+};
+struct Access {
+    ExpressionPtr object;
+    std::vector<Link> links;
+};
+
+struct Expression {
+    Span span;
+    std::variant<Literal, Variable, Call, Creation, Negation, Operations, Access> node;
+};
+
+/// The expression ends in a call, so that it may stand alone.
+[[nodiscard]] inline bool is_call(const Expression& expression) {
+    if (const auto* const access = std::get_if<Access>(&expression.node))
+        return access->links.back().kind == Link::Kind::method;
+    return std::holds_alternative<Call>(expression.node);
+}
+
+/// The expression is a variable, a property or an element.
+[[nodiscard]] inline bool is_assignable(const Expression& expression) {
+    if (const auto* const access = std::get_if<Access>(&expression.node))
+        return access->links.back().kind != Link::Kind::method;
+    return std::holds_alternative<Variable>(expression.node);
+}
+
+struct Statement;
+using Block = std::vector<Statement>;
+
+struct Assignment {
+    ExpressionPtr target; ///< a Variable, or an Access that ends in a property or an element
+    ExpressionPtr value;
+};
+/// A call; in a console any expression, whose value is shown.
+struct Evaluation {
+    ExpressionPtr expression;
+};
+struct Branch {
+    ExpressionPtr condition;
+    Block body;
+};
+struct If {
+    std::vector<Branch> branches;
+    Block otherwise;
+};
+struct ForEach {
+    std::size_t slot;
+    ExpressionPtr collection;
+    Block body;
+};
+struct ForRange {
+    std::size_t slot;
+    ExpressionPtr first;
+    ExpressionPtr last; ///< still included
+    Block body;
+};
+struct While {
+    ExpressionPtr condition;
+    Block body;
+};
+struct Break {};
+struct Continue {};
+
+struct Statement {
+    Span span;
+    std::variant<Assignment, Evaluation, If, ForEach, ForRange, While, Break, Continue> node;
+};
+
+struct Program {
+    std::shared_ptr<const Source> source;
+    Block body;
+    std::vector<Constant> constants;
+};
+
+} // namespace host::script

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/language/source.h"
+
+namespace host::script {
+
+enum class TokenKind : std::uint8_t {
+    end,
+    name,
+    number,
+    string,
+    date,
+    // signs
+    open,         // (
+    close,        // )
+    openBracket,  // [
+    closeBracket, // ]
+    comma,
+    dot,
+    semicolon,
+    plus,
+    minus,
+    times,
+    divide,
+    modulo,
+    equal,
+    notEqual,
+    less,
+    lessEqual,
+    greater,
+    greaterEqual,
+    // keywords
+    keyIf,
+    keyThen,
+    keyElsIf,
+    keyElse,
+    keyEndIf,
+    keyFor,
+    keyEach,
+    keyIn,
+    keyTo,
+    keyWhile,
+    keyDo,
+    keyEndDo,
+    keyBreak,
+    keyContinue,
+    keyAnd,
+    keyOr,
+    keyNot,
+    keyNew,
+    keyTrue,
+    keyFalse,
+    keyUndefined,
+    keyNull,
+};
+
+struct Token {
+    TokenKind kind = TokenKind::end;
+    Span span;
+};
+
+/// The keyword that a word is, in either language and without regard to case; `name` when it is none.
+[[nodiscard]] TokenKind keyword(core::wstring_view word);
+/// What a sign or a keyword is written as, a keyword in both languages: "Then/Тогда". Empty for other kinds.
+[[nodiscard]] core::wstring spelling(TokenKind kind);
+/// A keyword in the language of `alias`: core::kEnglish or core::kRussian.
+[[nodiscard]] core::wstring_view keyword_name(TokenKind kind, int alias);
+[[nodiscard]] constexpr bool is_keyword(TokenKind kind) noexcept {
+    return kind >= TokenKind::keyIf;
+}
+
+} // namespace host::script

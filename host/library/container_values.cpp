@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/library/container_values.h"
+
+#include "host/containers/container_store.h"
+
+#include <core/runtime/utf8.h>
+#include <core/streams/text_file.h>
+
+namespace host::script {
+
+using namespace core;
+
+void save_to_container(wstring_view file, wstring_view name, const GenericValue& value) {
+    wstring text; // made before anything is touched
+    value.toString(text);
+    StorageRW storage = open_container(to_utf8(file), false, OpenMode::create);
+    const auto inner = storage.open(name, OpenMode::replace);
+    TextOutStream out(inner);
+    put_text(out, text);
+    out.finish();
+    inner->close();
+}
+
+GenericValue load_from_container(wstring_view file, wstring_view name) {
+    StorageRW storage = open_container(to_utf8(file), false, OpenMode::read);
+    TextInStream in(storage.open(name, OpenMode::read));
+    return GenericValue::fromString(read_text(in));
+}
+
+} // namespace host::script

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/library/functions.h"
+
+#include "host/exchange/json/json_value.h"
+#include "host/library/arguments.h"
+#include "host/library/container_values.h"
+#include "host/library/print.h"
+#include "host/library/table_functions.h"
+#include "host/terminal/text_output.h"
+
+#include <core/context/arguments.h>
+#include <core/context/context_def_ext.h>
+#include <core/context/context_impl.h>
+#include <core/context/errors.h>
+#include <core/context/group_context.h>
+#include <core/files/disk_file.h>
+#include <core/files/file_system.h>
+#include <core/objects/core_general_context.h>
+#include <core/objects/enumeration.h>
+#include <core/runtime/clock.h>
+#include <core/runtime/process.h>
+#include <core/runtime/utf8.h>
+#include <core/streams/text_file.h>
+#include <core/strings/letter_case.h>
+#include <core/strings/like.h>
+#include <core/strings/trim.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace host::script {
+
+using namespace core;
+
+namespace {
+
+constexpr Param kPrint[] = {{.byDefault = ParamDefault::emptyString}};
+constexpr Param kFromJson[] = {{}, {.byDefault = ParamDefault::falseValue}};
+constexpr Param kTextAndOptional[] = {{}, kOptional};
+constexpr Param kMid[] = {{}, {}, kOptional};
+
+class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
+                      public ContextDefExtImpl<HostFunctions> {
+  public:
+    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt>;
+
+    explicit HostFunctions(Console& console) : console_(console), start_(std::chrono::steady_clock::now()) {}
+
+    static std::span<const Property<HostFunctions>> properties() noexcept { return {}; }
+    static std::span<const Method<HostFunctions>> methods() noexcept;
+
+    // output and forms
+    GenericValue print(Args a) {
+        print_value(a[0], console_);
+        return {};
+    }
+    GenericValue fromText(Args a) { return GenericValue::fromString(text_argument(a, 0)); }
+    GenericValue toText(Args a) {
+        wstring text;
+        a[0].toString(text);
+        return GenericValue(text);
+    }
+    GenericValue fromJson(Args a) {
+        if (given(a[1]) && a[1].kind() != ValueKind::boolean)
+            parameter_type_mismatch(1);
+        return from_json(to_utf8(text_argument(a, 0)), a[1].isTrue() ? Objects::maps : Objects::structures);
+    }
+    GenericValue toJson(Args a) {
+        const std::size_t indent = given(a[1]) ? count_argument(a, 1, 16) : 0;
+        return GenericValue(from_utf8(to_json(a[0], static_cast<int>(indent))));
+    }
+    GenericValue loadText(Args a) {
+        const wstring url = file_url(to_utf8(text_argument(a, 0)));
+        return GenericValue(load_text(*get_service<IFileSystem>(), url));
+    }
+    GenericValue saveText(Args a) {
+        const wstring_view text = text_argument(a, 1);
+        write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { put_text(out, text); });
+        return {};
+    }
+
+    GenericValue saveToContainer(Args a) {
+        save_to_container(text_argument(a, 0), text_argument(a, 1), a[2]);
+        return {};
+    }
+    GenericValue loadFromContainer(Args a) {
+        return load_from_container(text_argument(a, 0), text_argument(a, 1));
+    }
+
+    // dates and time
+    GenericValue currentDate(Args) { return GenericValue(Date::getCurrentDate()); }
+    GenericValue elapsed(Args) {
+        const auto time =
+            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start_);
+        return GenericValue(Numeric(time.count()) / Numeric(1000));
+    }
+
+    // texts
+    GenericValue length(Args a) { return GenericValue(text_argument(a, 0).size()); }
+    GenericValue left(Args a) {
+        const wstring_view text = text_argument(a, 0);
+        return GenericValue(text.substr(0, count_argument(a, 1, text.size())));
+    }
+    GenericValue mid(Args a) { // positions count from 1
+        const wstring_view text = text_argument(a, 0);
+        const std::size_t begin = std::max<std::size_t>(count_argument(a, 1, text.size() + 1), 1) - 1;
+        return GenericValue(
+            text.substr(begin, given(a[2]) ? count_argument(a, 2, text.size()) : wstring_view::npos));
+    }
+    GenericValue upper(Args a) { return GenericValue(to_upper(text_argument(a, 0))); }
+    GenericValue lower(Args a) { return GenericValue(to_lower(text_argument(a, 0))); }
+    GenericValue like(Args a) { return GenericValue(compare_like(text_argument(a, 0), text_argument(a, 1))); }
+    GenericValue trim(Args a) { return GenericValue(trim_all(text_argument(a, 0))); }
+    /// The presentation, filled with blanks to a width; a negative width fills in front.
+    GenericValue pad(Args a) {
+        constexpr std::size_t kMaxWidth = 10'000;
+        wstring text = a[0].presentation();
+        Numeric width = number_argument(a, 1);
+        const bool inFront = width.sign() < 0;
+        width = width.abs();
+        if (width.compare(Numeric(kMaxWidth)) > 0)
+            parameter_value_mismatch(1);
+        const auto wanted = static_cast<std::size_t>(width);
+        if (text.size() < wanted)
+            text.insert(inFront ? 0 : text.size(), wanted - text.size(), u' ');
+        return GenericValue(text);
+    }
+
+    // conversions
+    GenericValue string(Args a) { return GenericValue(a[0].presentation()); }
+    GenericValue number(Args a) { return GenericValue(number_argument(a, 0)); }
+    GenericValue date(Args a) {
+        Date date;
+        if (!a[0].getDate(date))
+            parameter_type_mismatch(0);
+        return GenericValue(date);
+    }
+    GenericValue round(Args a) {
+        const Numeric digits = given(a[1]) ? number_argument(a, 1) : Numeric();
+        if (digits.abs().compare(Numeric(1000)) > 0)
+            parameter_value_mismatch(1);
+        return GenericValue(number_argument(a, 0).round(static_cast<std::int32_t>(digits)));
+    }
+    GenericValue typeOf(Args a) { return GenericValue(a[0].type()); }
+    GenericValue type(Args a) { return GenericValue(Type(text_argument(a, 0))); }
+
+  private:
+    Console& console_;
+    std::chrono::steady_clock::time_point start_;
+};
+
+constexpr Term kPrintTerm = {u"Print", u"Сообщить"};
+constexpr Term kFromTextTerm = {u"FromText", u"ИзТекста"};
+constexpr Term kToTextTerm = {u"ToText", u"ВТекст"};
+constexpr Term kFromJsonTerm = {u"FromJson", u"ИзJson"};
+constexpr Term kToJsonTerm = {u"ToJson", u"ВJson"};
+constexpr Term kLoadTextTerm = {u"LoadText", u"ЗагрузитьТекст"};
+constexpr Term kSaveTextTerm = {u"SaveText", u"СохранитьТекст"};
+constexpr Term kSaveToContainerTerm = {u"SaveToContainer", u"СохранитьВКонтейнер"};
+constexpr Term kLoadFromContainerTerm = {u"LoadFromContainer", u"ЗагрузитьИзКонтейнера"};
+constexpr Term kCurrentDateTerm = {u"CurrentDate", u"ТекущаяДата"};
+constexpr Term kElapsedTerm = {u"Elapsed", u"ПрошлоВремени"};
+constexpr Term kLengthTerm = {u"StrLen", u"СтрДлина"};
+constexpr Term kLeftTerm = {u"Left", u"Лев"};
+constexpr Term kMidTerm = {u"Mid", u"Сред"};
+constexpr Term kUpperTerm = {u"Upper", u"ВРег"};
+constexpr Term kLowerTerm = {u"Lower", u"НРег"};
+constexpr Term kLikeTerm = {u"Like", u"Подобно"};
+constexpr Term kTrimTerm = {u"TrimAll", u"СокрЛП"};
+constexpr Term kPadTerm = {u"Pad", u"Дополнить"};
+constexpr Term kStringTerm = {u"String", u"Строка"};
+constexpr Term kNumberTerm = {u"Number", u"Число"};
+constexpr Term kDateTerm = {u"Date", u"Дата"};
+constexpr Term kRoundTerm = {u"Round", u"Окр"};
+constexpr Term kTypeOfTerm = {u"TypeOf", u"ТипЗнч"};
+constexpr Term kTypeTerm = {u"Type", u"Тип"};
+
+std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
+    using F = HostFunctions;
+    static constexpr Method<F> kMethods[] = {
+        {kPrintTerm, kPrint, kProcedure, &F::print},
+        {kFromTextTerm, required(1), kFunction, &F::fromText},
+        {kToTextTerm, required(1), kFunction, &F::toText, &kStringType},
+        {kFromJsonTerm, kFromJson, kFunction, &F::fromJson},
+        {kToJsonTerm, kTextAndOptional, kFunction, &F::toJson, &kStringType},
+        {kLoadTextTerm, required(1), kFunction, &F::loadText, &kStringType},
+        {kSaveTextTerm, required(2), kProcedure, &F::saveText},
+        {kSaveToContainerTerm, required(3), kProcedure, &F::saveToContainer},
+        {kLoadFromContainerTerm, required(2), kFunction, &F::loadFromContainer},
+        {kCurrentDateTerm, {}, kFunction, &F::currentDate, &kDateType},
+        {kElapsedTerm, {}, kFunction, &F::elapsed, &kNumberType},
+        {kLengthTerm, required(1), kFunction, &F::length, &kNumberType},
+        {kLeftTerm, required(2), kFunction, &F::left, &kStringType},
+        {kMidTerm, kMid, kFunction, &F::mid, &kStringType},
+        {kUpperTerm, required(1), kFunction, &F::upper, &kStringType},
+        {kLowerTerm, required(1), kFunction, &F::lower, &kStringType},
+        {kLikeTerm, required(2), kFunction, &F::like, &kBooleanType},
+        {kTrimTerm, required(1), kFunction, &F::trim, &kStringType},
+        {kPadTerm, required(2), kFunction, &F::pad, &kStringType},
+        {kStringTerm, required(1), kFunction, &F::string, &kStringType},
+        {kNumberTerm, required(1), kFunction, &F::number, &kNumberType},
+        {kDateTerm, required(1), kFunction, &F::date, &kDateType},
+        {kRoundTerm, kTextAndOptional, kFunction, &F::round, &kNumberType},
+        {kTypeOfTerm, required(1), kFunction, &F::typeOf, &kTypeType},
+        {kTypeTerm, required(1), kFunction, &F::type, &kTypeType},
+    };
+    return kMethods;
+}
+
+class Globals : public StableGroupContext {
+  public:
+    explicit Globals(Console& console) {
+        addContext(create_host_functions(console).get());
+        addContext(create_table_functions(console).get());
+        addContext(create_core_general_context().get());
+        addContext(get_service<IEnumerations>());
+    }
+};
+
+} // namespace
+
+InterfacePtr<IContext_> create_host_functions(Console& console) {
+    return make_object<HostFunctions>(console);
+}
+
+InterfacePtr<IContext_> create_globals(Console& console) {
+    return make_object<Globals>(console);
+}
+
+} // namespace host::script

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/library/table_functions.h"
+
+#include "host/exchange/csv/csv_table.h"
+#include "host/exchange/tables/table_view.h"
+#include "host/library/arguments.h"
+#include "host/library/print.h"
+#include "host/terminal/byte_input.h"
+#include "host/terminal/text_output.h"
+
+#include <core/context/arguments.h>
+#include <core/context/errors.h>
+#include <core/runtime/internal_class.h>
+#include <core/runtime/utf8.h>
+
+#include <limits>
+
+namespace host::script {
+
+using namespace core;
+
+namespace {
+
+char delimiter_argument(Args arguments, int param) {
+    if (!given(arguments[static_cast<std::size_t>(param)]))
+        return ',';
+    const wstring_view text = text_argument(arguments, param);
+    if (text.size() != 1 || !is_csv_delimiter(text.front()))
+        parameter_value_mismatch(param);
+    return static_cast<char>(text.front());
+}
+
+/// Names with commas between them.
+std::vector<wstring> names_argument(Args arguments, int param) {
+    std::vector<wstring> names;
+    for (const wstring_view name : list_argument(arguments[static_cast<std::size_t>(param)], param))
+        names.emplace_back(name);
+    return names;
+}
+
+class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>> {
+  public:
+    using Interfaces = InterfaceList<IContext_, IContextDef>;
+
+    explicit TableFunctions(Console& console) : console_(console) {}
+
+    static std::span<const Property<TableFunctions>> properties() noexcept { return {}; }
+    static std::span<const Method<TableFunctions>> methods() noexcept;
+
+    GenericValue loadCsv(Args a) {
+        std::optional<std::vector<wstring>> columns;
+        if (given(a[2]))
+            columns = names_argument(a, 2);
+        return Value(
+            load_csv(console_, text_argument(a, 0), delimiter_argument(a, 1), columns).query<IValue>());
+    }
+    GenericValue saveCsv(Args a) {
+        const auto table = table_view(a[1], ViewFor::programs);
+        if (!table)
+            parameter_type_mismatch(1);
+        save_csv(text_argument(a, 0), *table, delimiter_argument(a, 2));
+        return {};
+    }
+    GenericValue printTable(Args a) {
+        if (!table_view(a[0]))
+            parameter_type_mismatch(0);
+        constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
+        print_value(a[0], console_, given(a[1]) ? count_argument(a, 1, kAll) : kAll);
+        return {};
+    }
+
+  private:
+    Console& console_;
+};
+
+constexpr Term kLoadCsvTerm = {u"LoadCsv", u"ЗагрузитьCsv"};
+constexpr Term kSaveCsvTerm = {u"SaveCsv", u"СохранитьCsv"};
+constexpr Term kPrintTableTerm = {u"PrintTable", u"НапечататьТаблицу"};
+
+constexpr Param kLoadCsv[] = {{}, kOptional, kOptional};
+constexpr Param kSaveCsv[] = {{}, {}, kOptional};
+constexpr Param kPrintTable[] = {{}, kOptional};
+
+std::span<const Method<TableFunctions>> TableFunctions::methods() noexcept {
+    using F = TableFunctions;
+    static constexpr Method<F> kMethods[] = {
+        {kLoadCsvTerm, kLoadCsv, kFunction, &F::loadCsv},
+        {kSaveCsvTerm, kSaveCsv, kProcedure, &F::saveCsv},
+        {kPrintTableTerm, kPrintTable, kProcedure, &F::printTable},
+    };
+    return kMethods;
+}
+
+} // namespace
+
+InterfacePtr<IValueTable> load_csv(Console& console, wstring_view file, char delimiter,
+                                   const std::optional<std::vector<wstring>>& columns) {
+    ByteInput input(console, to_utf8(file));
+    return read_csv_table([&](std::span<std::byte> bytes) { return input.read(bytes); }, file, delimiter,
+                          columns);
+}
+
+void save_csv(wstring_view file, const TableView& table, char delimiter) {
+    write_text_file(to_utf8(file), [&](wostream& out) { write_csv_table(out, table, delimiter); });
+}
+
+InterfacePtr<IContext_> create_table_functions(Console& console) {
+    return make_object<TableFunctions>(console);
+}
+
+} // namespace host::script

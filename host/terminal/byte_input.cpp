@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/terminal/byte_input.h"
+
+#include <core/files/disk_file.h>
+#include <core/files/errors.h>
+#include <core/runtime/utf8.h>
+#include <core/streams/text_file.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <iostream>
+
+namespace host {
+namespace {
+
+constexpr const char* kStandardInput = "-";
+
+/// The size of a regular file, else 0.
+std::uint64_t size_of(const struct stat& status) {
+    return S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+std::uint64_t size_of_input(const std::string& name, std::istream& in) {
+    struct stat status {};
+    if (name != kStandardInput)
+        return ::stat(name.c_str(), &status) == 0 ? size_of(status) : 0;
+    const bool isOurs = in.rdbuf() == std::cin.rdbuf();
+    return isOurs && ::fstat(STDIN_FILENO, &status) == 0 ? size_of(status) : 0;
+}
+
+} // namespace
+
+ByteInput::ByteInput(Console& console, std::string file)
+    : name_(std::move(file)), in_(name_ == kStandardInput ? console.in : file_),
+      progress_(console, name_, size_of_input(name_, console.in)) {
+    if (name_ == kStandardInput)
+        return;
+    errno = 0;
+    if (name_.find('\0') != std::string::npos)
+        errno = EINVAL;
+    else
+        file_.open(name_, std::ios::binary);
+    struct stat status {};
+    if (file_.is_open() && ::stat(name_.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
+        errno = EISDIR;
+    if (!file_.is_open() || errno == EISDIR)
+        core::throw_file_error(core::messages::kFileOpen, core::file_url(name_), errno);
+}
+
+std::size_t ByteInput::read(std::span<std::byte> bytes) {
+    errno = 0;
+    in_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    if (in_.bad())
+        core::throw_file_error(core::messages::kFileRead, core::from_utf8(name_), errno);
+    const auto count = static_cast<std::size_t>(in_.gcount());
+    progress_.add(count);
+    return count;
+}
+
+core::wstring read_text(Console& console, const std::string& file) {
+    ByteInput bytes(console, file);
+    core::TextInStream in([&](std::span<std::byte> piece) { return bytes.read(piece); },
+                          core::from_utf8(file));
+    return core::read_text(in);
+}
+
+} // namespace host

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/terminal/completion.h"
+
+#include "host/language/lexer.h"
+
+#include <core/runtime/process.h>
+#include <core/strings/compare.h>
+#include <core/strings/term.h>
+#include <core/values/type_service.h>
+
+#include <algorithm>
+
+namespace host {
+
+using namespace core;
+
+namespace {
+
+using script::TokenKind;
+
+/// The last tokens of a text, the very last one first.
+class Tail {
+  public:
+    explicit Tail(wstring_view text) : text_(text) {
+        script::Lexer lexer(text);
+        for (script::Token token = lexer.next(); token.kind != TokenKind::end; token = lexer.next()) {
+            std::shift_right(std::begin(last_), std::end(last_), 1);
+            last_[0] = token;
+        }
+    }
+
+    [[nodiscard]] script::Token token(std::size_t fromEnd) const { return last_[fromEnd]; }
+    [[nodiscard]] TokenKind kind(std::size_t fromEnd) const { return last_[fromEnd].kind; }
+    [[nodiscard]] bool isWord(std::size_t fromEnd) const {
+        return kind(fromEnd) == TokenKind::name || is_keyword(kind(fromEnd));
+    }
+    [[nodiscard]] wstring_view text(std::size_t fromEnd) const {
+        return text_.substr(last_[fromEnd].span.offset, last_[fromEnd].span.length);
+    }
+
+  private:
+    wstring_view text_;
+    script::Token last_[5];
+};
+
+/// Collects names that begin as the word does.
+class Names {
+  public:
+    Names(wstring_view word, int alias) : word_(word), alias_(alias) {}
+
+    void add(wstring name) {
+        if (compare_nocase(wstring_view(name).substr(0, word_.size()), word_) == 0)
+            found_.push_back(std::move(name));
+    }
+    /// A name in both languages, by function of the alias.
+    template <class Name>
+    void addTerm(Name name, wstring_view behind = {}) {
+        for (const int alias : {kEnglish, kRussian}) {
+            const wchar* const text = word_.empty() && alias != alias_ ? nullptr : name(alias);
+            if (text != nullptr)
+                add(wstring(text).append(behind));
+        }
+    }
+    void addMembers(const IContext_& context) {
+        for (int prop = 0; prop < context.getNProps(); ++prop)
+            addTerm([&](int alias) { return context.getPropName(prop, alias); });
+        for (int method = 0; method < context.getNMethods(); ++method) {
+            addTerm([&](int alias) { return context.getMethodName(method, alias); },
+                    context.getNParams(method) == 0 ? u"()" : u"(");
+        }
+    }
+    void addTypes() {
+        for (const IType* const type : get_service<ITypeValueService>()->types()) {
+            if (type->arguments().least >= 0)
+                addTerm([type](int alias) { return type->name(alias); });
+        }
+    }
+    void addKeywords() {
+        for (auto kind = TokenKind::keyIf; kind <= TokenKind::keyNull;
+             kind = static_cast<TokenKind>(static_cast<int>(kind) + 1))
+            addTerm([kind](int alias) { return keyword_name(kind, alias).data(); });
+    }
+
+    [[nodiscard]] std::vector<wstring> take() {
+        std::sort(found_.begin(), found_.end(),
+                  [](const wstring& a, const wstring& b) { return compare_nocase(a, b) < 0; });
+        found_.erase(std::unique(found_.begin(), found_.end()), found_.end());
+        return std::move(found_);
+    }
+
+  private:
+    wstring_view word_;
+    int alias_;
+    std::vector<wstring> found_;
+};
+
+/// The value of a variable, or of a property of the globals.
+GenericValue value_of(wstring_view name, const script::Interpreter& interpreter) {
+    if (const auto value = interpreter.value(name))
+        return *value;
+    GenericValue value;
+    IContext_& globals = interpreter.globals();
+    if (const int prop = globals.findProp(wstring(name).c_str()); prop >= 0)
+        globals.getPropVal(prop, value);
+    return value;
+}
+
+} // namespace
+
+wstring Completion::common() const {
+    if (names.empty())
+        return {};
+    std::size_t length = names.front().size();
+    for (const wstring& name : names) {
+        length = std::min(length, name.size());
+        while (length > 0 && compare_nocase(wstring_view(name).substr(0, length),
+                                            wstring_view(names.front()).substr(0, length)) != 0)
+            --length;
+    }
+    return names.front().substr(0, length);
+}
+
+Completion complete(wstring_view before, const script::Interpreter& interpreter,
+                    const script::Variables& variables, int alias) {
+    try {
+        const Tail tail(before);
+        const bool inWord = tail.token(0).span.end() == before.size() && tail.isWord(0);
+        const bool behindLast = before.size() > tail.token(0).span.end();
+        if (!inWord && behindLast &&
+            before.substr(tail.token(0).span.end()).find(u"//") != wstring_view::npos)
+            return {}; // a comment
+        if (!inWord && !behindLast &&
+            (tail.kind(0) == TokenKind::number || tail.kind(0) == TokenKind::string))
+            return {};
+        const wstring_view word = inWord ? tail.text(0) : wstring_view();
+        const std::size_t front = inWord ? 1 : 0; // the token in front of the word
+        Names names(word, alias);
+        if (tail.kind(front) == TokenKind::dot) {
+            if (!tail.isWord(front + 1) || tail.kind(front + 2) == TokenKind::dot)
+                return {}; // only running it would tell what object that is
+            if (const auto context = value_of(tail.text(front + 1), interpreter).query<IContext_>())
+                names.addMembers(*context);
+        } else if (tail.kind(front) == TokenKind::keyNew) {
+            names.addTypes();
+        } else {
+            for (std::size_t slot = 0; slot < variables.size(); ++slot) {
+                if (interpreter.value(variables.name(slot)))
+                    names.add(variables.name(slot));
+            }
+            names.addKeywords();
+            names.addMembers(interpreter.globals());
+        }
+        return {word.size(), names.take()};
+    } catch (const script::ScriptError&) {
+        return {}; // in a string, or behind what is no script
+    }
+}
+
+} // namespace host

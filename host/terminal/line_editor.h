@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/terminal/completion.h"
+#include "host/terminal/console.h"
+#include "host/terminal/history_file.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace host {
+
+/// Reads lines from the terminal of the process, with the keys of line editing, history
+/// and completion. One at a time.
+class LineEditor {
+  public:
+    /// Given the text of the line before the cursor.
+    using Complete = std::function<Completion(core::wstring_view before)>;
+
+    struct Line {
+        enum class Kind {
+            text,
+            cancelled, ///< Ctrl-C
+            end        ///< Ctrl-D in an empty line, or the terminal is gone
+        };
+        Kind kind;
+        core::wstring text{};
+    };
+
+    LineEditor(const Console& console, Complete complete, HistoryFile history);
+    LineEditor(const LineEditor&) = delete;
+    LineEditor& operator=(const LineEditor&) = delete;
+    ~LineEditor();
+
+    [[nodiscard]] Line read(const std::string& prompt);
+
+  private:
+    class Terminal;
+    std::unique_ptr<Terminal> terminal_;
+};
+
+} // namespace host

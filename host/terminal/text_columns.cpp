@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/terminal/text_columns.h"
+
+#include "host/exchange/tables/column_text.h"
+
+#include <core/runtime/exception.h>
+#include <core/runtime/utf8.h>
+
+#include <algorithm>
+#include <ostream>
+#include <utility>
+
+namespace host {
+
+std::string message(const char* id, std::initializer_list<core::wstring> params) {
+    return core::to_utf8(core::message_text(id, params));
+}
+
+void Columns::write(std::ostream& out, std::string_view indent) const {
+    std::vector<std::size_t> widths;
+    for (const auto& row : rows_) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], column_count(row[i]));
+    }
+    for (const auto& row : rows_) {
+        std::string line(indent);
+        std::size_t gap = 0;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            if (!row[i].empty())
+                line.append(std::exchange(gap, 0), ' ').append(row[i]);
+            gap += widths[i] - column_count(row[i]) + 2;
+        }
+        out << line << '\n';
+    }
+}
+
+} // namespace host
