@@ -191,6 +191,7 @@ TEST(Compare, NarrowTextAnswersAsTheSameWideText) {
     EXPECT_EQ(compare_nocase("Straße", "STRASSE"), 0);
     EXPECT_EQ(compare_nocase("Имя1", "ИМЯ2"), -1);
     EXPECT_EQ(compare_nocase(std::string("ab"), "abc"), -1);
+    EXPECT_LT(compare_nocase("abc", "xbc"), 0);
     EXPECT_EQ(hash_nocase("Имя"), hash_nocase(u"имя"));
     EXPECT_EQ(fold_case("ИМЯ X"), "имя x");
     EXPECT_EQ(fold_case('Q'), 'q');
