@@ -44,11 +44,11 @@ class MemoryScheme : public IFileScheme {
     std::vector<FileInfo> findFile(const wstring& pattern) override {
         const std::lock_guard lock(mutex_);
         std::vector<FileInfo> found;
+        const wstring root = kScheme + u"://";
         for (const auto& [name, data] : files_) {
             if (matches_wildcard(name, split_url(pattern).path))
-                found.push_back({.url = kScheme + u"://" + name,
-                                 .name = name,
-                                 .length = open_memory_file(data)->length()});
+                found.push_back(
+                    {.url = root + name, .name = name, .length = open_memory_file(data)->length()});
         }
         return found;
     }

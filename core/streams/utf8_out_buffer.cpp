@@ -14,7 +14,7 @@
 namespace core::detail {
 
 struct Utf8OutBuffer::Block {
-    static constexpr std::size_t kSize = 16 * 1024;
+    static constexpr std::size_t kSize = std::size_t{16} * 1024;
 
     wchar units[kSize];
     std::uint8_t bytes[3 * kSize];

@@ -129,7 +129,7 @@ ExitCode from_json(Console& console, const ListOptions& options) {
     write_text(console, options.output, [&](wostream& out) {
         JsonToList list(out, options.indent);
         JsonReader reader(list, ListScanner::kMaxDepth + 1); // a token may be an object
-        std::array<std::byte, 64 * 1024> block;
+        std::array<std::byte, std::size_t{64} * 1024> block;
         while (const std::size_t count = input.read(block))
             reader.read({reinterpret_cast<const char*>(block.data()), count});
         reader.finish();

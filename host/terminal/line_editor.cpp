@@ -35,7 +35,7 @@ std::wstring to_points(core::wstring_view units) {
 core::wstring to_units(std::wstring_view points) {
     core::wstring units;
     for (const wchar_t point : points) {
-        const auto c = static_cast<UChar32>(point);
+        const auto c = static_cast<UChar32>(static_cast<char32_t>(point));
         if (U_IS_BMP(c)) {
             units += static_cast<core::wchar>(c);
         } else {

@@ -137,11 +137,6 @@ TEST_F(Allocation, TablesStayWhole) {
     const std::string numbers = std::string(table) +
                                 "U = T.UnloadColumn(\"Sum\"); U[0] = 5; U[9] = 1000000 * 1000000 * "
                                 "1000000 * 1000000;";
-    const char* const tree = "T = New ValueTree; T.Columns.Add(\"Name\"); "
-                             "For I = 1 To 9 Do R = T.Rows.Add(); R.Name = \"name \" + (I * 7 % 11);"
-                             "R.Rows.Add().Name = \"below\"; EndDo; R = Undefined; I = 0;";
-    const char* const list =
-        "L = New ValueList; For I = 1 To 9 Do L.Add(I * 7 % 11, \"item \" + I); EndDo; I = 0;";
     check({
         {table, "T.Add();"},
         {table, "T.Insert(3);"},
@@ -171,6 +166,16 @@ TEST_F(Allocation, TablesStayWhole) {
         {table, "T.Indexes.Add(\"Sum, Any\");"},
         {table, "V = FromText(ToText(T));"},
         {table, "J = ToJson(T);"},
+    });
+}
+
+TEST_F(Allocation, TreesAndListsStayWhole) {
+    const char* const tree = "T = New ValueTree; T.Columns.Add(\"Name\"); "
+                             "For I = 1 To 9 Do R = T.Rows.Add(); R.Name = \"name \" + (I * 7 % 11);"
+                             "R.Rows.Add().Name = \"below\"; EndDo; R = Undefined; I = 0;";
+    const char* const list =
+        "L = New ValueList; For I = 1 To 9 Do L.Add(I * 7 % 11, \"item \" + I); EndDo; I = 0;";
+    check({
         {tree, "T.Rows[3].Rows.Add();"},
         {tree, "T.Rows.Sort(\"Name\", True);"},
         {tree, "T.Rows[3].Rows.Clear();"},

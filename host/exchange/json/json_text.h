@@ -30,7 +30,7 @@ void append_json_characters(std::basic_string<C>& json, std::basic_string_view<C
         } else if (c == '\t') {
             put("\\t");
         } else if (control) {
-            const auto code = static_cast<std::size_t>(c);
+            const std::size_t code = static_cast<unsigned char>(c);
             put("\\u00");
             put(kHex.substr(code >> 4U, 1));
             put(kHex.substr(code & 0xFU, 1));
