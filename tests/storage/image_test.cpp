@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Containers that the library would not write but must read: blocks of all sizes in any order. And what a
 // check says of each thing that can be wrong.
+#include "core/storage/little_endian.h"
 #include "tests/support/storage_fixture.h"
 #include "tests/support/storage_image.h"
 
@@ -8,6 +9,7 @@
 
 #include <functional>
 #include <numeric>
+#include <set>
 #include <string>
 #include <tuple>
 
@@ -22,6 +24,7 @@ using Kind = StorageProblem::Kind;
 
 class Image : public test::MemoryContainer {
   protected:
+    using MemoryContainer::open;
     StorageRW open(const Bytes& bytes) {
         data_ = create_memory_data();
         write_all(*file(), bytes);
@@ -140,8 +143,9 @@ TEST_P(Image, ACheckFindsBytesThatTwoHave) {
     EXPECT_NE(check.problems[0].name, check.problems[0].otherName);
     const std::string text = to_utf8(check.problems[0].text());
     EXPECT_TRUE(text.find("“a”") != std::string::npos && text.find("“b”") != std::string::npos) << text;
-    both.remove(u"a"); // one of them can be saved
-    EXPECT_TRUE(isRefused([&] { both.remove(u"b"); }) || both.check().isClean());
+    both.remove(u"a");
+    EXPECT_TRUE(isRefused([&] { both.remove(u"b"); })) << "what is free already is not given back again";
+    EXPECT_EQ(both.get(u"b"), content);
 
     // What a file begins with is free: to write there would take it from the file.
     for (const bool attributes : {true, false}) {
@@ -209,6 +213,43 @@ TEST_P(Image, ACheckFindsWhatCannotBeRead) {
         EXPECT_TRUE(isRefused([&] { storage.put(u"b", {}); }));
         EXPECT_EQ(test::contents(storage), (Model{{u"a", {}}})) << "reading needs no free space";
     }
+}
+
+TEST_P(Image, TheUseOfTheFileIsToldToTheLastByte) {
+    StorageRW storage = open();
+    for (int i = 0; i < 20; ++i)
+        storage.put(wstring(1, static_cast<wchar>(u'a' + i)), Bytes(700));
+    storage.remove(u"c");
+    const StorageInfo info = storage.info();
+    const Bytes bytes = raw();
+    EXPECT_EQ(info.firstWord, load_number(bytes.data(), layout_.width));
+    EXPECT_EQ(info.secondWord, 512U);
+    EXPECT_EQ(info.changeCounter, 21U);
+    EXPECT_EQ(info.fileLength, bytes.size());
+    EXPECT_EQ(info.end, bytes.size());
+    EXPECT_EQ(info.files, 19U);
+    EXPECT_EQ(info.contentBytes, 19U * 700);
+    EXPECT_EQ(info.blocks, storage.check().blocks);
+    std::uint64_t at = 0;
+    std::uint64_t free = 0;
+    std::set<StorageUse> uses;
+    for (const StorageInfo::Piece& piece : info.pieces) {
+        EXPECT_EQ(piece.address, at);
+        at += piece.length;
+        free += piece.use == StorageUse::free ? piece.length : 0;
+        uses.insert(piece.use);
+    }
+    EXPECT_EQ(at, info.end);
+    EXPECT_EQ(free, info.freeBytes);
+    EXPECT_EQ(uses.size(), 6U) << "all there are";
+    // Each use and each kind of damage has words of its own.
+    std::set<std::string> texts;
+    for (const StorageUse use : uses)
+        texts.insert(to_utf8(StorageProblem{.kind = Kind::overlap, .use = use, .name = u"n"}.text()));
+    for (const Kind kind :
+         {Kind::damagedFreeChain, Kind::damagedAttributes, Kind::damagedContent, Kind::lost})
+        texts.insert(to_utf8(StorageProblem{.kind = kind, .address = 77, .name = u"n"}.text()));
+    EXPECT_EQ(texts.size(), 10U);
 }
 
 TEST_P(Image, AFileWithoutAttributesHasItsNameAndNoTimes) {
