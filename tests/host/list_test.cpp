@@ -178,7 +178,8 @@ TEST_F(ListTest, MalformedTextHasAPlace) {
     // U+FFFF ends no text in silence, and is written so that it can be read
     const std::string cut = file("cut", "{1}\uFFFF{2}");
     for (const char* const command : {"fmt", "to-json", "check"})
-        EXPECT_EQ(refusal({command, cut}, ""), "corehost: " + cut + ":1:4: Expected the end of the text.\n");
+        EXPECT_EQ(refusal({command, cut}, ""),
+                  "corehost: " + cut + ":1:4: Expected the end of the text: it holds one element.\n");
     const std::string odd = "{\"a\"\\ffff\"}\n";
     EXPECT_EQ(result({"fmt"}, odd), odd);
     EXPECT_EQ(result({"from-json"}, result({"to-json"}, odd)), odd);

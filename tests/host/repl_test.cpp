@@ -36,7 +36,7 @@ TEST(ReplTest, ThroughAPipe) {
          "repl:1:14: Division by zero.\n    a = 1; b = 1 / 0\n                 ^\n"
          "repl:1:1: Expected a value, found “)”.\n    )\n    ^\n"
          "corehost: The file - is not text in UTF-8: the byte at 1 does not fit.\n"},
-        {"Print(1)\nIf True Then", "1\n", "repl:3:1: Expected"},
+        {"Print(1)\nIf True Then", "1\n", "repl:2:1: Expected"},
     };
     for (const Case& c : cases) {
         const Answer answer = corehost({"repl", "--leaks"}, c.input);
