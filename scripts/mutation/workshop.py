@@ -147,7 +147,7 @@ class Workshop:
             words = command.split()
             if not any(word in affected for word in words):
                 continue
-            output = re.search(r" (?:-o|ar qc) (\S+)", command).group(1)
+            output = re.search(r"(?: -o|\bar qc) (\S+)", command).group(1)
             if output.endswith(".a"):
                 affected[output] = output
             if output in self.linked:
