@@ -41,7 +41,7 @@ class CORE_API Type {
     /// Holds no type.
     Type() = default;
     /// Holds the type of a type object; null is no type.
-    explicit Type(IType* object) noexcept : type_(object) {}
+    explicit Type(IType* typeObject) noexcept : type_(typeObject) {}
     /// Holds the primitive type with a code; no type for a number that is not such a code.
     explicit Type(Code code) noexcept;
     /// Holds the registered type with an id. Throws TypeException ("IDS_TYPEERROR_TYPENOTDEFINED") if no type
