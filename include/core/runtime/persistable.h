@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/runtime/interface_ptr.h>
+#include <core/runtime/exception.h>
 
 #include <cstdint>
 #include <span>
@@ -11,8 +11,6 @@
 /// storages themselves stand in the layer persistence.
 namespace core {
 
-class Exception;
-class IExceptionObject;
 class ListInStream;
 class ListOutStream;
 class Nesting;
