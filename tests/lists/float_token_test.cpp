@@ -151,6 +151,7 @@ TEST(FloatToken, FloatsComeBackToTheBit) {
     const std::pair<std::string, float> odd[] = {{"0." + zeros + "1e440", HUGE_VALF},
                                                  {"-0." + zeros + "1e450", -HUGE_VALF},
                                                  {"-1e99", -HUGE_VALF},
+                                                 {"1" + zeros + "e-300", HUGE_VALF},
                                                  {"1" + zeros + "e-450", 0.0F},
                                                  {"-1" + zeros + "e-450", -0.0F},
                                                  {"0e99999999999999999999", 0.0F},

@@ -345,5 +345,107 @@ TEST(ListStream, RandomDataComesBackOverEveryStream) {
     }
 }
 
+/// What a reader answers when it is asked for one thing after the other, up to the first refusal, and what it
+/// leaves.
+wstring answers(wistream& stream, unsigned seed) {
+    std::mt19937 random(seed);
+    ListInStream in(stream);
+    MemoryOutStream memory;
+    ListOutStream out(memory);
+    wstring seen;
+    const auto ask = [&](auto value) {
+        in.get(value);
+        out.put(value);
+    };
+    try {
+        for (int i = 0; i < 6; ++i) {
+            switch (random() % 10) {
+            case 0:
+                ask(wstring());
+                break;
+            case 1: {
+                wchar buffer[6] = u"?????";
+                in.get(buffer, static_cast<std::uint32_t>(1 + random() % 5));
+                out.put(buffer);
+                break;
+            }
+            case 2:
+                ask(0.0);
+                break;
+            case 3:
+                ask(Numeric());
+                break;
+            case 4:
+                ask(Date());
+                break;
+            case 5:
+                ask(false);
+                break;
+            case 6:
+                ask(0);
+                break;
+            case 7:
+                ask(0U);
+                break;
+            case 8:
+                out.put(in.getComma());
+                break;
+            default:
+                in.getBeginOfList();
+                out.put(u"{");
+            }
+        }
+    } catch (const ListStreamException&) {
+        out.put(u"refused");
+    }
+    return memory.take() + u" rest " + rest_of(stream);
+}
+
+/// Tokens that lie whole in the units at hand are read by other code than those that do not.
+TEST(ListStream, ReadersAnswerTheSameOverEveryStream) {
+    const wstring pieces[] = {u"0",
+                              u"1",
+                              u"-12",
+                              u"+3",
+                              u"12.5",
+                              u"-0.25",
+                              u"9007199254740993.5",
+                              u".",
+                              u".e5",
+                              u"1e5",
+                              u"-",
+                              u"\"abc\"",
+                              u"\"a\"\"b\"",
+                              u"\"\"\\00e9\"",
+                              u"\"",
+                              u"\"x",
+                              u"12\u0661",
+                              u"{",
+                              u"}",
+                              u"x",
+                              u"20240229235959",
+                              u"20240230000000",
+                              u"123456789012345678",
+                              u"1234567890123456789",
+                              u"0.1234567890123456789",
+                              u"99999999999999999999999999999999",
+                              u"\"abcd\"",
+                              u"\"abcde\"",
+                              u"-x",
+                              u"1.2.3"};
+    std::mt19937 random(29);
+    for (unsigned seed = 0; seed < 20'000; ++seed) {
+        wstring text;
+        for (auto count = random() % 6; count > 0; --count) {
+            text += pieces[random() % std::size(pieces)];
+            text += wstring_view(u" ,,,").substr(random() % 3, 1 + random() % 2);
+        }
+        std::vector<wstring> seen;
+        on_every_stream(text, [&](wistream& stream) { seen.push_back(answers(stream, seed)); });
+        for (const wstring& other : seen)
+            ASSERT_EQ(other, seen.front()) << ::testing::PrintToString(text) << ' ' << seed;
+    }
+}
+
 } // namespace
 } // namespace core

@@ -34,6 +34,14 @@ TEST(StringToken, StringsDoubleQuotesAndEscapeSurrogates) {
     EXPECT_EQ(read<wstring>(u"\"\"\\\xFF21\xFF26\xFF41\xFF46\"", u""), wstring(1, 0xAFAF));
 }
 
+TEST(StringToken, AStringTakesThePlaceOfTheOldOne) {
+    on_every_stream(u"\"new\"", [](wistream& in) {
+        wstring value = u"before";
+        EXPECT_TRUE(from_stream(in, value));
+        EXPECT_EQ(value, u"new");
+    });
+}
+
 TEST(StringToken, BrokenStringsAreEmpty) {
     const std::pair<wstring, const wchar*> refused[] = {
         {u"abc", u"abc"},

@@ -97,6 +97,31 @@ TEST(TextBuffer, AStreamThatTakesNoMoreBecomesBad) {
     EXPECT_EQ(buffer.sputn(u"e", 1), 0);
 }
 
+TEST(TextBuffer, ABufferWithoutRoomTakesSingleUnits) {
+    class Single : public TextBuffer {
+      public:
+        explicit Single(std::size_t most) : most_(most) {}
+        wstring text;
+
+      protected:
+        int_type overflow(int_type unit) override {
+            if (traits_type::eq_int_type(unit, traits_type::eof()))
+                return traits_type::not_eof(unit);
+            if (text.size() == most_)
+                return traits_type::eof();
+            text.push_back(traits_type::to_char_type(unit));
+            return unit;
+        }
+
+      private:
+        std::size_t most_;
+    } all(100), some(4);
+    EXPECT_EQ(all.sputn(u"abcdef", 6), 6);
+    EXPECT_EQ(all.text, u"abcdef");
+    EXPECT_EQ(some.sputn(u"abcdef", 6), 4);
+    EXPECT_EQ(some.text, u"abcd");
+}
+
 TEST(TextBuffer, AStreamThatCanPutNothingBackLosesNothing) {
     test::UnbufferedIn buffer(u" \"\xFFFD\xFFFDz\" \xFFFD,");
     wistream in(&buffer);

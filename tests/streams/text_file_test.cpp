@@ -37,6 +37,7 @@ wstring decoded(const std::string& bytes, std::size_t step) {
     return test::rest_of(stream);
 }
 
+/// The bytes of a text that is written `step` units at a time; 0 is a unit at a time without any flush.
 std::string encoded(const wstring& text, std::size_t step) {
     std::string bytes;
     TextOutStream stream(
@@ -44,7 +45,9 @@ std::string encoded(const wstring& text, std::size_t step) {
             bytes.append(reinterpret_cast<const char*>(from.data()), from.size());
         },
         u"bytes");
-    for (std::size_t at = 0; at < text.size(); at += step) {
+    for (std::size_t at = 0; step == 0 && at < text.size(); ++at)
+        stream.rdbuf()->sputc(text[at]);
+    for (std::size_t at = 0; step != 0 && at < text.size(); at += step) {
         const wstring_view piece = wstring_view(text).substr(at, step);
         stream.rdbuf()->sputn(piece.data(), static_cast<std::streamsize>(piece.size()));
         stream.flush();
@@ -81,6 +84,7 @@ TEST(TextFile, EveryCharacterPassesAtEveryCut) {
          {std::size_t{0}, std::size_t{1}, std::size_t{100}, std::size_t{200'000}}) {
         const wstring text = random_text(random, length);
         const std::string bytes = to_utf8(text);
+        ASSERT_EQ(encoded(text, 0), bytes);
         for (const std::size_t step :
              {std::size_t{1}, std::size_t{3}, std::size_t{65'535}, std::size_t{1} << 20}) {
             ASSERT_EQ(decoded(bytes, step), text);

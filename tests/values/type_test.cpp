@@ -46,6 +46,12 @@ TEST_F(Types, AreFoundByIdNameAndClass) {
               Type(wstring_view(u"array")).get());
 }
 
+TEST(TypesAlone, PrimitiveOnesNeedNoProcess) {
+    EXPECT_EQ(Type(kNumberType).code(), Type::number);
+    EXPECT_EQ(Type(Type::date).id(), kDateType);
+    EXPECT_THROW((void)Type(wstring_view(u"Number")), TypeException);
+}
+
 TEST_F(Types, ConstructorsCountTheirArguments) {
     EXPECT_THROW((void)Type(Type::number).get()->construct({}), CtorException);
     static constexpr auto count = [](std::span<GenericValue> arguments) {

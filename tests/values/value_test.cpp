@@ -133,6 +133,10 @@ TEST_F(Values, EveryKindKnowsItsTypeAndPayload) {
 
 TEST_F(Values, QueriesReachTheInterfacesOfEachKind) {
     const auto number = create_numeric_value(5);
+    EXPECT_EQ(number->QueryInterface(IValue::IID, nullptr), kNoInterface);
+    void* none = &process_;
+    EXPECT_EQ(create_date_value(Date())->QueryInterface(IClassFactory::IID, &none), kNoInterface);
+    EXPECT_EQ(none, nullptr);
     EXPECT_FALSE(number.query<IValueIsEmpty>()->isEmpty());
     EXPECT_TRUE(create_numeric_value(0).query<IValueIsEmpty>()->isEmpty());
     EXPECT_TRUE(create_date_value(Date()).query<IValueIsEmpty>()->isEmpty());
@@ -246,6 +250,8 @@ TEST_F(Values, EqualityNeverCrossesTypesAndHashesFollowIt) {
     EXPECT_FALSE(Value(1).equals(Value(u"1")));
     EXPECT_TRUE(Value(Numeric::fromString(u"1.0")).equals(Value(1)));
     EXPECT_FALSE(Value(u"a").equals(Value(u"A")));
+    EXPECT_FALSE(Value(true).equals(Value(false)) || Value().equals(Value::null()));
+    EXPECT_FALSE(Value(1).equals(Value(2)) || Value(0.5).equals(Value(0.25)));
     EXPECT_TRUE(Value(u"ab").equals(Value(u"ab").getIValue().get()));
     EXPECT_FALSE(Value(u"").equals(static_cast<IValue*>(nullptr)));
     EXPECT_TRUE(GenericValue(5).equals(5) && GenericValue(u"x").equals(u"x") &&

@@ -124,6 +124,52 @@ TEST_F(ValueText, RandomTreesComeBackOverEveryStream) {
     }
 }
 
+/// What is read of a text, or that it is refused.
+wstring outcome(wistream& stream) {
+    ListInStream in(stream);
+    ListInStorage storage(in);
+    wstring text;
+    try {
+        GenericValue::deserialize(&storage).toString(text);
+    } catch (const ListStreamException&) {
+        text = u"malformed";
+    } catch (const TypeException&) {
+        text = u"no such type";
+    }
+    return text;
+}
+
+/// Values that lie whole in the units at hand are read by other code than those that do not.
+TEST_F(ValueText, WhatIsAlmostAValueIsOneOverEveryStreamOrNone) {
+    std::mt19937_64 random(31);
+    const wstring units = u"{}\",' 0179.-+eUNSBDTL#x";
+    for (int i = 0; i < 20'000; ++i) {
+        wstring text = textOf(random_value(random, 0)) + u",";
+        for (auto changes = 1 + random() % 2; changes > 0; --changes) {
+            const std::size_t at = random() % std::min<std::size_t>(text.size(), 12);
+            const wstring unit = units.substr(random() % units.size(), 1);
+            text.replace(at, random() % 2, random() % 4 == 0 ? u"" : unit);
+        }
+        std::vector<wstring> seen;
+        test::on_every_stream(text, [&](wistream& stream) { seen.push_back(outcome(stream)); });
+        for (const wstring& other : seen)
+            ASSERT_EQ(other, seen.front()) << to_utf8(text);
+    }
+}
+
+/// An object that cannot be written.
+class Silent : public IValueImpl {
+  public:
+    using Interfaces = InterfaceList<IValue>;
+    IType* getType() const noexcept override { return Type(Type::null).get(); }
+};
+
+TEST_F(ValueText, WhatCannotBeWrittenIsRefused) {
+    wstring text = u"before";
+    EXPECT_THROW(GenericValue(SCOM_InternalClass<Silent>::create()).toString(text), ContextException);
+    EXPECT_EQ(text, u"before");
+}
+
 TEST_F(ValueText, MalformedTextIsRefused) {
     for (const wchar* text : {u"",           u"{",
                               u"{}",         u"{\"N\"}",
