@@ -250,6 +250,8 @@ TEST(Zone, WithoutZoneFilesTheyComeFromICU) {
     EXPECT_EQ(winter.toLocalTime("Europe/Madrid"), Date(2004, 1, 15, 1));
     EXPECT_EQ(summer.toLocalTime("Europe/Madrid"), Date(9876, 7, 15, 2));
     EXPECT_EQ(Date(9876, 7, 15, 2).toUniversalTime("Europe/Madrid"), summer);
+    EXPECT_EQ(Date(1971, 7, 15).toLocalTime("Europe/Madrid"), Date(1971, 7, 15, 1));
+    EXPECT_EQ(Date(2371, 7, 15).toLocalTime("Europe/Madrid"), Date(2371, 7, 15, 2)) << "400 years later";
     EXPECT_EQ(winter.toLocalTime("Australia/Brisbane"), Date(2004, 1, 15, 10));
     EXPECT_THROW(Date::checkTimeZone("Europe/Nowhere"), TimeZoneException);
 }

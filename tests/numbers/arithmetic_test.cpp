@@ -176,6 +176,7 @@ TEST(Arithmetic, AFailedOperationChangesNothing) {
     EXPECT_EQ(0 / opposite, 0);
     EXPECT_THROW((void)(farthest / (3 * opposite)), std::bad_alloc) << "the place does not wrap round";
     EXPECT_THROW((void)(farthest + opposite), std::bad_alloc);
+    EXPECT_THROW((void)(num("1234567890123456789012345678901234567890123") * opposite), std::bad_alloc);
 }
 
 TEST(Arithmetic, FailuresHaveTheirNumbersAndMessages) {
