@@ -69,4 +69,14 @@ TEST(Allocation, ADivisorOf255LimbsIsDividedByOnTheStack) {
     }
 }
 
+TEST(Allocation, ZeroBesideAPlaceFarAwayTakesNoMemory) {
+    const Numeric far = Numeric(10).pow(9'000);
+    const test::AllocationLimit none(0);
+    Numeric sum;
+    EXPECT_NO_THROW(sum = 0 + far);
+    EXPECT_NO_THROW(sum = 0 - (0 - sum));
+    EXPECT_NO_THROW(sum = sum - 0);
+    EXPECT_EQ(sum, far);
+}
+
 } // namespace
