@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any text as a brace list. What the scanner accepts is written anew and must scan to the same, by runs and
+// Any text as a brace list. What the scanner accepts is written again and must scan to the same, by runs and
 // unit by unit; the reader takes what it can and stops, whatever it is asked for.
 #include <core/lists.h>
 #include <core/lists/errors.h>

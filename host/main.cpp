@@ -18,7 +18,7 @@ void keep_standard_streams() {
     }
 }
 
-/// Scripts make large values and drop them all the time: pages given back at once would be asked for anew,
+/// Scripts make large values and drop them all the time: pages given back at once would be asked for again,
 /// which takes longer than filling them.
 void keep_freed_memory() {
     constexpr int kKept = 256 << 20;

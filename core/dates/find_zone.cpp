@@ -72,7 +72,7 @@ class KnownZones {
         if (zone == nullptr)
             return nullptr;
         if (zones_.size() == kMost)
-            zones_.clear(); // whoever uses one holds it
+            zones_.clear(); // each user of a zone holds it
         return zones_.emplace(name, std::move(zone)).first->second;
     }
 

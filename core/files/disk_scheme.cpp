@@ -150,7 +150,7 @@ class DiskScheme : public IFileScheme {
     }
 
     /// A name as units among which neither a wildcard stands nor two names that differ are the same: halves
-    /// of surrogate pairs, which no text in UTF-8 has, stand for what is no text.
+    /// of surrogate pairs, which no text in UTF-8 has, stand for bytes that are not UTF-8.
     static wstring comparable(const std::string& name) {
         constexpr unsigned kHalf = 0xDC00;
         wstring units = from_utf8(name);

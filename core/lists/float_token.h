@@ -6,7 +6,7 @@
 
 namespace core::detail {
 
-/// The machine that tells where a floating-point token ends. "." and "-.e5" are such tokens, "+1" is none.
+/// The machine that tells where a floating-point token ends. "." and "-.e5" are such tokens, "+1" is not.
 class FloatToken {
   public:
     static constexpr std::size_t kMaxLength = 31;

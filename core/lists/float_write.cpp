@@ -29,7 +29,7 @@ struct Sixteen {
 
   private:
     /// Scales by a power of ten that a double holds exactly, and knows the error of the product: so the
-    /// sixteen digits before the point are known, but for values too close to the middle between two. An
+    /// sixteen digits before the point are known, except for values too close to the middle between two. An
     /// eighth of the time of the general conversion.
     bool scale(double value) noexcept {
         static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,

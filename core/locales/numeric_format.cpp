@@ -58,7 +58,7 @@ void take_whole(wstring_view& rest, wchar group, std::string& digits) {
     }
 }
 
-/// The number at the front of `rest` in the plain form; empty when there is none.
+/// The number at the front of `rest` in the plain form; empty if none exists.
 std::string take_number(wstring_view& rest, wchar point, wchar group) {
     std::string plain;
     if (!rest.empty() && (rest.front() == u'-' || rest.front() == u'+')) {

@@ -73,7 +73,7 @@ int Numeric::compareMagnitudes(const Numeric& a, const Numeric& b) noexcept {
             return *p < *q ? -1 : 1;
         }
     }
-    // The lowest limb is never zero, so whoever has more of them is greater.
+    // The lowest limb is never zero, so the number that has more of them is greater.
     return a.count_ == b.count_ ? 0 : a.count_ < b.count_ ? -1 : 1;
 }
 

@@ -22,7 +22,7 @@ struct Assignment {
     GenericValue value;
 };
 
-/// The receiver's property with a name of the source's property, in either language; -1 when there is none.
+/// The receiver's property with a name of the source's property, in either language; -1 if none exists.
 int same_property(const IContext_& receiver, const IContext_& source, int prop) {
     for (const int alias : {kEnglish, kRussian}) {
         const wchar* const name = source.getPropName(prop, alias);

@@ -22,7 +22,7 @@ bool Container::create(IFile& file, const StorageLayout& layout, bool replacing)
     std::vector<std::byte> bytes(head.begin(), head.begin() + ContainerHead::sizeIn(layout));
     // The table's first block holds, from the start, what never changes of the table.
     bytes.insert(bytes.end(), FilesTable::preamble().begin(), FilesTable::preamble().end());
-    lock.beginCommit(); // after whoever reads what there was
+    lock.beginCommit(); // after those who still read the old state
     try {
         write_all_at(file, 0, bytes);
         file.flush();
@@ -43,7 +43,7 @@ Container::Container(InterfacePtr<IFile> file, const StorageLayout& layout, cons
       table_(layout_), tableBlocks_(layout_.blockHeaderSize()), freeBlocks_(layout_.blockHeaderSize()),
       space_(layout_) {
     reader_.setQueue(&queue_);
-    const Reading reading(*this); // what is no container is refused here
+    const Reading reading(*this); // refuses a file that is not a container
 }
 
 Container::~Container() = default;

@@ -126,7 +126,7 @@ class Container : public std::enable_shared_from_this<Container> {
     void giveBack(std::span<const BlockRange> place) noexcept;
     void giveBack(const BlockRuns& blocks) noexcept;
     /// What is free is not known any more, because a call ran out of memory in the middle. Nothing is taken
-    /// nor committed before it is read anew.
+    /// nor committed before it is read again.
     void forgetSpace() noexcept { spaceCounter_.reset(); }
     /// Writes blocks in pieces; see encode_blocks().
     void write(std::span<const BlockRange> place, std::span<const std::byte> content, std::uint64_t chainSize,
@@ -210,7 +210,7 @@ class Container : public std::enable_shared_from_this<Container> {
     ContainerHead::Bytes headBytes_{};
     ContainerHead head_;
     FilesTable table_;
-    BlockRuns tableBlocks_;                     // but for the first, which never moves
+    BlockRuns tableBlocks_;                     // except for the first, which never moves
     std::optional<std::uint64_t> spaceCounter_; // the state that space_ belongs to; none when it is not known
     BlockRuns freeBlocks_;
     FreeSpace space_;

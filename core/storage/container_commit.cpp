@@ -237,7 +237,7 @@ void Container::giveBack(const BlockRuns& blocks) noexcept {
         queue_.drop(run->address, run->address + blocks.lengthOf(*run));
     try {
         (void)onSpace([&] { return space_.release(blocks); }); // false: everything was taken back by now
-    } catch (...) {                                            // what is free is read anew
+    } catch (...) {                                            // what is free is read again
     }
 }
 

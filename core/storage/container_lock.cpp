@@ -39,7 +39,7 @@ void ContainerLock::unlock(std::uint64_t offset, std::uint64_t length) const noe
 void ContainerLock::beginReading() const {
     if (!file_)
         return;
-    // Header and gate in one call; the gate is left at once for whoever wants to close it.
+    // Header and gate in one call; the gate is left at once for those who want to close it.
     wait(0, layout_.headerSize() + 1, LockKind::shared);
     unlock(layout_.headerSize(), 1);
 }

@@ -21,7 +21,7 @@ namespace core {
 /// 3. fresh: in use by the changes alone, free once they are taken back;
 /// 4. released: in use by the committed state alone, free once the changes are committed.
 ///
-/// A call that runs out of memory leaves things half done: load() it anew. The two ways out of the changes
+/// A call that runs out of memory leaves things half done: load() it again. The two ways out of the changes
 /// never do.
 class FreeSpace {
   public:

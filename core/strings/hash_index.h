@@ -31,7 +31,7 @@ class HashIndex {
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
     [[nodiscard]] bool empty() const noexcept { return size_ == 0; }
 
-    /// The position with that hash for which `equal(position)` is true; kNone when there is none. `equal` is
+    /// The position with that hash for which `equal(position)` is true; kNone if none exists. `equal` is
     /// asked about few others.
     template <class Equal>
     [[nodiscard]] Position find(std::uint64_t hash, Equal equal) const;

@@ -13,7 +13,7 @@ constexpr bool is_radix(unsigned radix) noexcept {
     return radix >= 2 && radix <= 36;
 }
 
-// The value of a digit in any radix; a number above all of them for what is no digit.
+// The value of a digit in any radix; a number above all of them for a unit that is not a digit.
 unsigned digit_value(wchar c) noexcept {
     if (const int value = digit(c); value >= 0)
         return static_cast<unsigned>(value);

@@ -66,7 +66,7 @@ class LikeProgram::Matcher {
         return true;
     }
 
-    // The first place in [at, end) where `run` matches; null if there is none.
+    // The first place in [at, end) where `run` matches; null if none exists.
     [[nodiscard]] const wchar* find(const Run& run, const wchar* at, const wchar* end) const noexcept {
         if (static_cast<std::size_t>(end - at) < run.length)
             return nullptr;

@@ -8,7 +8,7 @@
 namespace core {
 namespace {
 
-// The length of the white space character, in UTF-8, that `text` begins (or ends) with; 0 if there is none.
+// The length of the white space character, in UTF-8, that `text` begins (or ends) with; 0 if none exists.
 // No white space takes more than three bytes, and a part of a longer sequence decodes to none.
 template <bool kAtEnd>
 std::size_t space_length(std::string_view text) noexcept {

@@ -20,7 +20,7 @@ struct UnitPair {
     std::size_t distance = 0;
 };
 
-/// The first of the `count` places from `at` on where `pair` stands; null if there is none. The units up to
+/// The first of the `count` places from `at` on where `pair` stands; null if none exists. The units up to
 /// at[count - 1 + distance] are read.
 [[nodiscard]] const wchar* find_pair(const UnitPair& pair, const wchar* at, std::size_t count) noexcept;
 

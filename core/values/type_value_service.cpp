@@ -53,7 +53,7 @@ class TypeValueService : public ITypeValueService {
 
     const Types& gathered() {
         std::call_once(once_, [this] {
-            Types types; // when memory runs out, the next look-up begins anew
+            Types types; // when memory runs out, the next look-up begins again
             for (auto kind = ValueKind::undefined; kind != ValueKind::object;
                  kind = static_cast<ValueKind>(static_cast<int>(kind) + 1))
                 types.add(detail::primitive_type(kind));

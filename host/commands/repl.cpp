@@ -142,7 +142,7 @@ ExitCode converse(Console& console) {
     return ended ? ExitCode::done : ExitCode::io;
 }
 
-/// Without a terminal there is nobody to see prompts, and whoever started it must learn of failures.
+/// Without a terminal there is nobody to see prompts, and the program that started it must learn of failures.
 ExitCode read_entries(Console& console) {
     Repl repl(console);
     repl.run([&](bool) -> std::optional<wstring> {

@@ -17,9 +17,9 @@ class Lexer {
     /// Reads `text`; `more` is asked where that ends inside a string, and by extend().
     explicit Lexer(core::wstring_view text, More more = {});
 
-    /// The next token; `end` at the end, as often as asked. Throws ScriptError for what is no token.
+    /// The next token; `end` at the end, as often as asked. Throws ScriptError for text that is not a token.
     Token next();
-    /// Asks for more text, which next() then reads. False when there is none.
+    /// Asks for more text, which next() then reads. False if no more comes.
     bool extend();
 
   private:

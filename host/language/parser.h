@@ -25,7 +25,7 @@ enum class Mode {
 [[nodiscard]] Program parse(std::shared_ptr<const Source> source, Variables& variables,
                             Mode mode = Mode::file);
 
-/// Adds a line to a source, or nothing when there is none.
+/// Adds a line to a source, or nothing if no more come.
 using MoreLines = std::function<void(Source& source)>;
 /// Reads an entry of a console, whose first line `source` holds. `more` is asked wherever the text ends and
 /// something must follow, and not before, so that an entry is carried out as soon as it is complete, and each

@@ -60,7 +60,7 @@ struct Token {
     Span span;
 };
 
-/// The keyword that a word is, in either language and without regard to case; `name` when it is none.
+/// The keyword that a word is, in either language and without regard to case; `name` for any other word.
 [[nodiscard]] TokenKind keyword(core::wstring_view word);
 /// What a sign or a keyword is written as, a keyword in both languages: "Then/Тогда". Empty for other kinds.
 [[nodiscard]] core::wstring spelling(TokenKind kind);

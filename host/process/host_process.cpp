@@ -58,7 +58,7 @@ HRESULT ProcessObject::queryOther(const GUID& iid, void** out) noexcept {
             return kNoInterface;
         if (!place->second.object) {
             const auto object = createInstance(place->second.clsid);
-            services_.at(iid).object = object; // found anew: making it may have registered others
+            services_.at(iid).object = object; // found again: making it may have registered others
             return object ? object->QueryInterface(iid, out) : kNoInterface;
         }
         return place->second.object->QueryInterface(iid, out);

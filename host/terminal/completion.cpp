@@ -152,7 +152,7 @@ Completion complete(wstring_view before, const script::Interpreter& interpreter,
         }
         return {word.size(), names.take()};
     } catch (const script::ScriptError&) {
-        return {}; // in a string, or behind what is no script
+        return {}; // in a string, or behind text that is not a script
     }
 }
 

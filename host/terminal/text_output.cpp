@@ -41,7 +41,7 @@ bool is_device(const fs::path& path) {
     return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
-/// What a link leads to, whether it is there or not; what is no link itself.
+/// What a link leads to, whether it is there or not; the name itself if it is not a link.
 fs::path followed(const fs::path& file) {
     fs::path path = file;
     std::error_code isNoLink;

@@ -53,7 +53,7 @@ inline wstring text(const GenericValue& value) {
     return out;
 }
 
-/// The message of the failure of type `E` that `action` ends in; empty when there is none.
+/// The message of the failure of type `E` that `action` ends in; empty if none exists.
 template <class E = ContextException, class Action>
 [[nodiscard]] wstring failure(Action action) {
     try {

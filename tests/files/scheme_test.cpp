@@ -134,7 +134,7 @@ TEST(DiskScheme, AnEscapedWildcardIsACharacter) {
     EXPECT_EQ(names(u"*%3F?"), "a?1 ");
     EXPECT_EQ(names(u"a%FE*"), "a\xFE"
                                "1 ")
-        << "what is no text is told apart";
+        << "names that are not text are told apart";
     EXPECT_EQ(names(u"a*"), "a*1 a?1 ab1 a\xFE"
                             "1 a\xFF"
                             "1 ");

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-/// LIKE in the plainest way: the pattern's text is walked anew for every text, one case a line. Exponential
+/// LIKE in the plainest way: the pattern's text is walked again for every text, one case a line. Exponential
 /// in the number of "%", so for short patterns only.
 struct LikeModel {
     core::wstring_view pattern;

@@ -22,7 +22,7 @@ class FaultContainer : public InBothLayouts {
         storage.put(u"kept", model_[u"kept"] = Bytes(5000, std::byte{7}));
     }
 
-    /// The state on the disk, opened anew, without any failure.
+    /// The state on the disk, opened again, without any failure.
     Model reopened(const FaultDisk& disk, const std::string& where) {
         FaultDisk copy;
         copy.bytes = disk.bytes;

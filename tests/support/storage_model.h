@@ -96,7 +96,7 @@ inline void edit(Random& random, IFile& file, Bytes& model) {
 }
 
 /// One random change, the same to both. Each is one commit outside a transaction. False when nothing was
-/// changed, for want of a file.
+/// changed, because no file exists.
 inline bool change(Random& random, StorageRW& storage, Model& model) {
     const wstring name = random.name();
     const bool exists = model.contains(name);

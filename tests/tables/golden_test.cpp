@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Texts that were written once and are kept for ever: whoever wrote them must be read always.
+// Texts that were written once and are kept for ever: every version reads them.
 #include "tests/tables/table_fixture.h"
 
 #include <fstream>

@@ -41,7 +41,7 @@ TEST_F(TableCells, HoldCellsToTheTypesOfTheirColumns) {
     any.query<IContext_>()->setPropVal(any.query<IContext_>()->findProp(u"ТипЗначения"),
                                        description(u"Number"));
     EXPECT_TRUE(call(table, u"Total", {u"Any"}).equals(6))
-        << "the cells became numbers, and one that is none 0";
+        << "the cells became numbers, and a text without a number became 0";
     EXPECT_TRUE(call(table, u"Total", {u"N"}).equals(7));
     call(table, u"LoadColumn", {call(table, u"UnloadColumn", {u"Any"}), u"N"});
     EXPECT_EQ(content(table), u"0,0;3,3;3,3;");

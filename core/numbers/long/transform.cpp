@@ -55,7 +55,7 @@ class Transform {
         }
     }
 
-    /// Undoes forward(), but for the size as a factor.
+    /// Undoes forward(), except that the size remains as a factor.
     void inverse(Word* x) {
         makeRoots(true);
         if (!thirds_) {

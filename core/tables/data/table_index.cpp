@@ -78,7 +78,7 @@ std::uint64_t TableIndex::hashOf(RowId row) const noexcept {
     return hash;
 }
 
-/// The first row with the cells of `row`, of which the index knows; HashIndex::kNone when there is none.
+/// The first row with the cells of `row`, of which the index knows; HashIndex::kNone if none exists.
 RowId TableIndex::firstWithKeyOf(RowId row, std::uint64_t hash) const noexcept {
     return index_.find(hash, [&](RowId first) {
         return std::all_of(columns_.begin(), columns_.end(),

@@ -16,8 +16,9 @@ namespace host {
 [[nodiscard]] bool is_csv_delimiter(core::wchar unit) noexcept;
 
 /// The table that `read` brings the bytes of, its cells Strings; messages call it `name`. Without `columns`
-/// the first row holds the titles, of which names are made: what is no letter, digit or "_" becomes "_", and
-/// a name that is taken gets a number. With `columns`, which are names, every row is one of the table.
+/// the first row holds the titles, from which it makes names: each character that is not a letter, a digit
+/// or "_" becomes "_", and a name that is taken gets a number. With `columns`, which are names, every row is
+/// one of the table.
 ///
 /// ContextException, with name and line, for a row that is malformed or has another number of fields than
 /// there are columns; what `read` throws passes through.

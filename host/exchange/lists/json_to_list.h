@@ -9,7 +9,7 @@
 namespace host {
 
 /// Writes the brace list that a JSON text stands for, the inverse of list_to_json(): arrays are lists,
-/// strings are strings, numbers are tokens as they stand but for a "+" in the exponent, and an object with
+/// strings are strings, numbers are tokens as they stand except for a "+" in the exponent, and an object with
 /// the one member "token" is the token that this is. ContextException for everything else.
 class JsonToList : public JsonEvents {
   public:

@@ -27,7 +27,7 @@ struct ListCounts {
 /// Reads a text to its end; false when it is malformed, and the scanner says where.
 bool count_list(core::ListScanner& scanner, ListCounts& counts);
 
-/// Writes the list anew, laid out. Doing so again changes nothing, and what is read is the same.
+/// Writes the list, laid out. Doing so again changes nothing, and what is read is the same.
 void format_list(core::ListScanner& scanner, const std::string& name, core::wostream& out,
                  std::size_t indent);
 

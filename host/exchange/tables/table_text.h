@@ -13,7 +13,7 @@
 /// Tables for people to read: columns aligned by what a terminal shows, long cells cut, numbers to the right.
 namespace host {
 
-/// Anything that has rows to show. Its cells belong to whoever walks it.
+/// Anything that has rows to show. Its cells belong to the caller that walks it.
 struct TableView {
     struct Column {
         core::wstring title;

@@ -35,7 +35,7 @@ class IValueSequence : public IUnknown {
     /// Returns an element, borrowed. Throws ContextException ("IDS_INDEX_OFFBOUND") for an index that is not
     /// below the count.
     [[nodiscard]] virtual const Value& get(std::size_t index) const = 0;
-    /// Returns the index of the first element that equals `value`; nothing when there is none.
+    /// Returns the index of the first element that equals `value`; nothing if none exists.
     [[nodiscard]] virtual std::optional<std::size_t> find(const Value& value) const noexcept = 0;
 
   protected:

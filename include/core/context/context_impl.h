@@ -163,7 +163,7 @@ class IContextImpl : public Def {
     InterfacePtr<IContextDef> getIContextDef() override {
         return InterfacePtr<IContextDef>(static_cast<IContextDef*>(this));
     }
-    /// Stores in `out` what the property's function returns. Throws ContextException where there is none.
+    /// Stores in `out` what the property's function returns. Throws ContextException if it has none.
     void getPropVal(int prop, GenericValue& out) override {
         const auto* const entry = detail::entry_at(T::properties(), prop);
         if (entry == nullptr)
@@ -172,7 +172,7 @@ class IContextImpl : public Def {
             detail::unreadable_property(entry->names[kEnglish]);
         out = (self().*entry->get)();
     }
-    /// Calls the function that writes the property. Throws ContextException where there is none.
+    /// Calls the function that writes the property. Throws ContextException if it has none.
     void setPropVal(int prop, const GenericValue& value) override {
         const auto* const entry = detail::entry_at(T::properties(), prop);
         if (entry == nullptr)

@@ -72,7 +72,7 @@ class IFileSystem : public IUnknown {
 
     /// Adds a scheme, to which it takes a reference; it replaces one of the same name.
     virtual void registerScheme(IFileScheme* scheme) = 0;
-    /// Removes the scheme of this name; no effect when there is none. Files open through it stay open.
+    /// Removes the scheme of this name; no effect if none exists. Files open through it stay open.
     virtual void revokeScheme(const wstring& name) = 0;
     /// Returns the scheme of this name, or null when no such scheme is registered.
     [[nodiscard]] virtual InterfacePtr<IFileScheme> findScheme(const wstring& name) = 0;

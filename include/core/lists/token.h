@@ -40,7 +40,7 @@ using ListNumber = std::conditional_t<std::same_as<T, char>, signed char, T>;
 
 /// Writes an integer by its sign and magnitude.
 CORE_API wostream& put_integer(wostream& out, bool negative, std::uint64_t magnitude);
-/// Reads an integer as its low 64 bits; 0 if there is none.
+/// Reads an integer as its low 64 bits; 0 if none exists.
 CORE_API bool get_integer(wistream& in, bool withSign, std::uint64_t& value);
 
 } // namespace detail

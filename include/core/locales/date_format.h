@@ -25,9 +25,9 @@ enum class DatePattern : int {
 ///   date=pattern   time=pattern   datetime=pattern   (left out: the date, a blank and the time)
 /// as in "date=dd.MM.yyyy; time=HH:mm". In a pattern yyyy, MM, dd, HH, mm and ss stand for the parts with
 /// leading zeros, M, d, H, m and s for those without, each at most once. Text stands between apostrophes, two
-/// of which are one apostrophe of the text; what is no Latin letter may stand alone: "date=d.M.yyyy 'at'
-/// H:mm". All other Latin letters are refused, so that they can get a meaning later. A pattern has at least
-/// one part. A value type; one object may be used by many threads.
+/// of which are one apostrophe of the text; characters other than Latin letters may stand alone:
+/// "date=d.M.yyyy 'at' H:mm". All other Latin letters are refused, so that they can get a meaning later. A
+/// pattern has at least one part. A value type; one object may be used by many threads.
 class DateFormat {
   public:
     /// Makes the format of a format string, with the patterns of `locale` where it gives none. Throws

@@ -184,7 +184,7 @@ class CORE_API Numeric {
     /// @}
 
     /// \name Text
-    /// Written: "-" in front of a negative number, the whole part ("0" if there is none), and "." with the
+    /// Written: "-" in front of a negative number, the whole part ("0" if none exists), and "." with the
     /// fraction if there is one; no exponent, no grouping. Read: blanks, tabs, line feeds and carriage
     /// returns, an optional sign, digits with at most one "." among, before or behind them.
     /// @{
@@ -193,7 +193,7 @@ class CORE_API Numeric {
     /// where reading stopped. Without a digit the result is 0 and `end` the beginning of `text`. Throws
     /// std::bad_alloc.
     [[nodiscard]] static Numeric fromString(wstring_view text, const wchar** end = nullptr);
-    /// Reads the same from bytes; what is no ASCII character ends the number.
+    /// Reads the same from bytes; a character that is not ASCII ends the number.
     [[nodiscard]] static Numeric fromString(std::string_view text, const char** end = nullptr);
     /// Reads a number and leaves the character behind it unread. False, with this number unchanged, when no
     /// digit was found; what looked like a number up to there is consumed. Throws std::bad_alloc.

@@ -106,7 +106,7 @@ class CORE_API Enumeration final : public IValueImpl,
     Enumeration& operator=(const Enumeration&) = delete;
 
     // the values, for C++ code
-    /// Returns the value with a number; Undefined when there is none.
+    /// Returns the value with a number; Undefined if none exists.
     [[nodiscard]] GenericValue value(std::int32_t number) const;
     /// Returns the number of a value; nothing for a value that is not of this enumeration.
     [[nodiscard]] std::optional<std::int32_t> number(const Value& value) const noexcept;

@@ -91,7 +91,7 @@ class CORE_API LeaksCounter {
 
     /// Returns the name, borrowed from the maker of the entry.
     [[nodiscard]] const char* name() const noexcept { return name_; }
-    /// Returns the table of names, borrowed from the maker of the entry; null when there is none.
+    /// Returns the table of names, borrowed from the maker of the entry; null if none exists.
     [[nodiscard]] const wchar* const* names() const noexcept { return names_; }
 
   private:

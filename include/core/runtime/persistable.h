@@ -21,7 +21,7 @@ using FailureField = std::variant<std::int32_t, wstring, GUID>;
 /// What a storage reads of a failure beside its data.
 struct StoredFailure {
     wstring description;                  ///< the message
-    InterfacePtr<IExceptionObject> cause; ///< the failure behind it; null when there is none
+    InterfacePtr<IExceptionObject> cause; ///< the failure behind it; null if none exists
 };
 
 /// Where objects are written. The storage belongs to its maker and is not counted.

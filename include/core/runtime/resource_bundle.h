@@ -26,7 +26,7 @@ class CORE_API SCOM_ResourceBundle {
     ~SCOM_ResourceBundle();
 
     /// Returns the text under `id` in the bundle of `locale`, or its language, or the root, and stores its
-    /// length in code units. Null when there is none. Throws std::bad_alloc.
+    /// length in code units. Null if none exists. Throws std::bad_alloc.
     [[nodiscard]] const wchar* getString(const char* id, const Locale& locale, unsigned& length);
     /// Returns the bytes under `id`, looked for in the same bundles; empty when there are none. Throws
     /// std::bad_alloc.

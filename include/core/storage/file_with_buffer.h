@@ -25,7 +25,7 @@ class CORE_API FileWithBuffer : public FileImpl {
     /// The interfaces that the object answers queries for.
     using Interfaces = InterfaceList<IFile>;
 
-    /// Opens an inner file for reading. Throws StorageException when there is none of that name or its chain
+    /// Opens an inner file for reading. Throws StorageException if no file has that name or its chain
     /// is damaged, and FileException from the file below.
     FileWithBuffer(const StorageRW& storage, wstring_view name);
     /// Closes the file. What was written by a FileWithBuffer2 is published, without a report of failures; it

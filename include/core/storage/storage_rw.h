@@ -113,18 +113,18 @@ class CORE_API StorageRW {
     [[nodiscard]] bool contains(wstring_view name) const;
     /// Returns the files whose names match `pattern` ("*", "?"), in the order of the table.
     [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern = u"*") const;
-    /// Returns what a search would find of this one file. Throws when there is none.
+    /// Returns what a search would find of this one file. Throws if none exists.
     [[nodiscard]] StorageFound describe(wstring_view name) const;
     /// Opens an inner file: a FileWithBuffer for OpenMode::read, a FileWithBuffer2 for the other modes. Their
     /// pages say what they throw. The file keeps the container open.
     [[nodiscard]] InterfacePtr<IFile> open(wstring_view name, OpenMode mode);
-    /// Returns the whole content of a file, of one committed state. Throws when there is none of that name,
+    /// Returns the whole content of a file, of one committed state. Throws if no file has that name,
     /// and FileException when memory cannot address the content.
     [[nodiscard]] std::vector<std::byte> get(wstring_view name) const;
     /// Makes a file with this content, or replaces the content of an old one. Throws when the file is open
     /// for writing or the name is longer than StorageFilesType::kLongestName.
     void put(wstring_view name, std::span<const std::byte> content);
-    /// Removes a file. Throws when there is none of that name or it is open for writing.
+    /// Removes a file. Throws if no file has that name or it is open for writing.
     void remove(wstring_view name);
     /// Removes the files whose names match `pattern`, in one commit; returns how many that were. Throws when
     /// one of them is open for writing.
@@ -140,7 +140,7 @@ class CORE_API StorageRW {
     /// A crash may leave it in both containers, never in none. Throws as rename() does, and in the middle of
     /// a transaction of this container.
     void moveFrom(StorageRW& source, wstring_view from, wstring_view to);
-    /// Sets the times of a file, in universal time. Throws when there is none of that name or it is open for
+    /// Sets the times of a file, in universal time. Throws if no file has that name or it is open for
     /// writing.
     void setTimes(wstring_view name, Date created, Date modified);
 

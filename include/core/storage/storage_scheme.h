@@ -25,10 +25,10 @@ class IStorageScheme : public IUnknown {
     /// Opens the container that lies in an open file, to which it takes a reference, and returns its root
     /// URL. Throws StorageException when the file holds no container of this layout.
     [[nodiscard]] virtual wstring openContainerIn(IFile* file, const StorageOptions& options) = 0;
-    /// Forgets a root URL; what is still open of the container stays open. Throws StorageException when there
-    /// is none.
+    /// Forgets a root URL; what is still open of the container stays open. Throws StorageException if no
+    /// container has it.
     virtual void closeContainer(const wstring& root) = 0;
-    /// Returns the container with a root URL. Throws StorageException when there is none.
+    /// Returns the container with a root URL. Throws StorageException if none has it.
     [[nodiscard]] virtual StorageRW container(const wstring& root) = 0;
 
   protected:

@@ -17,7 +17,7 @@
 ///     other   itself
 ///
 /// The escape character makes the unit after it stand for itself. At the end of the pattern it is itself, and
-/// inside a set it has no effect. 0 means that there is none.
+/// inside a set it has no effect. 0 means no escape character.
 ///
 /// Without regard to case, units match when their simple foldings (fold_case() of a unit) are the same, and a
 /// set holds every unit that is another case of a member.
