@@ -15,8 +15,8 @@ constexpr bool Date::isMoment(int year, int month, int day, int hour, int minute
 constexpr Date::Date(int year, int month, int day, int hour, int minute, int second) noexcept {
     if (!isMoment(year, month, day, hour, minute, second))
         return;
-    const auto time = static_cast<std::uint64_t>((hour * 60 + minute) * 60 + second);
-    ticks_ = startOf(year, month, day) + time * kTicksPerSecond;
+    const int seconds = (hour * 60 + minute) * 60 + second;
+    ticks_ = startOf(year, month, day) + static_cast<std::uint64_t>(seconds) * kTicksPerSecond;
 }
 
 constexpr void Date::split(int& year, int& month, int& day) const noexcept {

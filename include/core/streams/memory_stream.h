@@ -41,7 +41,7 @@ class CORE_API MemoryOutBuffer final : public TextBuffer {
     int_type overflow(int_type unit) override;
 
   private:
-    static constexpr std::size_t kPiece = 32 * 1024;
+    static constexpr std::size_t kPiece = std::size_t{32} * 1024;
 
     void reset() noexcept { setp(first_.data(), first_.data() + first_.size()); }
 
