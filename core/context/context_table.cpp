@@ -5,6 +5,17 @@
 #include <core/values/errors.h>
 
 namespace core {
+namespace {
+
+template <class T>
+Value value_of(T literal) {
+    return literal;
+}
+Value value_of(std::monostate) noexcept {
+    return {};
+}
+
+} // namespace
 
 bool Param::getDefault(GenericValue* value) const {
     if (byDefault == ParamDefault::none)
@@ -24,6 +35,9 @@ bool Param::getDefault(GenericValue* value) const {
         break;
     case ParamDefault::resourceText:
         *value = GenericValue(message_text(resource));
+        break;
+    case ParamDefault::literal:
+        *value = std::visit([](auto held) { return GenericValue(value_of(held)); }, literal);
         break;
     }
     return true;

@@ -13,4 +13,8 @@
 #include <core/context/group_context.h>
 #include <core/context/iteration.h>
 #include <core/context/name_cache.h>
+#include <core/context/native_call.h>
+#include <core/context/native_function.h>
+#include <core/context/native_object.h>
+#include <core/context/native_value.h>
 #include <core/context/script_object.h>

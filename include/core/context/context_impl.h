@@ -170,7 +170,7 @@ class IContextImpl : public Def {
             detail::bad_property(prop);
         if (entry->get == nullptr)
             detail::unreadable_property(entry->names[kEnglish]);
-        out = (self().*entry->get)();
+        out = entry->read(self());
     }
     /// Calls the function that writes the property. Throws ContextException if it has none.
     void setPropVal(int prop, const GenericValue& value) override {
@@ -179,7 +179,7 @@ class IContextImpl : public Def {
             detail::bad_property(prop);
         if (entry->set == nullptr)
             detail::unwritable_property(entry->names[kEnglish]);
-        (self().*entry->set)(value);
+        entry->write(self(), value);
     }
     /// Completes the arguments with defaults and calls the method's function, see IContext_::call(). Throws
     /// ContextException for a number out of range and a wrong count of arguments, before anything is called.
@@ -191,7 +191,7 @@ class IContextImpl : public Def {
         std::vector<GenericValue>& arguments = params != nullptr ? *params : none;
         if (arguments.size() != entry->params.size())
             detail::complete_arguments(entry->params, arguments, entry->names[kEnglish]);
-        GenericValue returned = (self().*entry->call)(arguments);
+        GenericValue returned = entry->invoke(self(), arguments);
         if (result != nullptr)
             *result = entry->returns ? std::move(returned) : GenericValue();
     }

@@ -6,18 +6,24 @@
 
 #include <cstdint>
 #include <span>
+#include <variant>
 
 /// The properties and methods of a class as data: tables at one place in its source file.
 namespace core {
 
 /// The default of a parameter that may be left out.
 enum class ParamDefault : std::uint8_t {
-    none,        ///< it may not be left out
-    undefined,   ///< Undefined
-    emptyString, ///< the empty String
-    falseValue,  ///< False
-    resourceText ///< the text of the message Param::resource, in the language of the thread
+    none,         ///< it may not be left out
+    undefined,    ///< Undefined
+    emptyString,  ///< the empty String
+    falseValue,   ///< False
+    resourceText, ///< the text of the message Param::resource, in the language of the thread
+    literal       ///< Param::literal
 };
+
+/// A value that a table writes down: a Boolean, a Number or a String; Undefined where it holds nothing. A
+/// text is borrowed, as a rule from a literal.
+using ParamLiteral = std::variant<std::monostate, bool, std::int64_t, double, const wchar*>;
 
 /// A parameter of a method. Most are `{}`: a value goes in, and it cannot be left out.
 struct Param {
@@ -25,6 +31,8 @@ struct Param {
     const char* resource = nullptr;              ///< the message id of a resourceText default
     bool in = true;                              ///< passes a value in
     bool out = false;                            ///< passes a value back
+    NamePair names = {};                         ///< English and Russian; none where tools show the number
+    ParamLiteral literal = {};                   ///< a literal default
 
     /// Returns whether there is a default, and stores it in `*value` when that is not null.
     CORE_API bool getDefault(GenericValue* value) const;
@@ -37,6 +45,11 @@ struct Property {
     GenericValue (T::*get)() const;                      ///< reads it; null when it cannot be read
     void (T::*set)(const GenericValue& value) = nullptr; ///< writes it; null when it cannot be written
     const GUID* type = nullptr;                          ///< the id of its type, where that never varies
+
+    /// Calls `get`, which must not be null.
+    GenericValue read(const T& object) const { return (object.*get)(); }
+    /// Calls `set`, which must not be null.
+    void write(T& object, const GenericValue& value) const { (object.*set)(value); }
 };
 
 /// A method.
@@ -48,6 +61,11 @@ struct Method {
     /// Called with as many arguments as there are parameters. What it returns counts for functions only.
     GenericValue (T::*call)(std::span<GenericValue> arguments);
     const GUID* type = nullptr; ///< the id of the type of what it returns, where that never varies
+
+    /// Calls `call`.
+    GenericValue invoke(T& object, std::span<GenericValue> arguments) const {
+        return (object.*call)(arguments);
+    }
 };
 
 inline constexpr bool kFunction = true;   ///< for Method::returns: the call has a value

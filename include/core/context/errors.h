@@ -17,12 +17,20 @@ inline constexpr const char* kMissingArgument = "IDS_CONTEXT_MISSING_ARGUMENT";
 inline constexpr const char* kNoMethod = "IDS_CONTEXT_NO_METHOD";
 /// An object has no property of that number; {0} is the number.
 inline constexpr const char* kNoProperty = "IDS_CONTEXT_NO_PROPERTY";
+/// An object that stands behind an interface is no value, so that scripts cannot hold it. No parameters.
+inline constexpr const char* kNoValue = "IDS_CONTEXT_NO_VALUE";
 /// A property cannot be read; {0} is its name.
 inline constexpr const char* kPropertyNotReadable = "IDS_CONTEXT_PROPERTY_NOT_READABLE";
 /// A property cannot be written; {0} is its name.
 inline constexpr const char* kPropertyNotWritable = "IDS_CONTEXT_PROPERTY_NOT_WRITABLE";
+/// A property was given a value of a type that it does not take; {0} is its name.
+inline constexpr const char* kPropertyType = "IDS_CONTEXT_PROPERTY_TYPE_MISMATCH";
+/// A property was given a value that it does not take; {0} is its name.
+inline constexpr const char* kPropertyValue = "IDS_CONTEXT_PROPERTY_VALUE_MISMATCH";
 /// A call has too many arguments; {0} is the method, {1} how many it takes.
 inline constexpr const char* kTooManyArguments = "IDS_CONTEXT_TOO_MANY_ARGUMENTS";
+/// A call has no argument for a parameter; {0} is the parameter's number, from 1.
+inline constexpr const char* kParameterMissing = "IDS_PARAMETER_N_MISSING";
 /// An argument has a type that its parameter does not take; {0} is the parameter's number, from 1.
 inline constexpr const char* kParameterType = "IDS_PARAMETER_N_TYPE_MISMATCH";
 /// An argument has a value that its parameter does not take; {0} is the parameter's number, from 1.

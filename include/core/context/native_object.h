@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/context/native_value.h>
+
+#include <concepts>
+#include <type_traits>
+
+/// Objects as C++ pointers, in both directions. A pointer that a value converts to is never null: what may be
+/// missing is an std::optional.
+namespace core {
+
+/// A class of script objects, see ScriptObject: it tells its own objects from other values.
+template <class T>
+concept ScriptClassType = requires(const Value& value) {
+    { T::of(value) } -> std::convertible_to<const T*>;
+};
+
+namespace detail {
+
+/// The object as a value; null is Undefined. Throws ContextException for an object that is no value.
+[[nodiscard]] CORE_API Value value_of_object(IUnknown* object);
+
+/// The pointer as a value; null is Undefined.
+template <class T>
+[[nodiscard]] Value value_of_pointer(T* object) {
+    if constexpr (std::convertible_to<T*, IValue*>)
+        return Value(static_cast<IValue*>(object));
+    else
+        return value_of_object(object);
+}
+
+} // namespace detail
+
+/// An object of a script class or through an interface, never null, with a reference. A null pointer becomes
+/// Undefined.
+template <class T>
+struct NativeValue<InterfacePtr<T>> {
+    /// Returns the object; refuses the type of every other value.
+    static InterfacePtr<T> from(const Value& value,
+                                ValueReceiver receiver) requires(ScriptClassType<T> || Interface<T>) {
+        InterfacePtr<T> object;
+        if constexpr (ScriptClassType<T>)
+            object = InterfacePtr<T>(T::of(value));
+        else if constexpr (std::same_as<T, IValue>)
+            object = value.getIValue();
+        else
+            object = value.query<T>();
+        if (!object)
+            receiver.refuseType();
+        return object;
+    }
+    /// Returns the object as a value. Throws ContextException for an object that is no value.
+    static Value to(const InterfacePtr<T>& object) { return detail::value_of_pointer(object.get()); }
+    /// Returns the type of a script class.
+    static const GUID* type() noexcept {
+        if constexpr (requires {
+                          { T::type() } -> std::convertible_to<IType*>;
+                      })
+            return &T::type()->id();
+        else
+            return nullptr;
+    }
+};
+
+/// The same borrowed from the value. An interface comes with a reference of its own, since the object may
+/// answer a query with a part of itself.
+template <class T>
+requires ScriptClassType<std::remove_const_t<T>> || Interface<std::remove_const_t<T>>
+struct NativeValue<T*> {
+    /// Returns the object; refuses the type of every other value.
+    static auto from(const Value& value, ValueReceiver receiver) {
+        using Object = std::remove_const_t<T>;
+        if constexpr (ScriptClassType<Object>) {
+            Object* const object = Object::of(value);
+            if (object == nullptr)
+                receiver.refuseType();
+            return object;
+        } else {
+            return NativeValue<InterfacePtr<Object>>::from(value, receiver);
+        }
+    }
+    /// Returns the object as a value. Throws ContextException for an object that is no value.
+    static Value to(T* object) {
+        return detail::value_of_pointer(const_cast<std::remove_const_t<T>*>(object));
+    }
+    /// Returns the type of a script class.
+    static const GUID* type() noexcept { return detail::native_type<InterfacePtr<std::remove_const_t<T>>>(); }
+};
+
+} // namespace core
