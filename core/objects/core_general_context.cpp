@@ -73,7 +73,7 @@ constexpr Term kBase64String = {u"Base64String", u"Base64Строка"};
 class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralContextDef>>,
                               public ContextDefExtImpl<CoreGeneralContextDef> {
   public:
-    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt>;
+    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt, IContextDefParams>;
 
     static std::span<const Property<CoreGeneralContextDef>> properties() noexcept { return {}; }
     static std::span<const Method<CoreGeneralContextDef>> methods() noexcept {

@@ -48,14 +48,20 @@ InterfacePtr<IContext_> enumeration_of(const IType& type) {
                                                                       : InterfacePtr<IContext_>();
 }
 
-Method method_of(const IContextDef& definition, const IContextDefExt* ext, int method, int alias) {
+Method method_of(IContextDef& definition, const IContextDefExt* ext, int method, int alias) {
     Method result{{text_of(definition.getMethodName(method, kEnglish)),
                    text_of(definition.getMethodName(method, kRussian))},
                   {},
                   definition.hasRetVal(method),
                   {}};
+    const InterfacePtr<IContextDefParams> named(&definition);
     for (int param = 0; param < definition.getNParams(method); ++param) {
-        Parameter parameter{definition.isParamIn(method, param), definition.isParamOut(method, param), {}};
+        Parameter parameter{
+            {}, definition.isParamIn(method, param), definition.isParamOut(method, param), {}};
+        if (named) {
+            parameter.names = {text_of(named->getParamName(method, param, kEnglish)),
+                               text_of(named->getParamName(method, param, kRussian))};
+        }
         GenericValue value;
         if (definition.getParamDefValue(method, param, &value))
             parameter.byDefault = to_utf8(script::display(value, alias));

@@ -20,6 +20,7 @@ struct Names {
 };
 
 struct Parameter {
+    Names names; ///< empty where the parameter has none
     bool in = true;
     bool out = false;
     std::optional<std::string> byDefault; ///< as a script writes it; none when it cannot be left out

@@ -35,8 +35,8 @@ std::string any_or(const Kinds& kinds, Language language) {
     return text;
 }
 
-/// As in "(1, out 2, 3 = Undefined)": parameters have numbers, no names.
-std::string parameters_text(const Method& method) {
+/// As in "(Amount, out Rest, 3 = Undefined)": a parameter without a name is known by its number.
+std::string parameters_text(const Method& method, Language language) {
     std::string text = "(";
     for (std::size_t i = 0; i < method.parameters.size(); ++i) {
         const Parameter& parameter = method.parameters[i];
@@ -44,7 +44,8 @@ std::string parameters_text(const Method& method) {
             text += ", ";
         if (parameter.out)
             text += parameter.in ? "in out " : "out ";
-        text += std::to_string(i + 1);
+        const std::string& name = in_language(parameter.names, language);
+        text += name.empty() ? std::to_string(i + 1) : name;
         if (parameter.byDefault)
             text += " = " + *parameter.byDefault;
     }
@@ -76,7 +77,7 @@ void write_properties(Console& console, const TypeReport& report) {
 void write_table(Console& console, const std::vector<Method>& methods, std::string_view indent) {
     Columns columns;
     for (const Method& method : methods) {
-        columns.add({method.names.english, method.names.russian, parameters_text(method),
+        columns.add({method.names.english, method.names.russian, parameters_text(method, console.language),
                      result_text(method, console.language)});
     }
     columns.write(console.out, indent);
@@ -123,6 +124,8 @@ Json to_json(const std::vector<Method>& methods) {
         Json parameters = Json::array();
         for (const Parameter& parameter : method.parameters) {
             parameters.push_back({{"in", parameter.in}, {"out", parameter.out}});
+            if (!parameter.names.english.empty())
+                parameters.back()["name"] = to_json(parameter.names);
             if (parameter.byDefault)
                 parameters.back()["default"] = *parameter.byDefault;
         }

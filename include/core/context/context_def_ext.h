@@ -46,6 +46,19 @@ class IContextDefExt : public IUnknown {
     ~IContextDefExt() = default;
 };
 
+/// The names of parameters, beside the extended description. Threads: as the context.
+class IContextDefParams : public IContextDefExt {
+  public:
+    static constexpr GUID IID = "5bc5428c-9a6e-4ca5-b62c-995f82051a6d"_guid; ///< the interface's id
+
+    /// Returns the name of a parameter in the language of `alias`, borrowed; valid as long as the definition.
+    /// Null where the parameter has none, and for a number out of range.
+    [[nodiscard]] virtual const wchar* getParamName(int method, int param, int alias) const = 0;
+
+  protected:
+    ~IContextDefParams() = default;
+};
+
 namespace detail {
 
 /// The type object of a registered type, borrowed; null for a null pointer and for a
@@ -56,11 +69,12 @@ CORE_API bool describe_type(const GUID* type, ContextValueInfo& info);
 
 } // namespace detail
 
-/// Implements the extended description of `T` from the types that stand in its tables of properties and
-/// methods, if it has tables. `collection` says that it can be walked, `itemType` what its elements are: the
-/// id of a static type, null where they may be anything.
-template <class T, bool collection = false, const GUID* itemType = nullptr>
-class ContextDefExtImpl : public IContextDefExt {
+/// Implements the extended description of `T` from the types and names that stand in its tables of properties
+/// and methods, if it has tables. `collection` says that it can be walked, `itemType` what its elements are:
+/// the id of a static type, null where they may be anything. `I` is IContextDefParams or an interface derived
+/// from it.
+template <class T, bool collection = false, const GUID* itemType = nullptr, class I = IContextDefParams>
+class ContextDefExtImpl : public I {
   public:
     bool isCollection() const override { return collection; }
     bool getCollectionItemInfo(ContextValueInfo& info) const override {
@@ -88,6 +102,14 @@ class ContextDefExtImpl : public IContextDefExt {
         const GUID* const type = typeOfMethod(method);
         types = type != nullptr ? TypeDomain(*type) : TypeDomain();
         return type != nullptr;
+    }
+
+    const wchar* getParamName(int method, int param, int alias) const override {
+        if constexpr (requires { T::methods(); }) {
+            if (const auto* const entry = detail::entry_at(T::methods(), method); entry != nullptr)
+                return detail::name_at(entry->params, param, alias);
+        }
+        return nullptr;
     }
 
   protected:

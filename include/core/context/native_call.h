@@ -50,19 +50,27 @@ struct Signature {
     static const GUID* resultType() noexcept { return native_type<std::remove_cvref_t<R>>(); }
 };
 
-/// The signature of a callable, whatever its qualifiers; of a member function, without its object.
+/// The signature of a member function, whatever its qualifiers, without its object.
 template <class F>
-struct SignatureOf : SignatureOf<decltype(&F::operator())> {};
+struct MemberSignature;
+template <class R, class C, class... As, bool never>
+struct MemberSignature<R (C::*)(As...) noexcept(never)> : Signature<R, As...> {};
+template <class R, class C, class... As, bool never>
+struct MemberSignature<R (C::*)(As...)& noexcept(never)> : Signature<R, As...> {};
+template <class R, class C, class... As, bool never>
+struct MemberSignature<R (C::*)(As...) const noexcept(never)> : Signature<R, As...> {};
+template <class R, class C, class... As, bool never>
+struct MemberSignature<R (C::*)(As...) const& noexcept(never)> : Signature<R, As...> {};
+
+/// The signature of a callable: of a function object, of a member function or of a pointer to a function.
+template <class F>
+struct SignatureOf : MemberSignature<decltype(&F::operator())> {};
+template <class F>
+requires std::is_member_function_pointer_v<F>
+struct SignatureOf<F> : MemberSignature<F> {
+};
 template <class R, class... As, bool never>
 struct SignatureOf<R (*)(As...) noexcept(never)> : Signature<R, As...> {};
-template <class R, class C, class... As, bool never>
-struct SignatureOf<R (C::*)(As...) noexcept(never)> : Signature<R, As...> {};
-template <class R, class C, class... As, bool never>
-struct SignatureOf<R (C::*)(As...)& noexcept(never)> : Signature<R, As...> {};
-template <class R, class C, class... As, bool never>
-struct SignatureOf<R (C::*)(As...) const noexcept(never)> : Signature<R, As...> {};
-template <class R, class C, class... As, bool never>
-struct SignatureOf<R (C::*)(As...) const& noexcept(never)> : Signature<R, As...> {};
 
 template <class F>
 concept Callable = requires {
@@ -108,8 +116,7 @@ class Slot {
                   "core/collections/native_values.h or core/objects/native_enumeration.h");
 
   public:
-    Slot(GenericValue& argument, int param)
-        : held_(NativeValue<T>::from(argument, ValueReceiver::parameter(param))) {}
+    Slot(const Value& argument, ValueReceiver receiver) : held_(NativeValue<T>::from(argument, receiver)) {}
     decltype(auto) pass() noexcept {
         if constexpr (std::is_lvalue_reference_v<A>)
             return std::as_const(held_);
@@ -124,7 +131,7 @@ class Slot {
 template <ValueReference A>
 class Slot<A> {
   public:
-    Slot(GenericValue& argument, int) noexcept : argument_(argument) {}
+    Slot(const GenericValue& argument, ValueReceiver) noexcept : argument_(argument) {}
     A pass() const noexcept { return argument_; }
     GenericValue back() const { return {}; }
 
@@ -137,8 +144,7 @@ class Slot<A> {
     using T = std::remove_pointer_t<std::remove_reference_t<A>>;
 
   public:
-    Slot(GenericValue& argument, int param)
-        : held_(NativeValue<T*>::from(argument, ValueReceiver::parameter(param))) {}
+    Slot(const Value& argument, ValueReceiver receiver) : held_(NativeValue<T*>::from(argument, receiver)) {}
     A pass() const noexcept {
         T* const object = std::to_address(held_);
         if constexpr (std::is_pointer_v<A>)
@@ -157,8 +163,7 @@ class Slot<A> {
     static_assert(FromValue<T> && ToValue<T>, "values do not convert to this type and back");
 
   public:
-    Slot(GenericValue& argument, int param)
-        : held_(NativeValue<T>::from(argument, ValueReceiver::parameter(param))) {}
+    Slot(const Value& argument, ValueReceiver receiver) : held_(NativeValue<T>::from(argument, receiver)) {}
     T& pass() noexcept { return held_; }
     GenericValue back() const { return to_value(held_); }
 
@@ -170,7 +175,7 @@ class Slot<Out<T>> {
     static_assert(ToValue<T>, "this type does not convert to values");
 
   public:
-    Slot(GenericValue&, int) {}
+    Slot(const Value&, ValueReceiver) {}
     Out<T> pass() noexcept { return Out<T>(held_); }
     GenericValue back() const { return to_value(held_); }
 
@@ -189,7 +194,7 @@ struct Slots;
 template <std::size_t... places, class... As>
 struct Slots<std::index_sequence<places...>, As...> : PlacedSlot<places, As>... {
     explicit Slots([[maybe_unused]] std::span<GenericValue> arguments)
-        : PlacedSlot<places, As>(arguments[places], static_cast<int>(places))... {}
+        : PlacedSlot<places, As>(arguments[places], ValueReceiver::parameter(static_cast<int>(places)))... {}
 
     template <class Call>
     decltype(auto) apply(Call&& call) {
@@ -242,9 +247,10 @@ GenericValue call_member(T& object, F function, std::span<GenericValue> argument
 /// them what it passes back. Returns its value, Undefined for none. Throws ContextException for an argument
 /// that does not convert, before the callable is called, and what the callable throws; the arguments are then
 /// unchanged.
-template <detail::Callable F>
-GenericValue call_native(F& callable, std::span<GenericValue> arguments) {
-    using Signed = detail::SignatureOf<F>;
+template <class F>
+requires detail::Callable<std::remove_const_t<F>>
+    GenericValue call_native(F& callable, std::span<GenericValue> arguments) {
+    using Signed = detail::SignatureOf<std::remove_const_t<F>>;
     return detail::call_with<typename Signed::Result>(
         typename Signed::Parameters{},
         [&]<class... Passed>(Passed&&... passed) ->

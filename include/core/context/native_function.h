@@ -4,7 +4,9 @@
 #include <core/context/context_table.h>
 #include <core/context/native_call.h>
 
+#include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstddef>
 #include <initializer_list>
 #include <memory>
@@ -59,25 +61,21 @@ struct Parameter {
 
 namespace detail {
 
-/// The rows of the parameters of a signature: what their types say, with the given names and defaults.
-template <class... As, class Names>
-[[nodiscard]] constexpr auto parameter_rows(TypeList<As...>, const Names& names) noexcept {
-    std::array<Param, sizeof...(As)> rows = {
+/// The rows of the parameters of a signature: what their types say.
+template <class... As>
+[[nodiscard]] constexpr auto parameter_rows(TypeList<As...>) noexcept {
+    return std::array<Param, sizeof...(As)>{
         Param{.byDefault = kMayBeMissing<As> ? ParamDefault::undefined : ParamDefault::none,
               .in = kPassesIn<As>,
               .out = kPassesBack<As>}...};
-    std::size_t i = 0;
-    for (const Parameter& given : names) {
-        if (i == rows.size())
-            break;
-        rows[i].names = given.names;
-        if (given.byDefault.kind != ParamDefault::none) {
-            rows[i].byDefault = given.byDefault.kind;
-            rows[i].literal = given.byDefault.literal;
-        }
-        ++i;
+}
+/// Adds to the row of a parameter what a declaration says of it.
+constexpr void name_parameter(Param& row, const Parameter& given) noexcept {
+    row.names = given.names;
+    if (given.byDefault.kind != ParamDefault::none) {
+        row.byDefault = given.byDefault.kind;
+        row.literal = given.byDefault.literal;
     }
-    return rows;
 }
 
 } // namespace detail
@@ -93,8 +91,10 @@ class NativeFunction {
     requires detail::Callable<F>
     explicit NativeFunction(F function, std::initializer_list<Parameter> parameters = {})
         : held_(std::make_unique<Held<F>>(std::move(function))) {
-        const auto rows = detail::parameter_rows(typename detail::SignatureOf<F>::Parameters{}, parameters);
+        const auto rows = detail::parameter_rows(typename detail::SignatureOf<F>::Parameters{});
         params_.assign(rows.begin(), rows.end());
+        for (std::size_t i = 0; i < std::min(params_.size(), parameters.size()); ++i)
+            detail::name_parameter(params_[i], parameters.begin()[i]);
         returns_ = detail::SignatureOf<F>::kReturns;
         type_ = detail::SignatureOf<F>::resultType();
     }

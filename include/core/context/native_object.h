@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/context/native_value.h>
+#include <core/runtime/internal_class.h>
 
 #include <concepts>
 #include <type_traits>
@@ -15,6 +16,10 @@ template <class T>
 concept ScriptClassType = requires(const Value& value) {
     { T::of(value) } -> std::convertible_to<const T*>;
 };
+
+/// Holds an object of a script class with a reference: what make_object() returns.
+template <class T>
+using ObjectPtr = InterfacePtr<SCOM_InternalClass<T>>;
 
 namespace detail {
 
@@ -32,17 +37,13 @@ template <class T>
 
 } // namespace detail
 
-/// An object of a script class or through an interface, never null, with a reference. A null pointer becomes
-/// Undefined.
+/// An object through an interface, never null, with a reference. A null pointer becomes Undefined.
 template <class T>
 struct NativeValue<InterfacePtr<T>> {
     /// Returns the object; refuses the type of every other value.
-    static InterfacePtr<T> from(const Value& value,
-                                ValueReceiver receiver) requires(ScriptClassType<T> || Interface<T>) {
+    static InterfacePtr<T> from(const Value& value, ValueReceiver receiver) requires Interface<T> {
         InterfacePtr<T> object;
-        if constexpr (ScriptClassType<T>)
-            object = InterfacePtr<T>(T::of(value));
-        else if constexpr (std::same_as<T, IValue>)
+        if constexpr (std::same_as<T, IValue>)
             object = value.getIValue();
         else
             object = value.query<T>();
@@ -52,15 +53,20 @@ struct NativeValue<InterfacePtr<T>> {
     }
     /// Returns the object as a value. Throws ContextException for an object that is no value.
     static Value to(const InterfacePtr<T>& object) { return detail::value_of_pointer(object.get()); }
-    /// Returns the type of a script class.
-    static const GUID* type() noexcept {
-        if constexpr (requires {
-                          { T::type() } -> std::convertible_to<IType*>;
-                      })
-            return &T::type()->id();
-        else
-            return nullptr;
+};
+
+/// An object of a script class, never null, with a reference. A null pointer becomes Undefined.
+template <ScriptClassType T>
+struct NativeValue<ObjectPtr<T>> {
+    /// Returns the object; refuses the type of every other value.
+    static ObjectPtr<T> from(const Value& value, ValueReceiver receiver) {
+        // No object of a script class has another form.
+        return static_cast<SCOM_InternalClass<T>*>(NativeValue<T*>::from(value, receiver));
     }
+    /// Returns the object as a value.
+    static Value to(const ObjectPtr<T>& object) { return detail::value_of_pointer(object.get()); }
+    /// Returns the type of the class.
+    static const GUID* type() noexcept { return &T::type()->id(); }
 };
 
 /// The same borrowed from the value. An interface comes with a reference of its own, since the object may
@@ -85,7 +91,12 @@ struct NativeValue<T*> {
         return detail::value_of_pointer(const_cast<std::remove_const_t<T>*>(object));
     }
     /// Returns the type of a script class.
-    static const GUID* type() noexcept { return detail::native_type<InterfacePtr<std::remove_const_t<T>>>(); }
+    static const GUID* type() noexcept {
+        if constexpr (ScriptClassType<std::remove_const_t<T>>)
+            return &T::type()->id();
+        else
+            return nullptr;
+    }
 };
 
 } // namespace core

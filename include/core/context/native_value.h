@@ -268,8 +268,6 @@ struct NativeValue<std::optional<T>> {
     static Value to(const std::optional<T>& value) requires ToValue<T> {
         return value ? Value(NativeValue<T>::to(*value)) : Value();
     }
-    /// Returns the type of `T`.
-    static const GUID* type() noexcept { return detail::native_type<T>(); }
 };
 
 } // namespace core

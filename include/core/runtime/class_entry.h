@@ -66,8 +66,8 @@ HRESULT create_instance(IUnknown* outer, const GUID& iid, void** out) {
 }
 
 template <class T>
-ClassRecord class_record(const GUID& clsid, const char* name, bool scriptClass,
-                         const GUID* service) noexcept {
+constexpr ClassRecord class_record(const GUID& clsid, const char* name, bool scriptClass,
+                                   const GUID* service) noexcept {
     return {.clsid = &clsid,
             .createInstance = &create_instance<T>,
             .getFactory = &create_class_factory,
