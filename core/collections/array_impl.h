@@ -28,8 +28,8 @@ class ArrayImpl : public ScriptObject<T, I, IValueCollection, IPersistableObject
         return values_[index];
     }
     std::optional<std::size_t> find(const Value& value) const noexcept override {
-        const auto place = std::find(values_.begin(), values_.end(), value);
-        return place != values_.end() ? std::optional(static_cast<std::size_t>(place - values_.begin()))
+        const auto found = std::find(values_.begin(), values_.end(), value);
+        return found != values_.end() ? std::optional(static_cast<std::size_t>(found - values_.begin()))
                                       : std::nullopt;
     }
 

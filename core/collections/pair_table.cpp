@@ -27,7 +27,7 @@ void PairTable::erase(Pair& pair) noexcept {
         pairs_.erase(pairs_.begin() + (&pair - pairs_.data()));
         return;
     }
-    index_.remove(pair.hash, positionInRow(pair));
+    index_.remove(pair.hash, storedPosition(pair));
     pair.hash = 0;
     ++erased_;
     while (!pairs_.empty() && pairs_.back().hash == 0) {
@@ -68,7 +68,7 @@ PairTable::Pair& PairTable::at(std::size_t position) noexcept {
 }
 
 std::size_t PairTable::positionOf(const Pair& pair) noexcept {
-    const std::size_t position = positionInRow(pair);
+    const std::size_t position = storedPosition(pair);
     if (erased_ == 0)
         return position;
     const auto gaps = std::count_if(pairs_.begin(), pairs_.begin() + static_cast<std::ptrdiff_t>(position),

@@ -14,10 +14,10 @@ namespace core {
 /// The pairs of a map or a structure: in the order of insertion, found by the hash of their keys. The owner
 /// says what a hash is and when keys are equal.
 ///
-///  1. Pairs stand in one row in the order of insertion. An erased one has hash 0 and holds Undefined twice.
-///     It goes when half of the row is erased, so that erasing takes constant time in the long run.
-///  2. Up to kUnindexed pairs are found by walking the row. None of them is erased then.
-///  3. More are found by the index, which holds the positions of all but the erased.
+///  1. Pairs stand in one sequence in the order of insertion. An erased one holds Undefined twice, its hash
+///     is 0. It goes when half of the sequence is erased: erasing takes constant time in the long run.
+///  2. Up to kUnindexed pairs are found by walking the sequence. None of them is erased then.
+///  3. More are found by the index, which holds the positions of all that are not erased.
 class PairTable {
   public:
     struct Pair {
@@ -28,7 +28,7 @@ class PairTable {
 
     [[nodiscard]] std::size_t size() const noexcept { return pairs_.size() - erased_; }
     /// All pairs, erased ones (hash 0) among them.
-    [[nodiscard]] std::span<const Pair> row() const noexcept { return pairs_; }
+    [[nodiscard]] std::span<const Pair> pairs() const noexcept { return pairs_; }
 
     /// The pair with that hash, not 0, of which `equal` is true; or null. Valid until the next change.
     template <class Equal>
@@ -40,11 +40,11 @@ class PairTable {
             }
             return nullptr;
         }
-        Pair* const pairs = pairs_.data();
+        Pair* const first = pairs_.data();
         const HashIndex::Position found = index_.find(hash, [=](HashIndex::Position position) {
-            return pairs[position].hash == hash && equal(pairs[position]);
+            return first[position].hash == hash && equal(first[position]);
         });
-        return found != HashIndex::kNone ? pairs + found : nullptr;
+        return found != HashIndex::kNone ? first + found : nullptr;
     }
     template <class Equal>
     [[nodiscard]] const Pair* find(std::uint64_t hash, Equal equal) const noexcept {
@@ -63,7 +63,7 @@ class PairTable {
   private:
     static constexpr std::size_t kUnindexed = 8;
 
-    [[nodiscard]] HashIndex::Position positionInRow(const Pair& pair) const noexcept {
+    [[nodiscard]] HashIndex::Position storedPosition(const Pair& pair) const noexcept {
         return static_cast<HashIndex::Position>(&pair - pairs_.data());
     }
     void compact() noexcept;

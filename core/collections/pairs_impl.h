@@ -21,10 +21,10 @@ class PairsImpl : public ScriptObject<T, I, IValueCollection, IPersistableObject
 
     // IValuePairs
     std::size_t count() const noexcept override { return table_.size(); }
-    bool next(std::size_t& place, IValuePairs::View& pair) const noexcept override {
-        const auto row = table_.row();
-        while (place < row.size()) {
-            const PairTable::Pair& found = row[place++];
+    bool next(std::size_t& position, IValuePairs::View& pair) const noexcept override {
+        const auto pairs = table_.pairs();
+        while (position < pairs.size()) {
+            const PairTable::Pair& found = pairs[position++];
             if (found.hash != 0) {
                 pair = {&found.key, &found.value};
                 return true;
@@ -42,7 +42,7 @@ class PairsImpl : public ScriptObject<T, I, IValueCollection, IPersistableObject
         ListOutStream& out = storage->listStream();
         out.putBeginOfList();
         out.put(static_cast<std::int64_t>(table_.size()));
-        for (const PairTable::Pair& pair : table_.row()) {
+        for (const PairTable::Pair& pair : table_.pairs()) {
             if (pair.hash != 0)
                 serialize_pair(storage, pair.key, pair.value);
         }
@@ -68,7 +68,7 @@ class PairsImpl : public ScriptObject<T, I, IValueCollection, IPersistableObject
         return {};
     }
 
-    mutable PairTable table_; // closing gaps is no change
+    mutable PairTable table_; // closing gaps does not change the pairs
 };
 
 } // namespace core

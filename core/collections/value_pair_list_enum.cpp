@@ -42,7 +42,7 @@ const SCOM_Class<ValuePairListEnum, &kClassId> kEntry("ValuePairListEnum");
 InterfacePtr<IValueEnum> enumerate_pairs(const PairTable& table) {
     const auto pairs = ValuePairListPtr::make();
     pairs->reserve(table.size());
-    for (const PairTable::Pair& pair : table.row()) {
+    for (const PairTable::Pair& pair : table.pairs()) {
         if (pair.hash != 0)
             pairs->push_back(create_value_pair(pair.key, pair.value));
     }

@@ -166,12 +166,12 @@ TimeZone ZoneRule::zoneAfter(std::int32_t first, std::vector<TimeZone::Change> k
     const std::int64_t last = known.back().moment;
     const int year = std::max(year_of(last), 2);
     std::int32_t offset = standard;
-    std::size_t place = 0;
+    std::size_t index = 0;
     const std::vector<TimeZone::Change> later = changes(year - 1, year + 403);
-    for (; place < later.size() && later[place].moment <= last; ++place)
-        offset = later[place].offset;
+    for (; index < later.size() && later[index].moment <= last; ++index)
+        offset = later[index].offset;
     known.back().offset = offset;
-    known.insert(known.end(), later.begin() + static_cast<std::ptrdiff_t>(place), later.end());
+    known.insert(known.end(), later.begin() + static_cast<std::ptrdiff_t>(index), later.end());
     return {first, known, TimeZone::Repeats::afterCycle, unix_day(year + 2, 1, 1) * kSecondsPerDay};
 }
 

@@ -62,12 +62,11 @@ class DiskFile : public FileImpl, public ISharedFile {
     DiskFile(Descriptor descriptor, wstring url, std::string path)
         : FileImpl(std::move(url)), descriptor_(std::move(descriptor)), newPath_(std::move(path)) {}
 
-    std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
-        if (position >= kMaxFileLength)
+    std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) override {
+        if (offset >= kMaxFileLength)
             return 0;
         for (;;) {
-            const auto done =
-                ::pread(descriptor_.number(), buffer, transfer(position, count), offset(position));
+            const auto done = ::pread(descriptor_.number(), buffer, transfer(offset, count), native(offset));
             if (done >= 0)
                 return static_cast<std::size_t>(done);
             if (errno != EINTR)
@@ -75,14 +74,13 @@ class DiskFile : public FileImpl, public ISharedFile {
         }
     }
 
-    std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override {
+    std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override {
         if (count == 0)
             return 0;
-        if (position >= kMaxFileLength)
+        if (offset >= kMaxFileLength)
             throw_file_error(messages::kFileWrite, url(), EFBIG);
         for (;;) {
-            const auto done =
-                ::pwrite(descriptor_.number(), buffer, transfer(position, count), offset(position));
+            const auto done = ::pwrite(descriptor_.number(), buffer, transfer(offset, count), native(offset));
             if (done >= 0)
                 return static_cast<std::size_t>(done);
             if (errno != EINTR)
@@ -95,7 +93,7 @@ class DiskFile : public FileImpl, public ISharedFile {
     void truncate(std::uint64_t length) override {
         if (length > kMaxFileLength)
             throw_file_error(messages::kFileWrite, url(), EFBIG);
-        while (::ftruncate(descriptor_.number(), offset(length)) != 0) {
+        while (::ftruncate(descriptor_.number(), native(length)) != 0) {
             if (errno != EINTR)
                 throw_file_error(messages::kFileWrite, url(), errno);
         }
@@ -144,11 +142,11 @@ class DiskFile : public FileImpl, public ISharedFile {
   private:
     /// What of `count` bytes the system takes at once: no more than it can count to, nor behind its last
     /// offset.
-    static std::size_t transfer(std::uint64_t position, std::size_t count) {
+    static std::size_t transfer(std::uint64_t offset, std::size_t count) {
         return static_cast<std::size_t>(
-            std::min<std::uint64_t>(std::min(count, kMaxTransfer), kMaxFileLength - position));
+            std::min<std::uint64_t>(std::min(count, kMaxTransfer), kMaxFileLength - offset));
     }
-    static ::off_t offset(std::uint64_t position) { return static_cast<::off_t>(position); }
+    static ::off_t native(std::uint64_t offset) { return static_cast<::off_t>(offset); }
 
     [[nodiscard]] struct stat status() const {
         struct stat result {};
@@ -161,8 +159,8 @@ class DiskFile : public FileImpl, public ISharedFile {
         struct flock region {};
         region.l_type = static_cast<short>(type);
         region.l_whence = SEEK_SET;
-        region.l_start = offset(start);
-        region.l_len = offset(length);
+        region.l_start = native(start);
+        region.l_len = native(length);
         while (::fcntl(descriptor_.number(), kSetLock, &region) != 0) {
             if (errno != EINTR)
                 return false;

@@ -96,7 +96,7 @@ class DiskScheme : public IFileScheme {
             open_disk_file(beside, OpenMode::createNew, replaces ? kPrivateFile : kPublicFile);
         try {
             write(*output);
-            if (replaces) // a file system without permissions is no reason to stop
+            if (replaces) // a file system without permissions does not matter
                 (void)::chmod(beside.c_str(), old.st_mode & 0777);
             output->flush();
             output->close();

@@ -17,10 +17,10 @@ void require_progress(std::size_t done, IFile& file) {
 
 } // namespace
 
-std::size_t read_all_at(IFile& file, std::uint64_t position, std::span<std::byte> bytes) {
+std::size_t read_all_at(IFile& file, std::uint64_t offset, std::span<std::byte> bytes) {
     std::size_t done = 0;
     while (done < bytes.size()) {
-        const std::size_t part = file.readAt(position + done, bytes.data() + done, bytes.size() - done);
+        const std::size_t part = file.readAt(offset + done, bytes.data() + done, bytes.size() - done);
         if (part == 0)
             break;
         done += part;
@@ -28,11 +28,11 @@ std::size_t read_all_at(IFile& file, std::uint64_t position, std::span<std::byte
     return done;
 }
 
-void write_all_at(IFile& file, std::uint64_t position, std::span<const std::byte> bytes) {
+void write_all_at(IFile& file, std::uint64_t offset, std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
-        const std::size_t part = file.writeAt(position, bytes.data(), bytes.size());
+        const std::size_t part = file.writeAt(offset, bytes.data(), bytes.size());
         require_progress(part, file);
-        position += part;
+        offset += part;
         bytes = bytes.subspan(part);
     }
 }

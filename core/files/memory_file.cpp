@@ -34,25 +34,25 @@ class MemoryFile : public FileImpl, public ISharedFile {
         : FileImpl(std::move(url)), data_(std::move(data)) {}
     ~MemoryFile() override { MemoryFile::close(); }
 
-    std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
+    std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) override {
         const auto lock = open(messages::kFileRead);
         const std::vector<std::byte>& bytes = data_->bytes;
-        if (position >= bytes.size() || count == 0)
+        if (offset >= bytes.size() || count == 0)
             return 0;
-        const std::size_t part = std::min(count, bytes.size() - static_cast<std::size_t>(position));
-        std::memcpy(buffer, bytes.data() + position, part);
+        const std::size_t part = std::min(count, bytes.size() - static_cast<std::size_t>(offset));
+        std::memcpy(buffer, bytes.data() + offset, part);
         return part;
     }
 
-    std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override {
+    std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override {
         const auto lock = open(messages::kFileWrite);
         if (count == 0)
             return 0;
-        if (position > kMaxFileLength - count)
+        if (offset > kMaxFileLength - count)
             throw_file_error(messages::kFileWrite, url(), EFBIG);
-        if (position + count > data_->bytes.size())
-            resize(position + count);
-        std::memcpy(data_->bytes.data() + position, buffer, count);
+        if (offset + count > data_->bytes.size())
+            resize(offset + count);
+        std::memcpy(data_->bytes.data() + offset, buffer, count);
         return count;
     }
 

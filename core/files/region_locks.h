@@ -17,7 +17,7 @@ inline void require_region(std::uint64_t offset, std::uint64_t length, const wst
         throw_file_error(messages::kFileLock, url, EINVAL);
 }
 
-/// Who has locked which regions of one file: the rules of the system's file locks for
+/// The locked regions of one file with their holders: the rules of the system's file locks for
 /// files without a system below.
 class RegionLocks {
   public:

@@ -40,7 +40,7 @@ bool is_large(const char* at, const char* end) noexcept {
 }
 
 /// The nearest value of the type, an infinity or zero when it is out of range. False
-/// when `text` is no number.
+/// when `text` is not a number.
 template <class Float>
 bool convert(const char* begin, const char* end, Float& value) noexcept {
     value = 0;

@@ -66,7 +66,7 @@ ListScanner::Token ListScanner::next() {
 
 ListScanner::Token ListScanner::scanAfterElement() {
     const int unit = input_->source.peek();
-    if (depth_ == 0) // U+FFFF is no end: what follows it would be dropped without a word
+    if (depth_ == 0) // U+FFFF does not end a text: what follows it would be dropped without a word
         return input_->source.isExhausted() ? set(Token::endOfText, Phase::ended) : fail(Expected::endOfText);
     if (unit == u'}') {
         consume();

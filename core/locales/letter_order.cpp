@@ -13,9 +13,9 @@
 namespace core::detail {
 namespace {
 
-constexpr char kEndOfPlaces = 1; // below all places
-constexpr unsigned kFirstPlace = 2;
-constexpr unsigned kLastPlace = 0xFF;
+constexpr char kEndOfRanks = 1; // below all ranks
+constexpr unsigned kFirstRank = 2;
+constexpr unsigned kLastRank = 0xFF;
 constexpr unsigned kFormBits = 2;
 constexpr unsigned kFormsPerByte = 3;
 constexpr unsigned kFirstForms = 2; // so many forms of 0, and no byte of a key is zero
@@ -96,16 +96,16 @@ LetterOrder::LetterOrder(const UCollator* collator) {
     };
     enter(u' ', 0x180);   // Latin
     enter(0x400, kUnits); // Cyrillic
-    unsigned place = kFirstPlace;
+    unsigned rank = kFirstRank;
     for (const auto& [letter, units] : alphabet) {
         std::uint8_t form = 0;
         for (const auto& [name, same] : units) {
             for (const wchar unit : same)
-                letters_[unit] = {static_cast<std::uint8_t>(place), form};
+                letters_[unit] = {static_cast<std::uint8_t>(rank), form};
             if (++form >> kFormBits != 0) // what is left needs the rules
                 break;
         }
-        if (++place > kLastPlace)
+        if (++rank > kLastRank)
             break;
     }
 }
@@ -117,12 +117,12 @@ bool LetterOrder::append(std::string& keys, wstring_view text) const {
     unsigned forms = 0;
     for (const wchar unit : text) {
         const Letter letter = unit < kUnits ? letters_[unit] : Letter();
-        if (letter.place == 0)
+        if (letter.rank == 0)
             return false;
-        *at++ = static_cast<char>(letter.place);
+        *at++ = static_cast<char>(letter.rank);
         forms |= letter.form;
     }
-    *at = kEndOfPlaces;
+    *at = kEndOfRanks;
     if (forms == 0)
         return true;
     for (std::size_t i = 0; i < text.size(); i += kFormsPerByte) {

@@ -11,7 +11,7 @@
 
 namespace core::detail {
 
-/// What a language's rules come to in texts of everyday letters: each stands in one place of the alphabet,
+/// What a language's rules come to in texts of everyday letters: each has one rank in the alphabet,
 /// and its case decides between texts that are otherwise the same. Making a key so takes a fraction of what
 /// the rules take.
 class LetterOrder {
@@ -26,8 +26,8 @@ class LetterOrder {
   private:
     static constexpr std::size_t kUnits = 0x500; // up to the end of Cyrillic
     struct Letter {
-        std::uint8_t place = 0; // in the alphabet, counted from kFirstPlace; 0: needs the rules
-        std::uint8_t form = 0;  // 0 to 3 among those of one place
+        std::uint8_t rank = 0; // in the alphabet, counted from kFirstRank; 0: needs the rules
+        std::uint8_t form = 0; // 0 to 3 among those of one rank
     };
 
     std::array<Letter, kUnits> letters_{};

@@ -126,7 +126,7 @@ Numeric& Numeric::multiply(Numeric& out, const Numeric& a, const Numeric& b) {
 }
 
 /// The quotient has count(a) + 3 limbs; one more is computed and decides whether they are rounded up. That
-/// cannot carry out of the top: a quotient of nothing but nines in that many limbs would need a dividend of
+/// cannot carry out of the top: a quotient of nines alone in that many limbs would need a dividend of
 /// more limbs than a has.
 Numeric& Numeric::divide(Numeric& out, const Numeric& a, const Numeric& b) {
     if (b.count_ == 0) {

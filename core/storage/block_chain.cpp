@@ -72,14 +72,14 @@ std::uint64_t BlockChain::bytesFor(std::uint64_t content) const noexcept {
     return (content / kStorageBlockSize + 2) * layout_->blockLength(kStorageBlockSize);
 }
 
-void BlockChain::readAt(BlockReader& reader, std::uint64_t position, std::span<std::byte> out) {
+void BlockChain::readAt(BlockReader& reader, std::uint64_t offset, std::span<std::byte> out) {
     const std::size_t headerSize = layout_->blockHeaderSize();
     std::uint64_t address = next_;
     std::uint64_t start = runs_.capacity(); // what the block at `address` begins with
-    if (position < start) {
-        const BlockRuns::Place place = runs_.at(position);
-        address = place.address;
-        start = place.position;
+    if (offset < start) {
+        const BlockRuns::Block block = runs_.at(offset);
+        address = block.address;
+        start = block.offset;
     }
     std::uint64_t visited = 0;
     while (!out.empty()) {
@@ -88,7 +88,7 @@ void BlockChain::readAt(BlockReader& reader, std::uint64_t position, std::span<s
         const std::uint64_t windowAddress = address;
         const std::span<const std::byte> bytes =
             reader.at(address, headerSize + std::min(out.size(), kStorageBlockSize),
-                      bytesFor(position - start + out.size()));
+                      bytesFor(offset - start + out.size()));
         do { // the blocks that follow each other in the window
             const auto block = bytes.subspan(static_cast<std::size_t>(address - windowAddress));
             const BlockHeader header = header_at(block, *layout_, address, false);
@@ -97,8 +97,8 @@ void BlockChain::readAt(BlockReader& reader, std::uint64_t position, std::span<s
                 visit(reader, address, header.size, header.next);
             else if (header.size > (beyond ? 0 : reader.end()))
                 throw ChainInFileExc(address); // not the block that was there before
-            if (position - start < header.size) {
-                const std::uint64_t from = headerSize + (position - start);
+            if (offset - start < header.size) {
+                const std::uint64_t from = headerSize + (offset - start);
                 const auto part = static_cast<std::size_t>(
                     std::min<std::uint64_t>(headerSize + header.size - from, out.size()));
                 if (block.size() >= from + part)
@@ -106,7 +106,7 @@ void BlockChain::readAt(BlockReader& reader, std::uint64_t position, std::span<s
                 else if (!reader.readAround(address + from, out.first(part)))
                     throw ChainInFileExc(address);
                 out = out.subspan(part);
-                position += part;
+                offset += part;
             }
             visited += headerSize + header.size;
             if (visited > reader.end())
@@ -134,14 +134,14 @@ std::vector<std::byte> BlockChain::content(BlockReader& reader) {
     return bytes;
 }
 
-void BlockChain::reach(BlockReader& reader, std::uint64_t position) {
-    while (runs_.capacity() < position && next_ != layout_->null) {
-        const std::uint64_t rest = position - runs_.capacity();
+void BlockChain::reach(BlockReader& reader, std::uint64_t offset) {
+    while (runs_.capacity() < offset && next_ != layout_->null) {
+        const std::uint64_t rest = offset - runs_.capacity();
         const auto bytes = reader.at(next_, layout_->blockHeaderSize(), bytesFor(rest));
         const BlockHeader header = header_at(bytes, *layout_, next_, false);
         visit(reader, next_, header.size, header.next);
     }
-    if (runs_.capacity() < position)
+    if (runs_.capacity() < offset)
         throw ChainInFileExc(address_);
 }
 

@@ -29,13 +29,13 @@ class BlockChain {
     /// Takes a first block whose header is known.
     void adopt(BlockReader& reader, std::uint64_t address, std::uint64_t chainSize, std::uint64_t size,
                std::uint64_t next);
-    /// Fills `out` with the content from `position` on, which reaches so far.
-    void readAt(BlockReader& reader, std::uint64_t position, std::span<std::byte> out);
+    /// Fills `out` with the content from `offset` on, which reaches so far.
+    void readAt(BlockReader& reader, std::uint64_t offset, std::span<std::byte> out);
     /// Returns the whole content. Memory grows with what is read: the chain's size is not believed
     /// beforehand.
     [[nodiscard]] std::vector<std::byte> content(BlockReader& reader);
-    /// Finds the blocks up to the one that holds the byte before `position`.
-    void reach(BlockReader& reader, std::uint64_t position);
+    /// Finds the blocks up to the one that holds the byte before `offset`.
+    void reach(BlockReader& reader, std::uint64_t offset);
     /// Finds all blocks and checks them.
     void walk(BlockReader& reader);
 

@@ -65,12 +65,12 @@ void encode_block_header(std::byte* to, const StorageLayout& layout, const Block
     put('\n');
 }
 
-void encode_blocks(std::byte* to, const StorageLayout& layout, BlockRange place,
+void encode_blocks(std::byte* to, const StorageLayout& layout, BlockRange range,
                    std::span<const std::byte> content, std::uint64_t chainSize, std::uint64_t next) noexcept {
     const std::uint64_t step = layout.blockLength(kStorageBlockSize);
-    for (std::uint64_t i = 0; i < place.count; ++i) {
-        const bool last = i + 1 == place.count;
-        const std::uint64_t following = last ? next : place.address + (i + 1) * step;
+    for (std::uint64_t i = 0; i < range.count; ++i) {
+        const bool last = i + 1 == range.count;
+        const std::uint64_t following = last ? next : range.address + (i + 1) * step;
         encode_block_header(to, layout, {i == 0 ? chainSize : 0, kStorageBlockSize, following});
         to += layout.blockHeaderSize();
         const std::size_t part = std::min(content.size(), kStorageBlockSize);

@@ -39,7 +39,7 @@ struct BlockRange {
 
 /// Writes `count` such blocks with `content`, the last one filled up with zeros, to `to`. The first block
 /// says `chainSize`, the last one `next`.
-void encode_blocks(std::byte* to, const StorageLayout& layout, BlockRange place,
+void encode_blocks(std::byte* to, const StorageLayout& layout, BlockRange range,
                    std::span<const std::byte> content, std::uint64_t chainSize, std::uint64_t next) noexcept;
 
 } // namespace core

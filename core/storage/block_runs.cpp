@@ -20,14 +20,14 @@ void BlockRuns::append(std::uint64_t address, std::uint64_t size, std::uint64_t 
     runs_.push_back({address, size, count, capacity()});
 }
 
-BlockRuns BlockRuns::cutAt(std::uint64_t position) {
+BlockRuns BlockRuns::cutAt(std::uint64_t offset) {
     BlockRuns dropped(headerSize_);
     std::uint64_t count = 0;
     std::size_t kept = 0;
-    for (; kept < runs_.size() && runs_[kept].position < position; ++kept) {
+    for (; kept < runs_.size() && runs_[kept].offset < offset; ++kept) {
         BlockRun& run = runs_[kept];
-        if (run.end() > position) {
-            const std::uint64_t stay = (position - run.position + run.size - 1) / run.size;
+        if (run.end() > offset) {
+            const std::uint64_t stay = (offset - run.offset + run.size - 1) / run.size;
             dropped.append(run.address + stay * (headerSize_ + run.size), run.size, run.count - stay);
             run.count = stay;
         }
@@ -40,31 +40,31 @@ BlockRuns BlockRuns::cutAt(std::uint64_t position) {
     return dropped;
 }
 
-BlockRuns::Place BlockRuns::at(std::uint64_t position) const noexcept {
-    // Blocks without data are passed over: the run behind them begins at the same position.
-    auto run = std::upper_bound(runs_.begin(), runs_.end(), position,
-                                [](std::uint64_t p, const BlockRun& r) { return p < r.position; });
+BlockRuns::Block BlockRuns::at(std::uint64_t offset) const noexcept {
+    // Blocks without data are passed over: the run behind them begins at the same offset.
+    auto run = std::upper_bound(runs_.begin(), runs_.end(), offset,
+                                [](std::uint64_t p, const BlockRun& r) { return p < r.offset; });
     --run;
-    const std::uint64_t block = (position - run->position) / run->size;
-    return {run->address + block * (headerSize_ + run->size), run->size, run->position + block * run->size};
+    const std::uint64_t index = (offset - run->offset) / run->size;
+    return {run->address + index * (headerSize_ + run->size), run->size, run->offset + index * run->size};
 }
 
-BlockRuns::Place BlockRuns::last() const noexcept {
+BlockRuns::Block BlockRuns::last() const noexcept {
     const BlockRun& run = runs_.back();
     const std::uint64_t before = run.count - 1;
-    return {run.address + before * (headerSize_ + run.size), run.size, run.position + before * run.size};
+    return {run.address + before * (headerSize_ + run.size), run.size, run.offset + before * run.size};
 }
 
 bool BlockRuns::overlap() const {
     if (runs_.size() < 2)
         return false;
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> places;
-    places.reserve(runs_.size());
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges;
+    ranges.reserve(runs_.size());
     for (const BlockRun& run : runs_)
-        places.emplace_back(run.address, run.address + lengthOf(run));
-    std::sort(places.begin(), places.end());
-    for (std::size_t i = 1; i < places.size(); ++i) {
-        if (places[i].first < places[i - 1].second)
+        ranges.emplace_back(run.address, run.address + lengthOf(run));
+    std::sort(ranges.begin(), ranges.end());
+    for (std::size_t i = 1; i < ranges.size(); ++i) {
+        if (ranges[i].first < ranges[i - 1].second)
             return true;
     }
     return false;

@@ -9,17 +9,17 @@ namespace core {
 
 /// Blocks of a chain with equal data areas that lie side by side in the file, in chain order.
 struct BlockRun {
-    std::uint64_t address;  ///< of the first block's header
-    std::uint64_t size;     ///< of each data area
-    std::uint64_t count;    ///< of blocks
-    std::uint64_t position; ///< in the chain's content, of the first byte
+    std::uint64_t address; ///< of the first block's header
+    std::uint64_t size;    ///< of each data area
+    std::uint64_t count;   ///< of blocks
+    std::uint64_t offset;  ///< in the chain's content, of the first byte
 
-    [[nodiscard]] std::uint64_t end() const noexcept { return position + size * count; }
+    [[nodiscard]] std::uint64_t end() const noexcept { return offset + size * count; }
 };
 
 /// The blocks of a chain as runs: a file written in one go is one run, however large. A value type.
 ///
-/// 1. Runs are in chain order and their positions follow from each other.
+/// 1. Runs are in chain order and their offsets follow from each other.
 /// 2. No two neighbouring runs could be one.
 class BlockRuns {
   public:
@@ -27,8 +27,8 @@ class BlockRuns {
 
     /// Appends blocks that lie side by side.
     void append(std::uint64_t address, std::uint64_t size, std::uint64_t count = 1);
-    /// Drops the blocks from the one that begins at `position` of the content on, or after it; returns them.
-    BlockRuns cutAt(std::uint64_t position);
+    /// Drops the blocks from the one that begins at `offset` of the content on, or after it; returns them.
+    BlockRuns cutAt(std::uint64_t offset);
 
     [[nodiscard]] const std::vector<BlockRun>& runs() const noexcept { return runs_; }
     [[nodiscard]] bool empty() const noexcept { return runs_.empty(); }
@@ -43,15 +43,15 @@ class BlockRuns {
     }
 
     /// A block by the content that it holds.
-    struct Place {
-        std::uint64_t address;  ///< of its header
-        std::uint64_t size;     ///< of its data area
-        std::uint64_t position; ///< in the content, of its first byte
+    struct Block {
+        std::uint64_t address; ///< of its header
+        std::uint64_t size;    ///< of its data area
+        std::uint64_t offset;  ///< in the content, of its first byte
     };
-    /// The block that holds the byte at `position`, which is below capacity().
-    [[nodiscard]] Place at(std::uint64_t position) const noexcept;
+    /// The block that holds the byte at `offset`, which is below capacity().
+    [[nodiscard]] Block at(std::uint64_t offset) const noexcept;
     /// The last block; there is one.
-    [[nodiscard]] Place last() const noexcept;
+    [[nodiscard]] Block last() const noexcept;
 
     /// Whether any two blocks share a byte.
     [[nodiscard]] bool overlap() const;

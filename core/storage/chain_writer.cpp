@@ -19,11 +19,11 @@ namespace {
 constexpr std::uint64_t kBlock = kStorageBlockSize;
 constexpr std::size_t kCarried = 128 * kStorageBlockSize;
 
-std::uint64_t floor_to_block(std::uint64_t position) {
-    return position - position % kBlock;
+std::uint64_t floor_to_block(std::uint64_t offset) {
+    return offset - offset % kBlock;
 }
-std::uint64_t ceil_to_block(std::uint64_t position) {
-    return floor_to_block(position + kBlock - 1);
+std::uint64_t ceil_to_block(std::uint64_t offset) {
+    return floor_to_block(offset + kBlock - 1);
 }
 
 } // namespace
@@ -53,72 +53,72 @@ void ChainWriter::discard() noexcept {
 
 // Reading.
 
-void ChainWriter::readBase(std::uint64_t position, std::span<std::byte> out) {
-    base_.readAt(container_.reader(), position, out);
+void ChainWriter::readBase(std::uint64_t offset, std::span<std::byte> out) {
+    base_.readAt(container_.reader(), offset, out);
 }
 
-void ChainWriter::readAt(std::uint64_t position, std::span<std::byte> out) {
+void ChainWriter::readAt(std::uint64_t offset, std::span<std::byte> out) {
     BlockReader& reader = container_.reader();
     const std::size_t headerSize = container_.layout().blockHeaderSize();
-    while (!out.empty() && position < freshEnd()) {
-        const BlockRuns::Place place = fresh_.at(position);
-        const std::uint64_t skip = position - place.position;
+    while (!out.empty() && offset < freshEnd()) {
+        const BlockRuns::Block block = fresh_.at(offset);
+        const std::uint64_t skip = offset - block.offset;
         const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), kBlock - skip));
-        const auto bytes = reader.at(place.address + headerSize + skip, part, out.size());
+        const auto bytes = reader.at(block.address + headerSize + skip, part, out.size());
         if (bytes.size() < part)
-            throw ChainInFileExc(place.address);
+            throw ChainInFileExc(block.address);
         std::memcpy(out.data(), bytes.data(), part);
-        position += part;
+        offset += part;
         out = out.subspan(part);
     }
     if (!out.empty())
-        readBase(position, out);
+        readBase(offset, out);
 }
 
 // Writing.
 
-void ChainWriter::requireRoom(std::uint64_t position, std::uint64_t count) const {
+void ChainWriter::requireRoom(std::uint64_t offset, std::uint64_t count) const {
     const StorageLayout& layout = container_.layout();
     const std::uint64_t most = layout.limit() / layout.blockLength(kBlock) * kBlock;
-    if (position > most || count > most - position)
+    if (offset > most || count > most - offset)
         throw_storage_error(messages::kStorageTooLarge, container_.url());
 }
 
-void ChainWriter::writeAt(std::uint64_t position, std::span<const std::byte> bytes) {
+void ChainWriter::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
     if (bytes.empty())
         return;
-    requireRoom(position, bytes.size()); // before anything is filled with zeros
+    requireRoom(offset, bytes.size()); // before anything is filled with zeros
     touched_ = true;
-    if (position > size_)
-        fillWithZeros(position);
-    const std::uint64_t end = position + bytes.size();
-    if (position < freshEnd()) {
+    if (offset > size_)
+        fillWithZeros(offset);
+    const std::uint64_t end = offset + bytes.size();
+    if (offset < freshEnd()) {
         const auto part =
-            static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), freshEnd() - position));
-        overwrite(position, bytes.first(part));
-        position += part;
+            static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), freshEnd() - offset));
+        overwrite(offset, bytes.first(part));
+        offset += part;
         bytes = bytes.subspan(part);
     }
     if (!bytes.empty())
-        append(position, bytes);
+        append(offset, bytes);
     size_ = std::max(size_, end);
 }
 
-void ChainWriter::overwrite(std::uint64_t position, std::span<const std::byte> bytes) {
+void ChainWriter::overwrite(std::uint64_t offset, std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
-        const BlockRuns::Place place = fresh_.at(position);
-        const std::uint64_t skip = position - place.position;
+        const BlockRuns::Block block = fresh_.at(offset);
+        const std::uint64_t skip = offset - block.offset;
         const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), kBlock - skip));
-        container_.patch(place.address + container_.layout().blockHeaderSize() + skip, bytes.first(part));
-        position += part;
+        container_.patch(block.address + container_.layout().blockHeaderSize() + skip, bytes.first(part));
+        offset += part;
         bytes = bytes.subspan(part);
     }
 }
 
-/// Writes behind the fresh blocks: what is left before `position` in its block, and behind the last byte in
+/// Writes behind the fresh blocks: what is left before `offset` in its block, and behind the last byte in
 /// its own, is carried over.
-void ChainWriter::append(std::uint64_t position, std::span<const std::byte> bytes) {
-    carry(floor_to_block(position));
+void ChainWriter::append(std::uint64_t offset, std::span<const std::byte> bytes) {
+    carry(floor_to_block(offset));
     std::array<std::byte, kStorageBlockSize> block{};
     const auto fill = [&](std::uint64_t begin, std::uint64_t end) { // from the base, as far as it goes
         end = std::min(end, baseLimit_);
@@ -126,20 +126,20 @@ void ChainWriter::append(std::uint64_t position, std::span<const std::byte> byte
             readBase(begin, std::span(block).subspan(begin % kBlock, static_cast<std::size_t>(end - begin)));
     };
     const auto appendPart = [&](std::size_t count) {
-        const std::uint64_t start = floor_to_block(position);
+        const std::uint64_t start = floor_to_block(offset);
         block.fill(std::byte{0});
-        fill(start, position);
-        std::copy_n(bytes.begin(), count, block.begin() + static_cast<std::ptrdiff_t>(position - start));
-        fill(position + count, start + kBlock);
+        fill(start, offset);
+        std::copy_n(bytes.begin(), count, block.begin() + static_cast<std::ptrdiff_t>(offset - start));
+        fill(offset + count, start + kBlock);
         grow(block);
-        position += count;
+        offset += count;
         bytes = bytes.subspan(count);
     };
-    if (const std::uint64_t skip = position % kBlock; skip != 0)
+    if (const std::uint64_t skip = offset % kBlock; skip != 0)
         appendPart(static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), kBlock - skip)));
     if (const std::size_t whole = bytes.size() / kStorageBlockSize * kStorageBlockSize; whole != 0) {
         grow(bytes.first(whole));
-        position += whole;
+        offset += whole;
         bytes = bytes.subspan(whole);
     }
     if (!bytes.empty())
@@ -148,19 +148,19 @@ void ChainWriter::append(std::uint64_t position, std::span<const std::byte> byte
 
 void ChainWriter::grow(std::span<const std::byte> content) {
     const StorageLayout& layout = container_.layout();
-    const auto place = container_.allocate((content.size() + kBlock - 1) / kBlock);
+    const auto ranges = container_.allocate((content.size() + kBlock - 1) / kBlock);
     try {
         // Files are mostly written on and on: the next block is expected behind this one.
-        const std::uint64_t guess = place.back().address + place.back().count * layout.blockLength(kBlock);
-        container_.write(place, content, 0, guess);
-        if (!fresh_.empty() && guess_ != place.front().address)
-            patchNumber(fresh_.last().address + next_offset(layout), place.front().address);
+        const std::uint64_t guess = ranges.back().address + ranges.back().count * layout.blockLength(kBlock);
+        container_.write(ranges, content, 0, guess);
+        if (!fresh_.empty() && guess_ != ranges.front().address)
+            patchNumber(fresh_.last().address + next_offset(layout), ranges.front().address);
         guess_ = guess;
     } catch (...) {
-        container_.giveBack(place);
+        container_.giveBack(ranges);
         throw;
     }
-    for (const BlockRange& range : place)
+    for (const BlockRange& range : ranges)
         fresh_.append(range.address, kBlock, range.count);
 }
 
@@ -214,9 +214,9 @@ ChainWriter::Result ChainWriter::finish() {
         // The old blocks can follow when one begins where the fresh ones end, and nothing of them is cut off.
         if (size_ == base_.size() && baseLimit_ == size_ && freshEnd() != 0) {
             base_.reach(reader, freshEnd() + 1);
-            const BlockRuns::Place place = base_.runs().at(freshEnd());
-            sharing = place.position == freshEnd();
-            next = place.address;
+            const BlockRuns::Block block = base_.runs().at(freshEnd());
+            sharing = block.offset == freshEnd();
+            next = block.address;
             shared = freshEnd();
         }
         if (!sharing) {

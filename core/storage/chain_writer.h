@@ -29,9 +29,9 @@ class ChainWriter {
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
     [[nodiscard]] bool isTouched() const noexcept { return touched_; }
     /// Whether the layout can address a content that reaches so far.
-    void requireRoom(std::uint64_t position, std::uint64_t count) const;
-    void readAt(std::uint64_t position, std::span<std::byte> out);
-    void writeAt(std::uint64_t position, std::span<const std::byte> bytes);
+    void requireRoom(std::uint64_t offset, std::uint64_t count) const;
+    void readAt(std::uint64_t offset, std::span<std::byte> out);
+    void writeAt(std::uint64_t offset, std::span<const std::byte> bytes);
     void truncate(std::uint64_t size);
 
     struct Result {
@@ -49,12 +49,12 @@ class ChainWriter {
 
   private:
     [[nodiscard]] std::uint64_t freshEnd() const noexcept { return fresh_.capacity(); }
-    void overwrite(std::uint64_t position, std::span<const std::byte> bytes);
-    void append(std::uint64_t position, std::span<const std::byte> bytes);
+    void overwrite(std::uint64_t offset, std::span<const std::byte> bytes);
+    void append(std::uint64_t offset, std::span<const std::byte> bytes);
     void grow(std::span<const std::byte> content);
     void carry(std::uint64_t until);
     void fillWithZeros(std::uint64_t until);
-    void readBase(std::uint64_t position, std::span<std::byte> out);
+    void readBase(std::uint64_t offset, std::span<std::byte> out);
     void patchNumber(std::uint64_t address, std::uint64_t number);
 
     Container& container_;

@@ -108,7 +108,7 @@ class Container : public std::enable_shared_from_this<Container> {
     void rename(wstring_view from, wstring_view to);
     void setTimes(wstring_view name, Date created, Date modified);
 
-    // For open inner files; the caller holds a Reading or a Turn, hence the mutex.
+    // For open inner files; the caller holds a Reading or a Turn, and so the mutex.
 
     /// An inner file as it is now: the address of its content and its attributes.
     struct Found {
@@ -123,14 +123,14 @@ class Container : public std::enable_shared_from_this<Container> {
     /// Takes blocks out of use, all or none. Damage is thrown as ChainInFileExc.
     void release(const BlockRuns& blocks);
     /// Returns blocks that were allocated and are not used after all.
-    void giveBack(std::span<const BlockRange> place) noexcept;
+    void giveBack(std::span<const BlockRange> ranges) noexcept;
     void giveBack(const BlockRuns& blocks) noexcept;
     /// What is free is not known any more, because a call ran out of memory in the middle. Nothing is taken
     /// nor committed before it is read again.
     void forgetSpace() noexcept { spaceCounter_.reset(); }
     /// Writes blocks in pieces; see encode_blocks().
-    void write(std::span<const BlockRange> place, std::span<const std::byte> content, std::uint64_t chainSize,
-               std::uint64_t next);
+    void write(std::span<const BlockRange> ranges, std::span<const std::byte> content,
+               std::uint64_t chainSize, std::uint64_t next);
     void patch(std::uint64_t address, std::span<const std::byte> bytes);
     void refuseOpened(wstring_view name) const;
     /// Makes `content` a file's content.
@@ -183,9 +183,9 @@ class Container : public std::enable_shared_from_this<Container> {
     void addBlocks(std::uint64_t address, BlockRuns& blocks);
     /// Writes two chains side by side and says where they begin.
     [[nodiscard]] StorageFileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
-                                             std::vector<BlockRange>& place);
+                                             std::vector<BlockRange>& ranges);
     void replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
-                 const BlockRuns& released, std::span<const BlockRange> place);
+                 const BlockRuns& released, std::span<const BlockRange> ranges);
     [[nodiscard]] StorageFileInfo newInfo(wstring_view name, const std::optional<StorageFileEntry>& old);
     void erase(std::span<const wstring> names);
     void changed(wstring_view name) noexcept;

@@ -93,16 +93,16 @@ void Container::writeBeside(Next& next) {
     next.table = table_.merged();
     const std::uint64_t size = next.table.encodedSize();
     const std::uint64_t beyondFirst = size > kStorageBlockSize ? size - kStorageBlockSize : 0;
-    const auto place = allocate((beyondFirst + kStorageBlockSize - 1) / kStorageBlockSize);
-    for (const BlockRange& range : place)
+    const auto ranges = allocate((beyondFirst + kStorageBlockSize - 1) / kStorageBlockSize);
+    for (const BlockRange& range : ranges)
         next.tableBlocks.append(range.address, kStorageBlockSize, range.count);
     next.head.freeChain = writeFreeChain(next.kept, next.freeBlocks);
     next.table.setEnd(space_.outlook(next.kept).end);
     const std::vector<std::byte> content = next.table.encode();
-    if (!place.empty())
-        write(place, std::span(content).subspan(kStorageBlockSize), 0, layout_.null);
+    if (!ranges.empty())
+        write(ranges, std::span(content).subspan(kStorageBlockSize), 0, layout_.null);
     next.head.table.chainSize = size;
-    next.head.table.next = place.empty() ? layout_.null : place.front().address;
+    next.head.table.next = ranges.empty() ? layout_.null : ranges.front().address;
     ++next.head.counter;
     queue_.flush();
 }
@@ -124,21 +124,21 @@ void Container::settle(Next next) noexcept {
 
 /// Writes down what will be free, into blocks that are free now. Taking these changes what is written.
 std::uint64_t Container::writeFreeChain(const RangeSet& kept, BlockRuns& blocks) {
-    std::vector<BlockRange> place;
+    std::vector<BlockRange> ranges;
     std::vector<std::byte> content = FreeSpace::encode(space_.outlook(kept).free, layout_);
     while (content.size() > blocks.capacity()) {
         const std::uint64_t more =
             (content.size() - blocks.capacity() + kStorageBlockSize - 1) / kStorageBlockSize;
         for (const BlockRange& range : allocate(more)) {
-            place.push_back(range);
+            ranges.push_back(range);
             blocks.append(range.address, kStorageBlockSize, range.count);
         }
         content = FreeSpace::encode(space_.outlook(kept).free, layout_);
     }
-    if (place.empty())
+    if (ranges.empty())
         return layout_.null;
-    write(place, content, content.size(), layout_.null);
-    return place.front().address;
+    write(ranges, content, content.size(), layout_.null);
+    return ranges.front().address;
 }
 
 /// The one write that makes the changes the committed state. When it fails half way, or its flush does, the
@@ -204,16 +204,16 @@ auto Container::onSpace(Call call) -> decltype(call()) {
 }
 
 std::vector<BlockRange> Container::allocate(std::uint64_t blocks) {
-    std::vector<BlockRange> place;
+    std::vector<BlockRange> ranges;
     const bool fits =
         blocks == 0 || onSpace([&] {
-            return appending_ ? space_.allocateAtEnd(blocks, place) : space_.allocate(blocks, place);
+            return appending_ ? space_.allocateAtEnd(blocks, ranges) : space_.allocate(blocks, ranges);
         });
     if (!fits)
         throw_storage_error(messages::kStorageTooLarge, url_);
     reader_.setEnd(std::max(reader_.end(), space_.end()));
     unsettled_ = unsettled_ || blocks != 0;
-    return place;
+    return ranges;
 }
 
 void Container::release(const BlockRuns& blocks) {
@@ -221,10 +221,10 @@ void Container::release(const BlockRuns& blocks) {
         throw ChainInFileExc(blocks.runs().front().address);
 }
 
-void Container::giveBack(std::span<const BlockRange> place) noexcept {
+void Container::giveBack(std::span<const BlockRange> ranges) noexcept {
     try {
         BlockRuns blocks(layout_.blockHeaderSize());
-        for (const BlockRange& range : place)
+        for (const BlockRange& range : ranges)
             blocks.append(range.address, kStorageBlockSize, range.count);
         giveBack(blocks);
     } catch (...) {
@@ -241,16 +241,16 @@ void Container::giveBack(const BlockRuns& blocks) noexcept {
     }
 }
 
-void Container::write(std::span<const BlockRange> place, std::span<const std::byte> content,
+void Container::write(std::span<const BlockRange> ranges, std::span<const std::byte> content,
                       std::uint64_t chainSize, std::uint64_t next) {
     const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
     const std::uint64_t atOnce = WriteQueue::kPiece / step;
     reader_.forget();
-    for (std::size_t i = 0; i < place.size(); ++i) {
-        const std::uint64_t behind = i + 1 < place.size() ? place[i + 1].address : next;
-        for (std::uint64_t done = 0; done < place[i].count;) {
-            const BlockRange piece{place[i].address + done * step, std::min(atOnce, place[i].count - done)};
-            const bool last = done + piece.count == place[i].count;
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        const std::uint64_t behind = i + 1 < ranges.size() ? ranges[i + 1].address : next;
+        for (std::uint64_t done = 0; done < ranges[i].count;) {
+            const BlockRange piece{ranges[i].address + done * step, std::min(atOnce, ranges[i].count - done)};
+            const bool last = done + piece.count == ranges[i].count;
             const auto part = content.first(std::min<std::size_t>(
                 content.size(), static_cast<std::size_t>(piece.count) * kStorageBlockSize));
             std::byte* const to = queue_.extend(piece.address, static_cast<std::size_t>(piece.count * step));

@@ -52,25 +52,25 @@ std::uint64_t Container::moveChain(std::uint64_t address) {
     if (from.size() == 0)
         return layout_.null;
     const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
-    const auto place = allocate((from.size() + kStorageBlockSize - 1) / kStorageBlockSize);
+    const auto ranges = allocate((from.size() + kStorageBlockSize - 1) / kStorageBlockSize);
     std::vector<std::byte> bytes;
-    std::uint64_t position = 0;
+    std::uint64_t offset = 0;
     std::uint64_t chainSize = from.size();
-    for (std::size_t i = 0; i < place.size(); ++i) {
-        for (BlockRange rest = place[i]; rest.count != 0;) {
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        for (BlockRange rest = ranges[i]; rest.count != 0;) {
             const BlockRange piece{rest.address, std::min<std::uint64_t>(rest.count, 256)};
             rest = {rest.address + piece.count * step, rest.count - piece.count};
-            const std::uint64_t next = rest.count != 0        ? rest.address
-                                       : i + 1 < place.size() ? place[i + 1].address
-                                                              : layout_.null;
-            const std::uint64_t part = std::min(piece.count * kStorageBlockSize, from.size() - position);
+            const std::uint64_t next = rest.count != 0         ? rest.address
+                                       : i + 1 < ranges.size() ? ranges[i + 1].address
+                                                               : layout_.null;
+            const std::uint64_t part = std::min(piece.count * kStorageBlockSize, from.size() - offset);
             bytes.resize(static_cast<std::size_t>(part));
-            from.readAt(reader_, position, bytes);
+            from.readAt(reader_, offset, bytes);
             write(std::span(&piece, 1), bytes, std::exchange(chainSize, 0), next);
-            position += part;
+            offset += part;
         }
     }
-    return place.front().address;
+    return ranges.front().address;
 }
 
 } // namespace core

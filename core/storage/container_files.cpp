@@ -21,19 +21,19 @@ std::uint64_t blocks_for(std::uint64_t size) {
     return (size + kStorageBlockSize - 1) / kStorageBlockSize;
 }
 
-/// Cuts the first `count` blocks off a place.
-std::vector<BlockRange> split_off(std::vector<BlockRange>& place, std::uint64_t count, std::uint64_t step) {
+/// Cuts the first `count` blocks off `ranges`.
+std::vector<BlockRange> split_off(std::vector<BlockRange>& ranges, std::uint64_t count, std::uint64_t step) {
     std::vector<BlockRange> first;
     std::size_t whole = 0;
-    for (; count != 0 && place[whole].count <= count; ++whole) {
-        first.push_back(place[whole]);
-        count -= place[whole].count;
+    for (; count != 0 && ranges[whole].count <= count; ++whole) {
+        first.push_back(ranges[whole]);
+        count -= ranges[whole].count;
     }
-    place.erase(place.begin(), place.begin() + static_cast<std::ptrdiff_t>(whole));
+    ranges.erase(ranges.begin(), ranges.begin() + static_cast<std::ptrdiff_t>(whole));
     if (count != 0) {
-        first.push_back({place.front().address, count});
-        place.front().address += count * step;
-        place.front().count -= count;
+        first.push_back({ranges.front().address, count});
+        ranges.front().address += count * step;
+        ranges.front().count -= count;
     }
     return first;
 }
@@ -140,31 +140,31 @@ StorageFileInfo Container::newInfo(wstring_view name, const std::optional<Storag
 }
 
 StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
-                                      std::vector<BlockRange>& place) {
+                                      std::vector<BlockRange>& ranges) {
     if (info.name.size() > StorageFilesType::kLongestName)
         throw_storage_error(messages::kStorageLongName, url_);
     const std::vector<std::byte> record = info.encode();
     const std::uint64_t recordBlocks = blocks_for(record.size());
-    place = allocate(recordBlocks + blocks_for(content.size()));
+    ranges = allocate(recordBlocks + blocks_for(content.size()));
     try {
-        std::vector<BlockRange> data = place;
+        std::vector<BlockRange> data = ranges;
         const auto attributes = split_off(data, recordBlocks, layout_.blockLength(kStorageBlockSize));
         write(attributes, record, record.size(), layout_.null);
         write(data, content, content.size(), layout_.null);
         return {attributes.front().address, data.empty() ? layout_.null : data.front().address};
     } catch (...) {
-        giveBack(place);
+        giveBack(ranges);
         throw;
     }
 }
 
 /// Puts a new entry into the table, or gives its blocks back.
 void Container::replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
-                        const BlockRuns& released, std::span<const BlockRange> place) {
+                        const BlockRuns& released, std::span<const BlockRange> ranges) {
     try {
         release(released);
     } catch (...) {
-        giveBack(place);
+        giveBack(ranges);
         throw;
     }
     table_.assign(change, entry);
@@ -187,9 +187,9 @@ void Container::putContent(wstring_view name, std::span<const std::byte> content
             addBlocks(old->data, released);
         }
         const StorageFileInfo info = newInfo(name, old);
-        std::vector<BlockRange> place;
-        const StorageFileEntry entry = writeFile(info, content, place);
-        replace(name, old, entry, released, place);
+        std::vector<BlockRange> ranges;
+        const StorageFileEntry entry = writeFile(info, content, ranges);
+        replace(name, old, entry, released, ranges);
     });
     finishChange();
 }
@@ -202,10 +202,10 @@ void Container::publish(wstring_view name, std::uint64_t data, const BlockRuns& 
             addBlocks(old->attributes, all);
         if (old && dropOld)
             addBlocks(old->data, all);
-        std::vector<BlockRange> place;
-        StorageFileEntry entry = writeFile(newInfo(name, old), {}, place);
+        std::vector<BlockRange> ranges;
+        StorageFileEntry entry = writeFile(newInfo(name, old), {}, ranges);
         entry.data = data;
-        replace(name, old, entry, all, place);
+        replace(name, old, entry, all, ranges);
     });
     finishChange();
 }
@@ -270,10 +270,10 @@ void Container::rename(wstring_view from, wstring_view to) {
             addBlocks(target->attributes, released);
             addBlocks(target->data, released);
         }
-        std::vector<BlockRange> place;
-        StorageFileEntry entry = writeFile(info, {}, place);
+        std::vector<BlockRange> ranges;
+        StorageFileEntry entry = writeFile(info, {}, ranges);
         entry.data = source.data;
-        replace(to, target, entry, released, place);
+        replace(to, target, entry, released, ranges);
         table_.assign(gone, std::nullopt);
         changed(from);
     });
@@ -291,10 +291,10 @@ void Container::setTimes(wstring_view name, Date created, Date modified) {
         info.modified = modified;
         BlockRuns released(layout_.blockHeaderSize());
         addBlocks(old.attributes, released);
-        std::vector<BlockRange> place;
-        StorageFileEntry entry = writeFile(info, {}, place);
+        std::vector<BlockRange> ranges;
+        StorageFileEntry entry = writeFile(info, {}, ranges);
         entry.data = old.data;
-        replace(name, table_.edit(name), entry, released, place);
+        replace(name, table_.edit(name), entry, released, ranges);
     });
     finishChange();
 }

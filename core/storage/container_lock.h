@@ -6,7 +6,7 @@
 
 namespace core {
 
-/// The locks by which processes share a container. All of them bind nobody who does not ask:
+/// The locks by which processes share a container. They bind only those who ask for them:
 ///
 /// - the header region, shared: while reading, so that the state that is read stays the committed one;
 ///   exclusive: while a commit replaces it;

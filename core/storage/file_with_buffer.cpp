@@ -21,11 +21,11 @@ FileWithBuffer2::FileWithBuffer2(StorageRW& storage, wstring_view name, OpenMode
 const wstring& FileWithBuffer::name() const noexcept {
     return file_->name();
 }
-std::size_t FileWithBuffer::readAt(std::uint64_t position, void* buffer, std::size_t count) {
-    return file_->readAt(position, std::span(static_cast<std::byte*>(buffer), count));
+std::size_t FileWithBuffer::readAt(std::uint64_t offset, void* buffer, std::size_t count) {
+    return file_->readAt(offset, std::span(static_cast<std::byte*>(buffer), count));
 }
-std::size_t FileWithBuffer::writeAt(std::uint64_t position, const void* buffer, std::size_t count) {
-    file_->writeAt(position, std::span(static_cast<const std::byte*>(buffer), count));
+std::size_t FileWithBuffer::writeAt(std::uint64_t offset, const void* buffer, std::size_t count) {
+    file_->writeAt(offset, std::span(static_cast<const std::byte*>(buffer), count));
     return count;
 }
 std::uint64_t FileWithBuffer::length() {

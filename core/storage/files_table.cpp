@@ -15,7 +15,7 @@
 namespace core {
 namespace {
 
-// Tells this table layout from any other, in a place that stays the same through all commits.
+// Tells this table layout from any other, in a number that stays the same through all commits.
 constexpr std::string_view kMark = "table of inner files, layout 1\r\n";
 
 void copy_units(wchar* to, const std::byte* from, std::size_t count) noexcept {

@@ -33,10 +33,10 @@ class FilesTable {
     [[nodiscard]] bool decode(std::span<const std::byte> content, bool sorted);
     /// What a name stands for, now or once the changes are committed; nothing when there is no such file.
     using Change = std::optional<StorageFileEntry>;
-    /// The place of a change of this name, as it is now. assign() to it cannot fail.
+    /// The change of this name, as it is now. To assign() another to it cannot fail.
     [[nodiscard]] Change& edit(wstring_view name);
-    void assign(Change& place, const Change& change) noexcept {
-        place = change;
+    void assign(Change& known, const Change& change) noexcept {
+        known = change;
         changed_ = true;
     }
     void set(wstring_view name, const StorageFileEntry& entry) { assign(edit(name), entry); }

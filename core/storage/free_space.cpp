@@ -37,37 +37,37 @@ bool FreeSpace::load(std::span<const std::byte> content, std::uint64_t end) {
     return true;
 }
 
-void FreeSpace::take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& place) {
+void FreeSpace::take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& ranges) {
     const std::uint64_t length = count * layout_->blockLength(kStorageBlockSize);
     if (address == end_)
         end_ += length;
     else
         free_.take(address, address + length);
     fresh_.add(address, address + length);
-    if (!place.empty() &&
-        place.back().address + place.back().count * layout_->blockLength(kStorageBlockSize) == address)
-        place.back().count += count;
+    if (!ranges.empty() &&
+        ranges.back().address + ranges.back().count * layout_->blockLength(kStorageBlockSize) == address)
+        ranges.back().count += count;
     else
-        place.push_back({address, count});
+        ranges.push_back({address, count});
 }
 
-bool FreeSpace::allocate(std::uint64_t count, std::vector<BlockRange>& place) {
+bool FreeSpace::allocate(std::uint64_t count, std::vector<BlockRange>& ranges) {
     const std::uint64_t step = layout_->blockLength(kStorageBlockSize);
     if (count > layout_->limit() / step)
         return false;
     if (count >= kMany) {
         if (longest_ < count * step)
-            return allocateAtEnd(count, place);
+            return allocateAtEnd(count, ranges);
         std::uint64_t longest = 0;
         for (const auto& [begin, end] : free_.ranges()) {
             if (end - begin >= count * step) {
-                take(begin, count, place);
+                take(begin, count, ranges);
                 return true;
             }
             longest = std::max(longest, end - begin);
         }
         longest_ = longest;
-        return allocateAtEnd(count, place);
+        return allocateAtEnd(count, ranges);
     }
     // First what there is, so that nothing is taken when the rest does not fit.
     std::vector<BlockRange> found;
@@ -81,16 +81,16 @@ bool FreeSpace::allocate(std::uint64_t count, std::vector<BlockRange>& place) {
     if (left > (layout_->limit() - end_) / step)
         return false;
     for (const BlockRange& range : found)
-        take(range.address, range.count, place);
+        take(range.address, range.count, ranges);
     if (left != 0)
-        take(end_, left, place);
+        take(end_, left, ranges);
     return true;
 }
 
-bool FreeSpace::allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& place) {
+bool FreeSpace::allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& ranges) {
     if (count > (layout_->limit() - end_) / layout_->blockLength(kStorageBlockSize))
         return false;
-    take(end_, count, place);
+    take(end_, count, ranges);
     return true;
 }
 
@@ -153,7 +153,7 @@ void FreeSpace::rollback() noexcept {
     longest_ = std::numeric_limits<std::uint64_t>::max();
 }
 
-/// Free space at the end is no space at all.
+/// Free space at the end is given up: the container ends before it.
 void FreeSpace::trim() noexcept {
     const auto& ranges = free_.ranges();
     if (!ranges.empty() && std::prev(ranges.end())->second == end_) {

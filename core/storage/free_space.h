@@ -34,9 +34,9 @@ class FreeSpace {
     /// Takes `count` blocks from the lowest free space, or in one piece when they are many;
     /// from the end of the container when nothing fits. False, with nothing changed, when the
     /// layout cannot address that many.
-    [[nodiscard]] bool allocate(std::uint64_t count, std::vector<BlockRange>& place);
+    [[nodiscard]] bool allocate(std::uint64_t count, std::vector<BlockRange>& ranges);
     /// The same, from the end of the container only.
-    [[nodiscard]] bool allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& place);
+    [[nodiscard]] bool allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& ranges);
     /// Gives blocks back: fresh ones become free, committed ones released. False, with nothing changed, when
     /// some of them are not in use, which only a damaged container can bring about.
     [[nodiscard]] bool release(const BlockRuns& blocks);
@@ -65,7 +65,7 @@ class FreeSpace {
                                                        const StorageLayout& layout);
 
   private:
-    void take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& place);
+    void take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& ranges);
     void trim() noexcept;
 
     const StorageLayout* layout_;

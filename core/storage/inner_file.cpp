@@ -37,14 +37,14 @@ std::uint64_t InnerFile::length() {
     return size();
 }
 
-std::size_t InnerFile::readAt(std::uint64_t position, std::span<std::byte> to) {
+std::size_t InnerFile::readAt(std::uint64_t offset, std::span<std::byte> to) {
     const std::lock_guard lock(container().mutex());
-    if (position >= size())
+    if (offset >= size())
         return 0;
-    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(to.size(), size() - position));
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(to.size(), size() - offset));
     std::size_t done = 0;
     while (done < count) {
-        const std::uint64_t at = position + done;
+        const std::uint64_t at = offset + done;
         const std::size_t left = count - done;
         if (at >= bufferStart_ && at - bufferStart_ < bufferLength_) {
             const auto skip = static_cast<std::size_t>(at - bufferStart_);

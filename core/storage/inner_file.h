@@ -25,9 +25,9 @@ class InnerFile {
     [[nodiscard]] const wstring& name() const noexcept { return name_; }
     [[nodiscard]] const wstring& url() const noexcept { return url_; }
 
-    [[nodiscard]] std::size_t readAt(std::uint64_t position, std::span<std::byte> to);
+    [[nodiscard]] std::size_t readAt(std::uint64_t offset, std::span<std::byte> to);
     [[nodiscard]] std::uint64_t length();
-    virtual void writeAt(std::uint64_t position, std::span<const std::byte> bytes) = 0;
+    virtual void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
     virtual void truncate(std::uint64_t length) = 0;
     virtual void flush() = 0;
     virtual void close() = 0;
@@ -44,7 +44,7 @@ class InnerFile {
     InnerFile(std::shared_ptr<Container> container, wstring_view name);
 
     /// Reads from below the buffer; the range is within the file.
-    virtual void fetch(std::uint64_t position, std::span<std::byte> out) = 0;
+    virtual void fetch(std::uint64_t offset, std::span<std::byte> out) = 0;
     [[nodiscard]] virtual std::uint64_t size() const noexcept = 0;
     /// Throws once the file is closed.
     [[nodiscard]] Container& container() const;

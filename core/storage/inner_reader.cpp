@@ -23,11 +23,11 @@ InnerReader::~InnerReader() {
     leave();
 }
 
-void InnerReader::fetch(std::uint64_t position, std::span<std::byte> out) {
+void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
     Container& in = container();
     const Container::Reading reading(in);
     revalidate();
-    in.checked([&] { chain_.readAt(in.reader(), position, out); });
+    in.checked([&] { chain_.readAt(in.reader(), offset, out); });
 }
 
 /// The container may have changed since the last look: the file must still have the same content, though it

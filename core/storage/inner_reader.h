@@ -11,14 +11,14 @@ class InnerReader : public InnerFile {
     InnerReader(std::shared_ptr<Container> container, wstring_view name);
     ~InnerReader() override;
 
-    void writeAt(std::uint64_t position, std::span<const std::byte> bytes) override;
+    void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
     void truncate(std::uint64_t length) override;
     void flush() override {}
     void close() override { leave(); }
     [[nodiscard]] bool isWriter() const noexcept override { return false; }
 
   protected:
-    void fetch(std::uint64_t position, std::span<std::byte> out) override;
+    void fetch(std::uint64_t offset, std::span<std::byte> out) override;
     [[nodiscard]] std::uint64_t size() const noexcept override { return chain_.size(); }
 
   private:

@@ -36,7 +36,7 @@ InnerWriter::~InnerWriter() {
             giveUp();
         else
             InnerWriter::close();
-    } catch (const std::exception&) { // who wants to know calls close()
+    } catch (const std::exception&) { // a caller that wants to know calls close()
     }
 }
 
@@ -61,27 +61,27 @@ std::uint64_t InnerWriter::size() const noexcept {
     return std::max(writer_->size(), waiting_.empty() ? 0 : waitingStart_ + waiting_.size());
 }
 
-void InnerWriter::writeAt(std::uint64_t position, std::span<const std::byte> bytes) {
+void InnerWriter::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
     const std::lock_guard lock(container().mutex());
     const std::size_t count = bytes.size();
-    writer_->requireRoom(position, count);
+    writer_->requireRoom(offset, count);
     if (count == 0)
         return;
     writing([&] {
         forgetBuffer();
         changed_ = true;
-        const bool joins = !waiting_.empty() && position >= waitingStart_ &&
-                           position <= waitingStart_ + waiting_.size() &&
-                           position - waitingStart_ + count <= kBuffer;
+        const bool joins = !waiting_.empty() && offset >= waitingStart_ &&
+                           offset <= waitingStart_ + waiting_.size() &&
+                           offset - waitingStart_ + count <= kBuffer;
         if (!joins) {
             settleWrites();
             if (count >= kBuffer) {
-                writer_->writeAt(position, bytes);
+                writer_->writeAt(offset, bytes);
                 return;
             }
-            waitingStart_ = position;
+            waitingStart_ = offset;
         }
-        const auto skip = static_cast<std::size_t>(position - waitingStart_);
+        const auto skip = static_cast<std::size_t>(offset - waitingStart_);
         waiting_.resize(std::max(waiting_.size(), skip + count));
         std::memcpy(waiting_.data() + skip, bytes.data(), count);
     });
@@ -94,10 +94,10 @@ void InnerWriter::settleWrites() {
     waiting_.clear();
 }
 
-void InnerWriter::fetch(std::uint64_t position, std::span<std::byte> out) {
+void InnerWriter::fetch(std::uint64_t offset, std::span<std::byte> out) {
     writing([&] {
         settleWrites();
-        writer_->readAt(position, out);
+        writer_->readAt(offset, out);
     });
 }
 

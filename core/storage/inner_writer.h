@@ -19,7 +19,7 @@ class InnerWriter : public InnerFile {
     InnerWriter(const std::shared_ptr<Container>& container, wstring_view name, OpenMode mode);
     ~InnerWriter() override;
 
-    void writeAt(std::uint64_t position, std::span<const std::byte> bytes) override;
+    void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
     void truncate(std::uint64_t length) override;
     void flush() override;
     void close() override;
@@ -31,7 +31,7 @@ class InnerWriter : public InnerFile {
     }
 
   protected:
-    void fetch(std::uint64_t position, std::span<std::byte> out) override;
+    void fetch(std::uint64_t offset, std::span<std::byte> out) override;
     [[nodiscard]] std::uint64_t size() const noexcept override;
 
   private:

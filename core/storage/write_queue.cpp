@@ -22,7 +22,7 @@ std::byte* WriteQueue::extend(std::uint64_t address, std::size_t count) {
     return room;
 }
 
-/// Writes all but the last bytes, up to where the system's pages begin: parts of
+/// Writes all except the last bytes, up to where the system's pages begin: parts of
 /// pages are what it is slow at.
 void WriteQueue::makeRoom() {
     constexpr std::uint64_t kPages = std::uint64_t{16} << 10;

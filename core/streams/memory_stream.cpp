@@ -3,7 +3,7 @@
 
 namespace core::detail {
 
-/// Comes here only when a piece is full, so that every piece but the last is used to its end.
+/// Comes here only when a piece is full, so that every piece except the last is used to its end.
 MemoryOutBuffer::int_type MemoryOutBuffer::overflow(int_type unit) {
     more_.push_back(std::make_unique_for_overwrite<wchar[]>(kPiece));
     setp(more_.back().get(), more_.back().get() + kPiece);

@@ -45,8 +45,8 @@ void Utf8OutBuffer::encode(bool last) {
                 break;
             }
             if (!U16_IS_SURROGATE_LEAD(character) || at == end || !U16_IS_TRAIL(*at)) {
-                const auto place = block.before + static_cast<std::size_t>(out - block.bytes);
-                throw_error<ConverterException>(messages::kTextNotUtf16, {name_, string_intto(place)});
+                const auto offset = block.before + static_cast<std::size_t>(out - block.bytes);
+                throw_error<ConverterException>(messages::kTextNotUtf16, {name_, string_intto(offset)});
             }
             character = U16_GET_SUPPLEMENTARY(character, *at);
             ++at;

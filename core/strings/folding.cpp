@@ -12,7 +12,7 @@
 namespace core {
 
 FoldTable::FoldTable() noexcept {
-    // Few units fold to anything but themselves, and they stand close together: blocks that fold to
+    // Few units fold to anything else than themselves, and they stand close together: blocks that fold to
     // themselves as a whole are done by one call. A block never holds both halves of a surrogate pair.
     constexpr std::size_t kBlock = 64;
     std::iota(units_.begin(), units_.end(), u'\0');

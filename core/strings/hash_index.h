@@ -11,9 +11,9 @@
 
 namespace core {
 
-/// Finds entries of a row by the hash of their keys. The caller owns the row, which may be anything that is
-/// numbered; the index keeps one position a key. It never looks at the row itself: to grow, and to search for
-/// what is absent, takes the index alone.
+/// Finds entries of a sequence by the hash of their keys. The caller owns the sequence, which may be anything
+/// that is numbered; the index keeps one position a key. It never looks at the sequence itself: to grow, and
+/// to search for what is absent, takes the index alone.
 ///
 ///  1. There are no slots, or a power of two of them. At most two thirds are in use.
 ///  2. A slot in use has a position and a tag: the upper half of a hash, made odd. The tag of a free one is
@@ -100,7 +100,7 @@ inline void HashIndex::grow(std::size_t count) {
     larger.slots_.resize(std::bit_ceil(std::max(count + count / 2 + 1, kFewestSlots)));
     larger.shift_ = 32 - static_cast<unsigned>(std::countr_zero(larger.slots_.size()));
     larger.size_ = size_;
-    // The old slots are met in the order of their new homes, so both rows are walked forwards.
+    // The old slots are met in the order of their new homes, so both sequences are walked forwards.
     for (const Slot& slot : slots_) {
         if (slot.tag != kFree)
             larger.enter(slot);

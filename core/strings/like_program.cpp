@@ -66,15 +66,15 @@ class LikeProgram::Matcher {
         return true;
     }
 
-    // The first place in [at, end) where `run` matches; null if none exists.
+    // The first position in [at, end) where `run` matches; null if none exists.
     [[nodiscard]] const wchar* find(const Run& run, const wchar* at, const wchar* end) const noexcept {
         if (static_cast<std::size_t>(end - at) < run.length)
             return nullptr;
-        const wchar* const places = end - run.length + 1;
-        for (; at != places; ++at) {
+        const wchar* const stop = end - run.length + 1;
+        for (; at != stop; ++at) {
             if (run.hasUnit) {
                 const wchar* const near =
-                    find_pair(run.pair, at + run.near, static_cast<std::size_t>(places - at));
+                    find_pair(run.pair, at + run.near, static_cast<std::size_t>(stop - at));
                 if (near == nullptr)
                     return nullptr;
                 at = near - run.near;

@@ -16,13 +16,13 @@ namespace core {
 /// 1. The pattern is cut at every "%" into runs; there is at least one run, and none between the first and
 /// the
 ///    last is empty.
-/// 2. A run is a row of elements, each of which matches exactly one unit: a unit, any unit, or a set.
+/// 2. A run is a sequence of elements, each of which matches exactly one unit: a unit, any unit, or a set.
 /// 3. When case is ignored, units and sets are folded, and so are the units of a text before they are looked
 ///    at.
 ///
 /// By 2 a run takes the same length wherever it matches, so a text matches when the first run stands at its
-/// beginning, the last at its end, and the others in between, each at the first place that the one before it
-/// leaves: nothing is ever tried again.
+/// beginning, the last at its end, and the others in between, each at the first position that the one before
+/// it leaves: nothing is ever tried again.
 class LikeProgram {
   public:
     LikeProgram(wstring_view pattern, wchar escape, LikeCase letterCase);

@@ -13,35 +13,35 @@
 
 namespace core {
 
-/// How many places are looked at together.
+/// How many positions are looked at together.
 inline constexpr std::size_t kPairBlock = 8;
 
-/// Which of the first `count` places, 16 at the most, have the pair, as bits. Classes have `kCases` different
-/// units at the most.
+/// Which of the first `count` positions, 16 at the most, have the pair, as bits. Classes have `kCases`
+/// different units at the most.
 template <std::size_t kCases>
-[[nodiscard]] unsigned pair_places(const UnitPair& pair, const wchar* at, std::size_t count) noexcept {
+[[nodiscard]] unsigned pair_positions(const UnitPair& pair, const wchar* at, std::size_t count) noexcept {
     const auto member = [](const UnitClass& units, wchar c) {
         bool found = false; // without a branch, which the processor would guess wrong
         for (std::size_t i = 0; i < kCases; ++i)
             found |= c == units[i];
         return found;
     };
-    unsigned places = 0;
+    unsigned positions = 0;
     for (std::size_t i = 0; i < count; ++i)
-        places |= unsigned{member(pair.near, at[i]) && member(pair.far, at[i + pair.distance])} << i;
-    return places;
+        positions |= unsigned{member(pair.near, at[i]) && member(pair.far, at[i + pair.distance])} << i;
+    return positions;
 }
 
-/// The places of a pair in two blocks at a time, for every processor.
+/// The positions of a pair in two blocks at a time, for every processor.
 template <std::size_t kCases>
 class PlainPairBlocks {
   public:
     explicit PlainPairBlocks(const UnitPair& pair) noexcept : pair_(pair) {}
 
-    /// The places in both blocks as bits, those of `first` in the lower half.
-    [[nodiscard]] unsigned places(const wchar* first, const wchar* second) const noexcept {
-        return pair_places<kCases>(pair_, first, kPairBlock) | pair_places<kCases>(pair_, second, kPairBlock)
-                                                                   << kPairBlock;
+    /// The positions in both blocks as bits, those of `first` in the lower half.
+    [[nodiscard]] unsigned positions(const wchar* first, const wchar* second) const noexcept {
+        return pair_positions<kCases>(pair_, first, kPairBlock) |
+               pair_positions<kCases>(pair_, second, kPairBlock) << kPairBlock;
     }
 
   private:
@@ -60,7 +60,7 @@ class VectorPairBlocks {
         }
     }
 
-    [[nodiscard]] unsigned places(const wchar* first, const wchar* second) const noexcept {
+    [[nodiscard]] unsigned positions(const wchar* first, const wchar* second) const noexcept {
         return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(block(first), block(second))));
     }
 
@@ -93,22 +93,22 @@ using PairBlocks = PlainPairBlocks<kCases>;
 template <std::size_t kCases, template <std::size_t> class Blocks = PairBlocks>
 [[nodiscard]] const wchar* search_pair(const UnitPair& pair, const wchar* at, std::size_t count) noexcept {
     if (count < kPairBlock) {
-        const unsigned places = pair_places<kCases>(pair, at, count);
-        return places != 0 ? at + std::countr_zero(places) : nullptr;
+        const unsigned positions = pair_positions<kCases>(pair, at, count);
+        return positions != 0 ? at + std::countr_zero(positions) : nullptr;
     }
     const Blocks<kCases> blocks(pair);
     const auto inTwo = [&](const wchar* first, const wchar* second) -> const wchar* {
-        const unsigned places = blocks.places(first, second);
-        if (places == 0)
+        const unsigned positions = blocks.positions(first, second);
+        if (positions == 0)
             return nullptr;
-        const auto place = static_cast<std::size_t>(std::countr_zero(places));
-        return place < kPairBlock ? first + place : second + (place - kPairBlock);
+        const auto position = static_cast<std::size_t>(std::countr_zero(positions));
+        return position < kPairBlock ? first + position : second + (position - kPairBlock);
     };
     constexpr auto kStep = static_cast<std::ptrdiff_t>(kPairBlock);
     const wchar* const last = at + (count - kPairBlock);
     for (; last - at >= kStep; at += 2 * kStep) {
-        if (const wchar* const place = inTwo(at, at + kStep))
-            return place;
+        if (const wchar* const position = inTwo(at, at + kStep))
+            return position;
     }
     // What is left fits into two blocks that overlap each other or what was searched already.
     return last - at > -kStep ? inTwo(std::min(at, last), last) : nullptr;

@@ -47,8 +47,8 @@ class TypeValueService : public ITypeValueService {
 
     template <class Table, class Key>
     static IType* find(const Table& table, const Key& key) {
-        const auto place = table.find(key);
-        return place != table.end() ? place->second : nullptr;
+        const auto found = table.find(key);
+        return found != table.end() ? found->second : nullptr;
     }
 
     const Types& gathered() {

@@ -100,7 +100,7 @@ std::vector<Source> sources(const Options& options) {
         }
         fs::recursive_directory_iterator entry(base, error);
         for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-            std::error_code ignored; // what cannot be looked at is no file to put in
+            std::error_code ignored; // what cannot be looked at is not put in
             if (entry->is_regular_file(ignored))
                 add(entry->path(), (base.filename() / entry->path().lexically_relative(base)).string());
         }
@@ -133,7 +133,7 @@ void set_modified_on_disk(const std::string& path, Date modified) {
         return;
     const std::int64_t seconds = (modified - kUnixEpoch).ticks() / kTicksPerSecond;
     const ::timespec times[2] = {{0, UTIME_OMIT}, {static_cast<::time_t>(seconds), 0}};
-    (void)::utimensat(AT_FDCWD, path.c_str(), times, 0); // a file system without times is no reason to stop
+    (void)::utimensat(AT_FDCWD, path.c_str(), times, 0); // a file system without times does not matter
 }
 
 /// Writes an inner file to disk. A file there is replaced by the whole content or stays as it is, devices are

@@ -98,7 +98,7 @@ ExitCode check(Console& console, const ListOptions& options) {
             code = check_file(console, file) ? ExitCode::done : ExitCode::malformed;
         } catch (const FileException& e) {
             code = fail(console, e.description(), ExitCode::io);
-        } catch (const Exception& e) { // a text that is not UTF-8 is no list, either
+        } catch (const Exception& e) { // a text that is not UTF-8 is not a list, either
             code = fail(console, e.description(), ExitCode::malformed);
         }
         worst = std::max(worst, code);

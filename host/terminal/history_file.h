@@ -15,7 +15,7 @@ class HistoryFile {
   public:
     static constexpr std::size_t kMostLines = 1000;
 
-    /// An empty path is no file.
+    /// An empty path means no file.
     explicit HistoryFile(std::string path) : path_(std::move(path)) {}
     /// $XDG_STATE_HOME/corehost/history; without that variable, and without HOME, no file.
     [[nodiscard]] static HistoryFile of_user();

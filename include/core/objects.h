@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// Script objects that are no collections: binary data, enumerations and their values, the global functions.
+/// Script objects that are not collections: binary data, enumerations and their values, the global functions.
 #include <core/context.h>
 #include <core/lists/errors.h>
 #include <core/objects/binary_data.h>

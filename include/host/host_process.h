@@ -27,7 +27,7 @@ class ProcessObject : public core::SCOM_Process {
     /// Keeps a reference to the factory of a class, in place of an earlier one.
     void registerClass(const core::GUID& clsid, core::IClassFactory* factory, std::int32_t threading,
                        std::int32_t attributes) override;
-    /// Lets go of the factory of a class; an unknown class is no failure.
+    /// Lets go of the factory of a class; an unknown class is ignored.
     void revokeClass(const core::GUID& clsid) override;
     /// Returns a new object of a class; null for an unknown class. Throws what the factory throws.
     core::InterfacePtr<core::IUnknown> createInstance(const core::GUID& clsid) override;

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """The exported symbols, down to the class or the free function: parameters and members are the headers' business, but a
-name that appears or goes is a decision. "scripts/exports" writes the list anew."""
+name that appears or goes is a decision. "scripts/exports" writes the list again."""
 import difflib
 import re
 
@@ -51,4 +51,4 @@ def exported():
 def findings():
     listed = tree.text(LIST).splitlines()
     changes = [line for line in difflib.ndiff(listed, exported()) if line[0] in "+-"]
-    return changes and changes + ["review these; then write the list anew with scripts/exports"]
+    return changes and changes + ["review these; then write the list again with scripts/exports"]

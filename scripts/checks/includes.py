@@ -70,7 +70,7 @@ def upwards(name, layer, found):
         place = f"{name}:{number}: {path}"
         ours = path.startswith(("core/", "host/"))
         if public and not ours and ("/" in path or path.endswith(".h")):
-            found.append(f"{place} is no standard header, and this header is public")
+            found.append(f"{place} is not a standard header, and this header is public")
         if public and (quote == '"' or path.startswith("host/")):
             found.append(f"{place} is private, and this header is public")
         if ours and layer is not None:

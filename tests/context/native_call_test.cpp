@@ -228,7 +228,7 @@ TEST_F(NativeCalls, ObjectsThroughTheirInterfaces) {
     EXPECT_EQ(from_value<InterfacePtr<IValue>>(text)->getType(), text.type().get());
     expectRefusedType<InterfacePtr<IValueIsEmpty>>(text);
     EXPECT_TRUE(to_value(InterfacePtr<IValue>()).isUndefined());
-    auto* const service = Type(Type::date).get(); // a component that is no value
+    auto* const service = Type(Type::date).get(); // a component that is not a value
     try {
         (void)to_value(service);
         ADD_FAILURE() << "scripts cannot hold a type object";

@@ -28,7 +28,7 @@ class ChooserTest : public FolderTest {
 };
 
 const std::string kQuestion = "Number, 1 to 3, or an empty line for none: ";
-const std::string kAgain = "That is no answer.\n" + kQuestion;
+const std::string kAgain = "That is not one of the answers.\n" + kQuestion;
 
 TEST_F(ChooserTest, ARowIsChosenByItsNumber) {
     const std::string rows = "   №  Name    Sum\n"

@@ -74,7 +74,7 @@ TEST_F(CsvTest, TitlesBecomeNames) {
     EXPECT_EQ(run("T = LoadCsv(F); T.Columns.A_B_2.Title; T.Columns[1].Title"), "\"a_b\"\n\" price\"");
     EXPECT_EQ(load("1;2\n", ", \";\", \"А, Б\""), R"([["А","Б"],["1","2"]])");
     EXPECT_EQ(load("", ", , \"A\""), R"([["A"]])");
-    EXPECT_EQ(load("A\n\n1\n\"\"\n\n \n"), R"([["A"],["1"],[""],[" "]])"); // blank lines are no rows
+    EXPECT_EQ(load("A\n\n1\n\"\"\n\n \n"), R"([["A"],["1"],[""],[" "]])"); // blank lines are skipped
     EXPECT_EQ(load("A,B"), R"([["A","B"]])");
     EXPECT_EQ(load(""), "! 1:5 x.csv: the file is empty, it has no line with the names of the columns.");
 }

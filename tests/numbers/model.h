@@ -32,7 +32,7 @@ inline cpp_int scaled(const Numeric& n, std::int64_t scale) {
     return n.sign() < 0 ? cpp_int(-value) : value;
 }
 
-/// value × 10^(−9 × scale), made through text so that it depends on nothing under test but the reader.
+/// value × 10^(−9 × scale), made through text so that it depends on nothing under test except the reader.
 inline Numeric number(const cpp_int& value, std::int64_t scale) {
     std::string digits = cpp_int(abs(value)).str();
     const auto places = static_cast<std::size_t>(std::max<std::int64_t>(scale, 0) * 9);

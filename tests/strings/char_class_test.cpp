@@ -37,7 +37,7 @@ TEST(Trim, TakesWhiteSpaceOffTheEndsOnly) {
 
 TEST(Trim, NarrowTextLosesTheSameSpacesAndNoBytes) {
     EXPECT_EQ(trim_all(" \u00A0\u3000é\u2003\n"), "é");
-    EXPECT_EQ(trim_right("Р "), "Р");              // D0 A0: the last byte alone is no space
+    EXPECT_EQ(trim_right("Р "), "Р");              // D0 A0: the last byte alone is not a space
     EXPECT_EQ(trim_all("\xA0 \xA0"), "\xA0 \xA0"); // broken sequences stay
     EXPECT_EQ(trim_right("\xE3\x80 "), "\xE3\x80");
     EXPECT_EQ(trim_all("\u3000\u3000"), "");

@@ -196,7 +196,7 @@ bool CellColumn::putCode(RowId row, const Value& value) {
     }
     if (dictionary_->size() > 1)
         return putInForm(Form::values, 0, row, value);
-    // Nothing but Undefined so far: the column gets the form of its first value.
+    // Only Undefined so far: the column gets the form of its first value.
     const auto number = value.asNumeric();
     return putInForm(plain_form(value), number ? fraction_digits(*number) : 0, row, value);
 }

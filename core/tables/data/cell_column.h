@@ -120,7 +120,7 @@ class CellColumn {
     std::vector<std::int64_t> words_;
     std::vector<Code> codes_;
     std::vector<Value> values_;
-    std::unique_ptr<ValueDictionary> dictionary_; // null in every form but coded
+    std::unique_ptr<ValueDictionary> dictionary_; // null in every form except coded
 };
 
 } // namespace core

@@ -11,8 +11,8 @@ namespace core {
 /// to the rows, linked in rings.
 ///
 /// An index that is current is kept so by link() and unlink() around every change of a row. Where keeping it
-/// would cost as much as making it again (many cells changed at once, another form of a column), or fails for
-/// want of memory, it is given up instead, and built again when it is next needed; a write never fails
+/// would cost as much as making it again (many cells changed at once, another form of a column), or there is
+/// not enough memory, it is given up instead, and built again when it is next needed; a write never fails
 /// because of an index.
 class TableIndex : public TablePart<TableIndex> {
   public:

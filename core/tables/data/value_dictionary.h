@@ -33,7 +33,7 @@ class ValueDictionary {
     }
 
     std::vector<Value> values_{Value()};
-    HashIndex index_; // of all values but Undefined
+    HashIndex index_; // of all values except Undefined
 };
 
 } // namespace core

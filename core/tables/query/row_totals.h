@@ -6,7 +6,7 @@
 namespace core {
 
 /// The sum of the Numbers among the cells of a column. Where there is no Number it is 0 if the column holds
-/// nothing but Numbers, and Undefined otherwise.
+/// only Numbers, and Undefined otherwise.
 [[nodiscard]] Value total(RowRange rows, const TableColumn& column);
 
 /// Rows that belong together, numbered in the order of their first ones.

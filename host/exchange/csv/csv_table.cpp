@@ -116,7 +116,7 @@ class Writer {
     }
 
   private:
-    /// An empty field that is a row by itself needs quotes: an empty line is no row.
+    /// An empty field that is a row by itself needs quotes: readers skip an empty line.
     void field(wstring_view text, bool needsQuotes) {
         if (!needsQuotes && text.find_first_of(special_) == wstring_view::npos)
             return put(text);

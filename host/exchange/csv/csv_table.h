@@ -12,7 +12,7 @@
 /// Value tables as comma-separated values.
 namespace host {
 
-/// Whether a unit may stand between fields: any of ASCII but quotes and line breaks.
+/// Whether a unit may stand between fields: any of ASCII except quotes and line breaks.
 [[nodiscard]] bool is_csv_delimiter(core::wchar unit) noexcept;
 
 /// The table that `read` brings the bytes of, its cells Strings; messages call it `name`. Without `columns`

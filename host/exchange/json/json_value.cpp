@@ -228,16 +228,16 @@ class Writer {
 
     /// The number 1 and the text "1" are two keys, but would be one name.
     static void refuseSameNames(const IValuePairs& pairs) {
-        std::unordered_set<wstring> names; // of the keys that are no strings
+        std::unordered_set<wstring> names; // of the keys that are not strings
         const auto refuse = [](const wstring& name) {
             throw_error<ContextException>("IDS_SCRIPT_JSON_SAME_NAMES", {name});
         };
         IValuePairs::View pair;
-        for (std::size_t place = 0; pairs.next(place, pair);) {
+        for (std::size_t position = 0; pairs.next(position, pair);) {
             if (pair.key->kind() != ValueKind::string && !names.insert(pair.key->presentation()).second)
                 refuse(pair.key->presentation());
         }
-        for (std::size_t place = 0; !names.empty() && pairs.next(place, pair);) {
+        for (std::size_t position = 0; !names.empty() && pairs.next(position, pair);) {
             if (pair.key->kind() == ValueKind::string && names.contains(pair.key->presentation()))
                 refuse(pair.key->presentation());
         }
@@ -247,7 +247,7 @@ class Writer {
         refuseSameNames(pairs);
         Block block(*this, '{');
         IValuePairs::View pair;
-        for (std::size_t place = 0; pairs.next(place, pair);)
+        for (std::size_t position = 0; pairs.next(position, pair);)
             block.member(pair.key->presentation(), *pair.value);
         block.close('}');
     }

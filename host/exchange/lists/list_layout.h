@@ -8,7 +8,7 @@
 
 namespace host {
 
-/// Lays nested lists out as the library's own writer does, with indentation: every list but the outermost
+/// Lays nested lists out as the library's own writer does, with indentation: every list except the outermost
 /// begins a line, and so does the end of a list behind another end.
 class ListLayout {
   public:
@@ -20,7 +20,7 @@ class ListLayout {
 
     ListLayout(core::wostream& out, const Style& style) : out_(out), style_(style) {}
 
-    /// Begins an element that is no list; its text goes to the stream that this returns.
+    /// Begins an element that is not a list; its text goes to the stream that this returns.
     core::wostream& element();
     void open();
     void close();

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-/// The arrays: values in a row, indexed from 0. Scripts know them as "Array" and, where nothing can be
+/// The arrays: values in order, indexed from 0. Scripts know them as "Array" and, where nothing can be
 /// changed any more, "FixedArray".
 ///
 /// Everything borrowed from an array is valid until its next change. Threads: one at a time.
@@ -23,7 +23,7 @@ inline constexpr GUID kFixedValueArrayClass = "96153e21-444d-4b23-91a9-25a2483f7
 /// The type id of "FixedArray".
 inline constexpr GUID kFixedValueArrayType = "4500381b-db30-4a10-9db4-990038032acf"_guid;
 
-/// Values in a row, to be read: what both arrays are.
+/// Values in order, to be read: what both arrays are.
 class IValueSequence : public IUnknown {
   public:
     static constexpr GUID IID = "9b4a66e5-1b2c-4fd0-a6d5-5a6d8a0e1f27"_guid;

@@ -45,9 +45,9 @@ class IValuePairs : public IUnknown {
     /// Returns how many pairs there are.
     [[nodiscard]] virtual std::size_t count() const noexcept = 0;
     /// Stores the next pair in the order of insertion and returns true; returns false at the end. Makes no
-    /// object of the pair. `place` begins at 0 and is for this function alone; a change of the collection
+    /// object of the pair. `position` begins at 0 and is for this function alone; a change of the collection
     /// ends the walk.
-    virtual bool next(std::size_t& place, View& pair) const noexcept = 0;
+    virtual bool next(std::size_t& position, View& pair) const noexcept = 0;
     /// Removes all pairs.
     virtual void clear() noexcept = 0;
 

@@ -5,7 +5,7 @@
 #include <core/context/context_table.h>
 
 /// The templates that make a class a context. A class of values is written with script_object.h, which stands
-/// on them; a context that is no value, as the global functions are, is written as
+/// on them; a context that is not a value, as the global functions are, is written as
 ///
 ///     class Functions : public IContextImpl<IContextDefImpl<Functions>> {
 ///       public:

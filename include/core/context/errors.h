@@ -17,7 +17,7 @@ inline constexpr const char* kMissingArgument = "IDS_CONTEXT_MISSING_ARGUMENT";
 inline constexpr const char* kNoMethod = "IDS_CONTEXT_NO_METHOD";
 /// An object has no property of that number; {0} is the number.
 inline constexpr const char* kNoProperty = "IDS_CONTEXT_NO_PROPERTY";
-/// An object that stands behind an interface is no value, so that scripts cannot hold it. No parameters.
+/// An object that stands behind an interface is not a value, so that scripts cannot hold it. No parameters.
 inline constexpr const char* kNoValue = "IDS_CONTEXT_NO_VALUE";
 /// A property cannot be read; {0} is its name.
 inline constexpr const char* kPropertyNotReadable = "IDS_CONTEXT_PROPERTY_NOT_READABLE";

@@ -28,7 +28,7 @@ class CORE_API GroupContext : public IContext_ {
     bool changeContext(IContext_* context, IContext_* replacement);
 
     // query
-    /// Where a number of the group leads.
+    /// The place to which a number of the group leads.
     struct Place {
         IContext_* context; ///< the member, borrowed until it leaves the group
         int index;          ///< the number within the member

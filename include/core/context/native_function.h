@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-/// C++ functions as scripts call them: with a row of values, from which the parameters are read.
+/// C++ functions as scripts call them: with several values, from which the parameters are read.
 namespace core {
 
 /// What a parameter is when it is left out: see by_default().
@@ -109,7 +109,7 @@ class NativeFunction {
 
     /// Calls the function with as many arguments as there are parameters, and stores in them what is passed
     /// back. Returns its value, Undefined for none. Throws ContextException for an argument that does not
-    /// convert and for a row that is too short, before the function is called, and what the function throws;
+    /// convert and for too few arguments, before the function is called, and what the function throws;
     /// the arguments are then unchanged.
     GenericValue operator()(std::span<GenericValue> arguments) const {
         if (arguments.size() < params_.size())

@@ -23,7 +23,7 @@ using ObjectPtr = InterfacePtr<SCOM_InternalClass<T>>;
 
 namespace detail {
 
-/// The object as a value; null is Undefined. Throws ContextException for an object that is no value.
+/// The object as a value; null is Undefined. Throws ContextException for an object that is not a value.
 [[nodiscard]] CORE_API Value value_of_object(IUnknown* object);
 
 /// The pointer as a value; null is Undefined.
@@ -51,7 +51,7 @@ struct NativeValue<InterfacePtr<T>> {
             receiver.refuseType();
         return object;
     }
-    /// Returns the object as a value. Throws ContextException for an object that is no value.
+    /// Returns the object as a value. Throws ContextException for an object that is not a value.
     static Value to(const InterfacePtr<T>& object) { return detail::value_of_pointer(object.get()); }
 };
 
@@ -86,7 +86,7 @@ struct NativeValue<T*> {
             return NativeValue<InterfacePtr<Object>>::from(value, receiver);
         }
     }
-    /// Returns the object as a value. Throws ContextException for an object that is no value.
+    /// Returns the object as a value. Throws ContextException for an object that is not a value.
     static Value to(T* object) {
         return detail::value_of_pointer(const_cast<std::remove_const_t<T>*>(object));
     }

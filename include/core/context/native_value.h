@@ -51,7 +51,7 @@ class ValueReceiver {
 ///
 /// from() may return another type that converts to `T` by itself. What it returns may borrow from `value`: a
 /// wstring_view and a pointer are valid as long as the argument that they were made of. There is no
-/// conversion between types on the way: "5" is no number, and 1 is no Boolean.
+/// conversion between types on the way: "5" is not a number, and 1 is not a Boolean.
 template <class T>
 struct NativeValue;
 
@@ -67,8 +67,8 @@ concept ToValue = requires(const T& value) {
     { NativeValue<std::decay_t<const T&>>::to(value) } -> std::convertible_to<Value>;
 };
 
-/// Returns what `value` is as a `T`. Throws ContextException for a value that is no `T`. See NativeValue for
-/// what is borrowed.
+/// Returns what `value` is as a `T`. Throws ContextException for a value that is not a `T`. See NativeValue
+/// for what is borrowed.
 template <FromValue T>
 [[nodiscard]] auto from_value(const Value& value, ValueReceiver receiver = ValueReceiver::parameter(0)) {
     return NativeValue<T>::from(value, receiver);

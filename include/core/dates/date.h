@@ -38,7 +38,7 @@ class DateSpan {
 };
 
 /// A date of the proleptic Gregorian calendar with a time of day and without a time zone: the ticks since
-/// 0001-01-01 00:00:00. A value type, ordered by its count. Nothing here throws but what says so.
+/// 0001-01-01 00:00:00. A value type, ordered by its count. Only what says so throws.
 ///
 /// Count 0 is the empty date, and 0001-01-01 00:00:00 as well. Counts from kLimit on are out of range: every
 /// part of them reads as 0, and every period they lie in begins and ends at the empty date.
@@ -179,7 +179,7 @@ class Date {
     /// ("Europe/Berlin", looked for in TZDIR where that is set), an absolute path of such a file, or a rule
     /// as in "CET-1CEST,M3.5.0,M10.5.0/3"; what the system has no file for is looked up in ICU's data. The
     /// empty name means the system's zone: TZ, else /etc/localtime. Zones are read once a process. The empty
-    /// date and dates out of range stay as they are. All throw TimeZoneException for a name that is no zone.
+    /// date and dates out of range stay as they are. All throw TimeZoneException for an unknown name.
     /// @{
 
     /// Returns what the clocks of the process's zone show at this universal time.
@@ -192,8 +192,8 @@ class Date {
     [[nodiscard]] CORE_API Date toUniversalTime() const;
     /// Returns the universal time at which the clocks of `zone` show this date, by the same rules.
     [[nodiscard]] CORE_API Date toUniversalTime(const std::string& zone) const;
-    /// Does nothing but throw for a name that is no zone: a program that checks its zone when it starts does
-    /// not fail later.
+    /// Throws TimeZoneException when no zone has this name; does nothing else. A program that checks its zone
+    /// when it starts does not fail later.
     static CORE_API void checkTimeZone(const std::string& zone);
     /// @}
 

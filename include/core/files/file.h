@@ -42,13 +42,13 @@ class IFile : public IUnknown {
 
     // At an offset. The current position is neither used nor changed.
 
-    /// Reads up to `count` bytes at the offset `position` into `buffer` and returns how many. Returns 0 only
+    /// Reads up to `count` bytes at `offset` into `buffer` and returns how many. Returns 0 only
     /// at the end of the file or when `count` is 0. It may return fewer than there are; read_all_at()
     /// insists.
-    virtual std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) = 0;
-    /// Writes up to `count` bytes from `buffer` at the offset `position` and returns how many, at least one
-    /// unless `count` is 0. A gap between the old end and `position` reads as zeros; write_all_at() insists.
-    virtual std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) = 0;
+    virtual std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) = 0;
+    /// Writes up to `count` bytes from `buffer` at `offset` and returns how many, at least one
+    /// unless `count` is 0. A gap between the old end and `offset` reads as zeros; write_all_at() insists.
+    virtual std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) = 0;
 
     // At the current position, which is the start of a file just opened.
 
@@ -57,7 +57,7 @@ class IFile : public IUnknown {
     /// Writes as writeAt() does at the current position, and moves it behind what was written.
     virtual std::size_t write(const void* buffer, std::size_t count) = 0;
     /// Moves the current position to `offset` bytes from `origin` and returns it, counted from the start. It
-    /// may lie beyond the end. A position before the start is refused and the old one kept.
+    /// may lie beyond the end. An offset before the start is refused; the current position stays.
     virtual std::uint64_t seek(std::int64_t offset, SeekOrigin origin) = 0;
 
     // The whole file.

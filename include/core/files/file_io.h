@@ -11,13 +11,12 @@
 /// Calls on files that do not stop half way. Each throws what the file throws.
 namespace core {
 
-/// Reads from the offset `position` on until `bytes` is full or the file ends; returns how many bytes it
+/// Reads from `offset` on until `bytes` is full or the file ends; returns how many bytes it
 /// read.
-[[nodiscard]] CORE_API std::size_t read_all_at(IFile& file, std::uint64_t position,
-                                               std::span<std::byte> bytes);
-/// Writes all of `bytes` at the offset `position`. Throws FileException (ENOSPC) when the file takes nothing
+[[nodiscard]] CORE_API std::size_t read_all_at(IFile& file, std::uint64_t offset, std::span<std::byte> bytes);
+/// Writes all of `bytes` at `offset`. Throws FileException (ENOSPC) when the file takes nothing
 /// and gives no reason. What was written before a failure stays.
-CORE_API void write_all_at(IFile& file, std::uint64_t position, std::span<const std::byte> bytes);
+CORE_API void write_all_at(IFile& file, std::uint64_t offset, std::span<const std::byte> bytes);
 /// Writes all of `bytes` at the current position, which moves behind them. Throws as write_all_at() does.
 CORE_API void write_all(IFile& file, std::span<const std::byte> bytes);
 

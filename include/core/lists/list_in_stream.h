@@ -21,7 +21,7 @@ struct ListRun;
 ///
 /// Each `get` skips white space and the comma that is due, and reads one element. Whatever does not fit (a
 /// missing comma or brace, a bad token, a string cut short) throws ListStreamException, which tells no
-/// position. The stream then stands where the failing step stopped, and the reader is not to be used further.
+/// place. The stream then stands where the failing step stopped, and the reader is not to be used further.
 /// What the stream's buffer throws passes through. A stream that has failed has no text. One thread at a
 /// time.
 class CORE_API ListInStream {

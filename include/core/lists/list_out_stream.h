@@ -18,7 +18,7 @@ struct ListRun;
 } // namespace detail
 
 /// Writes nested data as a brace list: `{1,` line feed `{2,3}` line feed `}`. Commas and line breaks come by
-/// themselves: every "{" but the first begins a line, and so does a "}" behind a "}".
+/// themselves: every "{" except the first begins a line, and so does a "}" behind a "}".
 ///
 /// A composite type writes itself as putBeginOfList(), its members, putEndOfList(). The writer reports no
 /// error: a stream that does not take a unit becomes bad and takes nothing more, and what its buffer throws

@@ -14,7 +14,7 @@ namespace core {
 
 /// Takes brace-list text of any size apart without knowing what it holds: for tools that check, format and
 /// convert. Accepts exactly one element with white space around it. Malformed text throws nothing: the
-/// scanner tells the position and what was expected there. What the stream's buffer throws passes through.
+/// scanner tells the place and what was expected there. What the stream's buffer throws passes through.
 ///
 /// Memory does not grow with the text: a long string or token comes in pieces. One thread at a time.
 class CORE_API ListScanner {
@@ -39,7 +39,7 @@ class CORE_API ListScanner {
         lessDepth, ///< fewer lists inside each other
     };
 
-    /// A position in the text, in UTF-16 units.
+    /// A place in the text, counted in UTF-16 units.
     struct Place {
         std::uint64_t offset = 0; ///< units before it
         std::uint64_t line = 1;   ///< from 1; lines end with line feeds
@@ -76,7 +76,7 @@ class CORE_API ListScanner {
     [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
     /// Returns what an error missed.
     [[nodiscard]] Expected expected() const noexcept { return expected_; }
-    /// Returns what an error missed as a text in the user's language, without the position.
+    /// Returns what an error missed as a text in the user's language, without the place.
     [[nodiscard]] wstring message() const;
 
   private:

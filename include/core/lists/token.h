@@ -17,7 +17,7 @@
 /// Writers write one token and return the stream; a stream that does not take it becomes bad.
 /// Readers skip white space, read one token and return whether it was there. When it was not, the stream
 /// stands at the first unit that did not fit. They neither throw nor touch the stream's state, except
-/// for `float`; but what a stream's buffer throws passes through.
+/// for `float`. What a stream's buffer throws passes through.
 namespace core {
 
 /// The integers of brace lists: every built-in type that stands for a number.
@@ -140,14 +140,14 @@ CORE_API bool from_stream(wistream& in, wchar* buffer, std::uint32_t size);
 
 // Characters of strings
 
-/// Returns whether a unit is no surrogate. Written text has none; strings escape them.
+/// Returns whether a unit is not a surrogate. Written text has none; strings escape them.
 [[nodiscard]] constexpr bool is_allowed_char(wchar unit) noexcept {
     return unit < 0xD800 || unit > 0xDFFF;
 }
 /// Writes the four lowercase hexadecimal digits of a unit to `out`, without a terminator.
 CORE_API void escape_char(wchar unit, wchar* out) noexcept;
-/// Returns the unit that the four hexadecimal digits at `in` stand for; any unit when one of them is no
-/// digit.
+/// Returns the unit that the four hexadecimal digits at `in` stand for; any unit when one of them is
+/// another character.
 [[nodiscard]] CORE_API wchar unescape_char(const wchar* in) noexcept;
 
 } // namespace core

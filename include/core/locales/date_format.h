@@ -41,7 +41,7 @@ class DateFormat {
     [[nodiscard]] CORE_API wstring format(Date date, DatePattern pattern = DatePattern::dateTime) const;
 
     /// Reads a date in a pattern, white space in front allowed, and stores through `end` where it
-    /// stopped. A part but the year may have one digit or two; a part that the pattern leaves out is
+    /// stopped. A part other than the year may have one digit or two; a part that the pattern leaves out is
     /// that of the empty date. False, with `date` unchanged and `end` at the start of the text, when no
     /// date of that pattern stands there.
     [[nodiscard]] CORE_API bool parse(wstring_view text, Date& date, const wchar** end = nullptr,

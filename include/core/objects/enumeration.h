@@ -190,15 +190,15 @@ class EnumerationEntry {
     struct Loader {
         static IValueLoader* instance() noexcept { return objects_.enumeration.loader(); }
     };
-    using Places = std::make_index_sequence<info.items.size()>;
+    using Indexes = std::make_index_sequence<info.items.size()>;
     struct Objects {
-        constexpr Objects() noexcept : Objects(Places{}) {}
-        template <std::size_t... places>
-        constexpr explicit Objects(std::index_sequence<places...>) noexcept
-            : enumeration(info, values), values{{enumeration, info.items[places]}...} {}
+        constexpr Objects() noexcept : Objects(Indexes{}) {}
+        template <std::size_t... indexes>
+        constexpr explicit Objects(std::index_sequence<indexes...>) noexcept
+            : enumeration(info, values), values{{enumeration, info.items[indexes]}...} {}
 
         Enumeration enumeration;
-        EnumerationValue values[Places::size()];
+        EnumerationValue values[Indexes::size()];
     };
 
     static inline constinit Objects objects_;

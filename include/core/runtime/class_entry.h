@@ -32,7 +32,7 @@ struct ClassEntry {
     ClassEntry* next = nullptr;  ///< the entry declared before, null for the first
 };
 
-/// The head of the calling module's list. Each module, hence each shared library and program, has its own.
+/// The head of the calling module's list. Each module (a shared library or a program) has its own.
 [[gnu::visibility("hidden")]] inline constinit ClassEntry* module_class_entries = nullptr;
 
 /// Puts a declaration at the head of the calling module's list.

@@ -19,7 +19,8 @@ class InnerFile;
 ///
 /// Reading fails with StorageException once the content has been replaced, renamed or removed: nobody gets
 /// half old and half new bytes. The file stays readable when its content only moves. Calls after close() fail
-/// with FileException. Threads: positioned calls from any; the current position is the caller's to guard.
+/// with FileException. Threads: readAt() and writeAt() from any; the current position is the caller's to
+/// guard.
 class CORE_API FileWithBuffer : public FileImpl {
   public:
     /// The interfaces that the object answers queries for.
@@ -35,13 +36,13 @@ class CORE_API FileWithBuffer : public FileImpl {
     /// Returns the name of the inner file, without URL. The reference is valid as long as the object lives.
     [[nodiscard]] const wstring& name() const noexcept;
 
-    /// Reads up to `count` bytes at the offset `position` into `buffer`; returns how many, fewer only at the
+    /// Reads up to `count` bytes at `offset` into `buffer`; returns how many, fewer only at the
     /// end.
-    std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override;
-    /// Writes `count` bytes from `buffer` at the offset `position` and returns `count`. Zeros fill a gap
+    std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) override;
+    /// Writes `count` bytes from `buffer` at `offset` and returns `count`. Zeros fill a gap
     /// behind the old end. Throws FileException when the file is open for reading, StorageException when the
     /// layout cannot address that much. After another failure the file is lost: nothing of it is published.
-    std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override;
+    std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override;
     /// Returns the bytes of content, those included that are not published yet.
     [[nodiscard]] std::uint64_t length() override;
     /// Cuts the content at `length` bytes, or appends zeros up to there. Throws as writeAt() does.
@@ -68,8 +69,8 @@ class CORE_API FileWithBuffer : public FileImpl {
 class CORE_API FileWithBuffer2 : public FileWithBuffer {
   public:
     /// Opens or makes an inner file for writing, as `mode` says. Waits for the container's turn, 20 seconds
-    /// at most. Throws StorageException when the turn is not had, when the file is open for writing already,
-    /// does not exist (OpenMode::readWrite) or is damaged, and FileException when it exists
+    /// at most. Throws StorageException when another holds the turn for longer, when the file is open for
+    /// writing already, does not exist (OpenMode::readWrite) or is damaged, and FileException when it exists
     /// (OpenMode::createNew) or `mode` is OpenMode::read.
     FileWithBuffer2(StorageRW& storage, wstring_view name, OpenMode mode);
 };

@@ -33,9 +33,9 @@ struct StorageProblem {
     std::uint64_t address = 0; ///< The offset in the file at which it shows.
     std::uint64_t length = 0;  ///< Bytes that overlap or are lost; 0 for damage.
     StorageUse use{};          ///< The use of an overlapping piece.
-    wstring name{};        ///< The inner file that is damaged or has the piece; empty for a piece of no file.
+    wstring name{};        ///< The inner file that is damaged or has the piece; empty when no file has it.
     StorageUse otherUse{}; ///< The use of the other piece of an overlap.
-    wstring otherName{};   ///< The inner file that has the other piece; empty for a piece of no file.
+    wstring otherName{};   ///< The inner file that has the other piece; empty when no file has it.
 
     /// Returns a sentence for the user, in the thread's language.
     [[nodiscard]] CORE_API wstring text() const;

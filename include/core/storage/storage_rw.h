@@ -44,7 +44,7 @@ struct StorageFound {
 /// Several processes may have a container open. Reads see one committed state. A change waits for the
 /// container's turn, which one open container has at a time, 20 seconds at most.
 ///
-/// Every call can throw StorageException (damage; a turn that is not had; its kinds say more) and
+/// Every call can throw StorageException (damage; a turn that another holds too long; its kinds say more) and
 /// FileException from the file below. After a failed flush nothing more is written: open the container again.
 /// Threads: calls may come from any thread and take effect one after the other; a transaction is that of all
 /// threads.
@@ -93,7 +93,7 @@ class CORE_API StorageRW {
     [[nodiscard]] StorageInfo info() const;
     /// Returns whether the container lies in `file`, whatever name that was opened by.
     [[nodiscard]] bool isIn(IFile& file) const;
-    /// Returns whether both handles stand for one container, be it opened twice.
+    /// Returns whether both handles stand for one container, even if it was opened twice.
     [[nodiscard]] bool isSame(const StorageRW& other) const;
 
     // several changes as one

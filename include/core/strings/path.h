@@ -6,7 +6,7 @@
 
 namespace core {
 
-/// A file's path in four pieces, each of which may be empty. Splitting loses nothing: the pieces in their
+/// A file's path in four parts, each of which may be empty. Splitting loses nothing: the parts in their
 /// order are the path.
 template <CodeUnit C>
 struct BasicPathParts {
@@ -16,9 +16,9 @@ struct BasicPathParts {
     std::basic_string<C> extension; ///< the last dot of the name and what follows; a leading dot begins none
     friend bool operator==(const BasicPathParts&, const BasicPathParts&) = default;
 };
-/// The pieces of a wide path.
+/// The parts of a wide path.
 using PathParts = BasicPathParts<wchar>;
-/// The pieces of a narrow path.
+/// The parts of a narrow path.
 using NarrowPathParts = BasicPathParts<char>;
 
 /// Splits a path at its separators, on every platform in the same way.
@@ -26,10 +26,10 @@ using NarrowPathParts = BasicPathParts<char>;
 /// Splits a narrow path at its separators, on every platform in the same way.
 [[nodiscard]] CORE_API NarrowPathParts string_splitpath(std::string_view path);
 
-/// Returns the path of the pieces. It adds what they leave out: the colon of the drive, the separator "/"
+/// Returns the path of the parts. It adds what they leave out: the colon of the drive, the separator "/"
 /// behind the directory, the dot of the extension.
 [[nodiscard]] CORE_API wstring string_makepath(const PathParts& parts);
-/// Returns the narrow path of the pieces. It adds what they leave out: the colon of the drive, the separator
+/// Returns the narrow path of the parts. It adds what they leave out: the colon of the drive, the separator
 /// "/" behind the directory, the dot of the extension.
 [[nodiscard]] CORE_API std::string string_makepath(const NarrowPathParts& parts);
 

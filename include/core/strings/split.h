@@ -18,7 +18,7 @@ namespace core {
 
 /// What string_tokenize() makes of two delimiters side by side.
 enum class EmptyTokens {
-    skip, ///< delimiters in a row, at the beginning or at the end count as one: "" has no token
+    skip, ///< delimiters side by side, at the beginning or at the end count as one: "" has no token
     keep  ///< every delimiter separates two tokens: "" has one, the empty one
 };
 

@@ -25,7 +25,7 @@ class CORE_API NumericQualifiers {
         : digits_(digits), fractionDigits_(fractionDigits < digits ? fractionDigits : digits),
           nonnegative_(nonnegative) {}
 
-    /// Returns how many digits there are in all; 0 is no limit.
+    /// Returns how many digits there are in all; 0 means no limit.
     [[nodiscard]] constexpr std::uint32_t digits() const noexcept { return digits_; }
     /// Returns how many of the digits are behind the point.
     [[nodiscard]] constexpr std::uint32_t fractionDigits() const noexcept { return fractionDigits_; }
@@ -68,11 +68,11 @@ class CORE_API StringQualifiers {
     /// Admits every string.
     constexpr StringQualifiers() noexcept = default;
     /// Admits strings of up to `length` units when the length is varying, and of exactly so many otherwise; 0
-    /// is no limit.
+    /// means no limit.
     constexpr StringQualifiers(std::uint32_t length, bool varying) noexcept
         : length_(length), varying_(varying) {}
 
-    /// Returns the length in UTF-16 code units; 0 is no limit.
+    /// Returns the length in UTF-16 code units; 0 means no limit.
     [[nodiscard]] constexpr std::uint32_t length() const noexcept { return length_; }
     /// Says whether shorter strings stay as they are; otherwise they are filled up with blanks.
     [[nodiscard]] constexpr bool varying() const noexcept { return varying_; }

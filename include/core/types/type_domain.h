@@ -27,7 +27,7 @@ class CORE_API TypeDomain : private TypeDomainPattern {
     using TypeDomainPattern::setStringQualifiers;
     using TypeDomainPattern::stringQualifiers;
     using TypeDomainPattern::types;
-    /// Admits from now on what either of the two admits. Throws nothing but std::bad_alloc.
+    /// Admits from now on what either of the two admits. Throws only std::bad_alloc.
     void merge(const TypeDomain& other) { TypeDomainPattern::merge(other); }
     /// Returns the pattern, valid as long as the description.
     [[nodiscard]] const TypeDomainPattern& pattern() const noexcept { return *this; }

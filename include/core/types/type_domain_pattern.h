@@ -15,7 +15,7 @@ namespace core {
 ///
 /// Patterns are equal when their sets are and, for those of the three types that are in the set, their
 /// qualifiers are; qualifiers of other types are kept but count for nothing. Operations that change a pattern
-/// throw nothing but std::bad_alloc, and the pattern is then unchanged. Threads: several readers or one
+/// throw only std::bad_alloc, and the pattern is then unchanged. Threads: several readers or one
 /// writer.
 class CORE_API TypeDomainPattern {
   public:

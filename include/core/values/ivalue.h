@@ -110,7 +110,7 @@ class IType : public IUnknown {
     /// How many arguments construct() takes. Both are -1 when scripts cannot construct values of this type.
     struct Arguments {
         std::int32_t least; ///< at the least
-        std::int32_t most;  ///< at the most; -1 is no limit
+        std::int32_t most;  ///< at the most; -1 means no limit
     };
     /// Returns how many arguments construct() takes.
     [[nodiscard]] virtual Arguments arguments() const noexcept = 0;

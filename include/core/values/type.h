@@ -40,7 +40,7 @@ class CORE_API Type {
 
     /// Holds no type.
     Type() = default;
-    /// Holds the type of a type object; null is no type.
+    /// Holds the type of a type object; null means no type.
     explicit Type(IType* typeObject) noexcept : type_(typeObject) {}
     /// Holds the primitive type with a code; no type for a number that is not such a code.
     explicit Type(Code code) noexcept;

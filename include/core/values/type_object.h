@@ -10,7 +10,7 @@
 /// The halves of an object that scripts hold: its behaviour as a value, and its type.
 namespace core {
 
-/// The common base of value objects: no reading but an empty presentation, equal only to itself, hashed by
+/// The common base of value objects: no reading except an empty presentation, equal only to itself, hashed by
 /// address. An object overrides what it does otherwise, and says its type.
 class CORE_API IValueImpl : public IValue {
   public:

@@ -128,7 +128,7 @@ class CORE_API Value {
     [[nodiscard]] ValueKind kind() const noexcept { return static_cast<ValueKind>(bits_ & kTagMask); }
     /// Returns whether the value is Undefined.
     [[nodiscard]] bool isUndefined() const noexcept { return bits_ == 0; }
-    /// Returns whether the value is an object that is no primitive value of the library.
+    /// Returns whether the value is an object, not a primitive value of the library.
     [[nodiscard]] bool isObject() const noexcept { return kind() == ValueKind::object; }
     /// Returns the number of a Number, else null; borrowed as long as the value and the result live.
     [[nodiscard]] NumericRef asNumeric() const noexcept {
