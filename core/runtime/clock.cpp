@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/system_clock.h"
+
 #include <core/runtime/clock.h>
 
 #include <atomic>
@@ -23,6 +25,10 @@ Clock& current_clock() noexcept {
     static SystemClock system;
     Clock* const clock = replacement.load(std::memory_order_acquire);
     return clock != nullptr ? *clock : system;
+}
+
+bool detail::is_system_clock() noexcept {
+    return replacement.load(std::memory_order_acquire) == nullptr;
 }
 
 Clock* replace_clock(Clock* clock) noexcept {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/thread_locale.h"
+
 #include <core/runtime/resource_bundle.h>
-#include <core/runtime/thread.h>
 
 #include <dlfcn.h>
 #include <unicode/ures.h>
@@ -99,7 +100,7 @@ wstring load_wstring(SCOM_ResourceBundle* bundle, const char* id) {
     if (bundle == nullptr || id == nullptr)
         return {};
     unsigned length = 0;
-    const wchar* const text = bundle->getString(id, Thread::getResourceLocale(), length);
+    const wchar* const text = bundle->getString(id, detail::resource_locale(), length);
     return text != nullptr ? wstring(text, length) : wstring();
 }
 

@@ -4,7 +4,7 @@
 #include "core/storage/storage_error.h"
 
 #include <core/files/file_time.h>
-#include <core/runtime/thread.h>
+#include <core/runtime/threads/thread.h>
 #include <core/storage/errors.h>
 
 namespace core {

@@ -2,7 +2,7 @@
 #include "core/values/primitive_types.h"
 
 #include <core/runtime/errors.h>
-#include <core/runtime/thread.h>
+#include <core/runtime/threads/thread.h>
 #include <core/values/errors.h>
 #include <core/values/generic_value.h>
 #include <core/values/type_object.h>

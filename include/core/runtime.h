@@ -15,7 +15,11 @@
 #include <core/runtime/refcount.h>
 #include <core/runtime/resource_bundle.h>
 #include <core/runtime/settings.h>
-#include <core/runtime/sync.h>
-#include <core/runtime/thread.h>
+#include <core/runtime/threads/lock_cycles.h>
+#include <core/runtime/threads/mutex.h>
+#include <core/runtime/threads/named_lock.h>
+#include <core/runtime/threads/rw_mutex.h>
+#include <core/runtime/threads/semaphore.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/unknown.h>
 #include <core/runtime/utf8.h>

@@ -4,7 +4,7 @@
 #include "tests/dates/zone_model.h"
 
 #include <core/dates.h>
-#include <core/runtime/thread.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <host/host_process.h>
 

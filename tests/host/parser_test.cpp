@@ -5,7 +5,7 @@
 #include "host/terminal/error_report.h"
 #include "tests/host/script_dump.h"
 
-#include <core/runtime/thread.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <host/host_process.h>
 

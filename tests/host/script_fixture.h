@@ -6,7 +6,7 @@
 #include "host/language/parser.h"
 #include "host/library/functions.h"
 
-#include <core/runtime/thread.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/term.h>
 #include <host/host_process.h>

@@ -161,65 +161,6 @@ TEST(UnknownImpl, OwnedObjectsAnswerQueriesButCountNothing) {
     EXPECT_TRUE(oneTime.wait(0ms) && oneTime.wait(0ms));
 }
 
-TEST(Mutex, KeepsOtherThreadsOut) {
-    IMutexImpl mutex;
-    const auto another = [&] { // whether another thread gets it
-        return std::async(std::launch::async,
-                          [&] {
-                              const bool got = mutex.tryLock();
-                              if (got)
-                                  mutex.unlock();
-                              return got;
-                          })
-            .get();
-    };
-    mutex.lock();
-    EXPECT_TRUE(mutex.tryLock()); // again, by the same thread
-    mutex.unlock();
-    EXPECT_FALSE(another());
-    mutex.unlock();
-    EXPECT_TRUE(another());
-}
-
-TEST(RWMutex, ReadersShareAndAWriterIsAlone) {
-    using namespace std::chrono_literals;
-    IRWMutexSimpleImpl mutex;
-    mutex.lockRead();
-    std::async(std::launch::async,
-               [&] { // would wait for ever
-                   mutex.lockRead();
-                   mutex.unlockRead();
-               })
-        .get();
-    std::atomic<int> value = 0;
-    auto writer = std::async(std::launch::async, [&] {
-        mutex.lockWrite();
-        value = 1;
-        std::this_thread::sleep_for(20ms);
-        value = 2;
-        mutex.unlockWrite();
-    });
-    EXPECT_EQ(writer.wait_for(20ms), std::future_status::timeout);
-    EXPECT_EQ(value, 0);
-    mutex.unlockRead();
-    while (value == 0)
-        std::this_thread::yield();
-    mutex.lockRead();
-    EXPECT_EQ(value, 2);
-    mutex.unlockRead();
-}
-
-TEST(Semaphore, ATimeoutMayBeForEver) {
-    ISemaphoreImpl semaphore;
-    std::thread other([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        semaphore.signal();
-    });
-    EXPECT_TRUE(semaphore.wait(std::chrono::milliseconds::max()));
-    other.join();
-    EXPECT_FALSE(semaphore.wait(std::chrono::milliseconds::min()));
-}
-
 struct Plain : Refcountable<Plain> {
     int value = 7;
 };

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/threads/named_memory.h"
+
+#include "core/runtime/threads/named_files.h"
+
+#include <core/runtime/threads/errors.h>
+#include <core/runtime/utf8.h>
+
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace core::detail {
+namespace {
+
+constexpr std::uint32_t kMagic = 0x4c4b4331;
+
+} // namespace
+
+void fail_named(const wstring& name, int error) {
+    throw_error<ThreadException>(messages::kLockOpen,
+                                 {name, from_utf8(std::system_category().message(error))});
+}
+
+NamedMemory::NamedMemory(const wstring& name, const NamedKind& kind, std::uint32_t with)
+    : name_(name), kind_(kind), path_(named_path(name)) {
+    while (!tryOpen() && !tryMake(with)) { // another process was quicker with the one or the other
+    }
+}
+
+NamedMemory::~NamedMemory() {
+    const OpenFile file(file_);
+    if (file.lock(OpenFile::Lock::exclusive) && file.isLinked() && as<NamedHeader>().held.load() == 0)
+        unlink(path_.c_str());
+    unmap();
+}
+
+bool NamedMemory::tryOpen() {
+    OpenFile file = OpenFile::open(path_);
+    if (file.get() < 0 && errno == ENOENT)
+        return false;
+    if (file.get() < 0 || !file.lock(OpenFile::Lock::shared))
+        fail_named(name_, errno);
+    if (!file.isLinked())
+        return false;
+    if (!file.isOwn(kind_.size))
+        fail_named(name_, EINVAL);
+    if (const int error = map(file.get()))
+        fail_named(name_, error);
+    const auto& header = as<NamedHeader>();
+    if (header.magic != kMagic || header.kind != kind_.number) {
+        unmap();
+        fail_named(name_, EINVAL);
+    }
+    file_ = file.detach();
+    return true;
+}
+
+bool NamedMemory::tryMake(std::uint32_t with) {
+    remove_unused_files();
+    const std::string early = unfinished_path(path_);
+    OpenFile file = OpenFile::make(early);
+    const RemovedFile removed(early); // its other name stays
+    if (file.get() < 0 || !file.lock(OpenFile::Lock::shared) || fchmod(file.get(), S_IRUSR | S_IWUSR) != 0 ||
+        ftruncate(file.get(), static_cast<off_t>(kind_.size)) != 0)
+        fail_named(name_, errno);
+    if (const int error = map(file.get()))
+        fail_named(name_, error);
+    try {
+        as<NamedHeader>().magic = kMagic;
+        as<NamedHeader>().kind = kind_.number;
+        kind_.init(memory_, with);
+    } catch (...) {
+        unmap();
+        throw;
+    }
+    if (link(early.c_str(), path_.c_str()) != 0) {
+        const int error = errno;
+        unmap();
+        if (error != EEXIST && error != ENOENT) // ENOENT: it was taken for an unused one before it was locked
+            fail_named(name_, error);
+        return false;
+    }
+    file_ = file.detach();
+    return true;
+}
+
+int NamedMemory::map(int file) noexcept {
+    void* const memory = mmap(nullptr, kind_.size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    if (memory == MAP_FAILED)
+        return errno;
+    memory_ = memory;
+    return 0;
+}
+
+void NamedMemory::unmap() noexcept {
+    munmap(memory_, kind_.size);
+    memory_ = nullptr;
+}
+
+} // namespace core::detail

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/types.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace core::detail {
+
+/// What stands first in the shared memory of every named lock.
+struct NamedHeader {
+    std::uint32_t magic;
+    std::uint32_t kind;
+    std::atomic<std::uint32_t> held; // not 0 while somebody has it who must be asked for, should he die
+};
+
+/// A kind of named lock, and how its memory is made.
+struct NamedKind {
+    std::uint32_t number;
+    std::size_t size;                               // of its memory, which begins with a NamedHeader
+    void (*init)(void* memory, std::uint32_t with); // in memory of zeros; throws ThreadException
+};
+
+/// Longer waits are done in slices, since no thread of another process can wake this one for a stop.
+inline constexpr std::chrono::milliseconds kNamedSlice{20};
+
+/// Shared memory that is found by a name: a file of this user in the folder for such memory.
+///
+/// 1. Who uses a file holds a shared file lock on it, which the system takes away when a process dies.
+/// 2. A file comes under its name when it is complete, by a link, so nobody sees it half made.
+/// 3. The last user, and whoever makes a new name later, takes the exclusive file lock, which says that
+/// nobody else
+///    uses the file, and removes it. One that was left held stays, for the next one to be told.
+/// 4. Who opens a file looks, after it has the shared lock, whether it was removed.
+class NamedMemory {
+  public:
+    /// Opens the memory of that name and kind, or makes it, initialised with `with`. Throws ThreadException.
+    NamedMemory(const wstring& name, const NamedKind& kind, std::uint32_t with);
+    NamedMemory(const NamedMemory&) = delete;
+    NamedMemory& operator=(const NamedMemory&) = delete;
+    ~NamedMemory();
+
+    /// The memory, borrowed.
+    template <class T>
+    [[nodiscard]] T& as() const noexcept {
+        return *static_cast<T*>(memory_);
+    }
+    [[nodiscard]] const wstring& name() const noexcept { return name_; }
+
+  private:
+    bool tryOpen();
+    bool tryMake(std::uint32_t with);
+    int map(int file) noexcept;
+    void unmap() noexcept;
+
+    wstring name_;
+    const NamedKind& kind_;
+    std::string path_;
+    int file_ = -1;
+    void* memory_ = nullptr;
+};
+
+/// Throws the ThreadException of a named lock that the system refuses, with the system's words for `error`.
+[[noreturn]] void fail_named(const wstring& name, int error);
+
+} // namespace core::detail

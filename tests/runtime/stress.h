@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdlib>
+#include <functional>
+#include <random>
+#include <thread>
+#include <vector>
+
+/// Many threads that do the same at the same time.
+namespace stress {
+
+/// How often something is done in all: a hundred times as often at night.
+inline int operations() {
+    return std::getenv("CORE_NIGHTLY") != nullptr ? 10'000'000 : 100'000;
+}
+
+/// Runs `work(random, index)` on as many threads and waits for their ends.
+inline void run(int threads, const std::function<void(std::minstd_rand& random, int index)>& work) {
+    std::vector<std::jthread> all;
+    for (int i = 0; i < threads; ++i)
+        all.emplace_back([&work, i] {
+            std::minstd_rand random(static_cast<unsigned>(i) + 1);
+            work(random, i);
+        });
+}
+
+} // namespace stress
