@@ -180,7 +180,9 @@ TEST(Thread, IsAComponent) {
     const auto semaphore = create_object<ISemaphore>(kOneTimeSemaphoreClass);
     semaphore->signal();
     EXPECT_TRUE(semaphore->wait(0ms) && semaphore->wait(0ms));
-    EXPECT_TRUE(create_object<IMutex>(kMutexClass)->tryLock() && create_object<IRWMutex>(kRWMutexClass));
+    const auto mutex = create_object<IMutex>(kMutexClass);
+    EXPECT_TRUE(mutex->tryLock() && create_object<IRWMutex>(kRWMutexClass));
+    mutex->unlock();
 }
 
 TEST(Thread, MayDestroyItself) {

@@ -10,19 +10,54 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <ctime>
 #include <system_error>
+#include <thread>
+
+#if defined(__linux__)
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#endif
 
 namespace core::detail {
 namespace {
 
 constexpr std::uint32_t kMagic = 0x4c4b4331;
+constexpr std::chrono::nanoseconds kSlice = std::chrono::milliseconds(20);
+static_assert(std::atomic<std::uint32_t>::is_always_lock_free, "processes share no locks of the library");
 
 } // namespace
 
 void fail_named(const wstring& name, int error) {
     throw_error<ThreadException>(messages::kLockOpen,
                                  {name, from_utf8(std::system_category().message(error))});
+}
+
+bool sleep_at(std::atomic<std::uint32_t>& word, std::uint32_t value, const Deadline& deadline) noexcept {
+    auto time = kSlice;
+    if (deadline)
+        time = std::min(time, std::chrono::nanoseconds(*deadline - std::chrono::steady_clock::now()));
+    if (time <= std::chrono::nanoseconds::zero())
+        return false;
+#if defined(__linux__)
+    const timespec most{0, static_cast<long>(time.count())};
+    syscall(SYS_futex, &word, FUTEX_WAIT, value, &most, nullptr, 0);
+#else
+    if (word.load() == value)
+        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(time, std::chrono::milliseconds(1)));
+#endif
+    return true;
+}
+
+void wake_one_at(std::atomic<std::uint32_t>& word) noexcept {
+#if defined(__linux__)
+    syscall(SYS_futex, &word, FUTEX_WAKE, 1, nullptr, nullptr, 0);
+#else
+    static_cast<void>(word);
+#endif
 }
 
 NamedMemory::NamedMemory(const wstring& name, const NamedKind& kind, std::uint32_t with)

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/runtime/threads/thread_record.h"
+
 #include <core/runtime/types.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -24,9 +25,6 @@ struct NamedKind {
     std::size_t size;                               // of its memory, which begins with a NamedHeader
     void (*init)(void* memory, std::uint32_t with); // in memory of zeros; throws ThreadException
 };
-
-/// Longer waits are done in slices, since no thread of another process can wake this one for a stop.
-inline constexpr std::chrono::milliseconds kNamedSlice{20};
 
 /// Shared memory that is found by a name: a file of this user in the folder for such memory.
 ///
@@ -63,6 +61,14 @@ class NamedMemory {
     int file_ = -1;
     void* memory_ = nullptr;
 };
+
+/// Sleeps while a word of the memory has a value, until it is woken, and 20 ms at most: nobody of another
+/// process wakes it for a stop, and who was woken and then killed has not done what it was woken for. Where
+/// the system cannot wait at shared memory, it is a moment. False, without a sleep, when the deadline has
+/// passed.
+bool sleep_at(std::atomic<std::uint32_t>& word, std::uint32_t value, const Deadline& deadline) noexcept;
+/// Wakes one of those who sleep at a word of the memory.
+void wake_one_at(std::atomic<std::uint32_t>& word) noexcept;
 
 /// Throws the ThreadException of a named lock that the system refuses, with the system's words for `error`.
 [[noreturn]] void fail_named(const wstring& name, int error);

@@ -7,19 +7,19 @@
 
 #include <pthread.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <ctime>
 
 namespace core {
 namespace {
 
-using namespace std::chrono;
+using std::chrono::milliseconds;
 
 /// The system's own mutex between processes, whose next holder learns that the one before has died.
 struct SharedMutex {
     detail::NamedHeader header;
     pthread_mutex_t mutex;
+    std::atomic<std::uint32_t> unlocked; // how often; who waits sleeps at it
+    std::atomic<std::uint32_t> waiting;  // how many, and those who were killed while they did
 };
 
 void init_mutex(void* memory, std::uint32_t) {
@@ -36,27 +36,19 @@ void init_mutex(void* memory, std::uint32_t) {
 
 constexpr detail::NamedKind kMutexKind{1, sizeof(SharedMutex), &init_mutex};
 
-timespec system_time(system_clock::time_point time) {
-    const auto whole = duration_cast<seconds>(time.time_since_epoch());
-    timespec result{};
-    result.tv_sec = static_cast<std::time_t>(whole.count());
-    result.tv_nsec = static_cast<long>(duration_cast<nanoseconds>(time.time_since_epoch() - whole).count());
-    return result;
-}
-
-/// Tries until the deadline; returns what the system says.
-int wait_for(pthread_mutex_t& mutex, const detail::Deadline& deadline) {
+/// Tries until the deadline; returns what the system says. The system's own wait with a time-out was
+/// rejected: the thread sanitizer does not know that it can give a mutex whose holder has died.
+int wait_for(SharedMutex& shared, const detail::Deadline& deadline) {
     for (;;) {
-        auto slice = duration_cast<nanoseconds>(detail::kNamedSlice);
-        if (deadline)
-            slice = std::min(slice, duration_cast<nanoseconds>(*deadline - steady_clock::now()));
-        if (slice <= nanoseconds::zero())
-            return ETIMEDOUT;
-        const timespec until =
-            system_time(system_clock::now() + duration_cast<system_clock::duration>(slice));
-        const int error = pthread_mutex_timedlock(&mutex, &until);
-        if (error != ETIMEDOUT)
+        const std::uint32_t unlocked = shared.unlocked.load();
+        const int error = pthread_mutex_trylock(&shared.mutex);
+        if (error != EBUSY)
             return error;
+        shared.waiting.fetch_add(1);
+        const bool slept = detail::sleep_at(shared.unlocked, unlocked, deadline);
+        shared.waiting.fetch_sub(1);
+        if (!slept)
+            return EBUSY;
         detail::check_stop();
     }
 }
@@ -76,8 +68,8 @@ NamedLockResult NamedMutex::tryLockFor(milliseconds timeout) {
     auto& shared = memory_->as<SharedMutex>();
     int error = pthread_mutex_trylock(&shared.mutex);
     if (error == EBUSY && timeout > milliseconds::zero())
-        error = wait_for(shared.mutex, detail::deadline_after(timeout));
-    if (error == EBUSY || error == ETIMEDOUT)
+        error = wait_for(shared, detail::deadline_after(timeout));
+    if (error == EBUSY)
         return NamedLockResult::timedOut;
     if (error == EDEADLK)
         throw_error<ThreadException>(messages::kLockHeld, {memory_->name()});
@@ -97,6 +89,9 @@ void NamedMutex::unlock() {
     holder_.store(0);
     shared.header.held.store(0);
     pthread_mutex_unlock(&shared.mutex);
+    shared.unlocked.fetch_add(1);
+    if (shared.waiting.load() != 0)
+        detail::wake_one_at(shared.unlocked);
 }
 
 } // namespace core
