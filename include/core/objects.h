@@ -7,3 +7,4 @@
 #include <core/objects/binary_data.h>
 #include <core/objects/core_general_context.h>
 #include <core/objects/enumeration.h>
+#include <core/objects/native_enumeration.h>

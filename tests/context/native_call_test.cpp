@@ -115,7 +115,7 @@ TEST_F(NativeCalls, TextsAndTheOtherTypes) {
     EXPECT_TRUE(to_value(std::optional(5)).equals(5));
     expectRefusedType<std::optional<int>>(Value::null());
     expectRefusedValue<std::optional<int>>(Numeric::fromString(u"0.5"));
-    static_assert(!ToValue<wchar> && !FromValue<wchar>, "a character is no number");
+    static_assert(!ToValue<wchar> && !FromValue<wchar>, "a character is not a number");
 }
 
 int twice(int number) {

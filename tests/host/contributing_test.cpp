@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // The class that docs/contributing.md adds from nothing does what the page says. It is compiled into this
 // program from the page itself.
+#include "host/commands/describe_report.h"
 #include "tests/host/program_fixture.h"
 #include "tests/host/script_fixture.h"
 
+#include <core/context/script_object.h>
 #include <core/runtime/module.h>
 
 namespace host::script {
@@ -24,6 +26,14 @@ TEST(Contributing, TheClassFromNothingRunsItsScript) {
     Session session;
     EXPECT_EQ(session.run(code), code.substr(answer + 3));
     EXPECT_EQ(session.run("C.Add(\"x\")").substr(0, 1), "!");
+    EXPECT_EQ(session.run("C.Total = 1").substr(0, 1), "!");
+
+    const auto type = core::create_object<core::IContextDef>(core::script_class_id(u"Counter"));
+    ASSERT_TRUE(type);
+    const auto members = describe::members_of(*type, core::kEnglish);
+    ASSERT_EQ(members.methods.size(), 1U);
+    EXPECT_EQ(members.methods[0].parameters[0].names.english, "Amount");
+    EXPECT_EQ(members.methods[0].parameters[0].names.russian, "Сумма");
 }
 
 } // namespace

@@ -26,6 +26,11 @@ constexpr EnumerationInfo kInfo = {.type = {.id = "5d0d2f4c-30b5-4c68-9d8c-d2d0b
                                    .items = kItems};
 const EnumerationEntry<kInfo> kEntry("TestSeason");
 
+enum class Season { winter = 10, summer = -20, spring = 30 };
+Enumeration* script_enumeration(Season) {
+    return EnumerationEntry<kInfo>::instance();
+}
+
 class Enumerations : public testing::Test {
   protected:
     struct Module {
@@ -136,6 +141,20 @@ TEST_F(Enumerations, TheLibrarysOwnAreSoundData) {
         }
     }
     EXPECT_TRUE(names.contains(u"ТестСезон"));
+}
+
+TEST_F(Enumerations, AreEnumsOfCpp) {
+    const NativeFunction other(
+        [](Season season) { return season == Season::winter ? Season::summer : Season::winter; });
+    GenericValue arguments[] = {season_.value(10)};
+    EXPECT_EQ(other(arguments), season_.value(-20));
+    EXPECT_EQ(*other.type(), kInfo.type.id);
+    EXPECT_TRUE(to_value(Season::spring).isUndefined()) << "the enumeration has no such value";
+    for (const GenericValue& wrong : {GenericValue(10), GenericValue(), GenericValue(u"Winter")}) {
+        arguments[0] = wrong;
+        EXPECT_THROW(other(arguments), ContextException);
+    }
+    static_assert(!FromValue<ValueKind>, "an enum without an enumeration");
 }
 
 } // namespace
