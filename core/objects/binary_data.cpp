@@ -34,12 +34,8 @@ class BinaryData : public ScriptObject<BinaryData, IBinaryData, IPersistableObje
         const auto bytes = std::as_bytes(std::span(utf8));
         return create_binary_data({bytes.begin(), bytes.end()});
     }
-    static std::span<const Method<BinaryData>> methods() noexcept {
-        static constexpr Method<BinaryData> kTable[] = {
-            {{u"Size", u"Размер"}, required(0), kFunction, &BinaryData::callSize, &kNumberType},
-        };
-        return kTable;
-    }
+    static auto members() { return core::members(method(u"Size", u"Размер", &BinaryData::size)); }
+    std::size_t size() const noexcept { return bytes_.size(); }
 
     // IValue
     bool isEqual(const IValue* other) const noexcept override {
@@ -67,8 +63,6 @@ class BinaryData : public ScriptObject<BinaryData, IBinaryData, IPersistableObje
     }
 
   private:
-    GenericValue callSize(std::span<GenericValue>) { return bytes_.size(); }
-
     std::vector<std::byte> bytes_;
 };
 
