@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/array_impl.h"
+#include "core/collections/parameters.h"
 
 #include <core/context/errors.h>
 
@@ -25,8 +26,8 @@ class FixedValueArray : public ArrayImpl<FixedValueArray, IValueSequence> {
         static constexpr Method<FixedValueArray> kTable[] = {
             {kCollectTermCount, required(0), kFunction, &FixedValueArray::callCount, &kNumberType},
             {kCollectTermUBound, required(0), kFunction, &FixedValueArray::callUBound, &kNumberType},
-            {kCollectTermGet, required(1), kFunction, &FixedValueArray::callGet},
-            {kCollectTermFind, required(1), kFunction, &FixedValueArray::callFind},
+            {kCollectTermGet, kOfIndex, kFunction, &FixedValueArray::callGet},
+            {kCollectTermFind, kOfValue, kFunction, &FixedValueArray::callFind},
         };
         return kTable;
     }

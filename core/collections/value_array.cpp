@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/array_impl.h"
+#include "core/collections/parameters.h"
 
 #include <core/context/arguments.h>
 #include <core/context/errors.h>
@@ -120,13 +121,13 @@ std::span<const Method<ValueArray>> ValueArray::methods() noexcept {
     static constexpr Method<ValueArray> kTable[] = {
         {kCollectTermCount, required(0), kFunction, &ValueArray::callCount, &kNumberType},
         {kCollectTermUBound, required(0), kFunction, &ValueArray::callUBound, &kNumberType},
-        {kCollectTermInsert, required(2), kProcedure, &ValueArray::callInsert},
-        {kCollectTermAdd, required(1), kProcedure, &ValueArray::callAdd},
-        {kCollectTermRemove, required(1), kProcedure, &ValueArray::callDelete},
+        {kCollectTermInsert, kOfIndexAndValue, kProcedure, &ValueArray::callInsert},
+        {kCollectTermAdd, kOfValue, kProcedure, &ValueArray::callAdd},
+        {kCollectTermRemove, kOfIndex, kProcedure, &ValueArray::callDelete},
         {kCollectTermClear, required(0), kProcedure, &ValueArray::callClear},
-        {kCollectTermGet, required(1), kFunction, &ValueArray::callGet},
-        {kCollectTermSet, required(2), kProcedure, &ValueArray::callSet},
-        {kCollectTermFind, required(1), kFunction, &ValueArray::callFind},
+        {kCollectTermGet, kOfIndex, kFunction, &ValueArray::callGet},
+        {kCollectTermSet, kOfIndexAndValue, kProcedure, &ValueArray::callSet},
+        {kCollectTermFind, kOfValue, kFunction, &ValueArray::callFind},
     };
     return kTable;
 }

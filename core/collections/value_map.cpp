@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/pairs_impl.h"
+#include "core/collections/parameters.h"
 #include "core/values/value_hash.h"
 
 #include <core/collections/value_map.h>
@@ -75,10 +76,10 @@ InterfacePtr<IValueMap> create_value_map() {
 std::span<const Method<ValueMap>> ValueMap::methods() noexcept {
     static constexpr Method<ValueMap> kTable[] = {
         {kCollectTermCount, required(0), kFunction, &ValueMap::callCount, &kNumberType},
-        {kCollectTermInsert, required(2), kProcedure, &ValueMap::callInsert},
-        {kCollectTermRemove, required(1), kProcedure, &ValueMap::callDelete},
+        {kCollectTermInsert, kOfKeyAndValue, kProcedure, &ValueMap::callInsert},
+        {kCollectTermRemove, kOfKey, kProcedure, &ValueMap::callDelete},
         {kCollectTermClear, required(0), kProcedure, &ValueMap::callClear},
-        {kCollectTermGet, required(1), kFunction, &ValueMap::callGet},
+        {kCollectTermGet, kOfKey, kFunction, &ValueMap::callGet},
     };
     return kTable;
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/pairs_impl.h"
+#include "core/collections/parameters.h"
 #include "core/lists/malformed.h"
 #include "core/values/value_hash.h"
 
@@ -162,13 +163,14 @@ GenericValue ValueStructure::construct(std::span<GenericValue> arguments) {
 }
 
 std::span<const Method<ValueStructure>> ValueStructure::methods() noexcept {
-    static constexpr Param kKeyAndOptionalValue[] = {{}, kOptional};
-    static constexpr Param kFound = {.byDefault = ParamDefault::undefined, .in = false, .out = true};
-    static constexpr Param kKeyAndFoundValue[] = {{}, kFound};
+    static constexpr Param kKeyAndOptionalValue[] = {
+        kKeyParam, {.byDefault = ParamDefault::undefined, .names = kValueTerm}};
+    static constexpr Param kKeyAndFoundValue[] = {
+        kKeyParam, {.byDefault = ParamDefault::undefined, .in = false, .out = true, .names = kValueTerm}};
     static constexpr Method<ValueStructure> kTable[] = {
         {kCollectTermCount, required(0), kFunction, &ValueStructure::callCount, &kNumberType},
         {kCollectTermInsert, kKeyAndOptionalValue, kProcedure, &ValueStructure::callInsert},
-        {kCollectTermRemove, required(1), kProcedure, &ValueStructure::callDelete},
+        {kCollectTermRemove, kOfKey, kProcedure, &ValueStructure::callDelete},
         {kCollectTermClear, required(0), kProcedure, &ValueStructure::callClear},
         {kStructureTermProperty, kKeyAndFoundValue, kFunction, &ValueStructure::callProperty, &kBooleanType},
     };

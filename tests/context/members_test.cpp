@@ -56,7 +56,7 @@ class Counter : public ScriptObject<Counter> {
         head = wstring(text.substr(0, 1));
         rest += text.substr(1);
     }
-    Counter* self() { return this; }
+    Counter& self() { return *this; }
     void own(const ObjectPtr<Named>& named) { owner = named; }
 
     static auto members() {

@@ -81,8 +81,11 @@ TEST(DescribeTest, ASampleAddsNoMembersOfItsOwn) {
 TEST(DescribeTest, WhatAPersonReads) {
     const Answer array = corehost({"describe", "массив"});
     EXPECT_NE(array.out.find("New / Новый  arguments: 0..32\n"), std::string::npos) << array.out;
-    EXPECT_NE(array.out.find("  Insert  Вставить    (1, 2)\n"), std::string::npos) << array.out;
-    EXPECT_NE(corehost({"describe", "Map", "--lang", "ru"}).out.find("-> Число\n"), std::string::npos);
+    EXPECT_NE(array.out.find("  Insert  Вставить    (Index, Value)\n"), std::string::npos) << array.out;
+    const std::string structure = corehost({"describe", "Структура", "--lang", "ru"}).out;
+    EXPECT_NE(structure.find("-> Число\n"), std::string::npos) << structure;
+    EXPECT_NE(structure.find("(Ключ, out Значение = Неопределено)"), std::string::npos) << structure;
+    EXPECT_EQ(described({"Map"})["methods"][4]["parameters"][0]["name"]["ru"], "Ключ");
     const std::string functions = corehost({"describe", "--functions"}).out;
     EXPECT_NE(functions.find("\nFromJson "), std::string::npos) << functions;
     EXPECT_NE(functions.find("(1, 2 = False) "), std::string::npos) << functions;

@@ -163,11 +163,11 @@ namespace detail {
 template <class T, class Get, class Set>
 struct PropertyThunks {
     using Declaration = PropertyDeclaration<Get, Set>;
-    using Result = std::remove_cvref_t<std::invoke_result_t<const Get&, T&>>;
-    static_assert(ToValue<Result>, "the property's type does not convert to values");
+    using Returned = std::invoke_result_t<const Get&, T&>;
+    using Result = ResultType<Returned>;
 
     static GenericValue get(const void* declaration, T& object) {
-        return to_value(std::invoke(static_cast<const Declaration*>(declaration)->get, object));
+        return result_value<Returned>(std::invoke(static_cast<const Declaration*>(declaration)->get, object));
     }
     static void set(const void* declaration, T& object, const GenericValue& value) {
         const auto& row = *static_cast<const Declaration*>(declaration);

@@ -42,12 +42,31 @@ struct TypeList {
     static constexpr std::size_t kCount = sizeof...(Ts);
 };
 
+template <class T>
+concept ObjectType = ScriptClassType<std::remove_const_t<T>> || Interface<std::remove_const_t<T>>;
+
+/// What a result is converted as: a reference to an object as its address.
+template <class R>
+using ResultType = std::conditional_t<std::is_lvalue_reference_v<R> && ObjectType<std::remove_reference_t<R>>,
+                                      std::remove_reference_t<R>*, std::remove_cvref_t<R>>;
+
+template <class R>
+[[nodiscard]] GenericValue result_value(R&& result) {
+    static_assert(ToValue<ResultType<R>>,
+                  "the result does not convert to values: specialize core::NativeValue, or include "
+                  "core/collections/native_values.h or core/objects/native_enumeration.h");
+    if constexpr (std::is_pointer_v<ResultType<R>> && !std::is_pointer_v<std::remove_cvref_t<R>>)
+        return to_value(&result);
+    else
+        return to_value<std::remove_cvref_t<R>>(result);
+}
+
 template <class R, class... As>
 struct Signature {
     using Result = R;
     using Parameters = TypeList<As...>;
     static constexpr bool kReturns = !std::is_void_v<R>;
-    static const GUID* resultType() noexcept { return native_type<std::remove_cvref_t<R>>(); }
+    static const GUID* resultType() noexcept { return native_type<ResultType<R>>(); }
 };
 
 /// The signature of a member function, whatever its qualifiers, without its object.
@@ -85,9 +104,6 @@ template <class T>
 inline constexpr bool kIsOptional = false;
 template <class T>
 inline constexpr bool kIsOptional<std::optional<T>> = true;
-
-template <class T>
-concept ObjectType = ScriptClassType<std::remove_const_t<T>> || Interface<std::remove_const_t<T>>;
 
 template <class A>
 concept ObjectReference = std::is_lvalue_reference_v<A> && ObjectType<std::remove_reference_t<A>>;
@@ -221,10 +237,7 @@ GenericValue call_with(TypeList<As...>, Call&& call, std::span<GenericValue> arg
         slots.passBack(arguments);
         return {};
     } else {
-        static_assert(ToValue<std::remove_cvref_t<R>>,
-                      "the result does not convert to values: specialize core::NativeValue, or include "
-                      "core/collections/native_values.h or core/objects/native_enumeration.h");
-        GenericValue result = to_value<std::remove_cvref_t<R>>(slots.apply(call));
+        GenericValue result = result_value<R>(slots.apply(call));
         slots.passBack(arguments);
         return result;
     }
