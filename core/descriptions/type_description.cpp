@@ -24,11 +24,19 @@ std::vector<GUID> types_of_names(const Value& names) {
     return types;
 }
 
+/// The id of a type; a Type that is no type is a wrong value, since a description of it could not be read
+/// back.
+const GUID& id_of(const Type& type) {
+    if (!type.isDefined())
+        parameter_value_mismatch(0);
+    return type.id();
+}
+
 std::vector<GUID> types_argument(const GenericValue& value) {
     if (value.isUndefined())
         return {};
     if (const Type* const type = value.asType(); type != nullptr)
-        return {type->id()};
+        return {id_of(*type)};
     if (value.kind() == ValueKind::string)
         return types_of_names(value);
     const auto collection = object_argument<IValueCollection>(value, 0);
@@ -37,7 +45,7 @@ std::vector<GUID> types_argument(const GenericValue& value) {
     for (GenericValue item; walk->next(item);) {
         if (item.asType() == nullptr)
             parameter_value_mismatch(0);
-        types.push_back(item.asType()->id());
+        types.push_back(id_of(*item.asType()));
     }
     return types;
 }

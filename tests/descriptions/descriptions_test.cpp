@@ -116,6 +116,8 @@ TEST_F(Descriptions, AScriptAsksAndAdjusts) {
 
 TEST_F(Descriptions, WrongArgumentsAreRefused) {
     const GenericValue bad = array({Type(Type::date), 5});
+    const GenericValue noType =
+        array({Type(Type::date), Type()}); // a description of it could not be read back
     const struct {
         const wchar* type;
         std::vector<GenericValue> arguments;
@@ -130,6 +132,8 @@ TEST_F(Descriptions, WrongArgumentsAreRefused) {
         {u"TypeDescription", {5}},
         {u"TypeDescription", {u"Number,"}},
         {u"TypeDescription", {bad}},
+        {u"TypeDescription", {Type()}},
+        {u"TypeDescription", {noType}},
         {u"TypeDescription", {u"Number", make(u"StringQualifiers", {})}},
     };
     for (const auto& c : cases)
