@@ -76,7 +76,7 @@ void ListOutStream::put(const GUID& id) {
 }
 
 void ListOutStream::put(const Date& date) {
-    putToken<Date::kTextLength>([&](wchar* at) { return date.toString(at); });
+    putToken<Date::kTextLength>([&](wchar* at) { return format_date(at, date); });
 }
 
 void ListOutStream::put(const Numeric& number) {

@@ -3,6 +3,8 @@
 
 #include "core/streams/unit_sink.h"
 
+#include <core/dates/date.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -17,6 +19,11 @@ inline constexpr std::size_t kDoubleUnits = 40;  // of which 24 are used; the re
 wchar* format_integer(wchar* out, bool negative, std::uint64_t magnitude) noexcept;
 /// `value` is finite.
 wchar* format_double(wchar* out, double value) noexcept;
+/// Date::kTextLength units. A date out of range has no text that could be read; it is written as the empty
+/// one.
+inline wchar* format_date(wchar* out, Date date) noexcept {
+    return (date.isInRange() ? date : Date()).toString(out);
+}
 void write_string(UnitSink& sink, wstring_view text);
 /// What stands between the quotes of a string, or a piece of it.
 void write_characters(UnitSink& sink, wstring_view text);

@@ -115,7 +115,8 @@ inline const wchar* read_value(const wchar* at, const wchar* end, GenericValue& 
         });
     }
     case ValueKind::date:
-        return put(Date::kTextLength, [&](wchar* at) { return value.asDate()->toString(behindComma(at)); });
+        return put(Date::kTextLength,
+                   [&](wchar* at) { return format_date(behindComma(at), *value.asDate()); });
     default:
         return false;
     }

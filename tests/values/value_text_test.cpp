@@ -56,6 +56,16 @@ TEST_F(ValueText, ReadsBackEqualForEveryKind) {
     }
 }
 
+TEST_F(ValueText, ADateOutOfRangeIsWrittenAsTheEmptyOne) {
+    for (const std::uint64_t ticks : {Date::kLimit, ~std::uint64_t{0}}) {
+        EXPECT_TRUE(GenericValue::fromString(textOf(Value(Date(ticks)))).equals(Value(Date()))) << ticks;
+        MemoryOutStream stream;
+        ListOutStream out(stream);
+        out.put(Date(ticks));
+        EXPECT_EQ(stream.take(), Date().toString());
+    }
+}
+
 /// A value of any kind, with what its kind finds hard; arrays hold others.
 Value random_value(std::mt19937_64& random, int depth) {
     const auto bits = random();
