@@ -107,6 +107,27 @@ TEST(InternalClass, LiveCounterFollowsObjectsOfEveryThread) {
     EXPECT_EQ(PairClass::liveCount(), before);
 }
 
+TEST(InternalClass, LiveCounterNeverMissesWhatAThreadLeavesBehind) {
+    constexpr int kThreads = 2000;
+    const std::int32_t before = PairClass::liveCount();
+    std::vector<InterfacePtr<PairClass>> kept(kThreads);
+    std::atomic<std::int32_t> made{0};
+    std::thread maker([&] {
+        for (auto& place : kept)
+            std::thread([&] {
+                place = PairClass::create(1);
+                ++made;
+            }).join(); // as it ends, its part of the count goes to what no thread holds
+    });
+    bool missed = false;
+    for (std::int32_t least = 0; least < kThreads;) {
+        least = made;
+        missed = missed || PairClass::liveCount() < before + least;
+    }
+    maker.join();
+    EXPECT_FALSE(missed);
+}
+
 TEST(InternalClass, SharedCountsAreExactUnderContention) {
     const auto object = PairClass::create();
     std::vector<std::thread> threads;

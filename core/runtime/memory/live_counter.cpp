@@ -44,17 +44,21 @@ std::int32_t LiveCounterAccess::join(LiveCounter& counter) noexcept {
 
 std::int32_t LiveCounterAccess::count(LiveCounter& counter) {
     struct Sum {
-        std::size_t index;
+        LiveCounter& counter;
+        std::int32_t index;
         std::int32_t count;
-    } sum{static_cast<std::size_t>(index(counter)), std::atomic_ref(counter.outside_).load()};
-    if (sum.index < ThreadPart::kMaxCounters) {
-        detail::for_each_thread_part(
-            [](ThreadPart& part, void* context) {
-                auto& total = *static_cast<Sum*>(context);
-                total.count += std::atomic_ref(part.live[total.index]).load(std::memory_order_relaxed);
-            },
-            &sum);
-    }
+    } sum{counter, index(counter), 0};
+    // Under one lock: a thread that ends in between would move its part to what is outside, after that was
+    // read.
+    detail::read_thread_parts(
+        [](ThreadPart* part, void* context) {
+            auto& total = *static_cast<Sum*>(context);
+            total.count = std::atomic_ref(total.counter.outside_).load();
+            for (; part != nullptr && total.index < ThreadPart::kMaxCounters; part = part->next)
+                total.count += std::atomic_ref(part->live[static_cast<std::size_t>(total.index)])
+                                   .load(std::memory_order_relaxed);
+        },
+        &sum);
     return sum.count;
 }
 

@@ -61,10 +61,9 @@ ThreadPart* make_thread_part() noexcept {
     return part;
 }
 
-void for_each_thread_part(void (*visit)(ThreadPart&, void*), void* context) {
+void read_thread_parts(void (*read)(ThreadPart* first, void*), void* context) {
     const std::lock_guard guard(parts_lock());
-    for (ThreadPart* part = parts; part != nullptr; part = part->next)
-        visit(*part, context);
+    read(parts, context);
 }
 
 } // namespace core::detail

@@ -45,8 +45,9 @@ inline ThreadPart* thread_part() noexcept {
     return part != nullptr ? part : make_thread_part();
 }
 
-/// Calls `visit(part)` for the part of every living thread, under the lock that also covers their ends.
-void for_each_thread_part(void (*visit)(ThreadPart&, void*), void* context);
+/// Calls `read` with the first of the parts of all living threads, null without any, under the lock that also
+/// covers their ends.
+void read_thread_parts(void (*read)(ThreadPart* first, void*), void* context);
 
 /// What the counters take from a thread that ends; called with its part, under that lock.
 void fold_live_counts(const ThreadPart& part) noexcept;
