@@ -54,9 +54,10 @@ TEST(Allocation, AFailedOneLeavesTheOperandsAsTheyWere) {
     }
 }
 
-TEST(Allocation, ADivisorOf255LimbsIsDividedByOnTheStack) {
+TEST(Allocation, ADivisorOf255LimbsIsDividedByOnTheStackAndALongerOneIsNot) {
     // Long and short quotients; the quotient itself is the one block that is taken.
     const Numeric b = Numeric(10).pow(255 * 9) - 1;
+    const Numeric longer = Numeric(10).pow(256 * 9) - 1;
     ASSERT_EQ(b.limbs().size(), 255U);
     for (const int limbs : {300, 384, 512, 2000}) {
         const Numeric a = Numeric(10).pow(limbs * 9) - 7;
@@ -66,6 +67,10 @@ TEST(Allocation, ADivisorOf255LimbsIsDividedByOnTheStack) {
             ASSERT_NO_THROW(quotient = a / b) << limbs;
         }
         EXPECT_EQ((quotient * b - a).abs() * 2 <= b, true) << limbs;
+        {
+            const test::AllocationLimit limit(1);
+            EXPECT_THROW(quotient = a / longer, std::bad_alloc) << limbs;
+        }
     }
 }
 

@@ -78,7 +78,7 @@ TEST(LongNumbers, ProductsOfAnyTransformSizeCastOut) {
 
 TEST(LongNumbers, QuotientsHaveTheDigitsOfTheRuleWhereAlgorithmsChange) {
     model::Generator next(13);
-    const std::size_t divisor = 2 * kStackDivisor;
+    const std::size_t divisor = kStackDivisor + 1;
     const std::size_t quotient = 2 * kNewtonQuotient;
     for (const std::size_t b :
          {std::size_t{5}, std::size_t{6}, divisor - 1, divisor, divisor + 1, 3 * divisor}) {

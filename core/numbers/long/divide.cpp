@@ -3,10 +3,11 @@
 
 #include "core/numbers/long/newton.h"
 #include "core/numbers/long/reciprocal.h"
-#include "core/numbers/long/scratch.h"
 
 #include <algorithm>
 #include <cassert>
+#include <memory>
+#include <utility>
 
 namespace core::limbs {
 namespace {
@@ -61,11 +62,12 @@ void divide_short(std::span<Limb> q, const ShiftedWords& a, std::size_t words,
     }
 }
 
-/// r −= v × q in place, for r of one word more than v; returns whether the result wrapped below zero.
+/// r −= v × q in place, for r of as many words as v and `top` above them, which becomes zero; returns whether
+/// the result wrapped below zero.
 ///
 /// With ratio = ⌊q × 2^64 / 10^18⌋, the upper half of v[i] × ratio is the upper word of v[i] × q or 1 less.
 /// The products do not wait for one another; only the borrows form a chain.
-bool subtract_product(std::span<Word> r, std::span<const Word> v, Word q) noexcept {
+bool subtract_product(Word& top, std::span<Word> r, std::span<const Word> v, Word q) noexcept {
     const Word ratio = split_word(DoubleWord{q} << 64).quotient;
     Word carry = 0;
     Word borrow = 0;
@@ -81,55 +83,64 @@ bool subtract_product(std::span<Word> r, std::span<const Word> v, Word q) noexce
         r[i] = difference + (once & kWordBase) + (twice & kWordBase);
         borrow = 0 - once - twice;
     }
-    const Word top = r[v.size()] - carry - borrow;
-    r[v.size()] = 0;
-    return top != 0;
+    return std::exchange(top, 0) - carry - borrow != 0;
 }
 
-/// One step of long division: q = ⌊r / v⌋ < 10^18; r, of one word more than v, becomes the remainder.
+/// One step of long division: q = ⌊r / v⌋ < 10^18 for r of as many words as v and `above` them; r becomes the
+/// remainder and `above` zero.
 ///
 /// q is estimated as the top three words of r by the top two words d of v. The estimate is never
 /// too small, and too large by at most 1: with u the top three words, u / d − u / (d + 1) < (u / d)
 /// / d <= 10^18 / d, and d >= 10^18.
-Word divide_step(std::span<Word> r, std::span<const Word> v, const TwoWordDivisor& top,
+Word divide_step(Word& above, std::span<Word> r, std::span<const Word> v, const TwoWordDivisor& top,
                  DoubleWord d) noexcept {
     const std::size_t n = v.size();
-    const DoubleWord upper = DoubleWord{r[n]} * kWordBase + r[n - 1];
+    const DoubleWord upper = DoubleWord{above} * kWordBase + r[n - 1];
     Word q = kWordBase - 1;
     if (upper < d) {
         auto rest = top.shifted(upper);
         q = top.step(rest, r[n - 2]);
     }
-    if (q != 0 && subtract_product(r, v, q)) {
+    if (q != 0 && subtract_product(above, r, v, q)) {
         --q;
-        add_to(r.first(n), v);
+        add_to(r, v);
     }
     return q;
 }
 
 /// Long division with a window of the dividend as long as the divisor, so that the working area depends on
-/// the divisor alone.
-void divide_long(std::span<Limb> q, const ShiftedWords& a, std::span<const Limb> b) {
-    constexpr std::size_t kStack = kStackDivisor;
-    const std::size_t n = word_count(b.size());
+/// the divisor alone: `v` for its words, which are packed here, and as many for the remainder.
+void divide_long(std::span<Limb> q, const ShiftedWords& a, std::span<const Limb> b, std::span<Word> v,
+                 std::span<Word> remainder) noexcept {
+    const std::size_t n = v.size();
     const std::size_t words = word_count(a.limbs());
-    Scratch<Word, kStack> divisor(n);
-    Scratch<Word, kStack + 1> window(n + 1);
-    const auto v = divisor.span();
-    const auto r = window.span();
     pack(v, b);
     const DoubleWord d = DoubleWord{v[n - 1]} * kWordBase + v[n - 2];
     const TwoWordDivisor top(d);
 
     const std::size_t first = words >= n ? words - n + 1 : 0; // the words above it are below the divisor
-    std::fill(r.begin(), r.end(), Word{0});
+    std::fill(remainder.begin(), remainder.end(), Word{0});
     for (std::size_t i = words; i-- > first;) {
-        r[i - first + 1] = a[i];
+        remainder[i - first] = a[i];
     }
     for (std::size_t i = first; i-- > 0;) {
-        r[0] = a[i];
-        put_word(q, i, divide_step(r, v, top, d));
-        std::copy_backward(r.begin(), r.end() - 1, r.end());
+        Word above = remainder.back();
+        std::copy_backward(remainder.begin(), remainder.end() - 1, remainder.end());
+        remainder.front() = a[i];
+        put_word(q, i, divide_step(above, remainder, v, top, d));
+    }
+}
+
+void divide_long(std::span<Limb> q, const ShiftedWords& a, std::span<const Limb> b) {
+    constexpr std::size_t kStack = (kStackDivisor + 1) / 2;
+    const std::size_t n = word_count(b.size());
+    if (b.size() <= kStackDivisor) {
+        Word divisor[kStack];
+        Word remainder[kStack];
+        divide_long(q, a, b, {divisor, n}, {remainder, n});
+    } else {
+        const std::unique_ptr<Word[]> memory(new Word[2 * n]);
+        divide_long(q, a, b, {memory.get(), n}, {memory.get() + n, n});
     }
 }
 
@@ -173,7 +184,7 @@ void divide_schoolbook(std::span<Word> q, std::span<Word> u, std::span<const Wor
     const DoubleWord d = DoubleWord{v[n - 1]} * kWordBase + v[n - 2];
     const TwoWordDivisor top(d);
     for (std::size_t i = q.size(); i-- > 0;) {
-        q[i] = divide_step(u.subspan(i, n + 1), v, top, d);
+        q[i] = divide_step(u[i + n], u.subspan(i, n), v, top, d);
     }
 }
 
@@ -186,7 +197,7 @@ void divide(std::span<Limb> q, std::span<const Limb> a, std::size_t shift, std::
         divide_short(q, dividend, words, OneWordDivisor(low_half(value_of(b))));
     } else if (b.size() <= 4) {
         divide_short(q, dividend, words, TwoWordDivisor(value_of(b)));
-    } else if (word_count(b.size()) <= kStackDivisor || dividend.limbs() < b.size() + 2 * kNewtonQuotient) {
+    } else if (b.size() <= kStackDivisor || dividend.limbs() < b.size() + 2 * kNewtonQuotient) {
         divide_long(q, dividend, b);
     } else {
         divide_very_long(q, dividend, b);
