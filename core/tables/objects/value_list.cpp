@@ -35,12 +35,15 @@ ValueList::Items ValueList::inOrder() const {
     return items;
 }
 
-Value ValueList::adjusted(const Value& value) const {
-    Value result = domain_.adjust(value);
-    const auto list = result.query<IListObject>();
+const Value& ValueList::notHolding(const Value& value) const {
+    const auto list = value.query<IListObject>();
     if (list && list->self().holds(*this))
         throw_error<ContextException>(messages::kListHoldsItself);
-    return result;
+    return value;
+}
+
+Value ValueList::adjusted(const Value& value) const {
+    return notHolding(domain_.adjust(value));
 }
 
 /// Says whether a list is this one or is held by it, directly or through other lists.
@@ -53,9 +56,12 @@ bool ValueList::holds(const ValueList& list) const {
         if (here == &list)
             return true;
         here->order_.walk([&](RowId id) {
-            const auto inner = here->items_[id]->content().value.query<IListObject>();
-            if (inner && seen.insert(&inner->self()).second)
-                ahead.push_back(&inner->self());
+            const Item& item = here->items_[id]->content();
+            for (const Value* const value : {&item.value, &item.picture}) {
+                const auto inner = value->query<IListObject>();
+                if (inner && seen.insert(&inner->self()).second)
+                    ahead.push_back(&inner->self());
+            }
             return true;
         });
     }
@@ -64,6 +70,7 @@ bool ValueList::holds(const ValueList& list) const {
 
 GenericValue ValueList::insert(std::size_t position, Item item) {
     item.value = adjusted(item.value);
+    static_cast<void>(notHolding(item.picture));
     ValueListItemPtr object = make_object<ValueListItem>(std::move(item));
     GenericValue result(object);
     const RowId id = free_.empty() ? static_cast<RowId>(items_.size()) : free_.back();
@@ -86,7 +93,7 @@ GenericValue ValueList::insert(std::size_t position, Item item) {
 /// Makes an item of a value, a presentation, a check mark and a picture.
 GenericValue ValueList::insert(std::size_t position, std::span<GenericValue> definition, int param) {
     return insert(position, Item{.value = definition[0],
-                                 .presentation = string_argument(definition[1], param + 1),
+                                 .presentation = wstring(text_argument(definition[1], param + 1)),
                                  .check = flag_argument(definition[2], param + 2),
                                  .picture = definition[3]});
 }

@@ -56,6 +56,8 @@ class ValueList
 
     /// What the list makes of a value that an item is to have.
     [[nodiscard]] Value adjusted(const Value& value) const;
+    /// Returns `value`, through which this list would not hold itself.
+    const Value& notHolding(const Value& value) const;
 
   private:
     using Items = std::vector<ValueListItemPtr>;

@@ -13,7 +13,7 @@ void ValueListItem::setValue(const GenericValue& value) {
 }
 
 void ValueListItem::setPresentation(const GenericValue& value) {
-    content_.presentation = string_argument(value, 0);
+    content_.presentation = wstring(text_argument(value, 0));
 }
 
 void ValueListItem::setCheckValue(const GenericValue& value) {
@@ -21,7 +21,7 @@ void ValueListItem::setCheckValue(const GenericValue& value) {
 }
 
 void ValueListItem::setPicture(const GenericValue& value) {
-    Value picture(value);
+    Value picture = list_ != nullptr ? list_->notHolding(value) : Value(value);
     swap(content_.picture, picture);
 }
 
