@@ -144,25 +144,34 @@ InterfacePtr<IContextDef> GroupContext::getIContextDef() {
     return InterfacePtr<IContextDef>(static_cast<IContextDef*>(this));
 }
 
+namespace {
+
+/// The member with a reference for the call: what it does may be to leave the group.
+InterfacePtr<IContext_> called(const GroupContext::Place& place) {
+    return place.context;
+}
+
+} // namespace
+
 void GroupContext::getPropVal(int prop, GenericValue& out) {
     const auto place = findContextByPropPos(prop);
     if (!place)
         detail::bad_property(prop);
-    place->context->getPropVal(place->index, out);
+    called(*place)->getPropVal(place->index, out);
 }
 
 void GroupContext::setPropVal(int prop, const GenericValue& value) {
     const auto place = findContextByPropPos(prop);
     if (!place)
         detail::bad_property(prop);
-    place->context->setPropVal(place->index, value);
+    called(*place)->setPropVal(place->index, value);
 }
 
 void GroupContext::call(int method, GenericValue* result, std::vector<GenericValue>* params) {
     const auto place = findContextByMethodPos(method);
     if (!place)
         detail::bad_method(method);
-    place->context->call(place->index, result, params);
+    called(*place)->call(place->index, result, params);
 }
 
 void StableGroupContext::membersChange(const Members& members) {

@@ -130,6 +130,8 @@ TEST_F(Calls, WrongNumbersAndCountsReachNoMethod) {
     EXPECT_TRUE(none.empty());
     EXPECT_EQ(gauge_->calls, 0);
 
+    EXPECT_EQ(gauge_->findProp(nullptr), -1);
+    EXPECT_EQ(gauge_->findMethod(nullptr), -1);
     for (const int prop : {-1, 3}) {
         const wstring unknown = message_text("IDS_CONTEXT_NO_PROPERTY", {string_intto(prop)});
         expectRefused([&] { gauge_->getPropVal(prop, value); }, unknown);
@@ -212,6 +214,45 @@ TYPED_TEST(Groups, AreTheirMembersInARow) {
     EXPECT_EQ(group->getNMethods(), 2);
     group->call(0, &value, &params);
     EXPECT_EQ(second->calls, 2);
+}
+
+/// Leaves its group in the middle of being asked, which lets go of the last reference to it, and says whether
+/// it was still alive then.
+class Leaver : public Gauge {
+  public:
+    Leaver(GroupContext& group, bool& alive) : group_(group), alive_(alive) { alive_ = true; }
+    ~Leaver() { alive_ = false; }
+
+    void getPropVal(int, GenericValue& out) override { out = stayed(); }
+    void setPropVal(int, const GenericValue&) override { EXPECT_TRUE(stayed()); }
+    void call(int, GenericValue* result, std::vector<GenericValue>*) override { *result = stayed(); }
+
+  private:
+    [[nodiscard]] bool stayed() {
+        const bool& alive = alive_; // this object may be gone behind the next line
+        group_.removeContext(this);
+        return alive;
+    }
+
+    GroupContext& group_;
+    bool& alive_;
+};
+
+TYPED_TEST(Groups, KeepAMemberThatLeavesWhileItIsAsked) {
+    const auto group = make_object<Group<TypeParam>>();
+    bool alive = false;
+    const auto enter = [&] { group->addContext(make_object<Leaver>(*group, alive).get()); };
+    GenericValue result;
+    enter();
+    group->getPropVal(0, result);
+    EXPECT_TRUE(result.isTrue());
+    enter();
+    group->setPropVal(0, result);
+    enter();
+    group->call(0, &result, nullptr);
+    EXPECT_TRUE(result.isTrue());
+    EXPECT_FALSE(alive);
+    EXPECT_EQ(group->getNProps(), 0);
 }
 
 class Uncountable : public Gauge {

@@ -74,6 +74,8 @@ TYPED_TEST(Lookup, FindsTheFirstHolderOfANameInAnyCase) {
         EXPECT_EQ(def->findProp(name), index);
         EXPECT_EQ(def->findMethod(name), index);
     }
+    EXPECT_EQ(def->findProp(nullptr), -1);
+    EXPECT_EQ(def->findMethod(nullptr), -1);
     def->names[1].english = u"New";
     def->namesChanged();
     EXPECT_EQ(def->findProp(u"NEW"), 1);
