@@ -15,6 +15,8 @@ namespace {
 
 template <class Name>
 int walk(int count, const wchar* wanted, Name name) {
+    if (wanted == nullptr)
+        return -1;
     for (int number = 0; number < count; ++number) {
         for (int alias = 0;; ++alias) {
             const wchar* const text = name(number, alias);
