@@ -42,6 +42,15 @@ bool add_assignment(std::vector<Assignment>& assignments, IContext_& receiver, I
     return true;
 }
 
+/// Sets what a property was before, as well as that can be done.
+void put_back(IContext_& receiver, const Assignment& old) noexcept {
+    try {
+        if (receiver.isPropReadable(old.prop))
+            receiver.setPropVal(old.prop, old.value);
+    } catch (...) { // what is reported is why the new values could not be set
+    }
+}
+
 /// All or nothing: when one cannot be set, those set before it get their old values back.
 void assign_all(IContext_& receiver, std::vector<Assignment>& assignments) {
     std::size_t done = 0;
@@ -55,10 +64,8 @@ void assign_all(IContext_& receiver, std::vector<Assignment>& assignments) {
             ++done;
         }
     } catch (...) {
-        while (done-- > 0) {
-            if (receiver.isPropReadable(assignments[done].prop))
-                receiver.setPropVal(assignments[done].prop, assignments[done].value);
-        }
+        while (done-- > 0)
+            put_back(receiver, assignments[done]);
         throw;
     }
 }

@@ -2,7 +2,7 @@
 // Concerns: the global functions by their numbers and names; base64 against its published examples and bad
 // texts; properties filled all or not at all; bytes as a value.
 #include <core/collections.h>
-#include <core/context/context_def.h>
+#include <core/context/script_object.h>
 #include <core/objects/binary_data.h>
 #include <core/objects/core_general_context.h>
 #include <core/runtime.h>
@@ -13,6 +13,7 @@
 
 #include <filesystem>
 #include <random>
+#include <stdexcept>
 
 namespace {
 
@@ -142,6 +143,43 @@ TEST_F(General, PropertiesAreFilledByName) {
     EXPECT_THROW(call(1, {pair, receiver, u"Value"}), ContextException) << "nothing of a pair can be set";
     EXPECT_THROW(call(1, {receiver, 5}), ContextException);
     EXPECT_THROW(call(1, {receiver}), ContextException);
+}
+
+/// Three properties: A takes every value, B refuses to take its old value back, and C refuses every value.
+class Stubborn : public ScriptObject<Stubborn> {
+  public:
+    static constexpr ScriptClass script = {
+        .names = {u"TestStubborn"},
+        .type = "ba6d7318-2879-4e7b-9e34-e5b008bf6bea"_guid,
+        .object = "5cd0c063-ef32-4e27-9ff1-0ea9891e313a"_guid,
+    };
+    static std::span<const Property<Stubborn>> properties() noexcept {
+        static constexpr Property<Stubborn> kTable[] = {
+            {{u"A", nullptr}, &Stubborn::a, &Stubborn::setA},
+            {{u"B", nullptr}, &Stubborn::b, &Stubborn::setB},
+            {{u"C", nullptr}, &Stubborn::b, &Stubborn::refuse},
+        };
+        return kTable;
+    }
+    GenericValue a() const { return a_; }
+
+  private:
+    GenericValue b() const { return {}; }
+    void setA(const GenericValue& value) { a_ = value; }
+    void setB(const GenericValue& value) {
+        if (value.isUndefined())
+            throw std::logic_error("not back again");
+    }
+    void refuse(const GenericValue&) { throw std::out_of_range("never"); }
+
+    GenericValue a_ = 1;
+};
+const ScriptTypeEntry<Stubborn> kStubbornEntry;
+
+TEST_F(General, WhatCannotBePutBackKeepsNothingElseFromGoingBack) {
+    const auto receiver = make_object<Stubborn>();
+    EXPECT_THROW(call(1, {receiver, structure({{u"A", 2}, {u"B", 2}, {u"C", 2}})}), std::out_of_range);
+    EXPECT_EQ(receiver->a(), GenericValue(1));
 }
 
 TEST_F(General, NamesOfTemporaryFilesAreNew) {
