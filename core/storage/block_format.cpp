@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/block_format.h"
 
+#include "core/runtime/hex_digit.h"
+
 #include <core/storage/errors.h>
 
 #include <algorithm>
@@ -9,21 +11,14 @@
 namespace core {
 namespace {
 
-/// The value of a digit of either case.
-std::uint64_t hex_value(std::byte digit) {
-    const auto c = static_cast<unsigned char>(digit);
-    if (c >= '0' && c <= '9')
-        return c - unsigned{'0'};
-    const unsigned letter = c | 0x20U;
-    if (letter < 'a' || letter > 'f')
-        throw HexConvExc();
-    return letter - 'a' + 10;
-}
-
 std::uint64_t decode_hex(const std::byte* from, std::size_t digits) {
     std::uint64_t value = 0;
-    for (std::size_t i = 0; i < digits; ++i)
-        value = value << 4 | hex_value(from[i]);
+    for (std::size_t i = 0; i < digits; ++i) {
+        const int digit = hex_digit(static_cast<wchar>(from[i]));
+        if (digit < 0)
+            throw HexConvExc();
+        value = value << 4 | static_cast<unsigned>(digit);
+    }
     return value;
 }
 

@@ -10,6 +10,8 @@
 #include <core/strings/compare.h>
 
 #include <atomic>
+#include <map>
+#include <mutex>
 #include <string>
 
 namespace core {
@@ -42,8 +44,72 @@ FileInfo file_info(const StorageRW& storage, const StorageFound& found) {
 
 } // namespace
 
-StorageScheme::StorageScheme(const StorageLayout& layout) : layout_(layout), name_(layout.scheme) {}
+namespace {
+
+/// An inner file, or a pattern of names, by its URL.
+struct Inner {
+    StorageRW storage;
+    wstring name;
+};
+
+/// One container may be open under two roots: a file moved from one to the other would be removed.
+void refuse_same(const Inner& from, const Inner& to, const wstring& url) {
+    if (from.name == to.name && from.storage.isSame(to.storage))
+        throw StorageException(StorageException::Kind::isDestination, url);
+}
+
+} // namespace
+
+/// The containers that are open, by root URL.
+struct StorageScheme::State {
+    explicit State(const StorageLayout& used) : layout(used), name(used.scheme) {}
+
+    [[nodiscard]] wstring enter(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url);
+    [[nodiscard]] StorageRW container(const wstring& root);
+    [[nodiscard]] Inner resolve(const wstring& url);
+
+    const StorageLayout& layout;
+    const wstring name;
+    std::mutex mutex; // of the containers
+    std::map<wstring, StorageRW> containers;
+};
+
+wstring StorageScheme::State::enter(InterfacePtr<IFile> file, const StorageOptions& options,
+                                    const wstring& url) {
+    StorageRW storage(std::move(file), layout, options, url);
+    // What does not open takes no number.
+    const std::string serial = std::to_string(++serial_of(layout));
+    wstring root = name + wstring(kRoot) + from_utf8(serial) + u"/";
+    storage.setRootURL(root);
+    const std::lock_guard lock(mutex);
+    containers.emplace(root, std::move(storage));
+    return root;
+}
+
+StorageRW StorageScheme::State::container(const wstring& root) {
+    const std::lock_guard lock(mutex);
+    const auto found = containers.find(root);
+    if (found == containers.end())
+        throw StorageException(StorageException::Kind::fileNotFound, root);
+    return found->second;
+}
+
+Inner StorageScheme::State::resolve(const wstring& url) {
+    const wstring_view prefix = kRoot.substr(3);
+    const URL parsed = split_url(url);
+    const wstring_view path = parsed.path;
+    const auto slash = path.starts_with(prefix) ? path.find(u'/', prefix.size()) : wstring_view::npos;
+    if (compare_nocase(parsed.scheme, name) != 0 || slash == wstring_view::npos)
+        throw StorageException(StorageException::Kind::fileNotFound, url);
+    return {container(name + u"://" + wstring(path.substr(0, slash + 1))), wstring(path.substr(slash + 1))};
+}
+
+StorageScheme::StorageScheme(const StorageLayout& layout) : state_(std::make_unique<State>(layout)) {}
 StorageScheme::~StorageScheme() = default;
+
+const wstring& StorageScheme::schemeName() const noexcept {
+    return state_->name;
+}
 
 wstring StorageScheme::openContainer(const wstring& url, OpenMode mode) {
     const URL parsed = parseURL(url);
@@ -52,39 +118,24 @@ wstring StorageScheme::openContainer(const wstring& url, OpenMode mode) {
     // What is replaced is emptied in its turn, and not as it is opened.
     auto file = open_file(parsed.path, mode == OpenMode::replace ? OpenMode::create : mode);
     if (mode == OpenMode::replace)
-        StorageRW::replace(*file, layout_);
+        StorageRW::replace(*file, state_->layout);
     else if (mode == OpenMode::create || mode == OpenMode::createNew)
-        StorageRW::createIfEmpty(*file, layout_);
-    return enter(std::move(file), options, url);
+        StorageRW::createIfEmpty(*file, state_->layout);
+    return state_->enter(std::move(file), options, url);
 }
 
 wstring StorageScheme::openContainerIn(IFile* file, const StorageOptions& options) {
-    return enter(file, options, file->url());
-}
-
-wstring StorageScheme::enter(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url) {
-    StorageRW storage(std::move(file), layout_, options, url);
-    // What does not open takes no number.
-    const std::string serial = std::to_string(++serial_of(layout_));
-    wstring root = name_ + wstring(kRoot) + from_utf8(serial) + u"/";
-    storage.setRootURL(root);
-    const std::lock_guard lock(mutex_);
-    containers_.emplace(root, std::move(storage));
-    return root;
+    return state_->enter(file, options, file->url());
 }
 
 void StorageScheme::closeContainer(const wstring& root) {
-    const std::lock_guard lock(mutex_);
-    if (containers_.erase(root) == 0)
+    const std::lock_guard lock(state_->mutex);
+    if (state_->containers.erase(root) == 0)
         throw StorageException(StorageException::Kind::fileNotFound, root);
 }
 
 StorageRW StorageScheme::container(const wstring& root) {
-    const std::lock_guard lock(mutex_);
-    const auto found = containers_.find(root);
-    if (found == containers_.end())
-        throw StorageException(StorageException::Kind::fileNotFound, root);
-    return found->second;
+    return state_->container(root);
 }
 
 /// Below a root everything is the name of an inner file, which may hold a "?"; elsewhere options follow it.
@@ -95,23 +146,13 @@ URL StorageScheme::parseURL(const wstring& url) const {
     return parsed;
 }
 
-StorageScheme::Inner StorageScheme::resolve(const wstring& url) {
-    const wstring_view prefix = kRoot.substr(3);
-    const URL parsed = split_url(url);
-    const wstring_view path = parsed.path;
-    const auto slash = path.starts_with(prefix) ? path.find(u'/', prefix.size()) : wstring_view::npos;
-    if (compare_nocase(parsed.scheme, name_) != 0 || slash == wstring_view::npos)
-        throw StorageException(StorageException::Kind::fileNotFound, url);
-    return {container(name_ + u"://" + wstring(path.substr(0, slash + 1))), wstring(path.substr(slash + 1))};
-}
-
 InterfacePtr<IFile> StorageScheme::openURL(const wstring& url, OpenMode mode) {
-    Inner inner = resolve(url);
+    Inner inner = state_->resolve(url);
     return inner.storage.open(inner.name, mode);
 }
 
 std::vector<FileInfo> StorageScheme::findFile(const wstring& pattern) {
-    const Inner inner = resolve(pattern);
+    const Inner inner = state_->resolve(pattern);
     std::vector<FileInfo> files;
     for (const StorageFound& found : inner.storage.find(inner.name))
         files.push_back(file_info(inner.storage, found));
@@ -119,7 +160,7 @@ std::vector<FileInfo> StorageScheme::findFile(const wstring& pattern) {
 }
 
 std::size_t StorageScheme::remove(const wstring& pattern) {
-    Inner inner = resolve(pattern);
+    Inner inner = state_->resolve(pattern);
     if (has_wildcard(inner.name))
         return inner.storage.removeAll(inner.name);
     inner.storage.remove(inner.name);
@@ -133,27 +174,21 @@ void StorageScheme::writeFile(const wstring& to, const FileWriter& write) {
 }
 
 void StorageScheme::saveFile(IFile& content, const wstring& to) {
-    if (resolve(to).storage.isIn(content)) // it would grow as it is read
+    if (state_->resolve(to).storage.isIn(content)) // it would grow as it is read
         throw StorageException(StorageException::Kind::isDestination, content.url());
     IFileScheme::saveFile(content, to);
 }
 
-/// One container may be open under two roots: a file moved from one to the other would be removed.
-void StorageScheme::refuseSame(const Inner& from, const Inner& to, const wstring& url) {
-    if (from.name == to.name && from.storage.isSame(to.storage))
-        throw StorageException(StorageException::Kind::isDestination, url);
-}
-
 void StorageScheme::copyFile(const wstring& from, const wstring& to) {
-    Inner source = resolve(from);
-    Inner target = resolve(to);
-    refuseSame(source, target, from);
+    Inner source = state_->resolve(from);
+    Inner target = state_->resolve(to);
+    refuse_same(source, target, from);
     saveFile(*source.storage.open(source.name, OpenMode::read), to);
 }
 
 void StorageScheme::moveFile(const wstring& from, const wstring& to) {
-    Inner source = resolve(from);
-    Inner target = resolve(to);
+    Inner source = state_->resolve(from);
+    Inner target = state_->resolve(to);
     target.storage.moveFrom(source.storage, source.name, target.name);
 }
 

@@ -5,8 +5,7 @@
 #include <core/runtime/internal_class.h>
 #include <core/storage/storage_rw.h>
 
-#include <map>
-#include <mutex>
+#include <memory>
 
 namespace core {
 
@@ -49,7 +48,7 @@ class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
     void closeContainer(const wstring& root) override;
     [[nodiscard]] StorageRW container(const wstring& root) override;
 
-    [[nodiscard]] const wstring& schemeName() const noexcept override { return name_; }
+    [[nodiscard]] const wstring& schemeName() const noexcept override;
     [[nodiscard]] URL parseURL(const wstring& url) const override;
     [[nodiscard]] InterfacePtr<IFile> openURL(const wstring& url, OpenMode mode) override;
     [[nodiscard]] std::vector<FileInfo> findFile(const wstring& pattern) override;
@@ -60,19 +59,8 @@ class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
     void saveFile(IFile& content, const wstring& to) override;
 
   private:
-    /// An inner file, or a pattern of names, by its URL.
-    struct Inner {
-        StorageRW storage;
-        wstring name;
-    };
-    [[nodiscard]] Inner resolve(const wstring& url);
-    [[nodiscard]] wstring enter(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url);
-    static void refuseSame(const Inner& from, const Inner& to, const wstring& url);
-
-    const StorageLayout& layout_;
-    wstring name_;
-    std::mutex mutex_;
-    std::map<wstring, StorageRW> containers_; // by root URL
+    struct State;
+    std::unique_ptr<State> state_; // never null
 };
 
 /// The scheme of the 64-bit layout.
