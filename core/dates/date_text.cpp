@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/digit_pairs.h"
+
 #include <core/dates/date.h>
 #include <core/strings/char_class.h>
 
 #include <array>
-#include <cstring>
 #include <istream>
 #include <ostream>
 
@@ -17,30 +18,16 @@ constexpr char kSeparators[] = {'\0', '-', '-', 'T', ':', ':'};
 
 using Parts = std::array<int, 6>; // year, month, day, hour, minute, second
 
-template <class Char>
-constexpr auto kPairs = [] {
-    std::array<std::array<Char, 2>, 100> pairs{};
-    for (std::size_t i = 0; i < pairs.size(); ++i)
-        pairs[i] = {static_cast<Char>('0' + i / 10), static_cast<Char>('0' + i % 10)};
-    return pairs;
-}();
-
-template <class Char>
-Char* write_pair(Char* out, int number) noexcept {
-    std::memcpy(out, kPairs<Char>[static_cast<std::size_t>(number)].data(), 2 * sizeof(Char));
-    return out + 2;
-}
-
 template <Form form, class Char>
 Char* write(Date date, Char* out) noexcept {
     Parts parts;
     date.split(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
-    out = write_pair(out, parts[0] / 100);
+    out = write_pair(out, static_cast<std::size_t>(parts[0] / 100));
     parts[0] %= 100;
     for (std::size_t i = 0; i < parts.size(); ++i) {
         if (form == Form::xml && i > 0)
             *out++ = static_cast<Char>(kSeparators[i]);
-        out = write_pair(out, parts[i]);
+        out = write_pair(out, static_cast<std::size_t>(parts[i]));
     }
     return out;
 }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "core/numbers/long/limbs.h"
+#include "core/runtime/digit_pairs.h"
 
-#include <array>
 #include <bit>
 #include <cstring>
 #include <type_traits>
@@ -89,29 +89,6 @@ template <class Char>
     }
     // Two groups of four that overlap in 8 − count digits.
     return head * kPowers[count - 4] + FourDigits<Char>(p + count - 4).value(8 - count);
-}
-
-/// "00", "01", ... "99" one after another.
-template <class Char>
-constexpr std::array<Char, 200> make_digit_pairs() noexcept {
-    std::array<Char, 200> pairs{};
-    for (std::size_t i = 0; i < 100; ++i) {
-        pairs[2 * i] = static_cast<Char>('0' + i / 10);
-        pairs[2 * i + 1] = static_cast<Char>('0' + i % 10);
-    }
-    return pairs;
-}
-
-inline constexpr auto kNarrowPairs = make_digit_pairs<char>();
-inline constexpr auto kWidePairs = make_digit_pairs<wchar>();
-
-template <class Char>
-void write_pair(Char* out, std::size_t value) noexcept {
-    if constexpr (sizeof(Char) == 1) {
-        std::memcpy(out, &kNarrowPairs[2 * value], 2 * sizeof(Char));
-    } else {
-        std::memcpy(out, &kWidePairs[2 * value], 2 * sizeof(Char));
-    }
 }
 
 /// Writes all nine digits of `limb` and returns their end.
