@@ -22,7 +22,8 @@ using Args = std::span<core::GenericValue>;
     return core::text_argument(arguments[static_cast<std::size_t>(param)], param);
 }
 
-[[nodiscard]] inline core::Numeric number_argument(Args arguments, int param) {
+/// What a value of any type reads as a number.
+[[nodiscard]] inline core::Numeric number_reading(Args arguments, int param) {
     core::Numeric number;
     if (!arguments[static_cast<std::size_t>(param)].getNumeric(number))
         core::parameter_type_mismatch(param);
@@ -30,8 +31,8 @@ using Args = std::span<core::GenericValue>;
 }
 
 /// A count or position: cut to a whole number, not below 0 and not above `most`.
-[[nodiscard]] inline std::size_t count_argument(Args arguments, int param, std::size_t most) {
-    const core::Numeric number = number_argument(arguments, param);
+[[nodiscard]] inline std::size_t clamped_count(Args arguments, int param, std::size_t most) {
+    const core::Numeric number = number_reading(arguments, param);
     if (number.sign() <= 0)
         return 0;
     return number.compare(core::Numeric(most)) >= 0 ? most : static_cast<std::size_t>(number);

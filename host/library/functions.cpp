@@ -66,7 +66,7 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
         return from_json(to_utf8(text_argument(a, 0)), a[1].isTrue() ? Objects::maps : Objects::structures);
     }
     GenericValue toJson(Args a) {
-        const std::size_t indent = given(a[1]) ? count_argument(a, 1, 16) : 0;
+        const std::size_t indent = given(a[1]) ? clamped_count(a, 1, 16) : 0;
         return GenericValue(from_utf8(to_json(a[0], static_cast<int>(indent))));
     }
     GenericValue loadText(Args a) {
@@ -99,13 +99,13 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
     GenericValue length(Args a) { return GenericValue(text_argument(a, 0).size()); }
     GenericValue left(Args a) {
         const wstring_view text = text_argument(a, 0);
-        return GenericValue(text.substr(0, count_argument(a, 1, text.size())));
+        return GenericValue(text.substr(0, clamped_count(a, 1, text.size())));
     }
     GenericValue mid(Args a) { // positions count from 1
         const wstring_view text = text_argument(a, 0);
-        const std::size_t begin = std::max<std::size_t>(count_argument(a, 1, text.size() + 1), 1) - 1;
+        const std::size_t begin = std::max<std::size_t>(clamped_count(a, 1, text.size() + 1), 1) - 1;
         return GenericValue(
-            text.substr(begin, given(a[2]) ? count_argument(a, 2, text.size()) : wstring_view::npos));
+            text.substr(begin, given(a[2]) ? clamped_count(a, 2, text.size()) : wstring_view::npos));
     }
     GenericValue upper(Args a) { return GenericValue(to_upper(text_argument(a, 0))); }
     GenericValue lower(Args a) { return GenericValue(to_lower(text_argument(a, 0))); }
@@ -115,7 +115,7 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
     GenericValue pad(Args a) {
         constexpr std::size_t kMaxWidth = 10'000;
         wstring text = a[0].presentation();
-        Numeric width = number_argument(a, 1);
+        Numeric width = number_reading(a, 1);
         const bool inFront = width.sign() < 0;
         width = width.abs();
         if (width.compare(Numeric(kMaxWidth)) > 0)
@@ -128,7 +128,7 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
 
     // conversions
     GenericValue string(Args a) { return GenericValue(a[0].presentation()); }
-    GenericValue number(Args a) { return GenericValue(number_argument(a, 0)); }
+    GenericValue number(Args a) { return GenericValue(number_reading(a, 0)); }
     GenericValue date(Args a) {
         Date date;
         if (!a[0].getDate(date))
@@ -136,10 +136,10 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
         return GenericValue(date);
     }
     GenericValue round(Args a) {
-        const Numeric digits = given(a[1]) ? number_argument(a, 1) : Numeric();
+        const Numeric digits = given(a[1]) ? number_reading(a, 1) : Numeric();
         if (digits.abs().compare(Numeric(1000)) > 0)
             parameter_value_mismatch(1);
-        return GenericValue(number_argument(a, 0).round(static_cast<std::int32_t>(digits)));
+        return GenericValue(number_reading(a, 0).round(static_cast<std::int32_t>(digits)));
     }
     GenericValue typeOf(Args a) { return GenericValue(a[0].type()); }
     GenericValue type(Args a) { return GenericValue(Type(text_argument(a, 0))); }

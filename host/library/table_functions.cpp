@@ -65,7 +65,7 @@ class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>> {
         if (!table_view(a[0]))
             parameter_type_mismatch(0);
         constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
-        print_value(a[0], console_, given(a[1]) ? count_argument(a, 1, kAll) : kAll);
+        print_value(a[0], console_, given(a[1]) ? clamped_count(a, 1, kAll) : kAll);
         return {};
     }
 
