@@ -24,7 +24,7 @@ std::vector<GUID> types_of_names(const Value& names) {
     return types;
 }
 
-/// The id of a type; a Type that is no type is a wrong value, since a description of it could not be read
+/// The id of a type. A Type value without a type is refused, since a description of it could not be read
 /// back.
 const GUID& id_of(const Type& type) {
     if (!type.isDefined())

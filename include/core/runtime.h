@@ -9,6 +9,7 @@
 #include <core/runtime/internal_class.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/module.h>
+#include <core/runtime/name_guid.h>
 #include <core/runtime/persistable.h>
 #include <core/runtime/process.h>
 #include <core/runtime/random.h>
