@@ -31,9 +31,9 @@ namespace core {
 }
 
 /// Where every such hash begins: random, the same for the life of the program.
-[[nodiscard]] CORE_API std::uint64_t table_hash_seed() noexcept;
+[[nodiscard]] std::uint64_t table_hash_seed() noexcept;
 
-[[nodiscard]] CORE_API std::uint64_t table_hash(std::span<const std::byte> bytes) noexcept;
+[[nodiscard]] std::uint64_t table_hash(std::span<const std::byte> bytes) noexcept;
 [[nodiscard]] inline std::uint64_t table_hash(wstring_view text) noexcept {
     return table_hash(std::as_bytes(std::span(text)));
 }

@@ -4,6 +4,18 @@
 #include <optional>
 
 namespace core {
+
+/// What a String remembers of its own hashes.
+struct StringHashes {
+    static std::uint64_t ofText(const Value& value) noexcept { return string(value).tableHash(); }
+    static std::uint64_t ofName(const Value& value) noexcept { return string(value).nameHash(); }
+
+  private:
+    static const StringValue& string(const Value& value) noexcept {
+        return static_cast<const StringValue&>(*value.object());
+    }
+};
+
 namespace {
 
 /// An exact hash of `word`: a one-to-one mapping of 63 bits, above the bit that says so.
@@ -38,10 +50,6 @@ std::uint64_t hash_number(const Numeric& number) noexcept {
         table_hash_step(table_hash_seed(), static_cast<std::uint32_t>(number.fractionLimbs()));
     hash = table_hash_step(hash, static_cast<std::uint64_t>(number.sign()));
     return mixed_hash(table_hash_step(hash, table_hash(std::as_bytes(limbs))));
-}
-
-const StringValue& string_of(const Value& value) noexcept {
-    return static_cast<const StringValue&>(*value.object());
 }
 
 std::uint64_t hash_word(std::uint64_t word) noexcept {
@@ -79,7 +87,7 @@ std::uint64_t value_table_hash(const Value& value) noexcept {
             return exact_hash(*whole);
         return hash_number(*value.asNumeric());
     case ValueKind::string:
-        return string_of(value).tableHash();
+        return StringHashes::ofText(value);
     default:
         return hash_object(*value.object());
     }
@@ -94,7 +102,7 @@ std::uint64_t name_table_hash(wstring_view name) noexcept {
 }
 
 std::uint64_t name_table_hash(const Value& value) noexcept {
-    return value.kind() == ValueKind::string ? string_of(value).nameHash() : 0;
+    return value.kind() == ValueKind::string ? StringHashes::ofName(value) : 0;
 }
 
 } // namespace core

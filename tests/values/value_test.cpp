@@ -33,6 +33,7 @@ TEST_F(Values, SharedInstancesAreOneObjectEach) {
     EXPECT_EQ(create_numeric_value(-0.0).get(), zero);
     EXPECT_EQ(create_numeric_value(std::uint64_t{0}).get(), zero);
     EXPECT_EQ(create_numeric_value(short{0}).get(), zero);
+    EXPECT_EQ(create_numeric_value(0.0L).get(), zero);
     EXPECT_EQ(create_numeric_value(Numeric()).get(), zero);
     EXPECT_NE(create_numeric_value(1).get(), create_numeric_value(1).get());
     EXPECT_EQ(create_date_value(Date()).get(), create_date_value(Date()).get());
@@ -129,6 +130,14 @@ TEST_F(Values, EveryKindKnowsItsTypeAndPayload) {
     }
     EXPECT_EQ(Type(u"nUmBeR"), Type(Type::number));
     EXPECT_EQ(*static_cast<const wstring_view*>(Value(u"abc").object()->getDataPtr()), u"abc");
+}
+
+TEST_F(Values, NumbersOfEveryFloatingTypeKeepTheirDigits) {
+    EXPECT_EQ(Value(0.1F), Value(0.1F * 1.0));
+    EXPECT_EQ(Value(0.1), Value(Numeric(0.1)));
+    EXPECT_EQ(Value(0.1L), Value(Numeric(0.1L)));
+    EXPECT_TRUE(Value(create_numeric_value(0.1L)).equals(Value(0.1L)));
+    EXPECT_EQ(static_cast<long double>(*GenericValue(1.0L / 3).asNumeric()), 1.0L / 3);
 }
 
 TEST_F(Values, QueriesReachTheInterfacesOfEachKind) {

@@ -29,9 +29,10 @@ template <NumericInteger T>
 [[nodiscard]] inline InterfacePtr<IValue> create_numeric_value(double value) {
     return Value(value).getIValue();
 }
-/// Returns a Number of the nearest `double`. Throws NumericException for infinities and NaN.
+/// Returns a Number of the shortest decimal that reads back to `value`. Throws NumericException for
+/// infinities and NaN.
 [[nodiscard]] inline InterfacePtr<IValue> create_numeric_value(long double value) {
-    return Value(static_cast<double>(value)).getIValue();
+    return Value(value).getIValue();
 }
 /// Returns a Number with a copy of `value`.
 [[nodiscard]] inline InterfacePtr<IValue> create_numeric_value(const Numeric& value) {

@@ -188,12 +188,6 @@ class CORE_API StringValue final : public PrimitiveValue {
     /// Returns the text, borrowed as long as the object lives.
     [[nodiscard]] wstring_view payload() const noexcept { return text_; }
 
-    /// Returns the hash of the text by which tables in memory find it, never 0. It is computed once.
-    [[nodiscard]] std::uint64_t tableHash() const noexcept;
-    /// Returns the hash of the text as a name in any case; 0 for a text that is not a valid name. It is
-    /// computed once.
-    [[nodiscard]] std::uint64_t nameHash() const noexcept;
-
     /// Returns the one type object of this kind of value.
     IType* getType() const noexcept override;
     /// Returns the address of a wstring_view of the text, which a null unit follows.
@@ -217,8 +211,14 @@ class CORE_API StringValue final : public PrimitiveValue {
     void serialize(IOutPersistenceStorage* storage) const override;
 
   private:
+    friend struct StringHashes;
+
     explicit StringValue(wstring_view text) noexcept;
     void destroy() noexcept override;
+    // The two hashes by which tables in memory find the text, each computed once and never 0; the second one,
+    // that of a name in any case, is 0 for a text that is not a valid name.
+    [[nodiscard]] std::uint64_t tableHash() const noexcept;
+    [[nodiscard]] std::uint64_t nameHash() const noexcept;
 
     wstring_view text_;
     mutable std::atomic<std::uint64_t> tableHash_{0}; // 0 until it is asked for

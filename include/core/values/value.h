@@ -68,6 +68,8 @@ class CORE_API Value {
     Value(T value) : bits_(make(value)) {}
     /// Holds the shortest decimal that reads back to `value`. Throws NumericException for infinities and NaN.
     Value(double value);
+    /// Holds the shortest decimal that reads back to `value`. Throws NumericException for infinities and NaN.
+    Value(long double value) : Value(Numeric(value)) {}
     /// Refuses a character, which is not a number.
     Value(wchar) = delete;
     /// Holds a copy of a number.
