@@ -40,6 +40,26 @@ TEST(Tokens, WithAndWithoutEmptyOnes) {
     EXPECT_EQ(string_tokenize("a b", ""), std::vector<std::string_view>{"a b"});
 }
 
+TEST(TextForms, APointerMayHaveALengthAnEndOrNeither) {
+    const wchar* const text = u"a,b/c,d";
+    const wstring_view whole = text;
+    const wchar* const none = nullptr;
+    for (const auto& [given, expected] : {std::pair(replace_all(text, 3, u",", u"--"), u"a--b"),
+                                          std::pair(replace_all(text, text + 3, u",", u"--"), u"a--b"),
+                                          std::pair(replace_all(none, u",", u"--"), u"")})
+        EXPECT_EQ(given, expected);
+    EXPECT_EQ(replace_all(text, u",", u"--"), replace_all(whole, u",", u"--"));
+    EXPECT_EQ(string_tokenize(text, 3, u","), string_tokenize(whole.substr(0, 3), u","));
+    EXPECT_EQ(string_tokenize(text, text + 3, u",", EmptyTokens::keep),
+              string_tokenize(whole.substr(0, 3), u",", EmptyTokens::keep));
+    EXPECT_EQ(string_tokenize(text, u","), string_tokenize(whole, u","));
+    EXPECT_EQ(string_tokenize(none, u",", EmptyTokens::keep).size(), 1U);
+    EXPECT_EQ(string_splitpath(text, 3), string_splitpath(whole.substr(0, 3)));
+    EXPECT_EQ(string_splitpath(text, text + 5), string_splitpath(whole.substr(0, 5)));
+    EXPECT_EQ(string_splitpath(none), PathParts());
+    EXPECT_EQ(replace_all("a,b", 2, ",", ";"), "a;");
+}
+
 TEST(Path, PiecesOfAPathMakeThePath) {
     const auto parts = [](wstring_view path) { return string_splitpath(path); };
     EXPECT_EQ(parts(u"c:\\data\\list.tar.gz"), (PathParts{u"c:", u"\\data\\", u"list.tar", u".gz"}));

@@ -9,7 +9,9 @@
 
 /// The forms in which text reaches the string functions. Each function works on a view. Beside it stands one
 /// template for a pointer to the text, and what may follow the pointer is the same everywhere: nothing when a
-/// null unit ends the text, its length, or a pointer to its end. A null pointer is the empty text.
+/// null unit ends the text, its length, or a pointer to its end. A null pointer is the empty text. Where a
+/// number or a pointer behind the text means something else already (a radix, an argument to be formatted),
+/// text_view() makes the view of a pointer and a length.
 ///
 /// Wide text is UTF-16, and its functions work on code units. Narrow text is UTF-8: a narrow function answers
 /// what the wide function answers for the converted text.

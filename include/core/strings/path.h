@@ -25,6 +25,11 @@ using NarrowPathParts = BasicPathParts<char>;
 [[nodiscard]] CORE_API PathParts string_splitpath(wstring_view path);
 /// Splits a narrow path at its separators, on every platform in the same way.
 [[nodiscard]] CORE_API NarrowPathParts string_splitpath(std::string_view path);
+/// Splits a path that is given by a pointer (code_unit.h) at its separators.
+template <CodeUnit C, TextEnd<C>... End>
+[[nodiscard]] BasicPathParts<C> string_splitpath(const C* path, End... end) {
+    return string_splitpath(text_view(path, end...));
+}
 
 /// Returns the path of the parts. It adds what they leave out: the colon of the drive, the separator "/"
 /// behind the directory, the dot of the extension.
