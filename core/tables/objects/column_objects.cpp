@@ -77,7 +77,7 @@ class ValueTableColumn : public ScriptObject<ValueTableColumn, IColumnObject> {
     GenericValue getTitle() const { return Value(column().info.shownTitle()); }
     void setTitle(const GenericValue& value) {
         TableColumn& changed = column();
-        changed.info.title = optional_text_argument(value, 0);
+        changed.info.title = wstring(optional_text_argument(value, 0));
     }
     GenericValue getWidth() const { return column().info.width; }
     void setWidth(const GenericValue& value) {
@@ -106,7 +106,7 @@ GenericValue ValueTableColumnCollection::insert(std::size_t position, std::span<
                                                 int firstParam) {
     ColumnInfo info{.name = name_argument(definition[0], firstParam),
                     .domain = domain_argument(definition[1], firstParam + 1),
-                    .title = optional_text_argument(definition[2], firstParam + 2),
+                    .title = wstring(optional_text_argument(definition[2], firstParam + 2)),
                     .width = width_argument(definition[3], firstParam + 3)};
     TableColumn& column = data_.insertColumn(position, std::move(info));
     try {

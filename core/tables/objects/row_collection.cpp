@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/row_collection.h"
 
+#include "core/collections/array_impl.h"
+
 #include <core/collections/value_structure.h>
 #include <core/context/arguments.h>
 #include <core/context/errors.h>
@@ -21,10 +23,7 @@ std::vector<RowCondition> filter_argument(const TableData& data, const Value& ar
 }
 
 std::vector<Value> array_argument(const Value& argument, int param) {
-    const auto array = argument.query<IValueSequence>();
-    if (!array)
-        parameter_type_mismatch(param);
-    return {array->values().begin(), array->values().end()};
+    return copy_values(*object_argument<IValueSequence>(argument, param));
 }
 
 GenericValue array_of_rows(TableData& data, std::span<const RowId> rows) {

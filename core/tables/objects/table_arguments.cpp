@@ -30,14 +30,6 @@ void add_column(ColumnList& columns, const TableData& data, wstring_view name) {
 
 } // namespace
 
-wstring string_argument(const Value& argument, int param) {
-    return wstring(text_argument(argument, param));
-}
-
-wstring optional_text_argument(const Value& argument, int param) {
-    return argument.isUndefined() ? wstring() : string_argument(argument, param);
-}
-
 RowId row_object_argument(const TableData& data, const Value& argument, int param) {
     const auto object = object_argument<IRowObject>(argument, param);
     const RowHandle& handle = object->handle();

@@ -12,11 +12,6 @@
 /// wrong type "IDS_PARAMETER_N_TYPE_MISMATCH", others as said.
 namespace core {
 
-/// A String.
-[[nodiscard]] wstring string_argument(const Value& argument, int param);
-/// A String; Undefined is the empty one.
-[[nodiscard]] wstring optional_text_argument(const Value& argument, int param);
-
 /// The position of a row below `parent`, which is given by an index or as a row; "IDS_VT_UNKNOWN_ROW_ERROR"
 /// for one that is not there.
 [[nodiscard]] std::size_t row_argument(const TableData& data, RowId parent, const Value& argument, int param);

@@ -34,7 +34,7 @@ GenericValue ValueList::callSortByPresentation(std::span<GenericValue> arguments
 }
 
 GenericValue ValueList::callChooseItem(std::span<GenericValue> arguments) {
-    const wstring title = string_argument(arguments[0], 0);
+    const wstring title(text_argument(arguments[0], 0));
     if (!arguments[1].isUndefined())
         static_cast<void>(positionOfItem(arguments[1], 1));
     IChooser* const chooser = get_service<IChooser>();
@@ -42,7 +42,7 @@ GenericValue ValueList::callChooseItem(std::span<GenericValue> arguments) {
 }
 
 GenericValue ValueList::callCheckItems(std::span<GenericValue> arguments) {
-    const wstring title = string_argument(arguments[0], 0);
+    const wstring title(text_argument(arguments[0], 0));
     IChooser* const chooser = get_service<IChooser>();
     return chooser != nullptr && chooser->checkItems(Value(this), title);
 }
@@ -56,9 +56,7 @@ GenericValue ValueList::callUnloadValues(std::span<GenericValue>) {
 }
 
 GenericValue ValueList::callLoadValues(std::span<GenericValue> arguments) {
-    const auto array = arguments[0].query<IValueSequence>();
-    if (!array)
-        parameter_type_mismatch(0);
+    const auto array = object_argument<IValueSequence>(arguments[0], 0);
     Items items;
     items.reserve(array->count());
     for (const Value& value : array->values())

@@ -198,7 +198,7 @@ GenericValue ValueTable::callFillValues(std::span<GenericValue> arguments) {
 }
 
 GenericValue ValueTable::callChooseRow(std::span<GenericValue> arguments) {
-    const wstring title = optional_text_argument(arguments[0], 0);
+    const wstring title(optional_text_argument(arguments[0], 0));
     if (!arguments[1].isUndefined())
         static_cast<void>(row_object_argument(data_, arguments[1], 1));
     IChooser* const chooser = get_service<IChooser>();

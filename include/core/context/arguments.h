@@ -35,6 +35,10 @@ namespace core {
 [[nodiscard]] CORE_API Numeric number_argument(const Value& argument, int param);
 /// Returns the text of a String, borrowed from the argument.
 [[nodiscard]] CORE_API wstring_view text_argument(const Value& argument, int param);
+/// Returns the text of a String, borrowed from the argument; Undefined gives the empty text.
+[[nodiscard]] inline wstring_view optional_text_argument(const Value& argument, int param) {
+    return argument.isUndefined() ? wstring_view() : text_argument(argument, param);
+}
 /// Returns the items of a String with "," between them, without the white space around each. They are
 /// borrowed from the argument. With EmptyTokens::keep a blank String has one item, which is empty.
 [[nodiscard]] CORE_API std::vector<wstring_view> list_argument(const Value& argument, int param,
@@ -67,13 +71,13 @@ namespace detail {
     return usual ? *whole : detail::unusual_index_argument(argument, param);
 }
 
-/// What an index may lead to.
+/// Which positions an index may name.
 enum class IndexBound {
-    element,  ///< an element
-    insertion ///< an element, or the end, where one can be inserted
+    element,  ///< those of the elements
+    insertion ///< those where an element can be inserted: of the elements, and the end
 };
-/// Returns an index within `count` elements, read as index_argument() does. Any other number throws
-/// "IDS_INDEX_OFFBOUND".
+/// Returns the position that an index names among `count` elements. The index is read as index_argument()
+/// reads it; one that names no position throws "IDS_INDEX_OFFBOUND".
 [[nodiscard]] CORE_API std::size_t position_argument(const Value& argument, int param, std::size_t count,
                                                      IndexBound bound = IndexBound::element);
 /// Returns where the element at `from` of `count` ends up when it is moved by the offset that the argument
