@@ -12,4 +12,5 @@
 #include <core/strings/path.h>
 #include <core/strings/printf.h>
 #include <core/strings/split.h>
+#include <core/strings/term.h>
 #include <core/strings/trim.h>

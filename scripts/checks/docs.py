@@ -19,9 +19,9 @@ def noise(name, kind):
     return (
         word.startswith("~")
         or re.search(r"\)[^)]*= ?(?:default|delete)$", name) is not None
-        # Copies and moves: X(const X &), X(X &&), operator=(const X &), operator=(X &&).
-        or re.match(r"(\w+)\((?:const )?\1(?:<.*>)? ?&&? ?\w*\)", name) is not None
-        or re.match(r"operator=\((?:const )?(\w+)(?:<.*>)? ?&&? ?\w*\)", name) is not None
+        # Copies and moves: X(const X &), X(X &&), operator=(const X &), operator=(X &&). What takes another X<U> converts.
+        or re.match(r"(\w+)\((?:const )?\1 ?&&? ?\w*\)", name) is not None
+        or re.match(r"operator=\((?:const )?(\w+) ?&&? ?\w*\)", name) is not None
         or re.search(r"\boverride$", name) is not None
         or (kind == "friend" and word.startswith("operator"))
         or word in ("IID", "Interfaces")

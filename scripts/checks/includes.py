@@ -102,8 +102,28 @@ def circles(edges):
     return found
 
 
+def unreached(umbrella, headers):
+    """Yields the public headers of a layer that its umbrella includes neither itself nor through others."""
+    ahead, seen = [umbrella], {umbrella}
+    while ahead:
+        for match in map(INCLUDE.match, tree.text(ahead.pop()).splitlines()):
+            name = f"include/{match.group(2)}" if match else None
+            if name in headers and name not in seen:
+                seen.add(name)
+                ahead.append(name)
+    folder = umbrella.removesuffix(".h") + "/"
+    yield from sorted(name for name in headers if name.startswith(folder) and name not in seen)
+
+
+def umbrellas():
+    headers = {name for name in tree.files(".h") if name.startswith("include/core/")}
+    for name in sorted(headers):
+        if name.count("/") == 2:
+            yield from (f"{name}: does not lead to {header}" for header in unreached(name, headers))
+
+
 def findings():
-    found, used, edges = [], set(), {}
+    found, used, edges = list(umbrellas()), set(), {}
     for name in tree.sources():
         if not name.startswith(("include/", "core/", "host/")):
             continue

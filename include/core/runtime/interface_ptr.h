@@ -66,9 +66,11 @@ class InterfacePtr {
             object->QueryInterface(T::IID, &answer);
         object_ = static_cast<T*>(answer);
     }
+    /// Takes a reference to the object of `other`, an interface that derives from `T`: no query is needed.
     template <class U>
     requires(!std::same_as<U, T> && detail::IsUpcast<U, T>) InterfacePtr(const InterfacePtr<U>& other)
     noexcept : InterfacePtr(static_cast<T*>(other.get())) {}
+    /// Queries the object of `other` for `T`; null when the object does not have it.
     template <class U>
     requires(!detail::IsUpcast<U, T>) explicit InterfacePtr(const InterfacePtr<U>& other) noexcept
         : InterfacePtr(other.get()) {}
