@@ -12,6 +12,8 @@ const SCOM_ExceptionEntry<TimeZoneException> kTimeZoneException("TimeZoneExcepti
 
 TimeZoneException::TimeZoneException(const std::string& zone, IExceptionObject* cause)
     : BasicException(message_text(messages::kUnknownTimeZone, {from_utf8(zone)}), cause),
-      zone_(from_utf8(zone)) {}
+      zone_(from_utf8(zone)) {
+    setMessage(messages::kUnknownTimeZone, {&zone_, 1});
+}
 
 } // namespace core

@@ -15,7 +15,8 @@ const SCOM_ExceptionEntry<FileException> kFileException("FileExceptionObject");
 void throw_file_error(const char* id, const wstring& url, int systemError, IExceptionObject* cause) {
     // Unlike strerror(), the category's text may be asked for on any thread.
     const wstring reason = from_utf8(std::system_category().message(systemError));
-    throw FileException(message_text(id, {url, reason}), url, systemError, cause);
+    throw_with_message(FileException(message_text(id, {url, reason}), url, systemError, cause), id,
+                       {url, reason});
 }
 
 } // namespace core

@@ -26,10 +26,8 @@ const char* message_id(NumericException::Error error) noexcept {
 } // namespace
 
 NumericException::NumericException(Error error, IExceptionObject* cause)
-    : BasicException(message_text(message_id(error)), cause), error_(error) {}
-
-const char* NumericException::messageId() const noexcept {
-    return message_id(error_);
+    : BasicException(message_text(message_id(error)), cause), error_(error) {
+    setMessage(message_id(error), {});
 }
 
 } // namespace core

@@ -5,7 +5,9 @@
 namespace core {
 
 InterfacePtr<IExceptionObject> wrap_exception(const Exception& e) {
-    auto object = create_object<IExceptionObject>(e.clsid());
+    InterfacePtr<IExceptionObject> object;
+    if (current_process() != nullptr)
+        object = create_object<IExceptionObject>(e.clsid());
     if (!object) // a class of a module that is not here, or a thread without a process
         object = make_object<ExceptionObject>();
     object->init(e);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/adoption.h"
 #include "core/runtime/thread_slots.h"
 
+#include <core/runtime/errors.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/module.h>
 
@@ -23,16 +25,18 @@ void detach() noexcept {
     LeaksCounter::setTerm(nullptr, nullptr);
     // ICU stays initialised: other users of it in this program hold its data, and
     // attaching again finds it ready.
-    detail::thread_slots.data.free();
+    detail::thread_slots.thread.free();
+    detail::end_all_adoptions();
     detail::thread_slots.process.free();
     detail::thread_slots.locale.free();
 }
 
 void attach(ModuleHandle handle) {
-    detail::thread_slots.locale.allocate();
-    detail::thread_slots.process.allocate();
-    detail::thread_slots.data.allocate();
     try {
+        auto& slots = detail::thread_slots;
+        if (!slots.locale.allocate() || !slots.process.allocate(&detail::end_adopted_thread) ||
+            !slots.thread.allocate())
+            throw_error<ProcessInitException>(messages::kThreadSlots);
         UErrorCode status = U_ZERO_ERROR;
         u_init(&status);
         LeaksCounter::setTerm(u"Objects alive", u"Живые объекты");

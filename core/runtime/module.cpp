@@ -78,22 +78,35 @@ void SCOM_Module::registerClass(const GUID& clsid, SCOM_Process* process) const 
     if (record->getFactory(*record, IClassFactory::IID, &factory) != kOk)
         return;
     const auto held = InterfacePtr<IClassFactory>::adopt(static_cast<IClassFactory*>(factory));
-    process->registerClass(clsid, held.get(), entry->threading, entry->attributes);
-    if (record->service != nullptr)
+    process->registerModuleClass(*this, clsid, held.get(), entry->threading, entry->attributes);
+    if (record->service == nullptr)
+        return;
+    try {
         process->registerService(*record->service, clsid);
+    } catch (...) {
+        revokeClass(clsid, process);
+        throw;
+    }
 }
 
 void SCOM_Module::revokeClass(const GUID& clsid, SCOM_Process* process) const {
-    process->revokeClass(clsid);
+    process->revokeModuleClass(*this, clsid);
 }
 
 void SCOM_Module::registerAll(SCOM_Process* process) const {
-    for (const ClassEntry* entry = entries_; entry != nullptr; entry = entry->next)
-        registerClass(*entry->record.clsid, process);
+    const ClassEntry* entry = entries_;
+    try {
+        for (; entry != nullptr; entry = entry->next)
+            registerClass(*entry->record.clsid, process);
+    } catch (...) {
+        for (const ClassEntry* done = entries_; done != entry; done = done->next)
+            revokeClass(*done->record.clsid, process);
+        throw;
+    }
 }
 
 void SCOM_Module::revokeAll(SCOM_Process* process) const {
-    process->revokeResources(&bundle_);
+    process->revokeModuleResources(*this, &bundle_);
     for (const ClassEntry* entry = entries_; entry != nullptr; entry = entry->next)
         revokeClass(*entry->record.clsid, process);
 }

@@ -1,27 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/thread_slots.h"
 
+#include <core/runtime/errors.h>
 #include <core/runtime/process.h>
 
 namespace core {
 
 constinit detail::ThreadSlots detail::thread_slots;
 
-using detail::thread_slots;
-
-SCOM_Process* current_process() noexcept {
-    return static_cast<SCOM_Process*>(thread_slots.process.get());
+SCOM_Process& require_process() {
+    SCOM_Process* const process = current_process();
+    if (process == nullptr)
+        throw_error<ProcessException>(messages::kNoProcess);
+    return *process;
 }
 
-SCOM_ProcessData* current_process_data() noexcept {
-    return static_cast<SCOM_ProcessData*>(thread_slots.data.get());
-}
-
-SCOM_Process* adopt_thread(SCOM_Process* process) noexcept {
-    SCOM_Process* const before = current_process();
-    thread_slots.process.set(process);
-    thread_slots.data.set(process != nullptr ? process->data() : nullptr);
-    return before;
+void detail::no_service(const GUID& iid) {
+    throw_error<ProcessException>(messages::kNoService, {to_string(iid)});
 }
 
 const Settings& current_settings() noexcept {

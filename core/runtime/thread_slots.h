@@ -3,34 +3,35 @@
 
 #include <pthread.h>
 
-#include <array>
 #include <atomic>
-#include <cstddef>
 
 namespace core::detail {
 
 /// One value a thread, null until set; exists between allocate() and free(). Reading a slot that does not
-/// exist gives null, setting it does nothing.
+/// exist gives null.
 class ThreadSlot {
   public:
-    void allocate() noexcept {
+    /// Makes the slot. `ended` takes what a thread that ends has left in it. False when the system has no
+    /// slot to give.
+    [[nodiscard]] bool allocate(void (*ended)(void* value) = nullptr) noexcept {
         pthread_key_t key = 0;
-        if (!allocated_ && pthread_key_create(&key, nullptr) == 0) {
-            key_ = key;
-            allocated_.store(true, std::memory_order_release);
-        }
+        if (allocated_)
+            return true;
+        if (pthread_key_create(&key, ended) != 0)
+            return false;
+        key_ = key;
+        allocated_.store(true, std::memory_order_release);
+        return true;
     }
+    /// Ends the slot; what threads have left in it stays theirs.
     void free() noexcept {
         if (allocated_.exchange(false))
             pthread_key_delete(key_);
     }
-    [[nodiscard]] void* get() const noexcept {
-        return allocated_.load(std::memory_order_acquire) ? pthread_getspecific(key_) : nullptr;
-    }
-    void set(const void* value) noexcept {
-        if (allocated_.load(std::memory_order_acquire))
-            pthread_setspecific(key_, value);
-    }
+    [[nodiscard]] bool allocated() const noexcept { return allocated_.load(std::memory_order_acquire); }
+    [[nodiscard]] void* get() const noexcept { return allocated() ? pthread_getspecific(key_) : nullptr; }
+    /// Sets the value of the calling thread; false when there is no slot, or no memory for it.
+    bool set(const void* value) noexcept { return allocated() && pthread_setspecific(key_, value) == 0; }
 
   private:
     std::atomic<bool> allocated_{false};
@@ -40,8 +41,8 @@ class ThreadSlot {
 /// The library's slots, in the order of their allocation.
 struct ThreadSlots {
     ThreadSlot locale;  // the thread's own resource locale, a Locale kept by the thread
-    ThreadSlot process; // the process that has adopted the thread, borrowed
-    ThreadSlot data;    // that process's data, borrowed, so that reading a setting costs one look-up
+    ThreadSlot process; // the processes that have adopted the thread, an AdoptedThread
+    ThreadSlot thread;  // the library's Thread whose function runs here, borrowed; null on every other thread
 };
 
 extern ThreadSlots thread_slots;

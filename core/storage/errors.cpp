@@ -26,13 +26,20 @@ const char* message_id(StorageException::Kind kind) noexcept {
 } // namespace
 
 StorageException::StorageException(Kind kind, const wstring& url, IExceptionObject* cause)
-    : BasicException(message_text(message_id(kind)) + u" '" + url + u"'", cause), kind_(kind), url_(url) {}
+    : BasicException(message_text(message_id(kind)) + u" '" + url + u"'", cause), kind_(kind), url_(url) {
+    setMessage(message_id(kind), {&url, 1});
+}
 
-HexConvExc::HexConvExc() : ConverterException(message_text(messages::kStorageHexNumber)) {}
+HexConvExc::HexConvExc() : ConverterException(message_text(messages::kStorageHexNumber)) {
+    setMessage(messages::kStorageHexNumber, {});
+}
 
 ChainInFileExc::ChainInFileExc(std::uint64_t address)
     : StorageException(Kind::badFormat, wstring(),
                        message_text(messages::kStorageChain, {string_intto(address)})),
-      address_(address) {}
+      address_(address) {
+    const wstring where = string_intto(address);
+    setMessage(messages::kStorageChain, {&where, 1});
+}
 
 } // namespace core

@@ -8,7 +8,8 @@ namespace core {
 /// Throws StorageException with the text stored under `id`, whose {0} is the URL of the container or inner
 /// file concerned. The failure has Kind::none.
 [[noreturn]] inline void throw_storage_error(const char* id, const wstring& url) {
-    throw StorageException(StorageException::Kind::none, url, message_text(id, {url}));
+    throw_with_message(StorageException(StorageException::Kind::none, url, message_text(id, {url})), id,
+                       {url});
 }
 
 } // namespace core

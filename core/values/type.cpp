@@ -22,8 +22,7 @@ IType* primitive(Type::Code code) noexcept {
 /// Asks the type service for `key`, which is an id or a name.
 template <class Key>
 IType* registered(const Key& key, const wstring& keyText) {
-    auto* const service = get_service<ITypeValueService>();
-    IType* const type = service != nullptr ? service->findType(key) : nullptr;
+    IType* const type = require_service<ITypeValueService>().findType(key);
     if (type == nullptr)
         throw_error<TypeException>(messages::kTypeNotDefined, {keyText});
     return type;

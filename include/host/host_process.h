@@ -5,15 +5,20 @@
 #include <core/runtime/module.h>
 #include <core/runtime/process.h>
 
-#include <mutex>
-#include <unordered_map>
+#include <memory>
+#include <optional>
 
 namespace host {
 
+namespace detail {
+class ClassTable;
+class ServiceTable;
+} // namespace detail
+
 /// The reference process object: keeps factories and services in tables, and its settings.
 ///
-/// Use it through HostProcess, which also attaches the library. Every thread that has adopted the process may
-/// create objects and ask for services; only the thread that made it registers and revokes.
+/// Use it through HostProcess, which also attaches the library. All operations may be called on any thread,
+/// at the same time; creating objects and finding services take no lock.
 class ProcessObject : public core::SCOM_Process {
   public:
     /// What QueryInterface() answers.
@@ -21,63 +26,87 @@ class ProcessObject : public core::SCOM_Process {
 
     /// Makes a process without classes and services, with a copy of `settings`.
     explicit ProcessObject(const core::Settings& settings);
+    ProcessObject(const ProcessObject&) = delete;
+    ProcessObject& operator=(const ProcessObject&) = delete;
 
     // SCOM_Process
 
-    /// Keeps a reference to the factory of a class, in place of an earlier one.
+    /// Keeps a reference to the factory of a class of the program, in place of an earlier one. Throws
+    /// ProcessException (kClassClaimed) for a class of a module.
     void registerClass(const core::GUID& clsid, core::IClassFactory* factory, std::int32_t threading,
                        std::int32_t attributes) override;
-    /// Lets go of the factory of a class; an unknown class is ignored.
+    /// Lets go of the factory of a class, of any owner, and of its services. An unknown class is ignored.
     void revokeClass(const core::GUID& clsid) override;
     /// Returns a new object of a class; null for an unknown class. Throws what the factory throws.
     core::InterfacePtr<core::IUnknown> createInstance(const core::GUID& clsid) override;
-    /// Offers an object of the class `clsid` as the service `iid`; it is made when it is first asked for.
+    /// Offers an object of the class `clsid` as the service `iid`; it is made when it is first asked for. The
+    /// owner of the class owns the service. Throws ProcessException (kServiceClaimed) for a service of
+    /// another owner.
     void registerService(const core::GUID& iid, const core::GUID& clsid) override;
-    /// Closes what the bundle of a module has opened.
+    /// Lets go of the services of the modules whose messages come from `bundle`.
     void revokeResources(core::SCOM_ResourceBundle* bundle) override;
     /// Returns the settings and the data of the process, borrowed as long as it lives.
     core::SCOM_ProcessData* data() noexcept override { return data_.get(); }
+    /// Returns a service or null, as SCOM_Process says. The first of several threads that ask makes it, in
+    /// this process, and the others wait. Throws ProcessException (kServiceCircle) for a service that would
+    /// wait for itself.
+    void* service(const core::GUID& iid) override;
+    /// Lets go of a service, of any owner.
+    void revokeService(const core::GUID& iid) override;
+    /// Keeps a reference to the factory of a class of `owner`, in place of an earlier one of the same owner.
+    /// Throws ProcessException (kClassClaimed) for a class of another owner.
+    void registerModuleClass(const core::SCOM_Module& owner, const core::GUID& clsid,
+                             core::IClassFactory* factory, std::int32_t threading,
+                             std::int32_t attributes) override;
+    /// Lets go of the factory of a class of `owner` and of its services; any other class is ignored.
+    void revokeModuleClass(const core::SCOM_Module& owner, const core::GUID& clsid) override;
+    /// Lets go of the services of `owner`.
+    void revokeModuleResources(const core::SCOM_Module& owner, core::SCOM_ResourceBundle* bundle) override;
 
-    /// Offers an object as the service `iid` and keeps a reference to it.
+    /// Offers an object as the service `iid`, in place of any other, and keeps a reference to it. Throws
+    /// ProcessException (kNoService) when the object does not have the interface.
     void offerService(const core::GUID& iid, core::IUnknown* object);
     /// Sets `out` to the service `iid` with a reference, made on first use; returns kNoInterface if none is
-    /// offered.
+    /// offered, and when making it throws.
     core::HRESULT queryOther(const core::GUID& iid, void** out) noexcept;
     /// What a class was registered with.
     struct Registration {
         core::InterfacePtr<core::IClassFactory> factory; ///< null for an unknown class
         std::int32_t threading = 0;                      ///< the first attribute
         std::int32_t attributes = 0;                     ///< the second attribute
+        const core::SCOM_Module* owner = nullptr; ///< the module that declared it; null for the program
     };
     /// Returns what a class was registered with.
     [[nodiscard]] Registration registration(const core::GUID& clsid) const;
-    /// Lets go of all services.
+    /// Lets go of all services, the last one made first.
     void releaseServices() noexcept;
+    /// Lets go of the factories of revoked classes. False, keeping them, while any thread creates an object:
+    /// the code of a module may then still run.
+    bool settle() noexcept;
+
+  protected:
+    ~ProcessObject();
 
   private:
-    struct Service {
-        core::GUID clsid;
-        core::InterfacePtr<core::IUnknown> object; // null until it is first asked for
-    };
-
-    mutable std::recursive_mutex lock_; // a service may ask for another while it is made
-    std::unordered_map<core::GUID, Registration> classes_;
-    std::unordered_map<core::GUID, Service> services_;
     core::SCOM_ProcessDataPtr data_;
+    std::unique_ptr<detail::ClassTable> classes_;
+    std::unique_ptr<detail::ServiceTable> services_;
 };
 
 /// A running process: attaches the library, registers the classes of every module, and adopts the calling
-/// thread. It ends on the thread that started it, and all objects made in it must be gone by then.
+/// thread. Several processes of one thread end in any order; all objects made in a process must be gone when
+/// it ends.
 class HostProcess {
   public:
-    /// Starts a process with a copy of `settings`. Throws ProcessInitException or std::bad_alloc, and
-    /// TimeZoneException for settings whose time zone, or whose system's, is not known; the thread then stays
-    /// as it was.
+    /// Starts a process with a copy of `settings`. Throws ProcessInitException or std::bad_alloc,
+    /// ProcessException when two modules declare one class or service, and TimeZoneException for settings
+    /// whose time zone, or whose system's, is not known; the thread then stays as it was.
     explicit HostProcess(const core::Settings& settings = {});
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
-    /// Lets go of the services, revokes the classes, detaches the library and gives the thread its process of
-    /// before.
+    /// Lets go of the services, revokes the classes, lets go of the threads and detaches the library. The
+    /// thread that started the process has the one of before. Threads that work in it must have been joined,
+    /// or have left it; one that comes back finds no process.
     ~HostProcess();
 
     /// Returns the process object, borrowed as long as the process lives.
@@ -85,29 +114,22 @@ class HostProcess {
     /// Returns the settings of the process, borrowed as long as it lives.
     [[nodiscard]] core::Settings& settings() noexcept { return object_->data()->settings; }
 
-    /// Offers an object of the program as the service `iid` and keeps a reference to it until the process
-    /// ends.
+    /// Offers an object of the program as the service `iid`, in place of any other, and keeps a reference to
+    /// it until the process ends. Throws ProcessException (kNoService) when the object does not have the
+    /// interface.
     void offerService(const core::GUID& iid, core::IUnknown* object) { object_->offerService(iid, object); }
 
-    /// Makes a process that of the calling thread, as long as it lives. It ends on the same thread.
-    class ThreadScope {
+    /// Makes a process that of the calling thread, as long as the scope lives.
+    class ThreadScope : public core::ProcessScope {
       public:
-        /// Adopts `process`, which must outlive the scope.
-        explicit ThreadScope(const HostProcess& process) noexcept
-            : before_(core::adopt_thread(process.get())) {}
-        ThreadScope(const ThreadScope&) = delete;
-        ThreadScope& operator=(const ThreadScope&) = delete;
-        /// Gives the thread its process of before.
-        ~ThreadScope() { core::adopt_thread(before_); }
-
-      private:
-        core::SCOM_Process* before_;
+        /// Adopts the calling thread into `process`. Throws std::bad_alloc.
+        explicit ThreadScope(const HostProcess& process) : ProcessScope(process.get()) {}
     };
 
   private:
     core::LibraryScope library_;
     core::InterfacePtr<ProcessObject> object_;
-    core::SCOM_Process* before_;
+    std::optional<core::ProcessScope> scope_; // of the thread that started it
 };
 
 } // namespace host

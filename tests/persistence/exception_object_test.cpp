@@ -57,6 +57,7 @@ TEST(ExceptionObject, EveryClassHasItsTwin) {
     expect_twin<LocaleException>();
     expect_twin<NumericException>();
     expect_twin<PivotSourceException>();
+    expect_twin<ProcessException>();
     expect_twin<RemotingException>();
     expect_twin<StorageException>();
     expect_twin<TypeDomainPatternProviderException>();
@@ -166,6 +167,17 @@ TEST(ExceptionObject, WhatAnExceptionHoldsSurvivesText) {
     EXPECT_EQ(type.error(), -7);
     EXPECT_EQ(type.type(), TypeException::kClassId);
     EXPECT_EQ(through_text(LocaleException(u"plain")).description(), u"plain");
+    EXPECT_STREQ(numeric.messageId(), messages::kDivideByZero);
+    EXPECT_STREQ(storage.messageId(), messages::kStorageBadFormat);
+    EXPECT_STREQ(file.messageId(), "");
+
+    ContextException named(u"named", cause.get());
+    named.setMessage("IDS_X", std::vector<wstring>{u"", u"a \"b\"", u"{0}"});
+    const auto back = through_text(named);
+    EXPECT_STREQ(back.messageId(), "IDS_X");
+    EXPECT_EQ(std::vector<wstring>(back.parameters().begin(), back.parameters().end()),
+              (std::vector<wstring>{u"", u"a \"b\"", u"{0}"}));
+    EXPECT_STREQ(raised<StorageException>(back.cause()).messageId(), messages::kStorageBadFormat);
     const wstring zero(u"a\0b", 3);
     EXPECT_EQ(through_text(Exception(zero)).description(), zero);
     EXPECT_EQ(through_text(ComparatorException(ComparatorException::Error::none, zero)).description(), zero);
@@ -175,13 +187,22 @@ TEST(ExceptionObject, WhatAnExceptionHoldsSurvivesText) {
 TEST(ExceptionObject, TextThatDoesNotFitChangesNothing) {
     const host::HostProcess process;
     const auto object = wrap_exception(NumericException(NumericException::Error::overflow));
-    for (const wchar* const text : {u"", u"{}", u"{\"x\"}", u"{\"x\",1", u"{\"x\",1,}", u"{\"x\",1,2,3}"}) {
+    for (const wchar* const text : {u"", u"{}", u"{\"x\"}", u"{\"x\",1", u"{\"x\",1,}", u"{\"x\",1,2,3}",
+                                    u"{\"x\",1,00000000-0000-0000-0000-000000000000,{}}",
+                                    u"{\"x\",1,00000000-0000-0000-0000-000000000000,{\"IDS_X\",7}}"}) {
         MemoryInStream stream(text);
         ListInStream in(stream);
         ListInStorage storage(in);
         EXPECT_THROW(object.query<IPersistableObject>()->deserialize(&storage), ListStreamException);
         EXPECT_EQ(raised<NumericException>(object.get()).error(), NumericException::Error::overflow);
     }
+    // What versions without message ids have written.
+    const auto old = raised<NumericException>(
+        deserialized(NumericException::kClassId, u"{\"x\",2,f6f167a0-dcc9-49ad-8f8e-2c9d9904e4fe,{\"y\"}}")
+            .get());
+    EXPECT_EQ(old.error(), NumericException::Error::negativePower);
+    EXPECT_STREQ(old.messageId(), "");
+    EXPECT_EQ(raised<Exception>(old.cause()).description(), u"y");
     // A cause of a class that is not known here ends the chain.
     const auto e = raised<Exception>(
         deserialized(Exception::kClassId, u"{\"x\",00000000-0000-0000-0000-00000000abcd,{\"}\",{1}}}").get());

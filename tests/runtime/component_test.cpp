@@ -185,6 +185,7 @@ TEST(UnknownImpl, OwnedObjectsAnswerQueriesButCountNothing) {
 struct Plain : Refcountable<Plain> {
     int value = 7;
 };
+struct PlainDerived : Plain {};
 struct Virtual : Refcountable<Virtual> {
     virtual ~Virtual() = default;
 };
@@ -202,6 +203,42 @@ TEST(Refcount, TheMixinReportsZeroAndLeavesTheRestToItsOwner) {
     EXPECT_EQ(plain.release(), 0);
     EXPECT_EQ(plain.value, 7);
     EXPECT_EQ(Plain::liveCount(), 1);
+}
+
+TEST(Refcount, ACounterThatNobodyHoldsIsExactUnderContention) {
+    std::int32_t count = 0;
+    std::atomic<int> ready = 0;
+    const auto work = [&] {
+        for (++ready; ready < 2;) { // so that they meet
+        }
+        for (int i = 0; i < 1'000'000; ++i) {
+            AtomicCounter::increment(count);
+            AtomicCounter::decrement(count);
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(AtomicCounter::decrement(count), -1);
+    EXPECT_EQ(AtomicCounter::increment(count), 0);
+}
+
+TEST(Refcount, SharedPtrConvertsToItsBaseAndSharesTheCount) {
+    bool gone = false;
+    {
+        SharedPtr<Derived> derived(new Derived(gone));
+        const SharedPtr<Virtual> base(derived);
+        SharedPtr<Virtual> assigned;
+        assigned = derived;
+        derived = SharedPtr<Derived>();
+        EXPECT_EQ(base.get(), assigned.get());
+        EXPECT_FALSE(gone);
+    }
+    EXPECT_TRUE(gone);
+    static_assert(!std::is_convertible_v<SharedPtr<Virtual>, SharedPtr<Derived>>);
+    static_assert(!std::is_convertible_v<SharedPtr<PlainDerived>, SharedPtr<Plain>>,
+                  "a base that would destroy only a part of the object");
 }
 
 TEST(Refcount, SharedPtrDestroysThroughTheVirtualDestructorWithTheLastHolder) {

@@ -194,7 +194,7 @@ TEST(Registry, AThreadHasTheProcessThatAdoptedIt) {
     EXPECT_EQ(current_process(), nullptr);
     EXPECT_EQ(current_process_data(), nullptr);
     EXPECT_EQ(get_service<IGreeter>(), nullptr);
-    EXPECT_EQ(adopt_thread(nullptr), nullptr);
+    EXPECT_THROW(static_cast<void>(create_object<IGreeter>(kGreeterClass)), ProcessException);
     Settings settings;
     settings.part<DateSettings>().firstDayOfWeek = 7;
     const host::HostProcess process(settings);
@@ -295,6 +295,31 @@ TEST(Exceptions, CarryTheirTextsCausesAndIds) {
     EXPECT_THROW(throw_error<TypeException>("IDS_NO_SUCH_TEXT"), Exception);
 }
 
+TEST(Exceptions, CarryWhatTheirMessagesWereMadeFrom) {
+    const auto caught = [] {
+        try {
+            throw_error<TypeException>("IDS_FILE_READ", {u"a", u"b c"});
+        } catch (const Exception& e) { // a copy of the part that all failures have
+            return e;
+        }
+    };
+    Exception e = caught();
+    EXPECT_EQ(e.description(), message_text("IDS_FILE_READ", {u"a", u"b c"}));
+    EXPECT_STREQ(e.messageId(), "IDS_FILE_READ");
+    const std::vector<wstring> parameters(e.parameters().begin(), e.parameters().end());
+    EXPECT_EQ(parameters, (std::vector<wstring>{u"a", u"b c"}));
+    const Exception copy = e;
+    e.setMessage("IDS_OTHER", {}); // of this one alone
+    EXPECT_STREQ(e.messageId(), "IDS_OTHER");
+    EXPECT_TRUE(e.parameters().empty());
+    EXPECT_STREQ(copy.messageId(), "IDS_FILE_READ");
+    EXPECT_EQ(copy.parameters().size(), 2U);
+    e = Exception(u"own text");
+    EXPECT_STREQ(e.messageId(), "");
+    e.setMessage(nullptr, {});
+    EXPECT_STREQ(e.messageId(), "");
+}
+
 TEST(Exceptions, EveryKindOfFailureHasItsOwnMessage) {
     std::set<wstring> texts;
     using Error = NumericException::Error;
@@ -306,6 +331,7 @@ TEST(Exceptions, EveryKindOfFailureHasItsOwnMessage) {
         texts.insert(e.description());
     }
     EXPECT_STREQ(NumericException(u"own text").messageId(), "");
+    EXPECT_STREQ(NumericException(Error::none).messageId(), "");
     EXPECT_EQ(NumericException(Error::none).description(), u"");
     using Kind = StorageException::Kind;
     const wstring url = u"lumstg://c:/1/";
@@ -314,6 +340,8 @@ TEST(Exceptions, EveryKindOfFailureHasItsOwnMessage) {
         EXPECT_EQ(e.kind(), kind);
         EXPECT_TRUE(e.description().ends_with(u" '" + url + u"'"));
         EXPECT_FALSE(e.description().starts_with(u"IDS_"));
+        EXPECT_TRUE(e.description().starts_with(message_text(e.messageId())));
+        EXPECT_EQ(e.parameters()[0], url);
         texts.insert(e.description());
     }
     EXPECT_EQ(StorageException(Kind::none, url).description(), u" '" + url + u"'");

@@ -44,8 +44,6 @@ class CORE_API NumericException : public BasicException<NumericException> {
         : BasicException(description, cause), error_(error) {}
     /// Returns what went wrong.
     [[nodiscard]] Error error() const noexcept { return error_; }
-    /// Returns the message id of the error, valid for the whole program; an empty text for `none`.
-    [[nodiscard]] const char* messageId() const noexcept;
 
   private:
     template <class>

@@ -32,6 +32,8 @@ class CORE_API ListInStorage final : public IUnknownImpl<ListInStorage, IInPersi
     StoredFailure getFailure(std::span<FailureField> fields) override;
 
   private:
+    void getMessage(StoredFailure& stored);
+
     ListInStream& stream_;
     Nesting nesting_;
 };

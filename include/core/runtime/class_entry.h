@@ -32,6 +32,12 @@ struct ClassEntry {
     ClassEntry* next = nullptr;  ///< the entry declared before, null for the first
 };
 
+/// What the registration of a class passes on, as ClassEntry says.
+struct ClassAttributes {
+    std::int32_t threading = 0;  ///< 0: objects may be made and used on any thread, one thread at a time
+    std::int32_t attributes = 0; ///< no bit has a meaning yet; a process may give them one
+};
+
 /// The head of the calling module's list. Each module (a shared library or a program) has its own.
 [[gnu::visibility("hidden")]] inline constinit ClassEntry* module_class_entries = nullptr;
 
@@ -83,14 +89,21 @@ constexpr ClassRecord class_record(const GUID& clsid, const char* name, bool scr
 template <class T, const GUID* clsid, bool scriptClass = false>
 class SCOM_ClassEntryInit {
   public:
-    /// Declares the class under `name`, which reports show, and as the service `service`, if that is not
-    /// null. Both are kept by address.
-    explicit SCOM_ClassEntryInit(const char* name, const GUID* service = nullptr) noexcept {
-        entry_.record = detail::class_record<T>(*clsid, name, scriptClass, service);
-        declare_class(entry_);
-    }
+    /// Declares the class under `name`, which reports show, to be registered with `attributes`. The name is
+    /// kept by address.
+    explicit SCOM_ClassEntryInit(const char* name, ClassAttributes attributes = {}) noexcept
+        : SCOM_ClassEntryInit(name, attributes, nullptr) {}
     SCOM_ClassEntryInit(const SCOM_ClassEntryInit&) = delete;
     SCOM_ClassEntryInit& operator=(const SCOM_ClassEntryInit&) = delete;
+
+  protected:
+    /// Declares the class and, if `service` is not null, offers it as that service. Both are kept by address.
+    SCOM_ClassEntryInit(const char* name, ClassAttributes attributes, const GUID* service) noexcept {
+        entry_.record = detail::class_record<T>(*clsid, name, scriptClass, service);
+        entry_.threading = attributes.threading;
+        entry_.attributes = attributes.attributes;
+        declare_class(entry_);
+    }
 
   private:
     ClassEntry entry_;
@@ -104,8 +117,10 @@ using SCOM_Class = SCOM_ClassEntryInit<T, clsid, scriptClass>;
 template <class Impl, const GUID* clsid, const GUID* iid>
 class SCOM_ServiceEntryInit : public SCOM_ClassEntryInit<Impl, clsid> {
   public:
-    /// Declares the class and its service under `name`, which reports show; it is kept by address.
-    explicit SCOM_ServiceEntryInit(const char* name) noexcept : SCOM_ClassEntryInit<Impl, clsid>(name, iid) {}
+    /// Declares the class and its service under `name`, which reports show, to be registered with
+    /// `attributes`. The name is kept by address.
+    explicit SCOM_ServiceEntryInit(const char* name, ClassAttributes attributes = {}) noexcept
+        : SCOM_ClassEntryInit<Impl, clsid>(name, attributes, iid) {}
 };
 
 } // namespace core

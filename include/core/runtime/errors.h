@@ -14,10 +14,26 @@ namespace core {
 /// The ids of messages. Each layer's `errors.h` adds its own; message_text() gives the texts.
 namespace messages {
 
+/// Two modules declare one class: the module that has it, the module that wants it, the class.
+inline constexpr const char* kClassClaimed = "IDS_PROCESS_CLASS_CLAIMED";
+/// No process has adopted the thread. No parameters.
+inline constexpr const char* kNoProcess = "IDS_PROCESS_NONE";
+/// The process offers no such service: its interface id.
+inline constexpr const char* kNoService = "IDS_PROCESS_NO_SERVICE";
 /// A process could not be started for lack of memory. No parameters.
 inline constexpr const char* kProcessInit = "IDS_PROCESS_INIT";
+/// What declares a class that no module declares. No parameters.
+inline constexpr const char* kProgram = "IDS_PROCESS_PROGRAM";
+/// A service is asked for by what makes it: the class that implements it.
+inline constexpr const char* kServiceCircle = "IDS_PROCESS_SERVICE_CIRCLE";
+/// Two modules offer one service: the module that has it, the module that wants it, the interface id.
+inline constexpr const char* kServiceClaimed = "IDS_PROCESS_SERVICE_CLAIMED";
 /// A text is longer than an operation can take. No parameters.
 inline constexpr const char* kStringTooLong = "IDS_STRING_TOO_LONG";
+/// The system gives the library no thread-local slots. No parameters.
+inline constexpr const char* kThreadSlots = "IDS_PROCESS_THREAD_SLOTS";
+/// Something was thrown that is not a failure of this library: what is known of it.
+inline constexpr const char* kUnknownFailure = "IDS_UNKNOWN_FAILURE";
 
 } // namespace messages
 
@@ -27,6 +43,15 @@ class CORE_API ProcessInitException : public Exception {
     /// Makes a failure with a copy of `description`. Takes a reference to `cause`, which may be null.
     explicit ProcessInitException(const wstring& description, IExceptionObject* cause = nullptr)
         : Exception(Exception::kClassId, description, cause) {}
+};
+
+/// What a process refuses, and work that needs a process where none is: its messages are kNoProcess,
+/// kClassClaimed, kServiceClaimed, kNoService and kServiceCircle.
+class CORE_API ProcessException : public BasicException<ProcessException> {
+  public:
+    /// The class id of ProcessExceptionObject.
+    static constexpr GUID kClassId = "e4893822-507b-43b2-a1a0-75176936fdf7"_guid;
+    using BasicException::BasicException;
 };
 
 /// An object that could not be made from the given arguments.
@@ -89,6 +114,8 @@ class CORE_API RemotingException : public BasicException<RemotingException> {
 
 /// The error object of Exception.
 using ExceptionObject = IExceptionObjectImpl<Exception>;
+/// The error object of ProcessException.
+using ProcessExceptionObject = IExceptionObjectImpl<ProcessException>;
 /// The error object of CtorException.
 using CtorExceptionObject = IExceptionObjectImpl<CtorException>;
 /// The error object of ConverterException.

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <core/runtime/interface_ptr.h>
+#include <core/runtime/refcount.h>
 
 #include <exception>
 #include <initializer_list>
+#include <span>
 #include <string>
 
 /// How a failure is reported: the base of all exceptions, the counted object that carries one across modules,
@@ -36,8 +38,9 @@ class IExceptionObject : public IUnknown {
 template <class X>
 class IExceptionObjectImpl;
 
-/// The base of every failure that the library throws: a finished message in the user's language, the class id
-/// of the error object that carries such a failure across modules, and the failure that caused it, if any.
+/// The base of every failure that the library throws: a finished message in the user's language, the id and
+/// the parameters that it was made from, the class id of the error object that carries such a failure across
+/// modules, and the failure that caused it, if any.
 ///
 /// Copying adds a reference to the cause, moving hands it over; an assignment that fails changes nothing.
 class CORE_API Exception : public std::exception {
@@ -71,6 +74,16 @@ class CORE_API Exception : public std::exception {
     /// Returns the description in UTF-8, borrowed: valid as long as this exception.
     [[nodiscard]] const char* what() const noexcept override { return what_.c_str(); }
 
+    /// Returns the id of the message that the description was made from, in ASCII, so that a program can tell
+    /// failures of one class apart in any language. Borrowed: valid as long as this exception. Empty for a
+    /// description that was made without one.
+    [[nodiscard]] const char* messageId() const noexcept;
+    /// Returns the texts that the message was filled in with, borrowed: valid as long as this exception.
+    [[nodiscard]] std::span<const wstring> parameters() const noexcept;
+    /// Keeps copies of what the description was made from: the id, of which null counts as empty, and the
+    /// parameters. The description stays. Throws std::bad_alloc; nothing has changed then.
+    void setMessage(const char* id, std::span<const wstring> parameters);
+
   protected:
     /// Makes a failure of a subclass, whose error object has the class id `clsid`.
     Exception(const GUID& clsid, const wstring& description, IExceptionObject* cause);
@@ -78,10 +91,13 @@ class CORE_API Exception : public std::exception {
     Exception(const GUID& clsid, const wchar* description, IExceptionObject* cause);
 
   private:
+    struct Message;
+
     GUID clsid_;
     wstring description_;
     InterfacePtr<IExceptionObject> cause_;
     std::string what_;
+    CountedPtr<Message> message_; // never changed, so copies share it; null without a message id
 };
 
 /// What the exception classes have in common. `Self` is the class itself, whose `kClassId` is the class id of
@@ -103,12 +119,19 @@ class BasicException : public Exception {
 /// parameters.
 [[nodiscard]] CORE_API wstring message_text(const char* id, std::initializer_list<wstring> params = {});
 
-/// Throws `E` with the message stored under `id`, filled in with `params`. The exception takes a reference to
-/// `cause`, which may be null.
+/// Throws `failure` with what its description was made from.
+template <class E>
+[[noreturn]] void throw_with_message(E failure, const char* id, std::initializer_list<wstring> params = {}) {
+    failure.setMessage(id, params);
+    throw failure;
+}
+
+/// Throws `E` with the message stored under `id`, filled in with `params`, and with both for programs to ask.
+/// The exception takes a reference to `cause`, which may be null.
 template <class E>
 [[noreturn]] void throw_error(const char* id, std::initializer_list<wstring> params = {},
                               IExceptionObject* cause = nullptr) {
-    throw E(message_text(id, params), cause);
+    throw_with_message(E(message_text(id, params), cause), id, params);
 }
 
 } // namespace core

@@ -45,6 +45,7 @@ class IExceptionObjectImpl : public IExceptionObject,
         auto fields = fieldsOf(X());
         const StoredFailure stored = storage->getFailure(fields);
         X taken(stored.description, stored.cause.get());
+        taken.setMessage(stored.messageId.c_str(), stored.parameters);
         if constexpr (kHasFields) {
             std::size_t index = 0;
             std::apply([&](auto&... field) { (assign(field, fields[index++]), ...); }, X::fields(taken));
@@ -89,7 +90,11 @@ using SCOM_ExceptionEntry = SCOM_ClassEntryInit<IExceptionObjectImpl<X>, &X::kCl
 
 /// Returns a new error object that holds `e`: how a failure leaves a module. The object is made by the class
 /// id of `e` in the current process. When nothing makes that class, it is an ExceptionObject, which keeps
-/// class id, description and cause. Never null; throws std::bad_alloc.
+/// class id, description, message id and cause. Never null; throws std::bad_alloc.
 [[nodiscard]] CORE_API InterfacePtr<IExceptionObject> wrap_exception(const Exception& e);
+/// Returns a new error object that holds whatever was thrown: what is not an Exception becomes one with the
+/// message kUnknownFailure, whose parameter says what is known of it. Never null; throws std::bad_alloc.
+/// `failure` must not be null.
+[[nodiscard]] CORE_API InterfacePtr<IExceptionObject> wrap_exception(const std::exception_ptr& failure);
 
 } // namespace core

@@ -84,10 +84,10 @@ class SCOM_InternalClass final : public T {
         return result;
     }
     std::uint32_t AddRef() noexcept override {
-        return static_cast<std::uint32_t>(AtomicCounter::increment(count_));
+        return static_cast<std::uint32_t>(detail::HolderCount::acquire(count_));
     }
     std::uint32_t Release() noexcept override {
-        const std::int32_t count = AtomicCounter::decrement(count_);
+        const std::int32_t count = detail::HolderCount::release(count_);
         if (count != 0)
             return static_cast<std::uint32_t>(count);
         if constexpr (std::is_trivially_destructible_v<T>) { // lets go of nothing

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace core {
@@ -14,13 +15,14 @@ namespace core {
 /// Identifies a loaded module to the registry; the address that the system or the program gave it.
 using ModuleHandle = const void*;
 
-/// A module: its table of classes and services, its message texts, and their way into a process.
+/// A module: its table of classes and services, its message texts, and their way into a process. A process
+/// remembers which module a class and its service came from, so what one module revokes is its own.
 ///
 /// Threads: the table is only read after init().
 class CORE_API SCOM_Module {
   public:
-    /// `entries` is the head of the module's list of declarations, `bundle` its message texts;
-    /// both are kept by reference.
+    /// `entries` is the head of the module's list of declarations, `bundle` its message texts; both are kept
+    /// by reference. The module has the name of its bundle.
     SCOM_Module(ClassEntry* const& entries, SCOM_ResourceBundle& bundle) noexcept
         : entries_(entries), bundle_(bundle) {}
     SCOM_Module(const SCOM_Module&) = delete;
@@ -40,18 +42,23 @@ class CORE_API SCOM_Module {
     // registration
     /// Hands the factory of the declared class `clsid` to the process, and its service, if it is one. An
     /// unknown id, a class whose factory cannot be made, or a module without its table changes nothing.
-    /// Throws what the process throws.
+    /// Throws what the process throws, ProcessException (kClassClaimed, kServiceClaimed) for what another
+    /// module has; the process is then unchanged.
     void registerClass(const GUID& clsid, SCOM_Process* process) const;
-    /// Takes the class back from the process.
+    /// Takes the class back from the process. A class of another module stays.
     void revokeClass(const GUID& clsid, SCOM_Process* process) const;
-    /// Hands over every declared class in list order.
+    /// Hands over every declared class in list order. When one is refused, none stays; throws what
+    /// registerClass() throws.
     void registerAll(SCOM_Process* process) const;
-    /// Tells the process that the module's texts go, then revokes every class in list order.
+    /// Tells the process that the module's texts go, then revokes every class in list order. What other
+    /// modules have registered stays.
     void revokeAll(SCOM_Process* process) const;
 
     // inspect
     /// Returns the class table with its closing record, borrowed until cleanup(); empty before initialize().
     [[nodiscard]] std::span<const ClassRecord> classTable() const noexcept { return {table_.get(), size_}; }
+    /// Returns the name that errors call the module by, borrowed from its bundle.
+    [[nodiscard]] const std::string& name() const noexcept { return bundle_.name(); }
     /// Returns the message texts, borrowed from the maker of the module.
     [[nodiscard]] SCOM_ResourceBundle& resourceBundle() const noexcept { return bundle_; }
     /// Returns what init() was given, null before.
@@ -84,7 +91,8 @@ enum class LibraryEvent {
 /// leak registry, gathers the class table and enters the module into the registry; on process detach it
 /// undoes all that in reverse, closing the message texts first. Thread events do nothing. Always true. One
 /// attach is undone by one detach, as often as wanted; most programs leave this to LibraryScope. An attach
-/// that runs out of memory undoes what it did and throws std::bad_alloc. Threads: one call at a time.
+/// that fails undoes what it did and throws: std::bad_alloc, or ProcessInitException (kThreadSlots) when the
+/// system has no slots left. Threads: one call at a time.
 CORE_API bool library_main(ModuleHandle handle, LibraryEvent event);
 
 /// Keeps the library attached while at least one scope lives.

@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <variant>
+#include <vector>
 
 /// Objects that write themselves and are made again from what they wrote, and where they write to. The
 /// storages themselves stand in the layer persistence.
@@ -21,6 +23,8 @@ using FailureField = std::variant<std::int32_t, wstring, GUID>;
 /// What a storage reads of a failure beside its data.
 struct StoredFailure {
     wstring description;                  ///< the message
+    std::string messageId;                ///< what the message was made from; empty if nothing was written
+    std::vector<wstring> parameters;      ///< what the message was filled in with
     InterfacePtr<IExceptionObject> cause; ///< the failure behind it; null if none exists
 };
 
@@ -35,9 +39,9 @@ class IOutPersistenceStorage : public IUnknown {
     /// Returns how deep the body being written stands in other bodies, borrowed: valid as long as the
     /// storage.
     [[nodiscard]] virtual Nesting& nesting() noexcept = 0;
-    /// Writes the body of a failure: the description, `fields` in their order, then the class id and the body
-    /// of the cause when it is a persistable object. Throws what the carrier throws, also when causes stand
-    /// in causes too deeply.
+    /// Writes the body of a failure: the description, `fields` in their order, the null id and the message id
+    /// with its parameters when there is one, then the class id and the body of the cause when it is a
+    /// persistable object. Throws what the carrier throws, also when causes stand in causes too deeply.
     virtual void putFailure(const Exception& failure, std::span<const FailureField> fields) = 0;
 
   protected:
@@ -54,9 +58,10 @@ class IInPersistenceStorage : public IUnknown {
     [[nodiscard]] virtual ListInStream& listStream() noexcept = 0;
     /// Returns how deep the body being read stands in other bodies, borrowed: valid as long as the storage.
     [[nodiscard]] virtual Nesting& nesting() noexcept = 0;
-    /// Reads what putFailure() wrote. Each of `fields` is read as the type that it holds already. A cause of
-    /// a class that the current process does not make ends the chain. Throws what the carrier throws for
-    /// anything else than such a body; `fields` are then partly read.
+    /// Reads what putFailure() wrote, with a message id or, as older versions did, without. Each of `fields`
+    /// is read as the type that it holds already. A cause of a class that the current process does not make
+    /// ends the chain. Throws what the carrier throws for anything else than such a body; `fields` are then
+    /// partly read.
     [[nodiscard]] virtual StoredFailure getFailure(std::span<FailureField> fields) = 0;
 
   protected:

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cassert>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -15,28 +16,49 @@
 /// Shared ownership of plain objects, those without interfaces.
 namespace core {
 
-/// The counting of an object's holders: atomic changes that return the new value. A caller of decrement()
-/// gives back what it holds. Only a holder calls increment(), except for the first one. The counts serve
-/// nothing else.
+/// A signed 32-bit count that any number of threads change: atomic read-modify-writes that return the new
+/// value.
 struct AtomicCounter {
-    /// Adds one holder.
+    /// Adds one and returns the new value.
     static std::int32_t increment(std::int32_t& count) noexcept {
-        const std::int32_t before = std::atomic_ref(count).fetch_add(1, std::memory_order_relaxed);
-        assert(before != std::numeric_limits<std::int32_t>::max());
-        return before + 1;
+        return std::atomic_ref(count).fetch_add(1, std::memory_order_relaxed) + 1;
     }
-
-    /// Takes one holder away. The caller that gets 0 owns the object alone and sees all that other holders
-    /// wrote to it.
+    /// Takes one away and returns the new value. The caller that gets 0 sees all that other threads wrote
+    /// before they took theirs away.
     static std::int32_t decrement(std::int32_t& count) noexcept {
-        // The last holder needs no locked write: nobody else is left who could change the count.
+        return std::atomic_ref(count).fetch_sub(1, std::memory_order_acq_rel) - 1;
+    }
+};
+
+namespace detail {
+
+/// The counting of an object's holders: a caller of release() gives back what it holds, and only a holder
+/// calls acquire(), except for the first one. That is more than AtomicCounter knows, and saves the last
+/// holder the locked write.
+struct HolderCount {
+    /// Adds one holder; returns the new count.
+    static std::int32_t acquire(std::int32_t& count) noexcept {
+        const std::int32_t now = AtomicCounter::increment(count);
+        assert(now != std::numeric_limits<std::int32_t>::min());
+        return now;
+    }
+    /// Takes one holder away; returns the new count. The caller that gets 0 owns the object alone and sees
+    /// all that other holders wrote to it.
+    static std::int32_t release(std::int32_t& count) noexcept {
+        // Nobody else is left who could change the count of a last holder.
         if (std::atomic_ref(count).load(std::memory_order_acquire) == 1) {
             std::atomic_ref(count).store(0, std::memory_order_relaxed);
             return 0;
         }
-        return std::atomic_ref(count).fetch_sub(1, std::memory_order_acq_rel) - 1;
+        return AtomicCounter::decrement(count);
     }
 };
+
+/// A class whose objects may be destroyed through their base `T`.
+template <class U, class T>
+concept DestroysAs = !std::same_as<U, T> && std::convertible_to<U*, T*> && std::has_virtual_destructor_v<T>;
+
+} // namespace detail
 
 /// A base with one count that starts at 0. It deletes nothing: the caller of release() that gets 0 does.
 template <class T, class Counter = AtomicCounter>
@@ -171,11 +193,16 @@ void assign(SmartPtrBase<T, Self, Policy>& target, const std::type_identity_t<Se
     static_cast<Self&>(target) = source;
 }
 
-/// A shared pointer to an object that carries its count.
+/// A shared pointer to an object that carries its count. It converts to one of a base class that destroys the
+/// whole object.
 template <class T, class Policy = IntrinsicRefcount<T>>
 class SharedPtr : public SmartPtrBase<T, SharedPtr<T, Policy>, Policy> {
   public:
     using SmartPtrBase<T, SharedPtr, Policy>::SmartPtrBase;
+    /// Adds one holder to the object of a pointer to a derived class.
+    template <class U>
+    requires detail::DestroysAs<U, T> SharedPtr(const SharedPtr<U>& other)
+    noexcept : SharedPtr(other.get()) {}
 };
 
 /// A shared pointer to an object with the count in front of it.

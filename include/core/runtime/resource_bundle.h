@@ -32,6 +32,8 @@ class CORE_API SCOM_ResourceBundle {
     /// std::bad_alloc.
     [[nodiscard]] std::span<const std::byte> getBinary(const char* id, const Locale& locale);
 
+    /// Returns the name, borrowed: valid as long as the bundle.
+    [[nodiscard]] const std::string& name() const noexcept { return name_; }
     /// Closes the opened bundles; harmless when there are none.
     void cleanup() noexcept;
 

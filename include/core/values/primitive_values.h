@@ -27,12 +27,12 @@ class CORE_API PrimitiveValue : public IValue, public IValueSerialize {
     // A shared object is read by all threads, so not even its count may be written to.
 
     /// AddRef() without a virtual call.
-    std::int32_t acquire() noexcept { return shared() ? 0 : AtomicCounter::increment(count_); }
+    std::int32_t acquire() noexcept { return shared() ? 0 : detail::HolderCount::acquire(count_); }
     /// Release() without a virtual call to count.
     std::int32_t release() noexcept {
         if (shared())
             return 0;
-        const std::int32_t count = AtomicCounter::decrement(count_);
+        const std::int32_t count = detail::HolderCount::release(count_);
         if (count == 0)
             destroy();
         return count;

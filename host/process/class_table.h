@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/process/id_table.h"
+#include "host/process/readers.h"
+
+#include <host/host_process.h>
+
+#include <atomic>
+#include <mutex>
+#include <vector>
+
+namespace host::detail {
+
+/// The classes of a process. Making an object takes no lock; a factory that was taken back is kept until no
+/// thread can be inside of it.
+class ClassTable {
+  public:
+    using Registration = ProcessObject::Registration;
+
+    ClassTable() = default;
+    ClassTable(const ClassTable&) = delete;
+    ClassTable& operator=(const ClassTable&) = delete;
+    ~ClassTable();
+
+    /// Adds a class, or replaces the one that the same owner has added. Throws ProcessException
+    /// (kClassClaimed) for a class of another owner.
+    void add(const core::GUID& clsid, const Registration& registration);
+    /// Takes a class back, if `owner` is null or has added it. Returns whether it did.
+    bool remove(const core::GUID& clsid, const core::SCOM_Module* owner) noexcept;
+    /// Makes an object; null for an unknown class. Throws what the factory throws.
+    [[nodiscard]] core::InterfacePtr<core::IUnknown> make(const core::GUID& clsid);
+    /// Returns what a class was added with.
+    [[nodiscard]] Registration find(const core::GUID& clsid) const;
+    /// Lets go of the factories that were taken back. Returns false, keeping them, while a thread makes an
+    /// object, and without memory.
+    bool settle() noexcept;
+
+  private:
+    struct Class {
+        explicit Class(const core::GUID& clsid) noexcept : id(clsid) {}
+
+        const core::GUID id;
+        std::atomic<core::IClassFactory*> factory{nullptr}; // counted; null for a class that was taken back
+        std::int32_t threading = 0;
+        std::int32_t attributes = 0;
+        const core::SCOM_Module* owner = nullptr;
+    };
+
+    /// Makes `factory`, with its reference, what makes the class, and keeps the one before.
+    void replace(Class& entry, core::IClassFactory* factory) noexcept;
+
+    mutable std::mutex lock_; // of everything except making
+    IdTable<Class> classes_;
+    std::vector<core::InterfacePtr<core::IClassFactory>> retired_;
+    Readers readers_;
+};
+
+/// Returns what errors call a module: its name, or "the program itself" for null.
+[[nodiscard]] core::wstring module_name(const core::SCOM_Module* module);
+
+} // namespace host::detail
