@@ -28,7 +28,8 @@ void ClassTable::add(const GUID& clsid, const Registration& registration) {
                 messages::kClassClaimed,
                 {module_name(entry.owner), module_name(registration.owner), to_string(clsid)});
         // Each class that there is can then be taken back without memory.
-        retired_.reserve(retired_.size() + classes_.entries().size() + 1);
+        if (const std::size_t room = retired_.size() + classes_.entries().size(); retired_.capacity() < room)
+            retired_.reserve(2 * room);
         entry.threading = registration.threading;
         entry.attributes = registration.attributes;
         entry.owner = registration.owner;
@@ -76,6 +77,8 @@ bool ClassTable::settle() noexcept {
     const std::lock_guard guard(lock_);
     if (!readers_.none())
         return false;
+    if (retired_.empty())
+        return true;
     try {
         gone.reserve(retired_.capacity()); // add() counts on the room
     } catch (const std::bad_alloc&) {

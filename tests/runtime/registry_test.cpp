@@ -147,7 +147,9 @@ TEST(Module, EachClassIsRegisteredWithWhatItsOwnDeclarationSays) {
         void revokeClass(const GUID&) override { classes.pop_back(); }
         InterfacePtr<IUnknown> createInstance(const GUID&) override { return {}; }
         void registerService(const GUID&, const GUID&) override {}
-        void revokeResources(SCOM_ResourceBundle*) override {}
+        void revokeResources(SCOM_ResourceBundle*) override {
+            EXPECT_EQ(classes.size(), 2U) << "comes first";
+        }
         SCOM_ProcessData* data() noexcept override { return nullptr; }
     };
     ClassEntry second{.record = detail::class_record<Greeter>(kTwiceClass, "Greeter", false, nullptr),
