@@ -20,6 +20,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <thread>
@@ -222,14 +223,24 @@ std::size_t bytes_in_use() {
 }
 
 TEST(Library, ComesAndGoesAThousandTimes) {
+    TestModule test;
+    test.module.initialize();
     std::size_t before = 0;
     for (int i = 0; i < 1000; ++i) {
         if (i == 10) // what is made once is made by then
             before = bytes_in_use();
+        std::optional<host::HostProcess> first(std::in_place);
         const host::HostProcess process;
+        first.reset();
         ASSERT_EQ(current_process(), process.get()); // the slots have not run out
         ASSERT_FALSE(core_module().classTable().empty());
         ASSERT_EQ(message_text("IDS_NUMERROR_DIVIDEBYZERO"), u"Division by zero.");
+        std::thread([&] {
+            const host::HostProcess::ThreadScope scope(process);
+            test.module.registerAll(process.get());
+            ASSERT_EQ(get_service<IGreeter>()->greet(), 1);
+            test.module.revokeAll(process.get());
+        }).join();
     }
     EXPECT_EQ(bytes_in_use(), before);
     EXPECT_TRUE(core_module().classTable().empty());
