@@ -6,6 +6,7 @@
 #include <core/files/file_system.h>
 #include <core/files/temp_file_service.h>
 #include <core/runtime.h>
+#include <core/runtime/uncaught.h>
 #include <core/values/type.h>
 #include <core/values/type_service.h>
 #include <host/host_process.h>
