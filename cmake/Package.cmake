@@ -17,9 +17,11 @@ install(EXPORT core NAMESPACE core:: FILE coreTargets.cmake DESTINATION ${packag
 
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package/coreConfig.cmake CONTENT
   [[include("${CMAKE_CURRENT_LIST_DIR}/coreTargets.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/CoreModule.cmake")
 ]] @ONLY)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/coreConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/package/coreConfig.cmake ${PROJECT_BINARY_DIR}/package/coreConfigVersion.cmake
+  ${PROJECT_SOURCE_DIR}/cmake/CoreModule.cmake
   DESTINATION ${package_dir})
 
 foreach(name core core-host)

@@ -28,7 +28,7 @@ IType* EnumerationValue::getType() const noexcept {
 }
 
 bool EnumerationValue::getString(wstring& out) const {
-    out = message_text(item_.presentation);
+    out = detail::message_text_of(*enumeration_.info().type.module, item_.presentation);
     return true;
 }
 

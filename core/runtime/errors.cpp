@@ -6,6 +6,7 @@ namespace core {
 namespace {
 
 const SCOM_ExceptionEntry<Exception> kException("ExceptionObject");
+const SCOM_ExceptionEntry<ModuleException> kModuleException("ModuleExceptionObject");
 const SCOM_ExceptionEntry<ProcessException> kProcessException("ProcessExceptionObject");
 const SCOM_ExceptionEntry<CtorException> kCtorException("CtorExceptionObject");
 const SCOM_ExceptionEntry<ConverterException> kConverterException("ConverterExceptionObject");

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/adoption.h"
+#include "core/runtime/program_module.h"
 #include "core/runtime/thread_slots.h"
 
 #include <core/runtime/errors.h>
@@ -18,7 +19,21 @@ SCOM_ResourceBundle& core_bundle() {
     return bundle;
 }
 
+/// What is known of the library as a module; without memory, no more than its name.
+ModuleInfo core_info() noexcept {
+    static const char anchor = 0;
+    ModuleInfo info;
+    info.name = "core"; // short enough to take none
+    try {
+        info.version = CORE_VERSION;
+        info.file = detail::file_of(&anchor).string();
+    } catch (const std::bad_alloc&) {
+    }
+    return info;
+}
+
 void detach() noexcept {
+    detail::end_program_module();
     // Twice on purpose: the texts are closed once for the library and once for its module.
     core_bundle().cleanup();
     core_module().term();
@@ -41,6 +56,7 @@ void attach(ModuleHandle handle) {
         u_init(&status);
         LeaksCounter::setTerm(u"Objects alive", u"Живые объекты");
         core_module().init(handle);
+        detail::begin_program_module();
     } catch (...) {
         detach();
         throw;
@@ -57,7 +73,7 @@ int scopes = 0;
 } // namespace
 
 SCOM_Module& core_module() noexcept {
-    static SCOM_Module module(module_class_entries, core_bundle());
+    static SCOM_Module module(module_class_entries, core_bundle(), core_info());
     return module;
 }
 

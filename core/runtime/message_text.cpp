@@ -26,8 +26,11 @@ wstring fill_in(const wstring& pattern, std::initializer_list<wstring> params) {
 
 } // namespace
 
-wstring message_text(const char* id, std::initializer_list<wstring> params) {
-    const wstring pattern = load_wstring(&core_module().resourceBundle(), id);
+wstring detail::message_text_of(const ModuleAnchor& module, const char* id,
+                                std::initializer_list<wstring> params) {
+    wstring pattern = load_wstring(module.bundle.load(std::memory_order_acquire), id);
+    if (pattern.empty())
+        pattern = load_wstring(&core_module().resourceBundle(), id);
     if (!pattern.empty())
         return params.size() == 0 ? pattern : fill_in(pattern, params);
     wstring text = id != nullptr ? from_utf8(id) : wstring();

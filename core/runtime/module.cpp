@@ -5,6 +5,7 @@
 #include <core/runtime/process.h>
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 
 namespace core {
@@ -20,7 +21,13 @@ Registry& registry() noexcept {
     return *modules;
 }
 
+std::atomic<std::uint32_t> generation{0};
+
 } // namespace
+
+std::uint32_t modules_generation() noexcept {
+    return generation.load(std::memory_order_acquire);
+}
 
 std::vector<SCOM_Module*> registered_modules() {
     Registry& all = registry();
@@ -52,6 +59,7 @@ void SCOM_Module::init(ModuleHandle handle) {
     const std::lock_guard guard(all.lock);
     if (std::ranges::find(all.modules, this) == all.modules.end())
         all.modules.push_back(this);
+    generation.fetch_add(1);
 }
 
 void SCOM_Module::term() noexcept {
@@ -60,6 +68,7 @@ void SCOM_Module::term() noexcept {
         Registry& all = registry();
         const std::lock_guard guard(all.lock);
         std::erase(all.modules, this);
+        generation.fetch_add(1);
     }
     cleanup();
 }
@@ -103,12 +112,19 @@ void SCOM_Module::registerAll(SCOM_Process* process) const {
             revokeClass(*done->record.clsid, process);
         throw;
     }
+    classesChanged();
 }
 
 void SCOM_Module::revokeAll(SCOM_Process* process) const {
     process->revokeModuleResources(*this, &bundle_);
     for (const ClassEntry* entry = entries_; entry != nullptr; entry = entry->next)
         revokeClass(*entry->record.clsid, process);
+    classesChanged();
+}
+
+void SCOM_Module::classesChanged() const noexcept {
+    if (this != &core_module()) // whose classes a process has from its beginning to its end
+        generation.fetch_add(1);
 }
 
 } // namespace core

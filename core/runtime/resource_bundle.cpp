@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/program_module.h"
 #include "core/runtime/thread_locale.h"
 
 #include <core/runtime/resource_bundle.h>
 
-#include <dlfcn.h>
 #include <unicode/ures.h>
 
 #include <filesystem>
@@ -21,12 +21,7 @@ using BundlePtr = std::unique_ptr<UResourceBundle, CloseBundle>;
 /// The folder of the shared object that this code is in.
 std::filesystem::path library_folder() {
     static const char anchor = 0;
-    Dl_info info{};
-    if (dladdr(&anchor, &info) == 0 || info.dli_fname == nullptr)
-        return {};
-    std::error_code error;
-    const auto path = std::filesystem::canonical(info.dli_fname, error);
-    return error ? std::filesystem::path(info.dli_fname).parent_path() : path.parent_path();
+    return detail::file_of(&anchor).parent_path();
 }
 
 } // namespace

@@ -323,13 +323,18 @@ void DateValue::serialize(IOutPersistenceStorage* storage) const {
 
 // Type
 
-TypeValue::TypeValue(const Type& value) noexcept : PrimitiveValue(Life::counted), value_(value) {}
+TypeValue::TypeValue(const Type& value) noexcept : PrimitiveValue(Life::counted), value_(value) {
+    if (value_.isDefined())
+        value_.get()->AddRef(); // the module of the type stays loaded
+}
 
 TypeValue* TypeValue::make(const Type& value) {
     return new (detail::take_counted_block(sizeof(TypeValue), live_counter<TypeValue>)) TypeValue(value);
 }
 
 void TypeValue::destroy() noexcept {
+    if (value_.isDefined())
+        value_.get()->Release();
     destroy_block(this, sizeof(TypeValue));
 }
 

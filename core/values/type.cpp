@@ -52,9 +52,16 @@ Type::Code Type::code() const noexcept {
     return type_ != nullptr ? static_cast<Code>(type_->code()) : object;
 }
 
+HRESULT TypeObject::QueryInterface(const GUID& iid, void** out) noexcept {
+    const HRESULT result = IUnknownImpl::QueryInterface(iid, out);
+    if (result == kOk)
+        AddRef();
+    return result;
+}
+
 wstring TypeObject::presentation() const {
     if (info_.presentation != nullptr)
-        return message_text(info_.presentation);
+        return detail::message_text_of(*info_.module, info_.presentation);
     return term_string(info_.names, Thread::getResourceLocale().isRussian() ? kRussian : kEnglish);
 }
 

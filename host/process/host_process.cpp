@@ -18,6 +18,8 @@ HostProcess::HostProcess(const Settings& settings)
     if (!object_)
         throw_error<ProcessInitException>(messages::kProcessInit);
     for (const SCOM_Module* module : registered_modules()) {
+        if (module->info().leaves) // of another process, which may unload it
+            continue;
         module->registerAll(object_.get());
         // A factory that could not be made is passed over; ours fail for lack of memory alone, and a process
         // without some of its classes would be worse than none.
@@ -33,6 +35,7 @@ HostProcess::~HostProcess() {
     std::optional<ProcessScope> scope;
     try {
         scope.emplace(object_.get());
+        unloadAll();
         const auto modules = registered_modules();
         std::for_each(modules.rbegin(), modules.rend(),
                       [this](const SCOM_Module* module) { module->revokeAll(object_.get()); });

@@ -8,7 +8,11 @@
 #include <core/runtime/exception_object.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/live_counter.h>
+#include <core/runtime/loaded_module.h>
+#include <core/runtime/loaded_module.h>
 #include <core/runtime/module.h>
+#include <core/runtime/module_anchor.h>
+#include <core/runtime/module_contract.h>
 #include <core/runtime/name_guid.h>
 #include <core/runtime/persistable.h>
 #include <core/runtime/process.h>

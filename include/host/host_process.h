@@ -2,11 +2,15 @@
 #pragma once
 
 #include <core/runtime/internal_class.h>
+#include <core/runtime/loaded_module.h>
 #include <core/runtime/module.h>
 #include <core/runtime/process.h>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -119,6 +123,26 @@ class HostProcess {
     /// interface.
     void offerService(const core::GUID& iid, core::IUnknown* object) { object_->offerService(iid, object); }
 
+    // modules
+
+    /// Loads a module: its classes, services, types and enumerations are part of the process from now on, for
+    /// objects that exist, too. Returns it, borrowed until it is unloaded. Throws ModuleException: what
+    /// core::LoadedModule::load() throws, and kModuleTwice for a name that the process has already. Throws
+    /// ProcessException for a class that another module has, and std::bad_alloc. The process is then
+    /// unchanged.
+    ///
+    /// Threads: one thread at a time loads and unloads; others may work in the process meanwhile.
+    const core::SCOM_Module& loadModule(const std::filesystem::path& file);
+    /// Takes the classes of a loaded module back, lets go of its services, and of its file when no other
+    /// process uses it. Throws ModuleException: kModuleNotLoaded; kModuleInUse, which names the classes whose
+    /// objects are alive and the types and enumerations that values hold; kModuleBusy. The module then stays,
+    /// and its services are made again when they are next asked for. The caller sees to it that no thread is
+    /// inside the module's functions, and that nobody keeps what was borrowed from it.
+    void unloadModule(std::string_view name);
+    /// Returns the modules of the process, borrowed until they are unloaded: the library, those that the
+    /// program is made of, and those that were loaded, in that order.
+    [[nodiscard]] std::vector<const core::SCOM_Module*> modules() const;
+
     /// Makes a process that of the calling thread, as long as the scope lives.
     class ThreadScope : public core::ProcessScope {
       public:
@@ -127,8 +151,12 @@ class HostProcess {
     };
 
   private:
+    void settle(std::string_view module) const;
+    void unloadAll() noexcept;
+
     core::LibraryScope library_;
     core::InterfacePtr<ProcessObject> object_;
+    std::vector<core::LoadedModule::Use> loaded_;
     std::optional<core::ProcessScope> scope_; // of the thread that started it
 };
 

@@ -21,21 +21,25 @@ struct LiveCounterAccess {
     }
     static void add(LiveCounter& counter, std::int32_t change, detail::ThreadPart* part) noexcept {
         const std::int32_t at = index(counter);
-        if (part == nullptr || at >= detail::ThreadPart::kMaxCounters) {
-            std::atomic_ref(counter.outside_).fetch_add(change, std::memory_order_relaxed);
-            return;
-        }
+        if (part == nullptr || at >= detail::ThreadPart::kMaxCounters)
+            return addOutside(at, change);
         // Only this thread writes its part, so no locked instruction is needed.
         const std::atomic_ref own(part->live[static_cast<std::size_t>(at)]);
         own.store(own.load(std::memory_order_relaxed) + change, std::memory_order_relaxed);
     }
 
-    /// Enters the counter into the list of all and gives it its index, once.
+    /// Makes the counter's record, once, and returns its index; 0 without memory.
     static std::int32_t join(LiveCounter& counter) noexcept;
-    static std::int32_t count(LiveCounter& counter);
-    static void foldPart(LiveCounter& counter, const detail::ThreadPart& part) noexcept;
-    static const char* rawName(const LiveCounter& counter) noexcept { return counter.type_->name(); }
-    static LiveCounter* next(const LiveCounter& counter) noexcept { return counter.next_; }
+    /// Counts in the record itself.
+    static void addOutside(std::int32_t index, std::int32_t change) noexcept;
+    /// Takes the index from a counter that is still there, so that it makes a new record when it counts
+    /// again.
+    static void leave(LiveCounter& counter) noexcept {
+        std::atomic_ref(counter.index_).store(0, std::memory_order_relaxed);
+    }
+    static std::int32_t indexOrNone(const LiveCounter& counter) noexcept {
+        return std::atomic_ref(const_cast<LiveCounter&>(counter).index_).load(std::memory_order_acquire);
+    }
 };
 
 namespace detail {

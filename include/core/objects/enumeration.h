@@ -7,6 +7,7 @@
 #include <core/runtime/unknown.h>
 #include <core/values/type_object.h>
 
+#include <array>
 #include <optional>
 #include <span>
 
@@ -38,8 +39,9 @@ struct EnumerationInfo {
     std::span<const EnumerationItem> items; ///< the values, borrowed; they live as long as the enumeration
 };
 
-/// A value of an enumeration: the only one of its kind, alive as long as the library, equal to itself alone,
-/// and read back as itself. Threads: safe on all, as it never changes.
+/// A value of an enumeration: the only one of its kind, alive as long as the module that declares it, equal to
+/// itself alone, and read back as itself. References keep that module loaded, and do nothing else. Threads:
+/// safe on all, as it never changes.
 class CORE_API EnumerationValue final : public IValueImpl, public IPersistableObject {
   public:
     using Interfaces = InterfaceList<IValue, IPersistableObject>; ///< what a value answers queries for
@@ -55,10 +57,10 @@ class CORE_API EnumerationValue final : public IValueImpl, public IPersistableOb
 
     /// Answers a query for one of the interfaces.
     HRESULT QueryInterface(const GUID& iid, void** out) noexcept override;
-    /// Counts nothing and returns 1.
-    std::uint32_t AddRef() noexcept override { return 1; }
-    /// Counts nothing and returns 1.
-    std::uint32_t Release() noexcept override { return 1; }
+    /// Counts a holder of the values' type and returns 1.
+    std::uint32_t AddRef() noexcept override { return getType()->AddRef(); }
+    /// Undoes AddRef() and returns 1.
+    std::uint32_t Release() noexcept override { return getType()->Release(); }
     /// Returns the type that the values of the enumeration share.
     IType* getType() const noexcept override;
     /// Stores the value's presentation in the language of the thread and returns true.
@@ -79,7 +81,7 @@ class CORE_API EnumerationValue final : public IValueImpl, public IPersistableOb
 };
 
 /// An enumeration as an object: a context with a read-only property for each of its values, in their order.
-/// Alive as long as the library; safe on all threads.
+/// Alive as long as the module that declares it; safe on all threads.
 class IEnumeration : public IUnknown {
   public:
     static constexpr GUID IID = "3f9a7508-461a-4a59-a507-98bfbe9ab48b"_guid; ///< the interface's id
@@ -110,22 +112,22 @@ class CORE_API Enumeration final : public IValueImpl,
     [[nodiscard]] GenericValue value(std::int32_t number) const;
     /// Returns the number of a value; nothing for a value that is not of this enumeration.
     [[nodiscard]] std::optional<std::int32_t> number(const Value& value) const noexcept;
-    /// Returns the data of the enumeration, borrowed; it lives as long as the library.
+    /// Returns the data of the enumeration, borrowed; it lives as long as the enumeration.
     [[nodiscard]] const EnumerationInfo& info() const noexcept { return info_; }
-    /// Returns what reads the values back, borrowed; it lives as long as the library.
+    /// Returns what reads the values back, borrowed; it lives as long as the enumeration.
     [[nodiscard]] IValueLoader* loader() noexcept { return &loader_; }
 
     /// Answers a query for one of the interfaces.
     HRESULT QueryInterface(const GUID& iid, void** out) noexcept override;
-    /// Counts nothing and returns 1.
-    std::uint32_t AddRef() noexcept override { return 1; }
-    /// Counts nothing and returns 1.
-    std::uint32_t Release() noexcept override { return 1; }
+    /// Counts a holder of the values' type and returns 1.
+    std::uint32_t AddRef() noexcept override { return type_.AddRef(); }
+    /// Undoes AddRef() and returns 1.
+    std::uint32_t Release() noexcept override { return type_.Release(); }
     /// Returns the type that all enumerations share as objects.
     IType* getType() const noexcept override;
     /// Stores the presentation of the values' type and returns true.
     bool getString(wstring& out) const override;
-    /// Returns the type of the values, borrowed; it lives as long as the library.
+    /// Returns the type of the values, borrowed; it lives as long as the enumeration.
     IType* valueType() const noexcept override { return const_cast<TypeObject*>(&type_); }
 
     /// Returns how many values there are.
@@ -170,17 +172,23 @@ template <const EnumerationInfo& info>
 class EnumerationEntry {
   public:
     /// Puts the declarations into the calling module's list; `name` is for reports and kept by address.
-    explicit EnumerationEntry(const char* name) noexcept {
-        entries_[0].record = detail::class_record<ValueType>(info.type.id, name, true, nullptr);
-        entries_[1].record = detail::class_record<Loader>(info.type.valueClass, name, false, nullptr);
-        entries_[2].record = detail::class_record<EnumerationEntry>(info.factory, name, true, nullptr);
+    explicit EnumerationEntry(const char* name) noexcept : entries_(classEntries(name)) {
         for (ClassEntry& entry : entries_)
             declare_class(entry);
     }
     EnumerationEntry(const EnumerationEntry&) = delete;
     EnumerationEntry& operator=(const EnumerationEntry&) = delete;
 
-    /// Returns the enumeration, borrowed; it lives as long as the library.
+    /// Returns the three declarations under a name for reports, which is kept by address. CORE_MODULE lists
+    /// them.
+    [[nodiscard]] static constexpr std::array<ClassEntry, 3>
+    classEntries(const char* name = "Enumeration") noexcept {
+        return {
+            ClassEntry{.record = detail::class_record<ValueType>(info.type.id, name, true, nullptr)},
+            ClassEntry{.record = detail::class_record<Loader>(info.type.valueClass, name, false, nullptr)},
+            ClassEntry{.record = detail::class_record<EnumerationEntry>(info.factory, name, true, nullptr)}};
+    }
+    /// Returns the enumeration, borrowed; it lives as long as the module that declares it.
     [[nodiscard]] static Enumeration* instance() noexcept { return &objects_.enumeration; }
 
   private:
@@ -202,7 +210,7 @@ class EnumerationEntry {
     };
 
     static inline constinit Objects objects_;
-    ClassEntry entries_[3];
+    std::array<ClassEntry, 3> entries_;
 };
 
 /// All enumerations of the process as one context: a read-only property for each, by English name, whose

@@ -16,6 +16,25 @@ namespace messages {
 
 /// Two modules declare one class: the module that has it, the module that wants it, the class.
 inline constexpr const char* kClassClaimed = "IDS_PROCESS_CLASS_CLAIMED";
+/// A file could not be loaded as a module: the file, what the system says.
+inline constexpr const char* kModuleNotLoadable = "IDS_MODULE_NOT_LOADABLE";
+/// A module was built for another interface of the library: the file, the version that it was built for, the
+/// version that is here.
+inline constexpr const char* kModuleInterface = "IDS_MODULE_INTERFACE";
+/// A module cannot be unloaded while a thread makes an object: its name.
+inline constexpr const char* kModuleBusy = "IDS_MODULE_BUSY";
+/// A module cannot be unloaded while its objects live: its name, the classes with their counts.
+inline constexpr const char* kModuleInUse = "IDS_MODULE_IN_USE";
+/// The file of a module was not found: the file, what the system says.
+inline constexpr const char* kModuleMissing = "IDS_MODULE_MISSING";
+/// A module has a name that cannot be that of a folder: the file, the name.
+inline constexpr const char* kModuleName = "IDS_MODULE_NAME";
+/// A library declares no module: the file.
+inline constexpr const char* kModuleNone = "IDS_MODULE_NONE";
+/// The process has no module of that name, or it cannot be unloaded: the name.
+inline constexpr const char* kModuleNotLoaded = "IDS_MODULE_NOT_LOADED";
+/// The process has a module of that name already: the name, the file that it is from.
+inline constexpr const char* kModuleTwice = "IDS_MODULE_TWICE";
 /// No process has adopted the thread. No parameters.
 inline constexpr const char* kNoProcess = "IDS_PROCESS_NONE";
 /// The process offers no such service: its interface id.
@@ -43,6 +62,14 @@ class CORE_API ProcessInitException : public Exception {
     /// Makes a failure with a copy of `description`. Takes a reference to `cause`, which may be null.
     explicit ProcessInitException(const wstring& description, IExceptionObject* cause = nullptr)
         : Exception(Exception::kClassId, description, cause) {}
+};
+
+/// A module that could not be loaded or unloaded.
+class CORE_API ModuleException : public BasicException<ModuleException> {
+  public:
+    /// The class id of ModuleExceptionObject.
+    static constexpr GUID kClassId = "3957203a-9c6e-4b91-8ea5-b5c02a97a319"_guid;
+    using BasicException::BasicException;
 };
 
 /// What a process refuses, and work that needs a process where none is: its messages are kNoProcess,
@@ -114,6 +141,8 @@ class CORE_API RemotingException : public BasicException<RemotingException> {
 
 /// The error object of Exception.
 using ExceptionObject = IExceptionObjectImpl<Exception>;
+/// The error object of ModuleException.
+using ModuleExceptionObject = IExceptionObjectImpl<ModuleException>;
 /// The error object of ProcessException.
 using ProcessExceptionObject = IExceptionObjectImpl<ProcessException>;
 /// The error object of CtorException.

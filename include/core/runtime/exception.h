@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/runtime/interface_ptr.h>
+#include <core/runtime/module_anchor.h>
 #include <core/runtime/refcount.h>
 
 #include <exception>
@@ -114,10 +115,21 @@ class BasicException : public Exception {
         : Exception(Self::kClassId, description, cause) {}
 };
 
+namespace detail {
+
+/// message_text() for the code of a module.
+[[nodiscard]] CORE_API wstring message_text_of(const ModuleAnchor& module, const char* id,
+                                               std::initializer_list<wstring> params = {});
+
+} // namespace detail
+
 /// Returns the message stored under a message id ("IDS_..."), in the calling thread's resource locale, with
-/// {0}, {1}, ... replaced by `params`. Without a bundle, and for an unknown id, it is the id followed by the
-/// parameters.
-[[nodiscard]] CORE_API wstring message_text(const char* id, std::initializer_list<wstring> params = {});
+/// {0}, {1}, ... replaced by `params`. It comes from the texts of the calling module, or else from those of
+/// the library. For an id that neither has, it is the id followed by the parameters.
+[[nodiscard, gnu::visibility("hidden")]] inline wstring
+message_text(const char* id, std::initializer_list<wstring> params = {}) {
+    return detail::message_text_of(module_anchor, id, params);
+}
 
 /// Throws `failure` with what its description was made from.
 template <class E>
@@ -129,7 +141,8 @@ template <class E>
 /// Throws `E` with the message stored under `id`, filled in with `params`, and with both for programs to ask.
 /// The exception takes a reference to `cause`, which may be null.
 template <class E>
-[[noreturn]] void throw_error(const char* id, std::initializer_list<wstring> params = {},
+[[noreturn, gnu::visibility("hidden")]] void
+throw_error(const char* id, std::initializer_list<wstring> params = {},
                               IExceptionObject* cause = nullptr) {
     throw_with_message(E(message_text(id, params), cause), id, params);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/runtime/api.h>
+#include <core/runtime/module_anchor.h>
 #include <core/runtime/types.h>
 
 #include <cstddef>
@@ -14,16 +15,23 @@
 
 namespace core {
 
-/// How many objects of one class are alive, over all threads. Counters only report; nothing
-/// refuses work because of them. They live for the whole program, and join one library-wide list
-/// when their first object is made.
+/// How many objects of one class are alive, over all threads. Counters report, and a module whose objects are
+/// alive is not unloaded. A counter lives as long as the module that it is compiled into. The library has a
+/// record of its own for each, made with the first object, which holds the count and a copy of the name: no
+/// report and no ending thread reads the memory of a module that may have gone.
 ///
 /// A count is kept in parts, one for each thread, so that threads making objects of one class do not share a
 /// cache line.
 class CORE_API LiveCounter {
   public:
-    /// Makes a counter of zero, which reports under the name of `type`.
-    constexpr explicit LiveCounter(const std::type_info& type) noexcept : type_(&type) {}
+    /// Makes a counter of zero, which reports under the name of `type`. `module` is the module whose code
+    /// the objects run, by default the caller's.
+    constexpr explicit LiveCounter(const std::type_info& type,
+                                   const ModuleAnchor& module = module_anchor) noexcept
+        : type_(&type), module_(&module) {}
+    /// Makes a counter of zero, which reports under `name`, a text that lives as long as the module.
+    constexpr LiveCounter(const wchar* name, const ModuleAnchor& module) noexcept
+        : name_(name), module_(&module) {}
     LiveCounter(const LiveCounter&) = delete;
     LiveCounter& operator=(const LiveCounter&) = delete;
 
@@ -39,10 +47,10 @@ class CORE_API LiveCounter {
 
     void add(std::int32_t change) noexcept;
 
-    const std::type_info* type_;
-    std::int32_t index_ = 0; // this counter's index in every thread's part; 0 until the first object is made
-    std::int32_t outside_ = 0; // what no thread's part holds; changed atomically
-    LiveCounter* next_ = nullptr;
+    const std::type_info* type_ = nullptr; // what it reports under: this, or the name
+    const wchar* name_ = nullptr;
+    const ModuleAnchor* module_;
+    std::int32_t index_ = 0; // of the record and in every thread's part; 0 until the first object is made
 };
 
 namespace detail {
@@ -108,6 +116,17 @@ struct LiveClass {
 /// Returns the classes with living objects and the entries that are still registered, in the order of their
 /// names; empty when everything is gone. Throws std::bad_alloc.
 [[nodiscard]] CORE_API std::vector<LiveClass> live_report();
+/// Returns the classes of one module that have living objects, in the order of their names. Throws
+/// std::bad_alloc.
+[[nodiscard]] CORE_API std::vector<LiveClass> live_report(const ModuleAnchor& module);
+
+namespace detail {
+
+/// Gives back the records of the counters of a module without living objects, when the system has let go of
+/// it. `gone` says that its memory is no longer there; a module that stays can count again.
+CORE_API void forget_live_counters(const ModuleAnchor& module, bool gone) noexcept;
+
+} // namespace detail
 
 /// Returns the two texts that LeaksCounter::setTerm() recorded last, English and Russian.
 [[nodiscard]] CORE_API std::pair<wstring, wstring> leaks_term();

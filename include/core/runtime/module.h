@@ -2,15 +2,27 @@
 #pragma once
 
 #include <core/runtime/class_entry.h>
+#include <core/runtime/module_contract.h>
 #include <core/runtime/process.h>
 #include <core/runtime/resource_bundle.h>
 
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace core {
+
+/// What is known of a module, for people.
+struct ModuleInfo {
+    std::string name;    ///< what it is called; empty for a module that declares nothing of itself
+    std::string version; ///< its own version, in whatever form its author gives it
+    std::string file;    ///< the path of its file in UTF-8; empty where that is not known
+    /// The interface of the library that it was built for.
+    std::uint32_t interfaceVersion = kInterfaceVersion;
+    bool leaves = false; ///< whether it can be unloaded: only the processes that loaded it have its classes
+};
 
 /// Identifies a loaded module to the registry; the address that the system or the program gave it.
 using ModuleHandle = const void*;
@@ -21,10 +33,10 @@ using ModuleHandle = const void*;
 /// Threads: the table is only read after init().
 class CORE_API SCOM_Module {
   public:
-    /// `entries` is the head of the module's list of declarations, `bundle` its message texts; both are kept
-    /// by reference. The module has the name of its bundle.
-    SCOM_Module(ClassEntry* const& entries, SCOM_ResourceBundle& bundle) noexcept
-        : entries_(entries), bundle_(bundle) {}
+    /// `entries` is the head of the module's list of declarations, `bundle` its message texts;
+    /// both are kept by reference. `info` says what module that is.
+    SCOM_Module(ClassEntry* const& entries, SCOM_ResourceBundle& bundle, ModuleInfo info = {}) noexcept
+        : entries_(entries), bundle_(bundle), info_(std::move(info)) {}
     SCOM_Module(const SCOM_Module&) = delete;
     SCOM_Module& operator=(const SCOM_Module&) = delete;
     ~SCOM_Module() { term(); }
@@ -57,24 +69,35 @@ class CORE_API SCOM_Module {
     // inspect
     /// Returns the class table with its closing record, borrowed until cleanup(); empty before initialize().
     [[nodiscard]] std::span<const ClassRecord> classTable() const noexcept { return {table_.get(), size_}; }
-    /// Returns the name that errors call the module by, borrowed from its bundle.
-    [[nodiscard]] const std::string& name() const noexcept { return bundle_.name(); }
+    /// Returns the name that errors call the module by: its own, or that of its bundle where it has none.
+    /// Borrowed as long as the module lives.
+    [[nodiscard]] const std::string& name() const noexcept {
+        return info_.name.empty() ? bundle_.name() : info_.name;
+    }
     /// Returns the message texts, borrowed from the maker of the module.
     [[nodiscard]] SCOM_ResourceBundle& resourceBundle() const noexcept { return bundle_; }
+    /// Returns what is known of the module, borrowed as long as the module lives.
+    [[nodiscard]] const ModuleInfo& info() const noexcept { return info_; }
     /// Returns what init() was given, null before.
     [[nodiscard]] ModuleHandle handle() const noexcept { return handle_; }
 
   private:
+    void classesChanged() const noexcept;
+
     std::unique_ptr<ClassRecord[]> table_;
     std::size_t size_ = 0;
     ClassEntry* const& entries_;
     SCOM_ResourceBundle& bundle_;
+    ModuleInfo info_;
     ModuleHandle handle_ = nullptr;
 };
 
 /// Returns the modules that are initialised now, oldest first: how a process finds every declared class. They
 /// are borrowed; the code that ends a module first ends the processes that use it. Threads: any.
 [[nodiscard]] CORE_API std::vector<SCOM_Module*> registered_modules();
+/// Returns a number that grows whenever a module comes, goes, or hands its classes to a process or takes them
+/// back: what was gathered from the modules is still right while it is the same. Takes no lock. Threads: any.
+[[nodiscard]] CORE_API std::uint32_t modules_generation() noexcept;
 
 /// Returns the library's own module.
 [[nodiscard]] CORE_API SCOM_Module& core_module() noexcept;

@@ -14,7 +14,8 @@
 namespace core {
 
 /// The message texts of a module, by resource id and locale: ICU bundles in the folder "<name>/messages"
-/// beside the library, opened when first asked for and kept, one for each locale.
+/// beside the library, or under the path that the name is, opened when first asked for and kept, one for each
+/// locale.
 ///
 /// Threads: all operations may be called from any thread. What they return stays valid until cleanup().
 class CORE_API SCOM_ResourceBundle {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/runtime/class_entry.h>
+#include <core/runtime/live_counter.h>
 #include <core/runtime/unknown.h>
 #include <core/strings/term.h>
 #include <core/values/type.h>
@@ -43,13 +44,32 @@ struct TypeInfo {
     /// Makes a value from a script's arguments, whose count is within the bounds; null when scripts cannot.
     GenericValue (*construct)(std::span<GenericValue> arguments) = nullptr;
     IType::Arguments arguments = {-1, -1}; ///< how many arguments `construct` takes
+    /// Where the presentation is found and who is asked for an unload: the module that declares the type.
+    const ModuleAnchor* module = &module_anchor;
 };
 
-/// The type object of a TypeInfo. It lives as long as the library, so counting does nothing.
+/// The type object of a TypeInfo. It lives as long as the module that declares it; references to it keep that
+/// module loaded, and do nothing else.
 class CORE_API TypeObject final : public IUnknownImpl<TypeObject, IType> {
   public:
-    /// Describes `info`, which must live as long as the library.
-    constexpr explicit TypeObject(const TypeInfo& info) noexcept : info_(info) {}
+    /// Describes `info`, which must live as long as the object.
+    constexpr explicit TypeObject(const TypeInfo& info) noexcept
+        : info_(info), held_(info.names.text[kEnglish], *info.module) {}
+
+    /// Answers a query for IType.
+    HRESULT QueryInterface(const GUID& iid, void** out) noexcept override;
+    /// Counts a holder when the type's module can be unloaded; returns 1.
+    std::uint32_t AddRef() noexcept override {
+        if (info_.module->leaves.load(std::memory_order_relaxed))
+            held_.raise();
+        return 1;
+    }
+    /// Undoes AddRef(); returns 1.
+    std::uint32_t Release() noexcept override {
+        if (info_.module->leaves.load(std::memory_order_relaxed))
+            held_.lower();
+        return 1;
+    }
 
     /// Returns the code, or Type::object.
     std::int32_t code() const noexcept override { return info_.code; }
@@ -69,6 +89,7 @@ class CORE_API TypeObject final : public IUnknownImpl<TypeObject, IType> {
 
   private:
     const TypeInfo& info_;
+    LiveCounter held_;
 };
 
 /// Declares a type, as a static object of the source file of its class: the one type object, and its

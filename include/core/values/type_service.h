@@ -15,7 +15,7 @@ class ITypeValueService : public IUnknown {
     /// The interface's id.
     static constexpr GUID IID = "c9c8dcc3-479f-448b-99db-ddecab1b483c"_guid;
 
-    /// Returns the type object with a type id, borrowed as long as the library lives; null if none exists.
+    /// Returns the type object with a type id, borrowed as long as its module is loaded; null if none exists.
     [[nodiscard]] virtual IType* findType(const GUID& id) = 0;
     /// Returns the type object with a name in either language, in any case; null if none exists.
     [[nodiscard]] virtual IType* findType(wstring_view name) = 0;

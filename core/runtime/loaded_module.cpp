@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/immortal.h"
+#include "core/runtime/program_module.h"
+
+#include <core/runtime/errors.h>
+#include <core/runtime/live_counter.h>
+#include <core/runtime/loaded_module.h>
+#include <core/runtime/utf8.h>
+
+#include <dlfcn.h>
+#include <link.h>
+
+#include <algorithm>
+#include <mutex>
+#include <new>
+#include <string>
+#include <utility>
+
+namespace core {
+namespace {
+
+/// Gives the system's handle back unless it is kept.
+class Handle {
+  public:
+    explicit Handle(void* handle) noexcept : handle_(handle) {}
+    Handle(Handle&& other) noexcept : handle_(other.keep()) {}
+    Handle& operator=(Handle&&) = delete;
+    ~Handle() {
+        if (handle_ != nullptr)
+            ::dlclose(handle_);
+    }
+    [[nodiscard]] void* get() const noexcept { return handle_; }
+    void* keep() noexcept { return std::exchange(handle_, nullptr); }
+
+  private:
+    void* handle_;
+};
+
+wstring text_of(const std::filesystem::path& path) {
+    return from_utf8(path.string());
+}
+
+/// The declaration in the file itself, not in one that it is linked with; null if none exists.
+const ModuleDeclaration* declaration_in(void* handle) {
+    const void* const found = ::dlsym(handle, "core_module_declaration");
+    ::link_map* own = nullptr;
+    void* holder = nullptr;
+    Dl_info info{};
+    if (found == nullptr || ::dlinfo(handle, RTLD_DI_LINKMAP, &own) != 0 ||
+        ::dladdr1(found, &info, &holder, RTLD_DL_LINKMAP) == 0 || holder != own)
+        return nullptr;
+    return static_cast<const ModuleDeclaration*>(found);
+}
+
+/// Loads a file. One that the system refuses may be a module for another version of the library, whose
+/// functions are not here: then that is what the error says.
+Handle open_file(const std::filesystem::path& file) {
+    if (void* const handle = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL))
+        return Handle(handle);
+    const char* const text = ::dlerror();
+    const std::string reason = text != nullptr ? text : "";
+    const Handle lazily(::dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL));
+    if (lazily.get() != nullptr) {
+        if (const auto* const declaration = declaration_in(lazily.get()))
+            detail::check_declaration(*declaration, file);
+    }
+    throw_error<ModuleException>(messages::kModuleNotLoadable, {text_of(file), from_utf8(reason)});
+}
+
+} // namespace
+
+/// The modules that are loaded. The lock is held while the system loads and unloads.
+struct LoadedModule::All {
+    std::mutex lock;
+    std::vector<Use> modules;
+};
+
+LoadedModule::All& LoadedModule::all() noexcept {
+    static constinit detail::Immortal<All> modules; // processes may end after the library's statics
+    return *modules;
+}
+
+LoadedModule::LoadedModule(const ModuleDeclaration& declaration, const std::filesystem::path& file,
+                           void* handle)
+    : declaration_(declaration), file_(file), handle_(handle), entries_(detail::joined_entries(declaration)),
+      bundle_((file.parent_path() / declaration.name).c_str()),
+      module_(entries_, bundle_,
+              {.name = declaration.name,
+               .version = declaration.version,
+               .file = file.string(),
+               .interfaceVersion = declaration.interfaceVersion,
+               .leaves = true}) {
+    module_.init(handle);
+    declaration.anchor->leaves.store(true);
+    declaration.anchor->bundle.store(&bundle_, std::memory_order_release);
+}
+
+LoadedModule::~LoadedModule() {
+    declaration_.anchor->bundle.store(nullptr, std::memory_order_release);
+    module_.term();
+    const ModuleAnchor& anchor = *declaration_.anchor;
+    try {
+        if (!live_report(anchor).empty())
+            return; // they would run code that is not there
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    ::dlclose(handle_);
+    const Handle still(::dlopen(file_.c_str(), RTLD_LAZY | RTLD_NOLOAD));
+    detail::forget_live_counters(anchor, still.get() == nullptr);
+}
+
+LoadedModule::Use LoadedModule::load(const std::filesystem::path& file) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::canonical(file, error);
+    if (error)
+        throw_error<ModuleException>(messages::kModuleMissing, {text_of(file), from_utf8(error.message())});
+    const std::lock_guard guard(all().lock);
+    Handle handle = open_file(path);
+    const ModuleDeclaration* const declaration = declaration_in(handle.get());
+    if (declaration == nullptr)
+        throw_error<ModuleException>(messages::kModuleNone, {text_of(path)});
+    std::vector<Use>& modules = all().modules;
+    const auto place =
+        std::ranges::find(modules, declaration, [](const Use& use) { return &use->declaration_; });
+    if (place != modules.end())
+        return *place;
+    detail::check_declaration(*declaration, path);
+    modules.reserve(modules.size() + 1);
+    modules.push_back(Use(new LoadedModule(*declaration, path, handle.get())));
+    handle.keep();
+    return modules.back();
+}
+
+void LoadedModule::unload(Use use) noexcept {
+    const std::lock_guard guard(all().lock);
+    const bool last = use.use_count() == 2; // this one and that of the list
+    LoadedModule* const module = use.get();
+    use.reset();
+    if (last)
+        std::erase_if(all().modules, [module](const Use& held) { return held.get() == module; });
+}
+
+bool LoadedModule::isLast(const Use& use) noexcept {
+    const std::lock_guard guard(all().lock);
+    return use.use_count() == 2;
+}
+
+std::vector<LiveClass> LoadedModule::living() const {
+    return live_report(*declaration_.anchor);
+}
+
+} // namespace core

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/runtime/memory/thread_part.h"
+
+#include <core/runtime/live_counter.h>
+
+#include <cstdint>
+
+namespace core::detail {
+
+/// What the library keeps of a counter. Nothing in it but `counter` lies in the module of the counter, and
+/// that is touched only while the module is there.
+struct CounterRecord {
+    char* name = nullptr;                 // null while the record is free
+    const ModuleAnchor* module = nullptr; // compared, never read
+    LiveCounter* counter = nullptr;
+    std::int32_t outside = 0; // what no thread's part holds; changed atomically
+};
+
+/// The record of an index. The first one is of the classes for whose own record there was no memory.
+[[nodiscard]] CounterRecord& counter_record(std::int32_t index) noexcept;
+
+} // namespace core::detail

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/runtime/module_contract.h>
+
+#include <filesystem>
+
+namespace core::detail {
+
+/// Throws ModuleException unless this library understands the declaration.
+void check_declaration(const ModuleDeclaration& declaration, const std::filesystem::path& file);
+
+/// Makes one list of all that a module declares, and returns its head.
+[[nodiscard]] ClassEntry* joined_entries(const ModuleDeclaration& declaration) noexcept;
+
+/// The path of the file that holds an address; empty when the system does not know it.
+[[nodiscard]] std::filesystem::path file_of(const void* address);
+
+/// Begins the module that the program itself declares; there may be none. Throws ModuleException.
+void begin_program_module();
+/// Ends it; harmless when there is none.
+void end_program_module() noexcept;
+
+} // namespace core::detail
