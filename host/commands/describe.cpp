@@ -90,12 +90,19 @@ void add_describe_command(CLI::App& app, Console& console, Action& action) {
         app.add_subcommand("describe", "Show what scripts can work with: types and functions");
     const auto type = std::make_shared<std::string>();
     const auto functions = std::make_shared<bool>(false);
+    const auto modules = std::make_shared<bool>(false);
     auto* const name =
         command->add_option("type", *type, "A type, by its name in either language; default: list all");
     command->add_flag("--functions", *functions, "The functions that scripts call without an object")
         ->excludes(name);
-    command->callback([type, functions, &console, &action] {
-        action = [type, functions, &console] {
+    command->add_flag("--modules", *modules, "The modules: the library, the program's own and those loaded")
+        ->excludes(name);
+    command->callback([type, functions, modules, &console, &action] {
+        action = [type, functions, modules, &console] {
+            if (*modules) {
+                describe::write_modules(console, describe::module_reports());
+                return ExitCode::done;
+            }
             if (*functions)
                 return describe_functions(console);
             if (!type->empty())

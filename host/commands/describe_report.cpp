@@ -11,6 +11,8 @@
 #include <core/strings/term.h>
 #include <core/values/type_service.h>
 
+#include <algorithm>
+
 namespace host::describe {
 
 using namespace core;
@@ -95,6 +97,22 @@ Members members_of(IContextDef& definition, int alias) {
     for (int method = 0; method < definition.getNMethods(); ++method)
         members.methods.push_back(method_of(definition, ext.get(), method, alias));
     return members;
+}
+
+std::vector<ModuleReport> module_reports() {
+    std::vector<ModuleReport> reports;
+    for (const SCOM_Module* const module : registered_modules()) {
+        std::vector<std::string> classes;
+        for (const ClassRecord& record : module->classTable()) {
+            if (record.name != nullptr)
+                classes.emplace_back(record.name);
+        }
+        std::ranges::sort(classes);
+        const auto same = std::ranges::unique(classes); // a class and its type, the parts of an enumeration
+        classes.erase(same.begin(), same.end());
+        reports.push_back({module->info(), std::move(classes)});
+    }
+    return reports;
 }
 
 TypeReport report_on(IType& type, int alias) {

@@ -4,6 +4,7 @@
 #include "host/terminal/console.h"
 
 #include <core/context/context_def.h>
+#include <core/runtime/module.h>
 #include <core/values/ivalue.h>
 
 #include <optional>
@@ -60,6 +61,14 @@ struct TypeReport {
     bool isEnumeration = false;       ///< its properties are the values
     Members members;
 };
+
+struct ModuleReport {
+    core::ModuleInfo info;
+    std::vector<std::string> classes; ///< by name
+};
+
+/// The modules of the program: it has one process.
+[[nodiscard]] std::vector<ModuleReport> module_reports();
 
 /// `alias` is the language of default values.
 [[nodiscard]] Members members_of(core::IContextDef& definition, int alias);

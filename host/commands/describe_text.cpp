@@ -159,6 +159,35 @@ void write_list(Console& console, const std::vector<IType*>& types) {
         columns.write(console.out, "");
 }
 
+void write_modules(Console& console, const std::vector<ModuleReport>& modules) {
+    Json all = Json::array();
+    Columns columns;
+    const auto text = [](auto number) { return from_utf8(std::to_string(number)); };
+    for (const ModuleReport& module : modules) {
+        const ModuleInfo& info = module.info;
+        all.push_back({{"name", info.name},
+                       {"version", info.version},
+                       {"interface", info.interfaceVersion},
+                       {"file", info.file},
+                       {"classes", module.classes}});
+        columns.add({info.name, info.version,
+                     message("IDS_HOST_MODULE_INTERFACE", {text(info.interfaceVersion)}),
+                     message("IDS_HOST_MODULE_CLASSES", {text(module.classes.size())}), info.file});
+    }
+    if (console.json) {
+        console.out << all.dump(2) << '\n';
+        return;
+    }
+    columns.write(console.out, "");
+    for (const ModuleReport& module : modules) {
+        if (!module.info.leaves)
+            continue;
+        console.out << '\n' << module.info.name << '\n';
+        for (const std::string& name : module.classes)
+            console.out << "  " << name << '\n';
+    }
+}
+
 void write_type(Console& console, const TypeReport& report) {
     const bool isMade = report.arguments.least >= 0;
     if (console.json) {

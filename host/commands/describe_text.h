@@ -10,6 +10,8 @@ namespace host::describe {
 /// One line for each type: its names and what it is.
 void write_list(Console& console, const std::vector<core::IType*>& types);
 void write_type(Console& console, const TypeReport& report);
+/// A line for each module, and the classes of those that are not the library.
+void write_modules(Console& console, const std::vector<ModuleReport>& modules);
 /// What can be called without an object.
 void write_functions(Console& console, const std::vector<Method>& functions);
 

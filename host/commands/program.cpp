@@ -26,7 +26,7 @@ constexpr const char* kExitCodes =
     "4 input or output failed, 70 internal fault.";
 
 /// Runs the action in a process of its own, and tells what stopped it.
-ExitCode carry_out(const Action& action, Console& console) {
+ExitCode carry_out(const Action& action, const std::vector<std::string>& modules, Console& console) {
     core::Settings settings;
     settings.locale = core::Locale(console.language == Language::russian ? "ru" : "en");
     ExitCode code = ExitCode::internal;
@@ -34,6 +34,8 @@ ExitCode carry_out(const Action& action, Console& console) {
         HostProcess process(settings);
         if (console.terminal)
             process.offerService(core::IChooser::IID, create_console_chooser(console).get());
+        for (const std::string& file : modules)
+            process.loadModule(file);
         code = action();
     } catch (const core::FileException& e) {
         return fail(console, e.description(), ExitCode::io);
@@ -71,8 +73,13 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     app.require_subcommand(1);
     app.fallthrough(); // these options may stand behind the command, too
     bool leaks = false;
+    std::vector<std::string> modules;
     app.add_flag("--json", console.json, "Write data as JSON, for programs");
     app.add_flag("--leaks", leaks, "At the end, report objects that are still alive: class and count");
+    app.add_option("--module", modules, "Load a module first; may be given several times")
+        ->type_name("FILE")
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_option_function<std::string>(
            "--lang", [&console](const std::string& name) { console.language = language_of(name); },
            "Language of messages, formats and sorting; default: the environment's")
@@ -89,7 +96,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     } catch (const CLI::ParseError& e) {
         return app.exit(e, console.out, console.err) == 0 ? ExitCode::done : ExitCode::usage;
     }
-    const ExitCode code = carry_out(action, console);
+    const ExitCode code = carry_out(action, modules, console);
     if (leaks)
         report_leaks(console.err);
     return code;

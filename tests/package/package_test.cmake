@@ -44,3 +44,5 @@ execute_process(COMMAND ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${libdir} ${work
 
 file(GLOB corehost ${prefix}/bin/corehost)
 execute_process(COMMAND ${corehost} --version OUTPUT_QUIET ${run})
+
+include(${CMAKE_CURRENT_LIST_DIR}/modules.cmake)

@@ -39,9 +39,9 @@ struct EnumerationInfo {
     std::span<const EnumerationItem> items; ///< the values, borrowed; they live as long as the enumeration
 };
 
-/// A value of an enumeration: the only one of its kind, alive as long as the module that declares it, equal to
-/// itself alone, and read back as itself. References keep that module loaded, and do nothing else. Threads:
-/// safe on all, as it never changes.
+/// A value of an enumeration: the only one of its kind, alive as long as the module that declares it, equal
+/// to itself alone, and read back as itself. References keep that module loaded, and do nothing else.
+/// Threads: safe on all, as it never changes.
 class CORE_API EnumerationValue final : public IValueImpl, public IPersistableObject {
   public:
     using Interfaces = InterfaceList<IValue, IPersistableObject>; ///< what a value answers queries for
@@ -179,10 +179,10 @@ class EnumerationEntry {
     EnumerationEntry(const EnumerationEntry&) = delete;
     EnumerationEntry& operator=(const EnumerationEntry&) = delete;
 
-    /// Returns the three declarations under a name for reports, which is kept by address. CORE_MODULE lists
-    /// them.
+    /// Returns the three declarations under a name for reports, which is kept by address, by default the
+    /// English one. CORE_MODULE lists them.
     [[nodiscard]] static constexpr std::array<ClassEntry, 3>
-    classEntries(const char* name = "Enumeration") noexcept {
+    classEntries(const char* name = kName.data()) noexcept {
         return {
             ClassEntry{.record = detail::class_record<ValueType>(info.type.id, name, true, nullptr)},
             ClassEntry{.record = detail::class_record<Loader>(info.type.valueClass, name, false, nullptr)},
@@ -198,6 +198,12 @@ class EnumerationEntry {
     struct Loader {
         static IValueLoader* instance() noexcept { return objects_.enumeration.loader(); }
     };
+    static constexpr auto kName = [] {
+        std::array<char, wstring_view(info.type.names.text[kEnglish]).size() + 1> text{};
+        for (std::size_t i = 0; i + 1 < text.size(); ++i)
+            text[i] = static_cast<char>(info.type.names.text[kEnglish][i]);
+        return text;
+    }();
     using Indexes = std::make_index_sequence<info.items.size()>;
     struct Objects {
         constexpr Objects() noexcept : Objects(Indexes{}) {}
