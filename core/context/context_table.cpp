@@ -34,7 +34,7 @@ bool Param::getDefault(GenericValue* value) const {
         *value = GenericValue(false);
         break;
     case ParamDefault::resourceText:
-        *value = GenericValue(message_text(resource));
+        *value = GenericValue(detail::message_text_of(*module, resource));
         break;
     case ParamDefault::literal:
         *value = std::visit([](auto held) { return GenericValue(value_of(held)); }, literal);

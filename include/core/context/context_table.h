@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/context/name_cache.h>
+#include <core/runtime/module_anchor.h>
 #include <core/strings/term.h>
 
 #include <cstdint>
@@ -33,6 +34,7 @@ struct Param {
     bool out = false;                            ///< passes a value back
     NamePair names = {};                         ///< English and Russian; none where tools show the number
     ParamLiteral literal = {};                   ///< a literal default
+    const ModuleAnchor* module = &module_anchor; ///< where the message is found: the module with the table
 
     /// Returns whether there is a default, and stores it in `*value` when that is not null.
     CORE_API bool getDefault(GenericValue* value) const;
