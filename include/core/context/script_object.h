@@ -221,7 +221,7 @@ class ScriptObjectOver : public IValueImpl,
             return std::array{type};
     }
 
-    /// Returns the type of the objects, borrowed; it lives as long as the library.
+    /// Returns the type of the objects, borrowed; it lives as long as their module is loaded.
     [[nodiscard]] static IType* type() noexcept { return TypeEntry<detail::script_type_info<T>>::instance(); }
     /// Returns the object of this class that a value holds, borrowed from the value; null for any other
     /// value.

@@ -24,7 +24,7 @@ class alignas(8) IValue : public IUnknown {
     /// The interface's id.
     static constexpr GUID IID = "0e4e05a9-96d4-450b-a013-df113a84cf58"_guid;
 
-    /// Returns the value's type object, borrowed as long as the library lives. Values of one type have one
+    /// Returns the value's type object, borrowed as long as the value lives. Values of one type have one
     /// type object.
     [[nodiscard]] virtual IType* getType() const noexcept = 0;
     /// Returns the payload inside the object, borrowed as long as the object lives: of a Boolean a `bool`, of
@@ -89,7 +89,7 @@ class IValueLoader : public IUnknown {
     ~IValueLoader() = default;
 };
 
-/// The type of a value as an object: there is one for every type, alive as long as the library.
+/// The type of a value as an object: there is one for every type, alive as long as its module is loaded.
 class IType : public IUnknown {
   public:
     /// The interface's id.

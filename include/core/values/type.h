@@ -64,14 +64,14 @@ class CORE_API Type {
     [[nodiscard]] wstring presentation() const {
         return type_ != nullptr ? type_->presentation() : wstring();
     }
-    /// Returns the type object, borrowed as long as the library lives; null for no type.
+    /// Returns the type object, borrowed as long as its module is loaded; null for no type.
     [[nodiscard]] IType* get() const noexcept { return type_; }
 
     /// Returns whether both are the same type, or both none.
     friend bool operator==(const Type&, const Type&) = default;
 
   private:
-    IType* type_ = nullptr; // type objects live as long as the library
+    IType* type_ = nullptr; // borrowed from the module of the type
 };
 
 } // namespace core

@@ -105,7 +105,7 @@ class TypeEntry {
     TypeEntry(const TypeEntry&) = delete;
     TypeEntry& operator=(const TypeEntry&) = delete;
 
-    /// Returns the type object, borrowed as long as the library lives.
+    /// Returns the type object, borrowed as long as its module is loaded.
     [[nodiscard]] static IType* instance() noexcept {
         static constinit TypeObject object(info);
         return &object;
