@@ -171,6 +171,31 @@ TEST_F(Modules, ComeAreUsedAndGoWithThreadsAlive) {
               messages::kModuleNotLoaded);
 }
 
+TEST(Libraries, ThatCountedObjectsAreUnmappedByTheSystemWhenItLikes) {
+    std::promise<void> end;
+    std::promise<void> used;
+    void* const library = ::dlopen(file_of("plain").c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(library, nullptr);
+    auto* const count_one = reinterpret_cast<int (*)()>(::dlsym(library, "count_one"));
+    std::thread other([&, ended = end.get_future()]() mutable {
+        EXPECT_EQ(count_one(), 1);
+        used.set_value();
+        ended.wait();
+    });
+    used.get_future().wait();
+    EXPECT_EQ(count_one(), 1);
+    ::dlclose(library);
+    EXPECT_FALSE(is_mapped("plain"));
+    const auto has_plain = [] {
+        return std::ranges::any_of(live_report(),
+                                   [](const LiveClass& living) { return living.name.ends_with("Plain"); });
+    };
+    EXPECT_FALSE(has_plain());
+    end.set_value();
+    other.join();
+    EXPECT_FALSE(has_plain());
+}
+
 TEST_F(Modules, StayWhileAnythingOfThemIsHeld) {
     process_.loadModule(file_of("counter"));
     {

@@ -3,6 +3,7 @@
 
 #include <core/runtime/api.h>
 #include <core/runtime/guid.h>
+#include <core/runtime/live_counter.h>
 #include <core/runtime/locale.h>
 
 #include <concepts>
@@ -70,8 +71,9 @@ class Settings {
         virtual ~Part() = default;
         [[nodiscard]] virtual std::unique_ptr<Part> copy() const = 0;
     };
+    /// Counted, so that the module of `T` stays loaded while a process has such a part.
     template <class T>
-    struct PartOf final : Part {
+    struct PartOf final : Part, private LiveObjectTrackerImpl<PartOf<T>> {
         T value;
         [[nodiscard]] std::unique_ptr<Part> copy() const override { return std::make_unique<PartOf>(*this); }
     };
