@@ -6,6 +6,7 @@
 #include "host/terminal/terminal_text.h"
 
 #include <core/files/errors.h>
+#include <core/runtime/errors.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <exception>
 #include <ostream>
+#include <string_view>
 
 namespace host {
 namespace {
@@ -41,6 +43,9 @@ ExitCode carry_out(const Action& action, const std::vector<std::string>& modules
         return fail(console, e.description(), ExitCode::io);
     } catch (const core::FileStreamException& e) {
         return fail(console, e.description(), ExitCode::io);
+    } catch (const core::ModuleException& e) {
+        const bool missing = std::string_view(e.messageId()) == core::messages::kModuleMissing;
+        return fail(console, e.description(), missing ? ExitCode::io : ExitCode::malformed);
     } catch (const core::StorageException& e) {
         const bool failed = e.kind() == core::StorageException::Kind::none; // in use, read only, full
         return fail(console, e.description(), failed ? ExitCode::io : ExitCode::malformed);
