@@ -129,7 +129,7 @@ void use_the_counter() {
         return failure<LimitException>([&] { call(one, u"Add", GenericValue(7)); });
     };
     EXPECT_EQ(in("en"), std::pair(std::string("COUNTER_LIMIT"),
-                                  std::string("The counter cannot reach -3.5: it counts from 0 to 100."))));
+                                  std::string("The counter cannot reach -3.5: it counts from 0 to 100.")));
     EXPECT_EQ(in("ru").second, "Счётчик не может дойти до -3.5: он считает от 0 до 100.");
     EXPECT_EQ(message_text("COUNTER"), u"COUNTER") << "the program does not have the texts of the module";
     EXPECT_GE(get_service<ICounters>()->made(), 1);
@@ -254,7 +254,7 @@ TEST_F(Modules, WhatIsRefusedLeavesNothingBehind) {
     };
     const std::size_t types = get_service<ITypeValueService>()->types().size();
     EXPECT_EQ(load(file_of("missing")).first, messages::kModuleMissing);
-    EXPECT_EQ(load(__FILE__).first, messages::kModuleNotLoadable);
+    EXPECT_EQ(load(CORE_TEST_MODULES "/counter/messages/root.res").first, messages::kModuleNotLoadable);
     EXPECT_EQ(load(file_of("plain")).first, messages::kModuleNone);
     EXPECT_EQ(load(file_of("misnamed")).first, messages::kModuleName);
     const auto [id, text] = load(file_of("newer"));

@@ -70,7 +70,7 @@ constexpr auto all_class_entries() noexcept {
     constexpr std::size_t count = (class_entries<Ts>().size() + ... + 0);
     std::array<ClassEntry, count> all;
     std::size_t end = 0;
-    const auto add = [&](const auto& entries) {
+    [[maybe_unused]] const auto add = [&](const auto& entries) {
         for (const ClassEntry& entry : entries)
             all[end++] = entry;
     };
