@@ -9,7 +9,7 @@
 
 namespace core::detail {
 
-/// What the library keeps of a counter. Nothing in it but `counter` lies in the module of the counter, and
+/// What the library keeps of a counter. Only `counter` leads into the memory of the module, and
 /// that is touched only while the module is there.
 struct CounterRecord {
     char* name = nullptr;                 // null while the record is free
