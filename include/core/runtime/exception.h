@@ -142,8 +142,7 @@ template <class E>
 /// The exception takes a reference to `cause`, which may be null.
 template <class E>
 [[noreturn, gnu::visibility("hidden")]] void
-throw_error(const char* id, std::initializer_list<wstring> params = {},
-                              IExceptionObject* cause = nullptr) {
+throw_error(const char* id, std::initializer_list<wstring> params = {}, IExceptionObject* cause = nullptr) {
     throw_with_message(E(message_text(id, params), cause), id, params);
 }
 

@@ -82,7 +82,7 @@ constexpr auto all_class_entries() noexcept {
 } // namespace core
 
 /// The declaration of a module, under the one name that it exports. CORE_MODULE defines it.
-extern "C" __attribute__((visibility("default"))) const core::ModuleDeclaration core_module_declaration;
+extern "C" [[gnu::visibility("default")]] const core::ModuleDeclaration core_module_declaration;
 
 /// Declares the calling library or program as a module: its name and version, two literals, and its classes.
 /// It stands once, at global scope, in one source file. What may be listed:
