@@ -9,7 +9,6 @@
 #include <core/runtime/internal_class.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/loaded_module.h>
-#include <core/runtime/loaded_module.h>
 #include <core/runtime/module.h>
 #include <core/runtime/module_anchor.h>
 #include <core/runtime/module_contract.h>

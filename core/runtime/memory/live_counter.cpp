@@ -75,7 +75,6 @@ char* copied_name(const std::type_info* type, const wchar* name) noexcept {
 /// How many objects a record counts over all threads; not under its lock.
 std::int32_t sum_of(std::int32_t index) {
     struct Sum {
-        LiveCounter& counter;
         std::int32_t index;
         std::int32_t count;
     } sum{index, 0};
