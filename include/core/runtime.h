@@ -25,5 +25,6 @@
 #include <core/runtime/threads/rw_mutex.h>
 #include <core/runtime/threads/semaphore.h>
 #include <core/runtime/threads/thread.h>
+#include <core/runtime/uncaught.h>
 #include <core/runtime/unknown.h>
 #include <core/runtime/utf8.h>
