@@ -5,6 +5,7 @@
 
 #include <core/runtime/live_counter.h>
 
+#include <atomic>
 #include <cstdint>
 
 namespace core::detail {
@@ -16,6 +17,14 @@ struct CounterRecord {
     const ModuleAnchor* module = nullptr; // compared, never read
     LiveCounter* counter = nullptr;
     std::int32_t outside = 0; // what no thread's part holds; changed atomically
+
+    /// Gives the record to a counter, or to none. Reports read the count meanwhile.
+    void assign(char* newName, const ModuleAnchor* newModule, LiveCounter* newCounter) noexcept {
+        name = newName;
+        module = newModule;
+        counter = newCounter;
+        std::atomic_ref(outside).store(0, std::memory_order_relaxed);
+    }
 };
 
 /// The record of an index. The first one is of the classes for whose own record there was no memory.

@@ -146,7 +146,7 @@ std::int32_t LiveCounterAccess::join(LiveCounter& counter) noexcept {
         std::free(name);
         return 0;
     }
-    counter_record(index) = {.name = name, .module = counter.module_, .counter = &counter};
+    counter_record(index).assign(name, counter.module_, &counter);
     std::atomic_ref(counter.index_).store(index, std::memory_order_release);
     return index;
 }
@@ -194,7 +194,7 @@ void detail::forget_live_counters(const ModuleAnchor& module, bool gone) noexcep
         if (!gone)
             LiveCounterAccess::leave(*record.counter);
         std::free(record.name);
-        record = {};
+        record.assign(nullptr, nullptr, nullptr);
         ++free_records;
     }
 }
