@@ -17,6 +17,12 @@ struct Adoptions {
     AdoptedThread* first = nullptr;
 };
 
+/// Forgets the AdoptedThread of the calling thread.
+void clear_own() noexcept {
+    thread_slots.data.set(nullptr);
+    thread_slots.process.set(nullptr);
+}
+
 /// Threads end after the library's other statics, too.
 Adoptions& adoptions() noexcept {
     static constinit Immortal<Adoptions> all;
@@ -31,8 +37,10 @@ AdoptedThread* AdoptedThread::own() {
     if (!thread_slots.process.allocated())
         return nullptr;
     auto made = std::make_unique<AdoptedThread>();
-    if (!thread_slots.process.set(made.get()))
+    if (!thread_slots.data.set(&made->data) || !thread_slots.process.set(made.get())) {
+        thread_slots.data.set(nullptr);
         throw std::bad_alloc();
+    }
     Adoptions& all = adoptions();
     const std::lock_guard guard(all.lock);
     made->next = all.first;
@@ -98,7 +106,7 @@ void end_all_adoptions() noexcept {
     const std::lock_guard guard(all.lock);
     while (all.first != nullptr)
         all.first->end();
-    thread_slots.process.set(nullptr);
+    clear_own();
 }
 
 } // namespace detail
@@ -120,7 +128,7 @@ ProcessScope::~ProcessScope() {
     thread_->remove(*this);
     // Only the thread itself can take its own from the slot; for another thread it stays until that one ends.
     if (thread_->newest == nullptr && detail::thread_slots.process.get() == thread_) {
-        detail::thread_slots.process.set(nullptr);
+        detail::clear_own();
         thread_->end();
     }
 }
@@ -138,8 +146,9 @@ SCOM_Process* current_process() noexcept {
 }
 
 SCOM_ProcessData* current_process_data() noexcept {
-    const auto* const own = static_cast<const AdoptedThread*>(detail::thread_slots.process.get());
-    return own != nullptr ? own->data.load(std::memory_order_acquire) : nullptr;
+    const auto* const data =
+        static_cast<const std::atomic<SCOM_ProcessData*>*>(detail::thread_slots.data.get());
+    return data != nullptr ? data->load(std::memory_order_acquire) : nullptr;
 }
 
 } // namespace core

@@ -40,8 +40,8 @@ void detach() noexcept {
     LeaksCounter::setTerm(nullptr, nullptr);
     // ICU stays initialised: other users of it in this program hold its data, and
     // attaching again finds it ready.
-    detail::thread_slots.thread.free();
     detail::end_all_adoptions();
+    detail::thread_slots.data.free();
     detail::thread_slots.process.free();
     detail::thread_slots.locale.free();
 }
@@ -50,7 +50,7 @@ void attach(ModuleHandle handle) {
     try {
         auto& slots = detail::thread_slots;
         if (!slots.locale.allocate() || !slots.process.allocate(&detail::end_adopted_thread) ||
-            !slots.thread.allocate())
+            !slots.data.allocate())
             throw_error<ProcessInitException>(messages::kThreadSlots);
         UErrorCode status = U_ZERO_ERROR;
         u_init(&status);

@@ -42,7 +42,7 @@ class ThreadSlot {
 struct ThreadSlots {
     ThreadSlot locale;  // the thread's own resource locale, a Locale kept by the thread
     ThreadSlot process; // the processes that have adopted the thread, an AdoptedThread
-    ThreadSlot thread;  // the library's Thread whose function runs here, borrowed; null on every other thread
+    ThreadSlot data;    // where the data of the process that counts is found, a part of the AdoptedThread
 };
 
 extern ThreadSlots thread_slots;

@@ -23,8 +23,8 @@ namespace host::detail {
 /// meanwhile wait for it. A service that would wait for itself, directly or through others, is refused.
 class ServiceTable {
   public:
-    /// Makes services as objects of `process`, which owns the table.
-    explicit ServiceTable(core::SCOM_Process& process) noexcept : process_(process) {}
+    /// Makes services as objects of `process`, which owns the table. Throws std::bad_alloc.
+    explicit ServiceTable(core::SCOM_Process& process) : process_(process) {}
     ServiceTable(const ServiceTable&) = delete;
     ServiceTable& operator=(const ServiceTable&) = delete;
     ~ServiceTable() = default;
