@@ -6,13 +6,14 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace core {
 
 using namespace limbs;
 
 template <class Char>
-Numeric Numeric::parse(std::basic_string_view<Char> text, const Char** end) {
+Numeric Numeric::read(std::basic_string_view<Char> text, const Char** end) {
     const Char* const begin = text.data();
     const Char* const stop = begin + text.size();
     const Char* p = begin;
@@ -67,11 +68,25 @@ Numeric Numeric::parse(std::basic_string_view<Char> text, const Char** end) {
 }
 
 Numeric Numeric::fromString(wstring_view text, const wchar** end) {
-    return parse(text, end);
+    return read(text, end);
 }
 
 Numeric Numeric::fromString(std::string_view text, const char** end) {
-    return parse(text, end);
+    return read(text, end);
+}
+
+std::optional<Numeric> Numeric::parse(std::string_view text) {
+    const char* end = nullptr;
+    Numeric number = read(text, &end);
+    const bool whole = !text.empty() && text.front() > ' ' && end == text.data() + text.size();
+    return whole ? std::optional(std::move(number)) : std::nullopt;
+}
+
+std::optional<Numeric> Numeric::parse(wstring_view text) {
+    const wchar* end = nullptr;
+    Numeric number = read(text, &end);
+    const bool whole = !text.empty() && text.front() > u' ' && end == text.data() + text.size();
+    return whole ? std::optional(std::move(number)) : std::nullopt;
 }
 
 namespace {

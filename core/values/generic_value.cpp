@@ -6,9 +6,12 @@
 #include <core/lists/list_out_stream.h>
 #include <core/persistence/persistence.h>
 #include <core/runtime/process.h>
+#include <core/runtime/utf8.h>
 #include <core/streams/memory_stream.h>
 #include <core/values/errors.h>
 #include <core/values/generic_value.h>
+
+#include <ostream>
 
 namespace core {
 namespace {
@@ -126,6 +129,10 @@ GenericValue GenericValue::deserialize(IInPersistenceStorage* storage) {
     value = get_payload_of(tag[0], storage);
     in.getEndOfList();
     return value;
+}
+
+void detail::write_presentation(std::ostream& out, const Value& value) {
+    out << to_utf8(value.presentation());
 }
 
 void GenericValue::toString(wstring& text) const {

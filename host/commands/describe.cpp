@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/describe_text.h"
-#include "host/library/functions.h"
-#include "host/library/table_functions.h"
 
-#include <core/objects/core_general_context.h>
 #include <core/runtime/exception.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
+#include <core/script/console.h>
 #include <core/strings/letter_case.h>
 #include <core/strings/term.h>
 #include <core/values/type_service.h>
@@ -74,9 +72,10 @@ ExitCode describe_type(const std::string& text, Console& console) {
 
 ExitCode describe_functions(Console& console) {
     std::vector<describe::Method> functions;
-    for (const auto& context : {script::create_host_functions(console),
-                                script::create_table_functions(console), create_core_general_context()}) {
-        describe::Members members = describe::members_of(*context, alias_of(console.language));
+    const script::Engine engine;
+    const auto contexts = script::globals(engine);
+    for (auto context = contexts.rbegin(); context != contexts.rend(); ++context) {
+        describe::Members members = describe::members_of(**context, alias_of(console.language));
         std::move(members.methods.begin(), members.methods.end(), std::back_inserter(functions));
     }
     describe::write_functions(console, functions);

@@ -2,12 +2,12 @@
 #include "host/commands/describe_report.h"
 
 #include "host/commands/describe_sample.h"
-#include "host/language/display.h"
 
 #include <core/context/context_def_ext.h>
 #include <core/objects/enumeration.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
+#include <core/script/console.h>
 #include <core/strings/term.h>
 #include <core/values/type_service.h>
 

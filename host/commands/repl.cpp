@@ -2,17 +2,15 @@
 #include "host/commands/commands.h"
 #include "host/commands/interrupt_scope.h"
 #include "host/exchange/tables/table_view.h"
-#include "host/language/display.h"
-#include "host/language/interpreter.h"
-#include "host/language/parser.h"
-#include "host/library/functions.h"
-#include "host/library/print.h"
 #include "host/terminal/error_report.h"
 #include "host/terminal/line_editor.h"
+#include "host/terminal/print.h"
+#include "host/terminal/script_console.h"
 #include "host/terminal/terminal_text.h"
 #include "host/terminal/text_columns.h"
 
 #include <core/runtime/utf8.h>
+#include <core/script/console.h>
 #include <core/streams/errors.h>
 #include <core/strings/integer_text.h>
 
@@ -43,7 +41,7 @@ class Repl {
     /// EntryDropped.
     using Lines = std::function<std::optional<wstring>(bool goesOn)>;
 
-    explicit Repl(Console& console) : console_(console) {}
+    explicit Repl(Console& console) : console_(console) { connect(engine_, console); }
 
     /// Carries entries out until the lines end, or nothing can be shown any more.
     void run(const Lines& lines) {
@@ -59,7 +57,7 @@ class Repl {
             } catch (const std::bad_alloc&) {
                 report(message_text("IDS_SCRIPT_NO_MEMORY"));
             }
-            entry_.reset();
+            entry_.clear();
             console_.out.flush();
         }
     }
@@ -71,33 +69,33 @@ class Repl {
 
     [[nodiscard]] bool hasFailed() const noexcept { return failed_; }
 
-    [[nodiscard]] Completion complete(wstring_view line) const {
-        const wstring before(entry_ ? entry_->text() : wstring_view());
-        return host::complete(before + wstring(line), interpreter_, variables_, alias_of(console_.language));
+    [[nodiscard]] script::Completion complete(wstring_view line) const {
+        return script::complete(engine_, entry_ + wstring(line), alias_of(console_.language));
     }
 
   private:
     void take(wstring_view line, const Lines& lines) {
-        entry_ = std::make_shared<script::Source>("repl", wstring());
-        entry_->append(line);
+        entry_.append(line).append(u"\n");
+        const auto more = [this, &lines] {
+            const std::optional<wstring> next = lines(true);
+            if (next)
+                entry_.append(*next).append(u"\n");
+            return next;
+        };
         try {
-            const auto more = [&lines](script::Source& source) {
-                if (const auto next = lines(true))
-                    source.append(*next);
-            };
-            const script::Program program = script::parse_entry(entry_, variables_, more);
-            const script::InterruptScope interrupts(interpreter_);
-            interpreter_.run(program, [this](const GenericValue& value) { show(value); });
-        } catch (const script::ScriptError& error) {
+            const script::Script entry = script::compile_entry(line, u"repl", more);
+            const InterruptScope interrupts(engine_);
+            script::run_entry(engine_, entry, [this](const Value& value) { show(value); });
+        } catch (const script::Error& error) {
             failed_ = true;
             console_.out.flush();
-            show_error(console_.err, *entry_, error, console_.colour);
+            show_error(console_.err, error, console_.colour);
         }
     }
 
-    void show(const GenericValue& value) {
-        if (console_.json || script::table_view(value))
-            script::print_value(value, console_);
+    void show(const Value& value) {
+        if (console_.json || table_view(value))
+            print_value(value, console_);
         else
             console_.out << terminal_text(script::display(value, alias_of(console_.language)),
                                           std::numeric_limits<std::size_t>::max())
@@ -105,9 +103,8 @@ class Repl {
     }
 
     Console& console_;
-    script::Variables variables_;
-    script::Interpreter interpreter_{script::create_globals(console_), variables_};
-    std::shared_ptr<script::Source> entry_; // while one is read and carried out
+    script::Engine engine_;
+    wstring entry_; // the lines of the one that is read and carried out
     bool failed_ = false;
 };
 

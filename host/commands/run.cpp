@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/interrupt_scope.h"
-#include "host/language/interpreter.h"
-#include "host/language/parser.h"
-#include "host/library/functions.h"
 #include "host/terminal/byte_input.h"
 #include "host/terminal/error_report.h"
+#include "host/terminal/script_console.h"
+
+#include <core/runtime/utf8.h>
+#include <core/script/engine.h>
 
 #include <CLI/CLI.hpp>
 
@@ -18,16 +19,16 @@ namespace host {
 namespace {
 
 ExitCode run_file(const std::string& file, Console& console) {
-    const auto source = std::make_shared<const script::Source>(file, read_text(console, file));
+    const core::wstring text = read_text(console, file);
     try {
-        script::Variables variables;
-        const script::Program program = script::parse(source, variables);
-        script::Interpreter interpreter(script::create_globals(console), variables);
-        const script::InterruptScope interrupts(interpreter);
-        interpreter.run(program);
-    } catch (const script::ScriptError& error) {
+        const core::script::Script script = core::script::compile(text, core::from_utf8(file));
+        core::script::Engine engine;
+        connect(engine, console);
+        const InterruptScope interrupts(engine);
+        engine.run(script);
+    } catch (const core::script::Error& error) {
         console.out.flush();
-        script::show_error(console.err, *source, error, console.colour);
+        show_error(console.err, error, console.colour);
         return ExitCode::malformed;
     } catch (const std::bad_alloc&) { // for the script itself, or what stands between its statements
         return fail(console, core::message_text("IDS_SCRIPT_NO_MEMORY"), ExitCode::malformed);

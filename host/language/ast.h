@@ -2,6 +2,9 @@
 #pragma once
 
 #include "host/language/source.h"
+#include "host/language/variables.h"
+
+#include <core/values/generic_value.h>
 
 #include <cstdint>
 #include <memory>
@@ -11,7 +14,7 @@
 /// A script as a tree. Its depth is bounded by the parser, and what a script can make long without
 /// nesting (a sum of many terms, a chain of calls, many ElsIf) is a list in one node, so walking
 /// the tree by recursion is safe.
-namespace host::script {
+namespace core::script {
 
 struct Expression;
 using ExpressionPtr = std::unique_ptr<Expression>;
@@ -34,28 +37,21 @@ enum class Operator : std::uint8_t {
     logicalOr,
 };
 
-/// A literal, kept in the program's list so that its value is made once.
-struct Constant {
-    enum class Kind : std::uint8_t { undefined, null, falseValue, trueValue, number, string, date };
-    Kind kind = Kind::undefined;
-    core::wstring text; ///< the digits of a number or a date, the characters of a string
-    Span span;
-};
-
+/// Its value is made once, when the script is read.
 struct Literal {
-    std::size_t constant; ///< index in Program::constants
+    GenericValue value;
 };
 struct Variable {
-    std::size_t slot; ///< index in Variables
+    std::size_t slot; ///< index in Program::names
 };
-/// A function of the host: Print(x)
+/// A function without an object in front: Print(x)
 struct Call {
-    core::wstring name;
+    wstring name;
     Arguments arguments;
 };
 /// New Name(x)
 struct Creation {
-    core::wstring type;
+    wstring type;
     Arguments arguments;
 };
 struct Negation {
@@ -77,7 +73,7 @@ struct Link {
     enum class Kind : std::uint8_t { property, method, element };
     Kind kind = Kind::property;
     Span span; ///< of the name, or of the bracket
-    core::wstring name;
+    wstring name;
     Arguments arguments; ///< of a method; the index of an element
 };
 struct Access {
@@ -140,16 +136,20 @@ struct While {
 };
 struct Break {};
 struct Continue {};
+struct Return {
+    ExpressionPtr value; ///< null when nothing is returned
+};
 
 struct Statement {
     Span span;
-    std::variant<Assignment, Evaluation, If, ForEach, ForRange, While, Break, Continue> node;
+    std::variant<Assignment, Evaluation, If, ForEach, ForRange, While, Break, Continue, Return> node;
 };
 
+/// What compiling makes. It never changes, so that many threads can run it.
 struct Program {
     std::shared_ptr<const Source> source;
+    Variables names; ///< of the variables, each with its slot
     Block body;
-    std::vector<Constant> constants;
 };
 
-} // namespace host::script
+} // namespace core::script

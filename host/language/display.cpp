@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/language/display.h"
-
 #include "host/language/token.h"
 
 #include <core/collections/value_pair.h>
 #include <core/context/context_def.h>
 #include <core/context/iteration.h>
+#include <core/script/console.h>
 #include <core/strings/names.h>
 
-namespace host::script {
-
-using namespace core;
+namespace core::script {
 
 namespace {
 
@@ -155,4 +152,4 @@ wstring display(const Value& value, int alias) {
     return result.take();
 }
 
-} // namespace host::script
+} // namespace core::script

@@ -7,24 +7,26 @@
 #include <core/context/errors.h>
 #include <core/context/iteration.h>
 #include <core/runtime/exception_object.h>
+#include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
 #include <core/values/type_object.h>
+
+#include <cxxabi.h>
 
 #include <algorithm>
 #include <new>
 #include <stdexcept>
 
-namespace host::script {
-
-using namespace core;
+namespace core::script {
 
 namespace {
 
 /// What a statement asks of the loop around it.
-enum class Flow { next, breakLoop, continueLoop };
+enum class Flow { next, breakLoop, continueLoop, leave };
 
-/// Carries out `work`, and gives every failure of the library the place in the script where it happened.
+/// Carries out `work`, and gives every failure of the library and of the program the place in the script
+/// where it happened.
 template <class Work>
 auto at(Span span, Work work) {
     try {
@@ -32,39 +34,19 @@ auto at(Span span, Work work) {
     } catch (const ScriptError&) {
         throw;
     } catch (const Exception& e) {
-        throw ScriptError(span, e.description(), wrap_exception(e).get());
+        throw ScriptError(span, e);
     } catch (const std::bad_alloc&) {
-        fail_at(span, "IDS_SCRIPT_NO_MEMORY");
+        fail_at(span, messages::kScriptNoMemory);
     } catch (const std::length_error&) { // longer than memory could ever be
-        fail_at(span, "IDS_SCRIPT_NO_MEMORY");
+        fail_at(span, messages::kScriptNoMemory);
+    } catch (const std::exception& e) {
+        const Exception cause(from_utf8(e.what()));
+        fail_at(span, messages::kScriptForeignFailure, {cause.description()}, wrap_exception(cause).get());
+    } catch (const abi::__forced_unwind&) { // the thread is being cancelled
+        throw;
+    } catch (...) {
+        fail_at(span, messages::kScriptUnknownFailure);
     }
-}
-
-GenericValue constant_value(const Constant& constant) {
-    switch (constant.kind) {
-    case Constant::Kind::undefined:
-        return {};
-    case Constant::Kind::null:
-        return Value::null();
-    case Constant::Kind::falseValue:
-        return GenericValue(false);
-    case Constant::Kind::trueValue:
-        return GenericValue(true);
-    case Constant::Kind::number:
-        return GenericValue(Numeric::fromString(constant.text));
-    case Constant::Kind::string:
-        return GenericValue(constant.text);
-    case Constant::Kind::date: {
-        wstring digits = constant.text;
-        digits.resize(14, u'0'); // a date alone is midnight
-        const wchar* end = nullptr;
-        const Date date = Date::fromString(digits, &end);
-        if (end != digits.data() + digits.size())
-            fail_at(constant.span, "IDS_SCRIPT_BAD_DATE");
-        return GenericValue(date);
-    }
-    }
-    return {};
 }
 
 InterfacePtr<IContext_> context_of(const GenericValue& object, const wstring& member) {
@@ -88,25 +70,31 @@ int find_first(const IContext_& context, std::initializer_list<const wchar*> nam
 /// One run of one program.
 class Interpreter::Run {
   public:
-    using Show = std::function<void(const GenericValue&)>;
-
     Run(Interpreter& owner, const Program& program, const Show* show)
-        : owner_(owner), values_(owner.values_), globals_(*owner.globals_), program_(program), show_(show) {
-        constants_.reserve(program.constants.size());
-        for (const Constant& constant : program.constants)
-            constants_.push_back(constant_value(constant));
+        : owner_(owner), watch_(owner.watch_), values_(owner.values_), program_(program), show_(show),
+          counted_(watch_) {
+        slots_.reserve(program.names.size());
+        for (std::size_t slot = 0; slot < program.names.size(); ++slot)
+            slots_.push_back(owner.variables_.slot(program.names.name(slot)));
         values_.resize(std::max(values_.size(), owner.variables_.size()));
-        owner.interrupted_.store(false, std::memory_order_relaxed); // it was meant for the script before
     }
 
-    void run() { execute(program_.body); }
+    GenericValue run() {
+        if (watch_.nested())
+            watch_.requireStack({});
+        execute(program_.body);
+        return std::move(result_);
+    }
 
   private:
     // statements
 
     Flow execute(const Block& block) {
+        if (block.empty())
+            return Flow::next;
+        const Watch::Level level(watch_, block.front().span);
         for (const Statement& statement : block) {
-            checkInterrupt(statement.span);
+            watch_.step(statement.span);
             const Flow flow = std::visit([&](const auto& node) { return execute(node); }, statement.node);
             if (flow != Flow::next)
                 return flow;
@@ -142,10 +130,10 @@ class Interpreter::Run {
         });
         GenericValue element;
         while (at(node.collection->span, [&] { return walk->next(element); })) {
-            values_[node.slot] = element;
-            if (execute(node.body) == Flow::breakLoop)
-                break;
-            checkInterrupt(node.collection->span);
+            variable(node.slot) = element;
+            if (const Flow flow = execute(node.body); ends_loop(flow))
+                return behind_loop(flow);
+            watch_.step(node.collection->span);
         }
         return Flow::next;
     }
@@ -153,59 +141,69 @@ class Interpreter::Run {
         Numeric number = numeric(*node.first);
         const Numeric last = numeric(*node.last);
         for (; number.compare(last) <= 0; number += Numeric(1)) {
-            values_[node.slot] = GenericValue(number);
-            if (execute(node.body) == Flow::breakLoop)
-                break;
-            checkInterrupt(node.last->span);
+            variable(node.slot) = GenericValue(number);
+            if (const Flow flow = execute(node.body); ends_loop(flow))
+                return behind_loop(flow);
+            watch_.step(node.last->span);
         }
         return Flow::next;
     }
     Flow execute(const While& node) {
         while (condition(*node.condition)) {
-            if (execute(node.body) == Flow::breakLoop)
-                break;
-            checkInterrupt(node.condition->span);
+            if (const Flow flow = execute(node.body); ends_loop(flow))
+                return behind_loop(flow);
+            watch_.step(node.condition->span);
         }
         return Flow::next;
     }
     Flow execute(const Break&) { return Flow::breakLoop; }
     Flow execute(const Continue&) { return Flow::continueLoop; }
 
-    /// A loop with an empty body can be interrupted, too.
-    void checkInterrupt(Span span) {
-        if (owner_.interrupted_.load(std::memory_order_relaxed)) {
-            owner_.interrupted_.store(false, std::memory_order_relaxed);
-            fail_at(span, "IDS_SCRIPT_INTERRUPTED");
-        }
+    Flow execute(const Return& node) {
+        if (node.value)
+            result_ = evaluate(*node.value);
+        if (show_ != nullptr && node.value)
+            (*show_)(result_);
+        return Flow::leave;
     }
+
+    static bool ends_loop(Flow flow) noexcept { return flow == Flow::breakLoop || flow == Flow::leave; }
+    static Flow behind_loop(Flow flow) noexcept { return flow == Flow::leave ? flow : Flow::next; }
 
     // expressions
 
+    std::optional<GenericValue>& variable(std::size_t slot) { return values_[slots_[slot]]; }
+
     GenericValue evaluate(const Expression& expression) {
+        if (const auto* const literal = std::get_if<Literal>(&expression.node))
+            return literal->value;
+        if (const auto* const name = std::get_if<Variable>(&expression.node))
+            return evaluate(*name, expression.span);
+        const Watch::Level level(watch_, expression.span);
         return std::visit([&](const auto& node) { return evaluate(node, expression.span); }, expression.node);
     }
 
-    GenericValue evaluate(const Literal& node, Span) { return constants_[node.constant]; }
+    GenericValue evaluate(const Literal& node, Span) { return node.value; }
 
     GenericValue evaluate(const Variable& node, Span span) {
-        if (const auto& value = values_[node.slot])
+        if (const auto& value = variable(node.slot))
             return *value;
         return at(span, [&] {
-            const wstring& name = owner_.variables_.name(node.slot);
-            const int prop = globals_.findProp(name.c_str());
-            if (prop < 0)
+            const wstring& name = program_.names.name(node.slot);
+            const Globals::Place prop = owner_.globals_.findProp(name);
+            if (prop.context == nullptr)
                 throw_error<ContextException>("IDS_SCRIPT_UNKNOWN_VARIABLE", {name});
             GenericValue value;
-            globals_.getPropVal(prop, value);
+            prop.context->getPropVal(prop.number, value);
             return value;
         });
     }
 
     GenericValue evaluate(const Call& node, Span span) {
-        const int method = globals_.findMethod(node.name.c_str());
-        if (method < 0)
+        const Globals::Place method = owner_.globals_.findMethod(node.name);
+        if (method.context == nullptr)
             fail_at(span, "IDS_SCRIPT_UNKNOWN_FUNCTION", {node.name});
-        return call(globals_, method, node.name, node.arguments, span);
+        return call(*method.context, method.number, node.name, node.arguments, span);
     }
 
     GenericValue evaluate(const Creation& node, Span span) {
@@ -213,6 +211,7 @@ class Interpreter::Run {
         arguments.reserve(node.arguments.size());
         for (const ExpressionPtr& argument : node.arguments)
             arguments.push_back(argument ? evaluate(*argument) : GenericValue());
+        watch_.hurry();
         return at(span, [&] { return Type(wstring_view(node.type)).get()->construct(arguments); });
     }
 
@@ -232,6 +231,8 @@ class Interpreter::Run {
                 result = GenericValue(left == decided ? decided : condition(*operation.operand));
             } else {
                 const GenericValue right = evaluate(*operation.operand);
+                if (const wstring_view* const text = result.asString())
+                    requireRoom(operation.span, *text, right);
                 result = at(operation.span, [&] { return apply(operation.sign, result, right); });
             }
         }
@@ -243,6 +244,17 @@ class Interpreter::Run {
         for (const Link& link : node.links)
             object = follow(object, link);
         return object;
+    }
+
+    /// Two texts can double in each step; no look at the memory afterwards would be in time.
+    void requireRoom(Span span, wstring_view left, const GenericValue& right) {
+        constexpr std::size_t kLong = 1U << 15U; // units
+        const wstring_view* const other = right.asString();
+        const std::size_t units = left.size() + (other != nullptr ? other->size() : 0);
+        if (units < kLong)
+            return;
+        watch_.requireRoom(span, units);
+        watch_.hurry();
     }
 
     bool condition(const Expression& expression) {
@@ -323,6 +335,7 @@ class Interpreter::Run {
             }
         }
         GenericValue result;
+        watch_.hurry();
         at(span, [&] { context.call(method, &result, &arguments); });
         returned_ = context.hasRetVal(method);
         for (std::size_t i = 0; i < expressions.size(); ++i) {
@@ -336,7 +349,7 @@ class Interpreter::Run {
     /// A variable that has no value yet may stand where a method only passes one back.
     GenericValue argument(const IContext_& context, int method, int param, const Expression& expression) {
         const auto* const variable = std::get_if<Variable>(&expression.node);
-        if (variable != nullptr && !values_[variable->slot] && context.isParamOut(method, param))
+        if (variable != nullptr && !this->variable(variable->slot) && context.isParamOut(method, param))
             return {};
         return evaluate(expression);
     }
@@ -360,7 +373,7 @@ class Interpreter::Run {
 
     void assign(const Expression& target, const GenericValue& value) {
         if (const auto* const variable = std::get_if<Variable>(&target.node)) {
-            values_[variable->slot] = value;
+            this->variable(variable->slot) = value;
             return;
         }
         const auto& access = std::get<Access>(target.node);
@@ -395,23 +408,18 @@ class Interpreter::Run {
     }
 
     Interpreter& owner_;
+    Watch& watch_;
     std::vector<std::optional<GenericValue>>& values_;
-    IContext_& globals_;
     const Program& program_;
     const Show* show_;
-    bool returned_ = false; // what was called last is a function
-    std::vector<GenericValue> constants_;
+    Watch::Run counted_;
+    std::vector<std::size_t> slots_; // of the interpreter's variables, by those of the program
+    bool returned_ = false;          // what was called last is a function
+    GenericValue result_;
 };
 
-Interpreter::Interpreter(InterfacePtr<IContext_> globals, const Variables& variables)
-    : globals_(std::move(globals)), variables_(variables) {}
-
-void Interpreter::run(const Program& program) {
-    Run(*this, program, nullptr).run();
-}
-
-void Interpreter::run(const Program& program, const std::function<void(const GenericValue&)>& show) {
-    Run(*this, program, &show).run();
+GenericValue Interpreter::run(const Program& program, const Show* show) {
+    return Run(*this, program, show).run();
 }
 
 std::optional<GenericValue> Interpreter::value(wstring_view name) const {
@@ -419,4 +427,17 @@ std::optional<GenericValue> Interpreter::value(wstring_view name) const {
     return slot && *slot < values_.size() ? values_[*slot] : std::nullopt;
 }
 
-} // namespace host::script
+void Interpreter::setValue(wstring_view name, const GenericValue& value) {
+    const std::size_t slot = variables_.slot(name);
+    if (slot >= values_.size())
+        values_.resize(slot + 1);
+    values_[slot] = value;
+}
+
+void Interpreter::removeValue(wstring_view name) {
+    const auto slot = variables_.find(name);
+    if (slot && *slot < values_.size())
+        values_[*slot].reset();
+}
+
+} // namespace core::script

@@ -6,33 +6,33 @@
 #include <algorithm>
 #include <utility>
 
-namespace host::script {
+namespace core::script {
 namespace {
 
-constexpr core::wchar kByteOrderMark = 0xFEFF;
+constexpr wchar kByteOrderMark = 0xFEFF;
 
-bool starts_name(core::wchar c) noexcept {
-    return core::is_alpha(c) || c == u'_';
+bool starts_name(wchar c) noexcept {
+    return is_alpha(c) || c == u'_';
 }
 
-bool continues_name(core::wchar c) noexcept {
-    return core::is_alnum(c) || c == u'_';
+bool continues_name(wchar c) noexcept {
+    return is_alnum(c) || c == u'_';
 }
 
 /// One line end, of one or two units.
-std::size_t skip_line_end(core::wstring_view text, std::size_t at) noexcept {
+std::size_t skip_line_end(wstring_view text, std::size_t at) noexcept {
     return at + (text.substr(at, 2) == u"\r\n" ? 2 : 1);
 }
 
-std::size_t skip_spaces(core::wstring_view text, std::size_t at) noexcept {
-    while (at < text.size() && core::is_space(text[at]) && !is_line_end(text[at]))
+std::size_t skip_spaces(wstring_view text, std::size_t at) noexcept {
+    while (at < text.size() && is_space(text[at]) && !is_line_end(text[at]))
         ++at;
     return at;
 }
 
 } // namespace
 
-Lexer::Lexer(core::wstring_view text, More more) : text_(text), more_(std::move(more)) {
+Lexer::Lexer(wstring_view text, More more) : text_(text), more_(std::move(more)) {
     if (at(0) == kByteOrderMark)
         at_ = 1;
 }
@@ -52,14 +52,14 @@ Token Lexer::next() {
     skip_blanks();
     if (at_ == text_.size())
         return {TokenKind::end, since(at_)};
-    const core::wchar c = text_[at_];
+    const wchar c = text_[at_];
     if (starts_name(c)) {
         const std::size_t begin = at_;
         while (continues_name(at(at_)))
             ++at_;
         return {keyword(text_.substr(begin, at_ - begin)), since(begin)};
     }
-    if (core::is_ascii_digit(c))
+    if (is_ascii_digit(c))
         return number();
     if (c == u'"')
         return string();
@@ -70,7 +70,7 @@ Token Lexer::next() {
 
 void Lexer::skip_blanks() {
     while (at_ < text_.size()) {
-        if (core::is_space(text_[at_])) {
+        if (is_space(text_[at_])) {
             ++at_;
         } else if (text_.substr(at_, 2) == u"//") {
             while (at_ < text_.size() && !is_line_end(text_[at_]))
@@ -84,11 +84,11 @@ void Lexer::skip_blanks() {
 Token Lexer::number() {
     const std::size_t begin = at_;
     const auto digits = [this] {
-        while (core::is_ascii_digit(at(at_)))
+        while (is_ascii_digit(at(at_)))
             ++at_;
     };
     digits();
-    if (at(at_) == u'.' && core::is_ascii_digit(at(at_ + 1))) {
+    if (at(at_) == u'.' && is_ascii_digit(at(at_ + 1))) {
         ++at_;
         digits();
     }
@@ -103,7 +103,7 @@ Token Lexer::number() {
 Token Lexer::string() {
     const std::size_t begin = at_++;
     for (;;) {
-        const core::wchar c = at(at_);
+        const wchar c = at(at_);
         if (at_ == text_.size() || is_line_end(c)) {
             // The string may go on in a later line, behind a "|".
             const Span opening = since(begin);
@@ -126,7 +126,7 @@ Token Lexer::string() {
 Token Lexer::date() {
     const std::size_t begin = at_++;
     const std::size_t digits = at_;
-    while (core::is_ascii_digit(at(at_)))
+    while (is_ascii_digit(at(at_)))
         ++at_;
     const std::size_t count = at_ - digits;
     const bool closed = at(at_) == u'\'';
@@ -139,8 +139,8 @@ Token Lexer::date() {
 
 Token Lexer::sign() {
     const std::size_t begin = at_;
-    const core::wchar c = text_[at_++];
-    const core::wchar following = at(at_);
+    const wchar c = text_[at_++];
+    const wchar following = at(at_);
     const auto is = [&](TokenKind kind) { return Token{kind, since(begin)}; };
     const auto longer = [&](TokenKind kind) {
         ++at_;
@@ -186,9 +186,9 @@ Token Lexer::sign() {
     }
 }
 
-core::wstring string_value(core::wstring_view token) {
-    const core::wstring_view text = token.substr(1, token.size() - 2);
-    core::wstring value;
+wstring string_value(wstring_view token) {
+    const wstring_view text = token.substr(1, token.size() - 2);
+    wstring value;
     value.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
         if (is_line_end(text[i])) {
@@ -204,4 +204,4 @@ core::wstring string_value(core::wstring_view token) {
     return value;
 }
 
-} // namespace host::script
+} // namespace core::script

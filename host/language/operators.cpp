@@ -3,9 +3,7 @@
 
 #include <core/values/errors.h>
 
-namespace host::script {
-
-using namespace core;
+namespace core::script {
 
 namespace {
 
@@ -113,4 +111,4 @@ bool truth(const GenericValue& value) {
     return result;
 }
 
-} // namespace host::script
+} // namespace core::script

@@ -7,7 +7,7 @@
 
 /// What the operators of scripts mean. ContextException for operands that an operator does not take;
 /// NumericException for a division by zero.
-namespace host::script {
+namespace core::script {
 
 /// The result of a sign between two values; `and` and `or` are the interpreter's, which may not need both.
 ///
@@ -17,11 +17,10 @@ namespace host::script {
 ///     Date - Date         the seconds between them
 ///     = <>                equality of values, which never crosses types
 ///     < <= > >=           Numbers, Strings, Dates and Booleans, each among themselves
-[[nodiscard]] core::GenericValue apply(Operator sign, const core::GenericValue& left,
-                                       const core::GenericValue& right);
+[[nodiscard]] GenericValue apply(Operator sign, const GenericValue& left, const GenericValue& right);
 
-[[nodiscard]] core::GenericValue negate(const core::GenericValue& value);
+[[nodiscard]] GenericValue negate(const GenericValue& value);
 /// The Boolean reading, which the value must have.
-[[nodiscard]] bool truth(const core::GenericValue& value);
+[[nodiscard]] bool truth(const GenericValue& value);
 
-} // namespace host::script
+} // namespace core::script

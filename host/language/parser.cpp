@@ -3,13 +3,14 @@
 
 #include "host/language/lexer.h"
 
+#include <core/numbers/errors.h>
 #include <core/runtime/utf8.h>
 
 #include <array>
 #include <optional>
 #include <utility>
 
-namespace host::script {
+namespace core::script {
 namespace {
 
 enum class Level : std::uint8_t { logicalOr, logicalAnd, logicalNot, comparison, sum, product, sign };
@@ -48,6 +49,10 @@ constexpr bool ends_block(TokenKind kind) {
            kind == TokenKind::keyElse || kind == TokenKind::keyElsIf;
 }
 
+constexpr bool ends_statement(TokenKind kind) {
+    return kind == TokenKind::semicolon || ends_block(kind);
+}
+
 Span from_to(Span first, Span last) {
     return {first.offset, last.end() - first.offset};
 }
@@ -56,8 +61,8 @@ using StatementNode = decltype(Statement::node);
 
 class Parser {
   public:
-    Parser(std::shared_ptr<const Source> source, Variables& variables, Mode mode, Lexer::More more = {})
-        : lexer_(source->text(), std::move(more)), variables_(variables), mode_(mode) {
+    Parser(std::shared_ptr<const Source> source, Mode mode, Lexer::More more = {})
+        : lexer_(source->text(), std::move(more)), mode_(mode) {
         program_.source = std::move(source);
         token_ = lexer_.next();
     }
@@ -75,8 +80,7 @@ class Parser {
       public:
         explicit Nested(Parser& parser) : depth_(parser.depth_) {
             if (depth_ == kMaxNesting)
-                fail_at(parser.token_.span, "IDS_SCRIPT_TOO_DEEP",
-                        {core::from_utf8(std::to_string(kMaxNesting))});
+                fail_at(parser.token_.span, "IDS_SCRIPT_TOO_DEEP", {from_utf8(std::to_string(kMaxNesting))});
             ++depth_;
         }
         Nested(const Nested&) = delete;
@@ -102,7 +106,9 @@ class Parser {
     ExpressionPtr negation(bool logical);
     ExpressionPtr chain();
     ExpressionPtr primary();
-    ExpressionPtr literal(Constant::Kind kind, core::wstring text = {});
+    ExpressionPtr literal(GenericValue value);
+    [[nodiscard]] GenericValue number_value() const;
+    [[nodiscard]] GenericValue date_value() const;
     Arguments arguments();
     Link link();
 
@@ -128,16 +134,13 @@ class Parser {
     Token expect(TokenKind kind);
     /// After "." and New keywords lose their meaning.
     Token expect_word();
-    [[nodiscard]] core::wstring_view text(const Token& token) const {
-        return program_.source->text(token.span);
-    }
+    [[nodiscard]] wstring_view text(const Token& token) const { return program_.source->text(token.span); }
     [[nodiscard]] ExpressionPtr make(Span first, decltype(Expression::node) node) const {
         return std::make_unique<Expression>(Expression{from_to(first, last_), std::move(node)});
     }
-    [[noreturn]] void fail_found(const char* id, core::wstring expected = {});
+    [[noreturn]] void fail_found(const char* id, wstring expected = {});
 
     Lexer lexer_;
-    Variables& variables_;
     Mode mode_;
     Program program_;
     Token token_; // the next one
@@ -148,15 +151,15 @@ class Parser {
 };
 
 /// "{0}" of the message is what was found, "{1}" what was expected.
-void Parser::fail_found(const char* id, core::wstring expected) {
+void Parser::fail_found(const char* id, wstring expected) {
     constexpr std::size_t kMaxShown = 40;
-    core::wstring found;
+    wstring found;
     if (token_.kind == TokenKind::end)
-        found = core::message_text("IDS_SCRIPT_END_OF_TEXT");
+        found = message_text("IDS_SCRIPT_END_OF_TEXT");
     else if (token_.span.length > kMaxShown)
-        found = u"“" + core::wstring(text(token_).substr(0, kMaxShown)) + u"…”";
+        found = u"“" + wstring(text(token_).substr(0, kMaxShown)) + u"…”";
     else
-        found = u"“" + core::wstring(text(token_)) + u"”";
+        found = u"“" + wstring(text(token_)) + u"”";
     fail_at(token_.span, id, {found, std::move(expected)});
 }
 
@@ -183,7 +186,7 @@ Block Parser::block() {
         if (ends_block(token_.kind))
             return statements;
         statements.push_back(statement());
-        if (!ends_block(token_.kind) && token_.kind != TokenKind::semicolon)
+        if (!ends_statement(token_.kind))
             fail_at({last_.end(), 1}, "IDS_SCRIPT_EXPECTED_SEMICOLON"); // there, not at what follows
     }
 }
@@ -207,6 +210,10 @@ Statement Parser::statement() {
             fail_found("IDS_SCRIPT_OUTSIDE_LOOP");
         if (take().kind == TokenKind::keyContinue)
             result.node = Continue{};
+        break;
+    case TokenKind::keyReturn:
+        take();
+        result.node = Return{ends_statement(token_.kind) ? nullptr : expression()};
         break;
     default:
         result.node = simple_statement();
@@ -235,12 +242,12 @@ StatementNode Parser::for_statement() {
     ++open_;
     take();
     if (accept(TokenKind::keyEach)) {
-        const std::size_t slot = variables_.slot(text(expect(TokenKind::name)));
+        const std::size_t slot = program_.names.slot(text(expect(TokenKind::name)));
         expect(TokenKind::keyIn);
         ExpressionPtr collection = expression();
         return ForEach{slot, std::move(collection), loop_body()};
     }
-    const std::size_t slot = variables_.slot(text(expect(TokenKind::name)));
+    const std::size_t slot = program_.names.slot(text(expect(TokenKind::name)));
     expect(TokenKind::equal);
     ExpressionPtr first = expression();
     expect(TokenKind::keyTo);
@@ -352,12 +359,12 @@ ExpressionPtr Parser::primary() {
     case TokenKind::name: {
         const Token name = take();
         if (token_.kind == TokenKind::open)
-            return make(name.span, Call{core::wstring(text(name)), arguments()});
-        return make(name.span, Variable{variables_.slot(text(name))});
+            return make(name.span, Call{wstring(text(name)), arguments()});
+        return make(name.span, Variable{program_.names.slot(text(name))});
     }
     case TokenKind::keyNew: {
         const Span begin = take().span;
-        core::wstring type(text(expect_word()));
+        wstring type(text(expect_word()));
         return make(begin,
                     Creation{std::move(type), token_.kind == TokenKind::open ? arguments() : Arguments()});
     }
@@ -371,28 +378,44 @@ ExpressionPtr Parser::primary() {
         return inner;
     }
     case TokenKind::number:
-        return literal(Constant::Kind::number, core::wstring(text(token_)));
+        return literal(number_value());
     case TokenKind::string:
-        return literal(Constant::Kind::string, string_value(text(token_)));
+        return literal(string_value(text(token_)));
     case TokenKind::date:
-        return literal(Constant::Kind::date, core::wstring(text(token_).substr(1, token_.span.length - 2)));
+        return literal(date_value());
     case TokenKind::keyTrue:
-        return literal(Constant::Kind::trueValue);
+        return literal(true);
     case TokenKind::keyFalse:
-        return literal(Constant::Kind::falseValue);
+        return literal(false);
     case TokenKind::keyUndefined:
-        return literal(Constant::Kind::undefined);
+        return literal({});
     case TokenKind::keyNull:
-        return literal(Constant::Kind::null);
+        return literal(Value::null());
     default:
         fail_found("IDS_SCRIPT_EXPECTED_VALUE");
     }
 }
 
-ExpressionPtr Parser::literal(Constant::Kind kind, core::wstring text) {
-    const Span span = take().span;
-    program_.constants.push_back({kind, std::move(text), span});
-    return make(span, Literal{program_.constants.size() - 1});
+ExpressionPtr Parser::literal(GenericValue value) {
+    return make(take().span, Literal{std::move(value)});
+}
+
+GenericValue Parser::number_value() const {
+    try {
+        return GenericValue(Numeric::fromString(text(token_)));
+    } catch (const NumericException& e) { // a text as long as no number may be
+        throw ScriptError(token_.span, e);
+    }
+}
+
+GenericValue Parser::date_value() const {
+    wstring digits(text(token_).substr(1, token_.span.length - 2));
+    digits.resize(14, u'0'); // a date alone is midnight
+    const wchar* end = nullptr;
+    const Date date = Date::fromString(digits, &end);
+    if (end != digits.data() + digits.size())
+        fail_at(token_.span, "IDS_SCRIPT_BAD_DATE");
+    return GenericValue(date);
 }
 
 Arguments Parser::arguments() {
@@ -414,16 +437,16 @@ Arguments Parser::arguments() {
 
 } // namespace
 
-Program parse(std::shared_ptr<const Source> source, Variables& variables, Mode mode) {
-    return Parser(std::move(source), variables, mode).program();
+Program parse(std::shared_ptr<const Source> source, Mode mode) {
+    return Parser(std::move(source), mode).program();
 }
 
-Program parse_entry(const std::shared_ptr<Source>& source, Variables& variables, const MoreLines& more) {
+Program parse_entry(const std::shared_ptr<Source>& source, const GrowSource& more) {
     const auto grow = [&source = *source, &more] {
         more(source);
         return source.text();
     };
-    return Parser(source, variables, Mode::console, grow).program();
+    return Parser(source, Mode::console, grow).program();
 }
 
-} // namespace host::script
+} // namespace core::script

@@ -1,10 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/language/script_error.h"
 
-namespace host::script {
+#include <core/runtime/exception_object.h>
 
-void fail_at(Span span, const char* id, std::initializer_list<core::wstring> params) {
-    throw ScriptError(span, core::message_text(id, params));
+namespace core::script {
+
+ScriptError::ScriptError(Span span, const Exception& cause)
+    : ScriptError(span, cause.description(), wrap_exception(cause).get()) {}
+
+Error ScriptError::located(const Source& source) const {
+    const Position position = source.position(span_.offset);
+    const Span line = source.line_at(span_.offset);
+    return Error(description(),
+                 {.file = source.name(),
+                  .line = static_cast<std::int32_t>(position.line),
+                  .column = static_cast<std::int32_t>(position.column),
+                  .text = wstring(source.text(line)),
+                  .offset = static_cast<std::int32_t>(span_.offset - line.offset),
+                  .length = static_cast<std::int32_t>(span_.length)},
+                 cause());
 }
 
-} // namespace host::script
+void fail_at(Span span, const char* id, std::initializer_list<wstring> params, IExceptionObject* cause) {
+    throw ScriptError(span, message_text(id, params), cause);
+}
+
+} // namespace core::script

@@ -6,22 +6,22 @@
 #include <algorithm>
 #include <utility>
 
-namespace host::script {
+namespace core::script {
 
 namespace {
 
 void require_size(std::size_t size) {
     if (size > Source::kMaxSize)
-        core::throw_error<core::ContextException>("IDS_SCRIPT_TOO_LARGE");
+        throw_error<ContextException>("IDS_SCRIPT_TOO_LARGE");
 }
 
 } // namespace
 
-Source::Source(std::string name, core::wstring text) : name_(std::move(name)), text_(std::move(text)) {
+Source::Source(wstring name, wstring text) : name_(std::move(name)), text_(std::move(text)) {
     require_size(text_.size());
 }
 
-void Source::append(core::wstring_view line) {
+void Source::append(wstring_view line) {
     require_size(text_.size() + line.size() + 1);
     text_.append(line).append(u"\n");
 }
@@ -30,7 +30,7 @@ Position Source::position(std::uint32_t offset) const noexcept {
     Position position;
     const std::size_t end = std::min<std::size_t>(offset, text_.size());
     for (std::size_t i = 0; i < end; ++i) {
-        const core::wchar c = text_[i];
+        const wchar c = text_[i];
         if (c == u'\n' || (c == u'\r' && !(i + 1 < text_.size() && text_[i + 1] == u'\n'))) {
             ++position.line;
             position.column = 1;
@@ -51,4 +51,4 @@ Span Source::line_at(std::uint32_t offset) const noexcept {
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end - begin)};
 }
 
-} // namespace host::script
+} // namespace core::script

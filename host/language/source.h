@@ -4,9 +4,8 @@
 #include <core/runtime/types.h>
 
 #include <cstdint>
-#include <string>
 
-namespace host::script {
+namespace core::script {
 
 /// A piece of a source text, in code units.
 struct Span {
@@ -31,15 +30,15 @@ class Source {
     static constexpr std::size_t kMaxSize = 1U << 28;
 
     /// Throws ContextException for a text above kMaxSize.
-    Source(std::string name, core::wstring text);
+    Source(wstring name, wstring text);
 
     /// Adds a line, as a console does to what has no end yet. Spans stay valid, what text() returned does
     /// not. Throws ContextException when the text would pass kMaxSize.
-    void append(core::wstring_view line);
+    void append(wstring_view line);
 
-    [[nodiscard]] const std::string& name() const noexcept { return name_; }
-    [[nodiscard]] core::wstring_view text() const noexcept { return text_; }
-    [[nodiscard]] core::wstring_view text(Span span) const noexcept {
+    [[nodiscard]] const wstring& name() const noexcept { return name_; }
+    [[nodiscard]] wstring_view text() const noexcept { return text_; }
+    [[nodiscard]] wstring_view text(Span span) const noexcept {
         return text().substr(span.offset, span.length);
     }
 
@@ -49,13 +48,13 @@ class Source {
     [[nodiscard]] Span line_at(std::uint32_t offset) const noexcept;
 
   private:
-    std::string name_;
-    core::wstring text_;
+    wstring name_;
+    wstring text_;
 };
 
 /// A line ends with LF, CR or both.
-[[nodiscard]] constexpr bool is_line_end(core::wchar c) noexcept {
+[[nodiscard]] constexpr bool is_line_end(wchar c) noexcept {
     return c == u'\n' || c == u'\r';
 }
 
-} // namespace host::script
+} // namespace core::script

@@ -8,13 +8,13 @@
 #include <iterator>
 #include <unordered_map>
 
-namespace host::script {
+namespace core::script {
 namespace {
 
 struct Keyword {
     TokenKind kind;
-    core::wstring_view english;
-    core::wstring_view russian;
+    wstring_view english;
+    wstring_view russian;
 };
 
 constexpr Keyword kKeywords[] = {
@@ -32,6 +32,7 @@ constexpr Keyword kKeywords[] = {
     {TokenKind::keyEndDo, u"EndDo", u"КонецЦикла"},
     {TokenKind::keyBreak, u"Break", u"Прервать"},
     {TokenKind::keyContinue, u"Continue", u"Продолжить"},
+    {TokenKind::keyReturn, u"Return", u"Возврат"},
     {TokenKind::keyAnd, u"And", u"И"},
     {TokenKind::keyOr, u"Or", u"Или"},
     {TokenKind::keyNot, u"Not", u"Не"},
@@ -44,7 +45,7 @@ constexpr Keyword kKeywords[] = {
 
 struct Sign {
     TokenKind kind;
-    core::wstring_view text;
+    wstring_view text;
 };
 
 constexpr Sign kSigns[] = {
@@ -56,7 +57,7 @@ constexpr Sign kSigns[] = {
     {TokenKind::lessEqual, u"<="},   {TokenKind::greater, u">"},   {TokenKind::greaterEqual, u">="},
 };
 
-using KeywordTable = std::unordered_map<core::wstring_view, TokenKind, core::NocaseHash, core::NocaseEqual>;
+using KeywordTable = std::unordered_map<wstring_view, TokenKind, NocaseHash, NocaseEqual>;
 
 KeywordTable make_keyword_table() {
     KeywordTable table;
@@ -69,30 +70,29 @@ KeywordTable make_keyword_table() {
 
 } // namespace
 
-TokenKind keyword(core::wstring_view word) {
+TokenKind keyword(wstring_view word) {
     static const KeywordTable table = make_keyword_table();
     const auto found = table.find(word);
     return found != table.end() ? found->second : TokenKind::name;
 }
 
-core::wstring_view keyword_name(TokenKind kind, int alias) {
+wstring_view keyword_name(TokenKind kind, int alias) {
     const auto* const keyword = std::find_if(std::begin(kKeywords), std::end(kKeywords),
                                              [kind](const Keyword& k) { return k.kind == kind; });
     if (keyword == std::end(kKeywords))
         return {};
-    return alias == core::kRussian ? keyword->russian : keyword->english;
+    return alias == kRussian ? keyword->russian : keyword->english;
 }
 
-core::wstring spelling(TokenKind kind) {
+wstring spelling(TokenKind kind) {
     if (is_keyword(kind)) {
-        const core::wstring_view english = keyword_name(kind, core::kEnglish);
-        const core::wstring_view russian = keyword_name(kind, core::kRussian);
-        return english == russian ? core::wstring(english)
-                                  : core::wstring(english).append(u"/").append(russian);
+        const wstring_view english = keyword_name(kind, kEnglish);
+        const wstring_view russian = keyword_name(kind, kRussian);
+        return english == russian ? wstring(english) : wstring(english).append(u"/").append(russian);
     }
     const auto* const sign =
         std::find_if(std::begin(kSigns), std::end(kSigns), [kind](const Sign& s) { return s.kind == kind; });
-    return sign != std::end(kSigns) ? core::wstring(sign->text) : core::wstring();
+    return sign != std::end(kSigns) ? wstring(sign->text) : wstring();
 }
 
-} // namespace host::script
+} // namespace core::script

@@ -3,7 +3,7 @@
 
 #include "host/language/source.h"
 
-namespace host::script {
+namespace core::script {
 
 enum class TokenKind : std::uint8_t {
     end,
@@ -45,6 +45,7 @@ enum class TokenKind : std::uint8_t {
     keyEndDo,
     keyBreak,
     keyContinue,
+    keyReturn,
     keyAnd,
     keyOr,
     keyNot,
@@ -61,13 +62,13 @@ struct Token {
 };
 
 /// The keyword that a word is, in either language and without regard to case; `name` for any other word.
-[[nodiscard]] TokenKind keyword(core::wstring_view word);
+[[nodiscard]] TokenKind keyword(wstring_view word);
 /// What a sign or a keyword is written as, a keyword in both languages: "Then/Тогда". Empty for other kinds.
-[[nodiscard]] core::wstring spelling(TokenKind kind);
-/// A keyword in the language of `alias`: core::kEnglish or core::kRussian.
-[[nodiscard]] core::wstring_view keyword_name(TokenKind kind, int alias);
+[[nodiscard]] wstring spelling(TokenKind kind);
+/// A keyword in the language of `alias`: kEnglish or kRussian.
+[[nodiscard]] wstring_view keyword_name(TokenKind kind, int alias);
 [[nodiscard]] constexpr bool is_keyword(TokenKind kind) noexcept {
     return kind >= TokenKind::keyIf;
 }
 
-} // namespace host::script
+} // namespace core::script

@@ -8,14 +8,14 @@
 #include <unordered_map>
 #include <vector>
 
-namespace host::script {
+namespace core::script {
 
-/// The variables' names, each with a slot number: found without regard to case, kept as first written. The
-/// lines of a console share one.
+/// Names of variables, each with a slot number: found without regard to case, kept as first written. A
+/// program has one for the names that stand in it, an engine one for the variables that it holds.
 class Variables {
   public:
     /// The slot of a name, a new one if need be.
-    std::size_t slot(core::wstring_view name) {
+    std::size_t slot(wstring_view name) {
         if (const auto known = find(name))
             return *known;
         names_.emplace_back(name);
@@ -26,16 +26,16 @@ class Variables {
             throw;
         }
     }
-    [[nodiscard]] std::optional<std::size_t> find(core::wstring_view name) const {
-        const auto found = slots_.find(core::wstring(name));
+    [[nodiscard]] std::optional<std::size_t> find(wstring_view name) const {
+        const auto found = slots_.find(wstring(name));
         return found != slots_.end() ? std::optional(found->second) : std::nullopt;
     }
     [[nodiscard]] std::size_t size() const noexcept { return names_.size(); }
-    [[nodiscard]] const core::wstring& name(std::size_t slot) const noexcept { return names_[slot]; }
+    [[nodiscard]] const wstring& name(std::size_t slot) const noexcept { return names_[slot]; }
 
   private:
-    std::unordered_map<core::wstring, std::size_t, core::NocaseHash, core::NocaseEqual> slots_;
-    std::vector<core::wstring> names_;
+    std::unordered_map<wstring, std::size_t, NocaseHash, NocaseEqual> slots_;
+    std::vector<wstring> names_;
 };
 
-} // namespace host::script
+} // namespace core::script

@@ -8,34 +8,34 @@
 #include <cstddef>
 #include <span>
 
-/// What the functions of the host take from their arguments. Parameters are numbered from 0; ContextException
+/// What the functions of scripts take from their arguments. Parameters are numbered from 0; ContextException
 /// for an argument of the wrong type.
-namespace host::script {
+namespace core::script {
 
-using Args = std::span<core::GenericValue>;
+using Args = std::span<GenericValue>;
 
-[[nodiscard]] inline bool given(const core::GenericValue& value) {
+[[nodiscard]] inline bool given(const GenericValue& value) {
     return !value.isUndefined();
 }
 
-[[nodiscard]] inline core::wstring_view text_argument(Args arguments, int param) {
-    return core::text_argument(arguments[static_cast<std::size_t>(param)], param);
+[[nodiscard]] inline wstring_view text_argument(Args arguments, int param) {
+    return text_argument(arguments[static_cast<std::size_t>(param)], param);
 }
 
 /// What a value of any type reads as a number.
-[[nodiscard]] inline core::Numeric number_reading(Args arguments, int param) {
-    core::Numeric number;
+[[nodiscard]] inline Numeric number_reading(Args arguments, int param) {
+    Numeric number;
     if (!arguments[static_cast<std::size_t>(param)].getNumeric(number))
-        core::parameter_type_mismatch(param);
+        parameter_type_mismatch(param);
     return number;
 }
 
 /// A count or position: cut to a whole number, not below 0 and not above `most`.
 [[nodiscard]] inline std::size_t clamped_count(Args arguments, int param, std::size_t most) {
-    const core::Numeric number = number_reading(arguments, param);
+    const Numeric number = number_reading(arguments, param);
     if (number.sign() <= 0)
         return 0;
-    return number.compare(core::Numeric(most)) >= 0 ? most : static_cast<std::size_t>(number);
+    return number.compare(Numeric(most)) >= 0 ? most : static_cast<std::size_t>(number);
 }
 
-} // namespace host::script
+} // namespace core::script

@@ -6,14 +6,12 @@
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>
 
-namespace host::script {
-
-using namespace core;
+namespace core::script {
 
 void save_to_container(wstring_view file, wstring_view name, const GenericValue& value) {
     wstring text; // made before anything is touched
     value.toString(text);
-    StorageRW storage = open_container(to_utf8(file), false, OpenMode::create);
+    StorageRW storage = host::open_container(to_utf8(file), false, OpenMode::create);
     const auto inner = storage.open(name, OpenMode::replace);
     TextOutStream out(inner);
     put_text(out, text);
@@ -22,9 +20,9 @@ void save_to_container(wstring_view file, wstring_view name, const GenericValue&
 }
 
 GenericValue load_from_container(wstring_view file, wstring_view name) {
-    StorageRW storage = open_container(to_utf8(file), false, OpenMode::read);
+    StorageRW storage = host::open_container(to_utf8(file), false, OpenMode::read);
     TextInStream in(storage.open(name, OpenMode::read));
     return GenericValue::fromString(read_text(in));
 }
 
-} // namespace host::script
+} // namespace core::script

@@ -3,14 +3,14 @@
 
 #include <core/values/generic_value.h>
 
-namespace host::script {
+namespace core::script {
 
 /// Writes a value, as a brace list in UTF-8, to an inner file of the container in `file`, which is made when
 /// it does not exist. A lumstg64 URL stands for a container of the 64-bit layout. The inner file has its old
 /// content or the new one: FileException and StorageException with the URL, ConverterException for a text
 /// that UTF-8 cannot hold.
-void save_to_container(core::wstring_view file, core::wstring_view name, const core::GenericValue& value);
+void save_to_container(wstring_view file, wstring_view name, const GenericValue& value);
 /// Reads such a value back.
-[[nodiscard]] core::GenericValue load_from_container(core::wstring_view file, core::wstring_view name);
+[[nodiscard]] GenericValue load_from_container(wstring_view file, wstring_view name);
 
-} // namespace host::script
+} // namespace core::script

@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/library/functions.h"
 
+#include "host/exchange/files/whole_file.h"
 #include "host/exchange/json/json_value.h"
 #include "host/library/arguments.h"
 #include "host/library/container_values.h"
-#include "host/library/print.h"
-#include "host/library/table_functions.h"
-#include "host/terminal/text_output.h"
 
 #include <core/context/arguments.h>
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
 #include <core/context/errors.h>
-#include <core/context/group_context.h>
 #include <core/files/disk_file.h>
 #include <core/files/file_system.h>
-#include <core/objects/core_general_context.h>
-#include <core/objects/enumeration.h>
 #include <core/runtime/clock.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
@@ -28,9 +23,7 @@
 #include <algorithm>
 #include <chrono>
 
-namespace host::script {
-
-using namespace core;
+namespace core::script {
 
 namespace {
 
@@ -39,19 +32,20 @@ constexpr Param kFromJson[] = {{}, {.byDefault = ParamDefault::falseValue}};
 constexpr Param kTextAndOptional[] = {{}, kOptional};
 constexpr Param kMid[] = {{}, {}, kOptional};
 
-class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
-                      public ContextDefExtImpl<HostFunctions> {
+class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
+                        public ContextDefExtImpl<ScriptFunctions> {
   public:
     using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt>;
 
-    explicit HostFunctions(Console& console) : console_(console), start_(std::chrono::steady_clock::now()) {}
+    explicit ScriptFunctions(const Surroundings& surroundings)
+        : surroundings_(surroundings), start_(std::chrono::steady_clock::now()) {}
 
-    static std::span<const Property<HostFunctions>> properties() noexcept { return {}; }
-    static std::span<const Method<HostFunctions>> methods() noexcept;
+    static std::span<const Property<ScriptFunctions>> properties() noexcept { return {}; }
+    static std::span<const Method<ScriptFunctions>> methods() noexcept;
 
     // output and forms
     GenericValue print(Args a) {
-        print_value(a[0], console_);
+        surroundings_.print(a[0], kPrintedRows);
         return {};
     }
     GenericValue fromText(Args a) { return GenericValue::fromString(text_argument(a, 0)); }
@@ -63,11 +57,12 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
     GenericValue fromJson(Args a) {
         if (given(a[1]) && a[1].kind() != ValueKind::boolean)
             parameter_type_mismatch(1);
-        return from_json(to_utf8(text_argument(a, 0)), a[1].isTrue() ? Objects::maps : Objects::structures);
+        return host::from_json(to_utf8(text_argument(a, 0)),
+                               a[1].isTrue() ? host::Objects::maps : host::Objects::structures);
     }
     GenericValue toJson(Args a) {
         const std::size_t indent = given(a[1]) ? clamped_count(a, 1, 16) : 0;
-        return GenericValue(from_utf8(to_json(a[0], static_cast<int>(indent))));
+        return GenericValue(from_utf8(host::to_json(a[0], static_cast<int>(indent))));
     }
     GenericValue loadText(Args a) {
         const wstring url = file_url(to_utf8(text_argument(a, 0)));
@@ -75,7 +70,7 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
     }
     GenericValue saveText(Args a) {
         const wstring_view text = text_argument(a, 1);
-        write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { put_text(out, text); });
+        host::write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { put_text(out, text); });
         return {};
     }
 
@@ -145,7 +140,7 @@ class HostFunctions : public IContextImpl<IContextDefImpl<HostFunctions>>,
     GenericValue type(Args a) { return GenericValue(Type(text_argument(a, 0))); }
 
   private:
-    Console& console_;
+    const Surroundings& surroundings_;
     std::chrono::steady_clock::time_point start_;
 };
 
@@ -175,8 +170,8 @@ constexpr Term kRoundTerm = {u"Round", u"Окр"};
 constexpr Term kTypeOfTerm = {u"TypeOf", u"ТипЗнч"};
 constexpr Term kTypeTerm = {u"Type", u"Тип"};
 
-std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
-    using F = HostFunctions;
+std::span<const Method<ScriptFunctions>> ScriptFunctions::methods() noexcept {
+    using F = ScriptFunctions;
     static constexpr Method<F> kMethods[] = {
         {kPrintTerm, kPrint, kProcedure, &F::print},
         {kFromTextTerm, required(1), kFunction, &F::fromText},
@@ -207,24 +202,10 @@ std::span<const Method<HostFunctions>> HostFunctions::methods() noexcept {
     return kMethods;
 }
 
-class Globals : public StableGroupContext {
-  public:
-    explicit Globals(Console& console) {
-        addContext(create_host_functions(console).get());
-        addContext(create_table_functions(console).get());
-        addContext(create_core_general_context().get());
-        addContext(get_service<IEnumerations>());
-    }
-};
-
 } // namespace
 
-InterfacePtr<IContext_> create_host_functions(Console& console) {
-    return make_object<HostFunctions>(console);
+InterfacePtr<IContext_> create_script_functions(const Surroundings& surroundings) {
+    return make_object<ScriptFunctions>(surroundings);
 }
 
-InterfacePtr<IContext_> create_globals(Console& console) {
-    return make_object<Globals>(console);
-}
-
-} // namespace host::script
+} // namespace core::script

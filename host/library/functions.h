@@ -1,19 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/terminal/console.h"
+#include "host/library/surroundings.h"
 
 #include <core/context/context_def.h>
 
-namespace host::script {
+namespace core::script {
 
 /// What scripts call without an object in front: printing, text forms, files, dates, and the everyday
-/// functions of texts and numbers. `console`, where Print writes, must outlive the result.
-[[nodiscard]] core::InterfacePtr<core::IContext_> create_host_functions(Console& console);
+/// functions of texts and numbers. `surroundings` must outlive the result.
+[[nodiscard]] InterfacePtr<IContext_> create_script_functions(const Surroundings& surroundings);
 
-/// Everything that a script finds without an object in front, as one context: these
-/// functions, those of tables, the global context of the library, and the enumerations by
-/// name. `console` must outlive the result.
-[[nodiscard]] core::InterfacePtr<core::IContext_> create_globals(Console& console);
-
-} // namespace host::script
+} // namespace core::script

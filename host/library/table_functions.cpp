@@ -2,11 +2,9 @@
 #include "host/library/table_functions.h"
 
 #include "host/exchange/csv/csv_table.h"
+#include "host/exchange/files/whole_file.h"
 #include "host/exchange/tables/table_view.h"
 #include "host/library/arguments.h"
-#include "host/library/print.h"
-#include "host/terminal/byte_input.h"
-#include "host/terminal/text_output.h"
 
 #include <core/context/arguments.h>
 #include <core/context/errors.h>
@@ -15,9 +13,7 @@
 
 #include <limits>
 
-namespace host::script {
-
-using namespace core;
+namespace core::script {
 
 namespace {
 
@@ -25,7 +21,7 @@ char delimiter_argument(Args arguments, int param) {
     if (!given(arguments[static_cast<std::size_t>(param)]))
         return ',';
     const wstring_view text = text_argument(arguments, param);
-    if (text.size() != 1 || !is_csv_delimiter(text.front()))
+    if (text.size() != 1 || !host::is_csv_delimiter(text.front()))
         parameter_value_mismatch(param);
     return static_cast<char>(text.front());
 }
@@ -42,7 +38,7 @@ class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>> {
   public:
     using Interfaces = InterfaceList<IContext_, IContextDef>;
 
-    explicit TableFunctions(Console& console) : console_(console) {}
+    explicit TableFunctions(const Surroundings& surroundings) : surroundings_(surroundings) {}
 
     static std::span<const Property<TableFunctions>> properties() noexcept { return {}; }
     static std::span<const Method<TableFunctions>> methods() noexcept;
@@ -51,26 +47,30 @@ class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>> {
         std::optional<std::vector<wstring>> columns;
         if (given(a[2]))
             columns = names_argument(a, 2);
+        const wstring_view file = text_argument(a, 0);
+        const char delimiter = delimiter_argument(a, 1);
         return Value(
-            load_csv(console_, text_argument(a, 0), delimiter_argument(a, 1), columns).query<IValue>());
+            host::read_csv_table(surroundings_.open(file), file, delimiter, columns).query<IValue>());
     }
     GenericValue saveCsv(Args a) {
-        const auto table = table_view(a[1], ViewFor::programs);
+        const auto table = host::table_view(a[1], host::ViewFor::programs);
         if (!table)
             parameter_type_mismatch(1);
-        save_csv(text_argument(a, 0), *table, delimiter_argument(a, 2));
+        const char delimiter = delimiter_argument(a, 2);
+        host::write_text_file(to_utf8(text_argument(a, 0)),
+                              [&](wostream& out) { host::write_csv_table(out, *table, delimiter); });
         return {};
     }
     GenericValue printTable(Args a) {
-        if (!table_view(a[0]))
+        if (!host::table_view(a[0]))
             parameter_type_mismatch(0);
         constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
-        print_value(a[0], console_, given(a[1]) ? clamped_count(a, 1, kAll) : kAll);
+        surroundings_.print(a[0], given(a[1]) ? clamped_count(a, 1, kAll) : kAll);
         return {};
     }
 
   private:
-    Console& console_;
+    const Surroundings& surroundings_;
 };
 
 constexpr Term kLoadCsvTerm = {u"LoadCsv", u"ЗагрузитьCsv"};
@@ -93,19 +93,8 @@ std::span<const Method<TableFunctions>> TableFunctions::methods() noexcept {
 
 } // namespace
 
-InterfacePtr<IValueTable> load_csv(Console& console, wstring_view file, char delimiter,
-                                   const std::optional<std::vector<wstring>>& columns) {
-    ByteInput input(console, to_utf8(file));
-    return read_csv_table([&](std::span<std::byte> bytes) { return input.read(bytes); }, file, delimiter,
-                          columns);
+InterfacePtr<IContext_> create_table_functions(const Surroundings& surroundings) {
+    return make_object<TableFunctions>(surroundings);
 }
 
-void save_csv(wstring_view file, const TableView& table, char delimiter) {
-    write_text_file(to_utf8(file), [&](wostream& out) { write_csv_table(out, table, delimiter); });
-}
-
-InterfacePtr<IContext_> create_table_functions(Console& console) {
-    return make_object<TableFunctions>(console);
-}
-
-} // namespace host::script
+} // namespace core::script

@@ -107,7 +107,7 @@ class ConsoleChooser : public IChooser {
     std::size_t show(const Value& rows, const wstring& title, std::size_t initial) {
         if (!title.empty())
             console_.out << terminal_text(title) << '\n';
-        const TableView view = numbered(*script::table_view(rows), initial);
+        const TableView view = numbered(*table_view(rows), initial);
         print_table(console_.out, view, line_width(console_), kListed);
         return view.rows;
     }

@@ -11,11 +11,11 @@
 #include <algorithm>
 #include <ostream>
 
-namespace host::script {
+namespace host {
 namespace {
 
-constexpr std::size_t kShownBefore = 60; // characters of a long line kept on each side of the mark
-constexpr std::size_t kShownAfter = 60;
+constexpr std::int64_t kShownBefore = 60; // units of a long line kept on each side of the mark
+constexpr std::int64_t kShownAfter = 60;
 
 constexpr const char* kBold = "\033[1m";
 constexpr const char* kRed = "\033[1;31m";
@@ -33,16 +33,14 @@ struct Excerpt {
     core::wstring mark;
 };
 
-Excerpt excerpt(const Source& source, Span span) {
-    const Span line = source.line_at(span.offset);
-    const auto begin =
-        std::max<std::int64_t>(line.offset, std::int64_t{span.offset} - std::int64_t{kShownBefore});
-    const auto end =
-        std::min<std::int64_t>(line.end(), std::int64_t{span.offset} + std::int64_t{kShownAfter});
-    const core::wchar* const text = source.text().data();
+Excerpt excerpt(const core::script::Place& place) {
+    const std::int64_t marked = place.offset;
+    const auto begin = std::max<std::int64_t>(0, marked - kShownBefore);
+    const auto end = std::min<std::int64_t>(std::ssize(place.text), marked + kShownAfter);
+    const core::wchar* const text = place.text.data();
 
     Excerpt result;
-    if (begin > line.offset) {
+    if (begin > 0) {
         result.line = u"…";
         result.mark = u" ";
     }
@@ -52,12 +50,12 @@ Excerpt excerpt(const Source& source, Span span) {
         UChar32 c = 0;
         U16_NEXT(text, i, end, c);
         result.line.append(text + at, text + i);
-        if (at < span.offset)
+        if (at < marked)
             result.mark += blank_below(c);
-        else if (at < span.end())
+        else if (at < marked + place.length)
             underline += core::wstring(blank_below(c).size(), u'~');
     }
-    if (end < line.end())
+    if (end < std::ssize(place.text))
         result.line += u"…";
     if (underline.empty())
         underline = u"~";
@@ -68,17 +66,16 @@ Excerpt excerpt(const Source& source, Span span) {
 
 } // namespace
 
-void show_error(std::ostream& out, const Source& source, const ScriptError& error, bool colour) {
+void show_error(std::ostream& out, const core::script::Error& error, bool colour) {
     const auto painted = [&](const char* paint, const std::string& text) {
         return colour ? paint + text + kPlain : text;
     };
-    const Position position = source.position(error.span().offset);
-    const std::string place = terminal_text(core::from_utf8(source.name())) + ':' +
-                              std::to_string(position.line) + ':' + std::to_string(position.column) + ':';
-    const Excerpt lines = excerpt(source, error.span());
+    const std::string place = terminal_text(error.file()) + ':' + std::to_string(error.line()) + ':' +
+                              std::to_string(error.column()) + ':';
+    const Excerpt lines = excerpt(error.place());
     out << painted(kBold, place) << ' ' << terminal_text(error.description()) << '\n'
         << "    " << terminal_text(lines.line) << '\n'
         << "    " << painted(kRed, core::to_utf8(lines.mark)) << '\n';
 }
 
-} // namespace host::script
+} // namespace host

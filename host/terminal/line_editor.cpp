@@ -164,7 +164,7 @@ class LineEditor::Terminal {
     static unsigned char completeName(EditLine* editor, int) {
         const LineInfoW* const line = el_wline(editor);
         const auto before = to_units({line->buffer, static_cast<std::size_t>(line->cursor - line->buffer)});
-        Completion found;
+        core::script::Completion found;
         try {
             found = of(editor).complete_(before);
         } catch (const std::exception&) {

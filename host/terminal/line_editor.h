@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/terminal/completion.h"
 #include "host/terminal/console.h"
 #include "host/terminal/history_file.h"
+
+#include <core/script/console.h>
 
 #include <functional>
 #include <memory>
@@ -16,7 +17,7 @@ namespace host {
 class LineEditor {
   public:
     /// Given the text of the line before the cursor.
-    using Complete = std::function<Completion(core::wstring_view before)>;
+    using Complete = std::function<core::script::Completion(core::wstring_view before)>;
 
     struct Line {
         enum class Kind {

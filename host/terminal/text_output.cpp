@@ -1,80 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/text_output.h"
 
-#include <core/files/disk_file.h>
-#include <core/files/errors.h>
-#include <core/files/file_system.h>
-#include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/errors.h>
-#include <core/streams/text_file.h>
 
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
 #include <ostream>
 
 namespace host {
-namespace {
-
-namespace fs = std::filesystem;
-
-/// Writes to a byte stream, whose failure `fail` reports.
-void write_through(std::ostream& bytes, const core::wstring& name, const TextWriter& write,
-                   const std::function<void()>& fail) {
-    core::TextOutStream text(
-        [&](std::span<const std::byte> piece) {
-            if (!bytes.write(reinterpret_cast<const char*>(piece.data()), std::ssize(piece)))
-                fail();
-        },
-        name);
-    write(text);
-    text.finish();
-    if (!bytes.flush())
-        fail();
-}
-
-/// Not to be replaced: something that takes bytes without keeping them.
-bool is_device(const fs::path& path) {
-    std::error_code ignored;
-    const fs::file_status status = fs::status(path, ignored);
-    return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
-}
-
-/// What a link leads to, whether it is there or not; the name itself if it is not a link.
-fs::path followed(const fs::path& file) {
-    fs::path path = file;
-    std::error_code isNoLink;
-    for (int links = 0; links < 40; ++links) { // as many as the system follows
-        const fs::path next = fs::read_symlink(path, isNoLink);
-        if (isNoLink)
-            return path;
-        path = path.parent_path() / next;
-    }
-    core::throw_file_error(core::messages::kFileOpen, core::file_url(file.string()), ELOOP);
-}
-
-} // namespace
-
-void write_text_file(const std::string& file, const TextWriter& write) {
-    core::require_whole_path(file);
-    if (is_device(file)) {
-        const core::wstring url = core::file_url(file);
-        errno = 0;
-        std::ofstream bytes(file, std::ios::binary);
-        if (!bytes)
-            core::throw_file_error(core::messages::kFileOpen, url, errno);
-        return write_through(bytes, url, write,
-                             [&] { core::throw_file_error(core::messages::kFileWrite, url, errno); });
-    }
-    core::save_text(*core::get_service<core::IFileSystem>(), core::file_url(followed(file).string()), write);
-}
 
 void write_text(Console& console, const std::string& file, const TextWriter& write) {
     if (file != "-")
         return write_text_file(file, write);
-    write_through(console.out, core::from_utf8(file), write,
-                  [] { core::throw_error<core::FileStreamException>("IDS_HOST_OUTPUT_FAILED"); });
+    write_text_stream(console.out, core::from_utf8(file), write,
+                      [] { core::throw_error<core::FileStreamException>("IDS_HOST_OUTPUT_FAILED"); });
 }
 
 } // namespace host

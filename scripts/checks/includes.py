@@ -23,12 +23,14 @@ BELOW = {
     "tables": ["descriptions"],
     "storage": ["files"],
     "host/process": ["dates"],
-    "host/language": ["collections"],
+    "script": ["context"],
     "host/exchange": ["tables"],
     "host/containers": ["storage"],
-    "host/terminal": ["host/language", "host/exchange"],
-    "host/library": ["host/terminal", "host/containers"],
-    "host/commands": ["host/library", "host/process"],
+    "host/language": ["script", "collections"],
+    "host/library": ["script", "host/exchange", "host/containers"],
+    "host/engine": ["host/language", "host/library", "host/process"],
+    "host/terminal": ["script", "host/exchange"],
+    "host/commands": ["host/terminal", "host/containers", "host/process"],
     "host": ["host/commands"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

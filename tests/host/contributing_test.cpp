@@ -3,12 +3,12 @@
 // program from the page itself.
 #include "host/commands/describe_report.h"
 #include "tests/host/program_fixture.h"
-#include "tests/host/script_fixture.h"
+#include "tests/script/script_fixture.h"
 
 #include <core/context/script_object.h>
 #include <core/runtime/module.h>
 
-namespace host::script {
+namespace host {
 namespace {
 
 TEST(Contributing, TheClassFromNothingRunsItsScript) {
@@ -23,7 +23,7 @@ TEST(Contributing, TheClassFromNothingRunsItsScript) {
     core::SCOM_Module module(core::module_class_entries, bundle);
     module.init(&bundle);
     const HostProcess process;
-    Session session;
+    core::script::Session session;
     EXPECT_EQ(session.run(code), code.substr(answer + 3));
     EXPECT_EQ(session.run("C.Add(\"x\")").substr(0, 1), "!");
     EXPECT_EQ(session.run("C.Total = 1").substr(0, 1), "!");
@@ -37,4 +37,4 @@ TEST(Contributing, TheClassFromNothingRunsItsScript) {
 }
 
 } // namespace
-} // namespace host::script
+} // namespace host

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The console: entries over several lines, errors that it survives, names that it completes in both
 // languages, the history, and all of it once at a real terminal.
-#include "host/terminal/completion.h"
 #include "host/terminal/history_file.h"
 #include "tests/host/program_fixture.h"
-#include "tests/host/script_fixture.h"
+#include "tests/script/script_fixture.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -50,19 +49,19 @@ TEST(ReplTest, ThroughAPipe) {
     EXPECT_EQ(corehost({"repl", "--lang", "ru"}, "True; New Map").out, "Истина\nСоответствие {}\n");
 }
 
-class CompletionTest : public script::ScriptTest {
+class CompletionTest : public core::script::ScriptTest {
   protected:
     /// The candidates, and behind "|" what is typed already.
     std::string complete(std::string_view before, int alias = core::kEnglish) {
-        const Completion found =
-            host::complete(core::from_utf8(before), session_.interpreter(), session_.variables(), alias);
+        const core::script::Completion found =
+            core::script::complete(session_.engine(), core::from_utf8(before), alias);
         std::string text;
         for (const core::wstring& name : found.names)
             text += (text.empty() ? "" : " ") + core::to_utf8(name);
         return text + "|" + std::to_string(found.typed);
     }
 
-    script::Session session_;
+    core::script::Session session_;
 };
 
 TEST_F(CompletionTest, NamesInBothLanguages) {

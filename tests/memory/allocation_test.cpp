@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Memory that runs out at any point of what a script does: the statement fails with an error, and every
 // object is as it was before it.
-#include "tests/host/script_fixture.h"
+#include "host/engine/engine_impl.h"
+#include "tests/script/script_fixture.h"
 #include "tests/support/allocation_limit.h"
 
 #include <core/runtime/errors.h>
@@ -15,37 +16,32 @@
 
 namespace {
 
-using namespace host::script;
+using namespace core::script;
 using core::GenericValue;
 using core::wstring;
 
-/// Variables and interpreter of one attempt.
+/// The engine of one attempt.
 class Attempt {
   public:
-    [[nodiscard]] Program read(std::string_view text) {
-        return parse(std::make_shared<const Source>("test", core::from_utf8(text)), variables_, Mode::file);
-    }
-    void run(const Program& program) { interpreter_.run(program); }
+    void run(const Script& script) { engine_.run(script); }
 
     /// The texts of all variables that have a value.
     [[nodiscard]] wstring state() const {
         wstring state;
-        for (std::size_t slot = 0; slot < variables_.size(); ++slot) {
-            if (const auto value = interpreter_.value(variables_.name(slot))) {
+        const Interpreter& interpreter = EngineAccess::impl(engine_).interpreter;
+        const Variables& variables = interpreter.variables();
+        for (std::size_t slot = 0; slot < variables.size(); ++slot) {
+            if (const auto value = interpreter.value(variables.name(slot))) {
                 wstring text;
                 value->toString(text);
-                state += variables_.name(slot) + u" = " + text + u"\n";
+                state += variables.name(slot) + u" = " + text + u"\n";
             }
         }
         return state;
     }
 
   private:
-    std::istringstream in_;
-    std::ostringstream out_;
-    host::Console console_{in_, out_, out_};
-    Variables variables_;
-    Interpreter interpreter_{create_globals(console_), variables_};
+    Engine engine_;
 };
 
 struct Operation {
@@ -59,9 +55,9 @@ enum class Outcome { done, failed, damaged };
 /// Runs `act` with `allowed` allocations, or without limit.
 Outcome attempt(const Operation& operation, int allowed) {
     Attempt attempt;
-    attempt.run(attempt.read(operation.prepare));
-    const Program act = attempt.read(operation.act);
-    const Program probe = attempt.read(operation.probe);
+    attempt.run(compile(operation.prepare));
+    const Script act = compile(operation.act);
+    const Script probe = compile(operation.probe);
     attempt.run(probe);
     const wstring before = attempt.state();
     std::string error = "no memory"; // before the first statement, or for the error itself
@@ -69,7 +65,7 @@ Outcome attempt(const Operation& operation, int allowed) {
         const test::AllocationLimit limit(allowed);
         attempt.run(act);
         return Outcome::done;
-    } catch (const ScriptError& e) {
+    } catch (const Error& e) {
         error = e.what();
     } catch (const std::bad_alloc&) {
     }

@@ -9,7 +9,7 @@
 #include <core/tables/value_table.h>
 #include <core/tables/value_tree.h>
 
-namespace host::script {
+namespace host {
 
 using namespace core;
 
@@ -123,4 +123,4 @@ std::optional<TableView> table_view(const Value& value, ViewFor whom) {
     return {};
 }
 
-} // namespace host::script
+} // namespace host

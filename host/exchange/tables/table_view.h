@@ -7,7 +7,7 @@
 
 #include <optional>
 
-namespace host::script {
+namespace host {
 
 enum class ViewFor {
     people,
@@ -19,4 +19,4 @@ enum class ViewFor {
 /// the value alive; it is to be used before the value changes.
 [[nodiscard]] std::optional<TableView> table_view(const core::Value& value, ViewFor whom = ViewFor::people);
 
-} // namespace host::script
+} // namespace host

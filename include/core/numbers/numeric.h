@@ -195,10 +195,14 @@ class CORE_API Numeric {
     [[nodiscard]] static Numeric fromString(wstring_view text, const wchar** end = nullptr);
     /// Reads the same from bytes; a character that is not ASCII ends the number.
     [[nodiscard]] static Numeric fromString(std::string_view text, const char** end = nullptr);
+    /// Returns the number that the whole text spells, without white space; else nothing. Throws
+    /// std::bad_alloc.
+    [[nodiscard]] static std::optional<Numeric> parse(std::string_view text);
+    /// Returns the number that a text in UTF-16 spells in the same way.
+    [[nodiscard]] static std::optional<Numeric> parse(wstring_view text);
     /// Reads a number and leaves the character behind it unread. False, with this number unchanged, when no
     /// digit was found; what looked like a number up to there is consumed. Throws std::bad_alloc.
     [[nodiscard]] bool fromStream(wistream& in);
-
     /// Returns the text. Throws std::bad_alloc.
     [[nodiscard]] wstring toString() const;
     /// Writes the text without a terminator and returns its length; the rest of the buffer may be
@@ -245,7 +249,7 @@ class CORE_API Numeric {
     static Numeric powerOf(const Numeric& base, std::uint32_t exponent);
     static int compareMagnitudes(const Numeric& a, const Numeric& b) noexcept;
     template <class Char>
-    static Numeric parse(std::basic_string_view<Char> text, const Char** end);
+    static Numeric read(std::basic_string_view<Char> text, const Char** end);
 
     [[nodiscard]] std::size_t limbCount() const noexcept { return static_cast<std::size_t>(count_); }
     [[nodiscard]] bool negative() const noexcept { return sign_ != kPositive; }
@@ -256,7 +260,6 @@ class CORE_API Numeric {
     template <class Float>
     [[nodiscard]] Float toFloating() const noexcept;
     [[nodiscard]] Numeric wholePart() const;
-
     /// Room for `count` limbs in a number that is zero; finish() must follow.
     Limb* reserve(std::size_t count);
     /// Makes what stands in the store the value: normalises it.

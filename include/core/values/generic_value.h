@@ -3,6 +3,8 @@
 
 #include <core/values/value.h>
 
+#include <iosfwd>
+
 namespace core {
 
 class IInPersistenceStorage;
@@ -54,5 +56,19 @@ class CORE_API GenericValue : public Value {
     /// Reads the text form of a value. Throws as deserialize(), and when more than white space follows.
     [[nodiscard]] static GenericValue fromString(wstring_view text);
 };
+
+namespace detail {
+
+CORE_API void write_presentation(std::ostream& out, const Value& value);
+
+} // namespace detail
+
+/// Writes the presentation of a value in UTF-8 and returns the stream. Takes values alone, so that nothing
+/// else becomes a Value in order to be written. Throws std::bad_alloc.
+template <std::derived_from<Value> T>
+std::ostream& operator<<(std::ostream& out, const T& value) {
+    detail::write_presentation(out, value);
+    return out;
+}
 
 } // namespace core

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // Comma-separated values: what another program writes is read, what is written another program reads, and a
 // row that is wrong is found.
+#include "host/exchange/csv/csv_table.h"
+#include "host/exchange/files/whole_file.h"
 #include "host/exchange/json/json_value.h"
 #include "host/exchange/tables/table_view.h"
-#include "host/library/table_functions.h"
-#include "tests/host/program_fixture.h"
-#include "tests/host/script_fixture.h"
+#include "host/library/surroundings.h"
+#include "tests/script/script_fixture.h"
+#include "tests/support/folder_test.h"
 
 #include <core/collections/value_array.h>
 
@@ -18,7 +20,7 @@ class CsvTest : public FolderTest {
   protected:
     /// The answer of a script; F stands for the file "x.csv".
     std::string run(const std::string& script) {
-        script::Session session;
+        core::script::Session session;
         session.run("F = \"" + path("x.csv") + "\"");
         std::string answer = session.run(script);
         const std::string place = path(""); // files are called by their names alone
@@ -40,17 +42,16 @@ class CsvTest : public FolderTest {
 };
 
 TEST_F(CsvTest, ReadsAndWritesWhatPythonDoes) {
-    const std::string model = "python3 -B " CORE_SOURCE_DIR "/tests/host/csv_model.py ";
+    const std::string model = "python3 -B " CORE_SOURCE_DIR "/tests/script/csv_model.py ";
     if (std::system("python3 -c ''") != 0)
         GTEST_SKIP() << "no Python";
     ASSERT_EQ(std::system((model + "write " + path("")).c_str()), 0);
     const auto written = from_json(text_of(path("written.json"))).query<core::IValueArray>();
-    script::Session session;
     const auto delimiter = [](std::size_t seed) { return ",;\t"[seed % 3]; };
     for (std::size_t seed = 0; seed < written->count(); ++seed) {
         const std::string name = std::to_string(seed);
-        const auto table =
-            script::load_csv(session.console(), core::from_utf8(path(name + ".csv")), delimiter(seed), {});
+        const auto table = read_csv_table(core::script::open_file(core::from_utf8(path(name + ".csv"))),
+                                          core::from_utf8(name), delimiter(seed), {});
         const auto rows = written->get(seed).query<core::IValueArray>();
         ASSERT_EQ(table->rowCount() + 1, rows->count());
         for (std::size_t row = 0; row < table->rowCount(); ++row) {
@@ -59,9 +60,9 @@ TEST_F(CsvTest, ReadsAndWritesWhatPythonDoes) {
                 ASSERT_EQ(table->get(row, table->column(i).id), cells->get(i))
                     << seed << ' ' << row << ' ' << i;
         }
-        const auto view =
-            script::table_view(core::Value(table.query<core::IValue>()), script::ViewFor::programs);
-        script::save_csv(core::from_utf8(path(name + ".csv")), *view, delimiter(seed));
+        const auto view = table_view(core::Value(table.query<core::IValue>()), ViewFor::programs);
+        write_text_file(path(name + ".csv"),
+                        [&](core::wostream& out) { write_csv_table(out, *view, delimiter(seed)); });
     }
     ASSERT_EQ(std::system((model + "read " + path("")).c_str()), 0);
     EXPECT_EQ(to_json(from_json(text_of(path("read.json")))),

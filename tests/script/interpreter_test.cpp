@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Running scripts: every statement and operator on every kind of value, objects by both names, what methods
 // pass back, loops over what changes, and failures: where, in whose words, and with what left standing.
-#include "tests/host/script_fixture.h"
+#include "tests/script/script_fixture.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/file_io.h>
@@ -10,7 +10,7 @@
 #include <fstream>
 #include <thread>
 
-namespace host::script {
+namespace core::script {
 namespace {
 
 using InterpreterTest = ScriptTest;
@@ -200,7 +200,7 @@ TEST_F(InterpreterTest, AFailureLeavesWhatWasDone) {
 }
 
 TEST_F(InterpreterTest, MessagesInTheUsersLanguage) {
-    core::Thread::setResourceLocale(core::Locale("ru"));
+    Thread::setResourceLocale(Locale("ru"));
     check({
         {"a.b", "! 1:1 Переменная a ещё не имеет значения."},
         {"New Map.Нет()", "! 1:9 У типа Соответствие нет метода Нет."},
@@ -209,7 +209,7 @@ TEST_F(InterpreterTest, MessagesInTheUsersLanguage) {
         {"New Нет", "! 1:1 Тип не определён: Нет."},
         {"1 / 0", "! 1:3 Деление на ноль."},
     });
-    core::Thread::setResourceLocale(core::Locale("en"));
+    Thread::setResourceLocale(Locale("en"));
 }
 
 TEST_F(InterpreterTest, CanBeInterruptedAnywhere) {
@@ -220,7 +220,7 @@ TEST_F(InterpreterTest, CanBeInterruptedAnywhere) {
         std::atomic<bool> done = false;
         std::thread other([&] {
             while (!done)
-                session.interpreter().interrupt();
+                session.engine().interrupt();
         });
         const std::string answer = session.run(endless);
         done = true;
@@ -252,4 +252,4 @@ TEST_F(InterpreterTest, LongValuesAreShownInPart) {
 }
 
 } // namespace
-} // namespace host::script
+} // namespace core::script

@@ -4,7 +4,7 @@
 #include "host/exchange/json/json_value.h"
 #include "host/exchange/tables/column_text.h"
 #include "host/exchange/tables/table_view.h"
-#include "tests/host/script_fixture.h"
+#include "tests/script/script_fixture.h"
 
 #include <core/tables/value_table.h>
 
@@ -13,7 +13,7 @@
 namespace host {
 namespace {
 
-class TablePrintTest : public script::ScriptTest {
+class TablePrintTest : public core::script::ScriptTest {
   protected:
     /// A table of texts, a row behind the other.
     static core::InterfacePtr<core::IValueTable> table(const std::vector<std::string>& columns,
@@ -31,7 +31,7 @@ class TablePrintTest : public script::ScriptTest {
     }
     static std::string print(const core::InterfacePtr<core::IValueTable>& table, std::size_t width) {
         std::ostringstream out;
-        print_table(out, *script::table_view(core::Value(table.query<core::IValue>())), width);
+        print_table(out, *table_view(core::Value(table.query<core::IValue>())), width);
         return out.str();
     }
 };
@@ -55,7 +55,7 @@ TEST_F(TablePrintTest, NumbersStandRightAndTextsLeft) {
 }
 
 TEST_F(TablePrintTest, LongTablesShowTheirHead) {
-    script::Session session;
+    core::script::Session session;
     session.run("T = New ValueTable; T.Columns.Add(\"N\"); For i = 1 To 22 Do T.Add().N = i EndDo");
     std::string head = " N\n──\n";
     for (int i = 1; i <= 20; ++i)
@@ -134,7 +134,7 @@ TEST_F(TablePrintTest, NoLineIsLongerThanItsWidth) {
 }
 
 TEST_F(TablePrintTest, TreesAndLists) {
-    script::Session session;
+    core::script::Session session;
     session.run(R"(T = New ValueTree; T.Columns.Add("Name"); T.Columns.Add("Sum");
         A = T.Rows.Add(); A.Name = "first"; A.Sum = 3; B = A.Rows.Add(); B.Name = "below"; B.Sum = 2;
         C = B.Rows.Add(); C.Name = "deepest"; C.Sum = 1; D = T.Rows.Add(); D.Name = "last")");
@@ -165,7 +165,7 @@ TEST_F(TablePrintTest, TreesAndLists) {
 }
 
 TEST_F(TablePrintTest, JsonIsTheOtherForm) {
-    script::Session session;
+    core::script::Session session;
     session.run(
         "T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"Б\"); T.Add().A = 1; T.Add().Б = \"x\"");
     EXPECT_EQ(session.run("ToJson(T)"), R"("[{""A"":1,""Б"":null},{""A"":null,""Б"":""x""}]")");

@@ -2,8 +2,7 @@
 // The script reader: every construct in both languages, precedence, what is refused and where, and that no
 // text, however deep, long or broken, does harm.
 #include "host/language/parser.h"
-#include "host/terminal/error_report.h"
-#include "tests/host/script_dump.h"
+#include "tests/script/script_dump.h"
 
 #include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
@@ -14,17 +13,15 @@
 #include <sstream>
 #include <utility>
 
-namespace host::script {
+namespace core::script {
 namespace {
 
 std::shared_ptr<const Source> source(std::string_view text) {
-    return std::make_shared<Source>("test", core::from_utf8(text));
+    return std::make_shared<Source>(u"test", from_utf8(text));
 }
 
 std::string tree(std::string_view text, Mode mode = Mode::file) {
-    Variables variables;
-    const Program program = parse(source(text), variables, mode);
-    return Dump(program, variables).all();
+    return Dump(parse(source(text), mode)).all();
 }
 
 class ParserTest : public testing::Test {
@@ -32,17 +29,15 @@ class ParserTest : public testing::Test {
     /// "line:column message", or the tree when nothing is wrong.
     static std::string refusal(std::string_view text) {
         const auto script = source(text);
-        Variables variables;
         try {
-            const Program program = parse(script, variables);
-            return Dump(program, variables).all();
+            return Dump(parse(script)).all();
         } catch (const ScriptError& e) {
             const Position at = script->position(e.span().offset);
             return std::to_string(at.line) + ":" + std::to_string(at.column) + " " + e.what();
         }
     }
 
-    const HostProcess process_;
+    const host::HostProcess process_;
 };
 
 TEST_F(ParserTest, EveryStatementInBothLanguages) {
@@ -61,6 +56,8 @@ TEST_F(ParserTest, EveryStatementInBothLanguages) {
     EXPECT_EQ(tree("a = TRUE; a = ложь; a = неопределено; a = null; a = новый Массив(2)"),
               "a:=True; a:=False; a:=Undefined; a:=Null; a:=New Массив(2);");
     EXPECT_EQ(tree("If a Then EndIf"), "if a {} else {}");
+    EXPECT_EQ(tree("Return; If a Then Return EndIf; Возврат a + 1"),
+              "return; if a {return;} else {} return (a+1);");
     EXPECT_EQ(tree(";; // nothing\n ;"), "");
 }
 
@@ -81,7 +78,7 @@ TEST_F(ParserTest, ChainsCallsAndOmittedArguments) {
 
 TEST_F(ParserTest, LiteralsKeepTheirText) {
     EXPECT_EQ(tree("a = 007.50; b = 123456789012345678901234567890.1; c = '20240229'; d = '20240229235959'"),
-              "a:=007.50; b:=123456789012345678901234567890.1; c:='20240229'; d:='20240229235959';");
+              "a:=7.5; b:=123456789012345678901234567890.1; c:='20240229000000'; d:='20240229235959';");
     EXPECT_EQ(tree(R"(a = ""; b = """"; c = "x""y//z";)"), R"(a:=""; b:="""; c:="x"y//z";)");
     EXPECT_EQ(tree("a = \"one\n\t |two\r\n|\"\"three\";"), "a:=\"one\ntwo\n\"three\";");
     EXPECT_EQ(tree("\uFEFFa\u00A0=\u20031 // 𝄞"), "a:=1;"); // a byte order mark, wide blanks
@@ -114,9 +111,9 @@ TEST_F(ParserTest, RefusesAtThePlaceWhereItIsWrong) {
 }
 
 TEST_F(ParserTest, MessagesFollowTheThreadsLanguage) {
-    core::Thread::setResourceLocale(core::Locale("ru"));
+    Thread::setResourceLocale(Locale("ru"));
     EXPECT_EQ(refusal("Если a"), "1:7 Ожидается «Then/Тогда», а стоит конец текста.");
-    core::Thread::setResourceLocale(core::Locale("en"));
+    Thread::setResourceLocale(Locale("en"));
 }
 
 std::string repeat(std::string_view text, int times) {
@@ -153,19 +150,18 @@ TEST_F(ParserTest, AConsoleShowsValuesAndAsksForTheRest) {
 
 /// The tree of an entry that comes in pieces, a line each. All of them are read, and no more is asked for.
 std::string entry_tree(const std::vector<std::string>& pieces) {
-    Variables variables;
-    const auto text = std::make_shared<Source>("test", core::wstring());
+    const auto text = std::make_shared<Source>(u"test", wstring());
     std::size_t next = 0;
     const auto more = [&](Source& source) {
         if (next == pieces.size())
             ADD_FAILURE() << "more than was there is asked for: " << pieces.back();
         else
-            source.append(core::from_utf8(pieces[next++]));
+            source.append(from_utf8(pieces[next++]));
     };
     more(*text);
-    const Program program = parse_entry(text, variables, more);
+    const Program program = parse_entry(text, more);
     EXPECT_EQ(next, pieces.size());
-    return Dump(program, variables).all();
+    return Dump(program).all();
 }
 
 TEST_F(ParserTest, AnEntryGoesOnUntilItIsComplete) {
@@ -198,55 +194,15 @@ TEST_F(ParserTest, AnEntryGoesOnUntilItIsComplete) {
 
 TEST_F(ParserTest, AnEntryFailsInTheLineThatIsWrong) {
     for (const char* const wrong : {"1x", "]", "EndDo", "y = ;"}) {
-        const auto text = std::make_shared<Source>("test", core::wstring(u"If True Then\n"));
-        Variables variables;
+        const auto text = std::make_shared<Source>(u"test", wstring(u"If True Then\n"));
         int asked = 0;
-        const auto more = [&](Source& source) {
-            source.append(core::from_utf8(asked++ == 0 ? "x;" : wrong));
-        };
-        EXPECT_THROW((void)parse_entry(text, variables, more), ScriptError) << wrong;
+        const auto more = [&](Source& source) { source.append(from_utf8(asked++ == 0 ? "x;" : wrong)); };
+        EXPECT_THROW((void)parse_entry(text, more), ScriptError) << wrong;
         EXPECT_EQ(asked, 2) << wrong;
     }
-    const auto text = std::make_shared<Source>("test", core::wstring(u"x = \"open\n"));
-    Variables variables;
-    EXPECT_THROW((void)parse_entry(text, variables, [](Source&) {}), ScriptError) << "the lines have ended";
-}
-
-class ShowErrorTest : public ParserTest {
-  protected:
-    static std::string shown(std::string_view text, std::string_view marked, bool colour = false) {
-        const Source script("t", core::from_utf8(text));
-        const core::wstring part = core::from_utf8(marked);
-        const auto offset = static_cast<std::uint32_t>(script.text().find(part));
-        std::ostringstream out;
-        show_error(out, script, {{offset, static_cast<std::uint32_t>(part.size())}, u"Wrong\x1B"}, colour);
-        return out.str();
-    }
-};
-
-TEST_F(ShowErrorTest, MarksTheSpanUnderWhateverStandsBefore) {
-    EXPECT_EQ(shown("one\nf(abc);\ntwo", "abc"), "t:2:3: Wrong\uFFFD\n    f(abc);\n      ^~~\n");
-    EXPECT_EQ(shown("\ta\tb", "b"), "t:1:4: Wrong\uFFFD\n    \ta\tb\n    \t \t^\n");
-    EXPECT_EQ(shown("\"漢字e\u0301\" x", "x"), "t:1:8: Wrong\uFFFD\n    \"漢字e\u0301\" x\n            ^\n");
-    EXPECT_EQ(shown("a \"漢\"", "\"漢\""), "t:1:3: Wrong\uFFFD\n    a \"漢\"\n      ^~~~\n");
-    EXPECT_EQ(shown("a = \"one\n|two\"", "\"one\n|two\""),
-              "t:1:5: Wrong\uFFFD\n    a = \"one\n        ^~~~\n");
-    EXPECT_EQ(shown("a =", ""), "t:1:1: Wrong\uFFFD\n    a =\n    ^\n");
-}
-
-TEST_F(ShowErrorTest, NothingInAScriptSteersTheTerminal) {
-    EXPECT_EQ(shown("\x1B[2J\x7F x", "x"), "t:1:7: Wrong\uFFFD\n    \uFFFD[2J\uFFFD x\n          ^\n");
-    std::ostringstream out;
-    show_error(out, Source("\x1B[2J", u"x"), {{0, 1}, u"Wrong"}, false);
-    EXPECT_EQ(out.str(), "\uFFFD[2J:1:1: Wrong\n    x\n    ^\n");
-    EXPECT_EQ(shown("x", "x", true), "\x1B[1mt:1:1:\x1B[0m Wrong\uFFFD\n    x\n    \x1B[1;31m^\x1B[0m\n");
-}
-
-TEST_F(ShowErrorTest, OfALongLineThePartAroundTheMark) {
-    const std::string text = shown(repeat("a", 10000) + "X" + repeat("b", 10000), "X");
-    EXPECT_EQ(text, "t:1:10001: Wrong\uFFFD\n    …" + repeat("a", 60) + "X" + repeat("b", 59) + "…\n     " +
-                        repeat(" ", 60) + "^\n");
+    const auto text = std::make_shared<Source>(u"test", wstring(u"x = \"open\n"));
+    EXPECT_THROW((void)parse_entry(text, [](Source&) {}), ScriptError) << "the lines have ended";
 }
 
 } // namespace
-} // namespace host::script
+} // namespace core::script

@@ -3,16 +3,16 @@
 // nesting to the limit, and malformed text with its place.
 #include "host/exchange/json/json_reader.h"
 #include "host/exchange/json/json_value.h"
-#include "tests/host/script_fixture.h"
+#include "tests/script/script_fixture.h"
 
 #include <core/values/errors.h>
 
 #include <random>
 
-namespace host::script {
+namespace host {
 namespace {
 
-class JsonTest : public ScriptTest {
+class JsonTest : public core::script::ScriptTest {
   protected:
     static std::string again(std::string_view json) { return to_json(from_json(json)); }
     static std::string refusal(std::string_view json) {
@@ -160,4 +160,4 @@ TEST_F(JsonTest, WhatIsWrittenReadsBack) {
 }
 
 } // namespace
-} // namespace host::script
+} // namespace host

@@ -2,18 +2,19 @@
 #pragma once
 
 #include "host/language/ast.h"
-#include "host/language/variables.h"
 
 #include <core/runtime/utf8.h>
+#include <core/script/console.h>
+#include <core/strings/term.h>
 
 #include <string>
 
-namespace host::script {
+namespace core::script {
 
 /// A tree as text, fully bracketed, every operation and name spelled out.
 class Dump {
   public:
-    Dump(const Program& program, const Variables& variables) : program_(program), variables_(variables) {}
+    explicit Dump(const Program& program) : program_(program) {}
 
     std::string all() { return block(program_.body); }
 
@@ -34,30 +35,12 @@ class Dump {
 
   public:
     std::string operator()(const Literal& x) {
-        const Constant& constant = program_.constants[x.constant];
-        const std::string text = core::to_utf8(constant.text);
-        switch (constant.kind) {
-        case Constant::Kind::undefined:
-            return "Undefined";
-        case Constant::Kind::null:
-            return "Null";
-        case Constant::Kind::falseValue:
-            return "False";
-        case Constant::Kind::trueValue:
-            return "True";
-        case Constant::Kind::number:
-            return text;
-        case Constant::Kind::string:
-            return '"' + text + '"';
-        default:
-            return '\'' + text + '\'';
-        }
+        const wstring_view* const text = x.value.asString();
+        return text != nullptr ? '"' + to_utf8(*text) + '"' : to_utf8(display(x.value, kEnglish));
     }
-    std::string operator()(const Variable& x) { return core::to_utf8(variables_.name(x.slot)); }
-    std::string operator()(const Call& x) { return core::to_utf8(x.name) + arguments(x.arguments); }
-    std::string operator()(const Creation& x) {
-        return "New " + core::to_utf8(x.type) + arguments(x.arguments);
-    }
+    std::string operator()(const Variable& x) { return to_utf8(program_.names.name(x.slot)); }
+    std::string operator()(const Call& x) { return to_utf8(x.name) + arguments(x.arguments); }
+    std::string operator()(const Creation& x) { return "New " + to_utf8(x.type) + arguments(x.arguments); }
     std::string operator()(const Negation& x) { return (x.logical ? "!" : "-") + expression(x.operand); }
     std::string operator()(const Operations& x) {
         static constexpr const char* kSigns[] = {"+", "-",  "*", "/",  "%", "=", "<>",
@@ -74,7 +57,7 @@ class Dump {
             if (link.kind == Link::Kind::element)
                 text += "[" + expression(link.arguments[0]) + "]";
             else
-                text += "." + core::to_utf8(link.name);
+                text += "." + to_utf8(link.name);
             if (link.kind == Link::Kind::method)
                 text += arguments(link.arguments);
         }
@@ -91,11 +74,11 @@ class Dump {
         return text + "else {" + block(x.otherwise) + "}";
     }
     std::string operator()(const ForEach& x) {
-        return "each " + core::to_utf8(variables_.name(x.slot)) + " " + expression(x.collection) + " {" +
+        return "each " + to_utf8(program_.names.name(x.slot)) + " " + expression(x.collection) + " {" +
                block(x.body) + "}";
     }
     std::string operator()(const ForRange& x) {
-        return "for " + core::to_utf8(variables_.name(x.slot)) + " " + expression(x.first) + ".." +
+        return "for " + to_utf8(program_.names.name(x.slot)) + " " + expression(x.first) + ".." +
                expression(x.last) + " {" + block(x.body) + "}";
     }
     std::string operator()(const While& x) {
@@ -103,10 +86,12 @@ class Dump {
     }
     std::string operator()(const Break&) { return "break;"; }
     std::string operator()(const Continue&) { return "continue;"; }
+    std::string operator()(const Return& x) {
+        return "return" + (x.value ? ' ' + expression(x.value) : "") + ";";
+    }
 
   private:
     const Program& program_;
-    const Variables& variables_;
 };
 
-} // namespace host::script
+} // namespace core::script

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/terminal/completion.h"
+#include "host/language/completion.h"
 
 #include "host/language/lexer.h"
 
@@ -10,26 +10,22 @@
 
 #include <algorithm>
 
-namespace host {
-
-using namespace core;
+namespace core::script {
 
 namespace {
-
-using script::TokenKind;
 
 /// The last tokens of a text, the very last one first.
 class Tail {
   public:
     explicit Tail(wstring_view text) : text_(text) {
-        script::Lexer lexer(text);
-        for (script::Token token = lexer.next(); token.kind != TokenKind::end; token = lexer.next()) {
+        Lexer lexer(text);
+        for (Token token = lexer.next(); token.kind != TokenKind::end; token = lexer.next()) {
             std::shift_right(std::begin(last_), std::end(last_), 1);
             last_[0] = token;
         }
     }
 
-    [[nodiscard]] script::Token token(std::size_t fromEnd) const { return last_[fromEnd]; }
+    [[nodiscard]] Token token(std::size_t fromEnd) const { return last_[fromEnd]; }
     [[nodiscard]] TokenKind kind(std::size_t fromEnd) const { return last_[fromEnd].kind; }
     [[nodiscard]] bool isWord(std::size_t fromEnd) const {
         return kind(fromEnd) == TokenKind::name || is_keyword(kind(fromEnd));
@@ -40,7 +36,7 @@ class Tail {
 
   private:
     wstring_view text_;
-    script::Token last_[5];
+    Token last_[5];
 };
 
 /// Collects names that begin as the word does.
@@ -95,13 +91,12 @@ class Names {
 };
 
 /// The value of a variable, or of a property of the globals.
-GenericValue value_of(wstring_view name, const script::Interpreter& interpreter) {
+GenericValue value_of(wstring_view name, const Interpreter& interpreter) {
     if (const auto value = interpreter.value(name))
         return *value;
     GenericValue value;
-    IContext_& globals = interpreter.globals();
-    if (const int prop = globals.findProp(wstring(name).c_str()); prop >= 0)
-        globals.getPropVal(prop, value);
+    if (const auto prop = interpreter.globals().findProp(wstring(name)); prop.context != nullptr)
+        prop.context->getPropVal(prop.number, value);
     return value;
 }
 
@@ -120,8 +115,7 @@ wstring Completion::common() const {
     return names.front().substr(0, length);
 }
 
-Completion complete(wstring_view before, const script::Interpreter& interpreter,
-                    const script::Variables& variables, int alias) {
+Completion complete_names(const Interpreter& interpreter, wstring_view before, int alias) {
     try {
         const Tail tail(before);
         const bool inWord = tail.token(0).span.end() == before.size() && tail.isWord(0);
@@ -143,17 +137,19 @@ Completion complete(wstring_view before, const script::Interpreter& interpreter,
         } else if (tail.kind(front) == TokenKind::keyNew) {
             names.addTypes();
         } else {
+            const Variables& variables = interpreter.variables();
             for (std::size_t slot = 0; slot < variables.size(); ++slot) {
                 if (interpreter.value(variables.name(slot)))
                     names.add(variables.name(slot));
             }
             names.addKeywords();
-            names.addMembers(interpreter.globals());
+            for (const auto& context : interpreter.globals().contexts())
+                names.addMembers(*context);
         }
         return {word.size(), names.take()};
-    } catch (const script::ScriptError&) {
+    } catch (const ScriptError&) {
         return {}; // in a string, or behind text that is not a script
     }
 }
 
-} // namespace host
+} // namespace core::script

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/engine/engine_impl.h"
+#include "host/language/parser.h"
+#include "host/language/script_error.h"
+#include "host/language/token.h"
+#include "host/library/functions.h"
+#include "host/library/table_functions.h"
+
+#include <core/objects/core_general_context.h>
+#include <core/objects/enumeration.h>
+#include <core/runtime/utf8.h>
+#include <core/strings/integer_text.h>
+#include <core/strings/names.h>
+#include <core/strings/trim.h>
+#include <core/values/errors.h>
+
+#include <algorithm>
+#include <iostream>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace core::script {
+namespace {
+
+/// The process that engines have brought up and still use, where it is that of the calling thread; a new one
+/// where the thread has none. Null for a process of the program.
+std::shared_ptr<host::HostProcess> process_of_engines(const Settings& settings) {
+    static std::mutex lock;
+    static auto& known = *new std::vector<std::weak_ptr<host::HostProcess>>; // engines may outlive statics
+    const std::lock_guard guard(lock);
+    std::erase_if(known, [](const auto& process) { return process.expired(); });
+    SCOM_Process* const current = current_process();
+    if (current == nullptr) {
+        auto made = std::make_shared<host::HostProcess>(settings);
+        known.emplace_back(made);
+        return made;
+    }
+    for (const auto& process : known) {
+        if (auto held = process.lock(); held && held->get() == current)
+            return held;
+    }
+    return nullptr;
+}
+
+/// The name without white space around it. Throws ContextException when scripts cannot write it.
+wstring_view checked_name(wstring_view name) {
+    const wstring_view trimmed = trim_all(name);
+    if (!is_valid_name(trimmed) || keyword(trimmed) != TokenKind::name)
+        throw_error<ContextException>(messages::kScriptBadName, {wstring(name)});
+    return trimmed;
+}
+
+} // namespace
+
+wstring_view Script::name() const noexcept {
+    return program_ ? program_->source->name() : wstring_view();
+}
+
+Script compile(const Text& text, const Text& name) {
+    const auto source = std::make_shared<const Source>(wstring(name.view()), wstring(text.view()));
+    try {
+        return EngineAccess::script(std::make_shared<const Program>(parse(source)));
+    } catch (const ScriptError& error) {
+        throw error.located(*source);
+    }
+}
+
+Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
+    impl_->own = process_of_engines(settings);
+    impl_->process = InterfacePtr<SCOM_Process>(current_process());
+    impl_->surroundings = {print_to(std::cout), &open_file};
+    impl_->functions = make_object<OfferedFunctions>();
+    Globals& globals = impl_->interpreter.globals();
+    if (auto* const enumerations = get_service<IEnumerations>())
+        globals.add(InterfacePtr<IContext_>(enumerations));
+    globals.add(create_core_general_context());
+    globals.add(create_table_functions(impl_->surroundings));
+    globals.add(create_script_functions(impl_->surroundings));
+    globals.add(impl_->functions);
+}
+
+Engine::~Engine() {
+    std::shared_ptr<host::HostProcess> own = std::move(impl_->own);
+    {
+        const InterfacePtr<SCOM_Process> process = impl_->process; // longer than what works in it
+        const Impl::Working working(*impl_);
+        impl_.reset();
+    }
+    own.reset();
+}
+
+Value Engine::run(const Script& script) {
+    return EngineAccess::run(*this, script, nullptr);
+}
+
+Value Engine::run(const Text& text, const Text& name) {
+    const Impl::Working working(*impl_); // messages are in its language
+    return run(compile(text, name));
+}
+
+GenericValue EngineAccess::run(Engine& engine, const Script& script, const Interpreter::Show* show) {
+    const std::shared_ptr<const Program> program = script.program_; // the script may be assigned to meanwhile
+    if (!program)
+        return {};
+    const Engine::Impl::Working working(*engine.impl_);
+    try {
+        return engine.impl_->interpreter.run(*program, show);
+    } catch (const ScriptError& error) {
+        throw error.located(*program->source);
+    }
+}
+
+void Engine::interrupt() noexcept {
+    impl_->interpreter.watch().interrupt();
+}
+
+void Engine::limits(const Limits& limits) {
+    Limits set = limits;
+    if (set.depth <= 0)
+        set.depth = Limits::kDepth;
+    impl_->interpreter.watch().setLimits(set);
+}
+
+const Limits& Engine::limits() const noexcept {
+    return impl_->interpreter.watch().limits();
+}
+
+void Engine::setValue(const Text& name, const GenericValue& value) {
+    const Impl::Working working(*impl_); // what the variable held may need it
+    impl_->interpreter.setValue(checked_name(name.view()), value);
+}
+
+Value Engine::get(const Text& name) const {
+    return impl_->interpreter.value(trim_all(name.view())).value_or(GenericValue());
+}
+
+bool Engine::has(const Text& name) const {
+    return impl_->interpreter.value(trim_all(name.view())).has_value();
+}
+
+void Engine::remove(const Text& name) {
+    const Impl::Working working(*impl_);
+    impl_->interpreter.removeValue(trim_all(name.view()));
+}
+
+void Engine::addFunction(const Text& english, const Text& russian, Function function) {
+    const Impl::Working working(*impl_);
+    impl_->functions->add(checked_name(english.view()), checked_name(russian.view()), std::move(function));
+}
+
+void Engine::offer(IContext_* context) {
+    if (context != nullptr)
+        impl_->interpreter.globals().addBelowLast(InterfacePtr<IContext_>(context));
+}
+
+void Engine::output(std::ostream& out) {
+    impl_->surroundings.print = print_to(out);
+}
+
+void Engine::output(Printer print) {
+    impl_->surroundings.print = std::move(print);
+}
+
+void Engine::input(Opener open) {
+    impl_->surroundings.open = std::move(open);
+}
+
+Text::Text(std::string_view text) : converted_(from_utf8(text)), view_(converted_) {
+    if (const std::string same = to_utf8(converted_); same != text) {
+        const auto fault = std::mismatch(text.begin(), text.end(), same.begin(), same.end()).first;
+        throw_error<ConverterException>(messages::kScriptNotUtf8, {string_intto(fault - text.begin())});
+    }
+}
+
+} // namespace core::script

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/engine/offered_functions.h"
+#include "host/language/interpreter.h"
+#include "host/library/surroundings.h"
+
+#include <core/runtime/process.h>
+#include <core/script/engine.h>
+#include <host/host_process.h>
+
+#include <memory>
+
+namespace core::script {
+
+/// What an engine consists of.
+struct Engine::Impl {
+    std::shared_ptr<host::HostProcess> own; // the process that engines brought up; null for another
+    InterfacePtr<SCOM_Process> process;     // the one that the engine works in
+    Surroundings surroundings;
+    InterfacePtr<SCOM_InternalClass<OfferedFunctions>> functions;
+    Interpreter interpreter;
+
+    /// While it lives, the calling thread works in the engine's process.
+    class Working {
+      public:
+        explicit Working(const Impl& impl) noexcept
+            : other_(current_process() != impl.process.get()),
+              before_(other_ ? adopt_thread(impl.process.get()) : nullptr) {}
+        Working(const Working&) = delete;
+        Working& operator=(const Working&) = delete;
+        ~Working() {
+            if (other_)
+                adopt_thread(before_);
+        }
+
+      private:
+        bool other_;
+        SCOM_Process* before_;
+    };
+};
+
+/// Opens what the public classes hold to the functions of this library.
+struct EngineAccess {
+    using Working = Engine::Impl::Working;
+
+    static auto& impl(const Engine& engine) noexcept { return *engine.impl_; }
+    static const Program* program(const Script& script) noexcept { return script.program_.get(); }
+    static Script script(std::shared_ptr<const Program> program) {
+        Script made;
+        made.program_ = std::move(program);
+        return made;
+    }
+    /// Runs a script, and hands what it computes to `show`, if that is not null.
+    static GenericValue run(Engine& engine, const Script& script, const Interpreter::Show* show);
+};
+
+} // namespace core::script

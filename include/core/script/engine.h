@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/context/context_def.h>
+#include <core/runtime/settings.h>
+#include <core/script/api.h>
+#include <core/script/errors.h>
+#include <core/script/function.h>
+#include <core/script/text.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <span>
+
+/// Scripts inside a program. docs/embedding.md shows such programs.
+namespace core::script {
+
+struct Program;
+
+/// A script that has been read: it is compiled once and run as often as wanted, in any engine. Copies share
+/// what was read, which never changes. Threads: any number may run one script at the same time, each in an
+/// engine of its own.
+class CORE_SCRIPT_API Script {
+  public:
+    /// A script without statements and without a name.
+    Script() noexcept = default;
+
+    /// Returns the name that the script was compiled under, borrowed: valid as long as this object. It is
+    /// empty for a script without statements.
+    [[nodiscard]] wstring_view name() const noexcept;
+
+  private:
+    friend struct EngineAccess;
+    std::shared_ptr<const Program> program_; // null for no statements
+};
+
+/// Reads a script; `name` is what errors call it. Throws Error for the first place that is wrong, and
+/// ContextException for more than 2^28 units. Messages are in the language of the thread; before a process or
+/// an engine is there, they are message ids.
+[[nodiscard]] CORE_SCRIPT_API Script compile(const Text& text, const Text& name = u"script");
+
+/// How much a script may take, in one run. Each bound has its own message id; what the script did before it
+/// met the bound stays done. A call into the library or into a function of the program is never cut short:
+/// time and memory are looked at when it returns.
+struct Limits {
+    /// How deep blocks, expressions and calls may stand inside each other, runs that a function of the
+    /// program starts in the same engine included.
+    static constexpr int kDepth = 1000;
+
+    std::uint64_t steps = 0;          ///< statements and rounds of loops; 0 for any number
+    std::chrono::nanoseconds time{0}; ///< from the start of the run; 0 for any time
+    int depth = kDepth;               ///< see kDepth
+    /// How many bytes the memory of the whole program may grow by while the script runs, as the system counts
+    /// resident pages. Memory that the program had taken and freed before is not counted, what other threads
+    /// take meanwhile is. It is looked at once a millisecond. 0 for any number.
+    std::size_t memory = 0;
+};
+
+/// What prints a value for Print and PrintTable; of a table at most `rows` rows are wanted.
+using Printer = std::function<void(const Value& value, std::size_t rows)>;
+/// Reads some bytes, at least one, into a span and returns their count; 0 at the end.
+using Bytes = std::function<std::size_t(std::span<std::byte>)>;
+/// Opens the file that a script names, and returns what reads it.
+using Opener = std::function<Bytes(wstring_view file)>;
+
+/// Runs scripts. It holds the variables, which keep their values from one run to the next, and the functions
+/// and objects that the program offers.
+///
+/// An engine works in the process of the thread that makes it, which must live longer. On a thread without
+/// one it brings a process up, which all engines made there share, and which ends with the last of them, on
+/// that thread.
+///
+/// Threads: an engine is used by one thread at a time, which may have another process or none. interrupt()
+/// may be called from any thread. Engines do not disturb each other.
+class CORE_SCRIPT_API Engine {
+  public:
+    /// Makes an engine without variables, which prints to std::cout. `settings` are those of the process that
+    /// it brings up; a process that is there keeps its own. Throws what HostProcess throws.
+    explicit Engine(const Settings& settings = {});
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+    /// Lets go of the variables, and of the process that it brought up.
+    ~Engine();
+
+    // run
+
+    /// Runs a script and returns what its Return says; Undefined without one. Throws Error for the first
+    /// failure; what was done before stays done. A function of the program may run scripts while one runs.
+    Value run(const Script& script);
+    /// Compiles a script and runs it; `name` is what errors call it.
+    Value run(const Text& text, const Text& name = u"script");
+    /// Makes the running script fail with "IDS_SCRIPT_INTERRUPTED" at its next statement or round of a loop;
+    /// no effect while none runs. Threads: any; signal handlers, too.
+    void interrupt() noexcept;
+    /// Sets the bounds of the runs to come.
+    void limits(const Limits& limits);
+    /// Returns the bounds, borrowed: valid until the engine changes them.
+    [[nodiscard]] const Limits& limits() const noexcept;
+
+    // variables
+
+    /// Gives a variable a value: what converts by NativeValue, objects in an InterfacePtr among it. Throws
+    /// ContextException for a name that no variable can have.
+    template <class T>
+    requires ToValue<std::decay_t<const T&>>
+    void set(const Text& name, const T& value) { setValue(name, to_value<std::decay_t<const T&>>(value)); }
+    /// Returns the value of a variable; Undefined while it has none.
+    [[nodiscard]] Value get(const Text& name) const;
+    /// Returns the value of a variable as a `T`. Throws ContextException for a value that is no `T`.
+    template <FromValue T>
+    [[nodiscard]] T get(const Text& name) const {
+        const Value value = get(name);
+        return T(from_value<T>(value));
+    }
+    /// Returns whether a variable has a value.
+    [[nodiscard]] bool has(const Text& name) const;
+    /// Takes the value of a variable away; no effect while it has none.
+    void remove(const Text& name);
+
+    // functions
+
+    /// Offers a function under one name, in place of an earlier one of that name. Throws ContextException for
+    /// a name that no function can have.
+    template <class F>
+    void function(const Text& name, F callable) {
+        addFunction(name, name, wrap(std::move(callable)));
+    }
+    /// Offers a function under an English and a Russian name, as above.
+    template <class F>
+    void function(const Text& english, const Text& russian, F callable) {
+        addFunction(english, russian, wrap(std::move(callable)));
+    }
+    /// Offers the properties and methods of an object as variables and functions, and takes a reference to
+    /// it. Of equal names those win that were offered last; the functions above come before all. The numbers
+    /// of its members must not change.
+    void offer(IContext_* context);
+
+    // output and input
+
+    /// Lets Print write to `out` in UTF-8, which must outlive its use: a table as lines of up to 100 columns,
+    /// another value as its presentation and a line end.
+    void output(std::ostream& out);
+    /// Lets `print` show what scripts print.
+    void output(Printer print);
+    /// Lets `open` open the files of LoadCsv. Without it they are paths and URLs.
+    void input(Opener open);
+
+  private:
+    friend struct EngineAccess;
+    struct Impl;
+
+    template <class F>
+    static Function wrap(F callable) {
+        if constexpr (std::same_as<F, Function>)
+            return callable;
+        else
+            return make_function(std::move(callable));
+    }
+    void setValue(const Text& name, const GenericValue& value);
+    void addFunction(const Text& english, const Text& russian, Function function);
+
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace core::script
