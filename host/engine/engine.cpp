@@ -144,7 +144,7 @@ void Engine::remove(const Text& name) {
     impl_->interpreter.removeValue(trim_all(name.view()));
 }
 
-void Engine::addFunction(const Text& english, const Text& russian, Function function) {
+void Engine::addFunction(const Text& english, const Text& russian, NativeFunction function) {
     const Impl::Working working(*impl_);
     impl_->functions->add(checked_name(english.view()), checked_name(russian.view()), std::move(function));
 }

@@ -3,8 +3,8 @@
 
 #include <core/context/context_impl.h>
 #include <core/context/name_cache.h>
+#include <core/context/native_function.h>
 #include <core/runtime/internal_class.h>
-#include <core/script/function.h>
 
 #include <memory>
 #include <vector>
@@ -18,11 +18,12 @@ class OfferedFunctions : public ContextDefCore<IContext_> {
     using Interfaces = InterfaceList<IContext_, IContextDef>;
 
     /// A failure changes nothing.
-    void add(wstring_view english, wstring_view russian, Function function);
+    void add(wstring_view english, wstring_view russian, NativeFunction function);
 
     int getNMethods() const override { return static_cast<int>(entries_.size()); }
     const wchar* getMethodName(int method, int alias) const override;
     int getNParams(int method) const override;
+    bool isParamIn(int method, int param) const override;
     bool isParamOut(int method, int param) const override;
     bool getParamDefValue(int method, int param, GenericValue* out) const override;
     bool hasRetVal(int method) const override;
@@ -36,11 +37,11 @@ class OfferedFunctions : public ContextDefCore<IContext_> {
   private:
     struct Entry {
         wstring names[2];
-        std::shared_ptr<const Function> function; // shared with the calls that are on their way
+        std::shared_ptr<const NativeFunction> function; // shared with the calls that are on their way
     };
 
     [[nodiscard]] const Entry* at(int method) const noexcept;
-    [[nodiscard]] const Parameter* parameterAt(int method, int param) const noexcept;
+    [[nodiscard]] const Param* parameterAt(int method, int param) const noexcept;
 
     std::vector<Entry> entries_;
     NameTable names_;

@@ -13,6 +13,7 @@
 #include <core/files/disk_file.h>
 #include <core/files/file_system.h>
 #include <core/runtime/clock.h>
+#include <core/runtime/internal_class.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>

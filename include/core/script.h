@@ -6,7 +6,6 @@
 #include <core/runtime/utf8.h>
 #include <core/script/engine.h>
 #include <core/script/errors.h>
-#include <core/script/function.h>
 #include <core/script/text.h>
 #include <core/values.h>
 

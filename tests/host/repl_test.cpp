@@ -46,6 +46,13 @@ TEST(ReplTest, ThroughAPipe) {
     }
     EXPECT_EQ(corehost({"repl", "--json"}, "a = New Map; a.Insert(\"x\", 0.10); a; Null").out,
               "{\"x\":0.1}\nnull\n");
+    EXPECT_EQ(
+        corehost({"repl", "--json"},
+                 "T = New ValueTable; C = T.Columns.Add(\"A\"); C = T.Columns.Add(\"Б\"); T.Add().A = 1; "
+                 "T.Add().Б = \"x\"; Print(T); Print(\"text\"); PrintTable(T, 1)")
+            .out,
+        "[{\"A\":1,\"Б\":null},{\"A\":null,\"Б\":\"x\"}]\n\"text\"\n"
+        "[{\"A\":1,\"Б\":null},{\"A\":null,\"Б\":\"x\"}]\n");
     EXPECT_EQ(corehost({"repl", "--lang", "ru"}, "True; New Map").out, "Истина\nСоответствие {}\n");
 }
 

@@ -171,10 +171,6 @@ TEST_F(TablePrintTest, JsonIsTheOtherForm) {
     EXPECT_EQ(session.run("ToJson(T)"), R"("[{""A"":1,""Б"":null},{""A"":null,""Б"":""x""}]")");
     EXPECT_EQ(session.run("ToJson(T.FindRows(New Structure(\"A\", 1)), 1)"),
               "\"[\n {\n  \"\"A\"\": 1,\n  \"\"Б\"\": null\n }\n]\"");
-    session.console().json = true;
-    EXPECT_EQ(session.run("Print(T); Print(\"text\"); PrintTable(T, 1)"),
-              "[{\"A\":1,\"Б\":null},{\"A\":null,\"Б\":\"x\"}]\n\"text\"\n"
-              "[{\"A\":1,\"Б\":null},{\"A\":null,\"Б\":\"x\"}]");
 }
 
 } // namespace

@@ -2,16 +2,18 @@
 #pragma once
 
 #include <core/context/context_def.h>
+#include <core/context/native_function.h>
 #include <core/runtime/settings.h>
 #include <core/script/api.h>
 #include <core/script/errors.h>
-#include <core/script/function.h>
 #include <core/script/text.h>
 
 #include <chrono>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <iosfwd>
 #include <memory>
 #include <span>
@@ -66,6 +68,10 @@ using Printer = std::function<void(const Value& value, std::size_t rows)>;
 using Bytes = std::function<std::size_t(std::span<std::byte>)>;
 /// Opens the file that a script names, and returns what reads it.
 using Opener = std::function<Bytes(wstring_view file)>;
+
+/// A function object or a pointer to a function, and not a second name.
+template <class F>
+concept OfferedFunction = !std::convertible_to<F, Text> && detail::Callable<F>;
 
 /// Runs scripts. It holds the variables, which keep their values from one run to the next, and the functions
 /// and objects that the program offers.
@@ -123,16 +129,19 @@ class CORE_SCRIPT_API Engine {
 
     // functions
 
-    /// Offers a function under one name, in place of an earlier one of that name. Throws ContextException for
-    /// a name that no function can have.
-    template <class F>
-    void function(const Text& name, F callable) {
-        addFunction(name, name, wrap(std::move(callable)));
+    /// Offers a function under one name, in place of an earlier one of that name: a function object or a
+    /// pointer to a function, whose parameters and result convert by NativeValue. `parameters` names the
+    /// first parameters and gives their defaults; their texts are borrowed. What the function throws becomes
+    /// the cause of the script's failure. Throws ContextException for a name that no function can have.
+    template <OfferedFunction F>
+    void function(const Text& name, F callable, std::initializer_list<Parameter> parameters = {}) {
+        addFunction(name, name, NativeFunction(std::move(callable), parameters));
     }
     /// Offers a function under an English and a Russian name, as above.
-    template <class F>
-    void function(const Text& english, const Text& russian, F callable) {
-        addFunction(english, russian, wrap(std::move(callable)));
+    template <OfferedFunction F>
+    void function(const Text& english, const Text& russian, F callable,
+                  std::initializer_list<Parameter> parameters = {}) {
+        addFunction(english, russian, NativeFunction(std::move(callable), parameters));
     }
     /// Offers the properties and methods of an object as variables and functions, and takes a reference to
     /// it. Of equal names those win that were offered last; the functions above come before all. The numbers
@@ -153,15 +162,8 @@ class CORE_SCRIPT_API Engine {
     friend struct EngineAccess;
     struct Impl;
 
-    template <class F>
-    static Function wrap(F callable) {
-        if constexpr (std::same_as<F, Function>)
-            return callable;
-        else
-            return make_function(std::move(callable));
-    }
     void setValue(const Text& name, const GenericValue& value);
-    void addFunction(const Text& english, const Text& russian, Function function);
+    void addFunction(const Text& english, const Text& russian, NativeFunction function);
 
     std::unique_ptr<Impl> impl_;
 };
