@@ -116,7 +116,7 @@ class CORE_SCRIPT_API Engine {
     void set(const Text& name, const T& value) { setValue(name, to_value<std::decay_t<const T&>>(value)); }
     /// Returns the value of a variable; Undefined while it has none.
     [[nodiscard]] Value get(const Text& name) const;
-    /// Returns the value of a variable as a `T`. Throws ContextException for a value that is no `T`.
+    /// Returns the value of a variable as a `T`. Throws ContextException for a value of another type.
     template <FromValue T>
     [[nodiscard]] T get(const Text& name) const {
         const Value value = get(name);

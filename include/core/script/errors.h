@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <tuple>
 
-/// The failure of a script. It stands in the library, so that every module knows it, whoever runs scripts.
+/// The failure of a script. It stands in the library, so that every module knows it, also one that runs no
+/// scripts.
 namespace core {
 
 namespace messages {
@@ -27,7 +28,7 @@ inline constexpr const char* kScriptNoMemory = "IDS_SCRIPT_NO_MEMORY";
 inline constexpr const char* kScriptNoStack = "IDS_SCRIPT_NO_STACK";
 /// A function of the program threw a std::exception; {0} is what it says.
 inline constexpr const char* kScriptForeignFailure = "IDS_SCRIPT_FOREIGN_FAILURE";
-/// A function of the program threw what is no std::exception. No parameters.
+/// A function of the program threw something else than a std::exception. No parameters.
 inline constexpr const char* kScriptUnknownFailure = "IDS_SCRIPT_UNKNOWN_FAILURE";
 /// A text that the program gave is not UTF-8; {0} is the offset of the first byte that does not fit.
 inline constexpr const char* kScriptNotUtf8 = "IDS_SCRIPT_NOT_UTF8";
