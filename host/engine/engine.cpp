@@ -17,6 +17,8 @@
 #include <algorithm>
 #include <iostream>
 #include <mutex>
+#include <new>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -84,7 +86,11 @@ Engine::~Engine() {
     std::shared_ptr<host::HostProcess> own = std::move(impl_->own);
     {
         const InterfacePtr<SCOM_Process> process = impl_->process; // longer than what works in it
-        const Impl::Working working(*impl_);
+        std::optional<Impl::Working> working;
+        try {
+            working.emplace(*impl_);
+        } catch (const std::bad_alloc&) { // what goes now does not need the process, as a rule
+        }
         impl_.reset();
     }
     own.reset();

@@ -10,6 +10,7 @@
 #include <host/host_process.h>
 
 #include <memory>
+#include <optional>
 
 namespace core::script {
 
@@ -24,19 +25,13 @@ struct Engine::Impl {
     /// While it lives, the calling thread works in the engine's process.
     class Working {
       public:
-        explicit Working(const Impl& impl) noexcept
-            : other_(current_process() != impl.process.get()),
-              before_(other_ ? adopt_thread(impl.process.get()) : nullptr) {}
-        Working(const Working&) = delete;
-        Working& operator=(const Working&) = delete;
-        ~Working() {
-            if (other_)
-                adopt_thread(before_);
+        explicit Working(const Impl& impl) {
+            if (current_process() != impl.process.get())
+                scope_.emplace(impl.process.get());
         }
 
       private:
-        bool other_;
-        SCOM_Process* before_;
+        std::optional<ProcessScope> scope_; // nothing where the thread works in the process already
     };
 };
 

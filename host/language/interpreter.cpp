@@ -7,6 +7,7 @@
 #include <core/context/errors.h>
 #include <core/context/iteration.h>
 #include <core/runtime/exception_object.h>
+#include <core/runtime/threads/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
@@ -42,7 +43,9 @@ auto at(Span span, Work work) {
     } catch (const std::exception& e) {
         const Exception cause(from_utf8(e.what()));
         fail_at(span, messages::kScriptForeignFailure, {cause.description()}, wrap_exception(cause).get());
-    } catch (const abi::__forced_unwind&) { // the thread is being cancelled
+    } catch (const ThreadDeath&) { // the thread was asked to stop
+        throw;
+    } catch (const abi::__forced_unwind&) { // it is being cancelled
         throw;
     } catch (...) {
         fail_at(span, messages::kScriptUnknownFailure);

@@ -36,8 +36,11 @@ def text(name):
 
 
 def room_of(path):
-    """The room that a source or a test belongs to: the layer, "host", or the name of another folder such as "bench"."""
+    """The room that a source or a test belongs to: the layer, "host", or the name of another folder such as "bench". What
+    libcore_script.so is made of belongs to "script"."""
     parts = path.removeprefix("include/").split("/")
+    if parts[0] == "host" and parts[1:2] and parts[1] in ("language", "library", "engine", "exchange"):
+        return "script"
     return parts[1].removesuffix(".h") if parts[0] in ("core", "tests") and len(parts) > 1 else parts[0]
 
 

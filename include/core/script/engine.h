@@ -77,8 +77,7 @@ concept OfferedFunction = !std::convertible_to<F, Text> && detail::Callable<F>;
 /// and objects that the program offers.
 ///
 /// An engine works in the process of the thread that makes it, which must live longer. On a thread without
-/// one it brings a process up, which all engines made there share, and which ends with the last of them, on
-/// that thread.
+/// one it brings a process up, which all engines made there share, and which ends with the last of them.
 ///
 /// Threads: an engine is used by one thread at a time, which may have another process or none. interrupt()
 /// may be called from any thread. Engines do not disturb each other.
