@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// Scripts inside a program: the engine and its errors. <core/script/console.h> is for programs that talk to
-/// a user line by line.
+/// Scripts inside a program: the engine and its errors, and what a console needs besides.
 #include <core/runtime/utf8.h>
+#include <core/script/api.h>
+#include <core/script/console.h>
 #include <core/script/engine.h>
 #include <core/script/errors.h>
 #include <core/script/text.h>

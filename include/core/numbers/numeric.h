@@ -195,8 +195,7 @@ class CORE_API Numeric {
     [[nodiscard]] static Numeric fromString(wstring_view text, const wchar** end = nullptr);
     /// Reads the same from bytes; a character that is not ASCII ends the number.
     [[nodiscard]] static Numeric fromString(std::string_view text, const char** end = nullptr);
-    /// Returns the number that the whole text spells, without white space; else nothing. Throws
-    /// std::bad_alloc.
+    /// Returns the number that a whole text spells, or nothing for any other text. Throws std::bad_alloc.
     [[nodiscard]] static std::optional<Numeric> parse(std::string_view text);
     /// Returns the number that a text in UTF-16 spells in the same way.
     [[nodiscard]] static std::optional<Numeric> parse(wstring_view text);
