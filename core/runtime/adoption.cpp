@@ -91,6 +91,7 @@ void AdoptedThread::end() noexcept {
 }
 
 void end_adopted_thread(void* thread) noexcept {
+    clear_own(); // the other slot leads into it, too
     Adoptions& all = adoptions();
     const std::lock_guard guard(all.lock);
     // The library may be detached while the thread ends, and has then ended it already.
