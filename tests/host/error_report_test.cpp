@@ -21,7 +21,10 @@ std::string repeat(std::string_view text, int times) {
 /// What is shown for a piece of a line, whose column the caller knows.
 std::string shown(std::string_view line, std::string_view marked, std::int32_t column, bool colour = false,
                   std::string_view file = "t") {
-    core::script::Place place{.file = core::from_utf8(file), .line = 2, .column = column};
+    core::script::Place place;
+    place.file = core::from_utf8(file);
+    place.line = 2;
+    place.column = column;
     place.text = core::from_utf8(line);
     const core::wstring piece = core::from_utf8(marked);
     place.offset = static_cast<std::int32_t>(place.text.find(piece.substr(0, piece.find(u'\n'))));
