@@ -31,6 +31,23 @@ inline constexpr const char* kPropertyValue = "IDS_CONTEXT_PROPERTY_VALUE_MISMAT
 inline constexpr const char* kTooManyArguments = "IDS_CONTEXT_TOO_MANY_ARGUMENTS";
 /// A call has no argument for a parameter; {0} is the parameter's number, from 1.
 inline constexpr const char* kParameterMissing = "IDS_PARAMETER_N_MISSING";
+/// An event was raised with a wrong number of arguments; {0} is the event, {1} how many it has.
+inline constexpr const char* kEventArguments = "IDS_EVENT_ARGUMENTS";
+/// A method that is to handle an event needs more arguments than the event has; {0} is the method, {1} how
+/// many it needs, {2} the event, {3} how many it has.
+inline constexpr const char* kEventMethod = "IDS_EVENT_METHOD";
+/// An object has no method of that name, which is to handle an event; {0} is the name.
+inline constexpr const char* kEventNoMethod = "IDS_EVENT_NO_METHOD";
+/// An object has no events. No parameters.
+inline constexpr const char* kNoEvents = "IDS_EVENT_NO_EVENTS";
+/// A sink of an event failed, which is the cause; {0} is the event.
+inline constexpr const char* kEventSinkFailed = "IDS_EVENT_SINK_FAILED";
+/// A sink has not the interface that a connection point calls; {0} is the id of the interface.
+inline constexpr const char* kEventSinkInterface = "IDS_EVENT_SINK_INTERFACE";
+/// An object cannot be connected weakly: it does not tell when it ends. No parameters.
+inline constexpr const char* kEventNotWeak = "IDS_EVENT_NOT_WEAK";
+/// An object has no such event; {0} is the name or the number that was asked for.
+inline constexpr const char* kUnknownEvent = "IDS_EVENT_UNKNOWN";
 /// An argument has a type that its parameter does not take; {0} is the parameter's number, from 1.
 inline constexpr const char* kParameterType = "IDS_PARAMETER_N_TYPE_MISMATCH";
 /// An argument has a value that its parameter does not take; {0} is the parameter's number, from 1.

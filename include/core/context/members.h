@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/context/event_source.h>
 #include <core/context/native_function.h>
 
 #include <array>
@@ -20,7 +21,8 @@
 ///                              core::method(u"Add", u"Добавить", &Counter::add, {u"Amount", u"Сумма"}));
 ///     }
 ///
-/// Members are numbered in the order in which they stand, properties and methods each by themselves. Values
+/// Members are numbered in the order in which they stand, properties, methods and events each by themselves.
+/// <core/context/events/event.h> declares events. Values
 /// convert as NativeValue says; a value that does not convert is refused with the name of the property or the
 /// number of the parameter. Names are borrowed, as a rule from literals.
 namespace core {
@@ -219,10 +221,23 @@ template <class D>
 inline constexpr bool kIsProperty = false;
 template <class Get, class Set>
 inline constexpr bool kIsProperty<PropertyDeclaration<Get, Set>> = true;
+template <class T, class E, std::size_t count>
+void add_row(const EventDeclaration<T, E, count>& declaration, EventEntry<T>*& end) {
+    *end++ = {declaration.ops,
+              [](const void* row, T& object) -> EventBase& {
+                  return object.*static_cast<const EventDeclaration<T, E, count>*>(row)->member;
+              },
+              declaration.params, &declaration};
+}
+
 template <class D>
 inline constexpr bool kIsMethod = false;
 template <class F, std::size_t count>
 inline constexpr bool kIsMethod<MethodDeclaration<F, count>> = true;
+template <class D>
+inline constexpr bool kIsEvent = false;
+template <class T, class E, std::size_t count>
+inline constexpr bool kIsEvent<EventDeclaration<T, E, count>> = true;
 
 /// The tables of a class, made of its declarations, on which the rows stand.
 template <class T, class List>
@@ -233,11 +248,14 @@ class MemberTables<T, MemberList<Ds...>> {
     explicit MemberTables(const MemberList<Ds...>& list) : list_(list) {
         BoundProperty<T>* nextProperty = properties_.data();
         BoundMethod<T>* nextMethod = methods_.data();
+        EventEntry<T>* nextEvent = events_.data();
         const auto add = [&]<class D>(const D& declaration) {
             if constexpr (kIsProperty<D>)
                 add_row(declaration, nextProperty);
             else if constexpr (kIsMethod<D>)
                 add_row(declaration, nextMethod);
+            else if constexpr (kIsEvent<D>)
+                add_row(declaration, nextEvent);
         };
         std::apply([&](const Ds&... declarations) { (add(declarations), ...); }, list_.declarations);
     }
@@ -246,11 +264,13 @@ class MemberTables<T, MemberList<Ds...>> {
 
     [[nodiscard]] std::span<const BoundProperty<T>> properties() const noexcept { return properties_; }
     [[nodiscard]] std::span<const BoundMethod<T>> methods() const noexcept { return methods_; }
+    [[nodiscard]] std::span<const EventEntry<T>> events() const noexcept { return events_; }
 
   private:
     MemberList<Ds...> list_;
     std::array<BoundProperty<T>, (std::size_t{kIsProperty<Ds>} + ... + 0)> properties_{};
     std::array<BoundMethod<T>, (std::size_t{kIsMethod<Ds>} + ... + 0)> methods_{};
+    std::array<EventEntry<T>, (std::size_t{kIsEvent<Ds>} + ... + 0)> events_{};
 };
 
 template <class T>

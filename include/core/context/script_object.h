@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/context/context_def_ext.h>
+#include <core/context/event_source.h>
 #include <core/context/iteration.h>
 #include <core/context/members.h>
 #include <core/persistence/persistence.h>
@@ -185,10 +186,11 @@ inline constexpr auto script_class_name = [] {
 
 /// ScriptObject with a context of the class's own, which derives from IContextImpl.
 template <class T, class Context, class... Is>
-class ScriptObjectOver : public IValueImpl,
-                         public Context,
-                         public ContextDefExtImpl<T, detail::kHasWalk<Is...>>,
-                         public detail::ScriptPart<T, Is>::Type... {
+class ScriptObjectOver
+    : public IValueImpl,
+      public Context,
+      public EventSourceImpl<T, ContextDefExtImpl<T, detail::kHasWalk<Is...>, nullptr, IEventSource>>,
+      public detail::ScriptPart<T, Is>::Type... {
   public:
     /// What objects answer queries for. A class of which an interface extends another one names both again.
     using Interfaces = ScriptInterfaces<Is...>;
@@ -207,6 +209,14 @@ class ScriptObjectOver : public IValueImpl,
             return detail::member_tables<T>().methods();
         else
             return std::span<const Method<T>>();
+    }
+    /// Returns the table of events, as properties() does that of properties. Objects of a class that has some
+    /// are an IEventSource.
+    [[nodiscard]] static auto events() noexcept {
+        if constexpr (detail::DeclaresMembers<T>)
+            return detail::member_tables<T>().events();
+        else
+            return std::span<const EventEntry<T>>();
     }
     /// Returns the declarations of the class and its type, for a list of the classes of a module; the type
     /// alone of a class without New.
@@ -248,6 +258,17 @@ class ScriptObjectOver : public IValueImpl,
     /// Stores what is known of the elements and returns true; returns false where they may be anything.
     bool getCollectionItemInfo(ContextValueInfo& info) const override {
         return detail::describe_type(detail::script_class<T>.elements, info);
+    }
+
+    /// Answers queries for IEventSource where the class has events. It stands in the place of IContextDefExt,
+    /// so that an object does not grow by it.
+    HRESULT queryOther(const GUID& iid, void** out) noexcept {
+        if (T::events().empty() || !(iid == IEventSource::IID))
+            return kNoInterface;
+        auto* const source = static_cast<IEventSource*>(this);
+        source->AddRef();
+        *out = source;
+        return kOk;
     }
 
   protected:
