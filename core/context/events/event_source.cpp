@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/context/errors.h>
 #include <core/context/events/connection_point.h>
+#include <core/context/events/event.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
 

@@ -40,8 +40,8 @@ inline constexpr const char* kEventMethod = "IDS_EVENT_METHOD";
 inline constexpr const char* kEventNoMethod = "IDS_EVENT_NO_METHOD";
 /// An object has no events. No parameters.
 inline constexpr const char* kNoEvents = "IDS_EVENT_NO_EVENTS";
-/// A sink of an event failed, which is the cause; {0} is the event.
-inline constexpr const char* kEventSinkFailed = "IDS_EVENT_SINK_FAILED";
+/// Where a failure comes from that a sink of an event has thrown; {0} is the event.
+inline constexpr const char* kEventSink = "IDS_EVENT_SINK";
 /// A sink has not the interface that a connection point calls; {0} is the id of the interface.
 inline constexpr const char* kEventSinkInterface = "IDS_EVENT_SINK_INTERFACE";
 /// An object cannot be connected weakly: it does not tell when it ends. No parameters.

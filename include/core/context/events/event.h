@@ -64,11 +64,11 @@ template <class F, class... Args>
 [[nodiscard]] Sink make_sink(F callable) {
     SinkData data;
     if constexpr (is_small_sink<F, Args...>) {
-        std::memcpy(&data, &callable, sizeof(F));
+        std::memcpy(data.words, &callable, sizeof(F));
         return {data,
                 [](SinkData held, Emission& emission) {
                     alignas(F) std::byte room[sizeof(F)];
-                    std::memcpy(room, &held, sizeof(F));
+                    std::memcpy(room, held.words, sizeof(F));
                     call_sink<const F, Args...>(*std::launder(reinterpret_cast<const F*>(room)), emission);
                 },
                 nullptr};
@@ -176,9 +176,9 @@ template <std::size_t... index>
 void Event<Args...>::raiseConverted([[maybe_unused]] std::span<const GenericValue> values,
                                     std::index_sequence<index...>) {
     // What from_value() returns may own what the argument borrows, a text in UTF-8 for one.
-    const auto held = std::make_tuple(
-        from_value<Args>(values[index], ValueReceiver::parameter(static_cast<int>(index)))...);
-    const std::tuple<Args...> native(std::get<index>(held)...);
+    [[maybe_unused]] const std::tuple<decltype(from_value<Args>(values[index]))...> held{
+        from_value<Args>(values[index], ValueReceiver::parameter(static_cast<int>(index)))...};
+    [[maybe_unused]] const std::tuple<Args...> native(std::get<index>(held)...);
     if (detail::SinkTable* const sinks = table()) {
         detail::NativeEmission<Args...> emission(std::get<index>(native)...);
         emission.convert = nullptr;
