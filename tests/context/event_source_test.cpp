@@ -37,8 +37,8 @@ class Counter : public ScriptObject<Counter, IConnectionPointContainer> {
     };
     static std::span<const EventEntry<Counter>> events() noexcept {
         static constexpr NamePair kChanged[] = {{u"Total", u"Всего"}, {u"Reason"}};
-        static constexpr EventEntry<Counter> kTable[] = {event<&Counter::changed>(kChanged),
-                                                         event<&Counter::done>()};
+        static constexpr EventEntry<Counter> kTable[] = {event_entry<&Counter::changed>(kChanged),
+                                                         event_entry<&Counter::done>()};
         return kTable;
     }
     auto points() { return std::array<IConnectionPoint*, 1>{&watchers}; }

@@ -72,6 +72,7 @@ void TableData::renameColumn(TableColumn& column, wstring_view name) {
     checkName(name, &column);
     column.info.name = name;
     names_.clear();
+    tell(&TableWatcher::columnsChanged);
 }
 
 void TableData::setDomain(TableColumn& column, TypeDomain domain) {
@@ -90,6 +91,7 @@ void TableData::setDomain(TableColumn& column, TypeDomain domain) {
     std::swap(column.info.domain, domain);
     swap(column.defaultValue, byDefault);
     setCells(column, std::move(cells));
+    tell(&TableWatcher::columnsChanged);
 }
 
 void TableData::assign(std::vector<std::unique_ptr<TableColumn>> columns, std::size_t count) noexcept {
@@ -107,6 +109,7 @@ void TableData::removeColumn(std::size_t position) noexcept {
     columns_.erase(columns_.begin() + static_cast<std::ptrdiff_t>(position));
     std::erase_if(indexes_, [&](const auto& index) { return index->covers(*dying); });
     columnsChanged();
+    tell(&TableWatcher::columnsChanged);
 }
 
 void TableData::moveColumn(std::size_t from, std::size_t to) noexcept {
@@ -114,12 +117,14 @@ void TableData::moveColumn(std::size_t from, std::size_t to) noexcept {
     const auto last = columns_.begin() + static_cast<std::ptrdiff_t>(std::max(from, to)) + 1;
     std::rotate(first, from < to ? first + 1 : last - 1, last);
     columnsChanged();
+    tell(&TableWatcher::columnsChanged);
 }
 
 void TableData::clearColumns() noexcept {
     const auto dying = std::exchange(columns_, {});
     indexes_.clear();
     columnsChanged();
+    tell(&TableWatcher::columnsChanged);
 }
 
 void TableData::fill(std::span<const std::size_t> columns, const GenericValue& value) {
@@ -133,6 +138,7 @@ void TableData::fill(std::span<const std::size_t> columns, const GenericValue& v
     }
     for (std::size_t i = 0; i < columns.size(); ++i)
         setCells(*columns_[columns[i]], std::move(filled[i]));
+    tell(&TableWatcher::reloaded);
 }
 
 void TableData::load(RowId parent, std::size_t position, std::span<const Value> values) {
@@ -144,6 +150,7 @@ void TableData::load(RowId parent, std::size_t position, std::span<const Value> 
         cells.push_back(column.info.domain.adjust(value));
     giveIndexesUp(column);
     column.cells.exchange(rowsOf(parent), cells);
+    tell(&TableWatcher::reloaded);
 }
 
 void TableData::setCells(TableColumn& column, CellColumn cells) noexcept {

@@ -36,6 +36,7 @@ void TableData::replace(TableData& fresh) noexcept {
     std::swap(ids_, fresh.ids_);
     std::swap(count_, fresh.count_);
     free_.swap(fresh.free_);
+    tell(&TableWatcher::reloaded);
 }
 
 const RowOrder& TableData::rowsOf(RowId parent) const noexcept {
@@ -95,6 +96,7 @@ RowId TableData::insertRow(RowId parent, std::size_t position, std::span<const V
     ++version_;
     for (const auto& index : indexes_)
         index->link(row);
+    tell(&TableWatcher::rowAdded, parent, position);
     return row;
 }
 
@@ -131,6 +133,7 @@ void TableData::removeRow(RowId parent, std::size_t position) {
     beforeReorder(order);
     order.erase(position);
     release(doomed, dying);
+    tell(&TableWatcher::rowDeleted, parent, position);
 }
 
 void TableData::removeRows(RowId parent) {
@@ -142,6 +145,7 @@ void TableData::removeRows(RowId parent) {
         beforeReorder(order);
         order.clear();
         release(doomed, dyingValues);
+        tell(&TableWatcher::rowsCleared, parent);
         return;
     }
     std::vector<CellColumn> dying(columns_.size());
@@ -157,6 +161,7 @@ void TableData::removeRows(RowId parent) {
     ids_ = 0;
     count_ = 0;
     ++version_;
+    tell(&TableWatcher::rowsCleared, kNoRow);
 }
 
 void TableData::moveRow(RowId parent, std::size_t from, std::size_t to) {
@@ -164,6 +169,7 @@ void TableData::moveRow(RowId parent, std::size_t from, std::size_t to) {
     beforeReorder(order);
     order.move(from, to);
     ++version_;
+    tell(&TableWatcher::rowMoved, parent, from, to);
 }
 
 void TableData::reorder(RowId parent, std::span<const RowId> rows) {
@@ -228,6 +234,7 @@ void TableData::regroup(std::span<GroupedColumn> columns, std::size_t count) {
     free_.clear();
     ids_ = count;
     count_ = count;
+    tell(&TableWatcher::reloaded);
 }
 
 void TableData::set(RowId row, std::size_t position, GenericValue value) {
@@ -252,6 +259,7 @@ void TableData::set(RowId row, std::size_t position, GenericValue value) {
         else
             index->link(row);
     }
+    tell(&TableWatcher::rowChanged, row, position);
 }
 
 std::vector<RowId> TableData::withSubordinates(std::span<const RowId> rows) const {

@@ -4,6 +4,7 @@
 #include "core/tables/data/row_handle.h"
 #include "core/tables/data/row_walk.h"
 #include "core/tables/data/table_index.h"
+#include "core/tables/data/table_watcher.h"
 
 #include <core/context/name_cache.h>
 #include <core/values/generic_value.h>
@@ -47,6 +48,8 @@ class TableData {
     [[nodiscard]] bool isTree() const noexcept { return tree_; }
     /// Changes whenever columns or rows come, go or move.
     [[nodiscard]] std::uint64_t version() const noexcept { return version_; }
+    /// Tells a watcher of each change from now on; it must outlive the data.
+    void watch(TableWatcher& watcher) noexcept { watcher_ = &watcher; }
     /// Exchanges columns, rows and indexes with data of which scripts hold no objects.
     void replace(TableData& fresh) noexcept;
 
@@ -61,8 +64,10 @@ class TableData {
     [[nodiscard]] std::size_t positionOf(const TableColumn& column) const noexcept;
     /// Inserts a column with the default of its description in every row. Throws ContextException:
     /// "IDS_VT_COLUMNCODE_ERROR" for a name that is not valid, "IDS_VT_COLUMNS_NOT_UNIQUE" for a name that
-    /// another column has.
+    /// another column has. The caller calls tellColumnsChanged() when it is done with the column.
     TableColumn& insertColumn(std::size_t position, ColumnInfo info);
+    /// Tells the watcher that a column is complete, or that its title or width has changed.
+    void tellColumnsChanged() noexcept { tell(&TableWatcher::columnsChanged); }
     /// Throws as insertColumn() does.
     void renameColumn(TableColumn& column, wstring_view name);
     /// Replaces the description and adjusts every cell to it.
@@ -90,8 +95,11 @@ class TableData {
     /// Removes all rows below a parent, with those below them.
     void removeRows(RowId parent);
     void moveRow(RowId parent, std::size_t from, std::size_t to);
-    /// Puts the rows below a parent into another order.
+    /// Puts the rows below a parent into another order. The caller calls tellRowsSorted() after the last of
+    /// several.
     void reorder(RowId parent, std::span<const RowId> rows);
+    /// Tells the watcher that the rows below a parent have been sorted.
+    void tellRowsSorted(RowId parent) noexcept { tell(&TableWatcher::rowsSorted, parent); }
     /// Fills a table that has no columns yet with columns that have `count` cells each.
     void assign(std::vector<std::unique_ptr<TableColumn>> columns, std::size_t count) noexcept;
     /// Replaces the table by some of its columns with other cells, `count` in each.
@@ -126,6 +134,12 @@ class TableData {
         std::unique_ptr<RowOrder> rows; // null when there are none
     };
 
+    /// Tells the watcher of a change that is complete; for nobody it is one test.
+    template <class... Args>
+    void tell(void (TableWatcher::*change)(Args...) noexcept, Args... arguments) noexcept {
+        if (watcher_ != nullptr)
+            (watcher_->*change)(arguments...);
+    }
     void putCells(RowId row, std::span<const Value> cells, CellSource source);
     void checkName(wstring_view name, const TableColumn* except) const;
     RowOrder& makeRowsOf(RowId parent);
@@ -141,6 +155,7 @@ class TableData {
 
     IValue& owner_;
     const bool tree_;
+    TableWatcher* watcher_ = nullptr;
     std::uint64_t version_ = 0;
     ColumnId nextColumn_ = 0;
     std::vector<std::unique_ptr<TableColumn>> columns_;

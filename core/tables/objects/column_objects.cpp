@@ -78,11 +78,13 @@ class ValueTableColumn : public ScriptObject<ValueTableColumn, IColumnObject> {
     void setTitle(const GenericValue& value) {
         TableColumn& changed = column();
         changed.info.title = wstring(optional_text_argument(value, 0));
+        handle_.data().tellColumnsChanged();
     }
     GenericValue getWidth() const { return column().info.width; }
     void setWidth(const GenericValue& value) {
         TableColumn& changed = column();
         changed.info.width = width_argument(value, 0);
+        handle_.data().tellColumnsChanged();
     }
 
     TableHandle<TableColumn> handle_;
@@ -109,12 +111,15 @@ GenericValue ValueTableColumnCollection::insert(std::size_t position, std::span<
                     .title = wstring(optional_text_argument(definition[2], firstParam + 2)),
                     .width = width_argument(definition[3], firstParam + 3)};
     TableColumn& column = data_.insertColumn(position, std::move(info));
+    GenericValue object;
     try {
-        return column_value(data_, column);
+        object = column_value(data_, column);
     } catch (...) { // no object, no column
         data_.removeColumn(position);
         throw;
     }
+    data_.tellColumnsChanged();
+    return object;
 }
 
 GenericValue ValueTableColumnCollection::callAdd(std::span<GenericValue> arguments) {

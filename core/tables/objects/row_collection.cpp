@@ -61,6 +61,7 @@ void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& co
         parameter_type_mismatch(comparisonParam);
     if (!object && !data.isTree()) {
         data.reorder(parent, sorted_rows(RowList(data, parent, false).range(), sort));
+        data.tellRowsSorted(parent);
         return;
     }
     // All orders are found before the first is changed, so that a failure moves no row. An object that
@@ -81,6 +82,7 @@ void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& co
     }
     for (const SortedRows& sorted : orders)
         data.reorder(sorted.parent, sorted.rows);
+    data.tellRowsSorted(parent);
 }
 
 } // namespace core

@@ -87,6 +87,7 @@ GenericValue ValueList::insert(std::size_t position, Item item) {
         free_.pop_back();
     object->enter(this, id);
     items_[id] = std::move(object);
+    added_.raise(position);
     return result;
 }
 
@@ -160,6 +161,7 @@ void ValueList::sort(const Value& direction, Value (*key)(const Item& item)) {
     for (const std::uint64_t key : order)
         sorted.push_back(items[static_cast<std::uint32_t>(key)]);
     assign(std::move(sorted));
+    sorted_.raise();
 }
 
 GenericValue ValueList::getValueType() const {
@@ -181,6 +183,7 @@ void ValueList::setValueType(const GenericValue& value) {
     std::swap(domain_, changed);
     for (std::size_t i = 0; i < items.size(); ++i)
         items[i]->exchangeValue(values[i]);
+    reloaded_.raise();
 }
 
 void ValueList::serialize(IOutPersistenceStorage* storage) const {
@@ -222,6 +225,7 @@ void ValueList::deserialize(IInPersistenceStorage* storage) {
     in.getEndOfList();
     domain_ = std::move(domain);
     assign(std::move(items));
+    reloaded_.raise();
 }
 
 InterfacePtr<IValueList> create_value_list() {
@@ -233,6 +237,19 @@ namespace {
 const ScriptClassEntry<ValueList> kEntry;
 
 } // namespace
+
+std::span<const EventEntry<ValueList>> ValueList::events() noexcept {
+    using Self = ValueList;
+    static constexpr NamePair kIndex[] = {{u"Index", u"Индекс"}};
+    static constexpr NamePair kPlaces[] = {{u"From", u"Откуда"}, {u"To", u"Куда"}};
+    static constexpr EventEntry<Self> kEvents[] = {
+        event_entry<&Self::added_>(kIndex),   event_entry<&Self::changed_>(kIndex),
+        event_entry<&Self::deleted_>(kIndex), event_entry<&Self::moved_>(kPlaces),
+        event_entry<&Self::sorted_>(),        event_entry<&Self::cleared_>(),
+        event_entry<&Self::reloaded_>(),
+    };
+    return kEvents;
+}
 
 std::span<const Property<ValueList>> ValueList::properties() noexcept {
     static constexpr Property<ValueList> kProperties[] = {

@@ -3,6 +3,7 @@
 
 #include "core/tables/objects/value_list_item.h"
 
+#include <core/context/events/event.h>
 #include <core/types/type_domain.h>
 
 #include <vector>
@@ -40,6 +41,7 @@ class ValueList
 
     static std::span<const Property<ValueList>> properties() noexcept;
     static std::span<const Method<ValueList>> methods() noexcept;
+    static std::span<const EventEntry<ValueList>> events() noexcept;
     const ValueList& self() const noexcept override { return *this; }
     InterfacePtr<IValueEnum> enumerate() override;
 
@@ -47,7 +49,10 @@ class ValueList
     std::size_t count() const noexcept override { return order_.size(); }
     Item get(std::size_t position) const override { return itemAt(position)->content(); }
     GenericValue item(std::size_t position) const override { return itemAt(position); }
-    void setCheck(std::size_t position, bool check) override { itemAt(position)->setCheck(check); }
+    void setCheck(std::size_t position, bool check) override {
+        itemAt(position)->setCheck(check);
+        changed_.raise(position);
+    }
     void add(const Item& item) override { static_cast<void>(insert(count(), item)); }
 
     // IPersistableObject
@@ -58,6 +63,11 @@ class ValueList
     [[nodiscard]] Value adjusted(const Value& value) const;
     /// Returns `value`, through which this list would not hold itself.
     const Value& notHolding(const Value& value) const;
+    /// Tells those who listen that the content of an item has changed.
+    void itemChanged(RowId id) {
+        if (!changed_.isIdle())
+            changed_.raise(order_.positionOf(id));
+    }
 
   private:
     using Items = std::vector<ValueListItemPtr>;
@@ -100,6 +110,15 @@ class ValueList
     RowOrder order_;
     Items items_; // by id; null for those that are free
     std::vector<RowId> free_;
+
+    // Raised when the change is complete: sinks may do anything with the list.
+    Event<std::size_t> added_{named<u"ItemAdded", u"ПриДобавленииЭлемента">};
+    Event<std::size_t> changed_{named<u"ItemChanged", u"ПриИзмененииЭлемента">};
+    Event<std::size_t> deleted_{named<u"ItemDeleted", u"ПриУдаленииЭлемента">};
+    Event<std::size_t, std::size_t> moved_{named<u"ItemMoved", u"ПриПеремещенииЭлемента">};
+    Event<> sorted_{named<u"Sorted", u"ПриСортировке">};
+    Event<> cleared_{named<u"Cleared", u"ПриОчистке">};
+    Event<> reloaded_{named<u"Reloaded", u"ПриПерезагрузке">};
 };
 
 } // namespace core

@@ -10,19 +10,28 @@ namespace core {
 void ValueListItem::setValue(const GenericValue& value) {
     Value adjusted = list_ != nullptr ? list_->adjusted(value) : Value(value);
     exchangeValue(adjusted);
+    tellList();
 }
 
 void ValueListItem::setPresentation(const GenericValue& value) {
     content_.presentation = wstring(text_argument(value, 0));
+    tellList();
 }
 
 void ValueListItem::setCheckValue(const GenericValue& value) {
     setCheck(flag_argument(value, 0));
+    tellList();
 }
 
 void ValueListItem::setPicture(const GenericValue& value) {
     Value picture = list_ != nullptr ? list_->notHolding(value) : Value(value);
     swap(content_.picture, picture);
+    tellList();
+}
+
+void ValueListItem::tellList() {
+    if (list_ != nullptr)
+        list_->itemChanged(id_);
 }
 
 namespace {

@@ -59,6 +59,7 @@ class ValueListItem : public ScriptObject<ValueListItem, IListItemObject> {
     void setCheckValue(const GenericValue& value);
     GenericValue getPicture() const { return content_.picture; }
     void setPicture(const GenericValue& value);
+    void tellList();
 
     IValueList::Item content_;
     ValueList* list_ = nullptr;

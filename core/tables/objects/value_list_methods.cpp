@@ -63,6 +63,7 @@ GenericValue ValueList::callLoadValues(std::span<GenericValue> arguments) {
         items.push_back(
             make_object<ValueListItem>(Item{.value = adjusted(value), .presentation = {}, .picture = {}}));
     assign(std::move(items));
+    reloaded_.raise();
     return {};
 }
 
@@ -102,17 +103,21 @@ GenericValue ValueList::callDelete(std::span<GenericValue> arguments) {
     }
     const ValueListItemPtr dying = std::move(items_[id]);
     dying->enter(nullptr, kNoRow);
+    deleted_.raise(at);
     return {};
 }
 
 GenericValue ValueList::callClear(std::span<GenericValue>) {
     assign({});
+    cleared_.raise();
     return {};
 }
 
 GenericValue ValueList::callMove(std::span<GenericValue> arguments) {
     const std::size_t from = position(arguments[0], 0);
-    order_.move(from, target_argument(arguments[1], 1, from, count()));
+    const std::size_t to = target_argument(arguments[1], 1, from, count());
+    order_.move(from, to);
+    moved_.raise(from, to);
     return {};
 }
 
@@ -130,6 +135,7 @@ GenericValue ValueList::callFillChecks(std::span<GenericValue> arguments) {
         if (item)
             item->setCheck(check);
     }
+    reloaded_.raise();
     return {};
 }
 

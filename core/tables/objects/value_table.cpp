@@ -3,6 +3,7 @@
 #include "core/tables/objects/column_objects.h"
 #include "core/tables/objects/index_objects.h"
 #include "core/tables/objects/row_collection.h"
+#include "core/tables/objects/row_events.h"
 #include "core/tables/objects/sub_object.h"
 #include "core/tables/objects/table_format.h"
 #include "core/tables/query/group_by.h"
@@ -33,11 +34,17 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
     static constexpr bool kHierarchical = false;
 
     ValueTable()
-        : data_(*this, false), columns_(*static_cast<IValue*>(this), data_),
+        : data_(*this, false), events_(data_), columns_(*static_cast<IValue*>(this), data_),
           indexes_(*static_cast<IValue*>(this), data_) {}
 
     static std::span<const Property<ValueTable>> properties() noexcept;
     static std::span<const Method<ValueTable>> methods() noexcept;
+    static std::span<const EventEntry<ValueTable>> events() noexcept;
+    Connection connectSink(int event, IEventSink* sink) override {
+        data_.watch(events_);
+        return RowCollection::connectSink(event, sink);
+    }
+    [[nodiscard]] RowEvents<>& rowEvents() noexcept { return events_; }
 
     [[nodiscard]] TableData& data() noexcept { return data_; }
     [[nodiscard]] RowId parent() const noexcept { return kNoRow; }
@@ -97,6 +104,7 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
     GenericValue callChooseRow(std::span<GenericValue> arguments);
 
     TableData data_;
+    RowEvents<> events_;
     SubObject<ValueTableColumnCollection> columns_;
     SubObject<VTIndexCollection> indexes_;
 };
@@ -133,7 +141,9 @@ std::int32_t ValueTable::addColumn(wstring_view name, TypeDomain domain, wstring
         parameter_value_mismatch(3);
     ColumnInfo info{
         .name = wstring(name), .domain = std::move(domain), .title = wstring(title), .width = width};
-    return data_.insertColumn(data_.columnCount(), std::move(info)).id;
+    const ColumnId id = data_.insertColumn(data_.columnCount(), std::move(info)).id;
+    data_.tellColumnsChanged();
+    return id;
 }
 
 void ValueTable::appendRow(std::span<const Value> cells) {
@@ -225,6 +235,11 @@ std::span<const Property<ValueTable>> ValueTable::properties() noexcept {
         {kIndexCollectionTerm, &ValueTable::getIndexes, nullptr, &kVTIndexCollectionType},
     };
     return kProperties;
+}
+
+std::span<const EventEntry<ValueTable>> ValueTable::events() noexcept {
+    static constexpr auto kEvents = RowEvents<>::entries<ValueTable>();
+    return kEvents;
 }
 
 std::span<const Method<ValueTable>> ValueTable::methods() noexcept {

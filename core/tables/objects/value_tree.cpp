@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/column_objects.h"
 #include "core/tables/objects/row_collection.h"
+#include "core/tables/objects/row_events.h"
 #include "core/tables/objects/sub_object.h"
 #include "core/tables/objects/table_format.h"
 #include "core/tables/objects/tree_objects.h"
@@ -75,10 +76,16 @@ class ValueTree : public ScriptObject<ValueTree, IPersistableObject> {
     };
 
     ValueTree()
-        : data_(*this, true), columns_(*static_cast<IValue*>(this), data_),
+        : data_(*this, true), events_(data_), columns_(*static_cast<IValue*>(this), data_),
           rows_(*static_cast<IValue*>(this), data_, nullptr) {}
 
     static std::span<const Property<ValueTree>> properties() noexcept;
+    static std::span<const EventEntry<ValueTree>> events() noexcept;
+    Connection connectSink(int event, IEventSink* sink) override {
+        data_.watch(events_);
+        return ScriptObject::connectSink(event, sink);
+    }
+    [[nodiscard]] RowEvents<Value>& rowEvents() noexcept { return events_; }
 
     void serialize(IOutPersistenceStorage* storage) const override { serialize_table(storage, data_); }
     void deserialize(IInPersistenceStorage* storage) override { deserialize_table(storage, data_); }
@@ -90,6 +97,7 @@ class ValueTree : public ScriptObject<ValueTree, IPersistableObject> {
     GenericValue getRows() const { return Value(const_cast<SubObject<ValueTreeRowCollection>*>(&rows_)); }
 
     TableData data_;
+    RowEvents<Value> events_;
     SubObject<ValueTableColumnCollection> columns_;
     SubObject<ValueTreeRowCollection> rows_;
 };
@@ -132,6 +140,11 @@ std::span<const Method<ValueTreeRow>> ValueTreeRow::methods() noexcept {
         {kOwnerMethodTerm, required(0), kFunction, &ValueTreeRow::callOwner, &kValueTreeType},
     };
     return kMethods;
+}
+
+std::span<const EventEntry<ValueTree>> ValueTree::events() noexcept {
+    static constexpr auto kEvents = RowEvents<Value>::entries<ValueTree>();
+    return kEvents;
 }
 
 std::span<const Property<ValueTree>> ValueTree::properties() noexcept {

@@ -6,6 +6,7 @@
 #include <core/context/name_cache.h>
 #include <core/strings/term.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -114,13 +115,22 @@ inline constexpr int kEventShift = 48;
 
 } // namespace detail
 
-/// An event of a class of objects, as an entry of the table `T::events()`. <core/context/events/event.h>
-/// makes it of a data member.
+/// An event as a class declares it among its members, see event().
+template <class T, class E, std::size_t count>
+struct EventDeclaration {
+    E T::*member;                       ///< the data member
+    std::array<NamePair, count> params; ///< the names of the parameters; empty ones where they have none
+    const detail::EventOps* ops;        ///< what can be done with events of its type
+};
+
+/// An event of a class of objects, as an entry of the table `T::events()`. event() makes it of a data member,
+/// and a class with members has it from there.
 template <class T>
 struct EventEntry {
-    const detail::EventOps* ops;      ///< what can be done with events of its type
-    EventBase& (*find)(T& object);    ///< returns the event of an object
-    std::span<const NamePair> params; ///< the names of the parameters, as far as they have names
+    const detail::EventOps* ops;                            ///< what can be done with events of its type
+    EventBase& (*find)(const void* declaration, T& object); ///< returns the event of an object
+    std::span<const NamePair> params;  ///< the names of the parameters, as far as they have names; borrowed
+    const void* declaration = nullptr; ///< what `find` needs; null in a table that is written by hand
 };
 
 /// Implements the extended description and the events of `T` from its tables `T::properties()`,
@@ -154,7 +164,7 @@ class EventSourceImpl : public Ext {
     const wchar* getEventParamName(int event, int param, int alias) const override {
         const auto* const entry = entryAt(event);
         const NamePair* const names = entry != nullptr ? detail::entry_at(entry->params, param) : nullptr;
-        return names != nullptr ? term_string(*names, alias) : nullptr;
+        return names != nullptr ? term_string(*names, alias) : nullptr; // null in a pair without names
     }
     /// Stores the type that the argument's C++ type stands for.
     bool getEventParamInfo(int event, int param, ContextValueInfo& info) const override {
@@ -191,7 +201,7 @@ class EventSourceImpl : public Ext {
         return detail::entry_at(T::events(), event);
     }
     [[nodiscard]] EventBase& eventOf(const EventEntry<T>& entry) const {
-        return entry.find(static_cast<T&>(const_cast<EventSourceImpl&>(*this)));
+        return entry.find(entry.declaration, static_cast<T&>(const_cast<EventSourceImpl&>(*this)));
     }
 };
 

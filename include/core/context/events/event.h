@@ -27,12 +27,10 @@ struct NativeEmission : Emission {
             convert = [](Emission& self) { return static_cast<NativeEmission&>(self).makeValues(); };
     }
     Values makeValues() {
-        std::apply(
-            [this](const Args&... argument) {
-                [[maybe_unused]] std::size_t i = 0;
-                ((made[i++] = to_value(argument)), ...);
-            },
-            held);
+        if constexpr (sizeof...(Args) > 0) {
+            std::size_t i = 0;
+            std::apply([&](const Args&... argument) { ((made[i++] = to_value(argument)), ...); }, held);
+        }
         return made;
     }
 
@@ -154,13 +152,15 @@ struct EventTraits<Event<Args...>> {
     };
 };
 
-template <auto member>
-struct MemberTraits;
-template <class T, class M, M T::*member>
-struct MemberTraits<member> {
-    using Class = T;
-    using Type = M;
-};
+template <auto member, class T, class E, std::size_t count>
+[[nodiscard]] constexpr EventEntry<T> event_entry_of(const EventDeclaration<T, E, count>& declaration,
+                                                     std::span<const NamePair> names) noexcept {
+    return {declaration.ops, [](const void*, T& object) -> EventBase& { return object.*member; }, names};
+}
+
+/// The names of the parameter that has the type.
+template <class>
+using NameFor = NamePair;
 
 } // namespace detail
 
@@ -187,13 +187,27 @@ void Event<Args...>::raiseConverted([[maybe_unused]] std::span<const GenericValu
     }
 }
 
-/// Returns the entry of an event for the table of its class: `event<&Counter::changed>(kParams)`. `params`
-/// are the names of the arguments, kept by address.
+/// Declares an event of a class, as one of its members: `core::event(&Counter::changed, {u"Total",
+/// u"Всего"})`. Its own names are those that the data member was made with; `names` are those of its
+/// arguments.
+template <class T, class... Args>
+[[nodiscard]] constexpr auto event(Event<Args...> T::*member,
+                                   const detail::NameFor<Args>&... names) noexcept {
+    return EventDeclaration<T, Event<Args...>, sizeof...(Args)>{
+        member, {names...}, &detail::EventTraits<Event<Args...>>::ops};
+}
+/// Declares an event of a class whose arguments have no names.
+template <class T, class First, class... Args>
+[[nodiscard]] constexpr auto event(Event<First, Args...> T::*member) noexcept {
+    return EventDeclaration<T, Event<First, Args...>, 0>{
+        member, {}, &detail::EventTraits<Event<First, Args...>>::ops};
+}
+
+/// Returns the entry of an event for a table that a class writes itself:
+/// `event_entry<&Counter::changed>(kNames)`. `names` are those of the arguments, kept by address.
 template <auto member>
-[[nodiscard]] constexpr auto event(std::span<const NamePair> params = {}) noexcept {
-    using T = typename detail::MemberTraits<member>::Class;
-    return EventEntry<T>{&detail::EventTraits<typename detail::MemberTraits<member>::Type>::ops,
-                         [](T& object) -> EventBase& { return object.*member; }, params};
+[[nodiscard]] constexpr auto event_entry(std::span<const NamePair> names = {}) noexcept {
+    return detail::event_entry_of<member>(event(member), names);
 }
 
 } // namespace core

@@ -67,6 +67,8 @@ class CORE_API EventBase {
 
     /// Returns the names of the event, borrowed for ever.
     [[nodiscard]] const EventNames& names() const noexcept;
+    /// Returns whether no sink has ever been connected, so that raising has no effect.
+    [[nodiscard]] bool isIdle() const noexcept { return table() == nullptr; }
     /// Returns how many sinks are connected.
     [[nodiscard]] std::size_t connectionCount() const noexcept;
 

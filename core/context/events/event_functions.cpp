@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <core/context/arguments.h>
+#include <core/context/context_def_ext.h>
+#include <core/context/events/event_functions.h>
+#include <core/context/events/event_service.h>
+
+namespace core {
+namespace {
+
+/// Returns an object of any class, borrowed from the argument.
+IUnknown* any_object(const Value& argument, int param) {
+    if (!argument.isObject())
+        parameter_type_mismatch(param);
+    return argument.object();
+}
+
+class EventFunctions : public IContextImpl<IContextDefImpl<EventFunctions>>,
+                       public ContextDefExtImpl<EventFunctions> {
+  public:
+    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt>;
+
+    static std::span<const Property<EventFunctions>> properties() noexcept { return {}; }
+    static std::span<const Method<EventFunctions>> methods() noexcept {
+        static constexpr Param kConnection[] = {{}, {}, {}, {}, {.byDefault = ParamDefault::falseValue}};
+        static constexpr Method<EventFunctions> kTable[] = {
+            {{u"Connect", u"Соединить"}, kConnection, kFunction, &EventFunctions::connect, &kNumberType},
+            {{u"Disconnect", u"Разъединить"},
+             required(2),
+             kFunction,
+             &EventFunctions::disconnect,
+             &kBooleanType},
+        };
+        return kTable;
+    }
+
+  private:
+    GenericValue connect(std::span<GenericValue> arguments) {
+        IUnknown* const source = any_object(arguments[0], 0);
+        const wstring event(text_argument(arguments[1], 1));
+        IUnknown* const object = any_object(arguments[2], 2);
+        const wstring method(text_argument(arguments[3], 3));
+        const SinkHold hold = flag_argument(arguments[4], 4) ? SinkHold::weak : SinkHold::strong;
+        return get_service<IEventService>()->connectMethod(source, event.c_str(), object, method.c_str(),
+                                                           hold);
+    }
+    GenericValue disconnect(std::span<GenericValue> arguments) {
+        IUnknown* const source = any_object(arguments[0], 0);
+        const Numeric number = number_argument(arguments[1], 1);
+        const auto connection = static_cast<ConnectionNumber>(number);
+        return Numeric(connection) == number && get_service<IEventService>()->disconnect(source, connection);
+    }
+};
+
+} // namespace
+
+InterfacePtr<IContext_> create_event_functions() {
+    return make_object<EventFunctions>();
+}
+
+} // namespace core
