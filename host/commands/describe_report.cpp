@@ -3,7 +3,7 @@
 
 #include "host/commands/describe_sample.h"
 
-#include <core/context/context_def_ext.h>
+#include <core/context/event_source.h>
 #include <core/objects/enumeration.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
@@ -75,6 +75,20 @@ Method method_of(IContextDef& definition, const IContextDefExt* ext, int method,
     return result;
 }
 
+Event event_of(const IEventSource& source, int number) {
+    Event event{
+        {text_of(source.getEventName(number, kEnglish)), text_of(source.getEventName(number, kRussian))}, {}};
+    for (int param = 0; param < source.getNEventParams(number); ++param) {
+        event.arguments.push_back({{text_of(source.getEventParamName(number, param, kEnglish)),
+                                    text_of(source.getEventParamName(number, param, kRussian))},
+                                   {}});
+        ContextValueInfo info;
+        if (source.getEventParamInfo(number, param, info))
+            event.arguments.back().kinds = kinds_of(info);
+    }
+    return event;
+}
+
 } // namespace
 
 Members members_of(IContextDef& definition, int alias) {
@@ -96,6 +110,9 @@ Members members_of(IContextDef& definition, int alias) {
     }
     for (int method = 0; method < definition.getNMethods(); ++method)
         members.methods.push_back(method_of(definition, ext.get(), method, alias));
+    const InterfacePtr<IEventSource> source(&definition);
+    for (int event = 0; source && event < source->getNEvents(); ++event)
+        members.events.push_back(event_of(*source, event));
     return members;
 }
 

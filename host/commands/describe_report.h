@@ -44,13 +44,24 @@ struct Method {
     Kinds kinds; ///< of what a function returns
 };
 
-/// The properties and methods of a context.
+/// An event: what its sinks get.
+struct Event {
+    struct Argument {
+        Names names; ///< empty where it has none
+        Kinds kinds;
+    };
+    Names names;
+    std::vector<Argument> arguments;
+};
+
+/// The properties, methods and events of a context.
 struct Members {
     bool known = false; ///< whether there is a definition without an object
     bool isCollection = false;
     Kinds elements;
     std::vector<Property> properties;
     std::vector<Method> methods;
+    std::vector<Event> events;
 };
 
 struct TypeReport {

@@ -83,6 +83,21 @@ void write_table(Console& console, const std::vector<Method>& methods, std::stri
     columns.write(console.out, indent);
 }
 
+/// The events, as in "RowChanged  ПриИзмененииСтроки  (Index, Column)".
+void write_events(Console& console, const std::vector<Event>& events) {
+    Columns columns;
+    for (const Event& event : events) {
+        std::string arguments;
+        for (const Event::Argument& argument : event.arguments) {
+            const std::string& name = in_language(argument.names, console.language);
+            arguments += arguments.empty() ? "" : ", ";
+            arguments += name.empty() ? any_or(argument.kinds, console.language) : name;
+        }
+        columns.add({event.names.english, event.names.russian, '(' + arguments + ')'});
+    }
+    columns.write(console.out, "  ");
+}
+
 /// As in "0", "0..32", "1...": how many arguments make a new value.
 std::string constructor_text(const TypeReport& report) {
     const auto [least, most] = report.arguments;
@@ -114,6 +129,20 @@ Json to_json(const std::vector<Property>& properties) {
                        {"readable", property.readable},
                        {"writable", property.writable},
                        {"types", to_json(property.kinds)}});
+    }
+    return all;
+}
+
+Json to_json(const std::vector<Event>& events) {
+    Json all = Json::array();
+    for (const Event& event : events) {
+        Json parameters = Json::array();
+        for (const Event::Argument& argument : event.arguments) {
+            parameters.push_back({{"types", to_json(argument.kinds)}});
+            if (!argument.names.english.empty())
+                parameters.back()["name"] = to_json(argument.names);
+        }
+        all.push_back({{"name", to_json(event.names)}, {"parameters", std::move(parameters)}});
     }
     return all;
 }
@@ -204,6 +233,7 @@ void write_type(Console& console, const TypeReport& report) {
         all["known"] = report.members.known;
         all["properties"] = to_json(report.members.properties);
         all["methods"] = to_json(report.members.methods);
+        all["events"] = to_json(report.members.events);
         console.out << all.dump(2) << '\n';
         return;
     }
@@ -219,6 +249,10 @@ void write_type(Console& console, const TypeReport& report) {
     if (!report.members.methods.empty()) {
         console.out << '\n' << message("IDS_HOST_METHODS") << '\n';
         write_table(console, report.members.methods, "  ");
+    }
+    if (!report.members.events.empty()) {
+        console.out << '\n' << message("IDS_HOST_EVENTS") << '\n';
+        write_events(console, report.members.events);
     }
     if (!report.members.known)
         console.out << '\n' << message("IDS_HOST_NO_DEFINITION") << '\n';

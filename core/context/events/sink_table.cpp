@@ -97,21 +97,38 @@ void SinkTable::removeAll() noexcept {
     }
 }
 
+/// Marks an emission as under way, and keeps the table meanwhile.
+class SinkTable::UnderWay {
+  public:
+    explicit UnderWay(SinkTable& table) noexcept : table_(table) {
+        table_.hold();
+        ++table_.depth_;
+    }
+    UnderWay(const UnderWay&) = delete;
+    UnderWay& operator=(const UnderWay&) = delete;
+    ~UnderWay() {
+        --table_.depth_;
+        if (table_.removed_ != kNone)
+            table_.freeRemoved();
+        table_.letGo();
+    }
+
+  private:
+    SinkTable& table_;
+};
+
 void SinkTable::emit(Emission& emission) {
     if (count_ == 0)
         return;
+    const UnderWay underWay(*this);
     const std::uint64_t latest = born_;
-    hold();
-    ++depth_;
     std::uint32_t index = first_;
     while (index != kNone) {
         try {
             while (index != kNone) {
                 const Slot& slot = slots_[index]; // no longer valid behind the call: the row may have grown
-                if (slot.born > latest) {
-                    index = kNone;
-                    break;
-                }
+                if (slot.born > latest)
+                    return;
                 if (slot.call != nullptr)
                     slot.call(slot.data, emission);
                 index = slots_[index].next;
@@ -121,10 +138,6 @@ void SinkTable::emit(Emission& emission) {
             index = slots_[index].next;
         }
     }
-    --depth_;
-    if (removed_ != kNone)
-        freeRemoved();
-    letGo();
 }
 
 } // namespace core::detail

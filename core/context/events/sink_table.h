@@ -45,6 +45,8 @@ class SinkTable : private LiveObjectTrackerImpl<SinkTable> {
     }
 
   private:
+    class UnderWay;
+
     static constexpr std::uint32_t kNone = 0xFFFFFF; // no slot has that index
     static constexpr int kIndexBits = 24;
     static constexpr std::uint32_t kLastGeneration = 0xFFFFFF;
