@@ -3,7 +3,7 @@
 // there, and a member that is described can be found by its names.
 #include "tests/host/program_fixture.h"
 
-#include <core/context/context_def.h>
+#include <core/context/event_source.h>
 #include <core/runtime/utf8.h>
 #include <core/values/type_service.h>
 #include <host/host_process.h>
@@ -65,6 +65,15 @@ TEST(DescribeTest, MembersAreThoseOfLiveObjects) {
         for (const json& property : report["properties"])
             EXPECT_GE(context->findProp(core::from_utf8(property["name"]["ru"].get<std::string>()).c_str()),
                       0);
+        const auto source = object.query<core::IEventSource>();
+        ASSERT_EQ(report["events"].size(), static_cast<std::size_t>(source ? source->getNEvents() : 0))
+            << name;
+        for (const json& event : report["events"]) {
+            const int found =
+                source->findEvent(core::from_utf8(event["name"]["ru"].get<std::string>()).c_str());
+            ASSERT_GE(found, 0) << event;
+            EXPECT_EQ(event["parameters"].size(), static_cast<std::size_t>(source->getNEventParams(found)));
+        }
     }
 }
 
@@ -86,6 +95,9 @@ TEST(DescribeTest, WhatAPersonReads) {
     EXPECT_NE(structure.find("-> Число\n"), std::string::npos) << structure;
     EXPECT_NE(structure.find("(Ключ, out Значение = Неопределено)"), std::string::npos) << structure;
     EXPECT_EQ(described({"Map"})["methods"][4]["parameters"][0]["name"]["ru"], "Ключ");
+    const std::string tree = corehost({"describe", "ValueTree"}).out;
+    EXPECT_NE(tree.find("\nEvents\n  RowAdded "), std::string::npos) << tree;
+    EXPECT_NE(tree.find(" (Index, Column, Parent)\n"), std::string::npos) << tree;
     const std::string functions = corehost({"describe", "--functions"}).out;
     EXPECT_NE(functions.find("\nFromJson "), std::string::npos) << functions;
     EXPECT_NE(functions.find("(1, 2 = False) "), std::string::npos) << functions;

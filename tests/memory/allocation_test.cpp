@@ -113,6 +113,8 @@ TEST_F(Allocation, CollectionsStayWhole) {
         {map, "M.Insert(\"key 7\", \"another value\");"},
         {map, "M.Delete(\"key 9\");"},
         {map, "T = ToText(M);"},
+        {"T = New ValueList; A = New Array;", "N = Connect(T, \"ItemAdded\", A, \"Add\");"},
+        {"T = New ValueTree; A = New Array; Connect(T, \"RowAdded\", A, \"Add\");", "R = T.Rows.Add();"},
         {"T = ToText(New Structure(\"A, B\", New Array(4), CurrentDate()));", "V = FromText(T);"},
         {"J = \"{\"\"a\"\": [1.5, true, null, \"\"text\"\"], \"\"b\"\": {\"\"c\"\": 1}}\";",
          "V = FromJson(J);"},
