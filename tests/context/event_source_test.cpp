@@ -125,8 +125,9 @@ TEST_F(EventSource, EventsStandBesidePropertiesAndMethods) {
     EXPECT_EQ(wstring_view(source->getEventParamName(0, 1, kRussian)), u"Reason");
     EXPECT_EQ(source->getEventParamName(1, 0, kEnglish), nullptr);
     ContextValueInfo info;
-    EXPECT_TRUE(source->getEventParamInfo(0, 1, info));
-    EXPECT_EQ(info.types.types().front(), kStringType);
+    EXPECT_TRUE(source->getEventParamInfo(0, 0, info));
+    EXPECT_EQ(info.types.types().front(), kNumberType);
+    EXPECT_FALSE(source->getEventParamInfo(0, 1, info)) << "a String or Undefined";
     EXPECT_FALSE(source->getEventParamInfo(0, 2, info));
     EXPECT_FALSE(InterfacePtr<IEventSource>(object_)) << "an object without events is no source";
 }
