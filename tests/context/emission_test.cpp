@@ -157,6 +157,22 @@ TEST_F(Emission, AFailureIsReportedWithTheNameAndTheOthersAreCalled) {
     EXPECT_EQ(reported[0].second, message_text(messages::kBadIndex));
 }
 
+TEST_F(Emission, TheEndOfAThreadPassesAndEndsTheEmission) {
+    Event<> event(kChanged);
+    Connections kept;
+    Connection own = event.connect([&] {
+        own.disconnect();
+        throw ThreadDeath();
+    });
+    kept.add(event.connect([&] { calls_.push_back(2); }));
+    EXPECT_THROW(event.raise(), ThreadDeath);
+    EXPECT_TRUE(calls_.empty());
+    EXPECT_EQ(event.connectionCount(), 1U);
+    event.raise();
+    EXPECT_EQ(calls_, std::vector{2});
+    EXPECT_TRUE(reported.empty());
+}
+
 TEST_F(Emission, AnEventThatACircleKeepsAliveShowsInTheLeakReport) {
     const std::int32_t before = tables_alive();
     struct Source {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/context/events/sink_table.h"
 
+#include <core/runtime/threads/errors.h>
+
 #include <new>
 
 namespace core::detail {
@@ -133,6 +135,8 @@ void SinkTable::emit(Emission& emission) {
                     slot.call(slot.data, emission);
                 index = slots_[index].next;
             }
+        } catch (const ThreadDeath&) { // no failure: the thread is to end
+            throw;
         } catch (...) {
             report_sink_failure(names_);
             index = slots_[index].next;
