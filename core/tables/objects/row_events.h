@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/context/events/sink_table.h"
 #include "core/tables/objects/row_objects.h"
 
 #include <core/context/events/event.h>
-#include <core/runtime/uncaught.h>
 
 #include <array>
-#include <exception>
 
 namespace core {
 
@@ -51,7 +50,7 @@ class RowEvents final : public TableWatcher {
             try {
                 event.raise(arguments..., parent != kNoRow ? Value(row_value(data_, parent)) : Value());
             } catch (...) { // no memory for the row: the change stays done
-                report_uncaught(std::current_exception(), event.names().names.text[kEnglish]);
+                detail::report_sink_failure(event.names());
             }
         }
     }

@@ -193,6 +193,17 @@ class EventSourceImpl : public Ext {
         entry->ops->raise(eventOf(*entry), arguments);
     }
 
+    /// Answers queries for IEventSource where the class has events. It stands in the place of IContextDefExt,
+    /// so that an object does not grow by it.
+    HRESULT queryOther(const GUID& iid, void** out) noexcept {
+        if (T::events().empty() || !(iid == IEventSource::IID))
+            return kNoInterface;
+        auto* const source = static_cast<IEventSource*>(this);
+        source->AddRef();
+        *out = source;
+        return kOk;
+    }
+
   protected:
     ~EventSourceImpl() = default;
 

@@ -285,5 +285,14 @@ template <DeclaresMembers T>
     return tables;
 }
 
+/// What a class declares as its members of one kind, as a span of the rows; of a class without members, none.
+template <class T, class Row, class Rows>
+[[nodiscard]] auto declared(Rows rows) noexcept {
+    if constexpr (DeclaresMembers<T>)
+        return rows(member_tables<T>());
+    else
+        return std::span<const Row>();
+}
+
 } // namespace detail
 } // namespace core

@@ -198,25 +198,16 @@ class ScriptObjectOver
     /// Returns the table of properties that `T::members()` says, borrowed for ever; none without that
     /// function. A class may define a table of its own instead.
     [[nodiscard]] static auto properties() noexcept {
-        if constexpr (detail::DeclaresMembers<T>)
-            return detail::member_tables<T>().properties();
-        else
-            return std::span<const Property<T>>();
+        return detail::declared<T, Property<T>>([](const auto& tables) { return tables.properties(); });
     }
     /// Returns the table of methods, as properties() does that of properties.
     [[nodiscard]] static auto methods() noexcept {
-        if constexpr (detail::DeclaresMembers<T>)
-            return detail::member_tables<T>().methods();
-        else
-            return std::span<const Method<T>>();
+        return detail::declared<T, Method<T>>([](const auto& tables) { return tables.methods(); });
     }
     /// Returns the table of events, as properties() does that of properties. Objects of a class that has some
     /// are an IEventSource.
     [[nodiscard]] static auto events() noexcept {
-        if constexpr (detail::DeclaresMembers<T>)
-            return detail::member_tables<T>().events();
-        else
-            return std::span<const EventEntry<T>>();
+        return detail::declared<T, EventEntry<T>>([](const auto& tables) { return tables.events(); });
     }
     /// Returns the declarations of the class and its type, for a list of the classes of a module; the type
     /// alone of a class without New.
@@ -258,17 +249,6 @@ class ScriptObjectOver
     /// Stores what is known of the elements and returns true; returns false where they may be anything.
     bool getCollectionItemInfo(ContextValueInfo& info) const override {
         return detail::describe_type(detail::script_class<T>.elements, info);
-    }
-
-    /// Answers queries for IEventSource where the class has events. It stands in the place of IContextDefExt,
-    /// so that an object does not grow by it.
-    HRESULT queryOther(const GUID& iid, void** out) noexcept {
-        if (T::events().empty() || !(iid == IEventSource::IID))
-            return kNoInterface;
-        auto* const source = static_cast<IEventSource*>(this);
-        source->AddRef();
-        *out = source;
-        return kOk;
     }
 
   protected:
