@@ -10,8 +10,8 @@
 
 namespace core {
 
-/// A connection of a sink with an event: a number that is never used again. Only who has given it understands
-/// it: the object of the event, or the event itself.
+/// A connection of a sink with an event: a number that is never used again. The event that gave it
+/// understands it, or the object of the event.
 using ConnectionNumber = std::uint64_t;
 /// The number that no connection has.
 inline constexpr ConnectionNumber kNoConnection = 0;
@@ -56,7 +56,7 @@ class CORE_API Connection {
     void disconnect() noexcept;
     /// Lets the sink stay connected as long as the event lives, and returns the number of the connection.
     ConnectionNumber release() noexcept;
-    /// Returns the number by which who made the connection disconnects it; kNoConnection where none is held.
+    /// Returns the number by which the event or its object disconnects it; kNoConnection where none is held.
     [[nodiscard]] ConnectionNumber number() const noexcept { return number_; }
     /// Returns whether the sink is connected: neither disconnected by its number nor the event gone.
     [[nodiscard]] bool isConnected() const noexcept;

@@ -120,8 +120,8 @@ class Event : public EventBase {
         }
     }
     /// Calls the sinks with arguments that are values. Throws ContextException: "IDS_EVENT_ARGUMENTS" for too
-    /// few or too many, "IDS_PARAMETER_N_TYPE_MISMATCH" or "..._VALUE_MISMATCH" for one that is no such
-    /// argument; nobody is called then.
+    /// few or too many, "IDS_PARAMETER_N_TYPE_MISMATCH" or "..._VALUE_MISMATCH" for one that does not
+    /// convert; no sink is called then.
     void raiseValues(std::span<const GenericValue> arguments) requires(FromValue<Args>&&...);
 
   private:

@@ -13,7 +13,7 @@ namespace core {
 namespace detail {
 
 /// One emission, as its sinks see it: the arguments as the event has them, and as values where a sink wants
-/// values. Lives on the stack of the one who raises.
+/// values. Lives on the stack of the code that raises.
 struct Emission {
     using Values = std::span<const GenericValue>;
 

@@ -68,7 +68,7 @@ class IEventService : public IUnknown {
     /// Connects a method of an object that scripts see, by its name; it gets as many of the event's arguments
     /// as it has parameters. Throws ContextException, too, for an object without that method
     /// ("IDS_EVENT_NO_METHOD"), for a method that needs more arguments than the event has
-    /// ("IDS_EVENT_METHOD"), and for a weak connection with an object that is no IWeakListener
+    /// ("IDS_EVENT_METHOD"), and for a weak connection with an object that is not an IWeakListener
     /// ("IDS_EVENT_NOT_WEAK").
     virtual ConnectionNumber connectMethod(IUnknown* source, const wchar* event, IUnknown* object,
                                            const wchar* method, SinkHold hold = SinkHold::strong) = 0;
