@@ -2,14 +2,21 @@
 #pragma once
 
 /// Contexts: what scripts reach of an object, its properties and methods by number and by two names,
-/// and walks over collections.
+/// walks over collections, and events.
 #include <core/context/arguments.h>
+#include <core/context/connection.h>
 #include <core/context/context_def.h>
 #include <core/context/context_def_ext.h>
 #include <core/context/context_extern.h>
 #include <core/context/context_impl.h>
 #include <core/context/context_table.h>
 #include <core/context/errors.h>
+#include <core/context/event_source.h>
+#include <core/context/events/connection_point.h>
+#include <core/context/events/event.h>
+#include <core/context/events/event_base.h>
+#include <core/context/events/event_functions.h>
+#include <core/context/events/event_service.h>
 #include <core/context/group_context.h>
 #include <core/context/iteration.h>
 #include <core/context/name_cache.h>
