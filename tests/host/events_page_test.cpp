@@ -2,13 +2,13 @@
 // What docs/threads-and-events.md shows of events does what the page says. Its C++ code is compiled into this
 // program from the page itself.
 #include "tests/host/program_fixture.h"
-#include "tests/host/script_fixture.h"
+#include "tests/script/script_fixture.h"
 
 #include <core/runtime/module.h>
 
 core::wstring listen_to_a_meter();
 
-namespace host::script {
+namespace host {
 namespace {
 
 class EventsPage : public testing::Test {
@@ -39,10 +39,10 @@ TEST_F(EventsPage, ItsProgramHearsWhatItSays) {
 
 TEST_F(EventsPage, ItsScriptPrintsWhatItSays) {
     const std::string code = part("```\nM = New Meter;", "```");
-    Session session;
+    core::script::Session session;
     EXPECT_EQ(session.run("M = New Meter;" + code), part("Print(ToJson(Log));     // ", "\n"));
     EXPECT_EQ(session.run("Соединить(M, \"Changed\", Log, \"Insert\")").substr(0, 1), "!");
 }
 
 } // namespace
-} // namespace host::script
+} // namespace host
