@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A module: a class, an enumeration, a service and an exception, with messages in two languages.
+// A module: a class with an event, an enumeration, a service and an exception, with messages in two
+// languages.
 #include "counter.h"
 
 #include <core/context.h>
@@ -61,12 +62,14 @@ class Counter : public ScriptObject<Counter> {
 
     Numeric total;
     Numeric limit{100};
+    Event<Numeric> changed{named<u"Changed", u"ПриИзменении">};
 
     void add(const Numeric& amount) {
         const Numeric sum = down_ ? total - amount : total + amount;
         if (sum.compare(limit) > 0 || sum.compare(Numeric()) < 0)
             throw_error<LimitException>("COUNTER_LIMIT", {sum.toString(), limit.toString()});
         total = sum;
+        changed.raise(total);
     }
     GenericValue direction() const { return Direction::instance()->value(down_ ? 1 : 0); }
     void turn(const Value& direction) {
@@ -77,7 +80,8 @@ class Counter : public ScriptObject<Counter> {
         return core::members(property(u"Total", u"Всего", &Counter::total, read_only),
                              property(u"Limit", u"Предел", &Counter::limit),
                              property(u"Direction", u"Направление", &Counter::direction, &Counter::turn),
-                             method(u"Add", u"Добавить", &Counter::add, {u"Amount", u"Сумма"}));
+                             method(u"Add", u"Добавить", &Counter::add, {u"Amount", u"Сумма"}),
+                             event(&Counter::changed, {u"Total", u"Всего"}));
     }
 
   private:

@@ -5,6 +5,7 @@
 #include "examples/module/counter.h"
 
 #include <core/context.h>
+#include <core/context/events/event_service.h>
 #include <core/objects/enumeration.h>
 #include <core/runtime.h>
 #include <core/values.h>
@@ -20,6 +21,7 @@
 #include <functional>
 #include <future>
 #include <optional>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -118,8 +120,13 @@ class Modules : public testing::Test {
 void use_the_counter() {
     Thread::setResourceLocale(Locale("ru"));
     const GenericValue one = make(u"Счетчик");
+    wstring heard;
+    const auto sink = make_event_sink(
+        [&](std::span<const GenericValue> arguments) { heard += arguments[0].presentation() + u' '; });
+    get_service<IEventService>()->connect(one.object(), u"ПриИзменении", sink.get());
     call(one, u"Add", GenericValue(Numeric::fromString("1.5")));
     call(one, u"добавить", GenericValue(2));
+    EXPECT_EQ(heard, u"1.5 3.5 ");
     EXPECT_EQ(get(one, u"Всего").presentation(), u"3.5");
     EXPECT_EQ(one.type().presentation(), u"Счётчик");
     set(one, u"Направление", get(*enumeration(u"CounterDirection"), u"Вниз"));

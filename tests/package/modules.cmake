@@ -41,7 +41,7 @@ endfunction()
 set(host ${prefix}/bin/corehost --lang en)
 expect("3.5\n" ${host} --module ${work}/adder-build/libadder.so run ${adder}/add.script)
 expect("Nothing below 0 can be added: -1.\nIDS_MODULE_IN_USE\n" ${work}/adder-build/loader ${work}/adder-build/libadder.so)
-expect("3.5\n3 Downwards\n" ${host} --module ${work}/module-build/libcounter.so run ${source}/examples/module/count.script)
+expect("5\n3.5\n3 Downwards\n" ${host} --module ${work}/module-build/libcounter.so run ${source}/examples/module/count.script)
 
 execute_process(COMMAND ${host} --json --module ${work}/module-build/libcounter.so describe --modules OUTPUT_VARIABLE written ${run})
 foreach(part "\"name\": \"core\"" "\"name\": \"counter\"" "\"interface\": 1" "\"CounterDirection\"" "libcounter.so\"")
