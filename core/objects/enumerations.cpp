@@ -103,6 +103,7 @@ class Enumerations : public ContextDefCore<IEnumerations> {
             modules_generation(); // what changes from now on is for the next time
         if (generation_.load(std::memory_order_relaxed) == generation)
             return;
+        const ModulesScope modules; // until the enumerations are not asked any more
         const std::vector<IEnumeration*> living = declared_enumerations();
         const std::size_t before = slots_.size();
         for (IEnumeration* const enumeration : living) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/immortal.h"
+#include "core/runtime/modules_lock.h"
 #include "core/runtime/program_module.h"
 
 #include <core/runtime/errors.h>
@@ -96,6 +97,7 @@ LoadedModule::LoadedModule(const ModuleDeclaration& declaration, const std::file
 }
 
 LoadedModule::~LoadedModule() {
+    const std::lock_guard alone(detail::modules_lock());
     declaration_.anchor->bundle.store(nullptr, std::memory_order_release);
     module_.term();
     const ModuleAnchor& anchor = *declaration_.anchor;
@@ -147,6 +149,7 @@ bool LoadedModule::isLast(const Use& use) noexcept {
 }
 
 std::vector<LiveClass> LoadedModule::living() const {
+    const std::lock_guard alone(detail::modules_lock()); // who goes through the modules holds their types
     return live_report(*declaration_.anchor);
 }
 

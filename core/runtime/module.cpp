@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/immortal.h"
+#include "core/runtime/modules_lock.h"
 
 #include <core/runtime/module.h>
 #include <core/runtime/process.h>
@@ -24,6 +25,20 @@ Registry& registry() noexcept {
 std::atomic<std::uint32_t> generation{0};
 
 } // namespace
+
+std::shared_mutex& detail::modules_lock() noexcept {
+    static constinit detail::Immortal<std::shared_mutex>
+        lock; // processes may end after the library's statics
+    return *lock;
+}
+
+ModulesScope::ModulesScope() noexcept {
+    detail::modules_lock().lock_shared();
+}
+
+ModulesScope::~ModulesScope() {
+    detail::modules_lock().unlock_shared();
+}
 
 std::uint32_t modules_generation() noexcept {
     return generation.load(std::memory_order_acquire);

@@ -111,6 +111,7 @@ class TypeValueService : public ITypeValueService {
             modules_generation(); // what changes from now on is for the next time
         if (generation_.load(std::memory_order_relaxed) == generation)
             return;
+        const ModulesScope modules; // until the types are not asked any more
         std::vector<IType*> living = declared_types();
         for (Entry& entry : entries_)
             entry.gathered = nullptr;

@@ -17,6 +17,7 @@ HostProcess::HostProcess(const Settings& settings)
         settings.part<DateSettings>().timeZone); // a wrong one stops a program here, not at its first date
     if (!object_)
         throw_error<ProcessInitException>(messages::kProcessInit);
+    const ModulesScope modules;
     for (const SCOM_Module* module : registered_modules()) {
         if (module->info().leaves) // of another process, which may unload it
             continue;
@@ -36,9 +37,12 @@ HostProcess::~HostProcess() {
     try {
         scope.emplace(object_.get());
         unloadAll();
+        const ModulesScope scopeOfModules;
         const auto modules = registered_modules();
-        std::for_each(modules.rbegin(), modules.rend(),
-                      [this](const SCOM_Module* module) { module->revokeAll(object_.get()); });
+        std::for_each(modules.rbegin(), modules.rend(), [this](const SCOM_Module* module) {
+            if (!module->info().leaves) // those were unloaded
+                module->revokeAll(object_.get());
+        });
     } catch (const std::bad_alloc&) { // the factories go with the process object
     }
     object_->releaseServices();

@@ -81,6 +81,7 @@ void HostProcess::unloadModule(std::string_view name) {
 
 std::vector<const SCOM_Module*> HostProcess::modules() const {
     std::vector<const SCOM_Module*> all;
+    const ModulesScope scope;
     for (const SCOM_Module* const module : registered_modules()) {
         if (!module->info().leaves)
             all.push_back(module);

@@ -92,8 +92,21 @@ class CORE_API SCOM_Module {
     ModuleHandle handle_ = nullptr;
 };
 
+/// While one lives, no loaded module goes: what registered_modules() returns stays valid. For a short time,
+/// in which the thread does not load or unload a module. Threads: any number at the same time.
+class CORE_API ModulesScope {
+  public:
+    /// Waits until a module that is going has gone.
+    ModulesScope() noexcept;
+    ModulesScope(const ModulesScope&) = delete;
+    ModulesScope& operator=(const ModulesScope&) = delete;
+    /// Lets modules go again.
+    ~ModulesScope();
+};
+
 /// Returns the modules that are initialised now, oldest first: how a process finds every declared class. They
-/// are borrowed; the code that ends a module first ends the processes that use it. Threads: any.
+/// are borrowed, a loaded module by a ModulesScope; the code that ends another one first ends the processes
+/// that use it. Threads: any.
 [[nodiscard]] CORE_API std::vector<SCOM_Module*> registered_modules();
 /// Returns a number that grows whenever a module comes, goes, or hands its classes to a process or takes them
 /// back: what was gathered from the modules is still right while it is the same. Takes no lock. Threads: any.
