@@ -21,12 +21,7 @@ HostProcess::HostProcess(const Settings& settings)
     for (const SCOM_Module* module : registered_modules()) {
         if (module->info().leaves) // of another process, which may unload it
             continue;
-        module->registerAll(object_.get());
-        // A factory that could not be made is passed over; ours fail for lack of memory alone, and a process
-        // without some of its classes would be worse than none.
-        for (const ClassRecord& record : module->classTable())
-            if (record.getFactory == &create_class_factory && !object_->registration(*record.clsid).factory)
-                throw_error<ProcessInitException>(messages::kProcessInit);
+        take(*module);
     }
     scope_.emplace(object_.get()); // last: what fails before leaves the thread as it was
 }

@@ -42,6 +42,18 @@ wstring text_of(const std::vector<LiveClass>& classes) {
 
 } // namespace
 
+/// Registers the classes of a module, all or none. The module passes over a factory that could not be made;
+/// ours fail for lack of memory alone, and a process without some of its classes would be worse than none.
+void HostProcess::take(const SCOM_Module& module) {
+    module.registerAll(object_.get());
+    for (const ClassRecord& record : module.classTable()) {
+        if (record.getFactory == &create_class_factory && !object_->registration(*record.clsid).factory) {
+            module.revokeAll(object_.get());
+            throw_error<ProcessInitException>(messages::kProcessInit);
+        }
+    }
+}
+
 const SCOM_Module& HostProcess::loadModule(const std::filesystem::path& file) {
     UseGuard use(LoadedModule::load(file));
     const ModuleInfo& info = use.module().info();
@@ -51,7 +63,7 @@ const SCOM_Module& HostProcess::loadModule(const std::filesystem::path& file) {
                                          {from_utf8(info.name), from_utf8(other->info().file)});
     }
     loaded_.reserve(loaded_.size() + 1);
-    use.module().registerAll(object_.get());
+    take(use.module());
     loaded_.push_back(use.keep());
     return loaded_.back()->module();
 }

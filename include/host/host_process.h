@@ -128,8 +128,8 @@ class HostProcess {
     /// Loads a module: its classes, services, types and enumerations are part of the process from now on, for
     /// objects that exist, too. Returns it, borrowed until it is unloaded. Throws ModuleException: what
     /// core::LoadedModule::load() throws, and kModuleTwice for a name that the process has already. Throws
-    /// ProcessException for a class that another module has, and std::bad_alloc. The process is then
-    /// unchanged.
+    /// ProcessException for a class that another module has, ProcessInitException and std::bad_alloc without
+    /// memory. The process is then unchanged.
     ///
     /// Threads: one thread at a time loads and unloads; others may work in the process meanwhile.
     const core::SCOM_Module& loadModule(const std::filesystem::path& file);
@@ -151,6 +151,7 @@ class HostProcess {
     };
 
   private:
+    void take(const core::SCOM_Module& module);
     void settle(std::string_view module) const;
     void unloadAll() noexcept;
 
