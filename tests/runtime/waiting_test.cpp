@@ -147,7 +147,7 @@ TEST(WaitAny, LosesNothingAmongManyWhoWaitForTheSame) {
             const std::array<Awaited, 3> all{semaphores[random() % 3], mutex, semaphores[random() % 3]};
             const auto count = 1 + random() % 3;
             const bool brief = count == 1 || random() % 8 == 0;
-            // Whoever waits without a mutex may find that others have taken all signals to the other
+            // A thread that waits without a mutex may find that others have taken all signals to the other
             // semaphores.
             const auto taken = wait_any(std::span(all).first(count), brief ? 1ms : kForever);
             if (!taken)

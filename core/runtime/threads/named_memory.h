@@ -29,11 +29,11 @@ struct NamedKind {
 /// Shared memory that is found by a name: a file of this user in the folder for such memory.
 ///
 /// 1. Who uses a file holds a shared file lock on it, which the system takes away when a process dies.
-/// 2. A file comes under its name when it is complete, by a link, so nobody sees it half made.
-/// 3. The last user, and whoever makes a new name later, takes the exclusive file lock, which says that
-/// nobody else
-///    uses the file, and removes it. One that was left held stays, for the next one to be told.
-/// 4. Who opens a file looks, after it has the shared lock, whether it was removed.
+/// 2. A file gets its name when it is complete, by a link, so that no process sees it half made.
+/// 3. The last user takes the exclusive file lock, which says that no other process uses the file, and
+///    removes it. So does a process that makes a new name later, for the files of killed processes. A file
+///    that was left held stays, so that its next user is told.
+/// 4. A process that opens a file looks, after it has the shared lock, whether the file was removed.
 class NamedMemory {
   public:
     /// Opens the memory of that name and kind, or makes it, initialised with `with`. Throws ThreadException.
@@ -63,9 +63,9 @@ class NamedMemory {
 };
 
 /// Sleeps while a word of the memory has a value, until it is woken, and 20 ms at most: nobody of another
-/// process wakes it for a stop, and who was woken and then killed has not done what it was woken for. Where
-/// the system cannot wait at shared memory, it is a moment. False, without a sleep, when the deadline has
-/// passed.
+/// process wakes it for a stop, and a process that was woken and then killed has not done what it was woken
+/// for. Where the system cannot wait at shared memory, it is a moment. False, without a sleep, when the
+/// deadline has passed.
 bool sleep_at(std::atomic<std::uint32_t>& word, std::uint32_t value, const Deadline& deadline) noexcept;
 /// Wakes one of those who sleep at a word of the memory.
 void wake_one_at(std::atomic<std::uint32_t>& word) noexcept;

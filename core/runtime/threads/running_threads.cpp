@@ -53,8 +53,8 @@ void end_threads(SCOM_Process* process) noexcept {
     for (bool found = true; found;) { // a thread may have started another before it stopped
         found = false;
         for (const Running::Entry& entry : all.entries) {
-            if (entry.process != process)
-                continue;
+            if (entry.process != process || entry.state.get() == detail::own_state())
+                continue; // a thread cannot wait for its own end
             found = true;
             detail::stop_thread(*entry.state);
         }

@@ -12,8 +12,8 @@ namespace core {
 namespace detail {
 namespace {
 
-/// Set while threads are in the queue. As long as it is, nobody comes in but who is admitted from the queue,
-/// so that all come in in their order.
+/// Set while threads are in the queue. As long as it is set, threads come in from the queue only, so that
+/// they come in in their order.
 constexpr std::uint32_t kQueued = 1U << 31;
 constexpr std::uint32_t kWriter = 1U << 30;
 constexpr std::uint32_t kReaders = kWriter - 1; // the bits of their count

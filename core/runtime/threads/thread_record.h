@@ -21,9 +21,9 @@ using Deadline = std::optional<std::chrono::steady_clock::time_point>;
 /// would one below zero.
 Deadline deadline_after(std::chrono::milliseconds timeout);
 
-/// Where a thread sleeps. Records are kept for ever and used again, so that whoever wakes a thread needs to
-/// know nothing of its life: a wake that comes too late makes some later sleep shorter, and all sleepers look
-/// again.
+/// Where a thread sleeps. Records are kept for ever and used again, so that a thread can be woken without
+/// knowing whether it still runs. A wake that comes too late makes a later sleep shorter, and each sleeper
+/// looks again whether it may go on.
 class ThreadRecord {
   public:
     /// Ends the present sleep of the thread, or the next one.

@@ -140,8 +140,8 @@ std::optional<std::size_t> wait_any(std::span<const Awaited> objects, std::chron
 
 namespace {
 
-/// Takes all objects but the one at `held`, which the thread has, without waiting. Returns the index of the
-/// one that could not be had, after giving everything back, or the number of objects.
+/// Takes all objects except the one at `held`, which the thread has, without waiting. Returns the index of
+/// the one that could not be had, after giving everything back, or the number of objects.
 std::size_t take_others(std::span<const Awaited> objects, std::size_t held) noexcept {
     for (std::size_t i = 0; i < objects.size(); ++i) {
         if (i == held || WaitAccess::tryTake(WaitAccess::object(objects[i]), WaitAccess::way(objects[i])))

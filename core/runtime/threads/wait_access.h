@@ -5,7 +5,7 @@
 
 namespace core::detail {
 
-/// The way of the library into what is no business of its users.
+/// Calls the private operations of Waitable, which are for the library alone.
 struct WaitAccess {
     static bool tryTake(Waitable& object, std::uint32_t way) noexcept { return object.tryTake(way); }
     static bool tryTakeQueued(Waitable& object, std::uint32_t way) noexcept {
@@ -16,7 +16,7 @@ struct WaitAccess {
     static Waitable& object(const Awaited& awaited) noexcept { return *awaited.object_; }
     static std::uint32_t way(const Awaited& awaited) noexcept { return awaited.way_; }
 
-    /// Puts a waiter into the queue and lets in whoever may go on now, which may be this one.
+    /// Puts a waiter into the queue and lets in the waiters that may go on now; this one may be among them.
     static void join(Waiter& waiter, bool atFront) noexcept {
         WaitQueue queue(waiter.object);
         queue.bucket_.add(waiter, atFront);

@@ -44,8 +44,8 @@ class CORE_API ThreadException : public BasicException<ThreadException> {
 using ThreadExceptionObject = IExceptionObjectImpl<ThreadException>;
 
 /// Ends a thread that was asked to stop: its next wait or check throws this, and nothing is reported when it
-/// reaches the end of the thread. It is no std::exception, so that code which handles failures lets it pass;
-/// who catches everything throws it on.
+/// reaches the end of the thread. It does not derive from std::exception, so that code which handles
+/// failures lets it pass; code that catches everything throws it on.
 class CORE_API ThreadDeath {};
 
 } // namespace core

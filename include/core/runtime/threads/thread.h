@@ -130,8 +130,8 @@ class IThread : public IUnknown {
 /// The class id of the thread that create_object() makes.
 inline constexpr GUID kThreadClass = "54aa2d18-dcb4-43d9-a380-b735371515ce"_guid;
 
-/// Asks the threads that were started in `process` to stop and waits for their end; for a process that is
-/// about to go. It is not called on one of them.
+/// Asks the threads that were started in `process` to stop and waits for their end. A process that is about
+/// to go calls it. The calling thread is left out.
 CORE_API void end_threads(SCOM_Process* process) noexcept;
 
 } // namespace core
