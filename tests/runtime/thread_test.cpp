@@ -8,6 +8,7 @@
 #include <core/runtime/threads/rw_mutex.h>
 #include <core/runtime/threads/semaphore.h>
 #include <core/runtime/threads/thread.h>
+#include <core/runtime/uncaught.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
@@ -27,6 +28,20 @@ namespace {
 
 using namespace core;
 using namespace std::chrono_literals;
+
+/// Keeps what it is told.
+class Reports : public IUncaughtExceptions {
+  public:
+    using Interfaces = InterfaceList<IUncaughtExceptions>;
+
+    void uncaught(IExceptionObject* failure, const wstring& where) override {
+        const std::lock_guard guard(lock);
+        all.emplace_back(where, failure->exception().description());
+    }
+
+    std::mutex lock;
+    std::vector<std::pair<wstring, wstring>> all;
+};
 
 TEST(Thread, TakesOverProcessAndLocaleAndHasAName) {
     host::HostProcess process;
@@ -147,6 +162,19 @@ TEST(Thread, AStopLeavesDestructorsAndUntimedLocksAlone) {
     EXPECT_EQ(steps, 2);
 }
 
+TEST(Thread, WhatEscapesItIsReportedAndThreadDeathIsNot) {
+    host::HostProcess process;
+    const auto reports = make_object<Reports>();
+    process.offerService(IUncaughtExceptions::IID, static_cast<IUncaughtExceptions*>(reports.get()));
+    Thread(u"failing", [] { throw std::runtime_error("broken"); }).join();
+    Thread(u"odd", [] { throw 5; }).join();
+    Thread(u"stopped", [](const StopToken&) { throw ThreadDeath(); }).join();
+    ASSERT_EQ(reports->all.size(), 2U);
+    EXPECT_EQ(reports->all[0].first, u"failing");
+    EXPECT_NE(reports->all[0].second.find(u"broken"), wstring::npos);
+    EXPECT_EQ(reports->all[1].first, u"odd");
+}
+
 /// Lets go of something when it goes.
 class Holder : public IRunnable {
   public:
@@ -197,6 +225,28 @@ TEST(Thread, MayDestroyItself) {
     go.signal();
     while (!done)
         std::this_thread::yield();
+}
+
+TEST(Thread, AProcessEndsAfterItsThreads) {
+    std::atomic<int> ended = 0;
+    std::vector<Thread> threads;
+    {
+        host::HostProcess process;
+        threads.emplace_back(u"outer", [&](const StopToken& stop) {
+            Thread inner(u"inner", [&] {
+                while (true)
+                    Thread::sleep(1h);
+            });
+            while (!stop.requested())
+                std::this_thread::yield();
+            std::this_thread::sleep_for(20ms);
+            EXPECT_NE(current_process(), nullptr);
+            ++ended;
+        });
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_EQ(ended, 1);
+    EXPECT_TRUE(threads.front().finished());
 }
 
 TEST(Thread, AThousandComeAndGo) {

@@ -8,50 +8,19 @@
 #include <core/runtime/clock.h>
 #include <core/runtime/threads/errors.h>
 #include <core/runtime/threads/thread.h>
-#if __has_include(<core/runtime/uncaught.h>)
 #include <core/runtime/uncaught.h>
-#endif
 #include <core/runtime/utf8.h>
 
 #include <cxxabi.h>
 #include <pthread.h>
 
 #include <cstddef>
-#include <cstdio>
 #include <exception>
 #include <string>
 #include <system_error>
 #include <utility>
 
 namespace core {
-
-#if !__has_include(<core/runtime/uncaught.h>)
-namespace {
-
-class ProcessScope {
-  public:
-    explicit ProcessScope(SCOM_Process* process) : before_(adopt_thread(process)) {}
-    ProcessScope(const ProcessScope&) = delete;
-    ProcessScope& operator=(const ProcessScope&) = delete;
-    ~ProcessScope() { adopt_thread(before_); }
-
-  private:
-    SCOM_Process* before_;
-};
-
-void report_uncaught(const std::exception_ptr& failure, const wstring& where) noexcept {
-    try {
-        std::rethrow_exception(failure);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "core: %s: %s\n", to_utf8(where).c_str(), e.what());
-    } catch (...) {
-        std::fprintf(stderr, "core: %s: ?\n", to_utf8(where).c_str());
-    }
-}
-
-} // namespace
-#endif
-
 namespace {
 
 using detail::ThreadState;

@@ -59,9 +59,9 @@ class CORE_API Thread {
   public:
     /// Makes an object without a thread, which counts as finished.
     Thread() noexcept;
-    /// Starts a thread that runs `work`, taking a reference to it until it has run. Systems show the first
-    /// bytes of `name`. Throws ThreadException when the system refuses, std::bad_alloc without memory; no
-    /// work was done then.
+    /// Starts a thread that runs `work`, which must not be null, taking a reference to it until it has run.
+    /// Systems show the first bytes of `name`. Throws ThreadException when the system refuses, std::bad_alloc
+    /// without memory; no work was done then.
     Thread(const wstring& name, IRunnable* work);
     /// Starts a thread that calls `work(stop)`, or `work()`. Throws as above, and what moving `work` throws.
     template <class F>
