@@ -137,6 +137,7 @@ TEST(Thread, AStopLeavesDestructorsAndUntimedLocksAlone) {
     IMutexImpl mutex;
     ISemaphoreImpl held;
     std::atomic<int> steps = 0;
+    mutex.lock();
     Thread thread(u"cleans up", [&] {
         struct CleansUp {
             ISemaphoreImpl& held;
@@ -152,12 +153,10 @@ TEST(Thread, AStopLeavesDestructorsAndUntimedLocksAlone) {
         const CleansUp cleansUp{held, steps};
         Thread::sleep(1h);
     });
-    {
-        const std::lock_guard guard(mutex);
-        held.wait(kForever);
-        thread.stop();
-        EXPECT_FALSE(thread.join(20ms)); // it waits for the mutex still
-    }
+    held.wait(kForever);
+    thread.stop();
+    EXPECT_FALSE(thread.join(20ms)); // it waits for the mutex still
+    mutex.unlock();
     EXPECT_TRUE(thread.join(10s));
     EXPECT_EQ(steps, 2);
 }
