@@ -3,6 +3,7 @@
 #include <core/dates/settings.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/process.h>
+#include <core/runtime/threads/thread.h>
 #include <host/host_process.h>
 
 #include <algorithm>
@@ -27,6 +28,7 @@ HostProcess::HostProcess(const Settings& settings)
 }
 
 HostProcess::~HostProcess() {
+    end_threads(object_.get());
     // What ends now works in this process, whichever the thread has otherwise.
     std::optional<ProcessScope> scope;
     try {

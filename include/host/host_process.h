@@ -108,9 +108,10 @@ class HostProcess {
     explicit HostProcess(const core::Settings& settings = {});
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
-    /// Lets go of the services, revokes the classes, lets go of the threads and detaches the library. The
-    /// thread that started the process has the one of before. Threads that work in it must have been joined,
-    /// or have left it; one that comes back finds no process.
+    /// Asks each core::Thread that was started in the process to stop and waits for its end, lets go of the
+    /// services, revokes the classes, lets go of the other threads and detaches the library. The thread that
+    /// started the process has the one of before. Other threads that work in it must have been joined, or
+    /// have left it; one that comes back finds no process.
     ~HostProcess();
 
     /// Returns the process object, borrowed as long as the process lives.
