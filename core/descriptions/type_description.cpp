@@ -147,10 +147,12 @@ std::span<const Property<TypeDescription>> TypeDescription::properties() noexcep
 
 std::span<const Method<TypeDescription>> TypeDescription::methods() noexcept {
     using T = TypeDescription;
-    static constexpr Param kAdjust[] = {kOptional};
+    static constexpr Param kContains[] = {{.names = {u"Type", u"Тип"}}};
+    static constexpr Param kAdjust[] = {
+        {.byDefault = ParamDefault::undefined, .names = {u"Value", u"Значение"}}};
     static constexpr Method<T> kTable[] = {
         {{u"Types", u"Типы"}, {}, kFunction, &T::types, &kValueArrayType},
-        {{u"ContainsType", u"СодержитТип"}, required(1), kFunction, &T::containsType, &kBooleanType},
+        {{u"ContainsType", u"СодержитТип"}, kContains, kFunction, &T::containsType, &kBooleanType},
         {{u"AdjustValue", u"ПривестиЗначение"}, kAdjust, kFunction, &T::adjustValue},
     };
     return kTable;

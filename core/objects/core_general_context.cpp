@@ -85,14 +85,19 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
     static std::span<const Property<CoreGeneralContextDef>> properties() noexcept { return {}; }
     static std::span<const Method<CoreGeneralContextDef>> methods() noexcept {
         using T = CoreGeneralContextDef;
-        static constexpr Param kText = {.byDefault = ParamDefault::emptyString};
-        static constexpr Param kExtension[] = {kText};
-        static constexpr Param kFill[] = {{}, {}, kText, kText};
+        constexpr auto kEmpty = ParamDefault::emptyString;
+        static constexpr Param kExtension[] = {{.byDefault = kEmpty, .names = {u"Extension", u"Расширение"}}};
+        static constexpr Param kFill[] = {{.names = {u"Receiver", u"Приемник"}},
+                                          {.names = {u"Source", u"Источник"}},
+                                          {.byDefault = kEmpty, .names = {u"Names", u"Имена"}},
+                                          {.byDefault = kEmpty, .names = {u"Excluded", u"Исключенные"}}};
+        static constexpr Param kText[] = {{.names = {u"Text", u"Текст"}}};
+        static constexpr Param kData[] = {{.names = {u"Data", u"Данные"}}};
         static constexpr Method<T> kTable[] = {
             {kGetTempFileName, kExtension, kFunction, &T::getTempFileName, &kStringType},
             {kFillPropertyValues, kFill, kProcedure, &T::fillPropertyValues},
-            {kBase64Value, required(1), kFunction, &T::base64Value, &kBinaryDataType},
-            {kBase64String, required(1), kFunction, &T::base64String, &kStringType},
+            {kBase64Value, kText, kFunction, &T::base64Value, &kBinaryDataType},
+            {kBase64String, kData, kFunction, &T::base64String, &kStringType},
         };
         return kTable;
     }

@@ -35,6 +35,10 @@ TEST(DescribeTest, EveryTypeByBothNames) {
         const json english = described({type["name"]["en"]});
         EXPECT_EQ(english["id"], type["id"]);
         EXPECT_EQ(english, described({type["name"]["ru"]}));
+        for (const json& method : english["methods"]) {
+            for (const json& parameter : method["parameters"])
+                EXPECT_TRUE(parameter.contains("name")) << english["name"] << method["name"];
+        }
     }
     EXPECT_EQ(listed, registered);
     // objects that live inside others only

@@ -2,6 +2,7 @@
 #include "core/tables/objects/column_objects.h"
 
 #include "core/tables/objects/table_arguments.h"
+#include "core/tables/objects/table_parameters.h"
 
 #include <core/collections/terms.h>
 #include <core/context/arguments.h>
@@ -173,8 +174,12 @@ const ScriptTypeEntry<ValueTableColumn> kColumnEntry;
 
 const ScriptTypeEntry<ValueTableColumnCollection> kCollectionEntry;
 
-constexpr Param kDefinition[] = {{}, kOptional, kOptional, kOptional};
-constexpr Param kIndexAndDefinition[] = {{}, {}, kOptional, kOptional, kOptional};
+constexpr Param kIndexAndDefinition[] = {
+    kIndexParam, named(kCodePropTerm), named(kTypePropTerm, kUndefinedDefault),
+    named(kTitlePropTerm, kUndefinedDefault), named(kWidthPropTerm, kUndefinedDefault)};
+constexpr auto kDefinition = std::span<const Param>(kIndexAndDefinition).subspan(1);
+constexpr Param kOfName[] = {named(kCodePropTerm)};
+constexpr Param kMoveColumn[] = {named(kColumnName), named(kOffsetName)};
 
 } // namespace
 
@@ -194,12 +199,12 @@ std::span<const Method<ValueTableColumnCollection>> ValueTableColumnCollection::
     static constexpr Method<Self> kMethods[] = {
         {kCollectTermAdd, kDefinition, kFunction, &Self::callAdd, &kValueTableColumnType},
         {kCollectTermInsert, kIndexAndDefinition, kFunction, &Self::callInsert, &kValueTableColumnType},
-        {kCollectTermIndexOf, required(1), kFunction, &Self::callIndexOf, &kNumberType},
+        {kCollectTermIndexOf, kOfColumn, kFunction, &Self::callIndexOf, &kNumberType},
         {kCollectTermCount, required(0), kFunction, &Self::callCount, &kNumberType},
-        {kCollectTermFind, required(1), kFunction, &Self::callFind},
-        {kCollectTermRemove, required(1), kProcedure, &Self::callDelete},
-        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kValueTableColumnType},
-        {kCollectTermMove, required(2), kProcedure, &Self::callMove},
+        {kCollectTermFind, kOfName, kFunction, &Self::callFind},
+        {kCollectTermRemove, kOfColumn, kProcedure, &Self::callDelete},
+        {kCollectTermGet, kOfIndex, kFunction, &Self::callGet, &kValueTableColumnType},
+        {kCollectTermMove, kMoveColumn, kProcedure, &Self::callMove},
         {kCollectTermClear, required(0), kProcedure, &Self::callClear},
     };
     return kMethods;

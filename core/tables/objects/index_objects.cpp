@@ -3,6 +3,7 @@
 
 #include "core/tables/objects/column_objects.h"
 #include "core/tables/objects/table_arguments.h"
+#include "core/tables/objects/table_parameters.h"
 
 #include <core/collections/terms.h>
 #include <core/context/arguments.h>
@@ -135,19 +136,20 @@ const ScriptTypeEntry<VTIndexCollection> kCollectionEntry;
 std::span<const Method<VTIndex>> VTIndex::methods() noexcept {
     static constexpr Method<VTIndex> kMethods[] = {
         {kCollectTermCount, required(0), kFunction, &VTIndex::callCount, &kNumberType},
-        {kCollectTermGet, required(1), kFunction, &VTIndex::callGet},
+        {kCollectTermGet, kOfIndex, kFunction, &VTIndex::callGet},
     };
     return kMethods;
 }
 
 std::span<const Method<VTIndexCollection>> VTIndexCollection::methods() noexcept {
     using Self = VTIndexCollection;
+    static constexpr Param kOfColumns[] = {kColumnsParam};
     static constexpr Method<Self> kMethods[] = {
-        {kCollectTermAdd, required(1), kFunction, &Self::callAdd, &kVTIndexType},
-        {kCollectTermRemove, required(1), kProcedure, &Self::callDelete},
+        {kCollectTermAdd, kOfColumns, kFunction, &Self::callAdd, &kVTIndexType},
+        {kCollectTermRemove, kOfIndex, kProcedure, &Self::callDelete},
         {kCollectTermClear, required(0), kProcedure, &Self::callClear},
         {kCollectTermCount, required(0), kFunction, &Self::callCount, &kNumberType},
-        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kVTIndexType},
+        {kCollectTermGet, kOfIndex, kFunction, &Self::callGet, &kVTIndexType},
     };
     return kMethods;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/tables/objects/row_objects.h"
+#include "core/tables/objects/table_parameters.h"
 #include "core/tables/query/row_search.h"
 #include "core/tables/query/row_totals.h"
 
@@ -126,11 +127,13 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
 
 namespace detail {
 
-inline constexpr Param kFalse = {.byDefault = ParamDefault::falseValue};
-inline constexpr Param kFind[] = {{}, kOptional, kFalse};
-inline constexpr Param kOverRows[] = {{}, kFalse};
-inline constexpr Param kFlatSort[] = {{}, kOptional};
-inline constexpr Param kHierarchicalSort[] = {{}, kFalse, kOptional};
+inline constexpr Param kFind[] = {kValueParam, kAnyColumnsParam, kDeepParam};
+inline constexpr Param kFindRows[] = {named(kFilterName), kDeepParam};
+inline constexpr Param kTotal[] = {named(kColumnName), kDeepParam};
+inline constexpr Param kFlatSort[] = {kColumnsParam, kComparisonParam};
+inline constexpr Param kHierarchicalSort[] = {kColumnsParam, kDeepParam, kComparisonParam};
+inline constexpr Param kMoveRow[] = {named(kRowName), named(kOffsetName)};
+inline constexpr Param kLoadColumn[] = {named(kArrayName), named(kColumnName)};
 
 /// Joins two method tables.
 template <class Entry, std::size_t first, std::size_t second>
@@ -147,24 +150,25 @@ template <class T, class... Is>
 constexpr std::array<Method<T>, 14> RowCollection<T, Is...>::rowMethods() noexcept {
     constexpr bool deep = T::kHierarchical;
     constexpr auto find = std::span<const Param>(detail::kFind).first(deep ? 3 : 2);
-    constexpr auto overRows = std::span<const Param>(detail::kOverRows).first(deep ? 2 : 1);
+    constexpr auto findRows = std::span<const Param>(detail::kFindRows).first(deep ? 2 : 1);
+    constexpr auto total = std::span<const Param>(detail::kTotal).first(deep ? 2 : 1);
     constexpr auto sort =
         deep ? std::span<const Param>(detail::kHierarchicalSort) : std::span<const Param>(detail::kFlatSort);
     return {{
         {kCollectTermCount, required(0), kFunction, &RowCollection::callCount, &kNumberType},
-        {kCollectTermIndexOf, required(1), kFunction, &RowCollection::callIndexOf, &kNumberType},
+        {kCollectTermIndexOf, kOfRow, kFunction, &RowCollection::callIndexOf, &kNumberType},
         {kCollectTermAdd, required(0), kFunction, &RowCollection::callAdd, T::script.elements},
-        {kCollectTermInsert, required(1), kFunction, &RowCollection::callInsert, T::script.elements},
-        {kCollectTermRemove, required(1), kProcedure, &RowCollection::callDelete},
+        {kCollectTermInsert, kOfIndex, kFunction, &RowCollection::callInsert, T::script.elements},
+        {kCollectTermRemove, kOfRow, kProcedure, &RowCollection::callDelete},
         {kCollectTermClear, required(0), kProcedure, &RowCollection::callClear},
-        {kCollectTermMove, required(2), kProcedure, &RowCollection::callMove},
+        {kCollectTermMove, detail::kMoveRow, kProcedure, &RowCollection::callMove},
         {kFindMethodTerm, find, kFunction, &RowCollection::callFind},
-        {kFindRowsMethodTerm, overRows, kFunction, &RowCollection::callFindRows, &kValueArrayType},
-        {kTotalMethodTerm, overRows, kFunction, &RowCollection::callTotal},
+        {kFindRowsMethodTerm, findRows, kFunction, &RowCollection::callFindRows, &kValueArrayType},
+        {kTotalMethodTerm, total, kFunction, &RowCollection::callTotal},
         {kSortMethodTerm, sort, kProcedure, &RowCollection::callSort},
-        {kLoadColumnMethodTerm, required(2), kProcedure, &RowCollection::callLoadColumn},
-        {kUnloadColumnMethodTerm, required(1), kFunction, &RowCollection::callUnloadColumn, &kValueArrayType},
-        {kCollectTermGet, required(1), kFunction, &RowCollection::callGet, T::script.elements},
+        {kLoadColumnMethodTerm, detail::kLoadColumn, kProcedure, &RowCollection::callLoadColumn},
+        {kUnloadColumnMethodTerm, kOfColumn, kFunction, &RowCollection::callUnloadColumn, &kValueArrayType},
+        {kCollectTermGet, kOfIndex, kFunction, &RowCollection::callGet, T::script.elements},
     }};
 }
 

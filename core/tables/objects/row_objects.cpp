@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/row_objects.h"
 
+#include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/tree_objects.h"
 
 #include <core/collections/terms.h>
@@ -61,8 +62,8 @@ const ScriptTypeEntry<ValueTableRow> kEntry;
 
 std::span<const Method<ValueTableRow>> ValueTableRow::methods() noexcept {
     static constexpr Method<ValueTableRow> kMethods[] = {
-        {kCollectTermGet, required(1), kFunction, &ValueTableRow::callGet},
-        {kCollectTermSet, required(2), kProcedure, &ValueTableRow::callSet},
+        {kCollectTermGet, kOfColumn, kFunction, &ValueTableRow::callGet},
+        {kCollectTermSet, kOfColumnAndValue, kProcedure, &ValueTableRow::callSet},
         {kOwnerMethodTerm, required(0), kFunction, &ValueTableRow::callOwner, &kValueTableType},
     };
     return kMethods;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The list's methods as scripts call them, and their table.
 #include "core/tables/objects/table_arguments.h"
+#include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/value_list_impl.h"
 
 #include <core/collections/terms.h>
@@ -141,40 +142,43 @@ GenericValue ValueList::callFillChecks(std::span<GenericValue> arguments) {
 
 namespace {
 
-constexpr Param kUndefined = {.byDefault = ParamDefault::undefined};
-constexpr Param kDirection[] = {kUndefined};
-constexpr Param kChoice[] = {{.byDefault = ParamDefault::resourceText, .resource = "IDS_VLUI_FORM_TTL"},
-                             kUndefined};
-constexpr Param kChecks[] = {{.byDefault = ParamDefault::resourceText, .resource = "IDS_VLUI_FORM_TTL_CH"}};
-constexpr Param kIndexAndItem[] = {{},
-                                   kUndefined,
-                                   {.byDefault = ParamDefault::emptyString},
-                                   {.byDefault = ParamDefault::falseValue},
-                                   kUndefined};
+constexpr Param kDirection[] = {named({u"Direction", u"Направление"}, kUndefinedDefault)};
+constexpr Param kChoice[] = {
+    {.byDefault = ParamDefault::resourceText, .resource = "IDS_VLUI_FORM_TTL", .names = kTitlePropTerm},
+    named({u"InitialItem", u"НачальныйЭлемент"}, kUndefinedDefault)};
+constexpr Param kChecks[] = {
+    {.byDefault = ParamDefault::resourceText, .resource = "IDS_VLUI_FORM_TTL_CH", .names = kTitlePropTerm}};
+constexpr Param kIndexAndItem[] = {kIndexParam, named(kVLColumnTermValue, kUndefinedDefault),
+                                   named(kVLColumnTermPresent, ParamDefault::emptyString),
+                                   named(kVLColumnTermCheck, ParamDefault::falseValue),
+                                   named(kVLColumnTermPicture, kUndefinedDefault)};
 constexpr auto kItem = std::span<const Param>(kIndexAndItem).subspan(1);
+constexpr Param kOfValues[] = {named({u"Values", u"Значения"})};
+constexpr Param kMoveItem[] = {named(kItemName), named(kOffsetName)};
+constexpr Param kOfCheck[] = {named(kVLColumnTermCheck)};
 
 } // namespace
 
 std::span<const Method<ValueList>> ValueList::methods() noexcept {
     using Self = ValueList;
     static constexpr Method<Self> kMethods[] = {
-        {kValListTermFindValue, required(1), kFunction, &Self::callFindByValue},
+        {kValListTermFindValue, kOfValue, kFunction, &Self::callFindByValue},
         {kValListTermSort, kDirection, kProcedure, &Self::callSortByValue},
         {kValListTermSortByPresent, kDirection, kProcedure, &Self::callSortByPresentation},
         {kValListTermChooseValue, kChoice, kFunction, &Self::callChooseItem},
         {kValListTermCheckValues, kChecks, kFunction, &Self::callCheckItems, &kBooleanType},
         {kValListTermUnload, required(0), kFunction, &Self::callUnloadValues, &kValueArrayType},
-        {kValListTermLoad, required(1), kProcedure, &Self::callLoadValues},
+        {kValListTermLoad, kOfValues, kProcedure, &Self::callLoadValues},
         {kValListTermCopy, required(0), kFunction, &Self::callCopy, &kValueListType},
         {kCollectTermCount, required(0), kFunction, &Self::callCount, &kNumberType},
         {kCollectTermAdd, kItem, kFunction, &Self::callAdd, &kValueListItemType},
         {kCollectTermInsert, kIndexAndItem, kFunction, &Self::callInsert, &kValueListItemType},
-        {kCollectTermRemove, required(1), kProcedure, &Self::callDelete},
+        {kCollectTermRemove, kOfItem, kProcedure, &Self::callDelete},
         {kCollectTermClear, required(0), kProcedure, &Self::callClear},
-        {kCollectTermMove, required(2), kProcedure, &Self::callMove},
-        {kCollectTermIndexOf, required(1), kFunction, &Self::callIndexOf, &kNumberType},
-        {kCollectTermGet, required(1), kFunction, &Self::callGet, &kValueListItemType},
-        {kValListTermFillChecks, required(1), kProcedure, &Self::callFillChecks},
+        {kCollectTermMove, kMoveItem, kProcedure, &Self::callMove},
+        {kCollectTermIndexOf, kOfItem, kFunction, &Self::callIndexOf, &kNumberType},
+        {kCollectTermGet, kOfIndex, kFunction, &Self::callGet, &kValueListItemType},
+        {kValListTermFillChecks, kOfCheck, kProcedure, &Self::callFillChecks},
     };
     return kMethods;
 }

@@ -6,6 +6,7 @@
 #include "core/tables/objects/row_events.h"
 #include "core/tables/objects/sub_object.h"
 #include "core/tables/objects/table_format.h"
+#include "core/tables/objects/table_parameters.h"
 #include "core/tables/query/group_by.h"
 
 #include <core/collections/value_structure.h>
@@ -223,9 +224,13 @@ namespace {
 
 const ScriptClassEntry<ValueTable> kEntry;
 
-constexpr Param kTwoOptional[] = {kOptional, kOptional};
-constexpr Param kOneOptional[] = {kOptional};
-constexpr Param kAndOptional[] = {{}, kOptional};
+constexpr Param kCopy[] = {named(kRowCollectionTerm, kUndefinedDefault), kAnyColumnsParam};
+constexpr Param kCopyColumns[] = {kAnyColumnsParam};
+constexpr Param kGroupBy[] = {named({u"GroupColumns", u"КолонкиГруппировки"}),
+                              named({u"TotalColumns", u"КолонкиИтогов"}, kUndefinedDefault)};
+constexpr Param kFillValues[] = {kValueParam, kAnyColumnsParam};
+constexpr Param kChooseRow[] = {named(kTitlePropTerm, kUndefinedDefault),
+                                named({u"InitialRow", u"НачальнаяСтрока"}, kUndefinedDefault)};
 
 } // namespace
 
@@ -246,11 +251,11 @@ std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
     static constexpr auto kMethods = detail::joined(
         rowMethods(),
         std::to_array<Method<ValueTable>>({
-            {kCopyMethodTerm, kTwoOptional, kFunction, &ValueTable::callCopy, &kValueTableType},
-            {kCopyColumnsMethodTerm, kOneOptional, kFunction, &ValueTable::callCopyColumns, &kValueTableType},
-            {kGroupByMethodTerm, kAndOptional, kProcedure, &ValueTable::callGroupBy},
-            {kFillValuesMethodTerm, kAndOptional, kProcedure, &ValueTable::callFillValues},
-            {kSelectRowMethodTerm, kTwoOptional, kFunction, &ValueTable::callChooseRow},
+            {kCopyMethodTerm, kCopy, kFunction, &ValueTable::callCopy, &kValueTableType},
+            {kCopyColumnsMethodTerm, kCopyColumns, kFunction, &ValueTable::callCopyColumns, &kValueTableType},
+            {kGroupByMethodTerm, kGroupBy, kProcedure, &ValueTable::callGroupBy},
+            {kFillValuesMethodTerm, kFillValues, kProcedure, &ValueTable::callFillValues},
+            {kSelectRowMethodTerm, kChooseRow, kFunction, &ValueTable::callChooseRow},
         }));
     return kMethods;
 }

@@ -4,6 +4,7 @@
 #include "core/tables/objects/row_events.h"
 #include "core/tables/objects/sub_object.h"
 #include "core/tables/objects/table_format.h"
+#include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/tree_objects.h"
 
 #include <core/tables/value_tree.h>
@@ -135,8 +136,8 @@ std::span<const Property<ValueTreeRow>> ValueTreeRow::properties() noexcept {
 
 std::span<const Method<ValueTreeRow>> ValueTreeRow::methods() noexcept {
     static constexpr Method<ValueTreeRow> kMethods[] = {
-        {kCollectTermGet, required(1), kFunction, &ValueTreeRow::callGet},
-        {kCollectTermSet, required(2), kProcedure, &ValueTreeRow::callSet},
+        {kCollectTermGet, kOfColumn, kFunction, &ValueTreeRow::callGet},
+        {kCollectTermSet, kOfColumnAndValue, kProcedure, &ValueTreeRow::callSet},
         {kOwnerMethodTerm, required(0), kFunction, &ValueTreeRow::callOwner, &kValueTreeType},
     };
     return kMethods;

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/collections/parameters.h"
+
+#include <core/tables/terms.h>
+
+/// The parameters of the methods of tables, trees and lists, by name.
+namespace core {
+
+/// A parameter by its name, and what it is when it is left out.
+[[nodiscard]] constexpr Param named(NamePair names, ParamDefault byDefault = ParamDefault::none) noexcept {
+    return {.byDefault = byDefault, .names = names};
+}
+
+inline constexpr ParamDefault kUndefinedDefault = ParamDefault::undefined;
+
+inline constexpr NamePair kArrayName = {u"Array", u"Массив"};
+inline constexpr NamePair kColumnName = {u"Column", u"Колонка"};
+inline constexpr NamePair kComparisonName = {u"Comparison", u"Сравнение"};
+inline constexpr NamePair kDeepName = {u"IncludeSubordinates", u"ВключатьПодчиненные"};
+inline constexpr NamePair kFilterName = {u"Filter", u"Отбор"};
+inline constexpr NamePair kItemName = {u"Item", u"Элемент"};
+inline constexpr NamePair kOffsetName = {u"Offset", u"Сдвиг"};
+inline constexpr NamePair kRowName = {u"Row", u"Строка"};
+
+inline constexpr Param kDeepParam = named(kDeepName, ParamDefault::falseValue);
+inline constexpr Param kColumnsParam = named(kColumnCollectionTerm);
+inline constexpr Param kAnyColumnsParam = named(kColumnCollectionTerm, kUndefinedDefault);
+inline constexpr Param kComparisonParam = named(kComparisonName, kUndefinedDefault);
+
+inline constexpr Param kOfColumn[] = {named(kColumnName)};
+inline constexpr Param kOfColumnAndValue[] = {named(kColumnName), kValueParam};
+inline constexpr Param kOfItem[] = {named(kItemName)};
+inline constexpr Param kOfRow[] = {named(kRowName)};
+
+} // namespace core
