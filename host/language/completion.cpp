@@ -3,6 +3,7 @@
 
 #include "host/language/lexer.h"
 
+#include <core/context/event_source.h>
 #include <core/runtime/process.h>
 #include <core/strings/compare.h>
 #include <core/strings/term.h>
@@ -100,6 +101,32 @@ GenericValue value_of(wstring_view name, const Interpreter& interpreter) {
     return value;
 }
 
+/// Inside the second argument of Connect, the events of the first one.
+Completion complete_event(const Interpreter& interpreter, wstring_view before, int alias) {
+    const std::size_t quote = before.rfind(u'"');
+    if (quote == wstring_view::npos)
+        return {};
+    try {
+        const Tail tail(before.substr(0, quote));
+        const bool inConnect = tail.kind(0) == TokenKind::comma && tail.isWord(1) &&
+                               tail.kind(2) == TokenKind::open && tail.isWord(3) &&
+                               tail.kind(4) != TokenKind::dot &&
+                               (compare_nocase(tail.text(3), u"Connect") == 0 ||
+                                compare_nocase(tail.text(3), u"Соединить") == 0);
+        const auto source = inConnect ? value_of(tail.text(1), interpreter).query<IEventSource>()
+                                      : InterfacePtr<IEventSource>();
+        if (!source)
+            return {};
+        const wstring_view word = before.substr(quote + 1);
+        Names names(word, alias);
+        for (int event = 0; event < source->getNEvents(); ++event)
+            names.addTerm([&](int language) { return source->getEventName(event, language); }, u"\"");
+        return {word.size(), names.take()};
+    } catch (const ScriptError&) {
+        return {};
+    }
+}
+
 } // namespace
 
 wstring Completion::common() const {
@@ -125,7 +152,7 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
             return {}; // a comment
         if (!inWord && !behindLast &&
             (tail.kind(0) == TokenKind::number || tail.kind(0) == TokenKind::string))
-            return {};
+            return complete_event(interpreter, before, alias);
         const wstring_view word = inWord ? tail.text(0) : wstring_view();
         const std::size_t front = inWord ? 1 : 0; // the token in front of the word
         Names names(word, alias);
@@ -148,7 +175,7 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
         }
         return {word.size(), names.take()};
     } catch (const ScriptError&) {
-        return {}; // in a string, or behind text that is not a script
+        return complete_event(interpreter, before, alias); // or behind text that is not a script
     }
 }
 

@@ -89,6 +89,15 @@ TEST_F(CompletionTest, NamesInBothLanguages) {
     EXPECT_NE(complete("").find("Prices"), std::string::npos);
 }
 
+TEST_F(CompletionTest, EventsInsideConnect) {
+    session_.run("T = New ValueTable");
+    EXPECT_EQ(complete("N = Connect(T, \"row"), "RowAdded\" RowChanged\" RowDeleted\" RowMoved\"|3");
+    EXPECT_EQ(complete("соединить(t, \"ПриОч"), "ПриОчистке\"|5");
+    for (const char* const before : {"Connect(T, \"Sorted\"", "Connect(T, T, \"Row", "T.Connect(T, \"Row",
+                                     "Print(T, \"Row", "Connect(x, \"R"})
+        EXPECT_EQ(complete(before), "|0") << before;
+}
+
 TEST_F(CompletionTest, NothingWhereNoNameStands) {
     session_.run("Prices = New Map");
     for (const char* const before : {"\"Pri", "// Pri", "x = 1 // Pri", "12", "x = \"Pri\"", "Prices.Get.",
