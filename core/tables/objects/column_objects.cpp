@@ -175,11 +175,11 @@ const ScriptTypeEntry<ValueTableColumn> kColumnEntry;
 const ScriptTypeEntry<ValueTableColumnCollection> kCollectionEntry;
 
 constexpr Param kIndexAndDefinition[] = {
-    kIndexParam, named(kCodePropTerm), named(kTypePropTerm, kUndefinedDefault),
-    named(kTitlePropTerm, kUndefinedDefault), named(kWidthPropTerm, kUndefinedDefault)};
+    kIndexParam, named_param(kCodePropTerm), named_param(kTypePropTerm, kUndefinedDefault),
+    named_param(kTitlePropTerm, kUndefinedDefault), named_param(kWidthPropTerm, kUndefinedDefault)};
 constexpr auto kDefinition = std::span<const Param>(kIndexAndDefinition).subspan(1);
-constexpr Param kOfName[] = {named(kCodePropTerm)};
-constexpr Param kMoveColumn[] = {named(kColumnName), named(kOffsetName)};
+constexpr Param kOfName[] = {named_param(kCodePropTerm)};
+constexpr Param kMoveColumn[] = {named_param(kColumnName), named_param(kOffsetName)};
 
 } // namespace
 

@@ -128,12 +128,12 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
 namespace detail {
 
 inline constexpr Param kFind[] = {kValueParam, kAnyColumnsParam, kDeepParam};
-inline constexpr Param kFindRows[] = {named(kFilterName), kDeepParam};
-inline constexpr Param kTotal[] = {named(kColumnName), kDeepParam};
+inline constexpr Param kFindRows[] = {named_param(kFilterName), kDeepParam};
+inline constexpr Param kTotal[] = {named_param(kColumnName), kDeepParam};
 inline constexpr Param kFlatSort[] = {kColumnsParam, kComparisonParam};
 inline constexpr Param kHierarchicalSort[] = {kColumnsParam, kDeepParam, kComparisonParam};
-inline constexpr Param kMoveRow[] = {named(kRowName), named(kOffsetName)};
-inline constexpr Param kLoadColumn[] = {named(kArrayName), named(kColumnName)};
+inline constexpr Param kMoveRow[] = {named_param(kRowName), named_param(kOffsetName)};
+inline constexpr Param kLoadColumn[] = {named_param(kArrayName), named_param(kColumnName)};
 
 /// Joins two method tables.
 template <class Entry, std::size_t first, std::size_t second>

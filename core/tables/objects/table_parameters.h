@@ -9,7 +9,8 @@
 namespace core {
 
 /// A parameter by its name, and what it is when it is left out.
-[[nodiscard]] constexpr Param named(NamePair names, ParamDefault byDefault = ParamDefault::none) noexcept {
+[[nodiscard]] constexpr Param named_param(NamePair names,
+                                          ParamDefault byDefault = ParamDefault::none) noexcept {
     return {.byDefault = byDefault, .names = names};
 }
 
@@ -24,14 +25,14 @@ inline constexpr NamePair kItemName = {u"Item", u"Элемент"};
 inline constexpr NamePair kOffsetName = {u"Offset", u"Сдвиг"};
 inline constexpr NamePair kRowName = {u"Row", u"Строка"};
 
-inline constexpr Param kDeepParam = named(kDeepName, ParamDefault::falseValue);
-inline constexpr Param kColumnsParam = named(kColumnCollectionTerm);
-inline constexpr Param kAnyColumnsParam = named(kColumnCollectionTerm, kUndefinedDefault);
-inline constexpr Param kComparisonParam = named(kComparisonName, kUndefinedDefault);
+inline constexpr Param kDeepParam = named_param(kDeepName, ParamDefault::falseValue);
+inline constexpr Param kColumnsParam = named_param(kColumnCollectionTerm);
+inline constexpr Param kAnyColumnsParam = named_param(kColumnCollectionTerm, kUndefinedDefault);
+inline constexpr Param kComparisonParam = named_param(kComparisonName, kUndefinedDefault);
 
-inline constexpr Param kOfColumn[] = {named(kColumnName)};
-inline constexpr Param kOfColumnAndValue[] = {named(kColumnName), kValueParam};
-inline constexpr Param kOfItem[] = {named(kItemName)};
-inline constexpr Param kOfRow[] = {named(kRowName)};
+inline constexpr Param kOfColumn[] = {named_param(kColumnName)};
+inline constexpr Param kOfColumnAndValue[] = {named_param(kColumnName), kValueParam};
+inline constexpr Param kOfItem[] = {named_param(kItemName)};
+inline constexpr Param kOfRow[] = {named_param(kRowName)};
 
 } // namespace core

@@ -142,20 +142,20 @@ GenericValue ValueList::callFillChecks(std::span<GenericValue> arguments) {
 
 namespace {
 
-constexpr Param kDirection[] = {named({u"Direction", u"Направление"}, kUndefinedDefault)};
+constexpr Param kDirection[] = {named_param({u"Direction", u"Направление"}, kUndefinedDefault)};
 constexpr Param kChoice[] = {
     {.byDefault = ParamDefault::resourceText, .resource = "IDS_VLUI_FORM_TTL", .names = kTitlePropTerm},
-    named({u"InitialItem", u"НачальныйЭлемент"}, kUndefinedDefault)};
+    named_param({u"InitialItem", u"НачальныйЭлемент"}, kUndefinedDefault)};
 constexpr Param kChecks[] = {
     {.byDefault = ParamDefault::resourceText, .resource = "IDS_VLUI_FORM_TTL_CH", .names = kTitlePropTerm}};
-constexpr Param kIndexAndItem[] = {kIndexParam, named(kVLColumnTermValue, kUndefinedDefault),
-                                   named(kVLColumnTermPresent, ParamDefault::emptyString),
-                                   named(kVLColumnTermCheck, ParamDefault::falseValue),
-                                   named(kVLColumnTermPicture, kUndefinedDefault)};
+constexpr Param kIndexAndItem[] = {kIndexParam, named_param(kVLColumnTermValue, kUndefinedDefault),
+                                   named_param(kVLColumnTermPresent, ParamDefault::emptyString),
+                                   named_param(kVLColumnTermCheck, ParamDefault::falseValue),
+                                   named_param(kVLColumnTermPicture, kUndefinedDefault)};
 constexpr auto kItem = std::span<const Param>(kIndexAndItem).subspan(1);
-constexpr Param kOfValues[] = {named({u"Values", u"Значения"})};
-constexpr Param kMoveItem[] = {named(kItemName), named(kOffsetName)};
-constexpr Param kOfCheck[] = {named(kVLColumnTermCheck)};
+constexpr Param kOfValues[] = {named_param({u"Values", u"Значения"})};
+constexpr Param kMoveItem[] = {named_param(kItemName), named_param(kOffsetName)};
+constexpr Param kOfCheck[] = {named_param(kVLColumnTermCheck)};
 
 } // namespace
 

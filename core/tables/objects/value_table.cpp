@@ -224,13 +224,13 @@ namespace {
 
 const ScriptClassEntry<ValueTable> kEntry;
 
-constexpr Param kCopy[] = {named(kRowCollectionTerm, kUndefinedDefault), kAnyColumnsParam};
+constexpr Param kCopy[] = {named_param(kRowCollectionTerm, kUndefinedDefault), kAnyColumnsParam};
 constexpr Param kCopyColumns[] = {kAnyColumnsParam};
-constexpr Param kGroupBy[] = {named({u"GroupColumns", u"КолонкиГруппировки"}),
-                              named({u"TotalColumns", u"КолонкиИтогов"}, kUndefinedDefault)};
+constexpr Param kGroupBy[] = {named_param({u"GroupColumns", u"КолонкиГруппировки"}),
+                              named_param({u"TotalColumns", u"КолонкиИтогов"}, kUndefinedDefault)};
 constexpr Param kFillValues[] = {kValueParam, kAnyColumnsParam};
-constexpr Param kChooseRow[] = {named(kTitlePropTerm, kUndefinedDefault),
-                                named({u"InitialRow", u"НачальнаяСтрока"}, kUndefinedDefault)};
+constexpr Param kChooseRow[] = {named_param(kTitlePropTerm, kUndefinedDefault),
+                                named_param({u"InitialRow", u"НачальнаяСтрока"}, kUndefinedDefault)};
 
 } // namespace
 
