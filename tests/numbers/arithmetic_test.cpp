@@ -253,6 +253,9 @@ TEST(Power, WholeExponentsAreExact) {
     EXPECT_EQ(Numeric(-3).pow(3), -27);
     EXPECT_EQ(Numeric(0).pow(0), 1);
     EXPECT_EQ(Numeric(1).pow(999'999'999), 1);
+    EXPECT_EQ(Numeric(10).pow(99'999'999).limbs().size(), 1U)
+        << "the most digits that an exact power may have";
+    EXPECT_THROW((void)Numeric(10).pow(100'000'000), NumericException);
     EXPECT_EQ(num("0.1").pow(100), num("0." + std::string(99, '0') + "1"));
     EXPECT_EQ(Numeric(7).pow(300), model::number(model::power(7, 300), 0));
     EXPECT_EQ(num("-1.0000000001").pow(41),

@@ -107,6 +107,8 @@ TEST(LongNumbers, QuotientsOfAnyLengthMultiplyBack) {
         const Numeric product = exact * y;
         EXPECT_EQ(product / y, exact);
         EXPECT_EQ((product - 1) % y, y - 1);
+        const Numeric power = Numeric(10).pow(9 * a);
+        EXPECT_EQ((y * power - 1) % y, y - 1) << "a quotient of nines alone";
         const Numeric x = whole(next, static_cast<std::size_t>(a));
         const Numeric quotient = x / y;
         const auto places = static_cast<std::size_t>(9 * (b + 2));

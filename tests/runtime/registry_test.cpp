@@ -265,6 +265,9 @@ TEST(ResourceBundle, SpeaksTheLanguageOfTheThreadAndFallsBack) {
     unsigned length = 1;
     EXPECT_EQ(bundle.getString("IDS_NO_SUCH_TEXT", Locale("ru"), length), nullptr);
     EXPECT_EQ(length, 0U);
+    length = 1;
+    EXPECT_EQ(bundle.getString(nullptr, Locale("ru"), length), nullptr);
+    EXPECT_EQ(length, 0U);
     EXPECT_TRUE(load_wstring(&bundle, nullptr).empty());
     EXPECT_TRUE(load_wstring(nullptr, "IDS_NUMERROR_DIVIDEBYZERO").empty());
     EXPECT_TRUE(bundle.getBinary("IDS_NUMERROR_DIVIDEBYZERO", Locale()).empty());

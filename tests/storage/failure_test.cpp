@@ -224,6 +224,29 @@ TEST_P(Failing, AFailedFlushIsNotTriedAgain) {
     EXPECT_EQ(failed, 2) << "each of the two flushes";
 }
 
+TEST_P(Failing, AFileThatMemoryDidNotSufficeForIsLost) {
+    int failures = 0;
+    for (int n = 0;; ++n) {
+        const auto data = create_memory_data();
+        StorageRW::create(*open_memory_file(data), layout_);
+        StorageRW storage(open_memory_file(data), layout_);
+        const auto file = storage.open(u"a", OpenMode::create);
+        const Bytes content(20'000);
+        try {
+            const ::test::AllocationLimit limit(n);
+            write_all(*file, content);
+            write_all_at(*file, 70'000, content);
+            break;
+        } catch (const std::exception&) {
+            ++failures;
+        }
+        EXPECT_THROW(write_all(*file, content), StorageException) << n;
+        EXPECT_THROW(file->close(), StorageException) << "what was written before would be half a file";
+        EXPECT_FALSE(storage.contains(u"a"));
+    }
+    EXPECT_GT(failures, 0);
+}
+
 TEST_P(Failing, MemoryThatRunsOutAnywhereCostsNothing) {
     for (const Operation& operation : operations()) {
         Model done = model_;

@@ -129,6 +129,9 @@ TEST_P(Parts, TheTableHoldsWhatAMapHolds) {
                  StorageException);
     EXPECT_EQ(table.encode(), before);
     EXPECT_EQ(table.end(), 100000U);
+    const wstring longest(StorageFilesType::kLongestName, u'n');
+    table.set(longest, {layout_.null, layout_.null});
+    EXPECT_TRUE(table.find(longest));
 }
 
 TEST_P(Parts, AnUnsortedTableNeedsTheOption) {

@@ -57,6 +57,7 @@ TEST_P(Scheme, GivesEachContainerANumberedRoot) {
     EXPECT_EQ(make(create_memory_data()), next);
     EXPECT_EQ(scheme()->container(next).rootURL(), next);
     scheme()->closeContainer(next);
+    EXPECT_EQ(kind_of([&] { scheme()->closeContainer(next); }), Kind::fileNotFound);
     EXPECT_EQ(kind_of([&] { (void)scheme()->container(next); }), Kind::fileNotFound);
     EXPECT_EQ(kind_of([&] { (void)system_->openURL(next + u"a", OpenMode::create); }), Kind::fileNotFound);
     EXPECT_EQ(kind_of([&] { (void)system_->findFile(prefix + u"nonsense"); }), Kind::fileNotFound);
@@ -182,6 +183,12 @@ TEST_P(Scheme, OpensContainersByURLWithOptions) {
         kind_of([&] { (void)otherScheme->openContainer(other + u"://" + from_utf8(path), OpenMode::read); }),
         Kind::badFormat);
     EXPECT_THROW((void)scheme()->openContainer(name + u":///no/such/file", OpenMode::read), FileException);
+    try {
+        (void)scheme()->openContainer(name + u"://mem://box", OpenMode::create);
+        ADD_FAILURE() << "no process has a file system that knows the scheme";
+    } catch (const FileException& e) {
+        EXPECT_EQ(e.systemError(), ENOTSUP);
+    }
     EXPECT_EQ(system_->remove(file_url(path)), 1U);
 }
 

@@ -50,6 +50,7 @@ TEST_P(Sharing, LetsOneWriteAFileAndTellsReadersOfIt) {
     EXPECT_FALSE(message_of([&] { (void)storage.open(u"a", OpenMode::create); }).empty());
     EXPECT_FALSE(message_of([&] { storage.remove(u"a"); }).empty());
     EXPECT_FALSE(message_of([&] { storage.rename(u"other", u"a"); }).empty());
+    EXPECT_FALSE(message_of([&] { storage.rename(u"a", u"b"); }).empty());
     writer->flush();
     EXPECT_NE(storage.get(u"a"), old) << "a flush publishes";
     write_all_at(*writer, 0, bytes_of("more"));
@@ -77,6 +78,11 @@ TEST_P(Sharing, GivesUpAFileThatAnExceptionLetsGoOf) {
     EXPECT_EQ(storage.get(u"a"), bytes_of("old"));
     write_all(*storage.open(u"a", OpenMode::replace), bytes_of("let go of without a word"));
     EXPECT_EQ(storage.get(u"a"), bytes_of("let go of without a word"));
+    const auto unconcerned = storage.open(u"a", OpenMode::replace);
+    write_all(*unconcerned, bytes_of("new"));
+    storage.rollback(); // of no changes that were begun
+    unconcerned->close();
+    EXPECT_EQ(storage.get(u"a"), bytes_of("new"));
     const auto late = storage.open(u"b", OpenMode::create);
     storage.begin();
     storage.put(u"c", {});

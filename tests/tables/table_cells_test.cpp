@@ -98,6 +98,8 @@ TEST_F(TableCells, KeepCellsOfEveryFormThroughEveryChange) {
     call(table, u"Sort", {u"A Desc"});
     for (std::size_t i = 1; i < rows->rowCount(); ++i)
         ASSERT_GT(compare_values(rows->get(i - 1, 0), rows->get(i, 0)), 0);
+    rows->clear();
+    EXPECT_EQ(rows->rowCount(), 0U);
 }
 
 } // namespace

@@ -73,6 +73,14 @@ TEST_F(TableSorts, AnObjectMayCompareAndDoNoHarm) {
     };
     EXPECT_EQ(failure([&] { sort_with(delete_a_row); }), message_text("IDS_VT_CHANGED_WHILE_SORTING"));
     EXPECT_TRUE(call(table, u"Count").equals(99));
+    harmed = false;
+    const auto add_a_column = [&](int order) {
+        if (!std::exchange(harmed, true))
+            call(property(table, u"Columns"), u"Add", {u"B"});
+        return order;
+    };
+    EXPECT_EQ(failure([&] { sort_with(add_a_column); }), message_text("IDS_VT_CHANGED_WHILE_SORTING"));
+    call(property(table, u"Columns"), u"Delete", {u"B"});
     int calls = 0;
     for (const int always : {-1, 0, 1})
         sort_with([&](int) { return ++calls, always; });

@@ -278,6 +278,11 @@ TEST_F(Values, EqualityNeverCrossesTypesAndHashesFollowIt) {
     EXPECT_EQ(Value(u"ab").hashCode(), 'a' * 5 + 'b');
     const Value text(u"Имя");
     EXPECT_EQ(text.hashCode(), text.hashCode());
+    for (int i = 0; i < 40; ++i) { // an odd hash says that no other value has it
+        EXPECT_EQ(value_table_hash(string_intto(i)) & 1, 0U);
+        EXPECT_EQ(value_table_hash(i + 0.5) & 1, 0U);
+        EXPECT_EQ(value_table_hash(i) & 1, 1U);
+    }
     EXPECT_EQ(text.hashCode(), ((0x418 * 5) + 0x43C) * 5 + 0x44F);
 }
 
