@@ -87,7 +87,6 @@ void ChainWriter::requireRoom(std::uint64_t offset, std::uint64_t count) const {
 void ChainWriter::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
     if (bytes.empty())
         return;
-    requireRoom(offset, bytes.size()); // before anything is filled with zeros
     touched_ = true;
     if (offset > size_)
         fillWithZeros(offset);

@@ -28,7 +28,8 @@ class ChainWriter {
 
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
     [[nodiscard]] bool isTouched() const noexcept { return touched_; }
-    /// Whether the layout can address a content that reaches so far.
+    /// Throws if the layout cannot address a content that reaches so far; to be asked before something is
+    /// written there, since what lies before it is filled with zeros first.
     void requireRoom(std::uint64_t offset, std::uint64_t count) const;
     void readAt(std::uint64_t offset, std::span<std::byte> out);
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes);

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cassert>
 #include <memory>
-#include <utility>
 
 namespace core::limbs {
 namespace {
@@ -62,12 +61,12 @@ void divide_short(std::span<Limb> q, const ShiftedWords& a, std::size_t words,
     }
 }
 
-/// r −= v × q in place, for r of as many words as v and `top` above them, which becomes zero; returns whether
-/// the result wrapped below zero.
+/// r −= v × q in place, for r of as many words as v and `top` above them; returns whether the result wrapped
+/// below zero.
 ///
 /// With ratio = ⌊q × 2^64 / 10^18⌋, the upper half of v[i] × ratio is the upper word of v[i] × q or 1 less.
 /// The products do not wait for one another; only the borrows form a chain.
-bool subtract_product(Word& top, std::span<Word> r, std::span<const Word> v, Word q) noexcept {
+bool subtract_product(Word top, std::span<Word> r, std::span<const Word> v, Word q) noexcept {
     const Word ratio = split_word(DoubleWord{q} << 64).quotient;
     Word carry = 0;
     Word borrow = 0;
@@ -83,16 +82,16 @@ bool subtract_product(Word& top, std::span<Word> r, std::span<const Word> v, Wor
         r[i] = difference + (once & kWordBase) + (twice & kWordBase);
         borrow = 0 - once - twice;
     }
-    return std::exchange(top, 0) - carry - borrow != 0;
+    return top - carry - borrow != 0;
 }
 
 /// One step of long division: q = ⌊r / v⌋ < 10^18 for r of as many words as v and `above` them; r becomes the
-/// remainder and `above` zero.
+/// remainder.
 ///
 /// q is estimated as the top three words of r by the top two words d of v. The estimate is never
 /// too small, and too large by at most 1: with u the top three words, u / d − u / (d + 1) < (u / d)
 /// / d <= 10^18 / d, and d >= 10^18.
-Word divide_step(Word& above, std::span<Word> r, std::span<const Word> v, const TwoWordDivisor& top,
+Word divide_step(Word above, std::span<Word> r, std::span<const Word> v, const TwoWordDivisor& top,
                  DoubleWord d) noexcept {
     const std::size_t n = v.size();
     const DoubleWord upper = DoubleWord{above} * kWordBase + r[n - 1];
@@ -124,7 +123,7 @@ void divide_long(std::span<Limb> q, const ShiftedWords& a, std::span<const Limb>
         remainder[i - first] = a[i];
     }
     for (std::size_t i = first; i-- > 0;) {
-        Word above = remainder.back();
+        const Word above = remainder.back();
         std::copy_backward(remainder.begin(), remainder.end() - 1, remainder.end());
         remainder.front() = a[i];
         put_word(q, i, divide_step(above, remainder, v, top, d));

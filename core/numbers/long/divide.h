@@ -11,8 +11,9 @@ inline constexpr std::size_t kNewtonQuotient = 64;
 /// at most. Multiplication by the reciprocal takes its working area from the heap.
 inline constexpr std::size_t kStackDivisor = 255;
 
-/// Divides in place by schoolbook: q = ⌊u / v⌋ in q.size() == u.size() − v.size() words, u becomes the
-/// remainder. v has at least two words, the top one not zero, and the top v.size() words of u are below v.
+/// Divides in place by schoolbook: q = ⌊u / v⌋ in q.size() == u.size() − v.size() words, the low words of u
+/// become the remainder. v has at least two words, the top one not zero, and the top v.size() words of u are
+/// below v.
 void divide_schoolbook(std::span<Word> q, std::span<Word> u, std::span<const Word> v) noexcept;
 
 } // namespace core::limbs
