@@ -49,10 +49,10 @@ class WorkingThread {
     ~WorkingThread() {
         state_.work.reset();
         state_.process.reset();
-        remove_running(state_);
         if (detail::ThreadRecord* const record = state_.record.exchange(nullptr))
             record->state = nullptr;
-        state_.ended.signal(); // last: who joins may end what the thread has used
+        state_.ended.signal();
+        remove_running(state_); // last: a process that waits for its threads then finds them finished
     }
 
     void run(const StopToken& stop) {
