@@ -47,6 +47,9 @@ function(core_add_module name)
     set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   endif()
   target_link_libraries(${name} PRIVATE core::core)
+  # Functions are found when they are first called. A module for a later version of the library, whose functions are not here,
+  # can then still be opened and asked for its version.
+  target_compile_options(${name} PRIVATE -fplt)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # The system never unmaps a library with symbols that are unique in the program, and static variables of inline functions
     # are such symbols, also those of the standard library.

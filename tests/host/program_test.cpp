@@ -74,13 +74,13 @@ TEST_F(ProgramTest, AStreamThatCannotBeWritten) {
     out.clear();
     // a fault of the program itself: an exception that nobody expects
     struct Faulty : std::streambuf {
-        int overflow(int) override { throw std::logic_error("unexpected\x1B"); }
+        int underflow() override { throw std::logic_error("unexpected\x1B"); }
     } faulty;
-    std::ostream broken(&faulty);
+    std::istream broken(&faulty);
     broken.exceptions(std::ios::badbit);
-    Console other{in, broken, err};
+    Console other{broken, out, err};
     err.str({});
-    EXPECT_EQ(run_program({"run", file("s", "Print(1)")}, other), ExitCode::internal);
+    EXPECT_EQ(run_program({"run", "-"}, other), ExitCode::internal);
     EXPECT_EQ(err.str(), "corehost: unexpected\uFFFD\n");
 }
 

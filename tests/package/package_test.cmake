@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Installs the build tree, moves the prefix, looks for paths that would tie it to its first place, and builds and runs
 # a consumer there: once found by CMake, once by pkg-config.
+cmake_policy(VERSION 3.25)
 set(work ${build}/package_test)
 set(prefix ${work}/moved)
 file(REMOVE_RECURSE ${work})
