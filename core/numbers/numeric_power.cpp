@@ -25,7 +25,7 @@ double power_digits(const Numeric& base, std::uint32_t exponent) noexcept {
     }
     constexpr auto kDigits = static_cast<double>(limbs::kLimbDigits);
     const double places = static_cast<double>(limbs.size() - used) - base.fractionLimbs();
-    const double magnitude = top > 0 ? std::log10(top) + places * kDigits : 0;
+    const double magnitude = std::log10(top) + places * kDigits; // of zero: below every number
     const double whole = magnitude >= 0 ? std::floor(magnitude * exponent) + 1 : 0;
     return whole + static_cast<double>(precision) * exponent;
 }

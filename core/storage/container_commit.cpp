@@ -57,8 +57,6 @@ void Container::commitChanges() {
               {}};
     bool flushing = false;
     try {
-        if (failed_)
-            throw_storage_error(messages::kStorageFailed, url_);
         writeBeside(next);
         flushing = true;
         file_->flush();

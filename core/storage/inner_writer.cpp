@@ -50,8 +50,7 @@ void InnerWriter::writing(Call call) {
         lose();
         throw;
     } catch (...) {
-        if (!isLost())
-            writer_->discard();
+        writer_->discard(); // no effect when the commit has taken all changes back
         lose();
         throw;
     }

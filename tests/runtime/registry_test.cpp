@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #if defined(__GLIBC__)
+#include <dlfcn.h>
 #include <malloc.h>
 #endif
 #include <unistd.h>
@@ -278,6 +279,21 @@ TEST(ResourceBundle, SpeaksTheLanguageOfTheThreadAndFallsBack) {
     const wstring filled = message_text("IDS_FILE_READ", {u"the {1} file", u"no reason"});
     EXPECT_NE(filled.find(u"the {1} file"), wstring::npos) << "what is filled in is not filled in again";
     EXPECT_NE(filled.find(u"no reason"), wstring::npos);
+}
+
+TEST(ResourceBundle, LiesBesideTheLibraryThatALinkLeadsTo) {
+    Dl_info library{};
+    ASSERT_NE(dladdr(reinterpret_cast<const void*>(&library_main), &library), 0);
+    const std::filesystem::path file = library.dli_fname;
+    const std::filesystem::path folder = testing::TempDir() + "link-" + std::to_string(::getpid());
+    std::filesystem::create_directories(folder);
+    std::filesystem::create_symlink(std::filesystem::canonical(file), folder / file.filename());
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
+    EXPECT_EQ(std::system(("LD_LIBRARY_PATH='" + folder.string() + "' '" + program +
+                           "' --gtest_filter=ResourceBundle.Speaks* >/dev/null")
+                              .c_str()),
+              0);
+    std::filesystem::remove_all(folder);
 }
 
 TEST(Resources, BytesOfTheMostSpecificBundle) {

@@ -5,6 +5,8 @@
 #include "tests/support/storage_fixture.h"
 #include "tests/support/storage_image.h"
 
+#include <core/files/disk_file.h>
+#include <core/files/url.h>
 #include <core/runtime/utf8.h>
 
 #include <functional>
@@ -277,6 +279,41 @@ TEST_P(Image, AFileThatIsCutBehindTheContainersBackIsDamaged) {
     file()->truncate(data + 300000);
     EXPECT_TRUE(isRefused([&] { (void)storage.get(u"a"); }));
     EXPECT_TRUE(isRefused([&] { (void)read_whole(*reader); }));
+}
+
+/// A container that ends a few blocks before the last address. Its file has no bytes where nothing lies.
+TEST(FullContainer, TakesWhatFitsAndRefusesTheRest) {
+    const StorageLayout& layout = kStorageLayout32;
+    StorageImage image(layout);
+    image.file(u"a", layout.null);
+    Bytes bytes = image.finish();
+    const std::uint64_t end = layout.limit() - 12 * layout.blockLength(512);
+    constexpr std::size_t kRest = 4 * (2 + 3) + 2; // the table's count and end, one row, a name of one unit
+    store_number(bytes.data() + bytes.size() - kRest + 4, end, 4);
+    const auto temp = create_temp_file_service();
+    const auto file = open_disk_file(file_path(temp->createNamed()), OpenMode::readWrite);
+    write_all(*file, bytes);
+    file->truncate(end);
+    StorageRW storage(file, layout);
+    const auto put = [&](std::size_t blocks) {
+        const wstring name(1, static_cast<wchar>(u'a' + storage.find().size()));
+        return test::message_of([&] { storage.put(name, Bytes(blocks * 512)); });
+    };
+    const wstring refused = message_text("IDS_STERROR_TOOLARGE", {storage.url()});
+    EXPECT_EQ(put(20), refused);
+    EXPECT_EQ(put(100), refused);
+    const auto writer = storage.open(u"w", OpenMode::create);
+    const std::byte one{1};
+    EXPECT_EQ(test::message_of([&] { write_all_at(*writer, layout.limit(), std::span(&one, 1)); }), refused);
+    writer->close();
+    std::size_t files = storage.find().size();
+    while (put(1).empty())
+        ASSERT_LT(++files, 12U);
+    EXPECT_GT(files, 3U);
+    EXPECT_EQ(put(1), refused);
+    EXPECT_EQ(storage.find().size(), files);
+    EXPECT_EQ(StorageRW(file, layout).find().size(), files);
+    EXPECT_LE(file->length(), layout.limit());
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
+#include <host/host_process.h>
 
 #include <filesystem>
 #include <string>
@@ -149,6 +150,14 @@ TEST_P(Scheme, ACopyThatFailsLeavesTheOldFile) {
     }
     EXPECT_EQ(system_->findFile(file_url(folder) + u"/*").size(), 1U) << "and nothing beside it";
     std::filesystem::remove_all(folder);
+}
+
+TEST_P(Scheme, OpensContainersInFilesOfAnySchemeOfTheProcess) {
+    const host::HostProcess process;
+    const wstring url = wstring(layout_.scheme) + u"://mem://box";
+    put(scheme()->openContainer(url, OpenMode::create) + u"a", 3);
+    EXPECT_EQ(list(scheme()->openContainer(url, OpenMode::read) + u"*"), "a:3 ");
+    EXPECT_EQ(get_service<IFileSystem>()->findFile(u"mem://box").size(), 1U);
 }
 
 TEST_P(Scheme, OpensContainersByURLWithOptions) {

@@ -134,6 +134,7 @@ TEST_P(Sharing, SharesTheFileWithOtherOpenContainers) {
     ReplacedClock clock;
     StorageRW a = open();
     StorageRW b = open();
+    a.commit(); // no transaction, no effect
     a.put(u"x", bytes_of("1"));
     EXPECT_EQ(b.get(u"x"), bytes_of("1"));
     b.put(u"x", bytes_of("2"));
@@ -149,6 +150,11 @@ TEST_P(Sharing, SharesTheFileWithOtherOpenContainers) {
         const StorageReading reading(a);
         EXPECT_NE(message_of([&] { b.put(u"late", {}); }), u"") << "a commit waits for readers";
         EXPECT_FALSE(a.contains(u"late"));
+        const InterfacePtr<ISharedFile> other(file());
+        for (std::uint64_t byte = 0; byte < layout_.headerSize(); ++byte)
+            EXPECT_FALSE(other->tryLock(byte, 1, LockKind::exclusive))
+                << "a reader holds the header: " << byte;
+        EXPECT_TRUE(other->tryLock(layout_.headerSize(), 2, LockKind::exclusive)) << "and nothing more";
     }
     b.put(u"late", {});
     EXPECT_EQ(test::contents(a), test::contents(b));

@@ -111,6 +111,24 @@ TEST_F(Trees, BehaveAsRowsOfRows) {
     ASSERT_GT(all().size(), 100U);
 }
 
+TEST_F(Trees, HaveRowsBelowRowsAlsoAfterTheyWereCleared) {
+    const GenericValue rows = property(tree_, u"Rows");
+    call(rows, u"Add");
+    call(rows, u"Clear");
+    const GenericValue below = property(call(rows, u"Add"), u"Rows");
+    for (int i = 0; i < 3; ++i)
+        call(below, u"Add");
+    const auto items = below.query<IValueCollection>()->enumerate();
+    GenericValue item;
+    ASSERT_TRUE(items->next(item));
+    call(below, u"Delete", {0}); // the walk goes on over the rows that are left
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(items->next(item));
+        EXPECT_TRUE(call(below, u"IndexOf", {item}).equals(i));
+    }
+    EXPECT_FALSE(items->next(item));
+}
+
 TEST_F(Trees, AreSearchedTotalledAndSortedWithAndWithoutTheRowsBelow) {
     for (int i = 0; i < 400; ++i) {
         Node& node = any();

@@ -110,9 +110,10 @@ void multiply_halves(std::span<Word> out, std::span<const Word> a, std::span<con
 /// Slices of the longer factor as long as the shorter, each product added at its place.
 void multiply_slices(std::span<Word> out, std::span<const Word> a, std::span<const Word> b) {
     const std::size_t n = b.size();
-    const std::unique_ptr<Word[]> memory(new Word[2 * n + halves_scratch(n)]);
+    const std::size_t words = 2 * n + halves_scratch(n);
+    const std::unique_ptr<Word[]> memory(new Word[words]);
     const std::span<Word> part(memory.get(), 2 * n);
-    const std::span<Word> scratch(memory.get() + 2 * n, halves_scratch(n));
+    const auto scratch = std::span<Word>(memory.get(), words).subspan(2 * n);
     std::fill(out.begin(), out.end(), Word{0});
     for (std::size_t i = 0; i < a.size(); i += n) {
         const auto slice = a.subspan(i, std::min(n, a.size() - i));

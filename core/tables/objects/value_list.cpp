@@ -73,16 +73,11 @@ GenericValue ValueList::insert(std::size_t position, Item item) {
     static_cast<void>(notHolding(item.picture));
     ValueListItemPtr object = make_object<ValueListItem>(std::move(item));
     GenericValue result(object);
-    const RowId id = free_.empty() ? static_cast<RowId>(items_.size()) : free_.back();
+    // By the count: a failed insertion may have left an empty place behind the items.
+    const RowId id = free_.empty() ? static_cast<RowId>(count()) : free_.back();
     if (id == items_.size())
         items_.emplace_back();
-    try {
-        order_.insert(position, id);
-    } catch (...) {
-        if (free_.empty())
-            items_.pop_back();
-        throw;
-    }
+    order_.insert(position, id);
     if (!free_.empty())
         free_.pop_back();
     object->enter(this, id);
