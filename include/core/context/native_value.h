@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/numbers/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/values/generic_value.h>
 #include <core/values/type.h>
