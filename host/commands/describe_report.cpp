@@ -125,8 +125,8 @@ std::vector<ModuleReport> module_reports() {
                 classes.emplace_back(record.name);
         }
         std::ranges::sort(classes);
-        const auto same = std::ranges::unique(classes); // a class and its type, the parts of an enumeration
-        classes.erase(same.begin(), same.end());
+        // A class and its type have one name, as have the parts of an enumeration.
+        classes.erase(std::unique(classes.begin(), classes.end()), classes.end());
         reports.push_back({module->info(), std::move(classes)});
     }
     return reports;

@@ -178,6 +178,7 @@ TEST_F(EventSource, AWeakConnectionEndsWithItsListenerAndKeepsNothingAlive) {
     const auto ending = counter_->changed.connect([&] { listener.reset(); });
     service_.connectMethod(source_, u"Changed", object, u"Hear", SinkHold::weak);
     counter_->changed.raise(2, std::nullopt);
+    EXPECT_FALSE(listener);
     EXPECT_EQ(SCOM_InternalClass<Listener>::liveCount(), listeners);
     EXPECT_EQ(counter_->changed.connectionCount(), 1U);
 }

@@ -52,8 +52,8 @@ struct Parameter {
     /// A parameter by its names, of which the Russian one may be missing (null), and what it is when it is
     /// left out. The texts are borrowed, as a rule from literals.
     constexpr Parameter(const wchar* english, const wchar* russian = nullptr,
-                        const ByDefault& byDefault = {}) noexcept
-        : names(english, russian), byDefault(byDefault) {}
+                        const ByDefault& leftOut = {}) noexcept
+        : names(english, russian), byDefault(leftOut) {}
 
     NamePair names;      ///< English and Russian
     ByDefault byDefault; ///< what it is when it is left out
