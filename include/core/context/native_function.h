@@ -124,7 +124,7 @@ class NativeFunction {
     };
     template <class F>
     struct Held final : Base {
-        explicit Held(F&& function) : function(std::move(function)) {}
+        explicit Held(F&& taken) : function(std::move(taken)) {}
         GenericValue call(std::span<GenericValue> arguments) override {
             return call_native(function, arguments);
         }
