@@ -18,7 +18,7 @@ void check_declaration(const ModuleDeclaration& declaration, const std::filesyst
 
 /// Begins the module that the program itself declares; there may be none. Throws ModuleException.
 void begin_program_module();
-/// Ends it; harmless when there is none.
+/// Ends it; does nothing in a program without one.
 void end_program_module() noexcept;
 
 } // namespace core::detail

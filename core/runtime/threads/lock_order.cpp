@@ -97,7 +97,7 @@ class Orders {
     }
 
   private:
-    /// Appends the steps of a way between two locks to `circle`; false when there is none.
+    /// Appends the steps of a way between two locks to `circle`; false when no way leads there.
     bool lead(const void* from, const void* to, std::vector<Step>& circle, std::set<const void*>& seen) {
         const auto place = after_.find(from);
         if (place == after_.end() || !seen.insert(from).second)

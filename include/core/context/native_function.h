@@ -103,8 +103,8 @@ class NativeFunction {
     [[nodiscard]] std::span<const Param> params() const noexcept { return params_; }
     /// Returns whether a call has a value.
     [[nodiscard]] bool returns() const noexcept { return returns_; }
-    /// Returns the id of the type of what a call returns, null where it is not known or there is none;
-    /// borrowed, valid as long as the type.
+    /// Returns the id of the type of what a call returns, null where it is not known or a call returns
+    /// nothing; borrowed, valid as long as the type.
     [[nodiscard]] const GUID* type() const noexcept { return type_; }
 
     /// Calls the function with as many arguments as there are parameters, and stores in them what is passed

@@ -145,9 +145,9 @@ template <Interface T>
     return require_process().createInstance(clsid).query<T>();
 }
 
-/// Returns the service that offers `T` in the current process. It is null when there is none, when there is
-/// no process, and when it cannot be made; require_service() says which. It is borrowed: valid while the
-/// process holds the service, and not to be released.
+/// Returns the service that offers `T` in the current process. Null without a process, without such a
+/// service, and when the service cannot be made; require_service() says which. It is borrowed: valid while
+/// the process holds the service, and not to be released.
 template <Interface T>
 [[nodiscard]] T* get_service() noexcept {
     SCOM_Process* const process = current_process();

@@ -30,7 +30,7 @@ enum class NamedLockResult {
 /// Any thread may call it. Not recursive. A stop ends a wait within 20 ms.
 class CORE_API NamedMutex {
   public:
-    /// Opens the mutex of that name and makes it if there is none. A name may hold any characters,
+    /// Opens the mutex of that name; makes it if it does not exist. A name may hold any characters,
     /// at least one and at most 150 bytes in UTF-8. Throws ThreadException for another name and when the
     /// system refuses.
     explicit NamedMutex(const wstring& name);
@@ -60,7 +60,7 @@ class CORE_API NamedMutex {
 /// Any thread may call it. A stop ends a wait within 20 ms.
 class CORE_API NamedSemaphore {
   public:
-    /// Opens the semaphore of that name, or makes it with `signals` signals if there is none. Throws as the
+    /// Opens the semaphore of that name; makes it with `signals` signals if it does not exist. Throws as the
     /// constructor of NamedMutex does.
     explicit NamedSemaphore(const wstring& name, std::uint32_t signals = 0);
     NamedSemaphore(const NamedSemaphore&) = delete;

@@ -78,7 +78,7 @@ class CORE_API Thread {
     /// Waits for the end of the thread, at most `timeout`; false when the time passed. Throws ThreadDeath in
     /// a thread that is asked to stop itself, and ThreadException on the thread itself.
     bool join(std::chrono::milliseconds timeout = kForever);
-    /// Whether the work is done, or there is none.
+    /// Whether the work is done, or was never given.
     [[nodiscard]] bool finished() const noexcept;
     /// Returns the name that it was started with, borrowed: valid as long as the object holds the thread.
     [[nodiscard]] const wstring& name() const noexcept;
