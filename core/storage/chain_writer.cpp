@@ -3,7 +3,7 @@
 
 #include "core/storage/block_format.h"
 #include "core/storage/block_reader.h"
-#include "core/storage/container.h"
+#include "core/storage/engine.h"
 #include "core/storage/storage_error.h"
 
 #include <core/storage/errors.h>
@@ -28,16 +28,16 @@ std::uint64_t ceil_to_block(std::uint64_t offset) {
 
 } // namespace
 
-ChainWriter::ChainWriter(Container& container, std::uint64_t base)
-    : container_(container), base_(container.layout()), baseLimit_(0),
-      fresh_(container.layout().blockHeaderSize()), guess_(container.layout().null), size_(0) {
+ChainWriter::ChainWriter(StorageEngine& engine, std::uint64_t base)
+    : engine_(engine), base_(engine.layout()), baseLimit_(0), fresh_(engine.layout().blockHeaderSize()),
+      guess_(engine.layout().null), size_(0) {
     begin(base);
 }
 
 void ChainWriter::begin(std::uint64_t address) {
-    base_.open(container_.reader(), address, 0);
+    base_.open(engine_.reader(), address, 0);
     size_ = baseLimit_ = base_.size();
-    fresh_ = BlockRuns(container_.layout().blockHeaderSize());
+    fresh_ = BlockRuns(engine_.layout().blockHeaderSize());
     touched_ = false;
 }
 
@@ -47,19 +47,19 @@ void ChainWriter::addFresh(RangeSet& ranges) const {
 }
 
 void ChainWriter::discard() noexcept {
-    container_.giveBack(fresh_);
-    fresh_ = BlockRuns(container_.layout().blockHeaderSize());
+    engine_.giveBack(fresh_);
+    fresh_ = BlockRuns(engine_.layout().blockHeaderSize());
 }
 
 // Reading.
 
 void ChainWriter::readBase(std::uint64_t offset, std::span<std::byte> out) {
-    base_.readAt(container_.reader(), offset, out);
+    base_.readAt(engine_.reader(), offset, out);
 }
 
 void ChainWriter::readAt(std::uint64_t offset, std::span<std::byte> out) {
-    BlockReader& reader = container_.reader();
-    const std::size_t headerSize = container_.layout().blockHeaderSize();
+    BlockReader& reader = engine_.reader();
+    const std::size_t headerSize = engine_.layout().blockHeaderSize();
     while (!out.empty() && offset < freshEnd()) {
         const BlockRuns::Block block = fresh_.at(offset);
         const std::uint64_t skip = offset - block.offset;
@@ -78,10 +78,10 @@ void ChainWriter::readAt(std::uint64_t offset, std::span<std::byte> out) {
 // Writing.
 
 void ChainWriter::requireRoom(std::uint64_t offset, std::uint64_t count) const {
-    const StorageLayout& layout = container_.layout();
+    const StorageLayout& layout = engine_.layout();
     const std::uint64_t most = layout.limit() / layout.blockLength(kBlock) * kBlock;
     if (offset > most || count > most - offset)
-        throw_storage_error(messages::kStorageTooLarge, container_.url());
+        throw_storage_error(messages::kStorageTooLarge, engine_.url());
 }
 
 void ChainWriter::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
@@ -108,7 +108,7 @@ void ChainWriter::overwrite(std::uint64_t offset, std::span<const std::byte> byt
         const BlockRuns::Block block = fresh_.at(offset);
         const std::uint64_t skip = offset - block.offset;
         const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), kBlock - skip));
-        container_.patch(block.address + container_.layout().blockHeaderSize() + skip, bytes.first(part));
+        engine_.patch(block.address + engine_.layout().blockHeaderSize() + skip, bytes.first(part));
         offset += part;
         bytes = bytes.subspan(part);
     }
@@ -146,17 +146,17 @@ void ChainWriter::append(std::uint64_t offset, std::span<const std::byte> bytes)
 }
 
 void ChainWriter::grow(std::span<const std::byte> content) {
-    const StorageLayout& layout = container_.layout();
-    const auto ranges = container_.allocate((content.size() + kBlock - 1) / kBlock);
+    const StorageLayout& layout = engine_.layout();
+    const auto ranges = engine_.allocate((content.size() + kBlock - 1) / kBlock);
     try {
         // Files are mostly written on and on: the next block is expected behind this one.
         const std::uint64_t guess = ranges.back().address + ranges.back().count * layout.blockLength(kBlock);
-        container_.write(ranges, content, 0, guess);
+        engine_.write(ranges, content, 0, guess);
         if (!fresh_.empty() && guess_ != ranges.front().address)
             patchNumber(fresh_.last().address + next_offset(layout), ranges.front().address);
         guess_ = guess;
     } catch (...) {
-        container_.giveBack(ranges);
+        engine_.giveBack(ranges);
         throw;
     }
     for (const BlockRange& range : ranges)
@@ -193,19 +193,19 @@ void ChainWriter::truncate(std::uint64_t size) {
     touched_ = true;
     size_ = size;
     baseLimit_ = std::min(baseLimit_, size);
-    container_.release(fresh_.cutAt(ceil_to_block(size)));
+    engine_.release(fresh_.cutAt(ceil_to_block(size)));
     guess_ = 0; // no block is there
 }
 
 void ChainWriter::patchNumber(std::uint64_t address, std::uint64_t number) {
     std::array<std::byte, 16> digits{};
-    encode_number(digits.data(), container_.layout(), number);
-    container_.patch(address, std::span(std::as_const(digits)).first(container_.layout().digits()));
+    encode_number(digits.data(), engine_.layout(), number);
+    engine_.patch(address, std::span(std::as_const(digits)).first(engine_.layout().digits()));
 }
 
 ChainWriter::Result ChainWriter::finish() {
-    BlockReader& reader = container_.reader();
-    const std::uint64_t null = container_.layout().null;
+    BlockReader& reader = engine_.reader();
+    const std::uint64_t null = engine_.layout().null;
     std::uint64_t next = null;
     std::uint64_t shared = base_.size(); // from here on the base's blocks stay in use
     bool sharing = false;
@@ -227,7 +227,7 @@ ChainWriter::Result ChainWriter::finish() {
         base_.reach(reader, shared);
     else
         base_.walk(reader);
-    const StorageLayout& layout = container_.layout();
+    const StorageLayout& layout = engine_.layout();
     Result result{null, BlockRuns(layout.blockHeaderSize()), base_.runs()};
     if (sharing) {
         // Blocks without data that stand in front of the first shared one are passed over, so they are not in

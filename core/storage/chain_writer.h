@@ -11,7 +11,7 @@
 
 namespace core {
 
-class Container;
+class StorageEngine;
 
 /// The content of an inner file while it is written. What is committed stays as it is:
 ///
@@ -24,7 +24,7 @@ class Container;
 class ChainWriter {
   public:
     /// `base` is the first block of the content to begin with, null for none.
-    ChainWriter(Container& container, std::uint64_t base);
+    ChainWriter(StorageEngine& engine, std::uint64_t base);
 
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
     [[nodiscard]] bool isTouched() const noexcept { return touched_; }
@@ -58,7 +58,7 @@ class ChainWriter {
     void readBase(std::uint64_t offset, std::span<std::byte> out);
     void patchNumber(std::uint64_t address, std::uint64_t number);
 
-    Container& container_;
+    StorageEngine& engine_;
     BlockChain base_;
     std::uint64_t baseLimit_;
     BlockRuns fresh_;

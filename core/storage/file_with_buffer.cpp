@@ -12,11 +12,11 @@ namespace core {
 FileWithBuffer::FileWithBuffer(std::unique_ptr<InnerFile> file)
     : FileImpl(file->url()), file_(std::move(file)) {}
 FileWithBuffer::FileWithBuffer(const StorageRW& storage, wstring_view name)
-    : FileWithBuffer(std::make_unique<InnerReader>(storage.container_, name)) {}
+    : FileWithBuffer(std::make_unique<InnerReader>(storage.engine_, name)) {}
 FileWithBuffer::~FileWithBuffer() = default;
 
 FileWithBuffer2::FileWithBuffer2(StorageRW& storage, wstring_view name, OpenMode mode)
-    : FileWithBuffer(std::make_unique<InnerWriter>(storage.container_, name, mode)) {}
+    : FileWithBuffer(std::make_unique<InnerWriter>(storage.engine_, name, mode)) {}
 
 const wstring& FileWithBuffer::name() const noexcept {
     return file_->name();

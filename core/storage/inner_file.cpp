@@ -18,13 +18,13 @@ constexpr std::size_t kLeastAhead = std::size_t{4} << 10;
 
 } // namespace
 
-InnerFile::InnerFile(std::shared_ptr<Container> container, wstring_view name)
-    : container_(std::move(container)), name_(name), url_(container_->urlOf(name)) {}
+InnerFile::InnerFile(std::shared_ptr<StorageEngine> engine, wstring_view name)
+    : engine_(std::move(engine)), name_(name), url_(engine_->urlOf(name)) {}
 
-Container& InnerFile::container() const {
-    if (container_ == nullptr)
+StorageEngine& InnerFile::engine() const {
+    if (engine_ == nullptr)
         throw_file_error(messages::kFileRead, url_, EBADF);
-    return *container_;
+    return *engine_;
 }
 
 void InnerFile::requireNotLost() const {
@@ -33,12 +33,12 @@ void InnerFile::requireNotLost() const {
 }
 
 std::uint64_t InnerFile::length() {
-    const std::lock_guard lock(container().mutex());
+    const std::lock_guard lock(engine().mutex());
     return size();
 }
 
 std::size_t InnerFile::readAt(std::uint64_t offset, std::span<std::byte> to) {
-    const std::lock_guard lock(container().mutex());
+    const std::lock_guard lock(engine().mutex());
     if (offset >= size())
         return 0;
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(to.size(), size() - offset));
@@ -70,9 +70,9 @@ std::size_t InnerFile::readAt(std::uint64_t offset, std::span<std::byte> to) {
 }
 
 void InnerFile::leave() noexcept {
-    if (const auto container = std::exchange(container_, nullptr)) {
-        const std::lock_guard lock(container->mutex());
-        container->dismiss(*this);
+    if (const auto engine = std::exchange(engine_, nullptr)) {
+        const std::lock_guard lock(engine->mutex());
+        engine->dismiss(*this);
     }
 }
 

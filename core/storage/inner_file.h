@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/storage/container.h"
+#include "core/storage/engine.h"
 #include "core/storage/range_set.h"
 
 #include <core/runtime/types.h>
@@ -41,14 +41,14 @@ class InnerFile {
     virtual void addFresh(RangeSet&) const {}
 
   protected:
-    InnerFile(std::shared_ptr<Container> container, wstring_view name);
+    InnerFile(std::shared_ptr<StorageEngine> engine, wstring_view name);
 
     /// Reads from below the buffer; the range is within the file.
     virtual void fetch(std::uint64_t offset, std::span<std::byte> out) = 0;
     [[nodiscard]] virtual std::uint64_t size() const noexcept = 0;
     /// Throws once the file is closed.
-    [[nodiscard]] Container& container() const;
-    [[nodiscard]] std::shared_ptr<Container> shared() const noexcept { return container_; }
+    [[nodiscard]] StorageEngine& engine() const;
+    [[nodiscard]] std::shared_ptr<StorageEngine> shared() const noexcept { return engine_; }
     [[nodiscard]] bool isLost() const noexcept { return lost_; }
     void requireNotLost() const;
     void forgetBuffer() noexcept { bufferLength_ = 0; }
@@ -59,7 +59,7 @@ class InnerFile {
     static constexpr std::size_t kBuffer = std::size_t{64} << 10;
 
   private:
-    std::shared_ptr<Container> container_; // null once closed
+    std::shared_ptr<StorageEngine> engine_; // null once closed
     wstring name_;
     wstring url_;
     bool lost_ = false;

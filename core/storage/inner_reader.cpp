@@ -8,11 +8,11 @@
 
 namespace core {
 
-InnerReader::InnerReader(std::shared_ptr<Container> container, wstring_view name)
-    : InnerFile(std::move(container), name), chain_(this->container().layout()) {
-    Container& in = this->container();
-    const Container::Reading reading(in);
-    const Container::Found found = in.lookUp(name);
+InnerReader::InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view name)
+    : InnerFile(std::move(engine), name), chain_(this->engine().layout()) {
+    StorageEngine& in = this->engine();
+    const StorageEngine::Reading reading(in);
+    const StorageEngine::Found found = in.lookUp(name);
     in.checked([&] { chain_.open(in.reader(), found.entry.data, 0); });
     version_ = found.info.attribute;
     state_ = in.state();
@@ -24,8 +24,8 @@ InnerReader::~InnerReader() {
 }
 
 void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
-    Container& in = container();
-    const Container::Reading reading(in);
+    StorageEngine& in = engine();
+    const StorageEngine::Reading reading(in);
     revalidate();
     in.checked([&] { chain_.readAt(in.reader(), offset, out); });
 }
@@ -34,10 +34,10 @@ void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
 /// may have moved.
 void InnerReader::revalidate() {
     requireNotLost();
-    Container& in = container();
+    StorageEngine& in = engine();
     if (state_ == in.state())
         return;
-    const Container::Found found = in.lookUp(name());
+    const StorageEngine::Found found = in.lookUp(name());
     const std::uint64_t size = chain_.size();
     if (found.info.attribute != version_)
         lose();

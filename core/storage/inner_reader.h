@@ -8,7 +8,7 @@ namespace core {
 /// An inner file open for reading. It sees the content that it was opened with or fails.
 class InnerReader : public InnerFile {
   public:
-    InnerReader(std::shared_ptr<Container> container, wstring_view name);
+    InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view name);
     ~InnerReader() override;
 
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;

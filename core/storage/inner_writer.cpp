@@ -11,23 +11,23 @@
 
 namespace core {
 
-InnerWriter::InnerWriter(const std::shared_ptr<Container>& container, wstring_view name, OpenMode mode)
-    : InnerFile(container, name) {
+InnerWriter::InnerWriter(const std::shared_ptr<StorageEngine>& engine, wstring_view name, OpenMode mode)
+    : InnerFile(engine, name) {
     if (mode == OpenMode::read)
         throw_file_error(messages::kFileOpen, url(), EINVAL);
-    const std::lock_guard lock(container->mutex());
-    turn_.emplace(*container);
-    container->refuseOpened(name);
-    const bool exists = container->contains(name);
+    const std::lock_guard lock(engine->mutex());
+    turn_.emplace(*engine);
+    engine->refuseOpened(name);
+    const bool exists = engine->contains(name);
     if (!exists && mode == OpenMode::readWrite)
         throw StorageException(StorageException::Kind::fileNotFound, url());
     if (exists && mode == OpenMode::createNew)
         throw_file_error(messages::kFileOpen, url(), EEXIST);
     dropOld_ = exists && mode == OpenMode::replace;
     changed_ = !exists || dropOld_;
-    const std::uint64_t base = changed_ ? container->layout().null : container->lookUp(name).entry.data;
-    container->checked([&] { writer_.emplace(*container, base); });
-    container->enlist(*this);
+    const std::uint64_t base = changed_ ? engine->layout().null : engine->lookUp(name).entry.data;
+    engine->checked([&] { writer_.emplace(*engine, base); });
+    engine->enlist(*this);
 }
 
 InnerWriter::~InnerWriter() {
@@ -44,9 +44,9 @@ template <class Call>
 void InnerWriter::writing(Call call) {
     requireNotLost();
     try {
-        container().checked(call);
+        engine().checked(call);
     } catch (const std::bad_alloc&) {
-        container().forgetSpace(); // blocks may have been lost on their way
+        engine().forgetSpace(); // blocks may have been lost on their way
         lose();
         throw;
     } catch (...) {
@@ -61,7 +61,7 @@ std::uint64_t InnerWriter::size() const noexcept {
 }
 
 void InnerWriter::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
-    const std::lock_guard lock(container().mutex());
+    const std::lock_guard lock(engine().mutex());
     const std::size_t count = bytes.size();
     writer_->requireRoom(offset, count);
     if (count == 0)
@@ -101,7 +101,7 @@ void InnerWriter::fetch(std::uint64_t offset, std::span<std::byte> out) {
 }
 
 void InnerWriter::truncate(std::uint64_t length) {
-    const std::lock_guard lock(container().mutex());
+    const std::lock_guard lock(engine().mutex());
     writer_->requireRoom(length, 0);
     writing([&] {
         forgetBuffer();
@@ -115,7 +115,7 @@ void InnerWriter::publish(bool goOn) {
     writing([&] {
         if (!changed_)
             return;
-        Container& to = container();
+        StorageEngine& to = engine();
         const bool inOnePiece =
             !writer_->isTouched() && writer_->size() == 0 && (waiting_.empty() || waitingStart_ == 0);
         if (inOnePiece) {
@@ -138,7 +138,7 @@ void InnerWriter::publish(bool goOn) {
 }
 
 void InnerWriter::flush() {
-    const std::lock_guard lock(container().mutex());
+    const std::lock_guard lock(engine().mutex());
     publish(true);
 }
 

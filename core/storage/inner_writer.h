@@ -16,7 +16,7 @@ namespace core {
 /// none.
 class InnerWriter : public InnerFile {
   public:
-    InnerWriter(const std::shared_ptr<Container>& container, wstring_view name, OpenMode mode);
+    InnerWriter(const std::shared_ptr<StorageEngine>& engine, wstring_view name, OpenMode mode);
     ~InnerWriter() override;
 
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
@@ -43,7 +43,7 @@ class InnerWriter : public InnerFile {
     void giveUp() noexcept;
 
     const int exceptions_ = std::uncaught_exceptions();
-    std::optional<Container::Turn> turn_;
+    std::optional<StorageEngine::Turn> turn_;
     std::optional<ChainWriter> writer_;
     bool changed_ = false; // something is there to publish
     bool dropOld_ = false; // the file had a content that this one replaces

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/storage/container.h"
+#include "core/storage/engine.h"
 
 #include <core/files/errors.h>
 #include <core/files/file_io.h>
@@ -14,92 +14,92 @@ namespace core {
 
 StorageRW::StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
                      const wstring& url)
-    : container_(std::make_shared<Container>(std::move(file), layout, options, url)) {}
+    : engine_(std::make_shared<StorageEngine>(std::move(file), layout, options, url)) {}
 
 void StorageRW::create(IFile& file, const StorageLayout& layout) {
     if (!createIfEmpty(file, layout))
         throw_file_error(messages::kFileOpen, file.url(), EEXIST);
 }
 bool StorageRW::createIfEmpty(IFile& file, const StorageLayout& layout) {
-    return Container::create(file, layout, false);
+    return StorageEngine::create(file, layout, false);
 }
 void StorageRW::replace(IFile& file, const StorageLayout& layout) {
-    (void)Container::create(file, layout, true);
+    (void)StorageEngine::create(file, layout, true);
 }
 
 const StorageLayout& StorageRW::layout() const noexcept {
-    return container_->layout();
+    return engine_->layout();
 }
 const wstring& StorageRW::url() const noexcept {
-    return container_->url();
+    return engine_->url();
 }
 const wstring& StorageRW::rootURL() const noexcept {
-    return container_->root();
+    return engine_->root();
 }
 void StorageRW::setRootURL(wstring root) {
-    container_->setRoot(std::move(root));
+    engine_->setRoot(std::move(root));
 }
 std::uint64_t StorageRW::changeCounter() const {
-    return container_->changeCounter();
+    return engine_->changeCounter();
 }
 void StorageRW::compact() {
-    container_->compact();
+    engine_->compact();
 }
 StorageCheck StorageRW::check() const {
-    return container_->check();
+    return engine_->check();
 }
 StorageInfo StorageRW::info() const {
-    return container_->info();
+    return engine_->info();
 }
 bool StorageRW::isIn(IFile& file) const {
-    return container_->isIn(file);
+    return engine_->isIn(file);
 }
 bool StorageRW::isSame(const StorageRW& other) const {
-    return container_->isIn(other.container_->file());
+    return engine_->isIn(other.engine_->file());
 }
 
 void StorageRW::begin() {
-    container_->begin();
+    engine_->begin();
 }
 void StorageRW::commit() {
-    container_->commit();
+    engine_->commit();
 }
 void StorageRW::rollback() {
-    container_->rollback();
+    engine_->rollback();
 }
 
 bool StorageRW::contains(wstring_view name) const {
-    return container_->contains(name);
+    return engine_->contains(name);
 }
 std::vector<StorageFound> StorageRW::find(wstring_view pattern) const {
-    return container_->find(pattern);
+    return engine_->find(pattern);
 }
 StorageFound StorageRW::describe(wstring_view name) const {
-    return container_->describe(name);
+    return engine_->describe(name);
 }
 InterfacePtr<IFile> StorageRW::open(wstring_view name, OpenMode mode) {
     return mode == OpenMode::read ? make_object<FileWithBuffer>(*this, name)
                                   : InterfacePtr<IFile>(make_object<FileWithBuffer2>(*this, name, mode));
 }
 std::vector<std::byte> StorageRW::get(wstring_view name) const {
-    return container_->get(name);
+    return engine_->get(name);
 }
 void StorageRW::put(wstring_view name, std::span<const std::byte> content) {
-    container_->put(name, content);
+    engine_->put(name, content);
 }
 void StorageRW::remove(wstring_view name) {
-    container_->remove(name);
+    engine_->remove(name);
 }
 std::size_t StorageRW::removeAll(wstring_view pattern) {
-    return container_->removeAll(pattern);
+    return engine_->removeAll(pattern);
 }
 void StorageRW::rename(wstring_view from, wstring_view to) {
-    container_->rename(from, to);
+    engine_->rename(from, to);
 }
 void StorageRW::copy(wstring_view from, wstring_view to) {
     if (from == to)
-        throw StorageException(StorageException::Kind::isDestination, container_->urlOf(from));
-    const std::lock_guard lock(container_->mutex());
+        throw StorageException(StorageException::Kind::isDestination, engine_->urlOf(from));
+    const std::lock_guard lock(engine_->mutex());
     const auto source = open(from, OpenMode::read);
     const auto target = open(to, OpenMode::replace);
     copy_bytes(*source, *target);
@@ -108,22 +108,22 @@ void StorageRW::copy(wstring_view from, wstring_view to) {
 void StorageRW::moveFrom(StorageRW& source, wstring_view from, wstring_view to) {
     if (isSame(source))
         return source.rename(from, to);
-    Container& old = *source.container_;
+    StorageEngine& old = *source.engine_;
     // Nobody may change the file between its copy and its removal: neither a thread nor a process.
-    const std::scoped_lock locks(old.mutex(), container_->mutex());
-    const Container::Turn turn(old);
+    const std::scoped_lock locks(old.mutex(), engine_->mutex());
+    const StorageEngine::Turn turn(old);
     old.refuseOpened(from);
     const StorageFound found = old.describe(from);
     StorageTransaction transaction(*this);
     const auto output = open(to, OpenMode::replace);
     copy_bytes(*source.open(from, OpenMode::read), *output);
     output->close();
-    container_->setTimes(to, found.created, found.modified);
+    engine_->setTimes(to, found.created, found.modified);
     transaction.commit();
     old.remove(from);
 }
 void StorageRW::setTimes(wstring_view name, Date created, Date modified) {
-    container_->setTimes(name, created, modified);
+    engine_->setTimes(name, created, modified);
 }
 
 StorageRW64::StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url)
@@ -139,11 +139,11 @@ void StorageRW64::replace(IFile& file) {
     StorageRW::replace(file, kStorageLayout64);
 }
 
-StorageReading::StorageReading(const StorageRW& storage) : container_(storage.container_) {
-    container_->beginReading();
+StorageReading::StorageReading(const StorageRW& storage) : engine_(storage.engine_) {
+    engine_->beginReading();
 }
 StorageReading::~StorageReading() {
-    container_->endReading();
+    engine_->endReading();
 }
 
 } // namespace core

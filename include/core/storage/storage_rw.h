@@ -15,7 +15,7 @@
 
 namespace core {
 
-class Container;
+class StorageEngine;
 
 /// How a container is opened.
 struct StorageOptions {
@@ -148,7 +148,7 @@ class CORE_API StorageRW {
     friend class FileWithBuffer;
     friend class FileWithBuffer2;
     friend class StorageReading;
-    std::shared_ptr<Container> container_;
+    std::shared_ptr<StorageEngine> engine_;
 };
 
 /// A container in the 64-bit layout.
@@ -177,7 +177,7 @@ class CORE_API StorageReading {
     StorageReading& operator=(const StorageReading&) = delete;
 
   private:
-    std::shared_ptr<Container> container_;
+    std::shared_ptr<StorageEngine> engine_;
 };
 
 /// A transaction that takes its changes back at its end unless it was committed. The handle must outlive it.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/storage/container.h"
+#include "core/storage/engine.h"
 #include "core/storage/inner_file.h"
 #include "core/storage/storage_error.h"
 
@@ -42,19 +42,19 @@ std::vector<BlockRange> split_off(std::vector<BlockRange>& ranges, std::uint64_t
 
 // Looking.
 
-bool Container::contains(wstring_view name) {
+bool StorageEngine::contains(wstring_view name) {
     const Reading reading(*this);
     return table_.find(name).has_value();
 }
 
-StorageFileEntry Container::existing(wstring_view name) const {
+StorageFileEntry StorageEngine::existing(wstring_view name) const {
     const auto entry = table_.find(name);
     if (!entry)
         throw StorageException(StorageException::Kind::fileNotFound, urlOf(name));
     return *entry;
 }
 
-StorageFileInfo Container::readInfo(const StorageFileEntry& entry, wstring_view name) {
+StorageFileInfo StorageEngine::readInfo(const StorageFileEntry& entry, wstring_view name) {
     if (entry.attributes == layout_.null) {
         StorageFileInfo none;
         none.name = name;
@@ -67,12 +67,12 @@ StorageFileInfo Container::readInfo(const StorageFileEntry& entry, wstring_view 
     return *std::move(info);
 }
 
-Container::Found Container::lookUp(wstring_view name) {
+StorageEngine::Found StorageEngine::lookUp(wstring_view name) {
     const StorageFileEntry entry = existing(name);
     return {entry, checked([&] { return readInfo(entry, name); })};
 }
 
-std::vector<StorageFound> Container::find(wstring_view pattern) {
+std::vector<StorageFound> StorageEngine::find(wstring_view pattern) {
     const Reading reading(*this);
     std::vector<StorageFound> found;
     table_.forEach([&](wstring_view name, const StorageFileEntry& entry) {
@@ -82,19 +82,19 @@ std::vector<StorageFound> Container::find(wstring_view pattern) {
     return found;
 }
 
-StorageFound Container::describe(wstring_view name) {
+StorageFound StorageEngine::describe(wstring_view name) {
     const Reading reading(*this);
     return describe(existing(name), name);
 }
 
-StorageFound Container::describe(const StorageFileEntry& entry, wstring_view name) {
+StorageFound StorageEngine::describe(const StorageFileEntry& entry, wstring_view name) {
     return checked([&]() -> StorageFound {
         const StorageFileInfo info = readInfo(entry, name);
         return {info.name, chain(entry.data, 0).size(), info.created, info.modified};
     });
 }
 
-std::vector<std::byte> Container::get(wstring_view name) {
+std::vector<std::byte> StorageEngine::get(wstring_view name) {
     const Reading reading(*this);
     const StorageFileEntry entry = existing(name);
     return checked([&] {
@@ -107,7 +107,7 @@ std::vector<std::byte> Container::get(wstring_view name) {
 
 // Changing.
 
-void Container::refuseOpened(wstring_view name) const {
+void StorageEngine::refuseOpened(wstring_view name) const {
     for (const InnerFile* file : files_) {
         if (file->isWriter() && file->name() == name)
             throw_storage_error(messages::kStorageOpened, urlOf(name));
@@ -115,7 +115,7 @@ void Container::refuseOpened(wstring_view name) const {
 }
 
 /// Readers of the file as it was must not go on as if nothing had happened.
-void Container::changed(wstring_view name) noexcept {
+void StorageEngine::changed(wstring_view name) noexcept {
     ++state_;
     for (InnerFile* file : files_) {
         if (!file->isWriter() && file->name() == name)
@@ -123,7 +123,7 @@ void Container::changed(wstring_view name) noexcept {
     }
 }
 
-void Container::addBlocks(std::uint64_t address, BlockRuns& blocks) {
+void StorageEngine::addBlocks(std::uint64_t address, BlockRuns& blocks) {
     BlockChain walked = chain(address, kWithContent);
     walked.walk(reader_);
     for (const BlockRun& run : walked.runs().runs())
@@ -133,14 +133,14 @@ void Container::addBlocks(std::uint64_t address, BlockRuns& blocks) {
         throw ChainInFileExc(address);
 }
 
-StorageFileInfo Container::newInfo(wstring_view name, const std::optional<StorageFileEntry>& old) {
+StorageFileInfo StorageEngine::newInfo(wstring_view name, const std::optional<StorageFileEntry>& old) {
     const Date now = universal_now();
     const Date created = old && old->attributes != layout_.null ? readInfo(*old, name).created : now;
     return {created, now, static_cast<std::uint32_t>(head_.counter + 1), wstring(name)};
 }
 
-StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
-                                      std::vector<BlockRange>& ranges) {
+StorageFileEntry StorageEngine::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
+                                          std::vector<BlockRange>& ranges) {
     if (info.name.size() > StorageFilesType::kLongestName)
         throw_storage_error(messages::kStorageLongName, url_);
     const std::vector<std::byte> record = info.encode();
@@ -159,8 +159,8 @@ StorageFileEntry Container::writeFile(const StorageFileInfo& info, std::span<con
 }
 
 /// Puts a new entry into the table, or gives its blocks back.
-void Container::replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
-                        const BlockRuns& released, std::span<const BlockRange> ranges) {
+void StorageEngine::replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
+                            const BlockRuns& released, std::span<const BlockRange> ranges) {
     try {
         release(released);
     } catch (...) {
@@ -171,14 +171,14 @@ void Container::replace(wstring_view name, FilesTable::Change& change, const Sto
     changed(name);
 }
 
-void Container::put(wstring_view name, std::span<const std::byte> content) {
+void StorageEngine::put(wstring_view name, std::span<const std::byte> content) {
     const std::lock_guard lock(mutex_);
     const Turn turn(*this);
     refuseOpened(name);
     putContent(name, content);
 }
 
-void Container::putContent(wstring_view name, std::span<const std::byte> content) {
+void StorageEngine::putContent(wstring_view name, std::span<const std::byte> content) {
     checked([&] {
         FilesTable::Change& old = table_.edit(name);
         BlockRuns released(layout_.blockHeaderSize());
@@ -194,7 +194,7 @@ void Container::putContent(wstring_view name, std::span<const std::byte> content
     finishChange();
 }
 
-void Container::publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld) {
+void StorageEngine::publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld) {
     checked([&] {
         FilesTable::Change& old = table_.edit(name);
         BlockRuns all = released;
@@ -210,7 +210,7 @@ void Container::publish(wstring_view name, std::uint64_t data, const BlockRuns& 
     finishChange();
 }
 
-void Container::erase(std::span<const wstring> names) {
+void StorageEngine::erase(std::span<const wstring> names) {
     BlockRuns released(layout_.blockHeaderSize());
     std::vector<FilesTable::Change*> changes;
     changes.reserve(names.size());
@@ -230,7 +230,7 @@ void Container::erase(std::span<const wstring> names) {
         changed(name);
 }
 
-void Container::remove(wstring_view name) {
+void StorageEngine::remove(wstring_view name) {
     const std::lock_guard lock(mutex_);
     const Turn turn(*this);
     const wstring names[] = {wstring(name)};
@@ -238,7 +238,7 @@ void Container::remove(wstring_view name) {
     finishChange();
 }
 
-std::size_t Container::removeAll(wstring_view pattern) {
+std::size_t StorageEngine::removeAll(wstring_view pattern) {
     const std::lock_guard lock(mutex_);
     const Turn turn(*this);
     std::vector<wstring> names;
@@ -251,7 +251,7 @@ std::size_t Container::removeAll(wstring_view pattern) {
     return names.size();
 }
 
-void Container::rename(wstring_view from, wstring_view to) {
+void StorageEngine::rename(wstring_view from, wstring_view to) {
     if (from == to)
         throw StorageException(StorageException::Kind::isDestination, urlOf(from));
     const std::lock_guard lock(mutex_);
@@ -280,7 +280,7 @@ void Container::rename(wstring_view from, wstring_view to) {
     finishChange();
 }
 
-void Container::setTimes(wstring_view name, Date created, Date modified) {
+void StorageEngine::setTimes(wstring_view name, Date created, Date modified) {
     const std::lock_guard lock(mutex_);
     const Turn turn(*this);
     const StorageFileEntry old = existing(name);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/storage/container.h"
+#include "core/storage/engine.h"
 #include "core/storage/storage_error.h"
 
 #include <core/storage/errors.h>
@@ -11,7 +11,7 @@ namespace core {
 
 /// In two commits, each of them safe like any other: all files are written behind everything that is there,
 /// then, side by side, to the start, which nothing uses any more.
-void Container::compact() {
+void StorageEngine::compact() {
     const std::lock_guard lock(mutex_);
     if (transaction_ || turns_ != 0)
         throw_storage_error(messages::kStorageTransaction, url_);
@@ -33,7 +33,7 @@ void Container::compact() {
     });
 }
 
-void Container::moveAll() {
+void StorageEngine::moveAll() {
     std::vector<std::pair<wstring, StorageFileEntry>> files;
     table_.forEach(
         [&](wstring_view name, const StorageFileEntry& entry) { files.emplace_back(name, entry); });
@@ -47,7 +47,7 @@ void Container::moveAll() {
 }
 
 /// Copies a chain to other blocks, as much at once as the queue holds.
-std::uint64_t Container::moveChain(std::uint64_t address) {
+std::uint64_t StorageEngine::moveChain(std::uint64_t address) {
     BlockChain from = chain(address, 0);
     if (from.size() == 0)
         return layout_.null;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/storage/container.h"
+#include "core/storage/engine.h"
 
 #include "core/storage/storage_error.h"
 
@@ -11,7 +11,7 @@
 
 namespace core {
 
-bool Container::create(IFile& file, const StorageLayout& layout, bool replacing) {
+bool StorageEngine::create(IFile& file, const StorageLayout& layout, bool replacing) {
     // Somebody else may be about to make one here and to put files into it.
     const ContainerLock lock(InterfacePtr<ISharedFile>(&file), layout, file.url());
     const ContainerLock::Turn turn(lock);
@@ -36,8 +36,8 @@ bool Container::create(IFile& file, const StorageLayout& layout, bool replacing)
     return true;
 }
 
-Container::Container(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
-                     const wstring& url)
+StorageEngine::StorageEngine(InterfacePtr<IFile> file, const StorageLayout& layout,
+                             const StorageOptions& options, const wstring& url)
     : file_(std::move(file)), layout_(layout), options_(options), url_(url.empty() ? file_->url() : url),
       lock_(InterfacePtr<ISharedFile>(file_), layout_, url_), reader_(*file_, layout_), queue_(*file_),
       table_(layout_), tableBlocks_(layout_.blockHeaderSize()), freeBlocks_(layout_.blockHeaderSize()),
@@ -46,22 +46,22 @@ Container::Container(InterfacePtr<IFile> file, const StorageLayout& layout, cons
     const Reading reading(*this); // refuses a file that is not a container
 }
 
-Container::~Container() = default;
+StorageEngine::~StorageEngine() = default;
 
-void Container::throwBadFormat() const {
+void StorageEngine::throwBadFormat() const {
     throw StorageException(StorageException::Kind::badFormat, url_);
 }
 
 // Reading and turns.
 
-Container::Reading::Reading(Container& container) : container_(container), lock_(container.mutex_) {
-    container_.beginReading();
+StorageEngine::Reading::Reading(StorageEngine& engine) : engine_(engine), lock_(engine.mutex_) {
+    engine_.beginReading();
 }
-Container::Reading::~Reading() {
-    container_.endReading();
+StorageEngine::Reading::~Reading() {
+    engine_.endReading();
 }
 
-void Container::beginReading() {
+void StorageEngine::beginReading() {
     const std::lock_guard lock(mutex_);
     if (readings_ == 0 && turns_ == 0) { // in our own turn nobody else changes anything
         lock_.beginReading();
@@ -76,20 +76,20 @@ void Container::beginReading() {
     ++readings_;
 }
 
-void Container::endReading() noexcept {
+void StorageEngine::endReading() noexcept {
     const std::lock_guard lock(mutex_);
     if (--readings_ == 0 && std::exchange(readLocked_, false))
         lock_.endReading();
 }
 
-Container::Turn::Turn(Container& container) : container_(container) {
-    container_.beginTurn();
+StorageEngine::Turn::Turn(StorageEngine& engine) : engine_(engine) {
+    engine_.beginTurn();
 }
-Container::Turn::~Turn() {
-    container_.endTurn();
+StorageEngine::Turn::~Turn() {
+    engine_.endTurn();
 }
 
-void Container::beginTurn() {
+void StorageEngine::beginTurn() {
     const std::lock_guard lock(mutex_);
     if (options_.readOnly)
         throw_storage_error(messages::kStorageReadOnly, url_);
@@ -108,7 +108,7 @@ void Container::beginTurn() {
     ++turns_;
 }
 
-void Container::endTurn() noexcept {
+void StorageEngine::endTurn() noexcept {
     const std::lock_guard lock(mutex_);
     if (turns_ == 1) {
         if (unsettled_ || table_.hasChanges() || space_.hasChanges())
@@ -127,7 +127,7 @@ void Container::endTurn() noexcept {
 
 // The committed state.
 
-void Container::refresh() {
+void StorageEngine::refresh() {
     if (loaded_ && !lock_.isShared())
         return;
     ContainerHead::Bytes bytes{};
@@ -145,7 +145,7 @@ void Container::refresh() {
     });
 }
 
-void Container::load(const ContainerHead::Bytes& bytes) {
+void StorageEngine::load(const ContainerHead::Bytes& bytes) {
     const ContainerHead head = ContainerHead::decode(bytes, layout_);
     const std::uint64_t length = std::min(layout_.limit(), file_->length());
     if (head.blockSize != kStorageBlockSize || head.table.size != kStorageBlockSize)
@@ -175,7 +175,7 @@ void Container::load(const ContainerHead::Bytes& bytes) {
     ++state_;
 }
 
-void Container::loadFreeSpace() {
+void StorageEngine::loadFreeSpace() {
     if (spaceCounter_ == head_.counter)
         return;
     checked([&] {
@@ -197,13 +197,13 @@ void Container::loadFreeSpace() {
     spaceCounter_ = head_.counter;
 }
 
-BlockChain Container::chain(std::uint64_t address, std::uint64_t wish) {
+BlockChain StorageEngine::chain(std::uint64_t address, std::uint64_t wish) {
     BlockChain result(layout_);
     result.open(reader_, address, wish);
     return result;
 }
 
-std::uint64_t Container::changeCounter() {
+std::uint64_t StorageEngine::changeCounter() {
     const Reading reading(*this);
     return head_.counter;
 }

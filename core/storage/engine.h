@@ -38,13 +38,13 @@ class InnerFile;
 /// 4. the head is made durable; only now is what the old state used free.
 ///
 /// Threads: every public function takes the mutex.
-class Container : public std::enable_shared_from_this<Container> {
+class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
   public:
-    Container(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
-              const wstring& url);
-    ~Container();
-    Container(const Container&) = delete;
-    Container& operator=(const Container&) = delete;
+    StorageEngine(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
+                  const wstring& url);
+    ~StorageEngine();
+    StorageEngine(const StorageEngine&) = delete;
+    StorageEngine& operator=(const StorageEngine&) = delete;
 
     /// Writes an empty container to a file, in its turn: to an empty one, or whatever the file holds when
     /// `replacing`. False when the file is left as it is.
@@ -53,13 +53,13 @@ class Container : public std::enable_shared_from_this<Container> {
     /// The committed state stands still while one of these lives. May be nested.
     class Reading {
       public:
-        explicit Reading(Container& container);
+        explicit Reading(StorageEngine& engine);
         ~Reading();
         Reading(const Reading&) = delete;
         Reading& operator=(const Reading&) = delete;
 
       private:
-        Container& container_;
+        StorageEngine& engine_;
         std::unique_lock<std::recursive_mutex> lock_;
     };
 
@@ -67,13 +67,13 @@ class Container : public std::enable_shared_from_this<Container> {
     /// what was not committed.
     class Turn {
       public:
-        explicit Turn(Container& container);
+        explicit Turn(StorageEngine& engine);
         ~Turn();
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;
 
       private:
-        Container& container_;
+        StorageEngine& engine_;
     };
 
     // whole
@@ -147,7 +147,7 @@ class Container : public std::enable_shared_from_this<Container> {
     auto checked(Call call) -> decltype(call());
 
   private:
-    // container.cpp
+    // engine.cpp
     void refresh();
     void load(const ContainerHead::Bytes& bytes);
     void loadFreeSpace();
@@ -155,7 +155,7 @@ class Container : public std::enable_shared_from_this<Container> {
     void endTurn() noexcept;
     [[nodiscard]] BlockChain chain(std::uint64_t address, std::uint64_t wish = 0);
 
-    // container_commit.cpp
+    // engine_commit.cpp
 
     /// What a commit makes the committed state.
     struct Next {
@@ -176,7 +176,7 @@ class Container : public std::enable_shared_from_this<Container> {
     auto onSpace(Call call) -> decltype(call());
     [[nodiscard]] std::uint64_t writeFreeChain(const RangeSet& kept, BlockRuns& blocks);
 
-    // container_files.cpp
+    // engine_files.cpp
     [[nodiscard]] StorageFileEntry existing(wstring_view name) const;
     [[nodiscard]] StorageFileInfo readInfo(const StorageFileEntry& entry, wstring_view name);
     [[nodiscard]] StorageFound describe(const StorageFileEntry& entry, wstring_view name);
@@ -191,7 +191,7 @@ class Container : public std::enable_shared_from_this<Container> {
     void changed(wstring_view name) noexcept;
     void finishChange();
 
-    // container_compact.cpp
+    // engine_compact.cpp
     [[nodiscard]] std::uint64_t moveChain(std::uint64_t address);
     void moveAll();
 
@@ -227,7 +227,7 @@ class Container : public std::enable_shared_from_this<Container> {
 };
 
 template <class Call>
-auto Container::checked(Call call) -> decltype(call()) {
+auto StorageEngine::checked(Call call) -> decltype(call()) {
     try {
         return call();
     } catch (const ChainInFileExc&) {

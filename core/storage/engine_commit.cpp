@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/storage/container.h"
+#include "core/storage/engine.h"
 #include "core/storage/inner_file.h"
 #include "core/storage/storage_error.h"
 
@@ -11,7 +11,7 @@
 
 namespace core {
 
-void Container::begin() {
+void StorageEngine::begin() {
     const std::lock_guard lock(mutex_);
     if (transaction_)
         throw_storage_error(messages::kStorageTransaction, url_);
@@ -19,7 +19,7 @@ void Container::begin() {
     transaction_ = true;
 }
 
-void Container::commit() {
+void StorageEngine::commit() {
     const std::lock_guard lock(mutex_);
     if (!transaction_)
         return;
@@ -33,7 +33,7 @@ void Container::commit() {
     endTurn();
 }
 
-void Container::rollback() {
+void StorageEngine::rollback() {
     const std::lock_guard lock(mutex_);
     if (!transaction_)
         return;
@@ -42,12 +42,12 @@ void Container::rollback() {
     endTurn();
 }
 
-void Container::finishChange() {
+void StorageEngine::finishChange() {
     if (!transaction_)
         commitChanges();
 }
 
-void Container::commitChanges() {
+void StorageEngine::commitChanges() {
     if (!table_.hasChanges())
         return;
     Next next{head_,
@@ -83,7 +83,7 @@ void Container::commitChanges() {
 }
 
 /// Writes the new table and the new free chain beside what is live, and says in `next` where.
-void Container::writeBeside(Next& next) {
+void StorageEngine::writeBeside(Next& next) {
     for (const InnerFile* file : files_)
         file->addFresh(next.kept);
     release(tableBlocks_);
@@ -106,7 +106,7 @@ void Container::writeBeside(Next& next) {
 }
 
 /// Makes the state on the disk the one in memory. Nothing here may fail: the changes are committed by now.
-void Container::settle(Next next) noexcept {
+void StorageEngine::settle(Next next) noexcept {
     head_ = next.head;
     headBytes_ = head_.encode(layout_);
     table_ = std::move(next.table);
@@ -121,7 +121,7 @@ void Container::settle(Next next) noexcept {
 }
 
 /// Writes down what will be free, into blocks that are free now. Taking these changes what is written.
-std::uint64_t Container::writeFreeChain(const RangeSet& kept, BlockRuns& blocks) {
+std::uint64_t StorageEngine::writeFreeChain(const RangeSet& kept, BlockRuns& blocks) {
     std::vector<BlockRange> ranges;
     std::vector<std::byte> content = FreeSpace::encode(space_.outlook(kept).free, layout_);
     while (content.size() > blocks.capacity()) {
@@ -141,7 +141,7 @@ std::uint64_t Container::writeFreeChain(const RangeSet& kept, BlockRuns& blocks)
 
 /// The one write that makes the changes the committed state. When it fails half way, or its flush does, the
 /// old head is put back: the failure is reported, and the old state must be what is found afterwards.
-void Container::writeHead(const ContainerHead& head) {
+void StorageEngine::writeHead(const ContainerHead& head) {
     const std::size_t size = ContainerHead::sizeIn(layout_);
     const ContainerHead::Bytes bytes = head.encode(layout_);
     try {
@@ -158,7 +158,7 @@ void Container::writeHead(const ContainerHead& head) {
     }
 }
 
-void Container::takeBack() noexcept {
+void StorageEngine::takeBack() noexcept {
     for (InnerFile* file : files_) {
         if (file->isWriter() || table_.isChanged(file->name()))
             file->lose();
@@ -176,7 +176,7 @@ void Container::takeBack() noexcept {
 
 /// Gives the end of the file back when nothing there is in use. That it fails harms nothing: what lies beyond
 /// the container's end counts as free.
-void Container::cutTail() noexcept {
+void StorageEngine::cutTail() noexcept {
     try {
         if (file_->length() > space_.end())
             file_->truncate(space_.end());
@@ -184,14 +184,14 @@ void Container::cutTail() noexcept {
     }
 }
 
-void Container::requireSpace() const {
+void StorageEngine::requireSpace() const {
     if (!spaceCounter_)
         throw std::bad_alloc();
 }
 
 /// Runs `call`, which takes or gives space back.
 template <class Call>
-auto Container::onSpace(Call call) -> decltype(call()) {
+auto StorageEngine::onSpace(Call call) -> decltype(call()) {
     requireSpace();
     try {
         return call();
@@ -201,7 +201,7 @@ auto Container::onSpace(Call call) -> decltype(call()) {
     }
 }
 
-std::vector<BlockRange> Container::allocate(std::uint64_t blocks) {
+std::vector<BlockRange> StorageEngine::allocate(std::uint64_t blocks) {
     std::vector<BlockRange> ranges;
     const bool fits =
         blocks == 0 || onSpace([&] {
@@ -214,12 +214,12 @@ std::vector<BlockRange> Container::allocate(std::uint64_t blocks) {
     return ranges;
 }
 
-void Container::release(const BlockRuns& blocks) {
+void StorageEngine::release(const BlockRuns& blocks) {
     if (blocks.overlap() || !onSpace([&] { return space_.release(blocks); }))
         throw ChainInFileExc(blocks.runs().front().address);
 }
 
-void Container::giveBack(std::span<const BlockRange> ranges) noexcept {
+void StorageEngine::giveBack(std::span<const BlockRange> ranges) noexcept {
     try {
         BlockRuns blocks(layout_.blockHeaderSize());
         for (const BlockRange& range : ranges)
@@ -230,7 +230,7 @@ void Container::giveBack(std::span<const BlockRange> ranges) noexcept {
     }
 }
 
-void Container::giveBack(const BlockRuns& blocks) noexcept {
+void StorageEngine::giveBack(const BlockRuns& blocks) noexcept {
     for (auto run = blocks.runs().rbegin(); run != blocks.runs().rend(); ++run)
         queue_.drop(run->address, run->address + blocks.lengthOf(*run));
     try {
@@ -239,8 +239,8 @@ void Container::giveBack(const BlockRuns& blocks) noexcept {
     }
 }
 
-void Container::write(std::span<const BlockRange> ranges, std::span<const std::byte> content,
-                      std::uint64_t chainSize, std::uint64_t next) {
+void StorageEngine::write(std::span<const BlockRange> ranges, std::span<const std::byte> content,
+                          std::uint64_t chainSize, std::uint64_t next) {
     const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
     const std::uint64_t atOnce = WriteQueue::kPiece / step;
     reader_.forget();
@@ -260,7 +260,7 @@ void Container::write(std::span<const BlockRange> ranges, std::span<const std::b
     }
 }
 
-void Container::patch(std::uint64_t address, std::span<const std::byte> bytes) {
+void StorageEngine::patch(std::uint64_t address, std::span<const std::byte> bytes) {
     reader_.forget();
     queue_.patch(address, bytes);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/storage/container.h"
+#include "core/storage/engine.h"
 #include "core/storage/storage_error.h"
 
 #include <core/runtime/utf8.h>
@@ -176,7 +176,7 @@ wstring who(StorageUse use, const wstring& name) {
 
 } // namespace
 
-StorageCheck Container::check() {
+StorageCheck StorageEngine::check() {
     const Reading reading(*this);
     if (table_.hasChanges() || space_.hasChanges())
         throw_storage_error(messages::kStorageTransaction, url_);
@@ -187,7 +187,7 @@ StorageCheck Container::check() {
     return result;
 }
 
-StorageInfo Container::info() {
+StorageInfo StorageEngine::info() {
     const Reading reading(*this);
     StorageInfo result;
     const Survey found = survey(table_, head_, tableBlocks_, reader_, layout_, result.files);
