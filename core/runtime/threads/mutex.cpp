@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/threads/lock_order.h"
+#include "core/runtime/threads/spin.h"
 #include "core/runtime/threads/wait_queue.h"
 
 #include <core/runtime/class_entry.h>
@@ -7,7 +8,6 @@
 #include <core/runtime/threads/mutex.h>
 
 #include <cassert>
-#include <thread>
 
 namespace core {
 namespace detail {
@@ -16,15 +16,6 @@ namespace {
 /// How long a waiter is passed over by threads that come later but run already. Handing the mutex over at
 /// once would make each of them sleep, too.
 constexpr auto kPatience = std::chrono::milliseconds(1);
-
-/// A short hold ends before a sleep would have begun.
-constexpr int kSpins = 100;
-
-void pause() noexcept {
-#if defined(__x86_64__) || defined(__i386__)
-    __builtin_ia32_pause();
-#endif
-}
 
 } // namespace
 
@@ -46,13 +37,9 @@ void MutexEngine::lock() {
             return;
         }
         lock_order::willWait(this);
-        static const bool alone = std::thread::hardware_concurrency() == 1;
-        for (int i = alone ? kSpins : 0; i < kSpins; ++i) {
-            pause();
-            if (holder_.load(std::memory_order_relaxed) == 0 && tryTakeFree(me)) {
-                lock_order::locked(this);
-                return;
-            }
+        if (spin([&] { return holder_.load(std::memory_order_relaxed) == 0 && tryTakeFree(me); })) {
+            lock_order::locked(this);
+            return;
         }
         wait_at(*this, 0, std::nullopt, Stops::pass);
     } else {

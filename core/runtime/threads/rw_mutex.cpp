@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/threads/lock_order.h"
+#include "core/runtime/threads/spin.h"
 #include "core/runtime/threads/wait_queue.h"
 
 #include <core/runtime/class_entry.h>
@@ -37,7 +38,8 @@ RWMutexEngine::~RWMutexEngine() {
 
 void RWMutexEngine::lock(std::uint32_t way) {
     lock_order::willWait(this);
-    if (!tryTake(way))
+    // One who spins is not in the queue yet: those who come meanwhile may pass, but for no longer than that.
+    if (!tryTake(way) && !spin([&] { return tryTake(way); }))
         wait_at(*this, way, std::nullopt, Stops::pass);
     lock_order::locked(this);
 }
