@@ -10,15 +10,35 @@
 #include <utility>
 
 namespace core {
+namespace {
+
+/// The change counter of an empty container that replaces what the file holds: by an equal header nobody who
+/// has the old container open would see that it is gone.
+std::uint64_t counter_after(IFile& file, const StorageLayout& layout) {
+    ContainerHead::Bytes bytes{};
+    const auto head = std::span(bytes).first(ContainerHead::sizeIn(layout));
+    if (read_all_at(file, 0, head) != head.size())
+        return 0;
+    try {
+        return ContainerHead::decode(bytes, layout).counter + 1;
+    } catch (const HexConvExc&) { // no container
+    } catch (const ChainInFileExc&) {
+    }
+    return 0;
+}
+
+} // namespace
 
 bool StorageEngine::create(IFile& file, const StorageLayout& layout, bool replacing) {
     // Somebody else may be about to make one here and to put files into it.
-    const ContainerLock lock(InterfacePtr<ISharedFile>(&file), layout, file.url());
+    const ContainerLock lock(InterfacePtr<IFile>(&file), layout, file.url());
     const ContainerLock::Turn turn(lock);
     const bool empty = file.length() == 0;
     if (!empty && !replacing)
         return false;
-    const ContainerHead::Bytes head = ContainerHead::empty(layout).encode(layout);
+    ContainerHead fresh = ContainerHead::empty(layout);
+    fresh.counter = counter_after(file, layout);
+    const ContainerHead::Bytes head = fresh.encode(layout);
     std::vector<std::byte> bytes(head.begin(), head.begin() + ContainerHead::sizeIn(layout));
     // The table's first block holds, from the start, what never changes of the table.
     bytes.insert(bytes.end(), FilesTable::preamble().begin(), FilesTable::preamble().end());
@@ -39,9 +59,8 @@ bool StorageEngine::create(IFile& file, const StorageLayout& layout, bool replac
 StorageEngine::StorageEngine(InterfacePtr<IFile> file, const StorageLayout& layout,
                              const StorageOptions& options, const wstring& url)
     : file_(std::move(file)), layout_(layout), options_(options), url_(url.empty() ? file_->url() : url),
-      lock_(InterfacePtr<ISharedFile>(file_), layout_, url_), reader_(*file_, layout_), queue_(*file_),
-      table_(layout_), tableBlocks_(layout_.blockHeaderSize()), freeBlocks_(layout_.blockHeaderSize()),
-      space_(layout_) {
+      lock_(file_, layout_, url_), reader_(*file_, layout_), queue_(*file_), table_(layout_),
+      tableBlocks_(layout_.blockHeaderSize()), freeBlocks_(layout_.blockHeaderSize()), space_(layout_) {
     reader_.setQueue(&queue_);
     const Reading reading(*this); // refuses a file that is not a container
 }

@@ -5,6 +5,7 @@
 #include "core/storage/block_reader.h"
 #include "core/storage/container_head.h"
 #include "core/storage/container_lock.h"
+#include "core/storage/engine_mutex.h"
 #include "core/storage/files_table.h"
 #include "core/storage/free_space.h"
 #include "core/storage/write_queue.h"
@@ -60,7 +61,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
 
       private:
         StorageEngine& engine_;
-        std::unique_lock<std::recursive_mutex> lock_;
+        std::unique_lock<EngineMutex> lock_;
     };
 
     /// No other process changes anything while one of these lives. May be nested. The last one takes back
@@ -85,7 +86,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     [[nodiscard]] IFile& file() const noexcept { return *file_; }
     [[nodiscard]] bool isIn(IFile& file) const { return &file == file_.get() || lock_.isSameFile(file); }
     [[nodiscard]] wstring urlOf(wstring_view name) const { return root_ + wstring(name); }
-    [[nodiscard]] std::recursive_mutex& mutex() noexcept { return mutex_; }
+    [[nodiscard]] EngineMutex& mutex() noexcept { return mutex_; }
     [[nodiscard]] std::uint64_t changeCounter();
     void beginReading();
     void endReading() noexcept;
@@ -186,6 +187,10 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
                                              std::vector<BlockRange>& ranges);
     void replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
                  const BlockRuns& released, std::span<const BlockRange> ranges);
+    /// The attribute word of what the next commit changes.
+    [[nodiscard]] std::uint32_t nextVersion() const noexcept {
+        return static_cast<std::uint32_t>(head_.counter + 1);
+    }
     [[nodiscard]] StorageFileInfo newInfo(wstring_view name, const std::optional<StorageFileEntry>& old);
     void erase(std::span<const wstring> names);
     void changed(wstring_view name) noexcept;
@@ -200,7 +205,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     const StorageOptions options_;
     wstring url_;
     wstring root_;
-    std::recursive_mutex mutex_;
+    EngineMutex mutex_;
     ContainerLock lock_;
     BlockReader reader_;
     WriteQueue queue_;

@@ -136,7 +136,7 @@ void StorageEngine::addBlocks(std::uint64_t address, BlockRuns& blocks) {
 StorageFileInfo StorageEngine::newInfo(wstring_view name, const std::optional<StorageFileEntry>& old) {
     const Date now = universal_now();
     const Date created = old && old->attributes != layout_.null ? readInfo(*old, name).created : now;
-    return {created, now, static_cast<std::uint32_t>(head_.counter + 1), wstring(name)};
+    return {created, now, nextVersion(), wstring(name)};
 }
 
 StorageFileEntry StorageEngine::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
@@ -262,6 +262,7 @@ void StorageEngine::rename(wstring_view from, wstring_view to) {
     checked([&] {
         StorageFileInfo info = readInfo(source, from);
         info.name = to;
+        info.attribute = nextVersion(); // the name stands for another content now
         BlockRuns released(layout_.blockHeaderSize());
         addBlocks(source.attributes, released);
         FilesTable::Change& gone = table_.edit(from);

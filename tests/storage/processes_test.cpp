@@ -3,12 +3,15 @@
 // moment, and a folder tree there and back. CORE_NIGHTLY=1 runs each of them long.
 #include "tests/support/storage_model.h"
 
+#include <core/files/file_impl.h>
+#include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -16,6 +19,9 @@
 #include <filesystem>
 #include <functional>
 #include <thread>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 namespace core {
 namespace {
@@ -139,6 +145,93 @@ TEST_F(Processes, WritersTakeTurns) {
     EXPECT_EQ(storage.find().size(), 4U);
     EXPECT_EQ(storage.changeCounter(), 120U);
     EXPECT_TRUE(storage.check().isClean());
+}
+
+/// A disk that takes its time to make things durable, and does not do it.
+class SlowDisk : public FileImpl, public ISharedFile {
+  public:
+    using Interfaces = InterfaceList<IFile, ISharedFile>;
+    SlowDisk(InterfacePtr<IFile> file, std::chrono::milliseconds flush)
+        : FileImpl(file->url()), file_(std::move(file)), locks_(file_), flush_(flush) {}
+
+    std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) override {
+        return file_->readAt(offset, buffer, count);
+    }
+    std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override {
+        return file_->writeAt(offset, buffer, count);
+    }
+    std::uint64_t length() override { return file_->length(); }
+    void truncate(std::uint64_t length) override { file_->truncate(length); }
+    void flush() override { std::this_thread::sleep_for(flush_); }
+    void close() override { file_->close(); }
+    bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
+        return locks_->tryLock(offset, length, kind);
+    }
+    void unlock(std::uint64_t offset, std::uint64_t length) override { locks_->unlock(offset, length); }
+    bool isSameFile(IFile& other) override { return this == &other; }
+
+  private:
+    InterfacePtr<IFile> file_;
+    InterfacePtr<ISharedFile> locks_;
+    const std::chrono::milliseconds flush_;
+};
+
+/// How many writers there are, and how long a flush takes; on the real disk as long as it does.
+class Fairness : public Processes, public testing::WithParamInterface<std::tuple<int, int>> {};
+INSTANTIATE_TEST_SUITE_P(Writers, Fairness, testing::Combine(testing::Values(2, 4), testing::Values(0, 15)));
+
+TEST_P(Fairness, TheSlowestWriterCommitsAThirdOfTheFastest) {
+    const auto [count, flush] = GetParam();
+    const auto end = std::chrono::steady_clock::now() + (is_nightly() ? 60s : 1s);
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const auto put = [&](int number) {
+        InterfacePtr<IFile> file = open_disk_file(path_, OpenMode::readWrite);
+        if (flush != 0)
+            file = make_object<SlowDisk>(std::move(file), std::chrono::milliseconds(flush));
+        StorageRW mine(std::move(file));
+        int commits = 0;
+        for (; std::chrono::steady_clock::now() < end; ++commits)
+            mine.put(nameOf(number), contentOf(static_cast<std::uint32_t>(commits), number));
+        return commits;
+    };
+    std::vector<::pid_t> writers;
+    for (int number = 0; number < count; ++number) {
+        writers.push_back(start([&, number] {
+            const int commits = put(number);
+            return ::write(ends[1], &commits, sizeof commits) == sizeof commits;
+        }));
+    }
+    for (const ::pid_t writer : writers)
+        EXPECT_TRUE(succeeded(writer));
+    ::close(ends[1]);
+    std::vector<int> all;
+    for (int commits = 0; ::read(ends[0], &commits, sizeof commits) == sizeof commits;)
+        all.push_back(commits);
+    ::close(ends[0]);
+    ASSERT_EQ(all.size(), writers.size());
+    const auto [slowest, fastest] = std::minmax_element(all.begin(), all.end());
+    EXPECT_GE(3 * *slowest, *fastest) << *slowest << " against " << *fastest;
+    EXPECT_GT(*slowest, 1);
+    EXPECT_TRUE(open().check().isClean());
+}
+
+TEST_F(Processes, ThreadsOfOneHandleTakeTurns) {
+    StorageRW storage(make_object<SlowDisk>(open_disk_file(path_, OpenMode::readWrite), 2ms));
+    const auto end = std::chrono::steady_clock::now() + 500ms;
+    int commits[3] = {};
+    const Bytes content(1000);
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 3; ++number) {
+        threads.emplace_back([&, number] {
+            for (; std::chrono::steady_clock::now() < end; ++commits[number])
+                storage.put(nameOf(number), content);
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    const auto [slowest, fastest] = std::minmax_element(std::begin(commits), std::end(commits));
+    EXPECT_GE(3 * *slowest, *fastest) << *slowest << " against " << *fastest;
 }
 
 TEST_F(Processes, AKilledWriterLosesNothingItCommitted) {
