@@ -74,7 +74,7 @@ class Damaged : public test::FaultContainer {
     }
     [[nodiscard]] std::string hex(std::uint64_t number) const { return test::hex(number, layout_.digits()); }
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Damaged, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Damaged, test::kEveryFlatFormat, test::name_of_format);
 
 TEST_P(Damaged, IsFoundInBlockHeaders) {
     // "kept" is found by its size; its blocks follow each other.

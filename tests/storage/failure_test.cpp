@@ -64,7 +64,7 @@ class Failing : public test::FaultContainer {
         };
     }
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Failing, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Failing, test::kEveryFormat, test::name_of_format);
 
 /// Others who use the container meanwhile: a file open for writing through the same handle, which has blocks
 /// that no commit knows of, and a file open for reading through another handle.
@@ -228,7 +228,7 @@ TEST_P(Failing, AFileThatMemoryDidNotSufficeForIsLost) {
     int failures = 0;
     for (int n = 0;; ++n) {
         const auto data = create_memory_data();
-        StorageRW::create(*open_memory_file(data), layout_);
+        test::create_container(*open_memory_file(data), format_);
         StorageRW storage(open_memory_file(data), layout_);
         const auto file = storage.open(u"a", OpenMode::create);
         const Bytes content(20'000);

@@ -44,7 +44,7 @@ class Image : public test::MemoryContainer {
     const std::uint64_t step_ = layout_.blockLength(512);
     const std::uint64_t null_ = layout_.null;
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Image, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Image, test::kEveryFlatFormat, test::name_of_format);
 
 TEST_P(Image, BlocksOfAllSizesAreReadAndChanged) {
     test::Random random(47);

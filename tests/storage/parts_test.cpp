@@ -25,7 +25,7 @@ class Parts : public test::MemoryContainer {
         return content;
     }
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Parts, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Parts, test::kEveryFlatFormat, test::name_of_format);
 
 TEST_P(Parts, ReadWhatAContainerHolds) {
     StorageRW storage = open();

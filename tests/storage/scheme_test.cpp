@@ -16,14 +16,14 @@ using test::Bytes;
 using test::kind_of;
 using Kind = StorageException::Kind;
 
-class Scheme : public test::InBothLayouts {
+class Scheme : public test::InFormats {
   protected:
     [[nodiscard]] InterfacePtr<IStorageScheme> scheme() const {
         return system_->findScheme(wstring(layout_.scheme)).query<IStorageScheme>();
     }
     /// A new container; the root URL of it.
     wstring make(const std::shared_ptr<MemoryFileData>& data) {
-        StorageRW::create(*open_memory_file(data), layout_);
+        test::create_container(*open_memory_file(data), format_);
         return scheme()->openContainerIn(open_memory_file(data).get(), {});
     }
     void put(const wstring& url, std::size_t size) {
@@ -42,7 +42,7 @@ class Scheme : public test::InBothLayouts {
 
     InterfacePtr<IFileSystem> system_ = create_file_system();
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Scheme, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Scheme, test::kEveryFormat, test::name_of_format);
 
 TEST_P(Scheme, GivesEachContainerANumberedRoot) {
     ASSERT_TRUE(scheme());

@@ -20,7 +20,7 @@ using test::Model;
 using test::ReplacedClock;
 
 class Sharing : public test::MemoryContainer {};
-INSTANTIATE_TEST_SUITE_P(Layouts, Sharing, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Sharing, test::kEveryFormat, test::name_of_format);
 
 TEST_P(Sharing, HoldsWhatAModelHoldsWhoeverElseHasFilesOpen) {
     for (unsigned seed = 1; seed <= 12; ++seed) {

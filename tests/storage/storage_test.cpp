@@ -18,7 +18,7 @@ using test::ReplacedClock;
 using Kind = StorageException::Kind;
 
 class Storage : public test::MemoryContainer {};
-INSTANTIATE_TEST_SUITE_P(Layouts, Storage, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Storage, test::kEveryFormat, test::name_of_format);
 
 TEST_P(Storage, HoldsWhatAModelHolds) {
     test::Random random(5);

@@ -11,10 +11,10 @@
 namespace core::test {
 
 /// A container with some files, of which some lie in pieces, on a disk that can be made to fail.
-class FaultContainer : public InBothLayouts {
+class FaultContainer : public InFormats {
   protected:
     FaultContainer() {
-        StorageRW::create(*open_fault_file(disk_), layout_);
+        create_container(*open_fault_file(disk_), format_);
         StorageRW storage(open_fault_file(disk_), layout_);
         Random random(3);
         for (int i = 0; i < 25; ++i)

@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace core::test {
@@ -54,20 +55,53 @@ class ReplacedClock : public Clock {
     int sleeps = 0;
 };
 
-/// A test that runs in both layouts.
-class InBothLayouts : public testing::TestWithParam<const StorageLayout*> {
-  protected:
-    const StorageLayout& layout_ = *GetParam();
+/// How a container may lie in its file: the width of its numbers, and the layout of its table of inner files.
+struct Format {
+    const StorageLayout* layout;
+    int table;
 };
-inline const auto kBothLayouts = testing::Values(&kStorageLayout32, &kStorageLayout64);
-inline std::string name_of_layout(const testing::TestParamInfo<const StorageLayout*>& info) {
-    return info.param == &kStorageLayout32 ? "32" : "64";
+/// What new containers are made in, and what older ones were made in.
+inline constexpr Format kFormats[] = {{&kStorageLayout32, 1}, {&kStorageLayout64, 1}};
+/// The formats of the first table layout.
+inline constexpr Format kFlatFormats[] = {{&kStorageLayout32, 1}, {&kStorageLayout64, 1}};
+inline const auto kEveryFormat = testing::ValuesIn(kFormats);
+inline const auto kEveryFlatFormat = testing::ValuesIn(kFlatFormats);
+inline std::string name_of_format(const testing::TestParamInfo<Format>& info) {
+    return (info.param.layout == &kStorageLayout32 ? "32" : "64") +
+           std::string(info.param.table == 1 ? "" : "Tree");
 }
 
-/// An empty container in memory.
-class MemoryContainer : public InBothLayouts {
+/// Makes an empty container in an empty file. One of the first table layout is written as the bytes that it
+/// has: new versions of the library need not make such.
+inline void create_container(IFile& file, const Format& format) {
+    const StorageLayout& layout = *format.layout;
+    if (format.table != 1)
+        return StorageRW::create(file, layout);
+    std::string text;
+    for (const std::uint64_t word : {layout.null, std::uint64_t{512}}) {
+        for (std::size_t i = 0; i < layout.width; ++i)
+            text.push_back(static_cast<char>(word >> 8 * i));
+    }
+    text.resize(layout.headerSize());
+    text += "\r\n";
+    for (const std::uint64_t number : {std::uint64_t{0}, std::uint64_t{512}, layout.null})
+        text += hex(number, layout.digits()) + " ";
+    text += "\r\ntable of inner files, layout 1\r\n";
+    text.resize(layout.emptyLength());
+    write_all(file, bytes_of(text));
+}
+
+/// A test that runs in several formats.
+class InFormats : public testing::TestWithParam<Format> {
   protected:
-    MemoryContainer() { StorageRW::create(*file(), layout_); }
+    const Format format_ = GetParam();
+    const StorageLayout& layout_ = *format_.layout;
+};
+
+/// An empty container in memory.
+class MemoryContainer : public InFormats {
+  protected:
+    MemoryContainer() { create_container(*file(), format_); }
     [[nodiscard]] InterfacePtr<IFile> file() const { return open_memory_file(data_); }
     [[nodiscard]] StorageRW open(StorageOptions options = {}) const {
         return StorageRW(file(), layout_, options);

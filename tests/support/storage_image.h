@@ -12,13 +12,6 @@
 
 namespace core::test {
 
-inline std::string hex(std::uint64_t number, std::size_t digits) {
-    std::string text(digits, '0');
-    for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number /= 16)
-        *digit = "0123456789abcdef"[number % 16];
-    return text;
-}
-
 /// A container written by hand, piece by piece: blocks of any size in any order, and whatever may be wrong
 /// with them.
 class StorageImage {

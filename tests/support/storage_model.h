@@ -53,6 +53,14 @@ struct Random {
     }
 };
 
+/// As block headers hold numbers.
+inline std::string hex(std::uint64_t number, std::size_t digits) {
+    std::string text(digits, '0');
+    for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number /= 16)
+        *digit = "0123456789abcdef"[number % 16];
+    return text;
+}
+
 /// The slow tests run long only at night.
 inline bool is_nightly() {
     return std::getenv("CORE_NIGHTLY") != nullptr;
