@@ -11,13 +11,18 @@
 #include <fcntl.h>
 #include <lmdb.h>
 #include <sqlite3.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <zip.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <numeric>
 #include <random>
 #include <stdexcept>
@@ -159,6 +164,7 @@ struct Lmdb {
 struct Sqlite {
     explicit Sqlite(const std::string& path, bool make) {
         require(sqlite3_open(path.c_str(), &db) == SQLITE_OK);
+        sqlite3_busy_timeout(db, 20000); // as long as ours waits for its turn
         if (make)
             run("create table f(name text primary key, data blob) without rowid");
         insert = prepare("insert or replace into f values(?, ?)");
@@ -181,7 +187,7 @@ struct Sqlite {
         sqlite3_bind_text(statement, 1, names()[i].data(), static_cast<int>(names()[i].size()),
                           SQLITE_STATIC);
     }
-    void begin() { run("begin"); }
+    void begin() { run("begin immediate"); }
     void commit() { run("commit"); }
     void put(std::size_t i) {
         bind(insert, i);
@@ -351,6 +357,61 @@ STORE_BENCHMARKS(Ours);
 STORE_BENCHMARKS(Lmdb);
 STORE_BENCHMARKS(Sqlite);
 STORE_BENCHMARKS(Zip);
+
+// Two processes that take turns, each with one small file a commit: how long a commit takes the one, and how
+// many the other gets done meanwhile. libzip is not for several.
+
+struct Other {
+    std::atomic<bool> stop;
+    std::atomic<std::uint64_t> commits;
+};
+
+template <class Store>
+void commit_one(Store& store, std::size_t i) {
+    store.begin();
+    store.put(i);
+    store.commit();
+}
+
+template <class Store>
+void take_turns(benchmark::State& state) {
+    const Folder folder;
+    names(), wide_names(), content();
+    {
+        Store store(folder.file(), true);
+        fill(store, 1000);
+    }
+    void* const memory =
+        ::mmap(nullptr, sizeof(Other), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    require(memory != MAP_FAILED);
+    Other& other = *new (memory) Other{};
+    const ::pid_t child = ::fork();
+    if (child == 0) {
+        Store store(folder.file(), false);
+        for (; !other.stop; ++other.commits)
+            commit_one(store, other.commits % 500);
+        ::_exit(0);
+    }
+    {
+        Store store(folder.file(), false);
+        while (other.commits == 0)
+            ::usleep(1000);
+        const std::uint64_t before = other.commits;
+        std::size_t i = 0;
+        for (auto _ : state)
+            commit_one(store, 500 + i++ % 500);
+        state.counters["other"] =
+            static_cast<double>(other.commits - before) / static_cast<double>(state.iterations());
+    }
+    other.stop = true;
+    int status = 0;
+    require(::waitpid(child, &status, 0) == child && status == 0);
+    ::munmap(memory, sizeof(Other));
+}
+
+BENCHMARK_TEMPLATE(take_turns, Ours)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK_TEMPLATE(take_turns, Lmdb)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK_TEMPLATE(take_turns, Sqlite)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 // One large file: written a mebibyte at a time, read as a whole into new memory.
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The power fails at every write of random workloads: what a disk may then hold must open as the state before
-// the commit or as the one after it, with nothing wrong in it. CORE_NIGHTLY=1 tries tens of thousands of
-// cuts.
+// the commit or as the one after it, with nothing wrong in it, for the library and for a reader that has only
+// the description of the format. Two handles change the container, a third file is written and others are
+// read meanwhile. CORE_NIGHTLY=1 tries 25 000 cuts a format.
 #include "tests/support/fault_file.h"
 #include "tests/support/storage_crowd.h"
 #include "tests/support/storage_fixture.h"
+#include "tests/support/storage_python.h"
 
 #include <core/runtime/utf8.h>
 
@@ -28,13 +30,13 @@ void expect_whole(const StorageRW& storage, const std::string& where) {
         ADD_FAILURE() << where << ": " << to_utf8(problem.text());
 }
 
-class Crash : public test::InBothLayouts {
+class Crash : public test::InFormats {
   protected:
     /// Runs a workload, then cuts the power after each of its events.
     void run(unsigned seed, int cutsEach) {
         FaultDisk disk;
         test::Random random(seed);
-        StorageRW::create(*test::open_fault_file(disk), layout_);
+        test::create_container(*test::open_fault_file(disk), format_);
         const Bytes start = disk.bytes;
         disk.recording = true;
         std::vector<State> states{{{}, 0, 0}};
@@ -49,16 +51,25 @@ class Crash : public test::InBothLayouts {
             }
             disk.recording = false; // before a file that is still open is closed
         }
+        std::vector<Bytes> images; // for another reader
+        std::vector<test::Listing> expected;
         for (std::size_t cut = 0; cut <= disk.trace.size(); ++cut) {
             for (int i = 0; i < cutsEach; ++i) {
                 ++cuts_;
                 FaultDisk after;
                 after.bytes = test::crash_image(start, disk.trace, cut, random.engine);
                 const std::string where = "seed " + std::to_string(seed) + " cut " + std::to_string(cut);
+                if (cuts_ % kCutsForAnother == 0) {
+                    images.push_back(after.bytes);
+                    expected.push_back(test::listing(StorageRW(test::open_fault_file(after), layout_)));
+                }
                 expectOneOf(after, states, cut, where);
                 if (HasFailure())
                     return;
             }
+        }
+        if (python_.exists()) {
+            ASSERT_EQ(python_.list(images, layout_), expected) << "seed " << seed;
         }
     }
 
@@ -81,12 +92,14 @@ class Crash : public test::InBothLayouts {
         EXPECT_EQ(storage.get(u"after"), Bytes(3000));
     }
 
+    static constexpr std::size_t kCutsForAnother = 10;
     std::size_t cuts_ = 0;
+    const test::Python python_;
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Crash, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Crash, test::kEveryFormat, test::name_of_format);
 
 TEST_P(Crash, LeavesTheOldStateOrTheNewOne) {
-    const std::size_t wanted = is_nightly() ? 20000 : 300;
+    const std::size_t wanted = is_nightly() ? 25000 : 300;
     for (unsigned seed = 1; cuts_ < wanted && !HasFailure(); ++seed)
         run(seed, is_nightly() ? 3 : 1);
     RecordProperty("cuts", static_cast<int>(cuts_));

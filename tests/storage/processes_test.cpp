@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// Containers on a real disk, shared by processes: readers beside a writer, a writer that is killed at any
-// moment, and a folder tree there and back. CORE_NIGHTLY=1 runs each of them long.
-#include "tests/support/storage_model.h"
+// Containers on a real disk, shared by processes: readers beside a writer, writers that are killed at any
+// moment, and a folder tree there and back. CORE_NIGHTLY=1 runs each of them long: 10 000 kills.
+#include "tests/support/storage_fixture.h"
 
 #include <core/files/file_impl.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 
-#include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +18,8 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
+#include <optional>
+#include <stdexcept>
 #include <thread>
 #include <tuple>
 #include <utility>
@@ -30,21 +32,25 @@ using namespace std::chrono_literals;
 using test::Bytes;
 using test::is_nightly;
 
-class Processes : public testing::Test {
+/// A container on the disk; as new ones are unless told otherwise.
+class OnDisk : public testing::Test {
   protected:
-    Processes() : path_((std::filesystem::temp_directory_path() / "core-storage-XXXXXX").string()) {
+    explicit OnDisk(const test::Format& format = *std::rbegin(test::kFormats))
+        : layout_(*format.layout),
+          path_((std::filesystem::temp_directory_path() / "core-storage-XXXXXX").string()) {
         ::close(::mkstemp(path_.data()));
-        StorageRW::create(*open_disk_file(path_, OpenMode::readWrite));
+        test::create_container(*open_disk_file(path_, OpenMode::readWrite), format);
     }
-    ~Processes() override { std::filesystem::remove(path_); }
+    ~OnDisk() override { std::filesystem::remove(path_); }
 
-    StorageRW open() { return StorageRW(open_disk_file(path_, OpenMode::readWrite)); }
+    StorageRW open() { return StorageRW(open_disk_file(path_, OpenMode::readWrite), layout_); }
 
     /// Runs `work` in a process of its own, whose exit code is 0 when it returns true.
     static ::pid_t start(const std::function<bool()>& work) {
         const ::pid_t child = ::fork();
         if (child != 0)
             return child;
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL); // it never outlives the test
         bool good = false;
         try {
             good = work();
@@ -60,7 +66,9 @@ class Processes : public testing::Test {
     }
 
     static constexpr int kFiles = 5;
-    static wstring nameOf(int file) { return u"file" + wstring(1, static_cast<wchar>(u'0' + file)); }
+    static wstring nameOf(int writer, int file) {
+        return from_utf8("writer" + std::to_string(writer) + "/file" + std::to_string(file));
+    }
     /// Bytes that tell by themselves which generation they are of, and whether they are all of one.
     static Bytes contentOf(std::uint32_t generation, int file) {
         test::Random random(generation * 10 + static_cast<std::uint32_t>(file));
@@ -74,36 +82,70 @@ class Processes : public testing::Test {
             std::memcpy(&generation, bytes.data(), sizeof generation);
         return generation;
     }
-    static void write(StorageRW& storage, std::uint32_t generation) {
+    /// A writer's files in their next generation, of which one is written in pieces, and the number of
+    /// generations that all writers have made, in one commit.
+    static void write(StorageRW& storage, std::uint32_t generation, int writer = 0) {
         StorageTransaction transaction(storage);
-        for (int file = 0; file < kFiles; ++file)
-            storage.put(nameOf(file), contentOf(generation, file));
+        for (int file = 0; file < kFiles; ++file) {
+            if (file != 1) {
+                storage.put(nameOf(writer, file), contentOf(generation, file));
+                continue;
+            }
+            const auto stream = storage.open(nameOf(writer, file), OpenMode::replace);
+            const Bytes content = contentOf(generation, file);
+            write_all(*stream, std::span(content).first(content.size() / 2));
+            write_all(*stream, std::span(content).subspan(content.size() / 2));
+            stream->close();
+        }
+        std::uint32_t all = (storage.contains(kAll) ? generationOf(storage.get(kAll)) : 0) + 1;
+        storage.put(kAll, std::as_bytes(std::span(&all, 1)));
         transaction.commit();
     }
+    /// The generations of the first writers' files in one state; nothing when files of one writer are of
+    /// different ones, or their sum is another.
+    static std::optional<std::vector<std::uint32_t>> generations(const StorageRW& storage, int writers) {
+        const StorageReading reading(storage);
+        std::vector<std::uint32_t> found;
+        std::uint32_t sum = 0;
+        for (int writer = 0; writer < writers; ++writer) {
+            found.push_back(storage.contains(nameOf(writer, 0)) ? generationOf(storage.get(nameOf(writer, 0)))
+                                                                : 0);
+            sum += found.back();
+            for (int file = 0; file < kFiles && found.back() != 0; ++file) {
+                if (storage.get(nameOf(writer, file)) != contentOf(found.back(), file))
+                    return std::nullopt;
+            }
+        }
+        if (sum != (storage.contains(kAll) ? generationOf(storage.get(kAll)) : 0))
+            return std::nullopt;
+        return found;
+    }
 
+    static constexpr wstring_view kAll = u"all";
+    const StorageLayout& layout_;
     std::string path_;
 };
 
-TEST_F(Processes, ReadersBesideAWriterSeeWholeStates) {
-    const auto end = std::chrono::steady_clock::now() + (is_nightly() ? 60s : 1s);
+class Processes : public OnDisk, public testing::WithParamInterface<test::Format> {
+  protected:
+    Processes() : OnDisk(GetParam()) {}
+};
+INSTANTIATE_TEST_SUITE_P(Formats, Processes, test::kEveryFormat, test::name_of_format);
+
+TEST_P(Processes, ReadersBesideAWriterSeeWholeStates) {
+    const auto end = std::chrono::steady_clock::now() + (is_nightly() ? 60000ms : 500ms);
     StorageRW storage = open();
     write(storage, 1);
     const auto reader = [&] {
         StorageRW mine = open();
         int reads = 0;
         while (std::chrono::steady_clock::now() < end) {
-            std::uint32_t generation = 0;
-            {
-                const StorageReading reading(mine); // all files of one state
-                generation = generationOf(mine.get(nameOf(0)));
-                for (int file = 0; file < kFiles; ++file) {
-                    if (mine.get(nameOf(file)) != contentOf(generation, file))
-                        return false;
-                }
-            }
-            const Bytes alone = mine.get(nameOf(reads++ % kFiles)); // one file of a later one, perhaps
-            if (generationOf(alone) < generation ||
-                alone != contentOf(generationOf(alone), (reads - 1) % kFiles))
+            const auto whole = generations(mine, 1);
+            if (!whole)
+                return false;
+            const int file = reads++ % kFiles;
+            const Bytes alone = mine.get(nameOf(0, file)); // of a later state, perhaps
+            if (generationOf(alone) < whole->at(0) || alone != contentOf(generationOf(alone), file))
                 return false;
         }
         return reads > 5;
@@ -120,7 +162,7 @@ TEST_F(Processes, ReadersBesideAWriterSeeWholeStates) {
     EXPECT_TRUE(storage.check().isClean());
 }
 
-TEST_F(Processes, WritersTakeTurns) {
+TEST_P(Processes, WritersTakeTurns) {
     const auto writer = [&](int number) {
         return [this, number] {
             StorageRW mine = open();
@@ -177,7 +219,7 @@ class SlowDisk : public FileImpl, public ISharedFile {
 };
 
 /// How many writers there are, and how long a flush takes; on the real disk as long as it does.
-class Fairness : public Processes, public testing::WithParamInterface<std::tuple<int, int>> {};
+class Fairness : public OnDisk, public testing::WithParamInterface<std::tuple<int, int>> {};
 INSTANTIATE_TEST_SUITE_P(Writers, Fairness, testing::Combine(testing::Values(2, 4), testing::Values(0, 15)));
 
 TEST_P(Fairness, TheSlowestWriterCommitsAThirdOfTheFastest) {
@@ -189,10 +231,10 @@ TEST_P(Fairness, TheSlowestWriterCommitsAThirdOfTheFastest) {
         InterfacePtr<IFile> file = open_disk_file(path_, OpenMode::readWrite);
         if (flush != 0)
             file = make_object<SlowDisk>(std::move(file), std::chrono::milliseconds(flush));
-        StorageRW mine(std::move(file));
+        StorageRW mine(std::move(file), layout_);
         int commits = 0;
         for (; std::chrono::steady_clock::now() < end; ++commits)
-            mine.put(nameOf(number), contentOf(static_cast<std::uint32_t>(commits), number));
+            mine.put(nameOf(number, 0), contentOf(static_cast<std::uint32_t>(commits), number));
         return commits;
     };
     std::vector<::pid_t> writers;
@@ -216,8 +258,8 @@ TEST_P(Fairness, TheSlowestWriterCommitsAThirdOfTheFastest) {
     EXPECT_TRUE(open().check().isClean());
 }
 
-TEST_F(Processes, ThreadsOfOneHandleTakeTurns) {
-    StorageRW storage(make_object<SlowDisk>(open_disk_file(path_, OpenMode::readWrite), 2ms));
+TEST_F(OnDisk, ThreadsOfOneHandleTakeTurns) {
+    StorageRW storage(make_object<SlowDisk>(open_disk_file(path_, OpenMode::readWrite), 2ms), layout_);
     const auto end = std::chrono::steady_clock::now() + 500ms;
     int commits[3] = {};
     const Bytes content(1000);
@@ -225,7 +267,7 @@ TEST_F(Processes, ThreadsOfOneHandleTakeTurns) {
     for (int number = 0; number < 3; ++number) {
         threads.emplace_back([&, number] {
             for (; std::chrono::steady_clock::now() < end; ++commits[number])
-                storage.put(nameOf(number), content);
+                storage.put(nameOf(number, 0), content);
         });
     }
     for (std::thread& thread : threads)
@@ -234,44 +276,89 @@ TEST_F(Processes, ThreadsOfOneHandleTakeTurns) {
     EXPECT_GE(3 * *slowest, *fastest) << *slowest << " against " << *fastest;
 }
 
-TEST_F(Processes, AKilledWriterLosesNothingItCommitted) {
-    std::mt19937 random(23);
-    std::uint32_t generation = 0;
-    for (int round = is_nightly() ? 1000 : 30; round > 0; --round) {
+/// A writer in a process of its own that goes on for ever and says of each commit that it is done.
+class Endless {
+  public:
+    explicit Endless(const std::function<::pid_t(int pipe)>& start) {
         int ends[2];
-        ASSERT_EQ(::pipe(ends), 0);
-        const ::pid_t writer = start([&] {
-            StorageRW mine = open();
-            for (std::uint32_t next = generation + 1;; ++next) {
-                write(mine, next);
-                if (::write(ends[1], &next, sizeof next) != sizeof next)
-                    return false;
-            }
-        });
-        std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 20000));
-        ::kill(writer, SIGKILL);
-        ::waitpid(writer, nullptr, 0);
+        if (::pipe(ends) != 0)
+            throw std::runtime_error("no pipe");
+        child_ = start(ends[1]);
         ::close(ends[1]);
-        std::uint32_t committed = generation;
-        for (std::uint32_t told = 0; ::read(ends[0], &told, sizeof told) == sizeof told;)
-            committed = told;
-        ::close(ends[0]);
+        pipe_ = ends[0];
+    }
+    ~Endless() {
+        kill(0);
+        ::close(pipe_);
+    }
+    Endless(const Endless&) = delete;
+    Endless& operator=(const Endless&) = delete;
+
+    /// Kills it; returns the last generation that it told of, or the one that it began behind.
+    std::uint32_t kill(std::uint32_t begin) {
+        if (const ::pid_t child = std::exchange(child_, 0)) {
+            ::kill(child, SIGKILL);
+            ::waitpid(child, nullptr, 0);
+        }
+        for (std::uint32_t told = 0; ::read(pipe_, &told, sizeof told) == sizeof told;)
+            begin = told;
+        return begin;
+    }
+
+  private:
+    ::pid_t child_;
+    int pipe_;
+};
+
+TEST_P(Processes, KilledWritersLoseNothingTheyCommitted) {
+    std::mt19937 random(23);
+    StorageRW watcher = open(); // by one who has it open all the time
+    std::vector<std::uint32_t> now(2);
+    std::size_t kills = 0;
+    for (int round = is_nightly() ? 1250 : 12; round > 0; --round) {
+        const auto writer = [&](int number) {
+            return [&, number](int pipe) {
+                return start([&, number, pipe] {
+                    StorageRW mine = open();
+                    for (std::uint32_t next = now[static_cast<std::size_t>(number)] + 1;; ++next) {
+                        write(mine, next, number);
+                        if (::write(pipe, &next, sizeof next) != sizeof next)
+                            return false;
+                        if (next % 7 == 0)
+                            mine.compact();
+                    }
+                });
+            };
+        };
+        // Both at work; then one is killed, and the other one has to get on.
+        Endless writers[] = {Endless(writer(0)), Endless(writer(1))};
+        const std::size_t first = random() % 2;
+        std::vector<std::uint32_t> committed = now;
+        for (const std::size_t number : {first, 1 - first}) {
+            const auto end =
+                std::chrono::steady_clock::now() + std::chrono::microseconds(500 + random() % 20000);
+            do
+                ASSERT_TRUE(generations(watcher, 2)) << "a torn read";
+            while (std::chrono::steady_clock::now() < end);
+            committed[number] = writers[number].kill(now[number]);
+            ++kills;
+        }
         StorageRW storage = open();
         for (const StorageProblem& problem : storage.check().problems)
             ADD_FAILURE() << to_utf8(problem.text());
-        if (storage.find().empty()) {
-            ASSERT_EQ(committed, 0U);
-            continue;
-        }
-        generation = generationOf(storage.get(nameOf(0)));
-        ASSERT_TRUE(generation == committed || generation == committed + 1) << committed << " " << generation;
-        for (int file = 0; file < kFiles; ++file)
-            ASSERT_EQ(storage.get(nameOf(file)), contentOf(generation, file));
+        const auto found = generations(storage, 2);
+        ASSERT_TRUE(found);
+        ASSERT_EQ(generations(watcher, 2), found);
+        for (std::size_t i = 0; i < now.size(); ++i)
+            ASSERT_TRUE(found->at(i) == committed[i] || found->at(i) == committed[i] + 1)
+                << committed[i] << " " << found->at(i);
+        now = *found;
     }
-    EXPECT_GT(generation, 10U);
+    EXPECT_GT(now[0] + now[1], 10U);
+    RecordProperty("kills", static_cast<int>(kills));
 }
 
-TEST_F(Processes, HoldsARealFolderTree) {
+TEST_P(Processes, HoldsARealFolderTree) {
     namespace fs = std::filesystem;
     const std::string root = "/usr/share/doc";
     if (!fs::is_directory(root))

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The format as somebody else reads and writes it, who has only its description: tests/storage/container.py.
 #include "tests/support/storage_fixture.h"
+#include "tests/support/storage_python.h"
 
 #include <core/runtime/utf8.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace core {
 namespace {
@@ -15,77 +11,66 @@ namespace {
 using test::Bytes;
 using test::Model;
 
-std::string hexadecimal(std::span<const std::byte> bytes) {
-    std::string text;
-    for (const std::byte b : bytes) {
-        text.push_back("0123456789abcdef"[std::to_integer<int>(b) >> 4]);
-        text.push_back("0123456789abcdef"[std::to_integer<int>(b) & 15]);
-    }
-    return text.empty() ? "-" : text;
-}
-
-/// What container.py says of a container that holds what the library finds in it.
-std::string listing(const StorageRW& storage) {
-    std::ostringstream lines;
-    for (const StorageFound& found : storage.find()) {
-        lines << hexadecimal(std::as_bytes(std::span(found.name))) << ' ' << found.created.ticks() << ' '
-              << found.modified.ticks() << ' ' << hexadecimal(storage.get(found.name)) << '\n';
-    }
-    return lines.str();
-}
-
-class Python : public test::InBothLayouts {
+class Independent : public test::MemoryContainer {
   protected:
     void SetUp() override {
-        if (std::system("python3 -c ''") != 0)
-            GTEST_SKIP() << "no Python";
-    }
-    ~Python() override {
-        std::filesystem::remove(container_);
-        std::filesystem::remove(lines_);
-    }
-    [[nodiscard]] bool run(const std::string& command, const std::string& more) const {
-        const std::string call = "python3 -B " CORE_SOURCE_DIR "/tests/storage/container.py " + command +
-                                 " " + container_ + " " + (layout_.width == 4 ? "32 " : "64 ") + more;
-        return std::system(call.c_str()) == 0;
-    }
-    [[nodiscard]] std::string lines() const {
-        std::ostringstream text;
-        text << std::ifstream(lines_).rdbuf();
-        return text.str();
+        if (!python_.exists())
+            GTEST_SKIP() << "no Python with xxhash";
     }
 
-    const std::string container_ = file_path(create_temp_file_service()->createNamed());
-    const std::string lines_ = container_ + ".txt";
+    const test::Python python_;
 };
-INSTANTIATE_TEST_SUITE_P(Layouts, Python, test::kBothLayouts, test::name_of_layout);
+INSTANTIATE_TEST_SUITE_P(Formats, Independent, test::kEveryFormat, test::name_of_format);
 
-TEST_P(Python, ReadsWhatTheLibraryWrote) {
-    StorageRW::create(*open_disk_file(container_, OpenMode::readWrite), layout_);
-    StorageRW storage(open_disk_file(container_, OpenMode::readWrite), layout_);
+TEST_P(Independent, ReadsWhatTheLibraryWrote) {
+    // Two handles in turn, changes alone and in groups.
+    StorageRW handles[] = {open(), open()};
     test::Random random(29);
     Model model;
-    for (int round = 0; round < 4; ++round) {
-        ASSERT_TRUE(run("list", ">" + lines_)) << "round " << round;
-        ASSERT_EQ(lines(), listing(storage)) << "round " << round;
-        for (int i = 0; i < 8; ++i)
+    std::vector<Bytes> images{raw()};
+    std::vector<test::Listing> expected{test::listing(handles[0])};
+    std::vector<std::uint64_t> counters{0};
+    for (int step = 0; step < 60; ++step) {
+        StorageRW& storage = handles[random.below(2)];
+        if (step % 20 == 19) {
+            storage.compact();
+        } else if (random.below(3) != 0) {
             test::change(random, storage, model);
+        } else {
+            StorageTransaction group(storage);
+            for (std::size_t i = random.below(5); i > 0; --i)
+                test::change(random, storage, model);
+            group.commit();
+        }
+        images.push_back(raw());
+        expected.push_back(test::listing(handles[0]));
+        counters.push_back(handles[1].changeCounter());
+    }
+    const std::vector<test::Listing> found = python_.list(images, layout_);
+    ASSERT_EQ(found.size(), images.size());
+    for (std::size_t i = 0; i < found.size(); ++i)
+        ASSERT_EQ(found[i], expected[i]) << "step " << i;
+    // A version names one state of one file: a file that is another has the number of the commit that made it
+    // so.
+    for (std::size_t i = 1; i < found.size(); ++i) {
+        for (const auto& [name, file] : found[i]) {
+            const auto old = found[i - 1].find(name);
+            const bool same = old != found[i - 1].end() && old->second == file;
+            EXPECT_TRUE(file.version == counters[i] || (same && file.version == old->second.version))
+                << "step " << i << ": " << file.version << " at " << counters[i];
+        }
     }
 }
 
-TEST_P(Python, WritesWhatTheLibraryReadsAndChanges) {
+TEST_P(Independent, WritesWhatTheLibraryReadsAndChanges) {
     test::Random random(31);
-    for (int round = 1; round <= 3; ++round) {
+    for (unsigned round = 1; round <= 3; ++round) {
         Model model;
-        std::ofstream input(lines_);
         for (std::size_t i = random.below(12); i > 0; --i)
             model[random.name()] = random.bytes(random.size());
-        for (const auto& [name, content] : model)
-            input << hexadecimal(std::as_bytes(std::span(name))) << " 12 345678 " << hexadecimal(content)
-                  << '\n';
-        input.close();
-        ASSERT_TRUE(run("make", std::to_string(round) + " <" + lines_));
-        StorageRW storage(open_disk_file(container_, OpenMode::readWrite), layout_);
+        data_ = create_memory_data();
+        write_all(*file(), python_.make(model, layout_, format_.table, round));
+        StorageRW storage = open();
         for (const StorageProblem& problem : storage.check().problems)
             ADD_FAILURE() << to_utf8(problem.text());
         ASSERT_EQ(test::contents(storage), model);

@@ -6,27 +6,29 @@
 #include <core/storage/errors.h>
 
 #include <functional>
-#include <optional>
+#include <iterator>
+#include <span>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace core::test {
 
 /// A container in use from all sides at once: two handles that change it in turns, a file that stays open for
-/// writing while other changes are made, and a file that stays open for reading while everything moves around
-/// it.
+/// writing while other changes are made, and files that stay open for reading while everything moves around
+/// them and others take their names.
 class Crowd {
   public:
     Crowd(std::function<InterfacePtr<IFile>()> open, const StorageLayout& layout, Random& random)
-        : random_(random), first_(open(), layout), second_(open(), layout) {
-        model_[kSteady] = steady_ = random.bytes(100000);
-        first_.put(kSteady, steady_);
-        reader_ = second_.open(kSteady, OpenMode::read);
+        : random_(random), open_(std::move(open)), first_(open_(), layout), second_(open_(), layout) {
+        putSteady();
     }
 
     /// Does something at random. At most one state becomes another.
     void step() {
-        switch (random_.below(10)) {
+        if (!model_.contains(kSteady))
+            return putSteady();
+        switch (random_.below(11)) {
         case 0:
             takeBack();
             break;
@@ -41,8 +43,12 @@ class Crowd {
             letGo();
             break;
         case 4:
+            if (!writer_ && random_.below(6) == 0)
+                beginAgain();
+            break;
         case 5:
         case 6:
+        case 7:
             write();
             break;
         default:
@@ -63,24 +69,72 @@ class Crowd {
         const StorageInfo info = second_.info();
         if (!writer_ && info.fileLength != info.end)
             throw std::logic_error("the end of a file that nobody uses was not given back");
-        const std::size_t position = random_.below(steady_.size());
-        Bytes read(random_.below(steady_.size() - position) + 1);
-        const std::size_t done = read_all_at(*reader_, position, read);
-        if (done != read.size() ||
-            !std::equal(read.begin(), read.end(), steady_.begin() + static_cast<std::ptrdiff_t>(position)))
-            throw std::logic_error("a file that was not changed reads otherwise");
-        if (random_.below(8) == 0)
-            reader_ = (random_.below(2) == 0 ? first_ : second_).open(kSteady, OpenMode::read);
+        read();
+        if (random_.below(3) == 0)
+            openReader();
+        if (random_.below(3) == 0 && !readers_.empty())
+            readers_.erase(readers_.begin() + static_cast<std::ptrdiff_t>(random_.below(readers_.size())));
     }
 
     [[nodiscard]] const Model& model() const noexcept { return model_; }
 
   private:
+    /// A file open for reading, and what it held when it was opened.
+    struct Reader {
+        InterfacePtr<IFile> file;
+        Bytes content;
+    };
+
     static inline const wstring kSteady = u"steady";
     static inline const wstring kLate = u"late";
 
     /// The turn is the first handle's while its file is open for writing.
     StorageRW& changer() { return writer_ || random_.below(2) == 0 ? first_ : second_; }
+
+    void putSteady() {
+        const Bytes content = random_.bytes(100000);
+        first_.put(kSteady, content);
+        model_[kSteady] = content;
+        steady_ = {second_.open(kSteady, OpenMode::read), content};
+    }
+
+    /// An empty container takes the place of this one, under the hands of all who have it open.
+    void beginAgain() {
+        StorageRW::replace(*open_(), first_.layout());
+        model_.clear();
+        steady_ = {};
+    }
+
+    void openReader() {
+        if (model_.empty())
+            return;
+        const auto file =
+            std::next(model_.begin(), static_cast<std::ptrdiff_t>(random_.below(model_.size())));
+        StorageRW& storage = random_.below(2) == 0 ? first_ : second_;
+        readers_.push_back({storage.open(file->first, OpenMode::read), file->second});
+    }
+
+    /// What is open for reading gives what it held when it was opened, or says that it is gone.
+    void read() {
+        if (steady_.file && !agrees(steady_))
+            throw std::logic_error("a file that was not changed reads otherwise");
+        std::erase_if(readers_, [&](const Reader& reader) {
+            try {
+                if (!agrees(reader))
+                    throw std::logic_error("a file that was replaced reads otherwise");
+                return false;
+            } catch (const StorageException&) {
+                return true;
+            }
+        });
+    }
+    bool agrees(const Reader& reader) {
+        const std::size_t position = random_.below(reader.content.size() + 1);
+        const std::span<const std::byte> rest = std::span(reader.content).subspan(position);
+        Bytes bytes(random_.below(rest.size() + 1));
+        return read_all_at(*reader.file, position, bytes) == bytes.size() &&
+               std::equal(bytes.begin(), bytes.end(), rest.begin());
+    }
 
     void write() {
         if (!writer_) {
@@ -139,11 +193,12 @@ class Crowd {
     }
 
     Random& random_;
+    std::function<InterfacePtr<IFile>()> open_;
     Model model_;
-    Bytes steady_;
     StorageRW first_;
     StorageRW second_;
-    InterfacePtr<IFile> reader_;
+    Reader steady_; // of a file that only moves
+    std::vector<Reader> readers_;
     InterfacePtr<IFile> writer_;
     Bytes written_;
 };
