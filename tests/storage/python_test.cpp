@@ -62,12 +62,48 @@ TEST_P(Independent, ReadsWhatTheLibraryWrote) {
     }
 }
 
+TEST_P(Independent, ReadsWhatHoldsManyFilesAndManyHoles) {
+    StorageRW storage = open();
+    test::Random random(37);
+    std::vector<Bytes> images;
+    std::vector<test::Listing> expected;
+    const auto keep = [&] {
+        images.push_back(raw());
+        expected.push_back(test::listing(storage));
+    };
+    const auto each = [&](auto change) {
+        StorageTransaction transaction(storage);
+        for (int i = 0; i < 1500; ++i)
+            change(i, from_utf8("folder/" + std::to_string(i * 7919 % 1500)));
+        transaction.commit();
+        keep();
+    };
+    each([&](int, const wstring& name) { storage.put(name, random.bytes(random.below(700))); });
+    each([&](int i, const wstring& name) {
+        if (i % 2 == 0)
+            storage.remove(name);
+    });
+    for (int i = 0; i < 10; ++i) { // a few nodes each time
+        storage.put(u"folder/" + from_utf8(std::to_string(random.below(1500))),
+                    random.bytes(random.below(9000)));
+        storage.removeAll(u"*" + from_utf8(std::to_string(random.below(1000))));
+        keep();
+    }
+    storage.compact();
+    keep();
+    storage.removeAll(u"*");
+    keep();
+    EXPECT_TRUE(python_.list(images, layout_) == expected);
+}
+
 TEST_P(Independent, WritesWhatTheLibraryReadsAndChanges) {
     test::Random random(31);
     for (unsigned round = 1; round <= 3; ++round) {
         Model model;
         for (std::size_t i = random.below(12); i > 0; --i)
             model[random.name()] = random.bytes(random.size());
+        for (std::size_t i = random.below(300); i > 0; --i)
+            model[from_utf8(std::to_string(random.below(1000)))] = random.bytes(random.below(1000));
         data_ = create_memory_data();
         write_all(*file(), python_.make(model, layout_, format_.table, round));
         StorageRW storage = open();

@@ -23,7 +23,7 @@ class Sharing : public test::MemoryContainer {};
 INSTANTIATE_TEST_SUITE_P(Formats, Sharing, test::kEveryFormat, test::name_of_format);
 
 TEST_P(Sharing, HoldsWhatAModelHoldsWhoeverElseHasFilesOpen) {
-    for (unsigned seed = 1; seed <= 12; ++seed) {
+    for (unsigned seed = 1; seed <= 6; ++seed) {
         StorageRW::replace(*open_memory_file(data_), layout_);
         test::Random random(seed);
         test::Crowd crowd([&] { return open_memory_file(data_); }, layout_, random);

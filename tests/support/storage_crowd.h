@@ -20,7 +20,8 @@ namespace core::test {
 class Crowd {
   public:
     Crowd(std::function<InterfacePtr<IFile>()> open, const StorageLayout& layout, Random& random)
-        : random_(random), open_(std::move(open)), first_(open_(), layout), second_(open_(), layout) {
+        : random_(random), open_(std::move(open)), first_(open_(), layout), second_(open_(), layout),
+          model_(contents(first_)) {
         putSteady();
     }
 
@@ -28,7 +29,7 @@ class Crowd {
     void step() {
         if (!model_.contains(kSteady))
             return putSteady();
-        switch (random_.below(11)) {
+        switch (random_.below(12)) {
         case 0:
             takeBack();
             break;
@@ -47,8 +48,11 @@ class Crowd {
                 beginAgain();
             break;
         case 5:
+            crowdIn();
+            break;
         case 6:
         case 7:
+        case 8:
             write();
             break;
         default:
@@ -173,6 +177,23 @@ class Crowd {
         transaction.commit();
     }
 
+    /// A group of changes to small files with long names: a few of them fill a node of a tree.
+    void crowdIn() {
+        StorageRW& storage = changer();
+        StorageTransaction transaction(storage);
+        for (std::size_t i = random_.below(80); i > 0; --i) {
+            const wstring name = wstring(150, u'm') +
+                                 wstring(1 + random_.below(12), static_cast<wchar>(u'a' + random_.below(12)));
+            if (model_.contains(name) && random_.below(2) == 0) {
+                storage.remove(name);
+                model_.erase(name);
+            } else {
+                storage.put(name, model_[name] = random_.bytes(random_.below(20)));
+            }
+        }
+        transaction.commit();
+    }
+
     /// Changes that come to nothing, those of the open file included.
     void takeBack() {
         {
@@ -194,9 +215,9 @@ class Crowd {
 
     Random& random_;
     std::function<InterfacePtr<IFile>()> open_;
-    Model model_;
     StorageRW first_;
     StorageRW second_;
+    Model model_;
     Reader steady_; // of a file that only moves
     std::vector<Reader> readers_;
     InterfacePtr<IFile> writer_;
