@@ -27,7 +27,8 @@ struct Selection {
 };
 [[nodiscard]] Selection select(const core::StorageRW& storage, const Options& options, Console& console);
 
-// container_files.cpp
+// The subcommands, each in a file of its own.
+
 [[nodiscard]] ExitCode create(const Options& options);
 [[nodiscard]] ExitCode list(const Options& options, Console& console);
 [[nodiscard]] ExitCode put(const Options& options, Console& console);
@@ -35,8 +36,6 @@ struct Selection {
 [[nodiscard]] ExitCode cat(const Options& options, Console& console);
 [[nodiscard]] ExitCode remove(const Options& options, Console& console);
 [[nodiscard]] ExitCode move(const Options& options);
-
-// container_report.cpp
 [[nodiscard]] ExitCode check(const Options& options, Console& console);
 [[nodiscard]] ExitCode info(const Options& options, Console& console);
 [[nodiscard]] ExitCode compact(const Options& options, Console& console);

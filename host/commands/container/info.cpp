@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
-#include "host/commands/container.h"
+#include "host/commands/container/container.h"
 #include "host/containers/container_store.h"
-#include "host/terminal/terminal_text.h"
 #include "host/terminal/text_columns.h"
 
 #include <core/runtime/exception.h>
-#include <core/runtime/utf8.h>
-#include <core/strings/integer_text.h>
 
 #include <nlohmann/json.hpp>
 
@@ -15,7 +12,6 @@
 #include <array>
 #include <ostream>
 #include <string>
-#include <string_view>
 
 namespace host::container {
 
@@ -60,31 +56,6 @@ std::string picture(const StorageInfo& info) {
 
 } // namespace
 
-ExitCode check(const Options& options, Console& console) {
-    const StorageCheck result = open_container(options.file, options.wide, OpenMode::read).check();
-    if (console.json) {
-        auto problems = nlohmann::ordered_json::array();
-        for (const StorageProblem& problem : result.problems) {
-            problems.push_back({{"kind", static_cast<int>(problem.kind)},
-                                {"address", problem.address},
-                                {"length", problem.length},
-                                {"name", to_utf8(problem.name)},
-                                {"text", to_utf8(problem.text())}});
-        }
-        const nlohmann::ordered_json all = {
-            {"files", result.files}, {"blocks", result.blocks}, {"problems", std::move(problems)}};
-        console.out << all.dump(2) << '\n';
-    } else {
-        for (const StorageProblem& problem : result.problems)
-            console.out << terminal_text(problem.text()) << '\n';
-        console.out << message("IDS_HOST_CONTAINER_CHECKED",
-                               {string_intto(result.files), string_intto(result.blocks),
-                                string_intto(result.problems.size())})
-                    << '\n';
-    }
-    return result.isClean() ? ExitCode::done : ExitCode::no;
-}
-
 ExitCode info(const Options& options, Console& console) {
     const StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
     const StorageInfo info = storage.info();
@@ -121,18 +92,6 @@ ExitCode info(const Options& options, Console& console) {
         line("IDS_HOST_CONTAINER_BEYOND", std::to_string(beyond));
     columns.write(console.out);
     console.out << picture(info) << message("IDS_HOST_CONTAINER_LEGEND") << '\n';
-    return ExitCode::done;
-}
-
-ExitCode compact(const Options& options, Console& console) {
-    StorageRW storage = open_container(options.file, options.wide, OpenMode::readWrite);
-    if (!storage.check().isClean()) // moving what is damaged would hide it
-        return fail(console, message_text("IDS_HOST_CONTAINER_DAMAGED"), ExitCode::malformed);
-    const std::uint64_t before = storage.info().fileLength;
-    storage.compact();
-    console.out << message("IDS_HOST_CONTAINER_COMPACTED",
-                           {string_intto(before), string_intto(storage.info().fileLength)})
-                << '\n';
     return ExitCode::done;
 }
 

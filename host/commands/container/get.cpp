@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/commands.h"
+#include "host/commands/container/container.h"
+#include "host/commands/container/copy.h"
+#include "host/containers/container_store.h"
+
+#include <core/files/disk_file.h>
+#include <core/files/errors.h>
+#include <core/files/file_system.h>
+#include <core/files/file_time.h>
+#include <core/runtime/errors.h>
+#include <core/runtime/process.h>
+#include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <optional>
+
+namespace host::container {
+
+using namespace core;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Where an inner file goes on disk; none for a name that leads out of the folder.
+std::optional<std::string> target_of(const Options& options, wstring_view name) {
+    const fs::path relative = fs::path(to_utf8(name)).lexically_normal();
+    const bool leadsOut = relative.empty() || relative.is_absolute() || *relative.begin() == ".." ||
+                          !relative.has_filename() || relative == ".";
+    if (leadsOut || name.find(u'\0') != wstring_view::npos)
+        return std::nullopt;
+    return (fs::path(options.folder) / relative).string();
+}
+
+void set_modified_on_disk(const std::string& path, Date modified) {
+    if (modified == Date()) // it is not known
+        return;
+    const std::int64_t seconds = (modified - kUnixEpoch).ticks() / kTicksPerSecond;
+    const ::timespec times[2] = {{0, UTIME_OMIT}, {static_cast<::time_t>(seconds), 0}};
+    (void)::utimensat(AT_FDCWD, path.c_str(), times, 0); // a file system without times does not matter
+}
+
+/// Writes an inner file to disk. A file there is replaced by the whole content or stays as it is, devices are
+/// written to.
+void take_out(const StorageRW& storage, IFile& from, const std::string& path, Progress& progress) {
+    std::error_code ignored;
+    if (fs::is_regular_file(path, ignored)) {
+        if (storage.isIn(*open_disk_file(path, OpenMode::read)))
+            throw StorageException(StorageException::Kind::isDestination, file_url(path));
+        get_service<IFileSystem>()->writeFile(file_url(path), [&](IFile& to) { copy(from, to, progress); });
+        return;
+    }
+    const bool isNew = !fs::exists(fs::symlink_status(path, ignored));
+    const auto to = open_disk_file(path, isNew ? OpenMode::createNew : OpenMode::replace);
+    try {
+        copy(from, *to, progress);
+        to->close();
+    } catch (...) {
+        if (isNew)
+            fs::remove(path, ignored);
+        throw;
+    }
+}
+
+} // namespace
+
+ExitCode get(const Options& options, Console& console) {
+    StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
+    const Selection selection = select(storage, options, console);
+    std::uint64_t total = 0;
+    for (const StorageFound& file : selection.files)
+        total += file.size;
+    Progress progress(console, "get", total);
+    ExitCode code = selection.missing == 0 ? ExitCode::done : ExitCode::no;
+    for (const StorageFound& file : selection.files) {
+        const auto path = target_of(options, file.name);
+        if (!path) {
+            code = fail(console, message_text("IDS_HOST_NAME_LEADS_OUT", {file.name}), ExitCode::no);
+            continue;
+        }
+        std::error_code error;
+        fs::create_directories(fs::path(*path).parent_path(), error); // opening says what is wrong
+        const auto from = storage.open(file.name, OpenMode::read);
+        take_out(storage, *from, *path, progress);
+        set_modified_on_disk(*path, file.modified);
+    }
+    return code;
+}
+
+} // namespace host::container
