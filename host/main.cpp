@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <malloc.h>
 
+#include <csignal>
 #include <iostream>
 
 namespace {
@@ -16,6 +17,11 @@ void keep_standard_streams() {
             static_cast<void>(
                 ::open("/dev/null", stream == 0 ? O_WRONLY : O_RDONLY)); // the lowest that is free
     }
+}
+
+/// A file that must not grow further is an error of the write, like a full disk, and ends nothing by itself.
+void keep_running_at_limits() {
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }
 
 /// Scripts make large values and drop them all the time: pages given back at once would be asked for again,
@@ -32,6 +38,7 @@ void keep_freed_memory() {
 int main(int argc, char** argv) {
     using namespace host;
     keep_standard_streams();
+    keep_running_at_limits();
     keep_freed_memory();
     std::ios::sync_with_stdio(false);
     Console console{std::cin, std::cout, std::cerr, language_of_environment(), colour_of_environment()};

@@ -9,10 +9,12 @@
 #include <core/runtime/internal_class.h>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <utility>
 
@@ -32,6 +34,15 @@ static_assert(sizeof(::off_t) == sizeof(std::int64_t), "build with _FILE_OFFSET_
 
 // No system reads or writes more in one call.
 constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
+
+/// The greatest length that the system lets the process give a file. A write behind it would not only fail:
+/// the system would end the process with a signal.
+std::uint64_t length_limit() noexcept {
+    struct rlimit limit {};
+    if (::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
+        return kMaxFileLength;
+    return std::min<std::uint64_t>(limit.rlim_cur, kMaxFileLength);
+}
 
 /// An open descriptor of the system, closed at the end.
 class Descriptor {
@@ -77,8 +88,11 @@ class DiskFile : public FileImpl, public ISharedFile {
     std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override {
         if (count == 0)
             return 0;
-        if (offset >= kMaxFileLength)
+        const std::uint64_t room = roomBehind(offset, count);
+        if (room == 0)
             throw_file_error(messages::kFileWrite, url(), EFBIG);
+        if (room < count)
+            count = static_cast<std::size_t>(room);
         for (;;) {
             const auto done = ::pwrite(descriptor_.number(), buffer, transfer(offset, count), native(offset));
             if (done >= 0)
@@ -91,7 +105,7 @@ class DiskFile : public FileImpl, public ISharedFile {
     std::uint64_t length() override { return static_cast<std::uint64_t>(status().st_size); }
 
     void truncate(std::uint64_t length) override {
-        if (length > kMaxFileLength)
+        if (length != 0 && roomBehind(length - 1, 1) == 0 && length > this->length())
             throw_file_error(messages::kFileWrite, url(), EFBIG);
         while (::ftruncate(descriptor_.number(), native(length)) != 0) {
             if (errno != EINTR)
@@ -148,6 +162,17 @@ class DiskFile : public FileImpl, public ISharedFile {
     }
     static ::off_t native(std::uint64_t offset) { return static_cast<::off_t>(offset); }
 
+    /// How many bytes may be written at `offset`, where `count` are to be. The limit is asked for again where
+    /// it matters: it may have been raised.
+    std::uint64_t roomBehind(std::uint64_t offset, std::uint64_t count) noexcept {
+        std::uint64_t limit = limit_.load(std::memory_order_relaxed);
+        if (offset > limit || count > limit - offset) {
+            limit = length_limit();
+            limit_.store(limit, std::memory_order_relaxed);
+        }
+        return limit - std::min(limit, offset);
+    }
+
     [[nodiscard]] struct stat status() const {
         struct stat result {};
         if (::fstat(descriptor_.number(), &result) != 0)
@@ -170,6 +195,7 @@ class DiskFile : public FileImpl, public ISharedFile {
 
     Descriptor descriptor_;
     std::string newPath_;
+    std::atomic<std::uint64_t> limit_{length_limit()};
 };
 
 int open_flags(OpenMode mode) {

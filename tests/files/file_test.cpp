@@ -4,6 +4,9 @@
 
 #include <core/runtime/internal_class.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <limits>
 #include <random>
@@ -198,6 +201,26 @@ TEST(FileIO, InsistsOnWholeTransfersAndReportsAFullDisk) {
     disk.capacity = 12;
     EXPECT_EQ(reason_of([&] { write_all_at(*file, 8, bytes_of("abcdefgh")); }), ENOSPC);
     EXPECT_EQ(text_of(*file), "01234567abcd");
+}
+
+TEST(DiskFile, ALimitOfItsLengthIsAnErrorAndNoSignal) {
+    const TempFolder folder;
+    const std::string path = folder / "f";
+    const auto written = [&path] {
+        const struct rlimit limit = {1000, RLIM_INFINITY};
+        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            return 2;
+        const auto file = open_disk_file(path, OpenMode::createNew);
+        const std::string text(3000, 'x');
+        bool right = reason_of([&] { write_all(*file, bytes_of(text)); }) == EFBIG && file->length() == 1000;
+        right = right && reason_of([&] { file->truncate(1001); }) == EFBIG;
+        file->truncate(10);
+        file->truncate(1000);
+        const struct rlimit more = {2000, RLIM_INFINITY};
+        right = right && ::setrlimit(RLIMIT_FSIZE, &more) == 0 && file->writeAt(1999, "y", 1) == 1;
+        return right ? 0 : 1;
+    };
+    EXPECT_EXIT(::_exit(written()), testing::ExitedWithCode(0), "");
 }
 
 TEST_P(EveryFile, SeeksWithinWhatAFileCanBe) {
