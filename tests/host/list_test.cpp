@@ -143,6 +143,9 @@ TEST_F(ListTest, LayoutAndJson) {
     EXPECT_EQ(result({"to-json", "--indent", "0"}, text),
               "[1,\n[2,3],\n[\"a\\\"b\",\"\"],\n[\n[\n[]\n]\n],{\"token\": \"+4\"}]\n");
     EXPECT_EQ(result({"from-json"}, R"([1e+5, 0.10, {"token": "7"}])"), "{1e5,0.10,7}\n");
+    EXPECT_EQ(result({"from-json"}, "\xEF\xBB\xBF[1]"), "{1}\n") << "behind a byte order mark";
+    for (const char* const json : {"\xEF\xBB[1]", "\xEF", "\xEF\xBB\xBF\xEF\xBB\xBF[1]", "\xEF\xBB\xBF"})
+        EXPECT_NE(refusal({"from-json"}, json), "") << json;
     EXPECT_EQ(result({"to-json"}, "5"), "5\n");
     // the counts that check tells
     EXPECT_EQ(result({"check"}, text), "-: well-formed; lists: 6, strings: 2, other tokens: 4, depth: 4\n");

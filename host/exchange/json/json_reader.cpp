@@ -119,7 +119,23 @@ JsonReader::JsonReader(JsonEvents& events, std::size_t maxDepth)
 
 JsonReader::~JsonReader() = default;
 
+/// A byte order mark may stand in front of the text, and may be cut between two pieces.
+std::string_view JsonReader::behindMark(std::string_view piece) {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    while (mark_ < kMark.size() && !piece.empty()) {
+        if (piece.front() != kMark[mark_]) {
+            if (const std::size_t begun = std::exchange(mark_, kMark.size()); begun != 0)
+                read(kMark.substr(0, begun)); // says where it is malformed
+            break;
+        }
+        ++mark_;
+        piece.remove_prefix(1);
+    }
+    return piece;
+}
+
 void JsonReader::read(std::string_view piece) {
+    piece = behindMark(piece);
     Error error;
     const std::size_t count = parser_->write_some(true, piece.data(), piece.size(), error);
     advance(piece.substr(0, count));

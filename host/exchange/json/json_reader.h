@@ -29,8 +29,8 @@ class JsonEvents {
     virtual void onObjectEnd() = 0;
 };
 
-/// Reads one JSON text, given in pieces of any size. Memory grows with nesting and with the longest number or
-/// name, not with the text.
+/// Reads one JSON text in UTF-8, with or without a byte order mark, given in pieces of any size. Memory grows
+/// with nesting and with the longest number or name, not with the text.
 ///
 /// ContextException for malformed text and for what an event refuses, with line and column, and for nesting
 /// too deep; the reader is not meant to be used further. What else an event throws passes through.
@@ -48,11 +48,13 @@ class JsonReader {
   private:
     class Parser;
 
+    [[nodiscard]] std::string_view behindMark(std::string_view piece);
     void advance(std::string_view read) noexcept;
     [[noreturn]] void fail(const std::string& reason) const;
 
     std::unique_ptr<Parser> parser_;
     std::size_t maxDepth_;
+    std::size_t mark_ = 0; ///< bytes of a byte order mark that were read; all of them where none can follow
     std::uint64_t line_ = 1;
     std::uint64_t column_ = 1; ///< in characters
 };
