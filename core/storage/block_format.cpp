@@ -32,11 +32,8 @@ BlockHeader decode_block_header(const std::byte* from, const StorageLayout& layo
                                 bool first) {
     const std::size_t field = layout.digits() + 1;
     const std::byte* const numbers = from + 2;
-    constexpr auto kBlank = static_cast<std::byte>(' ');
-    const bool framed = is(from, '\r', '\n') && is(numbers + 3 * field, '\r', '\n') &&
-                        numbers[field - 1] == kBlank && numbers[2 * field - 1] == kBlank &&
-                        numbers[3 * field - 1] == kBlank;
-    if (!framed)
+    // What stands between the numbers is written as a blank and not looked at.
+    if (!is(from, '\r', '\n') || !is(numbers + 3 * field, '\r', '\n'))
         throw ChainInFileExc(address);
     return {first ? decode_hex(numbers, layout.digits()) : 0, decode_hex(numbers + field, layout.digits()),
             decode_hex(numbers + 2 * field, layout.digits())};

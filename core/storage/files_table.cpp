@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <numeric>
 #include <string_view>
 
 namespace core {
@@ -102,7 +103,7 @@ bool FilesTable::decode(std::span<const std::byte> content, bool sorted) {
             return false;
         table.names_.resize(nameBytes / 2);
         copy_units(table.names_.data(), from, table.names_.size());
-        if (!sorted && !table.isSorted())
+        if (!table.isSorted() && (!sorted || !table.sort()))
             return false;
     }
     *this = std::move(table);
@@ -115,6 +116,23 @@ bool FilesTable::isSorted() const noexcept {
             return false;
     }
     return true;
+}
+
+bool FilesTable::sort() {
+    std::vector<std::size_t> order(rows_.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(),
+              [this](std::size_t a, std::size_t b) { return compare_file_names(nameOf(a), nameOf(b)) < 0; });
+    FilesTable sorted(*layout_);
+    sorted.rows_.reserve(rows_.size());
+    sorted.names_.reserve(names_.size());
+    for (const std::size_t row : order) {
+        sorted.names_.append(nameOf(row));
+        sorted.rows_.push_back({rows_[row].entry, sorted.names_.size()});
+    }
+    rows_ = std::move(sorted.rows_);
+    names_ = std::move(sorted.names_);
+    return isSorted();
 }
 
 std::optional<StorageFileEntry> FilesTable::find(wstring_view name) const {

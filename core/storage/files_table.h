@@ -27,9 +27,9 @@ class FilesTable {
 
     // modify
 
-    /// Takes over the table's content. False, with the table unchanged, when it is malformed:
-    /// cut off, an address outside the container, or names that are not sorted, unless `sorted`
-    /// takes their order on trust.
+    /// Takes over the table's content. False, with the table unchanged, when it is malformed: cut off, an
+    /// address outside the container, a name twice, or names that are not in order, unless `sorted` lets them
+    /// be put in order.
     [[nodiscard]] bool decode(std::span<const std::byte> content, bool sorted);
     /// What a name stands for, now or once the changes are committed; nothing when there is no such file.
     using Change = std::optional<StorageFileEntry>;
@@ -92,6 +92,8 @@ class FilesTable {
         return wstring_view(names_).substr(begin, static_cast<std::size_t>(rows_[row].nameEnd) - begin);
     }
     [[nodiscard]] bool isSorted() const noexcept;
+    /// Puts the rows in order; false when a name is there twice.
+    [[nodiscard]] bool sort();
     [[nodiscard]] std::optional<std::size_t> rowOf(wstring_view name) const;
     void makeIndex() const;
     [[nodiscard]] SortedChanges sortedChanges() const;

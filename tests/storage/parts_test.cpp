@@ -2,6 +2,7 @@
 // The parts of a container, each by itself: chains of blocks, the table of inner files, attributes, open
 // inner files. Together they read any container without the class that writes it.
 #include "tests/support/storage_fixture.h"
+#include "tests/support/storage_image.h"
 
 #include <core/files/errors.h>
 #include <core/storage/errors.h>
@@ -142,11 +143,34 @@ TEST_P(Parts, AnUnsortedTableNeedsTheOption) {
     EXPECT_TRUE(StorageFilesType(layout_).decode(content, false));
     content[content.size() - 4] = std::byte{'c'};
     EXPECT_FALSE(StorageFilesType(layout_).decode(content, false));
-    EXPECT_TRUE(StorageFilesType(layout_).decode(content, true));
+    ASSERT_TRUE(table.decode(content, true)); // c, b
+    table.set(u"c", {layout_.null, layout_.null});
+    table.set(u"a", {layout_.null, layout_.null});
+    std::vector<wstring> names;
+    table.forEach([&](wstring_view name, const StorageFileEntry&) {
+        names.emplace_back(name);
+        EXPECT_TRUE(table.find(name));
+    });
+    EXPECT_EQ(names, (std::vector<wstring>{u"a", u"b", u"c"})) << "each name once, and in order";
+    EXPECT_TRUE(StorageFilesType(layout_).decode(table.encode(), false));
     content[content.size() - 4] = std::byte{'b'};
-    EXPECT_FALSE(StorageFilesType(layout_).decode(content, false)) << "a name twice";
+    EXPECT_FALSE(StorageFilesType(layout_).decode(content, true)) << "a name twice";
     for (std::size_t size = 0; size < content.size(); ++size)
         EXPECT_EQ(StorageFilesType(layout_).decode(std::span(content).first(size), true), size == 0);
+}
+
+TEST_P(Parts, WhatStandsBehindANumberOfABlockHeaderDoesNotMatter) {
+    const std::string header = "\r\n" + test::hex(3, layout_.digits()) + "_" +
+                               test::hex(5, layout_.digits()) + std::string(1, '\0') +
+                               test::hex(layout_.null, layout_.digits()) + "\xFF\r\n";
+    const auto file = open_memory_file(create_memory_data());
+    const std::uint64_t address = layout_.emptyLength();
+    write_all_at(*file, address, test::bytes_of(header + "abcde"));
+    ChainInFile chain(layout_);
+    chain.read(*file, address, u"box");
+    EXPECT_EQ(chain.content(*file, u"box"), test::bytes_of("abc"));
+    write_all_at(*file, address + 1, test::bytes_of("\r"));
+    EXPECT_THROW(chain.read(*file, address, u"box"), StorageException);
 }
 
 TEST_P(Parts, AnOpenInnerFileKeepsItsContainerOpen) {

@@ -53,8 +53,8 @@ class CORE_API StorageFilesType {
     // modify
 
     /// Takes over a table's content. Returns false, with the object unchanged, when the content is malformed:
-    /// it is cut off, an address lies outside the container, or the names are not in order. `sorted` takes
-    /// their order on trust; files of a table that is not in order may then not be found.
+    /// it is cut off, an address lies outside the container, a name stands there twice, or the names are not
+    /// in order. With `sorted` names that are not in order are put in order instead.
     [[nodiscard]] bool decode(std::span<const std::byte> content, bool sorted);
     /// Adds a file or replaces its entry. The addresses are stored as they are. Throws StorageException when
     /// the name is longer than kLongestName.
