@@ -50,6 +50,12 @@ bool StorageEngine::create(IFile& file, const StorageLayout& layout, bool replac
             file.truncate(bytes.size());
     } catch (...) {
         lock.endCommit(false);
+        if (empty) { // a part of a container would be no container for whoever comes next
+            try {
+                file.truncate(0);
+            } catch (...) { // what is reported is why it could not be written
+            }
+        }
         throw;
     }
     lock.endCommit(false);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/storage/container_file.h"
 #include "core/storage/engine.h"
 
 #include <core/files/errors.h>
@@ -12,9 +13,32 @@
 
 namespace core {
 
+namespace {
+
+std::shared_ptr<StorageEngine> open_engine(const InterfacePtr<IFile>& file, const StorageLayout& layout,
+                                           const StorageOptions& options, const wstring& url) {
+    try {
+        return std::make_shared<StorageEngine>(file, layout, options, url);
+    } catch (const StorageException& e) {
+        // Only for the message: which layout a file has is for the caller to say.
+        const bool wide = layout.width == kStorageLayout64.width;
+        const StorageLayout& other = wide ? kStorageLayout32 : kStorageLayout64;
+        if (e.kind() != StorageException::Kind::badFormat || !begins_as_container(*file, other))
+            throw;
+        const wstring shown = url.empty() ? file->url() : url;
+        const wstring bits = wide ? u"32" : u"64";
+        throw_with_message(StorageException(e.kind(), shown,
+                                            message_text(messages::kStorageOtherLayout,
+                                                         {shown, bits, wstring(other.scheme)})),
+                           messages::kStorageOtherLayout, {shown, bits, wstring(other.scheme)});
+    }
+}
+
+} // namespace
+
 StorageRW::StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
                      const wstring& url)
-    : engine_(std::make_shared<StorageEngine>(std::move(file), layout, options, url)) {}
+    : engine_(open_engine(file, layout, options, url)) {}
 
 void StorageRW::create(IFile& file, const StorageLayout& layout) {
     if (!createIfEmpty(file, layout))

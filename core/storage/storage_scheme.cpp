@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/files/disk_file.h>
-#include <core/files/errors.h>
+#include "core/storage/container_file.h"
+
 #include <core/files/url.h>
 #include <core/runtime/internal_class.h>
-#include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
 #include <core/storage/storage_scheme.h>
@@ -24,14 +23,6 @@ std::atomic<unsigned>& serial_of(const StorageLayout& layout) {
     static std::atomic<unsigned> narrow{0};
     static std::atomic<unsigned> wide{0};
     return layout.width == kStorageLayout32.width ? narrow : wide;
-}
-
-InterfacePtr<IFile> open_file(const wstring& url, OpenMode mode) {
-    if (compare_nocase(split_url(url).scheme, u"file") == 0)
-        return open_disk_file(file_path(url), mode);
-    if (auto* const system = get_service<IFileSystem>())
-        return system->openURL(url, mode);
-    throw_file_error(messages::kFileScheme, url, ENOTSUP);
 }
 
 FileInfo file_info(const StorageRW& storage, const StorageFound& found) {
@@ -115,13 +106,7 @@ wstring StorageScheme::openContainer(const wstring& url, OpenMode mode) {
     const URL parsed = parseURL(url);
     const StorageOptions options{.readOnly = mode == OpenMode::read,
                                  .noSortedCheck = parsed.hasOption(u"NoSortedCheck")};
-    // What is replaced is emptied in its turn, and not as it is opened.
-    auto file = open_file(parsed.path, mode == OpenMode::replace ? OpenMode::create : mode);
-    if (mode == OpenMode::replace)
-        StorageRW::replace(*file, state_->layout);
-    else if (mode == OpenMode::create || mode == OpenMode::createNew)
-        StorageRW::createIfEmpty(*file, state_->layout);
-    return state_->enter(std::move(file), options, url);
+    return state_->enter(open_container_file(parsed.path, mode, state_->layout), options, url);
 }
 
 wstring StorageScheme::openContainerIn(IFile* file, const StorageOptions& options) {

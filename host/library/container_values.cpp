@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/library/container_values.h"
 
-#include "host/containers/container_store.h"
-
 #include <core/runtime/utf8.h>
+#include <core/storage/open_container.h>
 #include <core/streams/text_file.h>
 
 namespace core::script {
@@ -11,7 +10,7 @@ namespace core::script {
 void save_to_container(wstring_view file, wstring_view name, const GenericValue& value) {
     wstring text; // made before anything is touched
     value.toString(text);
-    StorageRW storage = host::open_container(to_utf8(file), false, OpenMode::create);
+    StorageRW storage = open_container(to_utf8(file), OpenMode::create);
     const auto inner = storage.open(name, OpenMode::replace);
     TextOutStream out(inner);
     put_text(out, text);
@@ -20,7 +19,7 @@ void save_to_container(wstring_view file, wstring_view name, const GenericValue&
 }
 
 GenericValue load_from_container(wstring_view file, wstring_view name) {
-    StorageRW storage = host::open_container(to_utf8(file), false, OpenMode::read);
+    StorageRW storage = open_container(to_utf8(file), OpenMode::read);
     TextInStream in(storage.open(name, OpenMode::read));
     return GenericValue::fromString(read_text(in));
 }

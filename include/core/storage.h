@@ -8,6 +8,7 @@
 #include <core/storage/file_with_buffer.h>
 #include <core/storage/files_type.h>
 #include <core/storage/layout.h>
+#include <core/storage/open_container.h>
 #include <core/storage/storage_check.h>
 #include <core/storage/storage_rw.h>
 #include <core/storage/storage_scheme.h>

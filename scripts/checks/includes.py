@@ -25,12 +25,11 @@ BELOW = {
     "host/process": ["dates"],
     "script": ["context"],
     "host/exchange": ["tables"],
-    "host/containers": ["storage"],
     "host/language": ["script", "collections"],
-    "host/library": ["script", "host/exchange", "host/containers"],
+    "host/library": ["script", "host/exchange", "storage"],
     "host/engine": ["host/language", "host/library", "host/process"],
     "host/terminal": ["script", "host/exchange"],
-    "host/commands": ["host/terminal", "host/containers", "host/process"],
+    "host/commands": ["host/terminal", "host/process", "storage"],
     "host": ["host/commands"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

@@ -7,7 +7,9 @@
 #include <core/storage/storage_rw.h>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -88,6 +90,10 @@ TEST_F(Container, CarriesAFolderThereAndBack) {
         EXPECT_NE(out_.find(R"("size": 5,)"), std::string::npos);
     }
     EXPECT_EQ(run({"ls", file, "--64"}), ExitCode::malformed) << "the other layout";
+    EXPECT_NE(err_.find("leave --64 out"), std::string::npos) << err_;
+    ASSERT_EQ(run({"create", path("wide.st"), "--64"}), ExitCode::done);
+    EXPECT_EQ(run({"ls", path("wide.st")}), ExitCode::malformed);
+    EXPECT_NE(err_.find("say --64"), std::string::npos) << err_;
     EXPECT_EQ(run({"ls", "lumstg://" + file, "*b*"}), ExitCode::done);
     EXPECT_EQ(out_.find("a.txt"), std::string::npos);
     EXPECT_NE(out_.find("in/tree/sub/b.bin"), std::string::npos);
@@ -159,6 +165,24 @@ TEST_F(Container, TheSchemeOfAURLSaysTheLayout) {
     EXPECT_EQ(run({"cat", "--64", "LumStg://" + path("narrow"), "a.txt"}), ExitCode::done) << err_;
     EXPECT_EQ(run({"cat", "--64", path("wide"), "a.txt"}), ExitCode::done) << err_;
     EXPECT_EQ(out_, "Hello");
+}
+
+TEST_F(Container, WhatDoesNotFitOnTheDiskLeavesNothing) {
+    const auto create = [this] { // within a file of a few bytes
+        const struct rlimit limit = {100, RLIM_INFINITY};
+        return ::setrlimit(RLIMIT_FSIZE, &limit) == 0 ? static_cast<int>(run({"create", path("c.st")})) : -1;
+    };
+    EXPECT_EXIT(::_exit(create()), testing::ExitedWithCode(static_cast<int>(ExitCode::io)), "");
+    EXPECT_FALSE(fs::exists(path("c.st")));
+    write("empty.st", "");
+    const auto put = [this] {
+        const struct rlimit limit = {100, RLIM_INFINITY};
+        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            return -1;
+        return static_cast<int>(run({"put", path("empty.st"), path("tree/a.txt")}));
+    };
+    EXPECT_EXIT(::_exit(put()), testing::ExitedWithCode(static_cast<int>(ExitCode::io)), "");
+    EXPECT_EQ(read("empty.st"), "") << "as it was";
 }
 
 TEST_F(Container, TimesThatAreNotKnownAreNotSet) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/container/container.h"
 #include "host/commands/container/copy.h"
-#include "host/containers/container_store.h"
 
 #include <ostream>
 #include <vector>
@@ -11,7 +10,7 @@ namespace host::container {
 using namespace core;
 
 ExitCode cat(const Options& options, Console& console) {
-    StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
+    StorageRW storage = open(options, OpenMode::read);
     const Selection selection = select(storage, options, console);
     for (const StorageFound& file : selection.files) {
         const auto from = storage.open(file.name, OpenMode::read);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
-#include "host/containers/container_store.h"
 #include "host/terminal/terminal_text.h"
+#include "host/terminal/text_columns.h"
 
 #include <core/runtime/exception.h>
 #include <core/runtime/utf8.h>
@@ -17,7 +17,7 @@ namespace host::container {
 using namespace core;
 
 ExitCode check(const Options& options, Console& console) {
-    const StorageCheck result = open_container(options.file, options.wide, OpenMode::read).check();
+    const StorageCheck result = open(options, OpenMode::read).check();
     if (console.json) {
         auto problems = nlohmann::ordered_json::array();
         for (const StorageProblem& problem : result.problems) {

@@ -2,15 +2,27 @@
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
 
+#include <core/runtime/exception.h>
+#include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
 
 #include <CLI/CLI.hpp>
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace host {
+namespace {
+
+/// A container that is given by its path has the layout that the command line says.
+core::wstring other_layout(const container::Options& options) {
+    return core::message_text(options.wide ? "IDS_HOST_CONTAINER_IS_NARROW" : "IDS_HOST_CONTAINER_IS_WIDE",
+                              {core::from_utf8(options.file)});
+}
+
+} // namespace
 
 void add_container_command(CLI::App& app, Console& console, Action& action) {
     using container::Options;
@@ -31,6 +43,8 @@ void add_container_command(CLI::App& app, Console& console, Action& action) {
                 try {
                     return run(*options, console);
                 } catch (const core::StorageException& e) {
+                    if (std::string_view(e.messageId()) == core::messages::kStorageOtherLayout)
+                        return fail(console, other_layout(*options), ExitCode::malformed);
                     if (e.kind() != core::StorageException::Kind::fileNotFound)
                         throw;
                     return fail(console, e.description(), ExitCode::no);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
-#include "host/containers/container_store.h"
+#include "host/terminal/text_columns.h"
 
 #include <core/runtime/exception.h>
 #include <core/strings/integer_text.h>
@@ -13,7 +13,7 @@ namespace host::container {
 using namespace core;
 
 ExitCode compact(const Options& options, Console& console) {
-    StorageRW storage = open_container(options.file, options.wide, OpenMode::readWrite);
+    StorageRW storage = open(options, OpenMode::readWrite);
     if (!storage.check().isClean()) // moving what is damaged would hide it
         return fail(console, message_text("IDS_HOST_CONTAINER_DAMAGED"), ExitCode::malformed);
     const std::uint64_t before = storage.info().fileLength;

@@ -19,6 +19,9 @@ struct Options {
     std::string folder; ///< put: where to in the container; get: where to on disk
 };
 
+/// Opens the container of the command line. StorageException and FileException.
+[[nodiscard]] core::StorageRW open(const Options& options, core::OpenMode mode);
+
 /// The inner files that the names and patterns of the command line mean, by name. One that means none is
 /// told on the console and counted.
 struct Selection {

@@ -2,7 +2,6 @@
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
 #include "host/commands/container/copy.h"
-#include "host/containers/container_store.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -70,7 +69,7 @@ void take_out(const StorageRW& storage, IFile& from, const std::string& path, Pr
 } // namespace
 
 ExitCode get(const Options& options, Console& console) {
-    StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
+    StorageRW storage = open(options, OpenMode::read);
     const Selection selection = select(storage, options, console);
     std::uint64_t total = 0;
     for (const StorageFound& file : selection.files)

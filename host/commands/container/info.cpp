@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
-#include "host/containers/container_store.h"
 #include "host/terminal/text_columns.h"
 
 #include <core/runtime/exception.h>
@@ -57,7 +56,7 @@ std::string picture(const StorageInfo& info) {
 } // namespace
 
 ExitCode info(const Options& options, Console& console) {
-    const StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
+    const StorageRW storage = open(options, OpenMode::read);
     const StorageInfo info = storage.info();
     const bool wide = storage.layout().width == kStorageLayout64.width;
     const std::uint64_t beyond = info.fileLength - std::min(info.end, info.fileLength);

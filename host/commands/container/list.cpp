@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/container/container.h"
-#include "host/containers/container_store.h"
 #include "host/terminal/terminal_text.h"
 
 #include <core/runtime/utf8.h>
@@ -16,7 +15,7 @@ namespace host::container {
 using namespace core;
 
 ExitCode list(const Options& options, Console& console) {
-    const StorageRW storage = open_container(options.file, options.wide, OpenMode::read);
+    const StorageRW storage = open(options, OpenMode::read);
     const std::vector<StorageFound> files =
         options.names.empty() ? storage.find() : select(storage, options, console).files;
     if (console.json) {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/container/container.h"
-#include "host/containers/container_store.h"
 
 #include <core/runtime/utf8.h>
 
@@ -9,7 +8,7 @@ namespace host::container {
 using namespace core;
 
 ExitCode move(const Options& options) {
-    StorageRW storage = open_container(options.file, options.wide, OpenMode::readWrite);
+    StorageRW storage = open(options, OpenMode::readWrite);
     storage.rename(from_utf8(options.names.at(0)), from_utf8(options.names.at(1)));
     return ExitCode::done;
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/container/container.h"
 #include "host/commands/container/copy.h"
-#include "host/containers/container_store.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -102,7 +101,7 @@ ExitCode put(const Options& options, Console& console) {
     std::uint64_t total = 0;
     for (const Source& source : all)
         total += source.size;
-    StorageRW storage = open_container(options.file, options.wide, OpenMode::create);
+    StorageRW storage = open(options, OpenMode::create);
     Progress progress(console, "put", total);
     StorageTransaction transaction(storage);
     for (const Source& source : all) {

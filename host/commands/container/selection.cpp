@@ -4,6 +4,7 @@
 
 #include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
+#include <core/storage/open_container.h>
 
 #include <algorithm>
 #include <iterator>
@@ -12,6 +13,10 @@
 namespace host::container {
 
 using namespace core;
+
+StorageRW open(const Options& options, OpenMode mode) {
+    return open_container(options.file, mode, options.wide ? kStorageLayout64 : kStorageLayout32);
+}
 
 Selection select(const StorageRW& storage, const Options& options, Console& console) {
     Selection selection;

@@ -25,6 +25,8 @@ inline constexpr const char* kStorageBadFormat = "IDS_STERROR_BADFORMAT";
 inline constexpr const char* kStorageBusy = "IDS_STERROR_BUSY";
 /// An inner file was changed while it was open for reading.
 inline constexpr const char* kStorageChanged = "IDS_STERROR_CHANGED";
+/// A container has the other layout; {1} is 32 or 64, {2} the scheme that opens it.
+inline constexpr const char* kStorageOtherLayout = "IDS_STERROR_OTHERLAYOUT";
 /// A container takes no changes after an earlier failure to make them durable.
 inline constexpr const char* kStorageFailed = "IDS_STERROR_FAILED";
 /// A container has no such inner file.

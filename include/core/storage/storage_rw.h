@@ -20,8 +20,8 @@ class StorageEngine;
 /// How a container is opened.
 struct StorageOptions {
     bool readOnly = false; ///< Whether changes are refused. The file need not be open for writing then.
-    /// Whether the order of the table of inner files is taken on trust. In a table that is not in order,
-    /// files may not be found.
+    /// Whether a table of inner files that is not in order is accepted. It is put in order in memory, so that
+    /// every file is found, and on disk by the next change.
     bool noSortedCheck = false;
 };
 

@@ -17,9 +17,10 @@ class IStorageScheme : public IUnknown {
     static constexpr GUID IID = "e365e27f-59f7-435f-bf15-b5a0069f2832"_guid;
 
     /// Opens the container that lies in a file, and returns its root URL. `url` is the scheme, "://", and the
-    /// URL or path of the file; options follow a "?", separated by ";": "NoSortedCheck" takes the order of
-    /// the table on trust. A file that is made or emptied becomes an empty container. Throws FileException
-    /// when the file cannot be opened, and StorageException when it holds no container of this layout.
+    /// URL or path of the file; options follow a "?", separated by ";": "NoSortedCheck" accepts a table
+    /// of inner files that is not in order. A file that is made or emptied becomes an empty container. Throws
+    /// FileException when the file cannot be opened, and StorageException when it holds no container of this
+    /// layout.
     [[nodiscard]] virtual wstring openContainer(const wstring& url, OpenMode mode) = 0;
     /// Opens the container that lies in an open file, to which it takes a reference, and returns its root
     /// URL. Throws StorageException when the file holds no container of this layout.
