@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any bytes, opened as a container of either layout. What is damaged says so with its kind and URL and is not
-// written to; what is whole can be read, changed and compacted, and stays whole.
+// Any bytes, opened as a container of either layout; and once more with the checksums that they should have.
+// What is damaged says so with its kind and URL and is not written to by reading; what is whole can be read,
+// changed and compacted, and stays whole.
+#include "tests/support/storage_seal.h"
+
 #include <core/files.h>
 #include <core/storage.h>
 #include <core/storage/errors.h>
@@ -51,29 +54,36 @@ void change_all(StorageRW& storage) {
     require(storage.get(u"new") == bytes);
 }
 
+void run(const std::vector<std::byte>& bytes, const StorageLayout& layout) {
+    const auto file = open_memory_file(create_memory_data());
+    write_all(*file, bytes);
+    (void)finds_damage([&] {
+        StorageRW storage(file, layout);
+        StorageCheck check;
+        require(!finds_damage([&] { check = storage.check(); }));
+        for (const StorageProblem& problem : check.problems)
+            require(!problem.text().empty());
+        const bool damaged = finds_damage([&] { read_all(storage); });
+        require(read_whole(*file) == bytes);
+        if (!check.isClean()) {
+            (void)finds_damage([&] { change_all(storage); });
+            return;
+        }
+        require(!damaged);
+        require(!finds_damage([&] { change_all(storage); }));
+        require(storage.check().isClean());
+    });
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto input = std::as_bytes(std::span(data, size));
     for (const StorageLayout* layout : {&kStorageLayout32, &kStorageLayout64}) {
-        const auto file = open_memory_file(create_memory_data());
-        write_all(*file, std::as_bytes(std::span(data, size)));
-        (void)finds_damage([&] {
-            StorageRW storage(file, *layout);
-            StorageCheck check;
-            require(!finds_damage([&] { check = storage.check(); }));
-            for (const StorageProblem& problem : check.problems)
-                require(!problem.text().empty());
-            const bool damaged = finds_damage([&] { read_all(storage); });
-            const std::vector<std::byte> before = read_whole(*file);
-            require(before.size() == size);
-            if (!check.isClean()) {
-                (void)finds_damage([&] { change_all(storage); });
-                return;
-            }
-            require(!damaged);
-            require(!finds_damage([&] { change_all(storage); }));
-            require(storage.check().isClean());
-        });
+        std::vector<std::byte> bytes(input.begin(), input.end());
+        run(bytes, *layout);
+        if (test::Seal(bytes, *layout).put())
+            run(bytes, *layout);
     }
     return 0;
 }

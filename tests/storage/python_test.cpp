@@ -2,6 +2,7 @@
 // The format as somebody else reads and writes it, who has only its description: tests/storage/container.py.
 #include "tests/support/storage_fixture.h"
 #include "tests/support/storage_python.h"
+#include "tests/support/storage_seal.h"
 
 #include <core/runtime/utf8.h>
 
@@ -105,7 +106,11 @@ TEST_P(Independent, WritesWhatTheLibraryReadsAndChanges) {
         for (std::size_t i = random.below(300); i > 0; --i)
             model[from_utf8(std::to_string(random.below(1000)))] = random.bytes(random.below(1000));
         data_ = create_memory_data();
-        write_all(*file(), python_.make(model, layout_, format_.table, round));
+        const Bytes image = python_.make(model, layout_, format_.table, round);
+        Bytes sealed = image; // the tests of damage put checksums right; here they are
+        EXPECT_EQ(test::Seal(sealed, layout_).put(), format_.table == 2);
+        EXPECT_TRUE(sealed == image);
+        write_all(*file(), image);
         StorageRW storage = open();
         for (const StorageProblem& problem : storage.check().problems)
             ADD_FAILURE() << to_utf8(problem.text());
