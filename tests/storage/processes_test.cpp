@@ -101,6 +101,22 @@ class OnDisk : public testing::Test {
         storage.put(kAll, std::as_bytes(std::span(&all, 1)));
         transaction.commit();
     }
+    /// A large file, written in pieces beside what others commit.
+    static void writeLarge(StorageRW& storage, std::uint32_t generation, int writer) {
+        const auto stream = storage.open(largeOf(writer), OpenMode::replace);
+        const Bytes piece(60000, static_cast<std::byte>(generation));
+        for (int i = 0; i < 3; ++i)
+            write_all(*stream, piece);
+        stream->close();
+    }
+    static wstring largeOf(int writer) { return from_utf8("large" + std::to_string(writer)); }
+    static bool isWholeLarge(const StorageRW& storage, int writer) {
+        if (!storage.contains(largeOf(writer)))
+            return true;
+        const Bytes bytes = storage.get(largeOf(writer));
+        return bytes == Bytes(180000, bytes.at(0));
+    }
+
     /// The generations of the first writers' files in one state; nothing when files of one writer are of
     /// different ones, or their sum is another.
     static std::optional<std::vector<std::uint32_t>> generations(const StorageRW& storage, int writers) {
@@ -115,6 +131,8 @@ class OnDisk : public testing::Test {
                 if (storage.get(nameOf(writer, file)) != contentOf(found.back(), file))
                     return std::nullopt;
             }
+            if (!isWholeLarge(storage, writer))
+                return std::nullopt;
         }
         if (sum != (storage.contains(kAll) ? generationOf(storage.get(kAll)) : 0))
             return std::nullopt;
@@ -324,6 +342,8 @@ TEST_P(Processes, KilledWritersLoseNothingTheyCommitted) {
                         write(mine, next, number);
                         if (::write(pipe, &next, sizeof next) != sizeof next)
                             return false;
+                        if (next % 3 == 0)
+                            writeLarge(mine, next, number);
                         if (next % 7 == 0)
                             mine.compact();
                     }
