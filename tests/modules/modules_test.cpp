@@ -3,6 +3,8 @@
 // alive; it stays while anything of it is held; exceptions of its own class travel both ways; what is refused
 // leaves nothing behind; two processes; modules that come and go while other threads work.
 #include "examples/module/counter.h"
+#include "tests/modules/fixtures/listener.h"
+#include "tests/support/bytes_in_use.h"
 
 #include <core/context.h>
 #include <core/context/events/event_service.h>
@@ -16,6 +18,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <functional>
@@ -37,6 +40,21 @@ class OwnOfProgram : public ScriptObject<OwnOfProgram> {
   public:
     static constexpr ClassNames names{u"OwnOfProgram", u"СвоеОтПрограммы"};
     static auto members() { return core::members(); }
+};
+
+/// An object of the program that others listen to, and one that listens.
+class Notes : public ScriptObject<Notes, IConnectionPointContainer> {
+  public:
+    static constexpr ClassNames names{u"Notes", u"Заметки"};
+    static auto members() { return core::members(); }
+    auto points() { return std::array<IConnectionPoint*, 1>{&noted}; }
+    ConnectionPoint<listener::INoted> noted{*this, named<u"Noted", u"ПриЗаметке">};
+};
+class Reader : public listener::INoted {
+  public:
+    using Interfaces = InterfaceList<INoted>;
+    void noted() override { ++heard; }
+    int heard = 0;
 };
 
 /// The file of a module; the counter may be one that was built elsewhere, in another way.
@@ -148,7 +166,10 @@ TEST_F(Modules, ComeAreUsedAndGoWithThreadsAlive) {
     EXPECT_FALSE(enumeration(u"CounterDirection"));
     std::promise<void> end;
     std::thread other; // has counted objects of the module when it ends
+    std::size_t before = 0;
     for (int round = 0; round < rounds(20, 1000); ++round) {
+        if (round == 10) // what is made once is made by then
+            before = test::bytes_in_use();
         const SCOM_Module& module = process_.loadModule(file_of("counter"));
         ASSERT_EQ(module.info().version, "1.0");
         use_the_counter();
@@ -172,6 +193,7 @@ TEST_F(Modules, ComeAreUsedAndGoWithThreadsAlive) {
         for (const LiveClass& living : live_report())
             ASSERT_EQ(living.name.find("Counter"), std::string::npos) << living.name;
     }
+    EXPECT_LT(test::bytes_in_use(), before + (std::size_t{1} << 16));
     end.set_value();
     other.join();
     EXPECT_EQ(failure<ModuleException>([&] { process_.unloadModule("counter"); }).first,
@@ -234,6 +256,34 @@ TEST_F(Modules, StayWhileAnythingOfThemIsHeld) {
         expectHeld("LimitException>");
     }
     expectUnloads();
+}
+
+TEST_F(Modules, StayWhileTheirCodeIsConnectedOrOffered) {
+    process_.loadModule(file_of("listener"));
+    const auto listening = [] { return create_object<listener::IListener>(listener::kListener); };
+    const auto unload = [this] { process_.unloadModule("listener"); };
+    int heard = 0;
+    Event<int> changed{named<u"Changed", u"ПриИзменении">};
+    for (const auto by : {listener::By::smallCallable, listener::By::largeCallable, listener::By::object}) {
+        const Connection connection = listening()->listen(changed, heard, by);
+        ASSERT_EQ(failure<ModuleException>(unload).first, messages::kModuleInUse) << static_cast<int>(by);
+        changed.raise(1);
+        EXPECT_EQ(heard, static_cast<int>(by) + 1);
+    }
+    {
+        const NativeFunction function = listening()->offer(heard);
+        EXPECT_EQ(failure<ModuleException>(unload).first, messages::kModuleInUse);
+        function({});
+        EXPECT_EQ(heard, 4);
+    }
+    // Who has connected a sink of the program's own may go.
+    const auto notes = make_object<Notes>();
+    const auto reader = make_object<Reader>();
+    const Connection connection = listening()->introduce(notes->noted, reader.get());
+    unload();
+    EXPECT_FALSE(is_mapped("listener"));
+    notes->noted.raise([](listener::INoted& sink) { sink.noted(); });
+    EXPECT_EQ(reader->heard, 1);
 }
 
 TEST_F(Modules, ExceptionsOfTheirOwnClassTravelBothWays) {

@@ -194,15 +194,29 @@ detail::SinkTable& EventBase::makeTable() {
     return *made;
 }
 
+namespace {
+
+/// A sink that is an object, to which the event holds a reference.
+detail::Sink object_sink(void* sink, IUnknown* object, detail::Sink::Call call) {
+    object->AddRef();
+    return {{{sink, object}}, call, [](detail::SinkData data) noexcept {
+                static_cast<IUnknown*>(data.words[1])->Release();
+            }};
+}
+
+} // namespace
+
 Connection EventBase::connectSink(IEventSink* sink) {
-    detail::Sink held(
-        {{sink}},
-        [](detail::SinkData data, detail::Emission& emission) {
-            static_cast<IEventSink*>(data.words[0])->handle(emission.values());
-        },
-        [](detail::SinkData data) noexcept { static_cast<IEventSink*>(data.words[0])->Release(); });
-    sink->AddRef();
-    return connectAny(std::move(held));
+    return connectAny(object_sink(sink, sink, [](detail::SinkData data, detail::Emission& emission) {
+        static_cast<IEventSink*>(data.words[0])->handle(emission.values());
+    }));
+}
+
+Connection EventBase::connectInterface(void* sink, IUnknown* object) {
+    return connectAny(object_sink(sink, object, [](detail::SinkData data, detail::Emission& emission) {
+        const auto& raised = static_cast<const detail::InterfaceEmission&>(emission);
+        raised.call(raised, data.words[0]);
+    }));
 }
 
 Connection EventBase::connectAny(detail::Sink&& sink) {

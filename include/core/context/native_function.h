@@ -3,6 +3,7 @@
 
 #include <core/context/context_table.h>
 #include <core/context/native_call.h>
+#include <core/runtime/live_counter.h>
 
 #include <algorithm>
 #include <array>
@@ -123,7 +124,7 @@ class NativeFunction {
         virtual GenericValue call(std::span<GenericValue> arguments) = 0;
     };
     template <class F>
-    struct Held final : Base {
+    struct Held final : Base, private LiveObjectTrackerImpl<Held<F>> { // counted: it keeps its module
         explicit Held(F&& taken) : function(std::move(taken)) {}
         GenericValue call(std::span<GenericValue> arguments) override {
             return call_native(function, arguments);

@@ -86,13 +86,6 @@ struct ScriptPart<T, IConnectionPointContainer> {
     using Type = ConnectionPointsPart<T>;
 };
 
-/// An emission to sinks of the interface `I`: what is to be called on each.
-template <class I>
-struct InterfaceEmission : Emission {
-    void (*call)(const InterfaceEmission& self, I& sink);
-    void* context;
-};
-
 } // namespace detail
 
 /// The sinks of the interface `I` as a data member of the object that calls them:
@@ -118,21 +111,16 @@ class ConnectionPoint final : public IConnectionPoint, public EventBase {
         detail::SinkTable* const sinks = table();
         if (sinks == nullptr)
             return;
-        detail::InterfaceEmission<I> emission;
-        emission.context = const_cast<void*>(static_cast<const void*>(std::addressof(operation)));
-        emission.call = [](const detail::InterfaceEmission<I>& self, I& sink) {
-            (*static_cast<std::remove_reference_t<F>*>(self.context))(sink);
+        detail::InterfaceEmission emission;
+        emission.operation = const_cast<void*>(static_cast<const void*>(std::addressof(operation)));
+        emission.call = [](const detail::InterfaceEmission& self, void* sink) {
+            (*static_cast<std::remove_reference_t<F>*>(self.operation))(*static_cast<I*>(sink));
         };
         emit(*sinks, emission);
     }
     /// Connects a sink behind those that are connected; it must not be null. The result disconnects it when
     /// it ends. Throws std::bad_alloc; nothing is connected then.
-    [[nodiscard]] Connection connect(I* sink) {
-        detail::Sink held({{sink}}, &callSink,
-                          [](detail::SinkData data) noexcept { static_cast<I*>(data.words[0])->Release(); });
-        sink->AddRef();
-        return connectAny(std::move(held));
-    }
+    [[nodiscard]] Connection connect(I* sink) { return connectInterface(sink, sink); }
 
     HRESULT QueryInterface(const GUID& iid, void** out) noexcept override {
         if (out == nullptr)
@@ -158,11 +146,6 @@ class ConnectionPoint final : public IConnectionPoint, public EventBase {
     std::size_t connectionCount() const noexcept override { return EventBase::connectionCount(); }
 
   private:
-    static void callSink(detail::SinkData data, detail::Emission& emission) {
-        const auto& raised = static_cast<const detail::InterfaceEmission<I>&>(emission);
-        raised.call(raised, *static_cast<I*>(data.words[0]));
-    }
-
     IConnectionPointContainer& owner_;
 };
 

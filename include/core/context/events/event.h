@@ -3,6 +3,7 @@
 
 #include <core/context/events/event_base.h>
 #include <core/context/native_value.h>
+#include <core/runtime/live_counter.h>
 
 #include <array>
 #include <concepts>
@@ -49,6 +50,14 @@ inline constexpr bool is_small_sink =
     sizeof(F) <= sizeof(SinkData) && std::is_trivially_copyable_v<F>&& std::is_trivially_destructible_v<F> &&
     (std::invocable<const F&, const Args&...> || std::invocable<const F&>);
 
+/// A callable behind a pointer. It is counted, so that a module stays while one of its callables is
+/// connected.
+template <class F>
+struct ConnectedCallable : private LiveObjectTrackerImpl<ConnectedCallable<F>> {
+    explicit ConnectedCallable(F&& given) : callable(std::move(given)) {}
+    F callable;
+};
+
 template <class F, class... Args>
 void call_sink(F& callable, Emission& emission) {
     if constexpr (std::invocable<F&, const Args&...>)
@@ -64,22 +73,25 @@ template <class F, class... Args>
 [[nodiscard, gnu::always_inline]] inline Sink make_sink(F callable) {
     SinkData data;
     if constexpr (is_small_sink<F, Args...>) {
-        std::memcpy(data.words, &callable, sizeof(F));
-        return {data,
-                [](SinkData held, Emission& emission) {
-                    alignas(F) std::byte room[sizeof(F)];
-                    std::memcpy(room, held.words, sizeof(F));
-                    call_sink<const F, Args...>(*std::launder(reinterpret_cast<const F*>(room)), emission);
-                },
-                nullptr};
-    } else {
-        data.words[0] = std::make_unique<F>(std::move(callable)).release();
-        return {data,
-                [](SinkData held, Emission& emission) {
-                    call_sink<F, Args...>(*static_cast<F*>(held.words[0]), emission);
-                },
-                [](SinkData held) noexcept { delete static_cast<F*>(held.words[0]); }};
+        if (!module_anchor.leaves.load(std::memory_order_relaxed)) { // nobody asks who holds this code
+            std::memcpy(data.words, &callable, sizeof(F));
+            return {data,
+                    [](SinkData held, Emission& emission) {
+                        alignas(F) std::byte room[sizeof(F)];
+                        std::memcpy(room, held.words, sizeof(F));
+                        call_sink<const F, Args...>(*std::launder(reinterpret_cast<const F*>(room)),
+                                                    emission);
+                    },
+                    nullptr};
+        }
     }
+    using Held = ConnectedCallable<F>;
+    data.words[0] = std::make_unique<Held>(std::move(callable)).release();
+    return {data,
+            [](SinkData held, Emission& emission) {
+                call_sink<F, Args...>(static_cast<Held*>(held.words[0])->callable, emission);
+            },
+            [](SinkData held) noexcept { delete static_cast<Held*>(held.words[0]); }};
 }
 
 } // namespace detail

@@ -29,6 +29,12 @@ struct Emission {
     }
 };
 
+/// An emission to sinks of one interface: what is to be called on each, given as a pointer to the interface.
+struct InterfaceEmission : Emission {
+    void (*call)(const InterfaceEmission& self, void* sink) = nullptr;
+    void* operation = nullptr;
+};
+
 /// What a sink is made of: two words, a pointer to what it is or the callable itself.
 struct SinkData {
     void* words[2] = {};
@@ -94,6 +100,10 @@ class CORE_API EventBase {
     }
     /// Connects a sink, as connectSink() does.
     [[nodiscard]] Connection connectAny(detail::Sink&& sink);
+    /// Connects a sink that is called by the emission: an InterfaceEmission gets `sink`, a pointer to the
+    /// interface; `object` is the same sink, to which the event holds a reference. The code of the connection
+    /// is the library's, so that it does not matter whose code connects.
+    [[nodiscard]] Connection connectInterface(void* sink, IUnknown* object);
     /// Calls the sinks of a table.
     static void emit(detail::SinkTable& table, detail::Emission& emission);
 
