@@ -6,11 +6,16 @@
 #include "tests/support/allocation_limit.h"
 
 #include <core/runtime/errors.h>
+#include <core/runtime/live_counter.h>
 #include <core/runtime/module.h>
+#include <core/runtime/threads/thread.h>
+#include <core/values/type_service.h>
 
 #include <unistd.h>
 
+#include <atomic>
 #include <filesystem>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -94,7 +99,7 @@ class Allocation : public testing::Test {
         }
     }
 
-    const host::HostProcess process_;
+    host::HostProcess process_;
 };
 
 TEST_F(Allocation, CollectionsStayWhole) {
@@ -218,23 +223,64 @@ TEST(ClassFactory, IsWholeOrNull) {
     EXPECT_EQ(factory, nullptr);
 }
 
-TEST(Process, StartsWholeOrNotAtAll) {
-    bool started = false;
-    for (int allowed = 0; !started; ++allowed) {
+/// Lets memory run out at each point of `work`, every time on a thread of its own, until it gets through.
+/// `after` looks at what is there then; it is told whether that was the last time.
+template <class Work, class After>
+void exhaust(const Work& work, const After& after) {
+    bool done = false;
+    for (int allowed = 0; !done; ++allowed) {
         std::thread([&] {
             try {
                 const test::AllocationLimit limit(allowed);
-                const host::HostProcess process;
-                started = true;
-                EXPECT_NE(process.get(), nullptr);
+                work();
+                done = true;
             } catch (const std::bad_alloc&) {
-            } catch (const core::ProcessInitException&) {
+            } catch (const core::Exception&) {
             }
             EXPECT_EQ(core::current_process(), nullptr) << allowed;
-            EXPECT_TRUE(core::core_module().classTable().empty()) << "attached after failure " << allowed;
-            EXPECT_EQ(core::leaks_term().first, u"") << "still attached after failure " << allowed;
         }).join();
+        after(done);
+        ASSERT_FALSE(testing::Test::HasFailure()) << "with " << allowed << " allocations";
     }
+}
+
+TEST(Process, StartsWholeOrNotAtAll) {
+    const auto detached = [](bool) {
+        EXPECT_TRUE(core::core_module().classTable().empty());
+        EXPECT_EQ(core::leaks_term().first, u"");
+    };
+    exhaust([] { const host::HostProcess process; }, detached);
+    const Script script = compile(u"Return 1;");
+    exhaust([&] { Engine().run(script); }, detached); // brings a process up
+}
+
+TEST_F(Allocation, ModulesLoadWholeOrNotAtAll) {
+    const std::size_t before = process_.modules().size();
+    exhaust(
+        [&] {
+            const host::HostProcess::ThreadScope thread(process_);
+            process_.loadModule(CORE_TEST_MODULES "/libcounter.so");
+        },
+        [&](bool done) {
+            EXPECT_EQ(process_.modules().size(), before + (done ? 1 : 0));
+            EXPECT_EQ(core::get_service<core::ITypeValueService>()->findType(u"Counter") != nullptr, done);
+        });
+    EXPECT_NO_THROW(process_.unloadModule("counter"));
+}
+
+TEST_F(Allocation, ThreadsStartWholeOrNotAtAll) {
+    std::optional<core::Thread> worker;
+    std::atomic<int> ran = 0;
+    exhaust(
+        [&] {
+            const host::HostProcess::ThreadScope thread(process_);
+            worker.emplace(u"a name that is too long for a string alone", [&] { ++ran; });
+        },
+        [&](bool done) {
+            EXPECT_EQ(worker.has_value(), done);
+            worker.reset();
+            EXPECT_EQ(ran, done ? 1 : 0);
+        });
 }
 
 } // namespace

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: blocks that overlap; blocks freed by another thread, in any order; memory that stays with the
 // library when everything is free.
+#include "tests/support/bytes_in_use.h"
+
 #include <core/runtime/live_counter.h>
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -58,16 +59,11 @@ std::size_t free_many(const std::vector<Block>& blocks) {
     return damaged;
 }
 
-std::size_t bytes_in_use() {
-    const struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
-
 TEST(Blocks, BelongToOneOwnerWhicheverThreadFreesThemAndGoBackToTheSystem) {
     constexpr unsigned kThreads = 4;
     constexpr std::size_t kBlocks = 200'000;
     constexpr std::size_t kKept = std::size_t{32} << 20; // what the library may keep for later
-    const std::size_t before = bytes_in_use();
+    const std::size_t before = test::bytes_in_use();
     for (unsigned round = 0; round < 3; ++round) {
         std::vector<std::vector<Block>> made(kThreads);
         std::vector<std::size_t> damaged(kThreads);
@@ -85,12 +81,12 @@ TEST(Blocks, BelongToOneOwnerWhicheverThreadFreesThemAndGoBackToTheSystem) {
         EXPECT_EQ(damaged, std::vector<std::size_t>(kThreads));
         EXPECT_EQ(core::live_counter<Block>.count(), 0);
     }
-    EXPECT_LT(bytes_in_use(), before + kKept);
+    EXPECT_LT(test::bytes_in_use(), before + kKept);
 
     // What is kept serves the next ones.
-    const std::size_t idle = bytes_in_use();
+    const std::size_t idle = test::bytes_in_use();
     std::vector<Block> next = allocate_of(std::size_t{8} << 20, 256);
-    EXPECT_LT(bytes_in_use(), idle + (std::size_t{4} << 20));
+    EXPECT_LT(test::bytes_in_use(), idle + (std::size_t{4} << 20));
     EXPECT_EQ(free_many(next), 0U);
 }
 

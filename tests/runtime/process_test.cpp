@@ -2,6 +2,7 @@
 // Concerns: threads and the processes that adopt them, which end in any order; modules that register and
 // revoke their own; services made once, by whichever thread, with every failure told; failures that nobody
 // catches.
+#include <core/context/events/event_service.h>
 #include <core/dates/settings.h>
 #include <core/files/file_system.h>
 #include <core/files/temp_file_service.h>
@@ -421,6 +422,7 @@ TEST_F(Processes, TheServicesOfTheLibraryAreFoundByTheirIds) {
     };
     expect(get_service<IFileSystem>(), "3a6c2186-45c3-11d4-985d-008048da1252"_guid);
     expect(get_service<ITempFileService>(), "68cdb09f-2364-493a-a532-8dafaae86e53"_guid);
+    expect(get_service<IEventService>(), "ebf766aa-f32c-11d3-9851-008048da1252"_guid);
     expect(get_service<ITypeValueService>(), "c9c8dcc3-479f-448b-99db-ddecab1b483c"_guid);
     EXPECT_EQ(get_service<SCOM_Process>(), process.get());
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: declarations reach the table and the process in order; services by interface; threads and their
 // process; coming and going many times; messages in two languages, missing texts included.
+#include "tests/support/bytes_in_use.h"
+
 #include <core/dates/settings.h>
 #include <core/numbers/errors.h>
 #include <core/numbers/settings.h>
@@ -13,7 +15,6 @@
 
 #if defined(__GLIBC__)
 #include <dlfcn.h>
-#include <malloc.h>
 #endif
 #include <unistd.h>
 
@@ -50,6 +51,7 @@ class Impostor : public Greeter {
 };
 
 constexpr GUID kGreeterClass = "b9f8a2b0-6a31-4f3e-8b70-2a4d3b0c0012"_guid;
+constexpr GUID kUnmadeClass = "b9f8a2b0-6a31-4f3e-8b70-2a4d3b0c0014"_guid;
 constexpr GUID kTwiceClass = "b9f8a2b0-6a31-4f3e-8b70-2a4d3b0c0013"_guid;
 const SCOM_ServiceEntryInit<Greeter, &kGreeterClass, &IGreeter::IID> greeterEntry("Greeter");
 const SCOM_ClassEntryInit<Impostor, &kTwiceClass, true> impostorEntry("Impostor");
@@ -146,7 +148,9 @@ TEST(Module, EachClassIsRegisteredWithWhatItsOwnDeclarationSays) {
             EXPECT_NE(factory, nullptr);
             classes.push_back({clsid, threading, attributes});
         }
-        void revokeClass(const GUID&) override { classes.pop_back(); }
+        void revokeClass(const GUID& clsid) override {
+            std::erase_if(classes, [&](const Class& known) { return known.clsid == clsid; });
+        }
         InterfacePtr<IUnknown> createInstance(const GUID&) override { return {}; }
         void registerService(const GUID&, const GUID&) override {}
         void revokeResources(SCOM_ResourceBundle*) override {
@@ -161,7 +165,12 @@ TEST(Module, EachClassIsRegisteredWithWhatItsOwnDeclarationSays) {
                      .threading = 1,
                      .attributes = 2,
                      .next = &second};
-    ClassEntry* const entries = &first;
+    ClassEntry unmade{.record = {.clsid = &kUnmadeClass,
+                                 .getFactory = [](const ClassRecord&, const GUID&, void**) -> HRESULT {
+                                     return kNoInterface; // without memory, for example
+                                 }},
+                      .next = &first};
+    ClassEntry* const entries = &unmade;
     SCOM_ResourceBundle bundle("nothing");
     SCOM_Module module(entries, bundle);
     module.initialize();
@@ -215,21 +224,13 @@ TEST(Registry, AThreadHasTheProcessThatAdoptedIt) {
     }).join();
 }
 
-std::size_t bytes_in_use() {
-#if defined(__GLIBC__)
-    return mallinfo2().uordblks;
-#else
-    return 0;
-#endif
-}
-
 TEST(Library, ComesAndGoesAThousandTimes) {
     TestModule test;
     test.module.initialize();
     std::size_t before = 0;
     for (int i = 0; i < 1000; ++i) {
         if (i == 10) // what is made once is made by then
-            before = bytes_in_use();
+            before = test::bytes_in_use();
         std::optional<host::HostProcess> first(std::in_place);
         const host::HostProcess process;
         first.reset();
@@ -243,7 +244,7 @@ TEST(Library, ComesAndGoesAThousandTimes) {
             test.module.revokeAll(process.get());
         }).join();
     }
-    EXPECT_EQ(bytes_in_use(), before);
+    EXPECT_EQ(test::bytes_in_use(), before);
     EXPECT_TRUE(core_module().classTable().empty());
     EXPECT_EQ(current_process(), nullptr);
     EXPECT_TRUE(library_main(nullptr, LibraryEvent::threadAttach));

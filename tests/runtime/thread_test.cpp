@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Threads: what they take over from their starter, how they are stopped, and what becomes of what they throw.
+#include "tests/support/bytes_in_use.h"
+
 #include <core/runtime/class_entry.h>
 #include <core/runtime/clock.h>
 #include <core/runtime/process.h>
@@ -251,7 +253,10 @@ TEST(Thread, AProcessEndsAfterItsThreads) {
 TEST(Thread, AThousandComeAndGo) {
     const host::HostProcess process;
     std::atomic<int> ran = 0;
+    std::size_t before = 0;
     for (int i = 0; i < 250; ++i) {
+        if (i == 50) // what is made once is made by then
+            before = test::bytes_in_use();
         std::vector<Thread> threads;
         for (int k = 0; k < 4; ++k)
             threads.emplace_back(u"brief", [&] {
@@ -263,6 +268,7 @@ TEST(Thread, AThousandComeAndGo) {
             thread.join();
     }
     EXPECT_EQ(ran, 1000);
+    EXPECT_LT(test::bytes_in_use(), before + (std::size_t{1} << 16));
 }
 
 TEST(StopToken, TellsWhatItsSourceAsksFor) {

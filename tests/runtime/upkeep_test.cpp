@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: what the runtime keeps for threads and classes: objects made while a thread ends, more classes
 // than a thread counts by itself, chunks of memory that are used in part.
+#include "tests/support/bytes_in_use.h"
+
 #include <core/runtime.h>
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -29,11 +30,6 @@ class Thing : public IThing {
 };
 using ThingClass = SCOM_InternalClass<Thing>;
 
-std::size_t bytes_in_use() {
-    const struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
-
 TEST(Upkeep, ObjectsMadeWhileAThreadEndsLeaveNothingBehind) {
     struct AtEnd {
         ~AtEnd() {
@@ -46,7 +42,7 @@ TEST(Upkeep, ObjectsMadeWhileAThreadEndsLeaveNothingBehind) {
     std::size_t before = 0;
     for (int round = 0; round < 800; ++round) {
         if (round == 1) // what is made once is made by then
-            before = bytes_in_use();
+            before = test::bytes_in_use();
         std::thread([] {
             thread_local AtEnd atEnd; // older than what the runtime keeps for the thread, so it ends later
             static_cast<void>(&atEnd);
@@ -54,7 +50,7 @@ TEST(Upkeep, ObjectsMadeWhileAThreadEndsLeaveNothingBehind) {
         }).join();
     }
     EXPECT_EQ(ThingClass::liveCount(), alive);
-    EXPECT_LT(bytes_in_use(), before + (std::size_t{1} << 20));
+    EXPECT_LT(test::bytes_in_use(), before + (std::size_t{1} << 20));
 }
 
 TEST(Upkeep, ChunksThatAreFreeInPartAreUsedBeforeNewOnes) {
@@ -62,14 +58,14 @@ TEST(Upkeep, ChunksThatAreFreeInPartAreUsedBeforeNewOnes) {
     std::vector<InterfacePtr<ThingClass>> objects(kObjects);
     for (auto& object : objects)
         object = ThingClass::create();
-    const std::size_t before = bytes_in_use();
+    const std::size_t before = test::bytes_in_use();
     for (int round = 0; round < 3; ++round) {
         for (std::size_t i = 0; i < kObjects; i += 2)
             objects[i].reset();
         for (std::size_t i = 0; i < kObjects; i += 2)
             objects[i] = ThingClass::create();
     }
-    EXPECT_LT(bytes_in_use(), before + (std::size_t{1} << 20));
+    EXPECT_LT(test::bytes_in_use(), before + (std::size_t{1} << 20));
 }
 
 template <std::size_t N>
