@@ -58,7 +58,7 @@ wstring nearest(const std::vector<IType*>& types, wstring_view name) {
 }
 
 ExitCode describe_type(const std::string& text, Console& console) {
-    auto& service = *get_service<ITypeValueService>();
+    auto& service = require_service<ITypeValueService>();
     const wstring name = from_utf8(text);
     if (IType* const type = service.findType(name)) {
         describe::write_type(console, describe::report_on(*type, alias_of(console.language)));
@@ -106,7 +106,7 @@ void add_describe_command(CLI::App& app, Console& console, Action& action) {
                 return describe_functions(console);
             if (!type->empty())
                 return describe_type(*type, console);
-            describe::write_list(console, get_service<ITypeValueService>()->types());
+            describe::write_list(console, require_service<ITypeValueService>().types());
             return ExitCode::done;
         };
     });

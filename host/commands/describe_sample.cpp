@@ -58,7 +58,7 @@ std::vector<GenericValue> inside(const GenericValue& object, Making making) {
 InterfacePtr<IContext_> find_sample(const IType& type, Making making) {
     constexpr int kDepth = 3;
     std::vector<GenericValue> level;
-    for (IType* const maker : get_service<ITypeValueService>()->types()) {
+    for (IType* const maker : require_service<ITypeValueService>().types()) {
         if (maker->arguments().least == 0)
             try_to([&] { level.push_back(maker->construct({})); });
     }

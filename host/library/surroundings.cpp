@@ -23,7 +23,7 @@ Printer print_to(std::ostream& out) {
 }
 
 Bytes open_file(wstring_view file) {
-    auto opened = get_service<IFileSystem>()->openURL(file_url(to_utf8(file)), OpenMode::read);
+    auto opened = require_service<IFileSystem>().openURL(file_url(to_utf8(file)), OpenMode::read);
     return [opened = std::move(opened)](std::span<std::byte> bytes) {
         return opened->read(bytes.data(), bytes.size());
     };

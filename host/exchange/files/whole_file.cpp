@@ -51,7 +51,8 @@ void write_text_file(const std::string& file, const TextWriter& write) {
         return write_text_stream(bytes, url, write,
                                  [&] { core::throw_file_error(core::messages::kFileWrite, url, errno); });
     }
-    core::save_text(*core::get_service<core::IFileSystem>(), core::file_url(followed(file).string()), write);
+    core::save_text(core::require_service<core::IFileSystem>(), core::file_url(followed(file).string()),
+                    write);
 }
 
 void write_text_stream(std::ostream& bytes, const core::wstring& name, const TextWriter& write,
