@@ -7,9 +7,9 @@
 /// The parameters that methods of several collections have, by name.
 namespace core {
 
-inline constexpr Param kIndexParam = {.names = {u"Index", u"Индекс"}};
-inline constexpr Param kKeyParam = {.names = kKeyTerm};
-inline constexpr Param kValueParam = {.names = kValueTerm};
+inline constexpr Param kIndexParam = named_param({u"Index", u"Индекс"});
+inline constexpr Param kKeyParam = named_param(kKeyTerm);
+inline constexpr Param kValueParam = named_param(kValueTerm);
 
 inline constexpr Param kOfIndex[] = {kIndexParam};
 inline constexpr Param kOfKey[] = {kKeyParam};

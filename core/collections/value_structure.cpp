@@ -163,8 +163,8 @@ GenericValue ValueStructure::construct(std::span<GenericValue> arguments) {
 }
 
 std::span<const Method<ValueStructure>> ValueStructure::methods() noexcept {
-    static constexpr Param kKeyAndOptionalValue[] = {
-        kKeyParam, {.byDefault = ParamDefault::undefined, .names = kValueTerm}};
+    static constexpr Param kKeyAndOptionalValue[] = {kKeyParam,
+                                                     named_param(kValueTerm, ParamDefault::undefined)};
     static constexpr Param kKeyAndFoundValue[] = {
         kKeyParam, {.byDefault = ParamDefault::undefined, .in = false, .out = true, .names = kValueTerm}};
     static constexpr Method<ValueStructure> kTable[] = {

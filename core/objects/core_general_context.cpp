@@ -86,13 +86,12 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
     static std::span<const Method<CoreGeneralContextDef>> methods() noexcept {
         using T = CoreGeneralContextDef;
         constexpr auto kEmpty = ParamDefault::emptyString;
-        static constexpr Param kExtension[] = {{.byDefault = kEmpty, .names = {u"Extension", u"Расширение"}}};
-        static constexpr Param kFill[] = {{.names = {u"Receiver", u"Приемник"}},
-                                          {.names = {u"Source", u"Источник"}},
-                                          {.byDefault = kEmpty, .names = {u"Names", u"Имена"}},
-                                          {.byDefault = kEmpty, .names = {u"Excluded", u"Исключенные"}}};
-        static constexpr Param kText[] = {{.names = {u"Text", u"Текст"}}};
-        static constexpr Param kData[] = {{.names = {u"Data", u"Данные"}}};
+        static constexpr Param kExtension[] = {named_param({u"Extension", u"Расширение"}, kEmpty)};
+        static constexpr Param kFill[] = {
+            named_param({u"Receiver", u"Приемник"}), named_param({u"Source", u"Источник"}),
+            named_param({u"Names", u"Имена"}, kEmpty), named_param({u"Excluded", u"Исключенные"}, kEmpty)};
+        static constexpr Param kText[] = {named_param({u"Text", u"Текст"})};
+        static constexpr Param kData[] = {named_param({u"Data", u"Данные"})};
         static constexpr Method<T> kTable[] = {
             {kGetTempFileName, kExtension, kFunction, &T::getTempFileName, &kStringType},
             {kFillPropertyValues, kFill, kProcedure, &T::fillPropertyValues},

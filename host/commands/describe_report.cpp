@@ -29,7 +29,7 @@ Names names_of(const IType& type) {
 
 Kinds kinds_of(const ContextValueInfo& info) {
     Kinds kinds;
-    auto& service = *get_service<ITypeValueService>();
+    auto& service = require_service<ITypeValueService>();
     for (const GUID& id : info.types.types()) {
         if (const IType* const type = service.findType(id))
             kinds.push_back(names_of(*type));
@@ -54,6 +54,7 @@ Method method_of(IContextDef& definition, const IContextDefExt* ext, int method,
     Method result{{text_of(definition.getMethodName(method, kEnglish)),
                    text_of(definition.getMethodName(method, kRussian))},
                   {},
+                  to_utf8(script::display_parameters(definition, method, alias)),
                   definition.hasRetVal(method),
                   {}};
     const InterfacePtr<IContextDefParams> named(&definition);

@@ -40,6 +40,7 @@ struct Property {
 struct Method {
     Names names;
     std::vector<Parameter> parameters;
+    std::string parametersText; ///< all of them, as a person reads them
     bool isFunction = false;
     Kinds kinds; ///< of what a function returns
 };
@@ -81,7 +82,7 @@ struct ModuleReport {
 /// The modules of the program: it has one process.
 [[nodiscard]] std::vector<ModuleReport> module_reports();
 
-/// `alias` is the language of default values.
+/// `alias` is the language of default values and of texts for people.
 [[nodiscard]] Members members_of(core::IContextDef& definition, int alias);
 [[nodiscard]] TypeReport report_on(core::IType& type, int alias);
 

@@ -35,23 +35,6 @@ std::string any_or(const Kinds& kinds, Language language) {
     return text;
 }
 
-/// As in "(Amount, out Rest, 3 = Undefined)": a parameter without a name is known by its number.
-std::string parameters_text(const Method& method, Language language) {
-    std::string text = "(";
-    for (std::size_t i = 0; i < method.parameters.size(); ++i) {
-        const Parameter& parameter = method.parameters[i];
-        if (i > 0)
-            text += ", ";
-        if (parameter.out)
-            text += parameter.in ? "in out " : "out ";
-        const std::string& name = in_language(parameter.names, language);
-        text += name.empty() ? std::to_string(i + 1) : name;
-        if (parameter.byDefault)
-            text += " = " + *parameter.byDefault;
-    }
-    return text + ')';
-}
-
 std::string result_text(const Method& method, Language language) {
     if (!method.isFunction)
         return {};
@@ -77,7 +60,7 @@ void write_properties(Console& console, const TypeReport& report) {
 void write_table(Console& console, const std::vector<Method>& methods, std::string_view indent) {
     Columns columns;
     for (const Method& method : methods) {
-        columns.add({method.names.english, method.names.russian, parameters_text(method, console.language),
+        columns.add({method.names.english, method.names.russian, '(' + method.parametersText + ')',
                      result_text(method, console.language)});
     }
     columns.write(console.out, indent);

@@ -72,6 +72,11 @@ bool OfferedFunctions::hasRetVal(int method) const {
     return entry != nullptr && entry->function->returns();
 }
 
+const wchar* OfferedFunctions::getParamName(int method, int param, int alias) const {
+    const Param* const parameter = parameterAt(method, param);
+    return parameter != nullptr ? term_string(parameter->names, alias) : nullptr;
+}
+
 InterfacePtr<IContextDef> OfferedFunctions::getIContextDef() {
     return InterfacePtr<IContextDef>(static_cast<IContextDef*>(this));
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/context/context_impl.h>
+#include <core/context/context_def_ext.h>
 #include <core/context/name_cache.h>
 #include <core/context/native_function.h>
 #include <core/runtime/internal_class.h>
@@ -13,9 +13,9 @@ namespace core::script {
 
 /// The functions that a program offers to the scripts of one engine, as a context. Functions keep their
 /// numbers; one that replaces another has its number.
-class OfferedFunctions : public ContextDefCore<IContext_> {
+class OfferedFunctions : public ContextDefCore<IContext_>, public ContextDefExtImpl<OfferedFunctions> {
   public:
-    using Interfaces = InterfaceList<IContext_, IContextDef>;
+    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt, IContextDefParams>;
 
     /// A failure changes nothing.
     void add(wstring_view english, wstring_view russian, NativeFunction function);
@@ -28,6 +28,7 @@ class OfferedFunctions : public ContextDefCore<IContext_> {
     bool getParamDefValue(int method, int param, GenericValue* out) const override;
     bool hasRetVal(int method) const override;
     int findMethod(const wchar* name) const override { return names_.find(name); }
+    const wchar* getParamName(int method, int param, int alias) const override;
 
     InterfacePtr<IContextDef> getIContextDef() override;
     [[noreturn]] void getPropVal(int prop, GenericValue& out) override;

@@ -67,7 +67,7 @@ class Names {
         }
     }
     void addTypes() {
-        for (const IType* const type : get_service<ITypeValueService>()->types()) {
+        for (const IType* const type : require_service<ITypeValueService>().types()) {
             if (type->arguments().least >= 0)
                 addTerm([type](int alias) { return type->name(alias); });
         }
@@ -101,6 +101,21 @@ GenericValue value_of(wstring_view name, const Interpreter& interpreter) {
     return value;
 }
 
+/// Behind "name(" or "variable.name(" the parameters of what is called there.
+wstring parameters_behind(const Tail& tail, const Interpreter& interpreter, int alias) {
+    if (tail.kind(0) != TokenKind::open || !tail.isWord(1) || tail.kind(2) == TokenKind::keyNew)
+        return {};
+    const wstring name(tail.text(1));
+    if (tail.kind(2) != TokenKind::dot) {
+        const Globals::Place place = interpreter.globals().findMethod(name);
+        return place.context != nullptr ? display_parameters(*place.context, place.number, alias) : wstring();
+    }
+    if (!tail.isWord(3) || tail.kind(4) == TokenKind::dot)
+        return {};
+    const auto context = value_of(tail.text(3), interpreter).query<IContext_>();
+    return context ? display_parameters(*context, context->findMethod(name.c_str()), alias) : wstring();
+}
+
 /// Inside the second argument of Connect, the events of the first one.
 Completion complete_event(const Interpreter& interpreter, wstring_view before, int alias) {
     const std::size_t quote = before.rfind(u'"');
@@ -121,7 +136,7 @@ Completion complete_event(const Interpreter& interpreter, wstring_view before, i
         Names names(word, alias);
         for (int event = 0; event < source->getNEvents(); ++event)
             names.addTerm([&](int language) { return source->getEventName(event, language); }, u"\"");
-        return {word.size(), names.take()};
+        return {word.size(), names.take(), {}};
     } catch (const ScriptError&) {
         return {};
     }
@@ -173,7 +188,7 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
             for (const auto& context : interpreter.globals().contexts())
                 names.addMembers(*context);
         }
-        return {word.size(), names.take()};
+        return {word.size(), names.take(), parameters_behind(tail, interpreter, alias)};
     } catch (const ScriptError&) {
         return complete_event(interpreter, before, alias); // or behind text that is not a script
     }

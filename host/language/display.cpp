@@ -2,9 +2,10 @@
 #include "host/language/token.h"
 
 #include <core/collections/value_pair.h>
-#include <core/context/context_def.h>
+#include <core/context/context_def_ext.h>
 #include <core/context/iteration.h>
 #include <core/script/console.h>
+#include <core/strings/integer_text.h>
 #include <core/strings/names.h>
 
 namespace core::script {
@@ -150,6 +151,22 @@ wstring display(const Value& value, int alias) {
     Display result(alias);
     result.show(value);
     return result.take();
+}
+
+wstring display_parameters(IContextDef& definition, int method, int alias) {
+    const InterfacePtr<IContextDefParams> named(&definition);
+    wstring text;
+    for (int param = 0; param < definition.getNParams(method); ++param) {
+        if (param > 0)
+            text += u", ";
+        if (definition.isParamOut(method, param))
+            text += definition.isParamIn(method, param) ? u"in out " : u"out ";
+        const wchar* const name = named ? named->getParamName(method, param, alias) : nullptr;
+        text += name != nullptr ? wstring(name) : string_intto(param + 1);
+        if (GenericValue value; definition.getParamDefValue(method, param, &value))
+            text.append(u" = ").append(display(value, alias));
+    }
+    return text;
 }
 
 } // namespace core::script

@@ -28,15 +28,10 @@ namespace core::script {
 
 namespace {
 
-constexpr Param kPrint[] = {{.byDefault = ParamDefault::emptyString}};
-constexpr Param kFromJson[] = {{}, {.byDefault = ParamDefault::falseValue}};
-constexpr Param kTextAndOptional[] = {{}, kOptional};
-constexpr Param kMid[] = {{}, {}, kOptional};
-
 class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
                         public ContextDefExtImpl<ScriptFunctions> {
   public:
-    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt>;
+    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt, IContextDefParams>;
 
     explicit ScriptFunctions(const Surroundings& surroundings)
         : surroundings_(surroundings), start_(std::chrono::steady_clock::now()) {}
@@ -67,7 +62,7 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
     }
     GenericValue loadText(Args a) {
         const wstring url = file_url(to_utf8(text_argument(a, 0)));
-        return GenericValue(load_text(*get_service<IFileSystem>(), url));
+        return GenericValue(load_text(require_service<IFileSystem>(), url));
     }
     GenericValue saveText(Args a) {
         const wstring_view text = text_argument(a, 1);
@@ -171,34 +166,61 @@ constexpr Term kRoundTerm = {u"Round", u"Окр"};
 constexpr Term kTypeOfTerm = {u"TypeOf", u"ТипЗнч"};
 constexpr Term kTypeTerm = {u"Type", u"Тип"};
 
+constexpr auto kUndefinedDefault = ParamDefault::undefined;
+
+constexpr NamePair kValueName = {u"Value", u"Значение"};
+constexpr NamePair kNumberName = {u"Number", u"Число"};
+constexpr NamePair kCountName = {u"Count", u"Количество"};
+constexpr Param kFile = named_param({u"File", u"Файл"});
+constexpr Param kName = named_param({u"Name", u"Имя"});
+constexpr Param kText = named_param({u"Text", u"Текст"});
+constexpr Param kValue = named_param(kValueName);
+
+constexpr Param kOfFile[] = {kFile};
+constexpr Param kOfName[] = {kName};
+constexpr Param kOfText[] = {kText};
+constexpr Param kOfValue[] = {kValue};
+constexpr Param kPrint[] = {named_param(kValueName, ParamDefault::emptyString)};
+constexpr Param kFromJson[] = {kText, named_param({u"Maps", u"Соответствия"}, ParamDefault::falseValue)};
+constexpr Param kToJson[] = {kValue, named_param({u"Indent", u"Отступ"}, kUndefinedDefault)};
+constexpr Param kSaveText[] = {kFile, kText};
+constexpr Param kSaveToContainer[] = {kFile, kName, kValue};
+constexpr Param kLoadFromContainer[] = {kFile, kName};
+constexpr Param kLeft[] = {kText, named_param(kCountName)};
+constexpr Param kMid[] = {kText, named_param({u"From", u"Начало"}),
+                          named_param(kCountName, kUndefinedDefault)};
+constexpr Param kLike[] = {kText, named_param({u"Pattern", u"Шаблон"})};
+constexpr Param kPad[] = {kValue, named_param({u"Width", u"Ширина"})};
+constexpr Param kRound[] = {named_param(kNumberName), named_param({u"Digits", u"Знаки"}, kUndefinedDefault)};
+
 std::span<const Method<ScriptFunctions>> ScriptFunctions::methods() noexcept {
     using F = ScriptFunctions;
     static constexpr Method<F> kMethods[] = {
         {kPrintTerm, kPrint, kProcedure, &F::print},
-        {kFromTextTerm, required(1), kFunction, &F::fromText},
-        {kToTextTerm, required(1), kFunction, &F::toText, &kStringType},
+        {kFromTextTerm, kOfText, kFunction, &F::fromText},
+        {kToTextTerm, kOfValue, kFunction, &F::toText, &kStringType},
         {kFromJsonTerm, kFromJson, kFunction, &F::fromJson},
-        {kToJsonTerm, kTextAndOptional, kFunction, &F::toJson, &kStringType},
-        {kLoadTextTerm, required(1), kFunction, &F::loadText, &kStringType},
-        {kSaveTextTerm, required(2), kProcedure, &F::saveText},
-        {kSaveToContainerTerm, required(3), kProcedure, &F::saveToContainer},
-        {kLoadFromContainerTerm, required(2), kFunction, &F::loadFromContainer},
+        {kToJsonTerm, kToJson, kFunction, &F::toJson, &kStringType},
+        {kLoadTextTerm, kOfFile, kFunction, &F::loadText, &kStringType},
+        {kSaveTextTerm, kSaveText, kProcedure, &F::saveText},
+        {kSaveToContainerTerm, kSaveToContainer, kProcedure, &F::saveToContainer},
+        {kLoadFromContainerTerm, kLoadFromContainer, kFunction, &F::loadFromContainer},
         {kCurrentDateTerm, {}, kFunction, &F::currentDate, &kDateType},
         {kElapsedTerm, {}, kFunction, &F::elapsed, &kNumberType},
-        {kLengthTerm, required(1), kFunction, &F::length, &kNumberType},
-        {kLeftTerm, required(2), kFunction, &F::left, &kStringType},
+        {kLengthTerm, kOfText, kFunction, &F::length, &kNumberType},
+        {kLeftTerm, kLeft, kFunction, &F::left, &kStringType},
         {kMidTerm, kMid, kFunction, &F::mid, &kStringType},
-        {kUpperTerm, required(1), kFunction, &F::upper, &kStringType},
-        {kLowerTerm, required(1), kFunction, &F::lower, &kStringType},
-        {kLikeTerm, required(2), kFunction, &F::like, &kBooleanType},
-        {kTrimTerm, required(1), kFunction, &F::trim, &kStringType},
-        {kPadTerm, required(2), kFunction, &F::pad, &kStringType},
-        {kStringTerm, required(1), kFunction, &F::string, &kStringType},
-        {kNumberTerm, required(1), kFunction, &F::number, &kNumberType},
-        {kDateTerm, required(1), kFunction, &F::date, &kDateType},
-        {kRoundTerm, kTextAndOptional, kFunction, &F::round, &kNumberType},
-        {kTypeOfTerm, required(1), kFunction, &F::typeOf, &kTypeType},
-        {kTypeTerm, required(1), kFunction, &F::type, &kTypeType},
+        {kUpperTerm, kOfText, kFunction, &F::upper, &kStringType},
+        {kLowerTerm, kOfText, kFunction, &F::lower, &kStringType},
+        {kLikeTerm, kLike, kFunction, &F::like, &kBooleanType},
+        {kTrimTerm, kOfText, kFunction, &F::trim, &kStringType},
+        {kPadTerm, kPad, kFunction, &F::pad, &kStringType},
+        {kStringTerm, kOfValue, kFunction, &F::string, &kStringType},
+        {kNumberTerm, kOfValue, kFunction, &F::number, &kNumberType},
+        {kDateTerm, kOfValue, kFunction, &F::date, &kDateType},
+        {kRoundTerm, kRound, kFunction, &F::round, &kNumberType},
+        {kTypeOfTerm, kOfValue, kFunction, &F::typeOf, &kTypeType},
+        {kTypeTerm, kOfName, kFunction, &F::type, &kTypeType},
     };
     return kMethods;
 }

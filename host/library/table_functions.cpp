@@ -7,6 +7,7 @@
 #include "host/library/arguments.h"
 
 #include <core/context/arguments.h>
+#include <core/context/context_def_ext.h>
 #include <core/context/errors.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
@@ -34,9 +35,10 @@ std::vector<wstring> names_argument(Args arguments, int param) {
     return names;
 }
 
-class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>> {
+class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>>,
+                       public ContextDefExtImpl<TableFunctions> {
   public:
-    using Interfaces = InterfaceList<IContext_, IContextDef>;
+    using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt, IContextDefParams>;
 
     explicit TableFunctions(const Surroundings& surroundings) : surroundings_(surroundings) {}
 
@@ -77,9 +79,14 @@ constexpr Term kLoadCsvTerm = {u"LoadCsv", u"ЗагрузитьCsv"};
 constexpr Term kSaveCsvTerm = {u"SaveCsv", u"СохранитьCsv"};
 constexpr Term kPrintTableTerm = {u"PrintTable", u"НапечататьТаблицу"};
 
-constexpr Param kLoadCsv[] = {{}, kOptional, kOptional};
-constexpr Param kSaveCsv[] = {{}, {}, kOptional};
-constexpr Param kPrintTable[] = {{}, kOptional};
+constexpr Param kFile = named_param({u"File", u"Файл"});
+constexpr Param kTable = named_param({u"Table", u"Таблица"});
+constexpr Param kDelimiter = named_param({u"Delimiter", u"Разделитель"}, ParamDefault::undefined);
+
+constexpr Param kLoadCsv[] = {kFile, kDelimiter,
+                              named_param({u"Columns", u"Колонки"}, ParamDefault::undefined)};
+constexpr Param kSaveCsv[] = {kFile, kTable, kDelimiter};
+constexpr Param kPrintTable[] = {kTable, named_param({u"Rows", u"Строки"}, ParamDefault::undefined)};
 
 std::span<const Method<TableFunctions>> TableFunctions::methods() noexcept {
     using F = TableFunctions;

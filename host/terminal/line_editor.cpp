@@ -174,7 +174,10 @@ class LineEditor::Terminal {
             return CC_ERROR;
         const core::wstring common = found.common();
         if (found.names.size() > 1 && common.size() <= found.typed) {
-            std::fputs(("\n" + in_columns(found.names, line_width(of(editor).console_))).c_str(), stdout);
+            std::string text = "\n" + in_columns(found.names, line_width(of(editor).console_));
+            if (!found.parameters.empty())
+                text.append("(").append(terminal_text(found.parameters)).append(")\n");
+            std::fputs(text.c_str(), stdout);
             std::fflush(stdout);
             return CC_REDISPLAY;
         }

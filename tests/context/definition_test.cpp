@@ -169,7 +169,8 @@ class Lender : public IContextImpl<IContextDefImpl<Lender>> {
         return kTable;
     }
     static std::span<const Method<Lender>> methods() noexcept {
-        static constexpr Param kParams[] = {{}, {.in = false, .out = true}, kOptional};
+        static constexpr Param kParams[] = {
+            {}, {.in = false, .out = true}, named_param({}, ParamDefault::undefined)};
         static constexpr Method<Lender> kTable[] = {
             {{u"Ask", u"Спросить"}, kParams, kFunction, &Lender::call},
             {{u"Do"}, required(1), kProcedure, &Lender::call}};

@@ -104,7 +104,7 @@ TEST(DescribeTest, WhatAPersonReads) {
     EXPECT_NE(tree.find(" (Index, Column, Parent)\n"), std::string::npos) << tree;
     const std::string functions = corehost({"describe", "--functions"}).out;
     EXPECT_NE(functions.find("\nFromJson "), std::string::npos) << functions;
-    EXPECT_NE(functions.find("(1, 2 = False) "), std::string::npos) << functions;
+    EXPECT_NE(functions.find("(Text, Maps = False) "), std::string::npos) << functions;
     EXPECT_NE(functions.find("-> Number\n"), std::string::npos) << functions;
     EXPECT_NE(functions.find("\nGetTempFileName "), std::string::npos) << functions;
     EXPECT_NE(corehost({"describe", "AllowedSign"}).out.find("\nValues\n  Any          Любой\n"),
@@ -115,8 +115,16 @@ TEST(DescribeTest, TheHandbookNamesEveryFunction) {
     const std::filesystem::path docs = std::filesystem::path(CORE_SOURCE_DIR) / "docs";
     const std::string handbook = text_of(docs / "corehost.md") + text_of(docs / "scripting-tables.md");
     for (const json& function : described({"--functions"})) {
-        EXPECT_NE(handbook.find("`" + function["name"]["en"].get<std::string>() + "("), std::string::npos)
-            << function;
+        std::string call;
+        for (const json& parameter : function["parameters"]) {
+            ASSERT_TRUE(parameter.contains("name")) << function;
+            const auto name = parameter["name"]["en"].get<std::string>();
+            EXPECT_NE(parameter["name"]["ru"], name);
+            call.append(call.empty() ? "" : ", ")
+                .append(parameter.contains("default") ? '[' + name + ']' : name);
+        }
+        call = '`' + function["name"]["en"].get<std::string>() + '(' + call + ")`";
+        EXPECT_NE(handbook.find(call), std::string::npos) << call;
         EXPECT_NE(handbook.find("`" + function["name"]["ru"].get<std::string>() + "`"), std::string::npos)
             << function;
     }

@@ -68,8 +68,27 @@ class CompletionTest : public core::script::ScriptTest {
         return text + "|" + std::to_string(found.typed);
     }
 
+    std::string parameters(std::string_view before, int alias = core::kEnglish) {
+        return core::to_utf8(
+            core::script::complete(session_.engine(), core::from_utf8(before), alias).parameters);
+    }
+
     core::script::Session session_;
 };
+
+TEST_F(CompletionTest, ParametersBehindTheParenthesis) {
+    session_.run("S = New Structure; x = 5");
+    EXPECT_EQ(parameters("S.Insert("), "Key, Value = Undefined");
+    EXPECT_EQ(parameters("x = s.свойство( ", core::kRussian), "Ключ, out Значение = Неопределено");
+    EXPECT_EQ(parameters("Print(mid("), "Text, From, Count = Undefined");
+    EXPECT_EQ(parameters("Соединить(", core::kRussian), "Источник, Событие, Объект, Метод, Слабое = Ложь");
+    session_.engine().function("Add", "Сложить", [](int a, int b) { return a + b; }, {{u"First", u"Первое"}});
+    EXPECT_EQ(parameters("Add("), "First, 2");
+    EXPECT_EQ(parameters("add(", core::kRussian), "Первое, 2");
+    for (const char* const before : {"S.Count(", "S.Lost(", "Lost(", "x.Add(", "lost.Add(", "S.Insert(1",
+                                     "S.a.Get(", "New Array(", "(", "If (", "S.Insert( // (", "S.Insert(\"("})
+        EXPECT_EQ(parameters(before), "") << before;
+}
 
 TEST_F(CompletionTest, NamesInBothLanguages) {
     session_.run("Prices = New Map; Цены = Prices; x = 5");
@@ -230,7 +249,8 @@ TEST_F(TerminalTest, EditsCompletesStopsAndLeaves) {
     type("Цены.Вст\t1, 3)\x1B[D\x7F"
          "2\r"); // the 3 becomes a 2
     ASSERT_TRUE(asks("\n> "));
-    type("Цены\r");
+    type("Цены.Вставить(\t\x15Цены\r");
+    ASSERT_TRUE(shows("\n(Key, Value)\r\n"));
     ASSERT_TRUE(shows("Map {1: 2}"));
     ASSERT_TRUE(asks("\n> "));
     type("1/0\r");

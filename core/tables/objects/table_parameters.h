@@ -8,12 +8,6 @@
 /// The parameters of the methods of tables, trees and lists, by name.
 namespace core {
 
-/// A parameter by its name, and what it is when it is left out.
-[[nodiscard]] constexpr Param named_param(NamePair names,
-                                          ParamDefault byDefault = ParamDefault::none) noexcept {
-    return {.byDefault = byDefault, .names = names};
-}
-
 inline constexpr ParamDefault kUndefinedDefault = ParamDefault::undefined;
 
 inline constexpr NamePair kArrayName = {u"Array", u"Массив"};

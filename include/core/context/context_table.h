@@ -79,8 +79,12 @@ inline constexpr Param kRequired[8] = {}; ///< what required() hands out
     return std::span(kRequired).first(count);
 }
 
-/// The parameter that may be left out and is Undefined then.
-inline constexpr Param kOptional = {.byDefault = ParamDefault::undefined};
+/// Returns a parameter that passes a value in: its names, kept by address, and what it is when it is left
+/// out.
+[[nodiscard]] constexpr Param named_param(NamePair names,
+                                          ParamDefault byDefault = ParamDefault::none) noexcept {
+    return {.byDefault = byDefault, .names = names};
+}
 
 namespace detail {
 

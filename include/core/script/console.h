@@ -32,10 +32,16 @@ CORE_SCRIPT_API void run_entry(Engine& engine, const Script& entry, const Show& 
 /// `alias` is the language of names: kEnglish or kRussian.
 [[nodiscard]] CORE_SCRIPT_API wstring display(const Value& value, int alias);
 
+/// Returns the parameters of a method as a console shows them, as in `Amount, out Rest, 3 = Undefined`: by
+/// name where the definition names them (IContextDefParams), otherwise by number from 1, with the values of
+/// those that may be left out. Empty for a number out of range. `alias` is the language of names.
+[[nodiscard]] CORE_SCRIPT_API wstring display_parameters(IContextDef& definition, int method, int alias);
+
 /// What may stand in place of the word before the cursor.
 struct Completion {
     std::size_t typed = 0;      ///< how many units of the word are there
     std::vector<wstring> names; ///< in order; methods with their opening parenthesis
+    wstring parameters;         ///< behind the parenthesis of a call, those of what is called
 
     /// Returns what all the names begin with, in the spelling of the first.
     [[nodiscard]] CORE_SCRIPT_API wstring common() const;
@@ -44,7 +50,8 @@ struct Completion {
 /// Completes the end of a script in a console: behind `New` the types that can be made, behind a variable and
 /// a dot the object's members, elsewhere variables, keywords, functions and global properties. Names are
 /// found by the beginning of either of their names, whatever the case; without a beginning there are those in
-/// the language of `alias`. Nothing in a string, a comment or a number.
+/// the language of `alias`. Nothing in a string, a comment or a number. Where the text ends with "(" behind a
+/// function, or a method of a variable, its parameters are there, too.
 [[nodiscard]] CORE_SCRIPT_API Completion complete(const Engine& engine, wstring_view before, int alias);
 
 /// Returns what scripts find without an object in front: the contexts whose methods are functions and whose
