@@ -172,15 +172,15 @@ class Lender : public IContextImpl<IContextDefImpl<Lender>> {
         static constexpr Param kParams[] = {
             {}, {.in = false, .out = true}, named_param({}, ParamDefault::undefined)};
         static constexpr Method<Lender> kTable[] = {
-            {{u"Ask", u"Спросить"}, kParams, kFunction, &Lender::call},
-            {{u"Do"}, required(1), kProcedure, &Lender::call}};
+            {{u"Ask", u"Спросить"}, kParams, kFunction, &Lender::work},
+            {{u"Do"}, required(1), kProcedure, &Lender::work}};
         return kTable;
     }
 
   private:
     GenericValue get() const { return {}; }
     void set(const GenericValue&) {}
-    GenericValue call(std::span<GenericValue>) { return {}; }
+    GenericValue work(std::span<GenericValue>) { return {}; }
 };
 constexpr GUID kLenderClass = "d01bff24-01c3-4ed3-b0d7-63042f854d41"_guid;
 constexpr GUID kUnknownClass = "d01bff24-01c3-4ed3-b0d7-63042f854d40"_guid;

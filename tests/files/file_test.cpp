@@ -163,9 +163,10 @@ TEST_P(EveryFile, LocksRegionsAgainstOtherOpenings) {
                                                                {kMaxFileLength + 1, 1},
                                                                {1, kMaxFileLength},
                                                                {20, ~std::uint64_t{0} - 10}};
-    for (const auto& [offset, length] : regions) {
-        EXPECT_EQ(reason_of([&] { (void)a->tryLock(offset, length, LockKind::shared); }), EINVAL);
-        EXPECT_EQ(reason_of([&] { a->unlock(offset, length); }), EINVAL);
+    for (const auto& region : regions) {
+        EXPECT_EQ(reason_of([&] { (void)a->tryLock(region.first, region.second, LockKind::shared); }),
+                  EINVAL);
+        EXPECT_EQ(reason_of([&] { a->unlock(region.first, region.second); }), EINVAL);
     }
     EXPECT_FALSE(b->tryLock(0, 1, LockKind::shared)) << "nothing was given back";
     file.first->close();
@@ -271,8 +272,8 @@ TEST(FileIO, BelievesTheBytesAndNotTheLength) {
             EXPECT_EQ(text_of(*copy), std::string(size, 'x'));
         }
     }
-    EXPECT_EQ(reason_of([] { write_all_at(*make_object<Liar>(1, 1), 0, bytes_of("x")); }), ENOSPC);
-    EXPECT_EQ(reason_of([] { write_all(*make_object<Liar>(1, 1), bytes_of("x")); }), ENOSPC);
+    EXPECT_EQ(reason_of([] { write_all_at(*make_object<Liar>(1U, 1U), 0, bytes_of("x")); }), ENOSPC);
+    EXPECT_EQ(reason_of([] { write_all(*make_object<Liar>(1U, 1U), bytes_of("x")); }), ENOSPC);
 }
 
 } // namespace
