@@ -129,8 +129,9 @@ LoadedModule::Use LoadedModule::load(const std::filesystem::path& file) {
         return *place;
     detail::check_declaration(*declaration, path);
     modules.reserve(modules.size() + 1);
-    modules.push_back(Use(new LoadedModule(*declaration, path, handle.get())));
-    handle.keep();
+    std::unique_ptr<LoadedModule> made(new LoadedModule(*declaration, path, handle.get()));
+    handle.keep(); // the module has it from here on
+    modules.push_back(std::move(made));
     return modules.back();
 }
 

@@ -11,6 +11,7 @@
 #include <core/runtime/threads/thread.h>
 #include <core/values/type_service.h>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -255,17 +256,22 @@ TEST(Process, StartsWholeOrNotAtAll) {
 }
 
 TEST_F(Allocation, ModulesLoadWholeOrNotAtAll) {
+    constexpr const char* kFile = CORE_TEST_MODULES "/libcounter.so";
+    void* const own = ::dlopen(kFile, RTLD_LAZY | RTLD_LOCAL); // would go if a load closed the file twice
     const std::size_t before = process_.modules().size();
     exhaust(
         [&] {
             const host::HostProcess::ThreadScope thread(process_);
-            process_.loadModule(CORE_TEST_MODULES "/libcounter.so");
+            process_.loadModule(kFile);
         },
         [&](bool done) {
             EXPECT_EQ(process_.modules().size(), before + (done ? 1 : 0));
             EXPECT_EQ(core::get_service<core::ITypeValueService>()->findType(u"Counter") != nullptr, done);
         });
     EXPECT_NO_THROW(process_.unloadModule("counter"));
+    EXPECT_NE(::dlopen(kFile, RTLD_LAZY | RTLD_NOLOAD), nullptr);
+    ::dlclose(own);
+    ::dlclose(own);
 }
 
 TEST_F(Allocation, ThreadsStartWholeOrNotAtAll) {
