@@ -51,7 +51,8 @@ void take_out(const StorageRW& storage, IFile& from, const std::string& path, Pr
     if (fs::is_regular_file(path, ignored)) {
         if (storage.isIn(*open_disk_file(path, OpenMode::read)))
             throw StorageException(StorageException::Kind::isDestination, file_url(path));
-        get_service<IFileSystem>()->writeFile(file_url(path), [&](IFile& to) { copy(from, to, progress); });
+        require_service<IFileSystem>().writeFile(file_url(path),
+                                                 [&](IFile& to) { copy(from, to, progress); });
         return;
     }
     const bool isNew = !fs::exists(fs::symlink_status(path, ignored));
