@@ -39,6 +39,8 @@ class BlockChain {
     /// Finds all blocks and checks them.
     void walk(BlockReader& reader);
 
+    /// Whether all blocks have been found.
+    [[nodiscard]] bool isWalked() const noexcept { return next_ == layout_->null; }
     /// The blocks found so far.
     [[nodiscard]] const BlockRuns& runs() const noexcept { return runs_; }
     /// Bytes of content.

@@ -46,7 +46,9 @@ bool StorageEngine::create(IFile& file, const StorageLayout& layout, bool replac
     try {
         write_all_at(file, 0, bytes);
         file.flush();
-        if (!empty) // what a crash leaves behind the end counts as free
+        // What a crash, or somebody who still reads it, leaves behind the end counts as free.
+        if (!empty &&
+            !SpaceLocks(InterfacePtr<IFile>(&file), file.url()).isPinned(bytes.size(), SpaceLocks::kEnd))
             file.truncate(bytes.size());
     } catch (...) {
         lock.endCommit(false);
@@ -66,7 +68,8 @@ StorageEngine::StorageEngine(InterfacePtr<IFile> file, const StorageLayout& layo
                              const StorageOptions& options, const wstring& url)
     : file_(std::move(file)), layout_(layout), options_(options), url_(url.empty() ? file_->url() : url),
       lock_(file_, layout_, url_), reader_(*file_, layout_), queue_(*file_), table_(layout_),
-      tableBlocks_(layout_.blockHeaderSize()), freeBlocks_(layout_.blockHeaderSize()), space_(layout_) {
+      tableBlocks_(layout_.blockHeaderSize()), freeBlocks_(layout_.blockHeaderSize()), space_(layout_),
+      pins_(file_, url_) {
     reader_.setQueue(&queue_);
     const Reading reading(*this); // refuses a file that is not a container
 }
@@ -122,6 +125,7 @@ void StorageEngine::beginTurn() {
         throw_storage_error(messages::kStorageFailed, url_);
     if (turns_ == 0) {
         lock_.beginTurn();
+        pinsKnown_ = false;
         try {
             refresh();
             loadFreeSpace();
@@ -197,7 +201,6 @@ void StorageEngine::load(const ContainerHead::Bytes& bytes) {
     headBytes_ = bytes;
     spaceCounter_.reset();
     loaded_ = true;
-    ++state_;
 }
 
 void StorageEngine::loadFreeSpace() {
@@ -226,6 +229,23 @@ BlockChain StorageEngine::chain(std::uint64_t address, std::uint64_t wish) {
     BlockChain result(layout_);
     result.open(reader_, address, wish);
     return result;
+}
+
+BlockReader StorageEngine::newReader() {
+    BlockReader reader(*file_, layout_);
+    reader.setEnd(reader_.end());
+    reader.setQueue(&queue_);
+    return reader;
+}
+
+void StorageEngine::pin(const SpaceLocks::Ranges& ranges) {
+    pinsKnown_ = false;
+    pins_.pin(ranges);
+}
+
+void StorageEngine::unpin(const SpaceLocks::Ranges& ranges) noexcept {
+    pinsKnown_ = false;
+    pins_.unpin(ranges);
 }
 
 std::uint64_t StorageEngine::changeCounter() {

@@ -8,6 +8,7 @@
 #include "core/storage/engine_mutex.h"
 #include "core/storage/files_table.h"
 #include "core/storage/free_space.h"
+#include "core/storage/space_locks.h"
 #include "core/storage/write_queue.h"
 
 #include <core/files/file.h>
@@ -117,9 +118,17 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
         StorageFileInfo info;
     };
     [[nodiscard]] Found lookUp(wstring_view name);
-    /// Grows with everything that can make lookUp() answer differently.
-    [[nodiscard]] std::uint64_t state() const noexcept { return state_; }
+    [[nodiscard]] StorageFileEntry existing(wstring_view name) const;
+    /// Whether what the name stands for is not committed yet.
+    [[nodiscard]] bool isUncommitted(wstring_view name) const noexcept { return table_.isChanged(name); }
     [[nodiscard]] BlockReader& reader() noexcept { return reader_; }
+    /// A reader of its own, for what is read after the caller has let go of the Reading: it goes on with the
+    /// container as it is now.
+    [[nodiscard]] BlockReader newReader();
+    /// Everything that the committed state and the changes use may lie here.
+    [[nodiscard]] SpaceLocks::Ranges wholeSpace() const { return {{layout_.emptyLength(), reader_.end()}}; }
+    void pin(const SpaceLocks::Ranges& ranges);
+    void unpin(const SpaceLocks::Ranges& ranges) noexcept;
     [[nodiscard]] std::vector<BlockRange> allocate(std::uint64_t blocks);
     /// Takes blocks out of use, all or none. Damage is thrown as ChainInFileExc.
     void release(const BlockRuns& blocks);
@@ -173,27 +182,26 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void takeBack() noexcept;
     void cutTail() noexcept;
     void requireSpace() const;
+    void avoidPins();
     template <class Call>
     auto onSpace(Call call) -> decltype(call());
     [[nodiscard]] std::uint64_t writeFreeChain(const RangeSet& kept, BlockRuns& blocks);
 
     // engine_files.cpp
-    [[nodiscard]] StorageFileEntry existing(wstring_view name) const;
     [[nodiscard]] StorageFileInfo readInfo(const StorageFileEntry& entry, wstring_view name);
     [[nodiscard]] StorageFound describe(const StorageFileEntry& entry, wstring_view name);
     void addBlocks(std::uint64_t address, BlockRuns& blocks);
     /// Writes two chains side by side and says where they begin.
     [[nodiscard]] StorageFileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
                                              std::vector<BlockRange>& ranges);
-    void replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
-                 const BlockRuns& released, std::span<const BlockRange> ranges);
+    void replace(FilesTable::Change& change, const StorageFileEntry& entry, const BlockRuns& released,
+                 std::span<const BlockRange> ranges);
     /// The attribute word of what the next commit changes.
     [[nodiscard]] std::uint32_t nextVersion() const noexcept {
         return static_cast<std::uint32_t>(head_.counter + 1);
     }
     [[nodiscard]] StorageFileInfo newInfo(wstring_view name, const std::optional<StorageFileEntry>& old);
     void erase(std::span<const wstring> names);
-    void changed(wstring_view name) noexcept;
     void finishChange();
 
     // engine_compact.cpp
@@ -219,7 +227,8 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     std::optional<std::uint64_t> spaceCounter_; // the state that space_ belongs to; none when it is not known
     BlockRuns freeBlocks_;
     FreeSpace space_;
-    std::uint64_t state_ = 0;
+    SpaceLocks pins_;
+    bool pinsKnown_ = false; // to space_, as they are now
     bool unsettled_ = false; // blocks were taken since the last commit; they may be written
 
     unsigned readings_ = 0;

@@ -116,7 +116,9 @@ void StorageEngine::settle(Next next) noexcept {
     space_.commit(std::move(next.kept), table_.end());
     spaceCounter_ = head_.counter;
     reader_.setEnd(space_.end());
-    ++state_;
+    pinsKnown_ = false; // to those who went on reading what became free
+    for (InnerFile* const file : files_)
+        file->settle();
     cutTail();
 }
 
@@ -160,7 +162,7 @@ void StorageEngine::writeHead(const ContainerHead& head) {
 
 void StorageEngine::takeBack() noexcept {
     for (InnerFile* file : files_) {
-        if (file->isWriter() || table_.isChanged(file->name()))
+        if (file->isWriter() || file->isUncommitted())
             file->lose();
     }
     unsettled_ = false;
@@ -169,7 +171,6 @@ void StorageEngine::takeBack() noexcept {
     queue_.drop();
     reader_.forget();
     reader_.setEnd(table_.end());
-    ++state_;
     if (!failed_ && spaceCounter_)
         cutTail();
 }
@@ -178,7 +179,7 @@ void StorageEngine::takeBack() noexcept {
 /// the container's end counts as free.
 void StorageEngine::cutTail() noexcept {
     try {
-        if (file_->length() > space_.end())
+        if (file_->length() > space_.end() && !pins_.isPinned(space_.end(), SpaceLocks::kEnd))
             file_->truncate(space_.end());
     } catch (...) { // the next commit tries again
     }
@@ -201,10 +202,17 @@ auto StorageEngine::onSpace(Call call) -> decltype(call()) {
     }
 }
 
+void StorageEngine::avoidPins() {
+    if (!pinsKnown_)
+        space_.avoid(pins_.pinned(layout_.emptyLength()));
+    pinsKnown_ = true;
+}
+
 std::vector<BlockRange> StorageEngine::allocate(std::uint64_t blocks) {
     std::vector<BlockRange> ranges;
     const bool fits =
         blocks == 0 || onSpace([&] {
+            avoidPins();
             return appending_ ? space_.allocateAtEnd(blocks, ranges) : space_.allocate(blocks, ranges);
         });
     if (!fits)

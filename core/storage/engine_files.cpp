@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/engine.h"
-#include "core/storage/inner_file.h"
+#include "core/storage/inner_reader.h"
 #include "core/storage/storage_error.h"
 
 #include <core/files/errors.h>
@@ -16,6 +16,9 @@ namespace {
 
 // Attributes are read in one call with the beginning of the content, which follows them where there was room.
 constexpr std::uint64_t kWithContent = 2048;
+
+// A content up to this size is read while others wait, a larger one beside them.
+constexpr std::uint64_t kAtOnce = std::uint64_t{64} << 10;
 
 std::uint64_t blocks_for(std::uint64_t size) {
     return (size + kStorageBlockSize - 1) / kStorageBlockSize;
@@ -95,14 +98,18 @@ StorageFound StorageEngine::describe(const StorageFileEntry& entry, wstring_view
 }
 
 std::vector<std::byte> StorageEngine::get(wstring_view name) {
-    const Reading reading(*this);
-    const StorageFileEntry entry = existing(name);
-    return checked([&] {
-        BlockChain content = chain(entry.data, 0);
+    std::optional<InnerReader> large;
+    {
+        const Reading reading(*this);
+        const StorageFileEntry entry = existing(name);
+        BlockChain content = checked([&] { return chain(entry.data, 0); });
         if (content.size() > std::vector<std::byte>().max_size()) // on a 32-bit host
             throw_file_error(messages::kFileRead, urlOf(name), EFBIG);
-        return content.content(reader_);
-    });
+        if (content.size() <= kAtOnce)
+            return checked([&] { return content.content(reader_); });
+        large.emplace(shared_from_this(), name);
+    }
+    return large->content();
 }
 
 // Changing.
@@ -111,15 +118,6 @@ void StorageEngine::refuseOpened(wstring_view name) const {
     for (const InnerFile* file : files_) {
         if (file->isWriter() && file->name() == name)
             throw_storage_error(messages::kStorageOpened, urlOf(name));
-    }
-}
-
-/// Readers of the file as it was must not go on as if nothing had happened.
-void StorageEngine::changed(wstring_view name) noexcept {
-    ++state_;
-    for (InnerFile* file : files_) {
-        if (!file->isWriter() && file->name() == name)
-            file->lose();
     }
 }
 
@@ -159,7 +157,7 @@ StorageFileEntry StorageEngine::writeFile(const StorageFileInfo& info, std::span
 }
 
 /// Puts a new entry into the table, or gives its blocks back.
-void StorageEngine::replace(wstring_view name, FilesTable::Change& change, const StorageFileEntry& entry,
+void StorageEngine::replace(FilesTable::Change& change, const StorageFileEntry& entry,
                             const BlockRuns& released, std::span<const BlockRange> ranges) {
     try {
         release(released);
@@ -168,7 +166,6 @@ void StorageEngine::replace(wstring_view name, FilesTable::Change& change, const
         throw;
     }
     table_.assign(change, entry);
-    changed(name);
 }
 
 void StorageEngine::put(wstring_view name, std::span<const std::byte> content) {
@@ -189,7 +186,7 @@ void StorageEngine::putContent(wstring_view name, std::span<const std::byte> con
         const StorageFileInfo info = newInfo(name, old);
         std::vector<BlockRange> ranges;
         const StorageFileEntry entry = writeFile(info, content, ranges);
-        replace(name, old, entry, released, ranges);
+        replace(old, entry, released, ranges);
     });
     finishChange();
 }
@@ -205,7 +202,7 @@ void StorageEngine::publish(wstring_view name, std::uint64_t data, const BlockRu
         std::vector<BlockRange> ranges;
         StorageFileEntry entry = writeFile(newInfo(name, old), {}, ranges);
         entry.data = data;
-        replace(name, old, entry, all, ranges);
+        replace(old, entry, all, ranges);
     });
     finishChange();
 }
@@ -226,8 +223,6 @@ void StorageEngine::erase(std::span<const wstring> names) {
     release(released);
     for (FilesTable::Change* const change : changes)
         table_.assign(*change, std::nullopt);
-    for (const wstring& name : names)
-        changed(name);
 }
 
 void StorageEngine::remove(wstring_view name) {
@@ -274,9 +269,8 @@ void StorageEngine::rename(wstring_view from, wstring_view to) {
         std::vector<BlockRange> ranges;
         StorageFileEntry entry = writeFile(info, {}, ranges);
         entry.data = source.data;
-        replace(to, target, entry, released, ranges);
+        replace(target, entry, released, ranges);
         table_.assign(gone, std::nullopt);
-        changed(from);
     });
     finishChange();
 }
@@ -295,7 +289,7 @@ void StorageEngine::setTimes(wstring_view name, Date created, Date modified) {
         std::vector<BlockRange> ranges;
         StorageFileEntry entry = writeFile(info, {}, ranges);
         entry.data = old.data;
-        replace(name, table_.edit(name), entry, released, ranges);
+        replace(table_.edit(name), entry, released, ranges);
     });
     finishChange();
 }

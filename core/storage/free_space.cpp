@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace core {
@@ -37,10 +38,17 @@ bool FreeSpace::load(std::span<const std::byte> content, std::uint64_t end) {
     return true;
 }
 
+void FreeSpace::avoid(RangeSet pinned) noexcept {
+    pinned_ = std::move(pinned);
+    longest_ = std::numeric_limits<std::uint64_t>::max();
+}
+
 void FreeSpace::take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& ranges) {
     const std::uint64_t length = count * layout_->blockLength(kStorageBlockSize);
-    if (address == end_)
-        end_ += length;
+    if (address > end_) // over what is pinned
+        free_.add(end_, address);
+    if (address >= end_)
+        end_ = address + length;
     else
         free_.take(address, address + length);
     fresh_.add(address, address + length);
@@ -59,12 +67,16 @@ bool FreeSpace::allocate(std::uint64_t count, std::vector<BlockRange>& ranges) {
         if (longest_ < count * step)
             return allocateAtEnd(count, ranges);
         std::uint64_t longest = 0;
-        for (const auto& [begin, end] : free_.ranges()) {
-            if (end - begin >= count * step) {
-                take(begin, count, ranges);
-                return true;
-            }
+        std::optional<std::uint64_t> place;
+        free_.forEachWithout(pinned_, [&](std::uint64_t begin, std::uint64_t end) {
             longest = std::max(longest, end - begin);
+            if (end - begin >= count * step)
+                place = begin;
+            return !place;
+        });
+        if (place) {
+            take(*place, count, ranges);
+            return true;
         }
         longest_ = longest;
         return allocateAtEnd(count, ranges);
@@ -72,26 +84,42 @@ bool FreeSpace::allocate(std::uint64_t count, std::vector<BlockRange>& ranges) {
     // First what there is, so that nothing is taken when the rest does not fit.
     std::vector<BlockRange> found;
     std::uint64_t left = count;
-    for (auto range = free_.ranges().begin(); left != 0 && range != free_.ranges().end(); ++range) {
-        if (const std::uint64_t blocks = std::min(left, (range->second - range->first) / step); blocks != 0) {
-            found.push_back({range->first, blocks});
+    free_.forEachWithout(pinned_, [&](std::uint64_t begin, std::uint64_t end) {
+        if (const std::uint64_t blocks = std::min(left, (end - begin) / step); blocks != 0) {
+            found.push_back({begin, blocks});
             left -= blocks;
         }
-    }
-    if (left > (layout_->limit() - end_) / step)
+        return left != 0;
+    });
+    const std::uint64_t behind = placeAtEnd(left * step);
+    if (behind > layout_->limit() || left > (layout_->limit() - behind) / step)
         return false;
     for (const BlockRange& range : found)
         take(range.address, range.count, ranges);
     if (left != 0)
-        take(end_, left, ranges);
+        take(behind, left, ranges);
     return true;
 }
 
 bool FreeSpace::allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& ranges) {
-    if (count > (layout_->limit() - end_) / layout_->blockLength(kStorageBlockSize))
+    const std::uint64_t step = layout_->blockLength(kStorageBlockSize);
+    if (count > layout_->limit() / step)
         return false;
-    take(end_, count, ranges);
+    const std::uint64_t behind = placeAtEnd(count * step);
+    if (behind > layout_->limit() || count > (layout_->limit() - behind) / step)
+        return false;
+    take(behind, count, ranges);
     return true;
+}
+
+/// Where `length` bytes behind the end are not pinned.
+std::uint64_t FreeSpace::placeAtEnd(std::uint64_t length) const {
+    std::uint64_t place = end_;
+    if (length == 0)
+        return place;
+    while (const auto pinned = pinned_.lastIn(place, place + length))
+        place = *pinned;
+    return place;
 }
 
 bool FreeSpace::isUsed(const BlockRuns& blocks) const {

@@ -35,7 +35,10 @@ class FreeSpace {
     /// from the end of the container when nothing fits. False, with nothing changed, when the
     /// layout cannot address that many.
     [[nodiscard]] bool allocate(std::uint64_t count, std::vector<BlockRange>& ranges);
-    /// The same, from the end of the container only.
+    /// From now on nothing is taken of `pinned`, free or behind the end: somebody still reads it, or is
+    /// writing it.
+    void avoid(RangeSet pinned) noexcept;
+    /// The same as allocate(), from the end of the container only.
     [[nodiscard]] bool allocateAtEnd(std::uint64_t count, std::vector<BlockRange>& ranges);
     /// Gives blocks back: fresh ones become free, committed ones released. False, with nothing changed, when
     /// some of them are not in use, which only a damaged container can bring about.
@@ -66,15 +69,17 @@ class FreeSpace {
 
   private:
     void take(std::uint64_t address, std::uint64_t count, std::vector<BlockRange>& ranges);
+    [[nodiscard]] std::uint64_t placeAtEnd(std::uint64_t length) const;
     void trim() noexcept;
 
     const StorageLayout* layout_;
     RangeSet free_;
     RangeSet fresh_;
     RangeSet released_;
+    RangeSet pinned_;
     std::uint64_t end_;
     std::uint64_t committedEnd_ = 0;
-    std::uint64_t longest_ = 0; // no free range is longer
+    std::uint64_t longest_ = 0; // no free range that may be taken is longer
 };
 
 } // namespace core

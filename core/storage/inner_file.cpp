@@ -69,10 +69,16 @@ std::size_t InnerFile::readAt(std::uint64_t offset, std::span<std::byte> to) {
     return done;
 }
 
+void InnerFile::keep(SpaceLocks::Ranges space) {
+    engine().pin(space); // first, so that no moment lies in between
+    engine().unpin(std::exchange(kept_, std::move(space)));
+}
+
 void InnerFile::leave() noexcept {
     if (const auto engine = std::exchange(engine_, nullptr)) {
         const std::lock_guard lock(engine->mutex());
         engine->dismiss(*this);
+        engine->unpin(std::exchange(kept_, {}));
     }
 }
 

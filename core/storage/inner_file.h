@@ -35,8 +35,11 @@ class InnerFile {
     // For the container.
 
     [[nodiscard]] virtual bool isWriter() const noexcept = 0;
-    /// The content is not what it was when the file was opened, or has been taken back.
+    /// The content has been taken back.
     void lose() noexcept { lost_ = true; }
+    [[nodiscard]] bool isUncommitted() const noexcept { return uncommitted_; }
+    /// The content is committed now.
+    void settle() noexcept { uncommitted_ = false; }
     /// Adds the blocks that belong to this file alone.
     virtual void addFresh(RangeSet&) const {}
 
@@ -51,6 +54,10 @@ class InnerFile {
     [[nodiscard]] std::shared_ptr<StorageEngine> shared() const noexcept { return engine_; }
     [[nodiscard]] bool isLost() const noexcept { return lost_; }
     void requireNotLost() const;
+    void setUncommitted(bool is) noexcept { uncommitted_ = is; }
+    /// Keeps space of the container from being written to, in place of what was kept before. The caller holds
+    /// the state that uses it.
+    void keep(SpaceLocks::Ranges space);
     void forgetBuffer() noexcept { bufferLength_ = 0; }
     /// Lets go of the container, which forgets this file. Doing it again has no effect.
     void leave() noexcept;
@@ -63,6 +70,8 @@ class InnerFile {
     wstring name_;
     wstring url_;
     bool lost_ = false;
+    bool uncommitted_ = false;
+    SpaceLocks::Ranges kept_;
 
     std::vector<std::byte> buffer_;
     std::uint64_t bufferStart_ = 0;

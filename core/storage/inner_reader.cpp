@@ -3,19 +3,42 @@
 
 #include <core/files/errors.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
 namespace core {
+namespace {
+
+// Where a larger content lies is found as it is read.
+constexpr std::uint64_t kWalked = std::uint64_t{128} << 10;
+// More pieces than these are kept as one, with what lies between them.
+constexpr std::size_t kMostRanges = 64;
+
+// Memory grows with what is read: the size that a chain claims is not believed beforehand.
+constexpr std::uint64_t kBelieved = std::uint64_t{64} << 20;
+constexpr std::size_t kPiece = std::size_t{1} << 20;
+
+} // namespace
 
 InnerReader::InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view name)
-    : InnerFile(std::move(engine), name), chain_(this->engine().layout()) {
+    : InnerFile(std::move(engine), name), reader_(this->engine().newReader()),
+      chain_(this->engine().layout()) {
     StorageEngine& in = this->engine();
     const StorageEngine::Reading reading(in);
-    const StorageEngine::Found found = in.lookUp(name);
-    in.checked([&] { chain_.open(in.reader(), found.entry.data, 0); });
-    version_ = found.info.attribute;
-    state_ = in.state();
+    reader_.setEnd(in.reader().end());
+    const StorageFileEntry entry = in.existing(name);
+    in.checked([&] {
+        chain_.open(reader_, entry.data, 0);
+        keepsAll_ = chain_.size() > kWalked;
+        if (!keepsAll_)
+            chain_.walk(reader_);
+    });
+    if (keepsAll_)
+        keep(in.wholeSpace());
+    else
+        keepBlocks();
+    setUncommitted(in.isUncommitted(name));
     in.enlist(*this);
 }
 
@@ -23,29 +46,35 @@ InnerReader::~InnerReader() {
     leave();
 }
 
-void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
-    StorageEngine& in = engine();
-    const StorageEngine::Reading reading(in);
-    revalidate();
-    in.checked([&] { chain_.readAt(in.reader(), offset, out); });
+void InnerReader::keepBlocks() {
+    SpaceLocks::Ranges space;
+    for (const BlockRun& run : chain_.runs().runs())
+        space.emplace_back(run.address, run.address + chain_.runs().lengthOf(run));
+    if (space.size() > kMostRanges) {
+        const auto [first, last] = std::minmax_element(space.begin(), space.end());
+        space = {{first->first, last->second}};
+    }
+    keep(std::move(space));
+    keepsAll_ = false;
 }
 
-/// The container may have changed since the last look: the file must still have the same content, though it
-/// may have moved.
-void InnerReader::revalidate() {
+void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
     requireNotLost();
-    StorageEngine& in = engine();
-    if (state_ == in.state())
-        return;
-    const StorageEngine::Found found = in.lookUp(name());
-    const std::uint64_t size = chain_.size();
-    if (found.info.attribute != version_)
-        lose();
-    requireNotLost();
-    in.checked([&] { chain_.open(in.reader(), found.entry.data, 0); });
-    if (chain_.size() != size)
-        in.throwBadFormat();
-    state_ = in.state();
+    engine().checked([&] { chain_.readAt(reader_, offset, out); });
+    if (keepsAll_ && chain_.isWalked())
+        keepBlocks();
+}
+
+std::vector<std::byte> InnerReader::content() {
+    std::vector<std::byte> bytes;
+    const std::uint64_t length = chain_.size();
+    bytes.reserve(static_cast<std::size_t>(std::min(length, kBelieved)));
+    while (bytes.size() < length) {
+        const std::size_t done = bytes.size();
+        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(length, done + kPiece)));
+        (void)readAt(done, std::span(bytes).subspan(done));
+    }
+    return bytes;
 }
 
 void InnerReader::writeAt(std::uint64_t, std::span<const std::byte>) {

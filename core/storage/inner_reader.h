@@ -5,12 +5,14 @@
 
 namespace core {
 
-/// An inner file open for reading. It sees the content that it was opened with or fails.
+/// An inner file open for reading: the content that it was opened with, whatever becomes of the file.
 class InnerReader : public InnerFile {
   public:
     InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view name);
     ~InnerReader() override;
 
+    /// The whole content.
+    [[nodiscard]] std::vector<std::byte> content();
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
     void truncate(std::uint64_t length) override;
     void flush() override {}
@@ -22,11 +24,11 @@ class InnerReader : public InnerFile {
     [[nodiscard]] std::uint64_t size() const noexcept override { return chain_.size(); }
 
   private:
-    void revalidate();
+    void keepBlocks();
 
+    BlockReader reader_;
     BlockChain chain_;
-    std::uint32_t version_ = 0;
-    std::uint64_t state_ = 0; // of the container, when the chain was last known to be right
+    bool keepsAll_ = false; // the whole space of the container: where the chain lies is not known yet
 };
 
 } // namespace core

@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -21,12 +22,36 @@ class RangeSet {
     [[nodiscard]] bool empty() const noexcept { return ranges_.empty(); }
 
     [[nodiscard]] bool touches(std::uint64_t begin, std::uint64_t end) const {
-        const auto next = ranges_.lower_bound(end);
-        return next != ranges_.begin() && std::prev(next)->second > begin;
+        return lastIn(begin, end).has_value();
     }
     [[nodiscard]] bool contains(std::uint64_t begin, std::uint64_t end) const {
         const auto next = ranges_.upper_bound(begin);
         return next != ranges_.begin() && std::prev(next)->second >= end;
+    }
+
+    /// The end of the last range that lies between `begin` and `end`, or in part.
+    [[nodiscard]] std::optional<std::uint64_t> lastIn(std::uint64_t begin, std::uint64_t end) const {
+        const auto next = ranges_.lower_bound(end);
+        if (next == ranges_.begin() || std::prev(next)->second <= begin)
+            return std::nullopt;
+        return std::prev(next)->second;
+    }
+    /// What is in this set and not in `other`, by address, as `visit(begin, end)`, until that is false.
+    template <class Visit>
+    void forEachWithout(const RangeSet& other, Visit visit) const {
+        for (const auto& [first, end] : ranges_) {
+            std::uint64_t begin = first;
+            auto out = other.ranges_.upper_bound(begin);
+            if (out != other.ranges_.begin())
+                begin = std::max(begin, std::prev(out)->second);
+            for (; out != other.ranges_.end() && out->first < end; ++out) {
+                if (begin < out->first && !visit(begin, out->first))
+                    return;
+                begin = out->second;
+            }
+            if (begin < end && !visit(begin, end))
+                return;
+        }
     }
 
     /// Adds a range of which nothing is in the set.

@@ -180,6 +180,36 @@ TEST_P(Processes, ReadersBesideAWriterSeeWholeStates) {
     EXPECT_TRUE(storage.check().isClean());
 }
 
+TEST_P(Processes, AReaderKeepsTheVersionThatItOpened) {
+    const auto end = std::chrono::steady_clock::now() + (is_nightly() ? 60s : 500ms);
+    StorageRW storage = open();
+    write(storage, 1);
+    const ::pid_t writer = start([&] {
+        StorageRW mine = open();
+        for (std::uint32_t generation = 2; std::chrono::steady_clock::now() < end; ++generation) {
+            write(mine, generation);
+            if (generation % 7 == 0)
+                mine.compact();
+        }
+        return true;
+    });
+    std::mt19937 random(5);
+    int reads = 0;
+    for (; std::chrono::steady_clock::now() < end; ++reads) {
+        const int number = reads % kFiles;
+        const auto reader = storage.open(nameOf(0, number), OpenMode::read);
+        Bytes start(sizeof(std::uint32_t));
+        ASSERT_EQ(read_all_at(*reader, 0, start), start.size());
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 20000));
+        ASSERT_EQ(read_whole(*reader), contentOf(generationOf(start), number));
+    }
+    EXPECT_GT(reads, 5);
+    EXPECT_TRUE(succeeded(writer));
+    storage.put(u"last", {}); // nobody reads old versions any more
+    EXPECT_EQ(storage.info().fileLength, storage.info().end);
+    EXPECT_TRUE(storage.check().isClean());
+}
+
 TEST_P(Processes, WritersTakeTurns) {
     const auto writer = [&](int number) {
         return [this, number] {

@@ -17,8 +17,9 @@ class InnerFile;
 /// it is read in order it reads ahead. A component, made by `make_object<FileWithBuffer>(storage, name)`; it
 /// keeps the container open.
 ///
-/// Reading fails with StorageException once the content has been replaced, renamed or removed: nobody gets
-/// half old and half new bytes. The file stays readable when its content only moves. Calls after close() fail
+/// It reads the content that the file had when it was opened, whole, also after the file has been replaced,
+/// renamed or removed; that content takes space in the container until close(). Reading fails with
+/// StorageException when the content was that of a transaction that was taken back. Calls after close() fail
 /// with FileException. Threads: readAt() and writeAt() from any; the current position is the caller's to
 /// guard.
 class CORE_API FileWithBuffer : public FileImpl {

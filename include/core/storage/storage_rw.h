@@ -42,7 +42,8 @@ struct StorageFound {
 /// changes nothing; a failed commit takes all of its changes back.
 ///
 /// Several processes may have a container open. Reads see one committed state. A change waits for the
-/// container's turn, which one open container has at a time, 20 seconds at most.
+/// container's turn, which one open container has at a time, in the order of arrival; 20 seconds without any
+/// commit at most.
 ///
 /// Every call can throw StorageException (damage; a turn that another holds too long; its kinds say more) and
 /// FileException from the file below. After a failed flush nothing more is written: open the container again.
