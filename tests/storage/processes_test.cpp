@@ -408,6 +408,44 @@ TEST_P(Processes, KilledWritersLoseNothingTheyCommitted) {
     RecordProperty("kills", static_cast<int>(kills));
 }
 
+TEST_P(Processes, TheSpaceOfThoseWhoWereKilledIsUsedAgain) {
+    StorageRW storage = open();
+    const Bytes content(500000, std::byte{1});
+    const auto killed = [&](OpenMode mode) {
+        storage.put(u"read", content);
+        int ends[2];
+        EXPECT_EQ(::pipe(ends), 0);
+        const ::pid_t child = start([&] {
+            StorageRW mine = open();
+            const auto file = mine.open(mode == OpenMode::read ? u"read" : u"written", mode);
+            Bytes part(10);
+            if (mode != OpenMode::read)
+                write_all(*file, content);
+            else if (read_all_at(*file, 1000, part) != part.size())
+                return false;
+            if (::write(ends[1], "", 1) != 1)
+                return false;
+            for (;;) // with the file open
+                ::pause();
+        });
+        ::close(ends[1]);
+        char begun = 0;
+        EXPECT_EQ(::read(ends[0], &begun, 1), 1);
+        if (mode == OpenMode::read) // others change what is read
+            storage.put(u"read", Bytes(400000, std::byte{2}));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        ::close(ends[0]);
+    };
+    for (const OpenMode mode : {OpenMode::read, OpenMode::replace}) {
+        killed(mode);
+        storage.remove(u"read");
+        EXPECT_TRUE(storage.find().empty());
+        EXPECT_TRUE(storage.check().isClean());
+        EXPECT_EQ(storage.info().fileLength, layout_.emptyLength()) << "as long as a new one";
+    }
+}
+
 TEST_P(Processes, HoldsARealFolderTree) {
     namespace fs = std::filesystem;
     const std::string root = "/usr/share/doc";
