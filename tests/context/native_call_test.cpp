@@ -96,6 +96,7 @@ TEST_F(NativeCalls, TextsAndTheOtherTypes) {
     EXPECT_TRUE(to_value(to_utf8(u"Счет 5")).equals(text));
     EXPECT_TRUE(to_value(u"Счет 5").equals(text));
     EXPECT_TRUE(to_value("a").equals(u"a"));
+    EXPECT_TRUE(to_value(static_cast<const char*>(nullptr)).equals(u""));
     expectRefusedType<wstring_view>(5);
 
     const Date date(2024, 2, 29, 1, 2, 3);

@@ -22,9 +22,9 @@
 ///     }
 ///
 /// Members are numbered in the order in which they stand, properties, methods and events each by themselves.
-/// <core/context/events/event.h> declares events. Values
-/// convert as NativeValue says; a value that does not convert is refused with the name of the property or the
-/// number of the parameter. Names are borrowed, as a rule from literals.
+/// <core/context/events/event.h> declares events. Values convert as NativeValue says; a value that does not
+/// convert is refused with the name of the property or the number of the parameter. Names are borrowed, as a
+/// rule from literals.
 namespace core {
 
 /// The type of read_only.
@@ -217,10 +217,6 @@ void add_row(const MethodDeclaration<F, count>& declaration, BoundMethod<T>*& en
               &declaration};
 }
 
-template <class D>
-inline constexpr bool kIsProperty = false;
-template <class Get, class Set>
-inline constexpr bool kIsProperty<PropertyDeclaration<Get, Set>> = true;
 template <class T, class E, std::size_t count>
 void add_row(const EventDeclaration<T, E, count>& declaration, EventEntry<T>*& end) {
     *end++ = {declaration.ops,
@@ -230,6 +226,10 @@ void add_row(const EventDeclaration<T, E, count>& declaration, EventEntry<T>*& e
               declaration.params, &declaration};
 }
 
+template <class D>
+inline constexpr bool kIsProperty = false;
+template <class Get, class Set>
+inline constexpr bool kIsProperty<PropertyDeclaration<Get, Set>> = true;
 template <class D>
 inline constexpr bool kIsMethod = false;
 template <class F, std::size_t count>

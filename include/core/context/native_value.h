@@ -230,7 +230,8 @@ struct NativeValue<T> {
     static const GUID* type() noexcept { return &kStringType; }
 };
 
-/// A String as text in UTF-8, which is converted, so that nothing is borrowed.
+/// A String as text in UTF-8, which is converted, so that nothing is borrowed. A null pointer becomes the
+/// empty String.
 template <class T>
 requires std::same_as<T, std::string_view> || std::same_as<T, std::string> || std::same_as<T, const char*>
 struct NativeValue<T> {
@@ -239,7 +240,12 @@ struct NativeValue<T> {
         return to_utf8(detail::text_from(value, receiver));
     }
     /// Returns a String.
-    static Value to(const T& value) { return from_utf8(value); }
+    static Value to(const T& value) {
+        if constexpr (std::is_pointer_v<T>)
+            return from_utf8(value != nullptr ? std::string_view(value) : std::string_view());
+        else
+            return from_utf8(value);
+    }
     /// Returns the id of String.
     static const GUID* type() noexcept { return &kStringType; }
 };

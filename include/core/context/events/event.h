@@ -102,9 +102,9 @@ template <class F, class... Args>
 ///     ...
 ///     changed.raise(total);
 ///
-/// With no sink connected it is one word, and raising it is one test. With the entry
-/// `event<&Counter::changed>` in the class's table of events it can be reached by name, too; `Args` then
-/// convert to and from values.
+/// With no sink connected it is one word, and raising it is one test. Named among the members of its class,
+/// by `core::event(&Counter::changed)`, it can be reached by name, too; `Args` then convert to and from
+/// values.
 ///
 /// A sink that throws does not stop an emission: its failure is reported to the process with the event's
 /// name. Threads: as the object that has the event.
