@@ -135,10 +135,10 @@ class HostProcess {
     /// Threads: one thread at a time loads and unloads; others may work in the process meanwhile.
     const core::SCOM_Module& loadModule(const std::filesystem::path& file);
     /// Takes the classes of a loaded module back, lets go of its services, and of its file when no other
-    /// process uses it. Throws ModuleException: kModuleNotLoaded; kModuleInUse, which names the classes whose
-    /// objects are alive and the types and enumerations that values hold; kModuleBusy. The module then stays,
-    /// and its services are made again when they are next asked for. The caller sees to it that no thread is
-    /// inside the module's functions, and that nobody keeps what was borrowed from it.
+    /// process uses it. Throws ModuleException: kModuleNotLoaded; kModuleInUse, which names what is alive of
+    /// it: objects, callables of events and scripts, types and enumerations that values hold; kModuleBusy.
+    /// It then stays, and its services are made again when they are next asked for. The caller sees to it
+    /// that no thread is inside the module's functions and nobody keeps what was borrowed from it.
     void unloadModule(std::string_view name);
     /// Returns the modules of the process, borrowed until they are unloaded: the library, those that the
     /// program is made of, and those that were loaded, in that order.
