@@ -26,7 +26,8 @@ BlockHeader header_at(std::span<const std::byte> bytes, const StorageLayout& lay
 } // namespace
 
 BlockChain::BlockChain(const StorageLayout& layout) noexcept
-    : layout_(&layout), runs_(layout.blockHeaderSize()), address_(layout.null), next_(layout.null) {}
+    : layout_(&layout), runs_(layout.blockHeaderSize()), address_(layout.null), next_(layout.null),
+      milestone_(layout.null) {}
 
 void BlockChain::open(BlockReader& reader, std::uint64_t address, std::uint64_t wish) {
     *this = BlockChain(*layout_);
@@ -57,6 +58,12 @@ void BlockChain::visit(BlockReader& reader, std::uint64_t address, std::uint64_t
     if (!inside || runs_.length() > end - header - size)
         throw ChainInFileExc(address);
     runs_.append(address, size);
+    if (next == address || address == milestone_)
+        throw ChainInFileExc(address);
+    if (--lapLeft_ == 0) {
+        milestone_ = address;
+        lapLeft_ = lap_ *= 2;
+    }
     next_ = next;
     if (next_ == layout_->null)
         finish();

@@ -19,7 +19,7 @@ class BlockReader;
 ///
 /// A chain is damaged when a header is malformed, when blocks lie outside the container, overlap or form a
 /// circle, or when they hold fewer bytes than the chain's size. Each is thrown as ChainInFileExc, in time and
-/// memory bounded by the size of the container.
+/// memory bounded by the size of the container; a circle, after going around it three times at most.
 class BlockChain {
   public:
     explicit BlockChain(const StorageLayout& layout) noexcept;
@@ -56,6 +56,10 @@ class BlockChain {
     std::uint64_t address_;
     std::uint64_t size_ = 0;
     std::uint64_t next_; // the first block that is not in runs_ yet
+    // A circle leads back to the milestone, which moves on after 1, 2, 4, 8 … blocks.
+    std::uint64_t milestone_;
+    std::uint64_t lap_ = 1;
+    std::uint64_t lapLeft_ = 1;
 };
 
 } // namespace core

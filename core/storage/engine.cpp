@@ -80,6 +80,10 @@ void StorageEngine::throwBadFormat() const {
     throw StorageException(StorageException::Kind::badFormat, url_);
 }
 
+void StorageEngine::throwDamaged(wstring_view name) const {
+    throw StorageException(StorageException::Kind::badFormat, root_.empty() ? url_ : urlOf(name));
+}
+
 // Reading and turns.
 
 StorageEngine::Reading::Reading(StorageEngine& engine) : engine_(engine), lock_(engine.mutex_) {
@@ -185,7 +189,7 @@ void StorageEngine::load(const ContainerHead::Bytes& bytes) {
     BlockChain chain(layout_);
     chain.adopt(reader_, layout_.headerSize(), head.table.chainSize, head.table.size, head.table.next);
     FilesTable table(layout_);
-    if (!table.decode(chain.content(reader_), options_.noSortedCheck) || table.end() > length)
+    if (!table.decode(chain.content(reader_), options_.noSortedCheck))
         throwBadFormat();
     chain.walk(reader_);
     BlockRuns blocks = chain.runs();
@@ -201,28 +205,6 @@ void StorageEngine::load(const ContainerHead::Bytes& bytes) {
     headBytes_ = bytes;
     spaceCounter_.reset();
     loaded_ = true;
-}
-
-void StorageEngine::loadFreeSpace() {
-    if (spaceCounter_ == head_.counter)
-        return;
-    checked([&] {
-        BlockChain free = chain(head_.freeChain, 0);
-        const std::vector<std::byte> ranges = free.content(reader_);
-        free.walk(reader_);
-        if (!space_.load(ranges, table_.end()) || !space_.isUsed(tableBlocks_) || !space_.isUsed(free.runs()))
-            throwBadFormat();
-        // What a file begins with is free in a damaged container alone; writing there would take it from the
-        // file.
-        table_.forEach([&](wstring_view, const StorageFileEntry& entry) {
-            for (const std::uint64_t first : {entry.attributes, entry.data}) {
-                if (first != layout_.null && space_.isFree(first))
-                    throwBadFormat();
-            }
-        });
-        freeBlocks_ = free.runs();
-    });
-    spaceCounter_ = head_.counter;
 }
 
 BlockChain StorageEngine::chain(std::uint64_t address, std::uint64_t wish) {

@@ -152,7 +152,12 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void dismiss(InnerFile& file) noexcept { std::erase(files_, &file); }
 
     [[noreturn]] void throwBadFormat() const;
-    /// Runs `call` and says with the container's URL what is damaged.
+    /// Says with the URL of an inner file what is damaged, or with the container's where it has no root.
+    [[noreturn]] void throwDamaged(wstring_view name) const;
+    /// Runs `call`, which concerns the inner file `name`, and says with its URL what is damaged.
+    template <class Call>
+    auto checked(wstring_view name, Call call) -> decltype(call());
+    /// The same with the container's URL.
     template <class Call>
     auto checked(Call call) -> decltype(call());
 
@@ -160,10 +165,16 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     // engine.cpp
     void refresh();
     void load(const ContainerHead::Bytes& bytes);
-    void loadFreeSpace();
     void beginTurn();
     void endTurn() noexcept;
     [[nodiscard]] BlockChain chain(std::uint64_t address, std::uint64_t wish = 0);
+
+    // engine_space.cpp
+    void loadFreeSpace();
+    void verifySpace();
+    void distrustSpace();
+    [[nodiscard]] BlockRuns withoutShared(const BlockRuns& blocks) const;
+    void requireNoCutChains(const FilesTable& table) const;
 
     // engine_commit.cpp
 
@@ -191,6 +202,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     [[nodiscard]] StorageFileInfo readInfo(const StorageFileEntry& entry, wstring_view name);
     [[nodiscard]] StorageFound describe(const StorageFileEntry& entry, wstring_view name);
     void addBlocks(std::uint64_t address, BlockRuns& blocks);
+    [[nodiscard]] StorageFileInfo infoOrNone(const StorageFileEntry& entry, wstring_view name);
     /// Writes two chains side by side and says where they begin.
     [[nodiscard]] StorageFileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
                                              std::vector<BlockRange>& ranges);
@@ -228,8 +240,13 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     BlockRuns freeBlocks_;
     FreeSpace space_;
     SpaceLocks pins_;
-    bool pinsKnown_ = false; // to space_, as they are now
-    bool unsettled_ = false; // blocks were taken since the last commit; they may be written
+    bool pinsKnown_ = false;               // to space_, as they are now
+    bool spaceVerified_ = false;           // no chain of this state uses what is free in space_
+    bool verifiedList_ = false;            // and the free chain on the disk says so
+    std::uint64_t unverifiedEnd_ = 0;      // where new blocks began to go behind everything
+    RangeSet sharedSpace_;                 // used by more than one chain, which only damage brings about
+    std::vector<std::uint64_t> cutChains_; // that the end of the file cuts
+    bool unsettled_ = false;               // blocks were taken since the last commit; they may be written
 
     unsigned readings_ = 0;
     bool readLocked_ = false;
@@ -239,6 +256,15 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     bool appending_ = false; // new blocks go behind everything
     std::vector<InnerFile*> files_;
 };
+
+template <class Call>
+auto StorageEngine::checked(wstring_view name, Call call) -> decltype(call()) {
+    try {
+        return call();
+    } catch (const ChainInFileExc&) {
+        throwDamaged(name);
+    }
+}
 
 template <class Call>
 auto StorageEngine::checked(Call call) -> decltype(call()) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/storage/chain_survey.h"
 #include "core/storage/engine.h"
 #include "core/storage/storage_error.h"
+#include "core/storage/used_space.h"
 
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
@@ -13,147 +15,125 @@
 namespace core {
 namespace {
 
-/// A piece of the file and whose it is.
-struct Owned {
-    std::uint64_t begin;
-    std::uint64_t end;
-    StorageUse use;
-    std::size_t file; // among the names
-};
+using Kind = StorageProblem::Kind;
 
-/// Walks every chain of a container, whatever is wrong with it.
-class Survey {
+// What a check keeps of problems is bounded, whatever their number and the length of names.
+constexpr std::size_t kMostProblems = 5000;
+constexpr std::size_t kMostUnits = std::size_t{1} << 20;
+
+/// Problems, as long as there is room for them.
+class ProblemList {
   public:
-    Survey(BlockReader& reader, const StorageLayout& layout) : reader_(reader), layout_(layout) {
-        owned_.push_back({0, layout.emptyLength(), StorageUse::head, 0});
-    }
+    explicit ProblemList(StorageCheck& check) : check_(check) {}
 
-    /// Takes a chain's blocks in, those before the damage where there is one. Returns its content.
-    std::vector<std::byte> visit(std::uint64_t address, StorageUse use, wstring_view name,
-                                 StorageProblem::Kind damage, bool wanted) {
-        names_.emplace_back(name);
-        BlockChain chain(layout_);
-        std::vector<std::byte> content;
-        try {
-            chain.open(reader_, address, 0);
-            if (wanted)
-                content = chain.content(reader_);
-            chain.walk(reader_);
-            if (use == StorageUse::content)
-                contentBytes += chain.size();
-        } catch (const ChainInFileExc& e) {
-            problem(damage, e.address());
-            content.clear();
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+    /// Returns the problem's index, kNone when there is no room.
+    std::size_t add(StorageProblem problem) {
+        units_ += problem.name.size() + problem.otherName.size();
+        if (check_.problems.size() >= kMostProblems || units_ > kMostUnits) {
+            ++check_.unlisted;
+            return kNone;
         }
-        if (use == StorageUse::content)
-            fragments += chain.runs().runs().size();
-        add(chain.runs(), use);
-        return content;
+        check_.problems.push_back(std::move(problem));
+        return check_.problems.size() - 1;
     }
-
-    void add(const BlockRuns& blocks, StorageUse use) {
-        for (const BlockRun& run : blocks.runs())
-            owned_.push_back({run.address, run.address + blocks.lengthOf(run), use, names_.size()});
-        this->blocks += blocks.count();
-        length_ += blocks.length();
-    }
-
-    void addFree(const RangeSet& free) {
-        for (const auto& [begin, end] : free.ranges()) {
-            owned_.push_back({begin, end, StorageUse::free, 0});
-            freeBytes += end - begin;
-            ++freeRanges;
-        }
-    }
-
-    /// Chains that take more room together than there is share blocks. Those that do are in the list by then,
-    /// and walking the same blocks for ever more chains would take time without bound.
-    [[nodiscard]] bool isEnough() const noexcept { return length_ / 4 > reader_.end(); }
-
-    /// Concerns the chain visited last.
-    void problem(StorageProblem::Kind kind, std::uint64_t address) {
-        problems.push_back({.kind = kind, .address = address, .name = names_.back()});
-    }
-
-    /// Compares what was found with the whole file.
-    void finish(std::uint64_t end) {
-        std::sort(owned_.begin(), owned_.end(), [](const Owned& a, const Owned& b) {
-            return std::tie(a.begin, a.end) < std::tie(b.begin, b.end);
-        });
-        const Owned* furthest = &owned_.front();
-        for (const Owned& piece : owned_) {
-            if (&piece != furthest && piece.begin < furthest->end)
-                problems.push_back({StorageProblem::Kind::overlap, piece.begin,
-                                    std::min(piece.end, furthest->end) - piece.begin, piece.use,
-                                    nameOf(piece), furthest->use, nameOf(*furthest)});
-            else if (piece.begin > furthest->end && !isEnough())
-                lose(furthest->end, piece.begin);
-            if (piece.end > furthest->end)
-                furthest = &piece;
-        }
-        if (furthest->end < end && !isEnough())
-            lose(furthest->end, end);
-        std::stable_sort(problems.begin(), problems.end(),
-                         [](const auto& a, const auto& b) { return a.address < b.address; });
-    }
-
-    [[nodiscard]] std::vector<StorageInfo::Piece> pieces() const {
-        std::vector<StorageInfo::Piece> pieces;
-        for (const Owned& piece : owned_)
-            pieces.push_back({piece.begin, piece.end - piece.begin, piece.use});
-        return pieces;
-    }
-
-    std::vector<StorageProblem> problems;
-    std::uint64_t blocks = 0;
-    std::uint64_t contentBytes = 0;
-    std::uint64_t fragments = 0;
-    std::uint64_t freeBytes = 0;
-    std::uint64_t freeRanges = 0;
+    [[nodiscard]] StorageProblem& at(std::size_t index) { return check_.problems[index]; }
 
   private:
-    [[nodiscard]] wstring nameOf(const Owned& piece) const {
-        return piece.file == 0 ? wstring() : names_[piece.file - 1];
-    }
-    void lose(std::uint64_t begin, std::uint64_t end) {
-        problems.push_back({.kind = StorageProblem::Kind::lost, .address = begin, .length = end - begin});
-    }
-
-    BlockReader& reader_;
-    const StorageLayout& layout_;
-    std::vector<Owned> owned_;
-    std::uint64_t length_ = 0;   // of all blocks walked
-    std::vector<wstring> names_; // of the chains visited; a piece counts them from 1
+    StorageCheck& check_;
+    std::size_t units_ = 0;
 };
 
-/// The whole survey; `count` grows with the files.
-Survey survey(const FilesTable& table, const ContainerHead& head, const BlockRuns& tableBlocks,
-              BlockReader& reader, const StorageLayout& layout, std::uint64_t& count) {
-    using Kind = StorageProblem::Kind;
-    Survey result(reader, layout);
-    result.add(tableBlocks, StorageUse::table);
-    ++result.blocks; // the first one is part of the head
-    const auto ranges = result.visit(head.freeChain, StorageUse::freeChain, {}, Kind::damagedFreeChain, true);
-    FreeSpace space(layout);
-    if (!space.load(ranges, table.end()))
-        result.problem(Kind::damagedFreeChain, head.freeChain);
-    result.addFree(space.free());
-    table.forEach([&](wstring_view name, const StorageFileEntry& entry) {
-        ++count;
-        if (result.isEnough())
-            return;
-        if (entry.attributes != layout.null) {
-            const std::size_t before = result.problems.size();
-            const auto record =
-                result.visit(entry.attributes, StorageUse::attributes, name, Kind::damagedAttributes, true);
-            const auto info = StorageFileInfo::decode(record);
-            if (result.problems.size() == before && (!info || info->name != name))
-                result.problem(Kind::damagedAttributes, entry.attributes);
+Kind damage_kind(StorageUse use) {
+    return use == StorageUse::attributes  ? Kind::damagedAttributes
+           : use == StorageUse::freeChain ? Kind::damagedFreeChain
+                                          : Kind::damagedContent;
+}
+
+/// Says who has the bytes that more than one have. The first one keeps a piece, each later one with a
+/// part of it is a problem: one, however many pieces it shares with the first.
+class SharedOwners {
+  public:
+    SharedOwners(const UsedSpace::Ranges& shared, ProblemList& problems)
+        : shared_(shared), owners_(shared.size(), kNobody), problems_(problems) {}
+
+    void begin(StorageUse use, wstring_view name) {
+        now_ = {use, wstring(name)};
+        index_ = kNobody;
+        known_.clear();
+    }
+    void add(std::uint64_t begin, std::uint64_t end) {
+        for (auto range = UsedSpace::firstBehind(shared_, begin);
+             range != shared_.end() && range->first < end; ++range) {
+            std::size_t& owner = owners_[static_cast<std::size_t>(range - shared_.begin())];
+            if (owner == kNobody)
+                owner = ownIndex();
+            else if (owner != index_)
+                note(owner, std::max(begin, range->first), std::min(end, range->second));
         }
-        (void)result.visit(entry.data, StorageUse::content, name, Kind::damagedContent, false);
-    });
-    result.finish(table.end());
-    return result;
+    }
+
+  private:
+    struct Owner {
+        StorageUse use;
+        wstring name;
+    };
+    static constexpr std::size_t kNobody = static_cast<std::size_t>(-1);
+
+    std::size_t ownIndex() {
+        if (index_ == kNobody) {
+            index_ = all_.size();
+            all_.push_back(now_);
+        }
+        return index_;
+    }
+    void note(std::size_t owner, std::uint64_t begin, std::uint64_t end) {
+        auto known = std::find_if(known_.begin(), known_.end(), [&](auto& k) { return k.first == owner; });
+        if (known != known_.end()) {
+            if (known->second != ProblemList::kNone) {
+                StorageProblem& problem = problems_.at(known->second);
+                problem.address = std::min(problem.address, begin);
+                problem.length += end - begin;
+                ++problem.places;
+            }
+            return;
+        }
+        known_.emplace_back(owner, problems_.add({.kind = Kind::overlap,
+                                                  .address = begin,
+                                                  .length = end - begin,
+                                                  .use = now_.use,
+                                                  .name = now_.name,
+                                                  .otherUse = all_[owner].use,
+                                                  .otherName = all_[owner].name}));
+    }
+
+    const UsedSpace::Ranges& shared_;
+    std::vector<std::size_t> owners_; // of shared_, in all_
+    std::vector<Owner> all_;
+    Owner now_{};
+    std::size_t index_ = kNobody;                            // of now_ in all_
+    std::vector<std::pair<std::size_t, std::size_t>> known_; // owners that now_ shares with, their problems
+    ProblemList& problems_;
+};
+
+void add_lost(ProblemList& problems, const UsedSpace::Ranges& used, std::uint64_t end) {
+    StorageProblem lost{.kind = Kind::lost, .places = 0};
+    std::uint64_t at = 0;
+    const auto add = [&](std::uint64_t begin, std::uint64_t stop) {
+        if (begin >= stop)
+            return;
+        if (lost.places++ == 0)
+            lost.address = begin;
+        lost.length += stop - begin;
+    };
+    for (const auto& [begin, stop] : used) {
+        add(at, std::min(begin, end));
+        at = stop;
+    }
+    add(at, end);
+    if (lost.places != 0)
+        problems.add(std::move(lost));
 }
 
 wstring who(StorageUse use, const wstring& name) {
@@ -181,32 +161,91 @@ StorageCheck StorageEngine::check() {
     if (table_.hasChanges() || space_.hasChanges())
         throw_storage_error(messages::kStorageTransaction, url_);
     StorageCheck result;
-    Survey found = survey(table_, head_, tableBlocks_, reader_, layout_, result.files);
-    result.blocks = found.blocks;
-    result.problems = std::move(found.problems);
+    ProblemList problems(result);
+    UsedSpace space;
+    space.add(0, layout_.emptyLength());
+    ChainSurvey survey(reader_, file_->length(), table_, head_, tableBlocks_);
+    ++result.blocks; // the first one of the table
+    const bool all = survey.walk(
+        [&](const ChainSurvey::Chain& chain) {
+            result.blocks += chain.blocks.count();
+            for (const BlockRun& run : chain.blocks.runs())
+                space.add(run.address, run.address + chain.blocks.lengthOf(run));
+            if (chain.damage)
+                problems.add(
+                    {.kind = damage_kind(chain.use), .address = *chain.damage, .name = wstring(chain.name)});
+        },
+        [&](std::uint64_t begin, std::uint64_t end) { space.add(begin, end); });
+    result.files = survey.files();
+    space.settle();
+    if (!space.shared().empty()) { // rarely: who they are is found by another walk
+        SharedOwners owners(space.shared(), problems);
+        owners.begin(StorageUse::head, {});
+        owners.add(0, layout_.emptyLength());
+        const auto visitFree = [&](std::uint64_t begin, std::uint64_t end) {
+            owners.begin(StorageUse::free, {});
+            owners.add(begin, end);
+        };
+        const auto visit = [&](const ChainSurvey::Chain& chain) {
+            owners.begin(chain.use, chain.name);
+            for (const BlockRun& run : chain.blocks.runs())
+                owners.add(run.address, run.address + chain.blocks.lengthOf(run));
+        };
+        (void)survey.walk(visit, visitFree);
+    }
+    if (all)
+        add_lost(problems, space.used(), table_.end());
+    else
+        problems.add({.kind = Kind::tangled});
+    std::stable_sort(result.problems.begin(), result.problems.end(),
+                     [](const auto& a, const auto& b) { return a.address < b.address; });
     return result;
 }
 
 StorageInfo StorageEngine::info() {
     const Reading reading(*this);
     StorageInfo result;
-    const Survey found = survey(table_, head_, tableBlocks_, reader_, layout_, result.files);
     result.firstWord = head_.freeChain;
     result.secondWord = head_.blockSize;
     result.changeCounter = head_.counter;
     result.fileLength = file_->length();
     result.end = table_.end();
-    result.contentBytes = found.contentBytes;
-    result.blocks = found.blocks;
-    result.freeBytes = found.freeBytes;
-    result.freeRanges = found.freeRanges;
-    result.fragments = found.fragments;
-    result.pieces = found.pieces();
+    std::vector<StorageInfo::Piece>& pieces = result.pieces;
+    pieces.push_back({0, layout_.emptyLength(), StorageUse::head});
+    const auto addPiece = [&](std::uint64_t begin, std::uint64_t end, StorageUse use) {
+        StorageInfo::Piece& last = pieces.back();
+        if (last.use == use && last.address + last.length == begin)
+            last.length += end - begin;
+        else
+            pieces.push_back({begin, end - begin, use});
+    };
+    ChainSurvey survey(reader_, result.fileLength, table_, head_, tableBlocks_);
+    ++result.blocks; // the first one of the table
+    const auto visit = [&](const ChainSurvey::Chain& chain) {
+        result.blocks += chain.blocks.count();
+        for (const BlockRun& run : chain.blocks.runs())
+            addPiece(run.address, run.address + chain.blocks.lengthOf(run), chain.use);
+        if (chain.use == StorageUse::content) {
+            result.fragments += chain.blocks.runs().size();
+            result.contentBytes += chain.damage ? 0 : chain.size;
+        }
+    };
+    (void)survey.walk(visit, [&](std::uint64_t begin, std::uint64_t end) {
+        addPiece(begin, end, StorageUse::free);
+        result.freeBytes += end - begin;
+        ++result.freeRanges;
+    });
+    result.files = survey.files();
+    std::sort(pieces.begin(), pieces.end(), [](const auto& a, const auto& b) {
+        return std::tie(a.address, a.length) < std::tie(b.address, b.length);
+    });
     return result;
 }
 
 wstring StorageProblem::text() const {
     const auto number = [](std::uint64_t n) { return from_utf8(std::to_string(n)); };
+    const wstring pieces =
+        places > 1 ? u" " + message_text("IDS_STCHECK_PIECES", {number(places)}) : wstring();
     switch (kind) {
     case Kind::damagedFreeChain:
         return message_text("IDS_STCHECK_DAMAGEDFREE", {number(address)});
@@ -216,11 +255,14 @@ wstring StorageProblem::text() const {
         return message_text("IDS_STCHECK_DAMAGEDCONTENT", {number(address), name});
     case Kind::overlap:
         return message_text("IDS_STCHECK_OVERLAP",
-                            {number(address), number(length), who(use, name), who(otherUse, otherName)});
+                            {number(address), number(length), who(use, name), who(otherUse, otherName)}) +
+               pieces;
     case Kind::lost:
+        return message_text("IDS_STCHECK_LOST", {number(address), number(length)}) + pieces;
+    case Kind::tangled:
         break;
     }
-    return message_text("IDS_STCHECK_LOST", {number(address), number(length)});
+    return message_text("IDS_STCHECK_TANGLED");
 }
 
 } // namespace core

@@ -96,6 +96,9 @@ void StorageEngine::writeBeside(Next& next) {
         next.tableBlocks.append(range.address, kStorageBlockSize, range.count);
     next.head.freeChain = writeFreeChain(next.kept, next.freeBlocks);
     next.table.setEnd(space_.outlook(next.kept).end);
+    if (!next.table.isWhole()) // nobody could open the container any more
+        throwBadFormat();
+    requireNoCutChains(next.table);
     const std::vector<std::byte> content = next.table.encode();
     if (!ranges.empty())
         write(ranges, std::span(content).subspan(kStorageBlockSize), 0, layout_.null);
@@ -115,6 +118,8 @@ void StorageEngine::settle(Next next) noexcept {
     unsettled_ = !next.kept.empty();
     space_.commit(std::move(next.kept), table_.end());
     spaceCounter_ = head_.counter;
+    verifiedList_ = spaceVerified_;
+    cutChains_.clear();
     reader_.setEnd(space_.end());
     pinsKnown_ = false; // to those who went on reading what became free
     for (InnerFile* const file : files_)
@@ -171,7 +176,7 @@ void StorageEngine::takeBack() noexcept {
     queue_.drop();
     reader_.forget();
     reader_.setEnd(table_.end());
-    if (!failed_ && spaceCounter_)
+    if (!failed_ && spaceCounter_ && space_.end() >= table_.end())
         cutTail();
 }
 
@@ -223,7 +228,10 @@ std::vector<BlockRange> StorageEngine::allocate(std::uint64_t blocks) {
 }
 
 void StorageEngine::release(const BlockRuns& blocks) {
-    if (blocks.overlap() || !onSpace([&] { return space_.release(blocks); }))
+    const bool sharing = !sharedSpace_.empty();
+    const BlockRuns own = sharing ? withoutShared(blocks) : BlockRuns(layout_.blockHeaderSize());
+    const BlockRuns& released = sharing ? own : blocks;
+    if (released.overlap() || !onSpace([&] { return space_.release(released); }))
         throw ChainInFileExc(blocks.runs().front().address);
 }
 

@@ -16,7 +16,11 @@ void StorageEngine::compact() {
     if (transaction_ || turns_ != 0)
         throw_storage_error(messages::kStorageTransaction, url_);
     const Turn turn(*this);
-    if (space_.free().empty() && head_.freeChain == layout_.null)
+    if (!spaceVerified_)
+        verifySpace();
+    if (!spaceVerified_)
+        throwBadFormat();
+    if (space_.free().empty() && head_.freeChain == layout_.null && space_.end() == table_.end())
         return;
     checked([&] {
         appending_ = true;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/storage/attributes.h"
 #include "core/storage/engine.h"
 #include "core/storage/inner_reader.h"
 #include "core/storage/storage_error.h"
@@ -13,9 +14,6 @@
 
 namespace core {
 namespace {
-
-// Attributes are read in one call with the beginning of the content, which follows them where there was room.
-constexpr std::uint64_t kWithContent = 2048;
 
 // A content up to this size is read while others wait, a larger one beside them.
 constexpr std::uint64_t kAtOnce = std::uint64_t{64} << 10;
@@ -63,16 +61,21 @@ StorageFileInfo StorageEngine::readInfo(const StorageFileEntry& entry, wstring_v
         none.name = name;
         return none;
     }
-    BlockChain attributes = chain(entry.attributes, kWithContent);
-    auto info = StorageFileInfo::decode(attributes.content(reader_));
-    if (!info || info->name != name)
-        throwBadFormat();
-    return *std::move(info);
+    return read_attributes(reader_, entry.attributes, name);
+}
+
+/// Damaged attributes give way to new ones: only the times are lost with them.
+StorageFileInfo StorageEngine::infoOrNone(const StorageFileEntry& entry, wstring_view name) {
+    try {
+        return readInfo(entry, name);
+    } catch (const ChainInFileExc&) {
+        return readInfo({layout_.null, layout_.null}, name);
+    }
 }
 
 StorageEngine::Found StorageEngine::lookUp(wstring_view name) {
     const StorageFileEntry entry = existing(name);
-    return {entry, checked([&] { return readInfo(entry, name); })};
+    return {entry, checked(name, [&] { return readInfo(entry, name); })};
 }
 
 std::vector<StorageFound> StorageEngine::find(wstring_view pattern) {
@@ -91,10 +94,20 @@ StorageFound StorageEngine::describe(wstring_view name) {
 }
 
 StorageFound StorageEngine::describe(const StorageFileEntry& entry, wstring_view name) {
-    return checked([&]() -> StorageFound {
+    StorageFound found{.name = wstring(name)};
+    try {
         const StorageFileInfo info = readInfo(entry, name);
-        return {info.name, chain(entry.data, 0).size(), info.created, info.modified};
-    });
+        found.created = info.created;
+        found.modified = info.modified;
+    } catch (const ChainInFileExc&) {
+        found.damaged = true;
+    }
+    try {
+        found.size = chain(entry.data, 0).size();
+    } catch (const ChainInFileExc&) {
+        found.damaged = true;
+    }
+    return found;
 }
 
 std::vector<std::byte> StorageEngine::get(wstring_view name) {
@@ -102,11 +115,11 @@ std::vector<std::byte> StorageEngine::get(wstring_view name) {
     {
         const Reading reading(*this);
         const StorageFileEntry entry = existing(name);
-        BlockChain content = checked([&] { return chain(entry.data, 0); });
+        BlockChain content = checked(name, [&] { return chain(entry.data, 0); });
         if (content.size() > std::vector<std::byte>().max_size()) // on a 32-bit host
             throw_file_error(messages::kFileRead, urlOf(name), EFBIG);
         if (content.size() <= kAtOnce)
-            return checked([&] { return content.content(reader_); });
+            return checked(name, [&] { return content.content(reader_); });
         large.emplace(shared_from_this(), name);
     }
     return large->content();
@@ -121,20 +134,24 @@ void StorageEngine::refuseOpened(wstring_view name) const {
     }
 }
 
+/// Adds the blocks of a chain that goes out of use. Those of a damaged chain are not known: they are lost
+/// until the container is compacted.
 void StorageEngine::addBlocks(std::uint64_t address, BlockRuns& blocks) {
-    BlockChain walked = chain(address, kWithContent);
-    walked.walk(reader_);
-    for (const BlockRun& run : walked.runs().runs())
-        blocks.append(run.address, run.size, run.count);
-    // Chains that take more room together than there is share blocks; no need to gather them all.
-    if (blocks.length() > reader_.end())
-        throw ChainInFileExc(address);
+    if (!spaceVerified_ && !space_.isFresh(address)) // it would not become free
+        return;
+    try {
+        BlockChain walked = chain(address, kReadWithAttributes);
+        walked.walk(reader_);
+        for (const BlockRun& run : walked.runs().runs())
+            blocks.append(run.address, run.size, run.count);
+    } catch (const ChainInFileExc&) { // the file can be replaced and removed all the same
+    }
 }
 
 StorageFileInfo StorageEngine::newInfo(wstring_view name, const std::optional<StorageFileEntry>& old) {
     const Date now = universal_now();
-    const Date created = old && old->attributes != layout_.null ? readInfo(*old, name).created : now;
-    return {created, now, nextVersion(), wstring(name)};
+    const Date created = old && old->attributes != layout_.null ? infoOrNone(*old, name).created : Date();
+    return {created == Date() ? now : created, now, nextVersion(), wstring(name)};
 }
 
 StorageFileEntry StorageEngine::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
@@ -176,7 +193,7 @@ void StorageEngine::put(wstring_view name, std::span<const std::byte> content) {
 }
 
 void StorageEngine::putContent(wstring_view name, std::span<const std::byte> content) {
-    checked([&] {
+    checked(name, [&] {
         FilesTable::Change& old = table_.edit(name);
         BlockRuns released(layout_.blockHeaderSize());
         if (old) {
@@ -192,7 +209,7 @@ void StorageEngine::putContent(wstring_view name, std::span<const std::byte> con
 }
 
 void StorageEngine::publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld) {
-    checked([&] {
+    checked(name, [&] {
         FilesTable::Change& old = table_.edit(name);
         BlockRuns all = released;
         if (old)
@@ -254,8 +271,8 @@ void StorageEngine::rename(wstring_view from, wstring_view to) {
     const StorageFileEntry source = existing(from);
     refuseOpened(from);
     refuseOpened(to);
-    checked([&] {
-        StorageFileInfo info = readInfo(source, from);
+    checked(from, [&] {
+        StorageFileInfo info = infoOrNone(source, from);
         info.name = to;
         info.attribute = nextVersion(); // the name stands for another content now
         BlockRuns released(layout_.blockHeaderSize());
@@ -280,8 +297,8 @@ void StorageEngine::setTimes(wstring_view name, Date created, Date modified) {
     const Turn turn(*this);
     const StorageFileEntry old = existing(name);
     refuseOpened(name);
-    checked([&] {
-        StorageFileInfo info = readInfo(old, name);
+    checked(name, [&] {
+        StorageFileInfo info = infoOrNone(old, name);
         info.created = created;
         info.modified = modified;
         BlockRuns released(layout_.blockHeaderSize());

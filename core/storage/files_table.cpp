@@ -84,9 +84,6 @@ bool FilesTable::decode(std::span<const std::byte> content, bool sorted) {
         const std::byte* from = content.data() + fixed;
         const auto rows = static_cast<std::size_t>(count);
         const std::size_t nameBytes = content.size() - fixed - rows * 3 * width;
-        const auto isAddress = [&](std::uint64_t a) {
-            return a == layout_->null || (a >= layout_->emptyLength() && a < table.end_);
-        };
         table.rows_.resize(rows);
         std::uint64_t before = 0;
         bool whole = nameBytes % 2 == 0;
@@ -96,7 +93,7 @@ bool FilesTable::decode(std::span<const std::byte> content, bool sorted) {
             from += 3 * width;
             whole = whole && row.nameEnd >= before &&
                     row.nameEnd - before <= StorageFilesType::kLongestName &&
-                    isAddress(row.entry.attributes) && isAddress(row.entry.data);
+                    table.isInside(row.entry.attributes) && table.isInside(row.entry.data);
             before = row.nameEnd;
         }
         if (!whole || before != nameBytes / 2)
@@ -133,6 +130,12 @@ bool FilesTable::sort() {
     rows_ = std::move(sorted.rows_);
     names_ = std::move(sorted.names_);
     return isSorted();
+}
+
+bool FilesTable::isWhole() const noexcept {
+    return std::all_of(rows_.begin(), rows_.end(), [&](const Row& row) {
+        return isInside(row.entry.attributes) && isInside(row.entry.data);
+    });
 }
 
 std::optional<StorageFileEntry> FilesTable::find(wstring_view name) const {

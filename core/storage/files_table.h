@@ -48,6 +48,8 @@ class FilesTable {
     /// The container's end as the table knows it: nothing that is in use lies beyond.
     [[nodiscard]] std::uint64_t end() const noexcept { return end_; }
     void setEnd(std::uint64_t end) noexcept { end_ = end; }
+    /// Whether decode() would take the table, without its changes, for addresses within end().
+    [[nodiscard]] bool isWhole() const noexcept;
     [[nodiscard]] bool hasChanges() const noexcept { return changed_; }
     /// Whether the changes make a name stand for something else.
     [[nodiscard]] bool isChanged(wstring_view name) const noexcept;
@@ -90,6 +92,9 @@ class FilesTable {
     [[nodiscard]] wstring_view nameOf(std::size_t row) const noexcept {
         const std::size_t begin = row == 0 ? 0 : static_cast<std::size_t>(rows_[row - 1].nameEnd);
         return wstring_view(names_).substr(begin, static_cast<std::size_t>(rows_[row].nameEnd) - begin);
+    }
+    [[nodiscard]] bool isInside(std::uint64_t address) const noexcept {
+        return address == layout_->null || (address >= layout_->emptyLength() && address < end_);
     }
     [[nodiscard]] bool isSorted() const noexcept;
     /// Puts the rows in order; false when a name is there twice.

@@ -16,26 +16,20 @@ constexpr std::uint64_t kMany = 64;
 
 } // namespace
 
-bool FreeSpace::load(std::span<const std::byte> content, std::uint64_t end) {
-    const std::size_t width = layout_->width;
-    if (content.size() % (2 * width) != 0)
-        return false;
-    RangeSet free;
-    std::uint64_t before = layout_->emptyLength();
-    for (std::size_t i = 0; i < content.size(); i += 2 * width) {
-        const std::uint64_t begin = load_number(content.data() + i, width);
-        const std::uint64_t length = load_number(content.data() + i + width, width);
-        if (begin < before || begin >= end || length == 0 || length > end - begin)
-            return false;
-        before = begin + length;
-        free.add(begin, before);
-    }
+void FreeSpace::set(RangeSet free, std::uint64_t end) noexcept {
     free_ = std::move(free);
     fresh_.clear();
     released_.clear();
+    listed_.clear();
+    trusted_ = true;
     end_ = committedEnd_ = end;
     longest_ = std::numeric_limits<std::uint64_t>::max();
-    return true;
+}
+
+void FreeSpace::distrust(std::uint64_t end) noexcept {
+    listed_ = std::exchange(free_, {});
+    trusted_ = false;
+    end_ = committedEnd_ = end;
 }
 
 void FreeSpace::avoid(RangeSet pinned) noexcept {
@@ -132,7 +126,7 @@ bool FreeSpace::isUsed(const BlockRuns& blocks) const {
 }
 
 bool FreeSpace::release(const BlockRuns& blocks) {
-    if (!isUsed(blocks))
+    if (trusted_ && !isUsed(blocks))
         return false;
     for (const BlockRun& run : blocks.runs()) {
         const std::uint64_t end = run.address + blocks.lengthOf(run);
@@ -147,7 +141,7 @@ bool FreeSpace::release(const BlockRuns& blocks) {
                 fresh_.take(at, stop);
                 free_.add(at, stop);
                 longest_ = std::numeric_limits<std::uint64_t>::max();
-            } else {
+            } else if (trusted_) {
                 released_.add(at, stop);
             }
             at = stop;
@@ -157,7 +151,7 @@ bool FreeSpace::release(const BlockRuns& blocks) {
 }
 
 FreeSpace::Outlook FreeSpace::outlook(const RangeSet& kept) const {
-    Outlook result{RangeSet::unite({&free_, &released_, &kept}), end_};
+    Outlook result{RangeSet::unite({&listed_, &free_, &released_, &kept}), end_};
     if (!result.free.empty() && result.free.back().second == end_) {
         result.end = result.free.back().first;
         result.free.pop_back();

@@ -21,15 +21,17 @@ namespace core {
 /// 3. fresh: in use by the changes alone, free once they are taken back;
 /// 4. released: in use by the committed state alone, free once the changes are committed.
 ///
-/// A call that runs out of memory leaves things half done: load() it again. The two ways out of the changes
+/// A call that runs out of memory leaves things half done: set() it again. The two ways out of the changes
 /// never do.
 class FreeSpace {
   public:
     explicit FreeSpace(const StorageLayout& layout) : layout_(&layout), end_(layout.emptyLength()) {}
 
-    /// The state after a commit: everything beyond `end` is free. False, with nothing changed, when `content`
-    /// (the free chain's) is not a sorted list of ranges below `end`.
-    [[nodiscard]] bool load(std::span<const std::byte> content, std::uint64_t end);
+    /// The state after a commit: `free`, which lies below `end`, and everything from `end` on is free.
+    void set(RangeSet free, std::uint64_t end) noexcept;
+    /// What set() took over may be in use after all. It stays listed, but nothing is put there, and what is
+    /// taken out of use is not listed: new blocks go behind `end`, which is not below the old one.
+    void distrust(std::uint64_t end) noexcept;
 
     /// Takes `count` blocks from the lowest free space, or in one piece when they are many;
     /// from the end of the container when nothing fits. False, with nothing changed, when the
@@ -45,7 +47,8 @@ class FreeSpace {
     [[nodiscard]] bool release(const BlockRuns& blocks);
     /// Whether blocks of a chain lie in what is free, or beyond the end.
     [[nodiscard]] bool isUsed(const BlockRuns& blocks) const;
-    [[nodiscard]] bool isFree(std::uint64_t address) const { return free_.touches(address, address + 1); }
+    /// Whether the changes alone use this byte.
+    [[nodiscard]] bool isFresh(std::uint64_t address) const { return fresh_.touches(address, address + 1); }
 
     // Both ways out of the changes. `kept` is fresh space that stays so: it belongs to files still being
     // written. `end` is what outlook() says of it.
@@ -77,6 +80,8 @@ class FreeSpace {
     RangeSet fresh_;
     RangeSet released_;
     RangeSet pinned_;
+    RangeSet listed_; // free, if the list of a container that is not trusted is right
+    bool trusted_ = true;
     std::uint64_t end_;
     std::uint64_t committedEnd_ = 0;
     std::uint64_t longest_ = 0; // no free range that may be taken is longer

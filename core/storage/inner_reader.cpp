@@ -28,7 +28,7 @@ InnerReader::InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view nam
     const StorageEngine::Reading reading(in);
     reader_.setEnd(in.reader().end());
     const StorageFileEntry entry = in.existing(name);
-    in.checked([&] {
+    in.checked(name, [&] {
         chain_.open(reader_, entry.data, 0);
         keepsAll_ = chain_.size() > kWalked;
         if (!keepsAll_)
@@ -60,7 +60,7 @@ void InnerReader::keepBlocks() {
 
 void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
     requireNotLost();
-    engine().checked([&] { chain_.readAt(reader_, offset, out); });
+    engine().checked(name(), [&] { chain_.readAt(reader_, offset, out); });
     if (keepsAll_ && chain_.isWalked())
         keepBlocks();
 }

@@ -26,7 +26,7 @@ InnerWriter::InnerWriter(const std::shared_ptr<StorageEngine>& engine, wstring_v
     dropOld_ = exists && mode == OpenMode::replace;
     changed_ = !exists || dropOld_;
     const std::uint64_t base = changed_ ? engine->layout().null : engine->lookUp(name).entry.data;
-    engine->checked([&] { writer_.emplace(*engine, base); });
+    engine->checked(name, [&] { writer_.emplace(*engine, base); });
     engine->enlist(*this);
 }
 
@@ -44,7 +44,7 @@ template <class Call>
 void InnerWriter::writing(Call call) {
     requireNotLost();
     try {
-        engine().checked(call);
+        engine().checked(name(), call);
     } catch (const std::bad_alloc&) {
         engine().forgetSpace(); // blocks may have been lost on their way
         lose();

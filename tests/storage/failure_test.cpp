@@ -184,7 +184,9 @@ TEST_P(Failing, AFailedFlushIsNotTriedAgain) {
     disk.bytes = disk_.bytes;
     StorageRW storage(test::open_fault_file(disk), layout_);
     disk.recording = true;
+    const std::uint64_t before = disk.calls;
     storage.put(u"x", {});
+    const std::uint64_t callsEach = disk.calls - before;
     EXPECT_EQ(std::count_if(disk.trace.begin(), disk.trace.end(),
                             [](const auto& e) { return e.kind == FaultDisk::Event::sync; }),
               2)
@@ -194,9 +196,6 @@ TEST_P(Failing, AFailedFlushIsNotTriedAgain) {
     EXPECT_EQ(head.position, 0U);
     EXPECT_EQ(head.bytes.size(), layout_.headerSize() + layout_.blockHeaderSize()) << "one write, one sector";
     // Fails the first flush of the next commit.
-    const std::uint64_t before = disk.calls;
-    storage.put(u"x", {});
-    const std::uint64_t callsEach = disk.calls - before;
     int failed = 0;
     for (std::uint64_t n = 0; n < callsEach; ++n) {
         FaultDisk other;

@@ -26,13 +26,16 @@ struct StorageProblem {
         damagedFreeChain = 1,  ///< The list of free space cannot be read.
         damagedAttributes = 2, ///< The attributes of an inner file cannot be read, or name another file.
         damagedContent = 3,    ///< The content of an inner file cannot be read.
-        overlap = 4,           ///< Bytes are in use twice, or in use and free.
-        lost = 5,              ///< Bytes are neither in use nor free.
+        overlap = 4,           ///< Two have bytes in common: two chains, or a chain and free space.
+        lost = 5,              ///< Bytes are neither in use nor free: one problem, however many they are.
+        tangled = 6,           ///< So many chains share blocks that not all of them were walked.
     };
     Kind kind;                 ///< What is wrong.
     std::uint64_t address = 0; ///< The offset in the file at which it shows.
-    std::uint64_t length = 0;  ///< Bytes that overlap or are lost; 0 for damage.
-    StorageUse use{};          ///< The use of an overlapping piece.
+    std::uint64_t length = 0;  ///< Bytes that overlap or are lost, all together; 0 for damage.
+    std::uint64_t places =
+        1;                 ///< Pieces of the file in which they lie, by address; the first is at `address`.
+    StorageUse use{};      ///< The use of an overlapping piece.
     wstring name{};        ///< The inner file that is damaged or has the piece; empty when no file has it.
     StorageUse otherUse{}; ///< The use of the other piece of an overlap.
     wstring otherName{};   ///< The inner file that has the other piece; empty when no file has it.
@@ -45,7 +48,9 @@ struct StorageProblem {
 struct StorageCheck {
     std::uint64_t files = 0;  ///< Inner files.
     std::uint64_t blocks = 0; ///< Blocks of all chains; those before the damage of a damaged chain.
-    std::vector<StorageProblem> problems; ///< What is wrong, by address.
+    /// What is wrong, by address: each fault once, however many blocks it touches.
+    std::vector<StorageProblem> problems;
+    std::uint64_t unlisted = 0; ///< Further problems, of which there are too many to list them.
 
     /// Returns whether nothing is wrong.
     [[nodiscard]] bool isClean() const noexcept { return problems.empty(); }

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "tests/support/fault_file.h"
+#include "tests/support/storage_image.h"
+#include "tests/support/storage_model.h"
+
+#include <core/storage/chain.h>
+
+#include <array>
+#include <string>
+
+namespace core::test {
+
+/// What goes wrong with a container.
+enum class Damage { tableBytes, tableRows, freeList, sharedBlocks, blockHeaders, anyBytes, sector, cut };
+inline constexpr std::array kAllDamage = {Damage::tableBytes,   Damage::tableRows,    Damage::freeList,
+                                          Damage::sharedBlocks, Damage::blockHeaders, Damage::anyBytes,
+                                          Damage::sector,       Damage::cut};
+
+/// Damages a container that is whole, in one random place of a kind.
+class Vandal {
+  public:
+    Vandal(const Bytes& bytes, const StorageLayout& layout) : bytes_(bytes), layout_(layout) {
+        disk_.bytes = bytes;
+        file_ = open_fault_file(disk_);
+        const std::uint64_t freeChain = word(0, layout.width);
+        table_.read(*file_, layout.headerSize(), u"");
+        free_.read(*file_, freeChain, u"");
+        StorageFilesType names(layout);
+        if (names.decode(table_.content(*file_, u""), false))
+            names.forEach([&](wstring_view, const StorageFileEntry& entry) {
+                for (const std::uint64_t first : {entry.attributes, entry.data}) {
+                    chains_.emplace_back(layout);
+                    chains_.back().read(*file_, first, u"");
+                }
+            });
+        std::erase_if(chains_, [](const ChainInFile& chain) { return chain.blocks().empty(); });
+    }
+
+    [[nodiscard]] Bytes damaged(Damage kind, Random& random) const {
+        Bytes bytes = bytes_;
+        const auto some = [&](const std::vector<ChainInFile>& of) -> const ChainInFile& {
+            return of[random.below(of.size())];
+        };
+        const auto block = [&](const ChainInFile& chain) {
+            return chain.blocks()[random.below(chain.blocks().size())].address;
+        };
+        const std::size_t width = layout_.width;
+        switch (kind) {
+        case Damage::tableBytes: // behind the mark
+            for (std::size_t i = random.below(3) + 1; i > 0; --i)
+                set(bytes, table_, 512 + random.below(table_.size() - 512), 1, random.engine());
+            break;
+        case Damage::tableRows: { // an address of a row, or the end, becomes that of another block
+            const std::uint64_t rows = word(where(table_, 512), width);
+            const std::uint64_t field = random.below(3 * rows + 1);
+            const std::uint64_t offset = field == 0             ? width
+                                         : (field - 1) % 3 == 2 ? 2 * width
+                                                                : (1 + field) * width;
+            set(bytes, table_, 512 + offset, width, block(some(chains_)));
+            break;
+        }
+        case Damage::freeList: // a range that begins or ends in what is used
+            if (free_.blocks().empty())
+                break;
+            for (std::size_t i = random.below(3) + 1; i > 0; --i) {
+                const bool length = random.below(2) == 0;
+                const std::uint64_t entry = random.below(free_.size() / (2 * width));
+                set(bytes, free_, (2 * entry + (length ? 1 : 0)) * width, width,
+                    length ? layout_.blockLength(512) * (1 + random.below(40)) : block(some(chains_)));
+            }
+            break;
+        case Damage::sharedBlocks: // a chain goes on in another
+            link(bytes, block(some(chains_)), block(some(chains_)));
+            break;
+        case Damage::blockHeaders:
+            bytes[block(some(chains_)) + random.below(layout_.blockHeaderSize())] =
+                static_cast<std::byte>(random.engine());
+            break;
+        case Damage::anyBytes:
+            for (std::size_t i = random.below(4) + 1; i > 0; --i)
+                bytes[random.below(bytes.size())] ^= static_cast<std::byte>(1 << random.below(8));
+            break;
+        case Damage::sector: {
+            const std::size_t begin = random.below(bytes.size()) / 512 * 512;
+            std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(begin),
+                        std::min<std::size_t>(512, bytes.size() - begin), std::byte{});
+            break;
+        }
+        case Damage::cut:
+            bytes.resize(bytes.size() - 1 - random.below(random.below(2) == 0 ? 3 : bytes.size() - 1));
+            break;
+        }
+        return bytes;
+    }
+    /// Makes the block at `to` follow that at `from`.
+    void link(Bytes& bytes, std::uint64_t from, std::uint64_t to) const {
+        const std::string text = hex(to, layout_.digits());
+        std::memcpy(bytes.data() + from + 4 + 2 * layout_.digits(), text.data(), text.size());
+    }
+
+  private:
+    [[nodiscard]] std::uint64_t word(std::uint64_t address, std::size_t width) const {
+        std::uint64_t number = 0;
+        for (std::size_t i = width; i-- > 0;)
+            number = number << 8 | static_cast<std::uint64_t>(bytes_.at(address + i));
+        return number;
+    }
+    /// The address of a byte of a chain's content.
+    [[nodiscard]] std::uint64_t where(const ChainInFile& chain, std::uint64_t offset) const {
+        for (const ChainInFile::Block& block : chain.blocks()) {
+            if (offset < block.size)
+                return block.address + layout_.blockHeaderSize() + offset;
+            offset -= block.size;
+        }
+        throw std::logic_error("the chain ends before");
+    }
+    void set(Bytes& bytes, const ChainInFile& chain, std::uint64_t offset, std::size_t width,
+             std::uint64_t number) const {
+        for (std::size_t i = 0; i < width; ++i)
+            bytes.at(where(chain, offset + i)) = static_cast<std::byte>(number >> 8 * i);
+    }
+
+    Bytes bytes_;
+    const StorageLayout& layout_;
+    FaultDisk disk_;
+    InterfacePtr<IFile> file_;
+    ChainInFile table_{layout_};
+    ChainInFile free_{layout_};
+    std::vector<ChainInFile> chains_;
+};
+
+} // namespace core::test
