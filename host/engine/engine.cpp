@@ -29,21 +29,24 @@ namespace {
 /// The process that engines have brought up and still use, where it is that of the calling thread; a new one
 /// where the thread has none. Null for a process of the program.
 std::shared_ptr<host::HostProcess> process_of_engines(const Settings& settings) {
+    struct Known {
+        SCOM_Process* process;
+        std::weak_ptr<host::HostProcess> owner;
+    };
     static std::mutex lock;
-    static auto& known = *new std::vector<std::weak_ptr<host::HostProcess>>; // engines may outlive statics
+    static auto& known = *new std::vector<Known>; // engines may outlive statics
     const std::lock_guard guard(lock);
-    std::erase_if(known, [](const auto& process) { return process.expired(); });
+    std::erase_if(known, [](const Known& one) { return one.owner.expired(); });
     SCOM_Process* const current = current_process();
     if (current == nullptr) {
         auto made = std::make_shared<host::HostProcess>(settings);
-        known.emplace_back(made);
+        known.push_back({made->get(), made});
         return made;
     }
-    for (const auto& process : known) {
-        if (auto held = process.lock(); held && held->get() == current)
-            return held;
-    }
-    return nullptr;
+    // Others are not held even for a moment: that hold could be the last one, and a process that ends may
+    // need the lock.
+    const auto own = std::ranges::find(known, current, &Known::process);
+    return own != known.end() ? own->owner.lock() : nullptr;
 }
 
 /// The name without white space around it. Throws ContextException when scripts cannot write it.

@@ -91,7 +91,7 @@ constexpr Param kPrintTable[] = {kTable, named_param({u"Rows", u"Строки"},
 std::span<const Method<TableFunctions>> TableFunctions::methods() noexcept {
     using F = TableFunctions;
     static constexpr Method<F> kMethods[] = {
-        {kLoadCsvTerm, kLoadCsv, kFunction, &F::loadCsv},
+        {kLoadCsvTerm, kLoadCsv, kFunction, &F::loadCsv, &kValueTableType},
         {kSaveCsvTerm, kSaveCsv, kProcedure, &F::saveCsv},
         {kPrintTableTerm, kPrintTable, kProcedure, &F::printTable},
     };
