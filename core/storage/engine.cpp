@@ -52,7 +52,7 @@ bool StorageEngine::create(IFile& file, const StorageLayout& layout, bool replac
             file.truncate(bytes.size());
     } catch (...) {
         lock.endCommit(false);
-        if (empty) { // a part of a container would be no container for whoever comes next
+        if (empty) { // a part of a container is not a container
             try {
                 file.truncate(0);
             } catch (...) { // what is reported is why it could not be written

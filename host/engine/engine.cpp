@@ -6,6 +6,7 @@
 #include "host/library/functions.h"
 #include "host/library/table_functions.h"
 
+#include <core/containers/container_functions.h>
 #include <core/context/events/event_functions.h>
 #include <core/objects/core_general_context.h>
 #include <core/objects/enumeration.h>
@@ -82,6 +83,7 @@ Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
         globals.add(InterfacePtr<IContext_>(enumerations));
     globals.add(create_core_general_context());
     globals.add(create_event_functions());
+    globals.add(create_container_functions());
     globals.add(create_table_functions(impl_->surroundings));
     globals.add(create_script_functions(impl_->surroundings));
     globals.add(impl_->functions);

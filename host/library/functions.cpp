@@ -4,8 +4,8 @@
 #include "host/exchange/files/whole_file.h"
 #include "host/exchange/json/json_value.h"
 #include "host/library/arguments.h"
-#include "host/library/container_values.h"
 
+#include <core/containers/container.h>
 #include <core/context/arguments.h>
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
@@ -71,11 +71,14 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
     }
 
     GenericValue saveToContainer(Args a) {
-        save_to_container(text_argument(a, 0), text_argument(a, 1), a[2]);
+        const wstring_view name = text_argument(a, 1);
+        wstring text; // what cannot be written makes no container
+        a[2].toString(text);
+        Container(to_utf8(text_argument(a, 0)), Container::create).putText(name, text);
         return {};
     }
     GenericValue loadFromContainer(Args a) {
-        return load_from_container(text_argument(a, 0), text_argument(a, 1));
+        return Container(to_utf8(text_argument(a, 0)), Container::read).get(text_argument(a, 1));
     }
 
     // dates and time

@@ -49,6 +49,7 @@ function(cut_programs page name)
 endfunction()
 cut_programs(README.md readme)
 cut_programs(docs/embedding.md embedding)
+cut_programs(docs/containers.md containers)
 
 set(consumer ${CMAKE_CURRENT_LIST_DIR}/consumer)
 execute_process(COMMAND ${CMAKE_COMMAND} -G Ninja -S ${consumer} -B ${work}/consumer -D CMAKE_PREFIX_PATH=${prefix}
@@ -56,7 +57,8 @@ execute_process(COMMAND ${CMAKE_COMMAND} -G Ninja -S ${consumer} -B ${work}/cons
 execute_process(COMMAND ${CMAKE_COMMAND} --build ${work}/consumer OUTPUT_QUIET ${run})
 execute_process(COMMAND ${work}/consumer/consumer ${run})
 foreach(program ${programs})
-  execute_process(COMMAND ${work}/consumer/${program} OUTPUT_VARIABLE written ERROR_QUIET ${run})
+  execute_process(COMMAND ${work}/consumer/${program} OUTPUT_VARIABLE written ERROR_QUIET ${run}
+    WORKING_DIRECTORY ${work}/programs)
   if(NOT written STREQUAL ${program})
     message(FATAL_ERROR "the program ${program} of the pages wrote\n${written}")
   endif()
