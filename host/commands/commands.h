@@ -21,6 +21,11 @@ using Action = std::function<ExitCode()>;
 /// Writes a message in the name of the program, and returns the code.
 ExitCode fail(Console& console, const core::wstring& message, ExitCode code);
 
+/// A line of help, in the language of the console.
+[[nodiscard]] inline const char* help(const Console& console, const char* english, const char* russian) {
+    return console.language == Language::russian ? russian : english;
+}
+
 void add_container_command(CLI::App& app, Console& console, Action& action);
 void add_describe_command(CLI::App& app, Console& console, Action& action);
 void add_list_command(CLI::App& app, Console& console, Action& action);

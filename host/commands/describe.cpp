@@ -86,15 +86,24 @@ ExitCode describe_functions(Console& console) {
 
 void add_describe_command(CLI::App& app, Console& console, Action& action) {
     auto* const command =
-        app.add_subcommand("describe", "Show what scripts can work with: types and functions");
+        app.add_subcommand("describe", help(console, "Show what scripts can work with: types and functions",
+                                            "Показать, с чем работают скрипты: типы и функции"));
     const auto type = std::make_shared<std::string>();
     const auto functions = std::make_shared<bool>(false);
     const auto modules = std::make_shared<bool>(false);
     auto* const name =
-        command->add_option("type", *type, "A type, by its name in either language; default: list all");
-    command->add_flag("--functions", *functions, "The functions that scripts call without an object")
+        command->add_option("type", *type,
+                            help(console, "A type, by its name in either language; default: list all",
+                                 "Тип по имени на любом из языков; по умолчанию все"));
+    command
+        ->add_flag("--functions", *functions,
+                   help(console, "The functions that scripts call without an object",
+                        "Функции, которые скрипты вызывают без объекта"))
         ->excludes(name);
-    command->add_flag("--modules", *modules, "The modules: the library, the program's own and those loaded")
+    command
+        ->add_flag("--modules", *modules,
+                   help(console, "The modules: the library, the program's own and those loaded",
+                        "Модули: библиотека, модуль программы и загруженные"))
         ->excludes(name);
     command->callback([type, functions, modules, &console, &action] {
         action = [type, functions, modules, &console] {

@@ -141,7 +141,9 @@ ExitCode from_json(Console& console, const ListOptions& options) {
 } // namespace
 
 void add_list_command(CLI::App& app, Console& console, Action& action) {
-    auto* const command = app.add_subcommand("list", "Check, format and convert brace lists of any size");
+    auto* const command = app.add_subcommand(
+        "list", help(console, "Check, format and convert brace lists of any size",
+                     "Проверить, разметить и преобразовать скобочные списки любого размера"));
     command->require_subcommand(1);
     command->fallthrough();
     const auto options = std::make_shared<ListOptions>();
@@ -154,19 +156,31 @@ void add_list_command(CLI::App& app, Console& console, Action& action) {
         });
         return sub;
     };
-    add("check", "Say whether they are well-formed, or line, column and what was expected", check)
-        ->add_option("files", options->files, "Files; - or none is standard input");
+    add("check",
+        help(console, "Say whether they are well-formed, or line, column and what was expected",
+             "Показать, правильны ли они, или строку, столбец и что ожидалось"),
+        check)
+        ->add_option("files", options->files,
+                     help(console, "Files; - or none is standard input",
+                          "Файлы; - или ничего означает стандартный ввод"));
     const auto addConversion = [&](const char* name, const char* what, Run run) {
         auto* const sub = add(name, what, run);
-        sub->add_option("file", options->files, "A file; - or none is standard input")->expected(0, 1);
-        sub->add_option("-o,--output", options->output, "The file to write; default: standard output");
-        sub->add_option("--indent", options->indent, "Blanks for each level, 0 to 16; default: 2")
+        sub->add_option("file", options->files,
+                        help(console, "A file; - or none is standard input",
+                             "Файл; - или ничего означает стандартный ввод"))
+            ->expected(0, 1);
+        sub->add_option("-o,--output", options->output,
+                        help(console, "The file to write; default: standard output",
+                             "Файл для записи; по умолчанию стандартный вывод"));
+        sub->add_option("--indent", options->indent,
+                        help(console, "Blanks for each level, 0 to 16; default: 2",
+                             "Пробелов на уровень, от 0 до 16; по умолчанию 2"))
             ->type_name("N")
             ->check(CLI::Range(0, 16).description(""));
     };
-    addConversion("fmt", "Lay a list out in lines", format);
-    addConversion("to-json", "Write a list as JSON", to_json);
-    addConversion("from-json", "Write JSON as a list", from_json);
+    addConversion("fmt", help(console, "Lay a list out in lines", "Разбить список на строки"), format);
+    addConversion("to-json", help(console, "Write a list as JSON", "Записать список в JSON"), to_json);
+    addConversion("from-json", help(console, "Write JSON as a list", "Записать JSON списком"), from_json);
 }
 
 } // namespace host

@@ -19,13 +19,18 @@
 #include <exception>
 #include <ostream>
 #include <string_view>
+#include <utility>
 
 namespace host {
 namespace {
 
 constexpr const char* kExitCodes =
     "Exit codes: 0 done, 1 the answer is no, 2 usage, 3 malformed input or a script error, "
-    "4 input or output failed, 70 internal fault.";
+    "4 input or output failed, 70 internal fault, 130 interrupted.";
+constexpr const char* kOptionsRussian = "Параметры";
+constexpr const char* kExitCodesRussian =
+    "Коды завершения: 0 сделано, 1 ответ «нет», 2 неверная команда, 3 неверные данные или ошибка скрипта, "
+    "4 ошибка ввода или вывода, 70 внутренняя ошибка, 130 прервано.";
 
 /// Runs the action in a process of its own, and tells what stopped it.
 ExitCode carry_out(const Action& action, const std::vector<std::string>& modules, Console& console) {
@@ -71,23 +76,71 @@ Language language_of(const std::string& name) {
     throw CLI::ValidationError("--lang", "the languages are en and ru");
 }
 
+/// The help is written before the command line is read, in the language that it asks for.
+void look_for_language(const std::vector<std::string>& arguments, Console& console) {
+    constexpr std::string_view kOption = "--lang";
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string_view argument = arguments[i];
+        std::string_view name;
+        if (argument == kOption && i + 1 < arguments.size())
+            name = arguments[i + 1];
+        else if (argument.starts_with(kOption) && argument.substr(kOption.size()).starts_with('='))
+            name = argument.substr(kOption.size() + 1);
+        if (name == "en" || name == "ru") // anything else is refused when it is read
+            console.language = language_of(std::string(name));
+    }
+}
+
+/// The frame of the help. What is added to the program later inherits it.
+void frame_help(CLI::App& app, const Console& console) {
+    app.set_help_flag("-h,--help", help(console, "Show this help", "Показать эту справку"));
+    app.footer(help(console, kExitCodes, kExitCodesRussian));
+    if (console.language == Language::russian)
+        app.option_defaults()->group(kOptionsRussian);
+    app.set_version_flag("--version", "corehost " CORE_VERSION,
+                         help(console, "Show the version", "Показать версию"));
+    if (console.language == Language::english)
+        return;
+    app.group("Команды");
+    for (const auto& [word, russian] :
+         {std::pair{"Usage", "Вызов"}, std::pair{"OPTIONS", "ПАРАМЕТРЫ"}, std::pair{"SUBCOMMAND", "КОМАНДА"},
+          std::pair{"SUBCOMMANDS", "КОМАНДЫ"}, std::pair{"Positionals", "Аргументы"},
+          std::pair{"REQUIRED", "ОБЯЗАТЕЛЬНО"}, std::pair{"Excludes", "Исключает"}})
+        app.get_formatter()->label(word, russian);
+}
+
+/// The option for help is in a group of its own making.
+void group_help(CLI::App& app, const std::string& group) {
+    app.get_help_ptr()->group(group);
+    for (CLI::App* const sub : app.get_subcommands({}))
+        group_help(*sub, group);
+}
+
 ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
-    CLI::App app("Runs scripts on the core library, and looks into its data.", "corehost");
-    app.set_version_flag("--version", "corehost " CORE_VERSION);
-    app.footer(kExitCodes);
+    look_for_language(arguments, console);
+    CLI::App app(help(console, "Runs scripts on the core library, and looks into its data.",
+                      "Выполняет скрипты на базовой библиотеке и показывает её данные."),
+                 "corehost");
+    frame_help(app, console);
     app.require_subcommand(1);
     app.fallthrough(); // these options may stand behind the command, too
     bool leaks = false;
     std::vector<std::string> modules;
-    app.add_flag("--json", console.json, "Write data as JSON, for programs");
-    app.add_flag("--leaks", leaks, "At the end, report objects that are still alive: class and count");
-    app.add_option("--module", modules, "Load a module first; may be given several times")
+    app.add_flag("--json", console.json,
+                 help(console, "Write data as JSON, for programs", "Выводить данные в JSON, для программ"));
+    app.add_flag("--leaks", leaks,
+                 help(console, "At the end, report objects that are still alive: class and count",
+                      "В конце показать объекты, которые ещё живы: класс и число"));
+    app.add_option("--module", modules,
+                   help(console, "Load a module first; may be given several times",
+                        "Сначала загрузить модуль; можно указать несколько раз"))
         ->type_name("FILE")
         ->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_option_function<std::string>(
            "--lang", [&console](const std::string& name) { console.language = language_of(name); },
-           "Language of messages, formats and sorting; default: the environment's")
+           help(console, "Language of messages, formats and sorting; default: the environment's",
+                "Язык сообщений, форматов и сортировки; по умолчанию язык окружения"))
         ->type_name("en|ru");
     Action action;
     add_container_command(app, console, action);
@@ -95,6 +148,8 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     add_list_command(app, console, action);
     add_repl_command(app, console, action);
     add_run_command(app, console, action);
+    if (console.language == Language::russian)
+        group_help(app, kOptionsRussian);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 wants
         app.parse(std::move(arguments));

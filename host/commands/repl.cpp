@@ -164,7 +164,8 @@ ExitCode run_repl(Console& console) {
 } // namespace
 
 void add_repl_command(CLI::App& app, Console& console, Action& action) {
-    app.add_subcommand("repl", "Run statements as they are entered, and show values")
+    app.add_subcommand("repl", help(console, "Run statements as they are entered, and show values",
+                                    "Выполнять операторы по мере ввода и показывать значения"))
         ->callback([&console, &action] { action = [&console] { return run_repl(console); }; });
 }
 

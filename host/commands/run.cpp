@@ -39,9 +39,12 @@ ExitCode run_file(const std::string& file, Console& console) {
 } // namespace
 
 void add_run_command(CLI::App& app, Console& console, Action& action) {
-    auto* const command = app.add_subcommand("run", "Run a script");
+    auto* const command = app.add_subcommand("run", help(console, "Run a script", "Выполнить скрипт"));
     const auto file = std::make_shared<std::string>();
-    command->add_option("file", *file, "The script; - is standard input")->required();
+    command
+        ->add_option("file", *file,
+                     help(console, "The script; - is standard input", "Скрипт; - означает стандартный ввод"))
+        ->required();
     command->callback(
         [file, &console, &action] { action = [file, &console] { return run_file(*file, console); }; });
 }

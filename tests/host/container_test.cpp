@@ -11,9 +11,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -49,9 +52,13 @@ class Container : public testing::Test {
     /// Runs "corehost container ..."; what it writes is in out_ and err_.
     ExitCode run(std::vector<std::string> arguments) {
         std::istringstream in;
+        return run(std::move(arguments), in, false);
+    }
+    ExitCode run(std::vector<std::string> arguments, std::istream& in, bool terminal) {
         std::ostringstream out;
         std::ostringstream err;
         Console console{in, out, err};
+        console.terminal = terminal;
         if (arguments.at(0) != "run")
             arguments.insert(arguments.begin(), "container");
         const ExitCode code = run_program(std::move(arguments), console);
@@ -76,7 +83,7 @@ TEST_F(Container, CarriesAFolderThereAndBack) {
         fs::remove(file);
         ASSERT_EQ(with({"put", file, path("tree"), "--into", "in"}), ExitCode::done) << err_;
         ASSERT_EQ(with({"check", file}), ExitCode::done) << out_;
-        ASSERT_EQ(with({"get", file, "*", "--to", path("out")}), ExitCode::done) << err_;
+        ASSERT_EQ(with({"get", file, "*", "--to", path("out"), "--force"}), ExitCode::done) << err_;
         for (const char* const name : {"a.txt", "sub/b.bin", "empty"}) {
             EXPECT_EQ(read(std::string("out/in/tree/") + name), read(std::string("tree/") + name));
             struct stat before {};
@@ -130,19 +137,22 @@ TEST_F(Container, GetReplacesAFileWholeOrNotAtAll) {
     write("tree/box.st", std::string(5000, 'x'));
     ASSERT_EQ(run({"put", file, path("tree/box.st"), path("tree/a.txt")}), ExitCode::done) << err_;
     const std::string before = read("box.st");
-    EXPECT_EQ(run({"get", file, "box.st", "--to", folder_.string()}), ExitCode::malformed);
+    EXPECT_EQ(run({"get", file, "box.st", "--force", "--to", folder_.string()}), ExitCode::malformed);
     EXPECT_EQ(read("box.st"), before) << "not over the container itself";
 
     write("out/a.txt", "old");
     fs::permissions(path("out/a.txt"), fs::perms(0600));
-    ASSERT_EQ(run({"get", file, "a.txt", "--to", path("out")}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"get", file, "a.txt", "--to", path("out")}), ExitCode::no);
+    EXPECT_NE(err_.find("--force"), std::string::npos) << err_;
+    EXPECT_EQ(read("out/a.txt"), "old");
+    ASSERT_EQ(run({"get", file, "a.txt", "--to", path("out"), "--force"}), ExitCode::done) << err_;
     EXPECT_EQ(read("out/a.txt"), "Hello");
     EXPECT_EQ(fs::status(path("out/a.txt")).permissions(), fs::perms(0600));
 
     const auto second = before.find(std::string(512, 'x')) + 512;
     write("box.st", std::string(before).replace(second, 2, "??")); // the next block's header
     write("out/box.st", "old");
-    EXPECT_EQ(run({"get", file, "box.st", "--to", path("out")}), ExitCode::malformed);
+    EXPECT_EQ(run({"get", file, "box.st", "--force", "--to", path("out")}), ExitCode::malformed);
     EXPECT_EQ(read("out/box.st"), "old");
     EXPECT_EQ(run({"get", file, "box.st", "--to", path("new")}), ExitCode::malformed);
     EXPECT_TRUE(fs::is_empty(path("new"))) << "no half of a file";
@@ -213,6 +223,146 @@ TEST_F(Container, TextIsNotSavedOverAFileThatAZeroByteCutsOff) {
     const std::string name = path("tree/a.txt") + std::string("\0.new", 5);
     EXPECT_THROW(write_text_file(name, [](core::wostream& out) { out << u'x'; }), core::FileException);
     EXPECT_EQ(read("tree/a.txt"), "Hello");
+}
+
+TEST_F(Container, PutsStandardInputUnderAName) {
+    const std::string file = path("c.st");
+    std::istringstream in(std::string(3 << 20, 'x') + "end");
+    ASSERT_EQ(run({"put", file, "-", "--as", "log.txt", "--into", "in"}, in, false), ExitCode::done) << err_;
+    ASSERT_EQ(run({"put", file, path("tree/a.txt"), "--as", "b/c"}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"cat", file, "*"}), ExitCode::done);
+    EXPECT_EQ(out_, "Hello" + in.str());
+    const std::vector<std::vector<std::string>> wrong = {
+        {"put", file, "-"},
+        {"put", file, "-", path("tree/a.txt"), "--as", "x"},
+        {"put", file, path("tree"), "--as", "x"},
+        {"put", file, path("tree/a.txt"), path("tree/empty"), "--as", "x"}};
+    for (const auto& arguments : wrong)
+        EXPECT_EQ(run(arguments), ExitCode::usage);
+    EXPECT_EQ(run({"ls", file, "x"}), ExitCode::no);
+}
+
+TEST_F(Container, PutKeepsItsOrderWithLargeFilesAmongSmallOnes) {
+    const std::string file = path("c.st");
+    const std::string large(9 << 20, 'l');
+    write("mix/a", large + "a");
+    write("mix/b", "small");
+    write("mix/c", large + "c");
+    ASSERT_EQ(run({"put", file, path("mix")}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"info", file, "--json"}), ExitCode::done);
+    EXPECT_NE(out_.find(R"("changeCounter": 1,)"), std::string::npos) << "one commit: " << out_;
+    EXPECT_EQ(run({"cat", file, "*"}), ExitCode::done);
+    EXPECT_TRUE(out_ == large + "a" + "small" + large + "c");
+}
+
+TEST_F(Container, GetFoldsNoTwoFilesIntoOne) {
+    const std::string file = path("c.st");
+    for (const char* const name : {"a", "./a", "x/../a", "b"})
+        ASSERT_EQ(run({"put", file, path("tree/a.txt"), "--as", name}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"get", file, "*", "--to", path("out")}), ExitCode::no);
+    EXPECT_EQ(read("out/b"), "Hello") << "the others come out";
+    EXPECT_EQ(std::count(err_.begin(), err_.end(), '\n'), 2) << err_;
+    fs::remove_all(path("out"));
+    write("out/a", "");
+    fs::create_hard_link(path("out/a"), path("out/c"));
+    ASSERT_EQ(run({"put", file, path("tree/sub/b.bin"), "--as", "c"}), ExitCode::done);
+    EXPECT_EQ(run({"get", file, "a", "c", "--to", path("out"), "--force"}), ExitCode::done);
+    EXPECT_EQ(read("out/a"), "Hello") << "a name of its own from now on";
+    fs::remove(path("out/c"));
+    fs::create_symlink("a", path("out/c"));
+    EXPECT_EQ(run({"get", file, "a", "c", "--to", path("out"), "--force"}), ExitCode::no);
+    EXPECT_EQ(read("out/a"), "Hello");
+}
+
+TEST_F(Container, AsksAtATerminalBeforeItReplaces) {
+    const std::string file = path("c.st");
+    ASSERT_EQ(run({"put", file, path("tree/a.txt"), path("tree/empty")}), ExitCode::done);
+    write("out/a.txt", "old");
+    write("out/empty", "old");
+    std::istringstream answers("n\nДа\n");
+    EXPECT_EQ(run({"get", file, "*", "--to", path("out")}, answers, true), ExitCode::no);
+    EXPECT_NE(out_.find("out/empty"), std::string::npos) << out_;
+    EXPECT_EQ(read("out/a.txt"), "old");
+    EXPECT_EQ(read("out/empty"), "");
+}
+
+/// A user who answers with Ctrl-C.
+class Impatient : public std::stringbuf {
+  protected:
+    int_type underflow() override {
+        std::raise(SIGINT);
+        str("y\n");
+        return traits_type::to_int_type('y');
+    }
+};
+
+TEST_F(Container, AnInterruptionLeavesNoHalfOfAFile) {
+    const std::string file = path("c.st");
+    ASSERT_EQ(run({"put", file, path("tree/a.txt")}), ExitCode::done);
+    write("out/a.txt", "old");
+    Impatient user;
+    std::istream in(&user);
+    EXPECT_EQ(run({"get", file, "a.txt", "--to", path("out")}, in, true), ExitCode::interrupted) << err_;
+    EXPECT_EQ(read("out/a.txt"), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(path("out")), {}), 1) << "no temporary file";
+}
+
+TEST_F(Container, TellsWhatItWouldDo) {
+    const std::string file = path("c.st");
+    EXPECT_EQ(run({"put", file, path("tree"), "--dry-run"}), ExitCode::done) << err_;
+    EXPECT_EQ(out_, "would add tree/a.txt\nwould add tree/empty\nwould add tree/sub/b.bin\n");
+    EXPECT_FALSE(fs::exists(file));
+    ASSERT_EQ(run({"put", file, path("tree")}), ExitCode::done);
+    const std::string before = read("c.st");
+    EXPECT_EQ(run({"put", file, path("tree/a.txt"), "--into", "tree", "--dry-run"}), ExitCode::done);
+    EXPECT_EQ(out_, "would replace tree/a.txt\n");
+    EXPECT_EQ(run({"rm", file, "*a*", "none", "--dry-run"}), ExitCode::no);
+    EXPECT_EQ(out_, "would remove tree/a.txt\n");
+    EXPECT_EQ(run({"mv", file, "tree/a.txt", "tree/empty", "--dry-run"}), ExitCode::done);
+    EXPECT_EQ(out_, "would replace tree/empty\nwould rename tree/a.txt to tree/empty\n");
+    EXPECT_EQ(run({"mv", file, "none", "a", "--dry-run"}), ExitCode::no);
+    EXPECT_EQ(read("c.st"), before);
+}
+
+TEST_F(Container, ShowsATreeAndWhatIsKnownOfAFile) {
+    const std::string file = path("c.st");
+    for (const char* const name : {"b/x", "B/y", "b/c/z", "b", "a.txt"})
+        ASSERT_EQ(run({"put", file, path("tree/a.txt"), "--as", name}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"tree", file}), ExitCode::done);
+    EXPECT_EQ(out_, "           5  B/\n           5    y\n           5  a.txt\n           5  b\n"
+                    "          10  b/\n           5    c/\n           5      z\n           5    x\n");
+    EXPECT_EQ(run({"stat", file, "b/x", "none"}), ExitCode::no);
+    EXPECT_NE(out_.find(file + "/b/x"), std::string::npos) << out_;
+    EXPECT_EQ(run({"verify", file}), ExitCode::done);
+    EXPECT_NE(out_.find("files: 5"), std::string::npos) << out_;
+    const std::string deep(40'000, '/');
+    ASSERT_EQ(run({"put", file, path("tree/a.txt"), "--as", deep}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"tree", file, deep}), ExitCode::done);
+    EXPECT_EQ(std::count(out_.begin(), out_.end(), '\n'), 40'001);
+}
+
+TEST_F(Container, TellsHowTwoDiffer) {
+    const std::string one = path("one.st");
+    const std::string other = path("other.st");
+    ASSERT_EQ(run({"put", one, path("tree")}), ExitCode::done);
+    fs::copy_file(one, other);
+    EXPECT_EQ(run({"diff", one, other}), ExitCode::done) << out_;
+    write("tree/a.txt", "Jello");
+    write("tree/sub/b.bin", "longer");
+    ASSERT_EQ(run({"put", other, path("tree")}), ExitCode::done);
+    ASSERT_EQ(run({"mv", other, "tree/empty", "tree/Empty"}), ExitCode::done);
+    EXPECT_EQ(run({"diff", one, other}), ExitCode::no);
+    EXPECT_EQ(out_, "~ tree/a.txt\n+ tree/Empty\n- tree/empty\n~ tree/sub/b.bin\n");
+    EXPECT_EQ(run({"diff", one, other, "*empty"}), ExitCode::no);
+    EXPECT_EQ(out_, "- tree/empty\n");
+}
+
+TEST_F(Container, HelpIsInTheLanguageThatIsAskedFor) {
+    EXPECT_EQ(run({"put", "--help"}), ExitCode::done);
+    EXPECT_NE(out_.find("Files and folders"), std::string::npos) << out_;
+    EXPECT_EQ(run({"put", "--help", "--lang", "ru"}), ExitCode::done);
+    EXPECT_NE(out_.find("Файлы и папки"), std::string::npos) << out_;
+    EXPECT_EQ(out_.find("Options"), std::string::npos) << out_;
 }
 
 TEST_F(Container, KeepsValuesOfScripts) {

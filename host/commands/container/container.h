@@ -6,6 +6,7 @@
 
 #include <core/storage/storage_rw.h>
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -16,11 +17,17 @@ struct Options {
     std::string file; ///< a path, or a URL of one of the two schemes
     bool wide = false;
     std::vector<std::string> names;
-    std::string folder; ///< put: where to in the container; get: where to on disk
+    std::string folder;  ///< put: where to in the container; get: where to on disk
+    std::string as;      ///< put: the whole name in the container
+    std::string other;   ///< diff: the second container
+    bool force = false;  ///< get: files that are there are replaced
+    bool dryRun = false; ///< only tell what would be done
 };
 
-/// Opens the container of the command line. StorageException and FileException.
+/// Opens a container of the command line, the first one or the one in `file`. StorageException and
+/// FileException.
 [[nodiscard]] core::StorageRW open(const Options& options, core::OpenMode mode);
+[[nodiscard]] core::StorageRW open(const Options& options, const std::string& file, core::OpenMode mode);
 
 /// The inner files that the names and patterns of the command line mean, by name. One that means none is
 /// told on the console and counted.
@@ -30,15 +37,22 @@ struct Selection {
 };
 [[nodiscard]] Selection select(const core::StorageRW& storage, const Options& options, Console& console);
 
+/// Tells of a change that is only tried: a message with the names that it concerns.
+void tell(Console& console, const char* id, std::initializer_list<core::wstring> names);
+
 // The subcommands, each in a file of its own.
 
-[[nodiscard]] ExitCode create(const Options& options);
+[[nodiscard]] ExitCode create(const Options& options, Console& console);
 [[nodiscard]] ExitCode list(const Options& options, Console& console);
+[[nodiscard]] ExitCode tree(const Options& options, Console& console);
+[[nodiscard]] ExitCode stat(const Options& options, Console& console);
 [[nodiscard]] ExitCode put(const Options& options, Console& console);
 [[nodiscard]] ExitCode get(const Options& options, Console& console);
 [[nodiscard]] ExitCode cat(const Options& options, Console& console);
 [[nodiscard]] ExitCode remove(const Options& options, Console& console);
-[[nodiscard]] ExitCode move(const Options& options);
+[[nodiscard]] ExitCode move(const Options& options, Console& console);
+[[nodiscard]] ExitCode diff(const Options& options, Console& console);
+[[nodiscard]] ExitCode verify(const Options& options, Console& console);
 [[nodiscard]] ExitCode check(const Options& options, Console& console);
 [[nodiscard]] ExitCode info(const Options& options, Console& console);
 [[nodiscard]] ExitCode compact(const Options& options, Console& console);

@@ -5,7 +5,7 @@ namespace host::container {
 
 using namespace core;
 
-ExitCode create(const Options& options) {
+ExitCode create(const Options& options, Console&) {
     (void)open(options, OpenMode::createNew);
     return ExitCode::done;
 }

@@ -2,6 +2,7 @@
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
 #include "host/commands/container/copy.h"
+#include "host/terminal/text_columns.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -11,12 +12,19 @@
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
+#include <core/strings/letter_case.h>
+#include <core/strings/trim.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <istream>
 #include <optional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <utility>
 
 namespace host::container {
 
@@ -44,21 +52,57 @@ void set_modified_on_disk(const std::string& path, Date modified) {
     (void)::utimensat(AT_FDCWD, path.c_str(), times, 0); // a file system without times does not matter
 }
 
+/// The user's answer, where there is a user.
+bool may_replace(const std::string& path, Console& console) {
+    if (!console.terminal) {
+        fail(console, message_text("IDS_HOST_FILE_EXISTS", {from_utf8(path)}), ExitCode::no);
+        return false;
+    }
+    console.out << message("IDS_HOST_REPLACE_FILE", {from_utf8(path)}) << ' ' << std::flush;
+    std::string line;
+    std::getline(console.in, line);
+    const wstring answer = to_lower(trim_all(from_utf8(line)));
+    return answer.starts_with(u'y') || answer.starts_with(u'д');
+}
+
+/// The files of this call, so that none of them takes the place of another, by whatever name.
+class Written {
+  public:
+    /// Whether the path is, or leads to, a file that was written before.
+    [[nodiscard]] bool has(const std::string& path) const {
+        struct stat status {};
+        return paths_.contains(path) ||
+               (::stat(path.c_str(), &status) == 0 && files_.contains({status.st_dev, status.st_ino}));
+    }
+    void add(const std::string& path) {
+        struct stat status {};
+        if (::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+            files_.emplace(status.st_dev, status.st_ino);
+        if (!S_ISCHR(status.st_mode) && !S_ISFIFO(status.st_mode)) // which keep nothing
+            paths_.insert(path);
+    }
+
+  private:
+    std::set<std::string> paths_;
+    std::set<std::pair<::dev_t, ::ino_t>> files_;
+};
+
 /// Writes an inner file to disk. A file there is replaced by the whole content or stays as it is, devices are
 /// written to.
-void take_out(const StorageRW& storage, IFile& from, const std::string& path, Progress& progress) {
+void take_out(const StorageRW& storage, IFile& from, const std::string& path, Progress& progress,
+              const Interrupts& interrupts) {
     std::error_code ignored;
     if (fs::is_regular_file(path, ignored)) {
         if (storage.isIn(*open_disk_file(path, OpenMode::read)))
             throw StorageException(StorageException::Kind::isDestination, file_url(path));
         require_service<IFileSystem>().writeFile(file_url(path),
-                                                 [&](IFile& to) { copy(from, to, progress); });
+                                                 [&](IFile& to) { copy(from, to, progress, interrupts); });
         return;
     }
     const bool isNew = !fs::exists(fs::symlink_status(path, ignored));
     const auto to = open_disk_file(path, isNew ? OpenMode::createNew : OpenMode::replace);
     try {
-        copy(from, *to, progress);
+        copy(from, *to, progress, interrupts);
         to->close();
     } catch (...) {
         if (isNew)
@@ -76,6 +120,8 @@ ExitCode get(const Options& options, Console& console) {
     for (const StorageFound& file : selection.files)
         total += file.size;
     Progress progress(console, "get", total);
+    const Interrupts interrupts;
+    Written written;
     ExitCode code = selection.missing == 0 ? ExitCode::done : ExitCode::no;
     for (const StorageFound& file : selection.files) {
         const auto path = target_of(options, file.name);
@@ -83,10 +129,20 @@ ExitCode get(const Options& options, Console& console) {
             code = fail(console, message_text("IDS_HOST_NAME_LEADS_OUT", {file.name}), ExitCode::no);
             continue;
         }
+        if (written.has(*path)) {
+            code = fail(console, message_text("IDS_HOST_NAME_TAKEN", {file.name, from_utf8(*path)}),
+                        ExitCode::no);
+            continue;
+        }
         std::error_code error;
+        if (!options.force && fs::is_regular_file(*path, error) && !may_replace(*path, console)) {
+            code = ExitCode::no;
+            continue;
+        }
         fs::create_directories(fs::path(*path).parent_path(), error); // opening says what is wrong
         const auto from = storage.open(file.name, OpenMode::read);
-        take_out(storage, *from, *path, progress);
+        take_out(storage, *from, *path, progress, interrupts);
+        written.add(*path);
         set_modified_on_disk(*path, file.modified);
     }
     return code;

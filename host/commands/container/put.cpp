@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/commands/commands.h"
 #include "host/commands/container/container.h"
 #include "host/commands/container/copy.h"
+#include "host/terminal/byte_input.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
+#include <core/files/file_io.h>
 #include <core/files/file_time.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
@@ -11,8 +14,12 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
+#include <optional>
+#include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -23,6 +30,8 @@ using namespace core;
 namespace {
 
 namespace fs = std::filesystem;
+
+const std::string kStandardInput = "-";
 
 /// A file on disk and the name that it gets inside.
 struct Source {
@@ -43,6 +52,12 @@ wstring inner_name(const std::string& path, const std::string& name) {
     return text;
 }
 
+/// A name below the folder of the command line.
+std::string in_folder(const Options& options, const std::string& name) {
+    const bool ends = options.folder.empty() || options.folder.ends_with('/');
+    return options.folder + (ends ? "" : "/") + name;
+}
+
 /// Refuses files of which the later would replace the earlier.
 void refuse_same_names(const std::vector<Source>& all) {
     std::map<wstring_view, const Source*> byName;
@@ -54,26 +69,36 @@ void refuse_same_names(const std::vector<Source>& all) {
     }
 }
 
-std::vector<Source> sources(const Options& options) {
-    std::vector<Source> all;
-    const std::string into =
-        options.folder.empty() || options.folder.ends_with('/') ? options.folder : options.folder + "/";
-    const auto add = [&](const fs::path& path, const std::string& name) {
+/// Collects what the command line names.
+class Sources {
+  public:
+    explicit Sources(const Options& options) : options_(options) {
+        for (const std::string& text : options.names) {
+            // "docs", "docs/" and "../docs" all give names that begin with "docs/".
+            const fs::path path = fs::path(text).lexically_normal();
+            const fs::path base = path.has_filename() ? path : path.parent_path();
+            std::error_code error;
+            if (fs::is_directory(base, error))
+                addFolder(base, text);
+            else
+                add(base, options.as.empty() ? base.filename().string() : options.as);
+        }
+        refuse_same_names(all_);
+        std::ranges::sort(all_, {}, &Source::name); // folders have any order
+    }
+
+    [[nodiscard]] const std::vector<Source>& all() const noexcept { return all_; }
+
+  private:
+    void add(const fs::path& path, const std::string& name) {
         std::error_code error;
         const std::uint64_t size = fs::file_size(path, error);
         if (error)
             throw_not_read(path.string(), error);
-        all.push_back({path.string(), inner_name(path.string(), into + name), size});
-    };
-    for (const std::string& text : options.names) {
-        // "docs", "docs/" and "../docs" all give names that begin with "docs/".
-        const fs::path path = fs::path(text).lexically_normal();
-        const fs::path base = path.has_filename() ? path : path.parent_path();
+        all_.push_back({path.string(), inner_name(path.string(), in_folder(options_, name)), size});
+    }
+    void addFolder(const fs::path& base, const std::string& text) {
         std::error_code error;
-        if (!fs::is_directory(base, error)) {
-            add(base, base.filename().string());
-            continue;
-        }
         fs::recursive_directory_iterator entry(base, error);
         for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
             std::error_code ignored; // what cannot be looked at is not put in
@@ -83,9 +108,10 @@ std::vector<Source> sources(const Options& options) {
         if (error)
             throw_not_read(text, error);
     }
-    refuse_same_names(all);
-    return all;
-}
+
+    const Options& options_;
+    std::vector<Source> all_;
+};
 
 Date modified_on_disk(const std::string& path) {
     struct stat status {};
@@ -94,27 +120,92 @@ Date modified_on_disk(const std::string& path) {
     return unix_date(status.st_mtime);
 }
 
-} // namespace
+/// A file on its way in: written, but not yet to be seen.
+struct Incoming {
+    const Source* source;
+    InterfacePtr<IFile> to;
+};
 
-ExitCode put(const Options& options, Console& console) {
-    const std::vector<Source> all = sources(options);
+void put_files(const std::vector<Source>& all, const Options& options, Console& console) {
+    // Large files are written before the group of changes begins, as far as one holds on to them, so that
+    // others need not wait for them.
+    constexpr std::uint64_t kLarge = std::uint64_t{8} << 20;
+    constexpr std::size_t kMostOpen = 64;
     std::uint64_t total = 0;
     for (const Source& source : all)
         total += source.size;
     StorageRW storage = open(options, OpenMode::create);
     Progress progress(console, "put", total);
-    StorageTransaction transaction(storage);
-    for (const Source& source : all) {
+    const Interrupts interrupts;
+    const auto write = [&](const Source& source) {
         const auto from = open_disk_file(source.path, OpenMode::read);
         if (storage.isIn(*from)) // it would grow as it is read
             throw StorageException(StorageException::Kind::isDestination, from->url());
-        const auto to = storage.open(source.name, OpenMode::replace);
-        copy(*from, *to, progress);
-        to->close();
+        auto to = storage.open(source.name, OpenMode::replace);
+        copy(*from, *to, progress, interrupts);
+        return to;
+    };
+    const auto publish = [&](const Source& source, IFile& to) {
+        to.close();
         const Date modified = modified_on_disk(source.path);
         storage.setTimes(source.name, modified, modified);
+    };
+    std::vector<Incoming> large;
+    for (const Source& source : all) {
+        if (source.size >= kLarge && large.size() < kMostOpen)
+            large.push_back({&source, write(source)});
+    }
+    StorageTransaction transaction(storage);
+    auto next = large.begin();
+    for (const Source& source : all) {
+        if (next != large.end() && next->source == &source)
+            publish(source, *next++->to);
+        else
+            publish(source, *write(source));
     }
     transaction.commit();
+}
+
+/// What comes in may be long in coming, so nobody waits for it: it is a change of its own. An interruption
+/// ends the program here as anywhere, and leaves the container as it was.
+ExitCode put_input(const Options& options, Console& console) {
+    const wstring name = inner_name(options.as, in_folder(options, options.as));
+    if (options.dryRun) {
+        tell(console, "IDS_HOST_WOULD_ADD", {name});
+        return ExitCode::done;
+    }
+    StorageRW storage = open(options, OpenMode::create);
+    ByteInput input(console, kStandardInput);
+    const auto to = storage.open(name, OpenMode::replace);
+    std::vector<std::byte> piece(kPiece);
+    while (const std::size_t count = input.read(piece))
+        write_all(*to, std::span(piece).first(count));
+    to->close();
+    return ExitCode::done;
+}
+
+} // namespace
+
+ExitCode put(const Options& options, Console& console) {
+    const bool input = std::ranges::count(options.names, kStandardInput) != 0;
+    std::error_code ignored;
+    const bool oneFile = options.names.size() == 1 && !fs::is_directory(options.names.front(), ignored);
+    if (input ? !oneFile || options.as.empty() : !oneFile && !options.as.empty())
+        return fail(console, message_text("IDS_HOST_PUT_AS"), ExitCode::usage);
+    if (input)
+        return put_input(options, console);
+    const Sources sources(options);
+    if (options.dryRun) {
+        std::optional<StorageRW> storage; // nothing where none would be made before
+        if (fs::exists(options.file, ignored) || options.file.find("://") != std::string::npos)
+            storage = open(options, OpenMode::read);
+        for (const Source& source : sources.all()) {
+            const bool replaced = storage && storage->contains(source.name);
+            tell(console, replaced ? "IDS_HOST_WOULD_REPLACE" : "IDS_HOST_WOULD_ADD", {source.name});
+        }
+        return ExitCode::done;
+    }
+    put_files(sources.all(), options, console);
     return ExitCode::done;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
+#include "host/terminal/terminal_text.h"
 
 #include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
@@ -8,14 +9,23 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ostream>
 #include <utility>
 
 namespace host::container {
 
 using namespace core;
 
+StorageRW open(const Options& options, const std::string& file, OpenMode mode) {
+    return open_container(file, mode, options.wide ? kStorageLayout64 : kStorageLayout32);
+}
+
 StorageRW open(const Options& options, OpenMode mode) {
-    return open_container(options.file, mode, options.wide ? kStorageLayout64 : kStorageLayout32);
+    return open(options, options.file, mode);
+}
+
+void tell(Console& console, const char* id, std::initializer_list<wstring> names) {
+    console.out << terminal_text(message_text(id, names)) << '\n';
 }
 
 Selection select(const StorageRW& storage, const Options& options, Console& console) {
