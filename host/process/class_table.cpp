@@ -73,19 +73,16 @@ ClassTable::Registration ClassTable::find(const GUID& clsid) const {
 }
 
 bool ClassTable::settle() noexcept {
-    std::vector<InterfacePtr<IClassFactory>> gone; // ends without the lock: a factory may call back
-    const std::lock_guard guard(lock_);
-    if (!readers_.none())
-        return false;
-    if (retired_.empty())
-        return true;
-    try {
-        gone.reserve(retired_.capacity()); // add() counts on the room
-    } catch (const std::bad_alloc&) {
-        return false;
+    for (;;) {
+        InterfacePtr<IClassFactory> gone; // ends without the lock: a factory may call back
+        const std::lock_guard guard(lock_);
+        if (!readers_.none())
+            return false;
+        if (retired_.empty())
+            return true;
+        gone = std::move(retired_.back());
+        retired_.pop_back();
     }
-    gone.swap(retired_);
-    return true;
 }
 
 void ClassTable::replace(Class& entry, IClassFactory* factory) noexcept {

@@ -33,7 +33,7 @@ class ClassTable {
     /// Returns what a class was added with.
     [[nodiscard]] Registration find(const core::GUID& clsid) const;
     /// Lets go of the factories that were taken back. Returns false, keeping them, while a thread makes an
-    /// object, and without memory.
+    /// object.
     bool settle() noexcept;
 
   private:

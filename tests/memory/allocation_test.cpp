@@ -5,6 +5,7 @@
 #include "tests/script/script_fixture.h"
 #include "tests/support/allocation_limit.h"
 
+#include <core/context/script_object.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/module.h>
@@ -255,20 +256,31 @@ TEST(Process, StartsWholeOrNotAtAll) {
     exhaust([&] { Engine().run(script); }, detached); // brings a process up
 }
 
-TEST_F(Allocation, ModulesLoadWholeOrNotAtAll) {
+TEST_F(Allocation, ModulesComeAndGoWholeOrNotAtAll) {
     constexpr const char* kFile = CORE_TEST_MODULES "/libcounter.so";
     void* const own = ::dlopen(kFile, RTLD_LAZY | RTLD_LOCAL); // would go if a load closed the file twice
     const std::size_t before = process_.modules().size();
+    const auto expect = [&](bool there) {
+        EXPECT_EQ(process_.modules().size(), before + (there ? 1 : 0));
+        EXPECT_EQ(core::get_service<core::ITypeValueService>()->findType(u"Counter") != nullptr, there);
+        EXPECT_EQ(bool(core::create_object<core::IValue>(core::script_class_id(u"Counter"))), there);
+    };
     exhaust(
         [&] {
             const host::HostProcess::ThreadScope thread(process_);
             process_.loadModule(kFile);
         },
-        [&](bool done) {
-            EXPECT_EQ(process_.modules().size(), before + (done ? 1 : 0));
-            EXPECT_EQ(core::get_service<core::ITypeValueService>()->findType(u"Counter") != nullptr, done);
-        });
-    EXPECT_NO_THROW(process_.unloadModule("counter"));
+        expect);
+    exhaust(
+        [&] {
+            const host::HostProcess::ThreadScope thread(process_);
+            try {
+                process_.unloadModule("counter");
+            } catch (const core::ModuleException& e) {
+                ADD_FAILURE() << "nothing uses it: " << e.what();
+            }
+        },
+        [&](bool done) { expect(!done); });
     EXPECT_NE(::dlopen(kFile, RTLD_LAZY | RTLD_NOLOAD), nullptr);
     ::dlclose(own);
     ::dlclose(own);
