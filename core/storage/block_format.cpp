@@ -57,6 +57,22 @@ void encode_block_header(std::byte* to, const StorageLayout& layout, const Block
     put('\n');
 }
 
+std::vector<BlockRange> split_off(std::vector<BlockRange>& ranges, std::uint64_t count, std::uint64_t step) {
+    std::vector<BlockRange> first;
+    std::size_t whole = 0;
+    for (; count != 0 && ranges[whole].count <= count; ++whole) {
+        first.push_back(ranges[whole]);
+        count -= ranges[whole].count;
+    }
+    ranges.erase(ranges.begin(), ranges.begin() + static_cast<std::ptrdiff_t>(whole));
+    if (count != 0) {
+        first.push_back({ranges.front().address, count});
+        ranges.front().address += count * step;
+        ranges.front().count -= count;
+    }
+    return first;
+}
+
 void encode_blocks(std::byte* to, const StorageLayout& layout, BlockRange range,
                    std::span<const std::byte> content, std::uint64_t chainSize, std::uint64_t next) noexcept {
     const std::uint64_t step = layout.blockLength(kStorageBlockSize);

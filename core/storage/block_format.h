@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace core {
 
@@ -36,6 +37,10 @@ struct BlockRange {
     std::uint64_t address;
     std::uint64_t count;
 };
+
+/// Cuts the first `count` blocks off `ranges`, which have as many; `step` is the length of one.
+[[nodiscard]] std::vector<BlockRange> split_off(std::vector<BlockRange>& ranges, std::uint64_t count,
+                                                std::uint64_t step);
 
 /// Writes `count` such blocks with `content`, the last one filled up with zeros, to `to`. The first block
 /// says `chainSize`, the last one `next`.

@@ -19,6 +19,10 @@ namespace {
 constexpr std::uint64_t kBlock = kStorageBlockSize;
 constexpr std::size_t kCarried = 128 * kStorageBlockSize;
 
+// Blocks reserved at once, 64 KiB to 16 MiB.
+constexpr std::uint64_t kLeastAhead = 128;
+constexpr std::uint64_t kMostAhead = 32768;
+
 std::uint64_t floor_to_block(std::uint64_t offset) {
     return offset - offset % kBlock;
 }
@@ -29,42 +33,53 @@ std::uint64_t ceil_to_block(std::uint64_t offset) {
 } // namespace
 
 ChainWriter::ChainWriter(StorageEngine& engine, std::uint64_t base)
-    : engine_(engine), base_(engine.layout()), baseLimit_(0), fresh_(engine.layout().blockHeaderSize()),
+    : engine_(engine), queue_(engine.file()), reader_(engine.newReader()), ahead_(kLeastAhead),
+      base_(engine.layout()), baseLimit_(0), fresh_(engine.layout().blockHeaderSize()),
       guess_(engine.layout().null), size_(0) {
+    reader_.setQueue(&queue_);
     begin(base);
 }
 
 void ChainWriter::begin(std::uint64_t address) {
-    base_.open(engine_.reader(), address, 0);
+    engine_.settleWrites();
+    reader_.forget();
+    reader_.setEnd(engine_.reader().end());
+    base_.open(reader_, address, 0);
+    SpaceLocks::Ranges used = engine_.spaceOf(base_, reader_);
+    const SpaceLocks::Ranges reserved = engine_.spaceOf(reserve_);
+    used.insert(used.end(), reserved.begin(), reserved.end());
+    engine_.pin(used); // before what was pinned is let go of, part of which may stay
+    engine_.unpin(std::exchange(pinned_, std::move(used)));
     size_ = baseLimit_ = base_.size();
     fresh_ = BlockRuns(engine_.layout().blockHeaderSize());
     touched_ = false;
 }
 
-void ChainWriter::addFresh(RangeSet& ranges) const {
-    for (const BlockRun& run : fresh_.runs())
-        ranges.add(run.address, run.address + fresh_.lengthOf(run));
+ChainWriter::~ChainWriter() {
+    if (!pinned_.empty()) // else the container may be gone
+        discard();
 }
 
 void ChainWriter::discard() noexcept {
-    engine_.giveBack(fresh_);
+    queue_.drop();
     fresh_ = BlockRuns(engine_.layout().blockHeaderSize());
+    reserve_.clear();
+    engine_.unpin(std::exchange(pinned_, {}));
 }
 
 // Reading.
 
 void ChainWriter::readBase(std::uint64_t offset, std::span<std::byte> out) {
-    base_.readAt(engine_.reader(), offset, out);
+    base_.readAt(reader_, offset, out);
 }
 
 void ChainWriter::readAt(std::uint64_t offset, std::span<std::byte> out) {
-    BlockReader& reader = engine_.reader();
     const std::size_t headerSize = engine_.layout().blockHeaderSize();
     while (!out.empty() && offset < freshEnd()) {
         const BlockRuns::Block block = fresh_.at(offset);
         const std::uint64_t skip = offset - block.offset;
         const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), kBlock - skip));
-        const auto bytes = reader.at(block.address + headerSize + skip, part, out.size());
+        const auto bytes = reader_.at(block.address + headerSize + skip, part, out.size());
         if (bytes.size() < part)
             throw ChainInFileExc(block.address);
         std::memcpy(out.data(), bytes.data(), part);
@@ -108,7 +123,7 @@ void ChainWriter::overwrite(std::uint64_t offset, std::span<const std::byte> byt
         const BlockRuns::Block block = fresh_.at(offset);
         const std::uint64_t skip = offset - block.offset;
         const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), kBlock - skip));
-        engine_.patch(block.address + engine_.layout().blockHeaderSize() + skip, bytes.first(part));
+        patch(block.address + engine_.layout().blockHeaderSize() + skip, bytes.first(part));
         offset += part;
         bytes = bytes.subspan(part);
     }
@@ -147,20 +162,42 @@ void ChainWriter::append(std::uint64_t offset, std::span<const std::byte> bytes)
 
 void ChainWriter::grow(std::span<const std::byte> content) {
     const StorageLayout& layout = engine_.layout();
-    const auto ranges = engine_.allocate((content.size() + kBlock - 1) / kBlock);
-    try {
-        // Files are mostly written on and on: the next block is expected behind this one.
-        const std::uint64_t guess = ranges.back().address + ranges.back().count * layout.blockLength(kBlock);
-        engine_.write(ranges, content, 0, guess);
-        if (!fresh_.empty() && guess_ != ranges.front().address)
-            patchNumber(fresh_.last().address + next_offset(layout), ranges.front().address);
-        guess_ = guess;
-    } catch (...) {
-        engine_.giveBack(ranges);
-        throw;
-    }
+    const auto ranges = takeReserved((content.size() + kBlock - 1) / kBlock);
+    // Files are mostly written on and on: the next block is expected behind this one.
+    const std::uint64_t guess = ranges.back().address + ranges.back().count * layout.blockLength(kBlock);
+    write(ranges, content, guess);
+    if (!fresh_.empty() && guess_ != ranges.front().address)
+        patchNumber(fresh_.last().address + next_offset(layout), ranges.front().address);
+    guess_ = guess;
     for (const BlockRange& range : ranges)
         fresh_.append(range.address, kBlock, range.count);
+}
+
+/// A file that grows takes more and more at once, so that a large one takes few turns.
+std::vector<BlockRange> ChainWriter::takeReserved(std::uint64_t blocks) {
+    std::uint64_t known = 0;
+    for (const BlockRange& range : reserve_)
+        known += range.count;
+    if (known < blocks) {
+        const std::uint64_t missing = blocks - known;
+        const auto more = engine_.reserve(missing, std::max(missing, ahead_));
+        const auto space = engine_.spaceOf(more);
+        pinned_.insert(pinned_.end(), space.begin(), space.end());
+        reserve_.insert(reserve_.end(), more.begin(), more.end());
+        ahead_ = std::min(2 * ahead_, kMostAhead);
+    }
+    return split_off(reserve_, blocks, engine_.layout().blockLength(kBlock));
+}
+
+void ChainWriter::write(std::span<const BlockRange> ranges, std::span<const std::byte> content,
+                        std::uint64_t next) {
+    reader_.forget();
+    queue_.addBlocks(ranges, content, engine_.layout(), 0, next);
+}
+
+void ChainWriter::patch(std::uint64_t address, std::span<const std::byte> bytes) {
+    reader_.forget();
+    queue_.patch(address, bytes);
 }
 
 void ChainWriter::carry(std::uint64_t until) {
@@ -193,26 +230,27 @@ void ChainWriter::truncate(std::uint64_t size) {
     touched_ = true;
     size_ = size;
     baseLimit_ = std::min(baseLimit_, size);
-    engine_.release(fresh_.cutAt(ceil_to_block(size)));
+    const BlockRuns cut = fresh_.cutAt(ceil_to_block(size));
+    for (const BlockRun& run : cut.runs())
+        reserve_.push_back({run.address, run.count});
     guess_ = 0; // no block is there
 }
 
 void ChainWriter::patchNumber(std::uint64_t address, std::uint64_t number) {
     std::array<std::byte, 16> digits{};
     encode_number(digits.data(), engine_.layout(), number);
-    engine_.patch(address, std::span(std::as_const(digits)).first(engine_.layout().digits()));
+    patch(address, std::span(std::as_const(digits)).first(engine_.layout().digits()));
 }
 
-ChainWriter::Result ChainWriter::finish() {
-    BlockReader& reader = engine_.reader();
+ChainWriter::Result ChainWriter::finish(bool mayShare) {
     const std::uint64_t null = engine_.layout().null;
     std::uint64_t next = null;
     std::uint64_t shared = base_.size(); // from here on the base's blocks stay in use
     bool sharing = false;
     if (size_ > freshEnd()) {
         // The old blocks can follow when one begins where the fresh ones end, and nothing of them is cut off.
-        if (size_ == base_.size() && baseLimit_ == size_ && freshEnd() != 0) {
-            base_.reach(reader, freshEnd() + 1);
+        if (mayShare && size_ == base_.size() && baseLimit_ == size_ && freshEnd() != 0) {
+            base_.reach(reader_, freshEnd() + 1);
             const BlockRuns::Block block = base_.runs().at(freshEnd());
             sharing = block.offset == freshEnd();
             next = block.address;
@@ -224,9 +262,9 @@ ChainWriter::Result ChainWriter::finish() {
         }
     }
     if (sharing)
-        base_.reach(reader, shared);
+        base_.reach(reader_, shared);
     else
-        base_.walk(reader);
+        base_.walk(reader_);
     const StorageLayout& layout = engine_.layout();
     Result result{null, BlockRuns(layout.blockHeaderSize()), base_.runs()};
     if (sharing) {
@@ -236,15 +274,14 @@ ChainWriter::Result ChainWriter::finish() {
         for (auto run = kept.runs().begin(); run != kept.runs().end() && run->size == 0; ++run)
             result.released.append(run->address, run->size, run->count);
     }
-    if (size_ == 0) {
-        discard();
+    if (size_ == 0)
         return result;
-    }
     if (guess_ != next)
         patchNumber(fresh_.last().address + next_offset(layout), next);
     result.address = fresh_.runs().front().address;
     patchNumber(result.address + chain_size_offset(), size_);
     result.fresh = std::exchange(fresh_, BlockRuns(layout.blockHeaderSize()));
+    queue_.flush();
     return result;
 }
 

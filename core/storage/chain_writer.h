@@ -2,7 +2,10 @@
 #pragma once
 
 #include "core/storage/block_chain.h"
-#include "core/storage/range_set.h"
+#include "core/storage/block_format.h"
+#include "core/storage/block_reader.h"
+#include "core/storage/space_locks.h"
+#include "core/storage/write_queue.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,12 +22,17 @@ class StorageEngine;
 /// 2. the rest is that of the file as it was, up to baseLimit_, and is shared with it;
 /// 3. no content lies beyond both.
 ///
-/// Writing to block n makes all blocks up to n fresh, since each block holds the address of the next. The
-/// caller holds the container's turn and its mutex, and gives an object up after a call that failed.
+/// Writing to block n makes all blocks up to n fresh, since each block holds the address of the next. Fresh
+/// blocks are reserved: free in every committed state, and pinned, so that only who needs more of them takes
+/// a turn. The content to begin with is pinned, too. The caller holds the container's mutex, and gives an
+/// object up after a call that failed.
 class ChainWriter {
   public:
-    /// `base` is the first block of the content to begin with, null for none.
+    /// `base` is the first block of the content to begin with, null for none. The caller holds a Reading.
     ChainWriter(StorageEngine& engine, std::uint64_t base);
+    ~ChainWriter();
+    ChainWriter(const ChainWriter&) = delete;
+    ChainWriter& operator=(const ChainWriter&) = delete;
 
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
     [[nodiscard]] bool isTouched() const noexcept { return touched_; }
@@ -37,28 +45,38 @@ class ChainWriter {
 
     struct Result {
         std::uint64_t address; ///< of the first block
-        BlockRuns fresh;       ///< the blocks that are the writer's no more
+        BlockRuns fresh;       ///< the blocks that it is made of, besides those that it shares with the base
         BlockRuns released;    ///< what the base used and the new content does not
     };
-    /// Makes a whole chain of it; to go on, begin() again.
-    [[nodiscard]] Result finish();
-    /// Begins with the content of the chain at `address`.
+    /// Makes a whole chain of it, which may go on with blocks of the base when `mayShare`, and writes
+    /// everything; to go on, begin() again. The fresh blocks stay pinned until discard().
+    [[nodiscard]] Result finish(bool mayShare);
+    /// Begins with the content of the chain at `address`. The caller holds a Reading.
     void begin(std::uint64_t address);
-    /// Gives the fresh blocks back.
+    /// Ends the writing. What is reserved and has not been taken into use is free for all.
     void discard() noexcept;
-    void addFresh(RangeSet& ranges) const;
+    /// The content to begin with, its blocks as far as they were needed.
+    [[nodiscard]] const BlockChain& base() const noexcept { return base_; }
 
   private:
     [[nodiscard]] std::uint64_t freshEnd() const noexcept { return fresh_.capacity(); }
     void overwrite(std::uint64_t offset, std::span<const std::byte> bytes);
     void append(std::uint64_t offset, std::span<const std::byte> bytes);
     void grow(std::span<const std::byte> content);
+    [[nodiscard]] std::vector<BlockRange> takeReserved(std::uint64_t blocks);
+    void write(std::span<const BlockRange> ranges, std::span<const std::byte> content, std::uint64_t next);
+    void patch(std::uint64_t address, std::span<const std::byte> bytes);
     void carry(std::uint64_t until);
     void fillWithZeros(std::uint64_t until);
     void readBase(std::uint64_t offset, std::span<std::byte> out);
     void patchNumber(std::uint64_t address, std::uint64_t number);
 
     StorageEngine& engine_;
+    WriteQueue queue_;
+    BlockReader reader_;
+    SpaceLocks::Ranges pinned_;       // the base, and everything that was reserved since
+    std::vector<BlockRange> reserve_; // what of it holds no content yet
+    std::uint64_t ahead_;             // blocks to reserve at once
     BlockChain base_;
     std::uint64_t baseLimit_;
     BlockRuns fresh_;

@@ -12,6 +12,11 @@
 namespace core {
 namespace {
 
+// Where a larger content lies is found as it is read.
+constexpr std::uint64_t kWalked = std::uint64_t{128} << 10;
+// More pieces than these are pinned as one, with what lies between them.
+constexpr std::size_t kMostRanges = 64;
+
 /// The change counter of an empty container that replaces what the file holds: by an equal header nobody who
 /// has the old container open would see that it is gone.
 std::uint64_t counter_after(IFile& file, const StorageLayout& layout) {
@@ -121,12 +126,16 @@ StorageEngine::Turn::~Turn() {
     engine_.endTurn();
 }
 
-void StorageEngine::beginTurn() {
-    const std::lock_guard lock(mutex_);
+void StorageEngine::requireWritable() const {
     if (options_.readOnly)
         throw_storage_error(messages::kStorageReadOnly, url_);
     if (failed_)
         throw_storage_error(messages::kStorageFailed, url_);
+}
+
+void StorageEngine::beginTurn() {
+    const std::lock_guard lock(mutex_);
+    requireWritable();
     if (turns_ == 0) {
         lock_.beginTurn();
         pinsKnown_ = false;
@@ -218,6 +227,32 @@ BlockReader StorageEngine::newReader() {
     reader.setEnd(reader_.end());
     reader.setQueue(&queue_);
     return reader;
+}
+
+SpaceLocks::Ranges StorageEngine::spaceOf(std::span<const BlockRange> ranges) const {
+    SpaceLocks::Ranges space;
+    for (const BlockRange& range : ranges)
+        space.emplace_back(range.address,
+                           range.address + range.count * layout_.blockLength(kStorageBlockSize));
+    return space;
+}
+
+SpaceLocks::Ranges StorageEngine::spaceOf(const BlockRuns& blocks) const {
+    SpaceLocks::Ranges space;
+    for (const BlockRun& run : blocks.runs())
+        space.emplace_back(run.address, run.address + blocks.lengthOf(run));
+    if (space.size() > kMostRanges) {
+        const auto [first, last] = std::minmax_element(space.begin(), space.end());
+        space = {{first->first, last->second}};
+    }
+    return space;
+}
+
+SpaceLocks::Ranges StorageEngine::spaceOf(BlockChain& chain, BlockReader& reader) const {
+    if (chain.size() > kWalked)
+        return {{layout_.emptyLength(), reader_.end()}};
+    chain.walk(reader);
+    return spaceOf(chain.runs());
 }
 
 void StorageEngine::pin(const SpaceLocks::Ranges& ranges) {

@@ -105,6 +105,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     [[nodiscard]] StorageFound describe(wstring_view name);
     [[nodiscard]] std::vector<std::byte> get(wstring_view name);
     void put(wstring_view name, std::span<const std::byte> content);
+    void copy(wstring_view from, wstring_view to);
     void remove(wstring_view name);
     std::size_t removeAll(wstring_view pattern);
     void rename(wstring_view from, wstring_view to);
@@ -125,23 +126,29 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     /// A reader of its own, for what is read after the caller has let go of the Reading: it goes on with the
     /// container as it is now.
     [[nodiscard]] BlockReader newReader();
-    /// Everything that the committed state and the changes use may lie here.
-    [[nodiscard]] SpaceLocks::Ranges wholeSpace() const { return {{layout_.emptyLength(), reader_.end()}}; }
     void pin(const SpaceLocks::Ranges& ranges);
     void unpin(const SpaceLocks::Ranges& ranges) noexcept;
     [[nodiscard]] std::vector<BlockRange> allocate(std::uint64_t blocks);
+    /// Finds free blocks in a turn of its own, `most` or only `least`, and pins them. They are free until
+    /// they are claimed, but nobody takes them.
+    [[nodiscard]] std::vector<BlockRange> reserve(std::uint64_t least, std::uint64_t most);
+    [[nodiscard]] SpaceLocks::Ranges spaceOf(std::span<const BlockRange> ranges) const;
+    /// The space of a chain, which is walked where that is quick; else all that the container uses.
+    [[nodiscard]] SpaceLocks::Ranges spaceOf(BlockChain& chain, BlockReader& reader) const;
+    [[nodiscard]] SpaceLocks::Ranges spaceOf(const BlockRuns& blocks) const;
+    /// Takes reserved blocks into use, in a turn.
+    void claim(const BlockRuns& blocks);
     /// Takes blocks out of use, all or none. Damage is thrown as ChainInFileExc.
     void release(const BlockRuns& blocks);
-    /// Returns blocks that were allocated and are not used after all.
+    /// Returns blocks that were taken and are not used after all.
     void giveBack(std::span<const BlockRange> ranges) noexcept;
     void giveBack(const BlockRuns& blocks) noexcept;
-    /// What is free is not known any more, because a call ran out of memory in the middle. Nothing is taken
-    /// nor committed before it is read again.
-    void forgetSpace() noexcept { spaceCounter_.reset(); }
     /// Writes blocks in pieces; see encode_blocks().
     void write(std::span<const BlockRange> ranges, std::span<const std::byte> content,
                std::uint64_t chainSize, std::uint64_t next);
-    void patch(std::uint64_t address, std::span<const std::byte> bytes);
+    /// Writes what waits, for those who read past it.
+    void settleWrites() { queue_.flush(); }
+    void requireWritable() const;
     void refuseOpened(wstring_view name) const;
     /// Makes `content` a file's content.
     void putContent(wstring_view name, std::span<const std::byte> content);
@@ -184,7 +191,6 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
         FilesTable table;
         BlockRuns tableBlocks;
         BlockRuns freeBlocks;
-        RangeSet kept; // fresh blocks of files that are still being written
     };
     void commitChanges();
     void writeBeside(Next& next);
@@ -192,11 +198,14 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void writeHead(const ContainerHead& head);
     void takeBack() noexcept;
     void cutTail() noexcept;
+    /// What is free is not known any more, because a call ran out of memory in the middle. Nothing is taken
+    /// nor committed before it is read again.
+    void forgetSpace() noexcept { spaceCounter_.reset(); }
     void requireSpace() const;
     void avoidPins();
     template <class Call>
     auto onSpace(Call call) -> decltype(call());
-    [[nodiscard]] std::uint64_t writeFreeChain(const RangeSet& kept, BlockRuns& blocks);
+    [[nodiscard]] std::uint64_t writeFreeChain(BlockRuns& blocks);
 
     // engine_files.cpp
     [[nodiscard]] StorageFileInfo readInfo(const StorageFileEntry& entry, wstring_view name);
@@ -242,6 +251,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     SpaceLocks pins_;
     bool pinsKnown_ = false;               // to space_, as they are now
     bool spaceVerified_ = false;           // no chain of this state uses what is free in space_
+    bool spaceComplete_ = false;           // and all that no chain uses is free
     bool verifiedList_ = false;            // and the free chain on the disk says so
     std::uint64_t unverifiedEnd_ = 0;      // where new blocks began to go behind everything
     RangeSet sharedSpace_;                 // used by more than one chain, which only damage brings about

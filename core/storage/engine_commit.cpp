@@ -38,6 +38,10 @@ void StorageEngine::rollback() {
     if (!transaction_)
         return;
     transaction_ = false;
+    for (InnerFile* const file : files_) {
+        if (file->isWriter())
+            file->lose();
+    }
     takeBack();
     endTurn();
 }
@@ -50,11 +54,8 @@ void StorageEngine::finishChange() {
 void StorageEngine::commitChanges() {
     if (!table_.hasChanges())
         return;
-    Next next{head_,
-              FilesTable(layout_),
-              BlockRuns(layout_.blockHeaderSize()),
-              BlockRuns(layout_.blockHeaderSize()),
-              {}};
+    Next next{head_, FilesTable(layout_), BlockRuns(layout_.blockHeaderSize()),
+              BlockRuns(layout_.blockHeaderSize())};
     bool flushing = false;
     try {
         writeBeside(next);
@@ -84,8 +85,6 @@ void StorageEngine::commitChanges() {
 
 /// Writes the new table and the new free chain beside what is live, and says in `next` where.
 void StorageEngine::writeBeside(Next& next) {
-    for (const InnerFile* file : files_)
-        file->addFresh(next.kept);
     release(tableBlocks_);
     release(freeBlocks_);
     next.table = table_.merged();
@@ -94,8 +93,8 @@ void StorageEngine::writeBeside(Next& next) {
     const auto ranges = allocate((beyondFirst + kStorageBlockSize - 1) / kStorageBlockSize);
     for (const BlockRange& range : ranges)
         next.tableBlocks.append(range.address, kStorageBlockSize, range.count);
-    next.head.freeChain = writeFreeChain(next.kept, next.freeBlocks);
-    next.table.setEnd(space_.outlook(next.kept).end);
+    next.head.freeChain = writeFreeChain(next.freeBlocks);
+    next.table.setEnd(space_.outlook().end);
     if (!next.table.isWhole()) // nobody could open the container any more
         throwBadFormat();
     requireNoCutChains(next.table);
@@ -115,8 +114,8 @@ void StorageEngine::settle(Next next) noexcept {
     table_ = std::move(next.table);
     tableBlocks_ = std::move(next.tableBlocks);
     freeBlocks_ = std::move(next.freeBlocks);
-    unsettled_ = !next.kept.empty();
-    space_.commit(std::move(next.kept), table_.end());
+    unsettled_ = false;
+    space_.commit(table_.end());
     spaceCounter_ = head_.counter;
     verifiedList_ = spaceVerified_;
     cutChains_.clear();
@@ -128,9 +127,9 @@ void StorageEngine::settle(Next next) noexcept {
 }
 
 /// Writes down what will be free, into blocks that are free now. Taking these changes what is written.
-std::uint64_t StorageEngine::writeFreeChain(const RangeSet& kept, BlockRuns& blocks) {
+std::uint64_t StorageEngine::writeFreeChain(BlockRuns& blocks) {
     std::vector<BlockRange> ranges;
-    std::vector<std::byte> content = FreeSpace::encode(space_.outlook(kept).free, layout_);
+    std::vector<std::byte> content = FreeSpace::encode(space_.outlook().free, layout_);
     while (content.size() > blocks.capacity()) {
         const std::uint64_t more =
             (content.size() - blocks.capacity() + kStorageBlockSize - 1) / kStorageBlockSize;
@@ -138,7 +137,7 @@ std::uint64_t StorageEngine::writeFreeChain(const RangeSet& kept, BlockRuns& blo
             ranges.push_back(range);
             blocks.append(range.address, kStorageBlockSize, range.count);
         }
-        content = FreeSpace::encode(space_.outlook(kept).free, layout_);
+        content = FreeSpace::encode(space_.outlook().free, layout_);
     }
     if (ranges.empty())
         return layout_.null;
@@ -167,7 +166,7 @@ void StorageEngine::writeHead(const ContainerHead& head) {
 
 void StorageEngine::takeBack() noexcept {
     for (InnerFile* file : files_) {
-        if (file->isWriter() || file->isUncommitted())
+        if (file->isUncommitted())
             file->lose();
     }
     unsettled_ = false;
@@ -213,6 +212,27 @@ void StorageEngine::avoidPins() {
     pinsKnown_ = true;
 }
 
+std::vector<BlockRange> StorageEngine::reserve(std::uint64_t least, std::uint64_t most) {
+    const Turn turn(*this);
+    const auto ranges = onSpace([&] {
+        avoidPins();
+        const auto found = space_.place(most);
+        return found ? found : space_.place(least);
+    });
+    if (!ranges)
+        throw_storage_error(messages::kStorageTooLarge, url_);
+    pin(spaceOf(*ranges));
+    return *ranges;
+}
+
+void StorageEngine::claim(const BlockRuns& blocks) {
+    if (!onSpace([&] { return space_.claim(blocks, spaceVerified_ && spaceComplete_); }))
+        throw_storage_error(messages::kStorageLost, url_);
+    reader_.forget();
+    reader_.setEnd(std::max(reader_.end(), space_.end()));
+    unsettled_ = unsettled_ || !blocks.empty();
+}
+
 std::vector<BlockRange> StorageEngine::allocate(std::uint64_t blocks) {
     std::vector<BlockRange> ranges;
     const bool fits =
@@ -236,6 +256,9 @@ void StorageEngine::release(const BlockRuns& blocks) {
 }
 
 void StorageEngine::giveBack(std::span<const BlockRange> ranges) noexcept {
+    const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
+    for (auto range = ranges.rbegin(); range != ranges.rend(); ++range)
+        queue_.drop(range->address, range->address + range->count * step);
     try {
         BlockRuns blocks(layout_.blockHeaderSize());
         for (const BlockRange& range : ranges)
@@ -247,8 +270,6 @@ void StorageEngine::giveBack(std::span<const BlockRange> ranges) noexcept {
 }
 
 void StorageEngine::giveBack(const BlockRuns& blocks) noexcept {
-    for (auto run = blocks.runs().rbegin(); run != blocks.runs().rend(); ++run)
-        queue_.drop(run->address, run->address + blocks.lengthOf(*run));
     try {
         (void)onSpace([&] { return space_.release(blocks); }); // false: everything was taken back by now
     } catch (...) {                                            // what is free is read again
@@ -257,28 +278,8 @@ void StorageEngine::giveBack(const BlockRuns& blocks) noexcept {
 
 void StorageEngine::write(std::span<const BlockRange> ranges, std::span<const std::byte> content,
                           std::uint64_t chainSize, std::uint64_t next) {
-    const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
-    const std::uint64_t atOnce = WriteQueue::kPiece / step;
     reader_.forget();
-    for (std::size_t i = 0; i < ranges.size(); ++i) {
-        const std::uint64_t behind = i + 1 < ranges.size() ? ranges[i + 1].address : next;
-        for (std::uint64_t done = 0; done < ranges[i].count;) {
-            const BlockRange piece{ranges[i].address + done * step, std::min(atOnce, ranges[i].count - done)};
-            const bool last = done + piece.count == ranges[i].count;
-            const auto part = content.first(std::min<std::size_t>(
-                content.size(), static_cast<std::size_t>(piece.count) * kStorageBlockSize));
-            std::byte* const to = queue_.extend(piece.address, static_cast<std::size_t>(piece.count * step));
-            encode_blocks(to, layout_, piece, part, std::exchange(chainSize, 0),
-                          last ? behind : piece.address + piece.count * step);
-            content = content.subspan(part.size());
-            done += piece.count;
-        }
-    }
-}
-
-void StorageEngine::patch(std::uint64_t address, std::span<const std::byte> bytes) {
-    reader_.forget();
-    queue_.patch(address, bytes);
+    queue_.addBlocks(ranges, content, layout_, chainSize, next);
 }
 
 } // namespace core

@@ -2,6 +2,7 @@
 #include "core/storage/attributes.h"
 #include "core/storage/engine.h"
 #include "core/storage/inner_reader.h"
+#include "core/storage/inner_writer.h"
 #include "core/storage/storage_error.h"
 
 #include <core/files/errors.h>
@@ -17,26 +18,13 @@ namespace {
 
 // A content up to this size is read while others wait, a larger one beside them.
 constexpr std::uint64_t kAtOnce = std::uint64_t{64} << 10;
+// A content up to this size is written in the turn that publishes it, a larger one before.
+constexpr std::size_t kInTurn = std::size_t{1} << 20;
+// Others come in after as much.
+constexpr std::size_t kPiece = std::size_t{256} << 10;
 
 std::uint64_t blocks_for(std::uint64_t size) {
     return (size + kStorageBlockSize - 1) / kStorageBlockSize;
-}
-
-/// Cuts the first `count` blocks off `ranges`.
-std::vector<BlockRange> split_off(std::vector<BlockRange>& ranges, std::uint64_t count, std::uint64_t step) {
-    std::vector<BlockRange> first;
-    std::size_t whole = 0;
-    for (; count != 0 && ranges[whole].count <= count; ++whole) {
-        first.push_back(ranges[whole]);
-        count -= ranges[whole].count;
-    }
-    ranges.erase(ranges.begin(), ranges.begin() + static_cast<std::ptrdiff_t>(whole));
-    if (count != 0) {
-        first.push_back({ranges.front().address, count});
-        ranges.front().address += count * step;
-        ranges.front().count -= count;
-    }
-    return first;
 }
 
 } // namespace
@@ -129,7 +117,7 @@ std::vector<std::byte> StorageEngine::get(wstring_view name) {
 
 void StorageEngine::refuseOpened(wstring_view name) const {
     for (const InnerFile* file : files_) {
-        if (file->isWriter() && file->name() == name)
+        if (file->isExclusive() && file->name() == name)
             throw_storage_error(messages::kStorageOpened, urlOf(name));
     }
 }
@@ -186,10 +174,30 @@ void StorageEngine::replace(FilesTable::Change& change, const StorageFileEntry& 
 }
 
 void StorageEngine::put(wstring_view name, std::span<const std::byte> content) {
+    if (content.size() > kInTurn) {
+        InnerWriter file(shared_from_this(), name, OpenMode::replace, false);
+        for (std::size_t done = 0; done < content.size(); done += kPiece)
+            file.writeAt(done, content.subspan(done, std::min(kPiece, content.size() - done)));
+        return file.close();
+    }
     const std::lock_guard lock(mutex_);
     const Turn turn(*this);
     refuseOpened(name);
     putContent(name, content);
+}
+
+void StorageEngine::copy(wstring_view from, wstring_view to) {
+    if (from == to)
+        throw StorageException(StorageException::Kind::isDestination, urlOf(from));
+    InnerReader source(shared_from_this(), from);
+    InnerWriter target(shared_from_this(), to, OpenMode::replace, false);
+    std::vector<std::byte> bytes;
+    for (std::uint64_t done = 0; done < source.length(); done += bytes.size()) {
+        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, source.length() - done)));
+        (void)source.readAt(done, bytes);
+        target.writeAt(done, bytes);
+    }
+    target.close();
 }
 
 void StorageEngine::putContent(wstring_view name, std::span<const std::byte> content) {

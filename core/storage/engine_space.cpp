@@ -104,7 +104,8 @@ void StorageEngine::verifySpace() {
     listed.settle();
     const std::uint64_t first = layout_.emptyLength();
     const std::uint64_t end = used.used().empty() ? first : std::max(first, used.used().back().second);
-    if (sound && used.shared().empty())
+    spaceComplete_ = sound && used.shared().empty();
+    if (spaceComplete_)
         space_.set(without({{first, end}}, used.used()), end);
     else
         space_.set(without(listed.used(), used.used()), std::max(end, length));

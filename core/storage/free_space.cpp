@@ -53,45 +53,67 @@ void FreeSpace::take(std::uint64_t address, std::uint64_t count, std::vector<Blo
         ranges.push_back({address, count});
 }
 
-bool FreeSpace::allocate(std::uint64_t count, std::vector<BlockRange>& ranges) {
+std::optional<std::vector<BlockRange>> FreeSpace::place(std::uint64_t count) {
     const std::uint64_t step = layout_->blockLength(kStorageBlockSize);
-    if (count > layout_->limit() / step)
-        return false;
-    if (count >= kMany) {
-        if (longest_ < count * step)
-            return allocateAtEnd(count, ranges);
-        std::uint64_t longest = 0;
-        std::optional<std::uint64_t> place;
-        free_.forEachWithout(pinned_, [&](std::uint64_t begin, std::uint64_t end) {
-            longest = std::max(longest, end - begin);
-            if (end - begin >= count * step)
-                place = begin;
-            return !place;
-        });
-        if (place) {
-            take(*place, count, ranges);
-            return true;
-        }
-        longest_ = longest;
-        return allocateAtEnd(count, ranges);
-    }
-    // First what there is, so that nothing is taken when the rest does not fit.
     std::vector<BlockRange> found;
     std::uint64_t left = count;
-    free_.forEachWithout(pinned_, [&](std::uint64_t begin, std::uint64_t end) {
-        if (const std::uint64_t blocks = std::min(left, (end - begin) / step); blocks != 0) {
-            found.push_back({begin, blocks});
-            left -= blocks;
-        }
-        return left != 0;
-    });
-    const std::uint64_t behind = placeAtEnd(left * step);
-    if (behind > layout_->limit() || left > (layout_->limit() - behind) / step)
+    if (count > layout_->limit() / step)
+        return std::nullopt;
+    if (count >= kMany && longest_ >= count * step) {
+        std::uint64_t longest = 0;
+        free_.forEachWithout(pinned_, [&](std::uint64_t begin, std::uint64_t end) {
+            longest = std::max(longest, end - begin);
+            if (end - begin >= count * step) {
+                found.push_back({begin, count});
+                left = 0;
+            }
+            return left != 0;
+        });
+        if (left != 0)
+            longest_ = longest;
+    } else if (count < kMany) {
+        free_.forEachWithout(pinned_, [&](std::uint64_t begin, std::uint64_t end) {
+            if (const std::uint64_t blocks = std::min(left, (end - begin) / step); blocks != 0) {
+                found.push_back({begin, blocks});
+                left -= blocks;
+            }
+            return left != 0;
+        });
+    }
+    if (left != 0) {
+        const std::uint64_t behind = placeAtEnd(left * step);
+        if (behind > layout_->limit() || left > (layout_->limit() - behind) / step)
+            return std::nullopt;
+        found.push_back({behind, left});
+    }
+    return found;
+}
+
+bool FreeSpace::allocate(std::uint64_t count, std::vector<BlockRange>& ranges) {
+    const auto found = place(count);
+    if (!found)
         return false;
-    for (const BlockRange& range : found)
+    for (const BlockRange& range : *found)
         take(range.address, range.count, ranges);
-    if (left != 0)
-        take(behind, left, ranges);
+    return true;
+}
+
+bool FreeSpace::claim(const BlockRuns& blocks, bool isComplete) {
+    const auto isFree = [&](const BlockRun& run) {
+        const std::uint64_t end = std::min(end_, run.address + blocks.lengthOf(run));
+        return run.address >= end || free_.contains(run.address, end);
+    };
+    if (isComplete && !std::all_of(blocks.runs().begin(), blocks.runs().end(), isFree))
+        return false;
+    for (const BlockRun& run : blocks.runs()) {
+        const std::uint64_t end = run.address + blocks.lengthOf(run);
+        free_.remove(run.address, end);
+        listed_.remove(run.address, end);
+        if (run.address > end_)
+            free_.add(end_, run.address);
+        end_ = std::max(end_, end);
+        fresh_.add(run.address, end);
+    }
     return true;
 }
 
@@ -150,8 +172,8 @@ bool FreeSpace::release(const BlockRuns& blocks) {
     return true;
 }
 
-FreeSpace::Outlook FreeSpace::outlook(const RangeSet& kept) const {
-    Outlook result{RangeSet::unite({&listed_, &free_, &released_, &kept}), end_};
+FreeSpace::Outlook FreeSpace::outlook() const {
+    Outlook result{RangeSet::unite({&listed_, &free_, &released_}), end_};
     if (!result.free.empty() && result.free.back().second == end_) {
         result.end = result.free.back().first;
         result.free.pop_back();
@@ -159,10 +181,10 @@ FreeSpace::Outlook FreeSpace::outlook(const RangeSet& kept) const {
     return result;
 }
 
-void FreeSpace::commit(RangeSet kept, std::uint64_t end) noexcept {
+void FreeSpace::commit(std::uint64_t end) noexcept {
     committedEnd_ = end;
     free_.takeAll(released_);
-    fresh_ = std::move(kept);
+    fresh_.clear();
     longest_ = std::numeric_limits<std::uint64_t>::max();
     trim();
 }

@@ -8,6 +8,7 @@
 #include <core/storage/layout.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -37,6 +38,11 @@ class FreeSpace {
     /// from the end of the container when nothing fits. False, with nothing changed, when the
     /// layout cannot address that many.
     [[nodiscard]] bool allocate(std::uint64_t count, std::vector<BlockRange>& ranges);
+    /// Where allocate() would put `count` blocks; nothing when the layout cannot address that many.
+    [[nodiscard]] std::optional<std::vector<BlockRange>> place(std::uint64_t count);
+    /// Takes this very space, which others have left alone since place(). False, with nothing changed, when
+    /// some of it is in use; it counts as that where it is not free, if the free space `isComplete`.
+    [[nodiscard]] bool claim(const BlockRuns& blocks, bool isComplete);
     /// From now on nothing is taken of `pinned`, free or behind the end: somebody still reads it, or is
     /// writing it.
     void avoid(RangeSet pinned) noexcept;
@@ -50,18 +56,17 @@ class FreeSpace {
     /// Whether the changes alone use this byte.
     [[nodiscard]] bool isFresh(std::uint64_t address) const { return fresh_.touches(address, address + 1); }
 
-    // Both ways out of the changes. `kept` is fresh space that stays so: it belongs to files still being
-    // written. `end` is what outlook() says of it.
+    // Both ways out of the changes. `end` is what outlook() says of it.
 
-    void commit(RangeSet kept, std::uint64_t end) noexcept;
+    void commit(std::uint64_t end) noexcept;
     void rollback() noexcept;
 
-    /// What the committed state will have free once the changes are committed, `kept` included, and its end.
+    /// What the committed state will have free once the changes are committed, and its end.
     struct Outlook {
         RangeSet::List free;
         std::uint64_t end;
     };
-    [[nodiscard]] Outlook outlook(const RangeSet& kept) const;
+    [[nodiscard]] Outlook outlook() const;
 
     [[nodiscard]] bool hasChanges() const noexcept { return !fresh_.empty() || !released_.empty(); }
     [[nodiscard]] std::uint64_t end() const noexcept { return end_; }

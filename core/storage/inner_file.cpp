@@ -29,7 +29,7 @@ StorageEngine& InnerFile::engine() const {
 
 void InnerFile::requireNotLost() const {
     if (lost_)
-        throw_storage_error(isWriter() ? messages::kStorageLost : messages::kStorageChanged, url_);
+        throw_storage_error(messages::kStorageLost, url_);
 }
 
 std::uint64_t InnerFile::length() {

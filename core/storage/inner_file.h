@@ -2,7 +2,6 @@
 #pragma once
 
 #include "core/storage/engine.h"
-#include "core/storage/range_set.h"
 
 #include <core/runtime/types.h>
 
@@ -40,8 +39,8 @@ class InnerFile {
     [[nodiscard]] bool isUncommitted() const noexcept { return uncommitted_; }
     /// The content is committed now.
     void settle() noexcept { uncommitted_ = false; }
-    /// Adds the blocks that belong to this file alone.
-    virtual void addFresh(RangeSet&) const {}
+    /// Whether nobody else may open the file for writing, rename or remove it.
+    [[nodiscard]] virtual bool isExclusive() const noexcept { return false; }
 
   protected:
     InnerFile(std::shared_ptr<StorageEngine> engine, wstring_view name);

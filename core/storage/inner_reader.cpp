@@ -10,11 +10,6 @@
 namespace core {
 namespace {
 
-// Where a larger content lies is found as it is read.
-constexpr std::uint64_t kWalked = std::uint64_t{128} << 10;
-// More pieces than these are kept as one, with what lies between them.
-constexpr std::size_t kMostRanges = 64;
-
 // Memory grows with what is read: the size that a chain claims is not believed beforehand.
 constexpr std::uint64_t kBelieved = std::uint64_t{64} << 20;
 constexpr std::size_t kPiece = std::size_t{1} << 20;
@@ -30,14 +25,9 @@ InnerReader::InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view nam
     const StorageFileEntry entry = in.existing(name);
     in.checked(name, [&] {
         chain_.open(reader_, entry.data, 0);
-        keepsAll_ = chain_.size() > kWalked;
-        if (!keepsAll_)
-            chain_.walk(reader_);
+        keep(in.spaceOf(chain_, reader_));
     });
-    if (keepsAll_)
-        keep(in.wholeSpace());
-    else
-        keepBlocks();
+    keepsAll_ = !chain_.isWalked();
     setUncommitted(in.isUncommitted(name));
     in.enlist(*this);
 }
@@ -46,23 +36,13 @@ InnerReader::~InnerReader() {
     leave();
 }
 
-void InnerReader::keepBlocks() {
-    SpaceLocks::Ranges space;
-    for (const BlockRun& run : chain_.runs().runs())
-        space.emplace_back(run.address, run.address + chain_.runs().lengthOf(run));
-    if (space.size() > kMostRanges) {
-        const auto [first, last] = std::minmax_element(space.begin(), space.end());
-        space = {{first->first, last->second}};
-    }
-    keep(std::move(space));
-    keepsAll_ = false;
-}
-
 void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
     requireNotLost();
     engine().checked(name(), [&] { chain_.readAt(reader_, offset, out); });
-    if (keepsAll_ && chain_.isWalked())
-        keepBlocks();
+    if (keepsAll_ && chain_.isWalked()) {
+        keep(engine().spaceOf(chain_.runs()));
+        keepsAll_ = false;
+    }
 }
 
 std::vector<std::byte> InnerReader::content() {

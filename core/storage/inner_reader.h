@@ -24,8 +24,6 @@ class InnerReader : public InnerFile {
     [[nodiscard]] std::uint64_t size() const noexcept override { return chain_.size(); }
 
   private:
-    void keepBlocks();
-
     BlockReader reader_;
     BlockChain chain_;
     bool keepsAll_ = false; // the whole space of the container: where the chain lies is not known yet

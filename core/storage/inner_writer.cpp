@@ -1,33 +1,46 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/inner_writer.h"
 
+#include "core/storage/storage_error.h"
+
 #include <core/files/errors.h>
 #include <core/storage/errors.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <new>
+#include <utility>
 
 namespace core {
 
-InnerWriter::InnerWriter(const std::shared_ptr<StorageEngine>& engine, wstring_view name, OpenMode mode)
-    : InnerFile(engine, name) {
+InnerWriter::InnerWriter(const std::shared_ptr<StorageEngine>& engine, wstring_view name, OpenMode mode,
+                         bool exclusive)
+    : InnerFile(engine, name), exclusive_(exclusive) {
     if (mode == OpenMode::read)
         throw_file_error(messages::kFileOpen, url(), EINVAL);
-    const std::lock_guard lock(engine->mutex());
-    turn_.emplace(*engine);
+    const StorageEngine::Reading reading(*engine);
+    engine->requireWritable();
     engine->refuseOpened(name);
     const bool exists = engine->contains(name);
     if (!exists && mode == OpenMode::readWrite)
         throw StorageException(StorageException::Kind::fileNotFound, url());
     if (exists && mode == OpenMode::createNew)
         throw_file_error(messages::kFileOpen, url(), EEXIST);
-    dropOld_ = exists && mode == OpenMode::replace;
-    changed_ = !exists || dropOld_;
-    const std::uint64_t base = changed_ ? engine->layout().null : engine->lookUp(name).entry.data;
-    engine->checked(name, [&] { writer_.emplace(*engine, base); });
+    mustBeNew_ = mode == OpenMode::createNew;
+    changed_ = !exists || mode == OpenMode::replace;
+    if (!changed_)
+        setBase();
+    engine->checked(name, [&] { writer_.emplace(*engine, base_.value_or(engine->layout().null)); });
     engine->enlist(*this);
+    open_ = true;
+}
+
+/// What the name stands for is the content to begin with.
+void InnerWriter::setBase() {
+    const StorageEngine::Found found = engine().lookUp(name());
+    base_ = found.entry.data;
+    version_ = found.info.attribute;
+    setUncommitted(engine().isUncommitted(name()));
 }
 
 InnerWriter::~InnerWriter() {
@@ -45,12 +58,8 @@ void InnerWriter::writing(Call call) {
     requireNotLost();
     try {
         engine().checked(name(), call);
-    } catch (const std::bad_alloc&) {
-        engine().forgetSpace(); // blocks may have been lost on their way
-        lose();
-        throw;
     } catch (...) {
-        writer_->discard(); // no effect when the commit has taken all changes back
+        writer_->discard();
         lose();
         throw;
     }
@@ -118,23 +127,68 @@ void InnerWriter::publish(bool goOn) {
         StorageEngine& to = engine();
         const bool inOnePiece =
             !writer_->isTouched() && writer_->size() == 0 && (waiting_.empty() || waitingStart_ == 0);
-        if (inOnePiece) {
-            to.putContent(name(), waiting_);
-            waiting_.clear();
-        } else {
-            settleWrites();
-            const ChainWriter::Result result = writer_->finish();
-            try {
-                to.publish(name(), result.address, result.released, dropOld_);
-            } catch (...) {
-                to.giveBack(result.fresh);
-                throw;
-            }
-        }
-        changed_ = dropOld_ = false;
-        if (goOn)
-            writer_->begin(to.lookUp(name()).entry.data);
+        if (!inOnePiece)
+            return publishChain(goOn);
+        const StorageEngine::Turn turn(to);
+        (void)isBaseCurrent();
+        to.putContent(name(), waiting_);
+        waiting_.clear();
+        goOnWith(goOn);
     });
+}
+
+/// Everything is written before the turn, unless the content to begin with moves in the last moment.
+void InnerWriter::publishChain(bool goOn) {
+    StorageEngine& to = engine();
+    settleWrites();
+    bool shares = false;
+    {
+        const StorageEngine::Reading reading(to);
+        shares = isBaseCurrent();
+    }
+    const ChainWriter::Result result = writer_->finish(shares);
+    const StorageEngine::Turn turn(to);
+    if (isBaseCurrent() != shares)
+        throw_storage_error(messages::kStorageChanged, url());
+    to.claim(result.fresh);
+    try {
+        // A base that has moved is out of use where it lay.
+        to.publish(name(), result.address,
+                   shares ? result.released : BlockRuns(to.layout().blockHeaderSize()), !shares);
+    } catch (...) {
+        to.giveBack(result.fresh);
+        throw;
+    }
+    goOnWith(goOn);
+}
+
+/// Whether the name still stands for the content to begin with, which may have moved. Throws when it stands
+/// for another one.
+bool InnerWriter::isBaseCurrent() {
+    StorageEngine& in = engine();
+    const bool exists = in.contains(name());
+    if (!base_) {
+        if (mustBeNew_ && exists)
+            throw_file_error(messages::kFileOpen, url(), EEXIST);
+        return false;
+    }
+    if (exists) {
+        const StorageEngine::Found found = in.lookUp(name());
+        if (found.entry.data == *base_) // it is pinned, so nothing else can have come there
+            return true;
+        if (found.info.attribute == version_)
+            return false;
+    }
+    throw_storage_error(messages::kStorageChanged, url());
+}
+
+/// After publishing, in the same turn.
+void InnerWriter::goOnWith(bool goOn) {
+    changed_ = mustBeNew_ = false;
+    if (!goOn)
+        return;
+    setBase();
+    writer_->begin(*base_);
 }
 
 void InnerWriter::flush() {
@@ -143,7 +197,7 @@ void InnerWriter::flush() {
 }
 
 void InnerWriter::close() {
-    if (!turn_)
+    if (!open_)
         return;
     const auto keep = shared();
     const std::lock_guard lock(keep->mutex());
@@ -158,13 +212,11 @@ void InnerWriter::close() {
 
 /// Ends the use of the file; what is not published by now is gone.
 void InnerWriter::giveUp() noexcept {
-    if (!turn_)
+    if (!std::exchange(open_, false))
         return;
     const auto keep = shared(); // its mutex outlives this file
     const std::lock_guard lock(keep->mutex());
-    if (!isLost())
-        writer_->discard();
-    turn_.reset();
+    writer_->discard();
     leave();
 }
 

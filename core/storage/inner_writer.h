@@ -13,10 +13,16 @@ namespace core {
 
 /// An inner file open for reading and writing. Small writes are gathered. The content is published when the
 /// file is closed or flushed, and given up when an exception lets go of the file: half a file is worse than
-/// none.
+/// none. It is written beside everything that is committed, so only opening and publishing need a turn.
+///
+/// Several processes may write the same file. One that began with its content does not publish over another
+/// content than that; of those that began with none the last one wins.
 class InnerWriter : public InnerFile {
   public:
-    InnerWriter(const std::shared_ptr<StorageEngine>& engine, wstring_view name, OpenMode mode);
+    /// The one that others may not write, rename nor remove meanwhile is `exclusive`; the other kind stands
+    /// for a change made in one go.
+    InnerWriter(const std::shared_ptr<StorageEngine>& engine, wstring_view name, OpenMode mode,
+                bool exclusive = true);
     ~InnerWriter() override;
 
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
@@ -25,10 +31,7 @@ class InnerWriter : public InnerFile {
     void close() override;
 
     [[nodiscard]] bool isWriter() const noexcept override { return true; }
-    void addFresh(RangeSet& ranges) const override {
-        if (writer_ && !isLost())
-            writer_->addFresh(ranges);
-    }
+    [[nodiscard]] bool isExclusive() const noexcept override { return exclusive_; }
 
   protected:
     void fetch(std::uint64_t offset, std::span<std::byte> out) override;
@@ -40,13 +43,21 @@ class InnerWriter : public InnerFile {
     void writing(Call call);
     void settleWrites();
     void publish(bool goOn);
+    void publishChain(bool goOn);
+    void goOnWith(bool goOn);
+    [[nodiscard]] bool isBaseCurrent();
+    void setBase();
     void giveUp() noexcept;
 
     const int exceptions_ = std::uncaught_exceptions();
-    std::optional<StorageEngine::Turn> turn_;
+    const bool exclusive_;
+    bool open_ = false;
     std::optional<ChainWriter> writer_;
     bool changed_ = false; // something is there to publish
-    bool dropOld_ = false; // the file had a content that this one replaces
+    bool mustBeNew_ = false;
+    // The content to begin with: where it lay, and its version.
+    std::optional<std::uint64_t> base_;
+    std::uint32_t version_ = 0;
 
     std::vector<std::byte> waiting_; // written, but not yet to the chain
     std::uint64_t waitingStart_ = 0;

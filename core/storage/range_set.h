@@ -115,6 +115,21 @@ class RangeSet {
             ranges_.emplace(end, rest);
     }
 
+    /// Takes out what of a range is in the set.
+    void remove(std::uint64_t begin, std::uint64_t end) {
+        auto range = ranges_.upper_bound(begin);
+        if (range != ranges_.begin() && std::prev(range)->second > begin)
+            --range;
+        while (range != ranges_.end() && range->first < end) {
+            const auto [first, last] = *range;
+            range = ranges_.erase(range);
+            if (first < begin)
+                ranges_.emplace_hint(range, first, begin);
+            if (end < last)
+                ranges_.emplace_hint(range, end, last);
+        }
+    }
+
     /// Takes everything from `limit` on out.
     void cut(std::uint64_t limit) noexcept {
         ranges_.erase(ranges_.lower_bound(limit), ranges_.end());

@@ -121,13 +121,7 @@ void StorageRW::rename(wstring_view from, wstring_view to) {
     engine_->rename(from, to);
 }
 void StorageRW::copy(wstring_view from, wstring_view to) {
-    if (from == to)
-        throw StorageException(StorageException::Kind::isDestination, engine_->urlOf(from));
-    const std::lock_guard lock(engine_->mutex());
-    const auto source = open(from, OpenMode::read);
-    const auto target = open(to, OpenMode::replace);
-    copy_bytes(*source, *target);
-    target->close();
+    engine_->copy(from, to);
 }
 void StorageRW::moveFrom(StorageRW& source, wstring_view from, wstring_view to) {
     if (isSame(source))

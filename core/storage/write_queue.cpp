@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace core {
 
@@ -49,6 +50,26 @@ void WriteQueue::flush() {
         return;
     write_all_at(file_, address_, std::span(bytes_).first(length_));
     length_ = 0;
+}
+
+void WriteQueue::addBlocks(std::span<const BlockRange> ranges, std::span<const std::byte> content,
+                           const StorageLayout& layout, std::uint64_t chainSize, std::uint64_t next) {
+    const std::uint64_t step = layout.blockLength(kStorageBlockSize);
+    const std::uint64_t atOnce = kPiece / step;
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        const std::uint64_t behind = i + 1 < ranges.size() ? ranges[i + 1].address : next;
+        for (std::uint64_t done = 0; done < ranges[i].count;) {
+            const BlockRange piece{ranges[i].address + done * step, std::min(atOnce, ranges[i].count - done)};
+            const bool last = done + piece.count == ranges[i].count;
+            const auto part = content.first(std::min<std::size_t>(
+                content.size(), static_cast<std::size_t>(piece.count) * kStorageBlockSize));
+            std::byte* const to = extend(piece.address, static_cast<std::size_t>(piece.count * step));
+            encode_blocks(to, layout, piece, part, std::exchange(chainSize, 0),
+                          last ? behind : piece.address + piece.count * step);
+            content = content.subspan(part.size());
+            done += piece.count;
+        }
+    }
 }
 
 } // namespace core

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/storage/block_format.h"
+
 #include <core/files/file.h>
 
 #include <cstddef>
@@ -35,6 +37,10 @@ class WriteQueue {
         if (begin < address_ + length_ && end >= address_ + length_)
             length_ = begin <= address_ ? 0 : static_cast<std::size_t>(begin - address_);
     }
+
+    /// Adds blocks of the library's size, in pieces; see encode_blocks().
+    void addBlocks(std::span<const BlockRange> ranges, std::span<const std::byte> content,
+                   const StorageLayout& layout, std::uint64_t chainSize, std::uint64_t next);
 
   private:
     void makeRoom();

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -241,13 +242,15 @@ TEST_P(Processes, WritersTakeTurns) {
 class SlowDisk : public FileImpl, public ISharedFile {
   public:
     using Interfaces = InterfaceList<IFile, ISharedFile>;
-    SlowDisk(InterfacePtr<IFile> file, std::chrono::milliseconds flush)
-        : FileImpl(file->url()), file_(std::move(file)), locks_(file_), flush_(flush) {}
+    SlowDisk(InterfacePtr<IFile> file, std::chrono::milliseconds flush, std::chrono::milliseconds write = 0ms)
+        : FileImpl(file->url()), file_(std::move(file)), locks_(file_), flush_(flush), write_(write) {}
 
     std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) override {
         return file_->readAt(offset, buffer, count);
     }
     std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override {
+        if (count > 50000)
+            std::this_thread::sleep_for(write_);
         return file_->writeAt(offset, buffer, count);
     }
     std::uint64_t length() override { return file_->length(); }
@@ -264,6 +267,7 @@ class SlowDisk : public FileImpl, public ISharedFile {
     InterfacePtr<IFile> file_;
     InterfacePtr<ISharedFile> locks_;
     const std::chrono::milliseconds flush_;
+    const std::chrono::milliseconds write_;
 };
 
 /// How many writers there are, and how long a flush takes; on the real disk as long as it does.
@@ -304,6 +308,26 @@ TEST_P(Fairness, TheSlowestWriterCommitsAThirdOfTheFastest) {
     EXPECT_GE(3 * *slowest, *fastest) << *slowest << " against " << *fastest;
     EXPECT_GT(*slowest, 1);
     EXPECT_TRUE(open().check().isClean());
+}
+
+TEST_F(OnDisk, ALongPutLetsShortOnesThrough) {
+    constexpr std::size_t kLarge = std::size_t{20} << 20;
+    StorageRW storage(make_object<SlowDisk>(open_disk_file(path_, OpenMode::readWrite), 1ms, 5ms), layout_);
+    StorageRW other = open();
+    std::atomic<bool> done = false;
+    std::thread large([&] {
+        storage.put(u"large", Bytes(kLarge, std::byte{1}));
+        done = true;
+    });
+    int beside = 0; // through the same handle and another one
+    for (; !done; ++beside)
+        (beside % 2 == 0 ? storage : other)
+            .put(u"small" + wstring(1, static_cast<wchar>(beside)), Bytes(100));
+    large.join();
+    EXPECT_GT(beside, 10);
+    EXPECT_EQ(other.get(u"large"), Bytes(kLarge, std::byte{1}));
+    EXPECT_EQ(other.find(u"small*").size(), static_cast<std::size_t>(beside));
+    EXPECT_TRUE(other.check().isClean());
 }
 
 TEST_F(OnDisk, ThreadsOfOneHandleTakeTurns) {

@@ -120,9 +120,9 @@ TEST_P(Sharing, IsReplacedInItsTurn) {
     ReplacedClock clock;
     StorageRW storage = open();
     storage.put(u"a", Bytes(5000));
-    auto held = storage.open(u"b", OpenMode::create);
+    storage.begin();
     EXPECT_THROW(StorageRW::replace(*open_memory_file(data_), layout_), StorageException);
-    held->close();
+    storage.rollback();
     EXPECT_TRUE(storage.contains(u"a"));
     StorageRW::replace(*open_memory_file(data_), layout_);
     EXPECT_EQ(raw().size(), layout_.emptyLength());
@@ -169,6 +169,66 @@ TEST_P(Sharing, SharesTheFileWithOtherOpenContainers) {
     }
     b.put(u"late", {});
     EXPECT_EQ(test::contents(a), test::contents(b));
+    EXPECT_TRUE(a.check().isClean());
+}
+
+TEST_P(Sharing, AFileIsWrittenBesideWhatOthersCommit) {
+    StorageRW a = open();
+    StorageRW b = open();
+    a.put(u"hole", Bytes(100000));
+    a.put(u"base", Bytes(300000, std::byte{1}));
+    a.remove(u"hole");
+    const auto written = a.open(u"new", OpenMode::create);
+    const auto changed = a.open(u"base", OpenMode::readWrite);
+    write_all(*written, Bytes(2000000, std::byte{2}));
+    write_all_at(*changed, 1000, bytes_of("here"));
+    for (int i = 0; i < 20; ++i)
+        (i % 2 == 0 ? a : b).put(wstring(1, static_cast<wchar>(u'a' + i)), Bytes(20000, std::byte(i)));
+    b.compact(); // what lies under the changed file moves
+    EXPECT_FALSE(b.contains(u"new"));
+    EXPECT_TRUE(b.check().isClean());
+    written->flush();
+    EXPECT_EQ(b.get(u"new"), Bytes(2000000, std::byte{2}));
+    EXPECT_EQ(b.get(u"base"), Bytes(300000, std::byte{1}));
+    write_all_at(*written, 0, bytes_of("more"));
+    written->close();
+    changed->close();
+    Bytes expected(300000, std::byte{1});
+    std::copy_n(bytes_of("here").begin(), 4, expected.begin() + 1000);
+    EXPECT_EQ(b.get(u"base"), expected);
+    EXPECT_EQ(b.get(u"new")[3], std::byte{'e'});
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(a.get(wstring(1, static_cast<wchar>(u'a' + i))), Bytes(20000, std::byte(i)));
+    EXPECT_TRUE(a.check().isClean());
+    EXPECT_EQ(a.info().fileLength, a.info().end) << "what was reserved is given back";
+}
+
+TEST_P(Sharing, TwoWritersOfAFileLoseNoChangeUnnoticed) {
+    StorageRW a = open();
+    StorageRW b = open();
+    a.put(u"x", bytes_of("old"));
+    const auto first = a.open(u"x", OpenMode::replace);
+    const auto second = b.open(u"x", OpenMode::replace);
+    write_all(*first, Bytes(100000, std::byte{1}));
+    write_all(*second, Bytes(100000, std::byte{2}));
+    second->close();
+    first->close();
+    EXPECT_EQ(b.get(u"x"), Bytes(100000, std::byte{1})) << "the last one wins";
+
+    const auto editor = a.open(u"x", OpenMode::readWrite);
+    const auto late = a.open(u"y", OpenMode::createNew);
+    write_all_at(*editor, 50000, bytes_of("edit"));
+    b.put(u"x", bytes_of("meanwhile"));
+    b.put(u"y", bytes_of("meanwhile"));
+    EXPECT_THROW(editor->close(), StorageException) << "it would take the other change back";
+    EXPECT_THROW(late->close(), FileException);
+    EXPECT_EQ(test::contents(a), (Model{{u"x", bytes_of("meanwhile")}, {u"y", bytes_of("meanwhile")}}));
+
+    const auto gone = a.open(u"x", OpenMode::readWrite);
+    write_all_at(*gone, 0, bytes_of("M"));
+    b.remove(u"x");
+    EXPECT_THROW(gone->close(), StorageException);
+    EXPECT_FALSE(a.contains(u"x"));
     EXPECT_TRUE(a.check().isClean());
 }
 

@@ -172,9 +172,9 @@ TEST_P(Storage, AnErrorSaysWhichContainerOrFile) {
     };
     EXPECT_EQ(urlOf([&] { storage.put(u"a", {}); }), u"box/a");
     EXPECT_EQ(urlOf([&] { other.put(u"b", {}); }), u"test:///other");
-    EXPECT_EQ(urlOf([&] { open().put(u"b", {}); }), open_memory_file(data_)->url());
     storage.begin();
     EXPECT_EQ(urlOf([&] { storage.begin(); }), u"test:///box");
+    EXPECT_EQ(urlOf([&] { open().put(u"b", {}); }), open_memory_file(data_)->url());
     storage.rollback();
     EXPECT_EQ(urlOf([&] { held->close(); }), u"box/a");
 }

@@ -23,7 +23,7 @@ inline constexpr const char* kStorageHexNumber = "IDS_STERROR_HEXNUMBER";
 inline constexpr const char* kStorageBadFormat = "IDS_STERROR_BADFORMAT";
 /// A container did not become free in time.
 inline constexpr const char* kStorageBusy = "IDS_STERROR_BUSY";
-/// An inner file was changed while it was open for reading.
+/// An inner file was changed by somebody else while it was open for writing.
 inline constexpr const char* kStorageChanged = "IDS_STERROR_CHANGED";
 /// A container has the other layout; {1} is 32 or 64, {2} the scheme that opens it.
 inline constexpr const char* kStorageOtherLayout = "IDS_STERROR_OTHERLAYOUT";

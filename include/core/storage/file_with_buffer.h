@@ -64,15 +64,17 @@ class CORE_API FileWithBuffer : public FileImpl {
 };
 
 /// An inner file of a container, open for reading and writing: what StorageRW::open() returns for all other
-/// modes. Small writes are gathered. It holds the container's turn to change, and nobody else sees what was
-/// written before flush() or close() publishes it. A component, made by
-/// `make_object<FileWithBuffer2>(storage, name, mode)`.
+/// modes. Small writes are gathered. Nobody sees what was written before flush() or close() publishes it;
+/// until then others may change the container, but through this handle nobody writes, renames or removes this
+/// file. Publishing throws StorageException when somebody else has changed or removed the file since it was
+/// opened or published, unless it was opened without a content: then it replaces the other one's. A
+/// component, made by `make_object<FileWithBuffer2>(storage, name, mode)`.
 class CORE_API FileWithBuffer2 : public FileWithBuffer {
   public:
-    /// Opens or makes an inner file for writing, as `mode` says. Waits for the container's turn, 20 seconds
-    /// at most. Throws StorageException when another holds the turn for longer, when the file is open for
-    /// writing already, does not exist (OpenMode::readWrite) or is damaged, and FileException when it exists
-    /// (OpenMode::createNew) or `mode` is OpenMode::read.
+    /// Opens or makes an inner file for writing, as `mode` says. Throws StorageException when the container
+    /// was opened for reading only, when the file is open for writing through this handle already, does not
+    /// exist (OpenMode::readWrite) or is damaged, and FileException when it exists (OpenMode::createNew) or
+    /// `mode` is OpenMode::read. Writing waits for the container's turn now and then, as a change does.
     FileWithBuffer2(StorageRW& storage, wstring_view name, OpenMode mode);
 };
 

@@ -86,13 +86,13 @@ class CORE_API StorageRW {
     /// included.
     [[nodiscard]] std::uint64_t changeCounter() const;
     /// Rewrites all inner files side by side at the start of the file, which becomes as small as it can be.
-    /// Needs room for them a second time meanwhile. Does nothing where nothing is free. Throws in the middle
-    /// of a transaction and while a file is open for writing.
+    /// Needs room for them a second time meanwhile, and leaves out space that somebody still reads. Does
+    /// nothing where nothing is free. Throws in the middle of a transaction.
     void compact();
     /// Walks every chain and returns everything that is wrong. Damage that it finds is not thrown, only what
-    /// prevents the container from being read at all. Throws while changes wait for their commit, also those
-    /// to a file open for writing. Takes time in proportion to the file, and 16 bytes of memory for each
-    /// piece of it that is used without a gap, whatever the damage; only so many problems are listed.
+    /// prevents the container from being read at all. Throws in the middle of a transaction that has changed
+    /// something. Takes time in proportion to the file, and 16 bytes of memory for each piece of it that is
+    /// used without a gap, whatever the damage; only so many problems are listed.
     [[nodiscard]] StorageCheck check() const;
     /// Returns how the container uses its file, as far as damage lets that be found.
     [[nodiscard]] StorageInfo info() const;
