@@ -4,14 +4,17 @@
 #include "tests/context/emission_model.h"
 
 #include <core/context.h>
+#include <core/context/events/event_service.h>
 #include <core/runtime.h>
 #include <core/values.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <limits>
 
 namespace {
 
@@ -142,6 +145,22 @@ TEST_F(Emission, AFailureIsReportedWithTheNameAndTheOthersAreCalled) {
     EXPECT_EQ(std::count(reported.begin(), reported.end(), '\n'), 2) << reported;
     EXPECT_NE(reported.find("Changed"), std::string::npos) << reported;
     EXPECT_NE(reported.find(to_utf8(message_text(messages::kBadIndex))), std::string::npos) << reported;
+}
+
+TEST_F(Emission, SinksThatWantValuesAreNotCalledWithoutThem) {
+    Event<double> event(kChanged);
+    Connections kept;
+    const auto sink = make_event_sink([&](std::span<const GenericValue> arguments) {
+        calls_.push_back(static_cast<int>(arguments.size()));
+    });
+    kept.add(event.connectSink(sink.get()));
+    kept.add(event.connectSink(sink.get()));
+    kept.add(event.connect([&](double) { calls_.push_back(3); }));
+    testing::internal::CaptureStderr();
+    event.raise(std::numeric_limits<double>::quiet_NaN()); // no value stands for it
+    EXPECT_EQ(calls_, std::vector{3});
+    const std::string reported = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(reported.begin(), reported.end(), '\n'), 2) << reported;
 }
 
 TEST_F(Emission, TheEndOfAThreadPassesAndEndsTheEmission) {

@@ -23,8 +23,10 @@ struct Emission {
 
     /// Returns the arguments as values, which are made for the first sink that asks.
     [[nodiscard]] Values values() {
-        if (convert != nullptr)
-            converted = std::exchange(convert, nullptr)(*this);
+        if (convert != nullptr) {
+            converted = convert(*this);
+            convert = nullptr; // now that it has not thrown
+        }
         return converted;
     }
 };
