@@ -30,9 +30,9 @@ enum class NamedLockResult {
 /// Any thread may call it. Not recursive. A stop ends a wait within 20 ms.
 class CORE_API NamedMutex {
   public:
-    /// Opens the mutex of that name; makes it if it does not exist. A name may hold any characters,
-    /// at least one and at most 150 bytes in UTF-8. Throws ThreadException for another name and when the
-    /// system refuses.
+    /// Opens the mutex of that name; makes it if it does not exist. A name has 1 to 150 bytes in UTF-8, of
+    /// which a blank, "/", "%", "~" and a control character count as three. Throws ThreadException for
+    /// another name and when the system refuses.
     explicit NamedMutex(const wstring& name);
     NamedMutex(const NamedMutex&) = delete;
     NamedMutex& operator=(const NamedMutex&) = delete;
