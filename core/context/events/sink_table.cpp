@@ -3,6 +3,8 @@
 
 #include <core/runtime/threads/errors.h>
 
+#include <cxxabi.h>
+
 #include <new>
 
 namespace core::detail {
@@ -136,6 +138,8 @@ void SinkTable::emit(Emission& emission) {
                 index = slots_[index].next;
             }
         } catch (const ThreadDeath&) { // no failure: the thread is to end
+            throw;
+        } catch (const abi::__forced_unwind&) { // the system ends the thread, and must be let through
             throw;
         } catch (...) {
             report_sink_failure(names_);
