@@ -38,7 +38,7 @@ RWMutexEngine::~RWMutexEngine() {
 
 void RWMutexEngine::lock(std::uint32_t way) {
     lock_order::willWait(this);
-    // One who spins is not in the queue yet: those who come meanwhile may pass, but for no longer than that.
+    // One who spins is not in the queue yet: those who come meanwhile may pass it as long as it spins.
     if (!tryTake(way) && !spin([&] { return tryTake(way); }))
         wait_at(*this, way, std::nullopt, Stops::pass);
     lock_order::locked(this);
