@@ -121,8 +121,9 @@ class Reader:
         table = self.chain(layout.header)
         end = layout.header + layout.block_header + 512
         rows, names = [], b""
+        first = layout.header + layout.block_header
+        self.need(self.data[first:first + 512] == MARKS[1].ljust(512, b"\0"), "mark")
         if table:
-            self.need(table[:512] == MARKS[1].ljust(512, b"\0"), "mark")
             count, end = layout.words(table[512:], 2)
             fixed = 512 + 2 * layout.width
             rows = [layout.words(table[fixed + i * 3 * layout.width:], 3) for i in range(count)]
@@ -186,7 +187,9 @@ class Reader:
         layout, width = self.layout, self.layout.width
         self.need(len(content) % 512 == 0 and number(content, 0) == expected == checksum(content[8:]), "node")
         found_kind, found_level, zero, counter, count, more = NODE.unpack_from(content, 8)
-        self.need(found_kind == kind and (zero, more) == (0, 0) and count > 0, "head of a node")
+        self.need(found_kind == kind and (zero, more) == (0, 0), "head of a node")
+        # The root of the free tree may be what took the last free space.
+        self.need(count > 0 or (kind == b"free" and level is None and found_level == 0), "a node without rows")
         self.need(level in (None, found_level) and counter <= self.counter, "level and counter of a node")
         # Where the end of a name stands in a row, and how long a row is.
         at, length = ((3 * width, 3 * width + 24) if found_level == 0 else (width + 4, width + 16)) if kind == b"file" \
