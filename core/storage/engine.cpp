@@ -119,6 +119,15 @@ void StorageEngine::endReading() noexcept {
         lock_.endReading();
 }
 
+StorageEngine::Pinned::Pinned(StorageEngine& engine) : engine_(engine) {
+    const Reading reading(engine);
+    space_ = {{engine.layout_.emptyLength(), engine.reader_.end()}};
+    engine.pin(space_);
+}
+StorageEngine::Pinned::~Pinned() {
+    engine_.unpin(space_);
+}
+
 StorageEngine::Turn::Turn(StorageEngine& engine) : engine_(engine) {
     engine_.beginTurn();
 }
@@ -224,7 +233,6 @@ BlockChain StorageEngine::chain(std::uint64_t address, std::uint64_t wish) {
 
 BlockReader StorageEngine::newReader() {
     BlockReader reader(*file_, layout_);
-    reader.setEnd(reader_.end());
     reader.setQueue(&queue_);
     return reader;
 }

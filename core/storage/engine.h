@@ -65,6 +65,20 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
         std::unique_lock<EngineMutex> lock_;
     };
 
+    /// All that the committed state uses stays as it is while one of these lives, and nobody waits for its
+    /// end. The caller holds the mutex, so that the state in memory stands still, too.
+    class Pinned {
+      public:
+        explicit Pinned(StorageEngine& engine);
+        ~Pinned();
+        Pinned(const Pinned&) = delete;
+        Pinned& operator=(const Pinned&) = delete;
+
+      private:
+        StorageEngine& engine_;
+        SpaceLocks::Ranges space_;
+    };
+
     /// No other process changes anything while one of these lives. May be nested. The last one takes back
     /// what was not committed.
     class Turn {
@@ -123,8 +137,8 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     /// Whether what the name stands for is not committed yet.
     [[nodiscard]] bool isUncommitted(wstring_view name) const noexcept { return table_.isChanged(name); }
     [[nodiscard]] BlockReader& reader() noexcept { return reader_; }
-    /// A reader of its own, for what is read after the caller has let go of the Reading: it goes on with the
-    /// container as it is now.
+    /// A reader for what is read after the caller has let go of the Reading. The caller sets its end, that of
+    /// the container as it was then.
     [[nodiscard]] BlockReader newReader();
     void pin(const SpaceLocks::Ranges& ranges);
     void unpin(const SpaceLocks::Ranges& ranges) noexcept;

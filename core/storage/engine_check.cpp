@@ -157,7 +157,8 @@ wstring who(StorageUse use, const wstring& name) {
 } // namespace
 
 StorageCheck StorageEngine::check() {
-    const Reading reading(*this);
+    const std::lock_guard lock(mutex_);
+    const Pinned pinned(*this);
     if (table_.hasChanges() || space_.hasChanges())
         throw_storage_error(messages::kStorageTransaction, url_);
     StorageCheck result;
@@ -203,7 +204,8 @@ StorageCheck StorageEngine::check() {
 }
 
 StorageInfo StorageEngine::info() {
-    const Reading reading(*this);
+    const std::lock_guard lock(mutex_);
+    const Pinned pinned(*this);
     StorageInfo result;
     result.firstWord = head_.freeChain;
     result.secondWord = head_.blockSize;

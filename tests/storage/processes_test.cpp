@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Containers on a real disk, shared by processes: readers beside a writer, writers that are killed at any
 // moment, and a folder tree there and back. CORE_NIGHTLY=1 runs each of them long: 10 000 kills.
+#include "tests/support/hooked_file.h"
 #include "tests/support/storage_fixture.h"
 
-#include <core/files/file_impl.h>
-#include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 
 #include <sys/prctl.h>
@@ -238,37 +237,17 @@ TEST_P(Processes, WritersTakeTurns) {
     EXPECT_TRUE(storage.check().isClean());
 }
 
-/// A disk that takes its time to make things durable, and does not do it.
-class SlowDisk : public FileImpl, public ISharedFile {
-  public:
-    using Interfaces = InterfaceList<IFile, ISharedFile>;
-    SlowDisk(InterfacePtr<IFile> file, std::chrono::milliseconds flush, std::chrono::milliseconds write = 0ms)
-        : FileImpl(file->url()), file_(std::move(file)), locks_(file_), flush_(flush), write_(write) {}
-
-    std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) override {
-        return file_->readAt(offset, buffer, count);
-    }
-    std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override {
+/// A disk that takes its time to make things durable, and does not do it; and to write much.
+InterfacePtr<IFile> slow_disk(const std::string& path, std::chrono::milliseconds flush,
+                              std::chrono::milliseconds write = 0ms) {
+    const auto writeSlowly = [write](std::size_t count) {
         if (count > 50000)
-            std::this_thread::sleep_for(write_);
-        return file_->writeAt(offset, buffer, count);
-    }
-    std::uint64_t length() override { return file_->length(); }
-    void truncate(std::uint64_t length) override { file_->truncate(length); }
-    void flush() override { std::this_thread::sleep_for(flush_); }
-    void close() override { file_->close(); }
-    bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
-        return locks_->tryLock(offset, length, kind);
-    }
-    void unlock(std::uint64_t offset, std::uint64_t length) override { locks_->unlock(offset, length); }
-    bool isSameFile(IFile& other) override { return this == &other; }
-
-  private:
-    InterfacePtr<IFile> file_;
-    InterfacePtr<ISharedFile> locks_;
-    const std::chrono::milliseconds flush_;
-    const std::chrono::milliseconds write_;
-};
+            std::this_thread::sleep_for(write);
+    };
+    return make_object<test::HookedFile>(
+        open_disk_file(path, OpenMode::readWrite),
+        test::FileHooks{.write = writeSlowly, .flush = [flush] { std::this_thread::sleep_for(flush); }});
+}
 
 /// How many writers there are, and how long a flush takes; on the real disk as long as it does.
 class Fairness : public OnDisk, public testing::WithParamInterface<std::tuple<int, int>> {};
@@ -280,10 +259,9 @@ TEST_P(Fairness, TheSlowestWriterCommitsAThirdOfTheFastest) {
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);
     const auto put = [&](int number) {
-        InterfacePtr<IFile> file = open_disk_file(path_, OpenMode::readWrite);
-        if (flush != 0)
-            file = make_object<SlowDisk>(std::move(file), std::chrono::milliseconds(flush));
-        StorageRW mine(std::move(file), layout_);
+        StorageRW mine(flush == 0 ? open_disk_file(path_, OpenMode::readWrite)
+                                  : slow_disk(path_, std::chrono::milliseconds(flush)),
+                       layout_);
         int commits = 0;
         for (; std::chrono::steady_clock::now() < end; ++commits)
             mine.put(nameOf(number, 0), contentOf(static_cast<std::uint32_t>(commits), number));
@@ -312,7 +290,7 @@ TEST_P(Fairness, TheSlowestWriterCommitsAThirdOfTheFastest) {
 
 TEST_F(OnDisk, ALongPutLetsShortOnesThrough) {
     constexpr std::size_t kLarge = std::size_t{20} << 20;
-    StorageRW storage(make_object<SlowDisk>(open_disk_file(path_, OpenMode::readWrite), 1ms, 5ms), layout_);
+    StorageRW storage(slow_disk(path_, 1ms, 5ms), layout_);
     StorageRW other = open();
     std::atomic<bool> done = false;
     std::thread large([&] {
@@ -331,7 +309,7 @@ TEST_F(OnDisk, ALongPutLetsShortOnesThrough) {
 }
 
 TEST_F(OnDisk, ThreadsOfOneHandleTakeTurns) {
-    StorageRW storage(make_object<SlowDisk>(open_disk_file(path_, OpenMode::readWrite), 2ms), layout_);
+    StorageRW storage(slow_disk(path_, 2ms), layout_);
     const auto end = std::chrono::steady_clock::now() + 500ms;
     int commits[3] = {};
     const Bytes content(1000);

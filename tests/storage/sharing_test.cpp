@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // A container in several hands: open inner files, other handles, threads.
+#include "tests/support/hooked_file.h"
 #include "tests/support/storage_crowd.h"
 #include "tests/support/storage_fixture.h"
 
@@ -201,6 +202,33 @@ TEST_P(Sharing, AFileIsWrittenBesideWhatOthersCommit) {
         EXPECT_EQ(a.get(wstring(1, static_cast<wchar>(u'a' + i))), Bytes(20000, std::byte(i)));
     EXPECT_TRUE(a.check().isClean());
     EXPECT_EQ(a.info().fileLength, a.info().end) << "what was reserved is given back";
+}
+
+TEST_P(Sharing, AShortPutNeedNotWaitForALongWalk) {
+    ReplacedClock clock;
+    StorageRW other = open();
+    for (int i = 0; i < 40; ++i)
+        other.put(u"file" + wstring(1, static_cast<wchar>(u'0' + i)), Bytes(100000, std::byte(i)));
+    int reads = 0;
+    int puts = 0;
+    const auto meanwhile = [&] {
+        if (++reads < 10 || puts == 10) // the first ones look the state up, for which all others wait
+            return;
+        other.put(u"file1", Bytes(90000 + reads));
+        ++puts;
+    };
+    StorageRW storage(make_object<test::HookedFile>(file(), test::FileHooks{.read = meanwhile}), layout_);
+    const auto lettingIn = [&](const auto& walk) {
+        reads = puts = 0;
+        walk();
+        EXPECT_EQ(puts, 10);
+        EXPECT_EQ(clock.sleeps, 0);
+    };
+    lettingIn([&] { EXPECT_TRUE(storage.check().isClean()); });
+    lettingIn([&] { EXPECT_EQ(storage.info().files, 40U); });
+    other.put(u"large", Bytes(5000000, std::byte{1}));
+    lettingIn([&] { EXPECT_EQ(storage.get(u"large"), Bytes(5000000, std::byte{1})); });
+    EXPECT_TRUE(other.check().isClean());
 }
 
 TEST_P(Sharing, TwoWritersOfAFileLoseNoChangeUnnoticed) {
