@@ -257,7 +257,7 @@ SpaceLocks::Ranges StorageEngine::spaceOf(const BlockRuns& blocks) const {
 }
 
 SpaceLocks::Ranges StorageEngine::spaceOf(BlockChain& chain, BlockReader& reader) const {
-    if (chain.size() > kWalked)
+    if (!chain.isWalked() && chain.size() > kWalked)
         return {{layout_.emptyLength(), reader_.end()}};
     chain.walk(reader);
     return spaceOf(chain.runs());
