@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace core {
 namespace {
@@ -84,7 +85,8 @@ bool begins_as_container(IFile& file, const StorageLayout& layout) {
            std::equal(found.begin(), found.end(), std::as_bytes(std::span(kWords)).begin());
 }
 
-StorageRW open_container(const std::string& file, OpenMode mode, const StorageLayout& layout) {
+StorageRW open_container(const std::string& file, OpenMode mode, const StorageLayout& layout,
+                         const FileWrapper& wrap) {
     const wstring shown = from_utf8(file);
     URL url = split_url(shown);
     StorageOptions options{.readOnly = mode == OpenMode::read};
@@ -96,7 +98,8 @@ StorageRW open_container(const std::string& file, OpenMode mode, const StorageLa
         url.path = file_url(file); // whatever bytes it has
     }
     const StorageLayout& used = named != nullptr ? *named : layout;
-    StorageRW storage(open_container_file(url.path, mode, used), used, options, shown);
+    InterfacePtr<IFile> opened = open_container_file(url.path, mode, used);
+    StorageRW storage(wrap ? wrap(std::move(opened)) : std::move(opened), used, options, shown);
     storage.setRootURL(shown + u"/");
     return storage;
 }

@@ -12,7 +12,7 @@ Interrupts::Interrupts() {
     come = 0;
     struct sigaction note {};
     note.sa_handler = [](int) { come = 1; };
-    note.sa_flags = SA_RESETHAND;
+    note.sa_flags = static_cast<int>(SA_RESETHAND);
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
         ::sigaction(kSignals[i], &note, &before_[i]);
         if (before_[i].sa_handler == SIG_IGN) // who started the program wants it to go on

@@ -321,6 +321,7 @@ TEST_F(Container, TellsWhatItWouldDo) {
     EXPECT_EQ(run({"mv", file, "tree/a.txt", "tree/empty", "--dry-run"}), ExitCode::done);
     EXPECT_EQ(out_, "would replace tree/empty\nwould rename tree/a.txt to tree/empty\n");
     EXPECT_EQ(run({"mv", file, "none", "a", "--dry-run"}), ExitCode::no);
+    EXPECT_EQ(run({"mv", file, "tree/a.txt", "tree/a.txt", "--dry-run"}), ExitCode::malformed);
     EXPECT_EQ(read("c.st"), before);
 }
 
@@ -355,6 +356,15 @@ TEST_F(Container, TellsHowTwoDiffer) {
     EXPECT_EQ(out_, "~ tree/a.txt\n+ tree/Empty\n- tree/empty\n~ tree/sub/b.bin\n");
     EXPECT_EQ(run({"diff", one, other, "*empty"}), ExitCode::no);
     EXPECT_EQ(out_, "- tree/empty\n");
+    EXPECT_EQ(run({"verify", other}), ExitCode::done);
+    std::string damaged = read("other.st");
+    damaged.replace(damaged.find("longer") - 2, 2, "??"); // the end of its block header
+    write("other.st", damaged);
+    write("one.st", damaged);
+    EXPECT_EQ(run({"diff", one, other}), ExitCode::no);
+    EXPECT_EQ(out_, "! tree/sub/b.bin\n");
+    EXPECT_EQ(run({"verify", other}), ExitCode::no);
+    EXPECT_NE(err_.find(other + "/tree/sub/b.bin"), std::string::npos) << err_;
 }
 
 TEST_F(Container, HelpIsInTheLanguageThatIsAskedFor) {

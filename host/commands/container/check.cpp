@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
+#include "host/commands/container/counted_file.h"
 #include "host/terminal/terminal_text.h"
 #include "host/terminal/text_columns.h"
 
@@ -17,7 +18,9 @@ namespace host::container {
 using namespace core;
 
 ExitCode check(const Options& options, Console& console) {
-    const StorageCheck result = open(options, OpenMode::read).check();
+    Watched container(options, OpenMode::read, console, "check", 1);
+    const StorageCheck result = container.storage().check();
+    container.finish();
     if (console.json) {
         auto problems = nlohmann::ordered_json::array();
         for (const StorageProblem& problem : result.problems) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
+#include "host/commands/container/counted_file.h"
 #include "host/terminal/text_columns.h"
 
 #include <core/runtime/exception.h>
@@ -13,11 +14,13 @@ namespace host::container {
 using namespace core;
 
 ExitCode compact(const Options& options, Console& console) {
-    StorageRW storage = open(options, OpenMode::readWrite);
+    Watched container(options, OpenMode::readWrite, console, "compact", 0);
+    StorageRW& storage = container.storage();
     if (!storage.check().isClean()) // moving what is damaged would hide it
         return fail(console, message_text("IDS_HOST_CONTAINER_DAMAGED"), ExitCode::malformed);
     const std::uint64_t before = storage.info().fileLength;
     storage.compact();
+    container.finish();
     console.out << message("IDS_HOST_CONTAINER_COMPACTED",
                            {string_intto(before), string_intto(storage.info().fileLength)})
                 << '\n';

@@ -5,6 +5,7 @@
 
 #include <core/files/file_io.h>
 #include <core/runtime/utf8.h>
+#include <core/storage/errors.h>
 #include <core/storage/files_type.h>
 
 #include <nlohmann/json.hpp>
@@ -21,7 +22,7 @@ using namespace core;
 
 namespace {
 
-/// The same content of two files that are equally long.
+/// The same content of two files that are equally long. Throws StorageException when one of them is damaged.
 bool same_content(StorageRW& one, StorageRW& other, wstring_view name, Progress& progress) {
     const auto first = one.open(name, OpenMode::read);
     const auto second = other.open(name, OpenMode::read);
@@ -34,6 +35,22 @@ bool same_content(StorageRW& one, StorageRW& other, wstring_view name, Progress&
         progress.add(count);
         if (count < piece.size())
             return true;
+    }
+}
+
+enum class Outcome { same, changed, damaged };
+
+Outcome compare(StorageRW& one, StorageRW& other, const StorageFound& old, const StorageFound& now,
+                Progress& progress) {
+    if (old.damaged || now.damaged)
+        return Outcome::damaged;
+    try {
+        const bool same = old.size == now.size && same_content(one, other, old.name, progress);
+        return same ? Outcome::same : Outcome::changed;
+    } catch (const StorageException& e) {
+        if (e.kind() != StorageException::Kind::badFormat)
+            throw;
+        return Outcome::damaged;
     }
 }
 
@@ -80,17 +97,20 @@ ExitCode diff(const Options& options, Console& console) {
                                                : compare_file_names(old->name, now->name);
         if (order < 0) {
             show('-', "removed", old->name);
-            progress.add(old->size);
         } else if (order > 0) {
             show('+', "added", now->name);
-        } else if (old->size != now->size) {
-            show('~', "changed", old->name);
-            progress.add(old->size);
-        } else if (!same_content(one, other, old->name, progress)) {
-            show('~', "changed", old->name);
         } else {
-            ++old, ++now;
-            continue;
+            switch (compare(one, other, *old, *now, progress)) {
+            case Outcome::same:
+                ++old, ++now;
+                continue;
+            case Outcome::changed:
+                show('~', "changed", old->name);
+                break;
+            case Outcome::damaged:
+                show('!', "damaged", old->name);
+                break;
+            }
         }
         differ = true;
         old += order <= 0 ? 1 : 0;

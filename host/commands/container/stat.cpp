@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/commands/commands.h"
 #include "host/commands/container/container.h"
 #include "host/terminal/terminal_text.h"
 #include "host/terminal/text_columns.h"
 
+#include <core/runtime/exception.h>
 #include <core/runtime/utf8.h>
 
 #include <nlohmann/json.hpp>
@@ -37,7 +39,8 @@ ExitCode stat(const Options& options, Console& console) {
                            {"url", to_utf8(url)},
                            {"size", file.size},
                            {"created", to_utf8(file.created.toXMLString())},
-                           {"modified", to_utf8(file.modified.toXMLString())}});
+                           {"modified", to_utf8(file.modified.toXMLString())},
+                           {"damaged", file.damaged}});
             continue;
         }
         Columns columns;
@@ -47,6 +50,8 @@ ExitCode stat(const Options& options, Console& console) {
         columns.add({message("IDS_HOST_FILE_CREATED"), time_text(file.created)});
         columns.add({message("IDS_HOST_FILE_MODIFIED"), time_text(file.modified)});
         columns.write(console.out);
+        if (file.damaged)
+            fail(console, message_text("IDS_HOST_FILE_DAMAGED", {url}), ExitCode::no);
     }
     if (console.json)
         console.out << all.dump(2) << '\n';

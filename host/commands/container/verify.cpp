@@ -14,20 +14,29 @@ namespace host::container {
 
 using namespace core;
 
-/// Looks at what finding a file takes, and not at every block: the table and the attributes of each file.
+/// Looks at what finding and opening a file takes, and not at every block.
 ExitCode verify(const Options& options, Console& console) {
-    const std::vector<StorageFound> files = open(options, OpenMode::read).find();
+    const StorageRW storage = open(options, OpenMode::read);
+    std::uint64_t files = 0;
     std::uint64_t bytes = 0;
-    for (const StorageFound& file : files)
+    std::uint64_t damaged = 0;
+    for (const StorageFound& file : storage.find()) {
+        ++files;
         bytes += file.size;
-    if (console.json)
-        console.out << nlohmann::ordered_json({{"files", files.size()}, {"contentBytes", bytes}}).dump(2)
-                    << '\n';
-    else
+        if (!file.damaged)
+            continue;
+        ++damaged;
+        fail(console, message_text("IDS_HOST_FILE_DAMAGED", {storage.rootURL() + file.name}), ExitCode::no);
+    }
+    if (console.json) {
+        const nlohmann::ordered_json all = {{"files", files}, {"contentBytes", bytes}, {"damaged", damaged}};
+        console.out << all.dump(2) << '\n';
+    } else {
         console.out << message("IDS_HOST_CONTAINER_VERIFIED",
-                               {string_intto(files.size()), string_intto(bytes)})
+                               {string_intto(files), string_intto(bytes), string_intto(damaged)})
                     << '\n';
-    return ExitCode::done;
+    }
+    return damaged == 0 ? ExitCode::done : ExitCode::no;
 }
 
 } // namespace host::container
