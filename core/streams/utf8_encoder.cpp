@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/streams/converters.h"
+
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace core::detail {
+namespace {
+
+class Utf8Encoder final : public UnitEncoder {
+  public:
+    bool run(const wchar*& at, const wchar* end, std::uint8_t*& out, const std::uint8_t* outEnd, bool last,
+             UnitFault& fault) override {
+        while (at != end && outEnd - out >= std::ptrdiff_t{kRoom}) {
+            // A unit makes three bytes at the most, so up to here no room has to be asked for.
+            const wchar* const safe = at + std::min(end - at, (outEnd - out) / 3);
+            encodeShort(at, safe, out);
+            if (at == safe)
+                continue;
+            std::uint32_t character = 0;
+            if (const int result = take_character(at, end, last, character); result != 1) {
+                fault.character = character;
+                return result < 0;
+            }
+            std::size_t length = 0;
+            U8_APPEND_UNSAFE(out, length, character);
+            out += length;
+        }
+        return false;
+    }
+
+  private:
+    /// What takes up to three bytes, up to half of a pair.
+    static void encodeShort(const wchar*& at, const wchar* end, std::uint8_t*& out) noexcept {
+        while (at != end) {
+            for (std::uint64_t four = 0; end - at >= 4; at += 4, out += 4) {
+                std::memcpy(&four, at, sizeof four);
+                if ((four & 0xFF80FF80FF80FF80U) != 0)
+                    break;
+                std::copy_n(at, 4, out);
+            }
+            if (at == end || (*at & 0xF800) == 0xD800)
+                return;
+            const wchar unit = *at++;
+            if (unit < 0x80) {
+                *out++ = static_cast<std::uint8_t>(unit);
+            } else if (unit < 0x800) {
+                *out++ = static_cast<std::uint8_t>(0xC0 | unit >> 6);
+                *out++ = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
+            } else {
+                *out++ = static_cast<std::uint8_t>(0xE0 | unit >> 12);
+                *out++ = static_cast<std::uint8_t>(0x80 | (unit >> 6 & 0x3F));
+                *out++ = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
+            }
+        }
+    }
+};
+
+} // namespace
+
+std::unique_ptr<UnitEncoder> make_utf8_encoder() {
+    return std::make_unique<Utf8Encoder>();
+}
+
+} // namespace core::detail
