@@ -25,7 +25,9 @@ struct PageTable {
     std::vector<std::array<std::uint8_t, 256>> bytes{1};
 
     /// The byte of a unit. A unit that the page does not have gets any byte, which is not that of the unit.
-    [[nodiscard]] std::uint8_t byteOf(wchar unit) const noexcept { return bytes[rows[unit >> 8]][unit & 0xFF]; }
+    [[nodiscard]] std::uint8_t byteOf(wchar unit) const noexcept {
+        return bytes[rows[unit >> 8]][unit & 0xFF];
+    }
 };
 
 /// Who converts.
@@ -37,6 +39,7 @@ struct CodePage {
     wstring name{};        // the usual one
     PageKind kind = PageKind::icu;
     std::span<const std::byte> mark{};
+    bool movesControls = false;               // see has_moved_controls() in encoding.cpp
     std::unique_ptr<const PageTable> table{}; // of a page that is one
 };
 

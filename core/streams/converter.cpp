@@ -18,7 +18,8 @@ wstring hex_text(std::uint32_t number, std::size_t digits) {
 
 } // namespace detail
 
-struct Decoder::State final : detail::ConverterState<detail::ByteDecoder, std::uint8_t, wchar, detail::ByteFault> {
+struct Decoder::State final
+    : detail::ConverterState<detail::ByteDecoder, std::uint8_t, wchar, detail::ByteFault> {
     State(Encoding used, CodingErrorAction wanted, wstring text, std::uint64_t offset)
         : ConverterState(detail::make_decoder(used.page()), wanted), encoding(used), name(std::move(text)),
           begin(offset) {}
@@ -64,7 +65,8 @@ Decoder& Decoder::operator=(Decoder&&) noexcept = default;
 ConvertStep Decoder::decode(std::span<const std::byte> bytes, std::span<wchar> units, bool last) {
     State& state = *state_;
     return state.convert(
-        {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, units, last, [&] { return state.reword(); }, [&] { state.raise(); });
+        {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, units, last,
+        [&] { return state.reword(); }, [&] { state.raise(); });
 }
 
 std::uint64_t Decoder::offset() const noexcept {
@@ -77,7 +79,8 @@ std::uint64_t Decoder::firstFault() const noexcept {
     return state_->firstFault;
 }
 
-struct Encoder::State final : detail::ConverterState<detail::UnitEncoder, wchar, std::uint8_t, detail::UnitFault> {
+struct Encoder::State final
+    : detail::ConverterState<detail::UnitEncoder, wchar, std::uint8_t, detail::UnitFault> {
     State(Encoding used, CodingErrorAction wanted, wstring text)
         : ConverterState(detail::make_encoder(used.page()), wanted), encoding(used), name(std::move(text)) {}
 
@@ -93,8 +96,9 @@ struct Encoder::State final : detail::ConverterState<detail::UnitEncoder, wchar,
         const std::uint32_t character = fault().character;
         if ((character & 0xFFFFF800) == 0xD800)
             throw_error<ConverterException>(messages::kTextNotUtf16, {name, place});
-        throw_error<ConverterException>(messages::kTextNotEncodable,
-                                        {name, encoding.name(), u"U+" + detail::hex_text(character, 4), place});
+        throw_error<ConverterException>(
+            messages::kTextNotEncodable,
+            {name, encoding.name(), u"U+" + detail::hex_text(character, 4), place});
     }
 
     Encoding encoding;
@@ -110,7 +114,8 @@ Encoder& Encoder::operator=(Encoder&&) noexcept = default;
 ConvertStep Encoder::encode(wstring_view units, std::span<std::byte> bytes, bool last) {
     State& state = *state_;
     return state.convert(
-        std::span(units), {reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size()}, last, [&] { return state.reword(); }, [&] { state.raise(); });
+        std::span(units), {reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size()}, last,
+        [&] { return state.reword(); }, [&] { state.raise(); });
 }
 
 std::uint64_t Encoder::offset() const noexcept {

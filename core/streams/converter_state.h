@@ -12,9 +12,9 @@
 
 namespace core::detail {
 
-/// What a converter keeps between calls. What it hands out comes from three places, in this order: what waits,
-/// which is the text of a fault or did not fit; a cut character with one element at a time behind it; what the
-/// caller gives. `Engine` is a ByteDecoder or a UnitEncoder.
+/// What a converter keeps between calls. What it hands out comes from three places, in this order: what
+/// waits, which is the text of a fault or did not fit; a cut character with one element at a time behind it;
+/// what the caller gives. `Engine` is a ByteDecoder or a UnitEncoder.
 template <class Engine, class From, class To, class Fault>
 class ConverterState {
   public:
@@ -58,7 +58,8 @@ class ConverterState {
         const From* at = text.data();
         To* out = waiting_.data() + waitingEnd_;
         Fault ignored;
-        const bool isFault = engine_->run(at, at + text.size(), out, waiting_.data() + waiting_.size(), false, ignored);
+        const bool isFault =
+            engine_->run(at, at + text.size(), out, waiting_.data() + waiting_.size(), false, ignored);
         const auto end = static_cast<std::size_t>(out - waiting_.data());
         made_ += end - waitingEnd_;
         waitingEnd_ = end;
@@ -80,17 +81,16 @@ class ConverterState {
         const From* const from = at;
         const To* const to = out;
         const std::size_t cutBefore = cutSize_;
-        if (cutSize_ != 0)
+        if (cutBefore != 0)
             isFault = stepCut(at, end, out, outEnd, last);
         else
             isFault = engine_->run(at, end, out, outEnd, last, fault_);
-        taken_ += static_cast<std::uint64_t>(at - from);
-        made_ += static_cast<std::uint64_t>(out - to);
-        if (!isFault && cutSize_ == 0 && outEnd - out >= std::ptrdiff_t{Engine::kRoom}) {
-            taken_ += static_cast<std::uint64_t>(end - at);
+        if (cutBefore == 0 && !isFault && outEnd - out >= std::ptrdiff_t{Engine::kRoom}) {
             cutSize_ = static_cast<std::size_t>(std::copy(at, end, cut_.data()) - cut_.data());
             at = end;
         }
+        taken_ += static_cast<std::uint64_t>(at - from);
+        made_ += static_cast<std::uint64_t>(out - to);
         return isFault || at != from || out != to || cutSize_ != cutBefore;
     }
     bool stepCut(const From*& at, const From* end, To*& out, To* outEnd, bool last) {

@@ -14,7 +14,8 @@ constexpr std::byte kEscape{0x1B}; // announces another set of characters in the
 
 std::optional<DetectedEncoding> by_mark(std::span<const std::byte> bytes) {
     // The mark of UTF-32LE begins with that of UTF-16LE.
-    for (const char16_t* const name : {u"UTF-8", u"UTF-32LE", u"UTF-32BE", u"UTF-16LE", u"UTF-16BE", u"GB18030"}) {
+    for (const char16_t* const name :
+         {u"UTF-8", u"UTF-32LE", u"UTF-32BE", u"UTF-16LE", u"UTF-16BE", u"GB18030"}) {
         const auto encoding = Encoding::find(name);
         if (!encoding || encoding->mark().size() > bytes.size() ||
             !std::ranges::equal(encoding->mark(), bytes.first(encoding->mark().size())))
@@ -22,6 +23,15 @@ std::optional<DetectedEncoding> by_mark(std::span<const std::byte> bytes) {
         return DetectedEncoding{*encoding, 100, encoding->mark().size()};
     }
     return std::nullopt;
+}
+
+/// Without the ASCII in front, which tells nothing and which there may be much of, except for a little.
+std::span<const std::byte> from_first_letter(std::span<const std::byte> bytes) {
+    constexpr std::ptrdiff_t kKept = 16;
+    const auto first = std::ranges::find_if(
+        bytes, [](std::byte byte) { return byte >= std::byte{0x80} || byte == kEscape; });
+    return bytes.subspan(
+        static_cast<std::size_t>(std::max<std::ptrdiff_t>(first - bytes.begin() - kKept, 0)));
 }
 
 } // namespace
@@ -37,7 +47,7 @@ DetectedEncoding detect_encoding(std::span<const std::byte> bytes, bool isWhole)
         if (others != 0 && detail::is_utf8(bytes, isWhole))
             return {.certainty = others < 4 ? 95 : 99}; // letters of other pages look so by chance, too
         if (others != 0 || escapes) {
-            const auto found = detail::detect_by_letters(bytes, others);
+            const auto found = detail::detect_by_letters(from_first_letter(bytes), others);
             if (found && (others != 0 || found->encoding != Encoding(u"US-ASCII")))
                 return *found;
         }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <initializer_list>
 #include <map>
 #include <mutex>
 #include <new>
@@ -30,9 +31,9 @@ struct Unicode {
     std::span<const std::byte> mark;
 };
 constexpr Unicode kUnicodes[] = {
-    {"UTF-16LE", PageKind::utf16le, kUtf16leMark},
-    {"UTF-16BE", PageKind::utf16be, kUtf16beMark}, {"UTF-32LE", PageKind::icu, kUtf32leMark},
-    {"UTF-32BE", PageKind::icu, kUtf32beMark},     {"gb18030", PageKind::icu, kGb18030Mark},
+    {"UTF-16LE", PageKind::utf16le, kUtf16leMark}, {"UTF-16BE", PageKind::utf16be, kUtf16beMark},
+    {"UTF-32LE", PageKind::icu, kUtf32leMark},     {"UTF-32BE", PageKind::icu, kUtf32beMark},
+    {"gb18030", PageKind::icu, kGb18030Mark},
 };
 
 /// The name that people write: the one for mail and the web, else that of the register, else ICU's own.
@@ -46,8 +47,27 @@ std::string usual_name(const char* icuName) {
     return icuName;
 }
 
+/// Whether ICU reads three of the control characters as each other, as old machines showed them: 1A as
+/// U+001C, 1C as U+007F, 7F as U+001A. Elsewhere, and here, they stand for themselves, so that no byte of a
+/// text changes its meaning on the way to another page.
+bool has_moved_controls(UConverter& converter) {
+    const char source = 0x1A;
+    wchar units[2] = {};
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_resetToUnicode(&converter);
+    return ucnv_toUChars(&converter, units, 2, &source, 1, &status) == 1 && U_SUCCESS(status) &&
+           units[0] == 0x1C;
+}
+
+void put_controls_back(PageTable& table) {
+    for (const std::uint8_t control : std::initializer_list<std::uint8_t>{0x1A, 0x1C, 0x7F}) {
+        table.units[control] = control;
+        table.bytes[table.rows[0]][control] = control;
+    }
+}
+
 /// The table of a page with one byte a character, as ICU converts it; null for any other page.
-std::unique_ptr<const PageTable> table_of(UConverter& converter) {
+std::unique_ptr<PageTable> table_of(UConverter& converter) {
     const UConverterType type = ucnv_getType(&converter);
     if (type != UCNV_SBCS && type != UCNV_LATIN_1 && type != UCNV_US_ASCII)
         return nullptr;
@@ -82,12 +102,16 @@ std::unique_ptr<const PageTable> table_of(UConverter& converter) {
 CodePage make_page(std::string icuName, UConverter& converter) {
     CodePage page{.icuName = std::move(icuName)};
     page.name = from_utf8(usual_name(page.icuName.c_str()));
+    page.movesControls = has_moved_controls(converter);
     const auto* const unicode = std::ranges::find(kUnicodes, page.icuName, &Unicode::icuName);
     if (unicode != std::end(kUnicodes)) {
         page.kind = unicode->kind;
         page.mark = unicode->mark;
-    } else if ((page.table = table_of(converter)) != nullptr) {
+    } else if (auto table = table_of(converter)) {
+        if (page.movesControls)
+            put_controls_back(*table);
         page.kind = PageKind::table;
+        page.table = std::move(table);
     }
     return page;
 }
@@ -108,9 +132,9 @@ Pages& pages() {
 bool may_be_name(wstring_view name) noexcept {
     constexpr std::size_t kMost = 60;
     return !name.empty() && name.size() <= kMost && std::ranges::all_of(name, [](wchar unit) {
-               return unit < 0x80 && (std::isalnum(static_cast<int>(unit)) != 0 ||
-                                      wstring_view(u" -_.:,=+()").find(unit) != wstring_view::npos);
-           });
+        return unit < 0x80 && (std::isalnum(static_cast<int>(unit)) != 0 ||
+                               wstring_view(u" -_.:,=+()").find(unit) != wstring_view::npos);
+    });
 }
 
 } // namespace
@@ -144,8 +168,8 @@ const CodePage* find_code_page(wstring_view name) {
 const CodePage& utf8_page() noexcept {
     // Needs no memory, and is used until the very end.
     alignas(CodePage) static std::byte room[sizeof(CodePage)];
-    static const CodePage& page = *new (room)
-        CodePage{.icuName = "UTF-8", .name = u"UTF-8", .kind = PageKind::utf8, .mark = kUtf8Mark};
+    static const CodePage& page =
+        *new (room) CodePage{.icuName = "UTF-8", .name = u"UTF-8", .kind = PageKind::utf8, .mark = kUtf8Mark};
     return page;
 }
 

@@ -6,6 +6,7 @@
 #include <core/streams/errors.h>
 
 #include <algorithm>
+#include <array>
 #include <new>
 
 namespace core::detail {
@@ -23,22 +24,36 @@ IcuConverter open_converter(const CodePage& page) {
     throw std::bad_alloc();
 }
 
+/// What ICU reads a control as, where it moves controls, back to the control.
+wchar control_of(wchar unit) noexcept {
+    return unit == 0x1C ? wchar{0x1A} : unit == 0x7F ? wchar{0x1C} : unit == 0x1A ? wchar{0x7F} : unit;
+}
+/// The other way round.
+wchar moved_control(wchar unit) noexcept {
+    return control_of(control_of(unit));
+}
+
 /// Every other encoding. ICU keeps characters that are cut, and shifts between sets.
 class IcuDecoder final : public ByteDecoder {
   public:
-    explicit IcuDecoder(const CodePage& page) : converter_(open_converter(page)) {}
+    explicit IcuDecoder(const CodePage& page)
+        : converter_(open_converter(page)), movesControls_(page.movesControls) {}
 
     bool run(const std::uint8_t*& at, const std::uint8_t* end, wchar*& out, const wchar* outEnd, bool last,
              ByteFault& fault) override {
         const auto* from = reinterpret_cast<const char*>(at);
+        wchar* const begin = out;
         UErrorCode status = U_ZERO_ERROR;
-        ucnv_toUnicode(converter_.get(), &out, outEnd, &from, reinterpret_cast<const char*>(end), nullptr, last,
-                       &status);
+        ucnv_toUnicode(converter_.get(), &out, outEnd, &from, reinterpret_cast<const char*>(end), nullptr,
+                       last, &status);
         at = reinterpret_cast<const std::uint8_t*>(from);
+        if (movesControls_)
+            std::transform(begin, out, begin, control_of);
         if (status == U_BUFFER_OVERFLOW_ERROR || U_SUCCESS(status))
             return false;
-        if (status != U_INVALID_CHAR_FOUND && status != U_ILLEGAL_CHAR_FOUND && status != U_TRUNCATED_CHAR_FOUND &&
-            status != U_ILLEGAL_ESCAPE_SEQUENCE && status != U_UNSUPPORTED_ESCAPE_SEQUENCE)
+        if (status != U_INVALID_CHAR_FOUND && status != U_ILLEGAL_CHAR_FOUND &&
+            status != U_TRUNCATED_CHAR_FOUND && status != U_ILLEGAL_ESCAPE_SEQUENCE &&
+            status != U_UNSUPPORTED_ESCAPE_SEQUENCE)
             fail();
         char bytes[32];
         auto size = static_cast<std::int8_t>(sizeof bytes);
@@ -53,22 +68,43 @@ class IcuDecoder final : public ByteDecoder {
 
   private:
     IcuConverter converter_;
+    bool movesControls_;
 };
 
 class IcuEncoder final : public UnitEncoder {
   public:
-    explicit IcuEncoder(const CodePage& page) : converter_(open_converter(page)) {}
+    explicit IcuEncoder(const CodePage& page)
+        : converter_(open_converter(page)), movesControls_(page.movesControls) {}
 
     bool run(const wchar*& at, const wchar* end, std::uint8_t*& out, const std::uint8_t* outEnd, bool last,
              UnitFault& fault) override {
+        if (!movesControls_)
+            return runAsIs(at, end, out, outEnd, last, fault);
+        std::array<wchar, 256> moved;
+        for (;;) { // until a piece is not taken whole
+            const auto size = std::min<std::ptrdiff_t>(end - at, std::ssize(moved));
+            std::transform(at, at + size, moved.begin(), moved_control);
+            const wchar* from = moved.data();
+            const bool isFault = runAsIs(from, from + size, out, outEnd, last && at + size == end, fault);
+            const auto taken = from - moved.data();
+            at += taken;
+            if (isFault || taken < size || at == end)
+                return isFault;
+        }
+    }
+
+  private:
+    bool runAsIs(const wchar*& at, const wchar* end, std::uint8_t*& out, const std::uint8_t* outEnd,
+                 bool last, UnitFault& fault) {
         auto* to = reinterpret_cast<char*>(out);
         UErrorCode status = U_ZERO_ERROR;
-        ucnv_fromUnicode(converter_.get(), &to, reinterpret_cast<const char*>(outEnd), &at, end, nullptr, last,
-                         &status);
+        ucnv_fromUnicode(converter_.get(), &to, reinterpret_cast<const char*>(outEnd), &at, end, nullptr,
+                         last, &status);
         out = reinterpret_cast<std::uint8_t*>(to);
         if (status == U_BUFFER_OVERFLOW_ERROR || U_SUCCESS(status))
             return false;
-        if (status != U_INVALID_CHAR_FOUND && status != U_ILLEGAL_CHAR_FOUND && status != U_TRUNCATED_CHAR_FOUND)
+        if (status != U_INVALID_CHAR_FOUND && status != U_ILLEGAL_CHAR_FOUND &&
+            status != U_TRUNCATED_CHAR_FOUND)
             fail();
         wchar units[32];
         auto size = static_cast<std::int8_t>(std::size(units));
@@ -80,8 +116,8 @@ class IcuEncoder final : public UnitEncoder {
         return true;
     }
 
-  private:
     IcuConverter converter_;
+    bool movesControls_;
 };
 
 } // namespace

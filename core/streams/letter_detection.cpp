@@ -41,7 +41,8 @@ std::optional<DetectedEncoding> by_models(std::span<const std::byte> bytes, std:
         throw std::bad_alloc();
     uchardet_data_end(detector.get());
     const std::string_view name = uchardet_get_charset(detector.get());
-    const auto* const other = std::ranges::find(kOtherNames, name, [](const auto& pair) { return pair.first; });
+    const auto* const other =
+        std::ranges::find(kOtherNames, name, [](const auto& pair) { return pair.first; });
     const auto encoding =
         Encoding::find(other != kOtherNames.end() ? other->second : wstring_view(from_utf8(name)));
     if (!encoding)
@@ -65,7 +66,8 @@ struct CloseIcuDetector {
 std::optional<DetectedEncoding> by_icu(std::span<const std::byte> bytes) {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UCharsetDetector, CloseIcuDetector> detector(ucsdet_open(&status));
-    ucsdet_setText(detector.get(), reinterpret_cast<const char*>(bytes.data()), icu_length(bytes.size()), &status);
+    ucsdet_setText(detector.get(), reinterpret_cast<const char*>(bytes.data()), icu_length(bytes.size()),
+                   &status);
     const UCharsetMatch* const match = ucsdet_detect(detector.get(), &status);
     if (U_FAILURE(status) || match == nullptr)
         return std::nullopt;

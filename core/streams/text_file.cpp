@@ -66,7 +66,8 @@ void EncodingBuffer::finish() {
 } // namespace detail
 
 TextOutStream::TextOutStream(const InterfacePtr<IFile>& file, const TextWriterOptions& options)
-    : TextOutStream([file](std::span<const std::byte> bytes) { write_all(*file, bytes); }, file->url(), options) {}
+    : TextOutStream([file](std::span<const std::byte> bytes) { write_all(*file, bytes); }, file->url(),
+                    options) {}
 
 void TextOutStream::finish() {
     buffer_.finish();
@@ -98,7 +99,8 @@ void put_text(wostream& out, wstring_view text) {
 void save_text(IFileSystem& files, const wstring& url, const std::function<void(wostream&)>& write,
                const TextWriterOptions& options) {
     files.writeFile(url, [&](IFile& file) {
-        TextOutStream stream([&file](std::span<const std::byte> bytes) { write_all(file, bytes); }, url, options);
+        TextOutStream stream([&file](std::span<const std::byte> bytes) { write_all(file, bytes); }, url,
+                             options);
         write(stream);
         stream.finish();
     });

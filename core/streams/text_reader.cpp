@@ -58,7 +58,8 @@ struct TextReader::State {
     /// Takes units and counts the lines that end in them.
     void takeLines(std::size_t count) noexcept {
         const wstring_view taken = atHand.substr(0, count);
-        for (std::size_t at = toLineEnd(taken); at < taken.size(); at += 1 + toLineEnd(taken.substr(at + 1))) {
+        for (std::size_t at = toLineEnd(taken); at < taken.size();
+             at += 1 + toLineEnd(taken.substr(at + 1))) {
             const bool isSecond = taken[at] == u'\n' && (at > 0 ? taken[at - 1] == u'\r' : endedWithCr);
             line += isSecond ? 0U : 1U;
         }

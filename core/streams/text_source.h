@@ -25,11 +25,12 @@ class TextSource {
     static constexpr std::size_t kSample = std::size_t{64} << 10;
 
     [[nodiscard]] std::span<const std::byte> left() const noexcept {
-        return std::span(bytes_).first(size_).subspan(used_);
+        return std::span(bytes_).first(usable_).subspan(used_);
     }
     void readOn();
     void readAtLeast(std::size_t count);
     void begin();
+    DetectedEncoding examine();
     void readBlock();
     void decode(const DetectedEncoding& found);
 
@@ -41,7 +42,8 @@ class TextSource {
     std::vector<std::byte> bytes_; // those at hand
     std::vector<wchar> units_;
     std::size_t size_ = 0;
-    std::size_t used_ = 0;
+    std::size_t usable_ = 0;   // of those, what the encoding that is known decodes
+    std::size_t used_ = 0;     // and what has been decoded
     std::uint64_t before_ = 0; // bytes of the text before those at hand
     bool hasEnded_ = false;
     bool isDecided_ = false; // whether the encoding is known, and not only that it is like ASCII so far

@@ -38,7 +38,8 @@ TextWriterOptions at_current_position(TextWriterOptions options, IFile& file) {
 
 struct TextWriter::State {
     State(ByteWriter writer, wstring name, const TextWriterOptions& wanted)
-        : write(std::move(writer)), options(wanted), encoder(wanted.encoding, wanted.action, std::move(name)) {
+        : write(std::move(writer)), options(wanted),
+          encoder(wanted.encoding, wanted.action, std::move(name)) {
         if (options.mark)
             size = static_cast<std::size_t>(std::ranges::copy(options.encoding.mark(), bytes.begin()).out -
                                             bytes.begin());

@@ -11,8 +11,8 @@ namespace {
 
 /// How a text looks in an encoding: units of everyday text beside such as hardly any text has.
 struct Look {
-    std::size_t plain = 0;  // ASCII that is printed, blanks and line ends
-    std::size_t others = 0; // all other units
+    std::size_t plain = 0;   // ASCII that is printed, blanks and line ends
+    std::size_t others = 0;  // all other units
     std::size_t strange = 0; // controls, what stands for no character
 };
 
@@ -28,7 +28,8 @@ std::optional<Look> look_as(Encoding encoding, std::span<const std::byte> bytes,
             return std::nullopt;
         for (const wchar unit : std::span(units).first(step.made)) {
             const bool isPlain = (unit >= 0x20 && unit < 0x7F) || (unit >= 0x09 && unit <= 0x0D);
-            const bool isStrange = !isPlain && (unit < 0xA0 || unit >= 0xFFFE || (unit >= 0xE000 && unit < 0xF900));
+            const bool isStrange =
+                !isPlain && (unit < 0xA0 || unit >= 0xFFFE || (unit >= 0xE000 && unit < 0xF900));
             ++(isPlain ? look.plain : isStrange ? look.strange : look.others);
         }
     }
@@ -48,7 +49,8 @@ std::optional<DetectedEncoding> detect_wide_units(std::span<const std::byte> byt
         return DetectedEncoding{.certainty = 60};
     DetectedEncoding best;
     std::size_t most = 0;
-    // Bytes that are UTF-32 are hardly ever anything else; as UTF-16 they are full of zeros, which are strange.
+    // Bytes that are UTF-32 are hardly ever anything else; as UTF-16 they are full of zeros, which are
+    // strange.
     for (const char16_t* const name : {u"UTF-32LE", u"UTF-32BE", u"UTF-16LE", u"UTF-16BE"}) {
         const Encoding encoding(name);
         const auto look = look_as(encoding, bytes, isWhole);

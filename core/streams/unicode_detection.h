@@ -11,6 +11,7 @@ namespace core::detail {
 [[nodiscard]] bool is_utf8(std::span<const std::byte> bytes, bool isWhole);
 
 /// UTF-16 or UTF-32 without a mark: bytes among which there are zeros, as no text in bytes has them.
-[[nodiscard]] std::optional<DetectedEncoding> detect_wide_units(std::span<const std::byte> bytes, bool isWhole);
+[[nodiscard]] std::optional<DetectedEncoding> detect_wide_units(std::span<const std::byte> bytes,
+                                                                bool isWhole);
 
 } // namespace core::detail

@@ -61,8 +61,8 @@ constexpr std::array<Shuffle, 256> kShuffles = [] {
 
 /// Sixteen bytes a step: each byte gets the unit that a character ending in it would have, and the units of
 /// bytes that end none are squeezed out.
-__attribute__((target("ssse3,popcnt"))) void decode_by_shuffles(const std::uint8_t*& at, const std::uint8_t* end,
-                                                               wchar*& out) noexcept {
+__attribute__((target("ssse3,popcnt"))) void
+decode_by_shuffles(const std::uint8_t*& at, const std::uint8_t* end, wchar*& out) noexcept {
     const auto bits = [](__m128i lanes) __attribute__((target("ssse3,popcnt"))) {
         return static_cast<unsigned>(_mm_movemask_epi8(lanes));
     };
@@ -78,7 +78,7 @@ __attribute__((target("ssse3,popcnt"))) void decode_by_shuffles(const std::uint8
             out += 16;
             continue;
         }
-        const __m128i follows = _mm_cmplt_epi8(bytes, _mm_set1_epi8(-64));    // 0x80 to 0xBF
+        const __m128i follows = _mm_cmplt_epi8(bytes, _mm_set1_epi8(-64));             // 0x80 to 0xBF
         const __m128i leads = _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(-63)), // 0xC2 to 0xDF
                                             _mm_cmplt_epi8(bytes, _mm_set1_epi8(-32)));
         const unsigned leading = bits(leads);
@@ -86,13 +86,14 @@ __attribute__((target("ssse3,popcnt"))) void decode_by_shuffles(const std::uint8
         if ((leading | following) != high || following != (leading << 1 & 0xFFFF))
             return;
         // Of the byte before, the low five bits; none before an ASCII byte.
-        const __m128i before = _mm_and_si128(_mm_and_si128(_mm_slli_si128(bytes, 1), _mm_set1_epi8(0x1F)), follows);
-        const __m128i low = _mm_and_si128(bytes, _mm_or_si128(_mm_andnot_si128(follows, _mm_set1_epi8(0x7F)),
-                                                              _mm_set1_epi8(0x3F)));
-        const __m128i first = _mm_or_si128(_mm_unpacklo_epi8(low, zero),
-                                           _mm_slli_epi16(_mm_unpacklo_epi8(before, zero), 6));
-        const __m128i second = _mm_or_si128(_mm_unpackhi_epi8(low, zero),
-                                            _mm_slli_epi16(_mm_unpackhi_epi8(before, zero), 6));
+        const __m128i before =
+            _mm_and_si128(_mm_and_si128(_mm_slli_si128(bytes, 1), _mm_set1_epi8(0x1F)), follows);
+        const __m128i low = _mm_and_si128(
+            bytes, _mm_or_si128(_mm_andnot_si128(follows, _mm_set1_epi8(0x7F)), _mm_set1_epi8(0x3F)));
+        const __m128i first =
+            _mm_or_si128(_mm_unpacklo_epi8(low, zero), _mm_slli_epi16(_mm_unpacklo_epi8(before, zero), 6));
+        const __m128i second =
+            _mm_or_si128(_mm_unpackhi_epi8(low, zero), _mm_slli_epi16(_mm_unpackhi_epi8(before, zero), 6));
         const unsigned kept = ~leading & 0xFFFF;
         const auto shuffle = [](unsigned set) __attribute__((target("ssse3,popcnt"))) {
             return _mm_load_si128(reinterpret_cast<const __m128i*>(kShuffles[set].bytes.data()));

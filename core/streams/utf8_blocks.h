@@ -7,8 +7,8 @@
 
 namespace core::detail {
 
-/// Decodes characters of one and two bytes, many at a time, from `at` on, up to something else or nearly up to
-/// `end`. `out` has room for as many units as there are bytes.
+/// Decodes characters of one and two bytes, many at a time, from `at` on, up to something else or nearly up
+/// to `end`. `out` has room for as many units as there are bytes.
 void decode_short(const std::uint8_t*& at, const std::uint8_t* end, wchar*& out) noexcept;
 
 } // namespace core::detail

@@ -31,5 +31,6 @@ void add_describe_command(CLI::App& app, Console& console, Action& action);
 void add_list_command(CLI::App& app, Console& console, Action& action);
 void add_repl_command(CLI::App& app, Console& console, Action& action);
 void add_run_command(CLI::App& app, Console& console, Action& action);
+void add_text_command(CLI::App& app, Console& console, Action& action);
 
 } // namespace host

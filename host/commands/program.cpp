@@ -148,6 +148,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     add_list_command(app, console, action);
     add_repl_command(app, console, action);
     add_run_command(app, console, action);
+    add_text_command(app, console, action);
     if (console.language == Language::russian)
         group_help(app, kOptionsRussian);
     try {

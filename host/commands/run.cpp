@@ -18,8 +18,15 @@
 namespace host {
 namespace {
 
-ExitCode run_file(const std::string& file, Console& console) {
-    const core::wstring text = read_text(console, file);
+struct RunOptions {
+    std::string file;
+    std::string encoding = "utf-8";
+};
+
+ExitCode run_file(const RunOptions& options, Console& console) {
+    const std::string& file = options.file;
+    const core::wstring text =
+        read_text(console, file, {.encoding = core::Encoding(core::from_utf8(options.encoding))});
     try {
         const core::script::Script script = core::script::compile(text, core::from_utf8(file));
         core::script::Engine engine;
@@ -40,13 +47,19 @@ ExitCode run_file(const std::string& file, Console& console) {
 
 void add_run_command(CLI::App& app, Console& console, Action& action) {
     auto* const command = app.add_subcommand("run", help(console, "Run a script", "Выполнить скрипт"));
-    const auto file = std::make_shared<std::string>();
+    const auto options = std::make_shared<RunOptions>();
     command
-        ->add_option("file", *file,
+        ->add_option("file", options->file,
                      help(console, "The script; - is standard input", "Скрипт; - означает стандартный ввод"))
         ->required();
-    command->callback(
-        [file, &console, &action] { action = [file, &console] { return run_file(*file, console); }; });
+    command
+        ->add_option("--encoding", options->encoding,
+                     help(console, "The encoding of the script; default: utf-8",
+                          "Кодировка скрипта; по умолчанию utf-8"))
+        ->type_name("ENCODING");
+    command->callback([options, &console, &action] {
+        action = [options, &console] { return run_file(*options, console); };
+    });
 }
 
 } // namespace host

@@ -3,9 +3,11 @@
 
 #include <core/context/arguments.h>
 #include <core/context/context_impl.h>
+#include <core/streams/encoding.h>
 #include <core/values/generic_value.h>
 
 #include <cstddef>
+#include <optional>
 #include <span>
 
 /// What the functions of scripts take from their arguments. Parameters are numbered from 0; ContextException
@@ -20,6 +22,21 @@ using Args = std::span<GenericValue>;
 
 [[nodiscard]] inline wstring_view text_argument(Args arguments, int param) {
     return text_argument(arguments[static_cast<std::size_t>(param)], param);
+}
+
+/// The encoding by its name: UTF-8 where none is given, nothing for "auto", which is to be found.
+[[nodiscard]] inline std::optional<Encoding> encoding_argument(Args arguments, int param) {
+    if (!given(arguments[static_cast<std::size_t>(param)]))
+        return Encoding();
+    const wstring_view name = text_argument(arguments, param);
+    return name == u"auto" ? std::nullopt : std::optional(Encoding(name));
+}
+/// The encoding to write in.
+[[nodiscard]] inline Encoding written_encoding_argument(Args arguments, int param) {
+    const auto encoding = encoding_argument(arguments, param);
+    if (!encoding)
+        parameter_value_mismatch(param);
+    return *encoding;
 }
 
 /// What a value of any type reads as a number.

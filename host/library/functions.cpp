@@ -62,11 +62,13 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
     }
     GenericValue loadText(Args a) {
         const wstring url = file_url(to_utf8(text_argument(a, 0)));
-        return GenericValue(load_text(require_service<IFileSystem>(), url));
+        return GenericValue(
+            load_text(require_service<IFileSystem>(), url, {.encoding = encoding_argument(a, 1)}));
     }
     GenericValue saveText(Args a) {
         const wstring_view text = text_argument(a, 1);
-        host::write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { put_text(out, text); });
+        host::write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { put_text(out, text); },
+                              {.encoding = written_encoding_argument(a, 2)});
         return {};
     }
 
@@ -179,14 +181,15 @@ constexpr Param kName = named_param({u"Name", u"Имя"});
 constexpr Param kText = named_param({u"Text", u"Текст"});
 constexpr Param kValue = named_param(kValueName);
 
-constexpr Param kOfFile[] = {kFile};
 constexpr Param kOfName[] = {kName};
 constexpr Param kOfText[] = {kText};
 constexpr Param kOfValue[] = {kValue};
 constexpr Param kPrint[] = {named_param(kValueName, ParamDefault::emptyString)};
 constexpr Param kFromJson[] = {kText, named_param({u"Maps", u"Соответствия"}, ParamDefault::falseValue)};
 constexpr Param kToJson[] = {kValue, named_param({u"Indent", u"Отступ"}, kUndefinedDefault)};
-constexpr Param kSaveText[] = {kFile, kText};
+constexpr Param kEncoding = named_param({u"Encoding", u"Кодировка"}, kUndefinedDefault);
+constexpr Param kLoadText[] = {kFile, kEncoding};
+constexpr Param kSaveText[] = {kFile, kText, kEncoding};
 constexpr Param kSaveToContainer[] = {kFile, kName, kValue};
 constexpr Param kLoadFromContainer[] = {kFile, kName};
 constexpr Param kLeft[] = {kText, named_param(kCountName)};
@@ -204,7 +207,7 @@ std::span<const Method<ScriptFunctions>> ScriptFunctions::methods() noexcept {
         {kToTextTerm, kOfValue, kFunction, &F::toText, &kStringType},
         {kFromJsonTerm, kFromJson, kFunction, &F::fromJson},
         {kToJsonTerm, kToJson, kFunction, &F::toJson, &kStringType},
-        {kLoadTextTerm, kOfFile, kFunction, &F::loadText, &kStringType},
+        {kLoadTextTerm, kLoadText, kFunction, &F::loadText, &kStringType},
         {kSaveTextTerm, kSaveText, kProcedure, &F::saveText},
         {kSaveToContainerTerm, kSaveToContainer, kProcedure, &F::saveToContainer},
         {kLoadFromContainerTerm, kLoadFromContainer, kFunction, &F::loadFromContainer},

@@ -2,6 +2,7 @@
 #include "host/library/table_functions.h"
 
 #include "host/exchange/csv/csv_table.h"
+#include "host/exchange/files/recoded.h"
 #include "host/exchange/files/whole_file.h"
 #include "host/exchange/tables/table_view.h"
 #include "host/library/arguments.h"
@@ -52,7 +53,9 @@ class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>>,
         const wstring_view file = text_argument(a, 0);
         const char delimiter = delimiter_argument(a, 1);
         return Value(
-            host::read_csv_table(surroundings_.open(file), file, delimiter, columns).query<IValue>());
+            host::read_csv_table(host::in_utf8(surroundings_.open(file), file, encoding_argument(a, 3)), file,
+                                 delimiter, columns)
+                .query<IValue>());
     }
     GenericValue saveCsv(Args a) {
         const auto table = host::table_view(a[1], host::ViewFor::programs);
@@ -60,7 +63,8 @@ class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>>,
             parameter_type_mismatch(1);
         const char delimiter = delimiter_argument(a, 2);
         host::write_text_file(to_utf8(text_argument(a, 0)),
-                              [&](wostream& out) { host::write_csv_table(out, *table, delimiter); });
+                              [&](wostream& out) { host::write_csv_table(out, *table, delimiter); },
+                              {.encoding = written_encoding_argument(a, 3)});
         return {};
     }
     GenericValue printTable(Args a) {
@@ -82,10 +86,11 @@ constexpr Term kPrintTableTerm = {u"PrintTable", u"НапечататьТабл�
 constexpr Param kFile = named_param({u"File", u"Файл"});
 constexpr Param kTable = named_param({u"Table", u"Таблица"});
 constexpr Param kDelimiter = named_param({u"Delimiter", u"Разделитель"}, ParamDefault::undefined);
+constexpr Param kEncoding = named_param({u"Encoding", u"Кодировка"}, ParamDefault::undefined);
 
 constexpr Param kLoadCsv[] = {kFile, kDelimiter,
-                              named_param({u"Columns", u"Колонки"}, ParamDefault::undefined)};
-constexpr Param kSaveCsv[] = {kFile, kTable, kDelimiter};
+                              named_param({u"Columns", u"Колонки"}, ParamDefault::undefined), kEncoding};
+constexpr Param kSaveCsv[] = {kFile, kTable, kDelimiter, kEncoding};
 constexpr Param kPrintTable[] = {kTable, named_param({u"Rows", u"Строки"}, ParamDefault::undefined)};
 
 std::span<const Method<TableFunctions>> TableFunctions::methods() noexcept {

@@ -59,10 +59,10 @@ std::size_t ByteInput::read(std::span<std::byte> bytes) {
     return count;
 }
 
-core::wstring read_text(Console& console, const std::string& file) {
+core::wstring read_text(Console& console, const std::string& file, const core::TextReaderOptions& options) {
     ByteInput bytes(console, file);
     core::TextInStream in([&](std::span<std::byte> piece) { return bytes.read(piece); },
-                          core::from_utf8(file));
+                          core::from_utf8(file), options);
     return core::read_text(in);
 }
 

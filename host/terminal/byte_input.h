@@ -5,6 +5,7 @@
 #include "host/terminal/progress.h"
 
 #include <core/runtime/types.h>
+#include <core/streams/text_reader.h>
 
 #include <cstddef>
 #include <fstream>
@@ -34,7 +35,10 @@ class ByteInput {
     Progress progress_;
 };
 
-/// The whole of it as text. ConverterException when it is not UTF-8.
-[[nodiscard]] core::wstring read_text(Console& console, const std::string& file);
+/// The whole of it as text, in UTF-8 unless the options say otherwise. ConverterException for what does not
+/// fit.
+[[nodiscard]] core::wstring read_text(Console& console, const std::string& file,
+                                      const core::TextReaderOptions& options = {
+                                          .encoding = core::Encoding()});
 
 } // namespace host

@@ -8,11 +8,13 @@
 
 namespace host {
 
-void write_text(Console& console, const std::string& file, const TextWriter& write) {
+void write_text(Console& console, const std::string& file, const WriteText& write,
+                const core::TextWriterOptions& options) {
     if (file != "-")
-        return write_text_file(file, write);
-    write_text_stream(console.out, core::from_utf8(file), write,
-                      [] { core::throw_error<core::FileStreamException>("IDS_HOST_OUTPUT_FAILED"); });
+        return write_text_file(file, write, options);
+    write_text_stream(
+        console.out, core::from_utf8(file), write,
+        [] { core::throw_error<core::FileStreamException>("IDS_HOST_OUTPUT_FAILED"); }, options);
 }
 
 } // namespace host

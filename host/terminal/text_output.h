@@ -9,6 +9,7 @@
 namespace host {
 
 /// Writes text as write_text_file() does; "-" is the console's output.
-void write_text(Console& console, const std::string& file, const TextWriter& write);
+void write_text(Console& console, const std::string& file, const WriteText& write,
+                const core::TextWriterOptions& options = {});
 
 } // namespace host

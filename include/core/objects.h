@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// Script objects that are not collections: binary data, enumerations and their values, the global functions.
+/// Script objects that are not collections: binary data, text readers and writers, enumerations and their
+/// values, the global functions.
 #include <core/context.h>
 #include <core/lists/errors.h>
 #include <core/objects/binary_data.h>
 #include <core/objects/core_general_context.h>
 #include <core/objects/enumeration.h>
 #include <core/objects/native_enumeration.h>
+#include <core/objects/text_streams.h>
+#include <core/streams/errors.h>

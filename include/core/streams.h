@@ -11,5 +11,6 @@
 #include <core/streams/memory_stream.h>
 #include <core/streams/text_buffer.h>
 #include <core/streams/text_file.h>
+#include <core/streams/text_info.h>
 #include <core/streams/text_reader.h>
 #include <core/streams/text_writer.h>

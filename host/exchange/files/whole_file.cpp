@@ -40,7 +40,8 @@ fs::path followed(const fs::path& file) {
 
 } // namespace
 
-void write_text_file(const std::string& file, const TextWriter& write) {
+void write_text_file(const std::string& file, const WriteText& write,
+                     const core::TextWriterOptions& options) {
     core::require_whole_path(file);
     if (is_device(file)) {
         const core::wstring url = core::file_url(file);
@@ -48,21 +49,22 @@ void write_text_file(const std::string& file, const TextWriter& write) {
         std::ofstream bytes(file, std::ios::binary);
         if (!bytes)
             core::throw_file_error(core::messages::kFileOpen, url, errno);
-        return write_text_stream(bytes, url, write,
-                                 [&] { core::throw_file_error(core::messages::kFileWrite, url, errno); });
+        return write_text_stream(
+            bytes, url, write, [&] { core::throw_file_error(core::messages::kFileWrite, url, errno); },
+            options);
     }
     core::save_text(core::require_service<core::IFileSystem>(), core::file_url(followed(file).string()),
-                    write);
+                    write, options);
 }
 
-void write_text_stream(std::ostream& bytes, const core::wstring& name, const TextWriter& write,
-                       const std::function<void()>& fail) {
+void write_text_stream(std::ostream& bytes, const core::wstring& name, const WriteText& write,
+                       const std::function<void()>& fail, const core::TextWriterOptions& options) {
     core::TextOutStream text(
         [&](std::span<const std::byte> piece) {
             if (!bytes.write(reinterpret_cast<const char*>(piece.data()), std::ssize(piece)))
                 fail();
         },
-        name);
+        name, options);
     write(text);
     text.finish();
     if (!bytes.flush())

@@ -22,7 +22,7 @@ struct CodePage;
 enum class CodingErrorAction : std::int32_t {
     report = 0,  ///< Throws ConverterException, which names what does not fit and its place.
     replace = 1, ///< U+FFFD when reading, "?" when writing.
-    escape = 2,  ///< Each byte as \xHH when reading, a character as \uHHHH or \UHHHHHHHH when writing.
+    escape = 2,  ///< Each byte as `\xHH` when reading, a character as `\uHHHH` or `\UHHHHHHHH` when writing.
 };
 
 /// A character encoding: UTF-8, or any other that ICU knows. A small value; copies are cheap. Two are equal

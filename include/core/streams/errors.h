@@ -10,8 +10,8 @@ namespace messages {
 
 /// An encoding has a name that nobody knows; {0} is the name.
 inline constexpr const char* kEncodingUnknown = "IDS_ENCODING_UNKNOWN";
-/// Bytes are not text in the encoding; {0} is the text, {1} the encoding, {2} the bytes in hexadecimal digits,
-/// {3} their offset.
+/// Bytes are not text in the encoding; {0} is the text, {1} the encoding, {2} the bytes in hexadecimal
+/// digits, {3} their offset.
 inline constexpr const char* kTextNotDecodable = "IDS_TEXT_NOT_DECODABLE";
 /// A text has a character that the encoding does not have; {0} is the text, {1} the encoding, {2} the
 /// character as "U+20AC", {3} the offset in bytes at which it would stand.

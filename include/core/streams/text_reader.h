@@ -23,10 +23,10 @@ using ByteReader = std::function<std::size_t(std::span<std::byte>)>;
 
 /// How a TextReader reads.
 struct TextReaderOptions {
-    std::optional<Encoding> encoding{};                        ///< found by detect_encoding() when not given
-    CodingErrorAction action = CodingErrorAction::report;      ///< what is done with what does not fit
-    bool unicodeEnds = false;                                  ///< whether U+2028 and U+2029 end lines, too
-    std::size_t bufferSize = std::size_t{64} << 10;            ///< bytes that are read at a time, at least 1
+    std::optional<Encoding> encoding{};                   ///< found by detect_encoding() when not given
+    CodingErrorAction action = CodingErrorAction::report; ///< what is done with what does not fit
+    bool unicodeEnds = false;                             ///< whether U+2028 and U+2029 end lines, too
+    std::size_t bufferSize = std::size_t{64} << 10;       ///< bytes that are read at a time, at least 1
 };
 
 /// Reads a text of any length, by lines of any length or by pieces. A byte order mark in front is skipped. A
@@ -70,8 +70,8 @@ class CORE_API TextReader {
     [[nodiscard]] std::uint64_t line() const noexcept;
     /// Returns how many units have been read.
     [[nodiscard]] std::uint64_t position() const noexcept;
-    /// Returns how many bytes the source has brought: what a display of progress sets beside the length of the
-    /// file. It runs ahead of position().
+    /// Returns how many bytes the source has brought: what a display of progress sets beside the length of
+    /// the file. It runs ahead of position().
     [[nodiscard]] std::uint64_t bytesRead() const noexcept;
     /// Returns how many sequences of bytes have been replaced or escaped.
     [[nodiscard]] std::uint64_t faults() const noexcept;

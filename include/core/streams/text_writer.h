@@ -25,8 +25,9 @@ struct TextWriterOptions {
 
 /// Writes a text in pieces. What was written is in the file only after finish(). One thread at a time.
 ///
-/// Every function that writes throws what takes the bytes throws, and ConverterException for what the encoding
-/// does not have; the writer is of no use after that, and each further call throws the first failure again.
+/// Every function that writes throws what takes the bytes throws, and ConverterException for what the
+/// encoding does not have; the writer is of no use after that, and each further call throws the first failure
+/// again.
 class CORE_API TextWriter {
   public:
     /// Hands bytes to `write`; messages call the text `name`.
