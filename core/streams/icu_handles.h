@@ -4,6 +4,8 @@
 #include <unicode/ucnv.h>
 
 #include <memory>
+#include <new>
+#include <utility>
 
 namespace core::detail {
 
@@ -14,9 +16,12 @@ struct CloseConverter {
 using IcuConverter = std::unique_ptr<UConverter, CloseConverter>;
 
 /// Opens a converter that stops at what does not fit, and takes no neighbour of a character for it.
-[[nodiscard]] inline IcuConverter open_strict_converter(const char* name) noexcept {
+/// Throws std::bad_alloc.
+[[nodiscard]] inline IcuConverter open_strict_converter(const char* name) {
     UErrorCode status = U_ZERO_ERROR;
     IcuConverter converter(ucnv_open(name, &status));
+    if (status == U_MEMORY_ALLOCATION_ERROR)
+        throw std::bad_alloc();
     if (U_SUCCESS(status)) {
         ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
         ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);

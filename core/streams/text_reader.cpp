@@ -107,20 +107,20 @@ TextReader& TextReader::operator=(TextReader&&) noexcept = default;
 bool TextReader::readLine(wstring& line) {
     State& state = *state_;
     line.clear();
+    if (!state.look())
+        return false;
     state.lineEnd = LineEnd::none;
     state.endedWithCr = false;
-    bool hasRead = false;
     while (state.look()) {
-        hasRead = true;
         const std::size_t length = state.toLineEnd(state.atHand);
         line.append(state.atHand.substr(0, length));
         state.take(length);
         if (!state.atHand.empty()) {
             state.lineEnd = state.takeEnd();
-            return true;
+            break;
         }
     }
-    return hasRead;
+    return true;
 }
 
 LineEnd TextReader::lineEnd() const noexcept {

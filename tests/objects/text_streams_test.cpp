@@ -56,12 +56,11 @@ TEST_F(TextStreams, WhatAScriptWritesItReads) {
 }
 
 TEST_F(TextStreams, AReaderFindsTheEncodingAndAProgramHandsOutItsFiles) {
-    const auto file = open_memory_file(create_memory_data());
-    const Value writer = create_text_writer(file, {.encoding = Encoding(u"UTF-16"), .mark = true});
+    const auto data = create_memory_data();
+    const Value writer = create_text_writer(open_memory_file(data), {.encoding = Encoding(u"UTF-16"), .mark = true});
     call(writer, u"Write", {text(u"текст\u2028конец")});
     call(writer, u"Close");
-    const Value reader = create_text_reader(file, {.unicodeEnds = true});
-    file->seek(0, SeekOrigin::begin);
+    const Value reader = create_text_reader(open_memory_file(data), {.unicodeEnds = true});
     EXPECT_TRUE(property(reader, u"HasMark").isTrue());
     EXPECT_EQ(property(reader, u"Certainty"), GenericValue(100));
     EXPECT_EQ(call(reader, u"ReadLine"), text(u"текст"));

@@ -51,7 +51,7 @@ class CORE_API TextReader {
     /// text. An end at the very end of a text does not begin another line. When it throws, `line` holds what
     /// stands before the fault.
     bool readLine(wstring& line);
-    /// Returns what ended the line that was read last.
+    /// Returns what ended the line that readLine() has stored last.
     [[nodiscard]] LineEnd lineEnd() const noexcept;
     /// Stores the next units in `text`, at most `count` of them and at least one, and returns true; returns
     /// false at the end of the text. Line ends stay as they are. A surrogate pair is not divided, so that a
