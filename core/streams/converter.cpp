@@ -33,7 +33,7 @@ struct Decoder::State final
     bool reword() {
         if (faults() == 0)
             firstFault = faultOffset();
-        if (action() == CodingErrorAction::replace) {
+        if (action() == CodingErrorAction::replace || misfits().empty()) { // never without a trace
             put(wchar{0xFFFD});
             return true;
         }

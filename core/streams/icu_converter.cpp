@@ -42,6 +42,7 @@ class IcuDecoder final : public ByteDecoder {
     bool run(const std::uint8_t*& at, const std::uint8_t* end, wchar*& out, const wchar* outEnd, bool last,
              ByteFault& fault) override {
         const auto* from = reinterpret_cast<const char*>(at);
+        const std::uint8_t* const start = at;
         wchar* const begin = out;
         UErrorCode status = U_ZERO_ERROR;
         ucnv_toUnicode(converter_.get(), &out, outEnd, &from, reinterpret_cast<const char*>(end), nullptr,
@@ -61,6 +62,10 @@ class IcuDecoder final : public ByteDecoder {
         ucnv_getInvalidChars(converter_.get(), bytes, &size, &known);
         fault.size = U_SUCCESS(known) ? static_cast<std::size_t>(size) : 0;
         std::copy_n(bytes, fault.size, fault.bytes.begin());
+        if (fault.size == 0 && at != start) { // BOCU-1 forgets bytes that came in an earlier piece
+            fault.bytes[0] = at[-1];
+            fault.size = 1;
+        }
         known = U_ZERO_ERROR;
         fault.ahead = static_cast<std::size_t>(std::max(ucnv_toUCountPending(converter_.get(), &known), 0));
         return true;
