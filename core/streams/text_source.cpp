@@ -85,8 +85,7 @@ wstring_view TextSource::next() {
     if (!decoder_)
         begin();
     for (;;) {
-        const bool isAll = hasEnded_ && usable_ == size_;
-        if (used_ == usable_ && !isAll)
+        if (used_ == usable_ && !(hasEnded_ && usable_ == size_))
             readBlock();
         const bool isLast = hasEnded_ && usable_ == size_;
         const ConvertStep step = decoder_->decode(left(), units_, isLast);

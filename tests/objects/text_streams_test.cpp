@@ -57,7 +57,8 @@ TEST_F(TextStreams, WhatAScriptWritesItReads) {
 
 TEST_F(TextStreams, AReaderFindsTheEncodingAndAProgramHandsOutItsFiles) {
     const auto data = create_memory_data();
-    const Value writer = create_text_writer(open_memory_file(data), {.encoding = Encoding(u"UTF-16"), .mark = true});
+    const Value writer =
+        create_text_writer(open_memory_file(data), {.encoding = Encoding(u"UTF-16"), .mark = true});
     call(writer, u"Write", {text(u"текст\u2028конец")});
     call(writer, u"Close");
     const Value reader = create_text_reader(open_memory_file(data), {.unicodeEnds = true});

@@ -134,6 +134,18 @@ TEST_F(CsvTest, TreesAndLists) {
         "\"Value;Presentation;Check\r\n1.5;one;True\r\nx;;False\r\n\"");
 }
 
+TEST_F(CsvTest, OtherEncodingsAreReadAndWritten) {
+    static_cast<void>(file("x.csv", "\xC8\xEC\xFF\r\n\"\xFF,\xE6\"\r\n")); // windows-1251
+    EXPECT_EQ(run(R"(T = LoadCsv(F, , , "cp1251"); SaveCsv(F, T, ";", "utf-16le"); LoadText(F, "utf-16le"))"),
+              "\"Имя\r\nя,ж\r\n\"");
+    EXPECT_EQ(text_of(path("x.csv")).substr(0, 4), std::string("\x18\x04<\x04", 4));
+    EXPECT_EQ(run(R"(SaveText(F, "только текст, в котором хватает букв", "koi8-r"); LoadText(F, "auto"))"),
+              "\"только текст, в котором хватает букв\"");
+    EXPECT_EQ(run(R"(SaveText(F, "€", "koi8-r"))").substr(0, 6), "! 1:1 ");
+    EXPECT_EQ(run(R"(SaveText(F, "a", "auto"))"), "! 1:1 Parameter 3 has a value that is not accepted here.");
+    EXPECT_EQ(run(R"(LoadCsv(F, , , "utf-8"))").substr(0, 6), "! 1:1 ");
+}
+
 TEST_F(CsvTest, BadArgumentsAndFailuresLeaveTheFile) {
     static_cast<void>(file("x.csv", "A\n1\n"));
     EXPECT_EQ(run("SaveCsv(F, New Array)"), "! 1:1 Parameter 2 is of a type that is not accepted here.");
