@@ -3,8 +3,7 @@
 
 #include <core/runtime/threads/errors.h>
 
-#include <cxxabi.h>
-
+#include <exception>
 #include <new>
 
 namespace core::detail {
@@ -139,9 +138,9 @@ void SinkTable::emit(Emission& emission) {
             }
         } catch (const ThreadDeath&) { // no failure: the thread is to end
             throw;
-        } catch (const abi::__forced_unwind&) { // the system ends the thread, and must be let through
-            throw;
         } catch (...) {
+            if (std::current_exception() == nullptr) // the system ends the thread, and must be let through
+                throw;
             report_sink_failure(names_);
             index = slots_[index].next;
         }
