@@ -48,6 +48,16 @@ void BlockChain::adopt(BlockReader& reader, std::uint64_t address, std::uint64_t
     visit(reader, address, size, next);
 }
 
+void BlockChain::adoptTogether(BlockReader& reader, std::uint64_t address, std::uint64_t size) {
+    *this = BlockChain(*layout_);
+    const std::uint64_t blocks = (size + kStorageBlockSize - 1) / kStorageBlockSize;
+    if (address > reader.end() || blocks > (reader.end() - address) / layout_->blockLength(kStorageBlockSize))
+        throw ChainInFileExc(address);
+    address_ = address;
+    size_ = size;
+    runs_.append(address, kStorageBlockSize, blocks);
+}
+
 /// Takes the block at the end of the list into it.
 void BlockChain::visit(BlockReader& reader, std::uint64_t address, std::uint64_t size, std::uint64_t next) {
     const std::uint64_t end = reader.end();

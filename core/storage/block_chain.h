@@ -29,6 +29,8 @@ class BlockChain {
     /// Takes a first block whose header is known.
     void adopt(BlockReader& reader, std::uint64_t address, std::uint64_t chainSize, std::uint64_t size,
                std::uint64_t next);
+    /// Takes a chain of blocks of the library's size that lie side by side, as the table says.
+    void adoptTogether(BlockReader& reader, std::uint64_t address, std::uint64_t size);
     /// Fills `out` with the content from `offset` on, which reaches so far.
     void readAt(BlockReader& reader, std::uint64_t offset, std::span<std::byte> out);
     /// Returns the whole content. Memory grows with what is read: the chain's size is not believed

@@ -2,6 +2,7 @@
 #include "core/storage/chain_survey.h"
 
 #include "core/storage/attributes.h"
+#include "core/storage/canonical_chain.h"
 #include "core/storage/little_endian.h"
 #include "core/storage/range_set.h"
 
@@ -64,31 +65,44 @@ FreeChain read_free_chain(BlockReader& reader, std::uint64_t address, std::uint6
 }
 
 ChainSurvey::ChainSurvey(BlockReader& reader, std::uint64_t fileLength, const FilesTable& table,
-                         const ContainerHead& head, const BlockRuns& tableBlocks)
+                         const ContainerHead& head, const BlockRuns& tableBlocks, const TreeSpace* trees)
     : reader_(reader), layout_(reader.layout()), fileLength_(fileLength), table_(table), head_(head),
-      tableBlocks_(tableBlocks) {}
+      tableBlocks_(tableBlocks), trees_(trees) {}
 
 bool ChainSurvey::walk(const Visit& visit, const VisitFree& visitFree) {
     visit_ = &visit;
     length_ = files_ = 0;
+    showSpace(visit, visitFree);
+    table_.forEach([&](wstring_view name, const FileEntry& entry) {
+        ++files_;
+        if (isEnough())
+            return;
+        if (entry.attributes != layout_.null)
+            follow(StorageUse::attributes, name, entry);
+        if (entry.data != layout_.null)
+            follow(StorageUse::content, name, entry);
+    });
+    return !isEnough();
+}
+
+/// The table and what is free.
+void ChainSurvey::showSpace(const Visit& visit, const VisitFree& visitFree) {
+    if (trees_ != nullptr) {
+        visit({StorageUse::table, {}, layout_.headerSize(), 0, trees_->fileNodes, std::nullopt});
+        for (const auto& [begin, length] : trees_->free)
+            visitFree(begin, begin + length);
+        visit({StorageUse::freeChain, {}, head_.freeChain, 0, trees_->freeNodes, std::nullopt});
+        return;
+    }
     visit({StorageUse::table, {}, layout_.headerSize(), 0, tableBlocks_, std::nullopt});
     if (head_.freeChain != layout_.null) {
         const FreeChain list = read_free_chain(reader_, head_.freeChain, table_.end(), visitFree);
         show(StorageUse::freeChain, {}, head_.freeChain, list.chain, list.damage);
     }
-    table_.forEach([&](wstring_view name, const StorageFileEntry& entry) {
-        ++files_;
-        if (isEnough())
-            return;
-        if (entry.attributes != layout_.null)
-            follow(StorageUse::attributes, name, entry.attributes);
-        if (entry.data != layout_.null)
-            follow(StorageUse::content, name, entry.data);
-    });
-    return !isEnough();
 }
 
-void ChainSurvey::follow(StorageUse use, wstring_view name, std::uint64_t address) {
+void ChainSurvey::follow(StorageUse use, wstring_view name, const FileEntry& entry) {
+    const std::uint64_t address = use == StorageUse::content ? entry.data : entry.attributes;
     BlockChain chain(layout_);
     std::optional<std::uint64_t> damage;
     try {
@@ -97,6 +111,13 @@ void ChainSurvey::follow(StorageUse use, wstring_view name, std::uint64_t addres
         requireBytes(chain);
         if (use == StorageUse::attributes)
             (void)read_attributes(reader_, address, name);
+        if (compares_ && entry.isKnown) {
+            const CanonicalChain found = read_canonical(reader_, address);
+            const bool isContent = use == StorageUse::content;
+            if (!found.isCanonical || found.sum != (isContent ? entry.contentSum : entry.attributesSum) ||
+                (isContent && found.size != entry.size))
+                throw ChainInFileExc(address);
+        }
     } catch (const ChainInFileExc& e) {
         damage = e.address();
     }

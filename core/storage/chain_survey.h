@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace core {
 
@@ -24,6 +26,14 @@ struct FreeChain {
 [[nodiscard]] FreeChain
 read_free_chain(BlockReader& reader, std::uint64_t address, std::uint64_t end,
                 const std::function<void(std::uint64_t begin, std::uint64_t end)>& visit);
+
+/// What the trees of table layout 2 take up, and what the one of them says of free space: addresses and
+/// lengths, in order.
+struct TreeSpace {
+    BlockRuns fileNodes;
+    BlockRuns freeNodes;
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> free;
+};
 
 /// Walks every chain of a container, whatever is wrong with them, and shows them one by one. It keeps nothing
 /// of them, so that memory does not grow with the container.
@@ -43,7 +53,9 @@ class ChainSurvey {
 
     /// `fileLength` is where the file ends: content beyond is missing.
     ChainSurvey(BlockReader& reader, std::uint64_t fileLength, const FilesTable& table,
-                const ContainerHead& head, const BlockRuns& tableBlocks);
+                const ContainerHead& head, const BlockRuns& tableBlocks, const TreeSpace* trees);
+    /// From now on contents and attributes are read and compared with what the table says of them.
+    void compareContents() noexcept { compares_ = true; }
 
     /// Shows the table's chain (without its first block), the free ranges that are listed, as far as they are
     /// in order, the free chain, then the chains of all files. False when it gave up, because the chains are
@@ -55,7 +67,8 @@ class ChainSurvey {
 
   private:
     void requireBytes(const BlockChain& chain) const;
-    void follow(StorageUse use, wstring_view name, std::uint64_t address);
+    void showSpace(const Visit& visit, const VisitFree& visitFree);
+    void follow(StorageUse use, wstring_view name, const FileEntry& entry);
     void show(StorageUse use, wstring_view name, std::uint64_t address, const BlockChain& chain,
               std::optional<std::uint64_t> damage);
     [[nodiscard]] bool isEnough() const noexcept { return length_ / 4 > reader_.end(); }
@@ -66,6 +79,8 @@ class ChainSurvey {
     const FilesTable& table_;
     const ContainerHead& head_;
     const BlockRuns& tableBlocks_;
+    const TreeSpace* trees_;
+    bool compares_ = false;
     const Visit* visit_ = nullptr;
     std::uint64_t length_ = 0; // of all blocks shown
     std::uint64_t files_ = 0;

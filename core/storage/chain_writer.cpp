@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 namespace core {
@@ -18,6 +19,7 @@ namespace {
 
 constexpr std::uint64_t kBlock = kStorageBlockSize;
 constexpr std::size_t kCarried = 128 * kStorageBlockSize;
+constexpr std::uint64_t kNotInOrder = std::numeric_limits<std::uint64_t>::max();
 
 // Blocks reserved at once, 64 KiB to 16 MiB.
 constexpr std::uint64_t kLeastAhead = 128;
@@ -52,7 +54,9 @@ void ChainWriter::begin(std::uint64_t address) {
     engine_.unpin(std::exchange(pinned_, std::move(used)));
     size_ = baseLimit_ = base_.size();
     fresh_ = BlockRuns(engine_.layout().blockHeaderSize());
-    touched_ = false;
+    touched_ = cut_ = false;
+    summed_ = Checksum();
+    summedEnd_ = 0;
 }
 
 ChainWriter::~ChainWriter() {
@@ -105,6 +109,12 @@ void ChainWriter::writeAt(std::uint64_t offset, std::span<const std::byte> bytes
     touched_ = true;
     if (offset > size_)
         fillWithZeros(offset);
+    if (offset == summedEnd_) {
+        summed_.add(bytes);
+        summedEnd_ += bytes.size();
+    } else if (offset < summedEnd_) {
+        summedEnd_ = kNotInOrder;
+    }
     const std::uint64_t end = offset + bytes.size();
     if (offset < freshEnd()) {
         const auto part =
@@ -227,7 +237,9 @@ void ChainWriter::truncate(std::uint64_t size) {
         writeAt(size - 1, std::span(&zero, 1));
         return;
     }
-    touched_ = true;
+    touched_ = cut_ = true;
+    if (size < summedEnd_)
+        summedEnd_ = kNotInOrder;
     size_ = size;
     baseLimit_ = std::min(baseLimit_, size);
     const BlockRuns cut = fresh_.cutAt(ceil_to_block(size));
@@ -240,6 +252,29 @@ void ChainWriter::patchNumber(std::uint64_t address, std::uint64_t number) {
     std::array<std::byte, 16> digits{};
     encode_number(digits.data(), engine_.layout(), number);
     patch(address, std::span(std::as_const(digits)).first(engine_.layout().digits()));
+}
+
+/// Where content was cut off, bytes of it are left behind its end, up to the end of the block.
+void ChainWriter::clearSlack() {
+    if (!cut_ || size_ == 0 || size_ % kBlock == 0 || size_ > freshEnd())
+        return;
+    constexpr std::array<std::byte, kStorageBlockSize> zeros{};
+    const std::uint64_t address = fresh_.last().address + engine_.layout().blockHeaderSize() + size_ % kBlock;
+    patch(address, std::span(zeros).first(static_cast<std::size_t>(kBlock - size_ % kBlock)));
+}
+
+/// The checksum of the content, which is read again unless it was written from start to end.
+std::uint64_t ChainWriter::sum() {
+    if (summedEnd_ == size_)
+        return summed_.value();
+    Checksum sum;
+    std::vector<std::byte> bytes;
+    for (std::uint64_t done = 0; done < size_; done += bytes.size()) {
+        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kCarried, size_ - done)));
+        readAt(done, bytes);
+        sum.add(bytes);
+    }
+    return sum.value();
 }
 
 ChainWriter::Result ChainWriter::finish(bool mayShare) {
@@ -266,7 +301,8 @@ ChainWriter::Result ChainWriter::finish(bool mayShare) {
     else
         base_.walk(reader_);
     const StorageLayout& layout = engine_.layout();
-    Result result{null, BlockRuns(layout.blockHeaderSize()), base_.runs()};
+    clearSlack();
+    Result result{null, size_, sum(), true, BlockRuns(layout.blockHeaderSize()), base_.runs()};
     if (sharing) {
         // Blocks without data that stand in front of the first shared one are passed over, so they are not in
         // use.
@@ -280,6 +316,7 @@ ChainWriter::Result ChainWriter::finish(bool mayShare) {
         patchNumber(fresh_.last().address + next_offset(layout), next);
     result.address = fresh_.runs().front().address;
     patchNumber(result.address + chain_size_offset(), size_);
+    result.isTogether = !sharing && fresh_.runs().size() == 1;
     result.fresh = std::exchange(fresh_, BlockRuns(layout.blockHeaderSize()));
     queue_.flush();
     return result;

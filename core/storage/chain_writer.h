@@ -4,6 +4,7 @@
 #include "core/storage/block_chain.h"
 #include "core/storage/block_format.h"
 #include "core/storage/block_reader.h"
+#include "core/storage/checksum.h"
 #include "core/storage/space_locks.h"
 #include "core/storage/write_queue.h"
 
@@ -45,6 +46,9 @@ class ChainWriter {
 
     struct Result {
         std::uint64_t address; ///< of the first block
+        std::uint64_t size;    ///< of the content
+        std::uint64_t sum;     ///< the checksum of the content
+        bool isTogether;       ///< whether the blocks lie side by side
         BlockRuns fresh;       ///< the blocks that it is made of, besides those that it shares with the base
         BlockRuns released;    ///< what the base used and the new content does not
     };
@@ -70,6 +74,8 @@ class ChainWriter {
     void fillWithZeros(std::uint64_t until);
     void readBase(std::uint64_t offset, std::span<std::byte> out);
     void patchNumber(std::uint64_t address, std::uint64_t number);
+    void clearSlack();
+    [[nodiscard]] std::uint64_t sum();
 
     StorageEngine& engine_;
     WriteQueue queue_;
@@ -83,6 +89,10 @@ class ChainWriter {
     std::uint64_t guess_; // what the last fresh block says of the next one
     std::uint64_t size_;
     bool touched_ = false;
+    bool cut_ = false; // content was cut off within a block
+    // Of what was written one after the other, from the start of the content.
+    Checksum summed_;
+    std::uint64_t summedEnd_ = 0;
 };
 
 } // namespace core

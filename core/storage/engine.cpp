@@ -21,8 +21,8 @@ constexpr std::size_t kMostRanges = 64;
 /// has the old container open would see that it is gone.
 std::uint64_t counter_after(IFile& file, const StorageLayout& layout) {
     ContainerHead::Bytes bytes{};
-    const auto head = std::span(bytes).first(ContainerHead::sizeIn(layout));
-    if (read_all_at(file, 0, head) != head.size())
+    const std::size_t least = layout.headerSize() + layout.blockHeaderSize();
+    if (read_all_at(file, 0, std::span(bytes).first(ContainerHead::sizeIn(layout))) < least)
         return 0;
     try {
         return ContainerHead::decode(bytes, layout).counter + 1;
@@ -41,12 +41,10 @@ bool StorageEngine::create(IFile& file, const StorageLayout& layout, bool replac
     const bool empty = file.length() == 0;
     if (!empty && !replacing)
         return false;
-    ContainerHead fresh = ContainerHead::empty(layout);
+    ContainerHead fresh = ContainerHead::empty(layout, TableLayout::tree);
     fresh.counter = counter_after(file, layout);
     const ContainerHead::Bytes head = fresh.encode(layout);
-    std::vector<std::byte> bytes(head.begin(), head.begin() + ContainerHead::sizeIn(layout));
-    // The table's first block holds, from the start, what never changes of the table.
-    bytes.insert(bytes.end(), FilesTable::preamble().begin(), FilesTable::preamble().end());
+    const auto bytes = std::span(head).first(ContainerHead::sizeIn(layout));
     lock.beginCommit(); // after those who still read the old state
     try {
         write_all_at(file, 0, bytes);
@@ -74,7 +72,7 @@ StorageEngine::StorageEngine(InterfacePtr<IFile> file, const StorageLayout& layo
     : file_(std::move(file)), layout_(layout), options_(options), url_(url.empty() ? file_->url() : url),
       lock_(file_, layout_, url_), reader_(*file_, layout_), queue_(*file_), table_(layout_),
       tableBlocks_(layout_.blockHeaderSize()), freeBlocks_(layout_.blockHeaderSize()), space_(layout_),
-      pins_(file_, url_) {
+      fileNodes_(reader_), freeNodes_(reader_), pins_(file_, url_) {
     reader_.setQueue(&queue_);
     const Reading reading(*this); // refuses a file that is not a container
 }
@@ -183,7 +181,7 @@ void StorageEngine::refresh() {
         return;
     ContainerHead::Bytes bytes{};
     const auto head = std::span(bytes).first(ContainerHead::sizeIn(layout_));
-    if (read_all_at(*file_, 0, head) != head.size())
+    if (read_all_at(*file_, 0, head) < head.size() - kStorageBlockSize)
         throwBadFormat();
     if (loaded_ && bytes == headBytes_)
         return;
@@ -199,30 +197,47 @@ void StorageEngine::refresh() {
 void StorageEngine::load(const ContainerHead::Bytes& bytes) {
     const ContainerHead head = ContainerHead::decode(bytes, layout_);
     const std::uint64_t length = std::min(layout_.limit(), file_->length());
-    if (head.blockSize != kStorageBlockSize || head.table.size != kStorageBlockSize)
+    if (!head.isSound(bytes, layout_))
         throwBadFormat();
     loaded_ = false;
     reader_.forget();
     reader_.setEnd(length);
+    if (head.tableLayout == TableLayout::flat) {
+        if (!loadFlat(head))
+            throwBadFormat();
+    } else {
+        const auto root = head.filesRoot();
+        if (root && !is_child(*root, layout_, head.end))
+            throwBadFormat();
+        if (root)
+            (void)fileNodes_.load(*root); // what the table is damaged in shows as early as it costs little
+        table_ = FilesTable(layout_, std::make_unique<TreeFiles>(fileNodes_, root, head.files), head.end);
+        tableBlocks_ = BlockRuns(layout_.blockHeaderSize());
+    }
+    reader_.setEnd(table_.end());
+    head_ = head;
+    next_ = head.tableLayout;
+    headBytes_ = bytes;
+    spaceCounter_.reset();
+    loaded_ = true;
+}
+
+bool StorageEngine::loadFlat(const ContainerHead& head) {
     BlockChain chain(layout_);
     chain.adopt(reader_, layout_.headerSize(), head.table.chainSize, head.table.size, head.table.next);
     FilesTable table(layout_);
     if (!table.decode(chain.content(reader_), options_.noSortedCheck))
-        throwBadFormat();
+        return false;
     chain.walk(reader_);
     BlockRuns blocks = chain.runs();
     BlockRuns rest = blocks.cutAt(kStorageBlockSize);
     for (const BlockRun& run : rest.runs()) {
         if (run.address < layout_.emptyLength() || run.address + rest.lengthOf(run) > table.end())
-            throwBadFormat();
+            return false;
     }
-    reader_.setEnd(table.end());
     table_ = std::move(table);
     tableBlocks_ = std::move(rest);
-    head_ = head;
-    headBytes_ = bytes;
-    spaceCounter_.reset();
-    loaded_ = true;
+    return true;
 }
 
 BlockChain StorageEngine::chain(std::uint64_t address, std::uint64_t wish) {

@@ -3,12 +3,15 @@
 
 #include "core/storage/block_chain.h"
 #include "core/storage/block_reader.h"
+#include "core/storage/chain_survey.h"
 #include "core/storage/container_head.h"
 #include "core/storage/container_lock.h"
 #include "core/storage/engine_mutex.h"
 #include "core/storage/files_table.h"
 #include "core/storage/free_space.h"
+#include "core/storage/node_store.h"
 #include "core/storage/space_locks.h"
+#include "core/storage/tree_files.h"
 #include "core/storage/write_queue.h"
 
 #include <core/files/file.h>
@@ -129,13 +132,15 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
 
     /// An inner file as it is now: the address of its content and its attributes.
     struct Found {
-        StorageFileEntry entry;
+        FileEntry entry;
         StorageFileInfo info;
     };
     [[nodiscard]] Found lookUp(wstring_view name);
-    [[nodiscard]] StorageFileEntry existing(wstring_view name) const;
+    [[nodiscard]] FileEntry existing(wstring_view name) const;
     /// Whether what the name stands for is not committed yet.
     [[nodiscard]] bool isUncommitted(wstring_view name) const noexcept { return table_.isChanged(name); }
+    /// Whether the table tells sizes and checksums, and so must be told them.
+    [[nodiscard]] bool hasChecksums() const noexcept { return next_ == TableLayout::tree; }
     [[nodiscard]] BlockReader& reader() noexcept { return reader_; }
     /// A reader for what is read after the caller has let go of the Reading. The caller sets its end, that of
     /// the container as it was then.
@@ -152,6 +157,8 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     [[nodiscard]] SpaceLocks::Ranges spaceOf(const BlockRuns& blocks) const;
     /// Takes reserved blocks into use, in a turn.
     void claim(const BlockRuns& blocks);
+    /// Blocks side by side.
+    [[nodiscard]] BlockRange allocateTogether(std::uint64_t blocks, std::uint64_t from = 0);
     /// Takes blocks out of use, all or none. Damage is thrown as ChainInFileExc.
     void release(const BlockRuns& blocks);
     /// Returns blocks that were taken and are not used after all.
@@ -166,26 +173,37 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void refuseOpened(wstring_view name) const;
     /// Makes `content` a file's content.
     void putContent(wstring_view name, std::span<const std::byte> content);
-    /// Makes `data`, the first block of a chain that is written, a file's content. `released` is what the old
-    /// content used and the new one does not; all of it when `dropOld`. Both commit, unless in a transaction.
-    void publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld);
+    /// A content that is written: where its chain begins, and what the table says of it.
+    struct Content {
+        std::uint64_t address;
+        std::uint64_t size;
+        std::uint64_t sum;
+        bool isTogether; ///< its blocks lie side by side
+    };
+    /// Makes `content` a file's content. `released` is what the old content used and the new one does not;
+    /// all of it when `dropOld`. Both commit, unless in a transaction.
+    void publish(wstring_view name, const Content& content, const BlockRuns& released, bool dropOld);
     void enlist(InnerFile& file) { files_.push_back(&file); }
     void dismiss(InnerFile& file) noexcept { std::erase(files_, &file); }
+
+    /// Nothing in table layout 1.
+    [[nodiscard]] std::optional<TreeSpace> treeSpace();
 
     [[noreturn]] void throwBadFormat() const;
     /// Says with the URL of an inner file what is damaged, or with the container's where it has no root.
     [[noreturn]] void throwDamaged(wstring_view name) const;
     /// Runs `call`, which concerns the inner file `name`, and says with its URL what is damaged.
     template <class Call>
-    auto checked(wstring_view name, Call call) -> decltype(call());
+    auto checked(wstring_view name, Call call) const -> decltype(call());
     /// The same with the container's URL.
     template <class Call>
-    auto checked(Call call) -> decltype(call());
+    auto checked(Call call) const -> decltype(call());
 
   private:
     // engine.cpp
     void refresh();
     void load(const ContainerHead::Bytes& bytes);
+    [[nodiscard]] bool loadFlat(const ContainerHead& head);
     void beginTurn();
     void endTurn() noexcept;
     [[nodiscard]] BlockChain chain(std::uint64_t address, std::uint64_t wish = 0);
@@ -220,28 +238,57 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     template <class Call>
     auto onSpace(Call call) -> decltype(call());
     [[nodiscard]] std::uint64_t writeFreeChain(BlockRuns& blocks);
+    void writeFlat(Next& next);
+
+    // engine_trees.cpp
+    void loadFreeTree();
+    void trustSpace() noexcept;
+    [[nodiscard]] std::vector<std::pair<std::uint64_t, std::uint64_t>> freeRows();
+    void writeTrees(Next& next);
+    void writeFreeTree(Next& next);
+    [[nodiscard]] std::vector<TreeChange<FreeRows>> freeChanges(Next& next) const;
+    template <class Rows>
+    [[nodiscard]] NodeRef writeNodes(TreePlan<Rows>& plan, NodeStore<Rows>& store, BlockRange area,
+                                     std::uint64_t counter);
+    void releaseNode(const NodeRef& ref);
 
     // engine_files.cpp
-    [[nodiscard]] StorageFileInfo readInfo(const StorageFileEntry& entry, wstring_view name);
-    [[nodiscard]] StorageFound describe(const StorageFileEntry& entry, wstring_view name);
+    [[nodiscard]] StorageFileInfo readInfo(const FileEntry& entry, wstring_view name);
+    [[nodiscard]] StorageFound describe(const FileEntry& entry, wstring_view name);
+    [[nodiscard]] std::uint64_t sizeOf(const FileEntry& entry);
+    [[nodiscard]] std::vector<std::byte> contentOf(const FileEntry& entry);
     void addBlocks(std::uint64_t address, BlockRuns& blocks);
-    [[nodiscard]] StorageFileInfo infoOrNone(const StorageFileEntry& entry, wstring_view name);
+    [[nodiscard]] StorageFileInfo infoOrNone(const FileEntry& entry, wstring_view name);
+    void addContent(const FileEntry& entry, BlockRuns& blocks);
+    void addAttributes(const FileEntry& entry, wstring_view name, BlockRuns& blocks);
     /// Writes two chains side by side and says where they begin.
-    [[nodiscard]] StorageFileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
-                                             std::vector<BlockRange>& ranges);
-    void replace(FilesTable::Change& change, const StorageFileEntry& entry, const BlockRuns& released,
+    [[nodiscard]] FileEntry writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
+                                      std::vector<BlockRange>& ranges);
+    /// Writes new attributes for a content that stays.
+    [[nodiscard]] FileEntry writeInfo(const StorageFileInfo& info, const FileEntry& content,
+                                      std::vector<BlockRange>& ranges);
+    void replace(FilesTable::Change& change, const FileEntry& entry, const BlockRuns& released,
                  std::span<const BlockRange> ranges);
     /// The attribute word of what the next commit changes.
     [[nodiscard]] std::uint32_t nextVersion() const noexcept {
         return static_cast<std::uint32_t>(head_.counter + 1);
     }
-    [[nodiscard]] StorageFileInfo newInfo(wstring_view name, const std::optional<StorageFileEntry>& old);
+    [[nodiscard]] StorageFileInfo newInfo(wstring_view name, const std::optional<FileEntry>& old);
     void erase(std::span<const wstring> names);
     void finishChange();
 
     // engine_compact.cpp
-    [[nodiscard]] std::uint64_t moveChain(std::uint64_t address);
-    void moveAll();
+    struct Compaction;
+    void convert();
+    [[nodiscard]] bool compactStep(int& nodeSteps);
+    [[nodiscard]] Compaction surveyChains();
+    void releaseLost(Compaction& all);
+    [[nodiscard]] bool moveSome(const Compaction& all);
+    [[nodiscard]] bool moveNodes();
+    /// Copies a chain to a place; its bytes are not looked at.
+    void copyChain(BlockChain& from, BlockRange to);
+    void moveContent(FileEntry& entry, std::uint64_t from);
+    void moveAttributes(FileEntry& entry, wstring_view name, std::uint64_t from);
 
     InterfacePtr<IFile> file_;
     const StorageLayout& layout_;
@@ -262,6 +309,8 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     std::optional<std::uint64_t> spaceCounter_; // the state that space_ belongs to; none when it is not known
     BlockRuns freeBlocks_;
     FreeSpace space_;
+    NodeStore<FileRows> fileNodes_;
+    NodeStore<FreeRows> freeNodes_;
     SpaceLocks pins_;
     bool pinsKnown_ = false;               // to space_, as they are now
     bool spaceVerified_ = false;           // no chain of this state uses what is free in space_
@@ -276,13 +325,15 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     bool readLocked_ = false;
     unsigned turns_ = 0;
     bool transaction_ = false;
-    bool failed_ = false;    // what is durable is not known any more
-    bool appending_ = false; // new blocks go behind everything
+    bool failed_ = false;                             // what is durable is not known any more
+    std::uint64_t nodesFrom_ = 0;                     // no new node lies before this address
+    std::function<bool(const NodeRef&)> nodesToMove_; // which stored nodes the next commit writes again
+    TableLayout next_ = TableLayout::flat;            // of the table that the next commit writes
     std::vector<InnerFile*> files_;
 };
 
 template <class Call>
-auto StorageEngine::checked(wstring_view name, Call call) -> decltype(call()) {
+auto StorageEngine::checked(wstring_view name, Call call) const -> decltype(call()) {
     try {
         return call();
     } catch (const ChainInFileExc&) {
@@ -291,7 +342,7 @@ auto StorageEngine::checked(wstring_view name, Call call) -> decltype(call()) {
 }
 
 template <class Call>
-auto StorageEngine::checked(Call call) -> decltype(call()) {
+auto StorageEngine::checked(Call call) const -> decltype(call()) {
     try {
         return call();
     } catch (const ChainInFileExc&) {

@@ -165,7 +165,9 @@ StorageCheck StorageEngine::check() {
     ProblemList problems(result);
     UsedSpace space;
     space.add(0, layout_.emptyLength());
-    ChainSurvey survey(reader_, file_->length(), table_, head_, tableBlocks_);
+    const auto trees = checked([&] { return treeSpace(); });
+    ChainSurvey survey(reader_, file_->length(), table_, head_, tableBlocks_, trees ? &*trees : nullptr);
+    survey.compareContents();
     ++result.blocks; // the first one of the table
     const bool all = survey.walk(
         [&](const ChainSurvey::Chain& chain) {
@@ -221,7 +223,8 @@ StorageInfo StorageEngine::info() {
         else
             pieces.push_back({begin, end - begin, use});
     };
-    ChainSurvey survey(reader_, result.fileLength, table_, head_, tableBlocks_);
+    const auto trees = checked([&] { return treeSpace(); });
+    ChainSurvey survey(reader_, result.fileLength, table_, head_, tableBlocks_, trees ? &*trees : nullptr);
     ++result.blocks; // the first one of the table
     const auto visit = [&](const ChainSurvey::Chain& chain) {
         result.blocks += chain.blocks.count();

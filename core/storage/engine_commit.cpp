@@ -83,33 +83,43 @@ void StorageEngine::commitChanges() {
     settle(std::move(next));
 }
 
-/// Writes the new table and the new free chain beside what is live, and says in `next` where.
+/// Writes the new table and the new free space beside what is live, and says in `next` where.
 void StorageEngine::writeBeside(Next& next) {
     release(tableBlocks_);
     release(freeBlocks_);
-    next.table = table_.merged();
-    const std::uint64_t size = next.table.encodedSize();
+    ++next.head.counter;
+    next.head.tableLayout = next_;
+    if (next_ == TableLayout::flat)
+        writeFlat(next);
+    else
+        writeTrees(next);
+    requireNoCutChains(next.table);
+    queue_.flush();
+}
+
+void StorageEngine::writeFlat(Next& next) {
+    auto table = table_.flattened();
+    const std::uint64_t size = table->encodedSize();
     const std::uint64_t beyondFirst = size > kStorageBlockSize ? size - kStorageBlockSize : 0;
     const auto ranges = allocate((beyondFirst + kStorageBlockSize - 1) / kStorageBlockSize);
     for (const BlockRange& range : ranges)
         next.tableBlocks.append(range.address, kStorageBlockSize, range.count);
     next.head.freeChain = writeFreeChain(next.freeBlocks);
-    next.table.setEnd(space_.outlook().end);
-    if (!next.table.isWhole()) // nobody could open the container any more
+    const std::uint64_t end = space_.outlook().end;
+    if (!table->isWhole(end)) // nobody could open the container any more
         throwBadFormat();
-    requireNoCutChains(next.table);
-    const std::vector<std::byte> content = next.table.encode();
+    const std::vector<std::byte> content = table->encode(end);
+    next.table = FilesTable(layout_, std::move(table), end);
     if (!ranges.empty())
         write(ranges, std::span(content).subspan(kStorageBlockSize), 0, layout_.null);
     next.head.table.chainSize = size;
     next.head.table.next = ranges.empty() ? layout_.null : ranges.front().address;
-    ++next.head.counter;
-    queue_.flush();
 }
 
 /// Makes the state on the disk the one in memory. Nothing here may fail: the changes are committed by now.
 void StorageEngine::settle(Next next) noexcept {
     head_ = next.head;
+    next_ = head_.tableLayout;
     headBytes_ = head_.encode(layout_);
     table_ = std::move(next.table);
     tableBlocks_ = std::move(next.tableBlocks);
@@ -117,6 +127,8 @@ void StorageEngine::settle(Next next) noexcept {
     unsettled_ = false;
     space_.commit(table_.end());
     spaceCounter_ = head_.counter;
+    if (next_ == TableLayout::tree)
+        trustSpace();
     verifiedList_ = spaceVerified_;
     cutChains_.clear();
     reader_.setEnd(space_.end());
@@ -148,7 +160,7 @@ std::uint64_t StorageEngine::writeFreeChain(BlockRuns& blocks) {
 /// The one write that makes the changes the committed state. When it fails half way, or its flush does, the
 /// old head is put back: the failure is reported, and the old state must be what is found afterwards.
 void StorageEngine::writeHead(const ContainerHead& head) {
-    const std::size_t size = ContainerHead::sizeIn(layout_);
+    const std::size_t size = std::max(head.changingSize(layout_), head_.changingSize(layout_));
     const ContainerHead::Bytes bytes = head.encode(layout_);
     try {
         write_all_at(*file_, 0, std::span(bytes).first(size));
@@ -235,16 +247,27 @@ void StorageEngine::claim(const BlockRuns& blocks) {
 
 std::vector<BlockRange> StorageEngine::allocate(std::uint64_t blocks) {
     std::vector<BlockRange> ranges;
-    const bool fits =
-        blocks == 0 || onSpace([&] {
-            avoidPins();
-            return appending_ ? space_.allocateAtEnd(blocks, ranges) : space_.allocate(blocks, ranges);
-        });
+    const bool fits = blocks == 0 || onSpace([&] {
+                          avoidPins();
+                          return space_.allocate(blocks, ranges);
+                      });
     if (!fits)
         throw_storage_error(messages::kStorageTooLarge, url_);
     reader_.setEnd(std::max(reader_.end(), space_.end()));
     unsettled_ = unsettled_ || blocks != 0;
     return ranges;
+}
+
+BlockRange StorageEngine::allocateTogether(std::uint64_t blocks, std::uint64_t from) {
+    const auto range = onSpace([&] {
+        avoidPins();
+        return space_.allocateTogether(blocks, from);
+    });
+    if (!range)
+        throw_storage_error(messages::kStorageTooLarge, url_);
+    reader_.setEnd(std::max(reader_.end(), space_.end()));
+    unsettled_ = true;
+    return *range;
 }
 
 void StorageEngine::release(const BlockRuns& blocks) {

@@ -33,45 +33,50 @@ std::uint64_t blocks_for(std::uint64_t size) {
 
 bool StorageEngine::contains(wstring_view name) {
     const Reading reading(*this);
-    return table_.find(name).has_value();
+    return checked(name, [&] { return table_.find(name).has_value(); });
 }
 
-StorageFileEntry StorageEngine::existing(wstring_view name) const {
-    const auto entry = table_.find(name);
+FileEntry StorageEngine::existing(wstring_view name) const {
+    const auto entry = checked(name, [&] { return table_.find(name); });
     if (!entry)
         throw StorageException(StorageException::Kind::fileNotFound, urlOf(name));
     return *entry;
 }
 
-StorageFileInfo StorageEngine::readInfo(const StorageFileEntry& entry, wstring_view name) {
+StorageFileInfo StorageEngine::readInfo(const FileEntry& entry, wstring_view name) {
     if (entry.attributes == layout_.null) {
         StorageFileInfo none;
         none.name = name;
         return none;
     }
-    return read_attributes(reader_, entry.attributes, name);
+    StorageFileInfo info = read_attributes(reader_, entry.attributes, name);
+    if (entry.isKnown && checksum(info.encode()) != entry.attributesSum)
+        throw ChainInFileExc(entry.attributes);
+    return info;
 }
 
 /// Damaged attributes give way to new ones: only the times are lost with them.
-StorageFileInfo StorageEngine::infoOrNone(const StorageFileEntry& entry, wstring_view name) {
+StorageFileInfo StorageEngine::infoOrNone(const FileEntry& entry, wstring_view name) {
     try {
         return readInfo(entry, name);
     } catch (const ChainInFileExc&) {
-        return readInfo({layout_.null, layout_.null}, name);
+        return readInfo(FileEntry{{layout_.null, layout_.null}}, name);
     }
 }
 
 StorageEngine::Found StorageEngine::lookUp(wstring_view name) {
-    const StorageFileEntry entry = existing(name);
+    const FileEntry entry = existing(name);
     return {entry, checked(name, [&] { return readInfo(entry, name); })};
 }
 
 std::vector<StorageFound> StorageEngine::find(wstring_view pattern) {
     const Reading reading(*this);
     std::vector<StorageFound> found;
-    table_.forEach([&](wstring_view name, const StorageFileEntry& entry) {
-        if (matches_wildcard(name, pattern))
-            found.push_back(describe(entry, name));
+    checked([&] {
+        table_.forEach([&](wstring_view name, const FileEntry& entry) {
+            if (matches_wildcard(name, pattern))
+                found.push_back(describe(entry, name));
+        });
     });
     return found;
 }
@@ -81,7 +86,7 @@ StorageFound StorageEngine::describe(wstring_view name) {
     return describe(existing(name), name);
 }
 
-StorageFound StorageEngine::describe(const StorageFileEntry& entry, wstring_view name) {
+StorageFound StorageEngine::describe(const FileEntry& entry, wstring_view name) {
     StorageFound found{.name = wstring(name)};
     try {
         const StorageFileInfo info = readInfo(entry, name);
@@ -91,23 +96,36 @@ StorageFound StorageEngine::describe(const StorageFileEntry& entry, wstring_view
         found.damaged = true;
     }
     try {
-        found.size = chain(entry.data, 0).size();
+        found.size = sizeOf(entry);
     } catch (const ChainInFileExc&) {
         found.damaged = true;
     }
     return found;
 }
 
+std::uint64_t StorageEngine::sizeOf(const FileEntry& entry) {
+    return entry.isKnown ? entry.size : chain(entry.data, 0).size();
+}
+
+/// The whole content, which must have its checksum.
+std::vector<std::byte> StorageEngine::contentOf(const FileEntry& entry) {
+    auto content = entry.isTogether() ? read_together(reader_, entry.data, entry.size)
+                                      : chain(entry.data, 0).content(reader_);
+    if (!entry.isIntact(content))
+        throw ChainInFileExc(entry.data);
+    return content;
+}
+
 std::vector<std::byte> StorageEngine::get(wstring_view name) {
     std::optional<InnerReader> large;
     {
         const Reading reading(*this);
-        const StorageFileEntry entry = existing(name);
-        BlockChain content = checked(name, [&] { return chain(entry.data, 0); });
-        if (content.size() > std::vector<std::byte>().max_size()) // on a 32-bit host
+        const FileEntry entry = existing(name);
+        const std::uint64_t size = checked(name, [&] { return sizeOf(entry); });
+        if (size > std::vector<std::byte>().max_size()) // on a 32-bit host
             throw_file_error(messages::kFileRead, urlOf(name), EFBIG);
-        if (content.size() <= kAtOnce)
-            return checked(name, [&] { return content.content(reader_); });
+        if (size <= kAtOnce)
+            return checked(name, [&] { return contentOf(entry); });
         large.emplace(shared_from_this(), name);
     }
     return large->content();
@@ -136,14 +154,31 @@ void StorageEngine::addBlocks(std::uint64_t address, BlockRuns& blocks) {
     }
 }
 
-StorageFileInfo StorageEngine::newInfo(wstring_view name, const std::optional<StorageFileEntry>& old) {
+/// Blocks that lie side by side are known without reading them.
+void StorageEngine::addContent(const FileEntry& entry, BlockRuns& blocks) {
+    if (entry.isTogether() && entry.data != layout_.null)
+        blocks.append(entry.data, kStorageBlockSize, blocks_for(entry.size));
+    else
+        addBlocks(entry.data, blocks);
+}
+
+void StorageEngine::addAttributes(const FileEntry& entry, wstring_view name, BlockRuns& blocks) {
+    if (entry.isKnown && (entry.flags & FileEntry::kAttributesTogether) != 0 &&
+        entry.attributes != layout_.null)
+        blocks.append(entry.attributes, kStorageBlockSize,
+                      blocks_for(StorageFileInfo::kLeastSize + 2 * name.size()));
+    else
+        addBlocks(entry.attributes, blocks);
+}
+
+StorageFileInfo StorageEngine::newInfo(wstring_view name, const std::optional<FileEntry>& old) {
     const Date now = universal_now();
     const Date created = old && old->attributes != layout_.null ? infoOrNone(*old, name).created : Date();
     return {created == Date() ? now : created, now, nextVersion(), wstring(name)};
 }
 
-StorageFileEntry StorageEngine::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
-                                          std::vector<BlockRange>& ranges) {
+FileEntry StorageEngine::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
+                                   std::vector<BlockRange>& ranges) {
     if (info.name.size() > StorageFilesType::kLongestName)
         throw_storage_error(messages::kStorageLongName, url_);
     const std::vector<std::byte> record = info.encode();
@@ -154,16 +189,36 @@ StorageFileEntry StorageEngine::writeFile(const StorageFileInfo& info, std::span
         const auto attributes = split_off(data, recordBlocks, layout_.blockLength(kStorageBlockSize));
         write(attributes, record, record.size(), layout_.null);
         write(data, content, content.size(), layout_.null);
-        return {attributes.front().address, data.empty() ? layout_.null : data.front().address};
+        FileEntry entry{{attributes.front().address, data.empty() ? layout_.null : data.front().address}};
+        if (hasChecksums()) {
+            entry.isKnown = true;
+            entry.flags = (attributes.size() == 1 ? FileEntry::kAttributesTogether : 0) |
+                          (data.size() <= 1 ? FileEntry::kContentTogether : 0);
+            entry.size = content.size();
+            entry.contentSum = checksum(content);
+            entry.attributesSum = checksum(record);
+        }
+        return entry;
     } catch (...) {
         giveBack(ranges);
         throw;
     }
 }
 
+FileEntry StorageEngine::writeInfo(const StorageFileInfo& info, const FileEntry& content,
+                                   std::vector<BlockRange>& ranges) {
+    FileEntry entry = writeFile(info, {}, ranges);
+    entry.data = content.data;
+    entry.size = content.size;
+    entry.contentSum = content.contentSum;
+    entry.flags =
+        (entry.flags & FileEntry::kAttributesTogether) | (content.flags & FileEntry::kContentTogether);
+    return entry;
+}
+
 /// Puts a new entry into the table, or gives its blocks back.
-void StorageEngine::replace(FilesTable::Change& change, const StorageFileEntry& entry,
-                            const BlockRuns& released, std::span<const BlockRange> ranges) {
+void StorageEngine::replace(FilesTable::Change& change, const FileEntry& entry, const BlockRuns& released,
+                            std::span<const BlockRange> ranges) {
     try {
         release(released);
     } catch (...) {
@@ -205,28 +260,33 @@ void StorageEngine::putContent(wstring_view name, std::span<const std::byte> con
         FilesTable::Change& old = table_.edit(name);
         BlockRuns released(layout_.blockHeaderSize());
         if (old) {
-            addBlocks(old->attributes, released);
-            addBlocks(old->data, released);
+            addAttributes(*old, name, released);
+            addContent(*old, released);
         }
         const StorageFileInfo info = newInfo(name, old);
         std::vector<BlockRange> ranges;
-        const StorageFileEntry entry = writeFile(info, content, ranges);
+        const FileEntry entry = writeFile(info, content, ranges);
         replace(old, entry, released, ranges);
     });
     finishChange();
 }
 
-void StorageEngine::publish(wstring_view name, std::uint64_t data, const BlockRuns& released, bool dropOld) {
+void StorageEngine::publish(wstring_view name, const Content& content, const BlockRuns& released,
+                            bool dropOld) {
     checked(name, [&] {
         FilesTable::Change& old = table_.edit(name);
         BlockRuns all = released;
         if (old)
-            addBlocks(old->attributes, all);
+            addAttributes(*old, name, all);
         if (old && dropOld)
-            addBlocks(old->data, all);
+            addContent(*old, all);
+        FileEntry data;
+        data.data = content.address;
+        data.size = content.size;
+        data.contentSum = content.sum;
+        data.flags = content.isTogether ? FileEntry::kContentTogether : 0;
         std::vector<BlockRange> ranges;
-        StorageFileEntry entry = writeFile(newInfo(name, old), {}, ranges);
-        entry.data = data;
+        const FileEntry entry = writeInfo(newInfo(name, old), data, ranges);
         replace(old, entry, all, ranges);
     });
     finishChange();
@@ -241,8 +301,8 @@ void StorageEngine::erase(std::span<const wstring> names) {
         FilesTable::Change& change = table_.edit(name);
         if (!change)
             throw StorageException(StorageException::Kind::fileNotFound, urlOf(name));
-        addBlocks(change->attributes, released);
-        addBlocks(change->data, released);
+        addAttributes(*change, name, released);
+        addContent(*change, released);
         changes.push_back(&change);
     }
     release(released);
@@ -262,11 +322,13 @@ std::size_t StorageEngine::removeAll(wstring_view pattern) {
     const std::lock_guard lock(mutex_);
     const Turn turn(*this);
     std::vector<wstring> names;
-    table_.forEach([&](wstring_view name, const StorageFileEntry&) {
-        if (matches_wildcard(name, pattern))
-            names.emplace_back(name);
+    checked([&] {
+        table_.forEach([&](wstring_view name, const FileEntry&) {
+            if (matches_wildcard(name, pattern))
+                names.emplace_back(name);
+        });
+        erase(names);
     });
-    checked([&] { erase(names); });
     finishChange();
     return names.size();
 }
@@ -276,7 +338,7 @@ void StorageEngine::rename(wstring_view from, wstring_view to) {
         throw StorageException(StorageException::Kind::isDestination, urlOf(from));
     const std::lock_guard lock(mutex_);
     const Turn turn(*this);
-    const StorageFileEntry source = existing(from);
+    const FileEntry source = existing(from);
     refuseOpened(from);
     refuseOpened(to);
     checked(from, [&] {
@@ -284,16 +346,15 @@ void StorageEngine::rename(wstring_view from, wstring_view to) {
         info.name = to;
         info.attribute = nextVersion(); // the name stands for another content now
         BlockRuns released(layout_.blockHeaderSize());
-        addBlocks(source.attributes, released);
+        addAttributes(source, from, released);
         FilesTable::Change& gone = table_.edit(from);
         FilesTable::Change& target = table_.edit(to);
         if (target) {
-            addBlocks(target->attributes, released);
-            addBlocks(target->data, released);
+            addAttributes(*target, to, released);
+            addContent(*target, released);
         }
         std::vector<BlockRange> ranges;
-        StorageFileEntry entry = writeFile(info, {}, ranges);
-        entry.data = source.data;
+        const FileEntry entry = writeInfo(info, source, ranges);
         replace(target, entry, released, ranges);
         table_.assign(gone, std::nullopt);
     });
@@ -303,17 +364,16 @@ void StorageEngine::rename(wstring_view from, wstring_view to) {
 void StorageEngine::setTimes(wstring_view name, Date created, Date modified) {
     const std::lock_guard lock(mutex_);
     const Turn turn(*this);
-    const StorageFileEntry old = existing(name);
+    const FileEntry old = existing(name);
     refuseOpened(name);
     checked(name, [&] {
         StorageFileInfo info = infoOrNone(old, name);
         info.created = created;
         info.modified = modified;
         BlockRuns released(layout_.blockHeaderSize());
-        addBlocks(old.attributes, released);
+        addAttributes(old, name, released);
         std::vector<BlockRange> ranges;
-        StorageFileEntry entry = writeFile(info, {}, ranges);
-        entry.data = old.data;
+        const FileEntry entry = writeInfo(info, old, ranges);
         replace(table_.edit(name), entry, released, ranges);
     });
     finishChange();

@@ -53,6 +53,11 @@ void StorageEngine::loadFreeSpace() {
     if (spaceCounter_ == head_.counter && !hasGrown)
         return;
     spaceCounter_.reset();
+    if (head_.tableLayout == TableLayout::tree) {
+        loadFreeTree();
+        spaceCounter_ = head_.counter;
+        return;
+    }
     RangeSet free;
     FreeChain list = read_free_chain(reader_, head_.freeChain, table_.end(),
                                      [&](std::uint64_t begin, std::uint64_t end) { free.add(begin, end); });
@@ -71,6 +76,13 @@ void StorageEngine::loadFreeSpace() {
     spaceCounter_ = head_.counter;
 }
 
+/// Free space in table layout 2 has checksums.
+void StorageEngine::trustSpace() noexcept {
+    spaceVerified_ = spaceComplete_ = true;
+    sharedSpace_.clear();
+    cutChains_.clear();
+}
+
 void StorageEngine::distrustSpace() {
     unverifiedEnd_ = std::max(table_.end(), file_->length());
     space_.distrust(unverifiedEnd_);
@@ -84,7 +96,7 @@ void StorageEngine::verifySpace() {
     bool sound = true;
     cutChains_.clear();
     const std::uint64_t length = file_->length();
-    ChainSurvey survey(reader_, length, table_, head_, tableBlocks_);
+    ChainSurvey survey(reader_, length, table_, head_, tableBlocks_, nullptr);
     const bool all = survey.walk(
         [&](const ChainSurvey::Chain& chain) {
             if (chain.use == StorageUse::freeChain && chain.damage)
@@ -136,7 +148,7 @@ void StorageEngine::requireNoCutChains(const FilesTable& table) const {
         return std::find(cutChains_.begin(), cutChains_.end(), address) != cutChains_.end();
     };
     std::optional<wstring> cut;
-    table.forEach([&](wstring_view name, const StorageFileEntry& entry) {
+    table.forEach([&](wstring_view name, const FileEntry& entry) {
         if (!cut && (isCut(entry.attributes) || isCut(entry.data)))
             cut = name;
     });

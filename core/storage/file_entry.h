@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/storage/checksum.h"
+
 #include <core/storage/files_type.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace core {
 
@@ -19,6 +23,10 @@ struct FileEntry : StorageFileEntry {
     std::uint64_t attributesSum = 0; ///< the checksum of the attributes record
 
     [[nodiscard]] bool isTogether() const noexcept { return isKnown && (flags & kContentTogether) != 0; }
+    /// Whether a content is the one that the table tells of, as far as it does.
+    [[nodiscard]] bool isIntact(std::span<const std::byte> content) const noexcept {
+        return !isKnown || (content.size() == size && checksum(content) == contentSum);
+    }
     friend bool operator==(const FileEntry&, const FileEntry&) = default;
 };
 

@@ -27,7 +27,7 @@ bool StorageFilesType::decode(std::span<const std::byte> content, bool sorted) {
 void StorageFilesType::set(wstring_view name, const StorageFileEntry& entry) {
     if (name.size() > kLongestName)
         throw_storage_error(messages::kStorageLongName, {});
-    table_->set(name, entry);
+    table_->set(name, FileEntry{entry});
 }
 
 bool StorageFilesType::remove(wstring_view name) {
@@ -53,7 +53,7 @@ void StorageFilesType::forEach(
 }
 
 std::vector<std::byte> StorageFilesType::encode() const {
-    return table_->merged().encode();
+    return table_->flattened()->encode(table_->end());
 }
 
 } // namespace core

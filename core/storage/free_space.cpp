@@ -4,6 +4,7 @@
 #include "core/storage/little_endian.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -138,6 +139,36 @@ std::uint64_t FreeSpace::placeAtEnd(std::uint64_t length) const {
     return place;
 }
 
+std::optional<BlockRange> FreeSpace::allocateTogether(std::uint64_t count, std::uint64_t from) {
+    const std::uint64_t step = layout_->blockLength(kStorageBlockSize);
+    if (count > layout_->limit() / step)
+        return std::nullopt;
+    std::vector<BlockRange> ranges;
+    std::optional<std::uint64_t> place;
+    if (longest_ >= count * step)
+        free_.forEachWithout(pinned_, [&](std::uint64_t begin, std::uint64_t end) {
+            begin = std::max(begin, from);
+            if (begin < end && end - begin >= count * step)
+                place = begin;
+            return !place;
+        });
+    if (place)
+        take(*place, count, ranges);
+    else if (!allocateAtEnd(count, ranges))
+        return std::nullopt;
+    return ranges.front();
+}
+
+std::uint64_t FreeSpace::roomAt(std::uint64_t address) const {
+    std::uint64_t room = 0;
+    free_.forEachWithout(pinned_, [&](std::uint64_t begin, std::uint64_t end) {
+        if (begin == address)
+            room = end - begin;
+        return begin < address;
+    });
+    return room;
+}
+
 bool FreeSpace::isUsed(const BlockRuns& blocks) const {
     const auto& runs = blocks.runs();
     return std::all_of(runs.begin(), runs.end(), [&](const BlockRun& run) {
@@ -177,6 +208,48 @@ FreeSpace::Outlook FreeSpace::outlook() const {
     if (!result.free.empty() && result.free.back().second == end_) {
         result.end = result.free.back().first;
         result.free.pop_back();
+    }
+    return result;
+}
+
+/// A committed range is free and fresh space side by side. So what touches neither fresh nor released space
+/// stays as it is.
+FreeSpace::Delta FreeSpace::delta() const {
+    Delta result{{}, {}, end_};
+    const auto& free = free_.ranges();
+    RangeSet beside;
+    const auto addBeside = [&](std::uint64_t begin, std::uint64_t end) {
+        auto next = free.lower_bound(begin);
+        if (next != free.begin() && std::prev(next)->second == begin &&
+            !beside.contains(std::prev(next)->first, begin))
+            beside.add(std::prev(next)->first, begin);
+        if (next != free.end() && next->first == end && !beside.contains(end, next->second))
+            beside.add(end, next->second);
+    };
+    for (const auto& [begin, end] : fresh_.ranges()) {
+        addBeside(begin, end);
+        if (begin < committedEnd_)
+            result.before.add(begin, std::min(end, committedEnd_));
+    }
+    for (const auto& [begin, end] : released_.ranges()) {
+        addBeside(begin, end);
+        result.after.add(begin, end);
+    }
+    auto range = free.lower_bound(committedEnd_);
+    if (range != free.begin() && std::prev(range)->second > committedEnd_)
+        --range;
+    for (; range != free.end(); ++range) {
+        if (!beside.contains(range->first, range->second))
+            beside.add(range->first, range->second);
+    }
+    for (const auto& [begin, end] : beside.ranges()) {
+        if (begin < committedEnd_)
+            result.before.add(begin, std::min(end, committedEnd_));
+        result.after.add(begin, end);
+    }
+    if (!result.after.empty() && std::prev(result.after.ranges().end())->second == end_) {
+        result.end = std::prev(result.after.ranges().end())->first;
+        result.after.cut(result.end);
     }
     return result;
 }

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace core {
@@ -51,6 +52,12 @@ class FreeSpace {
     /// Gives blocks back: fresh ones become free, committed ones released. False, with nothing changed, when
     /// some of them are not in use, which only a damaged container can bring about.
     [[nodiscard]] bool release(const BlockRuns& blocks);
+    /// Takes blocks in one piece, however few, from the lowest free space at or behind `from`, or from the
+    /// end. Nothing when the layout cannot address that many.
+    [[nodiscard]] std::optional<BlockRange> allocateTogether(std::uint64_t count, std::uint64_t from);
+    /// How many bytes from an address on may be taken; 0 when a free range does not begin there.
+    [[nodiscard]] std::uint64_t roomAt(std::uint64_t address) const;
+    [[nodiscard]] bool isFree(std::uint64_t address) const { return free_.touches(address, address + 1); }
     /// Whether blocks of a chain lie in what is free, or beyond the end.
     [[nodiscard]] bool isUsed(const BlockRuns& blocks) const;
     /// Whether the changes alone use this byte.
@@ -67,10 +74,18 @@ class FreeSpace {
         std::uint64_t end;
     };
     [[nodiscard]] Outlook outlook() const;
+    /// The ranges that the changes touch, as the committed state has them and as the next one will.
+    struct Delta {
+        RangeSet before;
+        RangeSet after;
+        std::uint64_t end;
+    };
+    [[nodiscard]] Delta delta() const;
 
     [[nodiscard]] bool hasChanges() const noexcept { return !fresh_.empty() || !released_.empty(); }
     [[nodiscard]] std::uint64_t end() const noexcept { return end_; }
     [[nodiscard]] const RangeSet& free() const noexcept { return free_; }
+    [[nodiscard]] const RangeSet& fresh() const noexcept { return fresh_; }
 
     [[nodiscard]] static std::vector<std::byte> encode(const RangeSet::List& free,
                                                        const StorageLayout& layout);

@@ -22,9 +22,12 @@ InnerReader::InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view nam
     StorageEngine& in = this->engine();
     const StorageEngine::Reading reading(in);
     reader_.setEnd(in.reader().end());
-    const StorageFileEntry entry = in.existing(name);
+    entry_ = in.existing(name);
     in.checked(name, [&] {
-        chain_.open(reader_, entry.data, 0);
+        if (entry_.isTogether() && entry_.data != in.layout().null)
+            chain_.adoptTogether(reader_, entry_.data, entry_.size);
+        else
+            chain_.open(reader_, entry_.data, 0);
         keep(in.spaceOf(chain_, reader_));
     });
     keepsAll_ = !chain_.isWalked();
@@ -54,6 +57,8 @@ std::vector<std::byte> InnerReader::content() {
         bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(length, done + kPiece)));
         (void)readAt(done, std::span(bytes).subspan(done));
     }
+    if (!entry_.isIntact(bytes))
+        engine().throwDamaged(name());
     return bytes;
 }
 

@@ -11,7 +11,7 @@ class InnerReader : public InnerFile {
     InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view name);
     ~InnerReader() override;
 
-    /// The whole content.
+    /// The whole content, which must have its checksum.
     [[nodiscard]] std::vector<std::byte> content();
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
     void truncate(std::uint64_t length) override;
@@ -25,6 +25,7 @@ class InnerReader : public InnerFile {
 
   private:
     BlockReader reader_;
+    FileEntry entry_;
     BlockChain chain_;
     bool keepsAll_ = false; // the whole space of the container: where the chain lies is not known yet
 };

@@ -153,7 +153,7 @@ void InnerWriter::publishChain(bool goOn) {
     to.claim(result.fresh);
     try {
         // A base that has moved is out of use where it lay.
-        to.publish(name(), result.address,
+        to.publish(name(), {result.address, result.size, result.sum, result.isTogether},
                    shares ? result.released : BlockRuns(to.layout().blockHeaderSize()), !shares);
     } catch (...) {
         to.giveBack(result.fresh);

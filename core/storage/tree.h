@@ -25,6 +25,8 @@ class TreeSource {
     [[nodiscard]] virtual Node load(const NodeRef& ref) = 0;
     /// The child of a node, whose level is one below.
     [[nodiscard]] virtual Node loadChild(const TreeNode<Rows>& parent, std::size_t row) = 0;
+    /// Throws as load() does.
+    [[noreturn]] virtual void throwDamaged(const NodeRef& ref) const = 0;
 };
 
 /// What a key stands for from now on; nothing when it goes.
@@ -83,8 +85,9 @@ class TreePlanner {
         Node rows;
         rows.level = 1;
         if (root) {
-            rows.level = source_.load(*root)->level + 1;
-            apply(TreeChild{*root, 0, TreeChild::kStored}, {}, changes, rows);
+            const auto node = source_.load(*root);
+            rows.level = node->level + 1;
+            apply(TreeChild{*root, 0, TreeChild::kStored}, *node, {}, changes, rows);
         } else {
             Node leaf;
             for (const auto& change : changes) {
@@ -108,26 +111,26 @@ class TreePlanner {
     /// A root with one child goes. A child that becomes the root is written again: a root is stored in a way
     /// of its own.
     [[nodiscard]] TreeChild lowest(TreeChild top) {
-        for (bool isTop = true;; isTop = false) {
-            if (top.draft == TreeChild::kStored) {
-                if (isTop)
-                    return top;
-                plan_.obsolete.push_back(top.ref);
-                top.draft = plan_.drafts.size();
-                plan_.drafts.push_back({*source_.load(top.ref)});
-            }
+        while (top.draft != TreeChild::kStored) {
             auto& draft = plan_.drafts[top.draft];
             if (draft.node.level == 0 || draft.node.size() != 1)
                 return top;
             draft.isUsed = false;
-            top = draft.node.children.front();
+            const TreeChild below = draft.node.children.front();
+            if (below.draft == TreeChild::kStored) {
+                Node copy = *source_.loadChild(draft.node, 0);
+                plan_.obsolete.push_back(below.ref);
+                top = this->draft(std::move(copy));
+            } else {
+                top = below;
+            }
         }
+        return top;
     }
 
     /// Appends what becomes of a stored node to the rows of its parent.
-    void apply(const TreeChild& child, std::optional<typename Rows::Key> key, Changes changes, Node& parent) {
-        const auto stored = source_.load(child.ref);
-        const Node& node = *stored;
+    void apply(const TreeChild& child, const Node& node, std::optional<typename Rows::Key> key,
+               Changes changes, Node& parent) {
         const bool moves = moves_ && moves_(child.ref);
         if (changes.empty() && !moves && !(moves_ && node.level != 0)) {
             parent.append(key ? *key : node.keys.at(0), child);
@@ -152,7 +155,7 @@ class TreePlanner {
                     result.append(node.keys.at(row), below);
                 } else {
                     const std::size_t before = plan_.drafts.size();
-                    apply(below, node.keys.at(row), part, result);
+                    apply(below, *source_.loadChild(node, row), node.keys.at(row), part, result);
                     changed = changed || plan_.drafts.size() != before;
                 }
             }
@@ -205,8 +208,8 @@ class TreePlanner {
                 TreeChild& last = joined.children.back();
                 if ((isSmallDraft(child) || isSmallDraft(last)) &&
                     bytesOf(child) + bytesOf(last) <= NodeHeader::kCapacity) {
-                    Node both = take(last);
-                    const Node second = take(child);
+                    Node both = take(last, parent.level - 1);
+                    const Node second = take(child, parent.level - 1);
                     for (std::size_t i = 0; i < second.size(); ++i)
                         both.appendFrom(second, i);
                     last = draft(std::move(both));
@@ -219,10 +222,13 @@ class TreePlanner {
     }
 
     /// The node of a child that is not used any more.
-    [[nodiscard]] Node take(const TreeChild& child) {
+    [[nodiscard]] Node take(const TreeChild& child, unsigned level) {
         if (child.draft == TreeChild::kStored) {
+            const auto stored = source_.load(child.ref);
+            if (stored->level != level)
+                source_.throwDamaged(child.ref);
             plan_.obsolete.push_back(child.ref);
-            return *source_.load(child.ref);
+            return *stored;
         }
         plan_.drafts[child.draft].isUsed = false;
         return std::move(plan_.drafts[child.draft].node);
@@ -300,12 +306,25 @@ template <class Rows>
 /// Calls `visit(key, value)` for all rows below a node, in order.
 template <class Rows, class Visit>
 void for_each_in_tree(TreeSource<Rows>& source, const std::shared_ptr<const TreeNode<Rows>>& node,
-                      Visit& visit) {
+                      const Visit& visit) {
     for (std::size_t row = 0; row < node->size(); ++row) {
         if (node->level == 0)
             visit(node->keys.at(row), node->values[row]);
         else
             for_each_in_tree(source, source.loadChild(*node, row), visit);
+    }
+}
+
+/// Calls `visit(const NodeRef&)` for all nodes of a tree. Leaves are not read.
+template <class Rows, class Visit>
+void for_each_node(TreeSource<Rows>& source, const NodeRef& ref,
+                   const std::shared_ptr<const TreeNode<Rows>>& node, const Visit& visit) {
+    visit(ref);
+    for (std::size_t row = 0; row < node->children.size(); ++row) {
+        if (node->level == 1)
+            visit(node->children[row].ref);
+        else
+            for_each_node(source, node->children[row].ref, source.loadChild(*node, row), visit);
     }
 }
 

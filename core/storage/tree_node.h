@@ -82,6 +82,8 @@ struct NodeHeader {
     static constexpr std::size_t kCapacity = 8 * kStorageBlockSize;
     /// No node that holds what it must is larger.
     static constexpr std::uint64_t kLimit = std::uint64_t{1} << 20;
+    /// No tree that fits into a file is higher.
+    static constexpr unsigned kMostLevels = 64;
 
     unsigned level;
     std::uint64_t counter; ///< of changes, after the commit that wrote it
@@ -100,8 +102,10 @@ struct NodeHeader {
             load_number(node.data() + 14, 2) != 0 || load_number(node.data() + 28, 4) != 0 ||
             load_number(node.data(), 8) != checksum(node.subspan(8)))
             return std::nullopt;
-        return NodeHeader{static_cast<unsigned>(load_number(node.data() + 12, 2)),
-                          load_number(node.data() + 16, 8), load_number(node.data() + 24, 4)};
+        const auto level = static_cast<unsigned>(load_number(node.data() + 12, 2));
+        if (level > kMostLevels)
+            return std::nullopt;
+        return NodeHeader{level, load_number(node.data() + 16, 8), load_number(node.data() + 24, 4)};
     }
 };
 
@@ -123,13 +127,14 @@ template <class Rows>
     return content;
 }
 
-/// The node that is stored as `content`; nothing when it is damaged, or when one of its addresses lies at or
-/// behind `end`.
+/// The node that is stored as `content`; nothing when it is damaged or another one than `sum` says, or when
+/// one of its addresses lies at or behind `end`.
 template <class Rows>
 [[nodiscard]] std::optional<TreeNode<Rows>> decode_node(std::span<const std::byte> content,
-                                                        const StorageLayout& layout, std::uint64_t end) {
+                                                        const StorageLayout& layout, std::uint64_t end,
+                                                        std::uint64_t sum) {
     const auto header = NodeHeader::decode(content, Rows::kKind);
-    if (!header)
+    if (!header || load_number(content.data(), 8) != sum)
         return std::nullopt;
     const auto body = content.subspan(NodeHeader::kSize);
     if (header->rows > body.size() / Rows::rowBytes(header->level, layout))

@@ -201,9 +201,11 @@ TEST(Storage64, HasTheWideLayoutThroughout) {
     EXPECT_THROW(StorageRW64::create(*open_memory_file(data)), FileException);
     EXPECT_EQ(open_memory_file(data)->length(), kStorageLayout64.emptyLength());
     const Bytes content(4, std::byte{1});
+    EXPECT_THROW(StorageRW narrow(open_memory_file(data)), StorageException);
+    open_memory_file(data)->truncate(0);
+    test::create_container(*open_memory_file(data), {&kStorageLayout64, 1});
     StorageRW64(open_memory_file(data)).put(u"a", content);
     EXPECT_EQ(StorageRW64(open_memory_file(data)).get(u"a"), content);
-    EXPECT_THROW(StorageRW narrow(open_memory_file(data)), StorageException);
     ChainInFile64 chain;
     chain.read(*open_memory_file(data), kStorageLayout64.headerSize(), u"box");
     StorageFilesType64 table;

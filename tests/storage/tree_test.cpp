@@ -25,8 +25,7 @@ class Stored : public TreeSource<Rows> {
     typename TreeSource<Rows>::Node load(const NodeRef& ref) override {
         const auto& bytes = nodes.at(ref.address);
         EXPECT_EQ(bytes.size(), ref.size);
-        EXPECT_EQ(load_number(bytes.data(), 8), ref.sum);
-        auto node = decode_node<Rows>(bytes, layout_, layout_.limit());
+        auto node = decode_node<Rows>(bytes, layout_, layout_.limit(), ref.sum);
         EXPECT_TRUE(node);
         return std::make_shared<const TreeNode<Rows>>(std::move(*node));
     }
@@ -36,6 +35,8 @@ class Stored : public TreeSource<Rows> {
         EXPECT_EQ(Rows::compare(node->keys.at(0), parent.keys.at(row)), 0);
         return node;
     }
+
+    [[noreturn]] void throwDamaged(const NodeRef&) const override { throw std::logic_error("damaged"); }
 
     /// Makes a plan true. The nodes that it does not use any more are taken away.
     void apply(TreePlan<Rows> plan) {

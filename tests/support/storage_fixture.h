@@ -61,7 +61,8 @@ struct Format {
     int table;
 };
 /// What new containers are made in, and what older ones were made in.
-inline constexpr Format kFormats[] = {{&kStorageLayout32, 1}, {&kStorageLayout64, 1}};
+inline constexpr Format kFormats[] = {
+    {&kStorageLayout32, 1}, {&kStorageLayout64, 1}, {&kStorageLayout32, 2}, {&kStorageLayout64, 2}};
 /// The formats of the first table layout.
 inline constexpr Format kFlatFormats[] = {{&kStorageLayout32, 1}, {&kStorageLayout64, 1}};
 inline const auto kEveryFormat = testing::ValuesIn(kFormats);

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/storage/canonical_chain.h"
+
+#include "core/storage/block_chain.h"
+#include "core/storage/block_format.h"
+#include "core/storage/block_reader.h"
+#include "core/storage/checksum.h"
+
+#include <core/storage/errors.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace core {
+
+CanonicalChain read_canonical(BlockReader& reader, std::uint64_t address) {
+    constexpr std::uint64_t kAtOnce = 128; // blocks
+    const StorageLayout& layout = reader.layout();
+    BlockChain chain(layout);
+    chain.open(reader, address, 0);
+    chain.walk(reader);
+    const auto& runs = chain.runs().runs();
+    const std::uint64_t size = chain.size();
+    const std::uint64_t blocks = (size + kStorageBlockSize - 1) / kStorageBlockSize;
+    CanonicalChain result{size, 0, runs.size() <= 1, chain.runs().count() == blocks};
+    for (const BlockRun& run : runs)
+        result.isCanonical = result.isCanonical && run.size == kStorageBlockSize;
+    Checksum sum;
+    std::vector<std::byte> content;
+    if (!result.isCanonical) {
+        result.isTogether = false;
+        for (std::uint64_t done = 0; done < size; done += content.size()) {
+            content.resize(static_cast<std::size_t>(std::min(kAtOnce * kStorageBlockSize, size - done)));
+            chain.readAt(reader, done, content);
+            sum.add(content);
+        }
+        result.sum = sum.value();
+        return result;
+    }
+    const std::uint64_t step = layout.blockLength(kStorageBlockSize);
+    std::vector<std::byte> found;
+    std::vector<std::byte> expected;
+    std::uint64_t chainSize = size;
+    std::uint64_t left = size;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        for (BlockRange rest{runs[i].address, runs[i].count}; rest.count != 0;) {
+            const BlockRange piece{rest.address, std::min(kAtOnce, rest.count)};
+            rest = {rest.address + piece.count * step, rest.count - piece.count};
+            const std::uint64_t next = rest.count != 0       ? rest.address
+                                       : i + 1 < runs.size() ? runs[i + 1].address
+                                                             : layout.null;
+            found.resize(static_cast<std::size_t>(piece.count * step));
+            expected.resize(found.size());
+            content.resize(static_cast<std::size_t>(std::min(left, piece.count * kStorageBlockSize)));
+            if (!reader.readAround(piece.address, found))
+                throw ChainInFileExc(piece.address);
+            for (std::size_t at = 0, block = 0; at < content.size(); at += kStorageBlockSize, ++block)
+                std::memcpy(content.data() + at, found.data() + block * step + layout.blockHeaderSize(),
+                            std::min(kStorageBlockSize, content.size() - at));
+            sum.add(content);
+            encode_blocks(expected.data(), layout, piece, content, std::exchange(chainSize, 0), next);
+            result.isCanonical = result.isCanonical && found == expected;
+            left -= content.size();
+        }
+    }
+    result.sum = sum.value();
+    return result;
+}
+
+} // namespace core
