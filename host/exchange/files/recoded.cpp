@@ -15,9 +15,9 @@ core::ByteReader in_utf8(core::ByteReader bytes, core::wstring_view name,
         core::Encoder encoder;
     };
     const core::wstring text(name);
-    auto recoder = std::make_shared<Recoder>(core::TextReader(std::move(bytes), text, {.encoding = encoding}),
-                                             core::Encoder({}, {}, text));
-    return [recoder = std::move(recoder)](std::span<std::byte> into) {
+    const std::shared_ptr<Recoder> recoder(new Recoder{
+        core::TextReader(std::move(bytes), text, {.encoding = encoding}), core::Encoder({}, {}, text)});
+    return [recoder](std::span<std::byte> into) {
         for (;;) {
             const core::wstring_view units = recoder->reader.look();
             const core::ConvertStep step = recoder->encoder.encode(units, into, units.empty());
