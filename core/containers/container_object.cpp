@@ -22,14 +22,15 @@ class ContainerFile : public ScriptObject<ContainerFile> {
     ContainerFile() = default;
     explicit ContainerFile(const StorageFound& file)
         : name(file.name), size(file.size), created(local_time(file.created)),
-          modified(local_time(file.modified)) {}
+          modified(local_time(file.modified)), damaged(file.damaged) {}
 
     static auto members() {
         using T = ContainerFile;
         return core::members(property(u"Name", u"Имя", &T::name, read_only),
                              property(u"Size", u"Размер", &T::size, read_only),
                              property(u"Created", u"Создан", &T::created, read_only),
-                             property(u"Modified", u"Изменен", &T::modified, read_only));
+                             property(u"Modified", u"Изменен", &T::modified, read_only),
+                             property(u"Damaged", u"Поврежден", &T::damaged, read_only));
     }
     bool getString(wstring& out) const override {
         out = name;
@@ -41,6 +42,7 @@ class ContainerFile : public ScriptObject<ContainerFile> {
     std::uint64_t size = 0;
     Date created;
     Date modified;
+    bool damaged = false;
 };
 
 /// A container, open until it is closed or nobody holds it any more.

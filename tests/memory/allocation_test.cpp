@@ -126,6 +126,7 @@ TEST_F(Allocation, CollectionsStayWhole) {
         {"J = \"{\"\"a\"\": [1.5, true, null, \"\"text\"\"], \"\"b\"\": {\"\"c\"\": 1}}\";",
          "V = FromJson(J);"},
         {map, "J = ToJson(M, 2);"},
+        {"", "N = (New Container).Names().Count();"},
     });
 }
 
