@@ -4,6 +4,7 @@
 #include "host/terminal/text_columns.h"
 
 #include <core/runtime/exception.h>
+#include <core/storage/errors.h>
 #include <core/strings/integer_text.h>
 
 #include <nlohmann/json.hpp>
@@ -14,16 +15,35 @@ namespace host::container {
 
 using namespace core;
 
-/// Looks at what finding and opening a file takes, and not at every block.
+namespace {
+
+/// Whether a reader finds the file and gets its first bytes.
+bool begins_well(StorageRW& storage, const StorageFound& file) {
+    if (file.damaged)
+        return false;
+    try {
+        std::byte first{};
+        (void)storage.open(file.name, OpenMode::read)->readAt(0, &first, 1);
+        return true;
+    } catch (const StorageException& e) {
+        if (e.kind() != StorageException::Kind::badFormat)
+            throw;
+        return false;
+    }
+}
+
+} // namespace
+
+/// Looks at what it takes to find a file and to begin reading it, and not at every block.
 ExitCode verify(const Options& options, Console& console) {
-    const StorageRW storage = open(options, OpenMode::read);
+    StorageRW storage = open(options, OpenMode::read);
     std::uint64_t files = 0;
     std::uint64_t bytes = 0;
     std::uint64_t damaged = 0;
     for (const StorageFound& file : storage.find()) {
         ++files;
         bytes += file.size;
-        if (!file.damaged)
+        if (begins_well(storage, file))
             continue;
         ++damaged;
         fail(console, message_text("IDS_HOST_FILE_DAMAGED", {storage.rootURL() + file.name}), ExitCode::no);
