@@ -10,11 +10,13 @@
 #include <core/runtime/live_counter.h>
 #include <core/runtime/module.h>
 #include <core/runtime/threads/thread.h>
+#include <core/streams/text_reader.h>
 #include <core/values/type_service.h>
 
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <optional>
@@ -207,6 +209,35 @@ TEST_F(Allocation, ContainersStayWhole) {
     const std::string load = "V = LoadFromContainer" + name + ");";
     check({{prepare.c_str(), save.c_str()}, {prepare.c_str(), load.c_str()}});
     std::filesystem::remove(file);
+}
+
+TEST(Text, IsReadAndWrittenWholeOrNotAtAll) {
+    const core::wstring text = u"Съешь же ещё этих мягких французских булок,\r\nда выпей чаю.";
+    std::string bytes;
+    for (const char16_t* const name : {u"windows-1251", u"UTF-8", u"GB18030", u"IBM866"}) {
+        bool isDone = false;
+        for (int allowed = 0; !isDone; ++allowed)
+            std::thread([&] {
+                try {
+                    const test::AllocationLimit limit(allowed);
+                    const core::Encoding encoding(name);
+                    bytes = core::encode_text(text, encoding);
+                    const auto all = std::as_bytes(std::span(bytes));
+                    static_cast<void>(core::detect_encoding(all, true));
+                    core::TextReader reader(
+                        [left = all](std::span<std::byte> into) mutable {
+                            const std::size_t count = std::min(into.size(), left.size());
+                            std::copy_n(left.begin(), count, into.begin());
+                            left = left.subspan(count);
+                            return count;
+                        },
+                        u"a text with a name of its own", {.encoding = encoding});
+                    isDone = reader.readAll() == text;
+                    EXPECT_TRUE(isDone) << allowed;
+                } catch (const std::bad_alloc&) {
+                }
+            }).join();
+    }
 }
 
 TEST(ClassFactory, IsWholeOrNull) {
