@@ -67,13 +67,15 @@ class Failing : public test::FaultContainer {
 INSTANTIATE_TEST_SUITE_P(Formats, Failing, test::kEveryFormat, test::name_of_format);
 
 /// Others who use the container meanwhile: a file open for writing through the same handle, which has blocks
-/// that no commit knows of, and a file open for reading through another handle.
+/// that no commit knows of, and files open for reading and for writing through another handle.
 class Beside {
   public:
     /// No change may be in progress for `writing` when the container is compacted.
     Beside(FaultDisk& disk, StorageRW& storage, bool writing)
         : other_(test::open_fault_file(disk), storage.layout()),
           reader_(other_.open(u"still", OpenMode::read)), still_(other_.get(u"still")) {
+        across_ = other_.open(u"across", OpenMode::replace);
+        write_all(*across_, Bytes(20000, std::byte{8}));
         if (!writing)
             return;
         writer_ = storage.open(u"beside", OpenMode::create);
@@ -83,6 +85,10 @@ class Beside {
 
     /// Ends the writing; what came of it is in the model afterwards.
     void finish(Model& model) {
+        write_all_at(*across_, 100, Bytes(50, std::byte{7}));
+        std::exchange(across_, nullptr)->close(); // no failure of the first handle is one of the other
+        Bytes& across = model[u"across"] = Bytes(20000, std::byte{8});
+        std::fill_n(across.begin() + 100, 50, std::byte{7});
         if (!writer_)
             return;
         try {
@@ -112,6 +118,7 @@ class Beside {
     InterfacePtr<IFile> reader_;
     Bytes still_;
     InterfacePtr<IFile> writer_;
+    InterfacePtr<IFile> across_;
 };
 
 TEST_P(Failing, EveryCallOnceLeavesTheStateWhole) {
