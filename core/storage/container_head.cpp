@@ -2,10 +2,12 @@
 #include "core/storage/container_head.h"
 
 #include "core/storage/checksum.h"
+#include "core/storage/flat_files.h"
 #include "core/storage/little_endian.h"
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 
 namespace core {
 namespace {
@@ -85,11 +87,11 @@ ContainerHead::Bytes ContainerHead::encode(const StorageLayout& layout) const no
 bool ContainerHead::isSound(const Bytes& bytes, const StorageLayout& layout) const noexcept {
     if (blockSize != kStorageBlockSize || table.size != kStorageBlockSize)
         return false;
-    if (tableLayout == TableLayout::flat) // an empty table does not look at the mark
-        return true;
     const std::byte* const record = bytes.data() + record_offset(layout);
-    if (load_number(record + kSum, 8) != head_sum(bytes, layout) || end < layout.emptyLength() ||
-        end > layout.limit())
+    if (tableLayout == TableLayout::flat) // a table that is not empty looks at its mark itself
+        return table.chainSize != 0 ||
+               std::ranges::equal(std::span(record, kStorageBlockSize), FlatFiles::preamble());
+    if (encode(layout) != bytes || end < layout.emptyLength() || end > layout.limit())
         return false;
     const bool hasRoot = table.chainSize > kStorageBlockSize && table.next != layout.null;
     if (files == 0)
