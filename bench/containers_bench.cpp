@@ -25,6 +25,7 @@
 #include <new>
 #include <numeric>
 #include <random>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -342,7 +343,7 @@ void reopen(benchmark::State& state) {
     for (auto _ : state) {
         Store store(folder.file(), false);
         store.beginReading();
-        require(store.get(5000) == kSize);
+        require(store.get(static_cast<std::size_t>(state.range(0)) / 2) == kSize);
         store.endReading();
     }
 }
@@ -351,12 +352,57 @@ void reopen(benchmark::State& state) {
     BENCHMARK_TEMPLATE(create, Store)->Unit(benchmark::kMillisecond)->UseRealTime();                         \
     BENCHMARK_TEMPLATE(read_at_random, Store)->Unit(benchmark::kMillisecond)->UseRealTime();                 \
     BENCHMARK_TEMPLATE(delete_and_add, Store)->Unit(benchmark::kMillisecond)->UseRealTime();                 \
-    BENCHMARK_TEMPLATE(reopen, Store)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond)->UseRealTime()
+    BENCHMARK_TEMPLATE(reopen, Store)                                                                        \
+        ->Arg(1000)                                                                                          \
+        ->Arg(10000)                                                                                         \
+        ->Arg(100000)                                                                                        \
+        ->Unit(benchmark::kMicrosecond)                                                                      \
+        ->UseRealTime()
 
 STORE_BENCHMARKS(Ours);
 STORE_BENCHMARKS(Lmdb);
 STORE_BENCHMARKS(Sqlite);
 STORE_BENCHMARKS(Zip);
+
+template <class Store>
+void commit_one(Store& store, std::size_t i) {
+    store.begin();
+    store.put(i);
+    store.commit();
+}
+
+// One file replaced, in a store of more and more of them.
+template <class Store>
+void commit_among(benchmark::State& state) {
+    const Folder folder;
+    Store store(folder.file(), true);
+    const auto count = static_cast<std::size_t>(state.range(0));
+    fill(store, count);
+    std::mt19937 random(3);
+    for (auto _ : state)
+        commit_one(store, random() % count);
+}
+BENCHMARK_TEMPLATE(commit_among, Ours)->Arg(1000)->Arg(10000)->Arg(100000)->UseRealTime();
+BENCHMARK_TEMPLATE(commit_among, Lmdb)->Arg(1000)->Arg(10000)->Arg(100000)->UseRealTime();
+BENCHMARK_TEMPLATE(commit_among, Sqlite)->Arg(1000)->Arg(10000)->Arg(100000)->UseRealTime();
+
+void reopen_a_million(benchmark::State& state) {
+    constexpr std::size_t kMillion = 1000000;
+    const Folder folder;
+    {
+        core::StorageRW storage = Ours::open(folder.file(), true);
+        for (std::size_t i = 0; i < kMillion;) {
+            core::StorageTransaction transaction(storage);
+            do
+                storage.put(core::from_utf8(name_of(i)), std::span(content()).first(16));
+            while (++i % 100000 != 0);
+            transaction.commit();
+        }
+    }
+    for (auto _ : state)
+        require(Ours::open(folder.file(), false).get(core::from_utf8(name_of(kMillion / 2))).size() == 16);
+}
+BENCHMARK(reopen_a_million)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 // Two processes that take turns, each with one small file a commit: how long a commit takes the one, and how
 // many the other gets done meanwhile. libzip is not for several.
@@ -365,13 +411,6 @@ struct Other {
     std::atomic<bool> stop;
     std::atomic<std::uint64_t> commits;
 };
-
-template <class Store>
-void commit_one(Store& store, std::size_t i) {
-    store.begin();
-    store.put(i);
-    store.commit();
-}
 
 template <class Store>
 void take_turns(benchmark::State& state) {

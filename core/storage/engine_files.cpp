@@ -97,6 +97,9 @@ StorageFound StorageEngine::describe(const FileEntry& entry, wstring_view name) 
     }
     try {
         found.size = sizeOf(entry);
+        // Where the content begins is looked at in either layout of the table.
+        if (entry.isKnown && chain(entry.data, 0).size() != entry.size)
+            found.damaged = true;
     } catch (const ChainInFileExc&) {
         found.damaged = true;
     }

@@ -91,35 +91,44 @@ wstring some_name(test::Random& random) {
 class Tree : public testing::TestWithParam<const StorageLayout*> {};
 INSTANTIATE_TEST_SUITE_P(Layouts, Tree, testing::Values(&kStorageLayout32, &kStorageLayout64));
 
+using NameModel = std::map<wstring, FileEntry, ByName>;
+using NameChanges = std::map<wstring, std::optional<FileEntry>, ByName>;
+
+NameChanges some_changes(test::Random& random, const NameModel& model, int round,
+                         const StorageLayout& layout) {
+    const bool shrinks = round % 50 >= 35;
+    NameChanges changes;
+    for (std::size_t i = random.below(random.below(4) == 0 ? 900 : 5) + 1; i-- > 0;) {
+        const bool removes = shrinks || random.below(3) == 0;
+        wstring name = some_name(random);
+        if (removes) {
+            const auto found = model.lower_bound(name);
+            if (found == model.end())
+                continue;
+            changes[found->first] = std::nullopt;
+        } else {
+            changes[name] = FileEntry{{layout.null, layout.emptyLength() + random.below(1000)},
+                                      true,
+                                      1,
+                                      random.below(1000) + 1,
+                                      random.engine(),
+                                      random.engine()};
+        }
+    }
+    if (round == 149) {
+        for (const auto& [name, entry] : model)
+            changes[name] = std::nullopt;
+    }
+    return changes;
+}
+
 TEST_P(Tree, OfNamesHoldsWhatAMapHolds) {
     const StorageLayout& layout = *GetParam();
     test::Random random(7);
-    std::map<wstring, FileEntry, ByName> model;
+    NameModel model;
     Stored<FileRows> stored(layout);
     for (int round = 0; round < 150; ++round) {
-        const bool shrinks = round % 50 >= 35;
-        std::map<wstring, std::optional<FileEntry>, ByName> changes;
-        for (std::size_t i = random.below(random.below(4) == 0 ? 900 : 5) + 1; i-- > 0;) {
-            const bool removes = shrinks || random.below(3) == 0;
-            wstring name = some_name(random);
-            if (removes) {
-                const auto found = model.lower_bound(name);
-                if (found == model.end())
-                    continue;
-                changes[found->first] = std::nullopt;
-            } else {
-                changes[name] = FileEntry{{layout.null, layout.emptyLength() + random.below(1000)},
-                                          true,
-                                          1,
-                                          random.below(1000) + 1,
-                                          random.engine(),
-                                          random.engine()};
-            }
-        }
-        if (round == 149) {
-            for (const auto& [name, entry] : model)
-                changes[name] = std::nullopt;
-        }
+        const NameChanges changes = some_changes(random, model, round, layout);
         std::vector<TreeChange<FileRows>> list;
         for (const auto& [name, entry] : changes) {
             list.push_back({name, entry});
