@@ -53,14 +53,19 @@ void ContainerLock::endReading() const noexcept {
         unlock(0, layout_.headerSize());
 }
 
-void ContainerLock::beginTurn() const {
+/// One call finds out.
+bool ContainerLock::tryTurn() const {
     if (!shared_)
+        return true;
+    if (!shared_->tryLock(kTurn, 1 + kPlaces, LockKind::exclusive))
+        return false;
+    unlock(kTurn + 1, kPlaces);
+    return true;
+}
+
+void ContainerLock::beginTurn() const {
+    if (tryTurn())
         return;
-    // Nobody has the turn and nobody waits for it: one call finds out.
-    if (shared_->tryLock(kTurn, 1 + kPlaces, LockKind::exclusive)) {
-        unlock(kTurn + 1, kPlaces);
-        return;
-    }
     Queueing queueing{Patience(Patience::Pauses::growing), changeCounter()};
     std::uint64_t place = kTurn + kPlaces;
     takePlace(place, queueing);

@@ -49,6 +49,9 @@ class ContainerLock {
     void beginTurn() const;
     void beginCommit() const;
 
+    /// Begins the turn if nobody has it nor waits for it.
+    [[nodiscard]] bool tryTurn() const;
+
     // A lock that cannot be given back ends with the open file: nothing to report.
 
     void endReading() const noexcept;

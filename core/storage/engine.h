@@ -159,6 +159,9 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void claim(const BlockRuns& blocks);
     /// Blocks side by side.
     [[nodiscard]] BlockRange allocateTogether(std::uint64_t blocks, std::uint64_t from = 0);
+    /// Gives the end of the file back after a file was given up, unless somebody has the turn: then that one
+    /// does, or the next.
+    void tidy() noexcept;
     /// Takes blocks out of use, all or none. Damage is thrown as ChainInFileExc.
     void release(const BlockRuns& blocks);
     /// Returns blocks that were taken and are not used after all.

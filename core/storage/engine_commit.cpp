@@ -201,6 +201,23 @@ void StorageEngine::cutTail() noexcept {
     }
 }
 
+void StorageEngine::tidy() noexcept {
+    try {
+        if (turns_ != 0 || failed_ || !lock_.tryTurn())
+            return;
+    } catch (...) { // the next commit gives it back
+        return;
+    }
+    try {
+        refresh();
+        loadFreeSpace();
+        if (space_.end() >= table_.end())
+            cutTail();
+    } catch (...) {
+    }
+    lock_.endTurn();
+}
+
 void StorageEngine::requireSpace() const {
     if (!spaceCounter_)
         throw std::bad_alloc();

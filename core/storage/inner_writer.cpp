@@ -216,8 +216,11 @@ void InnerWriter::giveUp() noexcept {
         return;
     const auto keep = shared(); // its mutex outlives this file
     const std::lock_guard lock(keep->mutex());
+    const bool givesUp = changed_ && writer_->isTouched();
     writer_->discard();
     leave();
+    if (givesUp)
+        keep->tidy();
 }
 
 } // namespace core
