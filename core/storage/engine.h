@@ -255,6 +255,10 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
                                      std::uint64_t counter);
     void releaseNode(const NodeRef& ref);
 
+    // engine_check.cpp
+    [[nodiscard]] StorageCheck checkPinned();
+    [[nodiscard]] StorageInfo infoPinned();
+
     // engine_files.cpp
     [[nodiscard]] StorageFileInfo readInfo(const FileEntry& entry, wstring_view name);
     [[nodiscard]] StorageFound describe(const FileEntry& entry, wstring_view name);

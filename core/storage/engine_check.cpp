@@ -159,13 +159,17 @@ wstring who(StorageUse use, const wstring& name) {
 StorageCheck StorageEngine::check() {
     const std::lock_guard lock(mutex_);
     const Pinned pinned(*this);
+    return checked([&] { return checkPinned(); });
+}
+
+StorageCheck StorageEngine::checkPinned() {
     if (table_.hasChanges() || space_.hasChanges())
         throw_storage_error(messages::kStorageTransaction, url_);
     StorageCheck result;
     ProblemList problems(result);
     UsedSpace space;
     space.add(0, layout_.emptyLength());
-    const auto trees = checked([&] { return treeSpace(); });
+    const auto trees = treeSpace();
     ChainSurvey survey(reader_, file_->length(), table_, head_, tableBlocks_, trees ? &*trees : nullptr);
     survey.compareContents();
     ++result.blocks; // the first one of the table
@@ -208,6 +212,10 @@ StorageCheck StorageEngine::check() {
 StorageInfo StorageEngine::info() {
     const std::lock_guard lock(mutex_);
     const Pinned pinned(*this);
+    return checked([&] { return infoPinned(); });
+}
+
+StorageInfo StorageEngine::infoPinned() {
     StorageInfo result;
     result.firstWord = head_.freeChain;
     result.secondWord = head_.blockSize;
@@ -223,7 +231,7 @@ StorageInfo StorageEngine::info() {
         else
             pieces.push_back({begin, end - begin, use});
     };
-    const auto trees = checked([&] { return treeSpace(); });
+    const auto trees = treeSpace();
     ChainSurvey survey(reader_, result.fileLength, table_, head_, tableBlocks_, trees ? &*trees : nullptr);
     ++result.blocks; // the first one of the table
     const auto visit = [&](const ChainSurvey::Chain& chain) {
