@@ -123,6 +123,8 @@ void StorageEngine::writeTrees(Next& next) {
     next.head.files = table_.count();
     next.head.setFilesRoot(root, layout_);
     if (root) {
+        if (nodesFrom_ != 0) // so that nothing is in the way of the files tree when it moves down
+            nodesFrom_ = root->address + root->blocks() * layout_.blockLength(kStorageBlockSize);
         writeFreeTree(next);
     } else { // nothing is in use: the container ends behind the first table block
         if (const auto freeRoot = head_.freeRoot(layout_))

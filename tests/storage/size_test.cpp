@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the size of a container costs: a commit writes what changed, and compacting needs room for a step.
+#include "tests/support/fault_file.h"
+#include "tests/support/storage_fixture.h"
+
+#include <numeric>
+
+namespace core {
+namespace {
+
+using test::Bytes;
+using test::FaultDisk;
+using test::Model;
+
+wstring name_of(std::size_t i) {
+    return u"folder/file" + from_utf8(std::to_string(100000 + i));
+}
+
+class Sizes : public test::InFormats {
+  protected:
+    [[nodiscard]] StorageRW open() { return StorageRW(test::open_fault_file(disk_), layout_); }
+    void fill(std::size_t files, std::size_t size) {
+        test::create_container(*test::open_fault_file(disk_), format_);
+        StorageRW storage = open();
+        StorageTransaction transaction(storage);
+        for (std::size_t i = 0; i < files; ++i)
+            storage.put(name_of(i), Bytes(size, static_cast<std::byte>(i)));
+        transaction.commit();
+    }
+
+    FaultDisk disk_;
+};
+INSTANTIATE_TEST_SUITE_P(Formats, Sizes, test::kEveryFormat, test::name_of_format);
+
+TEST_P(Sizes, ACommitWritesWhatChanged) {
+    if (format_.table == 1)
+        GTEST_SKIP() << "its table is written as a whole";
+    fill(20000, 700);
+    StorageRW storage = open();
+    test::Random random(9);
+    disk_.recording = true;
+    for (int round = 0; round < 60; ++round) {
+        disk_.trace.clear();
+        const wstring name = name_of(random.below(25000));
+        if (storage.contains(name) && round % 3 == 0)
+            storage.remove(name);
+        else
+            storage.put(name, Bytes(700));
+        const auto written = std::accumulate(
+            disk_.trace.begin(), disk_.trace.end(), std::size_t{0},
+            [](std::size_t sum, const FaultDisk::Event& event) { return sum + event.bytes.size(); });
+        EXPECT_LE(written, std::size_t{64} << 10) << "round " << round;
+    }
+    const std::uint64_t before = disk_.calls;
+    EXPECT_EQ(open().get(name_of(19999)).size(), 700U);
+    EXPECT_LE(disk_.calls - before, 12U) << "opening reads the way to one file";
+    EXPECT_TRUE(open().check().isClean());
+}
+
+TEST_P(Sizes, CompactingNeedsRoomForOneStep) {
+    constexpr std::size_t kSize = 60000;
+    fill(200, kSize);
+    Model model;
+    {
+        StorageRW storage = open();
+        for (std::size_t i = 0; i < 200; i += 3) {
+            storage.remove(name_of(i));
+            storage.put(name_of(i) + u"x", Bytes(i)); // small ones in the holes
+        }
+        model = test::contents(storage);
+    }
+    const std::vector<std::byte> disk = disk_.bytes;
+    const std::uint64_t least = std::uint64_t{1} << 20; // of a step
+    for (const std::uint64_t room : {std::uint64_t{0}, least / 2, 2 * least}) {
+        disk_.bytes = disk;
+        disk_.capacity = disk.size() + room;
+        StorageRW storage = open();
+        bool done = true;
+        try {
+            storage.compact();
+        } catch (const FileException&) {
+            done = false;
+        }
+        EXPECT_TRUE(done || room < 2 * least);
+        ASSERT_EQ(test::contents(open()), model);
+        EXPECT_TRUE(open().check().isClean());
+        if (done) {
+            EXPECT_EQ(open().info().freeBytes, 0U);
+            EXPECT_EQ(open().info().fileLength, open().info().end);
+        }
+        disk_.capacity = FaultDisk::kNever;
+    }
+}
+
+} // namespace
+} // namespace core
