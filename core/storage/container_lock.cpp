@@ -80,7 +80,7 @@ void ContainerLock::beginTurn() const {
     }
 }
 
-/// Waits as long as somebody commits something: a long queue that moves is no failure.
+/// Waits as long as somebody commits something: a long queue that moves does not fail.
 void ContainerLock::takePlace(std::uint64_t place, Queueing& queueing) const {
     queueing.patience.restart();
     while (!shared_->tryLock(place, 1, LockKind::exclusive)) {
