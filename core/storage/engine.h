@@ -254,6 +254,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     [[nodiscard]] NodeRef writeNodes(TreePlan<Rows>& plan, NodeStore<Rows>& store, BlockRange area,
                                      std::uint64_t counter);
     void releaseNode(const NodeRef& ref);
+    void requireNodesAsWritten();
 
     // engine_check.cpp
     [[nodiscard]] StorageCheck checkPinned();

@@ -169,6 +169,7 @@ StorageCheck StorageEngine::checkPinned() {
     ProblemList problems(result);
     UsedSpace space;
     space.add(0, layout_.emptyLength());
+    checked([&] { requireNodesAsWritten(); });
     const auto trees = treeSpace();
     ChainSurvey survey(reader_, file_->length(), table_, head_, tableBlocks_, trees ? &*trees : nullptr);
     survey.compareContents();

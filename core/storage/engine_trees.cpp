@@ -65,6 +65,28 @@ std::optional<TreeSpace> StorageEngine::treeSpace() {
     return space;
 }
 
+/// Reads all nodes again, also those that are in memory, and compares every byte.
+void StorageEngine::requireNodesAsWritten() {
+    const auto compare = [&](bool isTable, const std::optional<NodeRef>& root) {
+        return [&, isTable, root](const NodeRef& ref) {
+            const std::vector<std::byte> content = read_together(reader_, ref.address, ref.size);
+            std::vector<std::byte> found(
+                static_cast<std::size_t>(ref.blocks() * layout_.blockLength(kStorageBlockSize)));
+            std::vector<std::byte> expected(found.size());
+            encode_blocks(expected.data(), layout_, {ref.address, ref.blocks()}, content,
+                          isTable && ref == *root ? 0 : ref.size, layout_.null);
+            if (!reader_.readAround(ref.address, found) || found != expected ||
+                load_number(content.data(), 8) != ref.sum ||
+                checksum(std::span(content).subspan(8)) != ref.sum)
+                throw ChainInFileExc(ref.address);
+        };
+    };
+    if (const auto root = head_.filesRoot())
+        for_each_node<FileRows>(fileNodes_, *root, fileNodes_.load(*root), compare(true, root));
+    if (const auto root = head_.freeRoot(layout_))
+        for_each_node<FreeRows>(freeNodes_, *root, freeNodes_.load(*root), compare(false, root));
+}
+
 void StorageEngine::releaseNode(const NodeRef& ref) {
     BlockRuns blocks(layout_.blockHeaderSize());
     blocks.append(ref.address, kStorageBlockSize, ref.blocks());

@@ -92,5 +92,34 @@ TEST_P(Sizes, CompactingNeedsRoomForOneStep) {
     }
 }
 
+TEST_P(Sizes, EveryBitInUseIsWatched) {
+    if (format_.table == 1)
+        GTEST_SKIP() << "it has no checksums";
+    fill(90, 20);
+    open().put(u"large", Bytes(2000, std::byte{7}));
+    open().removeAll(u"*file10001*");
+    const StorageInfo info = open().info();
+    ASSERT_NE(info.freeBytes, 0U);
+    test::Random random(10);
+    for (const StorageInfo::Piece& piece : info.pieces) {
+        if (piece.use == StorageUse::free)
+            continue;
+        for (std::uint64_t at = piece.address; at < piece.address + piece.length;
+             at += 1 + random.below(40)) {
+            std::byte& byte = disk_.bytes[static_cast<std::size_t>(at)];
+            const std::byte bit{static_cast<unsigned char>(1U << random.below(8))};
+            byte ^= bit;
+            bool isNamed = true;
+            try {
+                isNamed = !open().check().isClean();
+            } catch (const StorageException&) { // names the container
+            }
+            EXPECT_TRUE(isNamed) << at;
+            byte ^= bit;
+        }
+    }
+    EXPECT_TRUE(open().check().isClean());
+}
+
 } // namespace
 } // namespace core
