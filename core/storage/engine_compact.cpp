@@ -80,7 +80,9 @@ void StorageEngine::convert() {
     next_ = TableLayout::tree;
     std::vector<std::pair<wstring, FileEntry>> files;
     table_.forEach([&](wstring_view name, const FileEntry& entry) { files.emplace_back(name, entry); });
-    for (auto& [name, entry] : files) {
+    for (auto& file : files) {
+        const wstring& name = file.first;
+        FileEntry& entry = file.second;
         const auto read = [&](std::uint64_t address) {
             return checked(name, [&] { return read_canonical(reader_, address); });
         };
@@ -138,7 +140,8 @@ StorageEngine::Compaction StorageEngine::surveyChains() {
         blocks += runs.count();
     };
     for (std::size_t file = 0; file < all.files.size(); ++file) {
-        const auto& [name, entry] = all.files[file];
+        const wstring& name = all.files[file].first;
+        const FileEntry& entry = all.files[file].second;
         BlockRuns attributes(layout_.blockHeaderSize());
         BlockRuns content(layout_.blockHeaderSize());
         checked(name, [&] { // what is damaged must not count as lost
@@ -256,7 +259,7 @@ bool StorageEngine::moveSome(const Compaction& all) {
         return false;
     }
     for (auto chain = first; chain != last; ++chain) {
-        const auto& [name, entry] = all.files[chain->file];
+        const wstring& name = all.files[chain->file].first;
         FileEntry moved = *table_.find(name);
         checked(name,
                 [&] { chain->isContent ? moveContent(moved, from) : moveAttributes(moved, name, from); });
