@@ -42,6 +42,12 @@ InnerReader::~InnerReader() {
 void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
     requireNotLost();
     engine().checked(name(), [&] { chain_.readAt(reader_, offset, out); });
+    if (entry_.isKnown && offset == summed_) { // read in order so far
+        sum_.add(out);
+        summed_ += out.size();
+        if (summed_ == size() && sum_.value() != entry_.contentSum)
+            engine().throwDamaged(name());
+    }
     if (keepsAll_ && chain_.isWalked()) {
         keep(engine().spaceOf(chain_.runs()));
         keepsAll_ = false;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/storage/checksum.h"
 #include "core/storage/inner_file.h"
 
 namespace core {
@@ -27,6 +28,8 @@ class InnerReader : public InnerFile {
     BlockReader reader_;
     FileEntry entry_;
     BlockChain chain_;
+    Checksum sum_; // of the bytes in front of summed_
+    std::uint64_t summed_ = 0;
     bool keepsAll_ = false; // the whole space of the container: where the chain lies is not known yet
 };
 

@@ -9,6 +9,7 @@
 #include <core/storage/files_type.h>
 #include <core/storage/layout.h>
 #include <core/storage/open_container.h>
+#include <core/storage/salvage.h>
 #include <core/storage/storage_check.h>
 #include <core/storage/storage_rw.h>
 #include <core/storage/storage_scheme.h>

@@ -152,9 +152,9 @@ TEST_F(Container, GetReplacesAFileWholeOrNotAtAll) {
     const auto second = before.find(std::string(512, 'x')) + 512;
     write("box.st", std::string(before).replace(second, 2, "??")); // the next block's header
     write("out/box.st", "old");
-    EXPECT_EQ(run({"get", file, "box.st", "--force", "--to", path("out")}), ExitCode::malformed);
+    EXPECT_EQ(run({"get", file, "box.st", "--force", "--to", path("out")}), ExitCode::no);
     EXPECT_EQ(read("out/box.st"), "old");
-    EXPECT_EQ(run({"get", file, "box.st", "--to", path("new")}), ExitCode::malformed);
+    EXPECT_EQ(run({"get", file, "box.st", "--to", path("new")}), ExitCode::no);
     EXPECT_TRUE(fs::is_empty(path("new"))) << "no half of a file";
 }
 
@@ -415,6 +415,41 @@ TEST_F(Container, KeepsValuesOfScripts) {
     EXPECT_EQ(run({"cat", path("v.st"), "values/s"}), ExitCode::done);
     EXPECT_EQ(out_, kept);
     EXPECT_EQ(run({"check", path("v.st")}), ExitCode::done);
+}
+
+/// One bad file costs one file.
+TEST_F(Container, GoesOnWhereAFileIsDamaged) {
+    const std::string file = path("c.st");
+    write("in/a", std::string(2000, 'a'));
+    write("in/b", std::string(2000, 'b'));
+    write("in/c", std::string(2000, 'c'));
+    ASSERT_EQ(run({"put", file, path("in")}), ExitCode::done) << err_;
+    std::string bytes = read("c.st");
+    const auto content = bytes.find(std::string(400, 'b'));
+    ASSERT_NE(content, std::string::npos);
+    bytes[content + 10] = 'x';
+    write("c.st", bytes);
+    EXPECT_EQ(run({"ls", file}), ExitCode::done) << err_;
+    EXPECT_NE(out_.find("in/b\n"), std::string::npos) << out_;
+    EXPECT_EQ(run({"check", file}), ExitCode::no);
+    EXPECT_NE(out_.find("“in/b”"), std::string::npos) << out_;
+    EXPECT_EQ(run({"get", file, "*", "--to", path("out")}), ExitCode::no);
+    EXPECT_NE(err_.find("c.st/in/b"), std::string::npos) << err_;
+    EXPECT_EQ(read("out/in/a"), read("in/a"));
+    EXPECT_EQ(read("out/in/c"), read("in/c"));
+    EXPECT_FALSE(fs::exists(path("out/in/b")));
+    EXPECT_EQ(run({"salvage", file, path("saved.st")}), ExitCode::no);
+    EXPECT_NE(out_.find("“in/b” was saved, but"), std::string::npos) << out_;
+    EXPECT_NE(out_.find("files whole: 2, altered: 1, cut: 0, lost: 0"), std::string::npos) << out_;
+    EXPECT_EQ(run({"cat", path("saved.st"), "in/c"}), ExitCode::done);
+    EXPECT_EQ(out_, read("in/c"));
+    EXPECT_NE(run({"salvage", file, path("saved.st")}), ExitCode::done) << "never over another file";
+    EXPECT_EQ(run({"rm", file, "in/b"}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"compact", file}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"check", file}), ExitCode::done) << out_;
+    EXPECT_EQ(run({"get", file, "*", "--to", path("again")}), ExitCode::done) << err_;
+    EXPECT_NE(run({"salvage", path("in/a"), path("none.st")}), ExitCode::done);
+    EXPECT_FALSE(fs::exists(path("none.st")));
 }
 
 } // namespace

@@ -166,6 +166,66 @@ TEST_P(Damaged, ManyChainsOverTheSameBlocksTakeTheTimeOfOne) {
     EXPECT_LT(disk.bytes.size(), bytes.size());
 }
 
+TEST_P(Damaged, IsSaidOnceAndReadInBoundedTime) {
+    FaultDisk disk;
+    create_container(*test::open_fault_file(disk), format_);
+    const Bytes large(8 << 20, std::byte{1});
+    {
+        StorageRW storage(test::open_fault_file(disk), layout_);
+        storage.put(u"large", large);
+        storage.put(u"small", Bytes(3000));
+    }
+    const auto entries = [&] {
+        ChainInFile chain(layout_);
+        StorageFilesType table(layout_);
+        const auto file = test::open_fault_file(disk);
+        chain.read(*file, layout_.headerSize(), u"");
+        EXPECT_TRUE(table.decode(chain.content(*file, u""), false));
+        return std::pair(table.find(u"large").value(), table.find(u"small").value());
+    }();
+    const test::Vandal vandal(disk.bytes, layout_);
+    const std::uint64_t step = layout_.blockLength(512);
+    const auto check = [&](const Bytes& bytes) {
+        FaultDisk other;
+        other.bytes = bytes;
+        StorageRW storage(test::open_fault_file(other), layout_);
+        other.calls = 0;
+        EXPECT_EQ(storage.find().size(), 2U);
+        EXPECT_LT(other.calls, 20U) << "a record of a gigabyte would take more";
+        return storage.check();
+    };
+    // A block that follows itself.
+    Bytes bytes = disk.bytes;
+    vandal.link(bytes, entries.second.data + step, entries.second.data + step);
+    StorageCheck found = check(bytes);
+    ASSERT_EQ(found.problems.size(), 2U);
+    EXPECT_EQ(found.problems[0].kind, StorageProblem::Kind::damagedContent);
+    EXPECT_EQ(found.problems[0].address, entries.second.data + step);
+    EXPECT_EQ(found.problems[1].kind, StorageProblem::Kind::lost);
+    EXPECT_EQ(found.problems[1].length, 4 * step);
+    // A file that goes on as another, block by block in another order.
+    bytes = disk.bytes;
+    for (std::uint64_t i = 1; i < 15000; i += 2) // so that neighbours are not one piece
+        vandal.link(bytes, entries.first.data + i * step, entries.first.data + (i + 2) * step);
+    vandal.link(bytes, entries.second.data, entries.first.data + step);
+    found = check(bytes);
+    EXPECT_LE(found.problems.size(), 4U) << "each fault once, however many blocks it touches";
+    // Attributes that are the content of a large file.
+    bytes = disk.bytes;
+    const Bytes from = raw(entries.second.attributes);
+    const auto row = std::search(bytes.begin() + static_cast<std::ptrdiff_t>(layout_.emptyLength()),
+                                 bytes.end(), from.begin(), from.end());
+    ASSERT_NE(row, bytes.end());
+    const Bytes to = raw(entries.first.data);
+    std::copy(to.begin(), to.end(), row);
+    found = check(bytes);
+    EXPECT_EQ(std::count_if(found.problems.begin(), found.problems.end(),
+                            [](const auto& problem) {
+                                return problem.kind == StorageProblem::Kind::damagedAttributes;
+                            }),
+              1);
+}
+
 TEST_P(Damaged, AHugeSizeIsNotBelieved) {
     const auto file = create_temp_file(std::filesystem::temp_directory_path().string());
     const std::string mark = "\r\n" + hex(5000) + " ";

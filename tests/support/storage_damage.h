@@ -27,15 +27,18 @@ class Vandal {
         const std::uint64_t freeChain = word(0, layout.width);
         table_.read(*file_, layout.headerSize(), u"");
         free_.read(*file_, freeChain, u"");
-        StorageFilesType names(layout);
-        if (names.decode(table_.content(*file_, u""), false))
-            names.forEach([&](wstring_view, const StorageFileEntry& entry) {
-                for (const std::uint64_t first : {entry.attributes, entry.data}) {
-                    chains_.emplace_back(layout);
-                    chains_.back().read(*file_, first, u"");
-                }
-            });
-        std::erase_if(chains_, [](const ChainInFile& chain) { return chain.blocks().empty(); });
+        // Every chain begins with a block that says how long the chain is.
+        const std::uint64_t step = layout.blockLength(512);
+        for (std::uint64_t at = layout.emptyLength(); at + step <= bytes.size(); at += step) {
+            ChainInFile chain(layout);
+            try {
+                chain.read(*file_, at, u"");
+            } catch (const StorageException&) { // free space may hold anything
+            }
+            if (chain.size() != 0)
+                chains_.push_back(std::move(chain));
+        }
+        isTree_ = bytes.at(layout.headerSize() + layout.blockHeaderSize() + 29) == std::byte{'2'};
     }
 
     [[nodiscard]] Bytes damaged(Damage kind, Random& random) const {
@@ -53,7 +56,7 @@ class Vandal {
                 set(bytes, table_, 512 + random.below(table_.size() - 512), 1, random.engine());
             break;
         case Damage::tableRows: { // an address of a row, or the end, becomes that of another block
-            const std::uint64_t rows = word(where(table_, 512), width);
+            const std::uint64_t rows = isTree_ ? 1 : word(where(table_, 512), width);
             const std::uint64_t field = random.below(3 * rows + 1);
             const std::uint64_t offset = field == 0             ? width
                                          : (field - 1) % 3 == 2 ? 2 * width
@@ -129,6 +132,7 @@ class Vandal {
     ChainInFile table_{layout_};
     ChainInFile free_{layout_};
     std::vector<ChainInFile> chains_;
+    bool isTree_ = false;
 };
 
 } // namespace core::test

@@ -30,15 +30,17 @@ ExitCode check(const Options& options, Console& console) {
                                 {"name", to_utf8(problem.name)},
                                 {"text", to_utf8(problem.text())}});
         }
-        const nlohmann::ordered_json all = {
-            {"files", result.files}, {"blocks", result.blocks}, {"problems", std::move(problems)}};
+        const nlohmann::ordered_json all = {{"files", result.files},
+                                            {"blocks", result.blocks},
+                                            {"problems", std::move(problems)},
+                                            {"unlisted", result.unlisted}};
         console.out << all.dump(2) << '\n';
     } else {
         for (const StorageProblem& problem : result.problems)
             console.out << terminal_text(problem.text()) << '\n';
         console.out << message("IDS_HOST_CONTAINER_CHECKED",
                                {string_intto(result.files), string_intto(result.blocks),
-                                string_intto(result.problems.size())})
+                                string_intto(result.problems.size() + result.unlisted)})
                     << '\n';
     }
     return result.isClean() ? ExitCode::done : ExitCode::no;

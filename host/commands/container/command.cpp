@@ -124,6 +124,13 @@ void add_looking(Verbs& verbs) {
 
 void add_changing(Verbs& verbs) {
     Options& options = verbs.options();
+    verbs
+        .add("salvage",
+             verbs.say("Copy what can be read of a damaged container into a new one",
+                       "Скопировать в новый контейнер всё, что читается в повреждённом"),
+             container::salvage)
+        .add_option("new", options.other, verbs.say("The new container", "Новый контейнер"))
+        ->required();
     verbs.add("create", verbs.say("Make an empty container", "Создать пустой контейнер"), container::create);
     CLI::App& put = verbs.add(
         "put", verbs.say("Put files and whole folders in", "Поместить файлы и целые папки"), container::put);

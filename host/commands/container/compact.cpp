@@ -7,6 +7,7 @@
 #include <core/runtime/exception.h>
 #include <core/strings/integer_text.h>
 
+#include <algorithm>
 #include <ostream>
 
 namespace host::container {
@@ -16,7 +17,11 @@ using namespace core;
 ExitCode compact(const Options& options, Console& console) {
     Watched container(options, OpenMode::readWrite, console, "compact", 0);
     StorageRW& storage = container.storage();
-    if (!storage.check().isClean()) // moving what is damaged would hide it
+    const StorageCheck found = storage.check();
+    const bool isSound = std::all_of(found.problems.begin(), found.problems.end(), [](const auto& problem) {
+        return problem.kind == StorageProblem::Kind::lost; // which compacting gives back
+    });
+    if (!isSound) // moving what is damaged would hide it
         return fail(console, message_text("IDS_HOST_CONTAINER_DAMAGED"), ExitCode::malformed);
     const std::uint64_t before = storage.info().fileLength;
     storage.compact();

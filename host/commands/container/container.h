@@ -19,7 +19,7 @@ struct Options {
     std::vector<std::string> names;
     std::string folder;  ///< put: where to in the container; get: where to on disk
     std::string as;      ///< put: the whole name in the container
-    std::string other;   ///< diff: the second container
+    std::string other;   ///< diff, salvage: the second container
     bool force = false;  ///< get: files that are there are replaced
     bool dryRun = false; ///< only tell what would be done
 };
@@ -55,6 +55,7 @@ void tell(Console& console, const char* id, std::initializer_list<core::wstring>
 [[nodiscard]] ExitCode verify(const Options& options, Console& console);
 [[nodiscard]] ExitCode check(const Options& options, Console& console);
 [[nodiscard]] ExitCode info(const Options& options, Console& console);
+[[nodiscard]] ExitCode salvage(const Options& options, Console& console);
 [[nodiscard]] ExitCode compact(const Options& options, Console& console);
 
 } // namespace host::container

@@ -140,8 +140,15 @@ ExitCode get(const Options& options, Console& console) {
             continue;
         }
         fs::create_directories(fs::path(*path).parent_path(), error); // opening says what is wrong
-        const auto from = storage.open(file.name, OpenMode::read);
-        take_out(storage, *from, *path, progress, interrupts);
+        try {
+            const auto from = storage.open(file.name, OpenMode::read);
+            take_out(storage, *from, *path, progress, interrupts);
+        } catch (const StorageException& e) {
+            if (e.kind() != StorageException::Kind::badFormat)
+                throw;
+            code = fail(console, message_text("IDS_HOST_INNER_FILE_LEFT", {e.url()}), ExitCode::no);
+            continue; // the others may be sound
+        }
         written.add(*path);
         set_modified_on_disk(*path, file.modified);
     }

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: Apache-2.0
+// What is taken out of a damaged container: every file that is sound, and the beginning of those that are
+// not.
+#include "tests/support/fault_container.h"
+#include "tests/support/storage_damage.h"
+
+#include <core/files/errors.h>
+#include <core/runtime/threads/errors.h>
+#include <core/storage/errors.h>
+#include <core/storage/salvage.h>
+
+#include <cerrno>
+
+namespace core {
+namespace {
+
+using test::Bytes;
+using test::FaultDisk;
+using test::Model;
+
+class Salvage : public test::FaultContainer {
+  protected:
+    struct Result {
+        SalvageReport report;
+        Model files;
+    };
+    Result salvaged(IFile& source, const SalvageOptions& options = {}) const {
+        FaultDisk disk;
+        StorageRW::create(*test::open_fault_file(disk), layout_);
+        StorageRW target(test::open_fault_file(disk), layout_);
+        Result result{salvage(source, layout_, target, options), test::contents(target)};
+        EXPECT_TRUE(target.check().isClean());
+        return result;
+    }
+    Result salvaged(const Bytes& bytes) const {
+        FaultDisk disk;
+        disk.bytes = bytes;
+        Result result = salvaged(*test::open_fault_file(disk));
+        EXPECT_EQ(disk.bytes, bytes);
+        return result;
+    }
+    /// Whether a file begins as the one that was damaged did.
+    [[nodiscard]] bool isBeginning(const wstring& name, const Bytes& content) const {
+        const auto whole = model_.find(name);
+        return whole != model_.end() && content.size() <= whole->second.size() &&
+               std::equal(content.begin(), content.end(), whole->second.begin());
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Formats, Salvage, test::kEveryFormat, test::name_of_format);
+
+TEST_P(Salvage, FindsEverySoundFile) {
+    const test::Vandal vandal(disk_.bytes, layout_);
+    std::size_t saved = 0;
+    for (const test::Damage kind : test::kAllDamage) {
+        const unsigned seeds = test::is_nightly() ? 300 : 40;
+        for (unsigned seed = 0; seed < seeds; ++seed) {
+            test::Random random(seed);
+            FaultDisk disk;
+            disk.bytes = vandal.damaged(kind, random);
+            const std::string where =
+                "damage " + std::to_string(static_cast<int>(kind)) + ", seed " + std::to_string(seed);
+            Model sound;
+            try {
+                const StorageRW storage(test::open_fault_file(disk), layout_);
+                for (const auto& [name, content] : model_) {
+                    try {
+                        if (storage.get(name) == content)
+                            sound[name] = content;
+                    } catch (const StorageException&) {
+                    }
+                }
+            } catch (const StorageException&) { // not even opened
+            }
+            try {
+                Result result = salvaged(disk.bytes);
+                for (const auto& [name, content] : sound)
+                    ASSERT_EQ(result.files[name], content) << where << ": " << to_utf8(name);
+                for (const SalvagedFile& file : result.report.files)
+                    EXPECT_FALSE(sound.contains(file.name)) << where << ": " << to_utf8(file.text());
+                saved += result.files.size();
+            } catch (const StorageException& e) {
+                EXPECT_TRUE(sound.empty()) << where << ": " << e.what();
+            }
+        }
+    }
+    EXPECT_GT(saved, 1000U);
+}
+
+TEST_P(Salvage, FindsTheTableThatNothingLeadsTo) {
+    Bytes bytes = disk_.bytes;
+    std::fill_n(bytes.begin(), 512, std::byte{});
+    const Result result = salvaged(bytes);
+    EXPECT_EQ(result.report.source, SalvageReport::Source::oldTable);
+    EXPECT_TRUE(result.report.isComplete());
+    EXPECT_EQ(result.report.whole, model_.size());
+    EXPECT_EQ(result.files, model_);
+}
+
+TEST_P(Salvage, FindsFilesByTheirAttributesWhenNoTableIsLeft) {
+    FaultDisk disk;
+    test::create_container(*test::open_fault_file(disk), format_);
+    Model model;
+    {
+        StorageRW storage(test::open_fault_file(disk), layout_);
+        const StorageTransaction all(storage);
+        test::Random random(5);
+        for (int i = 0; i < 20; ++i) {
+            const wstring name = u"file " + wstring(1, static_cast<wchar>(u'a' + i));
+            storage.put(name, model[name] = random.bytes(1 + random.size()));
+        }
+        storage.commit();
+    }
+    const auto before = disk.bytes;
+    for (const ChainInFile::Block& block : [&] {
+             ChainInFile table(layout_);
+             table.read(*test::open_fault_file(disk), layout_.headerSize(), u"");
+             return table.blocks();
+         }())
+        std::fill_n(disk.bytes.begin() + static_cast<std::ptrdiff_t>(block.address),
+                    layout_.blockLength(block.size), std::byte{});
+    const Result result = salvaged(disk.bytes);
+    EXPECT_EQ(result.report.source, SalvageReport::Source::records);
+    EXPECT_EQ(result.files, model);
+    EXPECT_EQ(result.report.whole, model.size());
+}
+
+TEST_P(Salvage, SaysWhatIsCutAndSavesItsBeginning) {
+    const std::string mark = "\r\n" + test::hex(5000, layout_.digits()) + " ";
+    const std::string_view text(reinterpret_cast<const char*>(disk_.bytes.data()), disk_.bytes.size());
+    const auto first = text.find(mark);
+    ASSERT_NE(first, std::string_view::npos);
+    Bytes bytes = disk_.bytes;
+    ChainInFile kept(layout_);
+    kept.read(*test::open_fault_file(disk_), first, u"");
+    bytes.at(kept.blocks().at(3).address) = std::byte{'x'};
+    const Result result = salvaged(bytes);
+    ASSERT_EQ(result.report.files.size(), 1U);
+    const SalvagedFile& file = result.report.files[0];
+    EXPECT_EQ(file.name, u"kept");
+    EXPECT_EQ(file.state, SalvagedFile::State::cut);
+    EXPECT_EQ(file.size, 5000U);
+    EXPECT_EQ(file.saved, 3U * 512);
+    EXPECT_EQ(to_utf8(file.text()), "“kept” was saved in part: 1536 of 5000 bytes.");
+    EXPECT_EQ(result.files.at(u"kept"), Bytes(3 * 512, std::byte{7}));
+    EXPECT_EQ(result.report.whole, model_.size() - 1);
+}
+
+/// A disk with a bad place.
+class BadSectors : public FileImpl {
+  public:
+    using Interfaces = InterfaceList<IFile>;
+    BadSectors(Bytes bytes, std::uint64_t bad)
+        : FileImpl(u"bad://disk"), bytes_(std::move(bytes)), bad_(bad) {}
+    std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
+        count = std::min<std::size_t>(count, position < bytes_.size() ? bytes_.size() - position : 0);
+        if (position < bad_ + 512 && bad_ < position + count)
+            throw_file_error(messages::kFileRead, url(), EIO);
+        std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(position), count,
+                    static_cast<std::byte*>(buffer));
+        return count;
+    }
+    std::size_t writeAt(std::uint64_t, const void*, std::size_t) override { return 0; }
+    std::uint64_t length() override { return bytes_.size(); }
+    void truncate(std::uint64_t) override {}
+    void flush() override {}
+    void close() override {}
+
+  private:
+    Bytes bytes_;
+    std::uint64_t bad_;
+};
+
+TEST_P(Salvage, ReadsAroundSectorsThatCannotBeRead) {
+    for (std::uint64_t bad = 1024; bad < disk_.bytes.size(); bad += 512 * 7) {
+        const auto file = SCOM_InternalClass<BadSectors>::create(disk_.bytes, bad);
+        const Result result = salvaged(*file);
+        EXPECT_GE(result.report.whole + 3, model_.size()) << "one sector holds parts of three files at most";
+        for (const auto& [name, content] : result.files)
+            EXPECT_TRUE(isBeginning(name, content)) << bad << ": " << to_utf8(name);
+    }
+}
+
+TEST_P(Salvage, CanBeStoppedAndLeavesAWholeContainer) {
+    FaultDisk disk;
+    StorageRW::create(*test::open_fault_file(disk), layout_);
+    StorageRW target(test::open_fault_file(disk), layout_);
+    StopSource stop;
+    SalvageOptions options;
+    options.stop = stop.token();
+    options.progress = [&](std::uint64_t done, std::uint64_t total) {
+        EXPECT_LE(done, total);
+        if (done > 3000)
+            stop.request();
+    };
+    EXPECT_THROW((void)salvage(*test::open_fault_file(disk_), layout_, target, options), ThreadDeath);
+    EXPECT_TRUE(target.check().isClean());
+    EXPECT_TRUE(target.find().empty());
+    const auto refused = test::open_fault_file(disk);
+    EXPECT_EQ(test::kind_of([&] { (void)salvage(*refused, layout_, target); }),
+              StorageException::Kind::isDestination);
+    FaultDisk noise;
+    noise.bytes = test::Random(3).bytes(20000);
+    EXPECT_EQ(test::kind_of([&] { (void)salvage(*test::open_fault_file(noise), layout_, target); }),
+              StorageException::Kind::badFormat);
+}
+
+} // namespace
+} // namespace core
