@@ -4,11 +4,15 @@
 #include "tests/host/program_fixture.h"
 
 #include <core/context/event_source.h>
+#include <core/runtime/module_contract.h>
 #include <core/runtime/utf8.h>
 #include <core/values/type_service.h>
 #include <host/host_process.h>
 
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <filesystem>
 
 namespace host {
 namespace {
@@ -109,6 +113,36 @@ TEST(DescribeTest, WhatAPersonReads) {
     EXPECT_NE(functions.find("\nGetTempFileName "), std::string::npos) << functions;
     EXPECT_NE(corehost({"describe", "AllowedSign"}).out.find("\nValues\n  Any          Любой\n"),
               std::string::npos);
+    EXPECT_EQ(described({"AllowedSign"})["enumeration"], true);
+    EXPECT_EQ(described({"Number"})["known"], false);
+    const std::string number = corehost({"describe", "Number"}).out;
+    EXPECT_TRUE(number.ends_with("\n\nNo properties or methods are known without an object.\n")) << number;
+    EXPECT_EQ(array.out.find("No properties"), std::string::npos) << array.out;
+}
+
+TEST(DescribeTest, WhatModulesBrought) {
+    const std::string file = CORE_TEST_MODULES "/libcounter.so";
+    const json modules = json::parse(corehost({"--json", "--module", file, "describe", "--modules"}).out);
+    const json& counter = modules.back();
+    EXPECT_EQ(counter["name"], "counter");
+    EXPECT_EQ(counter["interface"], core::kInterfaceVersion);
+    EXPECT_TRUE(std::filesystem::equivalent(counter["file"].get<std::string>(), file));
+    std::string classes = "\n\ncounter\n";
+    for (const json& name : counter["classes"])
+        classes += "  " + name.get<std::string>() + '\n';
+    EXPECT_NE(classes.find("\n  Counter\n"), std::string::npos) << classes;
+
+    const std::string text = corehost({"--module", file, "describe", "--modules"}).out;
+    EXPECT_TRUE(text.ends_with(classes)) << text;
+    const auto lines = static_cast<std::size_t>(
+        std::count(text.begin(), text.end() - static_cast<std::ptrdiff_t>(classes.size()), '\n'));
+    EXPECT_EQ(lines + 1, modules.size()) << "of the others only that they are there: " << text;
+    for (const json& module : modules) {
+        const std::string count = std::to_string(module["classes"].size()) + " classes";
+        EXPECT_NE(text.find(count), std::string::npos) << count << text;
+        EXPECT_NE(text.find(module["file"].get<std::string>() + '\n'), std::string::npos) << text;
+    }
+    EXPECT_EQ(json::parse(corehost({"--json", "describe", "--modules"}).out).size(), modules.size() - 1);
 }
 
 TEST(DescribeTest, TheHandbookNamesEveryFunction) {

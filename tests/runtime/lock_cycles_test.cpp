@@ -4,10 +4,13 @@
 #include <core/runtime/threads/mutex.h>
 #include <core/runtime/threads/rw_mutex.h>
 #include <core/runtime/threads/thread.h>
+#include <core/runtime/utf8.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -54,6 +57,24 @@ TEST_F(LockCycles, AnInvertedOrderIsReportedOnceWithItsThreadsAndPlaces) {
     ASSERT_EQ(reports.size(), 1U);
     for (const wchar* part : {u"first", u"second", u"third", u"0x"})
         EXPECT_NE(reports[0].find(part), wstring::npos);
+}
+
+TEST_F(LockCycles, APlaceInCodeThatIsNotCppHasItsPlainName) {
+    static IMutexImpl a, b;
+    onThread(u"first", [] {
+        const std::lock_guard holdA(a);
+        const std::lock_guard under(b);
+    });
+    onThread(u"second", [] {
+        std::array<int, 2> two{};
+        std::qsort(two.data(), two.size(), sizeof(int), [](const void*, const void*) {
+            const std::lock_guard holdB(b);
+            const std::lock_guard under(a);
+            return 0;
+        });
+    });
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_NE(reports[0].find(u"qsort"), wstring::npos) << to_utf8(reports[0]);
 }
 
 TEST_F(LockCycles, TriesTimeOutsAndAgainAreNoCircles) {

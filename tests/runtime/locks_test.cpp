@@ -224,4 +224,16 @@ TEST(RWMutex, LosesNoWakeUpAndShowsReadersWholeStates) {
     mutex.unlockWrite();
 }
 
+TEST(RWMutex, CountsReadersThatComeAtTheSameMoment) {
+    IRWMutexSimpleImpl mutex;
+    stress::run(4, [&](std::minstd_rand&, int) {
+        for (int i = stress::operations() * 4; i > 0; --i) {
+            if (mutex.tryLockRead())
+                mutex.unlockRead();
+        }
+    });
+    EXPECT_TRUE(mutex.tryLockWrite());
+    mutex.unlockWrite();
+}
+
 } // namespace

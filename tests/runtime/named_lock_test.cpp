@@ -6,11 +6,15 @@
 #include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -182,6 +186,38 @@ TEST(NamedSemaphore, SignalsReachOtherProcesses) {
     }
     NamedSemaphore(new_name(), 1).signal();
     EXPECT_TRUE(files_of(name).empty()); // the child was killed while it had it open
+    {
+        const Child child([&] { new NamedSemaphore(name); });
+    }
+    const NamedSemaphore another(new_name());
+    EXPECT_TRUE(files_of(name).empty()) << "the next one makes away with what a killed process left";
+}
+
+TEST(NamedLock, ASignalDoesNotEndTheWaitForAFile) {
+    const wstring name = new_name();
+    {
+        const Child child([&] { (new NamedMutex(name))->lock(); });
+    } // is killed, so that the file stays
+    ASSERT_EQ(files_of(name).size(), 1U);
+    const int file = ::open(files_of(name).front().c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(file, LOCK_EX), 0); // as one who looks whether the file is used
+    struct sigaction before {
+    }, quiet{};
+    quiet.sa_handler = [](int) {};
+    ASSERT_EQ(sigaction(SIGUSR1, &quiet, &before), 0);
+    std::atomic<bool> opened = false;
+    std::jthread opening([&] {
+        EXPECT_NO_THROW(EXPECT_EQ(NamedMutex(name).lock(), NamedLockResult::abandoned));
+        opened = true;
+    });
+    for (int i = 0; i < 10; ++i) {
+        std::this_thread::sleep_for(5ms);
+        pthread_kill(opening.native_handle(), SIGUSR1);
+    }
+    EXPECT_FALSE(opened);
+    close(file);
+    opening.join();
+    sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST(NamedLock, ANameMayBeAnythingThatFits) {

@@ -131,6 +131,9 @@ TEST(WaitAny, TakesOneAndLeavesTheOthers) {
     });
     EXPECT_EQ(wait_any({mutex, thread}), 1U);
     EXPECT_EQ(wait_any({}, 5ms), std::nullopt);
+    IMutexImpl idle;
+    EXPECT_EQ(wait_any({idle, thread}, 0ms), 0U) << "the first that can be had, also without a wait";
+    idle.unlock();
     end.signal();
 }
 

@@ -130,6 +130,24 @@ TEST_F(TableEvents, ACopyFollowsATable) {
     }
 }
 
+TEST_F(TableEvents, EachChangeOfAColumnIsToldOnce) {
+    const auto table = make(u"ValueTable");
+    const auto columns = property(table, u"Columns");
+    int told = 0;
+    listen(table, u"ColumnsChanged", [&](auto) { ++told; });
+    const auto a = call(columns, u"Add", {u"A"});
+    const auto context = a.query<IContext_>();
+    EXPECT_EQ(told, 1);
+    context->setPropVal(context->findProp(u"Name"), u"B");
+    EXPECT_EQ(told, 2);
+    context->setPropVal(context->findProp(u"ValueType"), make(u"TypeDescription", {u"Number"}));
+    EXPECT_EQ(told, 3);
+    context->setPropVal(context->findProp(u"ValueType"), make(u"TypeDescription", {u"Number"}));
+    EXPECT_EQ(told, 3) << "nothing has changed";
+    call(columns, u"Delete", {u"B"});
+    EXPECT_EQ(told, 4);
+}
+
 TEST_F(TableEvents, ACopyFollowsAList) {
     const auto list = make(u"ValueList");
     Copy copy(list, u"Item");

@@ -107,6 +107,9 @@ TEST_F(TableMembers, RowsShowTheColumnsOfTheMoment) {
     EXPECT_EQ(wstring(context->getPropName(0, kRussian)), u"A");
     EXPECT_EQ(context->getPropName(0, 2), nullptr);
     EXPECT_EQ(context->getPropName(2, kEnglish), nullptr);
+    EXPECT_TRUE(context->isPropReadable(1) && context->isPropWritable(1));
+    const auto named = columns.query<IContext_>(); // Columns.B is the column itself
+    EXPECT_TRUE(named->isPropReadable(1) && !named->isPropWritable(1));
     EXPECT_EQ(call(row, u"Owner").object(), table.object());
     EXPECT_EQ(call(row, u"Get", {u"b"}).presentation(), u"y");
 

@@ -5,6 +5,7 @@
 
 #include <core/values/errors.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 
@@ -85,12 +86,23 @@ TEST_F(TableSorts, AnObjectMayCompareAndDoNoHarm) {
     for (const int always : {-1, 0, 1})
         sort_with([&](int) { return ++calls, always; });
     EXPECT_LT(calls, 3 * 99 * 40) << "an inconsistent order costs no more than a consistent one";
+    auto sorted = walk(call(table, u"UnloadColumn", {u"A"}));
+    std::ranges::stable_sort(sorted, {},
+                             [](const Value& value) { return static_cast<int>(*value.asNumeric()) % 10; });
     sort_with([](int order) { return order; });
-    const auto sorted = walk(call(table, u"UnloadColumn", {u"A"}));
-    EXPECT_TRUE(std::is_sorted(sorted.begin(), sorted.end(), [](const Value& a, const Value& b) {
-        return *a.asNumeric() % 10 < *b.asNumeric() % 10;
-    }));
+    EXPECT_EQ(walk(call(table, u"UnloadColumn", {u"A"})), sorted);
     EXPECT_EQ(failure([&] { call(table, u"Sort", {u"A", 1}); }), type_mismatch(1));
+    harmed = false;
+    const auto add_a_row_and_delete_all = [&](int order) {
+        if (!std::exchange(harmed, true)) {
+            call(table, u"Add");
+            call(table, u"Clear");
+        }
+        return order;
+    };
+    EXPECT_EQ(failure([&] { sort_with(add_a_row_and_delete_all); }),
+              message_text("IDS_VT_CHANGED_WHILE_SORTING"));
+    EXPECT_TRUE(call(table, u"Count").equals(0));
 }
 
 /// Decides the order while it is asked, always so that a sort by partitions learns

@@ -4,6 +4,7 @@
 #include "tests/tables/table_model.h"
 
 #include <functional>
+#include <memory>
 #include <set>
 
 namespace {
@@ -127,6 +128,10 @@ TEST_F(Trees, HaveRowsBelowRowsAlsoAfterTheyWereCleared) {
         EXPECT_TRUE(call(below, u"IndexOf", {item}).equals(i));
     }
     EXPECT_FALSE(items->next(item));
+    const auto again = below.query<IValueCollection>()->enumerate();
+    ASSERT_TRUE(again->next(item));
+    call(below, u"Clear");
+    EXPECT_FALSE(again->next(item)) << "a row that is gone was shown";
 }
 
 TEST_F(Trees, AreSearchedTotalledAndSortedWithAndWithoutTheRowsBelow) {
@@ -255,6 +260,35 @@ TEST_F(Trees, LoadAColumnWithoutLookingAtOtherRows) {
         EXPECT_EQ(loaded, (std::vector<GenericValue>{1, 2, GenericValue()}));
         call(property(tree_, u"Rows"), u"Clear");
     }
+}
+
+/// An object that holds something as long as it lives.
+class Holder : public IValueImpl {
+  public:
+    using Interfaces = InterfaceList<IValue>;
+
+    explicit Holder(std::shared_ptr<int> held) : held_(std::move(held)) {}
+    IType* getType() const noexcept override { return Type(Type::undefined).get(); }
+
+  private:
+    std::shared_ptr<int> held_;
+};
+
+TEST_F(Trees, LetGoOfWhatTheirRowsHeld) {
+    const auto held = std::make_shared<int>();
+    const auto clear_after_filling = [&](const GenericValue& rows) {
+        for (int i = 0; i < 3; ++i)
+            call(call(rows, u"Add"), u"Set", {0, GenericValue(make_object<Holder>(held))});
+        EXPECT_EQ(held.use_count(), 4);
+        call(rows, u"Clear");
+        EXPECT_EQ(held.use_count(), 1);
+    };
+    const GenericValue top = property(tree_, u"Rows");
+    clear_after_filling(property(call(top, u"Add"), u"Rows"));
+    clear_after_filling(top);
+    const GenericValue table = make(u"ValueTable");
+    call(property(table, u"Columns"), u"Add", {u"A"});
+    clear_after_filling(table);
 }
 
 TEST_F(Trees, RefuseRowsOfOtherLevels) {

@@ -407,6 +407,9 @@ TEST_F(Values, ObjectsAreEqualToThemselvesAloneAndHaveNoReadings) {
     Numeric number(7);
     EXPECT_FALSE(static_cast<Foreign*>(a.object())->IValueImpl::getNumeric(number));
     EXPECT_EQ(number, Numeric());
+    wstring text = u"before";
+    EXPECT_TRUE(a.getString(text)) << "every value has a text";
+    EXPECT_EQ(text, u"");
     EXPECT_FALSE(a.equals(nullptr));
 }
 

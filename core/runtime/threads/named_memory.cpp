@@ -70,7 +70,6 @@ NamedMemory::~NamedMemory() {
     const OpenFile file(file_);
     if (file.lock(OpenFile::Lock::exclusive) && file.isLinked() && as<NamedHeader>().held.load() == 0)
         unlink(path_.c_str());
-    unmap();
 }
 
 bool NamedMemory::tryOpen() {
@@ -83,13 +82,11 @@ bool NamedMemory::tryOpen() {
         return false;
     if (!file.isOwn(kind_.size))
         fail_named(name_, EINVAL);
-    if (const int error = map(file.get()))
+    if (const int error = memory_.map(file.get(), kind_.size))
         fail_named(name_, error);
     const auto& header = as<NamedHeader>();
-    if (header.magic != kMagic || header.kind != kind_.number) {
-        unmap();
+    if (header.magic != kMagic || header.kind != kind_.number)
         fail_named(name_, EINVAL);
-    }
     file_ = file.detach();
     return true;
 }
@@ -102,38 +99,33 @@ bool NamedMemory::tryMake(std::uint32_t with) {
     if (file.get() < 0 || !file.lock(OpenFile::Lock::shared) || fchmod(file.get(), S_IRUSR | S_IWUSR) != 0 ||
         ftruncate(file.get(), static_cast<off_t>(kind_.size)) != 0)
         fail_named(name_, errno);
-    if (const int error = map(file.get()))
+    if (const int error = memory_.map(file.get(), kind_.size))
         fail_named(name_, error);
-    try {
-        as<NamedHeader>().magic = kMagic;
-        as<NamedHeader>().kind = kind_.number;
-        kind_.init(memory_, with);
-    } catch (...) {
-        unmap();
-        throw;
-    }
+    as<NamedHeader>().magic = kMagic;
+    as<NamedHeader>().kind = kind_.number;
+    kind_.init(memory_.get(), with);
     if (link(early.c_str(), path_.c_str()) != 0) {
-        const int error = errno;
-        unmap();
-        if (error != EEXIST && error != ENOENT) // ENOENT: it was taken for an unused one before it was locked
-            fail_named(name_, error);
+        if (errno != EEXIST && errno != ENOENT) // ENOENT: it was taken for an unused one before it was locked
+            fail_named(name_, errno);
         return false;
     }
     file_ = file.detach();
     return true;
 }
 
-int NamedMemory::map(int file) noexcept {
-    void* const memory = mmap(nullptr, kind_.size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+int SharedMapping::map(int file, std::size_t size) noexcept {
+    void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     if (memory == MAP_FAILED)
         return errno;
+    end();
     memory_ = memory;
+    size_ = size;
     return 0;
 }
 
-void NamedMemory::unmap() noexcept {
-    munmap(memory_, kind_.size);
-    memory_ = nullptr;
+void SharedMapping::end() noexcept {
+    if (memory_ != nullptr)
+        munmap(memory_, size_);
 }
 
 } // namespace core::detail

@@ -26,6 +26,26 @@ struct NamedKind {
     void (*init)(void* memory, std::uint32_t with); // in memory of zeros; throws ThreadException
 };
 
+/// Shared memory of a file, mapped until its end or until something else is mapped.
+class SharedMapping {
+  public:
+    SharedMapping() noexcept = default;
+    SharedMapping(const SharedMapping&) = delete;
+    SharedMapping& operator=(const SharedMapping&) = delete;
+    ~SharedMapping() { end(); }
+
+    /// Maps the first `size` bytes of an open file. Returns the error number of the system; 0 when it is
+    /// done.
+    int map(int file, std::size_t size) noexcept;
+    [[nodiscard]] void* get() const noexcept { return memory_; }
+
+  private:
+    void end() noexcept;
+
+    void* memory_ = nullptr;
+    std::size_t size_ = 0;
+};
+
 /// Shared memory that is found by a name: a file of this user in the folder for such memory.
 ///
 /// 1. Who uses a file holds a shared file lock on it, which the system takes away when a process dies.
@@ -45,21 +65,19 @@ class NamedMemory {
     /// The memory, borrowed.
     template <class T>
     [[nodiscard]] T& as() const noexcept {
-        return *static_cast<T*>(memory_);
+        return *static_cast<T*>(memory_.get());
     }
     [[nodiscard]] const wstring& name() const noexcept { return name_; }
 
   private:
     bool tryOpen();
     bool tryMake(std::uint32_t with);
-    int map(int file) noexcept;
-    void unmap() noexcept;
 
     wstring name_;
     const NamedKind& kind_;
     std::string path_;
     int file_ = -1;
-    void* memory_ = nullptr;
+    SharedMapping memory_;
 };
 
 /// Sleeps while a word of the memory has a value, until it is woken, and 20 ms at most: nobody of another
