@@ -200,6 +200,16 @@ TEST_F(Modules, ComeAreUsedAndGoWithThreadsAlive) {
               messages::kModuleNotLoaded);
 }
 
+TEST_F(Modules, AreForgottenWithTheCountsOfThreadsThatEnded) {
+    process_.loadModule(file_of("counter"));
+    GenericValue one;
+    Thread(u"maker", [&] { one = make(u"Counter"); }).join();
+    one = {}; // here, so that each thread has counted its half
+    expectUnloads();
+    for (const LiveClass& living : live_report())
+        EXPECT_EQ(living.name.find("Counter"), std::string::npos) << living.name << ' ' << living.count;
+}
+
 TEST(Libraries, ThatCountedObjectsAreUnmappedByTheSystemWhenItLikes) {
     std::promise<void> end;
     std::promise<void> used;
