@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Any bytes, opened as a container of either layout; and once more with the checksums that they should have.
 // What is damaged says so with its kind and URL and is not written to by reading; what is whole can be read,
-// changed and compacted, and stays whole.
+// changed and compacted, and stays whole. What is salvaged of either is whole.
 #include "tests/support/storage_seal.h"
 
 #include <core/files.h>
@@ -54,9 +54,25 @@ void change_all(StorageRW& storage) {
     require(storage.get(u"new") == bytes);
 }
 
+/// What can be saved makes a container without fault; of a whole one that is everything.
+void salvage_all(IFile& file, const StorageRW* whole, const StorageLayout& layout) {
+    const auto saved = open_memory_file(create_memory_data());
+    StorageRW::create(*saved, layout);
+    StorageRW target(saved, layout);
+    SalvageReport report;
+    const bool nothing = finds_damage([&] { report = salvage(file, layout, target); });
+    require(target.check().isClean());
+    if (whole == nullptr)
+        return;
+    require(!nothing && report.isComplete());
+    for (const StorageFound& found : whole->find())
+        require(target.get(found.name) == whole->get(found.name));
+}
+
 void run(const std::vector<std::byte>& bytes, const StorageLayout& layout) {
     const auto file = open_memory_file(create_memory_data());
     write_all(*file, bytes);
+    salvage_all(*file, nullptr, layout);
     (void)finds_damage([&] {
         StorageRW storage(file, layout);
         storage.setRootURL(u"mem://box/");
@@ -71,6 +87,7 @@ void run(const std::vector<std::byte>& bytes, const StorageLayout& layout) {
             return;
         }
         require(!damaged);
+        salvage_all(*file, &storage, layout);
         require(!finds_damage([&] { change_all(storage); }));
         require(storage.check().isClean());
     });

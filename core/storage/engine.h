@@ -213,6 +213,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
 
     // engine_space.cpp
     void loadFreeSpace();
+    void loadFreeList(bool hasGrown);
     void verifySpace();
     void distrustSpace();
     [[nodiscard]] BlockRuns withoutShared(const BlockRuns& blocks) const;

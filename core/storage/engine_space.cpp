@@ -53,11 +53,19 @@ void StorageEngine::loadFreeSpace() {
     if (spaceCounter_ == head_.counter && !hasGrown)
         return;
     spaceCounter_.reset();
-    if (head_.tableLayout == TableLayout::tree) {
+    if (head_.tableLayout == TableLayout::tree)
         loadFreeTree();
-        spaceCounter_ = head_.counter;
-        return;
-    }
+    else
+        loadFreeList(hasGrown);
+    // New blocks go there, and the file would seem to be as long. So an end is not believed when more is
+    // missing than is left.
+    const std::uint64_t length = file_->length();
+    if (space_.end() > length && space_.end() - length > length)
+        throwBadFormat();
+    spaceCounter_ = head_.counter;
+}
+
+void StorageEngine::loadFreeList(bool hasGrown) {
     RangeSet free;
     FreeChain list = read_free_chain(reader_, head_.freeChain, table_.end(),
                                      [&](std::uint64_t begin, std::uint64_t end) { free.add(begin, end); });
@@ -73,7 +81,6 @@ void StorageEngine::loadFreeSpace() {
         else
             distrustSpace();
     }
-    spaceCounter_ = head_.counter;
 }
 
 /// Free space in table layout 2 has checksums.

@@ -3,6 +3,7 @@
 
 #include "core/storage/container_head.h"
 #include "core/storage/files_table.h"
+#include "core/storage/flat_files.h"
 #include "core/storage/little_endian.h"
 #include "core/storage/salvage_found.h"
 
@@ -10,11 +11,8 @@
 #include <core/storage/errors.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstring>
 #include <map>
-#include <string_view>
 
 namespace core {
 namespace {
@@ -26,17 +24,6 @@ constexpr std::uint64_t kLongestRecord = StorageFileInfo::kLeastSize + 2 * Stora
 constexpr std::uint64_t kLatest = std::uint64_t{10000} * 366 * 24 * 3600 * 10000;
 // So many tables are compared that nothing leads to.
 constexpr std::size_t kMostTables = 64;
-
-/// What the first table block holds in table layout 1.
-std::span<const std::byte> flat_mark() noexcept {
-    static const auto bytes = [] {
-        constexpr std::string_view kMark = "table of inner files, layout 1\r\n";
-        std::array<std::byte, kStorageBlockSize> all{};
-        std::memcpy(all.data(), kMark.data(), kMark.size());
-        return all;
-    }();
-    return bytes;
-}
 
 } // namespace
 
@@ -99,10 +86,9 @@ std::optional<SalvageReport::Source> SalvageSource::find(const Visit& visit) {
 
 bool SalvageSource::findByTable(const Visit& visit) {
     ContainerHead::Bytes bytes{};
-    const std::size_t size = ContainerHead::sizeIn(layout_);
     std::vector<std::byte> content;
     try {
-        if (!reader_.readAround(0, std::span(bytes).first(size)))
+        if (!reader_.readAround(0, std::span(bytes).first(ContainerHead::sizeIn(layout_))))
             return false;
         const ContainerHead head = ContainerHead::decode(bytes, layout_);
         BlockChain chain(layout_);
@@ -116,11 +102,8 @@ bool SalvageSource::findByTable(const Visit& visit) {
                 break;
             }
         }
-        if (chain.size() == 0) { // an empty container
-            const auto mark = reader_.at(size, kStorageBlockSize, kStorageBlockSize);
-            return mark.size() >= kStorageBlockSize &&
-                   std::equal(flat_mark().begin(), flat_mark().end(), mark.begin());
-        }
+        if (chain.size() == 0) // an empty container
+            return head.isSound(bytes, layout_);
     } catch (const ChainInFileExc&) {
     } catch (const HexConvExc&) {
     }
@@ -188,7 +171,8 @@ std::optional<std::vector<std::byte>> SalvageSource::tableAt(std::uint64_t addre
         if (!header)
             return std::nullopt;
         BlockChain chain(layout_);
-        std::vector<std::byte> content(flat_mark().begin(), flat_mark().end());
+        const auto mark = FlatFiles::preamble();
+        std::vector<std::byte> content(mark.begin(), mark.end());
         const auto read = [&](std::uint64_t size) { // in pieces: what a number claims is not believed
             chain.adopt(reader_, address, size, header->size, header->next);
             const std::vector<std::byte> rest = chain.content(reader_);

@@ -86,6 +86,14 @@ TEST_P(Salvage, FindsEverySoundFile) {
     EXPECT_GT(saved, 1000U);
 }
 
+TEST_P(Salvage, MissesNothingInAnEmptyContainer) {
+    FaultDisk disk;
+    test::create_container(*test::open_fault_file(disk), format_);
+    const Result result = salvaged(disk.bytes);
+    EXPECT_EQ(result.report.source, SalvageReport::Source::table);
+    EXPECT_TRUE(result.report.isComplete() && result.files.empty());
+}
+
 TEST_P(Salvage, FindsTheTableThatNothingLeadsTo) {
     Bytes bytes = disk_.bytes;
     std::fill_n(bytes.begin(), 512, std::byte{});
