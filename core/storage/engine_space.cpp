@@ -59,7 +59,7 @@ void StorageEngine::loadFreeSpace() {
         loadFreeList(hasGrown);
     // New blocks go there, and the file would seem to be as long. So an end is not believed when more is
     // missing than is left.
-    const std::uint64_t length = file_->length();
+    const std::uint64_t length = std::max(file_->length(), layout_.emptyLength());
     if (space_.end() > length && space_.end() - length > length)
         throwBadFormat();
     spaceCounter_ = head_.counter;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/salvage_source.h"
 
-#include "core/storage/container_head.h"
 #include "core/storage/files_table.h"
 #include "core/storage/flat_files.h"
 #include "core/storage/little_endian.h"
@@ -84,11 +83,19 @@ std::optional<SalvageReport::Source> SalvageSource::find(const Visit& visit) {
     return std::nullopt;
 }
 
+/// False when the file ends in the header. It may end in the first block, in zeros.
+bool SalvageSource::readHead(ContainerHead::Bytes& bytes) {
+    const std::size_t size = ContainerHead::sizeIn(layout_);
+    const auto from = reader_.at(0, size, size);
+    std::copy_n(from.begin(), std::min(from.size(), size), bytes.begin());
+    return from.size() >= size - kStorageBlockSize;
+}
+
 bool SalvageSource::findByTable(const Visit& visit) {
     ContainerHead::Bytes bytes{};
     std::vector<std::byte> content;
     try {
-        if (!reader_.readAround(0, std::span(bytes).first(ContainerHead::sizeIn(layout_))))
+        if (!readHead(bytes))
             return false;
         const ContainerHead head = ContainerHead::decode(bytes, layout_);
         BlockChain chain(layout_);

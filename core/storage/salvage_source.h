@@ -4,6 +4,7 @@
 #include "core/storage/block_chain.h"
 #include "core/storage/block_format.h"
 #include "core/storage/block_reader.h"
+#include "core/storage/container_head.h"
 #include "core/storage/node_store.h"
 #include "core/storage/tree_rows.h"
 
@@ -62,6 +63,8 @@ class SalvageSource {
 
   private:
     struct Found; // in the whole file
+
+    [[nodiscard]] bool readHead(ContainerHead::Bytes& bytes);
 
     // The tree of table layout 2.
     [[nodiscard]] bool isWholeTree(const NodeRef& ref, std::optional<unsigned> level);

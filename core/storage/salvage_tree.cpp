@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What is left of the tree of inner files in table layout 2. Nodes have checksums and say what they are, so
 // that they are found without the way that leads to them.
-#include "core/storage/container_head.h"
 #include "core/storage/salvage_found.h"
 
 #include <core/storage/errors.h>
@@ -49,7 +48,7 @@ bool SalvageSource::findByTree(const Visit& visit) {
     ContainerHead::Bytes bytes{};
     std::optional<NodeRef> root;
     try {
-        if (!reader_.readAround(0, std::span(bytes).first(ContainerHead::sizeIn(layout_))))
+        if (!readHead(bytes))
             return false;
         const ContainerHead head = ContainerHead::decode(bytes, layout_);
         if (head.tableLayout == TableLayout::tree && head.files == 0 && head.isSound(bytes, layout_))
