@@ -41,8 +41,6 @@ void StorageEngine::loadFreeTree() {
 std::vector<std::pair<std::uint64_t, std::uint64_t>> StorageEngine::freeRows() {
     std::vector<std::pair<std::uint64_t, std::uint64_t>> rows;
     const auto root = head_.freeRoot(layout_);
-    if (root && !is_child(*root, layout_, head_.end))
-        throw ChainInFileExc(root->address);
     if (root)
         for_each_in_tree<FreeRows>(
             freeNodes_, freeNodes_.load(*root),

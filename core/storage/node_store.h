@@ -3,6 +3,7 @@
 
 #include "core/storage/block_reader.h"
 #include "core/storage/tree.h"
+#include "core/storage/tree_rows.h"
 
 #include <core/storage/errors.h>
 
@@ -32,6 +33,8 @@ class NodeStore : public TreeSource<Rows> {
     [[nodiscard]] Node load(const NodeRef& ref) override {
         if (Node known = recall(ref))
             return known;
+        if (!is_child(ref, reader_.layout(), reader_.end())) // before memory is taken for it
+            throwDamaged(ref);
         auto node = decode_node<Rows>(read_together(reader_, ref.address, ref.size), reader_.layout(),
                                       reader_.end(), ref.sum);
         if (!node)
