@@ -14,6 +14,7 @@
 #include <lmdb.h>
 #include <sqlite3.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <zip.h>
@@ -192,6 +193,7 @@ void take_turns(benchmark::State& state) {
     Other& other = *new (memory) Other{};
     const ::pid_t child = ::fork();
     if (child == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL); // a run that is broken off leaves nobody behind
         Store store(folder.file(), false);
         for (; !other.stop; ++other.commits)
             commit_one(store, other.commits % 500);

@@ -120,7 +120,7 @@ struct Ours {
 struct Lmdb {
     explicit Lmdb(const std::string& path, bool) {
         require(mdb_env_create(&env) == 0);
-        require(mdb_env_set_mapsize(env, std::size_t{1} << 30) == 0);
+        require(mdb_env_set_mapsize(env, std::size_t{16} << 30) == 0);
         require(mdb_env_open(env, path.c_str(), MDB_NOSUBDIR, 0600) == 0);
         MDB_txn* first = nullptr;
         require(mdb_txn_begin(env, nullptr, 0, &first) == 0);
