@@ -34,7 +34,7 @@ InterfacePtr<IFile> open_file(const wstring& url, OpenMode mode) {
     throw_file_error(messages::kFileScheme, url, ENOTSUP);
 }
 
-/// A file made where there is none; null where there is one already.
+/// Makes a file and returns it; null when the file exists already.
 InterfacePtr<IFile> make_file(const wstring& url) {
     try {
         return open_file(url, OpenMode::createNew);

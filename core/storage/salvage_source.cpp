@@ -169,8 +169,8 @@ bool SalvageSource::findByRows(std::span<const std::byte> content, const Visit& 
     return true;
 }
 
-/// The content of the table whose second block stands at `address`; nothing when there is none. All that it
-/// says must fit together, so that hardly anything else can be taken for one.
+/// The content of the table whose second block stands at `address`; nothing when no table lies there. All
+/// that it says must fit together, so that hardly anything else can be taken for one.
 std::optional<std::vector<std::byte>> SalvageSource::tableAt(std::uint64_t address) {
     const std::size_t width = layout_.width;
     try {

@@ -187,7 +187,7 @@ TEST(Encoding, TextPassesAtEveryCut) {
     }
 }
 
-/// What the failure of decoding says; empty if there is none.
+/// What the failure of decoding says; empty if it succeeds.
 std::string complaint(std::string_view bytes, const char16_t* name) {
     try {
         Decoder decoder(Encoding(name), CodingErrorAction::report, u"t");

@@ -105,7 +105,7 @@ class Python {
     }
 
   private:
-    /// The interpreter that can run it, which need not be the first one there is; empty when there is none.
+    /// The interpreter that can run it, which need not be the first one found; empty when no one can.
     [[nodiscard]] static std::string interpreter() {
         for (const std::string name : {"python3", "/usr/bin/python3"}) {
             if (std::system((name + " -c 'import xxhash' 2>/dev/null").c_str()) == 0)

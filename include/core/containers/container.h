@@ -57,7 +57,7 @@ class CORE_API Container {
   public:
     static constexpr OpenMode read = OpenMode::read;           ///< It must exist, and takes no changes.
     static constexpr OpenMode change = OpenMode::readWrite;    ///< It must exist.
-    static constexpr OpenMode create = OpenMode::create;       ///< It is made where there is none.
+    static constexpr OpenMode create = OpenMode::create;       ///< It is made if it does not exist.
     static constexpr OpenMode createNew = OpenMode::createNew; ///< It is made, and must not exist.
     static constexpr OpenMode replace = OpenMode::replace;     ///< It is made, or emptied.
 
@@ -94,8 +94,8 @@ class CORE_API Container {
     void put(wstring_view name, const T& value) {
         putValue(name, to_value(value));
     }
-    /// Returns the value under a name. Throws StorageException if there is none, and ContextException for an
-    /// inner file that holds no value.
+    /// Returns the value under a name. Throws StorageException if no inner file has that name, and
+    /// ContextException if it holds no value.
     [[nodiscard]] Value get(wstring_view name) const;
     /// Returns the value as a `T`, which is an interface, a script class, or a type that values convert to.
     /// Throws as get(), and ContextException for a value that is not a `T`.
