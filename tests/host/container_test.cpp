@@ -178,20 +178,20 @@ TEST_F(Container, TheSchemeOfAURLSaysTheLayout) {
 }
 
 TEST_F(Container, WhatDoesNotFitOnTheDiskLeavesNothing) {
-    const auto create = [this] { // within a file of a few bytes
-        const struct rlimit limit = {100, RLIM_INFINITY};
-        return ::setrlimit(RLIMIT_FSIZE, &limit) == 0 ? static_cast<int>(run({"create", path("c.st")})) : -1;
+    // Runs a command while no file may grow beyond a few bytes. The process may write again when it ends.
+    const auto within = [this](std::vector<std::string> words) {
+        const struct rlimit tight = {100, RLIM_INFINITY};
+        const struct rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
+        const int result =
+            ::setrlimit(RLIMIT_FSIZE, &tight) == 0 ? static_cast<int>(run(std::move(words))) : -1;
+        return ::setrlimit(RLIMIT_FSIZE, &none) == 0 ? result : -1;
     };
-    EXPECT_EXIT(::_exit(create()), testing::ExitedWithCode(static_cast<int>(ExitCode::io)), "");
+    EXPECT_EXIT(::_exit(within({"create", path("c.st")})),
+                testing::ExitedWithCode(static_cast<int>(ExitCode::io)), "");
     EXPECT_FALSE(fs::exists(path("c.st")));
     write("empty.st", "");
-    const auto put = [this] {
-        const struct rlimit limit = {100, RLIM_INFINITY};
-        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
-            return -1;
-        return static_cast<int>(run({"put", path("empty.st"), path("tree/a.txt")}));
-    };
-    EXPECT_EXIT(::_exit(put()), testing::ExitedWithCode(static_cast<int>(ExitCode::io)), "");
+    EXPECT_EXIT(::_exit(within({"put", path("empty.st"), path("tree/a.txt")})),
+                testing::ExitedWithCode(static_cast<int>(ExitCode::io)), "");
     EXPECT_EQ(read("empty.st"), "") << "as it was";
 }
 
