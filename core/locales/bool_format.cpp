@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/locales/cached_format.h"
 #include "core/locales/format_items.h"
+#include "core/locales/format_names.h"
 
 #include <core/locales/bool_format.h>
 #include <core/locales/settings.h>
@@ -9,18 +10,24 @@
 
 namespace core {
 
-BoolFormat::BoolFormat(wstring_view format, const Locale& locale)
-    : true_(locale.isRussian() ? u"Да" : u"Yes"), false_(locale.isRussian() ? u"Нет" : u"No") {
-    for (const FormatItem& item : format_items(format)) {
-        if (item.is(u"true"))
+BoolFormat::BoolFormat(wstring_view format, const Locale& locale) {
+    using namespace bool_item;
+    const std::vector<FormatItem> items = format_items(format, kBoolItems);
+    bool russian = locale.isRussian();
+    for (const FormatItem& item : items) {
+        if (item.term == kLocale)
+            russian = item.locale().isRussian();
+    }
+    true_ = russian ? u"Да" : u"Yes";
+    false_ = russian ? u"Нет" : u"No";
+    for (const FormatItem& item : items) {
+        if (item.term == kTrue)
             true_ = item.text();
-        else if (item.is(u"false"))
+        else if (item.term == kFalse)
             false_ = item.text();
-        else
-            item.refuse();
     }
     if (compare_nocase(true_, false_) == 0)
-        FormatItem{u"false", false_}.refuse();
+        items.back().refuse();
 }
 
 bool BoolFormat::parse(wstring_view text, bool& value, const wchar** end) const noexcept {

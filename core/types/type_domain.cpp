@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <core/locales/settings.h>
 #include <core/types/type_domain.h>
+
+#include <algorithm>
 
 namespace core {
 
@@ -43,6 +46,22 @@ bool TypeDomain::fits(const Value& value) const noexcept {
     default:
         return true;
     }
+}
+
+wstring TypeDomain::presentation(const Value& value) const {
+    constexpr std::size_t kMost = 1000;
+    wstring text = value.presentation();
+    const std::size_t digits = numericQualifiers().fractionDigits();
+    if (value.kind() != ValueKind::number || !containsType(ValueKind::number) || digits == 0 ||
+        digits > kMost || !current_settings().part<FormatSettings>().numericFormat.empty())
+        return text;
+    const std::size_t point = std::min(text.find(u'.'), text.size());
+    if (point == text.size())
+        text += u'.';
+    const std::size_t wanted = point + 1 + digits;
+    if (text.size() < wanted)
+        text.append(wanted - text.size(), u'0');
+    return text;
 }
 
 bool TypeDomain::canHold(const Value& value) const {

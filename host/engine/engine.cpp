@@ -9,7 +9,9 @@
 #include <core/containers/container_functions.h>
 #include <core/context/events/event_functions.h>
 #include <core/objects/core_general_context.h>
+#include <core/objects/date_functions.h>
 #include <core/objects/enumeration.h>
+#include <core/objects/format_functions.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
@@ -83,6 +85,8 @@ Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
         globals.add(InterfacePtr<IContext_>(enumerations));
     globals.add(create_core_general_context());
     globals.add(create_event_functions());
+    globals.add(create_date_functions());
+    globals.add(create_format_functions());
     globals.add(create_container_functions());
     globals.add(create_table_functions(impl_->surroundings));
     globals.add(create_script_functions(impl_->surroundings));

@@ -7,7 +7,9 @@
 #include <core/lists/errors.h>
 #include <core/objects/binary_data.h>
 #include <core/objects/core_general_context.h>
+#include <core/objects/date_functions.h>
 #include <core/objects/enumeration.h>
+#include <core/objects/format_functions.h>
 #include <core/objects/native_enumeration.h>
 #include <core/objects/text_streams.h>
 #include <core/streams/errors.h>

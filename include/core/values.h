@@ -9,6 +9,7 @@
 #include <core/strings.h>
 #include <core/values/create_value.h>
 #include <core/values/errors.h>
+#include <core/values/format_value.h>
 #include <core/values/generic_value.h>
 #include <core/values/type.h>
 #include <core/values/type_object.h>

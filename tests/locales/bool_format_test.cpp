@@ -27,6 +27,8 @@ TEST(BoolFormat, WordsFollowTheLocaleAndReadBackInAnyCase) {
     EXPECT_TRUE(value);
     for (const wstring_view text : {u"", u"Ye", u"Да", u"1"})
         EXPECT_EQ(read(english, text, value), -1);
+    EXPECT_EQ(BoolFormat(u"локаль=ru; ложь=никогда; empty='?'").format(false), u"никогда");
+    EXPECT_EQ(BoolFormat(u"locale=de").format(true), u"Yes") << "words there are in two languages";
     expect_refused<BoolFormat>(
         {u"true=", u"true=No", u"true=A; false=a", u"maybe=1", u"true=A; true=B", u"true=' A'"});
 }

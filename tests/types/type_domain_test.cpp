@@ -208,6 +208,25 @@ TEST_F(TypeDomains, WhatFitsIsKeptAsItIs) {
     EXPECT_EQ(domain.adjust(12345), GenericValue(u"123")); // converted, then limited
 }
 
+TEST_F(TypeDomains, PresentationsHaveAllFractionDigits) {
+    TypeDomain price(Type(Type::number).id());
+    price.addType(Type(Type::string).id());
+    price.setNumericQualifiers(NumericQualifiers(10, 2));
+    const std::pair<Value, wstring_view> cases[] = {{Value(Numeric::fromString("1.2")), u"1.20"},
+                                                    {Value(-5), u"-5.00"},
+                                                    {Value(Numeric::fromString("0.125")), u"0.125"},
+                                                    {Value(0), u"0.00"},
+                                                    {Value(u"1.2"), u"1.2"},
+                                                    {Value(), u""}};
+    for (const auto& [value, text] : cases)
+        EXPECT_EQ(price.presentation(value), text);
+    EXPECT_EQ(TypeDomain().presentation(Value(5)), u"5");
+    Settings settings;
+    settings.part<FormatSettings>().numericFormat = u"fraction=1";
+    const host::HostProcess process(settings);
+    EXPECT_EQ(price.presentation(Value(5)), u"5.0");
+}
+
 TEST_F(TypeDomains, Defaults) {
     EXPECT_EQ(TypeDomain().defaultType(), Type(Type::undefined));
     EXPECT_EQ(TypeDomain(kDateType).defaultType(), Type(Type::date));

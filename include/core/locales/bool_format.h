@@ -10,12 +10,16 @@ namespace core {
 /// Booleans as text for a user: "Yes" and "No", in a Russian locale "Да" and "Нет".
 /// What is written reads back.
 ///
-/// A format string may hold other words, as in "true=On; false=Off"; the two must differ in more than case. A
-/// value type; one object may be used by many threads.
+/// A format string, in which each item stands once, under its English or its Russian name, may hold
+///   locale=key    the locale of the words
+///   true=text     the word for True
+///   false=text    the word for False; the two must differ in more than case
+///   empty=text    the text where there is no value
+/// as in "true=On; false=Off". A value type; one object may be used by many threads.
 class BoolFormat {
   public:
     /// Makes the format of a format string, with the words of `locale` where it gives none. Throws
-    /// CtorException for a malformed string, and std::bad_alloc.
+    /// CtorException for a string that is malformed or makes no sense, and std::bad_alloc.
     CORE_API explicit BoolFormat(wstring_view format = {}, const Locale& locale = Locale());
 
     /// Returns the word for a value, borrowed as long as the format.

@@ -3,26 +3,47 @@
 
 #include <core/numbers/numeric.h>
 #include <core/runtime/api.h>
+#include <core/runtime/locale.h>
 #include <core/runtime/types.h>
+
+#include <memory>
 
 namespace core {
 
-/// Numbers as text for a user. The default is the plain form: all digits, "." before the fraction, "-" in
-/// front, no grouping. What is written reads back, up to the digits that `fraction` rounds off.
+struct NumericLayout; ///< private to the library
+
+/// Numbers as text for a user. What is written reads back, up to the digits that the format rounds off, and
+/// nothing else is read: "1.234,5" is a number in German and none in Russian.
 ///
-/// A format string may hold
-///   fraction=N   exactly N digits after the point, 0 ... 1000, rounded in the process's mode
-///   point=c      the character before the fraction
-///   group=c      the character between groups of three digits of the whole part
-///   zero=text    the text of zero, and of what rounds to it; not that of another number
-/// as in "fraction=2; point=','; group=' '", each at most once. A value type; one object may be used by many
+/// The plain form has all digits, "." before the fraction, "-" in front, no grouping. A format string, in
+/// which each item stands once, under its English or its Russian name, may hold
+///   locale=key       the locale whose digits, separators, groups and signs are used
+///   fraction=N       the digits after the point, rounded in the process's mode: "2" exactly two, "..2" at
+///                    most, "2.." at least, "1..3"; up to 1000
+///   digits=N         the digits that count, in the same way; in place of fraction
+///   whole=N          the least digits before the point, filled with zeros
+///   point=text       what stands before the fraction
+///   group=text       what stands between groups; empty: no groups
+///   grouping=N,M     the digits of the last group and of the others; "3" both, "0" no groups
+///   sign=form        before, behind or brackets
+///   scale=S          a power of ten by which the number is divided ("1000": thousands), or "percent"
+///   zero=text        the text of zero, and of what rounds to it; not that of another number
+///   negative=text    the text of negative numbers, with "#" where the digits stand; without "#" such a
+///                    number does not read back
+///   empty=text       the text where there is no value
+/// as in "locale=de; fraction=2". docs/formats.md shows each. A value type; one object may be used by many
 /// threads.
 class NumericFormat {
   public:
     /// Makes the plain form.
     NumericFormat() noexcept = default;
-    /// Makes the format of a format string. Throws CtorException for a malformed one, and std::bad_alloc.
+    /// Makes the format of a format string, which is plain in what the string leaves out. Throws
+    /// CtorException for a string that is malformed or makes no sense, and std::bad_alloc.
     CORE_API explicit NumericFormat(wstring_view format);
+    /// Makes the format of a format string as people of `locale` write, where the string names no other.
+    /// Throws CtorException for a string that is malformed or makes no sense, LocaleException for a locale
+    /// without numbers, and std::bad_alloc.
+    CORE_API NumericFormat(wstring_view format, const Locale& locale);
 
     /// Replaces `text`, whose capacity is used, by the number. Throws std::bad_alloc.
     CORE_API void format(const Numeric& number, wstring& text) const;
@@ -30,21 +51,13 @@ class NumericFormat {
     [[nodiscard]] CORE_API wstring format(const Numeric& number) const;
 
     /// Reads as much of `text` as this format could have written, white space in front allowed, and stores
-    /// through `end` where it stopped. Groups may be left out. False, with `number` unchanged and `end` at
-    /// the start of the text, when no number stands there. Throws std::bad_alloc.
+    /// through `end` where it stopped. Groups may be left out; a blank between them may be a plain, a
+    /// no-break or a narrow one; digits and minus may be those of ASCII. False, with `number` unchanged and
+    /// `end` at the start of the text, when no number stands there. Throws std::bad_alloc.
     [[nodiscard]] CORE_API bool parse(wstring_view text, Numeric& number, const wchar** end = nullptr) const;
 
   private:
-    static constexpr int kAllDigits = -1;
-
-    [[nodiscard]] bool isPlain() const noexcept {
-        return fraction_ == kAllDigits && point_ == u'.' && group_ == u'\0' && zero_.empty();
-    }
-
-    int fraction_ = kAllDigits;
-    wchar point_ = u'.';
-    wchar group_ = u'\0'; ///< none
-    wstring zero_;        ///< empty: like any other number
+    std::shared_ptr<const NumericLayout> layout_; // null: the plain form
 };
 
 /// Returns the format that the settings of the calling thread's process ask for. It is borrowed, for this

@@ -58,6 +58,11 @@ class CORE_API TypeDomain : private TypeDomainPattern {
         return fits(value) ? std::move(value) : adjusted(value);
     }
 
+    /// Returns the text of a value with all the fraction digits that the description gives a Number, up to a
+    /// thousand: 1.20 where two are kept. Any other value, and a Number of a process that has set a format
+    /// for numbers, has its presentation. Throws what the presentation throws.
+    [[nodiscard]] wstring presentation(const Value& value) const;
+
     /// Says whether the value is of one of the types, whatever their qualifiers say, or is the default value:
     /// every value that adjust() returned is. A reader of stored values asks this. It cannot ask fits(),
     /// because rounding carries a number past its qualifiers: 99.996 in four digits, two of them behind the
