@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/locales/date_layout.h"
 
-#include "core/locales/date_symbols.h"
 #include "core/locales/format_items.h"
 #include "core/locales/format_names.h"
 
@@ -64,7 +63,7 @@ class Builder {
     }
 
     [[nodiscard]] DatePieces form(std::optional<DateStyle> date, std::optional<DateStyle> time) const {
-        return DatePieces::trusted(locale_pattern(locale_, date, time), locale_);
+        return DatePieces::compile(locale_pattern(locale_, date, time), locale_);
     }
 
     [[nodiscard]] DatePieces pieces(const FormatItem* item, bool isDate) const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/locales/date_symbols.h"
 #include "core/locales/digit_units.h"
 
 #include <core/dates/date.h>
@@ -28,8 +29,8 @@ struct DatePieces {
 
     /// Compiles the pattern of a format string. CtorException with the place of what makes no sense.
     [[nodiscard]] static DatePieces compile(wstring_view pattern, const Locale& locale);
-    /// Compiles a pattern of ICU's own, whose letters and their order make sense.
-    [[nodiscard]] static DatePieces trusted(wstring_view pattern, const Locale& locale);
+    /// Compiles a pattern of the locale's own, whose letters and their order make sense.
+    [[nodiscard]] static DatePieces compile(const LocalePattern& pattern, const Locale& locale);
 
     void append(const DatePieces& other);
     void append(wstring_view text);

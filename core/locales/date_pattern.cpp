@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The grammar of patterns.
 #include "core/locales/date_layout.h"
-#include "core/locales/date_symbols.h"
 #include "core/locales/format_items.h"
 #include "core/locales/number_symbols.h"
 
@@ -169,8 +168,13 @@ DatePieces DatePieces::compile(wstring_view pattern, const Locale& locale) {
     return Compiler(pattern, locale, true).compile();
 }
 
-DatePieces DatePieces::trusted(wstring_view pattern, const Locale& locale) {
-    return Compiler(pattern, locale, false).compile();
+DatePieces DatePieces::compile(const LocalePattern& pattern, const Locale& locale) {
+    DatePieces made = Compiler(pattern.text, locale, false).compile();
+    for (DatePiece& piece : made.pieces) {
+        if (piece.letter == u'M' && piece.width <= 2)
+            piece.names = pattern.months;
+    }
+    return made;
 }
 
 void DatePieces::append(const DatePieces& other) {

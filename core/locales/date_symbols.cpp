@@ -43,6 +43,18 @@ std::vector<wstring> day_periods(const Locale& locale) {
     return names;
 }
 
+/// The numbers of months where a pattern writes them in another way than those of days.
+std::vector<wstring> month_numbers(const icu::SimpleDateFormat& format) {
+    const icu::NumberFormat* const months = format.getNumberFormatForField(u'M');
+    const icu::NumberFormat* const days = format.getNumberFormatForField(u'd');
+    std::vector<wstring> numbers;
+    for (std::int32_t month = 1; month <= 12 && months != days; ++month) {
+        icu::UnicodeString text;
+        numbers.push_back(text_of(months->format(month, text)));
+    }
+    return numbers;
+}
+
 Symbols::DtWidthType width_type(std::size_t width) noexcept {
     switch (width) {
     case 4:
@@ -85,7 +97,8 @@ std::vector<wstring> date_names(const Locale& locale, wchar letter, std::size_t 
     return found;
 }
 
-wstring locale_pattern(const Locale& locale, std::optional<DateStyle> date, std::optional<DateStyle> time) {
+LocalePattern locale_pattern(const Locale& locale, std::optional<DateStyle> date,
+                             std::optional<DateStyle> time) {
     using Format = icu::DateFormat;
     constexpr Format::EStyle kStyles[] = {Format::kShort, Format::kMedium, Format::kLong, Format::kFull};
     if (time && *time > DateStyle::mediumForm)
@@ -98,7 +111,7 @@ wstring locale_pattern(const Locale& locale, std::optional<DateStyle> date, std:
     const auto* const format = dynamic_cast<const icu::SimpleDateFormat*>(made.get());
     check(format != nullptr ? U_ZERO_ERROR : U_UNSUPPORTED_ERROR, locale);
     icu::UnicodeString pattern;
-    return text_of(format->toPattern(pattern));
+    return {text_of(format->toPattern(pattern)), month_numbers(*format)};
 }
 
 } // namespace core

@@ -18,9 +18,15 @@ enum class DateStyle { shortForm, mediumForm, longForm, fullForm };
 /// stand for no names.
 [[nodiscard]] std::vector<wstring> date_names(const Locale& locale, wchar letter, std::size_t width);
 
+/// A locale's own pattern.
+struct LocalePattern {
+    wstring text;
+    std::vector<wstring> months; ///< the twelve numbers of months where they are not digits ("ix")
+};
+
 /// The locale's own pattern of a date, of a time, or of both. A date has no zone, so that times of the long
 /// and full forms are those of the medium one.
-[[nodiscard]] wstring locale_pattern(const Locale& locale, std::optional<DateStyle> date,
-                                     std::optional<DateStyle> time);
+[[nodiscard]] LocalePattern locale_pattern(const Locale& locale, std::optional<DateStyle> date,
+                                           std::optional<DateStyle> time);
 
 } // namespace core

@@ -91,9 +91,8 @@ NumberSymbols fetch(const Locale& locale) {
     made.point = text_of(symbols.getSymbol(Symbol::kDecimalSeparatorSymbol));
     made.group = text_of(symbols.getSymbol(Symbol::kGroupingSeparatorSymbol));
     made.minus = text_of(symbols.getSymbol(Symbol::kMinusSignSymbol));
-    made.grouping = grouping_of(*decimal, made.group);
-    made.decimal = affixes_of(*decimal);
-    made.percent = affixes_of(*percent);
+    made.decimal = {affixes_of(*decimal), grouping_of(*decimal, made.group)};
+    made.percent = {affixes_of(*percent), grouping_of(*percent, made.group)};
     return made;
 }
 

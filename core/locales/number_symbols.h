@@ -27,15 +27,20 @@ struct NumberGrouping {
     }
 };
 
+/// What numbers of one style look like around and between their digits.
+struct NumberStyle {
+    NumberAffixes affixes;
+    NumberGrouping grouping;
+};
+
 /// How the people of a locale write numbers.
 struct NumberSymbols {
     DigitUnits digits;
     wstring point = u".";
     wstring group = u",";
     wstring minus = u"-";
-    NumberGrouping grouping = {3, 3, 1};
-    NumberAffixes decimal;
-    NumberAffixes percent = {{}, u"%", u"-", u"%"};
+    NumberStyle decimal;
+    NumberStyle percent = {{{}, u"%", u"-", u"%"}, {}};
 };
 
 /// The symbols of a locale, fetched once a thread; valid as long as the thread. A numbering system without

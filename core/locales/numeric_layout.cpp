@@ -45,9 +45,9 @@ class Builder {
     [[nodiscard]] bool isPlain() const noexcept { return isPlain_; }
 
     NumericLayout build() {
+        setScale();
         setDigits();
         setSeparators();
-        setScale();
         setSign();
         setTexts();
         return std::move(layout_);
@@ -63,12 +63,15 @@ class Builder {
     void use(const NumberSymbols& symbols) {
         layout_.digits = symbols.digits;
         layout_.point = symbols.point;
-        layout_.group = symbols.grouping.last != 0 ? symbols.group : wstring();
-        layout_.grouping = symbols.grouping;
-        layout_.affixes = symbols.decimal;
+        use(symbols.decimal, symbols.group);
         percent_ = symbols.percent;
         minus_ = symbols.minus;
         ownGroup_ = symbols.group;
+    }
+    void use(const NumberStyle& style, const wstring& group) {
+        layout_.group = style.grouping.last != 0 ? group : wstring();
+        layout_.grouping = style.grouping;
+        layout_.affixes = style.affixes;
     }
 
     void setDigits() {
@@ -132,7 +135,7 @@ class Builder {
         if (find_word(item->value, kPercent)) {
             layout_.factor = 100;
             layout_.divisor = Numeric(1) / Numeric(100);
-            layout_.affixes = percent_;
+            use(percent_, ownGroup_);
             return;
         }
         const bool isPower = item->value.size() >= 2 && item->value.size() <= 19 && item->value[0] == u'1' &&
@@ -200,7 +203,7 @@ class Builder {
 
     std::vector<FormatItem> items_;
     NumericLayout layout_;
-    NumberAffixes percent_ = NumberSymbols().percent;
+    NumberStyle percent_ = NumberSymbols().percent;
     wstring minus_ = u"-";
     wstring ownGroup_;
     bool isPlain_ = false;

@@ -17,8 +17,8 @@ struct NumericLayout {
     DigitUnits digits;
     wstring point = u".";
     wstring group; ///< empty: no groups
-    NumberGrouping grouping;
     NumberAffixes affixes;
+    NumberGrouping grouping;
     DigitRange fraction;
     DigitRange significant = {0, DigitRange::kNoLimit}; ///< least 0: `fraction` counts
     std::size_t whole = 1;                              ///< the least digits before the point
