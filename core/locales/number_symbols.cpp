@@ -23,6 +23,8 @@ std::unique_ptr<icu::DecimalFormat> open_format(const icu::Locale& locale, UNumb
     if (U_FAILURE(status) || decimal == nullptr)
         return nullptr;
     made.release();
+    // By default ICU groups four digits in Spanish, too.
+    decimal->setMinimumGroupingDigits(UNUM_MINIMUM_GROUPING_DIGITS_AUTO);
     return std::unique_ptr<icu::DecimalFormat>(decimal);
 }
 
@@ -93,6 +95,7 @@ NumberSymbols fetch(const Locale& locale) {
     made.minus = text_of(symbols.getSymbol(Symbol::kMinusSignSymbol));
     made.decimal = {affixes_of(*decimal), grouping_of(*decimal, made.group)};
     made.percent = {affixes_of(*percent), grouping_of(*percent, made.group)};
+    made.percent.grouping.least = made.decimal.grouping.least; // a percent formatter writes other digits
     return made;
 }
 

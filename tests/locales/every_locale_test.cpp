@@ -57,6 +57,7 @@ TEST(EveryLocale, WritesNumbersAsIcuDoesAndReadsThem) {
                 icu::NumberFormat::createInstance(icu::Locale(name.c_str()), style, status));
             auto& icu = dynamic_cast<icu::DecimalFormat&>(*made);
             icu.setMaximumFractionDigits(30);
+            icu.setMinimumGroupingDigits(UNUM_MINIMUM_GROUPING_DIGITS_AUTO);
             const NumericFormat format(string, Locale(name));
             for (int i = 0; i < 20; ++i) {
                 const std::string digits = random_number(random);

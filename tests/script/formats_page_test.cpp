@@ -88,7 +88,7 @@ TEST_F(FormatsPage, RefusalsSayWhere) {
                                                        "character 8 means nothing. Text stands between "
                                                        "apostrophes."},
            {"Format(\"text\", \"fraction=2\")", "! 1:1 A value of the type String has no format string."},
-           {"Format(\"text\")", "text"},
+           {"Format(\"text\")", "\"text\""},
            {"Year(1)", "! 1:1 Parameter 1 is of a type that is not accepted here."}});
 }
 
@@ -98,7 +98,7 @@ TEST_F(FormatsPage, FunctionsFollowTheLocaleOfTheProcess) {
     const host::HostProcess process(settings);
     Session session;
     EXPECT_EQ(session.run("Format(1234.5); ParseNumber(\"1.234,5\"); Format('20240229', \"date=long\")"),
-              "1.234,5\n1234.5\n29. Februar 2024");
+              "\"1.234,5\"\n1234.5\n\"29. Februar 2024\"");
 }
 
 } // namespace

@@ -249,7 +249,7 @@ TEST_F(Values, ReadingsGoThroughTheFormatsOfTheProcess) {
     EXPECT_TRUE(Value(u"1.5").getNumeric(readNumber) && readNumber == Numeric(3) / 2)
         << "the plain form, too";
     EXPECT_TRUE(Value(u"1/3/2004 7-5-13\n").getDate(readDate) && readDate == date);
-    EXPECT_FALSE(Value(u"2004-03-01 13:05:07").getDate(readDate));
+    EXPECT_FALSE(Value(u"2004.03.01 13:05:07").getDate(readDate));
     EXPECT_TRUE(Value(u" ON ").getBoolean(readBoolean) && readBoolean);
     EXPECT_FALSE(Value(u"Yes").getBoolean(readBoolean));
 }
