@@ -21,8 +21,8 @@ namespace core {
 [[nodiscard]] CORE_API wstring format_date(Date date, wstring_view format = {});
 /// Returns the word for a Boolean (BoolFormat says which items a format string may have).
 [[nodiscard]] CORE_API wstring format_bool(bool value, wstring_view format = {});
-/// Returns the text where there is no value, the item `empty` of the format string of any kind of value; an empty
-/// text where it has none.
+/// Returns the text where there is no value, the item `empty` of the format string of any kind of value; an
+/// empty text where it has none.
 [[nodiscard]] CORE_API wstring format_nothing(wstring_view format);
 
 /// Returns the number that a whole text is, white space around it allowed; none for any other text.
