@@ -44,7 +44,7 @@ class Printer {
             endLine();
             walk([this](std::size_t i, const Value& cell, std::size_t indent) {
                 const std::size_t room = columns_[i].width;
-                put(i, fitted_text(cell.presentation(), room - std::min(room, indent)),
+                put(i, fitted_text(view_.columns[i].domain.presentation(cell), room - std::min(room, indent)),
                     std::min(room, indent));
             });
         }
@@ -75,7 +75,8 @@ class Printer {
         for (std::size_t i = 0; i < columns_.size(); ++i)
             columns_[i].width = fitted_text(view_.columns[i].title, width_).columns;
         walk([this](std::size_t i, const Value& cell, std::size_t indent) {
-            const std::size_t width = indent + fitted_text(cell.presentation(), width_).columns;
+            const wstring text = view_.columns[i].domain.presentation(cell);
+            const std::size_t width = indent + fitted_text(text, width_).columns;
             Column& column = columns_[i];
             column.width = std::max(column.width, std::min(width, width_));
             if (width == indent)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/values/value.h>
+#include <core/types/type_domain.h>
 
 #include <cstddef>
 #include <functional>
@@ -19,6 +19,7 @@ struct TableView {
         core::wstring title;
         std::size_t width =
             0; ///< that the column is to have, in columns of the terminal; 0 for what it needs
+        core::TypeDomain domain = {}; ///< of the cells: it says how many digits of a number are shown
     };
     /// What is called for each row: its cells, and how many rows it is below. False ends the walk.
     using Show = std::function<bool(std::span<const core::Value> cells, std::size_t level)>;

@@ -3,6 +3,7 @@
 
 #include <core/context/context_def.h>
 #include <core/context/iteration.h>
+#include <core/descriptions/type_description.h>
 #include <core/runtime/settings.h>
 #include <core/tables/terms.h>
 #include <core/tables/value_list.h>
@@ -29,7 +30,7 @@ TableView view_of(const InterfacePtr<IValueTableBaseRO>& table, ViewFor whom) {
         IValueTableBaseRO::Column column = table->column(i);
         ids.push_back(column.id);
         view.columns.push_back({std::move(whom == ViewFor::people ? column.title : column.name),
-                                static_cast<std::size_t>(column.width)});
+                                static_cast<std::size_t>(column.width), std::move(column.domain)});
     }
     view.rows = table->rowCount();
     view.walk = [table, ids](const TableView::Show& show) {
@@ -72,7 +73,8 @@ TableView view_of_tree(const Value& tree, ViewFor whom) {
     const auto columns = property(tree, kColumnCollectionTerm).query<IValueCollection>()->enumerate();
     while (columns->next(column))
         view.columns.push_back({property(column, showsLevel ? kCodePropTerm : kTitlePropTerm).presentation(),
-                                static_cast<std::size_t>(*property(column, kWidthPropTerm).asNumeric())});
+                                static_cast<std::size_t>(*property(column, kWidthPropTerm).asNumeric()),
+                                *type_domain_of(property(column, kTypePropTerm))});
     walk_tree(tree, [&view](const Value&, std::size_t) {
         ++view.rows;
         return true;
