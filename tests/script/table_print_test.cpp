@@ -56,9 +56,9 @@ TEST_F(TablePrintTest, NumbersStandRightAndTextsLeft) {
 
 TEST_F(TablePrintTest, NumbersHaveTheFractionDigitsOfTheirColumn) {
     check({{R"(Price = New TypeDescription("Number", New NumberQualifiers(10, 2));
-               T = New ValueTable; T.Columns.Add("Price", Price);
+               T = New ValueTable; C = T.Columns.Add("Price", Price);
                T.Add().Price = 1.2; T.Add().Price = 3; Print(T);
-               T = New ValueTree; T.Columns.Add("Price", Price); T.Rows.Add().Price = 5; Print(T))",
+               T = New ValueTree; C = T.Columns.Add("Price", Price); T.Rows.Add().Price = 5; Print(T))",
             "Price\n─────\n 1.20\n 3.00\nRows: 2\nPrice\n─────\n 5.00\nRows: 1"}});
 }
 
