@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/containers/container.h>
 #include <core/files/memory_file.h>
+#include <core/files/url.h>
 #include <core/streams/text_file.h>
 
 #include <algorithm>
@@ -8,8 +9,9 @@
 namespace core {
 namespace {
 
-wstring url_of(const StorageRW& storage, wstring_view name) {
-    return storage.rootURL() + wstring(name);
+/// How messages show an inner file.
+wstring shown_name(const StorageRW& storage, wstring_view name) {
+    return shown_url(storage.rootURL() + wstring(name));
 }
 
 StorageRW container_in_memory() {
@@ -42,7 +44,8 @@ Value Container::get(wstring_view name) const {
     try {
         return GenericValue::fromString(text);
     } catch (const Exception& e) { // which does not know where the text is from
-        throw_error<ContextException>(messages::kContainerNoValue, {url_of(storage_, name), e.description()});
+        throw_error<ContextException>(messages::kContainerNoValue,
+                                      {shown_name(storage_, name), e.description()});
     }
 }
 
@@ -50,7 +53,7 @@ void Container::putText(wstring_view name, wstring_view text) {
     std::vector<std::byte> bytes;
     TextOutStream out(
         [&](std::span<const std::byte> part) { bytes.insert(bytes.end(), part.begin(), part.end()); },
-        url_of(storage_, name));
+        shown_name(storage_, name));
     put_text(out, text);
     out.finish();
     storage_.put(name, bytes);
@@ -66,12 +69,12 @@ wstring Container::getText(wstring_view name) const {
             rest = rest.subspan(count);
             return count;
         },
-        url_of(storage_, name));
+        shown_name(storage_, name));
     return read_text(in);
 }
 
 void Container::refuseType(wstring_view name) const {
-    throw_error<ContextException>(messages::kContainerOtherValue, {url_of(storage_, name)});
+    throw_error<ContextException>(messages::kContainerOtherValue, {shown_name(storage_, name)});
 }
 
 } // namespace core

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/files/disk_folders.h"
 #include "core/files/disk_path.h"
 #include "core/files/schemes.h"
 
@@ -10,14 +11,19 @@
 #include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace core {
 namespace {
@@ -29,20 +35,40 @@ const wstring kScheme = u"file";
 // Without it the system refuses to describe a large file.
 static_assert(sizeof(::off_t) == sizeof(std::int64_t), "build with _FILE_OFFSET_BITS=64");
 
-bool is_same_file(const std::string& a, const std::string& b) {
-    std::error_code error;
-    return fs::equivalent(a, b, error);
+bool is_missing(int error) noexcept {
+    return error == ENOENT || error == ENOTDIR;
 }
 
-FileInfo describe(const std::string& path) {
-    FileInfo info{.url = file_url(path), .name = from_utf8(path.substr(folder_of(path).size()))};
+/// What is known of a file, a folder or a link that leads nowhere; nothing when none of them is there, and a
+/// reason in errno.
+std::optional<FileInfo> info_of(const std::string& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) == 0) {
-        info.isFolder = S_ISDIR(status.st_mode);
-        info.length = info.isFolder ? 0 : static_cast<std::uint64_t>(status.st_size);
-        info.modified = unix_date(status.st_mtime);
-    }
-    return info;
+    if (::lstat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    const std::string plain = without_end_slash(path);
+    const bool isLink = S_ISLNK(status.st_mode);
+    struct stat target {};
+    if (isLink && ::stat(path.c_str(), &target) == 0)
+        status = target;
+    const bool isFolder = S_ISDIR(status.st_mode);
+    return FileInfo{.url = file_url(path),
+                    .name = from_utf8(plain.substr(plain.rfind('/') + 1)),
+                    .length = isFolder ? 0 : static_cast<std::uint64_t>(status.st_size),
+                    .modified = unix_date(status.st_mtim.tv_sec, status.st_mtim.tv_nsec),
+                    .isFolder = isFolder,
+                    .isLink = isLink,
+                    .permissions = status.st_mode & 07777};
+}
+
+/// The system's form of a time.
+struct timespec system_time(Date time) {
+    constexpr std::int64_t kNanosecondsPerTick = 1'000'000'000 / kTicksPerSecond;
+    const std::int64_t ticks = (time - kUnixEpoch).ticks();
+    const std::int64_t seconds = ticks / kTicksPerSecond - (ticks % kTicksPerSecond < 0 ? 1 : 0);
+    struct timespec result {};
+    result.tv_sec = static_cast<std::time_t>(seconds);
+    result.tv_nsec = static_cast<long>((ticks - seconds * kTicksPerSecond) * kNanosecondsPerTick);
+    return result;
 }
 
 class DiskScheme : public IFileScheme {
@@ -57,8 +83,10 @@ class DiskScheme : public IFileScheme {
 
     std::vector<FileInfo> findFile(const wstring& pattern) override {
         std::vector<FileInfo> found;
-        for (const std::string& path : matching(pattern))
-            found.push_back(describe(path));
+        for (const std::string& path : matching(pattern)) {
+            if (auto info = info_of(path)) // else it has just gone
+                found.push_back(std::move(*info));
+        }
         return found;
     }
 
@@ -124,6 +152,40 @@ class DiskScheme : public IFileScheme {
         copyFile(from, to);
         remove(file_url(source));
     }
+
+    FileCapabilities capabilities() const noexcept override {
+        return {.folders = true, .times = true, .permissions = true, .space = true};
+    }
+
+    std::optional<FileInfo> describe(const wstring& url) override {
+        auto info = info_of(file_path(url));
+        if (!info && !is_missing(errno))
+            throw_file_error(messages::kFileRead, url, errno);
+        return info;
+    }
+
+    void makeFolder(const wstring& url) override { make_folder(file_path(url)); }
+    void removeFolder(const wstring& url) override { remove_folder(file_path(url)); }
+    void copyFolder(const wstring& from, const wstring& to) override {
+        copy_folder(file_path(from), file_path(to));
+    }
+    void moveFolder(const wstring& from, const wstring& to) override {
+        move_folder(file_path(from), file_path(to));
+    }
+
+    void setAttributes(const wstring& url, const FileAttributes& attributes) override {
+        const std::string path = file_path(url);
+        struct timespec times[2] = {};
+        times[0].tv_nsec = UTIME_OMIT;
+        times[1].tv_nsec = UTIME_OMIT;
+        if (attributes.modified)
+            times[1] = system_time(*attributes.modified);
+        if (::utimensat(AT_FDCWD, path.c_str(), times, 0) != 0 ||
+            (attributes.permissions && ::chmod(path.c_str(), *attributes.permissions & 07777) != 0))
+            throw_file_error(messages::kFileAttributes, url, errno);
+    }
+
+    FileSpace space(const wstring& url) override { return disk_space(file_path(url), url); }
 
   private:
     static bool isPattern(const wstring& url) { return has_wildcard(patternOf(url)); }
@@ -201,6 +263,14 @@ class DiskScheme : public IFileScheme {
 };
 
 } // namespace
+
+FileSpace disk_space(const std::string& path, const wstring& url) {
+    struct statvfs found {};
+    if (::statvfs(path.c_str(), &found) != 0)
+        throw_file_error(messages::kFileRead, url, errno);
+    const std::uint64_t unit = found.f_frsize;
+    return {.total = found.f_blocks * unit, .available = found.f_bavail * unit};
+}
 
 InterfacePtr<IFileScheme> create_disk_scheme() {
     return make_object<DiskScheme>();

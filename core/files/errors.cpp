@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/files/errors.h>
+#include <core/files/url.h>
 #include <core/runtime/exception_object.h>
 #include <core/runtime/utf8.h>
 
@@ -15,8 +16,9 @@ const SCOM_ExceptionEntry<FileException> kFileException("FileExceptionObject");
 void throw_file_error(const char* id, const wstring& url, int systemError, IExceptionObject* cause) {
     // Unlike strerror(), the category's text may be asked for on any thread.
     const wstring reason = from_utf8(std::system_category().message(systemError));
-    throw_with_message(FileException(message_text(id, {url, reason}), url, systemError, cause), id,
-                       {url, reason});
+    const wstring shown = shown_url(url);
+    throw_with_message(FileException(message_text(id, {shown, reason}), url, systemError, cause), id,
+                       {shown, reason});
 }
 
 } // namespace core

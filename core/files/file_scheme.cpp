@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/schemes.h"
 
+#include <core/files/errors.h>
 #include <core/files/file_io.h>
 #include <core/files/file_system.h>
 #include <core/runtime/random.h>
 #include <core/runtime/utf8.h>
 
+#include <cerrno>
 #include <exception>
+#include <utility>
 
 namespace core {
 
@@ -36,6 +39,42 @@ void IFileScheme::writeFile(const wstring& to, const FileWriter& write) {
 
 void IFileScheme::saveFile(IFile& content, const wstring& to) {
     writeFile(to, [&content](IFile& file) { copy_bytes(content, file); });
+}
+
+FileCapabilities IFileScheme::capabilities() const noexcept {
+    return {};
+}
+
+std::optional<FileInfo> IFileScheme::describe(const wstring& url) {
+    const wstring path = parseURL(url).path;
+    for (FileInfo& info : findFile(url)) { // which takes it for a pattern
+        if (parseURL(info.url).path == path)
+            return std::move(info);
+    }
+    return std::nullopt;
+}
+
+void IFileScheme::makeFolder(const wstring& url) {
+    unsupported(url);
+}
+void IFileScheme::removeFolder(const wstring& url) {
+    unsupported(url);
+}
+void IFileScheme::copyFolder(const wstring& from, const wstring&) {
+    unsupported(from);
+}
+void IFileScheme::moveFolder(const wstring& from, const wstring&) {
+    unsupported(from);
+}
+void IFileScheme::setAttributes(const wstring& url, const FileAttributes&) {
+    unsupported(url);
+}
+FileSpace IFileScheme::space(const wstring& url) {
+    unsupported(url);
+}
+
+void unsupported(const wstring& url) {
+    throw_file_error(messages::kFileUnsupported, url, ENOTSUP);
 }
 
 } // namespace core

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace core {
@@ -31,6 +32,7 @@ class FileSystem : public IFileSystem {
     FileSystem() {
         schemes_.push_back(create_disk_scheme());
         schemes_.push_back(create_memory_scheme());
+        schemes_.push_back(create_shared_memory_scheme());
         for (const FileSchemeEntry* entry = scheme_entries; entry != nullptr; entry = entry->next_)
             schemes_.push_back(entry->create_());
     }
@@ -90,6 +92,21 @@ class FileSystem : public IFileSystem {
         schemeOf(to)->writeFile(to, write);
     }
 
+    FileCapabilities capabilities(const wstring& url) override { return schemeOf(url)->capabilities(); }
+    std::optional<FileInfo> describe(const wstring& url) override { return schemeOf(url)->describe(url); }
+    void makeFolder(const wstring& url) override { schemeOf(url)->makeFolder(url); }
+    void removeFolder(const wstring& url) override { schemeOf(url)->removeFolder(url); }
+    void copyFolder(const wstring& from, const wstring& to) override {
+        commonScheme(messages::kFileCopy, from, to)->copyFolder(from, to);
+    }
+    void moveFolder(const wstring& from, const wstring& to) override {
+        commonScheme(messages::kFileMove, from, to)->moveFolder(from, to);
+    }
+    void setAttributes(const wstring& url, const FileAttributes& attributes) override {
+        schemeOf(url)->setAttributes(url, attributes);
+    }
+    FileSpace space(const wstring& url) override { return schemeOf(url)->space(url); }
+
   private:
     static bool isNamed(const IFileScheme& scheme, wstring_view name) {
         return compare_nocase(scheme.schemeName(), name) == 0;
@@ -104,6 +121,13 @@ class FileSystem : public IFileSystem {
         auto scheme = findScheme(split_url(url).scheme);
         if (!scheme)
             throw_file_error(messages::kFileScheme, url, ENOTSUP);
+        return scheme;
+    }
+
+    InterfacePtr<IFileScheme> commonScheme(const char* message, const wstring& from, const wstring& to) {
+        auto scheme = schemeOf(from);
+        if (scheme != schemeOf(to))
+            throw_file_error(message, from, EXDEV);
         return scheme;
     }
 

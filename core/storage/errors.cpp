@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <core/files/url.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/exception_object.h>
 #include <core/storage/errors.h>
@@ -26,8 +27,10 @@ const char* message_id(StorageException::Kind kind) noexcept {
 } // namespace
 
 StorageException::StorageException(Kind kind, const wstring& url, IExceptionObject* cause)
-    : BasicException(message_text(message_id(kind)) + u" '" + url + u"'", cause), kind_(kind), url_(url) {
-    setMessage(message_id(kind), {&url, 1});
+    : BasicException(message_text(message_id(kind)) + u" '" + shown_url(url) + u"'", cause), kind_(kind),
+      url_(url) {
+    const wstring shown = shown_url(url);
+    setMessage(message_id(kind), {&shown, 1});
 }
 
 HexConvExc::HexConvExc() : ConverterException(message_text(messages::kStorageHexNumber)) {

@@ -4,6 +4,7 @@
 
 #include <core/files/errors.h>
 #include <core/files/file_io.h>
+#include <core/files/url.h>
 #include <core/storage/errors.h>
 #include <core/storage/file_with_buffer.h>
 
@@ -25,9 +26,10 @@ std::shared_ptr<StorageEngine> open_engine(const InterfacePtr<IFile>& file, cons
         const StorageLayout& other = wide ? kStorageLayout32 : kStorageLayout64;
         if (e.kind() != StorageException::Kind::badFormat || !begins_as_container(*file, other))
             throw;
-        const wstring shown = url.empty() ? file->url() : url;
+        const wstring& named = url.empty() ? file->url() : url;
+        const wstring shown = shown_url(named);
         const wstring bits = wide ? u"32" : u"64";
-        throw_with_message(StorageException(e.kind(), shown,
+        throw_with_message(StorageException(e.kind(), named,
                                             message_text(messages::kStorageOtherLayout,
                                                          {shown, bits, wstring(other.scheme)})),
                            messages::kStorageOtherLayout, {shown, bits, wstring(other.scheme)});

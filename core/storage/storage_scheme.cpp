@@ -177,6 +177,19 @@ void StorageScheme::moveFile(const wstring& from, const wstring& to) {
     target.storage.moveFrom(source.storage, source.name, target.name);
 }
 
+FileCapabilities StorageScheme::capabilities() const noexcept {
+    return {.times = true};
+}
+
+void StorageScheme::setAttributes(const wstring& url, const FileAttributes& attributes) {
+    Inner inner = state_->resolve(url);
+    const StorageFound found = inner.storage.describe(inner.name);
+    if (attributes.permissions)
+        IFileScheme::setAttributes(url, attributes); // which refuses them
+    if (attributes.modified)
+        inner.storage.setTimes(inner.name, found.created, *attributes.modified);
+}
+
 namespace {
 
 const FileSchemeEntry narrowEntry([]() -> InterfacePtr<IFileScheme> { return make_object<StorageScheme>(); });

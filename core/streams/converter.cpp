@@ -2,6 +2,7 @@
 #include "core/streams/converter_state.h"
 #include "core/streams/converters.h"
 
+#include <core/files/url.h>
 #include <core/runtime/errors.h>
 #include <core/streams/errors.h>
 #include <core/strings/integer_text.h>
@@ -46,8 +47,8 @@ struct Decoder::State final
         wstring bytes;
         for (const std::uint8_t byte : misfits())
             bytes += (bytes.empty() ? u"" : u" ") + detail::hex_text(byte, 2);
-        throw_error<ConverterException>(messages::kTextNotDecodable,
-                                        {name, encoding.name(), bytes, string_intto(faultOffset())});
+        throw_error<ConverterException>(messages::kTextNotDecodable, {shown_url(name), encoding.name(), bytes,
+                                                                      string_intto(faultOffset())});
     }
 
     Encoding encoding;
@@ -95,10 +96,10 @@ struct Encoder::State final
         const wstring place = string_intto(made());
         const std::uint32_t character = fault().character;
         if ((character & 0xFFFFF800) == 0xD800)
-            throw_error<ConverterException>(messages::kTextNotUtf16, {name, place});
+            throw_error<ConverterException>(messages::kTextNotUtf16, {shown_url(name), place});
         throw_error<ConverterException>(
             messages::kTextNotEncodable,
-            {name, encoding.name(), u"U+" + detail::hex_text(character, 4), place});
+            {shown_url(name), encoding.name(), u"U+" + detail::hex_text(character, 4), place});
     }
 
     Encoding encoding;

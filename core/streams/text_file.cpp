@@ -2,6 +2,7 @@
 #include "core/streams/text_source.h"
 
 #include <core/files/file_io.h>
+#include <core/files/url.h>
 #include <core/streams/errors.h>
 #include <core/streams/text_file.h>
 
@@ -72,7 +73,7 @@ TextOutStream::TextOutStream(const InterfacePtr<IFile>& file, const TextWriterOp
 void TextOutStream::finish() {
     buffer_.finish();
     if (fail())
-        throw_error<FileStreamException>(messages::kTextNotWhole, {buffer_.name()});
+        throw_error<FileStreamException>(messages::kTextNotWhole, {shown_url(buffer_.name())});
 }
 
 wstring read_text(TextInStream& in) {

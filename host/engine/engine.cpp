@@ -7,6 +7,7 @@
 #include "host/library/table_functions.h"
 
 #include <core/containers/container_functions.h>
+#include <core/containers/file_functions.h>
 #include <core/context/events/event_functions.h>
 #include <core/objects/core_general_context.h>
 #include <core/objects/date_functions.h>
@@ -88,6 +89,7 @@ Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
     globals.add(create_date_functions());
     globals.add(create_format_functions());
     globals.add(create_container_functions());
+    globals.add(create_file_functions());
     globals.add(create_table_functions(impl_->surroundings));
     globals.add(create_script_functions(impl_->surroundings));
     globals.add(impl_->functions);

@@ -10,7 +10,6 @@
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
 #include <core/context/errors.h>
-#include <core/files/disk_file.h>
 #include <core/files/file_system.h>
 #include <core/runtime/clock.h>
 #include <core/runtime/internal_class.h>
@@ -61,7 +60,7 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
         return GenericValue(from_utf8(host::to_json(a[0], static_cast<int>(indent))));
     }
     GenericValue loadText(Args a) {
-        const wstring url = file_url(to_utf8(text_argument(a, 0)));
+        const wstring url(text_argument(a, 0));
         return GenericValue(
             load_text(require_service<IFileSystem>(), url, {.encoding = encoding_argument(a, 1)}));
     }

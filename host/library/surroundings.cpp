@@ -3,10 +3,8 @@
 
 #include "host/exchange/tables/table_view.h"
 
-#include <core/files/disk_file.h>
 #include <core/files/file_system.h>
 #include <core/runtime/process.h>
-#include <core/runtime/utf8.h>
 
 #include <ostream>
 
@@ -23,7 +21,7 @@ Printer print_to(std::ostream& out) {
 }
 
 Bytes open_file(wstring_view file) {
-    auto opened = require_service<IFileSystem>().openURL(file_url(to_utf8(file)), OpenMode::read);
+    auto opened = require_service<IFileSystem>().openURL(wstring(file), OpenMode::read);
     return [opened = std::move(opened)](std::span<std::byte> bytes) {
         return opened->read(bytes.data(), bytes.size());
     };

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// Containers as objects: values, texts and bytes by name in one file, in programs and in scripts.
+/// Files and containers as objects: values, texts and bytes by name in one file, in programs and in scripts.
 #include <core/containers/container.h>
 #include <core/containers/container_functions.h>
 #include <core/containers/errors.h>
+#include <core/containers/file_functions.h>

@@ -33,6 +33,12 @@ class EveryFile : public testing::TestWithParam<const char*> {
         if (GetParam() == std::string_view("disk"))
             return {open_disk_file(folder_ / "f", OpenMode::createNew),
                     open_disk_file(folder_ / "f", OpenMode::readWrite)};
+        if (GetParam() == std::string_view("shared")) {
+            const wstring url = u"shm://file test " + from_utf8(std::to_string(::getpid()));
+            const auto system = create_file_system();
+            auto first = system->openURL(url, OpenMode::createNew);
+            return {std::move(first), system->openURL(url, OpenMode::readWrite)};
+        }
         if (GetParam() == std::string_view("memory")) {
             const auto data = create_memory_data();
             return {open_memory_file(data), open_memory_file(data)};
@@ -43,7 +49,7 @@ class EveryFile : public testing::TestWithParam<const char*> {
     TempFolder folder_;
     test::FaultDisk disk_;
 };
-INSTANTIATE_TEST_SUITE_P(Kinds, EveryFile, testing::Values("disk", "memory", "fault"),
+INSTANTIATE_TEST_SUITE_P(Kinds, EveryFile, testing::Values("disk", "memory", "shared", "fault"),
                          [](const auto& info) { return info.param; });
 
 TEST_P(EveryFile, BehavesAsAStringOfBytesDoes) {

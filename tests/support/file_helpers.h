@@ -47,7 +47,7 @@ int reason_of(Call call) {
     try {
         call();
     } catch (const FileException& e) {
-        EXPECT_NE(e.description().find(e.url()), wstring::npos) << e.what();
+        EXPECT_NE(e.description().find(shown_url(e.url())), wstring::npos) << e.what();
         return e.systemError();
     }
     return 0;

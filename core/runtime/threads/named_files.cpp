@@ -23,31 +23,9 @@ namespace {
 
 constexpr std::size_t kLongest = 150; // bytes of a name as it stands in the path
 
-std::string folder() {
-    std::error_code error;
-    return std::filesystem::is_directory("/dev/shm", error) ? "/dev/shm/" : "/tmp/";
-}
-
 /// What the files of this user begin with.
 std::string prefix() {
     return "core-lock-" + std::to_string(geteuid()) + '-';
-}
-
-/// Every name is allowed, so what has a meaning in paths is written by its number.
-std::string escaped(const std::string& name) {
-    constexpr std::string_view kSpecial = "/%~";
-    std::string text;
-    for (const char c : name) {
-        if (static_cast<unsigned char>(c) > 0x20 && kSpecial.find(c) == std::string_view::npos) {
-            text += c;
-        } else {
-            char number[4];
-            std::snprintf(number, sizeof number, "%%%02x",
-                          static_cast<unsigned>(static_cast<unsigned char>(c)));
-            text += number;
-        }
-    }
-    return text;
 }
 
 void remove_if_unused(const std::string& path) noexcept {
@@ -99,12 +77,33 @@ RemovedFile::~RemovedFile() {
     unlink(path_.c_str());
 }
 
+std::string shared_folder() {
+    std::error_code error;
+    return std::filesystem::is_directory("/dev/shm", error) ? "/dev/shm/" : "/tmp/";
+}
+
+std::string shared_file_name(const std::string& text) {
+    constexpr std::string_view kSpecial = "/%~";
+    std::string name;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) > 0x20 && kSpecial.find(c) == std::string_view::npos) {
+            name += c;
+        } else {
+            char number[4];
+            std::snprintf(number, sizeof number, "%%%02x",
+                          static_cast<unsigned>(static_cast<unsigned char>(c)));
+            name += number;
+        }
+    }
+    return name;
+}
+
 std::string named_path(const wstring& name) {
     const std::string text = to_utf8(name);
-    const std::string file = escaped(text);
+    const std::string file = shared_file_name(text);
     if (name.empty() || file.size() > kLongest || from_utf8(text) != name)
         throw_error<ThreadException>(messages::kLockName, {name});
-    return folder() + prefix() + file;
+    return shared_folder() + prefix() + file;
 }
 
 std::string unfinished_path(const std::string& path) {
@@ -113,7 +112,7 @@ std::string unfinished_path(const std::string& path) {
 
 void remove_unused_files() {
     std::error_code error;
-    for (auto place = std::filesystem::directory_iterator(folder(), error);
+    for (auto place = std::filesystem::directory_iterator(shared_folder(), error);
          !error && place != std::filesystem::directory_iterator(); place.increment(error)) {
         if (place->path().filename().string().starts_with(prefix()))
             remove_if_unused(place->path().string());

@@ -8,6 +8,7 @@
 #include <core/files/errors.h>
 #include <core/files/file_system.h>
 #include <core/files/file_time.h>
+#include <core/files/url.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
@@ -146,7 +147,8 @@ ExitCode get(const Options& options, Console& console) {
         } catch (const StorageException& e) {
             if (e.kind() != StorageException::Kind::badFormat)
                 throw;
-            code = fail(console, message_text("IDS_HOST_INNER_FILE_LEFT", {e.url()}), ExitCode::no);
+            code =
+                fail(console, message_text("IDS_HOST_INNER_FILE_LEFT", {shown_url(e.url())}), ExitCode::no);
             continue; // the others may be sound
         }
         written.add(*path);

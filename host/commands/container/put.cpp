@@ -8,6 +8,7 @@
 #include <core/files/errors.h>
 #include <core/files/file_io.h>
 #include <core/files/file_time.h>
+#include <core/files/url.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
@@ -48,7 +49,7 @@ struct Source {
 wstring inner_name(const std::string& path, const std::string& name) {
     wstring text = from_utf8(name);
     if (to_utf8(text) != name)
-        throw_error<ConverterException>("IDS_HOST_NAME_NOT_UTF8", {file_url(path)});
+        throw_error<ConverterException>("IDS_HOST_NAME_NOT_UTF8", {shown_url(file_url(path))});
     return text;
 }
 

@@ -4,6 +4,7 @@
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
 #include <core/files/file_system.h>
+#include <core/files/url.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>
@@ -43,6 +44,9 @@ fs::path followed(const fs::path& file) {
 void write_text_file(const std::string& file, const WriteText& write,
                      const core::TextWriterOptions& options) {
     core::require_whole_path(file);
+    const core::wstring named = core::from_utf8(file);
+    if (core::split_url(named).path != named)
+        return core::save_text(core::require_service<core::IFileSystem>(), named, write, options);
     if (is_device(file)) {
         const core::wstring url = core::file_url(file);
         errno = 0;

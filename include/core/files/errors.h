@@ -11,14 +11,22 @@ namespace core {
 
 namespace messages {
 
-// In all of them {0} is the URL of the file and {1} the system's reason.
+// In all of them {0} is the URL of the file, as shown_url() shows it, and {1} the system's reason.
 
+/// The attributes of a file could not be set.
+inline constexpr const char* kFileAttributes = "IDS_FILE_ATTRIBUTES";
+/// A file could not be copied.
+inline constexpr const char* kFileCopy = "IDS_FILE_COPY";
+/// A folder would be copied or moved into itself.
+inline constexpr const char* kFileCopyIntoItself = "IDS_FILE_COPY_INTO_ITSELF";
 /// A file would be copied or moved onto itself.
 inline constexpr const char* kFileCopyOntoItself = "IDS_FILE_COPY_ONTO_ITSELF";
 /// A file could not be made durable.
 inline constexpr const char* kFileFlush = "IDS_FILE_FLUSH";
 /// A file could not be locked.
 inline constexpr const char* kFileLock = "IDS_FILE_LOCK";
+/// A folder could not be made.
+inline constexpr const char* kFileMakeFolder = "IDS_FILE_MAKE_FOLDER";
 /// A file could not be moved.
 inline constexpr const char* kFileMove = "IDS_FILE_MOVE";
 /// A file could not be opened.
@@ -31,13 +39,15 @@ inline constexpr const char* kFileRemove = "IDS_FILE_REMOVE";
 inline constexpr const char* kFileScheme = "IDS_FILE_SCHEME";
 /// A file has no such offset.
 inline constexpr const char* kFileSeek = "IDS_FILE_SEEK";
+/// The scheme of a URL cannot do what is asked for.
+inline constexpr const char* kFileUnsupported = "IDS_FILE_UNSUPPORTED";
 /// A file could not be written.
 inline constexpr const char* kFileWrite = "IDS_FILE_WRITE";
 
 } // namespace messages
 
-/// A file that could not be opened, read, written or locked. The message holds the URL and the system's
-/// reason.
+/// A file or a folder with which something could not be done. The message holds the URL, as shown_url() shows
+/// it, and the system's reason.
 class CORE_API FileException : public BasicException<FileException> {
   public:
     /// The class id of FileExceptionObject.
@@ -66,8 +76,9 @@ class CORE_API FileException : public BasicException<FileException> {
 /// The error object of FileException.
 using FileExceptionObject = IExceptionObjectImpl<FileException>;
 
-/// Throws FileException with the message stored under `id`, whose {0} is the URL and whose {1} is the
-/// system's reason for `systemError` (errno). The exception takes a reference to `cause`, which may be null.
+/// Throws FileException with the message stored under `id`, whose {0} is the URL as shown_url() shows it and
+/// whose {1} is the system's reason for `systemError` (errno). The exception takes a reference to `cause`,
+/// which may be null.
 [[noreturn]] CORE_API void throw_file_error(const char* id, const wstring& url, int systemError,
                                             IExceptionObject* cause = nullptr);
 

@@ -22,11 +22,13 @@ inline constexpr Date kUnixEpoch{1970, 1, 1};
     return kUnixEpoch + DateSpan(std::chrono::floor<Ticks>(time.time_since_epoch()).count());
 }
 
-/// Returns the date of `seconds` since 1970, the empty date before the year 1, the last date past the year
-/// 9999.
-[[nodiscard]] constexpr Date unix_date(std::int64_t seconds) noexcept {
-    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / kTicksPerSecond;
-    return kUnixEpoch + DateSpan(std::clamp(seconds, -kMost, kMost) * kTicksPerSecond);
+/// Returns the date of `seconds` since 1970 and `nanoseconds` behind it, cut to a tick; the empty date before
+/// the year 1, the last date past the year 9999.
+[[nodiscard]] constexpr Date unix_date(std::int64_t seconds, std::int64_t nanoseconds = 0) noexcept {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / kTicksPerSecond - 1;
+    constexpr std::int64_t kNanosecondsPerTick = 1'000'000'000 / kTicksPerSecond;
+    return kUnixEpoch +
+           DateSpan(std::clamp(seconds, -kMost, kMost) * kTicksPerSecond + nanoseconds / kNanosecondsPerTick);
 }
 
 /// Returns the present moment by the library's clock.

@@ -58,6 +58,8 @@ class CORE_API StorageScheme : public IFileScheme, public IStorageScheme {
     void moveFile(const wstring& from, const wstring& to) override;
     void writeFile(const wstring& to, const FileWriter& write) override;
     void saveFile(IFile& content, const wstring& to) override;
+    [[nodiscard]] FileCapabilities capabilities() const noexcept override;
+    void setAttributes(const wstring& url, const FileAttributes& attributes) override;
 
   private:
     struct State;

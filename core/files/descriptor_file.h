@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/files/file.h>
+#include <core/files/file_impl.h>
+#include <core/runtime/internal_class.h>
+
+#include <sys/stat.h>
+
+#include <atomic>
+#include <cstdint>
+
+namespace core {
+
+/// An open descriptor of the system, closed at the end.
+class Descriptor {
+  public:
+    explicit Descriptor(int number) noexcept : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept;
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() { (void)close(); }
+
+    [[nodiscard]] int number() const noexcept { return number_; }
+    /// False when what was written before is not where it should be. Interrupted or not, the descriptor is
+    /// gone.
+    [[nodiscard]] bool close() noexcept;
+
+  private:
+    int number_;
+};
+
+/// A file of the system behind its descriptor.
+class DescriptorFile : public FileImpl, public ISharedFile {
+  public:
+    using Interfaces = InterfaceList<IFile, ISharedFile>;
+
+    std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) override;
+    std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override;
+    std::uint64_t length() override { return static_cast<std::uint64_t>(status().st_size); }
+    void truncate(std::uint64_t length) override;
+    void flush() override;
+    void close() override;
+    bool tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override;
+    void unlock(std::uint64_t offset, std::uint64_t length) override;
+    bool isSameFile(IFile& other) override;
+
+  protected:
+    DescriptorFile(Descriptor descriptor, wstring url);
+
+    [[nodiscard]] int descriptor() const noexcept { return descriptor_.number(); }
+    /// Refuses a length that the system does not let the process give a file, unless it has it.
+    void requireLength(std::uint64_t length);
+
+  private:
+    std::uint64_t roomBehind(std::uint64_t offset, std::uint64_t count) noexcept;
+    [[nodiscard]] struct stat status() const;
+    bool setLock(std::uint64_t offset, std::uint64_t length, int type);
+
+    Descriptor descriptor_;
+    std::atomic<std::uint64_t> limit_;
+};
+
+} // namespace core
