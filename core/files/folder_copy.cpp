@@ -2,6 +2,7 @@
 #include "core/files/folder_copy.h"
 
 #include "core/files/descriptor_file.h"
+#include "core/files/disk_path.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -50,26 +51,42 @@ void copy_link(const std::string& from, const std::string& to) {
         throw_not_copied(from, error.value());
 }
 
-/// The disk of a folder, held open to be flushed: the permissions of the folder may close it meanwhile.
+/// The disk of a folder, held open until everything on it is to be made durable: file by file that would
+/// take as many flushes.
 class DiskOf {
   public:
     explicit DiskOf(const std::string& folder)
-        : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+        : folder_(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        if (folder_.number() < 0 && errno != EACCES) // it may be one that can be written, not read
+            throw_file_error(messages::kFileOpen, file_url(folder), errno);
+    }
 
-    /// Makes durable what was written to the disk: file by file it would take as many flushes. Returns the
-    /// system's error number.
+    /// Returns the system's error number.
     [[nodiscard]] int flush() const noexcept {
 #if defined(__linux__)
-        return ::syncfs(folder_.number()) == 0 ? 0 : errno;
-#else
+        if (folder_.number() >= 0)
+            return ::syncfs(folder_.number()) == 0 ? 0 : errno;
+#endif
         ::sync();
         return 0;
-#endif
     }
 
   private:
     Descriptor folder_;
 };
+
+/// Removes what lies in a folder and is not a folder, then the folder. It takes one descriptor, which is
+/// there even where a lack of them is what the copy failed at.
+void remove_with_files(const std::string& folder) noexcept {
+    try {
+        std::error_code error;
+        fs::directory_iterator entries(folder, error);
+        for (; !error && entries != fs::directory_iterator(); entries.increment(error))
+            (void)::unlink(entries->path().c_str());
+        (void)::rmdir(folder.c_str());
+    } catch (const std::bad_alloc&) { // what is reported is why the copy was not made
+    }
+}
 
 } // namespace
 
@@ -80,21 +97,17 @@ FolderCopy::FolderCopy(std::string from, std::string to) {
 FolderCopy::~FolderCopy() {
     if (kept_)
         return;
-    // A folder that may not be written cannot be emptied.
-    for (const Folder& folder : folders_)
+    for (const Folder& folder : folders_) // one that may not be written cannot be emptied
         (void)::chmod(folder.to.c_str(), kOwnerOnly);
-    try {
-        std::error_code ignored;
-        fs::remove_all(path(), ignored);
-    } catch (const std::bad_alloc&) { // what is reported is why the copy was not made
-    }
+    for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder)
+        remove_with_files(folder->to);
 }
 
 void FolderCopy::make() {
     const std::string from = folders_.front().from;
     try {
+        const DiskOf disk(folder_of(path()));
         makeFolder(folders_.front());
-        const DiskOf disk(path());
         for (std::size_t i = 0; i < folders_.size(); ++i)
             copyEntries(i);
         // From the innermost on: what is made in a folder changes its time, and permissions may close it.
