@@ -311,7 +311,7 @@ TEST(FullContainer, TakesWhatFitsAndRefusesTheRest) {
         const wstring name(1, static_cast<wchar>(u'a' + storage.find().size()));
         return test::message_of([&] { storage.put(name, Bytes(blocks * 512)); });
     };
-    const wstring refused = message_text("IDS_STERROR_TOOLARGE", {storage.url()});
+    const wstring refused = message_text("IDS_STERROR_TOOLARGE", {shown_url(storage.url())});
     EXPECT_EQ(put(20), refused);
     EXPECT_EQ(put(100), refused);
     const auto writer = storage.open(u"w", OpenMode::create);
