@@ -10,6 +10,7 @@ const SCOM_ExceptionEntry<ModuleException> kModuleException("ModuleExceptionObje
 const SCOM_ExceptionEntry<ProcessException> kProcessException("ProcessExceptionObject");
 const SCOM_ExceptionEntry<CtorException> kCtorException("CtorExceptionObject");
 const SCOM_ExceptionEntry<ConverterException> kConverterException("ConverterExceptionObject");
+const SCOM_ExceptionEntry<LocaleException> kLocaleException("LocaleExceptionObject");
 const SCOM_ExceptionEntry<COMException> kCOMException("COMExceptionObject");
 const SCOM_ExceptionEntry<COMTypeException> kCOMTypeException("COMTypeExceptionObject");
 const SCOM_ExceptionEntry<RemotingException> kRemotingException("RemotingExceptionObject");

@@ -1,22 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/icu_bundle.h"
 #include "core/runtime/program_module.h"
 #include "core/runtime/thread_locale.h"
 
 #include <core/runtime/resource_bundle.h>
 
-#include <unicode/ures.h>
-
 #include <filesystem>
-#include <memory>
 #include <vector>
 
 namespace core {
 namespace {
-
-struct CloseBundle {
-    void operator()(UResourceBundle* bundle) const noexcept { ures_close(bundle); }
-};
-using BundlePtr = std::unique_ptr<UResourceBundle, CloseBundle>;
 
 /// The folder of the shared object that this code is in.
 std::filesystem::path library_folder() {
@@ -46,11 +39,8 @@ SCOM_ResourceBundle::Opened& SCOM_ResourceBundle::open(const Locale& locale) {
         if (U_SUCCESS(status))
             opened.bundles.push_back(std::move(bundle));
     };
-    for (std::string key = locale.key(); !key.empty();) {
-        tryOpen(key);
-        const auto end = key.find_last_of("_-");
-        key.resize(end == std::string::npos ? 0 : end);
-    }
+    for (Locale speaker = locale; speaker != Locale(); speaker = speaker.parent())
+        tryOpen(speaker.key());
     tryOpen("root");
     return opened_.emplace(locale.key(), std::move(opened)).first->second;
 }

@@ -24,7 +24,8 @@ const Locale* own_resource_locale() noexcept {
 
 Locale resource_locale() {
     const Locale* const own = own_resource_locale();
-    return own != nullptr ? *own : current_settings().locale;
+    const Settings& settings = current_settings();
+    return own != nullptr ? *own : settings.language == Locale() ? settings.locale : settings.language;
 }
 
 void set_resource_locale(const Locale& locale) {

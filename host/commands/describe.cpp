@@ -91,6 +91,7 @@ void add_describe_command(CLI::App& app, Console& console, Action& action) {
     const auto type = std::make_shared<std::string>();
     const auto functions = std::make_shared<bool>(false);
     const auto modules = std::make_shared<bool>(false);
+    const auto locales = std::make_shared<bool>(false);
     auto* const name =
         command->add_option("type", *type,
                             help(console, "A type, by its name in either language; default: list all",
@@ -105,8 +106,17 @@ void add_describe_command(CLI::App& app, Console& console, Action& action) {
                    help(console, "The modules: the library, the program's own and those loaded",
                         "Модули: библиотека, модуль программы и загруженные"))
         ->excludes(name);
-    command->callback([type, functions, modules, &console, &action] {
-        action = [type, functions, modules, &console] {
+    command
+        ->add_flag("--locales", *locales,
+                   help(console, "The locales: key, name, and name in their own language",
+                        "Локали: ключ, название и название на их языке"))
+        ->excludes(name);
+    command->callback([type, functions, modules, locales, &console, &action] {
+        action = [type, functions, modules, locales, &console] {
+            if (*locales) {
+                describe::write_locales(console);
+                return ExitCode::done;
+            }
             if (*modules) {
                 describe::write_modules(console, describe::module_reports());
                 return ExitCode::done;

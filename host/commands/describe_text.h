@@ -12,6 +12,8 @@ void write_list(Console& console, const std::vector<core::IType*>& types);
 void write_type(Console& console, const TypeReport& report);
 /// A line for each module, and the classes of those that are not the library.
 void write_modules(Console& console, const std::vector<ModuleReport>& modules);
+/// A line for each locale: its key, its name in the user's language and in its own.
+void write_locales(Console& console);
 /// What can be called without an object.
 void write_functions(Console& console, const std::vector<Method>& functions);
 

@@ -34,8 +34,11 @@ constexpr const char* kExitCodesRussian =
 
 /// Runs the action in a process of its own, and tells what stopped it.
 ExitCode carry_out(const Action& action, const std::vector<std::string>& modules, Console& console) {
+    const core::Locale language(console.language == Language::russian ? "ru" : "en");
     core::Settings settings;
-    settings.locale = core::Locale(console.language == Language::russian ? "ru" : "en");
+    settings.locale = console.locale.value_or(language);
+    if (settings.locale.isRussian() != language.isRussian())
+        settings.language = language;
     ExitCode code = ExitCode::internal;
     try {
         HostProcess process(settings);
@@ -74,6 +77,15 @@ Language language_of(const std::string& name) {
     if (name == "ru")
         return Language::russian;
     throw CLI::ValidationError("--lang", "the languages are en and ru");
+}
+
+core::Locale locale_of(const std::string& key, const Console& console) {
+    try {
+        return core::Locale(key);
+    } catch (const core::LocaleException&) {
+        throw CLI::ValidationError(
+            "--locale", help(console, "no locale is known by the key ", "нет локали с ключом ") + key);
+    }
 }
 
 /// The help is written before the command line is read, in the language that it asks for.
@@ -142,6 +154,11 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
            help(console, "Language of messages, formats and sorting; default: the environment's",
                 "Язык сообщений, форматов и сортировки; по умолчанию язык окружения"))
         ->type_name("en|ru");
+    app.add_option_function<std::string>(
+           "--locale", [&console](const std::string& key) { console.locale = locale_of(key, console); },
+           help(console, "Locale of formats, sorting and names, as de_AT; default: the language's",
+                "Локаль форматов, сортировки и названий, например de_AT; по умолчанию как у языка"))
+        ->type_name("KEY");
     Action action;
     add_container_command(app, console, action);
     add_describe_command(app, console, action);

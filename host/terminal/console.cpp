@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/console.h"
 
-#include <core/runtime/locale.h>
 #include <core/strings/term.h>
 
 #include <sys/ioctl.h>
@@ -28,8 +27,8 @@ Language language_of_environment() {
     for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         const std::string_view value = variable(name);
         if (!value.empty())
-            return core::Locale(value.substr(0, value.find('.'))).isRussian() ? Language::russian
-                                                                              : Language::english;
+            return value.substr(0, value.find_first_of("_-.@")) == "ru" ? Language::russian
+                                                                        : Language::english;
     }
     return Language::english;
 }

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/runtime/locale.h>
+
 #include <cstddef>
 #include <iosfwd>
+#include <optional>
 #include <string_view>
 
 namespace host {
@@ -18,9 +21,10 @@ struct Console {
     std::ostream& out;
     std::ostream& err;
     Language language = Language::english;
-    bool colour = false;   ///< messages may be coloured
-    bool json = false;     ///< data is written for programs
-    bool terminal = false; ///< `in` and `out` are a terminal, at which a user can be asked
+    bool colour = false;                     ///< messages may be coloured
+    bool json = false;                       ///< data is written for programs
+    bool terminal = false;                   ///< `in` and `out` are a terminal, at which a user can be asked
+    std::optional<core::Locale> locale = {}; ///< of formats, sorting and names; none: that of the language
 };
 
 /// How long lines may be: what COLUMNS says, else what the terminal says; without a terminal always the same.

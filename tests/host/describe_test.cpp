@@ -166,6 +166,22 @@ TEST(DescribeTest, TheHandbookNamesEveryFunction) {
     }
 }
 
+TEST(DescribeTest, LocalesWithTheirNames) {
+    const json locales = described({"--locales"});
+    EXPECT_EQ(locales.size(), core::Locale::all().size());
+    const auto austrian =
+        std::ranges::find(locales, json("de_AT"), [](const json& locale) { return locale["key"]; });
+    ASSERT_NE(austrian, locales.end());
+    EXPECT_EQ(*austrian, json::parse(R"({"key": "de_AT", "parent": "de", "language": "de", "region": "AT",
+        "name": {"en": "German (Austria)", "ru": "немецкий (Австрия)"
+}
+, "ownName" : "Deutsch (Österreich)", "rightToLeft" : false, "firstDayOfWeek" : 1
+})"));
+    const std::string text = corehost({"describe", "--locales", "--lang", "ru"}).out;
+EXPECT_NE(text.find("немецкий (Австрия)"), std::string::npos);
+EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(text, '\n')), locales.size());
+}
+
 TEST(DescribeTest, WhatThereIsNot) {
     const Answer near = corehost({"describe", "Structur"});
     EXPECT_EQ(near.code, ExitCode::no);

@@ -26,7 +26,7 @@ TEST(Collate, OrdersAsTheLanguageDoes) {
     EXPECT_NE(compare(u"a\u0301", u"\u00E1", german), 0); // canonically equal: told apart by units
     EXPECT_NE(compare(u"a\u0001b", u"ab", german), 0);
     EXPECT_EQ(compare(wstring_view(), u"", german), 0);
-    EXPECT_LT(compare(u"a", u"b", Locale("no-such-locale-anywhere")), 0);
+    EXPECT_LT(compare(u"a", u"b", Locale("ii")), 0);
 }
 
 TEST(Collate, WithoutCaseAccentsStillCount) {

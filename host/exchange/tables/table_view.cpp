@@ -4,7 +4,7 @@
 #include <core/context/context_def.h>
 #include <core/context/iteration.h>
 #include <core/descriptions/type_description.h>
-#include <core/runtime/settings.h>
+#include <core/runtime/threads/thread.h>
 #include <core/tables/terms.h>
 #include <core/tables/value_list.h>
 #include <core/tables/value_table.h>
@@ -29,7 +29,7 @@ TableView view_of(const InterfacePtr<IValueTableBaseRO>& table, ViewFor whom) {
     for (std::size_t i = 0; i < table->columnCount(); ++i) {
         IValueTableBaseRO::Column column = table->column(i);
         ids.push_back(column.id);
-        view.columns.push_back({std::move(whom == ViewFor::people ? column.title : column.name),
+        view.columns.push_back({whom == ViewFor::people ? column.title.text() : column.name,
                                 static_cast<std::size_t>(column.width), std::move(column.domain)});
     }
     view.rows = table->rowCount();
@@ -71,10 +71,14 @@ TableView view_of_tree(const Value& tree, ViewFor whom) {
         view.columns.push_back({u"Level"});
     GenericValue column;
     const auto columns = property(tree, kColumnCollectionTerm).query<IValueCollection>()->enumerate();
-    while (columns->next(column))
-        view.columns.push_back({property(column, showsLevel ? kCodePropTerm : kTitlePropTerm).presentation(),
+    while (columns->next(column)) {
+        wstring title = property(column, showsLevel ? kCodePropTerm : kTitlePropTerm).presentation();
+        if (title.empty()) // one that is in other languages
+            title = property(column, kCodePropTerm).presentation();
+        view.columns.push_back({std::move(title),
                                 static_cast<std::size_t>(*property(column, kWidthPropTerm).asNumeric()),
                                 *type_domain_of(property(column, kTypePropTerm))});
+    }
     walk_tree(tree, [&view](const Value&, std::size_t) {
         ++view.rows;
         return true;
@@ -96,7 +100,7 @@ TableView view_of_tree(const Value& tree, ViewFor whom) {
 
 TableView view_of(const InterfacePtr<IValueList>& list, ViewFor whom) {
     const bool forPeople = whom == ViewFor::people;
-    const int alias = forPeople && current_settings().locale.isRussian() ? kRussian : kEnglish;
+    const int alias = forPeople && Thread::getResourceLocale().isRussian() ? kRussian : kEnglish;
     const auto title = [alias](const Term& name) { return TableView::Column{name[alias]}; };
     TableView view;
     view.columns = {title(kVLColumnTermValue), title(kVLColumnTermPresent), title(kVLColumnTermCheck)};
@@ -105,7 +109,7 @@ TableView view_of(const InterfacePtr<IValueList>& list, ViewFor whom) {
         for (std::size_t i = 0; i < list->count(); ++i) {
             const IValueList::Item item = list->get(i);
             const Value check = forPeople ? Value(item.check ? u"✓" : u"") : Value(item.check);
-            const Value cells[] = {item.value, Value(item.presentation), check};
+            const Value cells[] = {item.value, Value(item.presentation.text()), check};
             if (!show(cells, 0))
                 return;
         }

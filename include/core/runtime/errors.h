@@ -7,8 +7,8 @@
 #include <tuple>
 
 /// The exceptions of the runtime itself, and those that belong to no single layer: objects that cannot be
-/// made, text that cannot be converted, calls that leave the process. Each class names, as `kClassId`, the
-/// class id of its error object.
+/// made, text that cannot be converted, locales that are not known, calls that leave the process. Each class
+/// names, as `kClassId`, the class id of its error object.
 namespace core {
 
 /// The ids of messages. Each layer's `errors.h` adds its own; message_text() gives the texts.
@@ -51,6 +51,8 @@ inline constexpr const char* kServiceClaimed = "IDS_PROCESS_SERVICE_CLAIMED";
 inline constexpr const char* kStringTooLong = "IDS_STRING_TOO_LONG";
 /// The system gives the library no thread-local slots. No parameters.
 inline constexpr const char* kThreadSlots = "IDS_PROCESS_THREAD_SLOTS";
+/// The system does not know a locale: its key.
+inline constexpr const char* kUnknownLocale = "IDS_LOCALE_UNKNOWN";
 /// Something was thrown that is not a failure of this library: what is known of it.
 inline constexpr const char* kUnknownFailure = "IDS_UNKNOWN_FAILURE";
 
@@ -94,6 +96,14 @@ class CORE_API ConverterException : public BasicException<ConverterException> {
   public:
     /// The class id of ConverterExceptionObject.
     static constexpr GUID kClassId = "12d4914c-d6ae-4255-87a1-02485be1b924"_guid;
+    using BasicException::BasicException;
+};
+
+/// A locale that the system does not know, or has no rules for.
+class CORE_API LocaleException : public BasicException<LocaleException> {
+  public:
+    /// The class id of LocaleExceptionObject.
+    static constexpr GUID kClassId = "a5ac9977-cc6b-4878-95b5-4969293f7ed5"_guid;
     using BasicException::BasicException;
 };
 
@@ -149,6 +159,8 @@ using ProcessExceptionObject = IExceptionObjectImpl<ProcessException>;
 using CtorExceptionObject = IExceptionObjectImpl<CtorException>;
 /// The error object of ConverterException.
 using ConverterExceptionObject = IExceptionObjectImpl<ConverterException>;
+/// The error object of LocaleException.
+using LocaleExceptionObject = IExceptionObjectImpl<LocaleException>;
 /// The error object of COMException.
 using COMExceptionObject = IExceptionObjectImpl<COMException>;
 /// The error object of COMTypeException.

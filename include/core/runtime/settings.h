@@ -28,24 +28,26 @@ class Settings {
   public:
     /// Makes the defaults: the root locale, and every part as its layer has it.
     Settings() = default;
-    /// Copies the locale and all parts.
-    Settings(const Settings& other) : locale(other.locale) {
+    /// Copies the locales and all parts.
+    Settings(const Settings& other) : locale(other.locale), language(other.language) {
         parts_.reserve(other.parts_.size());
         for (const Entry& entry : other.parts_)
             parts_.push_back({entry.id, entry.part->copy()});
     }
-    /// Takes over the locale and all parts; references into `other` stay valid.
+    /// Takes over the locales and all parts; references into `other` stay valid.
     Settings(Settings&& other) noexcept = default;
-    /// Replaces the locale and all parts.
+    /// Replaces the locales and all parts.
     Settings& operator=(Settings other) noexcept {
         std::swap(locale, other.locale);
+        std::swap(language, other.language);
         parts_.swap(other.parts_);
         return *this;
     }
     /// Ends all references into the settings.
     ~Settings() = default;
 
-    Locale locale; ///< the language of messages, the order of texts and the words of formats
+    Locale locale;   ///< the order of texts, the words of formats, the language of messages
+    Locale language; ///< the language of messages where it is another one; else the root locale
 
     /// Returns the part `T`, to be read or changed. It is valid as long as the settings.
     template <SettingsPart T>
