@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/locales/format_items.h"
 
-#include "core/locales/known_locale.h"
 #include "core/runtime/thread_locale.h"
 
 #include <core/locales/errors.h>
@@ -108,10 +107,11 @@ std::size_t FormatItem::number(std::size_t least, std::size_t most) const {
 }
 
 Locale FormatItem::locale() const {
-    const std::optional<Locale> known = known_locale(value);
-    if (!known)
-        refuse();
-    return *known;
+    try {
+        return Locale(to_utf8(value));
+    } catch (const LocaleException&) {
+        refuse(); // which tells the place, too
+    }
 }
 
 void FormatItem::refuse() const {

@@ -13,6 +13,7 @@
 #include <core/objects/date_functions.h>
 #include <core/objects/enumeration.h>
 #include <core/objects/format_functions.h>
+#include <core/objects/locale_functions.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
@@ -88,6 +89,7 @@ Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
     globals.add(create_event_functions());
     globals.add(create_date_functions());
     globals.add(create_format_functions());
+    globals.add(create_locale_functions());
     globals.add(create_container_functions());
     globals.add(create_file_functions());
     globals.add(create_table_functions(impl_->surroundings));

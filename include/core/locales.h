@@ -13,5 +13,6 @@
 #include <core/locales/date_format.h>
 #include <core/locales/errors.h>
 #include <core/locales/format.h>
+#include <core/locales/local_wstring.h>
 #include <core/locales/numeric_format.h>
 #include <core/locales/settings.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// Script objects that are not collections: binary data, text readers and writers, enumerations and their
-/// values, the global functions.
+/// Script objects that are not collections: binary data, text readers and writers, locales and texts in
+/// several languages, enumerations and their values, the global functions.
 #include <core/context.h>
 #include <core/lists/errors.h>
 #include <core/objects/binary_data.h>
@@ -10,6 +10,8 @@
 #include <core/objects/date_functions.h>
 #include <core/objects/enumeration.h>
 #include <core/objects/format_functions.h>
+#include <core/objects/locale_functions.h>
+#include <core/objects/locale_values.h>
 #include <core/objects/native_enumeration.h>
 #include <core/objects/text_streams.h>
 #include <core/streams/errors.h>

@@ -46,6 +46,8 @@ TEST_F(ProgramTest, EveryExitCode) {
         {{"--lang", "de", "run", good}, ExitCode::usage},
         {{"--lang", "0", "run", good}, ExitCode::usage},
         {{"run", good, "--lang", "ru"}, ExitCode::done},
+        {{"run", good, "--locale", "de-AT"}, ExitCode::done},
+        {{"run", good, "--locale", "xx"}, ExitCode::usage},
         {{"run", bad}, ExitCode::malformed},
         {{"run", stops}, ExitCode::malformed},
         {{"run", bytes}, ExitCode::malformed},
@@ -93,6 +95,17 @@ TEST_F(ProgramTest, AnErrorShowsItsPlaceInTheUsersLanguage) {
               "s:2:4: The type Array has no method Lost.\n    \tx.Lost(1)\n    \t  ^~~~\n");
     EXPECT_EQ(run("Print(1); Print(2); Stop(3)").out, "1\n2\n"); // what was done before
     EXPECT_EQ(run("Print(True); Print(1 = 2)", {"--lang", "ru"}).out, "Да\nНет\n");
+
+    // formats, sorting and names may be those of another locale
+    const std::string title =
+        "Print((New Locale).Key); Print(New LocalWString(\"de='Preis'; en='Price'; ru='Цена'\"));";
+    EXPECT_EQ(run(title, {"--locale", "de-AT"}).out, "de_AT\nPreis\n");
+    EXPECT_EQ(run(title, {"--locale", "de-AT", "--lang", "ru"}).out, "de_AT\nЦена\n");
+    EXPECT_EQ(run(title, {"--locale", "ru"}).out, "ru\nPrice\n");
+    EXPECT_EQ(run("x = New Array;\nx.Lost(1)", {"--locale", "ru"}).err,
+              "s:2:3: The type Array has no method Lost.\n    x.Lost(1)\n      ^~~~\n");
+    EXPECT_EQ(run("Print(1)", {"--locale", "xx"}).err.substr(0, 43),
+              "--locale: no locale is known by the key xx\n");
 
     const Answer coloured = corehost({"run", file("s", "x")}, {}, true);
     EXPECT_NE(coloured.err.find("\x1B[1;31m^\x1B[0m"), std::string::npos);

@@ -61,6 +61,43 @@ class TableTexts : public script::Test {
     }
 };
 
+TEST_F(TableTexts, TitlesAndPresentationsMayBeInSeveralLanguages) {
+    const GenericValue title = make(u"LocalWString", {u"en='Price'; ru='Цена'"});
+    for (const wchar* const type : {u"ValueTable", u"ValueTree"}) {
+        const GenericValue table = make(type);
+        call(property(table, u"Columns"), u"Add", {u"P", GenericValue(), title});
+        call(property(table, u"Columns"), u"Add", {u"Q", GenericValue(), u"plain"});
+        const GenericValue again = GenericValue::fromString(text(table));
+        for (const GenericValue& each : {table, again}) {
+            const GenericValue columns = property(each, u"Columns");
+            EXPECT_TRUE(property(property(columns, u"P"), u"Title").equals(title));
+            EXPECT_EQ(property(property(columns, u"P"), u"Title").presentation(), u"Price");
+            EXPECT_TRUE(property(property(columns, u"Q"), u"Title").equals(u"plain"));
+        }
+        const GenericValue column = property(property(table, u"Columns"), u"P");
+        const auto context = column.query<IContext_>();
+        context->setPropVal(context->findProp(u"Title"), property(column, u"Title"));
+        EXPECT_EQ(text(table), text(again));
+        context->setPropVal(context->findProp(u"Title"), GenericValue());
+        EXPECT_TRUE(property(column, u"Title").equals(u"P"));
+        EXPECT_THROW(context->setPropVal(context->findProp(u"Title"), 1), ContextException);
+    }
+    const GenericValue list = make(u"ValueList");
+    call(list, u"Add", {1, make(u"LocalWString", {u"en='b'; ru='а'"})});
+    call(list, u"Add", {2, u"a"});
+    call(list, u"SortByPresentation");
+    const GenericValue read = GenericValue::fromString(text(list));
+    EXPECT_EQ(text(read), text(list));
+    const auto item = read.query<IValueList>()->get(1);
+    EXPECT_EQ(item.presentation, LocalWString::fromString(u"en='b'; ru='а'"));
+    EXPECT_EQ(item.presentation.text(), u"b");
+
+    const auto columns = create_value_table();
+    columns->addColumn(u"A", {}, LocalWString::fromString(u"ru='Цена'"));
+    EXPECT_EQ(columns->column(0).title.text(), u"A") << "the name where no language fits";
+    EXPECT_EQ(columns->column(0).title.text(Locale("ru"), Locale("en")), u"Цена");
+}
+
 TEST_F(TableTexts, ComeBackEqual) {
     for (const GenericValue& object : {sample_table(), sample_tree(), sample_list(), make(u"ValueTable"),
                                        make(u"ValueTree"), make(u"ValueList")}) {

@@ -4,6 +4,7 @@
 #include "core/tables/data/cell_column.h"
 #include "core/tables/data/table_handle.h"
 
+#include <core/locales/local_wstring.h>
 #include <core/types/type_domain.h>
 
 namespace core {
@@ -14,11 +15,16 @@ using ColumnId = std::int32_t;
 struct ColumnInfo {
     wstring name;
     TypeDomain domain;
-    wstring title; ///< empty for the name
+    LocalWString title; ///< empty for the name
     std::int32_t width = 0;
 
-    /// Returns the title that a user reads.
-    [[nodiscard]] const wstring& shownTitle() const noexcept { return title.empty() ? name : title; }
+    /// Returns the title, and the name for the languages that have none.
+    [[nodiscard]] LocalWString shownTitle() const {
+        LocalWString shown = title;
+        if (shown.find(Locale()) == nullptr)
+            shown.set(Locale(), name);
+        return shown;
+    }
 };
 
 /// A column with its cells. It stays at its address as long as it is in the table.

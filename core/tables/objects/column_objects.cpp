@@ -8,6 +8,7 @@
 #include <core/context/arguments.h>
 #include <core/context/errors.h>
 #include <core/descriptions/type_description.h>
+#include <core/objects/locale_values.h>
 #include <core/strings/trim.h>
 #include <core/tables/errors.h>
 #include <core/tables/terms.h>
@@ -34,6 +35,12 @@ std::int32_t width_argument(const Value& argument, int param) {
     if (*width < 0 || *width > std::numeric_limits<std::int32_t>::max())
         parameter_value_mismatch(param);
     return static_cast<std::int32_t>(*width);
+}
+
+/// A text, also one in several languages; empty for Undefined.
+LocalWString title_argument(const Value& argument, int param) {
+    return argument.isUndefined() ? LocalWString()
+                                  : from_value<LocalWString>(argument, ValueReceiver::parameter(param));
 }
 
 wstring name_argument(const Value& argument, int param) {
@@ -75,10 +82,13 @@ class ValueTableColumn : public ScriptObject<ValueTableColumn, IColumnObject> {
     void setValueType(const GenericValue& value) {
         handle_.data().setDomain(column(), domain_argument(value, 0));
     }
-    GenericValue getTitle() const { return Value(column().info.shownTitle()); }
+    GenericValue getTitle() const {
+        const ColumnInfo& info = column().info;
+        return info.title.empty() ? GenericValue(info.name) : to_value(info.title);
+    }
     void setTitle(const GenericValue& value) {
         TableColumn& changed = column();
-        changed.info.title = wstring(optional_text_argument(value, 0));
+        changed.info.title = title_argument(value, 0);
         handle_.data().tellColumnsChanged();
     }
     GenericValue getWidth() const { return column().info.width; }
@@ -109,7 +119,7 @@ GenericValue ValueTableColumnCollection::insert(std::size_t position, std::span<
                                                 int firstParam) {
     ColumnInfo info{.name = name_argument(definition[0], firstParam),
                     .domain = domain_argument(definition[1], firstParam + 1),
-                    .title = wstring(optional_text_argument(definition[2], firstParam + 2)),
+                    .title = title_argument(definition[2], firstParam + 2),
                     .width = width_argument(definition[3], firstParam + 3)};
     TableColumn& column = data_.insertColumn(position, std::move(info));
     GenericValue object;
@@ -188,7 +198,7 @@ std::span<const Property<ValueTableColumn>> ValueTableColumn::properties() noexc
     static constexpr Property<Self> kProperties[] = {
         {kCodePropTerm, &Self::getName, &Self::setName, &kStringType},
         {kTypePropTerm, &Self::getValueType, &Self::setValueType, &kTypeDescriptionType},
-        {kTitlePropTerm, &Self::getTitle, &Self::setTitle, &kStringType},
+        {kTitlePropTerm, &Self::getTitle, &Self::setTitle},
         {kWidthPropTerm, &Self::getWidth, &Self::setWidth, &kNumberType},
     };
     return kProperties;

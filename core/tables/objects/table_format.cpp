@@ -3,6 +3,7 @@
 
 #include "core/collections/stored_count.h"
 #include "core/lists/malformed.h"
+#include "core/objects/stored_text.h"
 
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
@@ -22,9 +23,10 @@ void put_columns(ListOutStream& out, const TableData& data) {
         const ColumnInfo& info = data.column(i).info;
         out.putBeginOfList();
         out.put(info.name);
-        out.put(info.title);
+        put_plain_text(out, info.title);
         out.put(info.width);
         info.domain.pattern().serialize(out);
+        put_languages(out, info.title);
         out.putEndOfList();
     }
     out.putEndOfList();
@@ -37,9 +39,10 @@ void get_columns(ListInStream& in, TableData& data) {
         TypeDomainPattern pattern;
         in.getBeginOfList();
         in.get(info.name);
-        in.get(info.title);
+        info.title = get_plain_text(in);
         in.get(info.width);
         pattern.deserialize(in);
+        get_languages(in, info.title);
         in.getEndOfList();
         if (!is_valid_name(info.name) || data.findColumn(info.name) || info.width < 0)
             throw_malformed();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/stored_count.h"
 #include "core/lists/malformed.h"
+#include "core/objects/stored_text.h"
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/value_list_impl.h"
 #include "core/tables/sort/value_ranks.h"
@@ -89,7 +90,8 @@ GenericValue ValueList::insert(std::size_t position, Item item) {
 /// Makes an item of a value, a presentation, a check mark and a picture.
 GenericValue ValueList::insert(std::size_t position, std::span<GenericValue> definition, int param) {
     return insert(position, Item{.value = definition[0],
-                                 .presentation = wstring(text_argument(definition[1], param + 1)),
+                                 .presentation = from_value<LocalWString>(
+                                     definition[1], ValueReceiver::parameter(param + 1)),
                                  .check = flag_argument(definition[2], param + 2),
                                  .picture = definition[3]});
 }
@@ -189,9 +191,10 @@ void ValueList::serialize(IOutPersistenceStorage* storage) const {
     for (const ValueListItemPtr& item : inOrder()) {
         out.putBeginOfList();
         serialize_value(storage, item->content().value);
-        out.put(item->content().presentation);
+        put_plain_text(out, item->content().presentation);
         out.put(item->content().check);
         serialize_value(storage, item->content().picture);
+        put_languages(out, item->content().presentation);
         out.putEndOfList();
     }
     out.putEndOfList();
@@ -209,9 +212,10 @@ void ValueList::deserialize(IInPersistenceStorage* storage) {
         Item item;
         in.getBeginOfList();
         item.value = GenericValue::deserialize(storage);
-        in.get(item.presentation);
+        item.presentation = get_plain_text(in);
         in.get(item.check);
         item.picture = GenericValue::deserialize(storage);
+        get_languages(in, item.presentation);
         in.getEndOfList();
         if (!domain.canHold(item.value))
             throw_malformed(); // no list of this description ever held it

@@ -14,7 +14,7 @@ void ValueListItem::setValue(const GenericValue& value) {
 }
 
 void ValueListItem::setPresentation(const GenericValue& value) {
-    content_.presentation = wstring(text_argument(value, 0));
+    content_.presentation = from_value<LocalWString>(value);
     tellList();
 }
 
@@ -44,7 +44,7 @@ std::span<const Property<ValueListItem>> ValueListItem::properties() noexcept {
     using Self = ValueListItem;
     static constexpr Property<Self> kProperties[] = {
         {kVLColumnTermValue, &Self::getValue, &Self::setValue},
-        {kVLColumnTermPresent, &Self::getPresentation, &Self::setPresentation, &kStringType},
+        {kVLColumnTermPresent, &Self::getPresentation, &Self::setPresentation},
         {kVLColumnTermCheck, &Self::getCheck, &Self::setCheckValue, &kBooleanType},
         {kVLColumnTermPicture, &Self::getPicture, &Self::setPicture},
     };

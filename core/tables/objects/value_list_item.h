@@ -4,6 +4,7 @@
 #include "core/tables/data/row_order.h"
 
 #include <core/context/script_object.h>
+#include <core/objects/locale_values.h>
 #include <core/tables/terms.h>
 #include <core/tables/value_list.h>
 
@@ -53,7 +54,7 @@ class ValueListItem : public ScriptObject<ValueListItem, IListItemObject> {
   private:
     GenericValue getValue() const { return content_.value; }
     void setValue(const GenericValue& value);
-    GenericValue getPresentation() const { return Value(content_.presentation); }
+    GenericValue getPresentation() const { return to_value(content_.presentation); }
     void setPresentation(const GenericValue& value);
     GenericValue getCheck() const { return content_.check; }
     void setCheckValue(const GenericValue& value);

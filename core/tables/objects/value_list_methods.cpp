@@ -30,7 +30,7 @@ GenericValue ValueList::callSortByValue(std::span<GenericValue> arguments) {
 }
 
 GenericValue ValueList::callSortByPresentation(std::span<GenericValue> arguments) {
-    sort(arguments[0], [](const Item& item) { return Value(item.presentation); });
+    sort(arguments[0], [](const Item& item) { return Value(item.presentation.text()); });
     return {};
 }
 

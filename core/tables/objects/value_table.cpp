@@ -62,7 +62,7 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
     std::vector<std::size_t> IValueTableBaseRO_findRows(std::span<const VTFindParam> filter) const override;
 
     // IValueTable
-    std::int32_t addColumn(wstring_view name, TypeDomain domain, wstring_view title,
+    std::int32_t addColumn(wstring_view name, TypeDomain domain, const LocalWString& title,
                            std::int32_t width) override;
     void appendRow(std::span<const Value> cells) override;
     void set(std::size_t row, std::int32_t column, const Value& value) override {
@@ -136,12 +136,11 @@ std::vector<std::size_t> ValueTable::IValueTableBaseRO_findRows(std::span<const 
     return positions;
 }
 
-std::int32_t ValueTable::addColumn(wstring_view name, TypeDomain domain, wstring_view title,
+std::int32_t ValueTable::addColumn(wstring_view name, TypeDomain domain, const LocalWString& title,
                                    std::int32_t width) {
     if (width < 0)
         parameter_value_mismatch(3);
-    ColumnInfo info{
-        .name = wstring(name), .domain = std::move(domain), .title = wstring(title), .width = width};
+    ColumnInfo info{.name = wstring(name), .domain = std::move(domain), .title = title, .width = width};
     const ColumnId id = data_.insertColumn(data_.columnCount(), std::move(info)).id;
     data_.tellColumnsChanged();
     return id;

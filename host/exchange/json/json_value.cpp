@@ -286,7 +286,7 @@ class Writer {
             items.next();
             Block block(*this, '{');
             block.member(kVLColumnTermValue[kEnglish], item.value);
-            block.member(kVLColumnTermPresent[kEnglish], Value(item.presentation));
+            block.member(kVLColumnTermPresent[kEnglish], Value(item.presentation.text()));
             block.member(kVLColumnTermCheck[kEnglish], Value(item.check));
             block.close('}');
         }

@@ -3,7 +3,8 @@
 
 #include <core/runtime/errors.h>
 
-/// The failures of locales. A format string that is not valid is a CtorException.
+/// The messages of formats and sorting. A format string that is not valid is a CtorException, a locale
+/// without rules a LocaleException.
 namespace core {
 
 namespace messages {
@@ -19,25 +20,26 @@ inline constexpr const char* kFormatItemName = "IDS_FORMAT_ITEM_UNKNOWN";
 inline constexpr const char* kFormatItemValue = "IDS_FORMAT_ITEM_VALUE";
 /// A format string is given with a value that has no formats; {0} is the type of the value.
 inline constexpr const char* kNoFormatOfType = "IDS_FORMAT_NO_TYPE";
+/// A text in several languages is malformed; {0} is the position of the unit, counted from 1.
+inline constexpr const char* kLocalText = "IDS_LOCAL_TEXT_ERROR";
 /// A pattern of dates has letters without a meaning there; {0} is the pattern, {1} the letters, {2} their
 /// position in the pattern, counted from 1.
 inline constexpr const char* kPatternPart = "IDS_FORMAT_PATTERN_ERROR";
+/// A currency has no nouns in a language; {0} is its code, {1} the key of the language.
+inline constexpr const char* kNoCurrency = "IDS_WORDS_NO_CURRENCY";
+/// A noun has not as many forms as the language; {0} are the forms, {1} how many are wanted.
+inline constexpr const char* kNounForms = "IDS_WORDS_NOUN_FORMS";
+/// A number has a fraction that the format has no words for; {0} is the number.
+inline constexpr const char* kNumberNotWhole = "IDS_WORDS_NOT_WHOLE";
+/// The rules of a language have no words for a number; {0} is the number, {1} the key of the language.
+inline constexpr const char* kNumberWithoutWords = "IDS_WORDS_NUMBER";
+/// There are no rules for the words of numbers in a language; {0} is its key.
+inline constexpr const char* kNoWords = "IDS_WORDS_NO_RULES";
 /// The system has no collation rules for a locale; {0} is its key.
 inline constexpr const char* kNoCollation = "IDS_LOCALE_NO_COLLATION";
 /// The system cannot write numbers or dates for a locale; {0} is its key.
 inline constexpr const char* kNoFormats = "IDS_LOCALE_NO_FORMATS";
 
 } // namespace messages
-
-/// A locale that the system does not know, or has no rules for.
-class CORE_API LocaleException : public BasicException<LocaleException> {
-  public:
-    /// The class id of LocaleExceptionObject.
-    static constexpr GUID kClassId = "a5ac9977-cc6b-4878-95b5-4969293f7ed5"_guid;
-    using BasicException::BasicException;
-};
-
-/// The error object of LocaleException.
-using LocaleExceptionObject = IExceptionObjectImpl<LocaleException>;
 
 } // namespace core

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/runtime/guid.h>
+#include <core/runtime/locale.h>
 #include <core/runtime/settings.h>
 #include <core/runtime/types.h>
 
@@ -16,6 +17,14 @@ struct FormatSettings {
     wstring numericFormat; ///< of numbers
     wstring dateFormat;    ///< of dates
     wstring boolFormat;    ///< of Booleans
+};
+
+/// In which language a text is read that has none in the language of the user. Part of a process's Settings.
+struct LanguageSettings {
+    /// Tells this part of the settings from others.
+    static constexpr GUID kId = "4e59e9ba-b8a8-42cc-b2eb-36ec05126dcd"_guid;
+
+    Locale byDefault = Locale("en"); ///< the default language of LocalWString
 };
 
 } // namespace core

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/locales/local_wstring.h>
 #include <core/objects/enumeration.h>
 #include <core/values/generic_value.h>
 
@@ -26,10 +27,10 @@ class IValueList : public IUnknown {
 
     /// What an item holds.
     struct Item {
-        Value value;          ///< the value, of the list's type description
-        wstring presentation; ///< the text that a user reads; empty for the value's own
-        bool check = false;   ///< the check mark
-        Value picture;        ///< a picture, or Undefined
+        Value value;               ///< the value, of the list's type description
+        LocalWString presentation; ///< the text that a user reads; empty for the value's own
+        bool check = false;        ///< the check mark
+        Value picture;             ///< a picture, or Undefined
     };
 
     /// Returns how many items there are.

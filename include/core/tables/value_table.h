@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/locales/local_wstring.h>
 #include <core/types/type_domain.h>
 #include <core/values/generic_value.h>
 
@@ -38,7 +39,7 @@ class IValueTableBaseRO : public IUnknown {
     struct Column {
         std::int32_t id = -1;   ///< names the column as long as it is there
         wstring name;           ///< a valid name, different from those of the other columns in any case
-        wstring title;          ///< the text that a user reads; the name where no title was given
+        LocalWString title;     ///< what a user reads; the name in the languages that no title was given for
         std::int32_t width = 0; ///< in characters; 0 where none was given
         TypeDomain domain;      ///< what the cells are adjusted to
     };
@@ -82,7 +83,7 @@ class IValueTable : public IValueTableBaseRO {
     /// An empty title stands for the name; the width is in characters. Throws ContextException:
     /// "IDS_VT_COLUMNCODE_ERROR" for a name that is not valid, "IDS_VT_COLUMNS_NOT_UNIQUE" for one that
     /// another column has, "IDS_PARAMETER_N_VALUE_MISMATCH" for a negative width.
-    virtual std::int32_t addColumn(wstring_view name, TypeDomain domain = {}, wstring_view title = {},
+    virtual std::int32_t addColumn(wstring_view name, TypeDomain domain = {}, const LocalWString& title = {},
                                    std::int32_t width = 0) = 0;
     /// Adds a row behind the others, with a cell for each of the first columns; the other columns get their
     /// defaults. Throws ContextException ("IDS_INDEX_OFFBOUND") for more cells than columns.
