@@ -99,9 +99,8 @@ TEST(LocalWString, TheWrittenFormIsOneAndStrict) {
     EXPECT_EQ(LocalWString::fromString(u" RU = 'Цена' ;root='all';en='It''s';").toString(),
               u"root='all'; en='It''s'; ru='Цена'");
     EXPECT_TRUE(LocalWString::fromString(u"  ").empty());
-    for (const wstring_view bad :
-         {u"Price", u"en=Price", u"en='Price", u"en='a' ru='b'", u"='a'", u"en='a'; en='b'",
-          u"en='a'; EN='b'", u"zh_TW='a'; zh_Hant_TW='b'", u";"})
+    for (const wstring_view bad : {u"Price", u"en=Price", u"en='Price", u"en='a' ru='b'", u"='a'",
+                                   u"en='a'; en='b'", u"en='a'; EN='b'", u"zh_TW='a'; zh_Hant_TW='b'", u";"})
         EXPECT_THROW(static_cast<void>(LocalWString::fromString(bad)), CtorException) << to_utf8(bad);
     EXPECT_THROW(static_cast<void>(LocalWString::fromString(u"en='a'; xx='b'")), LocaleException);
     const host::HostProcess process;
