@@ -20,6 +20,7 @@ struct DatePiece {
     bool exact = false;         ///< a digit follows, so that no digit may be missing
     wstring text;               ///< of letter 0
     std::vector<wstring> names; ///< empty: a number
+    std::size_t offset = 0;     ///< of the letter in the pattern
 };
 
 /// A pattern of dates, made ready to write and to read.

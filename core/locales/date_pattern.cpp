@@ -115,7 +115,7 @@ class Compiler {
         const bool fits = known != nullptr && width < 8 && (known->widths >> width & 1) != 0;
         if (!fits || (strict_ && seen(known->part)))
             refuse_part(pattern_, rest_.substr(0, width), offset());
-        made_.pieces.push_back({letter, width, false, {}, date_names(locale_, letter, width)});
+        made_.pieces.push_back({letter, width, false, {}, date_names(locale_, letter, width), offset()});
     }
 
     [[nodiscard]] bool seen(wchar part) const noexcept {
@@ -134,25 +134,24 @@ class Compiler {
             const bool isPadded =
                 piece.width >= 2 || wstring_view(u"yuYS").find(piece.letter) != wstring_view::npos;
             if (strict_ && !isPadded)
-                refuse_part(pattern_, wstring_view(&piece.letter, 1), pattern_.find(piece.letter));
+                refuse_part(pattern_, wstring_view(&piece.letter, 1), piece.offset);
         }
     }
 
     /// There is a part, readers find where a text begins, and hours of twelve say of which half they are.
     void checkWhole() {
-        const auto has = [&](wstring_view letters) {
-            return std::any_of(made_.pieces.begin(), made_.pieces.end(), [letters](const DatePiece& piece) {
+        const auto find = [&](wstring_view letters) {
+            return std::find_if(made_.pieces.begin(), made_.pieces.end(), [letters](const DatePiece& piece) {
                 return piece.letter != 0 && letters.find(piece.letter) != wstring_view::npos;
             });
         };
-        const bool isEmpty = std::none_of(made_.pieces.begin(), made_.pieces.end(),
-                                          [](const DatePiece& piece) { return piece.letter != 0; });
+        const bool isEmpty = std::all_of(made_.pieces.begin(), made_.pieces.end(),
+                                         [](const DatePiece& piece) { return piece.letter == 0; });
         if (isEmpty || (made_.pieces.front().letter == 0 && is_space(made_.pieces.front().text.front())))
             refuse_part(pattern_, pattern_, 0);
-        if (has(u"hK") && !has(u"aB")) {
-            const std::size_t place = pattern_.find_first_of(u"hK");
-            refuse_part(pattern_, pattern_.substr(place, 1), place);
-        }
+        const auto hour = find(u"hK");
+        if (hour != made_.pieces.end() && find(u"aB") == made_.pieces.end())
+            refuse_part(pattern_, wstring_view(&hour->letter, 1), hour->offset);
     }
 
     wstring_view pattern_;

@@ -138,7 +138,7 @@ TEST(DateFormat, TextIsQuotedAndOtherLettersAreRefusedByName) {
     EXPECT_EQ(DateFormat(u"time=H 'o''clock', m'' s").format(date, DatePattern::time), u"13 o'clock, 5' 7");
     const std::tuple<wstring_view, std::string, std::string, std::string> cases[] = {
         {u"time=hh:mm tt", "hh:mm tt", "tt", "7"},
-        {u"time=h:mm", "h:mm", "h", "1"},
+        {u"time='''h'' h:mm'", "'h' h:mm", "h", "5"},
         {u"date='Datum: dd.MM.yyyy'", "Datum: dd.MM.yyyy", "t", "3"},
         {u"date=yyyy-MM-yyyy", "yyyy-MM-yyyy", "yyyy", "9"},
         {u"date=yyyy-MM-LLL", "yyyy-MM-LLL", "LLL", "9"},

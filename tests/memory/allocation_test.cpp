@@ -129,6 +129,9 @@ TEST_F(Allocation, CollectionsStayWhole) {
          "V = FromJson(J);"},
         {map, "J = ToJson(M, 2);"},
         {"", "N = (New Container).Names().Count();"},
+        {"", "T = Format(-1234567.5, \"locale=de; fraction=2; empty='nothing at all'\");"},
+        {"", "T = Format('20240229', \"locale=ru; date='EEEE, d MMMM yyyy'\");"},
+        {"", "D = ParseDate(\"29 февраля 2024 г.\", \"locale=ru; date=long\");"},
     });
 }
 
