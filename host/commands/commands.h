@@ -21,6 +21,10 @@ using Action = std::function<ExitCode()>;
 /// Writes a message in the name of the program, and returns the code.
 ExitCode fail(Console& console, const core::wstring& message, ExitCode code);
 
+/// Adds a subcommand, behind which may stand what concerns every command. `run` becomes the action when the
+/// user asks for it.
+CLI::App* add_subcommand(CLI::App& command, const char* name, const char* what, Action& action, Action run);
+
 /// A line of help, in the language of the console.
 [[nodiscard]] inline const char* help(const Console& console, const char* english, const char* russian) {
     return console.language == Language::russian ? russian : english;

@@ -149,12 +149,8 @@ void add_list_command(CLI::App& app, Console& console, Action& action) {
     const auto options = std::make_shared<ListOptions>();
     using Run = ExitCode (*)(Console&, const ListOptions&);
     const auto add = [&](const char* name, const char* what, Run run) {
-        auto* const sub = command->add_subcommand(name, what);
-        sub->fallthrough();
-        sub->callback([options, &console, &action, run] {
-            action = [options, &console, run] { return run(console, *options); };
-        });
-        return sub;
+        return add_subcommand(*command, name, what, action,
+                              [options, &console, run] { return run(console, *options); });
     };
     add("check",
         help(console, "Say whether they are well-formed, or line, column and what was expected",

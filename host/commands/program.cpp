@@ -182,6 +182,13 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
 
 } // namespace
 
+CLI::App* add_subcommand(CLI::App& command, const char* name, const char* what, Action& action, Action run) {
+    auto* const sub = command.add_subcommand(name, what);
+    sub->fallthrough();
+    sub->callback([&action, run = std::move(run)] { action = run; });
+    return sub;
+}
+
 ExitCode fail(Console& console, const core::wstring& message, ExitCode code) {
     console.err << "corehost: " << terminal_text(message) << '\n';
     return code;

@@ -224,12 +224,8 @@ void add_text_command(CLI::App& app, Console& console, Action& action) {
     const auto options = std::make_shared<TextOptions>();
     using Run = ExitCode (*)(Console&, const TextOptions&);
     const auto add = [&](const char* name, const char* what, Run run) {
-        auto* const sub = command->add_subcommand(name, what);
-        sub->fallthrough();
-        sub->callback([options, &console, &action, run] {
-            action = [options, &console, run] { return run(console, *options); };
-        });
-        return sub;
+        return add_subcommand(*command, name, what, action,
+                              [options, &console, run] { return run(console, *options); });
     };
     const auto addInput = [&](CLI::App* sub) {
         sub->add_option("files", options->files,

@@ -39,15 +39,14 @@ class Verbs {
     }
 
     CLI::App& add(const char* name, const char* what, Run run) {
-        auto* const sub = command_.add_subcommand(name, what);
+        auto* const sub =
+            add_subcommand(command_, name, what, action_, [options = options_, &console = console_, run] {
+                return carry_out(run, *options, console);
+            });
         sub->add_option("container", options_->file,
                         say("The container: a path, or a lumstg or lumstg64 URL",
                             "Контейнер: путь или URL схемы lumstg либо lumstg64"))
             ->required();
-        sub->fallthrough(); // what concerns every command may stand behind this one
-        sub->callback([options = options_, &console = console_, &action = action_, run] {
-            action = [options, &console, run] { return carry_out(run, *options, console); };
-        });
         return *sub;
     }
     CLI::Option* addNames(CLI::App& sub, const char* what) {
