@@ -14,12 +14,12 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::seconds kTime = 20s;
 constexpr std::chrono::milliseconds kPause = 20ms;
-constexpr std::chrono::milliseconds kLongest = 2ms;
 
-// Growing pauses: other threads of the processor come first, then from 50 microseconds each is twice as long
-// as the one before.
+// Growing pauses. Other threads of the processor come first.
 constexpr int kYields = 8;
-constexpr int kShort = 5;
+constexpr int kPart = 8;
+constexpr std::chrono::microseconds kShortest = 50us;
+constexpr std::chrono::microseconds kLongest = 2ms;
 
 } // namespace
 
@@ -35,16 +35,18 @@ void Patience::renew() {
 bool Patience::sleep() {
     std::chrono::milliseconds pause = kPause;
     if (pauses_ == Pauses::growing) {
-        const int turn = asked_++;
-        if (turn < kYields) {
+        if (asked_ < kYields) {
+            ++asked_;
             std::this_thread::yield();
             return true;
         }
-        if (turn < kYields + kShort) {
-            std::this_thread::sleep_for(50us * (1 << (turn - kYields)));
+        const auto part = std::clamp(waited_ / kPart, kShortest, kLongest);
+        waited_ += part;
+        if (part < 1ms) {
+            std::this_thread::sleep_for(part);
             return true;
         }
-        pause = kLongest;
+        pause = std::chrono::duration_cast<std::chrono::milliseconds>(part);
     }
     if (slept_ >= kTime || universal_now() > deadline_)
         return false;

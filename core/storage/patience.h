@@ -14,7 +14,9 @@ class Patience {
   public:
     enum class Pauses {
         steady, ///< 20 milliseconds each
-        growing ///< from a moment to 2 milliseconds: what is waited for may be there at once
+        /// an eighth of the time waited so far, from 50 microseconds to 2 milliseconds: what is waited for
+        /// may be there at once, and who comes late comes late by a small part of the wait
+        growing
     };
 
     explicit Patience(Pauses pauses);
@@ -24,11 +26,15 @@ class Patience {
     /// Begins the 20 seconds again.
     void renew();
     /// The next pause is a short one again: what is waited for now is another thing.
-    void restart() noexcept { asked_ = 0; }
+    void restart() noexcept {
+        asked_ = 0;
+        waited_ = std::chrono::microseconds(0);
+    }
 
   private:
     const Pauses pauses_;
     int asked_ = 0;
+    std::chrono::microseconds waited_{0}; // in growing pauses
     Date deadline_;
     std::chrono::milliseconds slept_{0};
 };
