@@ -4,6 +4,7 @@
 #include "core/storage/checksum.h"
 #include "core/storage/container_lock.h"
 #include "core/storage/salvage_source.h"
+#include "core/storage/space_locks.h"
 
 #include <core/files/file_io.h>
 #include <core/runtime/errors.h>
@@ -171,19 +172,36 @@ void Saver::count(SalvagedFile file) {
         report.files.push_back(std::move(file));
 }
 
-/// Keeps others from committing while it lives.
-class ReadLock {
+/// A container as it was when this was made. Others may commit meanwhile: what it used then is pinned, and
+/// the head, which they write over, was read before.
+class PinnedSource {
   public:
-    ReadLock(IFile& file, const StorageLayout& layout)
-        : lock_(InterfacePtr<IFile>(&file), layout, file.url()) {
-        lock_.beginReading();
+    PinnedSource(IFile& file, const StorageLayout& layout) : pins_(InterfacePtr<IFile>(&file), file.url()) {
+        const ContainerLock lock(InterfacePtr<IFile>(&file), layout, file.url());
+        lock.beginReading();
+        try {
+            file_ = make_object<PatientFile>(file);
+            file_->keep(layout.emptyLength());
+            if (length() > layout.emptyLength())
+                space_ = {{layout.emptyLength(), length()}};
+            pins_.pin(space_);
+        } catch (...) {
+            lock.endReading();
+            throw;
+        }
+        lock.endReading();
     }
-    ~ReadLock() { lock_.endReading(); }
-    ReadLock(const ReadLock&) = delete;
-    ReadLock& operator=(const ReadLock&) = delete;
+    ~PinnedSource() { pins_.unpin(space_); }
+    PinnedSource(const PinnedSource&) = delete;
+    PinnedSource& operator=(const PinnedSource&) = delete;
+
+    [[nodiscard]] IFile& file() const noexcept { return *file_; }
+    [[nodiscard]] std::uint64_t length() const { return file_->length(); }
 
   private:
-    ContainerLock lock_;
+    SpaceLocks pins_;
+    SpaceLocks::Ranges space_;
+    InterfacePtr<SCOM_InternalClass<PatientFile>> file_;
 };
 
 } // namespace
@@ -192,10 +210,9 @@ SalvageReport salvage(IFile& source, const StorageLayout& layout, StorageRW& tar
                       const SalvageOptions& options) {
     if (target.isIn(source))
         throw StorageException(StorageException::Kind::isDestination, source.url());
-    const ReadLock lock(source, layout);
-    const auto patient = SCOM_InternalClass<PatientFile>::create(source);
-    const std::uint64_t length = source.length();
-    BlockReader reader(*patient, layout);
+    const PinnedSource pinned(source, layout);
+    const std::uint64_t length = pinned.length();
+    BlockReader reader(pinned.file(), layout);
     reader.setEnd(std::min(length + kPiece, layout.limit())); // the last block may be cut in its empty part
     Saver saver(reader, target, options, length);
     SalvageSource found(reader, length, [&](std::uint64_t done) { saver.tell(done); });

@@ -7,6 +7,7 @@
 #include "core/storage/salvage_found.h"
 
 #include <core/files/errors.h>
+#include <core/files/file_io.h>
 #include <core/storage/errors.h>
 
 #include <algorithm>
@@ -28,8 +29,23 @@ constexpr std::size_t kMostTables = 64;
 
 // A file with bad sectors.
 
+void PatientFile::keep(std::uint64_t count) {
+    std::vector<std::byte> first(static_cast<std::size_t>(std::min(count, length_)));
+    first.resize(read_all_at(*this, 0, first));
+    kept_ = std::move(first);
+}
+
 std::size_t PatientFile::readAt(std::uint64_t position, void* buffer, std::size_t count) {
     auto* const to = static_cast<std::byte*>(buffer);
+    if (position < kept_.size()) {
+        const auto part = std::span(kept_).subspan(static_cast<std::size_t>(position));
+        count = std::min(count, part.size());
+        std::copy_n(part.begin(), count, to);
+        return count;
+    }
+    if (position >= length_)
+        return 0;
+    count = static_cast<std::size_t>(std::min<std::uint64_t>(count, length_ - position));
     try {
         return file_->readAt(position, to, count);
     } catch (const FileException&) {

@@ -24,22 +24,28 @@
 
 namespace core {
 
-/// A file that ends where it cannot be read, so that a bad sector is damage of one place like any other.
+/// A file that ends where it cannot be read, so that a bad sector is damage of one place like any other. It
+/// is as long as it was in the beginning.
 class PatientFile : public FileImpl {
   public:
     using Interfaces = InterfaceList<IFile>;
 
-    explicit PatientFile(IFile& file) : FileImpl(file.url()), file_(&file) {}
+    explicit PatientFile(IFile& file) : FileImpl(file.url()), file_(&file), length_(file.length()) {}
+
+    /// Reads the first bytes now and not again.
+    void keep(std::uint64_t count);
 
     std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override;
     std::size_t writeAt(std::uint64_t position, const void* buffer, std::size_t count) override;
-    std::uint64_t length() override { return file_->length(); }
+    std::uint64_t length() override { return length_; }
     void truncate(std::uint64_t length) override;
     void flush() override {}
     void close() override {}
 
   private:
     InterfacePtr<IFile> file_;
+    std::uint64_t length_;
+    std::vector<std::byte> kept_;
 };
 
 /// Reads what can be read of `out` from `offset` of a chain on, and returns how many bytes that are.

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // What is taken out of a damaged container: every file that is sound, and the beginning of those that are
 // not.
+#include "tests/support/bad_sector.h"
 #include "tests/support/fault_container.h"
 #include "tests/support/storage_damage.h"
 
-#include <core/files/errors.h>
 #include <core/runtime/threads/errors.h>
 #include <core/storage/errors.h>
 #include <core/storage/salvage.h>
-
-#include <cerrno>
 
 namespace core {
 namespace {
@@ -153,39 +151,34 @@ TEST_P(Salvage, SaysWhatIsCutAndSavesItsBeginning) {
     EXPECT_EQ(result.report.whole, model_.size() - 1);
 }
 
-/// A disk with a bad place.
-class BadSectors : public FileImpl {
-  public:
-    using Interfaces = InterfaceList<IFile>;
-    BadSectors(Bytes bytes, std::uint64_t bad)
-        : FileImpl(u"bad://disk"), bytes_(std::move(bytes)), bad_(bad) {}
-    std::size_t readAt(std::uint64_t position, void* buffer, std::size_t count) override {
-        count = std::min<std::size_t>(count, position < bytes_.size() ? bytes_.size() - position : 0);
-        if (position < bad_ + 512 && bad_ < position + count)
-            throw_file_error(messages::kFileRead, url(), EIO);
-        std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(position), count,
-                    static_cast<std::byte*>(buffer));
-        return count;
-    }
-    std::size_t writeAt(std::uint64_t, const void*, std::size_t) override { return 0; }
-    std::uint64_t length() override { return bytes_.size(); }
-    void truncate(std::uint64_t) override {}
-    void flush() override {}
-    void close() override {}
-
-  private:
-    Bytes bytes_;
-    std::uint64_t bad_;
-};
-
 TEST_P(Salvage, ReadsAroundSectorsThatCannotBeRead) {
     for (std::uint64_t bad = 1024; bad < disk_.bytes.size(); bad += 512 * 7) {
-        const auto file = SCOM_InternalClass<BadSectors>::create(disk_.bytes, bad);
+        const auto file = make_object<test::BadSector>(disk_.bytes, bad);
         const Result result = salvaged(*file);
         EXPECT_GE(result.report.whole + 3, model_.size()) << "one sector holds parts of three files at most";
         for (const auto& [name, content] : result.files)
             EXPECT_TRUE(isBeginning(name, content)) << bad << ": " << to_utf8(name);
     }
+}
+
+TEST_P(Salvage, SavesTheStateOfTheBeginningWhileOthersGoOn) {
+    test::ReplacedClock clock;
+    StorageRW other(test::open_fault_file(disk_), layout_);
+    int puts = 0;
+    SalvageOptions options;
+    options.progress = [&](std::uint64_t, std::uint64_t) {
+        const wstring name = puts % 2 == 0 ? u"kept" : u"new";
+        other.put(name, Bytes(3000 + static_cast<std::size_t>(++puts), std::byte{9}));
+        if (puts % 5 == 0)
+            other.compact();
+    };
+    const Result result = salvaged(*test::open_fault_file(disk_), options);
+    EXPECT_GT(puts, 5);
+    EXPECT_EQ(clock.sleeps, 0) << "nobody waits";
+    EXPECT_EQ(result.report.source, SalvageReport::Source::table);
+    EXPECT_TRUE(result.report.isComplete());
+    EXPECT_EQ(result.files, model_);
+    EXPECT_TRUE(other.check().isClean());
 }
 
 TEST_P(Salvage, CanBeStoppedAndLeavesAWholeContainer) {

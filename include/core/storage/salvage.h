@@ -61,8 +61,9 @@ struct SalvageOptions {
 
 /// Copies everything that can be read of the container in `source` into `target`: by its table, or by what
 /// is left of tables and attributes where the table is damaged. `source` only needs to have been a container
-/// of this layout; it is read and not changed, and keeps others from committing meanwhile when it is an
-/// ISharedFile. Files of `target` with the same names are replaced. Times are kept where they are known.
+/// of this layout; it is read and not changed. Others may go on changing the container when it is an
+/// ISharedFile: what is saved is the state that it had in the beginning. Files of `target` with the same
+/// names are replaced. Times are kept where they are known.
 ///
 /// Many files become one commit of `target`: a stop or a failure leaves it whole, with a part of the files.
 /// Throws StorageException of the kind badFormat with the URL of `source` when no inner file is found in a
