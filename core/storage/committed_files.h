@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/storage/file_entry.h"
+#include "core/storage/tree_node.h"
 
 #include <core/runtime/types.h>
 
@@ -21,8 +22,8 @@ class CommittedFiles {
     [[nodiscard]] virtual std::unique_ptr<CommittedFiles> clone() const = 0;
     [[nodiscard]] virtual std::uint64_t count() const noexcept = 0;
     [[nodiscard]] virtual std::optional<FileEntry> find(wstring_view name) const = 0;
-    /// Every file, in order.
-    virtual void forEach(const Visit& visit) const = 0;
+    /// Every file, in order. Without `damaged` a node that is damaged is thrown.
+    virtual void forEach(const Visit& visit, const DamagedNode& damaged) const = 0;
 
   protected:
     CommittedFiles() = default;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/files_table.h"
 
+#include "core/storage/name_keys.h"
 #include "core/strings/folding.h"
 
 #include <algorithm>
@@ -66,13 +67,23 @@ void FilesTable::revert() noexcept {
 }
 
 std::vector<FilesTable::Changed> FilesTable::changes() const {
-    std::vector<Changed> sorted;
+    std::vector<std::pair<std::uint64_t, Changed>> order;
+    NameHeads heads;
     for (const auto& [name, edit] : edits_) {
-        if (edit.before != edit.after)
-            sorted.push_back({name, &edit.before, &edit.after});
+        if (edit.before == edit.after)
+            continue;
+        heads.add(name);
+        order.emplace_back(0, Changed{name, &edit.before, &edit.after});
     }
-    std::sort(sorted.begin(), sorted.end(),
-              [](const Changed& a, const Changed& b) { return compare_file_names(a.name, b.name) < 0; });
+    for (auto& [number, change] : order)
+        number = heads.of(change.name);
+    std::sort(order.begin(), order.end(), [](const auto& a, const auto& b) {
+        return a.first != b.first ? a.first < b.first : compare_file_names(a.second.name, b.second.name) < 0;
+    });
+    std::vector<Changed> sorted;
+    sorted.reserve(order.size());
+    for (const auto& [number, change] : order)
+        sorted.push_back(change);
     return sorted;
 }
 
@@ -83,7 +94,7 @@ std::uint64_t FilesTable::count() const {
     return count;
 }
 
-void FilesTable::forEach(const CommittedFiles::Visit& visit) const {
+void FilesTable::forEach(const CommittedFiles::Visit& visit, const DamagedNode& damaged) const {
     std::vector<Changed> added = changes();
     std::erase_if(added, [](const Changed& change) { return change.before->has_value(); });
     auto next = added.begin();
@@ -91,7 +102,7 @@ void FilesTable::forEach(const CommittedFiles::Visit& visit) const {
         visit(next->name, **next->after);
         ++next;
     };
-    committed_->forEach([&](wstring_view name, const FileEntry& entry) {
+    const auto visitCommitted = [&](wstring_view name, const FileEntry& entry) {
         while (next != added.end() && compare_file_names(next->name, name) < 0)
             visitAdded();
         if (!edits_.empty()) {
@@ -102,7 +113,8 @@ void FilesTable::forEach(const CommittedFiles::Visit& visit) const {
             }
         }
         visit(name, entry);
-    });
+    };
+    committed_->forEach(visitCommitted, damaged);
     while (next != added.end())
         visitAdded();
 }

@@ -61,8 +61,9 @@ class FilesTable {
     /// Whether the changes make a name stand for something else.
     [[nodiscard]] bool isChanged(wstring_view name) const noexcept;
     [[nodiscard]] std::optional<FileEntry> find(wstring_view name) const;
-    /// Every file, in order, as `visit(wstring_view name, const FileEntry&)`.
-    void forEach(const CommittedFiles::Visit& visit) const;
+    /// Every file, in order, as `visit(wstring_view name, const FileEntry&)`. Without `damaged` a node that
+    /// is damaged is thrown.
+    void forEach(const CommittedFiles::Visit& visit, const DamagedNode& damaged = {}) const;
     /// What changes, by name. Valid until the next change.
     struct Changed {
         wstring_view name;

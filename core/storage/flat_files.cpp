@@ -120,7 +120,7 @@ std::optional<FileEntry> FlatFiles::find(wstring_view name) const {
     return row ? std::optional(FileEntry{rows_[*row].entry}) : std::nullopt;
 }
 
-void FlatFiles::forEach(const Visit& visit) const {
+void FlatFiles::forEach(const Visit& visit, const DamagedNode&) const {
     for (std::size_t row = 0; row < rows_.size(); ++row)
         visit(nameOf(row), FileEntry{rows_[row].entry});
 }

@@ -39,7 +39,7 @@ class FlatFiles : public CommittedFiles {
     [[nodiscard]] std::uint64_t count() const noexcept override { return rows_.size(); }
     [[nodiscard]] std::size_t nameUnits() const noexcept { return names_.size(); }
     [[nodiscard]] std::optional<FileEntry> find(wstring_view name) const override;
-    void forEach(const Visit& visit) const override;
+    void forEach(const Visit& visit, const DamagedNode& damaged) const override;
 
     /// The first bytes of the content, which never change: they lie in the table's first block.
     [[nodiscard]] static std::span<const std::byte> preamble() noexcept;

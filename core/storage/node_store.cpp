@@ -16,12 +16,12 @@ std::vector<std::byte> read_together(BlockReader& reader, std::uint64_t address,
         throw ChainInFileExc(address);
     constexpr std::uint64_t kAtOnce = 128; // blocks, so that what is read is still in the caches
     std::vector<std::byte> content(static_cast<std::size_t>(size));
-    std::vector<std::byte> raw(static_cast<std::size_t>(std::min(blocks, kAtOnce) * step));
+    const auto raw = reader.scratch(static_cast<std::size_t>(std::min(blocks, kAtOnce) * step));
     std::byte* to = content.data();
     std::size_t left = content.size();
     for (std::uint64_t done = 0; done < blocks; done += kAtOnce) {
         const std::uint64_t count = std::min(kAtOnce, blocks - done);
-        const auto part = std::span(raw).first(static_cast<std::size_t>(count * step));
+        const auto part = raw.first(static_cast<std::size_t>(count * step));
         if (!reader.readAround(address + done * step, part))
             throw ChainInFileExc(address);
         for (std::uint64_t block = 0; block < count; ++block) {

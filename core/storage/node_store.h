@@ -44,13 +44,16 @@ class NodeStore : public TreeSource<Rows> {
 
     /// Besides, all of its rows belong below that one: no node can be met twice on a walk.
     [[nodiscard]] Node loadChild(const TreeNode<Rows>& parent, std::size_t row) override {
-        const NodeRef& ref = parent.children[row].ref;
-        Node node = load(ref);
+        const TreeChild& child = parent.children[row];
+        Node node = load(child.ref);
+        if (child.isVerified)
+            return node;
         if (node->level + 1 != parent.level || node->size() == 0 ||
             Rows::compare(node->keys.at(0), parent.keys.at(row)) != 0 ||
             (row + 1 < parent.size() &&
              Rows::compare(node->keys.at(node->size() - 1), parent.keys.at(row + 1)) >= 0))
-            throwDamaged(ref);
+            throwDamaged(child.ref);
+        child.isVerified = true;
         return node;
     }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/storage/bad_place.h"
 #include "core/storage/tree_node.h"
 
 #include <algorithm>
@@ -61,6 +62,7 @@ struct TreePlan {
                 if (child.draft != TreeChild::kStored)
                     child.ref = places[child.draft];
                 child.draft = TreeChild::kStored;
+                child.isVerified = false; // it has other neighbours
             }
             visit(drafts[i].node, places[i]);
         }
@@ -290,41 +292,58 @@ class TreePlanner {
     TreePlan<Rows> plan_;
 };
 
-/// What a key stands for.
+/// What a key stands for in a tree of names.
 template <class Rows>
 [[nodiscard]] std::optional<typename Rows::Value> find_in_tree(TreeSource<Rows>& source, const NodeRef& root,
                                                                typename Rows::Key key) {
+    const typename Rows::Probe probe(key);
     auto node = source.load(root);
     while (node->level != 0)
-        node = source.loadChild(*node, node->rowFor(key));
-    if (node->size() == 0)
-        return std::nullopt;
-    const std::size_t row = node->rowFor(key);
-    return Rows::compare(node->keys.at(row), key) == 0 ? std::optional(node->values[row]) : std::nullopt;
+        node = source.loadChild(*node, node->keys.rowFor(probe));
+    const std::size_t row = node->keys.rowFor(probe);
+    return node->keys.at(row) == key ? std::optional(node->values[row]) : std::nullopt;
+}
+
+/// The node at `ref`, which `load` returns; nothing when it cannot be read and `damaged` was told of it.
+/// Without `damaged` that is thrown.
+template <class Load>
+[[nodiscard]] auto sound_node(const NodeRef& ref, Load load, const DamagedNode& damaged) -> decltype(load()) {
+    if (!damaged)
+        return load();
+    try {
+        return at_place(ref.address, load);
+    } catch (const ChainInFileExc& e) {
+        damaged(e.address());
+        return nullptr;
+    }
 }
 
 /// Calls `visit(key, value)` for all rows below a node, in order.
 template <class Rows, class Visit>
 void for_each_in_tree(TreeSource<Rows>& source, const std::shared_ptr<const TreeNode<Rows>>& node,
-                      const Visit& visit) {
+                      const Visit& visit, const DamagedNode& damaged = {}) {
     for (std::size_t row = 0; row < node->size(); ++row) {
         if (node->level == 0)
             visit(node->keys.at(row), node->values[row]);
-        else
-            for_each_in_tree(source, source.loadChild(*node, row), visit);
+        else if (const auto child = sound_node(
+                     node->children[row].ref, [&] { return source.loadChild(*node, row); }, damaged))
+            for_each_in_tree(source, child, visit, damaged);
     }
 }
 
 /// Calls `visit(const NodeRef&)` for all nodes of a tree. Leaves are not read.
 template <class Rows, class Visit>
 void for_each_node(TreeSource<Rows>& source, const NodeRef& ref,
-                   const std::shared_ptr<const TreeNode<Rows>>& node, const Visit& visit) {
+                   const std::shared_ptr<const TreeNode<Rows>>& node, const Visit& visit,
+                   const DamagedNode& damaged = {}) {
     visit(ref);
     for (std::size_t row = 0; row < node->children.size(); ++row) {
+        const NodeRef& below = node->children[row].ref;
         if (node->level == 1)
-            visit(node->children[row].ref);
-        else
-            for_each_node(source, node->children[row].ref, source.loadChild(*node, row), visit);
+            visit(below);
+        else if (const auto child = sound_node(
+                     below, [&] { return source.loadChild(*node, row); }, damaged))
+            for_each_node(source, below, child, visit, damaged);
     }
 }
 

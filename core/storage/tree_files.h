@@ -27,9 +27,12 @@ class TreeFiles : public CommittedFiles {
     [[nodiscard]] std::optional<FileEntry> find(wstring_view name) const override {
         return root_ ? find_in_tree<FileRows>(*store_, *root_, name) : std::nullopt;
     }
-    void forEach(const Visit& visit) const override {
-        if (root_)
-            for_each_in_tree<FileRows>(*store_, store_->load(*root_), visit);
+    void forEach(const Visit& visit, const DamagedNode& damaged) const override {
+        if (!root_)
+            return;
+        if (const auto node = sound_node(
+                *root_, [&] { return store_->load(*root_); }, damaged))
+            for_each_in_tree<FileRows>(*store_, node, visit, damaged);
     }
 
   private:

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <span>
@@ -29,6 +30,9 @@ struct NodeRef {
     friend bool operator==(const NodeRef&, const NodeRef&) = default;
 };
 
+/// Takes the address of a node that is damaged: a walk leaves out what is below it.
+using DamagedNode = std::function<void(std::uint64_t address)>;
+
 /// What an inner node says of a child.
 struct TreeChild {
     static constexpr std::size_t kStored = std::numeric_limits<std::size_t>::max();
@@ -36,6 +40,8 @@ struct TreeChild {
     NodeRef ref;
     std::uint64_t longest = 0;   ///< of the ranges below it, in a tree of free space
     std::size_t draft = kStored; ///< where it stands among the nodes that are not stored yet
+    /// Whether the node was found to belong below the one that says this, which need not be found twice.
+    mutable bool isVerified = false;
 };
 
 /// One node of a tree in memory: a leaf with values or an inner node with children, by their keys. `Rows`
@@ -48,16 +54,6 @@ struct TreeNode {
     std::vector<TreeChild> children;
 
     [[nodiscard]] std::size_t size() const noexcept { return keys.size(); }
-    /// The row of the greatest key that is not greater than `key`; the first one when all are greater.
-    [[nodiscard]] std::size_t rowFor(typename Rows::Key key) const {
-        std::size_t low = 0;
-        std::size_t high = size();
-        while (high - low > 1) {
-            const std::size_t middle = low + (high - low) / 2;
-            (Rows::compare(keys.at(middle), key) <= 0 ? low : high) = middle;
-        }
-        return low;
-    }
     void append(typename Rows::Key key, const typename Rows::Value& value) {
         keys.append(key);
         values.push_back(value);

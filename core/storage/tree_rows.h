@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/storage/file_entry.h"
+#include "core/storage/name_keys.h"
 #include "core/storage/tree_node.h"
 
 #include <core/runtime/types.h>
@@ -54,25 +55,8 @@ struct FileRows {
     using Key = wstring_view;
     using Value = FileEntry;
 
-    /// Names one behind the other.
-    class Keys {
-      public:
-        [[nodiscard]] std::size_t size() const noexcept { return ends_.size(); }
-        [[nodiscard]] Key at(std::size_t i) const noexcept {
-            const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
-            return Key(text_).substr(begin, ends_[i] - begin);
-        }
-        [[nodiscard]] std::size_t endOf(std::size_t i) const noexcept { return ends_[i]; }
-        [[nodiscard]] std::size_t bytes() const noexcept { return 2 * text_.size(); }
-        void append(Key key) {
-            text_.append(key);
-            ends_.push_back(text_.size());
-        }
-
-      private:
-        wstring text_;
-        std::vector<std::size_t> ends_;
-    };
+    using Keys = NameKeys;
+    using Probe = SoughtName;
 
     [[nodiscard]] static int compare(Key a, Key b) noexcept { return compare_file_names(a, b); }
     [[nodiscard]] static std::size_t rowBytes(unsigned level, const StorageLayout& layout) noexcept {

@@ -63,9 +63,11 @@ class Stored : public TreeSource<Rows> {
 
     /// Whether a long name must make the node large: alone in a leaf, as one of two or the last in others.
     [[nodiscard]] bool isForced(const TreeNode<Rows>& node) const {
-        const std::size_t last = Rows::keyBytes(node.keys.at(node.size() - 1));
-        return node.level == 0 ? node.size() == 1
-                               : node.size() <= 3 || node_bytes(node, layout_) - last < NodeHeader::kCapacity;
+        const std::size_t last =
+            Rows::keyBytes(node.keys.at(node.size() - 1)) + Rows::rowBytes(node.level, layout_);
+        return node.level == 0
+                   ? node.size() == 1
+                   : node.size() <= 3 || node_bytes(node, layout_) - last <= NodeHeader::kCapacity;
     }
 
     std::optional<NodeRef> root;
@@ -154,10 +156,15 @@ TEST_P(Tree, OfNamesHoldsWhatAMapHolds) {
         for_each_in_tree<FileRows>(stored, stored.load(*stored.root), visit);
         ASSERT_EQ(expected, model.end());
         ASSERT_EQ(stored.count(*stored.root), stored.nodes.size()) << "a node is lost";
-        const wstring probe = some_name(random);
-        const auto known = model.find(probe);
-        EXPECT_EQ(find_in_tree<FileRows>(stored, *stored.root, probe),
-                  known == model.end() ? std::nullopt : std::optional(known->second));
+        for (int i = 0; i < 20; ++i) {
+            wstring probe = some_name(random);
+            const auto near = model.lower_bound(probe);
+            if (i % 2 == 0 && near != model.end())
+                probe = near->first + wstring(random.below(2), random.below(2) == 0 ? u'\0' : u'\xDF');
+            const auto known = model.find(probe);
+            EXPECT_EQ(find_in_tree<FileRows>(stored, *stored.root, probe),
+                      known == model.end() ? std::nullopt : std::optional(known->second));
+        }
     }
     EXPECT_TRUE(stored.nodes.empty());
 }
