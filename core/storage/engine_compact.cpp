@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/storage/bad_place.h"
 #include "core/storage/canonical_chain.h"
 #include "core/storage/engine.h"
 #include "core/storage/storage_error.h"
@@ -20,59 +21,69 @@ std::uint64_t blocks_for(std::uint64_t size) {
     return (size + kStorageBlockSize - 1) / kStorageBlockSize;
 }
 
-} // namespace
+/// What lies between `begin` and `end`, and not in `known`.
+UsedSpace::Ranges gaps(UsedSpace::Ranges known, std::uint64_t begin, std::uint64_t end) {
+    std::sort(known.begin(), known.end());
+    UsedSpace::Ranges result;
+    for (const auto& [from, to] : known) {
+        if (from > begin)
+            result.emplace_back(begin, std::min(from, end));
+        begin = std::max(begin, to);
+    }
+    if (begin < end)
+        result.emplace_back(begin, end);
+    return result;
+}
 
-/// What a step of compacting works on: all chains of files, in the order of their places.
-struct StorageEngine::Compaction {
-    struct Chain {
-        std::uint64_t address; // of the lowest block
-        std::uint64_t blocks;
-        std::size_t file;
-        bool isContent;
-        bool isTogether;
-    };
-    std::vector<std::pair<wstring, FileEntry>> files;
-    std::vector<Chain> chains;
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> used; // by chains and nodes
-    std::vector<NodeRef> nodes;
-    std::uint64_t packedEnd = 0; // the chains before it are where they belong
-    std::size_t packed = 0;      // how many these are
-    std::uint64_t chainsEnd = 0; // where all of them will end
-};
+} // namespace
 
 /// In steps, each of them one commit: a table in table layout 1 is converted; then chains move to the lowest
 /// free space, side by side, and the trees behind them. Others have their turn between the steps. Any step
 /// may be the last one.
-void StorageEngine::compact() {
-    int nodeSteps = 0;
-    for (int step = 0; step < kMostSteps; ++step) {
-        const std::lock_guard lock(mutex_);
-        if (transaction_ || turns_ != 0)
-            throw_storage_error(messages::kStorageTransaction, url_);
-        const Turn turn(*this);
-        const bool goesOn = checked([&] {
-            try {
-                if (head_.tableLayout == TableLayout::tree)
-                    return compactStep(nodeSteps);
-                convert();
-                return true;
-            } catch (...) {
-                nodesFrom_ = 0;
-                nodesToMove_ = {};
-                next_ = head_.tableLayout;
-                throw;
-            }
-        });
+CompactReport StorageEngine::compact(const CompactOptions& options) {
+    Compaction work;
+    bool goesOn = true;
+    for (int step = 0; goesOn && step < kMostSteps; ++step) {
+        options.stop.check();
+        goesOn = compactOnce(work);
+        const std::uint64_t first = layout_.emptyLength();
+        if (options.progress && work.chainsEnd > first)
+            options.progress(work.holeBegin - first, work.chainsEnd - first);
+    }
+    return {{work.damaged.begin(), work.damaged.end()}};
+}
+
+bool StorageEngine::compactOnce(Compaction& work) {
+    const std::lock_guard lock(mutex_);
+    if (transaction_ || turns_ != 0)
+        throw_storage_error(messages::kStorageTransaction, url_);
+    const Turn turn(*this);
+    const auto finish = [&] {
         nodesFrom_ = 0;
         nodesToMove_ = {};
-        if (!goesOn)
-            return;
-    }
+    };
+    return checked([&] {
+        try {
+            bool goesOn = true;
+            if (head_.tableLayout == TableLayout::flat)
+                convert(work);
+            else
+                goesOn = compactStep(work);
+            finish();
+            return goesOn;
+        } catch (...) {
+            finish();
+            next_ = head_.tableLayout;
+            throw;
+        }
+    });
 }
+
+// From table layout 1 to 2.
 
 /// Gives a table in table layout 1 the other layout. Chains that no writer of that layout would write are
 /// written again.
-void StorageEngine::convert() {
+void StorageEngine::convert(Compaction& work) {
     if (!spaceVerified_)
         verifySpace();
     if (!spaceVerified_)
@@ -80,138 +91,214 @@ void StorageEngine::convert() {
     next_ = TableLayout::tree;
     std::vector<std::pair<wstring, FileEntry>> files;
     table_.forEach([&](wstring_view name, const FileEntry& entry) { files.emplace_back(name, entry); });
-    for (auto& file : files) {
-        const wstring& name = file.first;
-        FileEntry& entry = file.second;
-        const auto read = [&](std::uint64_t address) {
-            return checked(name, [&] { return read_canonical(reader_, address); });
-        };
-        const CanonicalChain content = read(entry.data);
-        const CanonicalChain attributes = read(entry.attributes);
-        entry.isKnown = true;
-        entry.size = content.size;
-        entry.contentSum = content.sum;
-        entry.attributesSum = attributes.sum;
-        entry.flags = (content.isTogether ? FileEntry::kContentTogether : 0) |
-                      (attributes.isTogether ? FileEntry::kAttributesTogether : 0);
-        const bool shares = !sharedSpace_.empty(); // then nobody says whose bytes they are
-        if (shares || !content.isCanonical)
-            moveContent(entry, 0);
-        if (attributes.size != 0 && attributes.size != StorageFileInfo::kLeastSize + 2 * name.size())
-            entry.flags &= ~FileEntry::kAttributesTogether; // then its blocks cannot be counted by the name
-        if (shares || !attributes.isCanonical)
-            moveAttributes(entry, name, 0);
+    for (auto& [name, entry] : files) {
+        if (!convertEntry(entry, name))
+            work.damaged.insert(name);
         table_.set(name, entry);
     }
     table_.touch();
     commitChanges();
 }
 
-bool StorageEngine::compactStep(int& nodeSteps) {
-    Compaction all = surveyChains();
-    releaseLost(all);
-    nodesFrom_ = all.chainsEnd;
-    if (all.packed == all.chains.size())
-        return moveNodes() && ++nodeSteps < kMostNodeSteps;
-    const auto isInTheWay = [end = all.chainsEnd](const NodeRef& ref) { return ref.address < end; };
-    if (std::any_of(all.nodes.begin(), all.nodes.end(), isInTheWay)) {
+/// Finds out what the other layout says of a file. False when the file is damaged: then that is nothing that
+/// any content fits, and the file stays what it is, damaged. A disk that cannot be read at the moment must
+/// not have that effect.
+bool StorageEngine::convertEntry(FileEntry& entry, wstring_view name) {
+    bool isSound = true;
+    const auto read = [&](std::uint64_t address) {
+        CanonicalChain result{0, 0, false, true};
+        try {
+            result = read_canonical(reader_, address);
+        } catch (const ChainInFileExc&) {
+            isSound = false;
+            try {
+                result.size = chain(address).size();
+            } catch (const ChainInFileExc&) {
+            }
+            result.size = std::clamp<std::uint64_t>(result.size, 1, table_.end() - 1);
+        }
+        return result;
+    };
+    const CanonicalChain content = read(entry.data);
+    const CanonicalChain attributes = read(entry.attributes);
+    entry.isKnown = true;
+    entry.size = content.size;
+    entry.contentSum = content.sum;
+    entry.attributesSum = attributes.sum;
+    entry.flags = (content.isTogether ? FileEntry::kContentTogether : 0) |
+                  (attributes.isTogether ? FileEntry::kAttributesTogether : 0);
+    const bool shares = !sharedSpace_.empty(); // then nobody says whose bytes they are
+    if (isSound && (shares || !content.isCanonical))
+        moveContent(entry, 0);
+    if (attributes.size != 0 && attributes.size != StorageFileInfo::kLeastSize + 2 * name.size())
+        entry.flags &= ~FileEntry::kAttributesTogether; // then its blocks cannot be counted by the name
+    if (isSound && (shares || !attributes.isCanonical))
+        moveAttributes(entry, name, 0);
+    return isSound;
+}
+
+// What there is.
+
+bool StorageEngine::compactStep(Compaction& work) {
+    if (work.counter != head_.counter)
+        survey(work);
+    work.arrange(layout_);
+    nodesFrom_ = work.chainsEnd;
+    const auto isInTheWay = [end = work.chainsEnd](const NodeRef& node) { return node.address < end; };
+    const std::vector<NodeRef> all = nodes();
+    bool goesOn = true;
+    if (table_.hasChanges()) { // what was lost can be used in the next step
+        commitChanges();
+    } else if (work.packed == work.chains.size()) {
+        goesOn = moveNodes(work) && ++work.nodeSteps < kMostNodeSteps;
+    } else if (std::any_of(all.begin(), all.end(), isInTheWay)) {
         nodesToMove_ = isInTheWay;
         table_.touch();
         commitChanges();
+    } else {
+        goesOn = moveSome(work);
+    }
+    work.counter = head_.counter;
+    return goesOn;
+}
+
+void StorageEngine::survey(Compaction& work) {
+    UsedSpace moving;
+    UsedSpace all;
+    bool isComplete = surveyChains(work, {}, moving, all);
+    if (const UsedSpace::Ranges shared = all.shared(); !shared.empty()) { // rarely: who has it stays
+        moving = all = UsedSpace();
+        isComplete = surveyChains(work, shared, moving, all);
+    }
+    buildWalls(work, moving, all, isComplete);
+}
+
+/// Finds the chains that can move. Those that touch `shared` stay, and so do damaged ones. False when not all
+/// blocks of these can be found.
+bool StorageEngine::surveyChains(Compaction& work, const UsedSpace::Ranges& shared, UsedSpace& moving,
+                                 UsedSpace& all) {
+    work.files.clear();
+    work.chains.clear();
+    table_.forEach([&](wstring_view name, const FileEntry& entry) { work.files.emplace_back(name, entry); });
+    bool isComplete = true;
+    const auto add = [&](std::size_t file, bool isContent) {
+        const auto& [name, entry] = work.files[file];
+        BlockRuns blocks(layout_.blockHeaderSize());
+        const bool isWhole = findBlocks(entry, name, isContent, blocks);
+        isComplete = isComplete && isWhole;
+        bool stays = !isWhole;
+        for (const BlockRun& run : blocks.runs()) {
+            all.add(run.address, run.address + blocks.lengthOf(run));
+            stays = stays || UsedSpace::touches(shared, run.address, run.address + blocks.lengthOf(run));
+        }
+        if (stays) {
+            work.damaged.insert(name);
+        } else if (!blocks.empty()) {
+            std::uint64_t lowest = blocks.runs().front().address;
+            for (const BlockRun& run : blocks.runs()) {
+                lowest = std::min(lowest, run.address);
+                moving.add(run.address, run.address + blocks.lengthOf(run));
+            }
+            work.chains.push_back({lowest, blocks.count(), file, isContent, blocks.runs().size() == 1});
+        }
+    };
+    for (std::size_t file = 0; file < work.files.size(); ++file) {
+        add(file, false);
+        add(file, true);
+    }
+    for (const NodeRef& node : nodes()) {
+        const std::uint64_t end = node.address + node.blocks() * layout_.blockLength(kStorageBlockSize);
+        if (UsedSpace::touches(shared, node.address, end))
+            throw ChainInFileExc(node.address);
+        moving.add(node.address, end);
+        all.add(node.address, end);
+    }
+    moving.settle();
+    all.settle();
+    return isComplete;
+}
+
+/// The blocks of a chain, as far as they can be found. False when these are not all.
+bool StorageEngine::findBlocks(const FileEntry& entry, wstring_view name, bool isContent, BlockRuns& blocks) {
+    const std::uint64_t address = isContent ? entry.data : entry.attributes;
+    if (address == layout_.null)
+        return true;
+    if ((entry.flags & (isContent ? FileEntry::kContentTogether : FileEntry::kAttributesTogether)) != 0) {
+        const std::uint64_t size = isContent ? entry.size : StorageFileInfo::kLeastSize + 2 * name.size();
+        blocks.append(address, kStorageBlockSize, blocks_for(size));
         return true;
     }
-    return moveSome(all);
-}
-
-StorageEngine::Compaction StorageEngine::surveyChains() {
-    const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
-    Compaction all;
-    table_.forEach([&](wstring_view name, const FileEntry& entry) { all.files.emplace_back(name, entry); });
-    std::uint64_t blocks = 0;
-    const auto add = [&](std::size_t file, bool isContent, const BlockRuns& runs) {
-        if (runs.empty())
-            return;
-        std::uint64_t lowest = runs.runs().front().address;
-        for (const BlockRun& run : runs.runs()) {
-            lowest = std::min(lowest, run.address);
-            all.used.emplace_back(run.address, run.address + runs.lengthOf(run));
-        }
-        all.chains.push_back({lowest, runs.count(), file, isContent, runs.runs().size() == 1});
-        blocks += runs.count();
-    };
-    for (std::size_t file = 0; file < all.files.size(); ++file) {
-        const wstring& name = all.files[file].first;
-        const FileEntry& entry = all.files[file].second;
-        BlockRuns attributes(layout_.blockHeaderSize());
-        BlockRuns content(layout_.blockHeaderSize());
-        checked(name, [&] { // what is damaged must not count as lost
-            if ((entry.flags & FileEntry::kAttributesTogether) == 0)
-                chain(entry.attributes, 0).walk(reader_);
-            if (!entry.isTogether())
-                chain(entry.data, 0).walk(reader_);
+    BlockChain found(layout_);
+    bool isWhole = true;
+    try {
+        at_place(address, [&] {
+            found.open(reader_, address, 0);
+            found.walk(reader_);
         });
-        addAttributes(entry, name, attributes);
-        addContent(entry, content);
-        add(file, false, attributes);
-        add(file, true, content);
+    } catch (const ChainInFileExc&) {
+        isWhole = false;
     }
-    const auto addNode = [&](const NodeRef& ref) {
-        all.nodes.push_back(ref);
-        all.used.emplace_back(ref.address, ref.address + ref.blocks() * step);
-    };
-    if (const auto root = head_.filesRoot())
-        for_each_node<FileRows>(fileNodes_, *root, fileNodes_.load(*root), addNode);
-    if (const auto root = head_.freeRoot(layout_))
-        for_each_node<FreeRows>(freeNodes_, *root, freeNodes_.load(*root), addNode);
-    std::sort(all.chains.begin(), all.chains.end(),
-              [](const auto& a, const auto& b) { return a.address < b.address; });
-    all.chainsEnd = layout_.emptyLength() + blocks * step;
-    all.packedEnd = layout_.emptyLength();
-    for (const Compaction::Chain& chain : all.chains) {
-        if (!chain.isTogether || chain.address != all.packedEnd)
-            break;
-        all.packedEnd += chain.blocks * step;
-        ++all.packed;
-    }
-    return all;
+    blocks = found.runs();
+    return isWhole;
 }
 
-/// What is neither used nor free is given back: nobody can reach it any more.
-void StorageEngine::releaseLost(Compaction& all) {
-    auto& known = all.used;
-    for (const RangeSet* const set : {&space_.free(), &space_.fresh()})
-        known.insert(known.end(), set->ranges().begin(), set->ranges().end());
-    std::sort(known.begin(), known.end());
-    BlockRuns lost(layout_.blockHeaderSize());
-    std::uint64_t end = layout_.emptyLength();
-    const auto lose = [&](std::uint64_t until) {
-        if (until >= end + layout_.blockHeaderSize())
-            lost.append(end, until - end - layout_.blockHeaderSize());
-    };
-    for (const auto& [from, to] : known) {
-        if (from < end)
-            throw ChainInFileExc(from); // two of them share it
-        lose(from);
-        end = to;
+/// What is neither used nor free is given back: nobody can reach it any more. Where a damaged chain may still
+/// have it, it stays like that chain.
+void StorageEngine::buildWalls(Compaction& work, const UsedSpace& moving, const UsedSpace& all,
+                               bool isComplete) {
+    const std::uint64_t first = layout_.emptyLength();
+    UsedSpace::Ranges known = moving.used();
+    UsedSpace::Ranges used = all.used();
+    for (const auto& [begin, end] : space_.free().ranges()) {
+        if (UsedSpace::touches(all.used(), begin, end))
+            throw ChainInFileExc(begin);
+        known.emplace_back(begin, end);
+        used.emplace_back(begin, end);
     }
-    lose(space_.end());
+    BlockRuns lost(layout_.blockHeaderSize());
+    const auto unknown = isComplete ? gaps(std::move(used), first, space_.end()) : UsedSpace::Ranges();
+    for (const auto& [begin, end] : unknown) {
+        if (end - begin < layout_.blockHeaderSize())
+            continue;
+        lost.append(begin, end - begin - layout_.blockHeaderSize());
+        known.emplace_back(begin, end);
+    }
+    work.walls = gaps(std::move(known), first, space_.end());
     if (lost.empty())
         return;
     release(lost);
     table_.touch();
 }
 
+// Moving it.
+
+/// Copies a chain behind `from` and returns where it begins now. One that does not have its checksum stays:
+/// its blocks may be all that is left of what it was.
+std::uint64_t StorageEngine::moveChain(BlockChain& chain, std::uint64_t sum, std::uint64_t from) {
+    const BlockRange to = allocateTogether(blocks_for(chain.size()), from);
+    try {
+        if (copyChain(chain, to) != sum)
+            throw ChainInFileExc(to.address);
+        chain.walk(reader_);
+        release(chain.runs());
+    } catch (...) {
+        giveBack(std::span(&to, 1));
+        throw;
+    }
+    return to.address;
+}
+
 void StorageEngine::moveContent(FileEntry& entry, std::uint64_t from) {
     BlockChain content = chain(entry.data, 0);
-    std::uint64_t address = layout_.null;
+    if (content.size() != entry.size)
+        throw ChainInFileExc(entry.data);
     if (content.size() != 0) {
-        const BlockRange to = allocateTogether(blocks_for(content.size()), from);
-        copyChain(content, to);
-        address = to.address;
+        entry.data = moveChain(content, entry.contentSum, from);
+    } else {
+        content.walk(reader_);
+        release(content.runs());
+        entry.data = layout_.null;
     }
-    content.walk(reader_);
-    release(content.runs());
-    entry.data = address;
     entry.flags |= FileEntry::kContentTogether;
 }
 
@@ -219,72 +306,81 @@ void StorageEngine::moveAttributes(FileEntry& entry, wstring_view name, std::uin
     BlockChain attributes = chain(entry.attributes, 0);
     if (attributes.size() == 0)
         return;
-    const BlockRange to = allocateTogether(blocks_for(attributes.size()), from);
-    copyChain(attributes, to);
-    attributes.walk(reader_);
-    release(attributes.runs());
-    entry.attributes = to.address;
+    entry.attributes = moveChain(attributes, entry.attributesSum, from);
     if (attributes.size() == StorageFileInfo::kLeastSize + 2 * name.size())
         entry.flags |= FileEntry::kAttributesTogether;
 }
 
 /// Moves chains into the hole behind those that are where they belong; or, when it is small for what comes
 /// next, makes it larger by moving that out of the way.
-bool StorageEngine::moveSome(const Compaction& all) {
+bool StorageEngine::moveSome(Compaction& work) {
     const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
     const std::uint64_t atOnce =
-        std::clamp((all.chainsEnd - layout_.emptyLength()) / 64, kLeastStep, kMostStep);
-    const std::uint64_t rest = all.chainsEnd - all.packedEnd;
+        std::clamp((work.chainsEnd - layout_.emptyLength()) / 64, kLeastStep, kMostStep);
+    const std::uint64_t rest = work.holeEnd - work.holeBegin;
     avoidPins();
-    const std::uint64_t room = space_.roomAt(all.packedEnd);
-    if (room == 0 && space_.isFree(all.packedEnd)) { // somebody still reads what was there
-        commitChanges();
+    const std::uint64_t room = std::min(rest, space_.roomAt(work.holeBegin));
+    if (room == 0 && space_.isFree(work.holeBegin)) // somebody still reads what was there
         return false;
-    }
-    const auto first = all.chains.begin() + static_cast<std::ptrdiff_t>(all.packed);
+    const auto first = work.chains.begin() + static_cast<std::ptrdiff_t>(work.packed);
     std::uint64_t fitting = 0;
     auto last = first;
-    while (last != all.chains.end() && fitting + last->blocks * step <= room && fitting < atOnce)
+    while (last != work.chains.end() && fitting + last->blocks * step <= room && fitting < atOnce)
         fitting += last++->blocks * step;
-    std::uint64_t from = all.packedEnd;
+    std::uint64_t from = work.holeBegin;
     if (fitting < std::min(atOnce, rest) / 2) {
-        from = all.chainsEnd;
+        from = work.chainsEnd;
         fitting = 0;
         last = first;
-        while (last != all.chains.end() && last->address < all.chainsEnd && fitting < atOnce)
+        while (last != work.chains.end() && last->address < work.chainsEnd && fitting < atOnce)
             fitting += last++->blocks * step;
     }
-    if (last == first) { // the hole is used by a file that is still being written
-        commitChanges();
+    if (last == first) // the hole is used by a file that is still being written
         return false;
-    }
-    for (auto chain = first; chain != last; ++chain) {
-        const wstring& name = all.files[chain->file].first;
-        FileEntry moved = *table_.find(name);
-        checked(name,
-                [&] { chain->isContent ? moveContent(moved, from) : moveAttributes(moved, name, from); });
-        table_.set(name, moved);
-    }
+    for (auto chain = first; chain != last; ++chain)
+        moveOne(work, *chain, from);
+    std::erase_if(work.chains, [](const Compaction::Chain& chain) { return chain.stays; });
     commitChanges();
     return true;
 }
 
-/// The chains are side by side. The trees follow when they fit behind them; else they make room, and follow
-/// in the next step.
-bool StorageEngine::moveNodes() {
-    const bool isPacked = space_.free().empty();
-    if (!isPacked) {
-        nodesToMove_ = [](const NodeRef&) { return true; };
-        table_.touch();
+void StorageEngine::moveOne(Compaction& work, Compaction::Chain& chain, std::uint64_t from) {
+    auto& [name, entry] = work.files[chain.file];
+    FileEntry moved = entry;
+    try {
+        at_place(chain.address,
+                 [&] { chain.isContent ? moveContent(moved, from) : moveAttributes(moved, name, from); });
+    } catch (const ChainInFileExc&) {
+        work.damaged.insert(name);
+        chain.stays = true;
+        BlockRuns blocks(layout_.blockHeaderSize());
+        (void)findBlocks(entry, name, chain.isContent, blocks);
+        for (const BlockRun& run : blocks.runs())
+            work.walls.emplace_back(run.address, run.address + blocks.lengthOf(run));
+        return;
     }
-    commitChanges();
-    return !isPacked;
+    table_.set(name, moved);
+    entry = moved;
+    chain.address = chain.isContent ? moved.data : moved.attributes;
+    chain.isTogether = true;
 }
 
-/// Copies a chain to a place, as much at once as the queue holds.
-void StorageEngine::copyChain(BlockChain& from, BlockRange to) {
+/// The chains are side by side. The trees follow when they fit behind them; else they make room, and follow
+/// in the next step.
+bool StorageEngine::moveNodes(const Compaction& work) {
+    if (work.chainsEnd >= space_.end() || !space_.free().touches(work.chainsEnd, space_.end()))
+        return false;
+    nodesToMove_ = [](const NodeRef&) { return true; };
+    table_.touch();
+    commitChanges();
+    return true;
+}
+
+/// Copies a chain to a place, as much at once as the queue holds, and returns the checksum of its content.
+std::uint64_t StorageEngine::copyChain(BlockChain& from, BlockRange to) {
     const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
     std::vector<std::byte> bytes;
+    Checksum sum;
     std::uint64_t chainSize = from.size();
     for (std::uint64_t offset = 0; to.count != 0; offset += bytes.size()) {
         const BlockRange piece{to.address, std::min<std::uint64_t>(to.count, 256)};
@@ -292,9 +388,11 @@ void StorageEngine::copyChain(BlockChain& from, BlockRange to) {
         bytes.resize(
             static_cast<std::size_t>(std::min(piece.count * kStorageBlockSize, from.size() - offset)));
         from.readAt(reader_, offset, bytes);
+        sum.add(bytes);
         write(std::span(&piece, 1), bytes, std::exchange(chainSize, 0),
               to.count != 0 ? to.address : layout_.null);
     }
+    return sum.value();
 }
 
 } // namespace core
