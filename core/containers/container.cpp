@@ -26,13 +26,6 @@ StorageRW container_in_memory() {
 
 Container::Container() : storage_(container_in_memory()) {}
 
-std::vector<wstring> Container::names(wstring_view pattern) const {
-    std::vector<wstring> names;
-    for (StorageFound& file : storage_.find(pattern))
-        names.push_back(std::move(file.name));
-    return names;
-}
-
 void Container::putValue(wstring_view name, const Value& value) {
     wstring text;
     GenericValue(value).toString(text);

@@ -22,7 +22,7 @@ class ContainerFile : public ScriptObject<ContainerFile> {
     ContainerFile() = default;
     explicit ContainerFile(const StorageFound& file)
         : name(file.name), size(file.size), created(local_time(file.created)),
-          modified(local_time(file.modified)), damaged(file.damaged) {}
+          modified(local_time(file.modified)), version(file.version), damaged(file.damaged) {}
 
     static auto members() {
         using T = ContainerFile;
@@ -30,6 +30,7 @@ class ContainerFile : public ScriptObject<ContainerFile> {
                              property(u"Size", u"Размер", &T::size, read_only),
                              property(u"Created", u"Создан", &T::created, read_only),
                              property(u"Modified", u"Изменен", &T::modified, read_only),
+                             property(u"Version", u"Версия", &T::version, read_only),
                              property(u"Damaged", u"Поврежден", &T::damaged, read_only));
     }
     bool getString(wstring& out) const override {
@@ -42,6 +43,7 @@ class ContainerFile : public ScriptObject<ContainerFile> {
     std::uint64_t size = 0;
     Date created;
     Date modified;
+    std::uint32_t version = 0;
     bool damaged = false;
 };
 
@@ -55,7 +57,7 @@ class ContainerObject : public ScriptObject<ContainerObject, IValueCollection> {
     explicit ContainerObject(Container container) : container_(std::move(container)) {}
 
     wstring url() { return open().storage().url(); }
-    std::size_t count() { return open().files().size(); }
+    std::uint64_t count() { return open().count(); }
     std::vector<wstring> list(wstring_view pattern) { return open().names(pattern); }
     bool contains(wstring_view name) { return open().contains(name); }
     ObjectPtr<ContainerFile> describe(wstring_view name) {
@@ -74,7 +76,7 @@ class ContainerObject : public ScriptObject<ContainerObject, IValueCollection> {
     void begin() { open().storage().begin(); }
     void commit() { open().storage().commit(); }
     void rollback() { open().storage().rollback(); }
-    void compact() { open().storage().compact(); }
+    std::vector<wstring> compact() { return open().storage().compact().damaged; }
     void close() noexcept { container_.reset(); }
 
     static auto members() {

@@ -3,6 +3,7 @@
 
 #include "core/storage/write_queue.h"
 
+#include <core/files/errors.h>
 #include <core/files/file_io.h>
 
 #include <algorithm>
@@ -31,7 +32,13 @@ std::span<const std::byte> BlockReader::at(std::uint64_t address, std::size_t ne
         window_.resize(fetch);
     settle(address, fetch);
     length_ = 0;
-    length_ = read_all_at(file_, address, std::span(window_).first(fetch));
+    try {
+        length_ = read_all_at(file_, address, std::span(window_).first(fetch));
+    } catch (const FileException&) {
+        if (fetch == need)
+            throw;
+        length_ = read_all_at(file_, address, std::span(window_).first(need)); // the bad place lies behind
+    }
     address_ = address;
     return std::span<const std::byte>(window_).first(length_);
 }

@@ -33,6 +33,12 @@ class BlockReader {
     /// Reads past the window; returns false when the file ends before `bytes` is full.
     [[nodiscard]] bool readAround(std::uint64_t address, std::span<std::byte> bytes);
     void forget() noexcept { length_ = 0; }
+    /// Memory for what is read past the window. Valid until the next call of this function.
+    [[nodiscard]] std::span<std::byte> scratch(std::size_t size) {
+        if (scratch_.size() < size)
+            scratch_.resize(size);
+        return std::span(scratch_).first(size);
+    }
 
   private:
     void settle(std::uint64_t address, std::uint64_t length);
@@ -42,6 +48,7 @@ class BlockReader {
     WriteQueue* queue_ = nullptr;
     std::uint64_t end_;
     std::vector<std::byte> window_;
+    std::vector<std::byte> scratch_;
     std::uint64_t address_ = 0;
     std::size_t length_ = 0;
 };

@@ -2,6 +2,7 @@
 #include "core/storage/chain_survey.h"
 
 #include "core/storage/attributes.h"
+#include "core/storage/bad_place.h"
 #include "core/storage/canonical_chain.h"
 #include "core/storage/little_endian.h"
 #include "core/storage/range_set.h"
@@ -73,7 +74,7 @@ bool ChainSurvey::walk(const Visit& visit, const VisitFree& visitFree) {
     visit_ = &visit;
     length_ = files_ = 0;
     showSpace(visit, visitFree);
-    table_.forEach([&](wstring_view name, const FileEntry& entry) {
+    const auto visitFile = [&](wstring_view name, const FileEntry& entry) {
         ++files_;
         if (isEnough())
             return;
@@ -81,7 +82,8 @@ bool ChainSurvey::walk(const Visit& visit, const VisitFree& visitFree) {
             follow(StorageUse::attributes, name, entry);
         if (entry.data != layout_.null)
             follow(StorageUse::content, name, entry);
-    });
+    };
+    table_.forEach(visitFile, damagedNode_);
     return !isEnough();
 }
 
@@ -96,8 +98,23 @@ void ChainSurvey::showSpace(const Visit& visit, const VisitFree& visitFree) {
     }
     visit({StorageUse::table, {}, layout_.headerSize(), 0, tableBlocks_, std::nullopt});
     if (head_.freeChain != layout_.null) {
-        const FreeChain list = read_free_chain(reader_, head_.freeChain, table_.end(), visitFree);
+        FreeChain list{BlockChain(layout_), std::nullopt};
+        attempt(head_.freeChain, list.damage,
+                [&] { list = read_free_chain(reader_, head_.freeChain, table_.end(), visitFree); });
         show(StorageUse::freeChain, {}, head_.freeChain, list.chain, list.damage);
+    }
+}
+
+/// Runs `read`, which finds out what is wrong with the chain at `address`.
+template <class Read>
+void ChainSurvey::attempt(std::uint64_t address, std::optional<std::uint64_t>& damage, Read read) const {
+    try {
+        if (damagedNode_)
+            at_place(address, read);
+        else
+            read();
+    } catch (const ChainInFileExc& e) {
+        damage = e.address();
     }
 }
 
@@ -105,23 +122,27 @@ void ChainSurvey::follow(StorageUse use, wstring_view name, const FileEntry& ent
     const std::uint64_t address = use == StorageUse::content ? entry.data : entry.attributes;
     BlockChain chain(layout_);
     std::optional<std::uint64_t> damage;
-    try {
-        chain.open(reader_, address, use == StorageUse::attributes ? kReadWithAttributes : 0);
-        chain.walk(reader_);
-        requireBytes(chain);
-        if (use == StorageUse::attributes)
-            (void)read_attributes(reader_, address, name);
-        if (compares_ && entry.isKnown) {
-            const CanonicalChain found = read_canonical(reader_, address);
-            const bool isContent = use == StorageUse::content;
-            if (!found.isCanonical || found.sum != (isContent ? entry.contentSum : entry.attributesSum) ||
-                (isContent && found.size != entry.size))
-                throw ChainInFileExc(address);
-        }
-    } catch (const ChainInFileExc& e) {
-        damage = e.address();
-    }
+    attempt(address, damage, [&] { look(use, name, entry, chain); });
     show(use, name, address, chain, damage);
+}
+
+/// Walks the chain of a file, and reads what belongs to it; throws what is wrong with it.
+void ChainSurvey::look(StorageUse use, wstring_view name, const FileEntry& entry, BlockChain& chain) {
+    const bool isContent = use == StorageUse::content;
+    const std::uint64_t address = isContent ? entry.data : entry.attributes;
+    chain.open(reader_, address, isContent ? 0 : kReadWithAttributes);
+    chain.walk(reader_);
+    requireBytes(chain);
+    if (!isContent)
+        (void)read_attributes(reader_, address, name);
+    if (!compares_)
+        return;
+    const CanonicalChain found = read_canonical(reader_, address); // or what cannot be read shows
+    if (!entry.isKnown)
+        return;
+    if (!found.isCanonical || found.sum != (isContent ? entry.contentSum : entry.attributesSum) ||
+        (isContent && found.size != entry.size))
+        throw ChainInFileExc(address);
 }
 
 /// Throws when the file ends before the content does. Bytes that only fill a block up are not missed.

@@ -56,6 +56,9 @@ class ChainSurvey {
                 const ContainerHead& head, const BlockRuns& tableBlocks, const TreeSpace* trees);
     /// From now on contents and attributes are read and compared with what the table says of them.
     void compareContents() noexcept { compares_ = true; }
+    /// From now on nothing ends the walk: places that cannot be read are damage, and `damaged` is told of
+    /// nodes of the table. Who is about to write where no chain lies must not go on like that.
+    void goOn(DamagedNode damaged) { damagedNode_ = std::move(damaged); }
 
     /// Shows the table's chain (without its first block), the free ranges that are listed, as far as they are
     /// in order, the free chain, then the chains of all files. False when it gave up, because the chains are
@@ -69,6 +72,9 @@ class ChainSurvey {
     void requireBytes(const BlockChain& chain) const;
     void showSpace(const Visit& visit, const VisitFree& visitFree);
     void follow(StorageUse use, wstring_view name, const FileEntry& entry);
+    template <class Read>
+    void attempt(std::uint64_t address, std::optional<std::uint64_t>& damage, Read read) const;
+    void look(StorageUse use, wstring_view name, const FileEntry& entry, BlockChain& chain);
     void show(StorageUse use, wstring_view name, std::uint64_t address, const BlockChain& chain,
               std::optional<std::uint64_t> damage);
     [[nodiscard]] bool isEnough() const noexcept { return length_ / 4 > reader_.end(); }
@@ -81,6 +87,7 @@ class ChainSurvey {
     const BlockRuns& tableBlocks_;
     const TreeSpace* trees_;
     bool compares_ = false;
+    DamagedNode damagedNode_; // empty: what cannot be read is thrown
     const Visit* visit_ = nullptr;
     std::uint64_t length_ = 0; // of all blocks shown
     std::uint64_t files_ = 0;

@@ -90,14 +90,22 @@ void StorageEngine::throwDamaged(wstring_view name) const {
 // Reading and turns.
 
 StorageEngine::Reading::Reading(StorageEngine& engine) : engine_(engine), lock_(engine.mutex_) {
-    engine_.beginReading();
+    engine_.enterReading();
 }
 StorageEngine::Reading::~Reading() {
-    engine_.endReading();
+    engine_.leaveReading();
 }
 
 void StorageEngine::beginReading() {
     const std::lock_guard lock(mutex_);
+    enterReading();
+}
+void StorageEngine::endReading() noexcept {
+    const std::lock_guard lock(mutex_);
+    leaveReading();
+}
+
+void StorageEngine::enterReading() {
     if (readings_ == 0 && turns_ == 0) { // in our own turn nobody else changes anything
         lock_.beginReading();
         try {
@@ -111,8 +119,7 @@ void StorageEngine::beginReading() {
     ++readings_;
 }
 
-void StorageEngine::endReading() noexcept {
-    const std::lock_guard lock(mutex_);
+void StorageEngine::leaveReading() noexcept {
     if (--readings_ == 0 && std::exchange(readLocked_, false))
         lock_.endReading();
 }

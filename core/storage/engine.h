@@ -4,6 +4,7 @@
 #include "core/storage/block_chain.h"
 #include "core/storage/block_reader.h"
 #include "core/storage/chain_survey.h"
+#include "core/storage/compaction.h"
 #include "core/storage/container_head.h"
 #include "core/storage/container_lock.h"
 #include "core/storage/engine_mutex.h"
@@ -111,14 +112,17 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void begin();
     void commit();
     void rollback();
-    void compact();
+    CompactReport compact(const CompactOptions& options);
     [[nodiscard]] StorageCheck check();
     [[nodiscard]] StorageInfo info();
 
     // files
 
     [[nodiscard]] bool contains(wstring_view name);
-    [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern);
+    /// Without `damaged` a node of the table that is damaged is thrown.
+    [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern, const DamagedNode& damaged = {});
+    [[nodiscard]] std::vector<wstring> names(wstring_view pattern);
+    [[nodiscard]] std::uint64_t count();
     [[nodiscard]] StorageFound describe(wstring_view name);
     [[nodiscard]] std::vector<std::byte> get(wstring_view name);
     void put(wstring_view name, std::span<const std::byte> content);
@@ -127,6 +131,10 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     std::size_t removeAll(wstring_view pattern);
     void rename(wstring_view from, wstring_view to);
     void setTimes(wstring_view name, Date created, Date modified);
+    /// Moves a file from another container; false, with nothing changed, when it changed while it was copied.
+    /// Nobody can change it when `alone`.
+    [[nodiscard]] bool moveFrom(StorageEngine& source, wstring_view from, wstring_view to, bool alone);
+    void requireNoTransaction();
 
     // For open inner files; the caller holds a Reading or a Turn, and so the mutex.
 
@@ -189,9 +197,6 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void enlist(InnerFile& file) { files_.push_back(&file); }
     void dismiss(InnerFile& file) noexcept { std::erase(files_, &file); }
 
-    /// Nothing in table layout 1.
-    [[nodiscard]] std::optional<TreeSpace> treeSpace();
-
     [[noreturn]] void throwBadFormat() const;
     /// Says with the URL of an inner file what is damaged, or with the container's where it has no root.
     [[noreturn]] void throwDamaged(wstring_view name) const;
@@ -204,6 +209,8 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
 
   private:
     // engine.cpp
+    void enterReading();
+    void leaveReading() noexcept;
     void refresh();
     void load(const ContainerHead::Bytes& bytes);
     [[nodiscard]] bool loadFlat(const ContainerHead& head);
@@ -247,7 +254,19 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     // engine_trees.cpp
     void loadFreeTree();
     void trustSpace() noexcept;
-    [[nodiscard]] std::vector<std::pair<std::uint64_t, std::uint64_t>> freeRows();
+    [[nodiscard]] std::vector<std::pair<std::uint64_t, std::uint64_t>>
+    freeRows(const DamagedNode& damaged = {});
+    /// Calls `visit(const NodeRef&, StorageUse)` for all nodes of both trees; there are none in table
+    /// layout 1.
+    template <class Visit>
+    void forEachNode(const Visit& visit, const DamagedNode& damagedTable, const DamagedNode& damagedFree);
+    /// Nothing in table layout 1.
+    [[nodiscard]] std::optional<TreeSpace> treeSpace(const DamagedNode& damagedTable,
+                                                     const DamagedNode& damagedFree);
+    [[nodiscard]] std::vector<NodeRef> nodes();
+    [[nodiscard]] bool isAsWritten(const NodeRef& node);
+    /// Tells which nodes are not as they were written.
+    void compareNodes(const DamagedNode& damagedTable, const DamagedNode& damagedFree);
     void writeTrees(Next& next);
     void writeFreeTree(Next& next);
     [[nodiscard]] std::vector<TreeChange<FreeRows>> freeChanges(Next& next) const;
@@ -255,13 +274,13 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     [[nodiscard]] NodeRef writeNodes(TreePlan<Rows>& plan, NodeStore<Rows>& store, BlockRange area,
                                      std::uint64_t counter);
     void releaseNode(const NodeRef& ref);
-    void requireNodesAsWritten();
 
     // engine_check.cpp
     [[nodiscard]] StorageCheck checkPinned();
     [[nodiscard]] StorageInfo infoPinned();
 
     // engine_files.cpp
+    struct Version;
     [[nodiscard]] StorageFileInfo readInfo(const FileEntry& entry, wstring_view name);
     [[nodiscard]] StorageFound describe(const FileEntry& entry, wstring_view name);
     [[nodiscard]] std::uint64_t sizeOf(const FileEntry& entry);
@@ -287,15 +306,22 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void finishChange();
 
     // engine_compact.cpp
-    struct Compaction;
-    void convert();
-    [[nodiscard]] bool compactStep(int& nodeSteps);
-    [[nodiscard]] Compaction surveyChains();
-    void releaseLost(Compaction& all);
-    [[nodiscard]] bool moveSome(const Compaction& all);
-    [[nodiscard]] bool moveNodes();
-    /// Copies a chain to a place; its bytes are not looked at.
-    void copyChain(BlockChain& from, BlockRange to);
+    [[nodiscard]] bool compactOnce(Compaction& work);
+    void convert(Compaction& work);
+    [[nodiscard]] bool convertEntry(FileEntry& entry, wstring_view name);
+    [[nodiscard]] bool compactStep(Compaction& work);
+    void survey(Compaction& work);
+    [[nodiscard]] bool surveyChains(Compaction& work, const UsedSpace::Ranges& shared, UsedSpace& moving,
+                                    UsedSpace& all);
+    [[nodiscard]] bool findBlocks(const FileEntry& entry, wstring_view name, bool isContent,
+                                  BlockRuns& blocks);
+    void buildWalls(Compaction& work, const UsedSpace& moving, const UsedSpace& all, bool isComplete);
+    [[nodiscard]] bool moveSome(Compaction& work);
+    void moveOne(Compaction& work, Compaction::Chain& chain, std::uint64_t from);
+    [[nodiscard]] bool moveNodes(const Compaction& work);
+    /// Copies a chain to a place and returns the checksum of its content.
+    [[nodiscard]] std::uint64_t copyChain(BlockChain& from, BlockRange to);
+    [[nodiscard]] std::uint64_t moveChain(BlockChain& chain, std::uint64_t sum, std::uint64_t from);
     void moveContent(FileEntry& entry, std::uint64_t from);
     void moveAttributes(FileEntry& entry, wstring_view name, std::uint64_t from);
 

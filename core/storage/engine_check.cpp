@@ -8,6 +8,7 @@
 #include <core/storage/errors.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -169,10 +170,20 @@ StorageCheck StorageEngine::checkPinned() {
     ProblemList problems(result);
     UsedSpace space;
     space.add(0, layout_.emptyLength());
-    checked([&] { requireNodesAsWritten(); });
-    const auto trees = treeSpace();
+    std::set<std::uint64_t> damagedNodes; // each is met more than once
+    const auto noting = [&](Kind kind) {
+        return [&, kind](std::uint64_t address) {
+            if (damagedNodes.insert(address).second)
+                problems.add({.kind = kind, .address = address});
+        };
+    };
+    const DamagedNode inTable = noting(Kind::damagedTable);
+    const DamagedNode inFree = noting(Kind::damagedFreeChain);
+    compareNodes(inTable, inFree);
+    const auto trees = treeSpace(inTable, inFree);
     ChainSurvey survey(reader_, file_->length(), table_, head_, tableBlocks_, trees ? &*trees : nullptr);
     survey.compareContents();
+    survey.goOn(inTable);
     ++result.blocks; // the first one of the table
     const bool all = survey.walk(
         [&](const ChainSurvey::Chain& chain) {
@@ -201,10 +212,10 @@ StorageCheck StorageEngine::checkPinned() {
         };
         (void)survey.walk(visit, visitFree);
     }
-    if (all)
-        add_lost(problems, space.used(), table_.end());
-    else
+    if (!all)
         problems.add({.kind = Kind::tangled});
+    else if (damagedNodes.empty()) // else what they told of would seem lost
+        add_lost(problems, space.used(), table_.end());
     std::stable_sort(result.problems.begin(), result.problems.end(),
                      [](const auto& a, const auto& b) { return a.address < b.address; });
     return result;
@@ -232,8 +243,10 @@ StorageInfo StorageEngine::infoPinned() {
         else
             pieces.push_back({begin, end - begin, use});
     };
-    const auto trees = treeSpace();
+    const DamagedNode ignored = [](std::uint64_t) {};
+    const auto trees = treeSpace(ignored, ignored);
     ChainSurvey survey(reader_, result.fileLength, table_, head_, tableBlocks_, trees ? &*trees : nullptr);
+    survey.goOn(ignored);
     ++result.blocks; // the first one of the table
     const auto visit = [&](const ChainSurvey::Chain& chain) {
         result.blocks += chain.blocks.count();
@@ -261,6 +274,8 @@ wstring StorageProblem::text() const {
     const wstring pieces =
         places > 1 ? u" " + message_text("IDS_STCHECK_PIECES", {number(places)}) : wstring();
     switch (kind) {
+    case Kind::damagedTable:
+        return message_text("IDS_STCHECK_DAMAGEDTABLE", {number(address)});
     case Kind::damagedFreeChain:
         return message_text("IDS_STCHECK_DAMAGEDFREE", {number(address)});
     case Kind::damagedAttributes:

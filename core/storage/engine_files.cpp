@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/attributes.h"
+#include "core/storage/bad_place.h"
 #include "core/storage/engine.h"
 #include "core/storage/inner_reader.h"
 #include "core/storage/inner_writer.h"
@@ -25,6 +26,15 @@ constexpr std::size_t kPiece = std::size_t{256} << 10;
 
 std::uint64_t blocks_for(std::uint64_t size) {
     return (size + kStorageBlockSize - 1) / kStorageBlockSize;
+}
+
+void copy_content(InnerReader& from, InnerWriter& to) {
+    std::vector<std::byte> bytes;
+    for (std::uint64_t done = 0; done < from.length(); done += bytes.size()) {
+        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, from.length() - done)));
+        (void)from.readAt(done, bytes);
+        to.writeAt(done, bytes);
+    }
 }
 
 } // namespace
@@ -69,16 +79,31 @@ StorageEngine::Found StorageEngine::lookUp(wstring_view name) {
     return {entry, checked(name, [&] { return readInfo(entry, name); })};
 }
 
-std::vector<StorageFound> StorageEngine::find(wstring_view pattern) {
+std::vector<StorageFound> StorageEngine::find(wstring_view pattern, const DamagedNode& damaged) {
     const Reading reading(*this);
     std::vector<StorageFound> found;
-    checked([&] {
-        table_.forEach([&](wstring_view name, const FileEntry& entry) {
-            if (matches_wildcard(name, pattern))
-                found.push_back(describe(entry, name));
-        });
-    });
+    const auto visit = [&](wstring_view name, const FileEntry& entry) {
+        if (matches_wildcard(name, pattern))
+            found.push_back(describe(entry, name));
+    };
+    checked([&] { table_.forEach(visit, damaged); });
     return found;
+}
+
+std::vector<wstring> StorageEngine::names(wstring_view pattern) {
+    const Reading reading(*this);
+    std::vector<wstring> found;
+    const auto visit = [&](wstring_view name, const FileEntry&) {
+        if (matches_wildcard(name, pattern))
+            found.emplace_back(name);
+    };
+    checked([&] { table_.forEach(visit); });
+    return found;
+}
+
+std::uint64_t StorageEngine::count() {
+    const Reading reading(*this);
+    return table_.count();
 }
 
 StorageFound StorageEngine::describe(wstring_view name) {
@@ -89,17 +114,20 @@ StorageFound StorageEngine::describe(wstring_view name) {
 StorageFound StorageEngine::describe(const FileEntry& entry, wstring_view name) {
     StorageFound found{.name = wstring(name)};
     try {
-        const StorageFileInfo info = readInfo(entry, name);
+        const StorageFileInfo info = at_place(entry.attributes, [&] { return readInfo(entry, name); });
         found.created = info.created;
         found.modified = info.modified;
+        found.version = info.attribute;
     } catch (const ChainInFileExc&) {
         found.damaged = true;
     }
     try {
-        found.size = sizeOf(entry);
-        // Where the content begins is looked at in either layout of the table.
-        if (entry.isKnown && chain(entry.data, 0).size() != entry.size)
+        found.size = entry.size; // what the table says is known in any case
+        const std::uint64_t size = at_place(entry.data, [&] { return chain(entry.data, 0).size(); });
+        if (entry.isKnown && size != entry.size)
             found.damaged = true;
+        else
+            found.size = size;
     } catch (const ChainInFileExc&) {
         found.damaged = true;
     }
@@ -124,11 +152,14 @@ std::vector<std::byte> StorageEngine::get(wstring_view name) {
     {
         const Reading reading(*this);
         const FileEntry entry = existing(name);
-        const std::uint64_t size = checked(name, [&] { return sizeOf(entry); });
+        const auto readable = [&](auto call) {
+            return checked(name, [&] { return at_place(entry.data, call); });
+        };
+        const std::uint64_t size = readable([&] { return sizeOf(entry); });
         if (size > std::vector<std::byte>().max_size()) // on a 32-bit host
             throw_file_error(messages::kFileRead, urlOf(name), EFBIG);
         if (size <= kAtOnce)
-            return checked(name, [&] { return contentOf(entry); });
+            return readable([&] { return contentOf(entry); });
         large.emplace(shared_from_this(), name);
     }
     return large->content();
@@ -183,7 +214,7 @@ StorageFileInfo StorageEngine::newInfo(wstring_view name, const std::optional<Fi
 FileEntry StorageEngine::writeFile(const StorageFileInfo& info, std::span<const std::byte> content,
                                    std::vector<BlockRange>& ranges) {
     if (info.name.size() > StorageFilesType::kLongestName)
-        throw_storage_error(messages::kStorageLongName, url_);
+        throw_storage_error(messages::kStorageLongName, urlOf(info.name));
     const std::vector<std::byte> record = info.encode();
     const std::uint64_t recordBlocks = blocks_for(record.size());
     ranges = allocate(recordBlocks + blocks_for(content.size()));
@@ -249,13 +280,68 @@ void StorageEngine::copy(wstring_view from, wstring_view to) {
         throw StorageException(StorageException::Kind::isDestination, urlOf(from));
     InnerReader source(shared_from_this(), from);
     InnerWriter target(shared_from_this(), to, OpenMode::replace, false);
-    std::vector<std::byte> bytes;
-    for (std::uint64_t done = 0; done < source.length(); done += bytes.size()) {
-        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, source.length() - done)));
-        (void)source.readAt(done, bytes);
-        target.writeAt(done, bytes);
-    }
+    copy_content(source, target);
     target.close();
+}
+
+void StorageEngine::requireNoTransaction() {
+    const std::lock_guard lock(mutex_);
+    if (transaction_)
+        throw_storage_error(messages::kStorageTransaction, url_);
+}
+
+/// What tells the states of a file from each other, as long as the content of the one is pinned.
+struct StorageEngine::Version {
+    std::uint32_t number; // 0 where the attributes do not say it
+    std::uint64_t data;
+    friend bool operator==(const Version& a, const Version& b) noexcept {
+        return a.number == b.number && (a.number != 0 || a.data == b.data);
+    }
+};
+
+bool StorageEngine::moveFrom(StorageEngine& source, wstring_view from, wstring_view to, bool alone) {
+    std::unique_lock theirs(source.mutex_, std::defer_lock);
+    std::unique_lock ours(mutex_, std::defer_lock);
+    std::optional<Turn> turn;
+    const auto keepOthersOut = [&] {
+        std::lock(theirs, ours);
+        turn.emplace(source);
+    };
+    StorageFileInfo info;
+    const auto look = [&] {
+        const Reading reading(source);
+        source.refuseOpened(from);
+        const FileEntry entry = source.existing(from);
+        info = source.infoOrNone(entry, from);
+        return Version{info.attribute, entry.data};
+    };
+    if (alone)
+        keepOthersOut();
+    std::optional<InnerReader> content;
+    const Version copied = [&] {
+        const Reading reading(source);
+        content.emplace(source.shared_from_this(), from);
+        return look();
+    }();
+    InnerWriter target(shared_from_this(), to, OpenMode::replace, false);
+    copy_content(*content, target);
+    if (!alone)
+        keepOthersOut();
+    if (look() != copied) {
+        target.giveUp();
+        return false;
+    }
+    begin();
+    try {
+        target.close();
+        setTimes(to, info.created, info.modified);
+        commit();
+    } catch (...) {
+        rollback();
+        throw;
+    }
+    source.remove(from);
+    return true;
 }
 
 void StorageEngine::putContent(wstring_view name, std::span<const std::byte> content) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // How the engine reads and writes the trees of table layout 2.
+#include "core/storage/bad_place.h"
 #include "core/storage/engine.h"
 
 #include <core/storage/errors.h>
@@ -38,51 +39,79 @@ void StorageEngine::loadFreeTree() {
     trustSpace();
 }
 
-std::vector<std::pair<std::uint64_t, std::uint64_t>> StorageEngine::freeRows() {
+std::vector<std::pair<std::uint64_t, std::uint64_t>> StorageEngine::freeRows(const DamagedNode& damaged) {
     std::vector<std::pair<std::uint64_t, std::uint64_t>> rows;
-    const auto root = head_.freeRoot(layout_);
-    if (root)
-        for_each_in_tree<FreeRows>(
-            freeNodes_, freeNodes_.load(*root),
-            [&](std::uint64_t address, std::uint64_t length) { rows.emplace_back(address, length); });
+    const auto visit = [&](std::uint64_t address, std::uint64_t length) {
+        rows.emplace_back(address, length);
+    };
+    if (const auto ref = head_.freeRoot(layout_)) {
+        if (const auto root = sound_node(
+                *ref, [&] { return freeNodes_.load(*ref); }, damaged))
+            for_each_in_tree<FreeRows>(freeNodes_, root, visit, damaged);
+    }
     return rows;
 }
 
-std::optional<TreeSpace> StorageEngine::treeSpace() {
+template <class Visit>
+void StorageEngine::forEachNode(const Visit& visit, const DamagedNode& damagedTable,
+                                const DamagedNode& damagedFree) {
+    if (const auto ref = head_.filesRoot()) {
+        const auto visitNode = [&](const NodeRef& node) { visit(node, StorageUse::table); };
+        if (const auto root = sound_node(
+                *ref, [&] { return fileNodes_.load(*ref); }, damagedTable))
+            for_each_node<FileRows>(fileNodes_, *ref, root, visitNode, damagedTable);
+    }
+    if (const auto ref = head_.freeRoot(layout_)) {
+        const auto visitNode = [&](const NodeRef& node) { visit(node, StorageUse::freeChain); };
+        if (const auto root = sound_node(
+                *ref, [&] { return freeNodes_.load(*ref); }, damagedFree))
+            for_each_node<FreeRows>(freeNodes_, *ref, root, visitNode, damagedFree);
+    }
+}
+
+std::optional<TreeSpace> StorageEngine::treeSpace(const DamagedNode& damagedTable,
+                                                  const DamagedNode& damagedFree) {
     if (head_.tableLayout == TableLayout::flat)
         return std::nullopt;
     const BlockRuns none(layout_.blockHeaderSize());
-    TreeSpace space{none, none, freeRows()};
-    const auto addTo = [](BlockRuns& blocks) {
-        return [&blocks](const NodeRef& ref) { blocks.append(ref.address, kStorageBlockSize, ref.blocks()); };
+    TreeSpace space{none, none, freeRows(damagedFree)};
+    const auto visit = [&](const NodeRef& node, StorageUse use) {
+        (use == StorageUse::table ? space.fileNodes : space.freeNodes)
+            .append(node.address, kStorageBlockSize, node.blocks());
     };
-    if (const auto root = head_.filesRoot())
-        for_each_node<FileRows>(fileNodes_, *root, fileNodes_.load(*root), addTo(space.fileNodes));
-    if (const auto root = head_.freeRoot(layout_))
-        for_each_node<FreeRows>(freeNodes_, *root, freeNodes_.load(*root), addTo(space.freeNodes));
+    forEachNode(visit, damagedTable, damagedFree);
     return space;
 }
 
-/// Reads all nodes again, also those that are in memory, and compares every byte.
-void StorageEngine::requireNodesAsWritten() {
-    const auto compare = [&](bool isTable, const std::optional<NodeRef>& root) {
-        return [&, isTable, root](const NodeRef& ref) {
-            const std::vector<std::byte> content = read_together(reader_, ref.address, ref.size);
-            std::vector<std::byte> found(
-                static_cast<std::size_t>(ref.blocks() * layout_.blockLength(kStorageBlockSize)));
-            std::vector<std::byte> expected(found.size());
-            encode_blocks(expected.data(), layout_, {ref.address, ref.blocks()}, content,
-                          isTable && ref == *root ? 0 : ref.size, layout_.null);
-            if (!reader_.readAround(ref.address, found) || found != expected ||
-                load_number(content.data(), 8) != ref.sum ||
-                checksum(std::span(content).subspan(8)) != ref.sum)
-                throw ChainInFileExc(ref.address);
-        };
+std::vector<NodeRef> StorageEngine::nodes() {
+    std::vector<NodeRef> all;
+    forEachNode([&](const NodeRef& node, StorageUse) { all.push_back(node); }, {}, {});
+    return all;
+}
+
+/// Whether every byte of a node is as it was written. It is read again, also when it is in memory.
+bool StorageEngine::isAsWritten(const NodeRef& node) {
+    const std::vector<std::byte> content = read_together(reader_, node.address, node.size);
+    std::vector<std::byte> found(
+        static_cast<std::size_t>(node.blocks() * layout_.blockLength(kStorageBlockSize)));
+    std::vector<std::byte> expected(found.size());
+    const std::uint64_t chainSize = node == head_.filesRoot() ? 0 : node.size; // a part of the table's chain
+    encode_blocks(expected.data(), layout_, {node.address, node.blocks()}, content, chainSize, layout_.null);
+    return reader_.readAround(node.address, found) && found == expected &&
+           load_number(content.data(), 8) == node.sum && checksum(std::span(content).subspan(8)) == node.sum;
+}
+
+void StorageEngine::compareNodes(const DamagedNode& damagedTable, const DamagedNode& damagedFree) {
+    const auto compare = [&](const NodeRef& node, StorageUse use) {
+        bool isSound = false;
+        try {
+            isSound = at_place(node.address, [&] { return isAsWritten(node); });
+        } catch (const ChainInFileExc&) {
+        }
+        if (!isSound)
+            (use == StorageUse::table ? damagedTable : damagedFree)(node.address);
     };
-    if (const auto root = head_.filesRoot())
-        for_each_node<FileRows>(fileNodes_, *root, fileNodes_.load(*root), compare(true, root));
-    if (const auto root = head_.freeRoot(layout_))
-        for_each_node<FreeRows>(freeNodes_, *root, freeNodes_.load(*root), compare(false, root));
+    forEachNode(compare, damagedTable, damagedFree);
 }
 
 void StorageEngine::releaseNode(const NodeRef& ref) {

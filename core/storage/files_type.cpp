@@ -26,7 +26,7 @@ bool StorageFilesType::decode(std::span<const std::byte> content, bool sorted) {
 
 void StorageFilesType::set(wstring_view name, const StorageFileEntry& entry) {
     if (name.size() > kLongestName)
-        throw_storage_error(messages::kStorageLongName, {});
+        throw_storage_error(messages::kStorageLongName, wstring(name));
     table_->set(name, FileEntry{entry});
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/inner_reader.h"
 
+#include "core/storage/bad_place.h"
+
 #include <core/files/errors.h>
 
 #include <algorithm>
@@ -23,13 +25,14 @@ InnerReader::InnerReader(std::shared_ptr<StorageEngine> engine, wstring_view nam
     const StorageEngine::Reading reading(in);
     reader_.setEnd(in.reader().end());
     entry_ = in.existing(name);
-    in.checked(name, [&] {
+    const auto begin = [&] {
         if (entry_.isTogether() && entry_.data != in.layout().null)
             chain_.adoptTogether(reader_, entry_.data, entry_.size);
         else
             chain_.open(reader_, entry_.data, 0);
         keep(in.spaceOf(chain_, reader_));
-    });
+    };
+    in.checked(name, [&] { at_place(entry_.data, begin); });
     keepsAll_ = !chain_.isWalked();
     setUncommitted(in.isUncommitted(name));
     in.enlist(*this);
@@ -41,7 +44,8 @@ InnerReader::~InnerReader() {
 
 void InnerReader::fetch(std::uint64_t offset, std::span<std::byte> out) {
     requireNotLost();
-    engine().checked(name(), [&] { chain_.readAt(reader_, offset, out); });
+    const auto read = [&] { chain_.readAt(reader_, offset, out); };
+    engine().checked(name(), [&] { at_place(entry_.data, read); });
     if (entry_.isKnown && offset == summed_) { // read in order so far
         sum_.add(out);
         summed_ += out.size();

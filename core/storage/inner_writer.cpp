@@ -210,7 +210,6 @@ void InnerWriter::close() {
     giveUp();
 }
 
-/// Ends the use of the file; what is not published by now is gone.
 void InnerWriter::giveUp() noexcept {
     if (!std::exchange(open_, false))
         return;

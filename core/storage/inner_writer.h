@@ -30,6 +30,8 @@ class InnerWriter : public InnerFile {
     void flush() override;
     void close() override;
 
+    /// Ends the use of the file; what is not published by now is gone.
+    void giveUp() noexcept;
     [[nodiscard]] bool isWriter() const noexcept override { return true; }
     [[nodiscard]] bool isExclusive() const noexcept override { return exclusive_; }
 
@@ -47,7 +49,6 @@ class InnerWriter : public InnerFile {
     void goOnWith(bool goOn);
     [[nodiscard]] bool isBaseCurrent();
     void setBase();
-    void giveUp() noexcept;
 
     const int exceptions_ = std::uncaught_exceptions();
     const bool exclusive_;

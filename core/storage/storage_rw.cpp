@@ -3,7 +3,6 @@
 #include "core/storage/engine.h"
 
 #include <core/files/errors.h>
-#include <core/files/file_io.h>
 #include <core/files/url.h>
 #include <core/storage/errors.h>
 #include <core/storage/file_with_buffer.h>
@@ -68,8 +67,8 @@ void StorageRW::setRootURL(wstring root) {
 std::uint64_t StorageRW::changeCounter() const {
     return engine_->changeCounter();
 }
-void StorageRW::compact() {
-    engine_->compact();
+CompactReport StorageRW::compact(const CompactOptions& options) {
+    return engine_->compact(options);
 }
 StorageCheck StorageRW::check() const {
     return engine_->check();
@@ -100,6 +99,17 @@ bool StorageRW::contains(wstring_view name) const {
 std::vector<StorageFound> StorageRW::find(wstring_view pattern) const {
     return engine_->find(pattern);
 }
+std::vector<StorageFound> StorageRW::find(wstring_view pattern, std::vector<StorageProblem>& problems) const {
+    return engine_->find(pattern, [&](std::uint64_t address) {
+        problems.push_back({.kind = StorageProblem::Kind::damagedTable, .address = address});
+    });
+}
+std::vector<wstring> StorageRW::names(wstring_view pattern) const {
+    return engine_->names(pattern);
+}
+std::uint64_t StorageRW::count() const {
+    return engine_->count();
+}
 StorageFound StorageRW::describe(wstring_view name) const {
     return engine_->describe(name);
 }
@@ -128,19 +138,11 @@ void StorageRW::copy(wstring_view from, wstring_view to) {
 void StorageRW::moveFrom(StorageRW& source, wstring_view from, wstring_view to) {
     if (isSame(source))
         return source.rename(from, to);
-    StorageEngine& old = *source.engine_;
-    // Nobody may change the file between its copy and its removal: neither a thread nor a process.
-    const std::scoped_lock locks(old.mutex(), engine_->mutex());
-    const StorageEngine::Turn turn(old);
-    old.refuseOpened(from);
-    const StorageFound found = old.describe(from);
-    StorageTransaction transaction(*this);
-    const auto output = open(to, OpenMode::replace);
-    copy_bytes(*source.open(from, OpenMode::read), *output);
-    output->close();
-    engine_->setTimes(to, found.created, found.modified);
-    transaction.commit();
-    old.remove(from);
+    engine_->requireNoTransaction();
+    // It is copied while others use both containers. Where it changes meanwhile, it is copied again, and
+    // nobody gets in between.
+    if (!engine_->moveFrom(*source.engine_, from, to, false))
+        (void)engine_->moveFrom(*source.engine_, from, to, true);
 }
 void StorageRW::setTimes(wstring_view name, Date created, Date modified) {
     engine_->setTimes(name, created, modified);

@@ -287,6 +287,9 @@ TEST_F(Container, ShowsATreeAndWhatIsKnownOfAFile) {
                     "          10  b/\n           5    c/\n           5      z\n           5    x\n");
     EXPECT_EQ(run({"stat", file, "b/x", "none"}), ExitCode::no);
     EXPECT_NE(out_.find(file + "/b/x"), std::string::npos) << out_;
+    EXPECT_NE(out_.find("version"), std::string::npos) << out_;
+    EXPECT_EQ(run({"stat", file, "B/y", "--json"}), ExitCode::done);
+    EXPECT_NE(out_.find("\"version\": 2"), std::string::npos) << "the second change: " << out_;
     EXPECT_EQ(run({"verify", file}), ExitCode::done);
     EXPECT_NE(out_.find("files: 5"), std::string::npos) << out_;
     const std::string deep(40'000, '/');
@@ -397,6 +400,19 @@ TEST_F(Container, GoesOnWhereAFileIsDamaged) {
     EXPECT_EQ(run({"cat", path("saved.st"), "in/c"}), ExitCode::done);
     EXPECT_EQ(out_, read("in/c"));
     EXPECT_NE(run({"salvage", file, path("saved.st")}), ExitCode::done) << "never over another file";
+    const auto header = bytes.rfind("\r\n", content) - 5; // within the address in front of the content
+    bytes[header] = 'x';
+    write("c.st", bytes);
+    EXPECT_EQ(run({"ls", file}), ExitCode::done) << err_;
+    EXPECT_NE(out_.find("in/b  (damaged)\n"), std::string::npos) << out_;
+    EXPECT_EQ(out_.find("in/c  ("), std::string::npos) << out_;
+    EXPECT_EQ(run({"ls", file, "--lang", "ru"}), ExitCode::done) << err_;
+    EXPECT_NE(out_.find("in/b  (повреждён)\n"), std::string::npos) << out_;
+    EXPECT_EQ(run({"rm", file, "in/a"}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"compact", file}), ExitCode::no);
+    EXPECT_NE(err_.find("c.st/in/b"), std::string::npos) << err_;
+    EXPECT_EQ(run({"get", file, "in/c", "--to", path("packed")}), ExitCode::done) << err_;
+    EXPECT_EQ(read("packed/in/c"), read("in/c"));
     EXPECT_EQ(run({"rm", file, "in/b"}), ExitCode::done) << err_;
     EXPECT_EQ(run({"compact", file}), ExitCode::done) << err_;
     EXPECT_EQ(run({"check", file}), ExitCode::done) << out_;

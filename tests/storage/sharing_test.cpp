@@ -231,6 +231,37 @@ TEST_P(Sharing, AShortPutNeedNotWaitForALongWalk) {
     EXPECT_TRUE(other.check().isClean());
 }
 
+TEST_P(Sharing, AMoveLetsOthersInAndMovesWhatIsThereInTheEnd) {
+    for (const bool changes : {false, true}) {
+        ReplacedClock clock;
+        StorageRW other = open();
+        other.put(u"large", Bytes(3000000, std::byte{1}));
+        int reads = 0;
+        const auto meanwhile = [&] {
+            if (++reads == 12)
+                other.put(changes ? u"large" : u"small", Bytes(2000000, std::byte{2}));
+        };
+        StorageRW source(make_object<test::HookedFile>(file(), test::FileHooks{.read = meanwhile}), layout_);
+        const auto data = create_memory_data();
+        StorageRW::create(*open_memory_file(data), layout_);
+        StorageRW target(open_memory_file(data), layout_);
+        target.put(u"moved", Bytes(10));
+        reads = 0;
+        target.moveFrom(source, u"large", u"moved");
+        EXPECT_GT(reads, 12);
+        EXPECT_EQ(clock.sleeps, 0);
+        EXPECT_EQ(target.get(u"moved"),
+                  changes ? Bytes(2000000, std::byte{2}) : Bytes(3000000, std::byte{1}));
+        EXPECT_FALSE(other.contains(u"large"));
+        EXPECT_TRUE(other.check().isClean());
+        EXPECT_TRUE(target.check().isClean());
+        EXPECT_EQ(target.info().fileLength, target.info().end) << "what was begun is given back";
+        target.begin();
+        EXPECT_NE(message_of([&] { target.moveFrom(other, u"small", u"x"); }), u"");
+        target.rollback();
+    }
+}
+
 TEST_P(Sharing, TwoWritersOfAFileLoseNoChangeUnnoticed) {
     StorageRW a = open();
     StorageRW b = open();

@@ -3,6 +3,9 @@
 #include "tests/support/fault_file.h"
 #include "tests/support/storage_fixture.h"
 
+#include <core/runtime/threads/errors.h>
+
+#include <algorithm>
 #include <numeric>
 
 namespace core {
@@ -90,6 +93,49 @@ TEST_P(Sizes, CompactingNeedsRoomForOneStep) {
         }
         disk_.capacity = FaultDisk::kNever;
     }
+}
+
+TEST_P(Sizes, CompactingTellsHowFarItIsAndCanBeStopped) {
+    fill(100, 100000);
+    StorageRW storage = open();
+    for (std::size_t i = 0; i < 100; i += 2)
+        storage.remove(name_of(i));
+    const Model model = test::contents(storage);
+    StopSource stop;
+    CompactOptions options;
+    options.stop = stop.token();
+    std::uint64_t before = 0;
+    int steps = 0;
+    options.progress = [&](std::uint64_t done, std::uint64_t total) {
+        EXPECT_LE(before, done);
+        EXPECT_LE(done, total);
+        before = done;
+        if (++steps == 3)
+            stop.request();
+        EXPECT_EQ(open().count(), 50U) << "others are let in";
+    };
+    EXPECT_THROW(storage.compact(options), ThreadDeath);
+    EXPECT_EQ(steps, 3);
+    EXPECT_EQ(test::contents(storage), model);
+    EXPECT_TRUE(storage.check().isClean());
+    options.stop = {};
+    EXPECT_TRUE(storage.compact(options).damaged.empty());
+    EXPECT_GT(steps, 5);
+    EXPECT_EQ(test::contents(storage), model);
+    EXPECT_EQ(storage.info().freeBytes, 0U);
+}
+
+TEST_P(Sizes, NamesAreHadWithoutReadingFiles) {
+    fill(2000, 600);
+    const StorageRW storage = open();
+    const std::uint64_t before = disk_.calls;
+    EXPECT_EQ(storage.count(), 2000U);
+    const std::vector<wstring> names = storage.names(u"*1000?7");
+    EXPECT_LT(disk_.calls - before, 100U);
+    const auto found = storage.find(u"*1000?7");
+    EXPECT_EQ(names.size(), 10U);
+    EXPECT_TRUE(std::equal(names.begin(), names.end(), found.begin(), found.end(),
+                           [](const auto& name, const auto& file) { return name == file.name; }));
 }
 
 TEST_P(Sizes, EveryBitInUseIsWatched) {

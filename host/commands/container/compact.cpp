@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
-#include "host/commands/container/counted_file.h"
+#include "host/terminal/interrupts.h"
+#include "host/terminal/progress.h"
 #include "host/terminal/text_columns.h"
 
 #include <core/runtime/exception.h>
 #include <core/strings/integer_text.h>
 
 #include <algorithm>
+#include <optional>
 #include <ostream>
 
 namespace host::container {
@@ -15,21 +17,29 @@ namespace host::container {
 using namespace core;
 
 ExitCode compact(const Options& options, Console& console) {
-    Watched container(options, OpenMode::readWrite, console, "compact", 0);
-    StorageRW& storage = container.storage();
-    const StorageCheck found = storage.check();
-    const bool isSound = std::all_of(found.problems.begin(), found.problems.end(), [](const auto& problem) {
-        return problem.kind == StorageProblem::Kind::lost; // which compacting gives back
-    });
-    if (!isSound) // moving what is damaged would hide it
-        return fail(console, message_text("IDS_HOST_CONTAINER_DAMAGED"), ExitCode::malformed);
+    StorageRW storage = open(options, OpenMode::readWrite);
     const std::uint64_t before = storage.info().fileLength;
-    storage.compact();
-    container.finish();
+    CompactReport report;
+    {
+        const Interrupts interrupts;
+        std::optional<Progress> progress;
+        std::uint64_t told = 0;
+        CompactOptions how;
+        how.progress = [&](std::uint64_t done, std::uint64_t total) {
+            interrupts.check();
+            if (!progress)
+                progress.emplace(console, "compact", total);
+            progress->add(done - std::min(done, told));
+            told = std::max(told, done);
+        };
+        report = storage.compact(how);
+    }
     console.out << message("IDS_HOST_CONTAINER_COMPACTED",
                            {string_intto(before), string_intto(storage.info().fileLength)})
                 << '\n';
-    return ExitCode::done;
+    for (const wstring& name : report.damaged)
+        fail(console, message_text("IDS_HOST_INNER_FILE_LEFT", {storage.rootURL() + name}), ExitCode::no);
+    return report.damaged.empty() ? ExitCode::done : ExitCode::no;
 }
 
 } // namespace host::container

@@ -30,12 +30,15 @@ struct Options {
 [[nodiscard]] core::StorageRW open(const Options& options, const std::string& file, core::OpenMode mode);
 
 /// The inner files that the names and patterns of the command line mean, by name. One that means none is
-/// told on the console and counted.
+/// told on the console and counted, and so is a part of the table that is damaged.
 struct Selection {
     std::vector<core::StorageFound> files;
     std::size_t missing = 0;
 };
 [[nodiscard]] Selection select(const core::StorageRW& storage, const Options& options, Console& console);
+/// The same; all inner files, in the order of the table, where the command line names none.
+[[nodiscard]] Selection select_or_all(const core::StorageRW& storage, const Options& options,
+                                      Console& console);
 
 /// Tells of a change that is only tried: a message with the names that it concerns.
 void tell(Console& console, const char* id, std::initializer_list<core::wstring> names);

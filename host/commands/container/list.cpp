@@ -17,8 +17,8 @@ using namespace core;
 
 ExitCode list(const Options& options, Console& console) {
     const StorageRW storage = open(options, OpenMode::read);
-    const std::vector<StorageFound> files =
-        options.names.empty() ? storage.find() : select(storage, options, console).files;
+    const Selection selection = select_or_all(storage, options, console);
+    const std::vector<StorageFound>& files = selection.files;
     if (console.json) {
         auto all = nlohmann::ordered_json::array();
         for (const StorageFound& file : files) {
@@ -39,7 +39,7 @@ ExitCode list(const Options& options, Console& console) {
             console.out << '\n';
         }
     }
-    return options.names.empty() || !files.empty() ? ExitCode::done : ExitCode::no;
+    return selection.missing == 0 ? ExitCode::done : ExitCode::no;
 }
 
 } // namespace host::container

@@ -40,6 +40,7 @@ ExitCode stat(const Options& options, Console& console) {
                            {"size", file.size},
                            {"created", to_utf8(file.created.toXMLString())},
                            {"modified", to_utf8(file.modified.toXMLString())},
+                           {"version", file.version},
                            {"damaged", file.damaged}});
             continue;
         }
@@ -49,6 +50,8 @@ ExitCode stat(const Options& options, Console& console) {
         columns.add({message("IDS_HOST_FILE_SIZE"), std::to_string(file.size)});
         columns.add({message("IDS_HOST_FILE_CREATED"), time_text(file.created)});
         columns.add({message("IDS_HOST_FILE_MODIFIED"), time_text(file.modified)});
+        columns.add(
+            {message("IDS_HOST_FILE_VERSION"), file.version == 0 ? "-" : std::to_string(file.version)});
         columns.write(console.out);
         if (file.damaged)
             fail(console, message_text("IDS_HOST_FILE_DAMAGED", {url}), ExitCode::no);

@@ -77,9 +77,8 @@ std::vector<Line> lines_of(const std::vector<std::pair<Parts, std::uint64_t>>& f
 ExitCode tree(const Options& options, Console& console) {
     constexpr std::size_t kDeepest = 40; // deeper lines stand no further to the right
     const StorageRW storage = open(options, OpenMode::read);
-    const std::vector<StorageFound> files =
-        options.names.empty() ? storage.find() : select(storage, options, console).files;
-    const auto sorted = sorted_by_parts(files);
+    const Selection selection = select_or_all(storage, options, console);
+    const auto sorted = sorted_by_parts(selection.files);
     auto all = nlohmann::ordered_json::array();
     for (const Line& line : lines_of(sorted)) {
         if (console.json) {
@@ -95,7 +94,7 @@ ExitCode tree(const Options& options, Console& console) {
     }
     if (console.json)
         console.out << all.dump(2) << '\n';
-    return options.names.empty() || !files.empty() ? ExitCode::done : ExitCode::no;
+    return selection.missing == 0 ? ExitCode::done : ExitCode::no;
 }
 
 } // namespace host::container

@@ -37,10 +37,11 @@ bool begins_well(StorageRW& storage, const StorageFound& file) {
 /// Looks at what it takes to find a file and to begin reading it, and not at every block.
 ExitCode verify(const Options& options, Console& console) {
     StorageRW storage = open(options, OpenMode::read);
+    const Selection all = select_or_all(storage, options, console);
     std::uint64_t files = 0;
     std::uint64_t bytes = 0;
-    std::uint64_t damaged = 0;
-    for (const StorageFound& file : storage.find()) {
+    std::uint64_t damaged = all.missing;
+    for (const StorageFound& file : all.files) {
         ++files;
         bytes += file.size;
         if (begins_well(storage, file))

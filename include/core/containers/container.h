@@ -78,7 +78,11 @@ class CORE_API Container {
         return storage_.find(pattern);
     }
     /// Returns the names of files().
-    [[nodiscard]] std::vector<wstring> names(wstring_view pattern = u"*") const;
+    [[nodiscard]] std::vector<wstring> names(wstring_view pattern = u"*") const {
+        return storage_.names(pattern);
+    }
+    /// Returns the number of inner files.
+    [[nodiscard]] std::uint64_t count() const { return storage_.count(); }
     /// Returns whether there is an inner file of this name.
     [[nodiscard]] bool contains(wstring_view name) const { return storage_.contains(name); }
     /// Returns what files() returns of this one. Throws if none exists.

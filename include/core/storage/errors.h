@@ -33,7 +33,7 @@ inline constexpr const char* kStorageFailed = "IDS_STERROR_FAILED";
 inline constexpr const char* kStorageFileNotFound = "IDS_STERROR_FILENOTFOUND";
 /// The source of a copy or a move is also its destination.
 inline constexpr const char* kStorageIsDestination = "IDS_STERROR_ISDESTINATION";
-/// A name of an inner file is too long.
+/// A name of an inner file is too long; {0} is the URL of that file, or its name where it has none.
 inline constexpr const char* kStorageLongName = "IDS_STERROR_LONGNAME";
 /// What was written to an inner file was given up.
 inline constexpr const char* kStorageLost = "IDS_STERROR_LOST";

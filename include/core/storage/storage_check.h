@@ -29,6 +29,7 @@ struct StorageProblem {
         overlap = 4,           ///< Two have bytes in common: two chains, or a chain and free space.
         lost = 5,              ///< Bytes are neither in use nor free: one problem, however many they are.
         tangled = 6,           ///< So many chains share blocks that not all of them were walked.
+        damagedTable = 7,      ///< A part of the table of inner files cannot be read, nor the files in it.
     };
     Kind kind;                 ///< What is wrong.
     std::uint64_t address = 0; ///< The offset in the file at which it shows.

@@ -4,6 +4,7 @@
 #include <core/dates/date.h>
 #include <core/files/file.h>
 #include <core/runtime/api.h>
+#include <core/storage/compact.h>
 #include <core/storage/layout.h>
 #include <core/storage/storage_check.h>
 
@@ -31,6 +32,8 @@ struct StorageFound {
     std::uint64_t size = 0; ///< Bytes of content; 0 when they are not known.
     Date created{};         ///< Universal time; empty when it is not known.
     Date modified{};        ///< Universal time; empty when it is not known.
+    /// The version of the file, StorageFileInfo::attribute; 0 when it is not known.
+    std::uint32_t version = 0;
     /// Whether the attributes or the beginning of the content cannot be read. Damage further on is found by
     /// reading the content, or by StorageRW::check().
     bool damaged = false;
@@ -85,10 +88,12 @@ class CORE_API StorageRW {
     /// Returns the change counter: how many commits the container has seen, those of other processes
     /// included.
     [[nodiscard]] std::uint64_t changeCounter() const;
-    /// Rewrites all inner files side by side at the start of the file, which becomes as small as it can be.
-    /// Needs room for them a second time meanwhile, and leaves out space that somebody still reads. Does
-    /// nothing where nothing is free. Throws in the middle of a transaction.
-    void compact();
+    /// Moves all inner files side by side to the start of the file, which becomes as small as it can be. It
+    /// goes in steps, each of them a commit after which others have their turn, and needs room for one step
+    /// or the largest inner file. Files that are damaged stay where they are, and what it took to find them;
+    /// space that somebody still reads stays, too. Throws in the middle of a transaction, and ThreadDeath on
+    /// a stop.
+    CompactReport compact(const CompactOptions& options = {});
     /// Walks every chain and returns everything that is wrong. Damage that it finds is not thrown, only what
     /// prevents the container from being read at all. Throws in the middle of a transaction that has changed
     /// something. Takes time in proportion to the file, and 16 bytes of memory for each piece of it that is
@@ -118,6 +123,14 @@ class CORE_API StorageRW {
     [[nodiscard]] bool contains(wstring_view name) const;
     /// Returns the files whose names match `pattern` ("*", "?"), in the order of the table.
     [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern = u"*") const;
+    /// Returns the same of a container whose table may be damaged in part: appends a problem for each part of
+    /// the table that cannot be read, and goes on with the other files.
+    [[nodiscard]] std::vector<StorageFound> find(wstring_view pattern,
+                                                 std::vector<StorageProblem>& problems) const;
+    /// Returns the names that match `pattern`, in the order of the table. No inner file is read for it.
+    [[nodiscard]] std::vector<wstring> names(wstring_view pattern = u"*") const;
+    /// Returns the number of inner files. Nothing is read for it besides the state of the container.
+    [[nodiscard]] std::uint64_t count() const;
     /// Returns what a search would find of this one file, also of a damaged one. Throws if none exists.
     [[nodiscard]] StorageFound describe(wstring_view name) const;
     /// Opens an inner file: a FileWithBuffer for OpenMode::read, a FileWithBuffer2 for the other modes. Their
@@ -141,9 +154,10 @@ class CORE_API StorageRW {
     /// Makes `to` a copy of `from`, with new times, or replaces it by one. Throws as rename() does, but
     /// `from` may be open for writing.
     void copy(wstring_view from, wstring_view to);
-    /// Moves a file of another container into this one, with its times. Nobody else can change it meanwhile.
-    /// A crash may leave it in both containers, never in none. Throws as rename() does, and in the middle of
-    /// a transaction of this container.
+    /// Moves a file of another container into this one, with its times. Others can use both containers
+    /// meanwhile; a file that they change while it is copied is copied again, now without letting them in. A
+    /// crash may leave it in both containers, never in none. Throws as rename() does, and in the middle of a
+    /// transaction of this container.
     void moveFrom(StorageRW& source, wstring_view from, wstring_view to);
     /// Sets the times of a file, in universal time. Throws if no file has that name or it is open for
     /// writing.
