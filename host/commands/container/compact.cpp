@@ -5,6 +5,7 @@
 #include "host/terminal/progress.h"
 #include "host/terminal/text_columns.h"
 
+#include <core/files/url.h>
 #include <core/runtime/exception.h>
 #include <core/strings/integer_text.h>
 
@@ -38,7 +39,8 @@ ExitCode compact(const Options& options, Console& console) {
                            {string_intto(before), string_intto(storage.info().fileLength)})
                 << '\n';
     for (const wstring& name : report.damaged)
-        fail(console, message_text("IDS_HOST_INNER_FILE_LEFT", {storage.rootURL() + name}), ExitCode::no);
+        fail(console, message_text("IDS_HOST_INNER_FILE_LEFT", {shown_url(storage.rootURL() + name)}),
+             ExitCode::no);
     return report.damaged.empty() ? ExitCode::done : ExitCode::no;
 }
 
