@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/lists/compact_reader.h"
 #include "core/lists/list_run.h"
 #include "core/lists/malformed.h"
 #include "core/lists/token_read.h"
 #include "core/streams/unit_source.h"
+#include "core/strings/base64.h"
 
 #include <core/lists/list_in_stream.h>
 #include <core/strings/compare.h>
@@ -23,7 +25,7 @@ void require(bool read) {
 
 } // namespace
 
-ListInStream::ListInStream(wistream& in) : in_(in) {
+ListInStream::ListInStream(wistream& in) : in_(&in) {
     const UnitSource source(in);
     buffer_ = source.buffer();
     runs_ = source.runs();
@@ -34,6 +36,8 @@ UnitSource ListInStream::source() const noexcept {
 }
 
 void ListInStream::skipGap() {
+    if (compact_ != nullptr)
+        return;
     UnitSource units = source();
     if (commaExpected_) {
         units.skipSpaces();
@@ -55,6 +59,8 @@ void ListInStream::getToken(InRun inRun, Read read) {
 }
 
 void ListInStream::getBeginOfList() {
+    if (compact_ != nullptr)
+        return compact_->expect(CompactToken::begin);
     if (ListRun::read(*this, true,
                       [](const wchar* at, const wchar* end) { return run_unit(at, end, u'{'); })) {
         commaExpected_ = false;
@@ -65,6 +71,8 @@ void ListInStream::getBeginOfList() {
 }
 
 void ListInStream::getEndOfList() {
+    if (compact_ != nullptr)
+        return compact_->expect(CompactToken::end);
     if (!ListRun::read(*this, false,
                        [](const wchar* at, const wchar* end) { return run_unit(at, end, u'}'); })) {
         UnitSource units = source();
@@ -75,6 +83,8 @@ void ListInStream::getEndOfList() {
 }
 
 bool ListInStream::getComma() {
+    if (compact_ != nullptr)
+        return compact_->hasMore();
     UnitSource units = source();
     units.skipSpaces();
     if (!units.skipIf(u','))
@@ -101,6 +111,8 @@ void ListInStream::skipBare() {
 }
 
 void ListInStream::skipListContent() {
+    if (compact_ != nullptr)
+        return compact_->skipContent();
     UnitSource units = source();
     std::uint64_t depth = 0; // of lists begun here
     for (;;) {
@@ -127,11 +139,17 @@ void ListInStream::skipListContent() {
 }
 
 void ListInStream::get(bool& value) {
+    if (compact_ != nullptr) {
+        value = compact_->getBoolean();
+        return;
+    }
     getToken([&](const wchar* at, const wchar* end) { return run_boolean(at, end, value); },
              [&](UnitSource& from) { return read_boolean(from, value); });
 }
 
 std::uint64_t ListInStream::getInteger(bool withSign) {
+    if (compact_ != nullptr)
+        return compact_->getInteger(withSign);
     std::uint64_t value = 0;
     getToken([&](const wchar* at, const wchar* end) { return run_integer(at, end, withSign, value); },
              [&](UnitSource& from) { return read_integer(from, withSign, value); });
@@ -139,17 +157,29 @@ std::uint64_t ListInStream::getInteger(bool withSign) {
 }
 
 void ListInStream::get(float& value) {
+    if (compact_ != nullptr) {
+        value = static_cast<float>(compact_->getReal());
+        return;
+    }
     skipGap();
-    require(from_stream(in_, value));
+    require(from_stream(*in_, value));
     commaExpected_ = true;
 }
 
 void ListInStream::get(double& value) {
+    if (compact_ != nullptr) {
+        value = compact_->getReal();
+        return;
+    }
     getToken([&](const wchar* at, const wchar* end) { return run_double(at, end, value); },
              [&](UnitSource& from) { return read_double(from, value); });
 }
 
 void ListInStream::get(GUID& id) {
+    if (compact_ != nullptr) {
+        id = compact_->getId();
+        return;
+    }
     skipGap();
     UnitSource units = source();
     require(read_guid(units, id));
@@ -157,16 +187,28 @@ void ListInStream::get(GUID& id) {
 }
 
 void ListInStream::get(Numeric& number) {
+    if (compact_ != nullptr) {
+        number = compact_->getNumber();
+        return;
+    }
     getToken([&](const wchar* at, const wchar* end) { return run_numeric(at, end, number); },
-             [&](UnitSource&) { return number.fromStream(in_); });
+             [&](UnitSource&) { return number.fromStream(*in_); });
 }
 
 void ListInStream::get(Date& date) {
+    if (compact_ != nullptr) {
+        date = compact_->getDate();
+        return;
+    }
     getToken([&](const wchar* at, const wchar* end) { return run_date(at, end, date); },
-             [&](UnitSource&) { return date.fromStream(in_); });
+             [&](UnitSource&) { return date.fromStream(*in_); });
 }
 
 void ListInStream::get(wstring& text) {
+    if (compact_ != nullptr) {
+        text = compact_->getText();
+        return;
+    }
     getToken(
         [&](const wchar* at, const wchar* end) {
             wstring_view read;
@@ -177,7 +219,25 @@ void ListInStream::get(wstring& text) {
         [&](UnitSource& from) { return read_string(from, text); });
 }
 
+void ListInStream::get(std::vector<std::byte>& bytes) {
+    if (compact_ != nullptr) {
+        bytes = compact_->getBytes();
+        return;
+    }
+    wstring text;
+    get(text);
+    auto read = base64_decode(text);
+    require(read.has_value());
+    bytes = std::move(*read);
+}
+
 void ListInStream::get(wchar* buffer, std::uint32_t size) {
+    if (compact_ != nullptr) {
+        const wstring_view text = compact_->getText();
+        require(text.size() < size);
+        *std::copy(text.begin(), text.end(), buffer) = u'\0';
+        return;
+    }
     getToken(
         [&](const wchar* at, const wchar* end) -> const wchar* {
             wstring_view read;

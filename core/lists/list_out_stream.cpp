@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/lists/compact_writer.h"
+#include "core/lists/malformed.h"
 #include "core/lists/token_write.h"
 #include "core/lists/unit_scan.h"
+#include "core/strings/base64.h"
 
 #include <core/lists/list_out_stream.h>
 
@@ -11,10 +14,10 @@ namespace core {
 
 using namespace detail;
 
-ListOutStream::ListOutStream(wostream& out) : out_(out), runs_(dynamic_cast<TextBuffer*>(out.rdbuf())) {}
+ListOutStream::ListOutStream(wostream& out) : out_(&out), runs_(dynamic_cast<TextBuffer*>(out.rdbuf())) {}
 
 UnitSink ListOutStream::sink() const noexcept {
-    return {out_, runs_};
+    return {*out_, runs_};
 }
 
 void ListOutStream::putComma() {
@@ -24,6 +27,8 @@ void ListOutStream::putComma() {
 }
 
 void ListOutStream::putBeginOfList() {
+    if (compact_ != nullptr)
+        return compact_->putToken(CompactToken::begin);
     sink().format<3>([this](wchar* at) {
         if (commaPending_)
             *at++ = u',';
@@ -38,6 +43,8 @@ void ListOutStream::putBeginOfList() {
 }
 
 void ListOutStream::putEndOfList() {
+    if (compact_ != nullptr)
+        return compact_->putToken(CompactToken::end);
     sink().format<2>([this](wchar* at) {
         if (justClosed_)
             *at++ = u'\n';
@@ -60,26 +67,42 @@ void ListOutStream::putToken(Format format) {
     endToken();
 }
 
+void ListOutStream::putBoolean(bool value) {
+    if (compact_ != nullptr)
+        return compact_->putBoolean(value);
+    putInteger(false, value ? 1 : 0);
+}
+
 void ListOutStream::putInteger(bool negative, std::uint64_t magnitude) {
+    if (compact_ != nullptr)
+        return compact_->putInteger(negative, magnitude);
     putToken<kIntegerUnits>([&](wchar* at) { return format_integer(at, negative, magnitude); });
 }
 
 void ListOutStream::putDouble(double value) {
+    if (compact_ != nullptr)
+        return compact_->putReal(value);
     if (!std::isfinite(value))
-        out_.setstate(std::ios_base::failbit);
+        out_->setstate(std::ios_base::failbit);
     else
         putToken<kDoubleUnits>([&](wchar* at) { return format_double(at, value); });
 }
 
 void ListOutStream::put(const GUID& id) {
+    if (compact_ != nullptr)
+        return compact_->putId(id);
     putToken<kGuidTextLength>([&](wchar* at) { return to_string(id, at); });
 }
 
 void ListOutStream::put(const Date& date) {
+    if (compact_ != nullptr)
+        return compact_->putDate(date);
     putToken<Date::kTextLength>([&](wchar* at) { return format_date(at, date); });
 }
 
 void ListOutStream::put(const Numeric& number) {
+    if (compact_ != nullptr)
+        return compact_->putNumber(number);
     const bool written = sink().formatInPlace(kNumericUnits + 1, [&](wchar* at) {
         if (commaPending_)
             *at++ = u',';
@@ -94,6 +117,8 @@ void ListOutStream::put(const Numeric& number) {
 }
 
 void ListOutStream::put(wstring_view text) {
+    if (compact_ != nullptr)
+        return compact_->putText(text);
     const bool written = sink().formatInPlace(text.size() + 3, [&](wchar* at) -> wchar* {
         if (commaPending_)
             *at++ = u',';
@@ -110,7 +135,15 @@ void ListOutStream::put(wstring_view text) {
     endToken();
 }
 
+void ListOutStream::putBytes(std::span<const std::byte> bytes) {
+    if (compact_ != nullptr)
+        return compact_->putBytes(bytes);
+    put(base64_encode(bytes));
+}
+
 void ListOutStream::putBare(wstring_view token) {
+    if (compact_ != nullptr)
+        throw_malformed();
     putComma();
     sink().write(token);
     endToken();

@@ -15,6 +15,11 @@ namespace core::detail {
 /// holds no list. Where the units at hand or the room do not suffice nothing happens, and the answer is
 /// false: the caller goes token by token then.
 struct ListRun {
+    /// Returns what writes the compact form, or null in text.
+    [[nodiscard]] static CompactWriter* compact(const ListOutStream& out) noexcept { return out.compact_; }
+    /// Returns what reads the compact form, or null in text.
+    [[nodiscard]] static CompactReader* compact(const ListInStream& in) noexcept { return in.compact_; }
+
     /// `read` is given the units at hand, behind the gap if there is to be one, and returns the end of what
     /// it read, or null.
     template <class Read>

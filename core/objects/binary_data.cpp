@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/lists/malformed.h"
-#include "core/objects/base64.h"
 #include "core/strings/table_hash.h"
 
 #include <core/context/arguments.h>
@@ -50,17 +48,8 @@ class BinaryData : public ScriptObject<BinaryData, IBinaryData, IPersistableObje
     std::span<const std::byte> bytes() const noexcept override { return bytes_; }
 
     // IPersistableObject
-    void serialize(IOutPersistenceStorage* storage) const override {
-        storage->listStream().put(base64_encode(bytes_));
-    }
-    void deserialize(IInPersistenceStorage* storage) override {
-        wstring text;
-        storage->listStream().get(text);
-        auto bytes = base64_decode(text);
-        if (!bytes)
-            throw_malformed();
-        bytes_ = std::move(*bytes);
-    }
+    void serialize(IOutPersistenceStorage* storage) const override { storage->listStream().putBytes(bytes_); }
+    void deserialize(IInPersistenceStorage* storage) override { storage->listStream().get(bytes_); }
 
   private:
     std::vector<std::byte> bytes_;

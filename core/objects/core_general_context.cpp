@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/temp_folder.h"
-#include "core/objects/base64.h"
+#include "core/strings/base64.h"
 
 #include <core/context/arguments.h>
 #include <core/context/context_def_ext.h>

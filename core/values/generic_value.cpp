@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/lists/malformed.h"
+#include "core/values/compact_value.h"
 #include "core/values/value_run.h"
 
 #include <core/lists/list_in_stream.h>
@@ -9,7 +10,7 @@
 #include <core/runtime/utf8.h>
 #include <core/streams/memory_stream.h>
 #include <core/values/errors.h>
-#include <core/values/generic_value.h>
+#include <core/values/value_file.h>
 
 #include <ostream>
 
@@ -84,6 +85,13 @@ GenericValue get_payload_of(wchar tag, IInPersistenceStorage* storage) {
 void serialize_value(IOutPersistenceStorage* storage, const Value& value) {
     const Nesting::Level level(storage->nesting());
     ListOutStream& out = storage->listStream();
+    if (detail::CompactWriter* const compact = detail::ListRun::compact(out)) {
+        if (!detail::put_compact(*compact, value)) {
+            compact->putToken(detail::CompactToken::object);
+            serialize_object(storage, value);
+        }
+        return;
+    }
     if (detail::put_in_run(out, value, tag_of(value.kind())))
         return;
     out.putBeginOfList();
@@ -121,6 +129,12 @@ GenericValue GenericValue::deserialize(IInPersistenceStorage* storage) {
     const Nesting::Level level(storage->nesting());
     ListInStream& in = storage->listStream();
     GenericValue value;
+    if (detail::CompactReader* const compact = detail::ListRun::compact(in)) {
+        if (detail::get_compact(*compact, value))
+            return value;
+        compact->expect(detail::CompactToken::object);
+        return deserialize_object(storage);
+    }
     if (detail::get_in_run(in, value))
         return value;
     in.getBeginOfList();
@@ -151,6 +165,36 @@ GenericValue GenericValue::fromString(wstring_view text) {
     skip_spaces(memory);
     if (memory.peek() != MemoryInStream::traits_type::eof())
         throw_malformed();
+    return value;
+}
+
+std::vector<std::byte> GenericValue::toBytes() const {
+    std::vector<std::byte> bytes;
+    StreamOutStorage storage(StoredForm::compact, [&bytes](std::span<const std::byte> part) {
+        bytes.insert(bytes.end(), part.begin(), part.end());
+    });
+    serialize(&storage);
+    storage.finish();
+    return bytes;
+}
+
+GenericValue GenericValue::fromBytes(std::span<const std::byte> bytes) {
+    StreamInStorage storage(bytes);
+    GenericValue value = deserialize(&storage);
+    storage.finish();
+    return value;
+}
+
+void write_value(IFile& file, const Value& value, StoredForm form) {
+    StreamOutStorage storage(form, file);
+    serialize_value(&storage, value);
+    storage.finish();
+}
+
+GenericValue read_value(IFile& file) {
+    StreamInStorage storage(file);
+    GenericValue value = GenericValue::deserialize(&storage);
+    storage.finish();
     return value;
 }
 

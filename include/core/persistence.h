@@ -5,4 +5,5 @@
 #include <core/lists.h>
 #include <core/persistence/errors.h>
 #include <core/persistence/persistence.h>
+#include <core/persistence/stream_storage.h>
 #include <core/runtime/exception_object.h>

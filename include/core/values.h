@@ -15,3 +15,4 @@
 #include <core/values/type_object.h>
 #include <core/values/type_service.h>
 #include <core/values/value.h>
+#include <core/values/value_file.h>

@@ -210,8 +210,24 @@ TEST_F(Allocation, ContainersStayWhole) {
     const std::string prepare = "SaveToContainer" + name + ", 1); A = LoadFromContainer" + name + ");";
     const std::string save = "SaveToContainer" + name + ", New Array(40));";
     const std::string load = "V = LoadFromContainer" + name + ");";
-    check({{prepare.c_str(), save.c_str()}, {prepare.c_str(), load.c_str()}});
+    const std::string parts = "P = New StoredValue(New Array(40)); S = New Structure(\"A, B\", P, P);";
+    const std::string saveParts = "SaveToContainer" + name + ", S, ValueForms.Parts);";
+    const std::string prepareParts = parts + saveParts + " V = 0;";
+    const std::string touch = "V = LoadFromContainer" + name + ").A.Value;";
+    check({{prepare.c_str(), save.c_str()},
+           {prepare.c_str(), load.c_str()},
+           {parts.c_str(), saveParts.c_str()},
+           {prepareParts.c_str(), touch.c_str()}});
     std::filesystem::remove(file);
+}
+
+TEST_F(Allocation, CompactFormsAreWholeOrNotThere) {
+    const char* const table =
+        "T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"B\"); "
+        "T.Columns.Add(\"C\"); For I = 1 To 40 Do R = T.Add(); R.A = I; "
+        "R.B = \"name \" + I % 3; If I > 2 Then R.C = New Array(3); EndIf; EndDo; R = 0; "
+        "B = ToBinary(T); V = 0; D = 0;";
+    check({{table, "D = ToBinary(T);"}, {table, "V = FromBinary(B);"}});
 }
 
 TEST(Text, IsReadAndWrittenWholeOrNotAtAll) {

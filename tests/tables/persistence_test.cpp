@@ -8,6 +8,7 @@
 #include <core/streams/memory_stream.h>
 #include <core/tables.h>
 
+#include <array>
 #include <fstream>
 #include <random>
 
@@ -180,6 +181,75 @@ TEST_F(TableTexts, ThatWereNeverWrittenAreRefused) {
           u"{{1,{b0be78f2-0ee6-4d31-a3bb-77dd32ba5bec,{0,0,0}}},1,{{\"S\",\"x\"},\"\",0,{\"U\"}}}"})
         EXPECT_NE(failure<ListStreamException>([&] { read(body, list); }), u"") << to_utf8(body);
     EXPECT_EQ(text(list), listBefore);
+}
+
+TEST_F(TableTexts, OfOneFormAreThoseOfTheOther) {
+    for (const GenericValue& object : {sample_table(), sample_tree(), sample_list(), make(u"ValueTable")})
+        EXPECT_EQ(text(GenericValue::fromBytes(object.toBytes())), text(object));
+    const GenericValue table = GenericValue::fromBytes(sample_table().toBytes());
+    call(call(table, u"Add"), u"Set", {u"Price", 9.999});
+    EXPECT_TRUE(property(call(table, u"Get", {7}), u"Price").equals(10)) << "rows can be added";
+    const GenericValue filter = make(u"Structure", {u"Price", 10});
+    EXPECT_EQ(walk(call(table, u"FindRows", {filter})).size(), 1U) << "and found by the index";
+    // A million equal rows of names and numbers take little more than a few bytes each.
+    const GenericValue large = make(u"ValueTable");
+    call(property(large, u"Columns"), u"Add", {u"Name"});
+    call(property(large, u"Columns"), u"Add", {u"Price"});
+    const auto rows = large.query<IValueTable>();
+    for (int i = 0; i < 20'000; ++i)
+        rows->appendRow(std::array<Value, 2>{i % 2 == 0 ? u"Tea" : u"Кофе", Value(i % 250)});
+    EXPECT_LT(large.toBytes().size(), 20'000U * 2 + 200U);
+}
+
+TEST_F(TableTexts, InCompactFormThatWereNeverWrittenAreRefused) {
+    // The one cell of a column of a type, with some bytes of it changed.
+    const auto changed = [](const wchar* type, const GenericValue& cell, std::string_view from,
+                            std::string_view to) {
+        const GenericValue table = make(u"ValueTable");
+        call(property(table, u"Columns"), u"Add", {u"A", make(u"TypeDescription", {type})});
+        call(call(table, u"Add"), u"Set", {0, cell});
+        const auto bytes = table.toBytes();
+        std::string data(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        const std::size_t at = data.rfind(from);
+        if (at == std::string::npos)
+            return wstring(u"not written like this");
+        data.replace(at, from.size(), to);
+        return failure<ListStreamException>(
+            [&] { return GenericValue::fromBytes(std::as_bytes(std::span(data))); });
+    };
+    using namespace std::string_view_literals;
+    // column {0, count, value, codes}
+    const auto name = "\xC1\x00\x01\x81x\xD5\x01\x01\x01\xC0"sv;
+    EXPECT_EQ(changed(u"String", u"x", name, name), u"");
+    for (const auto wrong : {"\xC1\x00\x01\xC3\xD5\x01\x01\x01\xC0"sv,       // Null
+                             "\xC1\x00\x01\x81x\xD5\x01\x01\x02\xC0"sv,      // a code behind the last one
+                             "\xC1\x00\x01\x81x\xD5\x01\x01\x00\xC0"sv,      // Undefined
+                             "\xC1\x00\x02\x81x\x81x\xD5\x01\x01\x01\xC0"sv, // a value twice
+                             "\xC1\x00\x01\x81x\xD5\x02\x01\x01\x01\xC0"sv,  // more rows than the others have
+                             "\xC1\x00\x01\x81x\xD5\x01\x01\x01\x01\xC0"sv,  // something behind
+                             "\xC1\x04\x81x\xC0"sv,                          // no such form
+                             "\xC1\x03\x05\xC0"sv})                          // a number among values
+        EXPECT_NE(changed(u"String", u"x", name, wrong), u"");
+    EXPECT_EQ(changed(u"String", u"x", name, "\xC1\x03\x81x\xC0"sv), u"") << "the form is a choice";
+    // column {form, scale, base, step, empty, numbers}
+    const auto number = "\xC1\x01\x00\x05\x01\xC4\xD5\x01\x01\x00\xC0"sv;
+    EXPECT_EQ(changed(u"Number", 5, number, number), u"");
+    for (const auto wrong : {"\xC1\x02\x00\x05\x01\xC4\xD5\x01\x01\x00\xC0"sv, // a date
+                             "\xC1\x01\x00\x05\x01\xC5\xD5\x01\x01\x00\xC0"sv, // Undefined
+                             "\xC1\x01\x13\x05\x01\xC4\xD5\x01\x01\x00\xC0"sv, // too many digits
+                             "\xC1\x01\x00\x05\x00\xC4\xD5\x01\x01\x00\xC0"sv, // no step
+                             "\xC1\x01\x00\x05\x01\xC4\xD5\x01\x09\x00\xC0"sv, // too wide
+                             "\xC1\x01\x00\x05\x01\xC4\xD5\x01\x00\xC0"sv,     // of no width
+                             "\xC1\x01\x00\x05\x01\xC4\xD5\x01\x08\xFB\xFF\xFF\xFF\xFF\xFF\xFF\x7F\xC0"sv})
+        EXPECT_NE(changed(u"Number", 5, number, wrong), u"");
+    EXPECT_EQ(changed(u"Number", 5, number,
+                      "\xC1\x01\x00\x05\x01\xC4\xD5\x01\x08\xFA\xFF\xFF\xFF\xFF\xFF\xFF\x7F\xC0"sv),
+              u"")
+        << "the largest word";
+    const auto date = "\xC1\x02\x00\x00\xC6\x80\xB0\xFE\x9B\x03\xC4\xD5\x01\x01\x00\xC0"sv;
+    EXPECT_EQ(changed(u"Date", Date(), date, date), u"");
+    EXPECT_NE(changed(u"Date", Date(), date, "\xC1\x02\x00\xC7\x00\x01\xC4\xD5\x01\x01\x00\xC0"sv), u"");
+    EXPECT_NE(changed(u"Date", Date(), date, "\xC1\x02\x01\x00\x01\xC4\xD5\x01\x01\x00\xC0"sv), u"");
 }
 
 TEST_F(TableTexts, OfDeepTreesEndBeforeTheStackDoes) {

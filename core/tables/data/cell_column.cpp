@@ -19,18 +19,6 @@ std::uint64_t hash_word(std::uint64_t word) noexcept {
     return table_hash_step(table_hash_seed(), word);
 }
 
-/// Says whether a dictionary may hold a value: it does not change, and keeping it keeps nothing else alive.
-bool is_codable(const Value& value) noexcept {
-    switch (value.kind()) {
-    case ValueKind::number:
-    case ValueKind::date:
-    case ValueKind::object:
-        return false;
-    default:
-        return true;
-    }
-}
-
 Form plain_form(const Value& value) noexcept {
     return value.kind() == ValueKind::number ? Form::numbers
            : value.kind() == ValueKind::date ? Form::dates
@@ -58,6 +46,39 @@ std::uint32_t fraction_digits(const Numeric& number) noexcept {
 }
 
 } // namespace
+
+bool CellColumn::isCodable(const Value& value) noexcept {
+    switch (value.kind()) {
+    case ValueKind::number:
+    case ValueKind::date:
+    case ValueKind::object:
+        return false;
+    default:
+        return true;
+    }
+}
+
+CellColumn CellColumn::ofWords(Form form, std::uint32_t scale, std::vector<std::int64_t> words) noexcept {
+    CellColumn column(form, scale, nullptr);
+    column.size_ = words.size();
+    column.words_ = std::move(words);
+    return column;
+}
+
+CellColumn CellColumn::ofCodes(std::unique_ptr<ValueDictionary> dictionary,
+                               std::vector<Code> codes) noexcept {
+    CellColumn column(Form::coded, 0, std::move(dictionary));
+    column.size_ = codes.size();
+    column.codes_ = std::move(codes);
+    return column;
+}
+
+CellColumn CellColumn::ofValues(std::vector<Value> values) noexcept {
+    CellColumn column(Form::values, 0, nullptr);
+    column.size_ = values.size();
+    column.values_ = std::move(values);
+    return column;
+}
 
 Value CellColumn::get(RowId row) const {
     switch (form_) {
@@ -186,7 +207,7 @@ bool CellColumn::put(RowId row, const Value& value) {
 }
 
 bool CellColumn::putCode(RowId row, const Value& value) {
-    if (is_codable(value)) {
+    if (isCodable(value)) {
         const auto known = dictionary_->find(value);
         const bool saves = dictionary_->size() < kFreeCodes + size_ / kRowsPerCode;
         if (!known && !saves)

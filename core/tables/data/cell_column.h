@@ -38,6 +38,18 @@ class CellColumn {
     using Code = ValueDictionary::Code;
     static constexpr std::int64_t kEmptyWord = std::numeric_limits<std::int64_t>::min();
 
+    // make a column of cells that another one had
+    /// Returns whether a dictionary may hold a value: it does not change, and keeping it keeps nothing else
+    /// alive.
+    [[nodiscard]] static bool isCodable(const Value& value) noexcept;
+    /// A column of numbers or dates.
+    [[nodiscard]] static CellColumn ofWords(Form form, std::uint32_t scale,
+                                            std::vector<std::int64_t> words) noexcept;
+    /// A column of codes, all of which the dictionary has.
+    [[nodiscard]] static CellColumn ofCodes(std::unique_ptr<ValueDictionary> dictionary,
+                                            std::vector<Code> codes) noexcept;
+    [[nodiscard]] static CellColumn ofValues(std::vector<Value> values) noexcept;
+
     CellColumn() : dictionary_(std::make_unique<ValueDictionary>()) {}
 
     // inspect

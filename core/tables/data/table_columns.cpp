@@ -104,6 +104,15 @@ void TableData::assign(std::vector<std::unique_ptr<TableColumn>> columns, std::s
     count_ = count;
 }
 
+void TableData::setRows(std::span<CellColumn> cells, std::size_t count) noexcept {
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        setCells(*columns_[i], std::move(cells[i]));
+    rows_.makePlain(count);
+    ids_ = count;
+    count_ = count;
+    ++version_;
+}
+
 void TableData::removeColumn(std::size_t position) noexcept {
     const std::unique_ptr<TableColumn> dying = std::move(columns_[position]);
     columns_.erase(columns_.begin() + static_cast<std::ptrdiff_t>(position));

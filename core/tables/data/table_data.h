@@ -100,6 +100,8 @@ class TableData {
     void tellRowsSorted(RowId parent) noexcept { tell(&TableWatcher::rowsSorted, parent); }
     /// Fills a table that has no columns yet with columns that have `count` cells each.
     void assign(std::vector<std::unique_ptr<TableColumn>> columns, std::size_t count) noexcept;
+    /// Gives a table without rows its rows: `count` cells for each column.
+    void setRows(std::span<CellColumn> cells, std::size_t count) noexcept;
     /// Replaces the table by some of its columns with other cells, `count` in each.
     void regroup(std::span<GroupedColumn> columns, std::size_t count);
 

@@ -2,8 +2,10 @@
 #include "core/tables/objects/table_format.h"
 
 #include "core/collections/stored_count.h"
+#include "core/lists/list_run.h"
 #include "core/lists/malformed.h"
 #include "core/objects/stored_text.h"
+#include "core/tables/objects/table_cells.h"
 
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
@@ -125,6 +127,12 @@ void get_rows(IInPersistenceStorage* storage, TableData& data, RowId parent) {
     in.getEndOfList();
 }
 
+/// Returns whether the compact form has the cells column by column. The rows of a tree stand in each other;
+/// those of a table without columns cost their bytes, so that a count alone makes none.
+bool stands_by_columns(const TableData& data) noexcept {
+    return !data.isTree() && data.columnCount() != 0;
+}
+
 } // namespace
 
 void serialize_table(IOutPersistenceStorage* storage, const TableData& data) {
@@ -133,7 +141,11 @@ void serialize_table(IOutPersistenceStorage* storage, const TableData& data) {
     put_columns(out, data);
     if (!data.isTree())
         put_indexes(out, data);
-    put_rows(storage, data, kNoRow);
+    detail::CompactWriter* const compact = detail::ListRun::compact(out);
+    if (compact != nullptr && stands_by_columns(data))
+        put_cells(storage, *compact, data);
+    else
+        put_rows(storage, data, kNoRow);
     out.putEndOfList();
 }
 
@@ -144,7 +156,11 @@ void deserialize_table(IInPersistenceStorage* storage, TableData& data) {
     get_columns(in, fresh);
     if (!fresh.isTree())
         get_indexes(in, fresh);
-    get_rows(storage, fresh, kNoRow);
+    detail::CompactReader* const compact = detail::ListRun::compact(in);
+    if (compact != nullptr && stands_by_columns(fresh))
+        get_cells(storage, *compact, fresh);
+    else
+        get_rows(storage, fresh, kNoRow);
     in.getEndOfList();
     data.replace(fresh);
 }

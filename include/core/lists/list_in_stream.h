@@ -6,28 +6,34 @@
 #include <core/numbers/numeric.h>
 #include <core/runtime/guid.h>
 
+#include <cstddef>
 #include <streambuf>
+#include <vector>
 
 namespace core {
 
 class TextBuffer;
 
 namespace detail {
+class CompactReader;
 class UnitSource;
 struct ListRun;
 } // namespace detail
 
-/// Reads nested data from a brace list, in the order in which it was written, and demands the commas.
+/// Reads nested data from a brace list, in the order in which it was written, and demands the commas; or from
+/// the compact form, where a storage says so.
 ///
 /// Each `get` skips white space and the comma that is due, and reads one element. Whatever does not fit (a
-/// missing comma or brace, a bad token, a string cut short) throws ListStreamException, which tells no
-/// place. The stream then stands where the failing step stopped, and the reader is not to be used further.
-/// What the stream's buffer throws passes through. A stream that has failed has no text. One thread at a
-/// time.
+/// missing comma or brace, a bad token, a string cut short) throws ListStreamException, which tells a
+/// place in the compact form alone. The stream then stands where the failing step stopped, and the reader is
+/// not to be used further. What the stream's buffer throws passes through. A stream that has failed has no
+/// text. One thread at a time.
 class CORE_API ListInStream {
   public:
     /// Reads from `in`, which must outlive the reader.
     explicit ListInStream(wistream& in);
+    /// Reads the compact form, for the storages of the library. `in` must outlive the reader.
+    explicit ListInStream(detail::CompactReader& in) noexcept : compact_(&in) {}
     ListInStream(const ListInStream&) = delete;
     ListInStream& operator=(const ListInStream&) = delete;
 
@@ -35,7 +41,8 @@ class CORE_API ListInStream {
     void getBeginOfList();
     /// Reads the "}" of the current list. Throws ListStreamException if another unit follows.
     void getEndOfList();
-    /// Consumes the next "," and returns true; returns false if another unit follows.
+    /// Consumes the next "," and returns true; returns false if another unit follows. In the compact form it
+    /// returns whether another element follows.
     [[nodiscard]] bool getComma();
     /// Skips what is left of the current list, up to its "}", which stays: additions of a newer writer. Takes
     /// any depth. An escape ends the string that it stands in; what follows it counts as a bare token. Throws
@@ -62,6 +69,8 @@ class CORE_API ListInStream {
     void get(Date& date);
     /// Reads a string of any length.
     void get(wstring& text);
+    /// Reads bytes that putBytes() wrote.
+    void get(std::vector<std::byte>& bytes);
     /// Reads a string into a buffer of `size` units, one of which is the terminator's. A longer string
     /// throws.
     void get(wchar* buffer, std::uint32_t size);
@@ -84,10 +93,11 @@ class CORE_API ListInStream {
     void skipString();
     void skipBare();
 
-    wistream& in_;
-    std::basic_streambuf<wchar>* buffer_; // null when there is nothing to read
-    TextBuffer* runs_;                    // the same, if runs can be read from it in place
-    bool commaExpected_ = false;          // an element or a "}" was read last
+    wistream* in_ = nullptr;                        // null in the compact form
+    std::basic_streambuf<wchar>* buffer_ = nullptr; // null when there is nothing to read
+    TextBuffer* runs_ = nullptr;                    // the same, if runs can be read from it in place
+    detail::CompactReader* compact_ = nullptr;      // null in text
+    bool commaExpected_ = false;                    // an element or a "}" was read last
 };
 
 } // namespace core

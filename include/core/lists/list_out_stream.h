@@ -6,19 +6,23 @@
 #include <core/numbers/numeric.h>
 #include <core/runtime/guid.h>
 
+#include <cstddef>
 #include <ostream>
+#include <span>
 
 namespace core {
 
 class TextBuffer;
 
 namespace detail {
+class CompactWriter;
 class UnitSink;
 struct ListRun;
 } // namespace detail
 
 /// Writes nested data as a brace list: `{1,` line feed `{2,3}` line feed `}`. Commas and line breaks come by
-/// themselves: every "{" except the first begins a line, and so does a "}" behind a "}".
+/// themselves: every "{" except the first begins a line, and so does a "}" behind a "}". A storage may have
+/// the same calls write the compact form, in bytes.
 ///
 /// A composite type writes itself as putBeginOfList(), its members, putEndOfList(). The writer reports no
 /// error: a stream that does not take a unit becomes bad and takes nothing more, and what its buffer throws
@@ -27,6 +31,8 @@ class CORE_API ListOutStream {
   public:
     /// Writes to `out`, which must outlive the writer and keep its buffer.
     explicit ListOutStream(wostream& out);
+    /// Writes the compact form, for the storages of the library. `out` must outlive the writer.
+    explicit ListOutStream(detail::CompactWriter& out) noexcept : compact_(&out) {}
     ListOutStream(const ListOutStream&) = delete;
     ListOutStream& operator=(const ListOutStream&) = delete;
 
@@ -38,7 +44,7 @@ class CORE_API ListOutStream {
     /// Writes a Boolean, "1" or "0".
     template <std::same_as<bool> T>
     void put(T value) {
-        putInteger(false, value ? 1 : 0);
+        putBoolean(value);
     }
     /// Writes an integer in decimal digits.
     template <ListInteger T>
@@ -68,10 +74,13 @@ class CORE_API ListOutStream {
     void put(const wchar* text) { put(text_view(text)); }
     /// Writes at most `length` units as a string, fewer when a null unit stands among them.
     void put(const wchar* text, std::uint32_t length);
+    /// Writes bytes: as a string in base64, in the compact form as they are.
+    void putBytes(std::span<const std::byte> bytes);
     /// Refuses codes of characters, which are neither text nor numbers.
     template <CharacterCode T>
     void put(T) = delete;
-    /// Writes a bare token as it stands, for tools that do not know its meaning.
+    /// Writes a bare token as it stands, for tools that do not know its meaning. Throws ListStreamException
+    /// in the compact form, which has no such tokens.
     void putBare(wstring_view token);
 
   protected:
@@ -80,6 +89,7 @@ class CORE_API ListOutStream {
 
   private:
     friend struct detail::ListRun;
+    void putBoolean(bool value);
     void putInteger(bool negative, std::uint64_t magnitude);
     void putDouble(double value);
     template <std::size_t limit, class Format>
@@ -91,11 +101,12 @@ class CORE_API ListOutStream {
         atStart_ = false;
     }
 
-    wostream& out_;
-    TextBuffer* runs_;          // the stream's buffer, if tokens can be written into it in place
-    bool commaPending_ = false; // an element of the current list is complete
-    bool justClosed_ = false;   // "}" was written last
-    bool atStart_ = true;       // nothing has been written
+    wostream* out_ = nullptr;    // null in the compact form
+    TextBuffer* runs_ = nullptr; // the stream's buffer, if tokens can be written into it in place
+    detail::CompactWriter* compact_ = nullptr; // null in text
+    bool commaPending_ = false;                // an element of the current list is complete
+    bool justClosed_ = false;                  // "}" was written last
+    bool atStart_ = true;                      // nothing has been written
 };
 
 } // namespace core

@@ -6,6 +6,13 @@
 /// The failures of objects that are written and read.
 namespace core {
 
+namespace messages {
+
+/// Data of a version of the compact form that is not known; {0} is the version, {1} the latest known one.
+inline constexpr const char* kCompactVersion = "IDS_COMPACT_VERSION";
+
+} // namespace messages
+
 /// Data of a version that is not supported.
 class CORE_API VersionException : public BasicException<VersionException> {
   public:

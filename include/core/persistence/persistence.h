@@ -32,8 +32,6 @@ class CORE_API ListInStorage final : public IUnknownImpl<ListInStorage, IInPersi
     StoredFailure getFailure(std::span<FailureField> fields) override;
 
   private:
-    void getMessage(StoredFailure& stored);
-
     ListInStream& stream_;
     Nesting nesting_;
 };

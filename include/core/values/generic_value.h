@@ -3,7 +3,10 @@
 
 #include <core/values/value.h>
 
+#include <cstddef>
 #include <iosfwd>
+#include <span>
+#include <vector>
 
 namespace core {
 
@@ -55,6 +58,13 @@ class CORE_API GenericValue : public Value {
     void toString(wstring& text) const;
     /// Reads the text form of a value. Throws as deserialize(), and when more than white space follows.
     [[nodiscard]] static GenericValue fromString(wstring_view text);
+
+    /// Returns the compact form of the whole value. Throws as serialize().
+    [[nodiscard]] std::vector<std::byte> toBytes() const;
+    /// Reads what toBytes() returned, or a brace list in UTF-8: the first byte tells which. Throws as
+    /// deserialize(), VersionException for a later version of the compact form, and ListStreamException when
+    /// anything follows, except white space behind a brace list.
+    [[nodiscard]] static GenericValue fromBytes(std::span<const std::byte> bytes);
 };
 
 namespace detail {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/objects/base64.h"
+#include "core/strings/base64.h"
 
 #include <core/strings/char_class.h>
 
