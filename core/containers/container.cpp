@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/containers/parts.h"
+
 #include <core/containers/container.h>
 #include <core/files/memory_file.h>
 #include <core/files/url.h>
@@ -14,6 +16,18 @@ wstring shown_name(const StorageRW& storage, wstring_view name) {
     return shown_url(storage.rootURL() + wstring(name));
 }
 
+wstring text_of(std::span<const std::byte> bytes, wstring name) {
+    TextInStream in(
+        [&bytes](std::span<std::byte> part) {
+            const std::size_t count = std::min(part.size(), bytes.size());
+            std::copy_n(bytes.begin(), count, part.begin());
+            bytes = bytes.subspan(count);
+            return count;
+        },
+        std::move(name));
+    return read_text(in);
+}
+
 StorageRW container_in_memory() {
     const auto data = create_memory_data();
     StorageRW::create(*open_memory_file(data), kStorageLayout64);
@@ -26,20 +40,75 @@ StorageRW container_in_memory() {
 
 Container::Container() : storage_(container_in_memory()) {}
 
-void Container::putValue(wstring_view name, const Value& value) {
-    wstring text;
-    GenericValue(value).toString(text);
-    putText(name, text);
+void Container::putValue(wstring_view name, const Value& value, ValueForm form) {
+    if (form == ValueForm::text) {
+        wstring text;
+        GenericValue(value).toString(text);
+        return putText(name, text);
+    }
+    if (form == ValueForm::compact)
+        return putBytes(name, GenericValue(value).toBytes());
+    const PartFiles parts = value_in_parts(storage_, wstring(name), value);
+    std::vector<wstring> dropped = parts_below(storage_, name);
+    std::erase_if(dropped, [&](const wstring& old) {
+        const auto isOld = [&](const auto& file) { return file.first == old; };
+        return std::ranges::find(parts.kept, old) != parts.kept.end() ||
+               std::ranges::any_of(parts.files, isOld);
+    });
+    changeAndDrop(dropped, [&] {
+        for (const auto& [part, content] : parts.files)
+            storage_.put(part, content);
+    });
 }
 
 Value Container::get(wstring_view name) const {
-    const wstring text = getText(name);
+    const std::vector<std::byte> content = storage_.get(name);
+    const bool isText = stored_form(content) == StoredForm::text;
+    const wstring text = isText ? text_of(content, shown_name(storage_, name)) : wstring();
     try {
-        return GenericValue::fromString(text);
-    } catch (const Exception& e) { // which does not know where the text is from
+        return isText ? GenericValue::fromString(text)
+                      : value_of_content(content, PartSourcePtr::make(storage_, wstring(name)));
+    } catch (const Exception& e) { // which does not know where the content is from
         throw_error<ContextException>(messages::kContainerNoValue,
                                       {shown_name(storage_, name), e.description()});
     }
+}
+
+void Container::putBytes(wstring_view name, std::span<const std::byte> bytes) {
+    const std::vector<wstring> parts = parts_below(storage_, name);
+    if (parts.empty())
+        storage_.put(name, bytes);
+    else
+        changeAndDrop(parts, [&] { storage_.put(name, bytes); });
+}
+
+void Container::remove(wstring_view name) {
+    changeAndDrop(parts_below(storage_, name), [&] { storage_.remove(name); });
+}
+
+void Container::rename(wstring_view from, wstring_view to) {
+    std::vector<wstring> dropped = parts_below(storage_, to);
+    if (!dropped.empty()) { // names that differ in case alone lead to the same parts
+        const std::vector<wstring> own = parts_below(storage_, from);
+        std::erase_if(dropped,
+                      [&](const wstring& part) { return std::ranges::find(own, part) != own.end(); });
+    }
+    changeAndDrop(dropped, [&] { storage_.rename(from, to); });
+}
+
+/// Makes changes and drops parts to which nothing leads any more, as one commit.
+void Container::changeAndDrop(const std::vector<wstring>& parts, const std::function<void()>& changes) {
+    const auto all = [&] {
+        changes();
+        for (const wstring& part : parts) {
+            if (storage_.contains(part))
+                storage_.remove(part);
+        }
+    };
+    if (storage_.inTransaction())
+        all();
+    else
+        transaction(all);
 }
 
 void Container::putText(wstring_view name, wstring_view text) {
@@ -49,21 +118,11 @@ void Container::putText(wstring_view name, wstring_view text) {
         shown_name(storage_, name));
     put_text(out, text);
     out.finish();
-    storage_.put(name, bytes);
+    putBytes(name, bytes);
 }
 
 wstring Container::getText(wstring_view name) const {
-    const std::vector<std::byte> bytes = storage_.get(name);
-    std::span<const std::byte> rest(bytes);
-    TextInStream in(
-        [&](std::span<std::byte> part) {
-            const std::size_t count = std::min(part.size(), rest.size());
-            std::copy_n(rest.begin(), count, part.begin());
-            rest = rest.subspan(count);
-            return count;
-        },
-        shown_name(storage_, name));
-    return read_text(in);
+    return text_of(storage_.get(name), shown_name(storage_, name));
 }
 
 void Container::refuseType(wstring_view name) const {

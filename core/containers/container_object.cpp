@@ -4,6 +4,7 @@
 #include <core/containers/container_functions.h>
 #include <core/context/script_object.h>
 #include <core/objects/binary_data.h>
+#include <core/objects/native_enumeration.h>
 
 #include <optional>
 
@@ -64,7 +65,9 @@ class ContainerObject : public ScriptObject<ContainerObject, IValueCollection> {
         return make_object<ContainerFile>(open().describe(name));
     }
 
-    void put(wstring_view name, const Value& value) { open().putValue(name, value); }
+    void put(wstring_view name, const Value& value, std::optional<ValueForm> form) {
+        open().putValue(name, value, form.value_or(ValueForm::text));
+    }
     Value get(wstring_view name) { return open().get(name); }
     void putText(wstring_view name, wstring_view text) { open().putText(name, text); }
     wstring getText(wstring_view name) { return open().getText(name); }
@@ -89,7 +92,7 @@ class ContainerObject : public ScriptObject<ContainerObject, IValueCollection> {
             method(u"Names", u"Имена", &T::list, {u"Pattern", u"Шаблон", by_default(u"*")}),
             method(u"Contains", u"Содержит", &T::contains, kName),
             method(u"Describe", u"Описать", &T::describe, kName),
-            method(u"Put", u"Поместить", &T::put, kName, {u"Value", u"Значение"}),
+            method(u"Put", u"Поместить", &T::put, kName, {u"Value", u"Значение"}, {u"Form", u"Форма"}),
             method(u"Get", u"Получить", &T::get, kName),
             method(u"PutText", u"ПоместитьТекст", &T::putText, kName, kText),
             method(u"GetText", u"ПолучитьТекст", &T::getText, kName),

@@ -110,6 +110,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void beginReading();
     void endReading() noexcept;
     void begin();
+    [[nodiscard]] bool inTransaction();
     void commit();
     void rollback();
     CompactReport compact(const CompactOptions& options);

@@ -19,6 +19,11 @@ void StorageEngine::begin() {
     transaction_ = true;
 }
 
+bool StorageEngine::inTransaction() {
+    const std::lock_guard lock(mutex_);
+    return transaction_;
+}
+
 void StorageEngine::commit() {
     const std::lock_guard lock(mutex_);
     if (!transaction_)

@@ -86,6 +86,9 @@ bool StorageRW::isSame(const StorageRW& other) const {
 void StorageRW::begin() {
     engine_->begin();
 }
+bool StorageRW::inTransaction() const {
+    return engine_->inTransaction();
+}
 void StorageRW::commit() {
     engine_->commit();
 }

@@ -10,7 +10,9 @@
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
 #include <core/context/errors.h>
+#include <core/files/errors.h>
 #include <core/files/file_system.h>
+#include <core/objects/binary_data.h>
 #include <core/runtime/clock.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/process.h>
@@ -71,11 +73,27 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
         return {};
     }
 
+    GenericValue toBinary(Args a) { return GenericValue(create_binary_data(a[0].toBytes())); }
+    GenericValue fromBinary(Args a) {
+        return GenericValue::fromBytes(object_argument<IBinaryData>(a[0], 0)->bytes());
+    }
+
+    /// What cannot be written makes no container.
+    static Container containerFor(const std::string& file, const Value& value, ValueForm form) {
+        try {
+            return Container(file, Container::change);
+        } catch (const FileException&) {
+            Container().putValue(u"value", value, form);
+            return Container(file, Container::create);
+        }
+    }
     GenericValue saveToContainer(Args a) {
+        const std::string file = to_utf8(text_argument(a, 0));
         const wstring_view name = text_argument(a, 1);
-        wstring text; // what cannot be written makes no container
-        a[2].toString(text);
-        Container(to_utf8(text_argument(a, 0)), Container::create).putText(name, text);
+        constexpr auto kText = static_cast<std::int32_t>(ValueForm::text);
+        const auto form =
+            static_cast<ValueForm>(choice_argument(a[3], 3, *script_enumeration(ValueForm{}), kText));
+        containerFor(file, a[2], form).putValue(name, a[2], form);
         return {};
     }
     GenericValue loadFromContainer(Args a) {
@@ -151,6 +169,8 @@ constexpr Term kFromJsonTerm = {u"FromJson", u"ИзJson"};
 constexpr Term kToJsonTerm = {u"ToJson", u"ВJson"};
 constexpr Term kLoadTextTerm = {u"LoadText", u"ЗагрузитьТекст"};
 constexpr Term kSaveTextTerm = {u"SaveText", u"СохранитьТекст"};
+constexpr Term kToBinaryTerm = {u"ToBinary", u"ВДвоичные"};
+constexpr Term kFromBinaryTerm = {u"FromBinary", u"ИзДвоичных"};
 constexpr Term kSaveToContainerTerm = {u"SaveToContainer", u"СохранитьВКонтейнер"};
 constexpr Term kLoadFromContainerTerm = {u"LoadFromContainer", u"ЗагрузитьИзКонтейнера"};
 constexpr Term kCurrentDateTerm = {u"CurrentDate", u"ТекущаяДата"};
@@ -189,7 +209,9 @@ constexpr Param kToJson[] = {kValue, named_param({u"Indent", u"Отступ"}, k
 constexpr Param kEncoding = named_param({u"Encoding", u"Кодировка"}, kUndefinedDefault);
 constexpr Param kLoadText[] = {kFile, kEncoding};
 constexpr Param kSaveText[] = {kFile, kText, kEncoding};
-constexpr Param kSaveToContainer[] = {kFile, kName, kValue};
+constexpr Param kOfData[] = {named_param({u"Data", u"Данные"})};
+constexpr Param kSaveToContainer[] = {kFile, kName, kValue,
+                                      named_param({u"Form", u"Форма"}, kUndefinedDefault)};
 constexpr Param kLoadFromContainer[] = {kFile, kName};
 constexpr Param kLeft[] = {kText, named_param(kCountName)};
 constexpr Param kMid[] = {kText, named_param({u"From", u"Начало"}),
@@ -208,6 +230,8 @@ std::span<const Method<ScriptFunctions>> ScriptFunctions::methods() noexcept {
         {kToJsonTerm, kToJson, kFunction, &F::toJson, &kStringType},
         {kLoadTextTerm, kLoadText, kFunction, &F::loadText, &kStringType},
         {kSaveTextTerm, kSaveText, kProcedure, &F::saveText},
+        {kToBinaryTerm, kOfValue, kFunction, &F::toBinary, &kBinaryDataType},
+        {kFromBinaryTerm, kOfData, kFunction, &F::fromBinary},
         {kSaveToContainerTerm, kSaveToContainer, kProcedure, &F::saveToContainer},
         {kLoadFromContainerTerm, kLoadFromContainer, kFunction, &F::loadFromContainer},
         {kCurrentDateTerm, {}, kFunction, &F::currentDate, &kDateType},

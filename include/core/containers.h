@@ -6,3 +6,4 @@
 #include <core/containers/container_functions.h>
 #include <core/containers/errors.h>
 #include <core/containers/file_functions.h>
+#include <core/containers/stored_value.h>

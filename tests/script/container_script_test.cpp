@@ -20,19 +20,21 @@ class ContainerScript : public ScriptTest {
 
 TEST_F(ContainerScript, ThePageShowsWhatHappens) {
     const std::string page = host::text_of(std::filesystem::path(CORE_SOURCE_DIR) / "docs" / "containers.md");
-    const auto part = [&page](const std::string& begin, const std::string& end) {
-        const std::size_t at = page.find(begin) + begin.size();
-        return page.substr(at, page.find(end, at) - at);
-    };
-    std::string code = "Files = Containers.Create(" + part("```\nFiles = Containers.Create(", "```");
-    const std::string file = "\"data.st\"";
-    ASSERT_NE(code.find(file), std::string::npos);
-    code.replace(code.find(file), file.size(), '"' + path("data.st") + '"');
-    std::ostringstream out;
-    Engine engine;
-    engine.output(out);
-    engine.run(code);
-    EXPECT_EQ(out.str(), part("prints\n\n```\n", "```"));
+    // Each script, and the output that the page shows behind it.
+    const std::string begin = "```\nFiles = Containers.Create(\"";
+    const std::string behind = "prints\n\n```\n";
+    int scripts = 0;
+    for (std::size_t at = page.find(begin); at != std::string::npos; at = page.find(begin, at), ++scripts) {
+        at += begin.size();
+        const std::string code = page.substr(at, page.find("```", at) - at);
+        at = page.find(behind, at) + behind.size();
+        std::ostringstream out;
+        Engine engine;
+        engine.output(out);
+        engine.run("Files = Containers.Create(\"" + path("") + code);
+        EXPECT_EQ(out.str(), page.substr(at, page.find("```", at) - at));
+    }
+    EXPECT_EQ(scripts, 2);
 }
 
 TEST_F(ContainerScript, MembersWorkInBothLanguages) {
@@ -57,6 +59,37 @@ TEST_F(ContainerScript, MembersWorkInBothLanguages) {
          "3\nb/d 2\nb/t 2"},
     });
     EXPECT_EQ(Session().run("Print(Containers.Open(" + file + ").Count())"), "2");
+}
+
+TEST_F(ContainerScript, FormsOfValuesHaveNamesInBothLanguages) {
+    const std::string file = '"' + path("data.st") + '"';
+    check({
+        {"SaveToContainer(" + file +
+             ", \"v\", New Structure(\"A\", 5), ФормыЗначений.Компактная);"
+             "Print(LoadFromContainer(" +
+             file + ", \"v\").A)",
+         "5"},
+        {"P = Новый ХранимоеЗначение(\"часть\"); A = New Array; A.Add(P); A.Add(P);"
+         "СохранитьВКонтейнер(" +
+             file +
+             ", \"v\", A, ValueForms.Parts);"
+             "B = ЗагрузитьИзКонтейнера(" +
+             file +
+             ", \"v\"); Print(B[0].Загружено); Print(B[0].Значение);"
+             "B[1].Value = 7; Print(B[0].Value); Print(Containers.Open(" +
+             file + ").Count())",
+         "No\nчасть\n7\n2"},
+        {"V = FromBinary(ToBinary(New Structure(\"A\", '20240229'))); Print(V.A = '20240229');"
+         "Print(ИзДвоичных(ВДвоичные(1.5)) + FromBinary(New BinaryData(ToText(2))))",
+         "Yes\n3.5"},
+    });
+    const auto fails = [&](const std::string& statement, const std::string& says) {
+        const std::string answer = Session().run(statement);
+        EXPECT_NE(answer.find(says), std::string::npos) << answer;
+    };
+    fails("FromBinary(\"text\")", "1");
+    fails("FromBinary(New BinaryData(\"{\"))", "brace list");
+    fails("SaveToContainer(" + file + ", \"v\", 1, 2)", "4");
 }
 
 TEST_F(ContainerScript, FailuresAreErrorsWithThePlace) {

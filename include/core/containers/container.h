@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/containers/errors.h>
+#include <core/containers/stored_value.h>
 #include <core/context/native_object.h>
 #include <core/runtime/errors.h>
 #include <core/storage/open_container.h>
@@ -47,8 +48,9 @@ concept OwnedValue = FromValue<T> && !std::is_pointer_v<T> && !std::same_as<T, w
 ///     files.transaction([&] { files.put(u"sales", sales); files.put(u"rate", rate); });
 ///     const auto again = files.get<core::IValueTable>(u"sales");
 ///
-/// A value is kept as its brace list, a text in UTF-8. Names are any text and differ when their letters
-/// differ in case. A handle: copies stand for the same open container, which is closed with the last of them.
+/// A value is kept as its brace list, unless another form is asked for, a text in UTF-8. Names are any text
+/// and differ when their letters differ in case. A handle: copies stand for the same open container, which is
+/// closed with the last of them.
 ///
 /// Each change is durable when the call returns, or together with others in a transaction; a call that throws
 /// has changed nothing. Every call can throw StorageException and FileException, as StorageRW says. Threads:
@@ -90,16 +92,17 @@ class CORE_API Container {
 
     // values
 
-    /// Keeps a value under a name, in place of what was there. Throws as serialize_value() does for a value
-    /// that cannot be written.
-    void putValue(wstring_view name, const Value& value);
+    /// Keeps a value under a name, in place of what was there. In parts, each StoredValue inside gets an
+    /// inner file of its own; those that were read from there and not touched stay as they are. Throws as
+    /// serialize_value() does for a value that cannot be written.
+    void putValue(wstring_view name, const Value& value, ValueForm form = ValueForm::text);
     /// Keeps what converts to a value, see NativeValue: a value, a number, a text, an object.
     template <ToValue T>
-    void put(wstring_view name, const T& value) {
-        putValue(name, to_value(value));
+    void put(wstring_view name, const T& value, ValueForm form = ValueForm::text) {
+        putValue(name, to_value(value), form);
     }
-    /// Returns the value under a name. Throws StorageException if no inner file has that name, and
-    /// ContextException if it holds no value.
+    /// Returns the value under a name, whatever its form. Throws StorageException if no inner file has that
+    /// name, and ContextException if it holds no value.
     [[nodiscard]] Value get(wstring_view name) const;
     /// Returns the value as a `T`, which is an interface, a script class, or a type that values convert to.
     /// Throws as get(), and ContextException for a value that is not a `T`.
@@ -122,16 +125,17 @@ class CORE_API Container {
     /// not UTF-8.
     [[nodiscard]] wstring getText(wstring_view name) const;
     /// Keeps bytes.
-    void putBytes(wstring_view name, std::span<const std::byte> bytes) { storage_.put(name, bytes); }
+    void putBytes(wstring_view name, std::span<const std::byte> bytes);
     /// Returns the bytes under a name, whatever they mean.
     [[nodiscard]] std::vector<std::byte> getBytes(wstring_view name) const { return storage_.get(name); }
 
     // change
 
-    /// Removes an inner file. Throws if none has that name.
-    void remove(wstring_view name) { storage_.remove(name); }
-    /// Gives an inner file another name; one that has it already is replaced. Throws as StorageRW::rename().
-    void rename(wstring_view from, wstring_view to) { storage_.rename(from, to); }
+    /// Removes an inner file, with the parts of a value that stood there. Throws if none has that name.
+    void remove(wstring_view name);
+    /// Gives an inner file another name; one that has it already is replaced. The parts of a value keep their
+    /// names. Throws as StorageRW::rename().
+    void rename(wstring_view from, wstring_view to);
     /// Calls `changes` and makes all changes that it made durable as one commit; when it throws, all of them
     /// are taken back. Returns what `changes` returns. Throws when a transaction is open already.
     template <std::invocable F>
@@ -155,6 +159,7 @@ class CORE_API Container {
 
   private:
     [[noreturn]] void refuseType(wstring_view name) const;
+    void changeAndDrop(const std::vector<wstring>& parts, const std::function<void()>& changes);
 
     StorageRW storage_;
 };

@@ -14,5 +14,7 @@ inline constexpr const char* kContainerClosed = "IDS_CONTAINER_CLOSED";
 inline constexpr const char* kContainerNoValue = "IDS_CONTAINER_NO_VALUE";
 /// An inner file holds a value of another type than was asked for; {0} is its URL.
 inline constexpr const char* kContainerOtherValue = "IDS_CONTAINER_OTHER_VALUE";
+/// A value that was kept in parts is read without its container; {0} is the name of a part.
+inline constexpr const char* kPartElsewhere = "IDS_PART_ELSEWHERE";
 
 } // namespace core::messages

@@ -110,6 +110,8 @@ class CORE_API StorageRW {
 
     /// Begins a transaction: from here on changes wait for commit(). Throws when there is one already.
     void begin();
+    /// Returns whether a transaction is open.
+    [[nodiscard]] bool inTransaction() const;
     /// Makes the changes of the transaction durable as one commit, and ends it; when it throws, all of them
     /// are taken back. Files still open for writing are not part of it. Does nothing without a transaction.
     void commit();
