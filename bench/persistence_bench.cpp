@@ -10,8 +10,11 @@
 #include <core/tables.h>
 #include <host/host_process.h>
 
+#include <QtCore/QByteArray>
+#include <QtCore/QCborArray>
+#include <QtCore/QCborValue>
+#include <QtCore/QString>
 #include <benchmark/benchmark.h>
-#include <msgpack.hpp>
 
 #include <array>
 #include <random>
@@ -103,30 +106,32 @@ void write_values(benchmark::State& state, StoredForm form) {
 BENCHMARK_CAPTURE(write_values, compact, StoredForm::compact);
 BENCHMARK_CAPTURE(write_values, text, StoredForm::text);
 
-msgpack::sbuffer packed_records() {
-    msgpack::sbuffer buffer;
-    msgpack::packer packer(buffer);
-    packer.pack_array(static_cast<std::uint32_t>(kValues));
-    for (const Record& record : records()) {
-        packer.pack(record.name);
-        packer.pack(record.count);
-        packer.pack(record.price);
-        packer.pack(record.sold);
-        packer.pack(record.note);
-    }
-    return buffer;
+const QCborArray& cbor_values() {
+    static const QCborArray values = [] {
+        QCborArray made;
+        for (const Record& record : records()) {
+            made.append(QString::fromUtf8(record.name.data(), static_cast<int>(record.name.size())));
+            made.append(record.count);
+            made.append(record.price);
+            made.append(record.sold);
+            made.append(QString::fromUtf8(record.note.data(), static_cast<int>(record.note.size())));
+        }
+        return made;
+    }();
+    return values;
 }
 
-void write_values_msgpack(benchmark::State& state) {
+void write_values_cbor(benchmark::State& state) {
+    const QCborValue values = cbor_values();
     std::size_t size = 0;
     for (auto _ : state) {
-        const msgpack::sbuffer buffer = packed_records();
-        size = buffer.size();
-        benchmark::DoNotOptimize(buffer.data());
+        const QByteArray bytes = values.toCbor();
+        size = static_cast<std::size_t>(bytes.size());
+        benchmark::DoNotOptimize(bytes.data());
     }
     count_values(state, size);
 }
-BENCHMARK(write_values_msgpack);
+BENCHMARK(write_values_cbor);
 
 void read_values(benchmark::State& state, StoredForm form) {
     const Bytes bytes = written_values(form);
@@ -144,15 +149,13 @@ void read_values(benchmark::State& state, StoredForm form) {
 BENCHMARK_CAPTURE(read_values, compact, StoredForm::compact);
 BENCHMARK_CAPTURE(read_values, text, StoredForm::text);
 
-void read_values_msgpack(benchmark::State& state) {
-    const msgpack::sbuffer buffer = packed_records();
-    for (auto _ : state) {
-        const msgpack::object_handle handle = msgpack::unpack(buffer.data(), buffer.size());
-        benchmark::DoNotOptimize(handle.get().via.array.ptr);
-    }
-    count_values(state, buffer.size());
+void read_values_cbor(benchmark::State& state) {
+    const QByteArray bytes = QCborValue(cbor_values()).toCbor();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(QCborValue::fromCbor(bytes));
+    count_values(state, static_cast<std::size_t>(bytes.size()));
 }
-BENCHMARK(read_values_msgpack);
+BENCHMARK(read_values_cbor);
 
 // a table
 
