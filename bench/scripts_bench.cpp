@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // Scripts inside a program: what it costs to start an engine for one line, to compile, to run again what is
-// compiled, to go round a loop, and to call what the program offers.
+// compiled, to go round a loop, and to call what the program offers and what the script declares; the last
+// two in Python, too.
 #include <core/script.h>
 #include <host/host_process.h>
 
 #include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <string>
 
 namespace {
 
@@ -86,5 +90,51 @@ void call_of_a_function(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * 10'000);
 }
 BENCHMARK(call_of_a_function);
+
+/// A procedure that the script declares, with two arguments and a result.
+void call_of_a_procedure(benchmark::State& state) {
+    const host::HostProcess process;
+    Engine engine;
+    const auto script = core::script::compile(u"Function Add(a, b) Return a + b EndFunction "
+                                              u"s = 0; For i = 1 To 10000 Do s = Add(s, i) EndDo; Return s");
+    for (auto _ : state)
+        benchmark::DoNotOptimize(engine.run(script));
+    state.SetItemsProcessed(state.iterations() * 10'000);
+}
+BENCHMARK(call_of_a_procedure);
+
+/// The seconds that Python takes for its statements, by its own clock and without its start; negative where
+/// there is no Python.
+double seconds_of_python(const std::string& statements) {
+    const std::string command = "python3 -c '\nfrom time import perf_counter\n" + statements +
+                                "\nbegin = perf_counter()\nwork()\nprint(perf_counter() - begin)'";
+    double seconds = -1;
+    if (FILE* const output = ::popen(command.c_str(), "r")) {
+        if (std::fscanf(output, "%lf", &seconds) != 1)
+            seconds = -1;
+        ::pclose(output);
+    }
+    return seconds;
+}
+
+void run_python(benchmark::State& state, const char* statements, std::int64_t items) {
+    for (auto _ : state) {
+        const double seconds = seconds_of_python(statements);
+        if (seconds < 0)
+            return state.SkipWithError("python3 is not there");
+        state.SetIterationTime(seconds);
+    }
+    state.SetItemsProcessed(state.iterations() * items);
+}
+BENCHMARK_CAPTURE(run_python, loop_with_arithmetic,
+                  "def work():\n  s = 0\n  for i in range(1, 1000001):\n    s = s + i * 2 - 1\n", 1'000'000)
+    ->UseManualTime()
+    ->Iterations(3);
+BENCHMARK_CAPTURE(run_python, call_of_a_procedure,
+                  "def add(a, b):\n  return a + b\ndef work():\n  s = 0\n  for i in range(1, 1000001):\n"
+                  "    s = add(s, i)\n",
+                  1'000'000)
+    ->UseManualTime()
+    ->Iterations(3);
 
 } // namespace

@@ -21,6 +21,17 @@ void throw_bad_index() {
     throw_error<ContextException>(messages::kBadIndex);
 }
 
+namespace {
+
+/// Says which index, and how many elements there are.
+[[noreturn]] void throw_bad_index(const Value& index, std::size_t count) {
+    const std::initializer_list<wstring> parameters{index.presentation(), string_intto(count)};
+    throw_with_message(ContextException(message_text("IDS_INDEX_OFFBOUND_OF", parameters)),
+                       messages::kBadIndex, parameters);
+}
+
+} // namespace
+
 void throw_bad_offset() {
     throw_error<ContextException>(messages::kBadOffset);
 }
@@ -82,7 +93,7 @@ std::size_t position_argument(const Value& argument, int param, std::size_t coun
     const std::int64_t index = index_argument(argument, param);
     const std::size_t end = count + (bound == IndexBound::insertion ? 1 : 0);
     if (index < 0 || static_cast<std::uint64_t>(index) >= end)
-        throw_bad_index();
+        throw_bad_index(argument, count);
     return static_cast<std::size_t>(index);
 }
 

@@ -4,6 +4,7 @@
 #include "host/commands/commands.h"
 #include "host/terminal/console_chooser.h"
 #include "host/terminal/terminal_text.h"
+#include "host/terminal/uncaught_report.h"
 
 #include <core/files/errors.h>
 #include <core/runtime/errors.h>
@@ -17,6 +18,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <ostream>
 #include <string_view>
 #include <utility>
@@ -44,6 +46,7 @@ ExitCode carry_out(const Action& action, const std::vector<std::string>& modules
         HostProcess process(settings);
         if (console.terminal)
             process.offerService(core::IChooser::IID, create_console_chooser(console).get());
+        process.offerService(core::IUncaughtExceptions::IID, create_uncaught_report(console).get());
         for (const std::string& file : modules)
             process.loadModule(file);
         code = action();
@@ -100,6 +103,27 @@ void look_for_language(const std::vector<std::string>& arguments, Console& conso
             name = argument.substr(kOption.size() + 1);
         if (name == "en" || name == "ru") // anything else is refused when it is read
             console.language = language_of(std::string(name));
+    }
+}
+
+/// `corehost FILE ARGUMENT…` is `corehost run FILE -- ARGUMENT…`: what stands behind the file is the
+/// script's.
+void put_run_before_file(CLI::App& app, std::vector<std::string>& arguments) {
+    const auto isCommand = [&app](const std::string& word) {
+        return std::ranges::any_of(app.get_subcommands({}),
+                                   [&](const CLI::App* command) { return command->get_name() == word; });
+    };
+    for (auto i = arguments.begin(); i != arguments.end(); ++i) {
+        if (*i == "--lang" || *i == "--module") { // the value is the next argument
+            if (++i == arguments.end())
+                return;
+        } else if (!i->starts_with('-')) {
+            if (!isCommand(*i) && std::filesystem::is_regular_file(*i)) {
+                i = arguments.insert(i + 1, "--");
+                arguments.insert(i - 1, "run");
+            }
+            return;
+        }
     }
 }
 
@@ -168,6 +192,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     add_text_command(app, console, action);
     if (console.language == Language::russian)
         group_help(app, kOptionsRussian);
+    put_run_before_file(app, arguments);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 wants
         app.parse(std::move(arguments));

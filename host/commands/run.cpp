@@ -14,12 +14,14 @@
 #include <new>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace host {
 namespace {
 
 struct RunOptions {
     std::string file;
+    std::vector<std::string> arguments;
     std::string encoding = "utf-8";
 };
 
@@ -31,8 +33,14 @@ ExitCode run_file(const RunOptions& options, Console& console) {
         const core::script::Script script = core::script::compile(text, core::from_utf8(file));
         core::script::Engine engine;
         connect(engine, console);
+        std::vector<core::wstring> arguments;
+        for (const std::string& argument : options.arguments)
+            arguments.push_back(core::from_utf8(argument));
+        engine.arguments(arguments);
         const InterruptScope interrupts(engine);
         engine.run(script);
+        if (const auto code = engine.exitCode())
+            return static_cast<ExitCode>(*code);
     } catch (const core::script::Error& error) {
         console.out.flush();
         show_error(console.err, error, console.colour);
@@ -52,6 +60,9 @@ void add_run_command(CLI::App& app, Console& console, Action& action) {
         ->add_option("file", options->file,
                      help(console, "The script; - is standard input", "Скрипт; - означает стандартный ввод"))
         ->required();
+    command->add_option("arguments", options->arguments,
+                        help(console, "What the script reads as Arguments; behind -- whatever they are",
+                             "То, что скрипт читает как Аргументы; после -- любые"));
     command
         ->add_option("--encoding", options->encoding,
                      help(console, "The encoding of the script; default: utf-8",

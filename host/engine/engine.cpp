@@ -3,8 +3,11 @@
 #include "host/language/parser.h"
 #include "host/language/script_error.h"
 #include "host/language/token.h"
+#include "host/library/collection_functions.h"
 #include "host/library/functions.h"
+#include "host/library/number_functions.h"
 #include "host/library/table_functions.h"
+#include "host/library/text_functions.h"
 
 #include <core/containers/container_functions.h>
 #include <core/containers/file_functions.h>
@@ -82,6 +85,10 @@ Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
     impl_->process = InterfacePtr<SCOM_Process>(current_process());
     impl_->surroundings = {print_to(std::cout), &open_file};
     impl_->functions = make_object<OfferedFunctions>();
+    impl_->program = make_object<ProgramFunctions>();
+    impl_->interpreter.imports().setReader([&surroundings = impl_->surroundings](const wstring& file) {
+        return read_script(surroundings, file);
+    });
     Globals& globals = impl_->interpreter.globals();
     if (auto* const enumerations = get_service<IEnumerations>())
         globals.add(InterfacePtr<IContext_>(enumerations));
@@ -94,6 +101,10 @@ Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
     globals.add(create_file_functions());
     globals.add(create_table_functions(impl_->surroundings));
     globals.add(create_script_functions(impl_->surroundings));
+    globals.add(create_text_functions());
+    globals.add(create_number_functions());
+    globals.add(create_collection_functions());
+    globals.add(impl_->program);
     globals.add(impl_->functions);
 }
 
@@ -126,10 +137,19 @@ GenericValue EngineAccess::run(Engine& engine, const Script& script, const Inter
         return {};
     const Engine::Impl::Working working(*engine.impl_);
     try {
-        return engine.impl_->interpreter.run(*program, show);
+        return engine.impl_->interpreter.run(program, show);
     } catch (const ScriptError& error) {
         throw error.located(*program->source);
     }
+}
+
+std::optional<int> Engine::exitCode() const noexcept {
+    return impl_->interpreter.exitCode();
+}
+
+void Engine::arguments(std::span<const wstring> arguments) {
+    const Impl::Working working(*impl_);
+    impl_->program->setArguments(arguments);
 }
 
 void Engine::interrupt() noexcept {

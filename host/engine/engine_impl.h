@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/engine/offered_functions.h"
+#include "host/engine/program_functions.h"
 #include "host/language/interpreter.h"
 #include "host/library/surroundings.h"
 
@@ -20,6 +21,7 @@ struct Engine::Impl {
     InterfacePtr<SCOM_Process> process;     // the one that the engine works in
     Surroundings surroundings;
     InterfacePtr<SCOM_InternalClass<OfferedFunctions>> functions;
+    InterfacePtr<SCOM_InternalClass<ProgramFunctions>> program;
     Interpreter interpreter;
 
     /// While it lives, the calling thread works in the engine's process.

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -42,12 +43,16 @@ struct Literal {
     GenericValue value;
 };
 struct Variable {
-    std::size_t slot; ///< index in Program::names
+    std::size_t slot; ///< among the names of the procedure, at the top level among those of the program
 };
-/// A function without an object in front: Print(x)
+/// No slot of a variable, or no procedure.
+inline constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+/// A procedure or a function without an object in front: Print(x)
 struct Call {
     wstring name;
     Arguments arguments;
+    std::size_t procedure = kNone; ///< index in Program::procedures, where the script declares it
+    std::size_t slot = kNone;      ///< of a variable of the procedure around it that has this name
 };
 /// New Name(x)
 struct Creation {
@@ -139,16 +144,81 @@ struct Continue {};
 struct Return {
     ExpressionPtr value; ///< null when nothing is returned
 };
+struct Try {
+    Block body;
+    Block handler;
+    std::size_t error; ///< slot of the failure while it is handled
+};
+struct Raise {
+    Span span;
+    ExpressionPtr value;         ///< null for the failure that is being handled
+    std::size_t handled = kNone; ///< slot of that failure; kNone outside of handlers
+};
+/// AddHandler Source.Event, Procedure
+struct Handler {
+    bool add;
+    ExpressionPtr source;
+    wstring event;
+    Span eventSpan;
+    ExpressionPtr procedure;
+};
 
 struct Statement {
     Span span;
-    std::variant<Assignment, Evaluation, If, ForEach, ForRange, While, Break, Continue, Return> node;
+    std::variant<Assignment, Evaluation, If, ForEach, ForRange, While, Break, Continue, Return, Try, Raise,
+                 Handler>
+        node;
+};
+
+struct Parameter {
+    bool byValue = false;
+    std::optional<GenericValue> byDefault;
+};
+
+/// Where a procedure finds what a name of it stands for.
+struct Binding {
+    enum class Kind : std::uint8_t {
+        own,   ///< a variable of the call alone
+        read,  ///< the procedure does not assign to it: the variable of the script is read
+        shared ///< the variable of the script, which `Var` at the top level declares
+    };
+    Kind kind = Kind::own;
+    std::size_t slot = kNone; ///< of the script's variable
+};
+
+struct Procedure {
+    wstring name;
+    bool returns = false; ///< a Function
+    bool exported = false;
+    std::vector<Parameter> parameters; ///< their slots are the first ones
+    Variables names;
+    std::vector<Binding> bindings; ///< by slot
+    std::vector<bool> assigned;    ///< by slot: whether a statement gives the variable a value
+    Block body;
+
+    /// How many arguments a call cannot do without.
+    [[nodiscard]] std::size_t needed() const noexcept {
+        std::size_t count = parameters.size();
+        while (count > 0 && parameters[count - 1].byDefault)
+            --count;
+        return count;
+    }
+};
+
+/// Import "file"
+struct Import {
+    Span span; ///< of the file's name
+    wstring file;
 };
 
 /// What compiling makes. It never changes, so that many threads can run it.
 struct Program {
     std::shared_ptr<const Source> source;
-    Variables names; ///< of the variables, each with its slot
+    std::vector<Import> imports;
+    std::vector<Procedure> procedures;
+    Variables procedureNames;          ///< the slot is the index in `procedures`
+    Variables names;                   ///< of the variables at the top level, each with its slot
+    std::vector<std::size_t> declared; ///< slots of the variables that `Var` declares
     Block body;
 };
 

@@ -66,6 +66,10 @@ class Names {
                     context.getNParams(method) == 0 ? u"()" : u"(");
         }
     }
+    void addProcedures(const ProcedureTable& procedures) {
+        for (const auto& [name, ref] : procedures.all())
+            add(name + (ref.procedure->parameters.empty() ? u"()" : u"("));
+    }
     void addTypes() {
         for (const IType* const type : require_service<ITypeValueService>().types()) {
             if (type->arguments().least >= 0)
@@ -73,7 +77,7 @@ class Names {
         }
     }
     void addKeywords() {
-        for (auto kind = TokenKind::keyIf; kind <= TokenKind::keyNull;
+        for (auto kind = TokenKind::keyIf; kind <= TokenKind::wordRemoveHandler;
              kind = static_cast<TokenKind>(static_cast<int>(kind) + 1))
             addTerm([kind](int alias) { return keyword_name(kind, alias).data(); });
     }
@@ -107,6 +111,8 @@ wstring parameters_behind(const Tail& tail, const Interpreter& interpreter, int 
         return {};
     const wstring name(tail.text(1));
     if (tail.kind(2) != TokenKind::dot) {
+        if (const ProcedureRef* const procedure = interpreter.procedures().find(name))
+            return display_parameters(*procedure->procedure, alias);
         const Globals::Place place = interpreter.globals().findMethod(name);
         return place.context != nullptr ? display_parameters(*place.context, place.number, alias) : wstring();
     }
@@ -184,6 +190,7 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
                 if (interpreter.value(variables.name(slot)))
                     names.add(variables.name(slot));
             }
+            names.addProcedures(interpreter.procedures());
             names.addKeywords();
             for (const auto& context : interpreter.globals().contexts())
                 names.addMembers(*context);

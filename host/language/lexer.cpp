@@ -35,6 +35,10 @@ std::size_t skip_spaces(wstring_view text, std::size_t at) noexcept {
 Lexer::Lexer(wstring_view text, More more) : text_(text), more_(std::move(more)) {
     if (at(0) == kByteOrderMark)
         at_ = 1;
+    if (text_.substr(at_, 2) == u"#!") { // what runs the file, for the system
+        while (at_ < text_.size() && !is_line_end(text_[at_]))
+            ++at_;
+    }
 }
 
 bool Lexer::extend() {
@@ -66,6 +70,13 @@ Token Lexer::next() {
     if (c == u'\'')
         return date();
     return sign();
+}
+
+Token Lexer::peek() {
+    const std::size_t here = at_;
+    const Token token = next();
+    at_ = here;
+    return token;
 }
 
 void Lexer::skip_blanks() {

@@ -19,6 +19,8 @@ class Lexer {
 
     /// The next token; `end` at the end, as often as asked. Throws ScriptError for text that is not a token.
     Token next();
+    /// The token that next() returns then.
+    Token peek();
     /// Asks for more text, which next() then reads. False if no more comes.
     bool extend();
 

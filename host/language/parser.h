@@ -18,7 +18,7 @@ enum class Mode {
 
 /// Reads a script. Throws ScriptError for the first thing that is wrong.
 ///
-/// The grammar stands in docs/corehost.md, "The language". After "." and New every word is a name, keywords
+/// The grammar stands in docs/language.md. After "." and New every word is a name, keywords
 /// included.
 [[nodiscard]] Program parse(std::shared_ptr<const Source> source, Mode mode = Mode::file);
 

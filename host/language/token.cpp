@@ -41,6 +41,20 @@ constexpr Keyword kKeywords[] = {
     {TokenKind::keyFalse, u"False", u"Ложь"},
     {TokenKind::keyUndefined, u"Undefined", u"Неопределено"},
     {TokenKind::keyNull, u"Null", u"Null"},
+    {TokenKind::wordProcedure, u"Procedure", u"Процедура"},
+    {TokenKind::wordEndProcedure, u"EndProcedure", u"КонецПроцедуры"},
+    {TokenKind::wordFunction, u"Function", u"Функция"},
+    {TokenKind::wordEndFunction, u"EndFunction", u"КонецФункции"},
+    {TokenKind::wordVal, u"Val", u"Знач"},
+    {TokenKind::wordExport, u"Export", u"Экспорт"},
+    {TokenKind::wordVar, u"Var", u"Перем"},
+    {TokenKind::wordTry, u"Try", u"Попытка"},
+    {TokenKind::wordExcept, u"Except", u"Исключение"},
+    {TokenKind::wordEndTry, u"EndTry", u"КонецПопытки"},
+    {TokenKind::wordRaise, u"Raise", u"ВызватьИсключение"},
+    {TokenKind::wordImport, u"Import", u"Импорт"},
+    {TokenKind::wordAddHandler, u"AddHandler", u"ДобавитьОбработчик"},
+    {TokenKind::wordRemoveHandler, u"RemoveHandler", u"УдалитьОбработчик"},
 };
 
 struct Sign {
@@ -68,12 +82,23 @@ KeywordTable make_keyword_table() {
     return table;
 }
 
-} // namespace
-
-TokenKind keyword(wstring_view word) {
+/// The keyword of either kind that a word is, or `name`.
+TokenKind find_keyword(wstring_view word) {
     static const KeywordTable table = make_keyword_table();
     const auto found = table.find(word);
     return found != table.end() ? found->second : TokenKind::name;
+}
+
+} // namespace
+
+TokenKind keyword(wstring_view word) {
+    const TokenKind kind = find_keyword(word);
+    return is_keyword(kind) ? kind : TokenKind::name;
+}
+
+TokenKind soft_keyword(wstring_view word) {
+    const TokenKind kind = find_keyword(word);
+    return is_keyword(kind) ? TokenKind::name : kind;
 }
 
 wstring_view keyword_name(TokenKind kind, int alias) {
@@ -85,7 +110,7 @@ wstring_view keyword_name(TokenKind kind, int alias) {
 }
 
 wstring spelling(TokenKind kind) {
-    if (is_keyword(kind)) {
+    if (kind >= TokenKind::keyIf) {
         const wstring_view english = keyword_name(kind, kEnglish);
         const wstring_view russian = keyword_name(kind, kRussian);
         return english == russian ? wstring(english) : wstring(english).append(u"/").append(russian);

@@ -54,6 +54,21 @@ enum class TokenKind : std::uint8_t {
     keyFalse,
     keyUndefined,
     keyNull,
+    // words that are names wherever no statement of theirs can stand
+    wordProcedure,
+    wordEndProcedure,
+    wordFunction,
+    wordEndFunction,
+    wordVal,
+    wordExport,
+    wordVar,
+    wordTry,
+    wordExcept,
+    wordEndTry,
+    wordRaise,
+    wordImport,
+    wordAddHandler,
+    wordRemoveHandler,
 };
 
 struct Token {
@@ -63,12 +78,15 @@ struct Token {
 
 /// The keyword that a word is, in either language and without regard to case; `name` for any other word.
 [[nodiscard]] TokenKind keyword(wstring_view word);
-/// What a sign or a keyword is written as, a keyword in both languages: "Then/Тогда". Empty for other kinds.
+/// The same for the words that are keywords in some places alone; `name` for any other word.
+[[nodiscard]] TokenKind soft_keyword(wstring_view word);
+/// What a sign or a keyword of either kind is written as, a keyword in both languages: "Then/Тогда". Empty
+/// for other kinds.
 [[nodiscard]] wstring spelling(TokenKind kind);
-/// A keyword in the language of `alias`: kEnglish or kRussian.
+/// A keyword of either kind in the language of `alias`: kEnglish or kRussian.
 [[nodiscard]] wstring_view keyword_name(TokenKind kind, int alias);
 [[nodiscard]] constexpr bool is_keyword(TokenKind kind) noexcept {
-    return kind >= TokenKind::keyIf;
+    return kind >= TokenKind::keyIf && kind <= TokenKind::keyNull;
 }
 
 } // namespace core::script

@@ -2,6 +2,7 @@
 #include "host/language/watch.h"
 
 #include "host/language/script_error.h"
+#include "host/language/script_exit.h"
 
 #include <core/strings/integer_text.h>
 
@@ -59,6 +60,7 @@ std::span<const std::byte> stack_reserve() noexcept {
 
 void Watch::begin() {
     interrupted_.store(false, std::memory_order_relaxed); // it was meant for the script before
+    exit_.reset();
     watching_ = limits_.time.count() != 0 || limits_.memory != 0;
     taken_ = 0;
     if (watching_) {
@@ -78,8 +80,11 @@ void Watch::grant() noexcept {
 }
 
 void Watch::check(Span span) {
-    if (interrupted_.exchange(false, std::memory_order_relaxed))
+    if (interrupted_.exchange(false, std::memory_order_relaxed)) {
+        if (exit_)
+            throw ScriptExit{*exit_};
         fail_at(span, messages::kScriptInterrupted);
+    }
     taken_ += static_cast<std::uint64_t>(granted_ - fuse_);
     granted_ = fuse_;
     if (limits_.steps != 0 && taken_ > limits_.steps)

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace core::script {
 
@@ -20,6 +21,14 @@ class Watch {
 
     /// Stops the script at its next step. Any thread, signal handlers among them.
     void interrupt() noexcept { interrupted_.store(true, std::memory_order_relaxed); }
+
+    /// Makes the script exit with a code at its next step; no effect while none runs.
+    void exit(int code) noexcept {
+        if (!running())
+            return;
+        exit_ = code;
+        interrupt();
+    }
 
     /// One run, which may stand inside another. The outermost one begins to count.
     class Run {
@@ -36,10 +45,11 @@ class Watch {
         Watch& watch_;
     };
 
+    [[nodiscard]] bool running() const noexcept { return runs_ > 0; }
     /// Whether a run stands inside another one.
     [[nodiscard]] bool nested() const noexcept { return runs_ > 1; }
 
-    /// A statement, or a round of a loop. Throws ScriptError when it may not be taken.
+    /// A statement, or a round of a loop. Throws ScriptError when it may not be taken, and ScriptExit.
     void step(Span span) {
         if (--fuse_ <= 0 || interrupted_.load(std::memory_order_relaxed)) [[unlikely]]
             check(span);
@@ -88,6 +98,7 @@ class Watch {
 
     Limits limits_;
     std::atomic<bool> interrupted_{false};
+    std::optional<int> exit_; // of the thread of the script alone
     int runs_ = 0;
     int depth_ = 0;
     bool watching_ = false;    // the clock or the memory

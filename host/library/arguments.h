@@ -4,6 +4,8 @@
 #include <core/context/arguments.h>
 #include <core/context/context_impl.h>
 #include <core/streams/encoding.h>
+#include <core/strings/integer_text.h>
+#include <core/values/errors.h>
 #include <core/values/generic_value.h>
 
 #include <cstddef>
@@ -39,11 +41,19 @@ using Args = std::span<GenericValue>;
     return *encoding;
 }
 
+/// Refuses an argument that has no such reading; a text is what `id` says it is not.
+[[noreturn]] inline void refuse_reading(Args arguments, int param, const char* id) {
+    const wstring_view* const text = arguments[static_cast<std::size_t>(param)].asString();
+    if (text == nullptr)
+        parameter_type_mismatch(param);
+    throw_error<ContextException>(id, {string_intto(param + 1), wstring(*text)});
+}
+
 /// What a value of any type reads as a number.
 [[nodiscard]] inline Numeric number_reading(Args arguments, int param) {
     Numeric number;
     if (!arguments[static_cast<std::size_t>(param)].getNumeric(number))
-        parameter_type_mismatch(param);
+        refuse_reading(arguments, param, "IDS_SCRIPT_NO_NUMBER");
     return number;
 }
 

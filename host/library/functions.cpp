@@ -145,7 +145,7 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
     GenericValue date(Args a) {
         Date date;
         if (!a[0].getDate(date))
-            parameter_type_mismatch(0);
+            refuse_reading(a, 0, "IDS_SCRIPT_NO_DATE");
         return GenericValue(date);
     }
     GenericValue round(Args a) {

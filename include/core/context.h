@@ -4,6 +4,7 @@
 /// Contexts: what scripts reach of an object, its properties and methods by number and by two names,
 /// walks over collections, and events.
 #include <core/context/arguments.h>
+#include <core/context/callable.h>
 #include <core/context/connection.h>
 #include <core/context/context_def.h>
 #include <core/context/context_def_ext.h>

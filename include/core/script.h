@@ -6,8 +6,10 @@
 #include <core/script/api.h>
 #include <core/script/console.h>
 #include <core/script/engine.h>
+#include <core/script/error_value.h>
 #include <core/script/errors.h>
 #include <core/script/text.h>
+#include <core/script/text_match.h>
 #include <core/values.h>
 
 #include <iostream>

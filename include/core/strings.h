@@ -9,6 +9,7 @@
 #include <core/strings/letter_case.h>
 #include <core/strings/like.h>
 #include <core/strings/names.h>
+#include <core/strings/nearest.h>
 #include <core/strings/path.h>
 #include <core/strings/printf.h>
 #include <core/strings/split.h>

@@ -111,8 +111,8 @@ TEST_F(InterpreterTest, ObjectsByBothNamesInAnyCase) {
         {"New Map.Property", "! 1:9 The type Map has no property Property."},
         {"a = New Map; a\n .Nothing(1)", "! 2:3 The type Map has no method Nothing."},
         {"a = New Structure(\"a\"); a.b = 1", "! 1:27 The type Structure has no property b."},
-        {"a = New Array; a[0]", "! 1:17 The index is out of bounds."},
-        {"a = New Array; a[0] = 1", "! 1:17 The index is out of bounds."},
+        {"a = New Array; a[0]", "! 1:17 The index 0 is out of bounds: the count is 0."},
+        {"a = New Array; a[0] = 1", "! 1:17 The index 0 is out of bounds: the count is 0."},
         {"(New FixedArray(New Array(1)))[0] = 1",
          "! 1:31 A value of the type Fixed array has no elements in brackets."},
         {"a = 5; a[0]; ", "! 1:9 A value of the type Number has no properties and methods, so it has no 0."},
@@ -132,14 +132,13 @@ TEST_F(InterpreterTest, ArgumentsInAndOut) {
          "True\nMap {got: 7}\nTrue"},
         {"s = New Structure(\"a\", 7); s.Property(\"a\", 1 + 1); s.Property(\"a\"); s.Property(\"a\",)",
          "True\nTrue\nTrue"},
-        {"a = New Array; a.Insert(0, 1); a.Insert(, 5); a",
-         "! 1:34 The method Insert needs its parameter 1."},
+        {"a = New Array; a.Insert(0, 1); a.Insert(, 5); a", "! 1:34 Insert needs its parameter Index."},
         {"s = New Structure; s.Insert(\"a\"); s.Insert(\"b\",); s", "Structure {a: Undefined, b: Undefined}"},
         {"New Structure(\"a,b\",,2)", "Structure {a: Undefined, b: 2}"},
         {"New Map.Count(1)", "! 1:9 Too many arguments: the method Count takes at most 0."},
         {"New Map.Count(,)", "! 1:9 Too many arguments: the method Count takes at most 0."},
-        {"New Map.Insert()", "! 1:9 The method Insert needs its parameter 1."},
-        {"Left(5, 1)", "! 1:1 Parameter 1 is of a type that is not accepted here."},
+        {"New Map.Insert()", "! 1:9 Insert needs its parameter Key."},
+        {"Left(5, 1)", "! 1:1 Left: the parameter Text does not take a value of the type Number: 5."},
         {"Print(); x = Print(5); x", "\n5\nUndefined"},
     });
 }
@@ -154,8 +153,8 @@ TEST_F(InterpreterTest, Functions) {
          "\"STRASSE\"\n\"ёж\"\n\"a b\"\n\"ab  |\"\n\"  5\""},
         {"Number(\"1.50\"); String(1.50); Date(\"2024-02-29 00:00:00\"); Round(2.345, 2); Окр(1250, -2)",
          "1.5\n\"1.5\"\n'20240229000000'\n2.35\n1300"},
-        {"Number(\"x\")", "! 1:1 Parameter 1 is of a type that is not accepted here."},
-        {"Round(1, 5000)", "! 1:1 Parameter 2 has a value that is not accepted here."},
+        {"Number(\"x\")", "! 1:1 Number: \"x\" is not a number (parameter Value)."},
+        {"Round(1, 5000)", "! 1:1 Round: the parameter Digits does not take this value: 5000."},
         {"TypeOf(1); ТипЗнч(New Map); TypeOf(Type(\"Map\"))", "Number\nMap\nType"},
         {"TypeOf(CurrentDate()); CurrentDate() > '20240101'; Elapsed() >= 0", "Date\nTrue\nTrue"},
         {"FromText(\"{\"\"N\"\",5}\"); ToText(5.25); ИзТекста(ВТекст(\"a\"\"b\"))",
@@ -173,7 +172,7 @@ TEST_F(InterpreterTest, FilesKeepTheirOldContentWhenSavingFails) {
     const auto quoted = '"' + file + '"';
     EXPECT_EQ(session.run("SaveText(" + quoted + ", \"раз\"); LoadText(" + quoted + ")"), "\"раз\"");
     EXPECT_EQ(session.run("SaveText(" + quoted + ", 5)"),
-              "! 1:1 Parameter 2 is of a type that is not accepted here.");
+              "! 1:1 SaveText: the parameter Text does not take a value of the type Number: 5.");
     EXPECT_EQ(session.run("LoadText(" + quoted + ")"), "\"раз\"");
     std::ofstream(file, std::ios::binary) << "\xEF\xBB\xBFok";
     EXPECT_EQ(session.run("LoadText(" + quoted + ")"), "\"ok\""); // without the byte order mark

@@ -24,6 +24,13 @@ std::string tree(std::string_view text, Mode mode = Mode::file) {
     return Dump(parse(source(text), mode)).all();
 }
 
+std::string repeat(std::string_view text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i)
+        result += text;
+    return result;
+}
+
 class ParserTest : public testing::Test {
   protected:
     /// "line:column message", or the tree when nothing is wrong.
@@ -59,6 +66,61 @@ TEST_F(ParserTest, EveryStatementInBothLanguages) {
     EXPECT_EQ(tree("Return; If a Then Return EndIf; Возврат a + 1"),
               "return; if a {return;} else {} return (a+1);");
     EXPECT_EQ(tree(";; // nothing\n ;"), "");
+}
+
+TEST_F(ParserTest, ProceduresInBothLanguages) {
+    EXPECT_EQ(tree("P(1); Procedure P(a, Val b, c = -1.5) Export Var i; Sum = a + x; F(b); Return; "
+                   "EndProcedure Function F(t = \"z\") Return F() EndFunction Var Sum; Sum = 0"),
+              "procedure P(a,b=,c:-1.5)! i Sum& x^ {i:=Undefined; Sum:=(a+x); @F(b); return;} "
+              "function F(t:\"z\") {return @F();} @P(1); Sum:=0;");
+    EXPECT_EQ(tree("Процедура P(Знач Val, Val2) Экспорт КонецПроцедуры; ФУНКЦИЯ Ф() Возврат 1 КонецФункции"),
+              "procedure P(Val=,Val2)! {} function Ф() {return 1;}");
+    EXPECT_EQ(tree("Import \"a.script\"; Импорт \"b\"; x = 1"), "import a.script; import b; x:=1;");
+    EXPECT_EQ(tree("Try a = 1 Except Raise; Raise Error.Text EndTry; Попытка f() Исключение "
+                   "ВызватьИсключение \"x\" + Ошибка КонецПопытки; Raise (\"y\")"),
+              "try {a:=1;} except {raise; raise #error1.Text;} try {f();} except {raise (\"x\"+#error1);} "
+              "raise \"y\";");
+    EXPECT_EQ(tree("AddHandler T.RowAdded, OnAdd; УдалитьОбработчик a.b[0].Cleared, x"),
+              "add T.RowAdded OnAdd; remove a.b[0].Cleared x;");
+    EXPECT_EQ(tree("#!/usr/bin/env corehost\nx = 1"), "x:=1;");
+}
+
+TEST_F(ParserTest, NewWordsAreNamesWhereNoStatementOfTheirsStands) {
+    for (const char* const word :
+         {"Procedure", "EndProcedure", "Function", "EndFunction", "Val", "Export", "Var", "Try", "Except",
+          "EndTry", "Raise", "Import", "AddHandler", "RemoveHandler", "Процедура", "Попытка", "Знач"}) {
+        const std::string w(word);
+        EXPECT_EQ(tree(w + " = 1; " + w + ".x = " + w + " + 1; " + w + "[0] = " + w + ".y(" + w + ")"),
+                  w + ":=1; " + w + ".x:=(" + w + "+1); " + w + "[0]:=" + w + ".y(" + w + ");");
+        EXPECT_EQ(tree("For " + w + " = 1 To 2 Do x = " + w + " EndDo"),
+                  "for " + w + " 1..2 {x:=" + w + ";}");
+    }
+    EXPECT_EQ(tree("Try(1); Function(2); x = Raise(3)"), "Try(1); Function(2); x:=Raise(3);");
+    EXPECT_EQ(tree("Try Except = 1; Try = 2 Except EndTry = 3 EndTry"),
+              "try {Except:=1; Try:=2;} except {EndTry:=3;}");
+}
+
+TEST_F(ParserTest, RefusesProceduresThatMakeNoSense) {
+    EXPECT_EQ(refusal("If a Then Procedure P() EndProcedure EndIf"),
+              "1:11 “Procedure” stands at the top level of a script only.");
+    EXPECT_EQ(refusal("Procedure P() Function F() EndFunction EndProcedure"),
+              "1:15 “Function” stands at the top level of a script only.");
+    EXPECT_EQ(refusal("Procedure P() Return 1 EndProcedure"),
+              "1:22 A procedure returns no value; a function does.");
+    EXPECT_EQ(refusal("Procedure P()\nEndFunction"),
+              "2:1 Expected “EndProcedure/КонецПроцедуры”, found “EndFunction”.");
+    EXPECT_EQ(refusal("Procedure P() EndProcedure Function p() EndFunction"),
+              "1:37 The script has a procedure p already.");
+    EXPECT_EQ(refusal("Function F(a, A) EndFunction"), "1:15 The procedure has a parameter A already.");
+    EXPECT_TRUE(refusal("Function F(a = b) EndFunction").starts_with("1:16 A default is a constant"));
+    EXPECT_TRUE(refusal("Try a = 1; Raise EndTry").starts_with("1:12 Raise needs a value"));
+    EXPECT_EQ(refusal("Try a = 1 EndTry"), "1:11 Expected “Except/Исключение”, found “EndTry”.");
+    EXPECT_EQ(refusal("EndTry"), "1:1 Expected a statement, found “EndTry”.");
+    EXPECT_TRUE(refusal("AddHandler T, P").starts_with("1:12 Expected an object and one of its events"));
+    EXPECT_EQ(refusal("Import a"), "1:8 Expected the name of a file in quotes, found “a”.");
+    EXPECT_EQ(refusal("While a Do Procedure = 1; Break EndDo; Function F() Break EndFunction"),
+              "1:53 “Break” stands outside of a loop.");
+    EXPECT_NE(refusal(repeat("Try ", 20000)).find("Nested more"), std::string::npos);
 }
 
 TEST_F(ParserTest, OperationsBindAsInSchool) {
@@ -116,13 +178,6 @@ TEST_F(ParserTest, MessagesFollowTheThreadsLanguage) {
     Thread::setResourceLocale(Locale("en"));
 }
 
-std::string repeat(std::string_view text, int times) {
-    std::string result;
-    for (int i = 0; i < times; ++i)
-        result += text;
-    return result;
-}
-
 TEST_F(ParserTest, DeepNestingIsRefusedAndLengthIsNot) {
     for (const auto& [open, close] :
          {std::pair("(", ")"), {"f(", ")"}, {"a[", "]"}, {"-", ""}, {"Not ", ""}}) {
@@ -176,6 +231,10 @@ TEST_F(ParserTest, AnEntryGoesOnUntilItIsComplete) {
             pieces.push_back(word);
         EXPECT_EQ(entry_tree(pieces), tree(whole, Mode::console));
     }
+    EXPECT_EQ(
+        entry_tree({"Function F(a", ", b)", "Try", "Return a", "Except", "Raise", "EndTry", "EndFunction"}),
+        "function F(a,b) #error1 {try {return a;} except {raise;}}");
+    EXPECT_EQ(entry_tree({"AddHandler", "T.RowAdded", ",", "P"}), "add T.RowAdded P;");
     EXPECT_EQ(entry_tree({"x =", "", "// not yet", "1"}), "x:=1;");
     EXPECT_EQ(entry_tree({"// nothing"}), "");
 

@@ -73,7 +73,8 @@ TEST_F(TablePrintTest, LongTablesShowTheirHead) {
     EXPECT_EQ(session.run("PrintTable(T, 0)"), "N\n─\n… 22 more rows\nRows: 22");
     EXPECT_EQ(session.run("T.Delete(0); PrintTable(T, 20); "),
               " N\n──\n" + head.substr(head.find(" 2\n")) + "21\n22\nRows: 21");
-    EXPECT_EQ(session.run("PrintTable(5)"), "! 1:1 Parameter 1 is of a type that is not accepted here.");
+    EXPECT_EQ(session.run("PrintTable(5)"),
+              "! 1:1 PrintTable: the parameter Table does not take a value of the type Number: 5.");
 }
 
 TEST_F(TablePrintTest, CellsAreCutToTheWidth) {

@@ -9,7 +9,7 @@ namespace core::messages {
 
 /// A move would take an element out of its collection. No parameters.
 inline constexpr const char* kBadOffset = "IDS_COLLECTION_BADOFFSET";
-/// A collection has no element of that index. No parameters.
+/// A collection has no element of that index; {0} is the index and {1} the count, where they are known.
 inline constexpr const char* kBadIndex = "IDS_INDEX_OFFBOUND";
 /// A call lacks an argument; {0} is the method, {1} the number of the parameter, from 1.
 inline constexpr const char* kMissingArgument = "IDS_CONTEXT_MISSING_ARGUMENT";

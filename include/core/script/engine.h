@@ -16,6 +16,7 @@
 #include <initializer_list>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <span>
 
 /// Scripts inside a program. docs/embedding.md shows such programs.
@@ -50,8 +51,8 @@ class CORE_SCRIPT_API Script {
 /// time and memory are looked at when it returns.
 struct Limits {
     /// How deep blocks, expressions and calls may stand inside each other, runs that a function of the
-    /// program starts in the same engine included.
-    static constexpr int kDepth = 1000;
+    /// program starts in the same engine included. A procedure that calls itself takes three to five levels.
+    static constexpr int kDepth = 5000;
 
     std::uint64_t steps = 0;          ///< statements and rounds of loops; 0 for any number
     std::chrono::nanoseconds time{0}; ///< from the start of the run; 0 for any time
@@ -94,10 +95,15 @@ class CORE_SCRIPT_API Engine {
     // run
 
     /// Runs a script and returns what its Return says; Undefined without one. Throws Error for the first
-    /// failure; what was done before stays done. A function of the program may run scripts while one runs.
+    /// failure that the script does not handle; what was done before stays done. A function of the program
+    /// may run scripts while one runs. Procedures that the script declares stay with the engine, as variables
+    /// do.
     Value run(const Script& script);
     /// Compiles a script and runs it; `name` is what errors call it.
     Value run(const Text& text, const Text& name = u"script");
+    /// Returns what the last run asked to exit with, 0 to 255; nothing where it did not. Such a run ends at
+    /// once and returns the code.
+    [[nodiscard]] std::optional<int> exitCode() const noexcept;
     /// Makes the running script fail with "IDS_SCRIPT_INTERRUPTED" at its next statement or round of a loop;
     /// no effect while none runs. Threads: any; signal handlers, too.
     void interrupt() noexcept;
@@ -147,6 +153,9 @@ class CORE_SCRIPT_API Engine {
     /// of its members must not change.
     void offer(IContext_* context);
 
+    /// Sets what scripts read as `Arguments`: an array of copies of the texts.
+    void arguments(std::span<const wstring> arguments);
+
     // output and input
 
     /// Lets Print write to `out` in UTF-8, which must outlive its use: a table as lines of up to 100 columns,
@@ -154,7 +163,7 @@ class CORE_SCRIPT_API Engine {
     void output(std::ostream& out);
     /// Lets `print` show what scripts print.
     void output(Printer print);
-    /// Lets `open` open the files of LoadCsv. Without it they are paths and URLs.
+    /// Lets `open` open the files of LoadCsv and of Import. Without it they are paths and URLs.
     void input(Opener open);
 
   private:

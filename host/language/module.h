@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/language/ast.h"
+#include "host/language/frames.h"
+
+#include <memory>
+#include <vector>
+
+namespace core::script {
+
+class Interpreter;
+class ProcedureTable;
+
+/// A script in an engine: what it was compiled to, its variables, and the procedures of others that it may
+/// call. The values of its procedures hold it, and outlive the engine at most as something that can no longer
+/// be called.
+struct Module : std::enable_shared_from_this<Module> {
+    Interpreter* owner = nullptr; ///< null when the engine has ended
+    std::shared_ptr<const Program> program;
+    /// By slot of Program::names: variables of the engine, or of an imported file its own.
+    std::vector<Cell> cells;
+    ProcedureTable* known = nullptr;         ///< those of the engine, or `imports`
+    std::unique_ptr<ProcedureTable> imports; ///< of an imported file
+};
+
+} // namespace core::script
