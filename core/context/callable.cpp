@@ -20,6 +20,7 @@ class Procedure : public ScriptObject<Procedure, ICallable> {
     const wstring& name() const noexcept override { return parts_.name; }
     int leastArguments() const noexcept override { return parts_.leastArguments; }
     int mostArguments() const noexcept override { return parts_.mostArguments; }
+    bool returns() const noexcept override { return parts_.returns; }
     const void* target() const noexcept override { return parts_.target; }
     GenericValue call(std::span<const GenericValue> arguments) override {
         const auto count = static_cast<int>(arguments.size());

@@ -50,8 +50,12 @@ Error error_of(const Exception& failure) {
 
 class ErrorValue : public ScriptObject<ErrorValue, IErrorValue> {
   public:
-    static constexpr ClassNames names{u"Error", u"Ошибка"};
+    // Scripts cannot make one; that a process can serves those that ask for the definition.
+    static constexpr ScriptClass script = {.names = {u"Error", u"Ошибка"},
+                                           .type = script_type_id(u"Error"),
+                                           .object = script_class_id(u"Error")};
 
+    ErrorValue() : ErrorValue(Error()) {}
     explicit ErrorValue(const Error& error) : error_(error), failure_(failure_of(error_)) {}
 
     const Error& error() const noexcept override { return error_; }
@@ -92,7 +96,7 @@ class ErrorValue : public ScriptObject<ErrorValue, IErrorValue> {
     const Exception& failure_; // the error itself, or its cause
 };
 
-const ScriptTypeEntry<ErrorValue> kEntry;
+const ScriptClassEntry<ErrorValue> kEntry;
 
 } // namespace
 

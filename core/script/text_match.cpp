@@ -10,8 +10,12 @@ namespace {
 
 class TextMatch : public ScriptObject<TextMatch> {
   public:
-    static constexpr ClassNames names{u"TextMatch", u"СовпадениеТекста"};
+    // Scripts cannot make one; that a process can serves those that ask for the definition.
+    static constexpr ScriptClass script = {.names = {u"TextMatch", u"СовпадениеТекста"},
+                                           .type = script_type_id(u"TextMatch"),
+                                           .object = script_class_id(u"TextMatch")};
 
+    TextMatch() : TextMatch({}, 0, create_fixed_value_array({})) {}
     TextMatch(wstring_view text, std::size_t position, InterfacePtr<IValueSequence> groups)
         : text_(text), position_(position), groups_(std::move(groups)) {}
 
@@ -35,7 +39,7 @@ class TextMatch : public ScriptObject<TextMatch> {
     InterfacePtr<IValueSequence> groups_;
 };
 
-const ScriptTypeEntry<TextMatch> kEntry;
+const ScriptClassEntry<TextMatch> kEntry;
 
 } // namespace
 

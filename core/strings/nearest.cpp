@@ -40,9 +40,8 @@ NearestName::NearestName(wstring_view name) {
     if (name.size() > kLongest)
         return;
     name_ = to_lower(name);
-    least_ = std::max<std::size_t>(name_.size() / 3, 1) + 1;
-    if (name_.size() < 3)
-        least_ = name_.size(); // one wrong letter of two leaves nothing to go by
+    if (name_.size() > 2) // one wrong letter of two leaves nothing to go by
+        least_ = name_.size() / 3 + 1;
 }
 
 void NearestName::add(wstring_view candidate) {

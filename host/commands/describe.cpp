@@ -6,7 +6,7 @@
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
 #include <core/script/console.h>
-#include <core/strings/letter_case.h>
+#include <core/strings/nearest.h>
 #include <core/strings/term.h>
 #include <core/values/type_service.h>
 
@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
-#include <numeric>
 #include <ostream>
 
 namespace host {
@@ -23,38 +22,14 @@ namespace {
 
 using namespace core;
 
-/// How many letters must be inserted, removed or exchanged to make one text of the other.
-std::size_t distance(wstring_view a, wstring_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t exchanged = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({exchanged, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
-}
-
 /// The name of a type that was probably meant; empty when none is near.
 wstring nearest(const std::vector<IType*>& types, wstring_view name) {
-    constexpr std::size_t kLongest = 100; // of what a person mistypes
-    wstring best;
-    if (name.size() > kLongest)
-        return best;
-    std::size_t least = std::max<std::size_t>(name.size() / 3, 1) + 1;
+    NearestName near(name);
     for (const IType* const type : types) {
-        for (const int alias : {kEnglish, kRussian}) {
-            const wstring candidate = type->name(alias);
-            if (const auto far = distance(to_lower(candidate), to_lower(name)); far < least) {
-                least = far;
-                best = candidate;
-            }
-        }
+        for (const int alias : {kEnglish, kRussian})
+            near.add(type->name(alias));
     }
-    return best;
+    return near.best();
 }
 
 ExitCode describe_type(const std::string& text, Console& console) {

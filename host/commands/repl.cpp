@@ -43,9 +43,9 @@ class Repl {
 
     explicit Repl(Console& console) : console_(console) { connect(engine_, console); }
 
-    /// Carries entries out until the lines end, or nothing can be shown any more.
+    /// Carries entries out until the lines end, one of them exits, or nothing can be shown any more.
     void run(const Lines& lines) {
-        while (console_.out) {
+        while (console_.out && !engine_.exitCode()) {
             try {
                 const std::optional<wstring> line = lines(false);
                 if (!line)
@@ -67,6 +67,11 @@ class Repl {
         fail(console_, message, ExitCode::malformed);
     }
 
+    /// What the program answers: what an entry asked to exit with, or else `code`.
+    [[nodiscard]] ExitCode answer(ExitCode code) const noexcept {
+        const auto asked = engine_.exitCode();
+        return asked ? static_cast<ExitCode>(*asked) : code;
+    }
     [[nodiscard]] bool hasFailed() const noexcept { return failed_; }
 
     [[nodiscard]] script::Completion complete(wstring_view line) const {
@@ -136,7 +141,7 @@ ExitCode converse(Console& console) {
         ended = line.kind == LineEditor::Line::Kind::end;
         throw EntryDropped();
     });
-    return ended ? ExitCode::done : ExitCode::io;
+    return repl.answer(ended ? ExitCode::done : ExitCode::io);
 }
 
 /// Without a terminal there is nobody to see prompts, and the program that started it must learn of failures.
@@ -154,7 +159,7 @@ ExitCode read_entries(Console& console) {
         repl.report(message_text(messages::kTextNotUtf8, {u"-", string_intto(fault - line.begin())}));
         throw EntryDropped();
     });
-    return repl.hasFailed() ? ExitCode::malformed : ExitCode::done;
+    return repl.answer(repl.hasFailed() ? ExitCode::malformed : ExitCode::done);
 }
 
 ExitCode run_repl(Console& console) {

@@ -66,6 +66,10 @@ class Names {
                     context.getNParams(method) == 0 ? u"()" : u"(");
         }
     }
+    void addEvents(const IEventSource& source, wstring_view behind = {}) {
+        for (int event = 0; event < source.getNEvents(); ++event)
+            addTerm([&](int alias) { return source.getEventName(event, alias); }, behind);
+    }
     void addProcedures(const ProcedureTable& procedures) {
         for (const auto& [name, ref] : procedures.all())
             add(name + (ref.procedure->parameters.empty() ? u"()" : u"("));
@@ -122,6 +126,12 @@ wstring parameters_behind(const Tail& tail, const Interpreter& interpreter, int 
     return context ? display_parameters(*context, context->findMethod(name.c_str()), alias) : wstring();
 }
 
+/// Whether the word is AddHandler or RemoveHandler, behind which an object's events stand.
+bool handles_events(const Tail& tail, std::size_t fromEnd) {
+    const TokenKind word = tail.isWord(fromEnd) ? soft_keyword(tail.text(fromEnd)) : TokenKind::name;
+    return word == TokenKind::wordAddHandler || word == TokenKind::wordRemoveHandler;
+}
+
 /// Inside the second argument of Connect, the events of the first one.
 Completion complete_event(const Interpreter& interpreter, wstring_view before, int alias) {
     const std::size_t quote = before.rfind(u'"');
@@ -140,8 +150,7 @@ Completion complete_event(const Interpreter& interpreter, wstring_view before, i
             return {};
         const wstring_view word = before.substr(quote + 1);
         Names names(word, alias);
-        for (int event = 0; event < source->getNEvents(); ++event)
-            names.addTerm([&](int language) { return source->getEventName(event, language); }, u"\"");
+        names.addEvents(*source, u"\"");
         return {word.size(), names.take(), {}};
     } catch (const ScriptError&) {
         return {};
@@ -180,7 +189,13 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
         if (tail.kind(front) == TokenKind::dot) {
             if (!tail.isWord(front + 1) || tail.kind(front + 2) == TokenKind::dot)
                 return {}; // only running it would tell what object that is
-            if (const auto context = value_of(tail.text(front + 1), interpreter).query<IContext_>())
+            const GenericValue object = value_of(tail.text(front + 1), interpreter);
+            const auto context = object.query<IContext_>();
+            const auto source =
+                handles_events(tail, front + 2) ? object.query<IEventSource>() : InterfacePtr<IEventSource>();
+            if (source)
+                names.addEvents(*source);
+            else if (context)
                 names.addMembers(*context);
         } else if (tail.kind(front) == TokenKind::keyNew) {
             names.addTypes();

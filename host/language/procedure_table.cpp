@@ -19,6 +19,7 @@ GenericValue procedure_value(Module& module, const Procedure& procedure) {
     const auto callable = create_callable({.name = procedure.name,
                                            .leastArguments = static_cast<int>(procedure.needed()),
                                            .mostArguments = static_cast<int>(procedure.parameters.size()),
+                                           .returns = procedure.returns,
                                            .target = &procedure,
                                            .call = call});
     return callable.query<IValue>();

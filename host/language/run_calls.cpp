@@ -141,7 +141,7 @@ GenericValue Run::callValue(ICallable& callable, const Arguments& expressions, S
     for (const ExpressionPtr& expression : expressions)
         arguments.push_back(expression ? evaluate(*expression) : GenericValue());
     GenericValue result = at(span, [&] { return callable.call(arguments); });
-    returned_ = true;
+    returned_ = callable.returns();
     return result;
 }
 

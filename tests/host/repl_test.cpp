@@ -44,6 +44,13 @@ TEST(ReplTest, ThroughAPipe) {
         EXPECT_EQ(answer.err.empty(), c.err.empty()) << answer.err;
         EXPECT_EQ(answer.code, c.err.empty() ? ExitCode::done : ExitCode::malformed) << c.input;
     }
+    const Answer procedures =
+        corehost({"repl", "--leaks"}, "Procedure P(a,\n b = 2)\nPrint(a + b)\nEndProcedure\n"
+                                      "P(1)\nF = P\nF(5)\nTry\nx = 1/0\nExcept\nError.Text\n"
+                                      "EndTry\nExit(4)\nPrint(0)\n");
+    EXPECT_EQ(procedures.out, "3\n7\n\"Division by zero.\"\n");
+    EXPECT_EQ(procedures.err, "");
+    EXPECT_EQ(static_cast<int>(procedures.code), 4);
     EXPECT_EQ(corehost({"repl", "--json"}, "a = New Map; a.Insert(\"x\", 0.10); a; Null").out,
               "{\"x\":0.1}\nnull\n");
     EXPECT_EQ(
@@ -82,6 +89,8 @@ TEST_F(CompletionTest, ParametersBehindTheParenthesis) {
     EXPECT_EQ(parameters("x = s.свойство( ", core::kRussian), "Ключ, out Значение = Неопределено");
     EXPECT_EQ(parameters("Print(mid("), "Text, From, Count = Undefined");
     EXPECT_EQ(parameters("Соединить(", core::kRussian), "Источник, Событие, Объект, Метод, Слабое = Ложь");
+    session_.run("Procedure Change(Price, Val Rate = 0.5) Price = Rate EndProcedure");
+    EXPECT_EQ(parameters("change("), "in out Price, Rate = 0.5");
     session_.engine().function("Add", "Сложить", [](int a, int b) { return a + b; }, {{u"First", u"Первое"}});
     EXPECT_EQ(parameters("Add("), "First, 2");
     EXPECT_EQ(parameters("add(", core::kRussian), "Первое, 2");
@@ -104,6 +113,9 @@ TEST_F(CompletionTest, NamesInBothLanguages) {
     EXPECT_EQ(complete("Strl"), "StrLen(|4");
     EXPECT_EQ(complete("x = x + Цен"), "Цены|3");
     EXPECT_EQ(complete("КонецЦ"), "КонецЦикла|6");
+    session_.run("Function Pricing() EndFunction Procedure Prick(a) EndProcedure");
+    EXPECT_EQ(complete("pric"), "Prices Pricing() Prick(|4");
+    EXPECT_EQ(complete("EndTr"), "EndTry|5");
     EXPECT_EQ(complete("If x Then\nEndI"), "EndIf|4");
     EXPECT_NE(complete("").find("Prices"), std::string::npos);
 }
@@ -112,6 +124,7 @@ TEST_F(CompletionTest, EventsInsideConnect) {
     session_.run("T = New ValueTable");
     EXPECT_EQ(complete("N = Connect(T, \"row"), "RowAdded\" RowChanged\" RowDeleted\" RowMoved\"|3");
     EXPECT_EQ(complete("соединить(t, \"ПриОч"), "ПриОчистке\"|5");
+    EXPECT_EQ(complete("AddHandler T.row"), "RowAdded RowChanged RowDeleted RowMoved|3");
     for (const char* const before : {"Connect(T, \"Sorted\"", "Connect(T, T, \"Row", "T.Connect(T, \"Row",
                                      "Print(T, \"Row", "Connect(x, \"R"})
         EXPECT_EQ(complete(before), "|0") << before;

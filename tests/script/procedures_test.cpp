@@ -204,7 +204,7 @@ TEST_F(ProceduresTest, HandlersOfEvents) {
          "! 1:61 The object has no event RowAddet. Did you mean RowAdded?"},
         {"T = New ValueTable; Procedure P() EndProcedure RemoveHandler T.Sorted, P",
          "! 1:64 The procedure P does not handle the event Sorted."},
-        {"M = New Map; AddHandler M.Changed, 5", "! 1:35 A value of the type Number is not a procedure."},
+        {"M = New Map; AddHandler M.Changed, 5", "! 1:36 A value of the type Number is not a procedure."},
         {"M = New Map; Procedure P() EndProcedure AddHandler M.Changed, P",
          "! 1:54 The object has no events."},
     });

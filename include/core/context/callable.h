@@ -22,6 +22,8 @@ class ICallable : public IUnknown {
     [[nodiscard]] virtual int leastArguments() const noexcept = 0;
     /// Returns how many arguments a call takes at the most.
     [[nodiscard]] virtual int mostArguments() const noexcept = 0;
+    /// Returns whether a call has a value.
+    [[nodiscard]] virtual bool returns() const noexcept = 0;
     /// Returns an address that tells what is called apart: two values of one procedure have the same.
     [[nodiscard]] virtual const void* target() const noexcept = 0;
     /// Calls it and returns its value, Undefined where it has none. Throws ContextException for too few or
@@ -37,6 +39,7 @@ struct CallableParts {
     wstring name;                 ///< see ICallable::name()
     int leastArguments = 0;       ///< see ICallable::leastArguments()
     int mostArguments = 0;        ///< see ICallable::mostArguments()
+    bool returns = true;          ///< see ICallable::returns()
     const void* target = nullptr; ///< see ICallable::target()
     /// Is called with a number of arguments between the two.
     std::function<GenericValue(std::span<const GenericValue>)> call;
