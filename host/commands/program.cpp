@@ -96,6 +96,8 @@ void look_for_language(const std::vector<std::string>& arguments, Console& conso
     constexpr std::string_view kOption = "--lang";
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
+        if (argument == "--" || (!argument.starts_with('-') && std::filesystem::is_regular_file(argument)))
+            return; // what follows is a script's
         std::string_view name;
         if (argument == kOption && i + 1 < arguments.size())
             name = arguments[i + 1];

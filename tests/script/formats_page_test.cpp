@@ -89,7 +89,7 @@ TEST_F(FormatsPage, RefusalsSayWhere) {
                                                        "apostrophes."},
            {"Format(\"text\", \"fraction=2\")", "! 1:1 A value of the type String has no format string."},
            {"Format(\"text\")", "\"text\""},
-           {"Year(1)", "! 1:1 Parameter 1 is of a type that is not accepted here."}});
+           {"Year(1)", "! 1:1 Year: the parameter Date does not take a value of the type Number: 1."}});
 }
 
 TEST_F(FormatsPage, FunctionsFollowTheLocaleOfTheProcess) {
