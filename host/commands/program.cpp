@@ -21,6 +21,7 @@
 #include <filesystem>
 #include <ostream>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace host {
@@ -91,12 +92,18 @@ core::Locale locale_of(const std::string& key, const Console& console) {
     }
 }
 
+/// Whether an argument names a file; what cannot be a path does not.
+bool is_file(const std::string_view argument) {
+    std::error_code failure;
+    return std::filesystem::is_regular_file(argument, failure);
+}
+
 /// The help is written before the command line is read, in the language that it asks for.
 void look_for_language(const std::vector<std::string>& arguments, Console& console) {
     constexpr std::string_view kOption = "--lang";
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
-        if (argument == "--" || (!argument.starts_with('-') && std::filesystem::is_regular_file(argument)))
+        if (argument == "--" || (!argument.starts_with('-') && is_file(argument)))
             return; // what follows is a script's
         std::string_view name;
         if (argument == kOption && i + 1 < arguments.size())
@@ -116,11 +123,11 @@ void put_run_before_file(CLI::App& app, std::vector<std::string>& arguments) {
                                    [&](const CLI::App* command) { return command->get_name() == word; });
     };
     for (auto i = arguments.begin(); i != arguments.end(); ++i) {
-        if (*i == "--lang" || *i == "--module") { // the value is the next argument
+        if (*i == "--lang" || *i == "--locale" || *i == "--module") { // the value is the next argument
             if (++i == arguments.end())
                 return;
         } else if (!i->starts_with('-')) {
-            if (!isCommand(*i) && std::filesystem::is_regular_file(*i)) {
+            if (!isCommand(*i) && is_file(*i)) {
                 i = arguments.insert(i + 1, "--");
                 arguments.insert(i - 1, "run");
             }
