@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Numbers and dates as users see them: the library beside ICU and QLocale, in German and Russian, over the
-// same 1024 values.
+// same 1024 values; amounts in words beside libnumbertext.
 #include <core/locales.h>
 
 #include <benchmark/benchmark.h>
+#include <libnumbertext/Numbertext.hxx>
 #include <unicode/decimfmt.h>
 #include <unicode/smpdtfmt.h>
 
@@ -156,6 +157,28 @@ void date_parsed(benchmark::State& state) {
     });
 }
 
+void words_core(benchmark::State& state) {
+    const WordsFormat format(u"locale=ru; currency=RUB", Locale("ru"));
+    each(state, [&](const Values& v, std::size_t i) {
+        benchmark::DoNotOptimize(format.format(v.decimals[i]).data());
+    });
+}
+
+void words_numbertext(benchmark::State& state) {
+    Numbertext speller;
+    speller.set_prefix("/usr/share/libnumbertext/");
+    if (!speller.load("ru")) {
+        state.SkipWithError("libnumbertext has no rules for Russian");
+        return;
+    }
+    each(state, [&](const Values& v, std::size_t i) {
+        std::string text = "RUB " + std::to_string(v.numbers[i]);
+        text.resize(text.size() - 4); // two digits of the fraction
+        speller.numbertext(text, "ru");
+        benchmark::DoNotOptimize(text.data());
+    });
+}
+
 BENCHMARK(number_core)->Name("formats/number/core");
 BENCHMARK(number_called)->Name("formats/number/core, by its string");
 BENCHMARK(number_icu)->Name("formats/number/icu");
@@ -167,5 +190,7 @@ BENCHMARK(date_core)->Name("formats/date/core");
 BENCHMARK(date_icu)->Name("formats/date/icu");
 BENCHMARK(date_qt)->Name("formats/date/qt");
 BENCHMARK(date_parsed)->Name("formats/date parsed/core");
+BENCHMARK(words_core)->Name("formats/words/core");
+BENCHMARK(words_numbertext)->Name("formats/words/numbertext");
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Format strings of numbers, dates and Booleans: each is refused or works, and what it writes reads back. The
-// input is UTF-8: the format string, a text to read and digits, with line feeds between them.
+// Format strings of numbers, dates, Booleans and words, and texts in several languages: each is refused or
+// works, and what it writes reads back. The input is UTF-8: the format string, a text to read and digits,
+// with line feeds between them.
 #include <core/locales.h>
 #include <core/runtime/utf8.h>
 
@@ -64,6 +65,23 @@ void check_date(const DateFormat& format, wstring_view text, Date date) {
     }
 }
 
+void check_words(const wstring& string, const Numeric& number) {
+    try {
+        (void)WordsFormat(string, Locale("ru")).format(number);
+    } catch (const CtorException&) {
+    } catch (const LocaleException&) { // there are no words
+    }
+}
+
+void check_languages(const wstring& written) {
+    try {
+        const LocalWString read = LocalWString::fromString(written);
+        require(LocalWString::fromString(read.toString()) == read);
+    } catch (const CtorException&) {
+    } catch (const LocaleException&) {
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -83,5 +101,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         bool value = false;
         check_reading(f, text, value);
     });
+    check_words(string, number);
+    check_languages(text);
     return 0;
 }

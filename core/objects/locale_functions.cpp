@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/locales/cached_format.h"
+
 #include <core/collections/native_values.h>
+#include <core/context/arguments.h>
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
+#include <core/locales/words_format.h>
 #include <core/objects/locale_functions.h>
 #include <core/objects/locale_values.h>
+#include <core/runtime/settings.h>
 
 namespace core {
 namespace {
@@ -20,9 +25,13 @@ class LocaleFunctions : public IContextImpl<IContextDefImpl<LocaleFunctions>>,
         using T = LocaleFunctions;
         static constexpr Param kWishes[] = {named_param({u"Wishes", u"Пожелания"}),
                                             named_param({u"Available", u"Имеющиеся"})};
+        static constexpr Param kWords[] = {
+            named_param({u"Number", u"Число"}),
+            named_param({u"FormatString", u"ФорматнаяСтрока"}, ParamDefault::emptyString)};
         static constexpr Method<T> kMethods[] = {
             {{u"Locales", u"Локали"}, {}, kFunction, &T::locales, &kValueArrayType},
             {{u"BestLocale", u"ЛучшаяЛокаль"}, kWishes, kFunction, &T::bestLocale},
+            {{u"InWords", u"Прописью"}, kWords, kFunction, &T::inWords, &kStringType},
         };
         return kMethods;
     }
@@ -34,6 +43,12 @@ class LocaleFunctions : public IContextImpl<IContextDefImpl<LocaleFunctions>>,
         using Locales = std::vector<Locale>;
         const auto wishes = from_value<Locales>(a[0], ValueReceiver::parameter(0));
         return to_value(best_match(wishes, from_value<Locales>(a[1], ValueReceiver::parameter(1))));
+    }
+
+    GenericValue inWords(Arguments a) {
+        const wstring format(text_argument(a[1], 1));
+        return to_value(
+            cached_format<WordsFormat>(format, current_settings().locale).format(number_argument(a[0], 0)));
     }
 };
 

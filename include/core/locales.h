@@ -16,3 +16,4 @@
 #include <core/locales/local_wstring.h>
 #include <core/locales/numeric_format.h>
 #include <core/locales/settings.h>
+#include <core/locales/words_format.h>
