@@ -200,6 +200,7 @@ TEST(WaitAll, ThreadsThatNeedTwoOfThreeNeverBlockEachOther) {
     EXPECT_FALSE(permits.wait(0ms)); // none was given back twice
     EXPECT_TRUE(wait_all({mutexes[0], mutexes[1], mutexes[2]}, 0ms));
     EXPECT_FALSE(wait_all({mutexes[0], permits}, 20ms));
+    EXPECT_FALSE(wait_all({permits}, 0ms));
     for (IMutexImpl& mutex : mutexes)
         mutex.unlock();
     EXPECT_THROW(static_cast<void>(wait_all({permits, permits})), ThreadException);

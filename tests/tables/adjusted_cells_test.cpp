@@ -100,7 +100,9 @@ TEST_F(AdjustedCells, MayBeCarriedPastTheirDescription) {
         TypeDomain domain(kNumberType);
         domain.setNumericQualifiers(c.qualifiers);
         const auto table = create_value_table();
-        table->addColumn(u"A", domain);
+        EXPECT_EQ(table->findColumn(u"a"), -1);
+        const std::int32_t column = table->addColumn(u"A", domain);
+        EXPECT_EQ(table->findColumn(u"a"), column);
         const Value cells[] = {c.value};
         table->appendRow(cells);
         const GenericValue read = read_back(GenericValue(table.query<IValue>()));

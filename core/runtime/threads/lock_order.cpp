@@ -138,8 +138,7 @@ OwnLocks* own_locks() {
         }
     };
     if (own == nullptr && !ended) {
-        thread_local const Owner owner;
-        static_cast<void>(owner);
+        [[maybe_unused]] thread_local const Owner owner;
         own = new OwnLocks;
     }
     return own != nullptr && !own->busy ? own : nullptr;
