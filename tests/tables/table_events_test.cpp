@@ -212,6 +212,21 @@ TEST_F(TableEvents, ATreeSaysBelowWhichRow) {
                                            u"Sorted ", u"RowDeleted 0 top", u"Cleared top"}));
 }
 
+TEST_F(TableEvents, EachArgumentHasItsNames) {
+    for (const wchar* const type : {u"ValueTable", u"ValueTree", u"ValueList"}) {
+        const auto made = make(type);
+        const InterfacePtr<IEventSource> source(made.object());
+        for (int event = 0; event < source->getNEvents(); ++event) {
+            for (int param = 0; param < source->getNEventParams(event); ++param) {
+                for (const int alias : {kEnglish, kRussian})
+                    EXPECT_NE(source->getEventParamName(event, param, alias), nullptr)
+                        << event << ' ' << param;
+            }
+            EXPECT_EQ(source->getEventParamName(event, source->getNEventParams(event), kEnglish), nullptr);
+        }
+    }
+}
+
 TEST_F(TableEvents, ASinkMayChangeTheTable) {
     const auto table = make(u"ValueTable");
     const auto columns = property(table, u"Columns");
