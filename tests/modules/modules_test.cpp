@@ -167,6 +167,7 @@ TEST_F(Modules, ComeAreUsedAndGoWithThreadsAlive) {
     std::promise<void> end;
     std::thread other; // has counted objects of the module when it ends
     std::size_t before = 0;
+    const std::size_t registered = registered_modules().size();
     for (int round = 0; round < rounds(20, 1000); ++round) {
         if (round == 10) // what is made once is made by then
             before = test::bytes_in_use();
@@ -187,6 +188,7 @@ TEST_F(Modules, ComeAreUsedAndGoWithThreadsAlive) {
         }
         process_.unloadModule("counter");
         ASSERT_FALSE(is_mapped("counter"));
+        ASSERT_EQ(registered_modules().size(), registered);
         ASSERT_THROW(make(u"Счетчик"), TypeException);
         ASSERT_FALSE(enumeration(u"CounterDirection"));
         ASSERT_EQ(get_service<ICounters>(), nullptr);

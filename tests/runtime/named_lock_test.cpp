@@ -14,12 +14,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -228,6 +230,19 @@ TEST(NamedLock, ANameMayBeAnythingThatFits) {
     }
     for (const wstring& name : {wstring(), wstring(200, u'a'), wstring(1, wchar{0xD800})})
         EXPECT_THROW(NamedMutex mutex(name), ThreadException);
+}
+
+TEST(NamedLock, OneThatIsGoneTakesNoMemory) {
+    const auto mappings = [] {
+        std::ifstream maps("/proc/self/maps");
+        return std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
+    };
+    const wstring name = new_name();
+    NamedSemaphore stays(name, 1);
+    const auto before = mappings();
+    for (int i = 0; i < 50; ++i)
+        NamedSemaphore(name, 1).signal();
+    EXPECT_LT(mappings(), before + 10);
 }
 
 } // namespace

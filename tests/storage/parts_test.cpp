@@ -173,6 +173,14 @@ TEST_P(Parts, WhatStandsBehindANumberOfABlockHeaderDoesNotMatter) {
     EXPECT_THROW(chain.read(*file, address, u"box"), StorageException);
 }
 
+TEST_P(Parts, AFailureOfAChainTellsWhere) {
+    const ChainInFileExc failure(4711);
+    EXPECT_STREQ(failure.messageId(), messages::kStorageChain);
+    ASSERT_EQ(failure.parameters().size(), 1U);
+    EXPECT_EQ(failure.parameters()[0], u"4711");
+    EXPECT_NE(std::string(failure.what()).find("4711"), std::string::npos) << failure.what();
+}
+
 TEST_P(Parts, AnOpenInnerFileKeepsItsContainerOpen) {
     std::optional<StorageRW> storage(open());
     const auto writer = make_object<FileWithBuffer2>(*storage, u"a", OpenMode::createNew);
