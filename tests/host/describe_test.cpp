@@ -172,14 +172,18 @@ TEST(DescribeTest, LocalesWithTheirNames) {
     const auto austrian =
         std::ranges::find(locales, json("de_AT"), [](const json& locale) { return locale["key"]; });
     ASSERT_NE(austrian, locales.end());
-    EXPECT_EQ(*austrian, json::parse(R"({"key": "de_AT", "parent": "de", "language": "de", "region": "AT",
-        "name": {"en": "German (Austria)", "ru": "немецкий (Австрия)"
-}
-, "ownName" : "Deutsch (Österreich)", "rightToLeft" : false, "firstDayOfWeek" : 1
-})"));
+    const json expected = {{"key", "de_AT"},
+                           {"parent", "de"},
+                           {"language", "de"},
+                           {"region", "AT"},
+                           {"name", {{"en", "German (Austria)"}, {"ru", "немецкий (Австрия)"}}},
+                           {"ownName", "Deutsch (Österreich)"},
+                           {"rightToLeft", false},
+                           {"firstDayOfWeek", 1}};
+    EXPECT_EQ(*austrian, expected);
     const std::string text = corehost({"describe", "--locales", "--lang", "ru"}).out;
-EXPECT_NE(text.find("немецкий (Австрия)"), std::string::npos);
-EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(text, '\n')), locales.size());
+    EXPECT_NE(text.find("немецкий (Австрия)"), std::string::npos);
+    EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(text, '\n')), locales.size());
 }
 
 TEST(DescribeTest, WhatThereIsNot) {
