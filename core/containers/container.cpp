@@ -7,6 +7,7 @@
 #include <core/streams/text_file.h>
 
 #include <algorithm>
+#include <set>
 
 namespace core {
 namespace {
@@ -49,12 +50,11 @@ void Container::putValue(wstring_view name, const Value& value, ValueForm form) 
     if (form == ValueForm::compact)
         return putBytes(name, GenericValue(value).toBytes());
     const PartFiles parts = value_in_parts(storage_, wstring(name), value);
+    std::set<wstring> needed(parts.kept.begin(), parts.kept.end());
+    for (const auto& file : parts.files)
+        needed.insert(file.first);
     std::vector<wstring> dropped = parts_below(storage_, name);
-    std::erase_if(dropped, [&](const wstring& old) {
-        const auto isOld = [&](const auto& file) { return file.first == old; };
-        return std::ranges::find(parts.kept, old) != parts.kept.end() ||
-               std::ranges::any_of(parts.files, isOld);
-    });
+    std::erase_if(dropped, [&](const wstring& old) { return needed.contains(old); });
     changeAndDrop(dropped, [&] {
         for (const auto& [part, content] : parts.files)
             storage_.put(part, content);
@@ -89,9 +89,9 @@ void Container::remove(wstring_view name) {
 void Container::rename(wstring_view from, wstring_view to) {
     std::vector<wstring> dropped = parts_below(storage_, to);
     if (!dropped.empty()) { // names that differ in case alone lead to the same parts
-        const std::vector<wstring> own = parts_below(storage_, from);
-        std::erase_if(dropped,
-                      [&](const wstring& part) { return std::ranges::find(own, part) != own.end(); });
+        const std::vector<wstring> parts = parts_below(storage_, from);
+        const std::set<wstring> own(parts.begin(), parts.end());
+        std::erase_if(dropped, [&](const wstring& part) { return own.contains(part); });
     }
     changeAndDrop(dropped, [&] { storage_.rename(from, to); });
 }

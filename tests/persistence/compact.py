@@ -261,8 +261,16 @@ class Reader:
     def stored(self):
         self.list_of(Reader.field, Reader.value)
 
+    def languages(self):
+        self.list_of(lambda r: r.many(lambda r: (r.text(), r.text())))
+
+    def more(self):
+        """Languages, where the list goes on."""
+        if self.peek() != 0xC0:
+            self.languages()
+
     def item(self):
-        self.list_of(Reader.value, Reader.text, Reader.field, Reader.value)
+        self.list_of(Reader.value, Reader.text, Reader.field, Reader.value, Reader.more)
 
     def value_list(self):
         self.list_of(Reader.pattern, lambda r: r.many(Reader.item))
@@ -271,7 +279,7 @@ class Reader:
         self.begin()
         count = self.field()
         for _ in range(count):
-            self.list_of(Reader.text, Reader.text, Reader.field, Reader.pattern)
+            self.list_of(Reader.text, Reader.text, Reader.field, Reader.pattern, Reader.more)
         self.end()
         return count
 
@@ -372,6 +380,8 @@ BODIES = {
     "cd88cbf7-ac2f-4cfd-879b-4c38eca9ea00": Reader.number_qualifiers,
     "f8223f74-5b8a-4a59-87a2-0b94bbe4855f": Reader.string_qualifiers,
     "e9febaa1-0051-432e-be4b-bb87e1af08c5": Reader.date_qualifiers,
+    "3b4bc5e3-341b-45e8-b7e9-cbef896a9009": Reader.languages,
+    "e7690847-7a13-42a5-818e-e3951fec5866": Reader.text,
     "acf06b8a-8320-4f0c-a9bd-18e1b75d8a88": Reader.field,
 }
 

@@ -19,7 +19,7 @@ class ValueSamples {
     explicit ValueSamples(unsigned seed) : random_(seed) {}
 
     GenericValue any(int depth = 3) {
-        switch (below(depth > 0 ? 20 : 10)) {
+        switch (below(depth > 0 ? 22 : 12)) {
         case 0:
             return {};
         case 1:
@@ -39,28 +39,37 @@ class ValueSamples {
         case 9:
             return create_binary_data(std::vector(below(100), static_cast<std::byte>(below(256))));
         case 10:
+            return to_value(languages());
         case 11:
-            return array(depth);
+            return to_value(Locale("es-MX"));
         case 12:
-            return script::make(u"FixedArray", {array(depth)});
         case 13:
-            return map(depth);
+            return array(depth);
         case 14:
-            return structure(depth);
+            return script::make(u"FixedArray", {array(depth)});
         case 15:
-            return list(depth);
+            return map(depth);
         case 16:
-            return tree(depth);
+            return structure(depth);
         case 17:
+            return list(depth);
+        case 18:
+            return tree(depth);
+        case 19:
             return script::make(u"TypeDescription",
                                 {u"Number, String, Date", create_qualifiers_value(NumericQualifiers(10, 2))});
-        case 18:
+        case 20:
             return create_stored_value(any(depth - 1)).query<IValue>();
         default:
             return table(depth);
         }
     }
 
+    static LocalWString languages() {
+        LocalWString text(u"title");
+        text.set(Locale("ru"), u"Заголовок");
+        return text;
+    }
     GenericValue number() {
         const std::int64_t bits = static_cast<std::int64_t>(random_()) >> below(64);
         switch (below(6)) {
@@ -120,7 +129,9 @@ class ValueSamples {
     GenericValue list(int depth) {
         const GenericValue list = script::make(u"ValueList");
         for (std::size_t left = below(5); left > 0; --left)
-            script::call(list, u"Add", {any(depth - 1), text(), below(2) == 0, any(depth - 1)});
+            script::call(list, u"Add",
+                         {any(depth - 1), below(2) == 0 ? text() : to_value(languages()), below(2) == 0,
+                          any(depth - 1)});
         return list;
     }
     GenericValue tree(int depth) {
@@ -145,7 +156,7 @@ class ValueSamples {
             const wstring name = u"C" + string_intto(i);
             const GenericValue typed = script::make(u"TypeDescription", {u"Date"});
             script::call(columns, u"Add",
-                         kinds[i] == 5 ? script::Arguments{name, typed, u"Title", 7}
+                         kinds[i] == 5 ? script::Arguments{name, typed, to_value(languages()), 7}
                                        : script::Arguments{name});
         }
         for (std::size_t left = below(40); left > 0; --left) {
