@@ -5,8 +5,7 @@
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
 #include <core/persistence.h>
-#include <core/runtime/module.h>
-#include <core/streams/memory_stream.h>
+#include <core/runtime/utf8.h>
 #include <core/tables.h>
 #include <host/host_process.h>
 
@@ -122,7 +121,7 @@ const QCborArray& cbor_values() {
 }
 
 void write_values_cbor(benchmark::State& state) {
-    const QCborValue values = cbor_values();
+    QCborValue values = cbor_values();
     std::size_t size = 0;
     for (auto _ : state) {
         const QByteArray bytes = values.toCbor();
