@@ -41,6 +41,7 @@ class FileObject : public ScriptObject<FileObject> {
   public:
     static constexpr ClassNames names{u"File", u"Файл"};
 
+    FileObject() = default; // to be described
     explicit FileObject(const wstring& url) : path_(plain_name(url)) {}
     static ObjectPtr<FileObject> construct(wstring_view path) {
         return make_object<FileObject>(wstring(path));
@@ -118,7 +119,7 @@ class FileObject : public ScriptObject<FileObject> {
         return std::move(*found);
     }
 
-    wstring path_; // or a URL
+    wstring path_ = u"."; // or a URL
 };
 
 enum class Links { follow, keep };

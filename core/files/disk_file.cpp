@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <utility>
 
 namespace core {
@@ -70,8 +71,7 @@ bool is_same_file(const std::string& a, const std::string& b) {
            first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-void flush_folder_of(const std::string& path) {
-    const std::string folder = folder_of(path);
+void flush_folder(const std::string& folder) {
     const Descriptor descriptor(
         ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor.number() < 0 && errno == EACCES)
@@ -79,7 +79,22 @@ void flush_folder_of(const std::string& path) {
     if (descriptor.number() >= 0 && (::fsync(descriptor.number()) == 0 || errno == EINVAL))
         return; // not every system can
     const int reason = errno;
-    throw_file_error(messages::kFileFlush, file_url(path), reason);
+    throw_file_error(messages::kFileFlush, file_url(folder.empty() ? "." : folder), reason);
+}
+
+void flush_folder_of(const std::string& path) {
+    flush_folder(folder_of(path));
+}
+
+bool rename_durably(const std::string& from, const std::string& to) {
+    const std::string source = folder_of(from);
+    const std::string target = folder_of(to);
+    if (std::rename(from.c_str(), to.c_str()) != 0)
+        return false;
+    flush_folder(target);
+    if (source != target)
+        flush_folder(source);
+    return true;
 }
 
 InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode, unsigned permissions) {

@@ -63,23 +63,23 @@ void make_folder(const std::string& path) {
     for (std::string part = without_end_slash(path); !part.empty() && !is_folder(part);
          part = without_end_slash(folder_of(part)))
         missing.push_back(part);
-    std::vector<std::string> made;
-    made.reserve(missing.size());
+    std::vector<bool> made(missing.size());
     try {
-        for (; !missing.empty(); missing.pop_back()) {
-            const std::string& part = missing.back();
-            if (::mkdir(part.c_str(), 0777) == 0) {
-                made.push_back(part);
-                flush_folder_of(part);
-            } else if (const int error = errno; error != EEXIST || !is_folder(part)) {
+        for (std::size_t i = missing.size(); i-- > 0;) {
+            if (::mkdir(missing[i].c_str(), 0777) == 0) {
+                made[i] = true;
+                flush_folder_of(missing[i]);
+            } else if (const int error = errno; error != EEXIST || !is_folder(missing[i])) {
                 throw_file_error(messages::kFileMakeFolder, file_url(path), error);
             }
         }
         if (!is_folder(path)) // an empty one
             throw_file_error(messages::kFileMakeFolder, file_url(path), ENOENT);
     } catch (...) {
-        for (; !made.empty(); made.pop_back())
-            (void)::rmdir(made.back().c_str());
+        for (std::size_t i = 0; i < missing.size(); ++i) {
+            if (made[i])
+                (void)::rmdir(missing[i].c_str());
+        }
         throw;
     }
 }
@@ -102,13 +102,14 @@ void copy_folder(const std::string& from, const std::string& to) {
     if (!is_folder(source))
         require_folder(source, messages::kFileCopy);
     require_new_outside(source, target);
-    FolderCopy copy(source, folder_of(target) + name_beside());
+    const std::string folder = folder_of(target);
+    FolderCopy copy(source, folder + name_beside());
     copy.make();
     // The name cannot be a file's, nor that of a folder that holds something: those are not replaced.
     if (std::rename(copy.path().c_str(), target.c_str()) != 0)
         throw_file_error(messages::kFileMakeFolder, file_url(to), errno);
     copy.keep();
-    flush_folder_of(target);
+    flush_folder(folder);
 }
 
 void move_folder(const std::string& from, const std::string& to) {
@@ -116,12 +117,8 @@ void move_folder(const std::string& from, const std::string& to) {
     const std::string target = without_end_slash(to);
     require_folder(source, messages::kFileMove);
     require_new_outside(source, target);
-    if (std::rename(source.c_str(), target.c_str()) == 0) {
-        flush_folder_of(target);
-        if (folder_of(source) != folder_of(target))
-            flush_folder_of(source);
+    if (rename_durably(source, target))
         return;
-    }
     if (errno != EXDEV)
         throw_file_error(messages::kFileMove, file_url(from), errno);
     copy_folder(source, target);

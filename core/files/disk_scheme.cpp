@@ -128,7 +128,8 @@ class DiskScheme : public IFileScheme {
                 (void)::chmod(beside.c_str(), old.st_mode & 0777);
             output->flush();
             output->close();
-            rename(beside, target);
+            if (!rename_durably(beside, target))
+                throw_file_error(messages::kFileMove, to, errno);
         } catch (...) {
             std::error_code ignored;
             fs::remove(beside, ignored);
@@ -141,12 +142,8 @@ class DiskScheme : public IFileScheme {
         const std::string target = file_path(to);
         if (is_same_file(source, target))
             throw_file_error(messages::kFileCopyOntoItself, to, EEXIST);
-        if (std::rename(source.c_str(), target.c_str()) == 0) {
-            flush_folder_of(target);
-            if (folder_of(source) != folder_of(target))
-                flush_folder_of(source);
+        if (rename_durably(source, target))
             return;
-        }
         if (errno != EXDEV)
             throw_file_error(messages::kFileMove, from, errno);
         copyFile(from, to);
@@ -253,12 +250,6 @@ class DiskScheme : public IFileScheme {
             throw_file_error(messages::kFileRead, url, error.value());
         std::sort(paths.begin(), paths.end());
         return paths;
-    }
-
-    static void rename(const std::string& from, const std::string& to) {
-        if (std::rename(from.c_str(), to.c_str()) != 0)
-            throw_file_error(messages::kFileMove, file_url(to), errno);
-        flush_folder_of(to);
     }
 };
 
