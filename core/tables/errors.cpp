@@ -5,6 +5,7 @@
 namespace core {
 namespace {
 
+const SCOM_ExceptionEntry<ConversionException> kConversionException("ConversionExceptionObject");
 const SCOM_ExceptionEntry<DataSourceException> kDataSourceException("DataSourceExceptionObject");
 const SCOM_ExceptionEntry<PivotSourceException> kPivotSourceException("PivotSourceExceptionObject");
 

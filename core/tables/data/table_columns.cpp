@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/tables/convert/cell_fit.h"
 #include "core/tables/data/table_data.h"
 
 #include <core/strings/names.h>
@@ -75,23 +76,45 @@ void TableData::renameColumn(TableColumn& column, wstring_view name) {
     tell(&TableWatcher::columnsChanged);
 }
 
-void TableData::setDomain(TableColumn& column, TypeDomain domain) {
+void TableData::setDomain(TableColumn& column, TypeDomain domain, Losses* losses) {
     if (domain == column.info.domain)
         return; // the cells are adjusted to it; doing it again would cut those that rounding carried past it
     Value byDefault = domain.defaultValue();
+    Losses lost;
+    CellColumn cells = fitted(column, domain, lost);
+    if (losses == nullptr)
+        lost.check();
+    else
+        *losses = std::move(lost);
+    std::swap(column.info.domain, domain);
+    swap(column.defaultValue, byDefault);
+    setCells(column, std::move(cells));
+    tell(&TableWatcher::columnsChanged);
+}
+
+/// The cells of a column as another description has them. A value of a dictionary is converted once.
+CellColumn TableData::fitted(const TableColumn& column, const TypeDomain& domain, Losses& losses) const {
+    const bool coded = column.cells.form() == CellColumn::Form::coded;
+    std::vector<std::optional<FittedCell>> byCode(coded ? column.cells.dictionary().size() : 0);
     CellColumn cells;
     cells.grow(ids_);
     for (std::size_t i = 0; i < ids_; ++i) {
         const auto row = static_cast<RowId>(i);
         if (!rows_.contains(row))
             continue;
-        Value value = domain.adjust(column.cells.get(row));
+        std::optional<FittedCell> own;
+        std::optional<FittedCell>& cell = coded ? byCode[column.cells.codes()[row]] : own;
+        if (!cell)
+            cell = fit_cell(domain, column.cells.get(row));
+        if (cell->loss)
+            losses.add({.row = tree_ ? i : rows_.positionOf(row),
+                        .column = column.info.name,
+                        .text = column.cells.get(row).presentation(),
+                        .reason = *cell->loss});
+        Value value = cell->value;
         cells.exchange(row, value);
     }
-    std::swap(column.info.domain, domain);
-    swap(column.defaultValue, byDefault);
-    setCells(column, std::move(cells));
-    tell(&TableWatcher::columnsChanged);
+    return cells;
 }
 
 void TableData::assign(std::vector<std::unique_ptr<TableColumn>> columns, std::size_t count) noexcept {

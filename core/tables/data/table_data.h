@@ -7,6 +7,7 @@
 #include "core/tables/data/table_watcher.h"
 
 #include <core/context/name_cache.h>
+#include <core/tables/losses.h>
 #include <core/values/generic_value.h>
 
 #include <memory>
@@ -70,8 +71,12 @@ class TableData {
     void tellColumnsChanged() noexcept { tell(&TableWatcher::columnsChanged); }
     /// Throws as insertColumn() does.
     void renameColumn(TableColumn& column, wstring_view name);
-    /// Replaces the description and adjusts every cell to it.
-    void setDomain(TableColumn& column, TypeDomain domain);
+    /// Replaces the description and adjusts every cell to it. What a cell cannot keep is added to `losses`;
+    /// without them it throws ConversionException, and nothing has changed.
+    void setDomain(TableColumn& column, TypeDomain domain, Losses* losses = nullptr);
+    /// What the last conversion that went on could not keep.
+    [[nodiscard]] const Losses& losses() const noexcept { return losses_; }
+    void setLosses(Losses losses) noexcept { losses_ = std::move(losses); }
     /// Removes a column and the indexes over it.
     void removeColumn(std::size_t position) noexcept;
     void moveColumn(std::size_t from, std::size_t to) noexcept;
@@ -142,6 +147,8 @@ class TableData {
     }
     void putCells(RowId row, std::span<const Value> cells, CellSource source);
     void checkName(wstring_view name, const TableColumn* except) const;
+    [[nodiscard]] CellColumn fitted(const TableColumn& column, const TypeDomain& domain,
+                                    Losses& losses) const;
     RowOrder& makeRowsOf(RowId parent);
     void release(std::span<const RowId> rows, std::vector<Value>& dying) noexcept;
     void prepareRelease(std::size_t rows, std::vector<Value>& dying);
@@ -170,6 +177,7 @@ class TableData {
     std::vector<RowId> free_;
     std::vector<RowHandle*> handles_; // by row; may be shorter than ids_
     std::vector<RowWalk*> walks_;
+    Losses losses_;
 };
 
 } // namespace core

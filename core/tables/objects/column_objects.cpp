@@ -3,6 +3,7 @@
 
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/table_parameters.h"
+#include "core/tables/objects/table_parts.h"
 
 #include <core/collections/terms.h>
 #include <core/context/arguments.h>
@@ -65,6 +66,7 @@ class ValueTableColumn : public ScriptObject<ValueTableColumn, IColumnObject> {
         : handle_(*this, data.owner(), data, column) {}
 
     static std::span<const Property<ValueTableColumn>> properties() noexcept;
+    static std::span<const Method<ValueTableColumn>> methods() noexcept;
     const TableHandle<TableColumn>& handle() const noexcept override { return handle_; }
 
   private:
@@ -96,6 +98,14 @@ class ValueTableColumn : public ScriptObject<ValueTableColumn, IColumnObject> {
         TableColumn& changed = column();
         changed.info.width = width_argument(value, 0);
         handle_.data().tellColumnsChanged();
+    }
+
+    GenericValue callConvert(std::span<GenericValue> arguments) {
+        Losses losses;
+        handle_.data().setDomain(column(), domain_argument(arguments[0], 0), &losses);
+        GenericValue table = losses_table(losses);
+        handle_.data().setLosses(std::move(losses));
+        return table;
     }
 
     TableHandle<TableColumn> handle_;
@@ -202,6 +212,14 @@ std::span<const Property<ValueTableColumn>> ValueTableColumn::properties() noexc
         {kWidthPropTerm, &Self::getWidth, &Self::setWidth, &kNumberType},
     };
     return kProperties;
+}
+
+std::span<const Method<ValueTableColumn>> ValueTableColumn::methods() noexcept {
+    static constexpr Param kOfType[] = {named_param(kTypePropTerm)};
+    static constexpr Method<ValueTableColumn> kMethods[] = {
+        {kConvertMethodTerm, kOfType, kFunction, &ValueTableColumn::callConvert, &kValueTableType},
+    };
+    return kMethods;
 }
 
 std::span<const Method<ValueTableColumnCollection>> ValueTableColumnCollection::methods() noexcept {

@@ -7,6 +7,7 @@
 #include "core/tables/objects/sub_object.h"
 #include "core/tables/objects/table_format.h"
 #include "core/tables/objects/table_parameters.h"
+#include "core/tables/objects/table_parts.h"
 #include "core/tables/query/group_by.h"
 
 #include <core/collections/value_structure.h>
@@ -64,6 +65,10 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
     // IValueTable
     std::int32_t addColumn(wstring_view name, TypeDomain domain, const LocalWString& title,
                            std::int32_t width) override;
+    void setColumnType(std::int32_t column, TypeDomain domain, Losses* losses) override {
+        data_.setDomain(data_.column(columnAt(column)), std::move(domain), losses);
+    }
+    const Losses& losses() const noexcept override { return data_.losses(); }
     void appendRow(std::span<const Value> cells) override;
     void set(std::size_t row, std::int32_t column, const Value& value) override {
         data_.set(rowAt(row), columnAt(column), value);
@@ -98,6 +103,8 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
         return Value(const_cast<SubObject<ValueTableColumnCollection>*>(&columns_));
     }
     GenericValue getIndexes() const { return Value(const_cast<SubObject<VTIndexCollection>*>(&indexes_)); }
+    GenericValue getLosses() const { return losses_table(data_.losses()); }
+    GenericValue getLossCount() const { return data_.losses().count(); }
     GenericValue callCopy(std::span<GenericValue> arguments);
     GenericValue callCopyColumns(std::span<GenericValue> arguments);
     GenericValue callGroupBy(std::span<GenericValue> arguments);
@@ -219,6 +226,20 @@ InterfacePtr<IValueTable> create_value_table() {
     return make_object<ValueTable>();
 }
 
+InterfacePtr<IValueTable> make_value_table(std::vector<std::unique_ptr<TableColumn>> columns,
+                                           std::size_t count, Losses losses) {
+    auto table = make_object<ValueTable>();
+    table->data().assign(std::move(columns), count);
+    table->data().setLosses(std::move(losses));
+    return table;
+}
+
+const TableData* table_data_of(IValueTableBaseRO& table) {
+    const InterfacePtr<IValue> value(&table);
+    ValueTable* const own = ValueTable::of(value.get());
+    return own != nullptr ? &own->data() : nullptr;
+}
+
 namespace {
 
 const ScriptClassEntry<ValueTable> kEntry;
@@ -237,6 +258,8 @@ std::span<const Property<ValueTable>> ValueTable::properties() noexcept {
     static constexpr Property<ValueTable> kProperties[] = {
         {kColumnCollectionTerm, &ValueTable::getColumns, nullptr, &kValueTableColumnCollectionType},
         {kIndexCollectionTerm, &ValueTable::getIndexes, nullptr, &kVTIndexCollectionType},
+        {kLossesTerm, &ValueTable::getLosses, nullptr, &kValueTableType},
+        {kLossCountTerm, &ValueTable::getLossCount, nullptr, &kNumberType},
     };
     return kProperties;
 }

@@ -29,6 +29,8 @@ CellColumn total_cells(RowRange rows, const RowGroups& groups, const TableColumn
 void group_by(TableData& data, std::span<const std::size_t> groupColumns,
               std::span<const std::size_t> totalColumns) {
     const RowList list(data, kNoRow, false);
+    for (const std::size_t position : totalColumns)
+        require_no_texts(list.range(), data.column(position));
     std::vector<const CellColumn*> keys;
     for (const std::size_t position : groupColumns)
         keys.push_back(&data.column(position).cells);

@@ -4,6 +4,11 @@
 #include "core/strings/hash_index.h"
 #include "core/tables/data/word_span.h"
 
+#include <core/strings/integer_text.h>
+#include <core/strings/trim.h>
+#include <core/tables/errors.h>
+#include <core/values/errors.h>
+
 namespace core {
 namespace {
 
@@ -168,7 +173,35 @@ std::vector<Value> group_totals(RowRange rows, const RowGroups& groups, const Ce
     }
 }
 
+void require_no_texts(RowRange rows, const TableColumn& column) {
+    const CellColumn& cells = column.cells;
+    if (cells.form() != CellColumn::Form::coded && cells.form() != CellColumn::Form::values)
+        return;
+    std::optional<std::size_t> first;
+    std::optional<std::size_t> odd;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const Value& cell = cells.form() == CellColumn::Form::coded
+                                ? cells.dictionary()[cells.codes()[rows[i]]]
+                                : cells.values()[rows[i]];
+        const wstring_view* const text = cell.asString();
+        if (text == nullptr && !cell.isUndefined() && cell.kind() != ValueKind::null)
+            return; // with values of other kinds it is not a column of texts
+        if (text == nullptr || trim_all(*text).empty() || odd)
+            continue;
+        if (Numeric number; !cell.getNumeric(number))
+            odd = i;
+        first = first.value_or(i);
+    }
+    if (odd)
+        first = odd; // the one that keeps the column from being one of numbers
+    if (first)
+        throw_error<ContextException>(
+            messages::kTotalOfTexts,
+            {column.info.name, cells.get(rows[*first]).presentation(), string_intto(*first + 1)});
+}
+
 Value total(RowRange rows, const TableColumn& column) {
+    require_no_texts(rows, column);
     if (rows.size() != 0)
         return group_totals(rows, group_rows(rows, {}), column.cells).front();
     return column.defaultValue.kind() == ValueKind::number ? column.defaultValue : Value();

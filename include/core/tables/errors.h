@@ -2,6 +2,9 @@
 #pragma once
 
 #include <core/collections/errors.h>
+#include <core/tables/losses.h>
+
+#include <tuple>
 
 /// The failures of tables, trees and lists; most travel in a ContextException.
 namespace core {
@@ -12,6 +15,14 @@ namespace messages {
 inline constexpr const char* kListHoldsItself = "IDS_VL_CYCLING";
 /// A comparison object changed the table that was being sorted. No parameters.
 inline constexpr const char* kChangedWhileSorting = "IDS_VT_CHANGED_WHILE_SORTING";
+/// A cell did not keep what it was given; {0} is the row's position from 1, {1} the column, {2} why.
+inline constexpr const char* kCellLost = "IDS_VT_CELL_LOST";
+/// The same for a cell of a file; {0} is the file, {1} the line, {2} the column, {3} why.
+inline constexpr const char* kCellOfFileLost = "IDS_VT_CELL_OF_FILE_LOST";
+/// More cells were lost than a message names; {0} is how many more.
+inline constexpr const char* kMoreCellsLost = "IDS_VT_MORE_CELLS_LOST";
+/// A column of texts cannot be totalled; {0} is the column, {1} the first text, {2} its row, from 1.
+inline constexpr const char* kTotalOfTexts = "IDS_VT_TOTAL_OF_TEXTS";
 /// A column cannot have that name; {0} is the name.
 inline constexpr const char* kBadColumnName = "IDS_VT_COLUMNCODE_ERROR";
 /// A column occurs twice, or its name is taken; {0} is the name.
@@ -45,6 +56,49 @@ class CORE_API PivotSourceException : public BasicException<PivotSourceException
     using BasicException::BasicException;
 };
 
+/// Cells that could not keep what they were given, where nobody asked to go on. The description names the
+/// first of them, a line each; the fields are those of the very first.
+class CORE_API ConversionException : public BasicException<ConversionException> {
+  public:
+    /// The class id of ConversionExceptionObject.
+    static constexpr GUID kClassId = "a991ffc6-67fd-4d6a-aa90-c268ef62712b"_guid;
+    using BasicException::BasicException;
+    /// Makes a failure with a copy of `description` for losses, at least one, the first of which is `first`.
+    ConversionException(const wstring& description, const Loss& first, std::uint64_t count)
+        : BasicException(description), column_(first.column), text_(first.text), reason_(first.reason),
+          row_(static_cast<std::int32_t>(first.row)), line_(static_cast<std::int32_t>(first.line)),
+          count_(static_cast<std::int32_t>(count)) {}
+
+    /// Returns the position of the first row that lost something.
+    [[nodiscard]] std::size_t row() const noexcept { return static_cast<std::size_t>(row_); }
+    /// Returns the line of its file where that row begins, from 1; 0 where there is no file.
+    [[nodiscard]] std::uint64_t line() const noexcept { return static_cast<std::uint64_t>(line_); }
+    /// Returns the name of its column, borrowed: valid as long as this exception.
+    [[nodiscard]] const wstring& column() const noexcept { return column_; }
+    /// Returns the text that was not kept, borrowed: valid as long as this exception.
+    [[nodiscard]] const wstring& text() const noexcept { return text_; }
+    /// Returns why it was not kept.
+    [[nodiscard]] LossReason reason() const noexcept { return reason_; }
+    /// Returns how many cells lost something.
+    [[nodiscard]] std::uint64_t count() const noexcept { return static_cast<std::uint64_t>(count_); }
+
+  private:
+    template <class>
+    friend class IExceptionObjectImpl;
+    static auto fields(auto& self) noexcept {
+        return std::tie(self.column_, self.text_, self.reason_, self.row_, self.line_, self.count_);
+    }
+
+    wstring column_;
+    wstring text_;
+    LossReason reason_ = LossReason::notOfType;
+    std::int32_t row_ = 0;
+    std::int32_t line_ = 0;
+    std::int32_t count_ = 0;
+};
+
+/// The error object of ConversionException.
+using ConversionExceptionObject = IExceptionObjectImpl<ConversionException>;
 /// The error object of DataSourceException.
 using DataSourceExceptionObject = IExceptionObjectImpl<DataSourceException>;
 /// The error object of PivotSourceException.

@@ -53,7 +53,15 @@ inline constexpr Term kWidthPropTerm = {u"Width", u"Ширина"};
 /// The row of a tree that a row is below.
 inline constexpr Term kParentPropTerm = {u"Parent", u"Родитель"};
 
+/// What the last conversion of a table that went on could not keep.
+inline constexpr Term kLossesTerm = {u"Losses", u"Потери"};
+/// How many cells that were.
+inline constexpr Term kLossCountTerm = {u"LossCount", u"КоличествоПотерь"};
+
 // methods of tables, trees and rows
+
+/// Gives a column another type and goes on where a cell does not fit.
+inline constexpr Term kConvertMethodTerm = {u"Convert", u"Преобразовать"};
 
 /// Gives the table or tree of a row.
 inline constexpr Term kOwnerMethodTerm = {u"Owner", u"Владелец"};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/locales/local_wstring.h>
+#include <core/tables/losses.h>
 #include <core/types/type_domain.h>
 #include <core/values/generic_value.h>
 
@@ -85,6 +86,13 @@ class IValueTable : public IValueTableBaseRO {
     /// another column has, "IDS_PARAMETER_N_VALUE_MISMATCH" for a negative width.
     virtual std::int32_t addColumn(wstring_view name, TypeDomain domain = {}, const LocalWString& title = {},
                                    std::int32_t width = 0) = 0;
+    /// Gives a column another description and converts its cells. Whatever a cell cannot keep is added to
+    /// `losses`; where these are null, it throws ConversionException, which names the first cells. Throws
+    /// ContextException ("IDS_VT_UNKNOWN_COLUMN_ERROR") for an id that no column has.
+    virtual void setColumnType(std::int32_t column, TypeDomain domain, Losses* losses = nullptr) = 0;
+    /// Returns what could not be kept when the table was loaded, or a script converted a column, and went on;
+    /// borrowed until the next time.
+    [[nodiscard]] virtual const Losses& losses() const noexcept = 0;
     /// Adds a row behind the others, with a cell for each of the first columns; the other columns get their
     /// defaults. Throws ContextException ("IDS_INDEX_OFFBOUND") for more cells than columns.
     virtual void appendRow(std::span<const Value> cells) = 0;

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/data/table_data.h"
+
+#include <core/tables/value_table.h>
+
+/// How other layers of the library make a table of whole columns, and read one by columns.
+namespace core {
+
+/// Makes a value table of columns that have `count` cells each, and keeps what was lost on the way.
+[[nodiscard]] InterfacePtr<IValueTable> make_value_table(std::vector<std::unique_ptr<TableColumn>> columns,
+                                                         std::size_t count, Losses losses);
+/// Returns the data of a table, borrowed from it; null for a table that is not one of this library.
+[[nodiscard]] const TableData* table_data_of(IValueTableBaseRO& table);
+
+/// Returns losses as a value table for scripts: row, line, column, text and reason.
+[[nodiscard]] GenericValue losses_table(const Losses& losses);
+
+} // namespace core
