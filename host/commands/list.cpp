@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
-#include "host/exchange/json/json_reader.h"
-#include "host/exchange/lists/json_to_list.h"
-#include "host/exchange/lists/list_tools.h"
+#include "host/lists/json_to_list.h"
+#include "host/lists/list_tools.h"
 #include "host/terminal/byte_input.h"
 #include "host/terminal/terminal_text.h"
 #include "host/terminal/text_columns.h"
 #include "host/terminal/text_output.h"
 
+#include <core/exchange/json_reader.h>
 #include <core/files/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
 #include "host/commands/interrupt_scope.h"
-#include "host/exchange/tables/table_view.h"
 #include "host/terminal/error_report.h"
 #include "host/terminal/line_editor.h"
 #include "host/terminal/print.h"
@@ -9,6 +8,7 @@
 #include "host/terminal/terminal_text.h"
 #include "host/terminal/text_columns.h"
 
+#include <core/exchange/table_view.h>
 #include <core/runtime/utf8.h>
 #include <core/script/console.h>
 #include <core/streams/errors.h>
@@ -99,7 +99,7 @@ class Repl {
     }
 
     void show(const Value& value) {
-        if (console_.json || table_view(value))
+        if (console_.json || core::table_view(value))
             print_value(value, console_);
         else
             console_.out << terminal_text(script::display(value, alias_of(console_.language)),

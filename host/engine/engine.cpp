@@ -83,7 +83,8 @@ Script compile(const Text& text, const Text& name) {
 Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
     impl_->own = process_of_engines(settings);
     impl_->process = InterfacePtr<SCOM_Process>(current_process());
-    impl_->surroundings = {print_to(std::cout), &open_file};
+    impl_->surroundings = {print_to(std::cout), &open_file, &std::cout,
+                           [&watch = impl_->interpreter.watch()] { return watch.isInterrupted(); }};
     impl_->functions = make_object<OfferedFunctions>();
     impl_->program = make_object<ProgramFunctions>();
     impl_->interpreter.imports().setReader([&surroundings = impl_->surroundings](const wstring& file) {
@@ -196,11 +197,16 @@ void Engine::offer(IContext_* context) {
 }
 
 void Engine::output(std::ostream& out) {
-    impl_->surroundings.print = print_to(out);
+    output(print_to(out), out);
 }
 
 void Engine::output(Printer print) {
     impl_->surroundings.print = std::move(print);
+}
+
+void Engine::output(Printer print, std::ostream& out) {
+    impl_->surroundings.print = std::move(print);
+    impl_->surroundings.out = &out;
 }
 
 void Engine::input(Opener open) {

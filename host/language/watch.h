@@ -29,6 +29,8 @@ class Watch {
         exit_ = code;
         interrupt();
     }
+    /// Whether it was told to, and the script has not met its next step since.
+    [[nodiscard]] bool isInterrupted() const noexcept { return interrupted_.load(std::memory_order_relaxed); }
 
     /// One run, which may stand inside another. The outermost one begins to count.
     class Run {

@@ -6,6 +6,7 @@
 #include <core/streams/encoding.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
+#include <core/strings/compare.h>
 #include <core/values/generic_value.h>
 
 #include <cstddef>
@@ -47,6 +48,12 @@ using Args = std::span<GenericValue>;
     if (text == nullptr)
         parameter_type_mismatch(param);
     throw_error<ContextException>(id, {string_intto(param + 1), wstring(*text)});
+}
+
+/// Whether the argument is a word in either language, in any case.
+[[nodiscard]] inline bool is_word(const GenericValue& argument, wstring_view english, wstring_view russian) {
+    const wstring_view* const text = argument.asString();
+    return text != nullptr && (compare_nocase(*text, english) == 0 || compare_nocase(*text, russian) == 0);
 }
 
 /// What a value of any type reads as a number.

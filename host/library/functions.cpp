@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/library/functions.h"
 
-#include "host/exchange/files/whole_file.h"
-#include "host/exchange/json/json_value.h"
 #include "host/library/arguments.h"
 
 #include <core/containers/container.h>
@@ -10,6 +8,8 @@
 #include <core/context/context_def_ext.h>
 #include <core/context/context_impl.h>
 #include <core/context/errors.h>
+#include <core/exchange/json.h>
+#include <core/exchange/whole_file.h>
 #include <core/files/errors.h>
 #include <core/files/file_system.h>
 #include <core/objects/binary_data.h>
@@ -52,14 +52,29 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
         return GenericValue(text);
     }
     GenericValue fromJson(Args a) {
+        const std::string text = to_utf8(text_argument(a, 0));
+        if (a[1].kind() == ValueKind::string) {
+            if (is_word(a[1], u"Lines", u"Строки"))
+                return from_json_lines(text);
+            if (!is_word(a[1], u"Table", u"Таблица"))
+                parameter_value_mismatch(1);
+            Losses lost;
+            const JsonTableOptions options{.columns = wstring(optional_text_argument(a[2], 2)),
+                                           .losses = flag_argument(a[3], 3) ? &lost : nullptr};
+            return Value(read_json_table(text, {}, options).query<IValue>());
+        }
         if (given(a[1]) && a[1].kind() != ValueKind::boolean)
             parameter_type_mismatch(1);
-        return host::from_json(to_utf8(text_argument(a, 0)),
-                               a[1].isTrue() ? host::Objects::maps : host::Objects::structures);
+        return from_json(text, a[1].isTrue() ? Objects::maps : Objects::structures);
     }
     GenericValue toJson(Args a) {
+        if (a[1].kind() == ValueKind::string) {
+            if (!is_word(a[1], u"Lines", u"Строки"))
+                parameter_value_mismatch(1);
+            return GenericValue(from_utf8(to_json_lines(a[0])));
+        }
         const std::size_t indent = given(a[1]) ? clamped_count(a, 1, 16) : 0;
-        return GenericValue(from_utf8(host::to_json(a[0], static_cast<int>(indent))));
+        return GenericValue(from_utf8(to_json(a[0], static_cast<int>(indent))));
     }
     GenericValue loadText(Args a) {
         const wstring url(text_argument(a, 0));
@@ -68,8 +83,8 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
     }
     GenericValue saveText(Args a) {
         const wstring_view text = text_argument(a, 1);
-        host::write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { put_text(out, text); },
-                              {.encoding = written_encoding_argument(a, 2)});
+        write_text_file(to_utf8(text_argument(a, 0)), [text](wostream& out) { put_text(out, text); },
+                        {.encoding = written_encoding_argument(a, 2)});
         return {};
     }
 
@@ -204,7 +219,9 @@ constexpr Param kOfName[] = {kName};
 constexpr Param kOfText[] = {kText};
 constexpr Param kOfValue[] = {kValue};
 constexpr Param kPrint[] = {named_param(kValueName, ParamDefault::emptyString)};
-constexpr Param kFromJson[] = {kText, named_param({u"Maps", u"Соответствия"}, ParamDefault::falseValue)};
+constexpr Param kFromJson[] = {kText, named_param({u"Maps", u"Соответствия"}, ParamDefault::falseValue),
+                               named_param({u"Columns", u"Колонки"}, kUndefinedDefault),
+                               named_param({u"GoOn", u"Продолжать"}, ParamDefault::falseValue)};
 constexpr Param kToJson[] = {kValue, named_param({u"Indent", u"Отступ"}, kUndefinedDefault)};
 constexpr Param kEncoding = named_param({u"Encoding", u"Кодировка"}, kUndefinedDefault);
 constexpr Param kLoadText[] = {kFile, kEncoding};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/exchange/table_text.h>
 #include <core/runtime/locale.h>
 
 #include <cstddef>
@@ -25,6 +26,7 @@ struct Console {
     bool json = false;                       ///< data is written for programs
     bool terminal = false;                   ///< `in` and `out` are a terminal, at which a user can be asked
     std::optional<core::Locale> locale = {}; ///< of formats, sorting and names; none: that of the language
+    std::optional<core::TableForm> mode{};   ///< the form of tables, where one was asked for
 };
 
 /// How long lines may be: what COLUMNS says, else what the terminal says; without a terminal always the same.

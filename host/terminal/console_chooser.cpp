@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/console_chooser.h"
 
-#include "host/exchange/tables/table_view.h"
 #include "host/terminal/terminal_text.h"
 
+#include <core/exchange/table_view.h>
 #include <core/runtime/exception.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>

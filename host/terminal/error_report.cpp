@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/error_report.h"
 
-#include "host/exchange/tables/column_text.h"
 #include "host/terminal/terminal_text.h"
 
+#include <core/exchange/column_text.h>
 #include <core/runtime/utf8.h>
 
 #include <unicode/utf16.h>
@@ -25,7 +25,7 @@ constexpr const char* kPlain = "\033[0m";
 core::wstring blank_below(UChar32 c) {
     if (c == u'\t')
         return u"\t";
-    return core::wstring(static_cast<std::size_t>(column_count(static_cast<char32_t>(c))), u' ');
+    return core::wstring(static_cast<std::size_t>(core::column_count(static_cast<char32_t>(c))), u' ');
 }
 
 struct Excerpt {
@@ -73,7 +73,7 @@ void show_error(std::ostream& out, const core::script::Error& error, bool colour
     const std::string place = terminal_text(error.file()) + ':' + std::to_string(error.line()) + ':' +
                               std::to_string(error.column()) + ':';
     const Excerpt lines = excerpt(error.place());
-    out << painted(kBold, place) << ' ' << terminal_text(error.description()) << '\n'
+    out << painted(kBold, place) << ' ' << terminal_lines(error.description()) << '\n'
         << "    " << terminal_text(lines.line) << '\n'
         << "    " << painted(kRed, core::to_utf8(lines.mark)) << '\n';
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/line_editor.h"
 
-#include "host/exchange/tables/column_text.h"
 #include "host/terminal/terminal_text.h"
 
+#include <core/exchange/column_text.h>
 #include <core/runtime/utf8.h>
 
 #include <histedit.h>
@@ -68,7 +68,7 @@ std::string in_columns(const std::vector<core::wstring>& names, std::size_t line
     std::vector<std::string> cells;
     for (const core::wstring& name : names) {
         cells.push_back(terminal_text(name));
-        width = std::max(width, column_count(cells.back()) + 2);
+        width = std::max(width, core::column_count(cells.back()) + 2);
     }
     const std::size_t columns = std::max<std::size_t>((lineWidth - 1) / width, 1);
     const std::size_t rows = (cells.size() + columns - 1) / columns;
@@ -77,7 +77,7 @@ std::string in_columns(const std::vector<core::wstring>& names, std::size_t line
         for (std::size_t i = row; i < cells.size(); i += rows) {
             text += cells[i];
             if (i + rows < cells.size())
-                text.append(width - column_count(cells[i]), ' ');
+                text.append(width - core::column_count(cells[i]), ' ');
         }
         text += '\n';
     }

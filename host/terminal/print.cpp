@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/print.h"
 
-#include "host/exchange/json/json_value.h"
-#include "host/exchange/tables/table_view.h"
-
+#include <core/exchange/json.h>
+#include <core/exchange/table_view.h>
 #include <core/values/generic_value.h>
 
 #include <ostream>
@@ -11,10 +10,12 @@
 namespace host {
 
 void print_value(const core::Value& value, Console& console, std::size_t most) {
-    if (console.json)
-        console.out << to_json(value) << '\n';
-    else if (const auto view = table_view(value))
-        print_table(console.out, *view, line_width(console), most);
+    using core::TableForm;
+    const TableForm form = console.mode.value_or(console.json ? TableForm::json : TableForm::table);
+    if (core::table_view(value))
+        core::write_table(console.out, value, form, line_width(console), most);
+    else if (form == TableForm::json || form == TableForm::jsonl)
+        console.out << core::to_json(value) << '\n';
     else
         console.out << value << '\n';
 }

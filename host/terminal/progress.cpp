@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/progress.h"
 
-#include "host/exchange/tables/column_text.h"
-
+#include <core/exchange/column_text.h>
 #include <core/runtime/utf8.h>
 
 #include <sys/ioctl.h>
@@ -54,7 +53,7 @@ void Progress::add(std::uint64_t done) {
     }
     // The last column stays free: a line that is full would not be written over.
     const std::size_t rest = room_ - std::min(room_, bar.size() + 2);
-    out_ << '\r' << fitted_text(what_, rest).text << ' ' << bar << "\033[K" << std::flush;
+    out_ << '\r' << core::fitted_text(what_, rest).text << ' ' << bar << "\033[K" << std::flush;
 }
 
 } // namespace host

@@ -12,7 +12,8 @@ namespace host {
 
 void connect(core::script::Engine& engine, Console& console) {
     engine.output(
-        [&console](const core::Value& value, std::size_t rows) { print_value(value, console, rows); });
+        [&console](const core::Value& value, std::size_t rows) { print_value(value, console, rows); },
+        console.out);
     engine.input([&console](core::wstring_view file) -> core::script::Bytes {
         const auto input = std::make_shared<ByteInput>(console, core::to_utf8(file));
         return [input](std::span<std::byte> bytes) { return input->read(bytes); };

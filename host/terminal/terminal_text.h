@@ -16,4 +16,7 @@ inline constexpr std::size_t kMessageShown = 1000;
 /// and for those that turn the direction of writing: nothing that is shown may steer the terminal.
 [[nodiscard]] std::string terminal_text(core::wstring_view text, std::size_t most = kMessageShown);
 
+/// The same for a text of several lines; those behind the first are set in.
+[[nodiscard]] std::string terminal_lines(core::wstring_view text);
+
 } // namespace host

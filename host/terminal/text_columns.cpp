@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/text_columns.h"
 
-#include "host/exchange/tables/column_text.h"
-
+#include <core/exchange/column_text.h>
 #include <core/runtime/exception.h>
 #include <core/runtime/utf8.h>
 
@@ -21,7 +20,7 @@ void Columns::write(std::ostream& out, std::string_view indent) const {
     for (const auto& row : rows_) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], column_count(row[i]));
+            widths[i] = std::max(widths[i], core::column_count(row[i]));
     }
     for (const auto& row : rows_) {
         std::string line(indent);
@@ -29,7 +28,7 @@ void Columns::write(std::ostream& out, std::string_view indent) const {
         for (std::size_t i = 0; i < row.size(); ++i) {
             if (!row[i].empty())
                 line.append(std::exchange(gap, 0), ' ').append(row[i]);
-            gap += widths[i] - column_count(row[i]) + 2;
+            gap += widths[i] - core::column_count(row[i]) + 2;
         }
         out << line << '\n';
     }

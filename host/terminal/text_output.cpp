@@ -8,11 +8,11 @@
 
 namespace host {
 
-void write_text(Console& console, const std::string& file, const WriteText& write,
+void write_text(Console& console, const std::string& file, const core::WriteText& write,
                 const core::TextWriterOptions& options) {
     if (file != "-")
-        return write_text_file(file, write, options);
-    write_text_stream(
+        return core::write_text_file(file, write, options);
+    core::write_text_stream(
         console.out, core::from_utf8(file), write,
         [] { core::throw_error<core::FileStreamException>("IDS_HOST_OUTPUT_FAILED"); }, options);
 }

@@ -174,7 +174,7 @@ TEST_F(Container, TakesNothingOutOfItsFolder) {
 
 TEST_F(Container, TextIsNotSavedOverAFileThatAZeroByteCutsOff) {
     const std::string name = path("tree/a.txt") + std::string("\0.new", 5);
-    EXPECT_THROW(write_text_file(name, [](core::wostream& out) { out << u'x'; }), core::FileException);
+    EXPECT_THROW(core::write_text_file(name, [](core::wostream& out) { out << u'x'; }), core::FileException);
     EXPECT_EQ(read("tree/a.txt"), "Hello");
 }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // corehost list: random lists survive formatting and the way through JSON; malformed text is told by line,
 // column and file; outputs are replaced whole or not at all.
-#include "host/exchange/json/json_reader.h"
-#include "host/exchange/lists/json_to_list.h"
+#include "host/lists/json_to_list.h"
 #include "tests/host/program_fixture.h"
 
+#include <core/exchange/json_reader.h>
 #include <core/lists/token.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/memory_stream.h>
@@ -127,7 +127,7 @@ TEST_F(ListTest, JsonInPiecesOfAnySize) {
     for (std::size_t size = 1; size < 8; ++size) {
         core::MemoryOutStream out;
         JsonToList list(out, 2);
-        JsonReader reader(list, 100);
+        core::JsonReader reader(list, 100);
         for (std::size_t at = 0; at < json.size(); at += size)
             reader.read(std::string_view(json).substr(at, size));
         reader.finish();

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 // JSON in and out: numbers to the digit, names and their order, what becomes a Structure and what a Map,
 // nesting to the limit, and malformed text with its place.
-#include "host/exchange/json/json_reader.h"
-#include "host/exchange/json/json_value.h"
 #include "tests/script/script_fixture.h"
 
+#include <core/exchange/json.h>
+#include <core/exchange/json_reader.h>
 #include <core/values/errors.h>
 
 #include <random>
 
 namespace host {
+
+using namespace core;
+
 namespace {
 
 class JsonTest : public core::script::ScriptTest {

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tables on the terminal: alignment of every kind of character, what is cut, what is left out; the other form
 // is JSON.
-#include "host/exchange/json/json_value.h"
-#include "host/exchange/tables/column_text.h"
-#include "host/exchange/tables/table_view.h"
 #include "tests/script/script_fixture.h"
 
+#include <core/exchange/column_text.h>
+#include <core/exchange/json.h>
+#include <core/exchange/table_view.h>
 #include <core/tables/value_table.h>
 
 #include <random>
 
 namespace host {
+
+using namespace core;
+
 namespace {
 
 class TablePrintTest : public core::script::ScriptTest {

@@ -159,10 +159,13 @@ class CORE_SCRIPT_API Engine {
     // output and input
 
     /// Lets Print write to `out` in UTF-8, which must outlive its use: a table as lines of up to 100 columns,
-    /// another value as its presentation and a line end.
+    /// another value as its presentation and a line end. It takes what scripts save as "-", too.
     void output(std::ostream& out);
-    /// Lets `print` show what scripts print.
+    /// Lets `print` show what scripts print. What they save as "-" goes to std::cout.
     void output(Printer print);
+    /// Lets `print` show what scripts print, and `out` take what they save as "-", in bytes; it must outlive
+    /// its use.
+    void output(Printer print, std::ostream& out);
     /// Lets `open` open the files of LoadCsv and of Import. Without it they are paths and URLs.
     void input(Opener open);
 

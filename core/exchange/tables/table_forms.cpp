@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/exchange/cells/cell_writer.h"
+
+#include <core/context/arguments.h>
+#include <core/exchange/column_text.h>
+#include <core/exchange/csv.h>
+#include <core/exchange/json.h>
+#include <core/runtime/utf8.h>
+#include <core/values/generic_value.h>
+
+#include <algorithm>
+#include <array>
+#include <ostream>
+
+namespace core {
+namespace {
+
+/// A cell as text for a page: what users read of numbers and dates may differ from language to language.
+std::string cell_text(const Value& cell) {
+    return to_utf8(cell.presentation());
+}
+
+/// A text in which some bytes are replaced by others.
+template <class Replace>
+std::string replaced(std::string_view text, Replace replacement) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
+            continue; // the other half is replaced
+        const std::string_view other = replacement(c);
+        if (other.empty())
+            out += c;
+        else
+            out += other;
+    }
+    return out;
+}
+
+std::string in_markdown(std::string_view text) {
+    return replaced(text, [](char c) -> std::string_view {
+        switch (c) {
+        case '|':
+            return "\\|";
+        case '\\':
+            return "\\\\";
+        case '`':
+            return "\\`";
+        case '*':
+            return "\\*";
+        case '_':
+            return "\\_";
+        case '[':
+            return "\\[";
+        case '<':
+            return "&lt;";
+        case '&':
+            return "&amp;";
+        case '\n':
+        case '\r':
+            return "<br>";
+        default:
+            return {};
+        }
+    });
+}
+
+std::string in_html(std::string_view text) {
+    return replaced(text, [](char c) -> std::string_view {
+        switch (c) {
+        case '&':
+            return "&amp;";
+        case '<':
+            return "&lt;";
+        case '>':
+            return "&gt;";
+        case '"':
+            return "&quot;";
+        case '\n':
+        case '\r':
+            return "<br>";
+        default:
+            return {};
+        }
+    });
+}
+
+/// For each column whether its filled cells are all numbers, which stand right.
+std::vector<bool> number_columns(const TableView& view) {
+    std::vector<bool> others(view.columns.size());
+    std::vector<bool> numbers(view.columns.size());
+    view.walk([&](std::span<const Value> cells, std::size_t) {
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            const ValueKind kind = cells[i].kind();
+            numbers[i] = numbers[i] || kind == ValueKind::number;
+            others[i] = others[i] || (kind != ValueKind::number && kind != ValueKind::undefined);
+        }
+        return true;
+    });
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        numbers[i] = numbers[i] && !others[i];
+    return numbers;
+}
+
+} // namespace
+
+void write_fixed_width(std::ostream& out, const TableView& view) {
+    constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max() / 2;
+    const auto fitted = [](const Value& cell) { return fitted_text(cell.presentation(), kAny); };
+    std::vector<FittedText> titles;
+    std::vector<std::size_t> widths;
+    for (const TableView::Column& column : view.columns) {
+        titles.push_back(fitted_text(column.title, kAny));
+        widths.push_back(titles.back().columns);
+    }
+    view.walk([&](std::span<const Value> cells, std::size_t) {
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            widths[i] = std::max(widths[i], fitted(cells[i]).columns);
+        return true;
+    });
+    const std::vector<bool> right = number_columns(view);
+    std::string line;
+    const auto put = [&](std::size_t i, const FittedText& text) {
+        const std::string room(widths[i] - text.columns, ' ');
+        line += i != 0 ? "  " : "";
+        line += right[i] ? room + text.text : text.text + room;
+    };
+    const auto end_line = [&] {
+        line.erase(line.find_last_not_of(' ') + 1);
+        out << line << '\n';
+        line.clear();
+    };
+    for (std::size_t i = 0; i < titles.size(); ++i)
+        put(i, titles[i]);
+    end_line();
+    view.walk([&](std::span<const Value> cells, std::size_t) {
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            put(i, fitted(cells[i]));
+        end_line();
+        return true;
+    });
+}
+
+void write_markdown(std::ostream& out, const TableView& view) {
+    for (const TableView::Column& column : view.columns)
+        out << "| " << in_markdown(to_utf8(column.title)) << ' ';
+    out << "|\n";
+    for (const bool right : number_columns(view))
+        out << (right ? "| ---: " : "| --- ");
+    out << "|\n";
+    view.walk([&out](std::span<const Value> cells, std::size_t) {
+        for (const Value& cell : cells)
+            out << "| " << in_markdown(cell_text(cell)) << ' ';
+        out << "|\n";
+        return true;
+    });
+}
+
+void write_html(std::ostream& out, const TableView& view) {
+    const std::vector<bool> right = number_columns(view);
+    out << "<table>\n<tr>";
+    for (const TableView::Column& column : view.columns)
+        out << "<th>" << in_html(to_utf8(column.title)) << "</th>";
+    out << "</tr>\n";
+    view.walk([&](std::span<const Value> cells, std::size_t) {
+        out << "<tr>";
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            out << (right[i] ? "<td align=\"right\">" : "<td>") << in_html(cell_text(cells[i])) << "</td>";
+        out << "</tr>\n";
+        return true;
+    });
+    out << "</table>\n";
+}
+
+std::optional<TableForm> table_form(std::string_view name) noexcept {
+    constexpr std::array<std::string_view, 8> kNames = {"table",    "csv",  "json", "jsonl",
+                                                        "markdown", "html", "list", "fixed"};
+    const auto found = std::ranges::find(kNames, name);
+    if (found == kNames.end())
+        return std::nullopt;
+    return static_cast<TableForm>(found - kNames.begin());
+}
+
+void write_table(std::ostream& out, const Value& table, TableForm form, std::size_t width, std::size_t most) {
+    const auto view = table_view(table);
+    if (!view)
+        parameter_type_mismatch(0);
+    switch (form) {
+    case TableForm::table:
+        return print_table(out, *view, width, most);
+    case TableForm::csv:
+        return write_csv(
+            [&out](std::span<const std::byte> bytes) {
+                out.write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
+            },
+            table, u"csv");
+    case TableForm::json:
+        out << to_json(table) << '\n';
+        return;
+    case TableForm::jsonl:
+        out << to_json_lines(table);
+        return;
+    case TableForm::markdown:
+        return write_markdown(out, *view);
+    case TableForm::html:
+        return write_html(out, *view);
+    case TableForm::list: {
+        wstring text;
+        GenericValue(table).toString(text);
+        out << to_utf8(text) << '\n';
+        return;
+    }
+    case TableForm::fixed:
+        write_fixed_width(out, *view);
+    }
+}
+
+} // namespace core

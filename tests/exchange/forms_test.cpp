@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tables as JSON and back, and as the text of pages.
+#include "tests/exchange/exchange_fixture.h"
+
+#include <core/exchange/table_view.h>
+
+#include <sstream>
+
+std::string to_lines(const std::string& csv, core::Losses& losses); // of docs/exchange.md
+
+namespace core {
+namespace {
+
+class FormsTest : public ExchangeTest {
+  protected:
+    static std::string from(const std::string& text, const JsonTableOptions& options = {}) {
+        return told([&] { return json(read_json_table(text, u"x.json", options)); });
+    }
+    static std::string written(const Value& table, TableForm form) {
+        std::ostringstream out;
+        write_table(out, table, form, 100);
+        return out.str();
+    }
+};
+
+TEST_F(FormsTest, ArraysOfObjectsAreTables) {
+    const std::string same =
+        R"([{"A":1.5,"B":"x","C":true,"D":null},{"A":123456789012345678901234567890.5,"B":"","C":false,"D":[1,{"E":2}]}])";
+    EXPECT_EQ(from(same), same);
+    EXPECT_EQ(from("\xEF\xBB\xBF"
+                   "{\"A\":1}\r\n\n  {\"B\":\"y\"}\n"),
+              R"([{"A":1,"B":null},{"A":null,"B":"y"}])");
+    EXPECT_EQ(from("[]"), "[]");
+    EXPECT_EQ(from(R"([{"a b":1,"A_B":2,"":3}])"), R"([{"a_b":1,"A_B_2":2,"Column":3}])");
+    EXPECT_EQ(from(R"([{"A":1,"A":2}])"), R"([{"A":2}])");
+    EXPECT_EQ(
+        from(R"([{"Day":"2024-02-29","N":"x"},{"Day":"2024-01-01T10:00:00"}])", {.columns = u"N, Day Date"}),
+        R"([{"N":"x","Day":"2024-02-29T00:00:00"},{"N":null,"Day":"2024-01-01T10:00:00"}])");
+    for (const char* const no : {"5", "[1]", "[[{}]]", "[{},\"x\"]", "{\"A\":1} 2"})
+        EXPECT_TRUE(from(no).starts_with("! ")) << from(no);
+    EXPECT_EQ(from("{\"A\":1}\n{\"A\":}\n").substr(0, 27), "! Malformed JSON in line 2,");
+    const auto table = read_json_table(R"([{"A":1,"B":"x"},{"A":null,"B":1}])");
+    EXPECT_EQ(types(table, 0), "UN");
+    EXPECT_EQ(types(table, 1), "*");
+    EXPECT_EQ(to_json_lines(Value(table.query<IValue>())), "{\"A\":1,\"B\":\"x\"}\n{\"A\":null,\"B\":1}\n");
+    EXPECT_EQ(to_json(from_json_lines("1\n\n[2]\n")), "[1,[2]]");
+    EXPECT_EQ(to_json_lines(Value(5)), "5\n");
+}
+
+TEST_F(FormsTest, ThePageShowsWhatHappens) {
+    Losses losses;
+    EXPECT_EQ(to_lines("Price\n1.25\nabc\n", losses), "{\"Price\":1.25}\n{\"Price\":null}\n");
+    EXPECT_EQ(losses.count(), 1U);
+}
+
+TEST_F(FormsTest, PagesAndLists) {
+    const auto table = read("Name,Price\n\"a|b <i>\n*\",1.5\nжж,12\n");
+    const Value value(table.query<IValue>());
+    EXPECT_EQ(written(value, TableForm::markdown),
+              "| Name | Price |\n| --- | ---: |\n| a\\|b &lt;i><br>\\* | 1.5 |\n| жж | 12 |\n");
+    EXPECT_EQ(written(value, TableForm::html),
+              "<table>\n<tr><th>Name</th><th>Price</th></tr>\n"
+              "<tr><td>a|b &lt;i&gt;<br>*</td><td align=\"right\">1.5</td></tr>\n"
+              "<tr><td>жж</td><td align=\"right\">12</td></tr>\n</table>\n");
+    EXPECT_EQ(written(value, TableForm::fixed), "Name       Price\na|b <i>↵*    1.5\nжж            12\n");
+    EXPECT_EQ(written(value, TableForm::csv), "Name,Price\r\n\"a|b <i>\n*\",1.5\r\nжж,12\r\n");
+    EXPECT_EQ(written(value, TableForm::jsonl),
+              "{\"Name\":\"a|b <i>\\n*\",\"Price\":1.5}\n{\"Name\":\"жж\",\"Price\":12}\n");
+    const GenericValue again = GenericValue::fromString(from_utf8(written(value, TableForm::list)));
+    EXPECT_EQ(to_json(again), to_json(value));
+    EXPECT_THROW(written(Value(1), TableForm::html), ContextException);
+    for (const char* const name : {"table", "csv", "json", "jsonl", "markdown", "html", "list", "fixed"})
+        EXPECT_TRUE(table_form(name)) << name;
+    EXPECT_FALSE(table_form("xml"));
+}
+
+} // namespace
+} // namespace core
