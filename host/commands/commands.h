@@ -33,6 +33,7 @@ CLI::App* add_subcommand(CLI::App& command, const char* name, const char* what, 
 void add_container_command(CLI::App& app, Console& console, Action& action);
 void add_describe_command(CLI::App& app, Console& console, Action& action);
 void add_list_command(CLI::App& app, Console& console, Action& action);
+void add_query_command(CLI::App& app, Console& console, Action& action);
 void add_repl_command(CLI::App& app, Console& console, Action& action);
 void add_run_command(CLI::App& app, Console& console, Action& action);
 void add_text_command(CLI::App& app, Console& console, Action& action);

@@ -98,6 +98,13 @@ bool is_file(const std::string_view argument) {
     return std::filesystem::is_regular_file(argument, failure);
 }
 
+core::TableForm mode_of(const std::string& name) {
+    if (const auto form = core::table_form(name))
+        return *form;
+    throw CLI::ValidationError("--mode",
+                               "the modes are table, csv, json, jsonl, markdown, html, list and fixed");
+}
+
 /// The help is written before the command line is read, in the language that it asks for.
 void look_for_language(const std::vector<std::string>& arguments, Console& console) {
     constexpr std::string_view kOption = "--lang";
@@ -173,6 +180,10 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     std::vector<std::string> modules;
     app.add_flag("--json", console.json,
                  help(console, "Write data as JSON, for programs", "Выводить данные в JSON, для программ"));
+    app.add_option_function<std::string>(
+           "--mode", [&console](const std::string& name) { console.mode = mode_of(name); },
+           help(console, "The form of tables that are printed", "Форма таблиц, которые печатаются"))
+        ->type_name("table|csv|json|jsonl|markdown|html|list|fixed");
     app.add_flag("--leaks", leaks,
                  help(console, "At the end, report objects that are still alive: class and count",
                       "В конце показать объекты, которые ещё живы: класс и число"));
@@ -196,6 +207,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     add_container_command(app, console, action);
     add_describe_command(app, console, action);
     add_list_command(app, console, action);
+    add_query_command(app, console, action);
     add_repl_command(app, console, action);
     add_run_command(app, console, action);
     add_text_command(app, console, action);
@@ -224,7 +236,7 @@ CLI::App* add_subcommand(CLI::App& command, const char* name, const char* what, 
 }
 
 ExitCode fail(Console& console, const core::wstring& message, ExitCode code) {
-    console.err << "corehost: " << terminal_text(message) << '\n';
+    console.err << "corehost: " << terminal_lines(message) << '\n';
     return code;
 }
 

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/commands/query_steps.h"
+
+#include <core/context/context_def.h>
+#include <core/strings/char_class.h>
+#include <core/strings/names.h>
+#include <core/strings/split.h>
+#include <core/strings/trim.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <vector>
+
+namespace host {
+namespace {
+
+using namespace core;
+
+/// The steps: what stands between "|" outside of strings and parentheses.
+std::vector<wstring_view> split_steps(wstring_view text) {
+    std::vector<wstring_view> steps;
+    std::size_t begin = 0;
+    int depth = 0;
+    bool quoted = false;
+    for (std::size_t i = 0; i <= text.size(); ++i) {
+        const wchar unit = i < text.size() ? text[i] : u'|';
+        if (unit == u'"')
+            quoted = !quoted;
+        else if (i == text.size() || (unit == u'|' && !quoted && depth == 0)) {
+            steps.push_back(trim_all(text.substr(begin, i - begin)));
+            begin = i + 1;
+        } else if (!quoted && (unit == u'(' || unit == u')'))
+            depth += unit == u'(' ? 1 : -1;
+    }
+    return steps;
+}
+
+/// The name that a step calls; empty for a step of another form.
+wstring_view called(wstring_view step) {
+    std::size_t length = 0;
+    while (length < step.size() && (is_alnum(step[length]) || step[length] == u'_'))
+        ++length;
+    const bool calls = trim_left(step.substr(length)).starts_with(u'(');
+    return calls ? step.substr(0, length) : wstring_view();
+}
+
+bool is(wstring_view name, wstring_view english, wstring_view russian) {
+    return compare_nocase(name, english) == 0 || compare_nocase(name, russian) == 0;
+}
+
+/// What a total is over, and what it is called then.
+struct TotalItem {
+    wstring column;
+    wstring name;
+    bool counts = false;
+};
+
+/// Reads "Sum(Price) As Total, Count()" and plain names of columns.
+std::vector<TotalItem> read_totals(wstring_view list) {
+    std::vector<TotalItem> items;
+    for (const wstring_view text : string_tokenize(list, u",")) {
+        const wstring_view item = trim_all(text);
+        TotalItem total;
+        wstring_view rest;
+        const wstring_view function = called(item);
+        if (function.empty()) {
+            const std::size_t blank = std::min(item.find(u' '), item.size());
+            total.column = item.substr(0, blank);
+            rest = item.substr(blank);
+        } else {
+            const std::size_t open = item.find(u'(');
+            const std::size_t close = std::min(item.find(u')', open), item.size());
+            total.counts = is(function, u"Count", u"Количество");
+            total.column =
+                total.counts ? wstring(function) : wstring(trim_all(item.substr(open + 1, close - open - 1)));
+            rest = close < item.size() ? item.substr(close + 1) : wstring_view();
+            if (!total.counts && !is(function, u"Sum", u"Сумма"))
+                total.column = item; // the table says that it has no such column
+        }
+        const auto words = string_tokenize(rest, u" ");
+        total.name = words.size() == 2 && is(words[0], u"As", u"Как") ? wstring(words[1]) : total.column;
+        items.push_back(std::move(total));
+    }
+    return items;
+}
+
+/// The value that steps work on, and what only they can call.
+class Pipeline {
+  public:
+    Pipeline(script::Engine& engine, const GenericValue& table) : engine_(engine), value_(table) {
+        engine.function(u"Group", u"Группировать",
+                        [this](wstring_view columns, std::optional<wstring> totals) {
+                            return group(columns, totals.value_or(wstring()));
+                        });
+        engine.function(u"First", u"Первые", [this](std::size_t count) { return rows(0, count); });
+        engine.function(u"Last", u"Последние", [this](std::size_t count) {
+            const std::size_t all = countOfRows();
+            return rows(all - std::min(all, count), all);
+        });
+        engine.function(u"Select", u"Выбрать", [this](Value columns) {
+            engine_.set(u"_Columns", columns);
+            return engine_.run(u"Return Table.Copy(, _Columns)", u"query");
+        });
+        engine.function(u"Where", u"Где", [this](Value column, Value value) {
+            engine_.set(u"_Column", column);
+            engine_.set(u"_Value", value);
+            return engine_.run(u"Return Table.Copy(New Structure(_Column, _Value))", u"query");
+        });
+    }
+
+    GenericValue run(wstring_view steps) {
+        for (const wstring_view step : split_steps(steps)) {
+            engine_.set(u"Table", value_);
+            engine_.set(u"Таблица", value_);
+            take(step);
+        }
+        return value_;
+    }
+
+  private:
+    void take(wstring_view step) {
+        const wstring_view name = called(step);
+        static constexpr std::array<std::array<wstring_view, 2>, 5> kOwn = {{{u"Group", u"Группировать"},
+                                                                             {u"First", u"Первые"},
+                                                                             {u"Last", u"Последние"},
+                                                                             {u"Select", u"Выбрать"},
+                                                                             {u"Where", u"Где"}}};
+        const bool own =
+            std::ranges::any_of(kOwn, [name](const auto& one) { return is(name, one[0], one[1]); });
+        const auto context = value_.query<IContext_>();
+        const int method = !own && !name.empty() && context ? context->findMethod(wstring(name).c_str()) : -1;
+        if (method >= 0 && !context->hasRetVal(method)) {
+            evaluate(u"Table." + wstring(step));
+            return;
+        }
+        value_ = evaluate((method >= 0 ? u"Return Table." : u"Return ") + wstring(step));
+    }
+    Value evaluate(const wstring& text) { return engine_.run(text, u"query"); }
+
+    std::size_t countOfRows() {
+        return static_cast<std::size_t>(*evaluate(u"Return Table.Count()").asNumeric());
+    }
+    GenericValue rows(std::size_t begin, std::size_t end) {
+        end = std::min(end, countOfRows());
+        engine_.set(u"_From", begin);
+        engine_.set(u"_To", end);
+        return evaluate(u"_Rows = New Array; For _I = _From To _To - 1 Do _Rows.Add(Table.Get(_I)) EndDo;"
+                        u"Return Table.Copy(_Rows)");
+    }
+    GenericValue group(wstring_view columns, wstring_view totals) {
+        wstring names;
+        wstring renamed;
+        for (const TotalItem& item : read_totals(totals)) {
+            engine_.set(u"_Name", item.column);
+            if (item.counts)
+                evaluate(u"Table.Columns.Add(_Name); Table.FillValues(1, _Name)");
+            names += (names.empty() ? u"" : u",") + item.column;
+            if (item.name != item.column)
+                renamed += u"Table.Columns." + item.column + u".Name = \"" + item.name + u"\";";
+        }
+        engine_.set(u"_Group", wstring(columns));
+        engine_.set(u"_Totals", names);
+        return evaluate(u"Table.GroupBy(_Group, _Totals);" + renamed + u"Return Table");
+    }
+
+    script::Engine& engine_;
+    GenericValue value_;
+};
+
+} // namespace
+
+GenericValue run_steps(script::Engine& engine, const GenericValue& table, wstring_view steps) {
+    return Pipeline(engine, table).run(steps);
+}
+
+} // namespace host
