@@ -121,34 +121,25 @@ int take_number(wstring_view& rest, const DigitUnits& units, std::size_t least, 
     return count >= least ? number : -1;
 }
 
-/// Takes `name` off the front of `rest`, in any case or only as it is written.
-bool take_name(wstring_view& rest, wstring_view name, bool anyCase) {
-    if (!anyCase)
-        return take_text(rest, name);
-    if (rest.size() < name.size() || compare_nocase(rest.substr(0, name.size()), name) != 0)
-        return false;
-    rest.remove_prefix(name.size());
-    return true;
-}
-
-/// Takes the longest of the names that stands at the front of `rest`; -1 when none does. Most texts have a
-/// name as it is written, and only the others are compared without regard to case, which takes longer.
+/// Takes the longest of the names that stands at the front of `rest`, in any case; -1 when none does.
 int take_name(wstring_view& rest, const std::vector<wstring>& names) {
     skip_direction_marks(rest);
-    wstring_view behind = rest;
+    std::size_t length = 0;
     int found = -1;
-    for (const bool anyCase : {false, true}) {
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            wstring_view left = rest;
-            if (take_name(left, names[i], anyCase) && left.size() < behind.size()) {
-                behind = left;
-                found = static_cast<int>(i);
-            }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        wstring_view left = rest;
+        const wstring_view name = names[i];
+        if (!take_text(left, name)) {
+            if (compare_nocase(rest.substr(0, name.size()), name) != 0)
+                continue;
+            left = rest.substr(std::min(name.size(), rest.size()));
         }
-        if (found >= 0)
-            break;
+        if (rest.size() - left.size() > length) {
+            length = rest.size() - left.size();
+            found = static_cast<int>(i);
+        }
     }
-    rest = behind;
+    rest.remove_prefix(length);
     return found;
 }
 
