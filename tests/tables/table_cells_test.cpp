@@ -38,10 +38,13 @@ TEST_F(TableCells, HoldCellsToTheTypesOfTheirColumns) {
     const GenericValue any = property(columns, u"Any");
     EXPECT_EQ(property(any, u"Title").presentation(), u"Any") << "without a title the name";
     call(call(table, u"Get", {0}), u"Set", {u"Any", u"many"});
-    any.query<IContext_>()->setPropVal(any.query<IContext_>()->findProp(u"ТипЗначения"),
-                                       description(u"Number"));
+    EXPECT_THROW(assign(any, u"ТипЗначения", description(u"Number")), ConversionException);
+    EXPECT_EQ(content(table), u"many,0;3,7;3,0;") << "nothing has changed";
+    const GenericValue lost = call(any, u"Convert", {description(u"Number")});
+    EXPECT_EQ(property(call(lost, u"Get", {0}), u"Text").presentation(), u"many");
+    EXPECT_TRUE(property(table, u"LossCount").equals(1));
     EXPECT_TRUE(call(table, u"Total", {u"Any"}).equals(6))
-        << "the cells became numbers, and a text without a number became 0";
+        << "the cells became numbers, and the text without a number became 0";
     EXPECT_TRUE(call(table, u"Total", {u"N"}).equals(7));
     call(table, u"LoadColumn", {call(table, u"UnloadColumn", {u"Any"}), u"N"});
     EXPECT_EQ(content(table), u"0,0;3,3;3,3;");

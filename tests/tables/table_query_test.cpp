@@ -165,6 +165,24 @@ TEST_F(TableQueries, ATotalOfNothingIsZeroInAColumnOfNumbers) {
     }
 }
 
+TEST_F(TableQueries, RefuseToTotalTexts) {
+    const GenericValue table = table_of(u"Key,Price", {{1, u"1.5"}, {2, u""}, {1, u"abc"}});
+    for (const bool grouped : {false, true}) {
+        try {
+            if (grouped)
+                call(table, u"GroupBy", {u"Key", u"Price"});
+            else
+                call(table, u"Total", {u"Price"});
+            FAIL();
+        } catch (const ContextException& e) {
+            EXPECT_EQ(std::string_view(e.messageId()), messages::kTotalOfTexts);
+            EXPECT_EQ(e.parameters()[1], u"abc") << "what keeps the column from being one of numbers";
+            EXPECT_EQ(e.parameters()[2], u"3");
+        }
+    }
+    EXPECT_EQ(content(table), u"1,1.5;2,;1,abc;");
+}
+
 TEST_F(TableQueries, AColumnOfTotalsHoldsItsTotals) {
     const GenericValue table = make(u"ValueTable");
     const auto rows = table.query<IValueTable>();
@@ -178,7 +196,7 @@ TEST_F(TableQueries, AColumnOfTotalsHoldsItsTotals) {
     rows->addColumn(u"Mixed", mixed);
     rows->addColumn(u"Text", TypeDomain(kStringType));
     for (int i = 0; i < 10; ++i) {
-        const Value cells[] = {i % 2, 999.99, i % 2 == 0 ? Value(u"none") : Value(-999), u"text"};
+        const Value cells[] = {i % 2, 999.99, i % 2 == 0 ? Value(u"none") : Value(-999), u""};
         rows->appendRow(cells);
     }
     call(table, u"GroupBy", {u"Key", u"Price, Mixed, Text"});

@@ -21,7 +21,8 @@ inline constexpr const char* kCellLost = "IDS_VT_CELL_LOST";
 inline constexpr const char* kCellOfFileLost = "IDS_VT_CELL_OF_FILE_LOST";
 /// More cells were lost than a message names; {0} is how many more.
 inline constexpr const char* kMoreCellsLost = "IDS_VT_MORE_CELLS_LOST";
-/// A column of texts cannot be totalled; {0} is the column, {1} the first text, {2} its row, from 1.
+/// A column of texts cannot be totalled; {0} is the column, {1} the first text that is not a number, or else
+/// the first one, {2} its row, from 1.
 inline constexpr const char* kTotalOfTexts = "IDS_VT_TOTAL_OF_TEXTS";
 /// A column cannot have that name; {0} is the name.
 inline constexpr const char* kBadColumnName = "IDS_VT_COLUMNCODE_ERROR";
