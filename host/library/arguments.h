@@ -4,9 +4,9 @@
 #include <core/context/arguments.h>
 #include <core/context/context_impl.h>
 #include <core/streams/encoding.h>
+#include <core/strings/compare.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
-#include <core/strings/compare.h>
 #include <core/values/generic_value.h>
 
 #include <cstddef>

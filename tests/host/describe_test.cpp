@@ -148,7 +148,8 @@ TEST(DescribeTest, WhatModulesBrought) {
 TEST(DescribeTest, TheHandbookNamesEveryFunction) {
     const std::filesystem::path docs = std::filesystem::path(CORE_SOURCE_DIR) / "docs";
     std::string handbook;
-    for (const char* const page : {"exchange.md", "files.md", "formats.md", "language.md", "scripting-tables.md"})
+    for (const char* const page :
+         {"exchange.md", "files.md", "formats.md", "language.md", "scripting-tables.md"})
         handbook += text_of(docs / page);
     for (const json& function : described({"--functions"})) {
         std::string call;

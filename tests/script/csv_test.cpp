@@ -132,7 +132,7 @@ TEST_F(CsvTest, GoesToTheOutputInAnyForm) {
         "A,B\r\n1,x\r\n[{\"A\":1,\"B\":\"x\"}]\n{\"A\":1,\"B\":\"x\"}");
     EXPECT_EQ(run("PrintTable(LoadCsv(F), , \"markdown\")"), "| A | B |\n| ---: | --- |\n| 1 | x |");
     EXPECT_EQ(run("PrintTable(LoadCsv(F), , \"xml\")"),
-              "! 1:1 Parameter 3 has a value that is not accepted here.");
+              "! 1:1 PrintTable: the parameter Form does not take this value: \"xml\".");
     EXPECT_EQ(run("T = LoadCsv(F); SaveJson(F, T, \"Lines\"); ToJson(LoadJson(F, \"B, A Number\"))"),
               R"("[{""B"":""x"",""A"":1}]")");
     EXPECT_EQ(
@@ -142,7 +142,8 @@ TEST_F(CsvTest, GoesToTheOutputInAnyForm) {
               "! 1:1 Row 1, column P: “x” is not a number.");
     EXPECT_EQ(run(R"(T = FromJson("[{""P"":""x""}]", "Table", "P Number", True); T.LossCount)"), "1");
     EXPECT_EQ(run("ToJson(FromJson(\"1\n|[2]\", \"Lines\"))"), "\"[1,[2]]\"");
-    EXPECT_EQ(run("FromJson(\"1\", \"Tables\")"), "! 1:1 Parameter 2 has a value that is not accepted here.");
+    EXPECT_EQ(run("FromJson(\"1\", \"Tables\")"),
+              "! 1:1 FromJson: the parameter Maps does not take this value: \"Tables\".");
 }
 
 } // namespace
