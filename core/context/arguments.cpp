@@ -23,11 +23,9 @@ void throw_bad_index() {
 
 namespace {
 
-/// Says which index, and how many elements there are.
+/// The parameters tell which index, and how many elements there are.
 [[noreturn]] void throw_bad_index(const Value& index, std::size_t count) {
-    const std::initializer_list<wstring> parameters{index.presentation(), string_intto(count)};
-    throw_with_message(ContextException(message_text("IDS_INDEX_OFFBOUND_OF", parameters)),
-                       messages::kBadIndex, parameters);
+    throw_error<ContextException>(messages::kBadIndex, {index.presentation(), string_intto(count)});
 }
 
 } // namespace

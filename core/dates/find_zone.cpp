@@ -4,6 +4,7 @@
 #include "core/dates/icu_zone.h"
 #include "core/dates/zone_file.h"
 #include "core/dates/zone_rule.h"
+#include "core/runtime/memory/thread_kept.h"
 
 #include <core/dates/errors.h>
 
@@ -130,14 +131,17 @@ SharedZone find_system_zone(const char* tz) {
 }
 
 const TimeZone& time_zone(const std::string& name) {
-    thread_local std::string lastName;
-    thread_local SharedZone last;
-    if (last == nullptr || lastName != name) {
+    struct Last {
+        std::string name;
+        SharedZone zone;
+    };
+    Last& last = thread_kept<Last>();
+    if (last.zone == nullptr || last.name != name) {
         SharedZone zone = known_zone(name);
-        lastName = name;
-        last = std::move(zone);
+        last.name = name;
+        last.zone = std::move(zone);
     }
-    return *last;
+    return *last.zone;
 }
 
 } // namespace core

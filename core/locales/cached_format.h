@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/runtime/memory/thread_kept.h"
+
 #include <core/runtime/types.h>
 
 #include <algorithm>
@@ -22,7 +24,8 @@ const Format& cached_format(const Keys&... keys) {
         Stored keys;
         Format format;
     };
-    thread_local std::vector<std::unique_ptr<const Entry>> kept; // what was asked for last comes first
+    auto& kept =
+        thread_kept<std::vector<std::unique_ptr<const Entry>>>(); // what was asked for last comes first
     const auto found = std::find_if(kept.begin(), kept.end(),
                                     [&](const auto& entry) { return entry->keys == std::tie(keys...); });
     if (found != kept.end()) {

@@ -107,6 +107,8 @@ std::size_t FormatItem::number(std::size_t least, std::size_t most) const {
 }
 
 Locale FormatItem::locale() const {
+    if (value.empty())
+        refuse();
     try {
         return Locale(to_utf8(value));
     } catch (const LocaleException&) {

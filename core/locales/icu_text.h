@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/runtime/memory/thread_kept.h"
+
 #include <core/runtime/locale.h>
 #include <core/runtime/types.h>
 
@@ -31,7 +33,7 @@ namespace core {
 /// works in one locale or two, so the search is short.
 template <class T, class Make>
 const T& kept_for(const Locale& locale, Make make) {
-    thread_local std::vector<std::pair<Locale, std::unique_ptr<const T>>> kept;
+    auto& kept = thread_kept<std::vector<std::pair<Locale, std::unique_ptr<const T>>>, Make>();
     for (const auto& [key, value] : kept) {
         if (key == locale)
             return *value;

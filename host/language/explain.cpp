@@ -56,8 +56,19 @@ void missing_argument(IContextDef& definition, int method, const wstring& name, 
     throw_with_message(std::move(failure), messages::kMissingArgument, {name, string_intto(param + 1)});
 }
 
+void explain_index(const ContextException& failure) {
+    if (failure.messageId() != std::string_view(messages::kBadIndex) || failure.parameters().size() != 2)
+        return;
+    ContextException explained(
+        message_text("IDS_SCRIPT_INDEX", {failure.parameters()[0], failure.parameters()[1]}),
+        wrap_exception(failure).get());
+    explained.setMessage(failure.messageId(), failure.parameters());
+    throw explained;
+}
+
 void explain_argument(const ContextException& failure, IContextDef& definition, int method,
                       const wstring& name, std::span<const GenericValue> arguments) {
+    explain_index(failure);
     const std::string_view id = failure.messageId();
     if (id == messages::kMissingArgument && failure.parameters().size() > 1) {
         if (const auto number = string_toint<int>(failure.parameters()[1]))

@@ -14,6 +14,10 @@ namespace core::script {
 void explain_argument(const ContextException& failure, IContextDef& definition, int method,
                       const wstring& name, std::span<const GenericValue> arguments);
 
+/// Throws a failure about an index again with the index and the number of elements in its text. Returns for
+/// every other failure.
+void explain_index(const ContextException& failure);
+
 /// Throws ContextException: a call lacks the argument for a parameter, which counts from 0.
 [[noreturn]] void missing_argument(IContextDef& definition, int method, const wstring& name, int param);
 

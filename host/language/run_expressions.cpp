@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/language/explain.h"
 #include "host/language/failure.h"
 #include "host/language/operators.h"
 #include "host/language/run.h"
@@ -35,17 +36,26 @@ int named_property(const IContext_& context, const GenericValue& key) {
     return isName ? context.findProp(name->data()) : -1;
 }
 
+/// Calls the method that reads or writes an element.
+void call_for_element(const GenericValue& object, IContext_& context, int method, GenericValue* result,
+                      std::vector<GenericValue> arguments) {
+    if (method < 0 || static_cast<std::size_t>(context.getNParams(method)) != arguments.size())
+        throw_error<ContextException>("IDS_SCRIPT_NO_ELEMENTS", {object.type().presentation()});
+    try {
+        context.call(method, result, &arguments);
+    } catch (const ContextException& failure) {
+        explain_index(failure);
+        throw;
+    }
+}
+
 void assign_element(const GenericValue& object, const GenericValue& key, const GenericValue& value) {
     const auto context = context_of(object, key.presentation());
     if (const int prop = named_property(*context, key); prop >= 0) {
         context->setPropVal(prop, value);
         return;
     }
-    const int method = find_first(*context, {u"Set", u"Insert"});
-    if (method < 0 || context->getNParams(method) != 2)
-        throw_error<ContextException>("IDS_SCRIPT_NO_ELEMENTS", {object.type().presentation()});
-    std::vector<GenericValue> arguments{key, value};
-    context->call(method, nullptr, &arguments);
+    call_for_element(object, *context, find_first(*context, {u"Set", u"Insert"}), nullptr, {key, value});
 }
 
 } // namespace
@@ -172,11 +182,7 @@ GenericValue Run::follow(const GenericValue& object, const Link& link) {
             context->getPropVal(prop, value);
             return value;
         }
-        const int method = find_first(*context, {u"Get"});
-        if (method < 0 || context->getNParams(method) != 1)
-            throw_error<ContextException>("IDS_SCRIPT_NO_ELEMENTS", {object.type().presentation()});
-        std::vector<GenericValue> arguments{key};
-        context->call(method, &value, &arguments);
+        call_for_element(object, *context, find_first(*context, {u"Get"}), &value, {key});
         return value;
     });
 }

@@ -11,3 +11,4 @@
 #include <core/exchange/table_text.h>
 #include <core/exchange/table_view.h>
 #include <core/exchange/whole_file.h>
+#include <core/files/errors.h>

@@ -6,6 +6,7 @@
 #include <core/lists/errors.h>
 #include <core/locales.h>
 #include <core/numbers.h>
+#include <core/persistence/errors.h>
 #include <core/strings.h>
 #include <core/values/create_value.h>
 #include <core/values/errors.h>

@@ -108,7 +108,7 @@ TEST(DescribeTest, WhatAPersonReads) {
     EXPECT_NE(tree.find(" (Index, Column, Parent)\n"), std::string::npos) << tree;
     const std::string functions = corehost({"describe", "--functions"}).out;
     EXPECT_NE(functions.find("\nFromJson "), std::string::npos) << functions;
-    EXPECT_NE(functions.find("(Text, Maps = False) "), std::string::npos) << functions;
+    EXPECT_NE(functions.find("(Text, Maps = False, "), std::string::npos) << functions;
     EXPECT_NE(functions.find("-> Number\n"), std::string::npos) << functions;
     EXPECT_NE(functions.find("\nGetTempFileName "), std::string::npos) << functions;
     EXPECT_NE(corehost({"describe", "AllowedSign"}).out.find("\nValues\n  Any          Любой\n"),

@@ -173,7 +173,7 @@ TEST_P(Damaged, ManyChainsOverTheSameBlocksTakeTheTimeOfOne) {
 TEST_P(Damaged, IsSaidOnceAndReadInBoundedTime) {
     FaultDisk disk;
     create_container(*test::open_fault_file(disk), format_);
-    const Bytes large(1 << 20, std::byte{1});
+    const Bytes large(2 << 20, std::byte{1});
     {
         StorageRW storage(test::open_fault_file(disk), layout_);
         storage.put(u"large", large);
@@ -209,7 +209,7 @@ TEST_P(Damaged, IsSaidOnceAndReadInBoundedTime) {
     EXPECT_EQ(found.problems[1].length, 4 * step);
     // A file that goes on as another, block by block in another order.
     bytes = disk.bytes;
-    for (std::uint64_t i = 1; i < 1900; i += 2) // so that neighbours are not one piece
+    for (std::uint64_t i = 1; i < 3900; i += 2) // so that neighbours are not one piece
         vandal.link(bytes, entries.first.data + i * step, entries.first.data + (i + 2) * step);
     vandal.link(bytes, entries.second.data, entries.first.data + step);
     found = check(bytes);
