@@ -21,7 +21,7 @@ class LocalWString {
   public:
     /// Makes an empty string, which has no text in any language.
     LocalWString() noexcept = default;
-    /// Makes a string with one text for all languages; an empty text is none.
+    /// Makes a string with one text for all languages; an empty text makes an empty string.
     LocalWString(wstring text) noexcept : text_(std::move(text)) {}
     /// Makes a string with a copy of one text for all languages. Throws std::bad_alloc.
     LocalWString(wstring_view text) : text_(text) {}
@@ -45,8 +45,8 @@ class LocalWString {
     /// Returns the languages that have a text, in the order of their keys; the root locale stands for all
     /// languages. Throws std::bad_alloc.
     [[nodiscard]] CORE_API std::vector<Locale> languages() const;
-    /// Returns the text of just this language, borrowed until the string changes; null when there is none.
-    /// Throws std::bad_alloc.
+    /// Returns the text of just this language, borrowed until the string changes; null when it has no text in
+    /// it. Throws std::bad_alloc.
     [[nodiscard]] CORE_API const wstring* find(const Locale& language) const;
 
     /// Returns the text for a reader of `language`: in that language or the nearest of its parents, else
