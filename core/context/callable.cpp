@@ -17,6 +17,7 @@ class Procedure : public ScriptObject<Procedure, ICallable> {
 
     explicit Procedure(CallableParts parts) noexcept : parts_(std::move(parts)) {}
 
+    using IContextImpl<IContextDefImpl<Procedure>>::call; // what calls a method of the value by its number
     const wstring& name() const noexcept override { return parts_.name; }
     int leastArguments() const noexcept override { return parts_.leastArguments; }
     int mostArguments() const noexcept override { return parts_.mostArguments; }

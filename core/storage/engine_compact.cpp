@@ -345,7 +345,9 @@ bool StorageEngine::moveSome(Compaction& work) {
 }
 
 void StorageEngine::moveOne(Compaction& work, Compaction::Chain& chain, std::uint64_t from) {
-    auto& [name, entry] = work.files[chain.file];
+    auto& file = work.files[chain.file];
+    const auto& name = file.first;
+    auto& entry = file.second;
     FileEntry moved = entry;
     try {
         at_place(chain.address,

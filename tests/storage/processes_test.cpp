@@ -254,7 +254,8 @@ class Fairness : public OnDisk, public testing::WithParamInterface<std::tuple<in
 INSTANTIATE_TEST_SUITE_P(Writers, Fairness, testing::Combine(testing::Values(2, 4), testing::Values(0, 15)));
 
 TEST_P(Fairness, TheSlowestWriterCommitsAThirdOfTheFastest) {
-    const auto [count, flush] = GetParam();
+    const auto count = std::get<0>(GetParam());
+    const auto flush = std::get<1>(GetParam());
     const auto end = std::chrono::steady_clock::now() + (is_nightly() ? 60s : 1s);
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);

@@ -214,7 +214,7 @@ TEST_P(Sharing, AShortPutNeedNotWaitForALongWalk) {
     const auto meanwhile = [&] {
         if (++reads < 10 || puts == 10) // the first ones look the state up, for which all others wait
             return;
-        other.put(u"file1", Bytes(90000 + reads));
+        other.put(u"file1", Bytes(90000 + static_cast<std::size_t>(reads)));
         ++puts;
     };
     StorageRW storage(make_object<test::HookedFile>(file(), test::FileHooks{.read = meanwhile}), layout_);

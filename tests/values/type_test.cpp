@@ -80,9 +80,9 @@ TEST_F(Types, ConstructorsCountTheirArguments) {
 }
 
 TEST_F(Types, AsValuesAreEqualByType) {
-    const Value number(Type(Type::number));
-    const Value same(Type(Type::number));
-    const Value text(Type(Type::string));
+    const Value number{Type(Type::number)};
+    const Value same{Type(Type::number)};
+    const Value text{Type(Type::string)};
     const Value none{Type()};
     EXPECT_TRUE(number.equals(same) && number.equals(same.getIValue().get()));
     EXPECT_EQ(number.hashCode(), same.hashCode());
