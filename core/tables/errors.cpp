@@ -7,6 +7,7 @@ namespace {
 
 const SCOM_ExceptionEntry<ConversionException> kConversionException("ConversionExceptionObject");
 const SCOM_ExceptionEntry<DataSourceException> kDataSourceException("DataSourceExceptionObject");
+const SCOM_ExceptionEntry<ExpressionException> kExpressionException("ExpressionExceptionObject");
 const SCOM_ExceptionEntry<PivotSourceException> kPivotSourceException("PivotSourceExceptionObject");
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <core/tables/chooser.h>
 #include <core/tables/compare_values.h>
 #include <core/tables/errors.h>
+#include <core/tables/expression_parameter.h>
 #include <core/tables/losses.h>
 #include <core/tables/terms.h>
 #include <core/tables/value_list.h>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/collections/errors.h>
+#include <core/tables/expression_errors.h>
 #include <core/tables/losses.h>
 
 #include <tuple>
