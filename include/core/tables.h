@@ -6,7 +6,10 @@
 #include <core/tables/compare_values.h>
 #include <core/tables/errors.h>
 #include <core/tables/expression_parameter.h>
+#include <core/tables/joins.h>
 #include <core/tables/losses.h>
+#include <core/tables/sets.h>
+#include <core/tables/table_work.h>
 #include <core/tables/terms.h>
 #include <core/tables/value_list.h>
 #include <core/tables/value_table.h>

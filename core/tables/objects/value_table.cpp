@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/stored_count.h"
 #include "core/tables/objects/column_objects.h"
+#include "core/tables/objects/combining_methods.h"
 #include "core/tables/objects/index_objects.h"
 #include "core/tables/objects/row_collection.h"
 #include "core/tables/objects/row_events.h"
@@ -22,7 +23,8 @@
 
 namespace core {
 
-class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObject> {
+class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObject>,
+                   public CombiningMethods<ValueTable> {
   public:
     static constexpr ScriptClass script = {
         .names = kValueTableTerm,
@@ -271,7 +273,7 @@ std::span<const EventEntry<ValueTable>> ValueTable::events() noexcept {
 
 std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
     static constexpr auto kMethods = detail::joined(
-        rowMethods(),
+        detail::joined(rowMethods(), combiningMethods()),
         std::to_array<Method<ValueTable>>({
             {kCopyMethodTerm, kCopy, kFunction, &ValueTable::callCopy, &kValueTableType},
             {kCopyColumnsMethodTerm, kCopyColumns, kFunction, &ValueTable::callCopyColumns, &kValueTableType},

@@ -33,6 +33,19 @@ inline constexpr const char* kColumnTwice = "IDS_VT_COLUMNS_NOT_UNIQUE";
 inline constexpr const char* kGroupedAndTotalled = "IDS_VT_GROUPBY_INTERSECT_ERROR";
 /// GroupBy would leave a table without columns. No parameters.
 inline constexpr const char* kGroupByNothing = "IDS_VT_GROUPBY_NO_COLUMN_ERROR";
+/// A list of what a join is on has another form; {0} is the list.
+inline constexpr const char* kJoinCondition = "IDS_VT_JOIN_CONDITION";
+/// A join would have two columns of one name; {0} is the name.
+inline constexpr const char* kJoinNameTaken = "IDS_VT_JOIN_NAME_TAKEN";
+/// A join that only chooses rows was given columns to add; {0} are the columns.
+inline constexpr const char* kJoinAddsNothing = "IDS_VT_JOIN_ADDS_NOTHING";
+/// Two columns that are compared hold values of different types; {0} and {1} are the columns, {2} and {3} two
+/// of the types.
+inline constexpr const char* kNeverEqual = "IDS_VT_NEVER_EQUAL";
+/// Two tables that are taken as sets have different columns; {0} is a column that one of them lacks.
+inline constexpr const char* kColumnsDiffer = "IDS_VT_COLUMNS_DIFFER";
+/// A result would have more rows than a table can; {0} is how many.
+inline constexpr const char* kTooManyRows = "IDS_VT_TOO_MANY_ROWS";
 /// A table has no such column; {0} is what was asked for.
 inline constexpr const char* kUnknownColumn = "IDS_VT_UNKNOWN_COLUMN_ERROR";
 /// An index does not belong to the table. No parameters.

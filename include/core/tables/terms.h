@@ -83,6 +83,16 @@ inline constexpr Term kCopyMethodTerm = {u"Copy", u"Скопировать"};
 inline constexpr Term kCopyColumnsMethodTerm = {u"CopyColumns", u"СкопироватьКолонки"};
 /// Collapses rows by columns, with totals.
 inline constexpr Term kGroupByMethodTerm = {u"GroupBy", u"Свернуть"};
+/// Puts rows of two tables that match side by side.
+inline constexpr Term kJoinMethodTerm = {u"Join", u"Соединить"};
+/// Puts the rows of another table behind those of this one.
+inline constexpr Term kUnionMethodTerm = {u"Union", u"Объединить"};
+/// Finds the rows that another table does not have.
+inline constexpr Term kExceptMethodTerm = {u"Except", u"Вычесть"};
+/// Finds the rows that another table has, too.
+inline constexpr Term kIntersectMethodTerm = {u"Intersect", u"Пересечь"};
+/// Finds the different rows.
+inline constexpr Term kDistinctMethodTerm = {u"Distinct", u"Различные"};
 /// Puts one value into all rows.
 inline constexpr Term kFillValuesMethodTerm = {u"FillValues", u"ЗаполнитьЗначения"};
 /// Lets the user choose a row.
@@ -100,6 +110,21 @@ inline constexpr Term kUnloadColumnsMethodTerm = {u"UnloadColumns", u"Выгру
 inline constexpr Term kOrderingDirectionAscTerm = {u"Asc", u"Возр"};
 /// Largest values first.
 inline constexpr Term kOrderingDirectionDescTerm = {u"Desc", u"Убыв"};
+
+// the enumeration of joins
+
+/// The enumeration itself.
+inline constexpr Term kJoinKindsTerm = {u"JoinKind", u"ВидСоединения"};
+/// Its value for rows that match.
+inline constexpr Term kJoinKindsInner = {u"Inner", u"Внутреннее"};
+/// Its value for all rows of the first table.
+inline constexpr Term kJoinKindsLeft = {u"Left", u"Левое"};
+/// Its value for all rows of both tables.
+inline constexpr Term kJoinKindsFull = {u"Full", u"Полное"};
+/// Its value for rows of the first table that match.
+inline constexpr Term kJoinKindsSemi = {u"Semi", u"Полу"};
+/// Its value for rows of the first table that do not match.
+inline constexpr Term kJoinKindsAnti = {u"Anti", u"Анти"};
 
 // properties of list items
 
