@@ -88,7 +88,8 @@ class ModelledJoins : public TableTest {
             table.set(0, column, held);
         }
         if (rows > 1 && one_in(3)) {
-            call(Value(InterfacePtr<IValueTable>(&table).query<IValue>()), u"Move", {0, static_cast<std::int64_t>(rows) - 1});
+            call(Value(InterfacePtr<IValueTable>(&table).query<IValue>()), u"Move",
+                 {0, static_cast<std::int64_t>(rows) - 1});
             database_.run("UPDATE " + name + " SET rowid = " + std::to_string(rows + 1) + " WHERE rowid = 1");
         }
     }

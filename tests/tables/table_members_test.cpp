@@ -19,9 +19,10 @@ struct Signature {
     const wchar* defaults; ///< a letter a parameter: "-" none, "u" Undefined, "f" False, "t" a text
 };
 
+/// The first methods of an object; further ones come behind them and have tests of their own.
 void expect_methods(const Value& object, std::span<const Signature> expected) {
     const auto context = object.query<IContext_>();
-    ASSERT_EQ(context->getNMethods(), static_cast<int>(expected.size()));
+    ASSERT_GE(context->getNMethods(), static_cast<int>(expected.size()));
     for (int i = 0; i < static_cast<int>(expected.size()); ++i) {
         const Signature& method = expected[static_cast<std::size_t>(i)];
         EXPECT_EQ(wstring(context->getMethodName(i, kEnglish)), method.english);

@@ -272,8 +272,8 @@ std::span<const EventEntry<ValueTable>> ValueTable::events() noexcept {
 }
 
 std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
-    static constexpr auto kMethods = detail::joined(
-        detail::joined(rowMethods(), combiningMethods()),
+    static constexpr auto kOwn = detail::joined(
+        rowMethods(),
         std::to_array<Method<ValueTable>>({
             {kCopyMethodTerm, kCopy, kFunction, &ValueTable::callCopy, &kValueTableType},
             {kCopyColumnsMethodTerm, kCopyColumns, kFunction, &ValueTable::callCopyColumns, &kValueTableType},
@@ -281,6 +281,7 @@ std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
             {kFillValuesMethodTerm, kFillValues, kProcedure, &ValueTable::callFillValues},
             {kSelectRowMethodTerm, kChooseRow, kFunction, &ValueTable::callChooseRow},
         }));
+    static constexpr auto kMethods = detail::joined(kOwn, combiningMethods());
     return kMethods;
 }
 
