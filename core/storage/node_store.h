@@ -42,22 +42,21 @@ class NodeStore : public TreeSource<Rows> {
         return keep(ref, *std::move(node));
     }
 
-    /// Besides, all of its rows belong below that one: no node can be met twice on a walk.
-    [[nodiscard]] Node loadChild(const TreeNode<Rows>& parent, std::size_t row) override {
+    /// So no node can be met twice on a walk, and no row out of order.
+    [[nodiscard]] Node loadChild(const TreeNode<Rows>& parent, std::size_t row,
+                                 const Until<Rows>& until) override {
         const TreeChild& child = parent.children[row];
         Node node = load(child.ref);
         if (child.isVerified)
             return node;
+        const auto limit = until_of(parent, row, until);
         if (node->level + 1 != parent.level || node->size() == 0 ||
             Rows::compare(node->keys.at(0), parent.keys.at(row)) != 0 ||
-            (row + 1 < parent.size() &&
-             Rows::compare(node->keys.at(node->size() - 1), parent.keys.at(row + 1)) >= 0))
+            (limit && Rows::compare(node->keys.at(node->size() - 1), *limit) >= 0))
             throwDamaged(child.ref);
         child.isVerified = true;
         return node;
     }
-
-    [[noreturn]] void throwDamaged(const NodeRef& ref) const override { throw ChainInFileExc(ref.address); }
 
     /// Puts a node that is known anyway where load() finds it.
     Node keep(const NodeRef& ref, TreeNode<Rows> node) {
@@ -67,6 +66,8 @@ class NodeStore : public TreeSource<Rows> {
     }
 
   private:
+    [[noreturn]] static void throwDamaged(const NodeRef& ref) { throw ChainInFileExc(ref.address); }
+
     struct Known {
         NodeRef ref;
         Node node;

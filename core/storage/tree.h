@@ -4,6 +4,8 @@
 #include "core/storage/bad_place.h"
 #include "core/storage/tree_node.h"
 
+#include <core/storage/errors.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +18,16 @@
 
 namespace core {
 
+/// All keys below a node are less than this one; nothing where there is no such limit.
+template <class Rows>
+using Until = std::optional<typename Rows::Key>;
+
+/// The same for the child in a row of a node that has the limit `until`.
+template <class Rows>
+[[nodiscard]] Until<Rows> until_of(const TreeNode<Rows>& parent, std::size_t row, const Until<Rows>& until) {
+    return row + 1 < parent.size() ? Until<Rows>(parent.keys.at(row + 1)) : until;
+}
+
 /// Where a tree's stored nodes come from. What load() returns is never changed by anybody; it throws when the
 /// node is damaged.
 template <class Rows>
@@ -24,11 +36,25 @@ class TreeSource {
     using Node = std::shared_ptr<const TreeNode<Rows>>;
     virtual ~TreeSource() = default;
     [[nodiscard]] virtual Node load(const NodeRef& ref) = 0;
-    /// The child of a node, whose level is one below.
-    [[nodiscard]] virtual Node loadChild(const TreeNode<Rows>& parent, std::size_t row) = 0;
-    /// Throws as load() does.
-    [[noreturn]] virtual void throwDamaged(const NodeRef& ref) const = 0;
+    /// The child of a node. Its level is one below, and its keys lie where the parent says: from the key of
+    /// its row on, before the key of the next row. The keys of the last child lie before `until`.
+    [[nodiscard]] virtual Node loadChild(const TreeNode<Rows>& parent, std::size_t row,
+                                         const Until<Rows>& until) = 0;
 };
+
+/// The node that `load` returns, which lies at `ref`; nothing when it cannot be read and `damaged` was told
+/// of it. Without `damaged` that is thrown.
+template <class Load>
+[[nodiscard]] auto sound_node(const NodeRef& ref, Load load, const DamagedNode& damaged) -> decltype(load()) {
+    if (!damaged)
+        return load();
+    try {
+        return at_place(ref.address, load);
+    } catch (const ChainInFileExc& e) {
+        damaged(e.address());
+        return nullptr;
+    }
+}
 
 /// What a key stands for from now on; nothing when it goes.
 template <class Rows>
@@ -89,7 +115,7 @@ class TreePlanner {
         if (root) {
             const auto node = source_.load(*root);
             rows.level = node->level + 1;
-            apply(TreeChild{*root, 0, TreeChild::kStored}, *node, {}, changes, rows);
+            apply(TreeChild{*root, 0, TreeChild::kStored}, *node, {}, {}, changes, rows);
         } else {
             Node leaf;
             for (const auto& change : changes) {
@@ -110,29 +136,40 @@ class TreePlanner {
     }
 
   private:
-    /// A root with one child goes. A child that becomes the root is written again: a root is stored in a way
-    /// of its own.
+    /// A root with one child goes, unless the child is damaged. A child that becomes the root is written
+    /// again: a root is stored in a way of its own.
     [[nodiscard]] TreeChild lowest(TreeChild top) {
         while (top.draft != TreeChild::kStored) {
             auto& draft = plan_.drafts[top.draft];
             if (draft.node.level == 0 || draft.node.size() != 1)
                 return top;
-            draft.isUsed = false;
             const TreeChild below = draft.node.children.front();
-            if (below.draft == TreeChild::kStored) {
-                Node copy = *source_.loadChild(draft.node, 0);
-                plan_.obsolete.push_back(below.ref);
-                top = this->draft(std::move(copy));
-            } else {
+            if (below.draft != TreeChild::kStored) {
+                draft.isUsed = false;
                 top = below;
+                continue;
             }
+            const auto stored = soundChild(draft.node, 0, {});
+            if (!stored)
+                return top;
+            draft.isUsed = false;
+            plan_.obsolete.push_back(below.ref);
+            top = this->draft(*stored);
         }
         return top;
     }
 
-    /// Appends what becomes of a stored node to the rows of its parent.
+    /// The stored node in a row; nothing when it is damaged.
+    [[nodiscard]] typename TreeSource<Rows>::Node soundChild(const Node& parent, std::size_t row,
+                                                             const Until<Rows>& until) {
+        return sound_node(
+            parent.children[row].ref, [&] { return source_.loadChild(parent, row, until); },
+            [](std::uint64_t) {});
+    }
+
+    /// Appends what becomes of a stored node to the rows of its parent. All its keys are less than `until`.
     void apply(const TreeChild& child, const Node& node, std::optional<typename Rows::Key> key,
-               Changes changes, Node& parent) {
+               const Until<Rows>& until, Changes changes, Node& parent) {
         const bool moves = moves_ && moves_(child.ref);
         if (changes.empty() && !moves && !(moves_ && node.level != 0)) {
             parent.append(key ? *key : node.keys.at(0), child);
@@ -157,7 +194,8 @@ class TreePlanner {
                     result.append(node.keys.at(row), below);
                 } else {
                     const std::size_t before = plan_.drafts.size();
-                    apply(below, *source_.loadChild(node, row), node.keys.at(row), part, result);
+                    const auto stored = source_.loadChild(node, row, until);
+                    apply(below, *stored, node.keys.at(row), until_of(node, row, until), part, result);
                     changed = changed || plan_.drafts.size() != before;
                 }
             }
@@ -165,7 +203,7 @@ class TreePlanner {
                 parent.append(key ? *key : node.keys.at(0), child);
                 return;
             }
-            join(result);
+            join(result, until);
         }
         plan_.obsolete.push_back(child.ref);
         split(std::move(result), parent);
@@ -196,22 +234,27 @@ class TreePlanner {
                                                  : node_bytes(plan_.drafts[child.draft].node, layout_);
     }
 
-    /// Makes one node of neighbours of which one became small, where both fit into one.
-    void join(Node& parent) {
+    /// Makes one node of neighbours of which one became small, where both fit into one. A neighbour that is
+    /// damaged stays as it is: the change concerns other files.
+    void join(Node& parent, const Until<Rows>& until) {
         constexpr std::size_t kSmall = NodeHeader::kCapacity / 4;
         Node joined;
         joined.level = parent.level;
         const auto isSmallDraft = [&](const TreeChild& child) {
             return child.draft != TreeChild::kStored && bytesOf(child) < kSmall;
         };
+        const auto isSound = [&](std::size_t row) {
+            return parent.children[row].draft != TreeChild::kStored || soundChild(parent, row, until);
+        };
         for (std::size_t row = 0; row < parent.size(); ++row) {
             const TreeChild& child = parent.children[row];
             if (joined.size() != 0) {
                 TreeChild& last = joined.children.back();
                 if ((isSmallDraft(child) || isSmallDraft(last)) &&
-                    bytesOf(child) + bytesOf(last) <= NodeHeader::kCapacity) {
-                    Node both = take(last, parent.level - 1);
-                    const Node second = take(child, parent.level - 1);
+                    bytesOf(child) + bytesOf(last) <= NodeHeader::kCapacity && isSound(row - 1) &&
+                    isSound(row)) {
+                    Node both = take(last);
+                    const Node second = take(child);
                     for (std::size_t i = 0; i < second.size(); ++i)
                         both.appendFrom(second, i);
                     last = draft(std::move(both));
@@ -224,13 +267,10 @@ class TreePlanner {
     }
 
     /// The node of a child that is not used any more.
-    [[nodiscard]] Node take(const TreeChild& child, unsigned level) {
+    [[nodiscard]] Node take(const TreeChild& child) {
         if (child.draft == TreeChild::kStored) {
-            const auto stored = source_.load(child.ref);
-            if (stored->level != level)
-                source_.throwDamaged(child.ref);
             plan_.obsolete.push_back(child.ref);
-            return *stored;
+            return *source_.load(child.ref);
         }
         plan_.drafts[child.draft].isUsed = false;
         return std::move(plan_.drafts[child.draft].node);
@@ -298,36 +338,31 @@ template <class Rows>
                                                                typename Rows::Key key) {
     const typename Rows::Probe probe(key);
     auto node = source.load(root);
-    while (node->level != 0)
-        node = source.loadChild(*node, node->keys.rowFor(probe));
+    auto owner = node; // of the key in `until`
+    Until<Rows> until;
+    while (node->level != 0) {
+        const std::size_t row = node->keys.rowFor(probe);
+        auto child = source.loadChild(*node, row, until);
+        if (row + 1 < node->size()) {
+            until = node->keys.at(row + 1);
+            owner = std::move(node);
+        }
+        node = std::move(child);
+    }
     const std::size_t row = node->keys.rowFor(probe);
     return node->keys.at(row) == key ? std::optional(node->values[row]) : std::nullopt;
-}
-
-/// The node at `ref`, which `load` returns; nothing when it cannot be read and `damaged` was told of it.
-/// Without `damaged` that is thrown.
-template <class Load>
-[[nodiscard]] auto sound_node(const NodeRef& ref, Load load, const DamagedNode& damaged) -> decltype(load()) {
-    if (!damaged)
-        return load();
-    try {
-        return at_place(ref.address, load);
-    } catch (const ChainInFileExc& e) {
-        damaged(e.address());
-        return nullptr;
-    }
 }
 
 /// Calls `visit(key, value)` for all rows below a node, in order.
 template <class Rows, class Visit>
 void for_each_in_tree(TreeSource<Rows>& source, const std::shared_ptr<const TreeNode<Rows>>& node,
-                      const Visit& visit, const DamagedNode& damaged = {}) {
+                      const Visit& visit, const DamagedNode& damaged = {}, const Until<Rows>& until = {}) {
     for (std::size_t row = 0; row < node->size(); ++row) {
         if (node->level == 0)
             visit(node->keys.at(row), node->values[row]);
         else if (const auto child = sound_node(
-                     node->children[row].ref, [&] { return source.loadChild(*node, row); }, damaged))
-            for_each_in_tree(source, child, visit, damaged);
+                     node->children[row].ref, [&] { return source.loadChild(*node, row, until); }, damaged))
+            for_each_in_tree(source, child, visit, damaged, until_of(*node, row, until));
     }
 }
 
@@ -335,15 +370,15 @@ void for_each_in_tree(TreeSource<Rows>& source, const std::shared_ptr<const Tree
 template <class Rows, class Visit>
 void for_each_node(TreeSource<Rows>& source, const NodeRef& ref,
                    const std::shared_ptr<const TreeNode<Rows>>& node, const Visit& visit,
-                   const DamagedNode& damaged = {}) {
+                   const DamagedNode& damaged = {}, const Until<Rows>& until = {}) {
     visit(ref);
     for (std::size_t row = 0; row < node->children.size(); ++row) {
         const NodeRef& below = node->children[row].ref;
         if (node->level == 1)
             visit(below);
         else if (const auto child = sound_node(
-                     below, [&] { return source.loadChild(*node, row); }, damaged))
-            for_each_node(source, below, child, visit, damaged);
+                     below, [&] { return source.loadChild(*node, row, until); }, damaged))
+            for_each_node(source, below, child, visit, damaged, until_of(*node, row, until));
     }
 }
 

@@ -29,14 +29,15 @@ class Stored : public TreeSource<Rows> {
         EXPECT_TRUE(node);
         return std::make_shared<const TreeNode<Rows>>(std::move(*node));
     }
-    typename TreeSource<Rows>::Node loadChild(const TreeNode<Rows>& parent, std::size_t row) override {
+    typename TreeSource<Rows>::Node loadChild(const TreeNode<Rows>& parent, std::size_t row,
+                                              const Until<Rows>& until) override {
         auto node = load(parent.children[row].ref);
         EXPECT_EQ(node->level + 1, parent.level);
         EXPECT_EQ(Rows::compare(node->keys.at(0), parent.keys.at(row)), 0);
+        const auto limit = until_of(parent, row, until);
+        EXPECT_TRUE(!limit || Rows::compare(node->keys.at(node->size() - 1), *limit) < 0);
         return node;
     }
-
-    [[noreturn]] void throwDamaged(const NodeRef&) const override { throw std::logic_error("damaged"); }
 
     /// Makes a plan true. The nodes that it does not use any more are taken away.
     void apply(TreePlan<Rows> plan) {
