@@ -88,6 +88,45 @@ TEST_F(ContainerReports, TellWhatWasSaved) {
             << err_;
 }
 
+TEST_F(ContainerReports, CatGoesOnBehindADamagedFile) {
+    std::string bytes = read("sound.st");
+    bytes[bytes.find(std::string(400, 'a')) - 5] = 'x'; // within its block header
+    write("sound.st", bytes);
+    EXPECT_EQ(run({"cat", sound_, "in/*"}), ExitCode::no);
+    EXPECT_EQ(out_, read("in/b") + read("in/c"));
+    EXPECT_NE(err_.find("sound.st/in/a is damaged"), std::string::npos) << err_;
+    EXPECT_EQ(run({"cat", sound_, "in/b"}), ExitCode::done) << err_;
+}
+
+/// The files below a damaged node of the table cannot be reached; all others can be removed and replaced.
+TEST_F(ContainerReports, ChangesGoAroundADamagedPartOfTheTable) {
+    for (int i = 100; i < 400; ++i)
+        write("many/" + std::to_string(i), "text");
+    const std::string box = path("many.st");
+    ASSERT_EQ(run({"put", box, path("many")}), ExitCode::done) << err_;
+    std::string bytes = read("many.st");
+    const auto leaf = bytes.find("file" + std::string(4, '\0')); // the kind, the level: the first leaf
+    ASSERT_NE(leaf, std::string::npos);
+    bytes[leaf + 100] ^= 1;
+    write("many.st", bytes);
+    EXPECT_EQ(run({"ls", box}), ExitCode::no);
+    ASSERT_EQ(out_.find("many/100\n"), std::string::npos);
+    EXPECT_EQ(run({"rm", box, "many/399"}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"put", box, path("many/398"), "--as", "many/398"}), ExitCode::done) << err_;
+    EXPECT_EQ(run({"rm", box, "many/100"}), ExitCode::no);
+    EXPECT_NE(err_.find("part of the table"), std::string::npos) << err_;
+    EXPECT_EQ(err_.find("no inner file"), std::string::npos) << err_;
+    EXPECT_EQ(run({"put", box, path("many/100"), "--as", "many/100"}), ExitCode::malformed);
+    EXPECT_NE(err_.find("many.st/many/100"), std::string::npos) << err_;
+    EXPECT_NE(err_.find("corehost container salvage " + box), std::string::npos) << err_;
+    EXPECT_EQ(run({"compact", box}), ExitCode::malformed);
+    EXPECT_NE(err_.find("salvage"), std::string::npos) << err_;
+    EXPECT_EQ(run({"rm", box, "*"}), ExitCode::no) << "not all of them";
+    EXPECT_EQ(run({"check", path("in/a")}), ExitCode::malformed);
+    EXPECT_EQ(err_.find("salvage"), std::string::npos) << "no container: " << err_;
+    EXPECT_EQ(run({"salvage", box, path("saved.st")}), ExitCode::done) << err_;
+}
+
 TEST_F(ContainerReports, AreTheSameForASoundOne) {
     const auto ls = report({"ls", sound_}, ExitCode::done);
     ASSERT_EQ(ls.size(), 3U) << ls;

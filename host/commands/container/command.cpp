@@ -25,6 +25,16 @@ core::wstring other_layout(const Options& options) {
                               {core::from_utf8(options.file)});
 }
 
+/// Whether something within the container is damaged, and not the way to it.
+bool is_damaged_within(const Options& options) {
+    try {
+        (void)container::open(options, core::OpenMode::read);
+        return true;
+    } catch (const core::Exception&) {
+        return false;
+    }
+}
+
 /// Adds the verbs of one container, each with its help in the language of the console.
 class Verbs {
   public:
@@ -69,9 +79,15 @@ class Verbs {
         } catch (const core::StorageException& e) {
             if (std::string_view(e.messageId()) == core::messages::kStorageOtherLayout)
                 return fail(console, other_layout(options), ExitCode::malformed);
-            if (e.kind() != core::StorageException::Kind::fileNotFound)
+            if (e.kind() == core::StorageException::Kind::fileNotFound)
+                return fail(console, e.description(), ExitCode::no);
+            if (e.kind() != core::StorageException::Kind::badFormat || run == container::salvage ||
+                !is_damaged_within(options))
                 throw;
-            return fail(console, e.description(), ExitCode::no);
+            fail(console, e.description(), ExitCode::malformed);
+            return fail(console,
+                        core::message_text("IDS_HOST_CONTAINER_SALVAGE", {core::from_utf8(options.file)}),
+                        ExitCode::malformed);
         }
     }
 

@@ -63,10 +63,11 @@ Selection select(const StorageRW& storage, const Options& options, Console& cons
     Selection selection;
     for (const std::string& text : options.names) {
         const wstring name = from_utf8(text);
+        const std::size_t before = selection.missing;
         // A name that looks like a pattern means itself.
         auto found = is_name(storage, name) ? std::vector{storage.describe(name)}
                                             : find(storage, name, console, selection.missing);
-        if (found.empty()) {
+        if (found.empty() && selection.missing == before) { // else it may be in the part that is damaged
             fail(console, message_text("IDS_HOST_NO_INNER_FILE", {name}), ExitCode::no);
             ++selection.missing;
         }
