@@ -10,6 +10,7 @@
 #include <core/storage/errors.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace core {
@@ -120,10 +121,30 @@ void ChainSurvey::attempt(std::uint64_t address, std::optional<std::uint64_t>& d
 
 void ChainSurvey::follow(StorageUse use, wstring_view name, const FileEntry& entry) {
     const std::uint64_t address = use == StorageUse::content ? entry.data : entry.attributes;
+    if (known_ != nullptr) {
+        if (const auto found = known_->find({address, use}); found != known_->end()) {
+            const KnownChain& known = found->second;
+            length_ += known.blocks.length();
+            return (*visit_)({use, name, address, known.size, known.blocks, known.damage});
+        }
+    }
     BlockChain chain(layout_);
     std::optional<std::uint64_t> damage;
     attempt(address, damage, [&] { look(use, name, entry, chain); });
     show(use, name, address, chain, damage);
+    if (learns_)
+        learn(use, address, chain, damage);
+}
+
+void ChainSurvey::learn(StorageUse use, std::uint64_t address, const BlockChain& chain,
+                        std::optional<std::uint64_t> damage) {
+    KnownChain known{
+        damage ? without_repeats(chain.runs(), layout_) : chain.runs(), chain.size(), damage, {}};
+    try {
+        known.content = read_canonical(reader_, address);
+    } catch (const ChainInFileExc&) { // known for that
+    }
+    known_->emplace(std::pair(address, use), std::move(known));
 }
 
 /// Walks the chain of a file, and reads what belongs to it; throws what is wrong with it.

@@ -5,6 +5,7 @@
 #include "core/storage/block_reader.h"
 #include "core/storage/container_head.h"
 #include "core/storage/files_table.h"
+#include "core/storage/known_chains.h"
 
 #include <core/storage/storage_check.h>
 
@@ -36,7 +37,7 @@ struct TreeSpace {
 };
 
 /// Walks every chain of a container, whatever is wrong with them, and shows them one by one. It keeps nothing
-/// of them, so that memory does not grow with the container.
+/// of them unless it is told to, so that memory does not grow with the container.
 class ChainSurvey {
   public:
     /// A chain, as far as it can be followed. Valid while it is shown.
@@ -60,6 +61,13 @@ class ChainSurvey {
     /// nodes of the table. Who is about to write where no chain lies must not go on like that.
     void goOn(DamagedNode damaged) { damagedNode_ = std::move(damaged); }
 
+    /// From now on chains that are known are not read, which says nothing to a walk that compares. Those of
+    /// which more becomes known are added when it `learns`. `known` outlives the object.
+    void use(KnownChains& known, bool learns) noexcept {
+        known_ = &known;
+        learns_ = learns;
+    }
+
     /// Shows the table's chain (without its first block), the free ranges that are listed, as far as they are
     /// in order, the free chain, then the chains of all files. False when it gave up, because the chains are
     /// much longer than the container: they share blocks then, and to walk these for ever more chains would
@@ -77,6 +85,8 @@ class ChainSurvey {
     void look(StorageUse use, wstring_view name, const FileEntry& entry, BlockChain& chain);
     void show(StorageUse use, wstring_view name, std::uint64_t address, const BlockChain& chain,
               std::optional<std::uint64_t> damage);
+    void learn(StorageUse use, std::uint64_t address, const BlockChain& chain,
+               std::optional<std::uint64_t> damage);
     [[nodiscard]] bool isEnough() const noexcept { return length_ / 4 > reader_.end(); }
 
     BlockReader& reader_;
@@ -88,6 +98,8 @@ class ChainSurvey {
     const TreeSpace* trees_;
     bool compares_ = false;
     DamagedNode damagedNode_; // empty: what cannot be read is thrown
+    KnownChains* known_ = nullptr;
+    bool learns_ = false;
     const Visit* visit_ = nullptr;
     std::uint64_t length_ = 0; // of all blocks shown
     std::uint64_t files_ = 0;

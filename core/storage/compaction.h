@@ -7,6 +7,7 @@
 #include <core/runtime/types.h>
 #include <core/storage/layout.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -28,6 +29,11 @@ struct Compaction {
         bool isTogether;
         bool stays = false; // it was found to be damaged
     };
+
+    /// How many bytes one step moves of so many.
+    [[nodiscard]] static std::uint64_t stepOf(std::uint64_t bytes) noexcept {
+        return std::clamp(bytes / 64, std::uint64_t{1} << 20, std::uint64_t{64} << 20);
+    }
 
     std::optional<std::uint64_t> counter; // of the state that this is true of
     std::vector<std::pair<wstring, FileEntry>> files;

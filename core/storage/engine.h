@@ -10,6 +10,7 @@
 #include "core/storage/engine_mutex.h"
 #include "core/storage/files_table.h"
 #include "core/storage/free_space.h"
+#include "core/storage/known_chains.h"
 #include "core/storage/node_store.h"
 #include "core/storage/space_locks.h"
 #include "core/storage/tree_files.h"
@@ -254,9 +255,11 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
 
     // engine_trees.cpp
     void loadFreeTree();
+    [[nodiscard]] RangeSet readFreeTree();
+    [[nodiscard]] std::optional<NodeRef> usableFreeRoot() const;
     void trustSpace() noexcept;
-    [[nodiscard]] std::vector<std::pair<std::uint64_t, std::uint64_t>>
-    freeRows(const DamagedNode& damaged = {});
+    template <class Visit>
+    void forEachFree(const Visit& visit, const DamagedNode& damaged = {});
     /// Calls `visit(const NodeRef&, StorageUse)` for all nodes of both trees; there are none in table
     /// layout 1.
     template <class Visit>
@@ -306,10 +309,19 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void erase(std::span<const wstring> names);
     void finishChange();
 
+    // engine_convert.cpp
+    [[nodiscard]] KnownChains& knownChains();
+    void readAhead(const StopToken& stop);
+    [[nodiscard]] bool learnChains(const StopToken& stop);
+    void learnMoved(std::uint64_t address, StorageUse use, const CanonicalChain& content);
+    void unpinKnown() noexcept;
+    void forgetChains() noexcept;
+    void convert(Compaction& work);
+    [[nodiscard]] std::pair<CanonicalChain, bool> knownChain(std::uint64_t address, StorageUse use);
+    [[nodiscard]] bool convertEntry(FileEntry& entry, wstring_view name, std::uint64_t& moved);
+
     // engine_compact.cpp
     [[nodiscard]] bool compactOnce(Compaction& work);
-    void convert(Compaction& work);
-    [[nodiscard]] bool convertEntry(FileEntry& entry, wstring_view name);
     [[nodiscard]] bool compactStep(Compaction& work);
     void survey(Compaction& work);
     [[nodiscard]] bool surveyChains(Compaction& work, const UsedSpace::Ranges& shared, UsedSpace& moving,
@@ -352,10 +364,16 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     bool spaceVerified_ = false;           // no chain of this state uses what is free in space_
     bool spaceComplete_ = false;           // and all that no chain uses is free
     bool verifiedList_ = false;            // and the free chain on the disk says so
+    bool freeTreeLost_ = false;            // the free tree on the disk is damaged
     std::uint64_t unverifiedEnd_ = 0;      // where new blocks began to go behind everything
     RangeSet sharedSpace_;                 // used by more than one chain, which only damage brings about
     std::vector<std::uint64_t> cutChains_; // that the end of the file cuts
     bool unsettled_ = false;               // blocks were taken since the last commit; they may be written
+
+    // What was read before the turn in which it is needed.
+    KnownChains known_;
+    std::vector<SpaceLocks::Ranges> knownPins_;
+    std::uint64_t knownCounter_ = 0; // of the state that known_ is true of, once nothing is pinned for it
 
     unsigned readings_ = 0;
     bool readLocked_ = false;

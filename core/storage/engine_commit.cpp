@@ -132,6 +132,7 @@ void StorageEngine::settle(Next next) noexcept {
     unsettled_ = false;
     space_.commit(table_.end());
     spaceCounter_ = head_.counter;
+    freeTreeLost_ = false;
     if (next_ == TableLayout::tree)
         trustSpace();
     verifiedList_ = spaceVerified_;

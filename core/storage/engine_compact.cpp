@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/storage/bad_place.h"
-#include "core/storage/canonical_chain.h"
 #include "core/storage/engine.h"
 #include "core/storage/storage_error.h"
 
@@ -12,8 +11,6 @@
 namespace core {
 namespace {
 
-constexpr std::uint64_t kLeastStep = std::uint64_t{1} << 20;
-constexpr std::uint64_t kMostStep = std::uint64_t{64} << 20;
 constexpr int kMostSteps = 1000; // others may go on making holes
 constexpr int kMostNodeSteps = 4;
 
@@ -37,14 +34,19 @@ UsedSpace::Ranges gaps(UsedSpace::Ranges known, std::uint64_t begin, std::uint64
 
 } // namespace
 
-/// In steps, each of them one commit: a table in table layout 1 is converted; then chains move to the lowest
-/// free space, side by side, and the trees behind them. Others have their turn between the steps. Any step
-/// may be the last one.
+/// In steps, each of them one commit: a table in table layout 1 is converted, after all has been read; then
+/// chains move to the lowest free space, side by side, and the trees behind them. Others have their turn
+/// between the steps. Any step may be the last one.
 CompactReport StorageEngine::compact(const CompactOptions& options) {
     Compaction work;
+    struct Forgetting {
+        StorageEngine& engine;
+        ~Forgetting() { engine.forgetChains(); }
+    } const forgetting{*this};
     bool goesOn = true;
     for (int step = 0; goesOn && step < kMostSteps; ++step) {
         options.stop.check();
+        readAhead(options.stop);
         goesOn = compactOnce(work);
         const std::uint64_t first = layout_.emptyLength();
         if (options.progress && work.chainsEnd > first)
@@ -79,67 +81,14 @@ bool StorageEngine::compactOnce(Compaction& work) {
     });
 }
 
-// From table layout 1 to 2.
-
-/// Gives a table in table layout 1 the other layout. Chains that no writer of that layout would write are
-/// written again.
-void StorageEngine::convert(Compaction& work) {
-    if (!spaceVerified_)
-        verifySpace();
-    if (!spaceVerified_)
-        throwBadFormat();
-    next_ = TableLayout::tree;
-    std::vector<std::pair<wstring, FileEntry>> files;
-    table_.forEach([&](wstring_view name, const FileEntry& entry) { files.emplace_back(name, entry); });
-    for (auto& [name, entry] : files) {
-        if (!convertEntry(entry, name))
-            work.damaged.insert(name);
-        table_.set(name, entry);
-    }
-    table_.touch();
-    commitChanges();
-}
-
-/// Finds out what the other layout says of a file. False when the file is damaged: then that is nothing that
-/// any content fits, and the file stays what it is, damaged. A disk that cannot be read at the moment must
-/// not have that effect.
-bool StorageEngine::convertEntry(FileEntry& entry, wstring_view name) {
-    bool isSound = true;
-    const auto read = [&](std::uint64_t address) {
-        CanonicalChain result{0, 0, false, true};
-        try {
-            result = read_canonical(reader_, address);
-        } catch (const ChainInFileExc&) {
-            isSound = false;
-            try {
-                result.size = chain(address).size();
-            } catch (const ChainInFileExc&) {
-            }
-            result.size = std::clamp<std::uint64_t>(result.size, 1, table_.end() - 1);
-        }
-        return result;
-    };
-    const CanonicalChain content = read(entry.data);
-    const CanonicalChain attributes = read(entry.attributes);
-    entry.isKnown = true;
-    entry.size = content.size;
-    entry.contentSum = content.sum;
-    entry.attributesSum = attributes.sum;
-    entry.flags = (content.isTogether ? FileEntry::kContentTogether : 0) |
-                  (attributes.isTogether ? FileEntry::kAttributesTogether : 0);
-    const bool shares = !sharedSpace_.empty(); // then nobody says whose bytes they are
-    if (isSound && (shares || !content.isCanonical))
-        moveContent(entry, 0);
-    if (attributes.size != 0 && attributes.size != StorageFileInfo::kLeastSize + 2 * name.size())
-        entry.flags &= ~FileEntry::kAttributesTogether; // then its blocks cannot be counted by the name
-    if (isSound && (shares || !attributes.isCanonical))
-        moveAttributes(entry, name, 0);
-    return isSound;
-}
-
 // What there is.
 
 bool StorageEngine::compactStep(Compaction& work) {
+    if (freeTreeLost_) { // what it told of is found in the next step
+        table_.touch();
+        commitChanges();
+        return true;
+    }
     if (work.counter != head_.counter)
         survey(work);
     work.arrange(layout_);
@@ -315,8 +264,7 @@ void StorageEngine::moveAttributes(FileEntry& entry, wstring_view name, std::uin
 /// next, makes it larger by moving that out of the way.
 bool StorageEngine::moveSome(Compaction& work) {
     const std::uint64_t step = layout_.blockLength(kStorageBlockSize);
-    const std::uint64_t atOnce =
-        std::clamp((work.chainsEnd - layout_.emptyLength()) / 64, kLeastStep, kMostStep);
+    const std::uint64_t atOnce = Compaction::stepOf(work.chainsEnd - layout_.emptyLength());
     const std::uint64_t rest = work.holeEnd - work.holeBegin;
     avoidPins();
     const std::uint64_t room = std::min(rest, space_.roomAt(work.holeBegin));

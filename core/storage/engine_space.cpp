@@ -53,6 +53,7 @@ void StorageEngine::loadFreeSpace() {
     if (spaceCounter_ == head_.counter && !hasGrown)
         return;
     spaceCounter_.reset();
+    freeTreeLost_ = false;
     if (head_.tableLayout == TableLayout::tree)
         loadFreeTree();
     else
@@ -104,6 +105,7 @@ void StorageEngine::verifySpace() {
     cutChains_.clear();
     const std::uint64_t length = file_->length();
     ChainSurvey survey(reader_, length, table_, head_, tableBlocks_, nullptr);
+    survey.use(knownChains(), false);
     const bool all = survey.walk(
         [&](const ChainSurvey::Chain& chain) {
             if (chain.use == StorageUse::freeChain && chain.damage)

@@ -16,40 +16,51 @@
 
 namespace core {
 
+/// Where the tree of free space is damaged, nothing counts as free: what is new goes behind everything, and
+/// the next commit begins a new tree. What was free is lost by that, and compacting gives it back.
 void StorageEngine::loadFreeTree() {
-    checked([&] {
-        RangeSet free;
-        std::uint64_t before = 0;
-        for (const auto& [begin, length] : freeRows()) {
-            if (begin <= before || length > table_.end() - begin) // ranges that touch would be one
-                throwBadFormat();
-            before = begin + length;
-            free.add(begin, before);
-        }
-        space_.set(std::move(free), table_.end());
+    try {
+        space_.set(readFreeTree(), table_.end());
         for (const auto& root : {head_.filesRoot(), head_.freeRoot(layout_)}) {
             BlockRuns blocks(layout_.blockHeaderSize());
             if (root)
                 blocks.append(root->address, kStorageBlockSize, root->blocks());
             if (!space_.isUsed(blocks))
-                throwBadFormat();
+                throw ChainInFileExc(root->address);
         }
-    });
+    } catch (const ChainInFileExc&) {
+        space_.set({}, table_.end());
+        freeTreeLost_ = true;
+    }
     freeBlocks_ = BlockRuns(layout_.blockHeaderSize());
     trustSpace();
 }
 
-std::vector<std::pair<std::uint64_t, std::uint64_t>> StorageEngine::freeRows(const DamagedNode& damaged) {
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> rows;
-    const auto visit = [&](std::uint64_t address, std::uint64_t length) {
-        rows.emplace_back(address, length);
-    };
+RangeSet StorageEngine::readFreeTree() {
+    RangeSet free;
+    std::uint64_t before = 0;
+    forEachFree([&](std::uint64_t begin, std::uint64_t length) {
+        if (begin <= before || length > table_.end() - begin) // ranges that touch would be one
+            throw ChainInFileExc(begin);
+        before = begin + length;
+        free.add(begin, before);
+    });
+    return free;
+}
+
+/// The tree that the next commit changes.
+std::optional<NodeRef> StorageEngine::usableFreeRoot() const {
+    return freeTreeLost_ ? std::nullopt : head_.freeRoot(layout_);
+}
+
+/// Calls `visit(address, length)` for what the tree of free space says.
+template <class Visit>
+void StorageEngine::forEachFree(const Visit& visit, const DamagedNode& damaged) {
     if (const auto ref = head_.freeRoot(layout_)) {
         if (const auto root = sound_node(
                 *ref, [&] { return freeNodes_.load(*ref); }, damaged))
             for_each_in_tree<FreeRows>(freeNodes_, root, visit, damaged);
     }
-    return rows;
 }
 
 template <class Visit>
@@ -74,7 +85,10 @@ std::optional<TreeSpace> StorageEngine::treeSpace(const DamagedNode& damagedTabl
     if (head_.tableLayout == TableLayout::flat)
         return std::nullopt;
     const BlockRuns none(layout_.blockHeaderSize());
-    TreeSpace space{none, none, freeRows(damagedFree)};
+    TreeSpace space{none, none, {}};
+    forEachFree(
+        [&](std::uint64_t address, std::uint64_t length) { space.free.emplace_back(address, length); },
+        damagedFree);
     const auto visit = [&](const NodeRef& node, StorageUse use) {
         (use == StorageUse::table ? space.fileNodes : space.freeNodes)
             .append(node.address, kStorageBlockSize, node.blocks());
@@ -176,7 +190,7 @@ void StorageEngine::writeTrees(Next& next) {
             nodesFrom_ = root->address + root->blocks() * layout_.blockLength(kStorageBlockSize);
         writeFreeTree(next);
     } else { // nothing is in use: the container ends behind the first table block
-        if (const auto freeRoot = head_.freeRoot(layout_))
+        if (const auto freeRoot = usableFreeRoot())
             for_each_node<FreeRows>(freeNodes_, *freeRoot, freeNodes_.load(*freeRoot),
                                     [&](const NodeRef& ref) { releaseNode(ref); });
         next.head.setFreeRoot(std::nullopt, layout_);
@@ -217,7 +231,7 @@ std::vector<TreeChange<FreeRows>> StorageEngine::freeChanges(Next& next) const {
 /// back, which changes what is written: so it is planned until a plan fits into the space that it took. A
 /// node that was given back once stays so, and the space only grows, which ends it.
 void StorageEngine::writeFreeTree(Next& next) {
-    const auto root = head_.freeRoot(layout_);
+    const auto root = usableFreeRoot();
     std::set<std::uint64_t> released;
     BlockRange area{};
     TreePlan<FreeRows> plan;
