@@ -274,76 +274,52 @@ TEST_P(Damaged, IsFoundWhereverBytesAreFlippedOrCutOff) {
     EXPECT_GT(found, 500);
 }
 
-/// What can be read of a container, file by file.
-Model readable(const Bytes& bytes, const StorageLayout& layout, const Model& model) {
-    FaultDisk disk;
-    disk.bytes = bytes;
-    Model found;
-    try {
-        const StorageRW storage(test::open_fault_file(disk), layout);
-        for (const auto& [name, content] : model) {
-            try {
-                found[name] = storage.get(name);
-            } catch (const StorageException&) {
-            }
-        }
-    } catch (const StorageException&) {
-    }
-    return found;
-}
-
 /// Changes made to a damaged container one after the other, each by a program of its own: none that answers
 /// success takes a file away that could be read.
 TEST_P(DamagedAny, NoChangeThatSucceedsCostsASoundFile) {
-    const test::Vandal vandal(disk_.bytes, layout_);
     std::size_t succeeded = 0;
-    for (const test::Damage kind : test::kAllDamage) {
-        const unsigned seeds = test::is_nightly() ? 1000 : 100;
-        for (unsigned seed = 0; seed < seeds; ++seed) {
-            test::Random random(seed);
-            FaultDisk disk;
-            disk.bytes = vandal.damaged(kind, random);
-            Model sound = readable(disk.bytes, layout_, model_);
-            std::erase_if(sound, [&](const auto& file) { return file.second != model_.at(file.first); });
-            for (int step = 0; step < 6; ++step) {
-                const wstring name = random.below(2) == 0
-                                         ? random.name()
-                                         : wstring(1, static_cast<wchar>(u'a' + random.below(26)));
-                const Bytes content = random.bytes(random.size());
-                Model after = sound;
-                after.erase(name);
-                try {
-                    StorageRW storage(test::open_fault_file(disk), layout_);
-                    switch (random.below(4)) {
-                    case 0:
-                        storage.remove(name);
-                        break;
-                    case 1: {
-                        const auto file = storage.open(name, OpenMode::replace);
-                        write_all_at(*file, 0, content);
-                        file->close();
-                        after[name] = content;
-                        break;
-                    }
-                    case 2:
-                        storage.rename(name, u"new name");
-                        after.erase(u"new name");
-                        break;
-                    default:
-                        storage.put(name, content);
-                        after[name] = content;
-                    }
-                    sound = after;
-                    ++succeeded;
-                } catch (const StorageException&) {
-                }
-                Model found = readable(disk.bytes, layout_, sound);
-                for (const auto& [file, bytes] : sound)
-                    ASSERT_EQ(found[file], bytes) << "damage " << static_cast<int>(kind) << ", seed " << seed
-                                                  << ", step " << step << ": " << to_utf8(file);
-            }
+    /// Makes one change; `sound` is what can be read afterwards when it succeeds.
+    const auto change = [&](FaultDisk& disk, test::Random& random, Model& sound) {
+        const wstring name =
+            random.below(2) == 0 ? random.name() : wstring(1, static_cast<wchar>(u'a' + random.below(26)));
+        const Bytes content = random.bytes(random.size());
+        Model after = sound;
+        after.erase(name);
+        StorageRW storage(test::open_fault_file(disk), layout_);
+        switch (random.below(4)) {
+        case 0:
+            storage.remove(name);
+            break;
+        case 1: {
+            const auto file = storage.open(name, OpenMode::replace);
+            write_all_at(*file, 0, content);
+            file->close();
+            after[name] = content;
+            break;
         }
-    }
+        case 2:
+            storage.rename(name, u"new name");
+            after.erase(u"new name");
+            break;
+        default:
+            storage.put(name, content);
+            after[name] = content;
+        }
+        sound = std::move(after);
+        ++succeeded;
+    };
+    const auto visit = [&](test::DamagedContainer& damaged) {
+        for (int step = 0; step < 6; ++step) {
+            try {
+                change(damaged.disk, damaged.random, damaged.sound);
+            } catch (const StorageException&) {
+            }
+            Model found = test::readable(damaged.disk.bytes, layout_, damaged.sound);
+            for (const auto& [file, bytes] : damaged.sound)
+                ASSERT_EQ(found[file], bytes) << damaged.where << ", step " << step << ": " << to_utf8(file);
+        }
+    };
+    test::for_each_damage(disk_.bytes, layout_, model_, test::is_nightly() ? 300 : 100, visit);
     EXPECT_GT(succeeded, 1000U);
 }
 

@@ -47,40 +47,21 @@ class Salvage : public test::FaultContainer {
 INSTANTIATE_TEST_SUITE_P(Formats, Salvage, test::kEveryFormat, test::name_of_format);
 
 TEST_P(Salvage, FindsEverySoundFile) {
-    const test::Vandal vandal(disk_.bytes, layout_);
     std::size_t saved = 0;
-    for (const test::Damage kind : test::kAllDamage) {
-        const unsigned seeds = test::is_nightly() ? 300 : 40;
-        for (unsigned seed = 0; seed < seeds; ++seed) {
-            test::Random random(seed);
-            FaultDisk disk;
-            disk.bytes = vandal.damaged(kind, random);
-            const std::string where =
-                "damage " + std::to_string(static_cast<int>(kind)) + ", seed " + std::to_string(seed);
-            Model sound;
-            try {
-                const StorageRW storage(test::open_fault_file(disk), layout_);
-                for (const auto& [name, content] : model_) {
-                    try {
-                        if (storage.get(name) == content)
-                            sound[name] = content;
-                    } catch (const StorageException&) {
-                    }
-                }
-            } catch (const StorageException&) { // not even opened
-            }
-            try {
-                Result result = salvaged(disk.bytes);
-                for (const auto& [name, content] : sound)
-                    ASSERT_EQ(result.files[name], content) << where << ": " << to_utf8(name);
-                for (const SalvagedFile& file : result.report.files)
-                    EXPECT_FALSE(sound.contains(file.name)) << where << ": " << to_utf8(file.text());
-                saved += result.files.size();
-            } catch (const StorageException& e) {
-                EXPECT_TRUE(sound.empty()) << where << ": " << e.what();
-            }
+    const auto visit = [&](test::DamagedContainer& damaged) {
+        try {
+            Result result = salvaged(damaged.disk.bytes);
+            for (const auto& [name, content] : damaged.sound)
+                ASSERT_EQ(result.files[name], content) << damaged.where << ": " << to_utf8(name);
+            for (const SalvagedFile& file : result.report.files)
+                EXPECT_FALSE(damaged.sound.contains(file.name))
+                    << damaged.where << ": " << to_utf8(file.text());
+            saved += result.files.size();
+        } catch (const StorageException& e) {
+            EXPECT_TRUE(damaged.sound.empty()) << damaged.where << ": " << e.what();
         }
-    }
+    };
+    test::for_each_damage(disk_.bytes, layout_, model_, test::is_nightly() ? 300 : 40, visit);
     EXPECT_GT(saved, 1000U);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the size of a container costs: a commit writes what changed, and compacting needs room for a step.
 #include "tests/support/fault_file.h"
+#include "tests/support/memory_peak.h"
 #include "tests/support/storage_fixture.h"
 
 #include <core/runtime/threads/errors.h>
@@ -136,6 +137,27 @@ TEST_P(Sizes, NamesAreHadWithoutReadingFiles) {
     EXPECT_EQ(names.size(), 10U);
     EXPECT_TRUE(std::equal(names.begin(), names.end(), found.begin(), found.end(),
                            [](const auto& name, const auto& file) { return name == file.name; }));
+}
+
+/// A writer holds what is free in memory, and little more.
+TEST_P(Sizes, AFreeRangeTakesLittleMemory) {
+    if (format_.table == 1)
+        GTEST_SKIP() << "what is free is not believed at once";
+    constexpr std::size_t kRanges = 10000;
+    fill(2 * kRanges, 10);
+    {
+        StorageRW storage = open();
+        StorageTransaction transaction(storage);
+        for (std::size_t i = 0; i < 2 * kRanges; i += 2)
+            storage.remove(name_of(i));
+        transaction.commit();
+    }
+    ASSERT_GE(open().info().freeRanges, kRanges / 2);
+    StorageRW storage = open();
+    (void)storage.contains(name_of(1));
+    const ::test::MemoryPeak memory;
+    storage.put(name_of(1), Bytes(10));
+    EXPECT_LT(memory.bytes() / kRanges, 100U);
 }
 
 TEST_P(Sizes, EveryBitInUseIsWatched) {

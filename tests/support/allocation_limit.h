@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "tests/support/memory_peak.h"
+
 #include <cstdlib>
 #include <new>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 /// The program's memory, which a test can let run out. It replaces the allocation functions of the whole
 /// program, so that one source of a test program includes it.
@@ -21,6 +26,19 @@ class AllocationLimit {
     ~AllocationLimit() { allocations_left = kNone; }
 };
 
+inline void* counted(void* block) noexcept {
+#if defined(__GLIBC__)
+    count_bytes(static_cast<std::ptrdiff_t>(malloc_usable_size(block)));
+#endif
+    return block;
+}
+inline void free_counted(void* block) noexcept {
+#if defined(__GLIBC__)
+    count_bytes(-static_cast<std::ptrdiff_t>(malloc_usable_size(block)));
+#endif
+    std::free(block);
+}
+
 } // namespace test
 
 // Not inlined, or the compiler misses the pairing of malloc and free.
@@ -28,7 +46,7 @@ class AllocationLimit {
     if (test::allocations_left == 0)
         return nullptr;
     test::allocations_left -= test::allocations_left > 0 ? 1 : 0;
-    return std::malloc(size);
+    return test::counted(std::malloc(size));
 }
 [[gnu::noinline]] void* operator new(std::size_t size) {
     if (void* const block = operator new(size, std::nothrow))
@@ -39,19 +57,19 @@ class AllocationLimit {
     if (test::allocations_left != 0) {
         test::allocations_left -= test::allocations_left > 0 ? 1 : 0;
         if (void* const block = std::aligned_alloc(static_cast<std::size_t>(alignment), size))
-            return block;
+            return test::counted(block);
     }
     throw std::bad_alloc();
 }
 [[gnu::noinline]] void operator delete(void* block) noexcept {
-    std::free(block);
+    test::free_counted(block);
 }
 [[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
+    test::free_counted(block);
 }
 [[gnu::noinline]] void operator delete(void* block, std::align_val_t) noexcept {
-    std::free(block);
+    test::free_counted(block);
 }
 [[gnu::noinline]] void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
-    std::free(block);
+    test::free_counted(block);
 }

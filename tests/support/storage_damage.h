@@ -2,12 +2,17 @@
 #pragma once
 
 #include "tests/support/fault_file.h"
+#include "tests/support/memory_peak.h"
 #include "tests/support/storage_image.h"
 #include "tests/support/storage_model.h"
 
 #include <core/storage/chain.h>
+#include <core/storage/errors.h>
+
+#include <gtest/gtest.h>
 
 #include <array>
+#include <ctime>
 #include <string>
 
 namespace core::test {
@@ -134,5 +139,60 @@ class Vandal {
     std::vector<ChainInFile> chains_;
     bool isTree_ = false;
 };
+
+/// What can be read of a container, file by file.
+inline Model readable(const Bytes& bytes, const StorageLayout& layout, const Model& model) {
+    FaultDisk disk;
+    disk.bytes = bytes;
+    Model found;
+    try {
+        const StorageRW storage(open_fault_file(disk), layout);
+        for (const auto& [name, content] : model) {
+            try {
+                found[name] = storage.get(name);
+            } catch (const StorageException&) {
+            }
+        }
+    } catch (const StorageException&) { // not even opened
+    }
+    return found;
+}
+
+/// A container that was damaged, and what of it can still be read as it was.
+struct DamagedContainer {
+    FaultDisk disk;
+    Model sound;
+    Random random;
+    std::string where; ///< for messages
+};
+
+/// Damages a container that holds `model` in each way, with so many seeds, and calls
+/// `visit(DamagedContainer&)`. Whatever the damage, that takes neither a second nor memory without bound.
+template <class Visit>
+void for_each_damage(const Bytes& bytes, const StorageLayout& layout, const Model& model, unsigned seeds,
+                     Visit visit) {
+    const Vandal vandal(bytes, layout);
+    const std::size_t most = (std::size_t{16} << 20) + 4 * bytes.size(); // some copies of what is read
+    for (const Damage kind : kAllDamage) {
+        for (unsigned seed = 0; seed < seeds; ++seed) {
+            DamagedContainer damaged{{},
+                                     {},
+                                     Random(seed),
+                                     "damage " + std::to_string(static_cast<int>(kind)) + ", seed " +
+                                         std::to_string(seed)};
+            damaged.disk.bytes = vandal.damaged(kind, damaged.random);
+            damaged.sound = readable(damaged.disk.bytes, layout, model);
+            std::erase_if(damaged.sound,
+                          [&](const auto& file) { return file.second != model.at(file.first); });
+            const ::test::MemoryPeak memory;
+            const std::clock_t begin = std::clock();
+            visit(damaged);
+            EXPECT_LT(std::clock() - begin, CLOCKS_PER_SEC) << damaged.where;
+            EXPECT_LT(memory.bytes(), most) << damaged.where;
+            if (testing::Test::HasFatalFailure())
+                return;
+        }
+    }
+}
 
 } // namespace core::test
