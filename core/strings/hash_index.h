@@ -36,6 +36,12 @@ class HashIndex {
     template <class Equal>
     [[nodiscard]] Position find(std::uint64_t hash, Equal equal) const;
 
+    /// Fetches the slot where a search for that hash begins, so that the search need not wait for it.
+    void prefetch(std::uint64_t hash) const noexcept {
+        if (!slots_.empty())
+            __builtin_prefetch(&slots_[homeOf(tagOf(hash))]);
+    }
+
     /// Makes room for `count` positions in all. Throws std::bad_alloc, also above kMost; nothing has changed
     /// then.
     void reserve(std::size_t count);

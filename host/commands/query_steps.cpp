@@ -4,12 +4,10 @@
 #include <core/context/context_def.h>
 #include <core/strings/char_class.h>
 #include <core/strings/names.h>
-#include <core/strings/split.h>
 #include <core/strings/trim.h>
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <vector>
 
 namespace host {
@@ -49,50 +47,10 @@ bool is(wstring_view name, wstring_view english, wstring_view russian) {
     return compare_nocase(name, english) == 0 || compare_nocase(name, russian) == 0;
 }
 
-/// What a total is over, and what it is called then.
-struct TotalItem {
-    wstring column;
-    wstring name;
-    bool counts = false;
-};
-
-/// Reads "Sum(Price) As Total, Count()" and plain names of columns.
-std::vector<TotalItem> read_totals(wstring_view list) {
-    std::vector<TotalItem> items;
-    for (const wstring_view text : string_tokenize(list, u",")) {
-        const wstring_view item = trim_all(text);
-        TotalItem total;
-        wstring_view rest;
-        const wstring_view function = called(item);
-        if (function.empty()) {
-            const std::size_t blank = std::min(item.find(u' '), item.size());
-            total.column = item.substr(0, blank);
-            rest = item.substr(blank);
-        } else {
-            const std::size_t open = item.find(u'(');
-            const std::size_t close = std::min(item.find(u')', open), item.size());
-            total.counts = is(function, u"Count", u"Количество");
-            total.column =
-                total.counts ? wstring(function) : wstring(trim_all(item.substr(open + 1, close - open - 1)));
-            rest = close < item.size() ? item.substr(close + 1) : wstring_view();
-            if (!total.counts && !is(function, u"Sum", u"Сумма"))
-                total.column = item; // the table says that it has no such column
-        }
-        const auto words = string_tokenize(rest, u" ");
-        total.name = words.size() == 2 && is(words[0], u"As", u"Как") ? wstring(words[1]) : total.column;
-        items.push_back(std::move(total));
-    }
-    return items;
-}
-
 /// The value that steps work on, and what only they can call.
 class Pipeline {
   public:
     Pipeline(script::Engine& engine, const GenericValue& table) : engine_(engine), value_(table) {
-        engine.function(u"Group", u"Группировать",
-                        [this](wstring_view columns, std::optional<wstring> totals) {
-                            return group(columns, totals.value_or(wstring()));
-                        });
         engine.function(u"First", u"Первые", [this](std::size_t count) { return rows(0, count); });
         engine.function(u"Last", u"Последние", [this](std::size_t count) {
             const std::size_t all = countOfRows();
@@ -121,11 +79,8 @@ class Pipeline {
   private:
     void take(wstring_view step) {
         const wstring_view name = called(step);
-        static constexpr std::array<std::array<wstring_view, 2>, 5> kOwn = {{{u"Group", u"Группировать"},
-                                                                             {u"First", u"Первые"},
-                                                                             {u"Last", u"Последние"},
-                                                                             {u"Select", u"Выбрать"},
-                                                                             {u"Where", u"Где"}}};
+        static constexpr std::array<std::array<wstring_view, 2>, 4> kOwn = {
+            {{u"First", u"Первые"}, {u"Last", u"Последние"}, {u"Select", u"Выбрать"}, {u"Where", u"Где"}}};
         const bool own =
             std::ranges::any_of(kOwn, [name](const auto& one) { return is(name, one[0], one[1]); });
         const auto context = value_.query<IContext_>();
@@ -147,21 +102,6 @@ class Pipeline {
         engine_.set(u"_To", end);
         return evaluate(u"_Rows = New Array; For _I = _From To _To - 1 Do _Rows.Add(Table.Get(_I)) EndDo;"
                         u"Return Table.Copy(_Rows)");
-    }
-    GenericValue group(wstring_view columns, wstring_view totals) {
-        wstring names;
-        wstring renamed;
-        for (const TotalItem& item : read_totals(totals)) {
-            engine_.set(u"_Name", item.column);
-            if (item.counts)
-                evaluate(u"Table.Columns.Add(_Name); Table.FillValues(1, _Name)");
-            names += (names.empty() ? u"" : u",") + item.column;
-            if (item.name != item.column)
-                renamed += u"Table.Columns." + item.column + u".Name = \"" + item.name + u"\";";
-        }
-        engine_.set(u"_Group", wstring(columns));
-        engine_.set(u"_Totals", names);
-        return evaluate(u"Table.GroupBy(_Group, _Totals);" + renamed + u"Return Table");
     }
 
     script::Engine& engine_;

@@ -2,6 +2,7 @@
 #pragma once
 
 /// Value tables, value trees and value lists.
+#include <core/tables/aggregates.h>
 #include <core/tables/chooser.h>
 #include <core/tables/compare_values.h>
 #include <core/tables/errors.h>
@@ -14,3 +15,4 @@
 #include <core/tables/value_list.h>
 #include <core/tables/value_table.h>
 #include <core/tables/value_tree.h>
+#include <core/tables/windows.h>

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <core/strings/names.h>
 #include <core/types/type_domain.h>
 
-#include <unordered_map>
 #include <vector>
 
 namespace core {
@@ -20,15 +18,5 @@ struct ListedColumn {
 /// "IDS_VT_COLUMNCODE_ERROR" for a name that is not valid, "IDS_VT_COLUMNS_NOT_UNIQUE" for one that comes
 /// twice.
 [[nodiscard]] std::vector<ListedColumn> read_column_list(wstring_view list);
-
-/// Makes names for columns of their titles.
-class ColumnNames {
-  public:
-    /// Returns a name that is valid and was not made before.
-    [[nodiscard]] wstring make(wstring_view title);
-
-  private:
-    std::unordered_map<wstring, std::size_t, NocaseHash, NocaseEqual> taken_; // with the last number given
-};
 
 } // namespace core

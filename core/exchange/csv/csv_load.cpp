@@ -3,6 +3,7 @@
 #include "core/exchange/cells/typed_column.h"
 #include "core/exchange/csv/csv_scanner.h"
 #include "core/exchange/csv/csv_shape.h"
+#include "core/tables/convert/column_names.h"
 #include "core/tables/objects/table_parts.h"
 
 #include <core/exchange/csv.h>

@@ -2,6 +2,7 @@
 #include "core/exchange/cells/column_list.h"
 #include "core/exchange/json/json_builder.h"
 #include "core/tables/convert/cell_fit.h"
+#include "core/tables/convert/column_names.h"
 #include "core/tables/objects/table_parts.h"
 
 #include <core/exchange/errors.h>

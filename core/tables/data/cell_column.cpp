@@ -14,6 +14,19 @@ using Form = CellColumn::Form;
 /// A dictionary saves memory and time up to one value for so many rows; the first values are always free.
 constexpr std::size_t kFreeCodes = 4096;
 constexpr std::size_t kRowsPerCode = 4;
+/// So many different values a dictionary may come to have, when the values go on repeating as they do.
+constexpr std::size_t kExpectedCodes = std::size_t{1} << 18;
+
+/// Whether a dictionary that has so many codes after so many rows is worth keeping. At the beginning almost
+/// every row of a column of many names is new. How often they repeat tells how many there are: of n rows with
+/// d equally frequent values, about n²/2d repeat an earlier one. Names that never repeat are given up early.
+bool saves(std::size_t codes, std::size_t rows) noexcept {
+    if (codes < kFreeCodes + rows / kRowsPerCode)
+        return true;
+    const std::size_t repeated = rows - std::min(codes, rows);
+    const std::size_t expected = rows < kExpectedCodes ? rows * rows / (2 * kExpectedCodes) : rows / 2;
+    return repeated >= expected;
+}
 
 std::uint64_t hash_word(std::uint64_t word) noexcept {
     return table_hash_step(table_hash_seed(), word);
@@ -209,8 +222,7 @@ bool CellColumn::put(RowId row, const Value& value) {
 bool CellColumn::putCode(RowId row, const Value& value) {
     if (isCodable(value)) {
         const auto known = dictionary_->find(value);
-        const bool saves = dictionary_->size() < kFreeCodes + size_ / kRowsPerCode;
-        if (!known && !saves)
+        if (!known && !saves(dictionary_->size(), size_))
             return putInForm(Form::values, 0, row, value);
         codes_[row] = known ? *known : dictionary_->add(value);
         return false;
@@ -302,6 +314,8 @@ CellColumn CellColumn::makeRoom(std::size_t size) const {
 }
 
 CellColumn CellColumn::copy(RowRange rows) const {
+    if (form_ == Form::coded && rows.size() < dictionary_->size() / 2)
+        return copyCodes(rows);
     CellColumn out = makeRoom(rows.size());
     if (dictionary_)
         out.dictionary_ = std::make_unique<ValueDictionary>(*dictionary_);
@@ -313,6 +327,15 @@ CellColumn CellColumn::copy(RowRange rows) const {
     });
     out.size_ = rows.size();
     return out;
+}
+
+/// Copies few cells with those values alone that they have.
+CellColumn CellColumn::copyCodes(RowRange rows) const {
+    auto dictionary = std::make_unique<ValueDictionary>();
+    std::vector<Code> codes;
+    codes.reserve(rows.size());
+    rows.forEach([&](RowId row) { codes.push_back(dictionary->add((*dictionary_)[codes_[row]])); });
+    return ofCodes(std::move(dictionary), std::move(codes));
 }
 
 void CellColumn::take(std::span<const RowId> rows, CellColumn&& room) noexcept {

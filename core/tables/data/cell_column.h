@@ -125,6 +125,7 @@ class CellColumn {
     bool putInForm(Form form, std::uint32_t scale, RowId row, const Value& value);
     [[nodiscard]] bool rescale(std::uint32_t scale);
     void toValues();
+    [[nodiscard]] CellColumn copyCodes(RowRange rows) const;
 
     Form form_ = Form::coded;
     std::uint8_t scale_ = 0;

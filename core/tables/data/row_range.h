@@ -19,6 +19,14 @@ class RowRange {
     [[nodiscard]] RowRange first(std::size_t count) const noexcept {
         return plain_ ? RowRange(count) : RowRange(rows_.first(count));
     }
+    /// Calls `work` with a function that gives the row at a position. So each kind of range has a loop of its
+    /// own, which does not ask for the kind at every row.
+    template <class Work>
+    decltype(auto) visit(Work work) const {
+        if (plain_)
+            return work([](std::size_t position) { return static_cast<RowId>(position); });
+        return work([rows = rows_](std::size_t position) { return rows[position]; });
+    }
     /// Calls `work(row)` for every row.
     template <class Work>
     void forEach(Work work) const {

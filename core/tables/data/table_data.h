@@ -88,6 +88,9 @@ class TableData {
     [[nodiscard]] RowId parentOf(RowId row) const noexcept { return tree_ ? nodes_[row].parent : kNoRow; }
     /// Returns rows of a tree together with all rows below them; each row comes before those below it.
     [[nodiscard]] std::vector<RowId> withSubordinates(std::span<const RowId> rows) const;
+    /// Returns how many ids there have been: those of rows are below it, and every column has a cell for
+    /// each.
+    [[nodiscard]] std::size_t idCount() const noexcept { return ids_; }
     /// Returns the id that the next row gets.
     [[nodiscard]] RowId nextRow() const;
     /// Inserts a row with these cells; the others hold the defaults of their columns.

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/data/value_dictionary.h"
 
-#include "core/values/value_hash.h"
-
 namespace core {
+
 std::optional<ValueDictionary::Code> ValueDictionary::find(const Value& value) const noexcept {
     if (value.isUndefined())
         return Code{0};
@@ -15,8 +14,11 @@ ValueDictionary::Code ValueDictionary::add(const Value& value) {
     if (value.isUndefined())
         return 0;
     const std::uint64_t hash = value_table_hash(value);
-    if (const Code known = search(hash, value); known != HashIndex::kNone)
-        return known;
+    const Code known = search(hash, value);
+    return known != HashIndex::kNone ? known : addNew(hash, value);
+}
+
+ValueDictionary::Code ValueDictionary::addNew(std::uint64_t hash, const Value& value) {
     const auto code = static_cast<Code>(values_.size());
     index_.reserve(index_.size() + 1);
     values_.push_back(value);

@@ -2,9 +2,10 @@
 #pragma once
 
 #include "core/strings/hash_index.h"
+#include "core/values/value_hash.h"
 
-#include <core/values/value.h>
-
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -26,14 +27,48 @@ class ValueDictionary {
     [[nodiscard]] std::optional<Code> find(const Value& value) const noexcept;
     /// The code of a value, a new one when it is not here yet.
     [[nodiscard]] Code add(const Value& value);
+    /// Does the same for many values, of which `value_at(position)` gives a reference, and stores their
+    /// codes. Values lie anywhere in memory, so those ahead are fetched while others are looked up.
+    template <class ValueAt>
+    void add(std::span<Code> codes, ValueAt value_at);
 
   private:
     [[nodiscard]] Code search(std::uint64_t hash, const Value& value) const noexcept {
         return index_.find(hash, [&](Code code) { return values_[code].equals(value); });
     }
+    [[nodiscard]] Code addNew(std::uint64_t hash, const Value& value);
 
     std::vector<Value> values_{Value()};
     HashIndex index_; // of all values except Undefined
 };
+
+template <class ValueAt>
+void ValueDictionary::add(std::span<Code> codes, ValueAt value_at) {
+    constexpr std::size_t kAhead = 16;
+    std::array<std::uint64_t, kAhead> hashes;
+    const auto fetch = [&](std::size_t begin) {
+        for (std::size_t i = begin; i < std::min(begin + kAhead, codes.size()); ++i)
+            __builtin_prefetch(value_at(i).object());
+    };
+    fetch(0);
+    for (std::size_t begin = 0; begin < codes.size(); begin += kAhead) {
+        const std::size_t count = std::min(kAhead, codes.size() - begin);
+        fetch(begin + kAhead);
+        for (std::size_t i = 0; i < count; ++i) {
+            hashes[i] = value_table_hash(value_at(begin + i));
+            index_.prefetch(hashes[i]);
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            const Value& value = value_at(begin + i);
+            Code code = 0;
+            if (!value.isUndefined()) {
+                code = search(hashes[i], value);
+                if (code == HashIndex::kNone)
+                    code = addNew(hashes[i], value);
+            }
+            codes[begin + i] = code;
+        }
+    }
+}
 
 } // namespace core

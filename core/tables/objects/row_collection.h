@@ -3,8 +3,8 @@
 
 #include "core/tables/objects/row_objects.h"
 #include "core/tables/objects/table_parameters.h"
+#include "core/tables/objects/table_summaries.h"
 #include "core/tables/query/row_search.h"
-#include "core/tables/query/row_totals.h"
 
 #include <core/collections/terms.h>
 #include <core/collections/value_array.h>
@@ -95,9 +95,8 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
         return array_of_rows(data(), matching_rows(data(), parent(), subordinates(arguments, 1), filter));
     }
     GenericValue callTotal(std::span<GenericValue> arguments) {
-        const std::size_t column = column_argument(data(), arguments[0], 0);
         const RowList list(data(), parent(), subordinates(arguments, 1));
-        return total(list.range(), data().column(column));
+        return call_total(data(), list.range(), arguments[0]);
     }
     GenericValue callSort(std::span<GenericValue> arguments) {
         constexpr int kComparison = T::kHierarchical ? 2 : 1;

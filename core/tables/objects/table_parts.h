@@ -16,6 +16,8 @@ namespace core {
 /// Returns the data of a table that is one of this library. Throws ContextException
 /// ("IDS_PARAMETER_N_TYPE_MISMATCH") for any other.
 [[nodiscard]] const TableData& own_table(IValueTableBaseRO& table, int param);
+/// The same, to be changed.
+[[nodiscard]] TableData* table_data_of(IValueTable& table);
 
 /// Returns losses as a value table for scripts: row, line, column, text and reason.
 [[nodiscard]] GenericValue losses_table(const Losses& losses);

@@ -9,6 +9,7 @@
 #include "core/tables/objects/table_format.h"
 #include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/table_parts.h"
+#include "core/tables/objects/table_summaries.h"
 #include "core/tables/query/group_by.h"
 
 #include <core/collections/value_structure.h>
@@ -112,6 +113,13 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
     GenericValue callGroupBy(std::span<GenericValue> arguments);
     GenericValue callFillValues(std::span<GenericValue> arguments);
     GenericValue callChooseRow(std::span<GenericValue> arguments);
+    GenericValue callGroup(std::span<GenericValue> arguments) { return call_group(data_, arguments); }
+    GenericValue callPivot(std::span<GenericValue> arguments) { return call_pivot(data_, arguments); }
+    GenericValue callUnpivot(std::span<GenericValue> arguments) { return call_unpivot(data_, arguments); }
+    GenericValue callAddWindow(std::span<GenericValue> arguments) {
+        call_add_window(data_, arguments);
+        return {};
+    }
 
     TableData data_;
     RowEvents<> events_;
@@ -236,10 +244,15 @@ InterfacePtr<IValueTable> make_value_table(std::vector<std::unique_ptr<TableColu
     return table;
 }
 
-const TableData* table_data_of(IValueTableBaseRO& table) {
+TableData* table_data_of(IValueTable& table) {
     const InterfacePtr<IValue> value(&table);
     ValueTable* const own = ValueTable::of(value.get());
     return own != nullptr ? &own->data() : nullptr;
+}
+
+const TableData* table_data_of(IValueTableBaseRO& table) {
+    const InterfacePtr<IValueTable> changeable(&table);
+    return changeable ? table_data_of(*changeable) : nullptr;
 }
 
 namespace {
@@ -250,6 +263,17 @@ constexpr Param kCopy[] = {named_param(kRowCollectionTerm, kUndefinedDefault), k
 constexpr Param kCopyColumns[] = {kAnyColumnsParam};
 constexpr Param kGroupBy[] = {named_param({u"GroupColumns", u"КолонкиГруппировки"}),
                               named_param({u"TotalColumns", u"КолонкиИтогов"}, kUndefinedDefault)};
+constexpr Param kAggregatesParam = named_param({u"Aggregates", u"Агрегаты"});
+constexpr Param kGroup[] = {kColumnsParam, named_param({u"Aggregates", u"Агрегаты"}, kUndefinedDefault),
+                            named_param({u"Totals", u"Итоги"}, ParamDefault::falseValue)};
+constexpr Param kPivot[] = {named_param(kRowCollectionTerm), named_param(kColumnName), kAggregatesParam,
+                            named_param({u"Limit", u"Предел"}, kUndefinedDefault)};
+constexpr Param kUnpivot[] = {kColumnsParam, named_param(kCodePropTerm, kUndefinedDefault),
+                              named_param(kVLColumnTermValue, kUndefinedDefault),
+                              named_param({u"KeepEmpty", u"ОставлятьПустые"}, ParamDefault::falseValue)};
+constexpr Param kAddWindow[] = {named_param({u"Functions", u"Функции"}),
+                                named_param({u"Partition", u"Раздел"}, kUndefinedDefault),
+                                named_param({u"Order", u"Порядок"}, kUndefinedDefault)};
 constexpr Param kFillValues[] = {kValueParam, kAnyColumnsParam};
 constexpr Param kChooseRow[] = {named_param(kTitlePropTerm, kUndefinedDefault),
                                 named_param({u"InitialRow", u"НачальнаяСтрока"}, kUndefinedDefault)};
@@ -280,6 +304,10 @@ std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
             {kGroupByMethodTerm, kGroupBy, kProcedure, &ValueTable::callGroupBy},
             {kFillValuesMethodTerm, kFillValues, kProcedure, &ValueTable::callFillValues},
             {kSelectRowMethodTerm, kChooseRow, kFunction, &ValueTable::callChooseRow},
+            {kGroupMethodTerm, kGroup, kFunction, &ValueTable::callGroup, &kValueTableType},
+            {kPivotMethodTerm, kPivot, kFunction, &ValueTable::callPivot, &kValueTableType},
+            {kUnpivotMethodTerm, kUnpivot, kFunction, &ValueTable::callUnpivot, &kValueTableType},
+            {kAddWindowMethodTerm, kAddWindow, kProcedure, &ValueTable::callAddWindow},
         }));
     static constexpr auto kMethods = detail::joined(kOwn, combiningMethods());
     return kMethods;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/group_by.h"
 
+#include "core/tables/query/aggregate_cells.h"
 #include "core/tables/query/row_search.h"
 #include "core/tables/query/row_totals.h"
 
@@ -12,16 +13,6 @@ TypeDomain domain_of_totals(const TypeDomain& domain) {
     TypeDomain totals = domain;
     totals.setNumericQualifiers(NumericQualifiers(0, 0, domain.numericQualifiers().nonnegative()));
     return totals;
-}
-
-/// The sums of the groups; a group without a Number has the column's default.
-CellColumn total_cells(RowRange rows, const RowGroups& groups, const TableColumn& column) {
-    std::vector<Value> sums = group_totals(rows, groups, column.cells);
-    CellColumn cells;
-    cells.grow(sums.size());
-    for (std::size_t i = 0; i < sums.size(); ++i)
-        cells.put(static_cast<RowId>(i), sums[i].isUndefined() ? column.defaultValue : sums[i]);
-    return cells;
 }
 
 } // namespace
@@ -42,8 +33,8 @@ void group_by(TableData& data, std::span<const std::size_t> groupColumns,
     }
     for (const std::size_t position : totalColumns) {
         const TableColumn& column = data.column(position);
-        columns.push_back(
-            {position, domain_of_totals(column.info.domain), total_cells(list.range(), groups, column)});
+        columns.push_back({position, domain_of_totals(column.info.domain),
+                           group_sums(list.range(), groups, column.cells, column.defaultValue)});
     }
     data.regroup(columns, groups.firstRows.size());
 }

@@ -2,9 +2,9 @@
 #include "core/tables/query/set_operations.h"
 
 #include "core/tables/query/cell_gather.h"
+#include "core/tables/query/grouping.h"
 #include "core/tables/query/match_keys.h"
 #include "core/tables/query/row_search.h"
-#include "core/tables/query/row_totals.h"
 
 #include <core/strings/integer_text.h>
 #include <core/tables/errors.h>

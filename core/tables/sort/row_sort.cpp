@@ -88,7 +88,7 @@ void add_column(PackedKeys& keys, RowRange rows, const SortColumn& column) {
 
 } // namespace
 
-std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns) {
+std::vector<std::uint32_t> sorted_positions(RowRange rows, std::span<const SortColumn> columns) {
     PackedKeys keys(rows.size());
     for (const SortColumn& column : columns)
         add_column(keys, rows, column);
@@ -100,8 +100,11 @@ std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> column
             words[i] = keys.word(depth)[i];
         return true;
     };
-    std::vector<RowId> sorted =
-        sort_by_words(words, deepen, [](std::uint32_t, std::uint32_t) { return 0; }).order;
+    return sort_by_words(words, deepen, [](std::uint32_t, std::uint32_t) { return 0; }).order;
+}
+
+std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns) {
+    std::vector<RowId> sorted = sorted_positions(rows, columns);
     for (RowId& row : sorted)
         row = rows[row];
     return sorted;

@@ -13,8 +13,10 @@ struct SortColumn {
     bool descending = false;
 };
 
-/// Returns the rows in the order of their cells: by the first column, ties by the second, and so on. Equal
-/// rows come in any order.
+/// Returns the positions of the rows in the order of their cells: by the first column, ties by the second,
+/// and so on. Equal rows keep their order.
+[[nodiscard]] std::vector<std::uint32_t> sorted_positions(RowRange rows, std::span<const SortColumn> columns);
+/// Returns the rows in that order.
 [[nodiscard]] std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns);
 /// Does the same with an object that compares the cells, and throws what that throws.
 [[nodiscard]] std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> columns,

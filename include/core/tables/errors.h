@@ -12,6 +12,16 @@ namespace core {
 
 namespace messages {
 
+/// There is no such aggregate; {0} is its name.
+inline constexpr const char* kAggregateUnknown = "IDS_VT_AGGREGATE_UNKNOWN";
+/// An item of a list should be a function with its arguments; {0} is the item.
+inline constexpr const char* kCallMalformed = "IDS_VT_CALL_MALFORMED";
+/// A column has more different values than may become columns; {0} is its name, {1} how many may.
+inline constexpr const char* kPivotColumns = "IDS_VT_PIVOT_COLUMNS";
+/// A rank needs an order of the rows; {0} is the name of the rank.
+inline constexpr const char* kRankWithoutOrder = "IDS_VT_RANK_WITHOUT_ORDER";
+/// There is no such window function; {0} is its name.
+inline constexpr const char* kWindowUnknown = "IDS_VT_WINDOW_UNKNOWN";
 /// A value list would hold itself. No parameters.
 inline constexpr const char* kListHoldsItself = "IDS_VL_CYCLING";
 /// A comparison object changed the table that was being sorted. No parameters.

@@ -93,6 +93,14 @@ inline constexpr Term kExceptMethodTerm = {u"Except", u"Вычесть"};
 inline constexpr Term kIntersectMethodTerm = {u"Intersect", u"Пересечь"};
 /// Finds the different rows.
 inline constexpr Term kDistinctMethodTerm = {u"Distinct", u"Различные"};
+/// Makes a new table of groups of rows and their aggregates.
+inline constexpr Term kGroupMethodTerm = {u"Group", u"Группировать"};
+/// Makes a new table in which the values of a column are columns.
+inline constexpr Term kPivotMethodTerm = {u"Pivot", u"Повернуть"};
+/// Makes a new table in which columns are rows.
+inline constexpr Term kUnpivotMethodTerm = {u"Unpivot", u"ПовернутьОбратно"};
+/// Adds columns that are computed over neighbouring rows.
+inline constexpr Term kAddWindowMethodTerm = {u"AddWindow", u"ДобавитьОкно"};
 /// Puts one value into all rows.
 inline constexpr Term kFillValuesMethodTerm = {u"FillValues", u"ЗаполнитьЗначения"};
 /// Lets the user choose a row.

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/query/operands.h"
+
+#include <core/tables/errors.h>
+#include <core/values/errors.h>
+
+#include <algorithm>
+
+namespace core {
+
+const TableColumn& Operands::find(wstring_view argument) {
+    const auto position = data_.findColumn(argument);
+    if (!position)
+        throw_error<ContextException>(messages::kUnknownColumn, {wstring(argument)});
+    return data_.column(*position);
+}
+
+std::vector<const TableColumn*> Operands::columns(std::span<const wstring> names) const {
+    std::vector<const TableColumn*> columns;
+    for (const wstring& name : names) {
+        const auto position = data_.findColumn(wstring_view(name));
+        if (!position)
+            throw_error<ContextException>(messages::kUnknownColumn, {name});
+        const TableColumn* const column = &data_.column(*position);
+        if (std::find(columns.begin(), columns.end(), column) != columns.end())
+            throw_error<ContextException>(messages::kColumnTwice, {name});
+        columns.push_back(column);
+    }
+    return columns;
+}
+
+std::vector<const CellColumn*> cells_of(std::span<const TableColumn* const> columns) {
+    std::vector<const CellColumn*> cells;
+    for (const TableColumn* const column : columns)
+        cells.push_back(&column->cells);
+    return cells;
+}
+
+void admit_undefined(TypeDomain& domain) {
+    if (!domain.isEmpty())
+        domain.addType(kUndefinedType);
+}
+
+bool admits_only_numbers(const TypeDomain& domain) noexcept {
+    return domain.pattern().size() == 1 && domain.containsType(ValueKind::number);
+}
+
+TypeDomain domain_of_numbers(const TypeDomain& domain) {
+    TypeDomain numbers(kNumberType);
+    if (!admits_only_numbers(domain))
+        admit_undefined(numbers);
+    return numbers;
+}
+
+CellColumn picked_cells(const CellColumn& cells, std::span<const RowId> rows) {
+    if (std::find(rows.begin(), rows.end(), kNoRow) == rows.end())
+        return cells.copy(RowRange(rows));
+    const auto pick = [rows](auto cells, auto none) {
+        std::vector<decltype(none)> picked;
+        picked.reserve(rows.size());
+        for (const RowId row : rows)
+            picked.push_back(row != kNoRow ? cells[row] : none);
+        return picked;
+    };
+    switch (cells.form()) {
+    case CellColumn::Form::coded:
+        return CellColumn::ofCodes(std::make_unique<ValueDictionary>(cells.dictionary()),
+                                   pick(cells.codes(), CellColumn::Code{0}));
+    case CellColumn::Form::values:
+        return CellColumn::ofValues(pick(cells.values(), Value()));
+    default:
+        return CellColumn::ofWords(cells.form(), cells.scale(), pick(cells.words(), CellColumn::kEmptyWord));
+    }
+}
+
+} // namespace core
