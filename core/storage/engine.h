@@ -23,6 +23,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -245,7 +246,10 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     void cutTail() noexcept;
     /// What is free is not known any more, because a call ran out of memory in the middle. Nothing is taken
     /// nor committed before it is read again.
-    void forgetSpace() noexcept { spaceCounter_.reset(); }
+    void forgetSpace() noexcept {
+        spaceCounter_.reset();
+        spaceTree_.reset();
+    }
     void requireSpace() const;
     void avoidPins();
     template <class Call>
@@ -256,6 +260,8 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     // engine_trees.cpp
     void loadFreeTree();
     [[nodiscard]] RangeSet readFreeTree();
+    [[nodiscard]] std::map<std::uint64_t, NodeRef> freeLeaves(const NodeRef& root);
+    [[nodiscard]] bool followFreeTree(const NodeRef& from, const NodeRef& to);
     [[nodiscard]] std::optional<NodeRef> usableFreeRoot() const;
     void trustSpace() noexcept;
     template <class Visit>
@@ -355,6 +361,7 @@ class StorageEngine : public std::enable_shared_from_this<StorageEngine> {
     FilesTable table_;
     BlockRuns tableBlocks_;                     // except for the first, which never moves
     std::optional<std::uint64_t> spaceCounter_; // the state that space_ belongs to; none when it is not known
+    std::optional<NodeRef> spaceTree_;          // the tree that told of space_; none when that is not known
     BlockRuns freeBlocks_;
     FreeSpace space_;
     NodeStore<FileRows> fileNodes_;

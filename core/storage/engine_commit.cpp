@@ -133,6 +133,7 @@ void StorageEngine::settle(Next next) noexcept {
     space_.commit(table_.end());
     spaceCounter_ = head_.counter;
     freeTreeLost_ = false;
+    spaceTree_ = head_.freeRoot(layout_);
     if (next_ == TableLayout::tree)
         trustSpace();
     verifiedList_ = spaceVerified_;

@@ -67,6 +67,7 @@ void StorageEngine::loadFreeSpace() {
 }
 
 void StorageEngine::loadFreeList(bool hasGrown) {
+    spaceTree_.reset();
     RangeSet free;
     FreeChain list = read_free_chain(reader_, head_.freeChain, table_.end(),
                                      [&](std::uint64_t begin, std::uint64_t end) { free.add(begin, end); });

@@ -19,8 +19,11 @@ namespace core {
 /// Where the tree of free space is damaged, nothing counts as free: what is new goes behind everything, and
 /// the next commit begins a new tree. What was free is lost by that, and compacting gives it back.
 void StorageEngine::loadFreeTree() {
+    const auto known = std::exchange(spaceTree_, std::nullopt);
+    const auto freeRoot = head_.freeRoot(layout_);
     try {
-        space_.set(readFreeTree(), table_.end());
+        if (!known || !freeRoot || !followFreeTree(*known, *freeRoot))
+            space_.set(readFreeTree(), table_.end());
         for (const auto& root : {head_.filesRoot(), head_.freeRoot(layout_)}) {
             BlockRuns blocks(layout_.blockHeaderSize());
             if (root)
@@ -28,12 +31,63 @@ void StorageEngine::loadFreeTree() {
             if (!space_.isUsed(blocks))
                 throw ChainInFileExc(root->address);
         }
+        spaceTree_ = freeRoot;
     } catch (const ChainInFileExc&) {
         space_.set({}, table_.end());
         freeTreeLost_ = true;
     }
     freeBlocks_ = BlockRuns(layout_.blockHeaderSize());
     trustSpace();
+}
+
+/// The leaves of a tree of free space by their first addresses.
+std::map<std::uint64_t, NodeRef> StorageEngine::freeLeaves(const NodeRef& root) {
+    std::map<std::uint64_t, NodeRef> leaves;
+    const auto add = [&](auto& self, const NodeRef& ref, const NodeStore<FreeRows>::Node& node,
+                         const Until<FreeRows>& until) -> void {
+        if (node->level == 0 && node->size() != 0)
+            leaves.emplace(node->keys.at(0), ref);
+        for (std::size_t row = 0; row < node->children.size(); ++row) {
+            if (node->level == 1)
+                leaves.emplace(node->keys.at(row), node->children[row].ref);
+            else
+                self(self, node->children[row].ref, freeNodes_.loadChild(*node, row, until),
+                     until_of(*node, row, until));
+        }
+    };
+    add(add, root, freeNodes_.load(root), {});
+    return leaves;
+}
+
+/// Makes what is free, as one tree told it, what another tree tells, by the leaves that only one of them has:
+/// to read all of it after every commit of others would cost what the container holds, and not what changed.
+/// False when it has to be read.
+bool StorageEngine::followFreeTree(const NodeRef& from, const NodeRef& to) {
+    if (space_.hasChanges())
+        return false;
+    try {
+        const auto before = freeLeaves(from);
+        const auto after = freeLeaves(to);
+        RangeSet::List gone;
+        RangeSet::List added;
+        for (auto leaf = before.begin(); leaf != before.end(); ++leaf) {
+            const auto same = after.find(leaf->first);
+            const auto next = std::next(leaf);
+            if (same == after.end() || same->second != leaf->second)
+                gone.emplace_back(leaf->first, next == before.end() ? layout_.null : next->first);
+        }
+        for (const auto& [first, ref] : after) {
+            const auto same = before.find(first);
+            if (same != before.end() && same->second == ref)
+                continue;
+            const auto node = freeNodes_.load(ref);
+            for (std::size_t row = 0; row < node->values.size(); ++row)
+                added.emplace_back(node->keys.at(row), node->keys.at(row) + node->values[row]);
+        }
+        return space_.follow(gone, added, table_.end());
+    } catch (const ChainInFileExc&) { // the old nodes may be gone
+        return false;
+    }
 }
 
 RangeSet StorageEngine::readFreeTree() {

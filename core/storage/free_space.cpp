@@ -27,6 +27,19 @@ void FreeSpace::set(RangeSet free, std::uint64_t end) noexcept {
     longest_ = std::numeric_limits<std::uint64_t>::max();
 }
 
+bool FreeSpace::follow(const RangeSet::List& gone, const RangeSet::List& added, std::uint64_t end) {
+    for (const auto& [begin, stop] : gone)
+        free_.eraseFrom(begin, stop);
+    for (const auto& [begin, stop] : added) {
+        if (free_.touches(begin - 1, stop + 1)) // ranges that touch would be one
+            return false;
+        free_.add(begin, stop);
+    }
+    end_ = committedEnd_ = end;
+    longest_ = std::numeric_limits<std::uint64_t>::max();
+    return free_.empty() || std::prev(free_.ranges().end())->second <= end;
+}
+
 void FreeSpace::distrust(std::uint64_t end) noexcept {
     listed_ = std::exchange(free_, {});
     trusted_ = false;

@@ -31,6 +31,10 @@ class FreeSpace {
 
     /// The state after a commit: `free`, which lies below `end`, and everything from `end` on is free.
     void set(RangeSet free, std::uint64_t end) noexcept;
+    /// The state after a commit of others, by what makes it differ from this one, which has no changes: the
+    /// ranges that begin within those of `gone` are not free any more, and those of `added` are. False, with
+    /// anything changed, when that contradicts what is known: set() it then.
+    [[nodiscard]] bool follow(const RangeSet::List& gone, const RangeSet::List& added, std::uint64_t end);
     /// What set() took over may be in use after all. It stays listed, but nothing is put there, and what is
     /// taken out of use is not listed: new blocks go behind `end`, which is not below the old one.
     void distrust(std::uint64_t end) noexcept;

@@ -130,6 +130,11 @@ class RangeSet {
         }
     }
 
+    /// Takes out the ranges that begin from `begin` on and before `end`.
+    void eraseFrom(std::uint64_t begin, std::uint64_t end) noexcept {
+        ranges_.erase(ranges_.lower_bound(begin), ranges_.lower_bound(end));
+    }
+
     /// Takes everything from `limit` on out.
     void cut(std::uint64_t limit) noexcept {
         ranges_.erase(ranges_.lower_bound(limit), ranges_.end());

@@ -160,6 +160,44 @@ TEST_P(Sizes, AFreeRangeTakesLittleMemory) {
     EXPECT_LT(memory.bytes() / kRanges, 100U);
 }
 
+/// Two programs take turns among many holes: each finds out what the other changed, and no more than that.
+TEST_P(Sizes, AChangeByOthersCostsWhatChanged) {
+    if (format_.table == 1)
+        GTEST_SKIP() << "its list of free space is read as a whole";
+    constexpr std::size_t kFiles = 8000;
+    fill(kFiles, 10);
+    test::Random random(12);
+    StorageRW writers[] = {open(), open()};
+    Model model = test::contents(writers[0]);
+    writers[0].begin();
+    for (std::size_t i = 0; i < kFiles; i += 2) {
+        writers[0].remove(name_of(i));
+        model.erase(name_of(i));
+    }
+    writers[0].commit();
+    for (int round = 0; round < 300; ++round) {
+        StorageRW& writer = writers[random.below(2)];
+        const ::test::MemoryPeak memory;
+        for (std::size_t i = random.below(round % 50 == 49 ? 500 : 3); i > 0; --i) {
+            const wstring name = name_of(random.below(kFiles));
+            if (writer.contains(name)) {
+                writer.remove(name);
+                model.erase(name);
+            } else {
+                writer.put(name, model[name] = Bytes(random.below(1500), static_cast<std::byte>(round)));
+            }
+        }
+        if (round > 10 && round % 50 != 49)
+            EXPECT_LT(memory.bytes(), std::size_t{200} << 10) << "round " << round;
+        if (round % 50 == 40)
+            EXPECT_TRUE(open().check().isClean()) << "round " << round;
+    }
+    EXPECT_GT(open().info().freeRanges, 1000U);
+    writers[0].compact();
+    EXPECT_TRUE(writers[1].check().isClean());
+    EXPECT_EQ(test::contents(writers[1]), model);
+}
+
 TEST_P(Sizes, EveryBitInUseIsWatched) {
     if (format_.table == 1)
         GTEST_SKIP() << "it has no checksums";
