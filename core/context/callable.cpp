@@ -3,6 +3,7 @@
 #include <core/context/callable.h>
 #include <core/context/errors.h>
 #include <core/context/script_object.h>
+#include <core/runtime/code_hold.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
 
@@ -15,7 +16,7 @@ class Procedure : public ScriptObject<Procedure, ICallable> {
   public:
     static constexpr ClassNames names{u"Procedure", u"Процедура"};
 
-    explicit Procedure(CallableParts parts) noexcept : parts_(std::move(parts)) {}
+    explicit Procedure(CallableParts parts) noexcept : code_(parts.call), parts_(std::move(parts)) {}
 
     using IContextImpl<IContextDefImpl<Procedure>>::call; // what calls a method of the value by its number
     const wstring& name() const noexcept override { return parts_.name; }
@@ -46,6 +47,7 @@ class Procedure : public ScriptObject<Procedure, ICallable> {
     }
 
   private:
+    CodeHold code_;
     CallableParts parts_;
 };
 

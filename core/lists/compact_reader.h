@@ -5,6 +5,7 @@
 
 #include <core/dates/date.h>
 #include <core/numbers/numeric.h>
+#include <core/runtime/code_hold.h>
 #include <core/streams/text_reader.h>
 
 #include <algorithm>
@@ -99,7 +100,7 @@ class CompactReader {
     template <class Take>
     void takeBytes(std::uint64_t count, std::size_t unit, Take take);
 
-    ByteReader read_;
+    HeldFunction<ByteReader> read_;
     std::unique_ptr<std::byte[]> piece_;
     const std::byte* begin_;
     const std::byte* at_;

@@ -5,6 +5,7 @@
 
 #include <core/dates/date.h>
 #include <core/numbers/numeric.h>
+#include <core/runtime/code_hold.h>
 #include <core/streams/text_writer.h>
 
 #include <algorithm>
@@ -56,7 +57,7 @@ class CompactWriter {
     void putNumbered(CompactToken token, std::uint64_t number);
     static std::byte* storeVarint(std::byte* at, std::uint64_t number) noexcept;
 
-    ByteWriter write_;
+    HeldFunction<ByteWriter> write_;
     std::vector<GUID> ids_;
     std::array<std::byte, kPiece> piece_;
     std::byte* at_ = piece_.data();

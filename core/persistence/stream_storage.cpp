@@ -9,6 +9,7 @@
 #include <core/lists/list_out_stream.h>
 #include <core/persistence/errors.h>
 #include <core/persistence/stream_storage.h>
+#include <core/runtime/code_hold.h>
 #include <core/streams/text_file.h>
 #include <core/strings/integer_text.h>
 
@@ -48,7 +49,8 @@ struct FormReader {
     FormReader(ByteReader read, wstring name) {
         std::byte first{};
         const bool any = read(std::span(&first, 1)) == 1;
-        auto whole = [read = std::move(read), first, pending = any](std::span<std::byte> bytes) mutable {
+        auto whole = [read = HeldFunction<ByteReader>(std::move(read)), first,
+                      pending = any](std::span<std::byte> bytes) mutable {
             if (!std::exchange(pending, false))
                 return read(bytes);
             bytes.front() = first;

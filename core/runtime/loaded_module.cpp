@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/immortal.h"
+#include "core/runtime/module_code.h"
 #include "core/runtime/modules_lock.h"
 #include "core/runtime/program_module.h"
 
@@ -90,7 +91,8 @@ LoadedModule::LoadedModule(const ModuleDeclaration& declaration, const std::file
                .version = declaration.version,
                .file = file.string(),
                .interfaceVersion = declaration.interfaceVersion,
-               .leaves = true}) {
+               .leaves = true}),
+      code_(std::make_unique<detail::ModuleCode>(*declaration.anchor)) {
     module_.init(handle);
     declaration.anchor->leaves.store(true);
     declaration.anchor->bundle.store(&bundle_, std::memory_order_release);
@@ -101,10 +103,13 @@ LoadedModule::~LoadedModule() {
     declaration_.anchor->bundle.store(nullptr, std::memory_order_release);
     module_.term();
     const ModuleAnchor& anchor = *declaration_.anchor;
+    bool isFree = false;
     try {
-        if (!live_report(anchor).empty())
-            return; // they would run code that is not there
+        isFree = live_report(anchor).empty();
     } catch (const std::bad_alloc&) {
+    }
+    if (!isFree) {                          // what lives would run code that is not there
+        static_cast<void>(code_.release()); // callables go on counting
         return;
     }
     ::dlclose(handle_);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <unordered_set>
 
 namespace core {
 namespace {
@@ -58,6 +59,13 @@ void SCOM_Module::initialize() {
     ClassRecord* record = table.get();
     for (const ClassEntry* entry = entries_; entry != nullptr; entry = entry->next)
         *record++ = entry->record;
+    if (compared_ != entries_) { // once: the library's list is the same each time
+        std::unordered_set<GUID> ids;
+        for (const ClassEntry* entry = entries_; entry != nullptr; entry = entry->next)
+            ids.insert(*entry->record.clsid);
+        differ_ = ids.size() == count;
+        compared_ = entries_;
+    }
     table_ = std::move(table);
     size_ = count + 1;
 }
@@ -96,19 +104,22 @@ void SCOM_Module::registerClass(const GUID& clsid, SCOM_Process* process) const 
     const auto record = std::ranges::find_if(table, [&](const ClassRecord& candidate) {
         return candidate.clsid != nullptr && *candidate.clsid == clsid;
     });
-    if (entry == nullptr || record == table.end())
-        return;
+    if (entry != nullptr && record != table.end())
+        handOver(*entry, *record, process);
+}
+
+void SCOM_Module::handOver(const ClassEntry& entry, const ClassRecord& record, SCOM_Process* process) const {
     void* factory = nullptr;
-    if (record->getFactory(*record, IClassFactory::IID, &factory) != kOk)
+    if (record.getFactory(record, IClassFactory::IID, &factory) != kOk)
         return;
     const auto held = InterfacePtr<IClassFactory>::adopt(static_cast<IClassFactory*>(factory));
-    process->registerModuleClass(*this, clsid, held.get(), entry->threading, entry->attributes);
-    if (record->service == nullptr)
+    process->registerModuleClass(*this, *record.clsid, held.get(), entry.threading, entry.attributes);
+    if (record.service == nullptr)
         return;
     try {
-        process->registerService(*record->service, clsid);
+        process->registerService(*record.service, *record.clsid);
     } catch (...) {
-        revokeClass(clsid, process);
+        revokeClass(*record.clsid, process);
         throw;
     }
 }
@@ -120,8 +131,12 @@ void SCOM_Module::revokeClass(const GUID& clsid, SCOM_Process* process) const {
 void SCOM_Module::registerAll(SCOM_Process* process) const {
     const ClassEntry* entry = entries_;
     try {
-        for (; entry != nullptr; entry = entry->next)
-            registerClass(*entry->record.clsid, process);
+        for (std::size_t i = 0; entry != nullptr; entry = entry->next, ++i) {
+            if (differ_ && i < size_ && table_[i].clsid == entry->record.clsid)
+                handOver(*entry, table_[i], process); // the table is in the order of the list
+            else                                      // declared twice, or since the table was made
+                registerClass(*entry->record.clsid, process);
+        }
     } catch (...) {
         for (const ClassEntry* done = entries_; done != entry; done = done->next)
             revokeClass(*done->record.clsid, process);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/runtime/code_hold.h>
 #include <core/streams/text_reader.h>
 
 #include <optional>
@@ -34,7 +35,7 @@ class TextSource {
     void readBlock();
     void decode(const DetectedEncoding& found);
 
-    ByteReader read_;
+    HeldFunction<ByteReader> read_;
     wstring name_;
     std::optional<Encoding> given_;
     CodingErrorAction action_;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/files/file_io.h>
+#include <core/runtime/code_hold.h>
 #include <core/streams/detection.h>
 #include <core/streams/text_writer.h>
 
@@ -87,7 +88,7 @@ struct TextWriter::State {
         }
     }
 
-    ByteWriter write;
+    HeldFunction<ByteWriter> write;
     TextWriterOptions options;
     Encoder encoder;
     std::vector<std::byte> bytes = std::vector<std::byte>(std::size_t{64} << 10);

@@ -45,7 +45,7 @@ void require_going_on(const Surroundings& surroundings) {
 } // namespace
 
 Bytes open_input(const Surroundings& surroundings, wstring_view file) {
-    return [bytes = surroundings.open(file), &surroundings](std::span<std::byte> into) {
+    return [bytes = HeldFunction<Bytes>(surroundings.open(file)), &surroundings](std::span<std::byte> into) {
         require_going_on(surroundings);
         return bytes(into);
     };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/runtime/code_hold.h>
 #include <core/script/engine.h>
 #include <core/streams/text_writer.h>
 
@@ -16,8 +17,8 @@ inline constexpr std::size_t kPrintedRows = 20;
 
 /// Where the functions of scripts print, and where they read files from: what a program may set.
 struct Surroundings {
-    Printer print;
-    Opener open;
+    HeldFunction<Printer> print;
+    HeldFunction<Opener> open;
     std::ostream* out;                   ///< takes what is saved as "-"
     std::function<bool()> isInterrupted; ///< whether long work is to end
 };

@@ -12,18 +12,12 @@ wstring module_name(const SCOM_Module* module) {
     return module != nullptr ? from_utf8(module->name()) : message_text(messages::kProgram);
 }
 
-ClassTable::~ClassTable() {
-    for (Class& entry : classes_.entries()) {
-        if (IClassFactory* const factory = entry.factory.load(); factory != nullptr)
-            factory->Release();
-    }
-}
-
 void ClassTable::add(const GUID& clsid, const Registration& registration) {
+    bool replaced = false;
     {
         const std::lock_guard guard(lock_);
         Class& entry = classes_.at(clsid);
-        if (entry.factory.load() != nullptr && entry.owner != registration.owner)
+        if (entry.held && entry.owner != registration.owner)
             throw_error<ProcessException>(
                 messages::kClassClaimed,
                 {module_name(entry.owner), module_name(registration.owner), to_string(clsid)});
@@ -33,23 +27,39 @@ void ClassTable::add(const GUID& clsid, const Registration& registration) {
         entry.threading = registration.threading;
         entry.attributes = registration.attributes;
         entry.owner = registration.owner;
-        replace(entry, InterfacePtr<IClassFactory>(registration.factory).detach());
+        replaced = replace(entry, registration.factory);
     }
-    settle();
+    if (replaced)
+        settle();
 }
 
 bool ClassTable::remove(const GUID& clsid, const SCOM_Module* owner) noexcept {
     {
         const std::lock_guard guard(lock_);
         Class* const entry = classes_.find(clsid);
-        if (entry == nullptr || entry->factory.load() == nullptr ||
-            (owner != nullptr && entry->owner != owner))
+        if (entry == nullptr || !entry->held || (owner != nullptr && entry->owner != owner))
             return false;
         replace(*entry, nullptr);
         entry->owner = nullptr;
     }
     settle();
     return true;
+}
+
+void ClassTable::suspend(const SCOM_Module& owner) noexcept {
+    const std::lock_guard guard(lock_);
+    for (Class& entry : classes_.entries()) {
+        if (entry.owner == &owner)
+            entry.factory.store(nullptr);
+    }
+}
+
+void ClassTable::resume(const SCOM_Module& owner) noexcept {
+    const std::lock_guard guard(lock_);
+    for (Class& entry : classes_.entries()) {
+        if (entry.owner == &owner)
+            entry.factory.store(entry.held.get());
+    }
 }
 
 InterfacePtr<IUnknown> ClassTable::make(const GUID& clsid) {
@@ -62,10 +72,15 @@ InterfacePtr<IUnknown> ClassTable::make(const GUID& clsid) {
     return InterfacePtr<IUnknown>::adopt(static_cast<IUnknown*>(object));
 }
 
+bool ClassTable::has(const GUID& clsid) const noexcept {
+    const Class* const entry = classes_.find(clsid);
+    return entry != nullptr && entry->factory.load() != nullptr;
+}
+
 ClassTable::Registration ClassTable::find(const GUID& clsid) const {
     const std::lock_guard guard(lock_);
     const Class* const entry = classes_.find(clsid);
-    return entry != nullptr ? Registration{.factory = entry->factory.load(),
+    return entry != nullptr ? Registration{.factory = entry->held,
                                            .threading = entry->threading,
                                            .attributes = entry->attributes,
                                            .owner = entry->owner}
@@ -85,9 +100,13 @@ bool ClassTable::settle() noexcept {
     }
 }
 
-void ClassTable::replace(Class& entry, IClassFactory* factory) noexcept {
-    if (IClassFactory* const before = entry.factory.exchange(factory); before != nullptr)
-        retired_.push_back(InterfacePtr<IClassFactory>::adopt(before)); // add() has made room
+bool ClassTable::replace(Class& entry, InterfacePtr<IClassFactory> factory) noexcept {
+    entry.factory.store(factory.get());
+    std::swap(entry.held, factory);
+    if (!factory)
+        return false;
+    retired_.push_back(std::move(factory)); // add() has made room
+    return true;
 }
 
 } // namespace host::detail

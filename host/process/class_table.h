@@ -21,15 +21,21 @@ class ClassTable {
     ClassTable() = default;
     ClassTable(const ClassTable&) = delete;
     ClassTable& operator=(const ClassTable&) = delete;
-    ~ClassTable();
+    ~ClassTable() = default;
 
     /// Adds a class, or replaces the one that the same owner has added. Throws ProcessException
     /// (kClassClaimed) for a class of another owner.
     void add(const core::GUID& clsid, const Registration& registration);
     /// Takes a class back, if `owner` is null or has added it. Returns whether it did.
     bool remove(const core::GUID& clsid, const core::SCOM_Module* owner) noexcept;
+    /// Makes no objects of the classes of `owner` any more, until resume() or remove().
+    void suspend(const core::SCOM_Module& owner) noexcept;
+    /// Makes objects of the classes of `owner` again, as before suspend().
+    void resume(const core::SCOM_Module& owner) noexcept;
     /// Makes an object; null for an unknown class. Throws what the factory throws.
     [[nodiscard]] core::InterfacePtr<core::IUnknown> make(const core::GUID& clsid);
+    /// Returns whether there is a class of that id. Takes no lock.
+    [[nodiscard]] bool has(const core::GUID& clsid) const noexcept;
     /// Returns what a class was added with.
     [[nodiscard]] Registration find(const core::GUID& clsid) const;
     /// Lets go of the factories that were taken back. Returns false, keeping them, while a thread makes an
@@ -41,14 +47,15 @@ class ClassTable {
         explicit Class(const core::GUID& clsid) noexcept : id(clsid) {}
 
         const core::GUID id;
-        std::atomic<core::IClassFactory*> factory{nullptr}; // counted; null for a class that was taken back
+        std::atomic<core::IClassFactory*> factory{nullptr}; // what makes objects now: `held` or null
+        core::InterfacePtr<core::IClassFactory> held;       // null for a class that was taken back
         std::int32_t threading = 0;
         std::int32_t attributes = 0;
         const core::SCOM_Module* owner = nullptr;
     };
 
-    /// Makes `factory`, with its reference, what makes the class, and keeps the one before.
-    void replace(Class& entry, core::IClassFactory* factory) noexcept;
+    /// Makes `factory` what makes the class, and keeps the one before. Returns whether there was one.
+    bool replace(Class& entry, core::InterfacePtr<core::IClassFactory> factory) noexcept;
 
     mutable std::mutex lock_; // of everything except making
     IdTable<Class> classes_;

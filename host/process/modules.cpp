@@ -47,7 +47,7 @@ wstring text_of(const std::vector<LiveClass>& classes) {
 void HostProcess::take(const SCOM_Module& module) {
     module.registerAll(object_.get());
     for (const ClassRecord& record : module.classTable()) {
-        if (record.getFactory == &create_class_factory && !object_->registration(*record.clsid).factory) {
+        if (record.getFactory == &create_class_factory && !object_->hasClass(*record.clsid)) {
             module.revokeAll(object_.get());
             throw_error<ProcessInitException>(messages::kProcessInit);
         }
@@ -74,7 +74,8 @@ void HostProcess::unloadModule(std::string_view name) {
     if (place == loaded_.end())
         throw_error<ModuleException>(messages::kModuleNotLoaded, {from_utf8(std::string(name))});
     const SCOM_Module& module = (*place)->module();
-    module.revokeAll(object_.get()); // what it made for itself goes with its services
+    // A refusal must leave everything registered, also when memory is short: nothing is taken back before.
+    object_->suspend(module); // what it made for itself goes with its services
     try {
         settle(name);
         if (LoadedModule::isLast(*place)) {
@@ -83,9 +84,11 @@ void HostProcess::unloadModule(std::string_view name) {
                                              {from_utf8(std::string(name)), text_of(living)});
         }
     } catch (...) {
-        module.registerAll(object_.get());
+        object_->resume(module);
+        module.classesChanged();
         throw;
     }
+    module.revokeAll(object_.get());
     LoadedModule::Use leaving = std::move(*place);
     loaded_.erase(place);
     LoadedModule::unload(std::move(leaving));

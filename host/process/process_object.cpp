@@ -87,6 +87,19 @@ HRESULT ProcessObject::queryOther(const GUID& iid, void** out) noexcept {
     return kOk;
 }
 
+bool ProcessObject::hasClass(const GUID& clsid) const noexcept {
+    return classes_->has(clsid);
+}
+
+void ProcessObject::suspend(const SCOM_Module& owner) noexcept {
+    classes_->suspend(owner);
+    services_->release(owner);
+}
+
+void ProcessObject::resume(const SCOM_Module& owner) noexcept {
+    classes_->resume(owner);
+}
+
 ProcessObject::Registration ProcessObject::registration(const GUID& clsid) const {
     return classes_->find(clsid);
 }

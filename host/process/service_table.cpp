@@ -68,6 +68,8 @@ void ServiceTable::revoke(const std::function<bool(const Offer&)>& which) noexce
     for (;;) {
         InterfacePtr<IUnknown> object; // ends without the lock: what it does then may need other services
         const std::lock_guard guard(lock_);
+        if (offered_ == 0)
+            return;
         Service* last = nullptr;
         for (Service& service : services_.entries()) {
             if (service.offered && which({service.id, service.clsid, service.owner}) &&
@@ -77,6 +79,22 @@ void ServiceTable::revoke(const std::function<bool(const Offer&)>& which) noexce
         if (last == nullptr)
             return;
         object = withdraw(*last);
+    }
+}
+
+void ServiceTable::release(const SCOM_Module& owner) noexcept {
+    for (;;) {
+        InterfacePtr<IUnknown> object; // ends without the lock, as above
+        const std::lock_guard guard(lock_);
+        Service* last = nullptr;
+        for (Service& service : services_.entries()) {
+            if (service.object && service.owner == &owner && (last == nullptr || service.made > last->made))
+                last = &service;
+        }
+        if (last == nullptr)
+            return;
+        last->ready.store(nullptr, std::memory_order_release);
+        object = std::exchange(last->object, nullptr);
     }
 }
 
@@ -150,11 +168,13 @@ InterfacePtr<IUnknown> ServiceTable::offer(Service& service, const Offer& by) no
     service.clsid = by.clsid;
     service.owner = by.owner;
     service.offered = true;
+    ++offered_;
     return before;
 }
 
 InterfacePtr<IUnknown> ServiceTable::withdraw(Service& service) noexcept {
     service.ready.store(nullptr, std::memory_order_release);
+    offered_ -= service.offered ? 1U : 0U;
     service.offered = false;
     service.made = 0;
     ++service.offers;

@@ -44,6 +44,9 @@ class ServiceTable {
         core::GUID clsid;               // null for an object of the program
         const core::SCOM_Module* owner; // null for the program
     };
+    /// Lets go of the objects of what `owner` offers, in the order of revoke(); the offers stay, and objects
+    /// are made again when they are asked for.
+    void release(const core::SCOM_Module& owner) noexcept;
     /// Takes back the offers that `which` chooses, the objects in the reverse order of their making, one at a
     /// time: each finds those that it was made with.
     void revoke(const std::function<bool(const Offer&)>& which) noexcept;
@@ -70,7 +73,7 @@ class ServiceTable {
     void await(const Service& service, std::unique_lock<std::mutex>& guard);
     void refuseCircle(const Service& service) const;
     [[nodiscard]] core::InterfacePtr<core::IUnknown> offer(Service& service, const Offer& by) noexcept;
-    [[nodiscard]] static core::InterfacePtr<core::IUnknown> withdraw(Service& service) noexcept;
+    [[nodiscard]] core::InterfacePtr<core::IUnknown> withdraw(Service& service) noexcept;
     void publish(Service& service, core::InterfacePtr<core::IUnknown> object) noexcept;
 
     core::SCOM_Process& process_;
@@ -79,6 +82,7 @@ class ServiceTable {
     IdTable<Service> services_;
     std::vector<std::pair<std::thread::id, const Service*>> waiting_; // which thread waits for which service
     std::uint64_t made_ = 0;
+    std::size_t offered_ = 0; // how many are offered now
 };
 
 } // namespace host::detail

@@ -4,6 +4,7 @@
 /// The component runtime: ids, counted interfaces, the registry of classes and services, failures.
 #include <core/runtime/class_entry.h>
 #include <core/runtime/clock.h>
+#include <core/runtime/code_hold.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/exception_object.h>
 #include <core/runtime/internal_class.h>
@@ -24,6 +25,7 @@
 #include <core/runtime/threads/named_lock.h>
 #include <core/runtime/threads/rw_mutex.h>
 #include <core/runtime/threads/semaphore.h>
+#include <core/runtime/threads/stop_scope.h>
 #include <core/runtime/threads/thread.h>
 #include <core/runtime/uncaught.h>
 #include <core/runtime/unknown.h>

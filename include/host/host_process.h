@@ -80,6 +80,13 @@ class ProcessObject : public core::SCOM_Process {
         std::int32_t attributes = 0;                     ///< the second attribute
         const core::SCOM_Module* owner = nullptr; ///< the module that declared it; null for the program
     };
+    /// Returns whether objects of a class can be made. Takes no lock.
+    [[nodiscard]] bool hasClass(const core::GUID& clsid) const noexcept;
+    /// Makes no objects of the classes of `owner` any more, and lets go of those that are its services, the
+    /// last one made first. What is registered stays, for resume().
+    void suspend(const core::SCOM_Module& owner) noexcept;
+    /// Undoes suspend(): services are made again when they are next asked for.
+    void resume(const core::SCOM_Module& owner) noexcept;
     /// Returns what a class was registered with.
     [[nodiscard]] Registration registration(const core::GUID& clsid) const;
     /// Lets go of all services, the last one made first.
@@ -137,8 +144,9 @@ class HostProcess {
     /// Takes the classes of a loaded module back, lets go of its services, and of its file when no other
     /// process uses it. Throws ModuleException: kModuleNotLoaded; kModuleInUse, which names what is alive of
     /// it: objects, callables of events and scripts, types and enumerations that values hold; kModuleBusy.
-    /// It then stays, and its services are made again when they are next asked for. The caller sees to it
-    /// that no thread is inside the module's functions and nobody keeps what was borrowed from it.
+    /// It then stays, with all that it registered, and its services are made again when they are next asked
+    /// for; so it does when memory runs out. The caller sees to it that no thread is inside the module's
+    /// functions and nobody keeps what was borrowed from it.
     void unloadModule(std::string_view name);
     /// Returns the modules of the process, borrowed until they are unloaded: the library, those that the
     /// program is made of, and those that were loaded, in that order.

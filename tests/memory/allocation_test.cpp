@@ -322,6 +322,19 @@ TEST_F(Allocation, ModulesComeAndGoWholeOrNotAtAll) {
             process_.loadModule(kFile);
         },
         expect);
+    auto object = core::create_object<core::IValue>(core::script_class_id(u"Counter"));
+    exhaust( // refused while it is in use, however much memory there is
+        [&] {
+            const host::HostProcess::ThreadScope thread(process_);
+            try {
+                process_.unloadModule("counter");
+            } catch (const core::ModuleException& e) {
+                if (std::string_view(e.messageId()) != core::messages::kModuleInUse)
+                    throw;
+            }
+        },
+        [&](bool) { expect(true); });
+    object = nullptr;
     exhaust(
         [&] {
             const host::HostProcess::ThreadScope thread(process_);

@@ -10,6 +10,8 @@
 #include <core/context/events/event_service.h>
 #include <core/objects/enumeration.h>
 #include <core/runtime.h>
+#include <core/script/engine.h>
+#include <core/streams/text_reader.h>
 #include <core/values.h>
 #include <core/values/type_service.h>
 #include <host/host_process.h>
@@ -23,6 +25,7 @@
 #include <cstdlib>
 #include <functional>
 #include <future>
+#include <iostream>
 #include <optional>
 #include <span>
 #include <string>
@@ -287,6 +290,36 @@ TEST_F(Modules, StayWhileTheirCodeIsConnectedOrOffered) {
         EXPECT_EQ(failure<ModuleException>(unload).first, messages::kModuleInUse);
         function({});
         EXPECT_EQ(heard, 4);
+    }
+    // What the program was handed as a plain function, and gives to code that keeps it.
+    const auto expectHeldBy = [&](const auto& keeper) {
+        const auto [id, text] = failure<ModuleException>(unload);
+        EXPECT_EQ(id, messages::kModuleInUse) << typeid(keeper).name();
+        EXPECT_NE(text.find("std::function"), std::string::npos) << text;
+    };
+    {
+        const NativeFunction function(listening()->plain());
+        expectHeldBy(function);
+        std::vector<GenericValue> arguments{GenericValue(21)};
+        EXPECT_EQ(function(arguments).presentation(), u"42");
+    }
+    {
+        const Connection connection = changed.connect(listening()->object(heard));
+        expectHeldBy(connection);
+        changed.raise(1);
+        EXPECT_EQ(heard, 5);
+    }
+    expectHeldBy(make_event_sink(listening()->sink()));
+    expectHeldBy(TextReader(listening()->opener()(u""), u"nothing"));
+    {
+        script::Engine engine;
+        engine.output(listening()->printer(heard));
+        expectHeldBy(engine);
+        engine.run(u"Print(1)");
+        EXPECT_EQ(heard, 6);
+        engine.output(std::cout);
+        engine.input(listening()->opener());
+        expectHeldBy(engine);
     }
     // Who has connected a sink of the program's own may go.
     const auto notes = make_object<Notes>();

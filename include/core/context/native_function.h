@@ -3,6 +3,7 @@
 
 #include <core/context/context_table.h>
 #include <core/context/native_call.h>
+#include <core/runtime/code_hold.h>
 #include <core/runtime/live_counter.h>
 
 #include <algorithm>
@@ -124,8 +125,9 @@ class NativeFunction {
         virtual GenericValue call(std::span<GenericValue> arguments) = 0;
     };
     template <class F>
-    struct Held final : Base, private LiveObjectTrackerImpl<Held<F>> { // counted: it keeps its module
-        explicit Held(F&& taken) : function(std::move(taken)) {}
+    struct Held final : Base, private LiveObjectTrackerImpl<Held<F>>, private detail::CodeOf<F> {
+        // Counted in both ways: it keeps its module.
+        explicit Held(F&& taken) : detail::CodeOf<F>(taken), function(std::move(taken)) {}
         GenericValue call(std::span<GenericValue> arguments) override {
             return call_native(function, arguments);
         }

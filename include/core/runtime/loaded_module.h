@@ -11,6 +11,10 @@ namespace core {
 
 struct LiveClass;
 
+namespace detail {
+class ModuleCode;
+} // namespace detail
+
 /// The module of a file, loaded into the program. All processes that use it share it, and the system lets go
 /// of the file with the last of them. How a process object loads modules; programs use
 /// host::HostProcess::loadModule().
@@ -52,6 +56,7 @@ class CORE_API LoadedModule {
     ClassEntry* entries_; // what the module lists, then what its static objects declare
     SCOM_ResourceBundle bundle_;
     SCOM_Module module_;
+    std::unique_ptr<detail::ModuleCode> code_; // by which callables of the module hold it
 };
 
 } // namespace core

@@ -65,6 +65,9 @@ class CORE_API SCOM_Module {
     /// Tells the process that the module's texts go, then revokes every class in list order. What other
     /// modules have registered stays.
     void revokeAll(SCOM_Process* process) const;
+    /// Says that what some process has of the module's classes has changed, as registerAll() and revokeAll()
+    /// do: types and enumerations are gathered again. A process that gives classes back says so itself.
+    void classesChanged() const noexcept;
 
     // inspect
     /// Returns the class table with its closing record, borrowed until cleanup(); empty before initialize().
@@ -82,10 +85,12 @@ class CORE_API SCOM_Module {
     [[nodiscard]] ModuleHandle handle() const noexcept { return handle_; }
 
   private:
-    void classesChanged() const noexcept;
+    void handOver(const ClassEntry& entry, const ClassRecord& record, SCOM_Process* process) const;
 
     std::unique_ptr<ClassRecord[]> table_;
     std::size_t size_ = 0;
+    const ClassEntry* compared_ = nullptr; // the head of the list whose ids were compared with each other
+    bool differ_ = false;                  // whether they are all different
     ClassEntry* const& entries_;
     SCOM_ResourceBundle& bundle_;
     ModuleInfo info_;

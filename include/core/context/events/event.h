@@ -3,6 +3,7 @@
 
 #include <core/context/events/event_base.h>
 #include <core/context/native_value.h>
+#include <core/runtime/code_hold.h>
 #include <core/runtime/live_counter.h>
 
 #include <array>
@@ -53,8 +54,8 @@ inline constexpr bool is_small_sink =
 /// A callable behind a pointer. It is counted, so that a module stays while one of its callables is
 /// connected.
 template <class F>
-struct ConnectedCallable : private LiveObjectTrackerImpl<ConnectedCallable<F>> {
-    explicit ConnectedCallable(F&& given) : callable(std::move(given)) {}
+struct ConnectedCallable : private LiveObjectTrackerImpl<ConnectedCallable<F>>, private CodeOf<F> {
+    explicit ConnectedCallable(F&& given) : CodeOf<F>(given), callable(std::move(given)) {}
     F callable;
 };
 

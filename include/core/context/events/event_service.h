@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/context/script_object.h>
+#include <core/runtime/code_hold.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/process.h>
 
@@ -85,11 +86,11 @@ namespace detail {
 
 /// The sink that calls a callable.
 template <class F>
-class CallableSink : public IEventSink {
+class CallableSink : public IEventSink, private CodeOf<F> {
   public:
     using Interfaces = InterfaceList<IEventSink>;
 
-    explicit CallableSink(F callable) : callable_(std::move(callable)) {}
+    explicit CallableSink(F callable) : CodeOf<F>(callable), callable_(std::move(callable)) {}
     void handle(std::span<const GenericValue> arguments) override { callable_(arguments); }
 
   private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/runtime/code_hold.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/locale.h>
 #include <core/runtime/threads/stop_token.h>
@@ -31,11 +32,11 @@ namespace detail {
 struct ThreadState;
 
 template <class F>
-class Runnable : public IRunnable {
+class Runnable : public IRunnable, private CodeOf<F> {
   public:
     using Interfaces = InterfaceList<IRunnable>;
 
-    explicit Runnable(F work) : work_(std::move(work)) {}
+    explicit Runnable(F work) : CodeOf<F>(work), work_(std::move(work)) {}
     void run(const StopToken& stop) override {
         if constexpr (std::invocable<F&, StopToken>)
             work_(stop);
@@ -86,7 +87,8 @@ class CORE_API Thread {
     /// the object holds the thread, which must be there.
     [[nodiscard]] Waitable& waitable() noexcept;
 
-    /// Throws ThreadDeath if the calling thread was asked to stop.
+    /// Throws ThreadDeath if the calling thread was asked to stop, or a StopScope asks for it. Takes some
+    /// nanoseconds.
     static void check();
     /// Returns the name of the calling thread, empty for one that was not started here.
     [[nodiscard]] static wstring currentName();
