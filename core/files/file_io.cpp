@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/files/errors.h>
 #include <core/files/file_io.h>
+#include <core/runtime/threads/thread.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -70,6 +71,7 @@ std::uint64_t copy_bytes(IFile& from, IFile& to) {
     std::vector<std::byte> block(kCopyBlock);
     std::uint64_t done = 0;
     while (const std::size_t part = read_all_at(from, done, block)) {
+        Thread::check();
         write_all(to, std::span(block).first(part));
         done += part;
     }

@@ -4,6 +4,7 @@
 #include "core/locales/collator.h"
 #include "core/locales/letter_order.h"
 #include "core/runtime/icu_length.h"
+#include "core/runtime/threads/loop_check.h"
 
 #include <core/runtime/errors.h>
 
@@ -40,10 +41,12 @@ void append_by_rules(std::string& keys, wstring_view text, const UCollator* coll
 CollationKeys::CollationKeys(std::span<const wstring_view> texts, const Locale& locale) {
     const UCollator* const collator = detail::collator_for(locale, UCOL_TERTIARY);
     ends_.reserve(texts.size());
+    detail::LoopCheck check;
     const auto append_all = [&](auto append) {
         bytes_.clear();
         ends_.clear();
         return std::all_of(texts.begin(), texts.end(), [&](wstring_view text) {
+            check();
             const bool done = append(text);
             ends_.push_back(bytes_.size());
             return done;

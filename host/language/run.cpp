@@ -29,11 +29,18 @@ Run::Flow Run::execute(const Block& block) {
     if (block.empty())
         return Flow::next;
     const Watch::Level level(watch_, block.front().span);
-    for (const Statement& statement : block) {
-        watch_.step(statement.span);
-        const Flow flow = std::visit([&](const auto& node) { return execute(node); }, statement.node);
-        if (flow != Flow::next)
-            return flow;
+    const Statement* current = nullptr;
+    try {
+        for (const Statement& statement : block) {
+            current = &statement;
+            watch_.step(statement.span);
+            const Flow flow = std::visit([&](const auto& node) { return execute(node); }, statement.node);
+            if (flow != Flow::next)
+                return flow;
+        }
+    } catch (const ThreadDeath&) { // of long work in a call, or of the thread
+        watch_.step(current->span);
+        throw;
     }
     return Flow::next;
 }

@@ -3,11 +3,13 @@
 
 #include "host/language/source.h"
 
+#include <core/runtime/threads/stop_scope.h>
 #include <core/script/engine.h>
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace core::script {
@@ -32,12 +34,16 @@ class Watch {
     /// Whether it was told to, and the script has not met its next step since.
     [[nodiscard]] bool isInterrupted() const noexcept { return interrupted_.load(std::memory_order_relaxed); }
 
-    /// One run, which may stand inside another. The outermost one begins to count.
+    /// One run, which may stand inside another. The outermost one begins to count. While it lives, long work
+    /// of the library that the script calls is stopped by interrupt(), with ThreadDeath.
     class Run {
       public:
         explicit Run(Watch& watch) : watch_(watch) {
-            if (watch.runs_++ == 0)
+            if (watch.runs_ == 0) {
+                stops_.emplace(StopToken({std::shared_ptr<void>(), &watch.interrupted_}));
                 watch.begin();
+            }
+            ++watch.runs_;
         }
         Run(const Run&) = delete;
         Run& operator=(const Run&) = delete;
@@ -45,6 +51,7 @@ class Watch {
 
       private:
         Watch& watch_;
+        std::optional<StopScope> stops_;
     };
 
     [[nodiscard]] bool running() const noexcept { return runs_ > 0; }

@@ -2,6 +2,7 @@
 #include "host/library/regex.h"
 
 #include <core/runtime/errors.h>
+#include <core/runtime/threads/thread.h>
 #include <core/script/text_match.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
@@ -27,7 +28,19 @@ std::int32_t length_of(wstring_view text) {
     return static_cast<std::int32_t>(text.size());
 }
 
+/// Asked by ICU at each of its steps.
+UBool goes_on(const void*, std::int32_t) noexcept {
+    try {
+        Thread::check();
+        return true;
+    } catch (const ThreadDeath&) { // thrown again when ICU has returned
+        return false;
+    }
+}
+
 void require(UErrorCode code) {
+    if (code == U_REGEX_STOPPED_BY_CALLER)
+        Thread::check();
     if (code == U_REGEX_TIME_OUT || code == U_REGEX_STACK_OVERFLOW)
         throw_error<ContextException>("IDS_SCRIPT_REGEX_TOO_LONG");
     if (code == U_MEMORY_ALLOCATION_ERROR)
@@ -63,6 +76,7 @@ Regex::Regex(wstring_view pattern, wstring_view text) : impl_(std::make_unique<I
     }
     impl_->text = text;
     uregex_setTimeLimit(impl_->regex.get(), kMostSteps, &code);
+    uregex_setMatchCallback(impl_->regex.get(), &goes_on, nullptr, &code);
     uregex_setText(impl_->regex.get(), text.data(), length_of(text), &code);
     require(code);
 }

@@ -11,6 +11,7 @@
 #include <core/files/disk_file.h>
 #include <core/files/file_system.h>
 #include <core/runtime/process.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/trim.h>
@@ -65,6 +66,7 @@ class Loader {
         if (rows_ >= kNoRow - kAskedRows)
             throw std::bad_alloc(); // a table has no ids for more rows
         options_.stop.check();
+        Thread::check();
         if (options_.progress)
             options_.progress(taken);
         if (rows_ != kAskedRows || options_.length == 0)

@@ -5,6 +5,7 @@
 #include <core/context/arguments.h>
 #include <core/exchange/csv.h>
 #include <core/exchange/whole_file.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 
 #include <ostream>
@@ -62,6 +63,7 @@ class Text {
   private:
     void flush() {
         options_.stop.check();
+        Thread::check();
         if (recoded_)
             recoded_->write(from_utf8(bytes_));
         else if (!bytes_.empty())

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <core/exchange/errors.h>
 #include <core/exchange/json_reader.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 #include <core/values/errors.h>
@@ -141,16 +142,22 @@ std::string_view JsonReader::behindMark(std::string_view piece) {
 }
 
 void JsonReader::read(std::string_view piece) {
-    piece = behindMark(piece);
-    Error error;
-    const std::size_t count = parser_->write_some(true, piece.data(), piece.size(), error);
-    advance(piece.substr(0, count));
-    if (error == json::error::too_deep)
-        throw_error<ContextException>(messages::kJsonTooDeep, {string_intto(maxDepth_)});
-    if (error)
-        fail(error.message());
-    if (count < piece.size())
-        fail(make_error_code(json::error::extra_data).message());
+    constexpr std::size_t kAtOnce = std::size_t{1} << 20; // from one look whether to stop to the next
+    std::string_view rest = behindMark(piece);
+    do {
+        Thread::check();
+        const std::string_view part = rest.substr(0, kAtOnce);
+        Error error;
+        const std::size_t count = parser_->write_some(true, part.data(), part.size(), error);
+        advance(part.substr(0, count));
+        if (error == json::error::too_deep)
+            throw_error<ContextException>(messages::kJsonTooDeep, {string_intto(maxDepth_)});
+        if (error)
+            fail(error.message());
+        if (count < part.size())
+            fail(make_error_code(json::error::extra_data).message());
+        rest.remove_prefix(count);
+    } while (!rest.empty());
 }
 
 void JsonReader::finish() {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/exchange/cells/cell_writer.h"
+#include "core/runtime/threads/loop_check.h"
 
 #include <core/collections/value_map.h>
 #include <core/collections/value_structure.h>
@@ -83,6 +84,7 @@ class Writer {
         }
 
         void next() {
+            writer_.check_();
             if (!empty_)
                 writer_.text_ += ',';
             empty_ = false;
@@ -218,6 +220,7 @@ class Writer {
     int indent_;
     int depth_ = 0;
     std::string text_;
+    detail::LoopCheck check_;
 };
 
 } // namespace

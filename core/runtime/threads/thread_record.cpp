@@ -4,6 +4,8 @@
 #include "core/runtime/immortal.h"
 #include "core/runtime/threads/thread_state.h"
 
+#include <core/runtime/threads/stop_scope.h>
+
 #include <algorithm>
 #include <exception>
 
@@ -56,6 +58,10 @@ ThreadState* own_state() noexcept {
     return own != nullptr ? own->state : nullptr;
 }
 
+bool dies() noexcept {
+    return own != nullptr && own->dies();
+}
+
 void ThreadRecord::wake() noexcept {
     {
         const std::lock_guard guard(lock_);
@@ -78,7 +84,9 @@ bool ThreadRecord::sleepUntil(const Deadline& deadline) {
 }
 
 bool ThreadRecord::dies() const noexcept {
-    return state != nullptr && state->stop.load(std::memory_order_acquire) && std::uncaught_exceptions() == 0;
+    const bool asked = (state != nullptr && state->stop.load(std::memory_order_acquire)) ||
+                       (stops != nullptr && stops->requested());
+    return asked && std::uncaught_exceptions() == 0;
 }
 
 Deadline deadline_after(std::chrono::milliseconds timeout) {

@@ -10,6 +10,10 @@
 #include <mutex>
 #include <optional>
 
+namespace core {
+class StopScope;
+} // namespace core
+
 namespace core::detail {
 
 struct ThreadState;
@@ -30,11 +34,12 @@ class ThreadRecord {
     void wake() noexcept;
     /// Sleeps until it is woken; false when the deadline passed first.
     bool sleepUntil(const Deadline& deadline);
-    /// Whether the thread was asked to stop, and may be told so now: not while an exception is on its way,
-    /// because what destructors throw would end the program.
+    /// Whether the thread, or what it does, was asked to stop, and may be told so now: not while an exception
+    /// is on its way, because what destructors throw would end the program.
     [[nodiscard]] bool dies() const noexcept;
 
-    ThreadState* state = nullptr; // of a thread that was started here; set and read by the thread itself
+    ThreadState* state = nullptr;     // of a thread that was started here; set and read by the thread itself
+    const StopScope* stops = nullptr; // the innermost one; of the thread itself, too
 
   private:
     friend ThreadRecord& own_record();
@@ -51,6 +56,8 @@ class ThreadRecord {
 [[nodiscard]] ThreadRecord& own_record();
 /// The state of the calling thread, null for one that was not started here.
 [[nodiscard]] ThreadState* own_state() noexcept;
+/// ThreadRecord::dies() of the calling thread.
+[[nodiscard]] bool dies() noexcept;
 
 /// A number of the calling thread that no other living thread has, and which is not 0.
 [[nodiscard]] inline std::uintptr_t thread_number() noexcept {

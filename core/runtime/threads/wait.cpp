@@ -114,7 +114,7 @@ bool wait_at(Waitable& object, std::uint32_t way, const Deadline& deadline, Stop
 }
 
 void check_stop() {
-    if (const ThreadState* const state = own_state(); state != nullptr && own_record().dies())
+    if (dies())
         throw ThreadDeath();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/sort/row_sort.h"
 
+#include "core/runtime/threads/loop_check.h"
 #include "core/tables/data/word_span.h"
 #include "core/tables/sort/heap_sort.h"
 #include "core/tables/sort/value_ranks.h"
@@ -90,8 +91,11 @@ void add_column(PackedKeys& keys, RowRange rows, const SortColumn& column) {
 
 std::vector<std::uint32_t> sorted_positions(RowRange rows, std::span<const SortColumn> columns) {
     PackedKeys keys(rows.size());
-    for (const SortColumn& column : columns)
+    for (const SortColumn& column : columns) {
+        Thread::check();
         add_column(keys, rows, column);
+    }
+    Thread::check();
     const auto words = keys.word(0);
     const auto deepen = [&](std::span<const std::uint32_t> equal, unsigned depth) {
         if (depth == keys.count())
@@ -115,12 +119,16 @@ std::vector<RowId> sorted_rows(RowRange rows, std::span<const SortColumn> column
     std::vector<Value> cells;
     cells.reserve(rows.size() * columns.size());
     std::vector<std::uint32_t> positions(rows.size());
+    detail::LoopCheck read;
     for (std::uint32_t i = 0; i < positions.size(); ++i) {
         positions[i] = i;
+        read();
         for (const SortColumn& column : columns)
             cells.push_back(column.cells->get(rows[i]));
     }
+    detail::LoopCheck check;
     heap_sort(std::span(positions), [&](std::uint32_t a, std::uint32_t b) {
+        check();
         for (std::size_t i = 0; i < columns.size(); ++i) {
             const int order =
                 comparison.compare(cells[a * columns.size() + i], cells[b * columns.size() + i]);

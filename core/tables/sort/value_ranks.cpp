@@ -104,7 +104,9 @@ class Ranking {
         std::vector<wstring_view> texts;
         presentations.reserve(positions.size());
         texts.reserve(positions.size());
+        detail::LoopCheck check;
         for (const std::uint32_t position : positions) {
+            check();
             const wstring_view* const text = value(position).asString();
             texts.push_back(text != nullptr ? *text
                                             : presentations.emplace_back(value(position).presentation()));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/runtime/threads/loop_check.h"
 #include "core/tables/sort/heap_sort.h"
 
 #include <bit>
@@ -11,7 +12,8 @@
 namespace core {
 
 /// Sorts words. Random words cost no branch that the processor guesses wrong, sorted ones a single pass.
-void sort_words(std::span<std::uint64_t> words) noexcept;
+/// Throws ThreadDeath between pieces of a million.
+void sort_words(std::span<std::uint64_t> words);
 
 /// Indexes in an order.
 struct SortedIndexes {
@@ -79,7 +81,9 @@ template <class Deepen, class Compare>
     std::vector<std::uint64_t> packed(count);
     std::vector<std::uint32_t> before(count);
     std::vector<Run> ahead = {{0, count, 0}};
+    detail::LoopCheck check;
     while (!ahead.empty()) {
+        check();
         const Run run = ahead.back();
         ahead.pop_back();
         if (run.begin == run.end)

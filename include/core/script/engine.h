@@ -104,8 +104,8 @@ class CORE_SCRIPT_API Engine {
     /// Returns what the last run asked to exit with, 0 to 255; nothing where it did not. Such a run ends at
     /// once and returns the code.
     [[nodiscard]] std::optional<int> exitCode() const noexcept;
-    /// Makes the running script fail with "IDS_SCRIPT_INTERRUPTED" at its next statement or round of a loop;
-    /// no effect while none runs. Threads: any; signal handlers, too.
+    /// Makes the running script fail with "IDS_SCRIPT_INTERRUPTED" at its next statement or round of a loop,
+    /// or in long work that it has called; no effect while none runs. Threads: any; signal handlers, too.
     void interrupt() noexcept;
     /// Sets the bounds of the runs to come.
     void limits(const Limits& limits);
