@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/disk_folders.h"
 #include "core/files/disk_path.h"
+#include "core/files/file_beside.h"
 #include "core/files/schemes.h"
 
 #include <core/files/disk_file.h>
@@ -113,28 +114,18 @@ class DiskScheme : public IFileScheme {
         saveFile(*open_disk_file(source, OpenMode::read), to);
     }
 
-    /// The target has its old bytes or the new ones, never a part: they are written beside it and renamed.
+    /// The target has its old bytes or the new ones, never a part.
     void writeFile(const wstring& to, const FileWriter& write) override {
         const std::string target = file_path(to);
-        const std::string beside = folder_of(target) + name_beside();
         struct stat old {};
         const bool replaces = ::stat(target.c_str(), &old) == 0;
         // What replaces a file is nobody else's until it has the permissions of that.
-        const auto output =
-            open_disk_file(beside, OpenMode::createNew, replaces ? kPrivateFile : kPublicFile);
-        try {
-            write(*output);
-            if (replaces) // a file system without permissions does not matter
-                (void)::chmod(beside.c_str(), old.st_mode & 0777);
-            output->flush();
-            output->close();
-            if (!rename_durably(beside, target))
-                throw_file_error(messages::kFileMove, to, errno);
-        } catch (...) {
-            std::error_code ignored;
-            fs::remove(beside, ignored);
-            throw;
-        }
+        FileBeside file(target, replaces ? kPrivateFile : kPublicFile);
+        write(file.content());
+        if (replaces)
+            file.setPermissions(old.st_mode & 0777);
+        if (!file.replace(target))
+            throw_file_error(messages::kFileMove, to, errno);
     }
 
     void moveFile(const wstring& from, const wstring& to) override {
