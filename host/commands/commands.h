@@ -4,7 +4,9 @@
 #include "host/commands/exit_code.h"
 #include "host/terminal/console.h"
 
+#include <core/runtime/exception.h>
 #include <core/runtime/types.h>
+#include <core/script/errors.h>
 
 #include <functional>
 
@@ -18,8 +20,13 @@ namespace host {
 
 using Action = std::function<ExitCode()>;
 
-/// Writes a message in the name of the program, and returns the code.
+/// Shows a message in the name of the program, and returns the code.
 ExitCode fail(Console& console, const core::wstring& message, ExitCode code);
+/// The same with the message of an id, or what an exception says.
+ExitCode fail(Console& console, const char* id, ExitCode code);
+ExitCode fail(Console& console, const core::Exception& failure, ExitCode code);
+/// The code of a script that failed: whether it was interrupted.
+[[nodiscard]] ExitCode code_of(const core::script::Error& error) noexcept;
 
 /// Adds a subcommand, behind which may stand what concerns every command. `run` becomes the action when the
 /// user asks for it.

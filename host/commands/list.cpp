@@ -171,7 +171,7 @@ void add_list_command(CLI::App& app, Console& console, Action& action) {
         sub->add_option("--indent", options->indent,
                         help(console, "Blanks for each level, 0 to 16; default: 2",
                              "Пробелов на уровень, от 0 до 16; по умолчанию 2"))
-            ->type_name("N")
+            ->type_name("0…16")
             ->check(CLI::Range(0, 16).description(""));
     };
     addConversion("fmt", help(console, "Lay a list out in lines", "Разбить список на строки"), format);

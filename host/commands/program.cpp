@@ -2,8 +2,9 @@
 #include "host/commands/program.h"
 
 #include "host/commands/commands.h"
+#include "host/commands/usage_error.h"
 #include "host/terminal/console_chooser.h"
-#include "host/terminal/terminal_text.h"
+#include "host/terminal/error_report.h"
 #include "host/terminal/uncaught_report.h"
 
 #include <core/files/errors.h>
@@ -52,20 +53,20 @@ ExitCode carry_out(const Action& action, const std::vector<std::string>& modules
             process.loadModule(file);
         code = action();
     } catch (const core::FileException& e) {
-        return fail(console, e.description(), ExitCode::io);
+        return fail(console, e, ExitCode::io);
     } catch (const core::FileStreamException& e) {
-        return fail(console, e.description(), ExitCode::io);
+        return fail(console, e, ExitCode::io);
     } catch (const core::ModuleException& e) {
         const bool missing = std::string_view(e.messageId()) == core::messages::kModuleMissing;
-        return fail(console, e.description(), missing ? ExitCode::io : ExitCode::malformed);
+        return fail(console, e, missing ? ExitCode::io : ExitCode::malformed);
     } catch (const core::StorageException& e) {
         const bool failed = e.kind() == core::StorageException::Kind::none; // in use, read only, full
-        return fail(console, e.description(), failed ? ExitCode::io : ExitCode::malformed);
+        return fail(console, e, failed ? ExitCode::io : ExitCode::malformed);
     } catch (const core::Exception& e) {
-        return fail(console, e.description(), ExitCode::malformed);
+        return fail(console, e, ExitCode::malformed);
     }
     if (!console.out.flush())
-        return fail(console, core::message_text("IDS_HOST_OUTPUT_FAILED"), ExitCode::io);
+        return fail(console, "IDS_HOST_OUTPUT_FAILED", ExitCode::io);
     return code;
 }
 
@@ -80,15 +81,14 @@ Language language_of(const std::string& name) {
         return Language::english;
     if (name == "ru")
         return Language::russian;
-    throw CLI::ValidationError("--lang", "the languages are en and ru");
+    throw CLI::ValidationError("--lang", name);
 }
 
-core::Locale locale_of(const std::string& key, const Console& console) {
+core::Locale locale_of(const std::string& key) {
     try {
         return core::Locale(key);
     } catch (const core::LocaleException&) {
-        throw CLI::ValidationError(
-            "--locale", help(console, "no locale is known by the key ", "нет локали с ключом ") + key);
+        throw CLI::ValidationError("--locale", key);
     }
 }
 
@@ -101,17 +101,18 @@ bool is_file(const std::string_view argument) {
 core::TableForm mode_of(const std::string& name) {
     if (const auto form = core::table_form(name))
         return *form;
-    throw CLI::ValidationError("--mode",
-                               "the modes are table, csv, json, jsonl, markdown, html, list and fixed");
+    throw CLI::ValidationError("--mode", name);
 }
 
-/// The help is written before the command line is read, in the language that it asks for.
-void look_for_language(const std::vector<std::string>& arguments, Console& console) {
+/// The help, and what is wrong with a command line, are written before that is read: in the language, and
+/// for the reader, that it asks for.
+void look_for_readers(const std::vector<std::string>& arguments, Console& console) {
     constexpr std::string_view kOption = "--lang";
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
         if (argument == "--" || (!argument.starts_with('-') && is_file(argument)))
             return; // what follows is a script's
+        console.json = console.json || argument == "--json";
         std::string_view name;
         if (argument == kOption && i + 1 < arguments.size())
             name = arguments[i + 1];
@@ -169,7 +170,7 @@ void group_help(CLI::App& app, const std::string& group) {
 }
 
 ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
-    look_for_language(arguments, console);
+    look_for_readers(arguments, console);
     CLI::App app(help(console, "Runs scripts on the core library, and looks into its data.",
                       "Выполняет скрипты на базовой библиотеке и показывает её данные."),
                  "corehost");
@@ -199,7 +200,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
                 "Язык сообщений, форматов и сортировки; по умолчанию язык окружения"))
         ->type_name("en|ru");
     app.add_option_function<std::string>(
-           "--locale", [&console](const std::string& key) { console.locale = locale_of(key, console); },
+           "--locale", [&console](const std::string& key) { console.locale = locale_of(key); },
            help(console, "Locale of formats, sorting and names, as de_AT; default: the language's",
                 "Локаль форматов, сортировки и названий, например de_AT; по умолчанию как у языка"))
         ->type_name("KEY");
@@ -217,8 +218,11 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 wants
         app.parse(std::move(arguments));
+    } catch (const CLI::Success& e) { // help and version
+        app.exit(e, console.out, console.err);
+        return ExitCode::done;
     } catch (const CLI::ParseError& e) {
-        return app.exit(e, console.out, console.err) == 0 ? ExitCode::done : ExitCode::usage;
+        return refuse_usage(app, e, console);
     }
     const ExitCode code = carry_out(action, modules, console);
     if (leaks)
@@ -236,8 +240,23 @@ CLI::App* add_subcommand(CLI::App& command, const char* name, const char* what, 
 }
 
 ExitCode fail(Console& console, const core::wstring& message, ExitCode code) {
-    console.err << "corehost: " << terminal_lines(message) << '\n';
+    show_failure(console, message);
     return code;
+}
+
+ExitCode fail(Console& console, const char* id, ExitCode code) {
+    show_failure(console, core::message_text(id), id);
+    return code;
+}
+
+ExitCode fail(Console& console, const core::Exception& failure, ExitCode code) {
+    show_failure(console, failure.description(), failure.messageId());
+    return code;
+}
+
+ExitCode code_of(const core::script::Error& error) noexcept {
+    const bool interrupted = std::string_view(error.messageId()) == core::messages::kScriptInterrupted;
+    return interrupted ? ExitCode::interrupted : ExitCode::malformed;
 }
 
 ExitCode run_program(std::vector<std::string> arguments, Console& console) {

@@ -4,7 +4,9 @@
 #include "host/terminal/terminal_text.h"
 
 #include <core/exchange/column_text.h>
+#include <core/exchange/json.h>
 #include <core/runtime/utf8.h>
+#include <core/values/generic_value.h>
 
 #include <unicode/utf16.h>
 
@@ -64,18 +66,41 @@ Excerpt excerpt(const core::script::Place& place) {
     return result;
 }
 
+std::string in_json(const core::wstring& text) {
+    return core::to_json(core::GenericValue(text));
+}
+
+void show_object(std::ostream& out, const core::wstring& message, std::string_view id,
+                 const core::script::Error* error) {
+    out << "{\"error\":" << in_json(message);
+    if (!id.empty())
+        out << ",\"id\":" << in_json(core::from_utf8(std::string(id)));
+    if (error != nullptr && error->line() != 0)
+        out << ",\"file\":" << in_json(error->file()) << ",\"line\":" << error->line()
+            << ",\"column\":" << error->column();
+    out << "}\n";
+}
+
 } // namespace
 
-void show_error(std::ostream& out, const core::script::Error& error, bool colour) {
+void show_error(Console& console, const core::script::Error& error) {
+    if (console.json)
+        return show_object(console.err, error.description(), error.messageId(), &error);
     const auto painted = [&](const char* paint, const std::string& text) {
-        return colour ? paint + text + kPlain : text;
+        return console.colour ? paint + text + kPlain : text;
     };
     const std::string place = terminal_text(error.file()) + ':' + std::to_string(error.line()) + ':' +
                               std::to_string(error.column()) + ':';
     const Excerpt lines = excerpt(error.place());
-    out << painted(kBold, place) << ' ' << terminal_lines(error.description()) << '\n'
-        << "    " << terminal_text(lines.line) << '\n'
-        << "    " << painted(kRed, core::to_utf8(lines.mark)) << '\n';
+    console.err << painted(kBold, place) << ' ' << terminal_lines(error.description()) << '\n'
+                << "    " << terminal_text(lines.line) << '\n'
+                << "    " << painted(kRed, core::to_utf8(lines.mark)) << '\n';
+}
+
+void show_failure(Console& console, const core::wstring& message, std::string_view id) {
+    if (console.json)
+        return show_object(console.err, message, id, nullptr);
+    console.err << "corehost: " << terminal_lines(message) << '\n';
 }
 
 } // namespace host

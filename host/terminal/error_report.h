@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "host/terminal/console.h"
+
+#include <core/runtime/exception.h>
 #include <core/script/errors.h>
 
-#include <iosfwd>
-
+/// How failures are shown: for people, or with --json as one object a line, `{"error": text, "id": message
+/// id, "file": …, "line": …, "column": …}`, without what is not known.
 namespace host {
 
-/// Writes "name:line:column: message", the line, and under it a mark for the piece that is meant. Tabs, wide
+/// Shows "name:line:column: message", the line, and under it a mark for the piece that is meant. Tabs, wide
 /// and combining characters do not shift the mark; of a very long line only the part around it is shown.
-void show_error(std::ostream& out, const core::script::Error& error, bool colour);
+void show_error(Console& console, const core::script::Error& error);
+
+/// Shows a message in the name of the program. `id` is the message id, empty where there is none.
+void show_failure(Console& console, const core::wstring& message, std::string_view id = {});
 
 } // namespace host

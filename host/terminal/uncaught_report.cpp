@@ -23,11 +23,11 @@ class UncaughtReport : public core::IUncaughtExceptions {
         const core::Exception& exception = failure->exception();
         const auto* const error = dynamic_cast<const core::script::Error*>(&exception);
         console_.out.flush();
-        console_.err << "corehost: " << terminal_text(where) << ':';
-        if (error != nullptr)
-            show_error(console_.err << '\n', *error, console_.colour);
-        else
-            console_.err << ' ' << terminal_text(exception.description()) << '\n';
+        if (error == nullptr)
+            return show_failure(console_, where + u": " + exception.description(), exception.messageId());
+        if (!console_.json)
+            console_.err << "corehost: " << terminal_text(where) << ":\n";
+        show_error(console_, *error);
     }
 
   private:

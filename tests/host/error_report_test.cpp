@@ -29,8 +29,10 @@ std::string shown(std::string_view line, std::string_view marked, std::int32_t c
     const core::wstring piece = core::from_utf8(marked);
     place.offset = static_cast<std::int32_t>(place.text.find(piece.substr(0, piece.find(u'\n'))));
     place.length = static_cast<std::int32_t>(piece.size());
+    std::istringstream in;
     std::ostringstream out;
-    show_error(out, core::script::Error(u"Wrong\x1B", place), colour);
+    Console console{in, out, out, Language::english, colour};
+    show_error(console, core::script::Error(u"Wrong\x1B", place));
     return out.str();
 }
 

@@ -63,8 +63,78 @@ TEST_F(ProgramTest, EveryExitCode) {
         EXPECT_EQ(answer.out.empty(), c.code != ExitCode::done)
             << testing::PrintToString(c.arguments) << answer.out;
     }
-    EXPECT_EQ(corehost({"--lang", "de", "run", good}).err.substr(0, 39),
-              "--lang: the languages are en and ru\nRun");
+}
+
+TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
+    const std::string good = file("good", "Print(1)");
+    struct Case {
+        std::vector<std::string> arguments;
+        const char* english;
+        const char* russian;
+    };
+    const Case cases[] = {
+        {{},
+         "corehost needs a command: container, describe, list, query, repl, run, text.",
+         "corehost: нужна команда: container, describe, list, query, repl, run, text."},
+        {{"desribe"},
+         "corehost has no command “desribe”. Did you mean describe?",
+         "У corehost нет команды «desribe». Возможно, имелся в виду describe?"},
+        {{"list", "ftm"},
+         "corehost list has no command “ftm”. Did you mean fmt?",
+         "У corehost list нет команды «ftm». Возможно, имелся в виду fmt?"},
+        {{"list"},
+         "corehost list needs a command: check, fmt, to-json, from-json.",
+         "corehost list: нужна команда: check, fmt, to-json, from-json."},
+        {{"run", good, "--encodng=x"},
+         "corehost run has no option --encodng. Did you mean --encoding?",
+         "У команды corehost run нет параметра --encodng. Возможно, имелся в виду --encoding?"},
+        {{"run"}, "corehost run needs the argument file.", "Команде corehost run нужен аргумент file."},
+        {{"run", good, "--encoding"},
+         "The option --encoding needs a value.",
+         "Параметру --encoding нужно значение."},
+        {{"run", good, "--mode", "markdwn"},
+         "The option --mode does not take “markdwn”. Did you mean markdown?",
+         "Параметр --mode не принимает значение «markdwn». Возможно, имелся в виду markdown?"},
+        {{"run", good, "--locale", "xx"},
+         "The option --locale does not take “xx”.",
+         "Параметр --locale не принимает значение «xx»."},
+        {{"list", "fmt", "--indent", "17"},
+         "The option --indent does not take “17”.",
+         "Параметр --indent не принимает значение «17»."},
+        {{"list", "fmt", "--indent", "x"},
+         "The option --indent does not take “x”.",
+         "Параметр --indent не принимает значение «x»."},
+        {{"describe", "Map", "--functions"},
+         "--functions and type cannot stand together.",
+         "--functions и type нельзя указать вместе."},
+    };
+    for (const Case& c : cases) {
+        for (const bool isRussian : {false, true}) {
+            std::vector<std::string> arguments = {"--lang", isRussian ? "ru" : "en"};
+            arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+            const Answer answer = corehost(arguments);
+            EXPECT_EQ(answer.code, ExitCode::usage);
+            EXPECT_EQ(answer.err.substr(0, answer.err.find('\n')),
+                      std::string("corehost: ") + (isRussian ? c.russian : c.english));
+        }
+    }
+    EXPECT_EQ(corehost({"list", "fmt", "--what"}).err,
+              "corehost: corehost list fmt has no option --what.\ncorehost list fmt --help\n");
+    EXPECT_EQ(corehost({"--lang", "de", "run", good}).err.substr(0, 66),
+              "corehost: The option --lang does not take “de”. It takes en, ru.");
+}
+
+TEST_F(ProgramTest, FailuresInJson) {
+    EXPECT_EQ(run("Print(1);\n  a = 1 / 0", {"--json"}).err,
+              "{\"error\":\"Division by zero.\",\"id\":\"IDS_NUMERROR_DIVBYZERO\",\"file\":\"s\",\"line\":2,"
+              "\"column\":9}\n");
+    EXPECT_EQ(corehost({"runn", "--json"}).err,
+              "{\"error\":\"corehost has no command “runn”. Did you mean run?\"}\n");
+    const Answer missing = corehost({"--json", "run", path("none")});
+    EXPECT_EQ(missing.code, ExitCode::io);
+    EXPECT_TRUE(missing.err.starts_with("{\"error\":\"The file ")) << missing.err;
+    EXPECT_NE(missing.err.find("\"id\":\"IDS_FILE_OPEN\"}"), std::string::npos) << missing.err;
+    EXPECT_EQ(corehost({"repl", "--json"}, "\"a\" + lost").err.substr(0, 10), "{\"error\":\"");
 }
 
 TEST_F(ProgramTest, AStreamThatCannotBeWritten) {
