@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
-#include "host/commands/interrupt_scope.h"
 #include "host/commands/query_steps.h"
 #include "host/terminal/byte_input.h"
 #include "host/terminal/error_report.h"
+#include "host/terminal/interrupts.h"
 #include "host/terminal/print.h"
 #include "host/terminal/script_console.h"
 
@@ -140,14 +140,14 @@ ExitCode query(const QueryOptions& options, Console& console) {
         }
     }
     try {
-        const InterruptScope interrupts(engine);
+        const Interrupts interrupts(&engine);
         const GenericValue result = run_steps(engine, tables.front(), from_utf8(options.words.back()));
         if (!result.isUndefined())
             print_value(result, console, std::numeric_limits<std::size_t>::max());
     } catch (const script::Error& error) {
         console.out.flush();
-        show_error(console.err, error, console.colour);
-        return ExitCode::malformed;
+        show_error(console, error);
+        return code_of(error);
     }
     return ExitCode::done;
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/commands.h"
-#include "host/commands/interrupt_scope.h"
 #include "host/terminal/byte_input.h"
 #include "host/terminal/error_report.h"
+#include "host/terminal/interrupts.h"
 #include "host/terminal/script_console.h"
 
 #include <core/runtime/utf8.h>
@@ -37,16 +37,16 @@ ExitCode run_file(const RunOptions& options, Console& console) {
         for (const std::string& argument : options.arguments)
             arguments.push_back(core::from_utf8(argument));
         engine.arguments(arguments);
-        const InterruptScope interrupts(engine);
+        const Interrupts interrupts(&engine);
         engine.run(script);
         if (const auto code = engine.exitCode())
             return static_cast<ExitCode>(*code);
     } catch (const core::script::Error& error) {
         console.out.flush();
-        show_error(console.err, error, console.colour);
-        return ExitCode::malformed;
+        show_error(console, error);
+        return code_of(error);
     } catch (const std::bad_alloc&) { // for the script itself, or what stands between its statements
-        return fail(console, core::message_text("IDS_SCRIPT_NO_MEMORY"), ExitCode::malformed);
+        return fail(console, "IDS_SCRIPT_NO_MEMORY", ExitCode::malformed);
     }
     return ExitCode::done;
 }

@@ -31,8 +31,7 @@ class Display {
         case ValueKind::boolean:
             return literal(value.isTrue() ? TokenKind::keyTrue : TokenKind::keyFalse);
         case ValueKind::number:
-            text_ += value.asNumeric()->toString();
-            return;
+            return showNumber(value.asNumeric()->toString());
         case ValueKind::date:
             text_.append(u"'").append(value.asDate()->toString()).append(u"'");
             return;
@@ -49,6 +48,11 @@ class Display {
   private:
     void literal(TokenKind keyword) { text_ += keyword_name(keyword, alias_); }
 
+    void showNumber(const wstring& digits) {
+        text_.append(digits, 0, kMaxString);
+        if (digits.size() > kMaxString)
+            text_ += u'…';
+    }
     void showString(wstring_view string) {
         text_ += u'"';
         for (const wchar c : string.substr(0, kMaxString)) {

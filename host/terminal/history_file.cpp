@@ -56,6 +56,14 @@ class LockedFile {
     int descriptor_ = -1;
 };
 
+constexpr std::string_view kSeparator = "\u2028"; // nobody types one
+
+std::string replaced(std::string text, std::string_view what, std::string_view by) {
+    for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += by.size())
+        text.replace(at, what.size(), by);
+    return text;
+}
+
 std::vector<std::string> read_lines(const std::string& path) {
     std::vector<std::string> lines;
     std::ifstream file(path, std::ios::binary);
@@ -78,6 +86,13 @@ HistoryFile HistoryFile::of_user() {
 }
 
 std::vector<std::string> HistoryFile::load() const {
+    std::vector<std::string> lines = lastLines();
+    for (std::string& line : lines)
+        line = replaced(std::move(line), kSeparator, "\n");
+    return lines;
+}
+
+std::vector<std::string> HistoryFile::lastLines() const {
     std::error_code ignored;
     if (!fs::is_regular_file(path_, ignored))
         return {};
@@ -101,14 +116,14 @@ std::vector<std::string> HistoryFile::load() const {
     return lines;
 }
 
-void HistoryFile::append(std::string_view line) const noexcept {
+void HistoryFile::append(std::string_view entry) const noexcept {
     if (path_.empty())
         return;
     try {
         std::error_code ignored;
         fs::create_directories(fs::path(path_).parent_path(), ignored);
         if (const LockedFile history(path_, 0); history.isOpen())
-            static_cast<void>(history.append(std::string(line) + '\n'));
+            static_cast<void>(history.append(replaced(std::string(entry), "\n", kSeparator) + '\n'));
     } catch (const std::exception&) { // no memory for a path: nothing that the user must know
     }
 }

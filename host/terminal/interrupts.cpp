@@ -1,20 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/interrupts.h"
 
+#include <unistd.h>
+
+#include <atomic>
+
 namespace host {
 namespace {
 
-volatile std::sig_atomic_t come = 0;
+constexpr int kInterrupted = 130;
+
+std::atomic<int> come{0}; // the signal
+std::atomic<core::script::Engine*> running{nullptr};
+
+void note(int signal) {
+    if (come.exchange(signal) != 0)
+        ::_exit(kInterrupted);
+    if (core::script::Engine* const engine = running.load(); engine != nullptr)
+        engine->interrupt();
+}
 
 } // namespace
 
-Interrupts::Interrupts() {
+Interrupts::Interrupts(core::script::Engine* engine) {
     come = 0;
-    struct sigaction note {};
-    note.sa_handler = [](int) { come = 1; };
-    note.sa_flags = static_cast<int>(SA_RESETHAND);
+    running = engine;
+    struct sigaction action {};
+    action.sa_handler = &note;
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
-        ::sigaction(kSignals[i], &note, &before_[i]);
+        ::sigaction(kSignals[i], &action, &before_[i]);
         if (before_[i].sa_handler == SIG_IGN) // who started the program wants it to go on
             ::sigaction(kSignals[i], &before_[i], nullptr);
     }
@@ -23,11 +37,16 @@ Interrupts::Interrupts() {
 Interrupts::~Interrupts() {
     for (std::size_t i = 0; i < kSignals.size(); ++i)
         ::sigaction(kSignals[i], &before_[i], nullptr);
+    running = nullptr;
 }
 
 void Interrupts::check() const {
     if (come != 0)
         throw Interrupted();
+}
+
+bool Interrupts::asksForEnd() const noexcept {
+    return come != 0 && come != SIGINT;
 }
 
 } // namespace host

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/script/engine.h>
+
 #include <array>
 #include <csignal>
 #include <exception>
@@ -14,16 +16,20 @@ class Interrupted : public std::exception {
 };
 
 /// While one lives, Ctrl-C and the signals that ask a program to end wait until the work looks, so that it
-/// can clear away what it has begun. A second such signal ends the program at once. One at a time.
+/// can clear away what it has begun; a script, and what it has called, looks by itself. A second such signal
+/// ends the program at once, with the code 130. One at a time.
 class Interrupts {
   public:
-    Interrupts();
+    /// `engine` runs the script that is to stop; null for other work.
+    explicit Interrupts(core::script::Engine* engine = nullptr);
     ~Interrupts();
     Interrupts(const Interrupts&) = delete;
     Interrupts& operator=(const Interrupts&) = delete;
 
     /// Throws Interrupted once a signal has come.
     void check() const;
+    /// Whether a signal has come that asks the program to end, and not only its work.
+    [[nodiscard]] bool asksForEnd() const noexcept;
 
   private:
     static constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};

@@ -62,6 +62,21 @@ class Utf8Locale {
     std::string before_;
 };
 
+/// While it lives, the terminal marks what is pasted.
+class PasteMarks {
+  public:
+    PasteMarks() { put("\033[?2004h"); }
+    PasteMarks(const PasteMarks&) = delete;
+    PasteMarks& operator=(const PasteMarks&) = delete;
+    ~PasteMarks() { put("\033[?2004l"); }
+
+  private:
+    static void put(const char* code) {
+        std::fputs(code, stdout);
+        std::fflush(stdout);
+    }
+};
+
 /// Names below each other, as many beside each other as the terminal takes.
 std::string in_columns(const std::vector<core::wstring>& names, std::size_t lineWidth) {
     std::size_t width = 0;
@@ -96,8 +111,8 @@ class LineEditor::Terminal {
         HistEventW event;
         history_w(history_.get(), &event, H_SETSIZE, static_cast<int>(HistoryFile::kMostLines));
         history_w(history_.get(), &event, H_SETUNIQUE, 1);
-        for (const std::string& line : file_.load())
-            history_w(history_.get(), &event, H_ENTER, to_points(core::from_utf8(line)).c_str());
+        for (const std::string& entry : file_.load())
+            history_w(history_.get(), &event, H_ENTER, to_points(core::from_utf8(entry)).c_str());
 
         EditLine* const editor = editor_.get();
         el_wset(editor, EL_CLIENTDATA, this);
@@ -112,6 +127,8 @@ class LineEditor::Terminal {
         el_wset(editor, EL_SETTY, L"-d", L"intr=", nullptr);
         el_wset(editor, EL_ADDFN, L"cancel-line", L"Forget what was entered", &Terminal::cancelLine);
         el_wset(editor, EL_BIND, L"^C", L"cancel-line", nullptr);
+        el_wset(editor, EL_ADDFN, L"take-pasted", L"Insert what is pasted as it is", &Terminal::takePasted);
+        el_wset(editor, EL_BIND, L"\\e[200~", L"take-pasted", nullptr);
     }
 
     Line read(const std::string& prompt) {
@@ -119,6 +136,7 @@ class LineEditor::Terminal {
         cancelled_ = false;
         int count = 0;
         errno = 0;
+        const PasteMarks marks;
         const wchar_t* const points = el_wgets(editor_.get(), &count);
         const bool interrupted = points == nullptr && count < 0 && errno == EINTR;
         if (cancelled_ || interrupted) {
@@ -132,10 +150,19 @@ class LineEditor::Terminal {
             return {Line::Kind::end};
         }
         std::wstring line(points, static_cast<std::size_t>(count));
-        if (line.back() == L'\n')
+        while (!line.empty() && line.back() == L'\n')
             line.pop_back();
-        remember(line);
         return {Line::Kind::text, to_units(line)};
+    }
+
+    void remember(const core::wstring& entry) {
+        const std::wstring points = to_points(entry);
+        if (points == last_ || points.find_first_not_of(L" \t\n") == std::wstring::npos)
+            return;
+        last_ = points;
+        HistEventW event;
+        history_w(history_.get(), &event, H_ENTER, points.c_str());
+        file_.append(core::to_utf8(entry));
     }
 
   private:
@@ -187,13 +214,19 @@ class LineEditor::Terminal {
         return found.names.size() == 1 ? CC_REFRESH : CC_REFRESH_BEEP;
     }
 
-    void remember(const std::wstring& line) {
-        if (line == last_ || line.find_first_not_of(L" \t") == std::wstring::npos)
-            return;
-        last_ = line;
-        HistEventW event;
-        history_w(history_.get(), &event, H_ENTER, line.c_str());
-        file_.append(core::to_utf8(to_units(line)));
+    /// Tabs do not complete and line ends do not end the line in what is pasted.
+    static unsigned char takePasted(EditLine* editor, int) {
+        constexpr std::wstring_view kEnd = L"\033[201~";
+        std::wstring text;
+        for (wchar_t point = 0; !text.ends_with(kEnd);) {
+            if (el_wgetc(editor, &point) != 1)
+                return CC_EOF;
+            text += point == L'\r' ? L'\n' : point;
+        }
+        text.resize(text.size() - kEnd.size());
+        while (!text.empty() && text.back() == L'\n') // Enter carries it out, and not the paste
+            text.pop_back();
+        return text.empty() || el_winsertstr(editor, text.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
     }
 
     const Console& console_;
@@ -214,6 +247,10 @@ LineEditor::~LineEditor() = default;
 
 LineEditor::Line LineEditor::read(const std::string& prompt) {
     return terminal_->read(prompt);
+}
+
+void LineEditor::remember(const core::wstring& entry) {
+    terminal_->remember(entry);
 }
 
 } // namespace host

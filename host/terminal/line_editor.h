@@ -34,7 +34,10 @@ class LineEditor {
     LineEditor& operator=(const LineEditor&) = delete;
     ~LineEditor();
 
+    /// What was pasted, or comes from the history, may have several lines.
     [[nodiscard]] Line read(const std::string& prompt);
+    /// Puts an entry, of one line or several, into the history.
+    void remember(const core::wstring& entry);
 
   private:
     class Terminal;

@@ -105,8 +105,8 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
          "The option --indent does not take “x”.",
          "Параметр --indent не принимает значение «x»."},
         {{"describe", "Map", "--functions"},
-         "--functions and type cannot stand together.",
-         "--functions и type нельзя указать вместе."},
+         "type and --functions cannot stand together.",
+         "type и --functions нельзя указать вместе."},
     };
     for (const Case& c : cases) {
         for (const bool isRussian : {false, true}) {
@@ -120,14 +120,15 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
     }
     EXPECT_EQ(corehost({"list", "fmt", "--what"}).err,
               "corehost: corehost list fmt has no option --what.\ncorehost list fmt --help\n");
-    EXPECT_EQ(corehost({"--lang", "de", "run", good}).err.substr(0, 66),
+    EXPECT_EQ(corehost({"--lang", "de", "run", good}).err.substr(0, 68),
               "corehost: The option --lang does not take “de”. It takes en, ru.");
 }
 
 TEST_F(ProgramTest, FailuresInJson) {
-    EXPECT_EQ(run("Print(1);\n  a = 1 / 0", {"--json"}).err,
-              "{\"error\":\"Division by zero.\",\"id\":\"IDS_NUMERROR_DIVBYZERO\",\"file\":\"s\",\"line\":2,"
-              "\"column\":9}\n");
+    EXPECT_EQ(
+        run("Print(1);\n  a = 1 / 0", {"--json"}).err,
+        "{\"error\":\"Division by zero.\",\"id\":\"IDS_NUMERROR_DIVIDEBYZERO\",\"file\":\"s\",\"line\":2,"
+        "\"column\":9}\n");
     EXPECT_EQ(corehost({"runn", "--json"}).err,
               "{\"error\":\"corehost has no command “runn”. Did you mean run?\"}\n");
     const Answer missing = corehost({"--json", "run", path("none")});
@@ -175,8 +176,6 @@ TEST_F(ProgramTest, AnErrorShowsItsPlaceInTheUsersLanguage) {
     EXPECT_EQ(run(title, {"--locale", "ru"}).out, "ru\nPrice\n");
     EXPECT_EQ(run("x = New Array;\nx.Lost(1)", {"--locale", "ru"}).err,
               "s:2:3: The type Array has no method Lost.\n    x.Lost(1)\n      ^~~~\n");
-    EXPECT_EQ(run("Print(1)", {"--locale", "xx"}).err.substr(0, 43),
-              "--locale: no locale is known by the key xx\n");
 
     const Answer coloured = corehost({"run", file("s", "x")}, {}, true);
     EXPECT_NE(coloured.err.find("\x1B[1;31m^\x1B[0m"), std::string::npos);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The console: entries over several lines, errors that it survives, names that it completes in both
 // languages, the history, and all of it once at a real terminal.
+#include "host/commands/session.h"
 #include "host/terminal/history_file.h"
 #include "tests/host/program_fixture.h"
 #include "tests/script/script_fixture.h"
@@ -16,6 +17,7 @@
 #include <chrono>
 #include <csignal>
 #include <iostream>
+#include <regex>
 #include <thread>
 
 namespace host {
@@ -61,6 +63,66 @@ TEST(ReplTest, ThroughAPipe) {
         "[{\"A\":1,\"Б\":null},{\"A\":null,\"Б\":\"x\"}]\n\"text\"\n"
         "[{\"A\":1,\"Б\":null},{\"A\":null,\"Б\":\"x\"}]\n");
     EXPECT_EQ(corehost({"repl", "--lang", "ru"}, "True; New Map").out, "Истина\nСоответствие {}\n");
+}
+
+TEST(ReplTest, CommandsWithADotAndWords) {
+    const Answer help = corehost({"repl"}, "help");
+    EXPECT_EQ(help.code, ExitCode::done);
+    for (const char* const command :
+         {".help [NAME]", ".exit [CODE]", ".mode", ".timer", ".read FILE", ".output", ".describe NAME"})
+        EXPECT_NE(help.out.find(command), std::string::npos) << command;
+    EXPECT_NE(corehost({"repl", "--lang", "ru"}, "справка").out.find(".описание"), std::string::npos);
+    EXPECT_EQ(corehost({"repl"}, "1\nexit\n2").out, "1\n");
+    EXPECT_EQ(static_cast<int>(corehost({"repl"}, ".выход 5\n2").code), 5);
+    EXPECT_EQ(corehost({"repl"}, "exit = 3\nexit\n.exit").out, "3\n");
+    EXPECT_EQ(corehost({"repl"}, ".describe Map").out, corehost({"describe", "Map"}).out);
+    EXPECT_EQ(corehost({"repl"}, ".mode csv\nT = New ValueTable; C = T.Columns.Add(\"A\"); T.Add().A = 1; T\n"
+                                 ".mode\nT")
+                  .out,
+              "A\r\n1\r\nA\n─\n1\nRows: 1\n");
+    const Answer timed = corehost({"repl"}, ".timer on\n1\n.timer off\n2");
+    EXPECT_EQ(timed.out, "1\n2\n");
+    EXPECT_TRUE(std::regex_match(timed.err, std::regex("0\\.\\d{3} s\n"))) << timed.err;
+    EXPECT_EQ(corehost({"repl"}, "2 ^ 3000" + std::string(" - 1")).out.size() < 700, true);
+    const Answer wrong = corehost({"repl"}, ".dscribe Map\n.mode xml\n.read\n.lost\n1");
+    EXPECT_EQ(wrong.out, "1\n");
+    EXPECT_EQ(wrong.err, "corehost: There is no command .dscribe; .help lists them. Did you mean .describe?\n"
+                         "corehost: The command .mode does not take “xml”.\n"
+                         "corehost: The command .read needs an argument.\n"
+                         "corehost: There is no command .lost; .help lists them.\n");
+    EXPECT_EQ(wrong.code, ExitCode::malformed);
+}
+
+class DotFilesTest : public FolderTest {};
+
+TEST_F(DotFilesTest, ReadOutputAndTheNamesOfFiles) {
+    const std::string script = file("double.script", "Procedure Double(X) X = X * 2 EndProcedure Y = 4;");
+    const Answer answer = corehost({"repl"}, ".read " + script + "\nDouble(Y)\n.output " + path("out") +
+                                                 "\nY\n.output\nY + 1\n.read " + path("none") + "\n.output " +
+                                                 path("no/folder") + "\nY");
+    EXPECT_EQ(answer.out, "9\n8\n");
+    EXPECT_EQ(text_of(path("out")), "8\n");
+    EXPECT_NE(answer.err.find("none"), std::string::npos);
+    EXPECT_NE(answer.err.find("folder"), std::string::npos);
+
+    const auto names = [&](const std::string& before) {
+        std::istringstream in;
+        std::ostringstream out;
+        Console console{in, out, out};
+        const host::HostProcess process;
+        std::string text;
+        const core::script::Completion found = Session(console).complete(core::from_utf8(before));
+        for (const core::wstring& name : found.names)
+            text += core::to_utf8(name) + "|";
+        return text + std::to_string(found.typed);
+    };
+    std::filesystem::create_directory(path("data"));
+    EXPECT_EQ(names("T = LoadCsv(\"" + path("d")), "data/|double.script\"|1");
+    EXPECT_EQ(names("Print(\"a\"\"b\") // \"" + path("d")), "0");
+    EXPECT_EQ(names(".read " + path("do")), "double.script|2");
+    EXPECT_EQ(names(".r"), ".read |2");
+    EXPECT_EQ(names(".описание соо"), "Соответствие|3");
+    EXPECT_EQ(names(".mode ma"), "markdown|2");
 }
 
 class CompletionTest : public core::script::ScriptTest {
@@ -213,6 +275,10 @@ class TerminalTest : public FolderTest {
     /// Waits until something is shown, pressing some key again and again; false when it never is.
     [[nodiscard]] bool shows(std::string_view text, std::string_view again = {}) {
         for (int i = 0; i < 200; ++i) {
+            for (const std::string_view mark : {"\x1B[?2004h", "\x1B[?2004l"}) { // around each line
+                for (auto at = shown_.find(mark); at != std::string::npos; at = shown_.find(mark))
+                    shown_.erase(at, mark.size());
+            }
             if (const auto at = shown_.find(text); at != std::string::npos) {
                 shown_.erase(0, at + text.size());
                 return true;
@@ -254,6 +320,29 @@ class TerminalTest : public FolderTest {
     ::pid_t child_ = 0;
     std::string shown_;
 };
+
+TEST_F(TerminalTest, AnEntryIsOneItemOfTheHistoryAndWhatIsPastedStaysAsItIs) {
+    ASSERT_TRUE(asks("> "));
+    type("If True Then\r");
+    ASSERT_TRUE(asks("  | "));
+    type("7 * 6\r");
+    ASSERT_TRUE(asks("  | "));
+    type("EndIf\r");
+    ASSERT_TRUE(shows("\n42\r\n"));
+    ASSERT_TRUE(asks("> "));
+    type("\x1B[A\r"); // the entry before, whole
+    ASSERT_TRUE(shows("\n42\r\n"));
+    ASSERT_TRUE(asks("> "));
+    type("\x1B[200~a = 1\r\tIf a = 1 Then\r\t\ta + 10\rEndIf\r\x1B[201~");
+    type("\r");
+    ASSERT_TRUE(shows("\n11\r\n"));
+    ASSERT_TRUE(asks("> "));
+    type("exit\r");
+    EXPECT_EQ(exit_code(), 0);
+    EXPECT_EQ(
+        text_of(folder() / "corehost/history"),
+        "If True Then\u20287 * 6\u2028EndIf\na = 1\n\tIf a = 1 Then\u2028\t\ta + 10\u2028EndIf\nexit\n");
+}
 
 TEST_F(TerminalTest, EditsCompletesStopsAndLeaves) {
     ASSERT_TRUE(asks("> "));
