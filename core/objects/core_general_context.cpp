@@ -12,6 +12,9 @@
 #include <core/runtime/utf8.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <vector>
 
 namespace core {
 namespace {
@@ -82,6 +85,17 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
   public:
     using Interfaces = InterfaceList<IContext_, IContextDef, IContextDefExt, IContextDefParams>;
 
+    CoreGeneralContextDef() = default;
+    CoreGeneralContextDef(const CoreGeneralContextDef&) = delete;
+    CoreGeneralContextDef& operator=(const CoreGeneralContextDef&) = delete;
+    /// What stands under the temporary names is not needed any more.
+    ~CoreGeneralContextDef() {
+        for (const std::filesystem::path& name : temporary_) {
+            std::error_code ignored;
+            std::filesystem::remove_all(name, ignored);
+        }
+    }
+
     static std::span<const Property<CoreGeneralContextDef>> properties() noexcept { return {}; }
     static std::span<const Method<CoreGeneralContextDef>> methods() noexcept {
         using T = CoreGeneralContextDef;
@@ -116,7 +130,8 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
         if (extension.find_first_of(wstring_view(u"/\\\0", 3)) != wstring_view::npos)
             parameter_value_mismatch(0);
         const std::string name = "core-" + to_utf8(to_string(new_guid())) + (extension.empty() ? "" : ".");
-        return from_utf8((temp_folder() / (name + to_utf8(extension))).string());
+        temporary_.push_back(temp_folder() / (name + to_utf8(extension)));
+        return from_utf8(temporary_.back().string());
     }
 
     GenericValue fillPropertyValues(std::span<GenericValue> arguments) {
@@ -154,6 +169,8 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
         const std::string utf8 = to_utf8(text_argument(arguments[0], 0));
         return base64_encode(std::as_bytes(std::span(utf8)));
     }
+
+    std::vector<std::filesystem::path> temporary_; // the names that were handed out
 };
 
 InterfacePtr<IContext_> create_core_general_context() {

@@ -158,7 +158,10 @@ void frame_help(CLI::App& app, const Console& console) {
     for (const auto& [word, russian] :
          {std::pair{"Usage", "Вызов"}, std::pair{"OPTIONS", "ПАРАМЕТРЫ"}, std::pair{"SUBCOMMAND", "КОМАНДА"},
           std::pair{"SUBCOMMANDS", "КОМАНДЫ"}, std::pair{"Positionals", "Аргументы"},
-          std::pair{"REQUIRED", "ОБЯЗАТЕЛЬНО"}, std::pair{"Excludes", "Исключает"}})
+          std::pair{"REQUIRED", "ОБЯЗАТЕЛЬНО"}, std::pair{"Excludes", "Исключает"},
+          std::pair{"TEXT", "ТЕКСТ"}, std::pair{"FILE", "ФАЙЛ"}, std::pair{"KEY", "КЛЮЧ"},
+          std::pair{"ENCODING", "КОДИРОВКА"}, std::pair{"LIST", "СПИСОК"}, std::pair{"CHAR", "ЗНАК"},
+          std::pair{"NAME", "ИМЯ"}})
         app.get_formatter()->label(word, russian);
 }
 

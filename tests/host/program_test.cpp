@@ -124,6 +124,25 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
               "corehost: The option --lang does not take “de”. It takes en, ru.");
 }
 
+TEST_F(ProgramTest, TheRussianHelpIsRussian) {
+    for (const std::vector<std::string>& command :
+         std::initializer_list<std::vector<std::string>>{{},
+                                                         {"run"},
+                                                         {"query"},
+                                                         {"list", "fmt"},
+                                                         {"text", "convert"},
+                                                         {"container", "put"},
+                                                         {"describe"}}) {
+        std::vector<std::string> arguments = {"--lang", "ru"};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        arguments.emplace_back("--help");
+        const std::string help = corehost(arguments).out;
+        for (const char* const word :
+             {"TEXT", "FILE", "KEY", "ENCODING", "OPTIONS", "REQUIRED", "Usage", "Show"})
+            EXPECT_EQ(help.find(word), std::string::npos) << testing::PrintToString(command) << ' ' << help;
+    }
+}
+
 TEST_F(ProgramTest, FailuresInJson) {
     EXPECT_EQ(
         run("Print(1);\n  a = 1 / 0", {"--json"}).err,

@@ -18,6 +18,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <sstream>
@@ -365,6 +366,19 @@ TEST(Engine, WorksInOneProcessOnWhateverThread) {
     EXPECT_EQ(current_process(), process.get());
     EXPECT_EQ(failure(engine, "a = b").description(), u"Переменная b ещё не имеет значения.")
         << "the language of the process";
+}
+
+TEST(Engine, WhatStandsUnderItsTemporaryNamesGoesWithIt) {
+    std::filesystem::path file;
+    {
+        Engine engine;
+        file = to_utf8(engine
+                           .run(u"F = GetTempFileName(\"txt\"); SaveText(F, \"x\"); N = GetTempFileName(); "
+                                u"Return F")
+                           .presentation());
+        EXPECT_TRUE(std::filesystem::exists(file));
+    }
+    EXPECT_FALSE(std::filesystem::exists(file));
 }
 
 TEST(Engine, ThousandsLeaveNothingBehind) {
