@@ -5,6 +5,7 @@
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
 #include <core/runtime/internal_class.h>
+#include <core/runtime/threads/thread.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -101,9 +102,8 @@ InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode, unsig
     require_whole_path(path);
     const wstring url = file_url(path);
     int number = -1;
-    do
-        number = ::open(path.c_str(), open_flags(mode) | O_CLOEXEC, permissions);
-    while (number < 0 && errno == EINTR);
+    while ((number = ::open(path.c_str(), open_flags(mode) | O_CLOEXEC, permissions)) < 0 && errno == EINTR)
+        Thread::check(); // a pipe opens when somebody comes to its other end
     if (number < 0)
         throw_file_error(messages::kFileOpen, url, errno);
     Descriptor descriptor(number);

@@ -110,8 +110,8 @@ GenericValue load(const std::string& file, const QueryOptions& options, Console&
                          csv);
     }
     for (const Loss& loss : std::span(losses.first()).first(std::min<std::size_t>(losses.first().size(), 5)))
-        console.err << "corehost: " << file << ':' << loss.line << ": " << to_utf8(loss.column) << ": "
-                    << to_utf8(loss_text(loss)) << '\n';
+        show_failure(console, from_utf8(file + ':' + std::to_string(loss.line) + ": ") + loss.column + u": " +
+                                  loss_text(loss));
     return Value(table.query<IValue>());
 }
 

@@ -3,12 +3,14 @@
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <iostream>
 
@@ -45,11 +47,33 @@ ByteInput::ByteInput(Console& console, std::string file)
     struct stat status {};
     if (file_.is_open() && ::stat(name_.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
         errno = EISDIR;
+    if (!file_.is_open() && errno == EINTR)
+        core::Thread::check();
     if (!file_.is_open() || errno == EISDIR)
         core::throw_file_error(core::messages::kFileOpen, core::file_url(name_), errno);
 }
 
+/// What the stream has at hand, else what the system brings: only that way does a signal end the wait.
+std::size_t ByteInput::readStandardInput(std::span<std::byte> bytes) {
+    const std::streamsize ready = std::min(in_.rdbuf()->in_avail(), std::ssize(bytes));
+    if (ready > 0)
+        return static_cast<std::size_t>(in_.rdbuf()->sgetn(reinterpret_cast<char*>(bytes.data()), ready));
+    for (;;) {
+        const ::ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
+        if (count >= 0)
+            return static_cast<std::size_t>(count);
+        if (errno != EINTR)
+            core::throw_file_error(core::messages::kFileRead, core::from_utf8(name_), errno);
+        core::Thread::check();
+    }
+}
+
 std::size_t ByteInput::read(std::span<std::byte> bytes) {
+    if (in_.rdbuf() == std::cin.rdbuf()) {
+        const std::size_t count = readStandardInput(bytes);
+        progress_.add(count);
+        return count;
+    }
     errno = 0;
     in_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (in_.bad())

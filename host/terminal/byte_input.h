@@ -29,6 +29,8 @@ class ByteInput {
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
 
   private:
+    std::size_t readStandardInput(std::span<std::byte> bytes);
+
     std::string name_;
     std::ifstream file_;
     std::istream& in_;

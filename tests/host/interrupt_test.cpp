@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Signals to corehost as the system sends them: long calls end soon, the code is 130, a second signal ends
 // what does not listen, and nothing temporary stays, whatever the signal.
+#include "host/terminal/interrupts.h"
 #include "tests/support/folder_test.h"
 
 #include <fcntl.h>
@@ -123,14 +124,35 @@ TEST_F(InterruptTest, LongCallsEndSoon) {
     }
 }
 
-TEST_F(InterruptTest, ASecondSignalEndsWhatDoesNotListen) {
+TEST_F(InterruptTest, TheWaitForInputEnds) {
     Running program(file("s", "SaveText(\"ready\", \"\"); T = LoadCsv(\"-\")"), folder()); // nothing comes
     ASSERT_TRUE(program.isReady());
     std::this_thread::sleep_for(50ms);
     program.send(SIGINT);
-    std::this_thread::sleep_for(50ms);
-    program.send(SIGINT);
     EXPECT_TRUE(is_interrupted(program.ended(5s)));
+}
+
+TEST(InterruptsTest, ASecondSignalEndsWhatDoesNotListen) {
+    const auto code_after = [](int signals) {
+        const ::pid_t child = ::fork();
+        if (child == 0) {
+            const Interrupts interrupts;
+            for (int i = 0; i < signals; ++i)
+                ::raise(SIGTERM);
+            try {
+                interrupts.check();
+            } catch (const Interrupted&) {
+                ::_exit(1);
+            }
+            ::_exit(0);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    };
+    EXPECT_EQ(code_after(0), 0);
+    EXPECT_EQ(code_after(1), 1);
+    EXPECT_EQ(code_after(2), 130);
 }
 
 TEST_F(InterruptTest, NothingTemporaryStaysWhateverTheSignal) {
