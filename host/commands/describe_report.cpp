@@ -4,14 +4,19 @@
 #include "host/commands/describe_sample.h"
 
 #include <core/context/event_source.h>
+#include <core/context/summary.h>
 #include <core/objects/enumeration.h>
 #include <core/runtime/process.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <core/script/console.h>
+#include <core/strings/compare.h>
 #include <core/strings/term.h>
 #include <core/values/type_service.h>
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace host::describe {
 
@@ -23,10 +28,6 @@ std::string text_of(const wchar* name) {
     return name != nullptr ? to_utf8(name) : std::string();
 }
 
-Names names_of(const IType& type) {
-    return {text_of(type.name(kEnglish)), text_of(type.name(kRussian))};
-}
-
 Kinds kinds_of(const ContextValueInfo& info) {
     Kinds kinds;
     auto& service = require_service<ITypeValueService>();
@@ -35,6 +36,37 @@ Kinds kinds_of(const ContextValueInfo& info) {
             kinds.push_back(names_of(*type));
     }
     return kinds;
+}
+
+/// Texts come in the language of the thread.
+class ThreadSpeaks {
+  public:
+    explicit ThreadSpeaks(const Locale& locale) { Thread::setResourceLocale(locale); }
+    ThreadSpeaks(const ThreadSpeaks&) = delete;
+    ThreadSpeaks& operator=(const ThreadSpeaks&) = delete;
+    ~ThreadSpeaks() { Thread::setResourceLocale(before_); }
+
+  private:
+    Locale before_ = Thread::getResourceLocale();
+};
+
+/// A text in both languages: `text` is given a locale and the alias of its names.
+template <class Text>
+Names in_both(Text text) {
+    const auto spoken = [&text](const char* language, int alias) {
+        const Locale locale(language);
+        const ThreadSpeaks speaks(locale);
+        return to_utf8(text(locale, alias));
+    };
+    return {spoken("en", kEnglish), spoken("ru", kRussian)};
+}
+
+/// The sentence of a member; without a type, that of a function.
+Names summary_of(const IType* type, const std::string& member) {
+    return in_both([&](const Locale& locale, int) {
+        const wstring name = from_utf8(member);
+        return type != nullptr ? member_summary(*type, name, locale) : function_summary(name, locale);
+    });
 }
 
 /// The enumeration whose values have this type, or null.
@@ -51,12 +83,17 @@ InterfacePtr<IContext_> enumeration_of(const IType& type) {
 }
 
 Method method_of(IContextDef& definition, const IContextDefExt* ext, int method, int alias) {
-    Method result{{text_of(definition.getMethodName(method, kEnglish)),
-                   text_of(definition.getMethodName(method, kRussian))},
-                  {},
-                  to_utf8(script::display_parameters(definition, method, alias)),
-                  definition.hasRetVal(method),
-                  {}};
+    Method result{
+        .names = {text_of(definition.getMethodName(method, kEnglish)),
+                  text_of(definition.getMethodName(method, kRussian))},
+        .parameters = {},
+        .parametersText = in_both([&](const Locale&, int language) {
+            return script::display_parameters(definition, method, language);
+        }),
+        .isFunction = definition.hasRetVal(method),
+        .kinds = {},
+        .summary = {},
+    };
     const InterfacePtr<IContextDefParams> named(&definition);
     for (int param = 0; param < definition.getNParams(method); ++param) {
         Parameter parameter{
@@ -78,7 +115,9 @@ Method method_of(IContextDef& definition, const IContextDefExt* ext, int method,
 
 Event event_of(const IEventSource& source, int number) {
     Event event{
-        {text_of(source.getEventName(number, kEnglish)), text_of(source.getEventName(number, kRussian))}, {}};
+        {text_of(source.getEventName(number, kEnglish)), text_of(source.getEventName(number, kRussian))},
+        {},
+        {}};
     for (int param = 0; param < source.getNEventParams(number); ++param) {
         event.arguments.push_back({{text_of(source.getEventParamName(number, param, kEnglish)),
                                     text_of(source.getEventParamName(number, param, kRussian))},
@@ -90,9 +129,8 @@ Event event_of(const IEventSource& source, int number) {
     return event;
 }
 
-} // namespace
-
-Members members_of(IContextDef& definition, int alias) {
+/// The members of the objects of a type; without a type, those that need no object.
+Members members_of(IContextDef& definition, const IType* type, int alias) {
     Members members;
     members.known = true;
     const InterfacePtr<IContextDefExt> ext(&definition);
@@ -105,6 +143,7 @@ Members members_of(IContextDef& definition, int alias) {
                                        text_of(definition.getPropName(prop, kRussian))},
                                       definition.isPropReadable(prop),
                                       definition.isPropWritable(prop),
+                                      {},
                                       {}});
         if (ext && ext->getPropInfo(prop, info))
             members.properties.back().kinds = kinds_of(info);
@@ -114,7 +153,53 @@ Members members_of(IContextDef& definition, int alias) {
     const InterfacePtr<IEventSource> source(&definition);
     for (int event = 0; source && event < source->getNEvents(); ++event)
         members.events.push_back(event_of(*source, event));
+    const auto summarize = [type](auto& all) {
+        for (auto& member : all)
+            member.summary = summary_of(type, member.names.english);
+    };
+    summarize(members.properties);
+    summarize(members.methods);
+    summarize(members.events);
     return members;
+}
+
+/// The values of an enumeration say themselves what they are.
+void present_values(IContext_& enumeration, std::vector<Property>& values) {
+    GenericValue value;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        enumeration.getPropVal(static_cast<int>(i), value);
+        values[i].summary = in_both([&value](const Locale&, int) { return value.presentation(); });
+    }
+}
+
+} // namespace
+
+Names names_of(const IType& type) {
+    return {text_of(type.name(kEnglish)), text_of(type.name(kRussian))};
+}
+
+bool is_name(const Names& names, const std::string& text) {
+    const wstring wanted = from_utf8(text);
+    return compare_nocase(from_utf8(names.english), wanted) == 0 ||
+           compare_nocase(from_utf8(names.russian), wanted) == 0;
+}
+
+const std::string& in_language(const Names& names, Language language) {
+    return language == Language::russian ? names.russian : names.english;
+}
+
+std::optional<Member> find_member(const Members& members, const std::string& name) {
+    std::optional<Member> found;
+    const auto look = [&](const auto& all) {
+        const auto member =
+            std::ranges::find_if(all, [&name](const auto& one) { return is_name(one.names, name); });
+        if (!found && member != all.end())
+            found = &*member;
+    };
+    look(members.methods);
+    look(members.properties);
+    look(members.events);
+    return found;
 }
 
 std::vector<ModuleReport> module_reports() {
@@ -134,21 +219,43 @@ std::vector<ModuleReport> module_reports() {
 }
 
 TypeReport report_on(IType& type, int alias) {
-    TypeReport report{names_of(type),
-                      to_utf8(type.presentation()),
-                      to_utf8(to_string(type.id())),
-                      type.arguments(),
-                      false,
-                      {}};
-    InterfacePtr<IContextDef> definition = enumeration_of(type);
-    report.isEnumeration = static_cast<bool>(definition);
-    if (!definition && !(type.valueClass() == kNullGuid))
+    TypeReport report{
+        .names = names_of(type),
+        .presentation = to_utf8(type.presentation()),
+        .id = to_utf8(to_string(type.id())),
+        .arguments = type.arguments(),
+        .summary = in_both([&type](const Locale& locale, int) { return type_summary(type, locale); }),
+        .constructorSummary = summary_of(&type, "New"),
+        .members = {},
+    };
+    if (const InterfacePtr<IContext_> enumeration = enumeration_of(type)) {
+        report.isEnumeration = true;
+        report.members = members_of(*enumeration, &type, alias);
+        present_values(*enumeration, report.members.properties);
+        return report;
+    }
+    InterfacePtr<IContextDef> definition;
+    if (!(type.valueClass() == kNullGuid))
         definition = create_object<IContextDef>(type.valueClass());
     if (!definition && type.code() == Type::object)
         definition = sample_of(type);
     if (definition)
-        report.members = members_of(*definition, alias);
+        report.members = members_of(*definition, &type, alias);
     return report;
+}
+
+Members global_members(int alias) {
+    Members all;
+    const script::Engine engine;
+    const auto contexts = script::globals(engine);
+    for (auto context = contexts.rbegin(); context != contexts.rend(); ++context) {
+        if (InterfacePtr<IEnumerations>(context->get()))
+            continue;
+        Members members = members_of(**context, nullptr, alias);
+        std::ranges::move(members.properties, std::back_inserter(all.properties));
+        std::ranges::move(members.methods, std::back_inserter(all.methods));
+    }
+    return all;
 }
 
 } // namespace host::describe

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/describe_text.h"
 
+#include "host/commands/describe_json.h"
 #include "host/terminal/text_columns.h"
 
 #include <core/runtime/utf8.h>
@@ -8,7 +9,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <ostream>
 
 namespace host::describe {
@@ -18,12 +18,6 @@ using namespace core;
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// as text
-
-const std::string& in_language(const Names& names, Language language) {
-    return language == Language::russian ? names.russian : names.english;
-}
 
 /// The types by name; what is not known may be anything.
 std::string any_or(const Kinds& kinds, Language language) {
@@ -35,6 +29,10 @@ std::string any_or(const Kinds& kinds, Language language) {
     return text;
 }
 
+std::string in_parentheses(const std::string& text) {
+    return '(' + text + ')';
+}
+
 std::string result_text(const Method& method, Language language) {
     if (!method.isFunction)
         return {};
@@ -42,41 +40,49 @@ std::string result_text(const Method& method, Language language) {
 }
 
 void write_properties(Console& console, const TypeReport& report) {
-    if (report.members.properties.empty())
-        return;
-    console.out << '\n' << message(report.isEnumeration ? "IDS_HOST_VALUES" : "IDS_HOST_PROPERTIES") << '\n';
     Columns columns;
     for (const Property& property : report.members.properties) {
         std::vector<std::string> row{property.names.english, property.names.russian};
-        if (!report.isEnumeration) {
-            row.push_back(any_or(property.kinds, console.language));
-            row.push_back(property.writable ? "" : message("IDS_HOST_READ_ONLY"));
+        if (report.isEnumeration) {
+            row.push_back(in_language(property.summary, console.language));
+            columns.add(std::move(row));
+            continue;
         }
-        columns.add(std::move(row));
+        row.push_back(any_or(property.kinds, console.language));
+        row.push_back(property.writable ? "" : message("IDS_HOST_READ_ONLY"));
+        columns.add(std::move(row), in_language(property.summary, console.language));
     }
     columns.write(console.out, "  ");
 }
 
-void write_table(Console& console, const std::vector<Method>& methods, std::string_view indent) {
+void write_methods(Console& console, const std::vector<Method>& methods, std::string_view indent) {
     Columns columns;
     for (const Method& method : methods) {
-        columns.add({method.names.english, method.names.russian, '(' + method.parametersText + ')',
-                     result_text(method, console.language)});
+        columns.add({method.names.english, method.names.russian,
+                     in_parentheses(in_language(method.parametersText, console.language)),
+                     result_text(method, console.language)},
+                    in_language(method.summary, console.language));
     }
     columns.write(console.out, indent);
+}
+
+/// As in "Index, Column".
+std::string arguments_text(const Event& event, Language language) {
+    std::string text;
+    for (const Event::Argument& argument : event.arguments) {
+        const std::string& name = in_language(argument.names, language);
+        text.append(text.empty() ? "" : ", ").append(name.empty() ? any_or(argument.kinds, language) : name);
+    }
+    return text;
 }
 
 /// The events, as in "RowChanged  ПриИзмененииСтроки  (Index, Column)".
 void write_events(Console& console, const std::vector<Event>& events) {
     Columns columns;
     for (const Event& event : events) {
-        std::string arguments;
-        for (const Event::Argument& argument : event.arguments) {
-            const std::string& name = in_language(argument.names, console.language);
-            arguments += arguments.empty() ? "" : ", ";
-            arguments += name.empty() ? any_or(argument.kinds, console.language) : name;
-        }
-        columns.add({event.names.english, event.names.russian, '(' + arguments + ')'});
+        columns.add({event.names.english, event.names.russian,
+                     in_parentheses(arguments_text(event, console.language))},
+                    in_language(event.summary, console.language));
     }
     columns.write(console.out, "  ");
 }
@@ -92,61 +98,41 @@ std::string constructor_text(const TypeReport& report) {
     return message("IDS_HOST_ARGUMENTS", {from_utf8(count)});
 }
 
-// as JSON
-
-Json to_json(const Names& names) {
-    return {{"en", names.english}, {"ru", names.russian}};
+void write_sentence(Console& console, const Names& summary) {
+    if (const std::string& text = in_language(summary, console.language); !text.empty())
+        console.out << text << '\n';
 }
 
-Json to_json(const Kinds& kinds) {
-    Json all = Json::array();
-    for (const Names& names : kinds)
-        all.push_back(names.english);
-    return all;
+// One thing alone: how it is written in either language, and what it is.
+
+void write_alone(Console& console, const Names& owner, const Property& property) {
+    const auto name = [](const std::string& of, const std::string& what) {
+        return of.empty() ? what : of + '.' + what;
+    };
+    console.out << name(owner.english, property.names.english) << '\n'
+                << name(owner.russian, property.names.russian) << '\n'
+                << any_or(property.kinds, console.language);
+    if (!property.writable)
+        console.out << ", " << message("IDS_HOST_READ_ONLY");
+    console.out << '\n';
+    write_sentence(console, property.summary);
 }
 
-Json to_json(const std::vector<Property>& properties) {
-    Json all = Json::array();
-    for (const Property& property : properties) {
-        all.push_back({{"name", to_json(property.names)},
-                       {"readable", property.readable},
-                       {"writable", property.writable},
-                       {"types", to_json(property.kinds)}});
+void write_alone(Console& console, const Names& owner, const Method& method) {
+    for (const Language language : {Language::english, Language::russian}) {
+        const std::string& of = in_language(owner, language);
+        console.out << (of.empty() ? of : of + '.') << in_language(method.names, language)
+                    << in_parentheses(in_language(method.parametersText, language))
+                    << (method.isFunction ? ' ' + result_text(method, language) : "") << '\n';
     }
-    return all;
+    write_sentence(console, method.summary);
 }
 
-Json to_json(const std::vector<Event>& events) {
-    Json all = Json::array();
-    for (const Event& event : events) {
-        Json parameters = Json::array();
-        for (const Event::Argument& argument : event.arguments) {
-            parameters.push_back({{"types", to_json(argument.kinds)}});
-            if (!argument.names.english.empty())
-                parameters.back()["name"] = to_json(argument.names);
-        }
-        all.push_back({{"name", to_json(event.names)}, {"parameters", std::move(parameters)}});
-    }
-    return all;
-}
-
-Json to_json(const std::vector<Method>& methods) {
-    Json all = Json::array();
-    for (const Method& method : methods) {
-        Json parameters = Json::array();
-        for (const Parameter& parameter : method.parameters) {
-            parameters.push_back({{"in", parameter.in}, {"out", parameter.out}});
-            if (!parameter.names.english.empty())
-                parameters.back()["name"] = to_json(parameter.names);
-            if (parameter.byDefault)
-                parameters.back()["default"] = *parameter.byDefault;
-        }
-        all.push_back({{"name", to_json(method.names)},
-                       {"parameters", std::move(parameters)},
-                       {"function", method.isFunction},
-                       {"types", to_json(method.kinds)}});
-    }
-    return all;
+void write_alone(Console& console, const Names& owner, const Event& event) {
+    for (const Language language : {Language::english, Language::russian})
+        console.out << in_language(owner, language) << '.' << in_language(event.names, language)
+                    << in_parentheses(arguments_text(event, language)) << '\n';
+    write_sentence(console, event.summary);
 }
 
 } // namespace
@@ -200,38 +186,33 @@ void write_modules(Console& console, const std::vector<ModuleReport>& modules) {
     }
 }
 
-void write_type(Console& console, const TypeReport& report) {
+void write_type(Console& console, const TypeReport& report, const Method* function) {
     const bool isMade = report.arguments.least >= 0;
     if (console.json) {
-        Json all = {
-            {"name", to_json(report.names)}, {"id", report.id}, {"presentation", report.presentation}};
-        if (isMade) {
-            all["constructor"] = {{"least", report.arguments.least}};
-            if (report.arguments.most >= 0)
-                all["constructor"]["most"] = report.arguments.most;
-        }
-        all["enumeration"] = report.isEnumeration;
-        if (report.members.isCollection)
-            all["elements"] = to_json(report.members.elements);
-        all["known"] = report.members.known;
-        all["properties"] = to_json(report.members.properties);
-        all["methods"] = to_json(report.members.methods);
-        all["events"] = to_json(report.members.events);
+        Json all = to_json(report);
+        if (function != nullptr)
+            all["function"] = to_json(*function);
         console.out << all.dump(2) << '\n';
         return;
     }
+    write_sentence(console, report.summary);
     Columns columns;
     columns.add({message("IDS_HOST_TYPE"), report.names.english + " / " + report.names.russian});
     columns.add({message("IDS_HOST_TYPE_ID"), report.id});
     if (isMade)
-        columns.add({"New / Новый", constructor_text(report)});
+        columns.add({"New / Новый", constructor_text(report)},
+                    in_language(report.constructorSummary, console.language));
     if (report.members.isCollection)
         columns.add({message("IDS_HOST_ELEMENTS"), any_or(report.members.elements, console.language)});
     columns.write(console.out, "");
-    write_properties(console, report);
+    if (!report.members.properties.empty()) {
+        console.out << '\n'
+                    << message(report.isEnumeration ? "IDS_HOST_VALUES" : "IDS_HOST_PROPERTIES") << '\n';
+        write_properties(console, report);
+    }
     if (!report.members.methods.empty()) {
         console.out << '\n' << message("IDS_HOST_METHODS") << '\n';
-        write_table(console, report.members.methods, "  ");
+        write_methods(console, report.members.methods, "  ");
     }
     if (!report.members.events.empty()) {
         console.out << '\n' << message("IDS_HOST_EVENTS") << '\n';
@@ -239,13 +220,24 @@ void write_type(Console& console, const TypeReport& report) {
     }
     if (!report.members.known)
         console.out << '\n' << message("IDS_HOST_NO_DEFINITION") << '\n';
+    if (function != nullptr) {
+        console.out << '\n' << message("IDS_HOST_FUNCTION") << '\n';
+        write_methods(console, {*function}, "  ");
+    }
+}
+
+void write_member(Console& console, const Names& owner, const Member& member) {
+    if (console.json)
+        console.out << to_json(owner, member).dump(2) << '\n';
+    else
+        std::visit([&](const auto* found) { write_alone(console, owner, *found); }, member);
 }
 
 void write_functions(Console& console, const std::vector<Method>& functions) {
     if (console.json)
         console.out << to_json(functions).dump(2) << '\n';
     else
-        write_table(console, functions, "");
+        write_methods(console, functions, "");
 }
 
 } // namespace host::describe

@@ -4,12 +4,14 @@
 #include "host/language/lexer.h"
 
 #include <core/context/event_source.h>
+#include <core/context/summary.h>
 #include <core/runtime/process.h>
 #include <core/strings/compare.h>
 #include <core/strings/term.h>
 #include <core/values/type_service.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace core::script {
 
@@ -109,21 +111,42 @@ GenericValue value_of(wstring_view name, const Interpreter& interpreter) {
     return value;
 }
 
-/// Behind "name(" or "variable.name(" the parameters of what is called there.
-wstring parameters_behind(const Tail& tail, const Interpreter& interpreter, int alias) {
+/// What is known of a call: its parameters and what it does.
+struct Call {
+    wstring parameters;
+    wstring summary;
+};
+
+Call call_of_function(const Globals::Place& place, int alias, const Locale& locale) {
+    if (place.context == nullptr)
+        return {};
+    return {display_parameters(*place.context, place.number, alias),
+            function_summary(place.context->getMethodName(place.number, kEnglish), locale)};
+}
+
+Call call_of_method(const GenericValue& object, const wstring& name, int alias, const Locale& locale) {
+    const auto context = object.query<IContext_>();
+    const int method = context ? context->findMethod(name.c_str()) : -1;
+    if (method < 0)
+        return {};
+    return {display_parameters(*context, method, alias),
+            member_summary(*object.object()->getType(), context->getMethodName(method, kEnglish), locale)};
+}
+
+/// What is called where the text ends behind "name(" or "variable.name(".
+Call call_behind(const Tail& tail, const Interpreter& interpreter, int alias) {
     if (tail.kind(0) != TokenKind::open || !tail.isWord(1) || tail.kind(2) == TokenKind::keyNew)
         return {};
+    const Locale locale(alias == kRussian ? "ru" : "en");
     const wstring name(tail.text(1));
     if (tail.kind(2) != TokenKind::dot) {
         if (const ProcedureRef* const procedure = interpreter.procedures().find(name))
-            return display_parameters(*procedure->procedure, alias);
-        const Globals::Place place = interpreter.globals().findMethod(name);
-        return place.context != nullptr ? display_parameters(*place.context, place.number, alias) : wstring();
+            return {display_parameters(*procedure->procedure, alias), {}};
+        return call_of_function(interpreter.globals().findMethod(name), alias, locale);
     }
     if (!tail.isWord(3) || tail.kind(4) == TokenKind::dot)
         return {};
-    const auto context = value_of(tail.text(3), interpreter).query<IContext_>();
-    return context ? display_parameters(*context, context->findMethod(name.c_str()), alias) : wstring();
+    return call_of_method(value_of(tail.text(3), interpreter), name, alias, locale);
 }
 
 /// Whether the word is AddHandler or RemoveHandler, behind which an object's events stand.
@@ -151,7 +174,7 @@ Completion complete_event(const Interpreter& interpreter, wstring_view before, i
         const wstring_view word = before.substr(quote + 1);
         Names names(word, alias);
         names.addEvents(*source, u"\"");
-        return {word.size(), names.take(), {}};
+        return {word.size(), names.take(), {}, {}};
     } catch (const ScriptError&) {
         return {};
     }
@@ -210,7 +233,8 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
             for (const auto& context : interpreter.globals().contexts())
                 names.addMembers(*context);
         }
-        return {word.size(), names.take(), parameters_behind(tail, interpreter, alias)};
+        Call call = call_behind(tail, interpreter, alias);
+        return {word.size(), names.take(), std::move(call.parameters), std::move(call.summary)};
     } catch (const ScriptError&) {
         return complete_event(interpreter, before, alias); // or behind text that is not a script
     }

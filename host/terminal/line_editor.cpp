@@ -204,6 +204,8 @@ class LineEditor::Terminal {
             std::string text = "\n" + in_columns(found.names, line_width(of(editor).console_));
             if (!found.parameters.empty())
                 text.append("(").append(terminal_text(found.parameters)).append(")\n");
+            if (!found.summary.empty())
+                text.append(terminal_text(found.summary)).append("\n");
             std::fputs(text.c_str(), stdout);
             std::fflush(stdout);
             return CC_REDISPLAY;

@@ -17,12 +17,12 @@ std::string message(const char* id, std::initializer_list<core::wstring> params)
 
 void Columns::write(std::ostream& out, std::string_view indent) const {
     std::vector<std::size_t> widths;
-    for (const auto& row : rows_) {
+    for (const auto& [row, sentence] : rows_) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i)
             widths[i] = std::max(widths[i], core::column_count(row[i]));
     }
-    for (const auto& row : rows_) {
+    for (const auto& [row, sentence] : rows_) {
         std::string line(indent);
         std::size_t gap = 0;
         for (std::size_t i = 0; i < row.size(); ++i) {
@@ -31,6 +31,8 @@ void Columns::write(std::ostream& out, std::string_view indent) const {
             gap += widths[i] - core::column_count(row[i]) + 2;
         }
         out << line << '\n';
+        if (!sentence.empty())
+            out << indent << "    " << sentence << '\n';
     }
 }
 

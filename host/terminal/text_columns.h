@@ -18,11 +18,19 @@ namespace host {
 /// Rows of cells, written with the cells of a column below each other.
 class Columns {
   public:
-    void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+    /// A sentence stands in a line of its own below the row, further in.
+    void add(std::vector<std::string> cells, std::string sentence = {}) {
+        rows_.push_back({std::move(cells), std::move(sentence)});
+    }
     void write(std::ostream& out, std::string_view indent = {}) const;
 
   private:
-    std::vector<std::vector<std::string>> rows_;
+    struct Row {
+        std::vector<std::string> cells;
+        std::string sentence; // empty for none
+    };
+
+    std::vector<Row> rows_;
 };
 
 } // namespace host

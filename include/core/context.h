@@ -26,3 +26,4 @@
 #include <core/context/native_object.h>
 #include <core/context/native_value.h>
 #include <core/context/script_object.h>
+#include <core/context/summary.h>

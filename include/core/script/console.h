@@ -42,6 +42,7 @@ struct Completion {
     std::size_t typed = 0;      ///< how many units of the word are there
     std::vector<wstring> names; ///< in order; methods with their opening parenthesis
     wstring parameters;         ///< behind the parenthesis of a call, those of what is called
+    wstring summary;            ///< there, too: what is called, in a sentence; empty where nothing is said
 
     /// Returns what all the names begin with, in the spelling of the first.
     [[nodiscard]] CORE_SCRIPT_API wstring common() const;
@@ -51,7 +52,7 @@ struct Completion {
 /// a dot the object's members, elsewhere variables, keywords, functions and global properties. Names are
 /// found by the beginning of either of their names, whatever the case; without a beginning there are those in
 /// the language of `alias`. Nothing in a string, a comment or a number. Where the text ends with "(" behind a
-/// function, or a method of a variable, its parameters are there, too.
+/// function, or a method of a variable, its parameters are there, too, and what it does.
 [[nodiscard]] CORE_SCRIPT_API Completion complete(const Engine& engine, wstring_view before, int alias);
 
 /// Returns what scripts find without an object in front: the contexts whose methods are functions and whose
