@@ -32,29 +32,31 @@ void add_names(NearestName& near, const describe::Names& names) {
     near.add(from_utf8(names.russian));
 }
 
+ExitCode refuse_name(Console& console, const std::string& name, const describe::Members& globals) {
+    const wstring text = from_utf8(name);
+    NearestName near(text);
+    for (const IType* const type : require_service<ITypeValueService>().types())
+        add_names(near, describe::names_of(*type));
+    for (const describe::Method& function : globals.methods)
+        add_names(near, function.names);
+    return refuse(console, message_text("IDS_HOST_UNKNOWN_TYPE", {text}), near);
+}
+
 /// The name of a type, or of what stands without an object.
 ExitCode describe_name(const std::string& name, Console& console) {
     const int alias = alias_of(console.language);
-    auto& service = require_service<ITypeValueService>();
     const describe::Members globals = describe::global_members(alias);
     const auto global = describe::find_member(globals, name);
-    if (IType* const type = service.findType(from_utf8(name))) {
+    if (IType* const type = require_service<ITypeValueService>().findType(from_utf8(name))) {
         const auto* const function = global ? std::get_if<const describe::Method*>(&*global) : nullptr;
         describe::write_type(console, describe::report_on(*type, alias),
                              function != nullptr ? *function : nullptr);
         return ExitCode::done;
     }
-    if (global) {
-        describe::write_member(console, {}, *global);
-        return ExitCode::done;
-    }
-    const wstring text = from_utf8(name);
-    NearestName near(text);
-    for (const IType* const type : service.types())
-        add_names(near, describe::names_of(*type));
-    for (const describe::Method& function : globals.methods)
-        add_names(near, function.names);
-    return refuse(console, message_text("IDS_HOST_UNKNOWN_TYPE", {text}), near);
+    if (!global)
+        return refuse_name(console, name, globals);
+    describe::write_member(console, {}, *global);
+    return ExitCode::done;
 }
 
 ExitCode describe_member(IType& type, const std::string& name, Console& console) {
@@ -85,7 +87,7 @@ ExitCode describe_any(const std::string& text, Console& console) {
     const std::string owner = text.substr(0, dot);
     if (IType* const type = require_service<ITypeValueService>().findType(from_utf8(owner)))
         return describe_member(*type, text.substr(dot + 1), console);
-    return describe_name(owner, console);
+    return refuse_name(console, owner, {});
 }
 
 } // namespace

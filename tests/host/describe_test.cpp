@@ -120,8 +120,62 @@ TEST(DescribeTest, WhatAPersonReads) {
     EXPECT_EQ(array.out.find("No properties"), std::string::npos) << array.out;
 }
 
+TEST(DescribeTest, OneThingAloneWithItsSentence) {
+    EXPECT_EQ(
+        corehost({"describe", "таблицазначений.groupby"}).out,
+        "ValueTable.GroupBy(GroupColumns, TotalColumns = Undefined)\n"
+        "ТаблицаЗначений.Свернуть(КолонкиГруппировки, КолонкиИтогов = Неопределено)\n"
+        "Replaces the rows that are equal in the group columns by one, with sums in the total columns; the "
+        "other columns go.\n");
+    EXPECT_EQ(corehost({"describe", "ROUND", "--lang", "ru"}).out,
+              "Round(Number, Digits = Undefined) -> Number\n"
+              "Окр(Число, Знаки = Неопределено) -> Число\n"
+              "Возвращает число, округлённое до стольких знаков после точки; при отрицательном количестве "
+              "округляет "
+              "до десятков, сотен и так далее.\n");
+    EXPECT_EQ(corehost({"describe", "ValueTreeRow.Parent"}).out,
+              "ValueTreeRow.Parent\nСтрокаДереваЗначений.Родитель\nany value, read only\n"
+              "The row above, Undefined for a topmost row.\n");
+    EXPECT_EQ(corehost({"describe", "ValueTable.ПриИзмененииСтроки"})
+                  .out.find("ValueTable.RowChanged(Index, "
+                            "Column)\nТаблицаЗначений.ПриИзмененииСтроки(Индекс, Колонка)\n"),
+              0U);
+
+    // a name of a type and of a function
+    const std::string date = corehost({"describe", "Date"}).out;
+    EXPECT_EQ(date.find("A day and a time of day, "), 0U) << date;
+    EXPECT_NE(date.find("\nFunction\n  Date  Дата  (Value)  -> Date\n      Returns a value read as a date;"),
+              std::string::npos)
+        << date;
+    EXPECT_EQ(described({"Date"})["function"]["description"]["ru"].get<std::string>().find("Возвращает"), 0U);
+
+    const json get = described({"Массив.Получить"});
+    EXPECT_EQ(get["type"]["en"], "Array");
+    EXPECT_EQ(get["kind"], "method");
+    EXPECT_EQ(get["name"]["ru"], "Получить");
+    EXPECT_EQ(get["description"]["ru"],
+              "Возвращает значение по индексу; индекс, по которому ничего нет, вызывает ошибку.");
+    EXPECT_EQ(described({"File.Size"})["kind"], "property");
+    EXPECT_EQ(described({"ValueList.Sorted"})["kind"], "event");
+    const json floor = described({"Floor"});
+    EXPECT_EQ(floor["kind"], "function");
+    EXPECT_FALSE(floor.contains("type"));
+    EXPECT_EQ(described({"Array"})["constructor"]["description"]["en"].get<std::string>().find("Makes"), 0U);
+    EXPECT_EQ(described({"AllowedSign.Any"})["description"]["ru"], "Любой");
+
+    const Answer near = corehost({"describe", "Array.Instert"});
+    EXPECT_EQ(near.code, ExitCode::no);
+    EXPECT_EQ(near.err, "corehost: The type Array has no member Instert. Did you mean Insert?\n");
+    EXPECT_EQ(corehost({"describe", "Arrax.Insert"}).err,
+              "corehost: There is no type Arrax. Did you mean Array?\n");
+    EXPECT_EQ(corehost({"describe", "Flor"}).err, "corehost: There is no type Flor. Did you mean Floor?\n");
+}
+
 TEST(DescribeTest, WhatModulesBrought) {
     const std::string file = CORE_TEST_MODULES "/libcounter.so";
+    EXPECT_EQ(corehost({"--module", file, "describe", "Counter.Add"}).out,
+              "Counter.Add(Amount)\nСчетчик.Добавить(Сумма)\n"
+              "Adds an amount; a sum below 0 or above the limit is an error.\n");
     const json modules = json::parse(corehost({"--json", "--module", file, "describe", "--modules"}).out);
     const json& counter = modules.back();
     EXPECT_EQ(counter["name"], "counter");

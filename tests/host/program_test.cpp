@@ -265,14 +265,6 @@ TEST_F(ProgramTest, TheScriptsThatAreShownRun) {
         (prompt > 0 ? entered : shown) += line.substr(prompt) + '\n';
     }
     EXPECT_EQ(corehost({"repl"}, entered).out, shown);
-
-    const Answer tour = corehost({"run", (root / "examples/countries.script").string(), "--leaks"});
-    EXPECT_EQ(tour.code, ExitCode::done) << tour.err;
-    EXPECT_EQ(tour.err, "");
-    EXPECT_NE(tour.out.find("ByCode.NZ.name              New Zealand\n"), std::string::npos);
-    EXPECT_NE(tour.out.find(", equal: Yes\n"), std::string::npos);
-    ASSERT_TRUE(std::regex_search(tour.out, found, std::regex("Saved as a brace list in (.*)\n")));
-    fs::remove(found.str(1));
 }
 
 } // namespace

@@ -137,6 +137,10 @@ class CompletionTest : public core::script::ScriptTest {
         return text + "|" + std::to_string(found.typed);
     }
 
+    std::string summary(std::string_view before, int alias = core::kEnglish) {
+        return core::to_utf8(
+            core::script::complete(session_.engine(), core::from_utf8(before), alias).summary);
+    }
     std::string parameters(std::string_view before, int alias = core::kEnglish) {
         return core::to_utf8(
             core::script::complete(session_.engine(), core::from_utf8(before), alias).parameters);
@@ -148,6 +152,12 @@ class CompletionTest : public core::script::ScriptTest {
 TEST_F(CompletionTest, ParametersBehindTheParenthesis) {
     session_.run("S = New Structure; x = 5");
     EXPECT_EQ(parameters("S.Insert("), "Key, Value = Undefined");
+    EXPECT_EQ(summary("S.Insert("), "Gives a name a value; a text that cannot be a name is an error.");
+    EXPECT_EQ(summary("x = s.свойство( ", core::kRussian),
+              "Возвращает, есть ли такое имя, и передаёт обратно его значение.");
+    EXPECT_EQ(summary("Print(mid("),
+              "Returns the units of a text from a position on, counted from 1, all of them or so many.");
+    EXPECT_EQ(summary("S.Lost("), "");
     EXPECT_EQ(parameters("x = s.свойство( ", core::kRussian), "Ключ, out Значение = Неопределено");
     EXPECT_EQ(parameters("Print(mid("), "Text, From, Count = Undefined");
     EXPECT_EQ(parameters("Соединить(", core::kRussian), "Источник, Событие, Объект, Метод, Слабое = Ложь");
