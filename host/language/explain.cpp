@@ -48,6 +48,30 @@ wstring short_display(const Value& value) {
     return text;
 }
 
+/// Throws a failure about the value of an argument again, with that value; returns for every other failure.
+template <class ParameterName>
+void explain_value(const ContextException& failure, const wstring& name,
+                   std::span<const GenericValue> arguments, ParameterName parameterName) {
+    const std::string_view id = failure.messageId();
+    const auto* const known =
+        std::ranges::find_if(kExplained, [&](const Explained& one) { return id == one.id; });
+    if (known == std::end(kExplained) || failure.parameters().empty())
+        return;
+    const auto number = string_toint<int>(failure.parameters()[0]);
+    if (!number || *number < 1 || static_cast<std::size_t>(*number) > arguments.size())
+        return;
+    const Value& value = arguments[static_cast<std::size_t>(*number) - 1];
+    const wstring parameters[] = {name, parameterName(*number - 1), short_display(value),
+                                  value.type().presentation()};
+    std::vector<wstring> all(failure.parameters().begin(), failure.parameters().end());
+    all.insert(all.end(), std::begin(parameters), std::end(parameters));
+    ContextException explained(
+        message_text(known->text, {parameters[0], parameters[1], parameters[2], parameters[3]}),
+        wrap_exception(failure).get());
+    explained.setMessage(failure.messageId(), all);
+    throw explained;
+}
+
 } // namespace
 
 void missing_argument(IContextDef& definition, int method, const wstring& name, int param) {
@@ -76,23 +100,13 @@ void explain_argument(const ContextException& failure, IContextDef& definition, 
     }
     if (id == messages::kTooManyArguments && failure.parameters().size() > 1)
         throw_error<ContextException>(messages::kTooManyArguments, {name, failure.parameters()[1]});
-    const auto* const known =
-        std::ranges::find_if(kExplained, [&](const Explained& one) { return id == one.id; });
-    if (known == std::end(kExplained) || failure.parameters().empty())
-        return;
-    const auto number = string_toint<int>(failure.parameters()[0]);
-    if (!number || *number < 1 || static_cast<std::size_t>(*number) > arguments.size())
-        return;
-    const Value& value = arguments[static_cast<std::size_t>(*number) - 1];
-    const wstring parameters[] = {name, parameter_name(definition, method, *number - 1), short_display(value),
-                                  value.type().presentation()};
-    std::vector<wstring> all(failure.parameters().begin(), failure.parameters().end());
-    all.insert(all.end(), std::begin(parameters), std::end(parameters));
-    ContextException explained(
-        message_text(known->text, {parameters[0], parameters[1], parameters[2], parameters[3]}),
-        wrap_exception(failure).get());
-    explained.setMessage(failure.messageId(), all);
-    throw explained;
+    explain_value(failure, name, arguments,
+                  [&](int param) { return parameter_name(definition, method, param); });
+}
+
+void explain_construction(const ContextException& failure, const wstring& type,
+                          std::span<const GenericValue> arguments) {
+    explain_value(failure, type, arguments, [](int param) { return string_intto(param + 1); });
 }
 
 } // namespace core::script

@@ -14,6 +14,10 @@ namespace core::script {
 void explain_argument(const ContextException& failure, IContextDef& definition, int method,
                       const wstring& name, std::span<const GenericValue> arguments);
 
+/// The same for an argument of New; `type` is what the script calls the type, whose parameters have no names.
+void explain_construction(const ContextException& failure, const wstring& type,
+                          std::span<const GenericValue> arguments);
+
 /// Throws a failure about an index again with the index and the number of elements in its text. Returns for
 /// every other failure.
 void explain_index(const ContextException& failure);

@@ -101,6 +101,9 @@ GenericValue Run::evaluate(const Creation& node, Span span) {
                 throw;
             const wstring name = failure.parameters()[0];
             throw_unknown<TypeException>(messages::kTypeNotDefined, {name}, nearest_type(name));
+        } catch (const ContextException& failure) {
+            explain_construction(failure, node.type, arguments);
+            throw;
         }
     });
 }
