@@ -191,8 +191,10 @@ class Reference {
         Page page(language_);
         page.title(kGlobals, "functions.md", true);
         page.paragraph(kGlobalsSummary);
-        page.members({.properties = sorted(globals.properties, language_),
-                      .methods = sorted(globals.methods, language_)});
+        Members members;
+        members.properties = sorted(globals.properties, language_);
+        members.methods = sorted(globals.methods, language_);
+        page.members(members);
         save("functions.md", page);
     }
 
