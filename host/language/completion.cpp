@@ -112,19 +112,19 @@ GenericValue value_of(wstring_view name, const Interpreter& interpreter) {
 }
 
 /// What is known of a call: its parameters and what it does.
-struct Call {
+struct Called {
     wstring parameters;
     wstring summary;
 };
 
-Call call_of_function(const Globals::Place& place, int alias, const Locale& locale) {
+Called call_of_function(const Globals::Place& place, int alias, const Locale& locale) {
     if (place.context == nullptr)
         return {};
     return {display_parameters(*place.context, place.number, alias),
             function_summary(place.context->getMethodName(place.number, kEnglish), locale)};
 }
 
-Call call_of_method(const GenericValue& object, const wstring& name, int alias, const Locale& locale) {
+Called call_of_method(const GenericValue& object, const wstring& name, int alias, const Locale& locale) {
     const auto context = object.query<IContext_>();
     const int method = context ? context->findMethod(name.c_str()) : -1;
     if (method < 0)
@@ -134,7 +134,7 @@ Call call_of_method(const GenericValue& object, const wstring& name, int alias, 
 }
 
 /// What is called where the text ends behind "name(" or "variable.name(".
-Call call_behind(const Tail& tail, const Interpreter& interpreter, int alias) {
+Called call_behind(const Tail& tail, const Interpreter& interpreter, int alias) {
     if (tail.kind(0) != TokenKind::open || !tail.isWord(1) || tail.kind(2) == TokenKind::keyNew)
         return {};
     const Locale locale(alias == kRussian ? "ru" : "en");
@@ -233,7 +233,7 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
             for (const auto& context : interpreter.globals().contexts())
                 names.addMembers(*context);
         }
-        Call call = call_behind(tail, interpreter, alias);
+        Called call = call_behind(tail, interpreter, alias);
         return {word.size(), names.take(), std::move(call.parameters), std::move(call.summary)};
     } catch (const ScriptError&) {
         return complete_event(interpreter, before, alias); // or behind text that is not a script
