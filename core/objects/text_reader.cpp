@@ -2,6 +2,7 @@
 #include "core/objects/text_arguments.h"
 
 #include <core/context/script_object.h>
+#include <core/files/memory_file.h>
 #include <core/objects/native_enumeration.h>
 #include <core/objects/text_streams.h>
 
@@ -41,6 +42,7 @@ class TextReaderObject : public ScriptObject<TextReaderObject, IValueCollection>
         .elements = &kStringType,
     };
 
+    TextReaderObject() : TextReaderObject(open_memory_file(create_memory_data()), {}) {} // to be described
     TextReaderObject(InterfacePtr<IFile> file, const TextReaderOptions& options)
         : file_(std::move(file)), reader_(file_, options) {}
 

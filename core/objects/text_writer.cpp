@@ -2,6 +2,7 @@
 #include "core/objects/text_arguments.h"
 
 #include <core/context/script_object.h>
+#include <core/files/memory_file.h>
 #include <core/objects/text_streams.h>
 #include <core/runtime/uncaught.h>
 
@@ -21,6 +22,7 @@ class TextWriterObject : public ScriptObject<TextWriterObject> {
         .arguments = {1, 6},
     };
 
+    TextWriterObject() : TextWriterObject(open_memory_file(create_memory_data()), {}) {} // to be described
     TextWriterObject(InterfacePtr<IFile> file, const TextWriterOptions& options)
         : file_(std::move(file)), writer_(file_, options) {}
     /// A script that leaves without Close has its text written, too, unless a call has already failed.

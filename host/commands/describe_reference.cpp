@@ -35,7 +35,7 @@ const Names kGlobals{"Functions", "Функции"};
 const Names kGlobalsSummary{"What scripts use without an object in front.",
                             "Что скрипты используют без объекта впереди."};
 const Names kNew{"New", "Новый"};
-const Names kArguments{"arguments", "аргументов"};
+const Names kArguments{"arguments", "аргументы"};
 const Names kElements{"Elements", "Элементы"};
 const Names kValues{"Values", "Значения"};
 const Names kProperties{"Properties", "Свойства"};
@@ -91,13 +91,13 @@ class Page {
         else
             members(report.members);
     }
-    void members(const Members& members) {
+    void members(const Members& members, const Names& calls = kMethods) {
         each(kProperties, members.properties, [this](const Property& property) {
             text_ += call(property.names, "") + " · " + links(property.kinds);
             if (!property.writable)
                 text_ += ", " + in(kReadOnly);
         });
-        each(kMethods, members.methods, [this](const Method& method) {
+        each(calls, members.methods, [this](const Method& method) {
             text_ += call(method.names, '(' + in(method.parametersText) + ')');
             if (method.isFunction)
                 text_ += " → " + links(method.kinds);
@@ -127,12 +127,13 @@ class Page {
     }
     void constructor(const TypeReport& report) {
         const auto [least, most] = report.arguments;
-        text_ += "- **" + in(kNew) + ' ' + in(report.names) + "**, " + in(kArguments) + ' ' +
+        text_ += "- **" + in(kNew) + ' ' + in(report.names) + "** (" + in(kArguments) + ": " +
                  std::to_string(least);
         if (most < 0)
             text_ += "…";
         else if (most > least)
             text_ += "…" + std::to_string(most);
+        text_ += ')';
         if (!in(report.constructorSummary).empty())
             text_ += ": " + in(report.constructorSummary);
         text_ += '\n';
@@ -194,7 +195,7 @@ class Reference {
         Members members;
         members.properties = sorted(globals.properties, language_);
         members.methods = sorted(globals.methods, language_);
-        page.members(members);
+        page.members(members, kGlobals);
         save("functions.md", page);
     }
 

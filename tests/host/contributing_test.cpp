@@ -7,6 +7,7 @@
 
 #include <core/context/script_object.h>
 #include <core/runtime/module.h>
+#include <core/values/type_service.h>
 
 namespace host {
 namespace {
@@ -28,9 +29,9 @@ TEST(Contributing, TheClassFromNothingRunsItsScript) {
     EXPECT_EQ(session.run("C.Add(\"x\")").substr(0, 1), "!");
     EXPECT_EQ(session.run("C.Total = 1").substr(0, 1), "!");
 
-    const auto type = core::create_object<core::IContextDef>(core::script_class_id(u"Counter"));
-    ASSERT_TRUE(type);
-    const auto members = describe::members_of(*type, core::kEnglish);
+    core::IType* const type = core::get_service<core::ITypeValueService>()->findType(u"Counter");
+    ASSERT_NE(type, nullptr);
+    const describe::Members members = describe::report_on(*type, core::kEnglish).members;
     ASSERT_EQ(members.methods.size(), 1U);
     EXPECT_EQ(members.methods[0].parameters[0].names.english, "Amount");
     EXPECT_EQ(members.methods[0].parameters[0].names.russian, "Сумма");

@@ -212,7 +212,7 @@ TEST_F(CompletionTest, NothingWhereNoNameStands) {
 
 TEST_F(CompletionTest, TheCommonBeginning) {
     const auto common = [](std::vector<core::wstring> names) {
-        return core::to_utf8(core::script::Completion{0, std::move(names), {}}.common());
+        return core::to_utf8(core::script::Completion{0, std::move(names), {}, {}}.common());
     };
     EXPECT_EQ(common({}), "");
     EXPECT_EQ(common({u"Вставить("}), "Вставить(");
