@@ -105,8 +105,8 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
          "The option --indent does not take “x”.",
          "Параметр --indent не принимает значение «x»."},
         {{"describe", "Map", "--functions"},
-         "type and --functions cannot stand together.",
-         "type и --functions нельзя указать вместе."},
+         "name and --functions cannot stand together.",
+         "name и --functions нельзя указать вместе."},
     };
     for (const Case& c : cases) {
         for (const bool isRussian : {false, true}) {

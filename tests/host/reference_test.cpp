@@ -72,7 +72,8 @@ TEST(ReferenceTest, EverythingHasASentence) {
     for (const json& type : json::parse(output_of("--json")))
         sentences.askType(type["name"]["en"]);
     sentences.askMembers("DOC_Functions", json::parse(output_of("--json --functions")));
-    sentences.ask("DOC_Functions_Arguments", json::parse(output_of("--json Arguments")));
+    for (const std::string property : {"Arguments", "Containers"})
+        sentences.ask("DOC_Functions_" + property, json::parse(output_of("--json " + property)));
     ASSERT_GT(sentences.asked().size(), 300U);
     EXPECT_EQ(sentences.missing(), "") << "one sentence each, in core/resources/root.txt and ru.txt, says "
                                           "what these are; then scripts/reference writes "
