@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# headers_alone: each public header as the only thing a source includes, twice. Built by scripts/lint.
+# headers_alone: each public header as the only thing a source includes, twice. headers_together: all of them in one source,
+# for the compiler that is slower with many; each compiler has its own idea of what shadows. Built by scripts/lint.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/include/*.h)
 set(sources)
 foreach(header ${headers})
@@ -8,6 +9,12 @@ foreach(header ${headers})
   file(CONFIGURE OUTPUT ${source} CONTENT "#include <@header@>\n#include <@header@>\n" @ONLY)
   list(APPEND sources ${source})
 endforeach()
+list(TRANSFORM headers REPLACE "(.+)" "#include <\\1>\n" OUTPUT_VARIABLE all)
+list(JOIN all "" all)
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/headers_together.cpp CONTENT "${all}" @ONLY)
 add_library(headers_alone OBJECT EXCLUDE_FROM_ALL ${sources})
-target_include_directories(headers_alone PRIVATE ${PROJECT_SOURCE_DIR}/include)
-target_compile_options(headers_alone PRIVATE -Wshadow)
+add_library(headers_together OBJECT EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/headers_together.cpp)
+foreach(check headers_alone headers_together)
+  target_include_directories(${check} PRIVATE ${PROJECT_SOURCE_DIR}/include)
+  target_compile_options(${check} PRIVATE -Wshadow)
+endforeach()
