@@ -154,7 +154,7 @@ TEST_F(TableEvents, ACopyFollowsAList) {
     for (int step = 0; step < 2000; ++step) {
         const int items = static_cast<int>(index_of(call(list, u"Count")));
         const int item = items > 0 ? roll(items) : 0;
-        const int what = roll(20);
+        const int what = roll(21);
         if (what < 6 || items == 0) {
             call(list, u"Insert", {item, roll(10)});
         } else if (what < 10) {
@@ -175,6 +175,10 @@ TEST_F(TableEvents, ACopyFollowsAList) {
             call(list, u"LoadValues", {call(list, u"UnloadValues")});
         } else if (what == 18 && roll(10) == 0) {
             call(list, u"Clear");
+        } else if (what == 19) {
+            const auto context = list.query<IContext_>();
+            const auto type = make(u"TypeDescription", {roll(2) == 0 ? u"String" : u"Number"});
+            context->setPropVal(context->findProp(u"ValueType"), type);
         } else {
             list.query<IValueList>()->add({.value = Value(step), .presentation = {}, .picture = {}});
         }
