@@ -26,7 +26,7 @@ void require(bool holds) {
 constexpr const char16_t* kEncodings[] = {
     u"UTF-8",     u"UTF-16LE", u"UTF-16BE", u"UTF-32",      u"windows-1251", u"windows-1253", u"IBM866",
     u"Shift_JIS", u"EUC-JP",   u"GB18030",  u"Big5",        u"EUC-KR",       u"ISO-2022-JP",  u"HZ",
-    u"UTF-7",     u"SCSU",     u"IBM037",   u"ISO-2022-CN", u"UTF-16",       u"KOI8-R"};
+    u"UTF-7",     u"CESU-8",   u"IBM037",   u"ISO-2022-CN", u"UTF-16",       u"KOI8-R"};
 
 /// The text through a reader with small blocks; nothing when it does not fit.
 std::optional<wstring> by_lines(std::span<const std::byte> bytes, std::optional<Encoding> encoding,

@@ -47,7 +47,7 @@ std::uint64_t TextCells::hash(std::string_view text) noexcept {
         hash = table_hash_step(hash, word);
     }
     std::uint64_t word = 0;
-    std::memcpy(&word, at, left);
+    std::copy_n(at, left, reinterpret_cast<char*>(&word)); // an empty text may be without memory
     return table_hash_step(hash, word);
 }
 
