@@ -95,7 +95,7 @@ LibraryScope::LibraryScope() {
 LibraryScope::~LibraryScope() {
     const std::lock_guard guard(scope_lock());
     if (--scopes == 0)
-        library_main(&core_module(), LibraryEvent::processDetach);
+        detach();
 }
 
 } // namespace core

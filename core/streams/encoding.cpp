@@ -188,8 +188,10 @@ std::optional<Encoding> Encoding::find(wstring_view name) {
 }
 
 std::vector<wstring> Encoding::names() {
+    const std::int32_t count = ucnv_countAvailable();
     std::vector<wstring> names;
-    for (std::int32_t i = 0; i < ucnv_countAvailable(); ++i)
+    names.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i)
         names.push_back(from_utf8(detail::usual_name(ucnv_getAvailableName(i))));
     std::ranges::sort(names);
     names.erase(std::unique(names.begin(), names.end()), names.end());

@@ -46,7 +46,7 @@ class IcuDecoder final : public ByteDecoder {
         wchar* const begin = out;
         UErrorCode status = U_ZERO_ERROR;
         ucnv_toUnicode(converter_.get(), &out, outEnd, &from, reinterpret_cast<const char*>(end), nullptr,
-                       last, &status);
+                       static_cast<UBool>(last), &status);
         at = reinterpret_cast<const std::uint8_t*>(from);
         if (movesControls_)
             std::transform(begin, out, begin, control_of);
@@ -104,7 +104,7 @@ class IcuEncoder final : public UnitEncoder {
         auto* to = reinterpret_cast<char*>(out);
         UErrorCode status = U_ZERO_ERROR;
         ucnv_fromUnicode(converter_.get(), &to, reinterpret_cast<const char*>(outEnd), &at, end, nullptr,
-                         last, &status);
+                         static_cast<UBool>(last), &status);
         out = reinterpret_cast<std::uint8_t*>(to);
         if (status == U_BUFFER_OVERFLOW_ERROR || U_SUCCESS(status))
             return false;
