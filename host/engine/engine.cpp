@@ -213,11 +213,4 @@ void Engine::input(Opener open) {
     impl_->surroundings.open = std::move(open);
 }
 
-Text::Text(std::string_view text) : converted_(from_utf8(text)), view_(converted_) {
-    if (const std::string same = to_utf8(converted_); same != text) {
-        const auto fault = std::mismatch(text.begin(), text.end(), same.begin(), same.end()).first;
-        throw_error<ConverterException>(messages::kScriptNotUtf8, {string_intto(fault - text.begin())});
-    }
-}
-
 } // namespace core::script

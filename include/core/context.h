@@ -3,6 +3,7 @@
 
 /// Contexts: what scripts reach of an object, its properties and methods by number and by two names,
 /// walks over collections, and events.
+#include <core/context/any_value.h>
 #include <core/context/arguments.h>
 #include <core/context/callable.h>
 #include <core/context/connection.h>

@@ -6,3 +6,4 @@
 #include <core/dates/date.h>
 #include <core/dates/errors.h>
 #include <core/dates/settings.h>
+#include <core/dates/shown_date.h>

@@ -5,3 +5,4 @@
 #include <core/numbers/errors.h>
 #include <core/numbers/numeric.h>
 #include <core/numbers/settings.h>
+#include <core/numbers/shown_numeric.h>

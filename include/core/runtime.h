@@ -7,6 +7,7 @@
 #include <core/runtime/code_hold.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/exception_object.h>
+#include <core/runtime/index_iterator.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/loaded_module.h>
@@ -20,6 +21,7 @@
 #include <core/runtime/refcount.h>
 #include <core/runtime/resource_bundle.h>
 #include <core/runtime/settings.h>
+#include <core/runtime/shown.h>
 #include <core/runtime/threads/lock_cycles.h>
 #include <core/runtime/threads/mutex.h>
 #include <core/runtime/threads/named_lock.h>

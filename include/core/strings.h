@@ -14,4 +14,5 @@
 #include <core/strings/printf.h>
 #include <core/strings/split.h>
 #include <core/strings/term.h>
+#include <core/strings/text.h>
 #include <core/strings/trim.h>

@@ -11,7 +11,9 @@
 #include <core/values/create_value.h>
 #include <core/values/errors.h>
 #include <core/values/format_value.h>
+#include <core/values/formatter.h>
 #include <core/values/generic_value.h>
+#include <core/values/shown_value.h>
 #include <core/values/type.h>
 #include <core/values/type_object.h>
 #include <core/values/type_service.h>

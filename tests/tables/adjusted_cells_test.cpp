@@ -74,7 +74,7 @@ TEST_F(AdjustedCells, AreStoredCopiedSavedAndReadBackAsTheyAre) {
             EXPECT_EQ(copy.query<IValueTable>()->get(1, 0), expected);
         }
 
-        const GenericValue tree = create_value_tree();
+        const GenericValue tree(create_value_tree().query<IValue>());
         call(property(tree, u"Columns"), u"Add", {u"A", create_type_description(domain)});
         const GenericValue row = call(property(tree, u"Rows"), u"Add");
         call(call(property(row, u"Rows"), u"Add"), u"Set", {0, value});

@@ -190,6 +190,8 @@ TEST_F(TableMembers, LetTheHostChoose) {
     EXPECT_TRUE(call(table, u"ChooseRow").isUndefined());
     EXPECT_TRUE(call(list, u"ChooseItem").isUndefined());
     EXPECT_TRUE(call(list, u"CheckItems").isFalse());
+    EXPECT_FALSE(table.query<IValueTable>()->chooseRow());
+    EXPECT_FALSE(list.query<IValueList>()->choose(u""));
 
     static constexpr GUID kChooser = "b7432fec-851f-4b4e-8ec9-3ded5e42ed9f"_guid;
     const ClassRecord record = detail::class_record<SecondChooser>(kChooser, "SecondChooser", false, nullptr);
@@ -206,6 +208,11 @@ TEST_F(TableMembers, LetTheHostChoose) {
     EXPECT_TRUE(call(list, u"CheckItems").isTrue());
     EXPECT_EQ(SecondChooser::title, message_text("IDS_VLUI_FORM_TTL_CH"));
     EXPECT_TRUE(property(call(list, u"Get", {1}), u"Check").isTrue());
+    EXPECT_EQ(table.query<IValueTable>()->chooseRow(u"Now?", 0), 1U);
+    EXPECT_EQ(SecondChooser::title, u"Now?");
+    EXPECT_EQ(list.query<IValueList>()->choose(u"And now?", 0), 1U);
+    EXPECT_EQ(SecondChooser::title, u"And now?");
+    EXPECT_TRUE(list.query<IValueList>()->chooseChecks(u""));
 }
 
 } // namespace

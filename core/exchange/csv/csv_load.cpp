@@ -26,7 +26,7 @@ namespace {
 constexpr std::size_t kAskedRows = 4096;
 
 /// A column while it is read: of a type that was given, or of one that is found.
-struct Column {
+struct LoadedColumn {
     wstring name;
     wstring title; ///< empty for the name
     std::unique_ptr<TypedColumn> typed;
@@ -73,7 +73,7 @@ class Loader {
             return;
         // What the first rows took tells how many there will be, with some room: to grow means to copy.
         const double wanted = static_cast<double>(options_.length) / static_cast<double>(taken) * kAskedRows;
-        for (Column& column : columns_)
+        for (LoadedColumn& column : columns_)
             column.reserve(static_cast<std::size_t>(wanted * 1.02) + 1);
     }
 
@@ -125,7 +125,7 @@ class Loader {
         try {
             for (std::size_t i = 0; i < columns_.size(); ++i) {
                 const std::string_view text = i < row.fields.size() ? row.fields[i] : std::string_view();
-                Column& column = columns_[i];
+                LoadedColumn& column = columns_[i];
                 if (!column.typed)
                     column.found.add(text);
                 else if (const auto lost = column.typed->add(text)) [[unlikely]]
@@ -161,7 +161,7 @@ class Loader {
         else
             losses_.check(name_);
         std::vector<std::unique_ptr<TableColumn>> columns;
-        for (Column& column : columns_) {
+        for (LoadedColumn& column : columns_) {
             BuiltColumn built = column.typed ? column.typed->finish() : column.found.finish();
             const auto id = static_cast<ColumnId>(columns.size());
             columns.push_back(std::make_unique<TableColumn>(
@@ -175,7 +175,7 @@ class Loader {
     const CsvReadOptions& options_;
     std::vector<ListedColumn> listed_;
     std::optional<LocaleForms> forms_;
-    std::vector<Column> columns_;
+    std::vector<LoadedColumn> columns_;
     std::size_t rows_ = 0;
     Losses losses_;
     wstring scratch_;
@@ -187,11 +187,11 @@ bool is_csv_delimiter(wchar unit) noexcept {
     return unit < 0x80 && unit != u'"' && unit != u'\r' && unit != u'\n';
 }
 
-InterfacePtr<IValueTable> read_csv(ByteReader bytes, wstring_view name, const CsvReadOptions& options) {
+Table read_csv(ByteReader bytes, wstring_view name, const CsvReadOptions& options) {
     return Loader(name, options).load(std::move(bytes));
 }
 
-InterfacePtr<IValueTable> load_csv(std::string_view file, CsvReadOptions options) {
+Table load_csv(std::string_view file, CsvReadOptions options) {
     const auto opened = require_service<IFileSystem>().openURL(from_utf8(file), OpenMode::read);
     options.length = opened->length();
     return read_csv([opened](std::span<std::byte> bytes) { return opened->read(bytes.data(), bytes.size()); },

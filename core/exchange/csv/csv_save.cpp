@@ -17,9 +17,9 @@ namespace {
 constexpr std::size_t kPiece = std::size_t{256} << 10U;
 
 /// The text, with its fields in quotes where they need them.
-class Text {
+class CsvText {
   public:
-    Text(const ByteWriter& write, wstring_view name, const CsvWriteOptions& options)
+    CsvText(const ByteWriter& write, wstring_view name, const CsvWriteOptions& options)
         : write_(write), name_(name), options_(options) {
         if (options.encoding != Encoding())
             recoded_.emplace(write, name_, TextWriterOptions{.encoding = options.encoding});
@@ -82,7 +82,7 @@ class Text {
 /// Writes the cells of one column of a table. Each text of a dictionary is made ready once.
 class ColumnWriter {
   public:
-    ColumnWriter(Text& text, const CellColumn& cells, bool alone)
+    ColumnWriter(CsvText& text, const CellColumn& cells, bool alone)
         : text_(text), cells_(cells), alone_(alone) {
         if (cells.form() == CellColumn::Form::coded)
             ready_.resize(cells.dictionary().size());
@@ -125,13 +125,13 @@ class ColumnWriter {
         out += *ready;
     }
 
-    Text& text_;
+    CsvText& text_;
     const CellColumn& cells_;
     bool alone_;
     std::vector<std::optional<std::string>> ready_; // by code
 };
 
-void write_titles(Text& text, const TableView& view) {
+void write_titles(CsvText& text, const TableView& view) {
     for (std::size_t i = 0; i < view.columns.size(); ++i) {
         if (i != 0)
             text.delimit();
@@ -142,7 +142,7 @@ void write_titles(Text& text, const TableView& view) {
     text.endRow();
 }
 
-void write_columns(Text& text, const TableData& data) {
+void write_columns(CsvText& text, const TableData& data) {
     std::vector<ColumnWriter> columns;
     for (std::size_t i = 0; i < data.columnCount(); ++i)
         columns.emplace_back(text, data.column(i).cells, data.columnCount() == 1);
@@ -157,7 +157,7 @@ void write_columns(Text& text, const TableData& data) {
     });
 }
 
-void write_rows(Text& text, const TableView& view) {
+void write_rows(CsvText& text, const TableView& view) {
     view.walk([&](std::span<const Value> cells, std::size_t) {
         for (std::size_t i = 0; i < cells.size(); ++i) {
             if (i != 0)
@@ -178,7 +178,7 @@ void write_csv(const ByteWriter& write, const Value& table, wstring_view name,
     const auto view = table_view(table, ViewFor::programs);
     if (!view)
         parameter_type_mismatch(1);
-    Text text(write, name, options);
+    CsvText text(write, name, options);
     write_titles(text, *view);
     const auto rows = table.query<IValueTableBaseRO>();
     if (const TableData* const data = rows ? table_data_of(*rows) : nullptr)

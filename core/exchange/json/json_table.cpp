@@ -20,7 +20,7 @@ namespace core {
 namespace {
 
 /// A column while its rows are read.
-struct Column {
+struct LoadedColumn {
     wstring name;
     wstring title;     ///< empty for the name
     TypeDomain domain; ///< that was given; empty where none was
@@ -46,7 +46,7 @@ class TableBuilder : public JsonEvents {
         else
             losses_.check(name);
         std::vector<std::unique_ptr<TableColumn>> columns;
-        for (Column& column : columns_) {
+        for (LoadedColumn& column : columns_) {
             column.cells.grow(rows_);
             const auto id = static_cast<ColumnId>(columns.size());
             columns.push_back(std::make_unique<TableColumn>(
@@ -132,7 +132,7 @@ class TableBuilder : public JsonEvents {
     void put() {
         if (values_.isOpen())
             return;
-        Column& column = columns_[member_];
+        LoadedColumn& column = columns_[member_];
         GenericValue value = values_.take();
         if (!column.domain.isEmpty())
             value = fitted(column, value);
@@ -142,7 +142,7 @@ class TableBuilder : public JsonEvents {
         Value cell = value;
         column.cells.exchange(static_cast<RowId>(rows_), cell);
     }
-    GenericValue fitted(const Column& column, const GenericValue& value) {
+    GenericValue fitted(const LoadedColumn& column, const GenericValue& value) {
         if (value.isUndefined())
             return {};
         FittedCell cell = fit_cell(column.domain, value);
@@ -155,7 +155,7 @@ class TableBuilder : public JsonEvents {
     }
 
     /// The type that was given, or the one that all values have; Undefined among them where one is missing.
-    [[nodiscard]] static TypeDomain domainOf(const Column& column) {
+    [[nodiscard]] static TypeDomain domainOf(const LoadedColumn& column) {
         TypeDomain domain = column.domain;
         const auto add_only = [&](ValueKind kind, const GUID& type) {
             if (column.domain.isEmpty() && column.kinds == 1U << static_cast<unsigned>(kind))
@@ -184,14 +184,13 @@ class TableBuilder : public JsonEvents {
     std::size_t rows_ = 0;
     ColumnNames names_;
     std::unordered_map<std::string, std::size_t> byKey_;
-    std::vector<Column> columns_;
+    std::vector<LoadedColumn> columns_;
     Losses losses_;
 };
 
 } // namespace
 
-InterfacePtr<IValueTable> read_json_table(std::string_view text, wstring_view name,
-                                          const JsonTableOptions& options) {
+Table read_json_table(std::string_view text, wstring_view name, const JsonTableOptions& options) {
     const std::size_t first = text.find_first_not_of("\xEF\xBB\xBF \t\r\n");
     const bool lines = first != std::string_view::npos && text[first] == '{';
     TableBuilder builder(options, lines);
@@ -210,7 +209,7 @@ InterfacePtr<IValueTable> read_json_table(std::string_view text, wstring_view na
     return builder.finish(name, options.losses);
 }
 
-InterfacePtr<IValueTable> load_json_table(std::string_view file, const JsonTableOptions& options) {
+Table load_json_table(std::string_view file, const JsonTableOptions& options) {
     const auto opened = require_service<IFileSystem>().openURL(from_utf8(file), OpenMode::read);
     const std::vector<std::byte> bytes = read_whole(*opened);
     return read_json_table({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, from_utf8(file),

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/column_objects.h"
 
-#include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/table_parts.h"
 
@@ -124,9 +123,70 @@ InterfacePtr<IValueEnum> ValueTableColumnCollection::enumerate() {
     return create_value_enum(std::move(columns));
 }
 
+std::int32_t ValueTableColumnCollection::idAt(std::size_t position) const {
+    if (position >= data_.columnCount())
+        throw_bad_index();
+    return data_.column(position).id;
+}
+
+ValueColumn ValueTableColumnCollection::get(std::size_t position) const {
+    const TableColumn& column = data_.column(column_with_id(data_, idAt(position)));
+    return {.id = column.id,
+            .name = column.info.name,
+            .title = column.info.shownTitle(),
+            .width = column.info.width,
+            .domain = column.info.domain};
+}
+
+std::int32_t ValueTableColumnCollection::find(wstring_view name) const {
+    const auto position = data_.findColumn(name);
+    return position ? data_.column(*position).id : -1;
+}
+
+std::int32_t ValueTableColumnCollection::insert(std::size_t position, wstring_view name, TypeDomain domain,
+                                                const LocalWString& title, std::int32_t width) {
+    if (position > data_.columnCount())
+        throw_bad_index();
+    if (width < 0)
+        parameter_value_mismatch(4);
+    ColumnInfo info{.name = wstring(name), .domain = std::move(domain), .title = title, .width = width};
+    const ColumnId id = data_.insertColumn(position, std::move(info)).id;
+    data_.tellColumnsChanged();
+    return id;
+}
+
+void ValueTableColumnCollection::rename(std::int32_t column, wstring_view name) {
+    data_.renameColumn(withId(column), name);
+}
+
+void ValueTableColumnCollection::setType(std::int32_t column, TypeDomain domain, Losses* losses) {
+    data_.setDomain(withId(column), std::move(domain), losses);
+}
+
+void ValueTableColumnCollection::setTitle(std::int32_t column, const LocalWString& title) {
+    LocalWString changed = title;
+    withId(column).info.title = std::move(changed);
+    data_.tellColumnsChanged();
+}
+
+void ValueTableColumnCollection::setWidth(std::int32_t column, std::int32_t width) {
+    TableColumn& changed = withId(column);
+    if (width < 0)
+        parameter_value_mismatch(1);
+    changed.info.width = width;
+    data_.tellColumnsChanged();
+}
+
+void ValueTableColumnCollection::move(std::int32_t column, std::size_t position) {
+    const std::size_t from = positionOf(column);
+    if (position >= data_.columnCount())
+        throw_bad_index();
+    data_.moveColumn(from, position);
+}
+
 /// Makes a column of a name, a type description, a title and a width.
-GenericValue ValueTableColumnCollection::insert(std::size_t position, std::span<GenericValue> definition,
-                                                int firstParam) {
+GenericValue ValueTableColumnCollection::insertDefined(std::size_t position,
+                                                       std::span<GenericValue> definition, int firstParam) {
     ColumnInfo info{.name = name_argument(definition[0], firstParam),
                     .domain = domain_argument(definition[1], firstParam + 1),
                     .title = title_argument(definition[2], firstParam + 2),
@@ -144,13 +204,13 @@ GenericValue ValueTableColumnCollection::insert(std::size_t position, std::span<
 }
 
 GenericValue ValueTableColumnCollection::callAdd(std::span<GenericValue> arguments) {
-    return insert(data_.columnCount(), arguments, 0);
+    return insertDefined(data_.columnCount(), arguments, 0);
 }
 
 GenericValue ValueTableColumnCollection::callInsert(std::span<GenericValue> arguments) {
     const std::size_t position =
         position_argument(arguments[0], 0, data_.columnCount(), IndexBound::insertion);
-    return insert(position, arguments.subspan(1), 1);
+    return insertDefined(position, arguments.subspan(1), 1);
 }
 
 GenericValue ValueTableColumnCollection::callIndexOf(std::span<GenericValue> arguments) {

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "core/tables/objects/named_columns.h"
+#include "core/tables/objects/table_arguments.h"
 
 #include <core/context/script_object.h>
 #include <core/tables/terms.h>
+#include <core/tables/value_columns.h>
 
 namespace core {
 
@@ -27,7 +29,7 @@ inline constexpr GUID kValueTableColumnCollectionType = "15e85ff8-27a9-4965-a502
 /// The columns of a table or a tree, as a part of that.
 class ValueTableColumnCollection
     : public ScriptObjectOver<ValueTableColumnCollection, NamedColumns<ValueTableColumnCollection>,
-                              IValueCollection> {
+                              IValueCollection, IValueColumns> {
   public:
     static constexpr ScriptClass script = {
         .names = kValueTableColumnCollectionTerm,
@@ -42,13 +44,30 @@ class ValueTableColumnCollection
     static std::span<const Method<ValueTableColumnCollection>> methods() noexcept;
     InterfacePtr<IValueEnum> enumerate() override;
 
+    // IValueColumns
+    std::size_t count() const noexcept override { return data_.columnCount(); }
+    ValueColumn get(std::size_t position) const override;
+    std::int32_t find(wstring_view name) const override;
+    std::int32_t idAt(std::size_t position) const override;
+    std::size_t positionOf(std::int32_t column) const override { return column_with_id(data_, column); }
+    std::int32_t insert(std::size_t position, wstring_view name, TypeDomain domain, const LocalWString& title,
+                        std::int32_t width) override;
+    void rename(std::int32_t column, wstring_view name) override;
+    void setType(std::int32_t column, TypeDomain domain, Losses* losses) override;
+    void setTitle(std::int32_t column, const LocalWString& title) override;
+    void setWidth(std::int32_t column, std::int32_t width) override;
+    void move(std::int32_t column, std::size_t position) override;
+    void remove(std::int32_t column) override { data_.removeColumn(positionOf(column)); }
+    void clear() noexcept override { data_.clearColumns(); }
+
     [[nodiscard]] const TableData& tableData() const noexcept { return data_; }
     [[nodiscard]] GenericValue getColumn(std::size_t position) {
         return column_value(data_, data_.column(position));
     }
 
   private:
-    GenericValue insert(std::size_t position, std::span<GenericValue> definition, int firstParam);
+    [[nodiscard]] TableColumn& withId(std::int32_t id) { return data_.column(positionOf(id)); }
+    GenericValue insertDefined(std::size_t position, std::span<GenericValue> definition, int firstParam);
     GenericValue callAdd(std::span<GenericValue> arguments);
     GenericValue callInsert(std::span<GenericValue> arguments);
     GenericValue callIndexOf(std::span<GenericValue> arguments);

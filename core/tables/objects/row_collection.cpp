@@ -53,14 +53,30 @@ struct SortedRows {
 
 } // namespace
 
+std::vector<Value> column_values(const TableData& data, RowId parent, std::size_t column) {
+    const CellColumn& cells = data.column(column).cells;
+    std::vector<Value> values;
+    values.reserve(data.rowsOf(parent).size());
+    data.rowsOf(parent).walk([&](RowId row) {
+        values.push_back(cells.get(row));
+        return true;
+    });
+    return values;
+}
+
 void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& columns,
                const Value& comparison, int comparisonParam) {
     const std::vector<SortColumn> sort = sort_argument(data, columns, 0);
     const auto object = comparison.query<ICompareValues>();
     if (!object && !comparison.isUndefined())
         parameter_type_mismatch(comparisonParam);
-    if (!object && !data.isTree()) {
-        data.reorder(parent, sorted_rows(RowList(data, parent, false).range(), sort));
+    sort_rows(data, parent, subordinates, sort, object.get());
+}
+
+void sort_rows(TableData& data, RowId parent, bool subordinates, std::span<const SortColumn> columns,
+               ICompareValues* comparison) {
+    if (comparison == nullptr && !data.isTree()) {
+        data.reorder(parent, sorted_rows(RowList(data, parent, false).range(), columns));
         data.tellRowsSorted(parent);
         return;
     }
@@ -70,7 +86,8 @@ void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& co
     std::vector<SortedRows> orders = {{parent, data.rowsOf(parent).rows()}};
     for (std::size_t i = 0; i < orders.size(); ++i) {
         const RowRange rows{std::span<const RowId>(orders[i].rows)};
-        std::vector<RowId> sorted = object ? sorted_rows(rows, sort, *object) : sorted_rows(rows, sort);
+        std::vector<RowId> sorted =
+            comparison != nullptr ? sorted_rows(rows, columns, *comparison) : sorted_rows(rows, columns);
         if (data.version() != version)
             throw_error<ContextException>(messages::kChangedWhileSorting);
         orders[i].rows.swap(sorted);

@@ -27,10 +27,14 @@ namespace core {
 
 [[nodiscard]] GenericValue find_row(TableData& data, RowId parent, bool subordinates, const Value& value,
                                     const Value& columns);
-/// Sorts the rows below a parent, and those below them if `subordinates` says so, by a column list and a
-/// comparison object or Undefined. These are the arguments 0 and `comparisonParam`.
+/// Sorts the rows below a parent, and those below them if `subordinates` says so. The comparison may be null.
+void sort_rows(TableData& data, RowId parent, bool subordinates, std::span<const SortColumn> columns,
+               ICompareValues* comparison);
+/// The same by a column list and a comparison object or Undefined: the arguments 0 and `comparisonParam`.
 void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& columns,
                const Value& comparison, int comparisonParam);
+/// Returns the cells of a column in the rows below a parent.
+[[nodiscard]] std::vector<Value> column_values(const TableData& data, RowId parent, std::size_t column);
 
 /// The methods 0 to 13 that a value table and the row collections of a value tree share. `T` has
 /// data() and parent(). With T::kHierarchical, four methods have a parameter that says whether subordinate
@@ -57,7 +61,7 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
     }
 
     /// The object of the row is made first: without memory for it, no row is inserted.
-    GenericValue insert(std::size_t position) {
+    GenericValue inserted(std::size_t position) {
         GenericValue row = row_value(data(), data().nextRow());
         data().insertRow(parent(), position);
         return row;
@@ -69,10 +73,10 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
             parameter_type_mismatch(0);
         return row_argument(data(), parent(), arguments[0], 0);
     }
-    GenericValue callAdd(std::span<GenericValue>) { return insert(rows().size()); }
+    GenericValue callAdd(std::span<GenericValue>) { return inserted(rows().size()); }
     GenericValue callInsert(std::span<GenericValue> arguments) {
         const std::size_t position = position_argument(arguments[0], 0, rows().size(), IndexBound::insertion);
-        return insert(position);
+        return inserted(position);
     }
     GenericValue callDelete(std::span<GenericValue> arguments) {
         data().removeRow(parent(), row_argument(data(), parent(), arguments[0], 0));
@@ -110,13 +114,7 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
         return {};
     }
     GenericValue callUnloadColumn(std::span<GenericValue> arguments) {
-        const CellColumn& cells = data().column(column_argument(data(), arguments[0], 0)).cells;
-        std::vector<Value> values;
-        values.reserve(rows().size());
-        rows().walk([&](RowId row) {
-            values.push_back(cells.get(row));
-            return true;
-        });
+        auto values = column_values(data(), parent(), column_argument(data(), arguments[0], 0));
         return Value(create_value_array(std::move(values)).template query<IValue>());
     }
     GenericValue callGet(std::span<GenericValue> arguments) {

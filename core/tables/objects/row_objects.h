@@ -5,6 +5,7 @@
 #include "core/tables/objects/table_arguments.h"
 
 #include <core/context/script_object.h>
+#include <core/tables/value_columns.h>
 
 namespace core {
 
@@ -16,9 +17,10 @@ inline constexpr GUID kValueTableRowType = "986427ea-161d-4970-9f88-a0a65bc4759a
 [[nodiscard]] InterfacePtr<IValueEnum> walk_rows(TableData& data, RowId parent);
 
 /// What the rows of tables and of trees have in common: the cells are properties, and a walk shows them.
-template <class T>
-class RowObject : public ScriptObjectOver<T, NamedColumns<T>, IValueCollection, IRowObject> {
-    using Base = ScriptObjectOver<T, NamedColumns<T>, IValueCollection, IRowObject>;
+/// `Row` is IValueRow or extends it.
+template <class T, class Row = IValueRow>
+class RowObject : public ScriptObjectOver<T, NamedColumns<T>, IValueCollection, IRowObject, Row> {
+    using Base = ScriptObjectOver<T, NamedColumns<T>, IValueCollection, IRowObject, Row>;
 
   public:
     RowHandle& handle() noexcept override { return handle_; }
@@ -29,6 +31,23 @@ class RowObject : public ScriptObjectOver<T, NamedColumns<T>, IValueCollection, 
         for (std::size_t i = 0; i < data.columnCount(); ++i)
             cells.push_back(getColumn(i));
         return create_value_enum(std::move(cells));
+    }
+
+    // IValueRow
+    bool isDeleted() const noexcept override { return handle_.isDeleted(); }
+    std::size_t position() const override {
+        const TableData& data = tableData();
+        return data.rowsOf(data.parentOf(row())).positionOf(row());
+    }
+    Value get(std::int32_t column) const override {
+        return tableData().get(row(), column_with_id(tableData(), column));
+    }
+    void set(std::int32_t column, const Value& value) override {
+        setColumn(column_with_id(tableData(), column), value);
+    }
+    Value owner() const override {
+        static_cast<void>(row()); // a deleted row has no owner
+        return Value(handle_.owner());
     }
 
     [[nodiscard]] const TableData& tableData() const noexcept { return handle_.data(); }
@@ -60,10 +79,7 @@ class RowObject : public ScriptObjectOver<T, NamedColumns<T>, IValueCollection, 
         setColumn(column_argument(tableData(), arguments[0], 0), arguments[1]);
         return {};
     }
-    GenericValue callOwner(std::span<GenericValue>) {
-        static_cast<void>(row()); // a deleted row has no owner
-        return Value(handle_.owner());
-    }
+    GenericValue callOwner(std::span<GenericValue>) { return owner(); }
 
     RowHandle handle_;
 };

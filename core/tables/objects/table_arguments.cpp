@@ -5,6 +5,7 @@
 
 #include <core/context/arguments.h>
 #include <core/strings/compare.h>
+#include <core/strings/integer_text.h>
 #include <core/strings/trim.h>
 #include <core/tables/errors.h>
 #include <core/tables/terms.h>
@@ -55,6 +56,13 @@ std::size_t column_named(const TableData& data, wstring_view name) {
     return *column;
 }
 
+std::size_t column_with_id(const TableData& data, ColumnId id) {
+    const auto column = data.findColumn(id);
+    if (!column)
+        throw_error<ContextException>(messages::kUnknownColumn, {string_intto(id)});
+    return *column;
+}
+
 std::size_t column_argument(const TableData& data, const Value& argument, int param) {
     if (const wstring_view* const name = argument.asString(); name != nullptr)
         return column_named(data, trim_all(*name));
@@ -90,15 +98,10 @@ ColumnList optional_columns_argument(const TableData& data, const Value& argumen
     return columns;
 }
 
-std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param) {
-    // The form of the list is checked before the names in it.
-    struct Item {
-        wstring_view name;
-        bool descending;
-    };
-    std::vector<Item> items;
-    for (const wstring_view item : list_argument(argument, param)) {
-        const std::vector<wstring_view> words = string_tokenize(item, u" ");
+std::vector<SortItem> sort_items(wstring_view text, int param) {
+    std::vector<SortItem> items;
+    for (const wstring_view item : string_tokenize(text, u",", EmptyTokens::keep)) {
+        const std::vector<wstring_view> words = string_tokenize(trim_all(item), u" ");
         if (words.empty() || words.size() > 2)
             parameter_value_mismatch(param);
         const bool descending = words.size() == 2 && is_term(words[1], kOrderingDirectionDescTerm);
@@ -106,9 +109,14 @@ std::vector<SortColumn> sort_argument(const TableData& data, const Value& argume
             parameter_value_mismatch(param);
         items.push_back({words[0], descending});
     }
+    return items;
+}
+
+std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param) {
+    // The form of the list is checked before the names in it.
     ColumnList columns;
     std::vector<SortColumn> sort;
-    for (const Item& item : items) {
+    for (const SortItem& item : sort_items(text_argument(argument, param), param)) {
         add_column(columns, data, item.name);
         sort.push_back({&data.column(columns.back()).cells, item.descending});
     }

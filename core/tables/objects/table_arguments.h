@@ -23,6 +23,8 @@ namespace core {
 [[nodiscard]] std::size_t column_argument(const TableData& data, const Value& argument, int param);
 /// The column of a name.
 [[nodiscard]] std::size_t column_named(const TableData& data, wstring_view name);
+/// The column with an id.
+[[nodiscard]] std::size_t column_with_id(const TableData& data, ColumnId id);
 
 /// Positions of columns.
 using ColumnList = std::vector<std::size_t>;
@@ -33,7 +35,14 @@ enum class BlankList { refused, noColumn };
                                               BlankList blank = BlankList::refused);
 /// The same; Undefined stands for all columns.
 [[nodiscard]] ColumnList optional_columns_argument(const TableData& data, const Value& argument, int param);
-/// Names with "," between them, each of which may be followed by a direction.
+/// A column to sort by, as a text names it; the name is borrowed from that.
+struct SortItem {
+    wstring_view name;
+    bool descending;
+};
+/// Names with "," between them, each of which may be followed by a direction; the names are not looked for.
+[[nodiscard]] std::vector<SortItem> sort_items(wstring_view text, int param);
+/// The same with the columns of the names.
 [[nodiscard]] std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param);
 
 } // namespace core

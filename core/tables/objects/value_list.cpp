@@ -69,7 +69,7 @@ bool ValueList::holds(const ValueList& list) const {
     return false;
 }
 
-GenericValue ValueList::insert(std::size_t position, Item item) {
+GenericValue ValueList::inserted(std::size_t position, Item item) {
     item.value = adjusted(item.value);
     static_cast<void>(notHolding(item.picture));
     ValueListItemPtr object = make_object<ValueListItem>(std::move(item));
@@ -88,12 +88,27 @@ GenericValue ValueList::insert(std::size_t position, Item item) {
 }
 
 /// Makes an item of a value, a presentation, a check mark and a picture.
-GenericValue ValueList::insert(std::size_t position, std::span<GenericValue> definition, int param) {
-    return insert(position, Item{.value = definition[0],
-                                 .presentation = from_value<LocalWString>(
-                                     definition[1], ValueReceiver::parameter(param + 1)),
-                                 .check = flag_argument(definition[2], param + 2),
-                                 .picture = definition[3]});
+GenericValue ValueList::inserted(std::size_t position, std::span<GenericValue> definition, int param) {
+    return inserted(position, Item{.value = definition[0],
+                                   .presentation = from_value<LocalWString>(
+                                       definition[1], ValueReceiver::parameter(param + 1)),
+                                   .check = flag_argument(definition[2], param + 2),
+                                   .picture = definition[3]});
+}
+
+void ValueList::insert(std::size_t position, const Item& item) {
+    if (position > count())
+        throw_bad_index();
+    static_cast<void>(inserted(position, item));
+}
+
+void ValueList::set(std::size_t position, const Item& item) {
+    const ValueListItemPtr& changed = itemAt(position);
+    Item content = item;
+    content.value = adjusted(content.value);
+    static_cast<void>(notHolding(content.picture));
+    changed->exchangeContent(content);
+    changed_.raise(position);
 }
 
 /// Replaces all items.
@@ -137,10 +152,7 @@ InterfacePtr<IValueEnum> ValueList::enumerate() {
 }
 
 /// Sorts by a value of each item. Items with equal values keep their order.
-void ValueList::sort(const Value& direction, Value (*key)(const Item& item)) {
-    const auto number = direction.isUndefined() ? 0 : sort_types().number(direction);
-    if (!number)
-        parameter_type_mismatch(0);
+void ValueList::sort(SortDirection direction, Value (*key)(const Item& item)) {
     const Items items = inOrder();
     std::vector<Value> keys;
     keys.reserve(items.size());
@@ -149,7 +161,7 @@ void ValueList::sort(const Value& direction, Value (*key)(const Item& item)) {
     const std::vector<std::uint32_t> ranks = rank_values(keys, RowRange(keys.size()));
     std::vector<std::uint64_t> order(items.size());
     for (std::size_t i = 0; i < order.size(); ++i) {
-        const std::uint32_t rank = *number == 0 ? ranks[i] : ~ranks[i];
+        const std::uint32_t rank = direction == SortDirection::ascending ? ranks[i] : ~ranks[i];
         order[i] = std::uint64_t{rank} << 32 | i;
     }
     sort_words(order);
@@ -165,11 +177,14 @@ GenericValue ValueList::getValueType() const {
     return create_type_description(domain_);
 }
 
-void ValueList::setValueType(const GenericValue& value) {
+void ValueList::setValueTypeProperty(const GenericValue& value) {
     const TypeDomain* const domain = type_domain_of(value);
     if (domain == nullptr && !value.isUndefined())
         parameter_type_mismatch(0);
-    TypeDomain changed = domain != nullptr ? *domain : TypeDomain();
+    setValueType(domain != nullptr ? *domain : TypeDomain());
+}
+
+void ValueList::setValueType(TypeDomain changed) {
     if (changed == domain_)
         return; // see TableData::setDomain()
     const Items items = inOrder();
@@ -252,7 +267,7 @@ std::span<const EventEntry<ValueList>> ValueList::events() noexcept {
 
 std::span<const Property<ValueList>> ValueList::properties() noexcept {
     static constexpr Property<ValueList> kProperties[] = {
-        {kTypePropTerm, &ValueList::getValueType, &ValueList::setValueType, &kTypeDescriptionType},
+        {kTypePropTerm, &ValueList::getValueType, &ValueList::setValueTypeProperty, &kTypeDescriptionType},
     };
     return kProperties;
 }

@@ -49,11 +49,28 @@ class ValueList
     std::size_t count() const noexcept override { return order_.size(); }
     Item get(std::size_t position) const override { return itemAt(position)->content(); }
     GenericValue item(std::size_t position) const override { return itemAt(position); }
+    std::size_t indexOf(const Value& item) const override { return positionOfItem(item, 0); }
+    std::optional<std::size_t> find(const Value& value) const noexcept override;
+    std::vector<Value> values() const override;
+    TypeDomain valueType() const override { return domain_; }
+    InterfacePtr<IValueList> copy() const override;
+    void add(const Item& item) override { insert(count(), item); }
+    void insert(std::size_t position, const Item& item) override;
+    void set(std::size_t position, const Item& item) override;
     void setCheck(std::size_t position, bool check) override {
         itemAt(position)->setCheck(check);
         changed_.raise(position);
     }
-    void add(const Item& item) override { static_cast<void>(insert(count(), item)); }
+    void fillChecks(bool check) override;
+    void move(std::size_t from, std::size_t to) override;
+    void remove(std::size_t position) override;
+    void clear() override;
+    void load(std::span<const Value> values) override;
+    void setValueType(TypeDomain domain) override;
+    void sortByValue(SortDirection direction) override;
+    void sortByPresentation(SortDirection direction) override;
+    std::optional<std::size_t> choose(const wstring& title, std::optional<std::size_t> initial) override;
+    bool chooseChecks(const wstring& title) override;
 
     // IPersistableObject
     void serialize(IOutPersistenceStorage* storage) const override;
@@ -74,18 +91,19 @@ class ValueList
 
     [[nodiscard]] const ValueListItemPtr& itemAt(std::size_t position) const;
     [[nodiscard]] Items inOrder() const;
-    [[nodiscard]] GenericValue insert(std::size_t position, Item item);
-    [[nodiscard]] GenericValue insert(std::size_t position, std::span<GenericValue> definition, int param);
+    [[nodiscard]] GenericValue inserted(std::size_t position, Item item);
+    [[nodiscard]] GenericValue inserted(std::size_t position, std::span<GenericValue> definition, int param);
     void assign(Items items) noexcept;
     void leave() noexcept;
     /// The position of an item that is given by it or as an object, or as an object only.
     [[nodiscard]] std::size_t position(const Value& argument, int param) const;
     [[nodiscard]] std::size_t positionOfItem(const Value& argument, int param) const;
-    void sort(const Value& direction, Value (*key)(const Item& item));
+    void sort(SortDirection direction, Value (*key)(const Item& item));
+    [[nodiscard]] GenericValue chosen(const wstring& title, const Value& initial);
     [[nodiscard]] bool holds(const ValueList& list) const;
 
     GenericValue getValueType() const;
-    void setValueType(const GenericValue& value);
+    void setValueTypeProperty(const GenericValue& value);
 
     GenericValue callFindByValue(std::span<GenericValue> arguments);
     GenericValue callSortByValue(std::span<GenericValue> arguments);

@@ -41,6 +41,7 @@ class ValueListItem : public ScriptObject<ValueListItem, IListItemObject> {
     [[nodiscard]] const IValueList::Item& content() const noexcept { return content_; }
     /// For the list, which has checked the value.
     void exchangeValue(Value& value) noexcept { swap(content_.value, value); }
+    void exchangeContent(IValueList::Item& content) noexcept { std::swap(content_, content); }
     void setCheck(bool check) noexcept { content_.check = check; }
 
     /// The list that the item is in, or null, and its id there.

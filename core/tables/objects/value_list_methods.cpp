@@ -13,62 +13,106 @@
 
 namespace core {
 
-GenericValue ValueList::callFindByValue(std::span<GenericValue> arguments) {
-    GenericValue found;
+namespace {
+
+SortDirection direction_argument(const Value& argument) {
+    const auto number = argument.isUndefined() ? 0 : sort_types().number(argument);
+    if (!number)
+        parameter_type_mismatch(0);
+    return *number == 0 ? SortDirection::ascending : SortDirection::descending;
+}
+
+} // namespace
+
+std::optional<std::size_t> ValueList::find(const Value& value) const noexcept {
+    std::optional<std::size_t> found;
+    std::size_t position = 0;
     order_.walk([&](RowId id) {
-        if (!items_[id]->content().value.equals(arguments[0]))
-            return true;
-        found = GenericValue(items_[id]);
-        return false;
+        if (items_[id]->content().value.equals(value))
+            found = position;
+        ++position;
+        return !found;
     });
     return found;
 }
 
+GenericValue ValueList::callFindByValue(std::span<GenericValue> arguments) {
+    const auto position = find(arguments[0]);
+    return position ? item(*position) : GenericValue();
+}
+
+void ValueList::sortByValue(SortDirection direction) {
+    sort(direction, [](const Item& item) { return item.value; });
+}
+
 GenericValue ValueList::callSortByValue(std::span<GenericValue> arguments) {
-    sort(arguments[0], [](const Item& item) { return item.value; });
+    sortByValue(direction_argument(arguments[0]));
     return {};
 }
 
+void ValueList::sortByPresentation(SortDirection direction) {
+    sort(direction, [](const Item& item) { return Value(item.presentation.text()); });
+}
+
 GenericValue ValueList::callSortByPresentation(std::span<GenericValue> arguments) {
-    sort(arguments[0], [](const Item& item) { return Value(item.presentation.text()); });
+    sortByPresentation(direction_argument(arguments[0]));
     return {};
+}
+
+GenericValue ValueList::chosen(const wstring& title, const Value& initial) {
+    IChooser* const chooser = get_service<IChooser>();
+    return chooser != nullptr ? chooser->chooseItem(Value(this), title, initial) : GenericValue();
+}
+
+std::optional<std::size_t> ValueList::choose(const wstring& title, std::optional<std::size_t> initial) {
+    const GenericValue found = chosen(title, initial ? item(*initial) : GenericValue());
+    return found.isUndefined() ? std::nullopt : std::optional(indexOf(found));
 }
 
 GenericValue ValueList::callChooseItem(std::span<GenericValue> arguments) {
     const wstring title(text_argument(arguments[0], 0));
     if (!arguments[1].isUndefined())
         static_cast<void>(positionOfItem(arguments[1], 1));
-    IChooser* const chooser = get_service<IChooser>();
-    return chooser != nullptr ? chooser->chooseItem(Value(this), title, arguments[1]) : GenericValue();
+    return chosen(title, arguments[1]);
 }
 
-GenericValue ValueList::callCheckItems(std::span<GenericValue> arguments) {
-    const wstring title(text_argument(arguments[0], 0));
+bool ValueList::chooseChecks(const wstring& title) {
     IChooser* const chooser = get_service<IChooser>();
     return chooser != nullptr && chooser->checkItems(Value(this), title);
 }
 
-GenericValue ValueList::callUnloadValues(std::span<GenericValue>) {
+GenericValue ValueList::callCheckItems(std::span<GenericValue> arguments) {
+    return chooseChecks(wstring(text_argument(arguments[0], 0)));
+}
+
+std::vector<Value> ValueList::values() const {
     std::vector<Value> values;
     values.reserve(count());
     for (const ValueListItemPtr& item : inOrder())
         values.push_back(item->content().value);
-    return Value(create_value_array(std::move(values)).query<IValue>());
+    return values;
 }
 
-GenericValue ValueList::callLoadValues(std::span<GenericValue> arguments) {
-    const auto array = object_argument<IValueSequence>(arguments[0], 0);
+GenericValue ValueList::callUnloadValues(std::span<GenericValue>) {
+    return Value(create_value_array(values()).query<IValue>());
+}
+
+void ValueList::load(std::span<const Value> values) {
     Items items;
-    items.reserve(array->count());
-    for (const Value& value : array->values())
+    items.reserve(values.size());
+    for (const Value& value : values)
         items.push_back(
             make_object<ValueListItem>(Item{.value = adjusted(value), .presentation = {}, .picture = {}}));
     assign(std::move(items));
     reloaded_.raise();
+}
+
+GenericValue ValueList::callLoadValues(std::span<GenericValue> arguments) {
+    load(object_argument<IValueSequence>(arguments[0], 0)->values());
     return {};
 }
 
-GenericValue ValueList::callCopy(std::span<GenericValue>) {
+InterfacePtr<IValueList> ValueList::copy() const {
     auto copy = make_object<ValueList>();
     copy->domain_ = domain_;
     Items items;
@@ -79,64 +123,84 @@ GenericValue ValueList::callCopy(std::span<GenericValue>) {
     return copy;
 }
 
+GenericValue ValueList::callCopy(std::span<GenericValue>) {
+    return Value(copy().query<IValue>());
+}
+
 GenericValue ValueList::callCount(std::span<GenericValue>) {
     return count();
 }
 
 GenericValue ValueList::callAdd(std::span<GenericValue> arguments) {
-    return insert(count(), arguments, 0);
+    return inserted(count(), arguments, 0);
 }
 
 GenericValue ValueList::callInsert(std::span<GenericValue> arguments) {
     const std::size_t position = position_argument(arguments[0], 0, count(), IndexBound::insertion);
-    return insert(position, arguments.subspan(1), 1);
+    return inserted(position, arguments.subspan(1), 1);
 }
 
-GenericValue ValueList::callDelete(std::span<GenericValue> arguments) {
-    const std::size_t at = position(arguments[0], 0);
-    const RowId id = order_.at(at);
+void ValueList::remove(std::size_t position) {
+    static_cast<void>(itemAt(position));
+    const RowId id = order_.at(position);
     free_.push_back(id);
     try {
-        order_.erase(at);
+        order_.erase(position);
     } catch (...) {
         free_.pop_back();
         throw;
     }
     const ValueListItemPtr dying = std::move(items_[id]);
     dying->enter(nullptr, kNoRow);
-    deleted_.raise(at);
+    deleted_.raise(position);
+}
+
+GenericValue ValueList::callDelete(std::span<GenericValue> arguments) {
+    remove(position(arguments[0], 0));
     return {};
 }
 
-GenericValue ValueList::callClear(std::span<GenericValue>) {
+void ValueList::clear() {
     assign({});
     cleared_.raise();
+}
+
+GenericValue ValueList::callClear(std::span<GenericValue>) {
+    clear();
     return {};
+}
+
+void ValueList::move(std::size_t from, std::size_t to) {
+    static_cast<void>(itemAt(from));
+    static_cast<void>(itemAt(to));
+    order_.move(from, to);
+    moved_.raise(from, to);
 }
 
 GenericValue ValueList::callMove(std::span<GenericValue> arguments) {
     const std::size_t from = position(arguments[0], 0);
-    const std::size_t to = target_argument(arguments[1], 1, from, count());
-    order_.move(from, to);
-    moved_.raise(from, to);
+    move(from, target_argument(arguments[1], 1, from, count()));
     return {};
 }
 
 GenericValue ValueList::callIndexOf(std::span<GenericValue> arguments) {
-    return positionOfItem(arguments[0], 0);
+    return indexOf(arguments[0]);
 }
 
 GenericValue ValueList::callGet(std::span<GenericValue> arguments) {
     return item(position_argument(arguments[0], 0, count()));
 }
 
-GenericValue ValueList::callFillChecks(std::span<GenericValue> arguments) {
-    const bool check = flag_argument(arguments[0], 0);
+void ValueList::fillChecks(bool check) {
     for (const ValueListItemPtr& item : items_) {
         if (item)
             item->setCheck(check);
     }
     reloaded_.raise();
+}
+
+GenericValue ValueList::callFillChecks(std::span<GenericValue> arguments) {
+    fillChecks(flag_argument(arguments[0], 0));
     return {};
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/collections/stored_count.h"
+#include "core/tables/objects/checked_rows.h"
 #include "core/tables/objects/column_objects.h"
 #include "core/tables/objects/combining_methods.h"
 #include "core/tables/objects/index_objects.h"
@@ -16,7 +17,6 @@
 #include <core/context/arguments.h>
 #include <core/context/errors.h>
 #include <core/runtime/process.h>
-#include <core/strings/integer_text.h>
 #include <core/tables/chooser.h>
 #include <core/tables/errors.h>
 #include <core/tables/value_table.h>
@@ -56,50 +56,82 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
 
     // IValueTableBaseRO
     std::size_t columnCount() const noexcept override { return data_.columnCount(); }
-    Column column(std::size_t position) const override;
-    std::int32_t findColumn(wstring_view name) const override;
+    Column column(std::size_t position) const override { return columns_.get(position); }
+    std::int32_t findColumn(wstring_view name) const override { return columns_.find(name); }
     std::size_t rowCount() const noexcept override { return data_.rows().size(); }
     GenericValue get(std::size_t row, std::int32_t column) const override {
-        return data_.get(rowAt(row), columnAt(column));
+        return checked().get(row, column);
     }
-    GenericValue row(std::size_t position) override { return row_value(data_, rowAt(position)); }
+    GenericValue row(std::size_t position) override { return row_value(data_, checked().at(position)); }
+    std::size_t indexOf(const Value& row) const override;
     std::vector<std::size_t> IValueTableBaseRO_findRows(std::span<const VTFindParam> filter) const override;
+    std::optional<std::size_t> find(const Value& value, std::span<const std::int32_t> columns) const override;
+    Value total(std::int32_t column) const override { return checked().total(column, false); }
+    std::vector<Value> unloadColumn(std::int32_t column) const override { return checked().unload(column); }
+    InterfacePtr<IValueTable> copy(std::span<const std::int32_t> columns) const override;
+    InterfacePtr<IValueTable> copyRows(std::span<const std::size_t> rows,
+                                       std::span<const std::int32_t> columns) const override;
+    std::size_t indexCount() const noexcept override { return data_.indexes().size(); }
+    std::vector<std::int32_t> index(std::size_t position) const override;
 
     // IValueTable
+    IValueColumns& columns() noexcept override { return columns_; }
     std::int32_t addColumn(wstring_view name, TypeDomain domain, const LocalWString& title,
-                           std::int32_t width) override;
+                           std::int32_t width) override {
+        return columns_.insert(data_.columnCount(), name, std::move(domain), title, width);
+    }
     void setColumnType(std::int32_t column, TypeDomain domain, Losses* losses) override {
-        data_.setDomain(data_.column(columnAt(column)), std::move(domain), losses);
+        columns_.setType(column, std::move(domain), losses);
     }
     const Losses& losses() const noexcept override { return data_.losses(); }
-    void appendRow(std::span<const Value> cells) override;
+    void appendRow(std::span<const Value> cells) override { checked().insert(rowCount(), cells); }
+    void insertRow(std::size_t position, std::span<const Value> cells) override {
+        checked().insert(position, cells);
+    }
     void set(std::size_t row, std::int32_t column, const Value& value) override {
-        data_.set(rowAt(row), columnAt(column), value);
+        checked().set(row, column, value);
     }
-    void removeRow(std::size_t row) override {
-        static_cast<void>(rowAt(row));
-        data_.removeRow(kNoRow, row);
-    }
+    void moveRow(std::size_t from, std::size_t to) override { checked().move(from, to); }
+    void removeRow(std::size_t row) override { checked().remove(row); }
     void clear() override { data_.removeRows(kNoRow); }
+    void sort(std::span<const VTSortParam> columns, ICompareValues* comparison) override {
+        checked().sort(columns, false, comparison);
+    }
+    void groupBy(std::span<const std::int32_t> columns, std::span<const std::int32_t> totals) override {
+        collapse(checked().columns(columns), checked().columns(totals));
+    }
+    std::optional<std::size_t> chooseRow(const wstring& title, std::optional<std::size_t> initial) override;
+    void loadColumn(std::int32_t column, std::span<const Value> values) override {
+        checked().load(column, values);
+    }
+    void fill(const Value& value, std::span<const std::int32_t> columns) override {
+        data_.fill(checked().columnsOrAll(columns), value);
+    }
+    void addIndex(std::span<const std::int32_t> columns) override;
+    void removeIndex(std::size_t position) override {
+        checkIndex(position);
+        data_.removeIndex(position);
+    }
+    void clearIndexes() noexcept override { data_.clearIndexes(); }
 
     // IPersistableObject
     void serialize(IOutPersistenceStorage* storage) const override { serialize_table(storage, data_); }
     void deserialize(IInPersistenceStorage* storage) override { deserialize_table(storage, data_); }
 
   private:
-    [[nodiscard]] RowId rowAt(std::size_t position) const {
-        if (position >= data_.rows().size())
-            throw_bad_index();
-        return data_.rows().at(position);
+    /// The rows by position, for the interfaces.
+    [[nodiscard]] CheckedRows checked() const noexcept {
+        return CheckedRows(const_cast<TableData&>(data_), kNoRow);
     }
-    [[nodiscard]] std::size_t columnAt(std::int32_t id) const {
-        const auto column = data_.findColumn(ColumnId{id});
-        if (!column)
-            throw_error<ContextException>(messages::kUnknownColumn, {string_intto(id)});
-        return *column;
+    void checkIndex(std::size_t position) const {
+        if (position >= data_.indexes().size())
+            throw_bad_index();
     }
     [[nodiscard]] std::vector<RowId> rowsArgument(const Value& argument, int param) const;
-    [[nodiscard]] GenericValue copy(std::span<const std::size_t> columns, RowRange rows) const;
+    [[nodiscard]] InterfacePtr<SCOM_InternalClass<ValueTable>> copied(std::span<const std::size_t> columns,
+                                                                      RowRange rows) const;
+    void collapse(const ColumnList& columns, const ColumnList& totals);
+    [[nodiscard]] GenericValue choose(const wstring& title, const Value& initial);
 
     // properties and methods
     GenericValue getColumns() const {
@@ -127,46 +159,56 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
     SubObject<VTIndexCollection> indexes_;
 };
 
-IValueTableBaseRO::Column ValueTable::column(std::size_t position) const {
-    if (position >= data_.columnCount())
-        throw_bad_index();
-    const TableColumn& column = data_.column(position);
-    return {.id = column.id,
-            .name = column.info.name,
-            .title = column.info.shownTitle(),
-            .width = column.info.width,
-            .domain = column.info.domain};
-}
-
-std::int32_t ValueTable::findColumn(wstring_view name) const {
-    const auto position = data_.findColumn(name);
-    return position ? data_.column(*position).id : -1;
+std::size_t ValueTable::indexOf(const Value& row) const {
+    return data_.rows().positionOf(row_object_argument(data_, row, 0));
 }
 
 std::vector<std::size_t> ValueTable::IValueTableBaseRO_findRows(std::span<const VTFindParam> filter) const {
-    std::vector<RowCondition> conditions;
-    for (const VTFindParam& param : filter)
-        conditions.push_back({&data_.column(columnAt(param.column)), &param.value});
     std::vector<std::size_t> positions;
-    for (const RowId row : matching_rows(data_, kNoRow, false, conditions))
+    for (const RowId row : checked().findRows(filter, false))
         positions.push_back(data_.rows().positionOf(row));
     return positions;
 }
 
-std::int32_t ValueTable::addColumn(wstring_view name, TypeDomain domain, const LocalWString& title,
-                                   std::int32_t width) {
-    if (width < 0)
-        parameter_value_mismatch(3);
-    ColumnInfo info{.name = wstring(name), .domain = std::move(domain), .title = title, .width = width};
-    const ColumnId id = data_.insertColumn(data_.columnCount(), std::move(info)).id;
-    data_.tellColumnsChanged();
-    return id;
+std::optional<std::size_t> ValueTable::find(const Value& value, std::span<const std::int32_t> columns) const {
+    const RowId row = checked().find(value, columns, false);
+    return row != kNoRow ? std::optional(data_.rows().positionOf(row)) : std::nullopt;
 }
 
-void ValueTable::appendRow(std::span<const Value> cells) {
-    if (cells.size() > data_.columnCount())
-        throw_bad_index();
-    data_.insertRow(kNoRow, data_.rows().size(), cells);
+InterfacePtr<IValueTable> ValueTable::copy(std::span<const std::int32_t> columns) const {
+    const RowList all(data_, kNoRow, false);
+    return copied(checked().columnsOrAll(columns), all.range());
+}
+
+InterfacePtr<IValueTable> ValueTable::copyRows(std::span<const std::size_t> positions,
+                                               std::span<const std::int32_t> columns) const {
+    std::vector<RowId> chosen;
+    chosen.reserve(positions.size());
+    for (const std::size_t position : positions)
+        chosen.push_back(checked().at(position));
+    return copied(checked().columnsOrAll(columns), RowRange(chosen));
+}
+
+std::vector<std::int32_t> ValueTable::index(std::size_t position) const {
+    checkIndex(position);
+    std::vector<std::int32_t> ids;
+    for (const TableColumn* const column : data_.indexes()[position]->columns())
+        ids.push_back(column->id);
+    return ids;
+}
+
+void ValueTable::addIndex(std::span<const std::int32_t> ids) {
+    if (ids.empty())
+        parameter_value_mismatch(0);
+    std::vector<const TableColumn*> indexed;
+    for (const std::size_t position : checked().columns(ids))
+        indexed.push_back(&data_.column(position));
+    data_.addIndex(std::move(indexed));
+}
+
+std::optional<std::size_t> ValueTable::chooseRow(const wstring& title, std::optional<std::size_t> initial) {
+    const GenericValue chosen = choose(title, initial ? row(*initial) : GenericValue());
+    return chosen.isUndefined() ? std::nullopt : std::optional(indexOf(chosen));
 }
 
 /// Returns the rows to copy: all, those of an array, or those that match a filter.
@@ -182,7 +224,8 @@ std::vector<RowId> ValueTable::rowsArgument(const Value& argument, int param) co
 }
 
 /// A new table with some columns of this one and the cells of some rows.
-GenericValue ValueTable::copy(std::span<const std::size_t> columns, RowRange rows) const {
+InterfacePtr<SCOM_InternalClass<ValueTable>> ValueTable::copied(std::span<const std::size_t> columns,
+                                                                RowRange rows) const {
     std::vector<std::unique_ptr<TableColumn>> copies;
     for (const std::size_t position : columns) {
         const TableColumn& column = data_.column(position);
@@ -197,11 +240,11 @@ GenericValue ValueTable::copy(std::span<const std::size_t> columns, RowRange row
 
 GenericValue ValueTable::callCopy(std::span<GenericValue> arguments) {
     const std::vector<RowId> rows = rowsArgument(arguments[0], 0);
-    return copy(optional_columns_argument(data_, arguments[1], 1), RowRange(rows));
+    return copied(optional_columns_argument(data_, arguments[1], 1), RowRange(rows));
 }
 
 GenericValue ValueTable::callCopyColumns(std::span<GenericValue> arguments) {
-    return copy(optional_columns_argument(data_, arguments[0], 0), RowRange(0));
+    return copied(optional_columns_argument(data_, arguments[0], 0), RowRange(0));
 }
 
 GenericValue ValueTable::callGroupBy(std::span<GenericValue> arguments) {
@@ -209,6 +252,11 @@ GenericValue ValueTable::callGroupBy(std::span<GenericValue> arguments) {
     ColumnList totals;
     if (!arguments[1].isUndefined())
         totals = column_list_argument(data_, arguments[1], 1, BlankList::noColumn);
+    collapse(columns, totals);
+    return {};
+}
+
+void ValueTable::collapse(const ColumnList& columns, const ColumnList& totals) {
     for (const std::size_t column : totals) {
         if (std::find(columns.begin(), columns.end(), column) != columns.end())
             throw_error<ContextException>(messages::kGroupedAndTotalled, {data_.column(column).info.name});
@@ -216,7 +264,6 @@ GenericValue ValueTable::callGroupBy(std::span<GenericValue> arguments) {
     if (columns.empty() && totals.empty())
         throw_error<ContextException>(messages::kGroupByNothing);
     group_by(data_, columns, totals);
-    return {};
 }
 
 GenericValue ValueTable::callFillValues(std::span<GenericValue> arguments) {
@@ -228,8 +275,12 @@ GenericValue ValueTable::callChooseRow(std::span<GenericValue> arguments) {
     const wstring title(optional_text_argument(arguments[0], 0));
     if (!arguments[1].isUndefined())
         static_cast<void>(row_object_argument(data_, arguments[1], 1));
+    return choose(title, arguments[1]);
+}
+
+GenericValue ValueTable::choose(const wstring& title, const Value& initial) {
     IChooser* const chooser = get_service<IChooser>();
-    return chooser != nullptr ? chooser->chooseRow(Value(this), title, arguments[1]) : GenericValue();
+    return chooser != nullptr ? chooser->chooseRow(Value(this), title, initial) : GenericValue();
 }
 
 InterfacePtr<IValueTable> create_value_table() {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/tables/objects/checked_rows.h"
 #include "core/tables/objects/column_objects.h"
 #include "core/tables/objects/row_collection.h"
 #include "core/tables/objects/row_events.h"
@@ -12,7 +13,7 @@
 namespace core {
 
 /// The rows of a tree below one row, or the topmost ones, as a part of the row or of the tree.
-class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection> {
+class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection, IValueTreeRows> {
   public:
     static constexpr ScriptClass script = {
         .names = kValueTreeRowCollectionTerm,
@@ -32,13 +33,77 @@ class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection> {
     [[nodiscard]] TableData& data() noexcept { return data_; }
     [[nodiscard]] RowId parent() const { return parent_ != nullptr ? parent_->row() : kNoRow; }
 
+    // IValueTreeRows
+    std::size_t count() const override { return data_.rowsOf(parent()).size(); }
+    InterfacePtr<IValueTreeRow> row(std::size_t position) override { return typed(checked().at(position)); }
+    std::size_t indexOf(const Value& row) const override;
+    Value get(std::size_t row, std::int32_t column) const override { return checked().get(row, column); }
+    void set(std::size_t row, std::int32_t column, const Value& value) override {
+        checked().set(row, column, value);
+    }
+    InterfacePtr<IValueTreeRow> add(std::span<const Value> cells) override { return insert(count(), cells); }
+    InterfacePtr<IValueTreeRow> insert(std::size_t position, std::span<const Value> cells) override;
+    void move(std::size_t from, std::size_t to) override { checked().move(from, to); }
+    void remove(std::size_t position) override { checked().remove(position); }
+    void clear() override { data_.removeRows(parent()); }
+    void sort(std::span<const VTSortParam> columns, RowDepth depth, ICompareValues* comparison) override {
+        checked().sort(columns, depth == RowDepth::all, comparison);
+    }
+    InterfacePtr<IValueTreeRow> find(const Value& value, std::span<const std::int32_t> columns,
+                                     RowDepth depth) override;
+    std::vector<InterfacePtr<IValueTreeRow>> findRows(std::span<const VTFindParam> filter,
+                                                      RowDepth depth) override;
+    Value total(std::int32_t column, RowDepth depth) const override {
+        return checked().total(column, depth == RowDepth::all);
+    }
+    void loadColumn(std::int32_t column, std::span<const Value> values) override {
+        checked().load(column, values);
+    }
+    std::vector<Value> unloadColumn(std::int32_t column) const override { return checked().unload(column); }
+
   private:
+    /// The rows by position, for the interface.
+    [[nodiscard]] CheckedRows checked() const { return CheckedRows(data_, parent()); }
+    [[nodiscard]] InterfacePtr<IValueTreeRow> typed(RowId row) {
+        return row_value(data_, row).query<IValueTreeRow>();
+    }
+
     TableData& data_;
     const RowHandle* parent_;
 };
 
-class ValueTreeRow : public RowObject<ValueTreeRow> {
+std::size_t ValueTreeRowCollection::indexOf(const Value& row) const {
+    if (row.kind() == ValueKind::number)
+        parameter_type_mismatch(0);
+    return row_argument(data_, parent(), row, 0);
+}
+
+/// The object of the row is made first, as for scripts.
+InterfacePtr<IValueTreeRow> ValueTreeRowCollection::insert(std::size_t position,
+                                                           std::span<const Value> cells) {
+    checked().checkInsertion(position, cells);
+    InterfacePtr<IValueTreeRow> row = typed(data_.nextRow());
+    data_.insertRow(parent(), position, cells);
+    return row;
+}
+
+InterfacePtr<IValueTreeRow>
+ValueTreeRowCollection::find(const Value& value, std::span<const std::int32_t> columns, RowDepth depth) {
+    const RowId row = checked().find(value, columns, depth == RowDepth::all);
+    return row != kNoRow ? typed(row) : nullptr;
+}
+
+std::vector<InterfacePtr<IValueTreeRow>> ValueTreeRowCollection::findRows(std::span<const VTFindParam> filter,
+                                                                          RowDepth depth) {
+    std::vector<InterfacePtr<IValueTreeRow>> found;
+    for (const RowId row : checked().findRows(filter, depth == RowDepth::all))
+        found.push_back(typed(row));
+    return found;
+}
+
+class ValueTreeRow : public RowObject<ValueTreeRow, IValueTreeRow> {
   public:
+    using Interfaces = ScriptInterfaces<IValueCollection, IRowObject, IValueTreeRow, IValueRow>;
     static constexpr ScriptClass script = {
         .names = kValueTreeRowTerm,
         .type = kValueTreeRowType,
@@ -52,11 +117,16 @@ class ValueTreeRow : public RowObject<ValueTreeRow> {
     static std::span<const Property<ValueTreeRow>> properties() noexcept;
     static std::span<const Method<ValueTreeRow>> methods() noexcept;
 
+    // IValueTreeRow
+    IValueTreeRows& rows() const override { return below(); }
+    InterfacePtr<IValueTreeRow> parent() const override { return getParent().query<IValueTreeRow>(); }
+
   private:
-    GenericValue getRows() const {
+    [[nodiscard]] SubObject<ValueTreeRowCollection>& below() const {
         static_cast<void>(row()); // a deleted row has no rows
-        return Value(const_cast<SubObject<ValueTreeRowCollection>*>(&rows_));
+        return const_cast<SubObject<ValueTreeRowCollection>&>(rows_);
     }
+    GenericValue getRows() const { return Value(&below()); }
     GenericValue getParent() const {
         TableData& data = handle_.data();
         const RowId parent = data.parentOf(row());
@@ -66,7 +136,7 @@ class ValueTreeRow : public RowObject<ValueTreeRow> {
     SubObject<ValueTreeRowCollection> rows_;
 };
 
-class ValueTree : public ScriptObject<ValueTree, IPersistableObject> {
+class ValueTree : public ScriptObject<ValueTree, IValueTree, IPersistableObject> {
   public:
     static constexpr ScriptClass script = {
         .names = kValueTreeTerm,
@@ -88,6 +158,9 @@ class ValueTree : public ScriptObject<ValueTree, IPersistableObject> {
     }
     [[nodiscard]] RowEvents<Value>& rowEvents() noexcept { return events_; }
 
+    IValueColumns& columns() noexcept override { return columns_; }
+    IValueTreeRows& rows() noexcept override { return rows_; }
+
     void serialize(IOutPersistenceStorage* storage) const override { serialize_table(storage, data_); }
     void deserialize(IInPersistenceStorage* storage) override { deserialize_table(storage, data_); }
 
@@ -107,7 +180,7 @@ GenericValue make_tree_row(TableData& data, RowId row) {
     return make_object<ValueTreeRow>(data, row);
 }
 
-GenericValue create_value_tree() {
+InterfacePtr<IValueTree> create_value_tree() {
     return make_object<ValueTree>();
 }
 

@@ -11,6 +11,9 @@ namespace messages {
 /// A key of a structure is not a name; {0} is the key.
 inline constexpr const char* kBadKey = "IDS_VS_BADPROPNAME_ERROR";
 
+/// A map or a structure has no such key; {0} is the presentation of the key.
+inline constexpr const char* kNoKey = "IDS_COLLECTION_NO_KEY";
+
 } // namespace messages
 
 /// Returns the message of kBadIndex: there is no element with that index.

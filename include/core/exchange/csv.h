@@ -6,7 +6,7 @@
 #include <core/runtime/threads/stop_token.h>
 #include <core/streams/text_reader.h>
 #include <core/streams/text_writer.h>
-#include <core/tables/value_table.h>
+#include <core/tables/table.h>
 
 #include <functional>
 #include <iosfwd>
@@ -56,10 +56,10 @@ struct CsvWriteOptions {
 /// Throws ContextException, with name and line, for a row that is malformed or, unless losses are wanted, has
 /// another number of fields than there are columns; ConversionException for cells that do not fit a type that
 /// was given, with the first of them; ConverterException for a fault of encoding, and what `bytes` throws.
-[[nodiscard]] CORE_API InterfacePtr<IValueTable> read_csv(ByteReader bytes, wstring_view name,
-                                                          const CsvReadOptions& options = {});
+[[nodiscard]] CORE_API Table read_csv(ByteReader bytes, wstring_view name,
+                                      const CsvReadOptions& options = {});
 /// Returns the table in a file, a path or a URL in UTF-8. Throws as read_csv() does, and FileException.
-[[nodiscard]] CORE_API InterfacePtr<IValueTable> load_csv(std::string_view file, CsvReadOptions options = {});
+[[nodiscard]] CORE_API Table load_csv(std::string_view file, CsvReadOptions options = {});
 
 /// Hands the names of the columns and the cells of the rows to `write`, in pieces; messages call the text
 /// `name`. Undefined and Null are empty, numbers plain, Booleans True and False, dates in the ISO form, a

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <core/streams/text_reader.h>
-#include <core/tables/value_table.h>
+#include <core/tables/table.h>
 #include <core/values/generic_value.h>
 
 #include <string>
@@ -47,11 +47,10 @@ struct JsonTableOptions {
 /// column a name. A member that is not there is Undefined. Names become valid as those of read_csv() do. A
 /// text in a column of dates is read in the ISO forms. Messages call the text `name`. Throws as from_json()
 /// does, ContextException ("IDS_JSON_NO_TABLE") for elements that are not objects, and ConversionException.
-[[nodiscard]] CORE_API InterfacePtr<IValueTable>
-read_json_table(std::string_view text, wstring_view name = {}, const JsonTableOptions& options = {});
+[[nodiscard]] CORE_API Table read_json_table(std::string_view text, wstring_view name = {},
+                                             const JsonTableOptions& options = {});
 /// Returns the table in a file in UTF-8, a path or a URL. Throws as read_json_table() does, and
 /// FileException.
-[[nodiscard]] CORE_API InterfacePtr<IValueTable> load_json_table(std::string_view file,
-                                                                 const JsonTableOptions& options = {});
+[[nodiscard]] CORE_API Table load_json_table(std::string_view file, const JsonTableOptions& options = {});
 
 } // namespace core

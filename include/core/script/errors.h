@@ -32,8 +32,6 @@ inline constexpr const char* kScriptForeignFailure = "IDS_SCRIPT_FOREIGN_FAILURE
 inline constexpr const char* kScriptUnknownFailure = "IDS_SCRIPT_UNKNOWN_FAILURE";
 /// A script raised a text as its failure; {0} is the text.
 inline constexpr const char* kScriptRaised = "IDS_SCRIPT_RAISED";
-/// A text that the program gave is not UTF-8; {0} is the offset of the first byte that does not fit.
-inline constexpr const char* kScriptNotUtf8 = "IDS_SCRIPT_NOT_UTF8";
 /// A name cannot be that of a variable or a function; {0} is the name.
 inline constexpr const char* kScriptBadName = "IDS_SCRIPT_BAD_NAME";
 

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/tables/row.h>
+
+#include <initializer_list>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace core {
+
+/// A value table in the hand of a program:
+///
+///     Table fruit{"Name", {"Price", kNumberType}};
+///     fruit.add({"apple", Numeric::parse("1.20").value()});
+///     for (const Row& row : fruit)
+///         std::cout << row["Name"] << ' ' << row["Price"] << '\n';
+///
+/// It is a handle: copies share one table, which scripts know as "ValueTable", and a function that is const
+/// may change it. IValueTable has the same operations by ids and positions, and `->` leads to it. A failed
+/// call changes nothing. Every function that takes a column throws as ColumnKey::idIn() does, every function
+/// that takes several also ContextException ("IDS_VT_COLUMNS_NOT_UNIQUE") for one that comes twice. Threads:
+/// one at a time.
+class Table {
+  public:
+    /// Makes a table without columns and rows. Throws std::bad_alloc.
+    Table() : table_(create_value_table()) {}
+    /// Makes a table of these columns. Throws as IValueColumns::insert() does.
+    CORE_API Table(std::initializer_list<NewColumn> columns);
+    /// Holds a table that is there, which must not be null.
+    Table(InterfacePtr<IValueTable> table) noexcept : table_(std::move(table)) {}
+    /// Holds the table that a value is. Throws ContextException ("IDS_PARAMETER_N_TYPE_MISMATCH") for any
+    /// other value.
+    explicit Table(const Value& value) : table_(from_value<InterfacePtr<IValueTable>>(value)) {}
+
+    /// Returns the table, to be called by ids and positions; borrowed: valid as long as this handle.
+    [[nodiscard]] IValueTable* operator->() const noexcept { return table_.get(); }
+    /// Returns the table, borrowed: valid as long as this handle.
+    [[nodiscard]] IValueTable& operator*() const noexcept { return *table_; }
+    /// Returns the table through another interface; null when it does not have that.
+    template <class I>
+    [[nodiscard]] InterfacePtr<I> query() const noexcept {
+        return table_.query<I>();
+    }
+    operator const InterfacePtr<IValueTable>&() const noexcept { return table_; }
+    operator Value() const { return detail::value_of_pointer(table_.get()); }
+
+    // columns
+    /// Returns the columns, to be walked and changed.
+    [[nodiscard]] Columns columns() const { return Columns(InterfacePtr<IValueColumns>(&table_->columns())); }
+
+    // rows
+    /// Returns how many rows there are.
+    [[nodiscard]] std::size_t size() const noexcept { return table_->rowCount(); }
+    /// Returns whether there are no rows.
+    [[nodiscard]] bool empty() const noexcept { return size() == 0; }
+    /// Returns the row at a position. Its cells throw ContextException ("IDS_INDEX_OFFBOUND") when there is
+    /// none.
+    [[nodiscard]] Row operator[](std::size_t position) const noexcept { return {table_, position}; }
+    /// Begins a walk over the rows that there are now, by their positions.
+    [[nodiscard]] IndexIterator<Table> begin() const noexcept { return {*this, 0}; }
+    /// Returns the end of a walk.
+    [[nodiscard]] IndexIterator<Table> end() const noexcept { return {*this, size()}; }
+
+    /// Adds a row behind the others and returns it, with a cell for each of the first columns; the other
+    /// columns get their defaults. Throws as IValueTable::appendRow() does.
+    Row add(AnyValues cells = {}) const { return add(std::span<const Value>(to_values(cells))); }
+    /// Adds a row of cells that are values already.
+    Row add(std::span<const Value> cells) const {
+        table_->appendRow(cells);
+        return {table_, size() - 1};
+    }
+    /// Inserts a row before the one at a position. Throws as IValueTable::insertRow() does.
+    Row insert(std::size_t position, AnyValues cells = {}) const {
+        table_->insertRow(position, to_values(cells));
+        return {table_, position};
+    }
+    /// Moves a row to where it will have that position. Throws as IValueTable::moveRow() does.
+    void move(const Row& row, std::size_t position) const { table_->moveRow(row.position(), position); }
+    /// Deletes a row; those behind it move up. Throws as IValueTable::removeRow() does.
+    void remove(const Row& row) const { table_->removeRow(row.position()); }
+    /// Deletes all rows; the columns stay.
+    void clear() const { table_->clear(); }
+    /// Sorts the rows by names of columns with "," between them, each of which may be followed by a
+    /// direction: "Product, Price Desc". Throws as said above, and ContextException
+    /// ("IDS_PARAMETER_N_VALUE_MISMATCH") for a list that is not of that form.
+    CORE_API void sort(const Text& columns) const;
+    /// Collapses the table as IValueTable::groupBy() does. Throws as that.
+    void groupBy(ColumnKeys columns, ColumnKeys totals) const { table_->groupBy(ids(columns), ids(totals)); }
+
+    // search
+    /// Returns the first row with a cell, in one of the columns, that equals `value`; nothing where no row
+    /// has one. No columns stand for all.
+    [[nodiscard]] CORE_API std::optional<Row> find(const AnyValue& value, ColumnKeys columns = {}) const;
+    /// Returns the rows, in order, that meet all conditions: `findRows({{"Product", "apple"}})`.
+    [[nodiscard]] CORE_API std::vector<Row> findRows(std::initializer_list<CellEquals> conditions) const;
+    /// Adds an index over columns, which searches that name them use and which follows every change.
+    void addIndex(ColumnKeys columns) const { table_->addIndex(ids(columns)); }
+
+    // whole columns
+    /// Returns the exact sum of the Numbers in a column. Throws as IValueTableBaseRO::total() does.
+    [[nodiscard]] Value total(const ColumnKey& column) const { return table_->total(id(column)); }
+    /// Returns the cells of a column, in the order of the rows.
+    [[nodiscard]] std::vector<Value> values(const ColumnKey& column) const {
+        return table_->unloadColumn(id(column));
+    }
+    /// Puts values into the first cells of a column; those that have no row are not used.
+    void setValues(const ColumnKey& column, std::span<const Value> values) const {
+        table_->loadColumn(id(column), values);
+    }
+    /// Puts one value into all rows of these columns; no columns stand for all.
+    void fill(const AnyValue& value, ColumnKeys columns = {}) const { table_->fill(value, ids(columns)); }
+
+    // copies
+    /// Returns a new table with these columns and all rows; no columns stand for all.
+    [[nodiscard]] Table copy(ColumnKeys columns = {}) const { return table_->copy(ids(columns)); }
+    /// Returns a new table with these rows, which must be of this one, and these columns.
+    [[nodiscard]] CORE_API Table copy(std::span<const Row> rows, ColumnKeys columns = {}) const;
+
+  private:
+    [[nodiscard]] std::int32_t id(const ColumnKey& column) const { return column.idIn(table_->columns()); }
+    [[nodiscard]] std::vector<std::int32_t> ids(ColumnKeys columns) const {
+        return column_ids(table_->columns(), columns);
+    }
+
+    InterfacePtr<IValueTable> table_;
+};
+
+/// A value table.
+template <>
+struct NativeValue<Table> {
+    /// Returns the table; refuses the type of every other value.
+    static Table from(const Value& value, ValueReceiver receiver) {
+        return from_value<InterfacePtr<IValueTable>>(value, receiver);
+    }
+    /// Returns the table as a value.
+    static Value to(const Table& table) { return table; }
+    /// Returns the type of value tables.
+    static const GUID* type() noexcept { return &kValueTableType; }
+};
+
+} // namespace core

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <core/values/shown_value.h>
+
+#include <string>
+#include <string_view>
+#include <version>
+
+#if __has_include(<format>)
+#include <format>
+#endif
+
+/// Values, numbers, dates and ids in std::format, where the standard library has it, and in fmt, where its
+/// header was included before this one: `std::format("{:>12}", row["Price"].value())`. What stands behind the
+/// colon is what a text may have.
+namespace core {
+
+/// A type that can be formatted: one of those that can be written to streams, or a value.
+template <class T>
+concept Formatted = Shown<T> || std::derived_from<T, Value>;
+
+} // namespace core
+
+#if defined(__cpp_lib_format)
+/// How std::format writes a type of the library.
+template <core::Formatted T>
+struct std::formatter<T, char> : std::formatter<std::string_view, char> {
+    /// Writes the text of to_utf8().
+    template <class Context>
+    auto format(const T& shown, Context& context) const {
+        return std::formatter<std::string_view, char>::format(to_utf8(shown), context);
+    }
+};
+#endif
+
+#if defined(FMT_VERSION)
+/// How fmt writes a type of the library.
+template <core::Formatted T>
+struct fmt::formatter<T, char> : fmt::formatter<std::string_view, char> {
+    /// Writes the text of to_utf8().
+    template <class Context>
+    auto format(const T& shown, Context& context) const {
+        return fmt::formatter<std::string_view, char>::format(to_utf8(shown), context);
+    }
+};
+#endif
