@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Included by package_test.cmake: builds the module and the program of docs/modules.md, and the example module, against the
-# installed library, and runs what they say.
+# Included by package_test.cmake: builds the module and the program of docs/modules.md, and the examples of a module and a
+# program, against the installed library, and runs what they say.
 file(READ ${source}/docs/modules.md page)
 set(adder ${work}/adder)
 
@@ -24,7 +24,7 @@ cut("A = Новый" add.script)
 cut("cmake_minimum_required" CMakeLists.txt)
 file(APPEND ${adder}/CMakeLists.txt "add_executable(loader loader.cpp)\ntarget_link_libraries(loader PRIVATE core::core core::host)\n")
 
-foreach(project ${adder} ${source}/examples/module)
+foreach(project ${adder} ${source}/examples/module ${source}/examples/report)
   cmake_path(GET project FILENAME name)
   execute_process(COMMAND ${CMAKE_COMMAND} -G Ninja -S ${project} -B ${work}/${name}-build -D CMAKE_PREFIX_PATH=${prefix}
     -D CMAKE_CXX_COMPILER=${compiler} OUTPUT_QUIET ${run})
@@ -42,6 +42,9 @@ set(host ${prefix}/bin/corehost --lang en)
 expect("3.5\n" ${host} --module ${work}/adder-build/libadder.so run ${adder}/add.script)
 expect("Nothing below 0 can be added: -1.\nIDS_MODULE_IN_USE\n" ${work}/adder-build/loader ${work}/adder-build/libadder.so)
 expect("5\n3.5\n3 Downwards\n" ${host} --module ${work}/module-build/libcounter.so run ${source}/examples/module/count.script)
+file(WRITE ${work}/countries.csv "Name,Currency,People\nA,EUR,10\nB,CHF,9\nC,EUR,80.5\nD,XXX,1\n")
+file(WRITE ${work}/currencies.csv "Code,Name\nEUR,Euro\nCHF,Franken\n")
+expect("Money,Countries,People\r\nEuro,2,90.5\r\n" ${work}/report-build/report ${work}/countries.csv ${work}/currencies.csv 1)
 
 execute_process(COMMAND ${host} --json --module ${work}/module-build/libcounter.so describe --modules OUTPUT_VARIABLE written ${run})
 foreach(part "\"name\": \"core\"" "\"name\": \"counter\"" "\"interface\": 1" "\"CounterDirection\"" "libcounter.so\"")

@@ -50,6 +50,10 @@ endfunction()
 cut_programs(README.md readme)
 cut_programs(docs/embedding.md embedding)
 cut_programs(docs/containers.md containers)
+cut_programs(docs/tables-cpp.md tables)
+file(READ ${source}/docs/tables-cpp.md page)
+string(REGEX MATCH "```csv\n(Region[^`]*)```" page "${page}")
+file(WRITE ${work}/programs/sales.csv "${CMAKE_MATCH_1}")
 
 set(consumer ${CMAKE_CURRENT_LIST_DIR}/consumer)
 execute_process(COMMAND ${CMAKE_COMMAND} -G Ninja -S ${consumer} -B ${work}/consumer -D CMAKE_PREFIX_PATH=${prefix}

@@ -76,6 +76,24 @@ TEST_F(Handles, OfTablesDoWhatTheInterfaceDoes) {
     EXPECT_EQ(table->losses().count(), 0U);
 }
 
+TEST_F(Handles, OfTablesCombine) {
+    const Table table = fruit();
+    Table codes{"Code", "Group"};
+    codes.add({"apple", 1});
+    codes.add({"plum", 2});
+    EXPECT_EQ(content(table.join(codes, "Name = Code")), u"apple,1.2,1;plum,0,2;");
+    EXPECT_EQ(content(table.join(codes, "Name = Code", "Group As G", JoinKind::left)),
+              u"apple,1.2,1;груша,2,;plum,0,2;");
+    EXPECT_EQ(table.join(codes, "Name = Code", JoinKind::anti).size(), 1U);
+    EXPECT_EQ(table.unite(table).size(), 3U);
+    EXPECT_EQ(table.unite(table, EqualRows::all).size(), 6U);
+    EXPECT_TRUE(table.except(table.copy()).empty());
+    EXPECT_EQ(table.intersect(table.copy()).size(), 3U);
+    table.fill(1, {"Цена"});
+    EXPECT_EQ(table.distinct({1}).size(), 1U);
+    EXPECT_EQ(table.distinct().size(), 3U);
+}
+
 TEST_F(Handles, OfColumnsStayTheirColumns) {
     const Table table = fruit();
     const Column name = table.columns()[0];

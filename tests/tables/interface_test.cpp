@@ -1,38 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-// Concerns: tables, trees and lists through their interfaces for C++, beside std containers, under random
-// operations; what the interfaces refuse.
-#include "tests/tables/table_fixture.h"
+// Concerns: tables through their interface for C++, beside std containers, under random operations; what the
+// interfaces refuse.
+#include "tests/tables/random_fixture.h"
 
 #include <algorithm>
 #include <numeric>
-#include <random>
 
 namespace {
 
 using namespace script;
 
-class Interfaces : public script::Test, public testing::WithParamInterface<unsigned> {
-  public:
-    std::size_t below(std::size_t n) { return static_cast<std::size_t>(random_() % n); }
-    /// A value of few different ones: numbers, texts, Undefined.
-    Value value() {
-        const auto small = static_cast<int>(below(5));
-        return below(3) == 0 ? Value(u"t" + string_intto(small)) : below(6) == 0 ? Value() : Value(small);
-    }
-
-  protected:
-    std::mt19937 random_{GetParam()};
-};
+class Interfaces : public RandomTest {};
 
 INSTANTIATE_TEST_SUITE_P(Seeds, Interfaces, testing::Range(1U, 5U));
-
-/// Moves the element at `from` to where it will have the position `to`.
-template <class T>
-void move_element(std::vector<T>& elements, std::size_t from, std::size_t to) {
-    T moved = std::move(elements[from]);
-    elements.erase(elements.begin() + static_cast<std::ptrdiff_t>(from));
-    elements.insert(elements.begin() + static_cast<std::ptrdiff_t>(to), std::move(moved));
-}
 
 /// A table beside a vector of columns, which are vectors of cells. The first column numbers the rows.
 struct TableModel {
@@ -42,7 +22,7 @@ struct TableModel {
         std::vector<Value> cells;
     };
 
-    Interfaces& test;
+    RandomTest& test;
     InterfacePtr<IValueTable> table = create_value_table();
     std::vector<Column> columns;
     std::size_t rows = 0;
@@ -275,195 +255,6 @@ TEST_P(Interfaces, ATableIsColumnsOfCells) {
     for (int i = 0; i < 1500 && !HasFatalFailure(); ++i) {
         model.step();
         model.check();
-    }
-}
-
-/// A row of a tree beside the row of the model.
-struct TreeNode {
-    Value cell;
-    std::vector<TreeNode> below;
-};
-
-using TreePath = std::vector<std::size_t>;
-
-/// The rows below a random row, or the topmost ones, on both sides.
-std::pair<IValueTreeRows*, TreeNode*> any_rows(Interfaces& test, IValueTree& tree, TreeNode& root,
-                                               InterfacePtr<IValueTreeRow>& held) {
-    IValueTreeRows* rows = &tree.rows();
-    TreeNode* node = &root;
-    while (!node->below.empty() && test.below(3) != 0) {
-        const std::size_t position = test.below(node->below.size());
-        held = rows->row(position);
-        rows = &held->rows();
-        node = &node->below[position];
-    }
-    return {rows, node};
-}
-
-void expect_tree(IValueTreeRows& rows, const TreeNode& node, std::int32_t column) {
-    ASSERT_EQ(rows.count(), node.below.size());
-    for (std::size_t i = 0; i < node.below.size(); ++i) {
-        ASSERT_EQ(rows.get(i, column), node.below[i].cell);
-        const auto row = rows.row(i);
-        ASSERT_EQ(row->position(), i);
-        expect_tree(row->rows(), node.below[i], column);
-    }
-}
-
-/// Calls `work` with each row below a node, a row before those below it.
-template <class Work>
-void walk_tree(const TreeNode& node, Work work) {
-    for (const TreeNode& below : node.below) {
-        work(below);
-        walk_tree(below, work);
-    }
-}
-
-void sort_tree(TreeNode& node, bool deep) {
-    std::stable_sort(node.below.begin(), node.below.end(),
-                     [](const TreeNode& a, const TreeNode& b) { return compare_values(a.cell, b.cell) < 0; });
-    for (std::size_t i = 0; deep && i < node.below.size(); ++i)
-        sort_tree(node.below[i], true);
-}
-
-TEST_P(Interfaces, ATreeIsRowsOfRows) {
-    const auto tree = create_value_tree();
-    const std::int32_t column = tree->columns().insert(0, u"A", TypeDomain(kNumberType));
-    TreeNode root;
-    int number = 0;
-    for (int i = 0; i < 800 && !HasFatalFailure(); ++i) {
-        InterfacePtr<IValueTreeRow> held;
-        const auto [rows, node] = any_rows(*this, *tree, root, held);
-        const std::size_t count = node->below.size();
-        const bool deep = below(2) == 0;
-        const RowDepth depth = deep ? RowDepth::all : RowDepth::children;
-        const auto at = [&](std::size_t position) {
-            return node->below.begin() + static_cast<std::ptrdiff_t>(position);
-        };
-        const Value fresh[] = {Value((number++ * 7919) % 1000)}; // no two rows are equal
-        if (count < 2 || below(3) == 0) {
-            const std::size_t position = below(count + 1);
-            const auto row = position == count ? rows->add(fresh) : rows->insert(position, fresh);
-            ASSERT_EQ(row->position(), position);
-            ASSERT_EQ(row->parent().query<IValue>(), held.query<IValue>());
-            node->below.insert(at(position), {fresh[0], {}});
-        } else if (const std::size_t what = below(6); what == 0) {
-            const std::size_t position = below(count);
-            const auto row = rows->row(position);
-            rows->remove(position);
-            EXPECT_TRUE(row->isDeleted());
-            EXPECT_EQ(failure([&] { static_cast<void>(row->position()); }),
-                      message_text("IDS_VT_UNKNOWN_ROW_ERROR"));
-            node->below.erase(at(position));
-        } else if (what == 1) {
-            const std::size_t from = below(count);
-            const std::size_t to = below(count);
-            rows->move(from, to);
-            move_element(node->below, from, to);
-        } else if (what == 2) {
-            const VTSortParam by[] = {{column}};
-            rows->sort(by, depth);
-            sort_tree(*node, deep);
-        } else if (what == 3) {
-            std::vector<Value> values = rows->unloadColumn(column);
-            std::reverse(values.begin(), values.end());
-            rows->loadColumn(column, values);
-            for (std::size_t row = 0; row < count; ++row)
-                node->below[row].cell = values[row];
-        } else if (what == 4) {
-            Numeric sum;
-            const TreeNode* wanted = nullptr;
-            const auto add = [&, wants = below(4)](const TreeNode& row) mutable {
-                sum += *row.cell.asNumeric();
-                if (wants-- == 0 || wanted == nullptr)
-                    wanted = &row;
-            };
-            if (deep)
-                walk_tree(*node, add);
-            else
-                std::for_each(node->below.begin(), node->below.end(), add);
-            ASSERT_EQ(rows->total(column, depth), Value(sum));
-            const auto found = rows->find(wanted->cell, std::span(&column, 1), depth);
-            ASSERT_EQ(found->get(column), wanted->cell);
-            ASSERT_EQ(found->rows().count(), wanted->below.size());
-            const VTFindParam filter[] = {{column, wanted->cell}};
-            ASSERT_EQ(rows->findRows(filter, depth).size(), 1U);
-        } else {
-            const std::size_t position = below(count);
-            rows->set(position, column, fresh[0]);
-            node->below[position].cell = fresh[0];
-        }
-        expect_tree(tree->rows(), root, column);
-    }
-}
-
-TEST_P(Interfaces, AListIsItems) {
-    const auto list = create_value_list();
-    std::vector<IValueList::Item> model;
-    const auto same = [](const IValueList::Item& a, const IValueList::Item& b) {
-        return a.value == b.value && a.presentation == b.presentation && a.check == b.check &&
-               a.picture == b.picture;
-    };
-    for (int i = 0; i < 1000 && !HasFatalFailure(); ++i) {
-        const IValueList::Item item{value(), wstring(u"p") + string_intto(below(9)), below(2) == 0, value()};
-        const std::size_t count = model.size();
-        const std::size_t at = count != 0 ? below(count) : 0;
-        const auto place = model.begin() + static_cast<std::ptrdiff_t>(at);
-        const bool down = below(2) == 0;
-        const auto direction = down ? SortDirection::descending : SortDirection::ascending;
-        switch (count < 2 ? 0 : below(10)) {
-        case 0:
-        case 1:
-            list->insert(at, item);
-            model.insert(place, item);
-            break;
-        case 2:
-            list->add(item);
-            model.push_back(item);
-            break;
-        case 3:
-            list->set(at, item);
-            *place = item;
-            break;
-        case 4:
-        case 5:
-            list->remove(at);
-            model.erase(place);
-            break;
-        case 6:
-            list->move(at, count - 1);
-            move_element(model, at, count - 1);
-            break;
-        case 7:
-            list->sortByValue(direction);
-            std::stable_sort(model.begin(), model.end(), [=](const auto& a, const auto& b) {
-                return (down ? compare_values(b.value, a.value) : compare_values(a.value, b.value)) < 0;
-            });
-            break;
-        case 8:
-            list->sortByPresentation(direction);
-            std::stable_sort(model.begin(), model.end(), [=](const auto& a, const auto& b) {
-                const Value x(a.presentation.text());
-                const Value y(b.presentation.text());
-                return (down ? compare_values(y, x) : compare_values(x, y)) < 0;
-            });
-            break;
-        default:
-            list->setCheck(at, !place->check);
-            place->check = !place->check;
-        }
-        ASSERT_EQ(list->count(), model.size());
-        const auto copy = list->copy();
-        for (std::size_t position = 0; position < model.size(); ++position) {
-            ASSERT_TRUE(same(list->get(position), model[position])) << position;
-            ASSERT_TRUE(same(copy->get(position), model[position])) << position;
-        }
-        const auto found = std::find_if(model.begin(), model.end(),
-                                        [&](const auto& each) { return each.value == item.value; });
-        ASSERT_EQ(list->find(item.value),
-                  found != model.end()
-                      ? std::optional<std::size_t>(static_cast<std::size_t>(found - model.begin()))
-                      : std::nullopt);
     }
 }
 

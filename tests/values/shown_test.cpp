@@ -92,7 +92,8 @@ TEST_F(Shown, InContainersOfTheStandardLibrary) {
 TEST_F(Shown, NumbersAreReadWholeOrNotAtAll) {
     EXPECT_EQ(Numeric::parse("-12.50"), Numeric(-25) / 2);
     EXPECT_EQ(Numeric::parse(u".5"), Numeric(1) / 2);
-    for (const char* const no : {"", " ", " 5", "5 ", "abc", "12x", "1 2", "1e5", "--1", ".", "1.2.3", "0x10", "1,5"})
+    for (const char* const no :
+         {"", " ", " 5", "5 ", "abc", "12x", "1 2", "1e5", "--1", ".", "1.2.3", "0x10", "1,5"})
         EXPECT_FALSE(Numeric::parse(no)) << no;
 }
 

@@ -38,4 +38,17 @@ Table Table::copy(std::span<const Row> rows, ColumnKeys columns) const {
     return table_->copyRows(positions, ids(columns));
 }
 
+Table Table::distinct(ColumnKeys columns, const TableWork& work) const {
+    return core::distinct(*table_, names(columns), work);
+}
+
+std::vector<wstring> Table::names(ColumnKeys columns) const {
+    std::vector<wstring> names;
+    for (const ColumnKey& column : columns) {
+        const IValueColumns& all = table_->columns();
+        names.push_back(all.get(all.positionOf(column.idIn(all))).name);
+    }
+    return names;
+}
+
 } // namespace core

@@ -25,7 +25,9 @@ class Array {
 
     /// Returns the array, borrowed: valid as long as this handle.
     [[nodiscard]] IValueArray* operator->() const noexcept { return array_.get(); }
+    /// Returns the array, borrowed: valid as long as this handle.
     operator const InterfacePtr<IValueArray>&() const noexcept { return array_; }
+    /// Returns the array as a value.
     operator Value() const { return detail::value_of_pointer(array_.get()); }
 
     /// Returns how many elements there are.

@@ -83,7 +83,9 @@ class PairsHandle {
   public:
     /// Returns the collection, borrowed: valid as long as this handle.
     [[nodiscard]] I* operator->() const noexcept { return pairs_.get(); }
+    /// Returns the collection, borrowed: valid as long as this handle.
     operator const InterfacePtr<I>&() const noexcept { return pairs_; }
+    /// Returns the collection as a value.
     operator Value() const { return detail::value_of_pointer(pairs_.get()); }
 
     /// Returns how many pairs there are.

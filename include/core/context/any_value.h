@@ -23,6 +23,7 @@ class AnyValue {
 
     /// Returns the value, borrowed: valid as long as this object.
     [[nodiscard]] const Value& value() const noexcept { return value_; }
+    /// Returns the value, borrowed: valid as long as this object.
     operator const Value&() const noexcept { return value_; }
 
   private:

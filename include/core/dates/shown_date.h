@@ -15,6 +15,7 @@ namespace core {
     date.toXMLString(text.data());
     return text;
 }
+/// Dates are written to streams.
 template <>
 inline constexpr bool kShown<Date> = true;
 

@@ -11,6 +11,7 @@ namespace core {
 
 /// Returns the text of Numeric::toString() in ASCII. Throws std::bad_alloc.
 [[nodiscard]] CORE_API std::string to_utf8(const Numeric& number);
+/// Numbers are written to streams.
 template <>
 inline constexpr bool kShown<Numeric> = true;
 

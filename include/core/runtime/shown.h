@@ -34,6 +34,7 @@ std::ostream& operator<<(std::ostream& out, const T& shown) {
 [[nodiscard]] inline std::string to_utf8(const GUID& id) {
     return to_utf8(to_string(id));
 }
+/// Ids are written to streams.
 template <>
 inline constexpr bool kShown<GUID> = true;
 

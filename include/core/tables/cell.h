@@ -50,6 +50,7 @@ class BasicCell {
 
     /// Returns the value. Throws as said above.
     [[nodiscard]] Value value() const { return place_.get(); }
+    /// Returns the value. Throws as said above.
     operator Value() const { return value(); }
     /// Returns the value as a `T`, which must not borrow from it: a wstring or an std::string, never a view.
     /// Throws as said above, and ContextException ("IDS_PARAMETER_N_TYPE_MISMATCH") for a value that is not
@@ -97,6 +98,7 @@ template <class Place>
 [[nodiscard]] std::string to_utf8(const BasicCell<Place>& cell) {
     return to_utf8(cell.value());
 }
+/// Cells are written to streams as their values are.
 template <class Place>
 inline constexpr bool kShown<BasicCell<Place>> = true;
 

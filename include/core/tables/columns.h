@@ -16,8 +16,8 @@
 namespace core {
 
 /// A column of a table or a tree: a handle, which keeps its table alive and stays this column wherever it
-/// moves. Every function but isOf() and id() throws ContextException ("IDS_VT_UNKNOWN_COLUMN_ERROR") when the
-/// column has been deleted. Threads: as the table.
+/// moves. Every function except isOf() and id() throws ContextException ("IDS_VT_UNKNOWN_COLUMN_ERROR") when
+/// the column has been deleted. Threads: as the table.
 class Column {
   public:
     /// Makes the handle of the column with an id, which is not looked for before it is used.

@@ -13,7 +13,7 @@
 namespace core {
 
 /// An item of a value list: a handle, which keeps the list alive and names the item by its position. Every
-/// function but position() throws ContextException ("IDS_INDEX_OFFBOUND") when there is no such item.
+/// function except position() throws ContextException ("IDS_INDEX_OFFBOUND") when there is no such item.
 /// Threads: as the list.
 class ListItem {
   public:
@@ -93,7 +93,9 @@ class List {
 
     /// Returns the list, borrowed: valid as long as this handle.
     [[nodiscard]] IValueList* operator->() const noexcept { return list_.get(); }
+    /// Returns the list, borrowed: valid as long as this handle.
     operator const InterfacePtr<IValueList>&() const noexcept { return list_; }
+    /// Returns the list as a value.
     operator Value() const { return detail::value_of_pointer(list_.get()); }
 
     /// Returns how many items there are.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/tables/joins.h>
 #include <core/tables/row.h>
+#include <core/tables/sets.h>
 
 #include <initializer_list>
 #include <optional>
@@ -43,7 +45,9 @@ class Table {
     [[nodiscard]] InterfacePtr<I> query() const noexcept {
         return table_.query<I>();
     }
+    /// Returns the table, borrowed: valid as long as this handle.
     operator const InterfacePtr<IValueTable>&() const noexcept { return table_; }
+    /// Returns the table as a value.
     operator Value() const { return detail::value_of_pointer(table_.get()); }
 
     // columns
@@ -118,7 +122,39 @@ class Table {
     /// Returns a new table with these rows, which must be of this one, and these columns.
     [[nodiscard]] CORE_API Table copy(std::span<const Row> rows, ColumnKeys columns = {}) const;
 
+    // sets of rows; each returns a new table, and this one stays as it is
+    /// Returns the rows beside those of another table that are equal in the columns that `on` names, with all
+    /// columns of the other one: `sales.join(products, "Product = Code")`. Throws as core::join() does.
+    [[nodiscard]] Table join(const Table& other, const Text& on, JoinKind kind = JoinKind::inner,
+                             const TableWork& work = {}) const {
+        return core::join(*table_, *other, on.view(), std::nullopt, kind, work);
+    }
+    /// Returns the same with some columns of the other table: "Name, Group As Family". Throws as core::join()
+    /// does.
+    [[nodiscard]] Table join(const Table& other, const Text& on, const Text& columns,
+                             JoinKind kind = JoinKind::inner, const TableWork& work = {}) const {
+        return core::join(*table_, *other, on.view(), wstring(columns.view()), kind, work);
+    }
+    /// Returns the rows and behind them those of another table. Throws as core::unite() does.
+    [[nodiscard]] Table unite(const Table& other, EqualRows equal = EqualRows::once,
+                              const TableWork& work = {}) const {
+        return core::unite(*table_, *other, equal, work);
+    }
+    /// Returns the rows that another table does not have, each once. Throws as core::except() does.
+    [[nodiscard]] Table except(const Table& other, const TableWork& work = {}) const {
+        return core::except(*table_, *other, work);
+    }
+    /// Returns the rows that another table has, too, each once. Throws as core::intersect() does.
+    [[nodiscard]] Table intersect(const Table& other, const TableWork& work = {}) const {
+        return core::intersect(*table_, *other, work);
+    }
+    /// Returns the different rows of some columns, each once; no columns stand for all. Throws as
+    /// core::distinct() does.
+    [[nodiscard]] CORE_API Table distinct(ColumnKeys columns = {}, const TableWork& work = {}) const;
+
   private:
+    /// The names of columns.
+    [[nodiscard]] CORE_API std::vector<wstring> names(ColumnKeys columns) const;
     [[nodiscard]] std::int32_t id(const ColumnKey& column) const { return column.idIn(table_->columns()); }
     [[nodiscard]] std::vector<std::int32_t> ids(ColumnKeys columns) const {
         return column_ids(table_->columns(), columns);

@@ -145,7 +145,9 @@ class Tree {
 
     /// Returns the tree, borrowed: valid as long as this handle.
     [[nodiscard]] IValueTree* operator->() const noexcept { return tree_.get(); }
+    /// Returns the tree, borrowed: valid as long as this handle.
     operator const InterfacePtr<IValueTree>&() const noexcept { return tree_; }
+    /// Returns the tree as a value.
     operator Value() const { return detail::value_of_pointer(tree_.get()); }
 
     /// Returns the columns, to be walked and changed.

@@ -69,7 +69,7 @@ class IValueColumns : public IUnknown {
 };
 
 /// A row of a table or a tree as scripts hold it: it keeps the table alive and stays this row wherever it
-/// moves. Every function but isDeleted() throws ContextException ("IDS_VT_UNKNOWN_ROW_ERROR") when the row
+/// moves. Every function except isDeleted() throws ContextException ("IDS_VT_UNKNOWN_ROW_ERROR") when the row
 /// has been deleted. Threads: as the table.
 class IValueRow : public IUnknown {
   public:

@@ -12,8 +12,7 @@
 #endif
 
 /// Values, numbers, dates and ids in std::format, where the standard library has it, and in fmt, where its
-/// header was included before this one: `std::format("{:>12}", row["Price"].value())`. What stands behind the
-/// colon is what a text may have.
+/// header was included before this one. What stands behind the colon is what a text may have.
 namespace core {
 
 /// A type that can be formatted: one of those that can be written to streams, or a value.
