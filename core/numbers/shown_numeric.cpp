@@ -5,7 +5,7 @@
 
 namespace core {
 
-std::string to_utf8(const Numeric& number) {
+std::string detail::ascii_of(const Numeric& number) {
     const wstring text = number.toString(); // ASCII alone
     std::string bytes(text.size(), '\0');
     std::transform(text.begin(), text.end(), bytes.begin(),

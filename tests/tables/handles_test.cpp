@@ -94,6 +94,22 @@ TEST_F(Handles, OfTablesCombine) {
     EXPECT_EQ(table.distinct().size(), 3U);
 }
 
+TEST_F(Handles, OfTablesSumUp) {
+    Table sales{"Product", "Region", {"Price", kNumberType}};
+    sales.add({"tea", "N", 2});
+    sales.add({"tea", "S", 5});
+    sales.add({"cocoa", "N", 4});
+    EXPECT_EQ(content(sales.group({"Product"}, {count("Sales"), sum("Price"), max(u"Region", u"Last")})),
+              u"tea,2,7,S;cocoa,1,4,N;");
+    EXPECT_EQ(content(sales.group({0}, {sum("Price")}, "Level")), u"0,,11;1,tea,7;1,cocoa,4;");
+    EXPECT_EQ(sales.total(max("Price")), 5);
+    const Table wide = sales.pivot({"Product"}, "Region", {sum("Price")});
+    EXPECT_EQ(content(wide), u"tea,2,5;cocoa,4,;");
+    EXPECT_EQ(content(wide.unpivot({"N", "S"}, "Region", "Price")), u"tea,N,2;tea,S,5;cocoa,N,4;");
+    sales.addWindows({running_total("Price", "Sum")}, {"Product"}, "Price");
+    EXPECT_EQ(shown(sales.values("Sum")), "2;7;4;");
+}
+
 TEST_F(Handles, OfColumnsStayTheirColumns) {
     const Table table = fruit();
     const Column name = table.columns()[0];

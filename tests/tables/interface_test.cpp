@@ -24,7 +24,7 @@ struct TableModel {
 
     RandomTest& test;
     InterfacePtr<IValueTable> table = create_value_table();
-    std::vector<Column> columns;
+    std::vector<Column> columns{};
     std::size_t rows = 0;
     int made = 0;
 
@@ -33,7 +33,7 @@ struct TableModel {
         const wstring name = u"C" + string_intto(made++);
         const std::int32_t id = table->columns().insert(position, name);
         columns.insert(columns.begin() + static_cast<std::ptrdiff_t>(position),
-                       {id, name, std::vector<Value>(rows)});
+                       Column{id, name, std::vector<Value>(rows)});
     }
     void addRow(std::size_t position) {
         std::vector<Value> cells{Value(made++)};
@@ -128,10 +128,9 @@ struct TableModel {
                 sum += *number;
             }
         }
-        if (numbers)
-            ASSERT_EQ(table->total(column.id), Value(sum));
-        else if (!texts)
-            ASSERT_TRUE(table->total(column.id).isUndefined());
+        if (!texts) {
+            ASSERT_EQ(table->total(column.id), numbers ? Value(sum) : Value());
+        }
     }
     /// Groups a copy by a column and counts the rows of each group, in a column of ones.
     void group() {

@@ -67,7 +67,7 @@ struct TreeModel {
         const auto row = position == node->below.size() ? rows->add(cells) : rows->insert(position, cells);
         ASSERT_EQ(row->position(), position);
         ASSERT_EQ(row->parent().query<IValue>(), above.query<IValue>());
-        node->below.insert(at(position), {cells[0], {}});
+        node->below.insert(at(position), Node{cells[0], {}});
     }
     void remove() {
         const std::size_t position = test.below(node->below.size());

@@ -3,7 +3,6 @@
 #include <core/values.h>
 #include <host/host_process.h>
 
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,6 +12,12 @@
 #include <sstream>
 #include <unordered_map>
 #include <unordered_set>
+
+// The formatters stand behind fmt, although <core/values.h> has brought their header before.
+// clang-format off
+#include <fmt/format.h>
+#include <core/values/formatter.h>
+// clang-format on
 
 namespace {
 

@@ -42,12 +42,15 @@ Table Table::distinct(ColumnKeys columns, const TableWork& work) const {
     return core::distinct(*table_, names(columns), work);
 }
 
+wstring Table::name(const ColumnKey& column) const {
+    const IValueColumns& columns = table_->columns();
+    return columns.get(columns.positionOf(column.idIn(columns))).name;
+}
+
 std::vector<wstring> Table::names(ColumnKeys columns) const {
     std::vector<wstring> names;
-    for (const ColumnKey& column : columns) {
-        const IValueColumns& all = table_->columns();
-        names.push_back(all.get(all.positionOf(column.idIn(all))).name);
-    }
+    for (const ColumnKey& column : columns)
+        names.push_back(name(column));
     return names;
 }
 

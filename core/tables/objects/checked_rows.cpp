@@ -2,6 +2,7 @@
 #include "core/tables/objects/checked_rows.h"
 
 #include "core/tables/objects/row_collection.h"
+#include "core/tables/query/row_totals.h"
 
 #include <core/tables/errors.h>
 #include <core/values/errors.h>

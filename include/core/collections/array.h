@@ -15,7 +15,7 @@ namespace core {
 /// for one that is out of bounds. Threads: one at a time.
 class Array {
   public:
-    /// Makes an array of these values. Throws std::bad_alloc.
+    /// Makes an array of these values; `Array{other}` is an array of one array. Throws std::bad_alloc.
     Array(AnyValues values = {}) : array_(create_value_array(to_values(values))) {}
     /// Holds an array that is there, which must not be null.
     Array(InterfacePtr<IValueArray> array) noexcept : array_(std::move(array)) {}

@@ -4,13 +4,24 @@
 #include <core/numbers/numeric.h>
 #include <core/runtime/shown.h>
 
+#include <concepts>
 #include <functional>
 
 /// Numbers on streams of bytes and as keys of the standard library's tables.
 namespace core {
 
-/// Returns the text of Numeric::toString() in ASCII. Throws std::bad_alloc.
-[[nodiscard]] CORE_API std::string to_utf8(const Numeric& number);
+namespace detail {
+
+[[nodiscard]] CORE_API std::string ascii_of(const Numeric& number);
+
+} // namespace detail
+
+/// Returns the text of Numeric::toString() in ASCII. Takes numbers alone, so that nothing else becomes one in
+/// order to be written. Throws std::bad_alloc.
+template <std::same_as<Numeric> T>
+[[nodiscard]] std::string to_utf8(const T& number) {
+    return detail::ascii_of(number);
+}
 /// Numbers are written to streams.
 template <>
 inline constexpr bool kShown<Numeric> = true;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/strings/text.h>
 #include <core/tables/value_table.h>
 
 #include <utility>
@@ -39,44 +40,44 @@ struct Aggregate {
 };
 
 /// Returns the count of rows, called `name`.
-[[nodiscard]] inline Aggregate count(wstring_view name = u"Count") {
-    return {AggregateKind::count, {}, wstring(name)};
+[[nodiscard]] inline Aggregate count(const Text& name = u"Count") {
+    return {AggregateKind::count, {}, wstring(name.view())};
 }
 /// Returns the count of the filled cells of a column, called `name` or, where that is empty, as the column.
-[[nodiscard]] inline Aggregate count_filled(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::count, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate count_filled(const Text& column, const Text& name = u"") {
+    return {AggregateKind::count, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the count of the different values of a column, called `name` or as the column.
-[[nodiscard]] inline Aggregate count_distinct(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::countDistinct, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate count_distinct(const Text& column, const Text& name = u"") {
+    return {AggregateKind::countDistinct, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the sum of a column, called `name` or as the column.
-[[nodiscard]] inline Aggregate sum(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::sum, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate sum(const Text& column, const Text& name = u"") {
+    return {AggregateKind::sum, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the smallest value of a column, called `name` or as the column.
-[[nodiscard]] inline Aggregate min(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::min, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate min(const Text& column, const Text& name = u"") {
+    return {AggregateKind::min, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the largest value of a column, called `name` or as the column.
-[[nodiscard]] inline Aggregate max(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::max, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate max(const Text& column, const Text& name = u"") {
+    return {AggregateKind::max, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the average of a column, called `name` or as the column.
-[[nodiscard]] inline Aggregate average(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::average, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate average(const Text& column, const Text& name = u"") {
+    return {AggregateKind::average, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the first filled cell of a column, called `name` or as the column.
-[[nodiscard]] inline Aggregate first(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::first, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate first(const Text& column, const Text& name = u"") {
+    return {AggregateKind::first, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the last filled cell of a column, called `name` or as the column.
-[[nodiscard]] inline Aggregate last(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::last, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate last(const Text& column, const Text& name = u"") {
+    return {AggregateKind::last, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the filled cells of a column as an array, called `name` or as the column.
-[[nodiscard]] inline Aggregate list(wstring_view column, wstring_view name = {}) {
-    return {AggregateKind::list, wstring(column), wstring(name)};
+[[nodiscard]] inline Aggregate list(const Text& column, const Text& name = u"") {
+    return {AggregateKind::list, wstring(column.view()), wstring(name.view())};
 }
 
 /// Returns a new table with a row for each group of rows whose cells are equal in all `columns`, in the order

@@ -83,7 +83,7 @@ class List {
   public:
     /// Makes an empty list that admits every value. Throws std::bad_alloc.
     List() : list_(create_value_list()) {}
-    /// Makes a list of these values.
+    /// Makes a list of these values; `List{other}` is a list of one list.
     List(AnyValues values) : List() { list_->load(to_values(values)); }
     /// Holds a list that is there, which must not be null.
     List(InterfacePtr<IValueList> list) noexcept : list_(std::move(list)) {}

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/tables/aggregates.h>
 #include <core/tables/joins.h>
 #include <core/tables/row.h>
 #include <core/tables/sets.h>
+#include <core/tables/windows.h>
 
 #include <initializer_list>
 #include <optional>
@@ -122,6 +124,34 @@ class Table {
     /// Returns a new table with these rows, which must be of this one, and these columns.
     [[nodiscard]] CORE_API Table copy(std::span<const Row> rows, ColumnKeys columns = {}) const;
 
+    // totals
+    /// Returns a new table with a row for each group of rows that are equal in `columns`, and aggregates of
+    /// the group: `sales.group({"Product"}, {count("Sales"), sum("Price")})`. Where `levels` names a column,
+    /// there are totals besides. Throws as core::group() does.
+    [[nodiscard]] Table group(ColumnKeys columns, const std::vector<Aggregate>& aggregates,
+                              const Text& levels = u"") const {
+        return core::group(*table_, names(columns), aggregates, levels.view());
+    }
+    /// Returns an aggregate of all rows: `sales.total(max("Day"))`. Throws as core::total() does.
+    [[nodiscard]] Value total(const Aggregate& aggregate) const { return core::total(*table_, aggregate); }
+    /// Returns a new table whose columns are the values of a column. Throws as core::pivot() does.
+    [[nodiscard]] Table pivot(ColumnKeys rows, const ColumnKey& column,
+                              const std::vector<Aggregate>& aggregates,
+                              std::size_t most = kMostPivotColumns) const {
+        return core::pivot(*table_, names(rows), name(column), aggregates, most);
+    }
+    /// Returns a new table with a row for each cell of some columns. Throws as core::unpivot() does.
+    [[nodiscard]] Table unpivot(ColumnKeys columns, const Text& name = u"Name", const Text& value = u"Value",
+                                EmptyCells empty = EmptyCells::skip) const {
+        return core::unpivot(*table_, names(columns), name.view(), value.view(), empty);
+    }
+    /// Adds columns that are computed over neighbouring rows: running totals, ranks, differences. Throws as
+    /// add_windows() does.
+    void addWindows(const std::vector<WindowFunction>& functions, ColumnKeys partition = {},
+                    const Text& order = u"") const {
+        add_windows(*table_, functions, names(partition), order.view());
+    }
+
     // sets of rows; each returns a new table, and this one stays as it is
     /// Returns the rows beside those of another table that are equal in the columns that `on` names, with all
     /// columns of the other one: `sales.join(products, "Product = Code")`. Throws as core::join() does.
@@ -153,7 +183,8 @@ class Table {
     [[nodiscard]] CORE_API Table distinct(ColumnKeys columns = {}, const TableWork& work = {}) const;
 
   private:
-    /// The names of columns.
+    /// The name of a column, and those of several.
+    [[nodiscard]] CORE_API wstring name(const ColumnKey& column) const;
     [[nodiscard]] CORE_API std::vector<wstring> names(ColumnKeys columns) const;
     [[nodiscard]] std::int32_t id(const ColumnKey& column) const { return column.idIn(table_->columns()); }
     [[nodiscard]] std::vector<std::int32_t> ids(ColumnKeys columns) const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/strings/text.h>
 #include <core/tables/value_table.h>
 
 /// Columns that are computed over neighbouring rows: running totals, ranks, differences to the row before.
@@ -28,38 +29,38 @@ struct WindowFunction {
 
 /// Returns the running total of a column. Cells without a number leave it as it is; it is Undefined before
 /// the first number.
-[[nodiscard]] inline WindowFunction running_total(wstring_view column, wstring_view name) {
-    return {WindowKind::runningTotal, wstring(column), wstring(name)};
+[[nodiscard]] inline WindowFunction running_total(const Text& column, const Text& name) {
+    return {WindowKind::runningTotal, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the number of each row, from 1.
-[[nodiscard]] inline WindowFunction row_number(wstring_view name = u"RowNumber") {
-    return {WindowKind::rowNumber, {}, wstring(name)};
+[[nodiscard]] inline WindowFunction row_number(const Text& name = u"RowNumber") {
+    return {WindowKind::rowNumber, {}, wstring(name.view())};
 }
 /// Returns the rank of each row in the order, which must be given: 1, 2, 2, 4.
-[[nodiscard]] inline WindowFunction rank(wstring_view name = u"Rank") {
-    return {WindowKind::rank, {}, wstring(name)};
+[[nodiscard]] inline WindowFunction rank(const Text& name = u"Rank") {
+    return {WindowKind::rank, {}, wstring(name.view())};
 }
 /// Returns the rank without gaps, in an order that must be given: 1, 2, 2, 3.
-[[nodiscard]] inline WindowFunction dense_rank(wstring_view name = u"DenseRank") {
-    return {WindowKind::denseRank, {}, wstring(name)};
+[[nodiscard]] inline WindowFunction dense_rank(const Text& name = u"DenseRank") {
+    return {WindowKind::denseRank, {}, wstring(name.view())};
 }
 /// Returns the difference of the numbers or dates of a column to the row before; Undefined where one of the
 /// two has none.
-[[nodiscard]] inline WindowFunction difference(wstring_view column, wstring_view name) {
-    return {WindowKind::difference, wstring(column), wstring(name)};
+[[nodiscard]] inline WindowFunction difference(const Text& column, const Text& name) {
+    return {WindowKind::difference, wstring(column.view()), wstring(name.view())};
 }
 /// Returns the cell of the row that is `distance` rows before.
-[[nodiscard]] inline WindowFunction lag(wstring_view column, wstring_view name, std::size_t distance = 1) {
-    return {WindowKind::lag, wstring(column), wstring(name), distance};
+[[nodiscard]] inline WindowFunction lag(const Text& column, const Text& name, std::size_t distance = 1) {
+    return {WindowKind::lag, wstring(column.view()), wstring(name.view()), distance};
 }
 /// Returns the cell of the row that is `distance` rows behind.
-[[nodiscard]] inline WindowFunction lead(wstring_view column, wstring_view name, std::size_t distance = 1) {
-    return {WindowKind::lead, wstring(column), wstring(name), distance};
+[[nodiscard]] inline WindowFunction lead(const Text& column, const Text& name, std::size_t distance = 1) {
+    return {WindowKind::lead, wstring(column.view()), wstring(name.view()), distance};
 }
 /// Returns the share of each number in the sum of its column; Undefined where the cell is not a number or the
 /// sum is 0.
-[[nodiscard]] inline WindowFunction share(wstring_view column, wstring_view name) {
-    return {WindowKind::share, wstring(column), wstring(name)};
+[[nodiscard]] inline WindowFunction share(const Text& column, const Text& name) {
+    return {WindowKind::share, wstring(column.view()), wstring(name.view())};
 }
 
 /// Adds a column for each function behind the others; the rows stay where they are. The functions work within

@@ -1,5 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#pragma once
+
+/// Values, numbers, dates and ids in std::format, where the standard library has it, and in fmt, where its
+/// header was included before this one. What stands behind the colon is what a text may have. This header may
+/// be included again behind that of fmt, so that it does not matter what another header has included.
+
+#if !defined(CORE_VALUES_FORMATTER)
+#define CORE_VALUES_FORMATTER
 
 #include <core/values/shown_value.h>
 
@@ -11,8 +17,6 @@
 #include <format>
 #endif
 
-/// Values, numbers, dates and ids in std::format, where the standard library has it, and in fmt, where its
-/// header was included before this one. What stands behind the colon is what a text may have.
 namespace core {
 
 /// A type that can be formatted: one of those that can be written to streams, or a value.
@@ -33,7 +37,10 @@ struct std::formatter<T, char> : std::formatter<std::string_view, char> {
 };
 #endif
 
-#if defined(FMT_VERSION)
+#endif
+
+#if defined(FMT_VERSION) && !defined(CORE_VALUES_FMT_FORMATTER)
+#define CORE_VALUES_FMT_FORMATTER
 /// How fmt writes a type of the library.
 template <core::Formatted T>
 struct fmt::formatter<T, char> : fmt::formatter<std::string_view, char> {
