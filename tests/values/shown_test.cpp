@@ -57,7 +57,7 @@ TEST_F(Shown, OnStreamsAndInFormats) {
     EXPECT_EQ(written(number), "-120.5..");
     EXPECT_EQ(written(Date(2024, 2, 29, 13, 5, 7)), "2024-02-29T13:05:07");
     EXPECT_EQ(written("443f09ed-a498-49b2-b555-edf086214cd1"_guid), "443f09ed-a498-49b2-b555-edf086214cd1");
-    EXPECT_EQ(written(Value(u"жук")), to_utf8(u"жук"));
+    EXPECT_EQ(written(Value(u"жук")), "жук..");
     EXPECT_EQ(fmt::format("{:>8}|{:<8}|{:^8}", number, Value(5), Date(1, 2, 3)),
               "  -120.5|5       |0001-02-03T00:00:00");
     EXPECT_EQ(fmt::format("{}", GenericValue(true)), "Yes");
