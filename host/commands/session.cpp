@@ -114,7 +114,10 @@ void Session::take(const wstring& line, const Lines& lines) {
         failed_ = true;
         console_.out.flush();
         show_error(console_, error);
-        if (!console_.terminal && code_of(error) == ExitCode::interrupted)
+        if (code_of(error) != ExitCode::interrupted)
+            return;
+        pasted_.clear();
+        if (!console_.terminal)
             exit_ = ExitCode::interrupted;
     }
 }
