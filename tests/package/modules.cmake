@@ -34,6 +34,7 @@ endforeach()
 # Fails unless a command writes a text.
 function(expect expected)
   execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE written ${run})
+  string(REPLACE "\r" "" written "${written}")
   if(NOT written STREQUAL expected)
     message(FATAL_ERROR "${ARGN} wrote\n${written}")
   endif()
@@ -44,7 +45,7 @@ expect("Nothing below 0 can be added: -1.\nIDS_MODULE_IN_USE\n" ${work}/adder-bu
 expect("5\n3.5\n3 Downwards\n" ${host} --module ${work}/module-build/libcounter.so run ${source}/examples/module/count.script)
 file(WRITE ${work}/countries.csv "Name,Currency,People\nA,EUR,10\nB,CHF,9\nC,EUR,80.5\nD,XXX,1\n")
 file(WRITE ${work}/currencies.csv "Code,Name\nEUR,Euro\nCHF,Franken\n")
-expect("Money,Countries,People\r\nEuro,2,90.5\r\n" ${work}/report-build/report ${work}/countries.csv ${work}/currencies.csv 1)
+expect("Money,Countries,People\nEuro,2,90.5\n" ${work}/report-build/report ${work}/countries.csv ${work}/currencies.csv 1)
 
 execute_process(COMMAND ${host} --json --module ${work}/module-build/libcounter.so describe --modules OUTPUT_VARIABLE written ${run})
 foreach(part "\"name\": \"core\"" "\"name\": \"counter\"" "\"interface\": 1" "\"CounterDirection\"" "libcounter.so\"")
