@@ -8,7 +8,8 @@
 #include <core/tables/columns.h>
 #include <core/tables/compare_values.h>
 #include <core/tables/errors.h>
-#include <core/tables/expression_parameter.h>
+#include <core/tables/expression.h>
+#include <core/tables/filter.h>
 #include <core/tables/joins.h>
 #include <core/tables/list.h>
 #include <core/tables/losses.h>

@@ -65,7 +65,7 @@ TEST_F(TableFailures, OfSearchesAndCopiesAreRefused) {
         {table_, u"Find", {1, 5}, type_mismatch(1)},
         {table_, u"Find", {1, u"A,A"}, twice(u"A")},
         {table_, u"FindRows", {structure_}, unknown_column(u"C")},
-        {table_, u"FindRows", {u"A"}, type_mismatch(0)},
+        {table_, u"FindRows", {5}, type_mismatch(0)},
         {table_, u"Total", {u"C"}, unknown_column(u"C")},
         {table_, u"Total", {2}, bad_index()},
         {table_, u"Total", {GenericValue()}, type_mismatch(0)},

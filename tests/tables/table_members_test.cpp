@@ -54,7 +54,7 @@ TEST_F(TableMembers, AndTreesHaveTheirMethodsByNumberAndName) {
         {u"Move", u"Сдвинуть", 2, false, u"--"},
         {u"Find", u"Найти", 2, true, u"-u"},
         {u"FindRows", u"НайтиСтроки", 1, true, u"-"},
-        {u"Total", u"Итог", 1, true, u"-"},
+        {u"Total", u"Итог", 2, true, u"-u"},
         {u"Sort", u"Сортировать", 2, false, u"-u"},
         {u"LoadColumn", u"ЗагрузитьКолонку", 2, false, u"--"},
         {u"UnloadColumn", u"ВыгрузитьКолонку", 1, true, u"-"},

@@ -65,6 +65,8 @@ TEST_F(TypedMembers, OfTables) {
         {u"Pivot", typed<&pivot>},
         {u"Unpivot", typed<&unpivot>},
         {u"AddWindow", typed<&add_windows>},
+        {u"Filter", typed<&keep_rows>},
+        {u"AddColumn", typed<&add_column>},
         {u"Join", typed<&join>},
         {u"Union", typed<&unite>},
         {u"Except", typed<&except>},

@@ -64,6 +64,12 @@ TableColumn& TableData::insertColumn(std::size_t position, ColumnInfo info) {
     return *columns_[position];
 }
 
+void TableData::appendColumn(ColumnInfo info, CellColumn cells) {
+    cells.grow(ids_);
+    std::swap(insertColumn(columns_.size(), std::move(info)).cells, cells);
+    tellColumnsChanged();
+}
+
 void TableData::columnsChanged() noexcept {
     names_.clear();
     ++version_;

@@ -214,6 +214,40 @@ void TableData::renumber(std::span<const RowId> rows) {
     ids_ = rows.size();
 }
 
+void TableData::keepRows(std::span<const RowId> rows) {
+    std::vector<CellColumn> kept;
+    kept.reserve(columns_.size());
+    for (const auto& column : columns_)
+        kept.push_back(column->cells.copy(RowRange(rows)));
+    std::vector<RowHandle*> handles(handles_.empty() ? 0 : rows.size());
+    std::vector<RowId> ids(ids_, kNoRow);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        ids[rows[i]] = static_cast<RowId>(i);
+    beforeReorder(rows_);
+
+    for (RowHandle* const handle : handles_) {
+        if (handle == nullptr)
+            continue;
+        handle->row_ = ids[handle->row_];
+        if (handle->row_ != kNoRow)
+            handles[handle->row_] = handle;
+    }
+    handles_.swap(handles);
+    for (RowWalk* const walk : walks_) {
+        for (RowId& row : walk->rows_)
+            row = row != kNoRow ? ids[row] : kNoRow;
+    }
+    giveIndexesUp();
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        std::swap(columns_[i]->cells, kept[i]);
+    rows_.makePlain(rows.size());
+    free_.clear();
+    ids_ = rows.size();
+    count_ = rows.size();
+    ++version_;
+    tell(&TableWatcher::reloaded);
+}
+
 void TableData::regroup(std::span<GroupedColumn> columns, std::size_t count) {
     std::vector<std::unique_ptr<TableColumn>> kept(columns.size());
     detachHandles();

@@ -67,6 +67,8 @@ class TableData {
     /// "IDS_VT_COLUMNCODE_ERROR" for a name that is not valid, "IDS_VT_COLUMNS_NOT_UNIQUE" for a name that
     /// another column has. The caller calls tellColumnsChanged() when it is done with the column.
     TableColumn& insertColumn(std::size_t position, ColumnInfo info);
+    /// Appends a column with these cells, by row id. Throws as insertColumn() does.
+    void appendColumn(ColumnInfo info, CellColumn cells);
     /// Tells the watcher that a column is complete, or that its title or width has changed.
     void tellColumnsChanged() noexcept { tell(&TableWatcher::columnsChanged); }
     /// Throws as insertColumn() does.
@@ -101,6 +103,8 @@ class TableData {
     /// Removes all rows below a parent, with those below them.
     void removeRows(RowId parent);
     void moveRow(RowId parent, std::size_t from, std::size_t to);
+    /// Keeps these rows of a table, which come in their order, and removes all others.
+    void keepRows(std::span<const RowId> rows);
     /// Puts the rows below a parent into another order. The caller calls tellRowsSorted() after the last of
     /// several.
     void reorder(RowId parent, std::span<const RowId> rows);

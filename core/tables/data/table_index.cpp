@@ -9,6 +9,7 @@ bool TableIndex::covers(const TableColumn& column) const noexcept {
 }
 
 void TableIndex::giveUp() noexcept {
+    forgetSorted();
     current_ = false;
     index_.clear();
     links_ = {};
@@ -17,12 +18,14 @@ void TableIndex::giveUp() noexcept {
 void TableIndex::refresh(RowRange rows) {
     if (current_)
         return;
-    giveUp();
+    index_.clear();
+    links_ = {};
     rows.forEach([this](RowId row) { add(row); });
     current_ = true;
 }
 
 void TableIndex::link(RowId row) noexcept {
+    forgetSorted();
     if (!current_)
         return;
     try {
@@ -33,6 +36,7 @@ void TableIndex::link(RowId row) noexcept {
 }
 
 void TableIndex::unlink(RowId row) noexcept {
+    forgetSorted();
     if (!current_)
         return;
     const std::uint64_t hash = hashOf(row);

@@ -32,7 +32,17 @@ class TableIndex : public TablePart<TableIndex> {
     /// probes those of its columns.
     void find(std::span<const CellProbe> probes, std::vector<RowId>& rows) const;
 
+    // ranges of the first column
+    /// The rows in the order of their cells in the first column, borrowed until the next change; empty unless
+    /// somebody has sorted them since the last one.
+    [[nodiscard]] std::span<const RowId> sorted() const noexcept { return sorted_; }
+    void setSorted(std::vector<RowId> rows) noexcept { sorted_ = std::move(rows); }
+    /// Counts a question that sorted rows would answer. Returns whether there have been enough of them since
+    /// the last change, so that sorting will pay.
+    [[nodiscard]] bool askSorted() noexcept { return ++questions_ > kQuestions; }
+
   private:
+    static constexpr std::uint32_t kQuestions = 8;
     struct Link {
         RowId next;
         RowId previous;
@@ -41,11 +51,18 @@ class TableIndex : public TablePart<TableIndex> {
     [[nodiscard]] std::uint64_t hashOf(RowId row) const noexcept;
     [[nodiscard]] RowId firstWithKeyOf(RowId row, std::uint64_t hash) const noexcept;
     void add(RowId row);
+    void forgetSorted() noexcept {
+        if (questions_ != 0)
+            sorted_ = {};
+        questions_ = 0;
+    }
 
     std::vector<const TableColumn*> columns_;
     HashIndex index_;         // of the first row of each key
     std::vector<Link> links_; // by row: a ring of the rows of one key
     bool current_ = false;
+    std::vector<RowId> sorted_;
+    std::uint32_t questions_ = 0;
 };
 
 } // namespace core

@@ -7,6 +7,7 @@
 #include <core/context/arguments.h>
 #include <core/context/errors.h>
 #include <core/tables/errors.h>
+#include <core/tables/filter.h>
 #include <core/values/errors.h>
 
 namespace core {
@@ -36,6 +37,10 @@ GenericValue array_of_rows(TableData& data, std::span<const RowId> rows) {
 
 GenericValue find_row(TableData& data, RowId parent, bool subordinates, const Value& value,
                       const Value& columns) {
+    if (value.isObject() && value.type() == Type(kFilterType)) {
+        const std::vector<RowId> rows = filtered_rows(data, parent, subordinates, value, 0);
+        return rows.empty() ? GenericValue() : row_value(data, rows.front());
+    }
     std::vector<const TableColumn*> searched;
     for (const std::size_t column : optional_columns_argument(data, columns, 1))
         searched.push_back(&data.column(column));
@@ -66,7 +71,8 @@ std::vector<Value> column_values(const TableData& data, RowId parent, std::size_
 
 void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& columns,
                const Value& comparison, int comparisonParam) {
-    const std::vector<SortColumn> sort = sort_argument(data, columns, 0);
+    const SortOrder order = sort_argument(data, columns, 0);
+    const std::span<const SortColumn> sort = order.columns;
     const auto object = comparison.query<ICompareValues>();
     if (!object && !comparison.isUndefined())
         parameter_type_mismatch(comparisonParam);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/tables/objects/row_objects.h"
+#include "core/tables/objects/table_expressions.h"
 #include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/table_summaries.h"
 #include "core/tables/query/row_search.h"
@@ -79,6 +80,12 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
         return inserted(position);
     }
     GenericValue callDelete(std::span<GenericValue> arguments) {
+        if constexpr (!T::kHierarchical) {
+            if (is_filter_argument(arguments[0])) {
+                delete_filtered(data(), arguments[0], 0);
+                return {};
+            }
+        }
         data().removeRow(parent(), row_argument(data(), parent(), arguments[0], 0));
         return {};
     }
@@ -95,10 +102,12 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
         return find_row(data(), parent(), subordinates(arguments, 2), arguments[0], arguments[1]);
     }
     GenericValue callFindRows(std::span<GenericValue> arguments) {
-        const auto filter = filter_argument(data(), arguments[0], 0);
-        return array_of_rows(data(), matching_rows(data(), parent(), subordinates(arguments, 1), filter));
+        return array_of_rows(data(),
+                             filtered_rows(data(), parent(), subordinates(arguments, 1), arguments[0], 0));
     }
     GenericValue callTotal(std::span<GenericValue> arguments) {
+        if constexpr (!T::kHierarchical)
+            return filtered_total(data(), arguments[0], arguments[1]);
         const RowList list(data(), parent(), subordinates(arguments, 1));
         return call_total(data(), list.range(), arguments[0]);
     }
@@ -127,6 +136,7 @@ namespace detail {
 inline constexpr Param kFind[] = {kValueParam, kAnyColumnsParam, kDeepParam};
 inline constexpr Param kFindRows[] = {named_param(kFilterName), kDeepParam};
 inline constexpr Param kTotal[] = {named_param(kColumnName), kDeepParam};
+inline constexpr Param kFlatTotal[] = {named_param(kColumnName), named_param(kFilterName, kUndefinedDefault)};
 inline constexpr Param kFlatSort[] = {kColumnsParam, kComparisonParam};
 inline constexpr Param kHierarchicalSort[] = {kColumnsParam, kDeepParam, kComparisonParam};
 inline constexpr Param kMoveRow[] = {named_param(kRowName), named_param(kOffsetName)};
@@ -148,7 +158,8 @@ constexpr std::array<Method<T>, 14> RowCollection<T, Is...>::rowMethods() noexce
     constexpr bool deep = T::kHierarchical;
     constexpr auto find = std::span<const Param>(detail::kFind).first(deep ? 3 : 2);
     constexpr auto findRows = std::span<const Param>(detail::kFindRows).first(deep ? 2 : 1);
-    constexpr auto total = std::span<const Param>(detail::kTotal).first(deep ? 2 : 1);
+    constexpr auto total =
+        deep ? std::span<const Param>(detail::kTotal) : std::span<const Param>(detail::kFlatTotal);
     constexpr auto sort =
         deep ? std::span<const Param>(detail::kHierarchicalSort) : std::span<const Param>(detail::kFlatSort);
     return {{

@@ -112,15 +112,18 @@ std::vector<SortItem> sort_items(wstring_view text, int param) {
     return items;
 }
 
-std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param) {
+SortOrder sort_argument(const TableData& data, const Value& argument, int param) {
+    const wstring_view list = text_argument(argument, param);
+    if (list.find_first_of(u"()+-*/%=<>\"'[]") != wstring_view::npos)
+        return read_order(data, list);
     // The form of the list is checked before the names in it.
     ColumnList columns;
-    std::vector<SortColumn> sort;
-    for (const SortItem& item : sort_items(text_argument(argument, param), param)) {
+    SortOrder order;
+    for (const SortItem& item : sort_items(list, param)) {
         add_column(columns, data, item.name);
-        sort.push_back({&data.column(columns.back()).cells, item.descending});
+        order.columns.push_back({&data.column(columns.back()).cells, item.descending});
     }
-    return sort;
+    return order;
 }
 
 } // namespace core

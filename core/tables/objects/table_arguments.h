@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/tables/data/table_data.h"
-#include "core/tables/sort/row_sort.h"
+#include "core/tables/objects/table_expressions.h"
 
 #include <core/context/arguments.h>
 
@@ -42,7 +42,7 @@ struct SortItem {
 };
 /// Names with "," between them, each of which may be followed by a direction; the names are not looked for.
 [[nodiscard]] std::vector<SortItem> sort_items(wstring_view text, int param);
-/// The same with the columns of the names.
-[[nodiscard]] std::vector<SortColumn> sort_argument(const TableData& data, const Value& argument, int param);
+/// The same with the columns of the names, and with expressions among them.
+[[nodiscard]] SortOrder sort_argument(const TableData& data, const Value& argument, int param);
 
 } // namespace core

@@ -161,10 +161,10 @@ void call_add_window(TableData& data, std::span<const GenericValue> arguments) {
     ColumnList partition;
     if (!arguments[1].isUndefined())
         partition = column_list_argument(data, arguments[1], 1, BlankList::noColumn);
-    std::vector<SortColumn> order;
+    SortOrder order;
     if (!trim_all(optional_text_argument(arguments[2], 2)).empty())
         order = sort_argument(data, arguments[2], 2);
-    add_windows(data, functions, columns_of(data, partition), order);
+    add_windows(data, functions, columns_of(data, partition), order.columns);
 }
 
 Value call_total(const TableData& data, RowRange rows, const Value& column) {
@@ -208,10 +208,10 @@ void add_windows(IValueTable& table, const std::vector<WindowFunction>& function
     if (own == nullptr)
         parameter_type_mismatch(0);
     TableData& data = *own;
-    std::vector<SortColumn> sort;
+    SortOrder sort;
     if (!trim_all(order).empty())
         sort = sort_argument(data, Value(order), 3);
-    add_windows(data, functions, Operands(data).columns(partition), sort);
+    add_windows(data, functions, Operands(data).columns(partition), sort.columns);
 }
 
 } // namespace core

@@ -7,6 +7,7 @@
 #include "core/tables/objects/row_collection.h"
 #include "core/tables/objects/row_events.h"
 #include "core/tables/objects/sub_object.h"
+#include "core/tables/objects/table_expressions.h"
 #include "core/tables/objects/table_format.h"
 #include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/table_parts.h"
@@ -144,6 +145,15 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
     GenericValue callCopyColumns(std::span<GenericValue> arguments);
     GenericValue callGroupBy(std::span<GenericValue> arguments);
     GenericValue callFillValues(std::span<GenericValue> arguments);
+    GenericValue callFilter(std::span<GenericValue> arguments) {
+        data_.keepRows(filtered_rows(data_, kNoRow, false, arguments[0], 0));
+        return {};
+    }
+    GenericValue callAddColumn(std::span<GenericValue> arguments) {
+        add_computed_column(data_, text_argument(arguments[0], 0), text_argument(arguments[1], 1),
+                            parameters_argument(arguments[2], 2));
+        return {};
+    }
     GenericValue callChooseRow(std::span<GenericValue> arguments);
     GenericValue callGroup(std::span<GenericValue> arguments) { return call_group(data_, arguments); }
     GenericValue callPivot(std::span<GenericValue> arguments) { return call_pivot(data_, arguments); }
@@ -211,12 +221,12 @@ std::optional<std::size_t> ValueTable::chooseRow(const wstring& title, std::opti
     return chosen.isUndefined() ? std::nullopt : std::optional(indexOf(chosen));
 }
 
-/// Returns the rows to copy: all, those of an array, or those that match a filter.
+/// Returns the rows to copy: all, those of an array, or those that pass a filter.
 std::vector<RowId> ValueTable::rowsArgument(const Value& argument, int param) const {
-    if (argument.query<IValueStructure>())
-        return matching_rows(data_, kNoRow, false, filter_argument(data_, argument, param));
     if (argument.isUndefined())
         return matching_rows(data_, kNoRow, false, {});
+    if (is_filter_argument(argument))
+        return filtered_rows(data_, kNoRow, false, argument, param);
     std::vector<RowId> rows;
     for (const Value& row : array_argument(argument, param))
         rows.push_back(row_object_argument(data_, row, param));
@@ -326,6 +336,9 @@ constexpr Param kAddWindow[] = {named_param({u"Functions", u"Функции"}),
                                 named_param({u"Partition", u"Раздел"}, kUndefinedDefault),
                                 named_param({u"Order", u"Порядок"}, kUndefinedDefault)};
 constexpr Param kFillValues[] = {kValueParam, kAnyColumnsParam};
+constexpr Param kFilter[] = {named_param(kFilterName)};
+constexpr Param kAddColumn[] = {named_param(kCodePropTerm), named_param({u"Expression", u"Выражение"}),
+                                named_param({u"Parameters", u"Параметры"}, kUndefinedDefault)};
 constexpr Param kChooseRow[] = {named_param(kTitlePropTerm, kUndefinedDefault),
                                 named_param({u"InitialRow", u"НачальнаяСтрока"}, kUndefinedDefault)};
 
@@ -359,6 +372,8 @@ std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
             {kPivotMethodTerm, kPivot, kFunction, &ValueTable::callPivot, &kValueTableType},
             {kUnpivotMethodTerm, kUnpivot, kFunction, &ValueTable::callUnpivot, &kValueTableType},
             {kAddWindowMethodTerm, kAddWindow, kProcedure, &ValueTable::callAddWindow},
+            {kFilterMethodTerm, kFilter, kProcedure, &ValueTable::callFilter},
+            {kAddColumnMethodTerm, kAddColumn, kProcedure, &ValueTable::callAddColumn},
         }));
     static constexpr auto kMethods = detail::joined(kOwn, combiningMethods());
     return kMethods;

@@ -54,21 +54,24 @@ ExpressionToken ExpressionLexer::next() {
 }
 
 /// The column counts characters, a pair of surrogates as one.
-ExpressionPlace ExpressionLexer::place() const noexcept {
-    std::uint32_t column = 1;
-    for (std::size_t i = lineBegin_; i < at_; ++i)
-        column += (text_[i] & 0xFC00U) != 0xDC00U ? 1 : 0;
-    return {line_, column};
+ExpressionPlace ExpressionLexer::place() noexcept {
+    for (; counted_ < at_; ++counted_)
+        column_ += (text_[counted_] & 0xFC00U) != 0xDC00U ? 1 : 0;
+    return {line_, column_};
+}
+
+void ExpressionLexer::beginLine(std::size_t offset) noexcept {
+    ++line_;
+    counted_ = offset;
+    column_ = 1;
 }
 
 void ExpressionLexer::skipBlanks() noexcept {
     while (at_ < text_.size() && is_space(text_[at_])) {
         const bool ends = text_[at_] == u'\n' || (text_[at_] == u'\r' && at(at_ + 1) != u'\n');
         ++at_;
-        if (ends) {
-            ++line_;
-            lineBegin_ = at_;
-        }
+        if (ends)
+            beginLine(at_);
     }
 }
 
@@ -85,10 +88,8 @@ wstring_view ExpressionLexer::quoted(ExpressionPlace begin, wchar end) {
     for (;; ++at_) {
         if (at_ == text_.size())
             fail_expression(begin, messages::kExpressionOpen, {wstring(1, end)});
-        if (text_[at_] == u'\n') {
-            ++line_;
-            lineBegin_ = at_ + 1;
-        }
+        if (text_[at_] == u'\n')
+            beginLine(at_ + 1);
         if (text_[at_] != end)
             continue;
         if (end != u'"' || at(at_ + 1) != end)

@@ -32,7 +32,8 @@ class ExpressionLexer {
     [[nodiscard]] wchar at(std::size_t offset) const noexcept {
         return offset < text_.size() ? text_[offset] : u'\0';
     }
-    [[nodiscard]] ExpressionPlace place() const noexcept;
+    [[nodiscard]] ExpressionPlace place() noexcept;
+    void beginLine(std::size_t offset) noexcept;
     void skipBlanks() noexcept;
     [[nodiscard]] wstring_view word() noexcept;
     [[nodiscard]] wstring_view quoted(ExpressionPlace begin, wchar end);
@@ -41,9 +42,10 @@ class ExpressionLexer {
 
     wstring_view text_;
     std::size_t at_ = 0;
-    // the line that `at_` stands in
+    // the place of `counted_`, in the line that `at_` stands in
     std::uint32_t line_ = 1;
-    std::size_t lineBegin_ = 0;
+    std::uint32_t column_ = 1;
+    std::size_t counted_ = 0;
 };
 
 } // namespace core

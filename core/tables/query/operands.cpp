@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/operands.h"
 
+#include "core/tables/query/bound_expression.h"
+#include "core/tables/query/expression_parser.h"
+
+#include <core/strings/names.h>
 #include <core/tables/errors.h>
 #include <core/values/errors.h>
 
@@ -9,10 +13,19 @@
 namespace core {
 
 const TableColumn& Operands::find(wstring_view argument) {
-    const auto position = data_.findColumn(argument);
-    if (!position)
+    if (const auto position = data_.findColumn(argument))
+        return data_.column(*position);
+    if (is_valid_name(argument))
         throw_error<ContextException>(messages::kUnknownColumn, {wstring(argument)});
-    return data_.column(*position);
+    const auto known = std::find_if(computed_.begin(), computed_.end(),
+                                    [&](const TableColumn& column) { return column.info.name == argument; });
+    if (known != computed_.end())
+        return *known;
+    CellColumn cells = computed_cells(data_, *parse_expression(argument));
+    ColumnInfo info{.name = wstring(argument), .domain = domain_of_cells(cells), .title = {}, .width = 0};
+    TableColumn& column = computed_.emplace_back(0, std::move(info));
+    column.cells = std::move(cells);
+    return column;
 }
 
 std::vector<const TableColumn*> Operands::columns(std::span<const wstring> names) const {

@@ -3,14 +3,19 @@
 
 #include "core/tables/data/table_data.h"
 
+#include <deque>
+
 namespace core {
 
-/// The columns that functions work on, by their names, for as long as the table stays as it is.
+/// The columns that functions work on, by their names or as expressions, for as long as the table stays as it
+/// is.
 class Operands {
   public:
     explicit Operands(const TableData& data) noexcept : data_(data) {}
 
-    /// Returns the column of that name. Throws ContextException ("IDS_VT_UNKNOWN_COLUMN_ERROR").
+    /// Returns the column of that name, or one with the values of an expression, which is computed once and
+    /// borrowed from this object. Throws ContextException ("IDS_VT_UNKNOWN_COLUMN_ERROR") and
+    /// ExpressionException.
     [[nodiscard]] const TableColumn& find(wstring_view argument);
     /// Returns the columns of several names, each of which may come once. Throws as find() does, and
     /// "IDS_VT_COLUMNS_NOT_UNIQUE".
@@ -18,6 +23,7 @@ class Operands {
 
   private:
     const TableData& data_;
+    std::deque<TableColumn> computed_;
 };
 
 /// The cells of columns.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/row_search.h"
 
+#include "core/tables/query/index_search.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -51,19 +53,6 @@ std::vector<RowId> matching_in(RowRange rows, const RowCondition& condition) {
         });
     });
     return matches;
-}
-
-/// Sorts rows by their positions; often they are sorted already.
-void put_in_order(std::vector<RowId>& rows, const RowOrder& order) {
-    std::vector<std::pair<std::size_t, RowId>> positions;
-    positions.reserve(rows.size());
-    for (const RowId row : rows)
-        positions.emplace_back(order.positionOf(row), row);
-    if (std::is_sorted(positions.begin(), positions.end()))
-        return;
-    std::sort(positions.begin(), positions.end());
-    std::transform(positions.begin(), positions.end(), rows.begin(),
-                   [](const auto& position) { return position.second; });
 }
 
 /// Returns the rows that an index has for a filter, in no particular order.
@@ -139,6 +128,22 @@ RowList::RowList(const TableData& data, RowId parent, bool subordinates)
     rows_ = data.rowsOf(parent).rows();
     if (subordinates)
         rows_ = data.withSubordinates(rows_);
+}
+
+void put_in_order(std::vector<RowId>& rows, const RowOrder& order) {
+    std::vector<std::pair<std::size_t, RowId>> positions;
+    positions.reserve(rows.size());
+    for (const RowId row : rows)
+        positions.emplace_back(order.positionOf(row), row);
+    if (std::is_sorted(positions.begin(), positions.end()))
+        return;
+    std::sort(positions.begin(), positions.end());
+    std::transform(positions.begin(), positions.end(), rows.begin(),
+                   [](const auto& position) { return position.second; });
+}
+
+bool has_index_for(const TableData& data, std::span<const RowCondition> filter) noexcept {
+    return index_for(data, filter) != nullptr;
 }
 
 std::vector<RowId> matching_rows(const TableData& data, RowId parent, bool subordinates,

@@ -103,6 +103,10 @@ inline constexpr Term kUnpivotMethodTerm = {u"Unpivot", u"ПовернутьОб
 inline constexpr Term kAddWindowMethodTerm = {u"AddWindow", u"ДобавитьОкно"};
 /// Puts one value into all rows.
 inline constexpr Term kFillValuesMethodTerm = {u"FillValues", u"ЗаполнитьЗначения"};
+/// Keeps the rows that pass a filter.
+inline constexpr Term kFilterMethodTerm = {u"Filter", u"Отобрать"};
+/// Adds a column that an expression computes.
+inline constexpr Term kAddColumnMethodTerm = {u"AddColumn", u"ДобавитьКолонку"};
 /// Lets the user choose a row.
 inline constexpr Term kSelectRowMethodTerm = {u"ChooseRow", u"ВыбратьСтроку"};
 /// Fills an object from a table.

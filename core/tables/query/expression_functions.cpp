@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/tables/query/expression_functions.h"
+
+#include "core/locales/date_layout.h"
+#include "core/tables/query/expression_errors.h"
+
+#include <core/strings/compare.h>
+#include <core/strings/integer_text.h>
+#include <core/strings/letter_case.h>
+#include <core/strings/trim.h>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+namespace core {
+namespace {
+
+using Arguments = ExpressionArguments;
+using Function = ExpressionFunction;
+
+template <int (Date::*get)() const noexcept>
+Value part(const Arguments& a) {
+    return Value((a.date(0).*get)());
+}
+template <Date (Date::*get)() const noexcept>
+Value period(const Arguments& a) {
+    return Value((a.date(0).*get)());
+}
+
+Value add_month(const Arguments& a) {
+    constexpr int kMost = 12 * 10'000; // beyond that stand the ends of the calendar
+    return Value(a.date(0).addMonth(std::clamp(a.whole(1), -kMost, kMost)));
+}
+
+/// Date(Text) or Date(Year, Month, Day, …).
+Value date(const Arguments& a) {
+    if (a.size() == 1) {
+        if (a[0].asDate() != nullptr)
+            return a[0];
+        wstring_view text = trim_all(a.text(0));
+        Date date;
+        if (!(take_iso(text, date, DatePattern::dateTime) && text.empty()) && !a[0].getDate(date))
+            a.refuse(0);
+        return Value(date);
+    }
+    int parts[6] = {1, 1, 1, 0, 0, 0};
+    for (std::size_t i = 0; i < a.size(); ++i)
+        parts[i] = a.whole(i);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        int until[6] = {1, 1, 1, 0, 0, 0};
+        std::copy_n(parts, i + 1, until);
+        if (!Date::isMoment(until[0], until[1], until[2], until[3], until[4], until[5]))
+            a.refuse(i);
+    }
+    return Value(Date(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]));
+}
+Value current_date(const Arguments&) {
+    return Value(Date::getCurrentDate());
+}
+
+Value upper(const Arguments& a) {
+    return Value(to_upper(a.text(0)));
+}
+Value lower(const Arguments& a) {
+    return Value(to_lower(a.text(0)));
+}
+std::size_t length_argument(const Arguments& a, std::size_t i) {
+    return static_cast<std::size_t>(std::max(a.whole(i), 0));
+}
+Value left(const Arguments& a) {
+    return Value(a.text(0).substr(0, length_argument(a, 1)));
+}
+Value right(const Arguments& a) {
+    const wstring_view text = a.text(0);
+    return Value(text.substr(text.size() - std::min(text.size(), length_argument(a, 1))));
+}
+Value middle(const Arguments& a) {
+    const wstring_view text = a.text(0);
+    const std::size_t first = std::max<std::size_t>(length_argument(a, 1), 1) - 1;
+    const std::size_t count = a.size() > 2 ? length_argument(a, 2) : wstring_view::npos;
+    return Value(first < text.size() ? text.substr(first, count) : wstring_view());
+}
+Value length(const Arguments& a) {
+    return Value(a.text(0).size());
+}
+Value trim(const Arguments& a) {
+    return Value(trim_all(a.text(0)));
+}
+Value string(const Arguments& a) {
+    return a[0].asString() != nullptr ? a[0] : Value(a[0].presentation());
+}
+
+Value number(const Arguments& a) {
+    if (a[0].kind() == ValueKind::number)
+        return a[0];
+    if (a[0].kind() == ValueKind::boolean)
+        return Value(a[0].isTrue() ? 1 : 0);
+    const auto number = Numeric::parse(trim_all(a.text(0)));
+    return number ? Value(*number) : (a.refuse(0), Value());
+}
+Value round(const Arguments& a) {
+    return Value(a.number(0).round(a.size() > 1 ? a.whole(1) : 0));
+}
+Value whole(const Arguments& a) {
+    const Numeric number = a.number(0);
+    return Value(number.sign() < 0 ? -(-number).floor() : number.floor());
+}
+Value floor(const Arguments& a) {
+    return Value(a.number(0).floor());
+}
+Value absolute(const Arguments& a) {
+    return Value(a.number(0).abs());
+}
+/// The first argument that no other one precedes by `sign`.
+template <ExpressionOperator sign>
+Value extreme(const Arguments& a) {
+    std::size_t best = 0;
+    for (std::size_t i = 1; i < a.size(); ++i) {
+        if (a[i].kind() != a[0].kind() || a[i].kind() > ValueKind::date)
+            a.refuse(i);
+        const int order = compare_values(a[i], a[best]);
+        if (sign == ExpressionOperator::less ? order < 0 : order > 0)
+            best = i;
+    }
+    return a[best];
+}
+
+constexpr Function kFunctions[] = {
+    {{u"Year", u"Год"}, 1, 1, kNumberKind, &part<&Date::getYear>},
+    {{u"Quarter", u"Квартал"}, 1, 1, kNumberKind, &part<&Date::getQuarter>},
+    {{u"Month", u"Месяц"}, 1, 1, kNumberKind, &part<&Date::getMonth>},
+    {{u"Day", u"День"}, 1, 1, kNumberKind, &part<&Date::getMonthDay>},
+    {{u"Hour", u"Час"}, 1, 1, kNumberKind, &part<&Date::getHour>},
+    {{u"Minute", u"Минута"}, 1, 1, kNumberKind, &part<&Date::getMinute>},
+    {{u"Second", u"Секунда"}, 1, 1, kNumberKind, &part<&Date::getSecond>},
+    {{u"WeekDay", u"ДеньНедели"}, 1, 1, kNumberKind, &part<&Date::getWeekDay>},
+    {{u"YearDay", u"ДеньГода"}, 1, 1, kNumberKind, &part<&Date::getYearDay>},
+    {{u"YearWeek", u"НеделяГода"}, 1, 1, kNumberKind, &part<&Date::getYearWeek>},
+    {{u"BegOfYear", u"НачалоГода"}, 1, 1, kDateKind, &period<&Date::begOfYear>},
+    {{u"EndOfYear", u"КонецГода"}, 1, 1, kDateKind, &period<&Date::endOfYear>},
+    {{u"BegOfQuarter", u"НачалоКвартала"}, 1, 1, kDateKind, &period<&Date::begOfQuart>},
+    {{u"EndOfQuarter", u"КонецКвартала"}, 1, 1, kDateKind, &period<&Date::endOfQuart>},
+    {{u"BegOfMonth", u"НачалоМесяца"}, 1, 1, kDateKind, &period<&Date::begOfMonth>},
+    {{u"EndOfMonth", u"КонецМесяца"}, 1, 1, kDateKind, &period<&Date::endOfMonth>},
+    {{u"BegOfWeek", u"НачалоНедели"}, 1, 1, kDateKind, &period<&Date::begOfWeek>},
+    {{u"EndOfWeek", u"КонецНедели"}, 1, 1, kDateKind, &period<&Date::endOfWeek>},
+    {{u"BegOfDay", u"НачалоДня"}, 1, 1, kDateKind, &period<&Date::begOfDay>},
+    {{u"EndOfDay", u"КонецДня"}, 1, 1, kDateKind, &period<&Date::endOfDay>},
+    {{u"BegOfHour", u"НачалоЧаса"}, 1, 1, kDateKind, &period<&Date::begOfHour>},
+    {{u"EndOfHour", u"КонецЧаса"}, 1, 1, kDateKind, &period<&Date::endOfHour>},
+    {{u"AddMonth", u"ДобавитьМесяц"}, 2, 2, kDateKind, &add_month},
+    {{u"Date", u"Дата"}, 1, 6, kDateKind, &date},
+    {{u"CurrentDate", u"ТекущаяДата"}, 0, 0, kDateKind, &current_date},
+    {{u"Upper", u"ВРег"}, 1, 1, kStringKind, &upper},
+    {{u"Lower", u"НРег"}, 1, 1, kStringKind, &lower},
+    {{u"Left", u"Лев"}, 2, 2, kStringKind, &left},
+    {{u"Right", u"Прав"}, 2, 2, kStringKind, &right},
+    {{u"Mid", u"Сред"}, 2, 3, kStringKind, &middle},
+    {{u"StrLen", u"СтрДлина"}, 1, 1, kNumberKind, &length},
+    {{u"TrimAll", u"СокрЛП"}, 1, 1, kStringKind, &trim},
+    {{u"String", u"Строка"}, 1, 1, kStringKind, &string},
+    {{u"Number", u"Число"}, 1, 1, kNumberKind, &number},
+    {{u"Round", u"Окр"}, 1, 2, kNumberKind, &round},
+    {{u"Int", u"Цел"}, 1, 1, kNumberKind, &whole},
+    {{u"Floor", u"ОкрВниз"}, 1, 1, kNumberKind, &floor},
+    {{u"Abs", u"Модуль"}, 1, 1, kNumberKind, &absolute},
+    {{u"Min", u"Мин"}, 1, Function::kMany, 0, &extreme<ExpressionOperator::less>},
+    {{u"Max", u"Макс"}, 1, Function::kMany, 0, &extreme<ExpressionOperator::greater>},
+    {{u"Coalesce", u"ПервоеНепустое"}, 1, Function::kMany, 0, nullptr, Function::Way::first},
+    {{u"If", u"Если"}, 3, 3, 0, nullptr, Function::Way::choice},
+};
+
+} // namespace
+
+Numeric ExpressionArguments::number(std::size_t i) const {
+    const NumericRef number = values_[i].asNumeric();
+    return number ? *number : (refuse(i), Numeric());
+}
+
+int ExpressionArguments::whole(std::size_t i) const {
+    const Numeric most(std::numeric_limits<int>::max());
+    const Numeric given = number(i);
+    return static_cast<int>(given > most ? most : given < -most ? -most : given);
+}
+
+wstring_view ExpressionArguments::text(std::size_t i) const {
+    const wstring_view* const text = values_[i].asString();
+    return text != nullptr ? *text : (refuse(i), wstring_view());
+}
+
+Date ExpressionArguments::date(std::size_t i) const {
+    const Date* const date = values_[i].asDate();
+    return date != nullptr ? *date : (refuse(i), Date());
+}
+
+void ExpressionArguments::refuse(std::size_t i) const {
+    fail_expression(place_, messages::kExpressionArgument,
+                    {wstring(function_.names[kEnglish]), string_intto(i + 1), values_[i].presentation()});
+}
+
+const ExpressionFunction* find_expression_function(wstring_view name) noexcept {
+    const auto* const found =
+        std::find_if(std::begin(kFunctions), std::end(kFunctions), [name](const Function& function) {
+            return compare_nocase(name, wstring_view(function.names[kEnglish])) == 0 ||
+                   compare_nocase(name, wstring_view(function.names[kRussian])) == 0;
+        });
+    return found != std::end(kFunctions) ? found : nullptr;
+}
+
+std::span<const ExpressionFunction> expression_functions() noexcept {
+    return kFunctions;
+}
+
+} // namespace core
