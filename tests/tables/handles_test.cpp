@@ -94,6 +94,19 @@ TEST_F(Handles, OfTablesCombine) {
     EXPECT_EQ(table.distinct().size(), 3U);
 }
 
+TEST_F(Handles, OfTablesFilter) {
+    const Table table = fruit();
+    EXPECT_EQ(table.findRows("Цена >= 2").front().position(), 1U);
+    EXPECT_EQ(content(table.copy(u"Цена < 2 And Name <> \"plum\"")), u"apple,1.2;");
+    EXPECT_EQ(table.addColumn("Twice", "Цена * 2").position(), 2U);
+    EXPECT_EQ(table[1]["Twice"], 4);
+    table.sort("Цена * 2 Desc");
+    EXPECT_EQ(shown(table.values(0)), "груша;apple;plum;");
+    EXPECT_EQ(table.filter("Цена > 0"), 1U);
+    EXPECT_EQ(table.remove("Name = \"apple\""), 1U);
+    EXPECT_EQ(table.size(), 1U);
+}
+
 TEST_F(Handles, OfTablesSumUp) {
     Table sales{"Product", "Region", {"Price", kNumberType}};
     sales.add({"tea", "N", 2});

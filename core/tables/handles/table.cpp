@@ -12,6 +12,10 @@ Table::Table(std::initializer_list<NewColumn> columns) : Table() {
 }
 
 void Table::sort(const Text& columns) const {
+    if (has_expression(columns.view())) {
+        sort_rows(*table_, columns.view());
+        return;
+    }
     std::vector<VTSortParam> params;
     for (const SortItem& item : sort_items(columns.view(), 0))
         params.push_back({id(ColumnKey(item.name)), item.descending});
@@ -27,6 +31,13 @@ std::vector<Row> Table::findRows(std::initializer_list<CellEquals> conditions) c
     std::vector<Row> rows;
     for (const std::size_t position :
          table_->IValueTableBaseRO_findRows(find_params(table_->columns(), conditions)))
+        rows.push_back((*this)[position]);
+    return rows;
+}
+
+std::vector<Row> Table::findRows(const Filter& filter) const {
+    std::vector<Row> rows;
+    for (const std::size_t position : find_rows(*table_, filter))
         rows.push_back((*this)[position]);
     return rows;
 }

@@ -98,6 +98,10 @@ ColumnList optional_columns_argument(const TableData& data, const Value& argumen
     return columns;
 }
 
+bool has_expression(wstring_view list) noexcept {
+    return list.find_first_of(u"()+-*/%=<>\"'[]") != wstring_view::npos;
+}
+
 std::vector<SortItem> sort_items(wstring_view text, int param) {
     std::vector<SortItem> items;
     for (const wstring_view item : string_tokenize(text, u",", EmptyTokens::keep)) {
@@ -114,7 +118,7 @@ std::vector<SortItem> sort_items(wstring_view text, int param) {
 
 SortOrder sort_argument(const TableData& data, const Value& argument, int param) {
     const wstring_view list = text_argument(argument, param);
-    if (list.find_first_of(u"()+-*/%=<>\"'[]") != wstring_view::npos)
+    if (has_expression(list))
         return read_order(data, list);
     // The form of the list is checked before the names in it.
     ColumnList columns;

@@ -35,6 +35,8 @@ enum class BlankList { refused, noColumn };
                                               BlankList blank = BlankList::refused);
 /// The same; Undefined stands for all columns.
 [[nodiscard]] ColumnList optional_columns_argument(const TableData& data, const Value& argument, int param);
+/// Whether a list of columns to sort by has expressions among them.
+[[nodiscard]] bool has_expression(wstring_view list) noexcept;
 /// A column to sort by, as a text names it; the name is borrowed from that.
 struct SortItem {
     wstring_view name;

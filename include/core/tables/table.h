@@ -2,6 +2,8 @@
 #pragma once
 
 #include <core/tables/aggregates.h>
+#include <core/tables/expression.h>
+#include <core/tables/filter.h>
 #include <core/tables/joins.h>
 #include <core/tables/row.h>
 #include <core/tables/sets.h>
@@ -86,11 +88,16 @@ class Table {
     void move(const Row& row, std::size_t position) const { table_->moveRow(row.position(), position); }
     /// Deletes a row; those behind it move up. Throws as IValueTable::removeRow() does.
     void remove(const Row& row) const { table_->removeRow(row.position()); }
+    /// Deletes the rows that pass a filter and returns how many these were. Throws as delete_rows() does.
+    std::size_t remove(const Filter& filter) const { return delete_rows(*table_, filter); }
+    /// Keeps the rows that pass a filter, `sales.filter("Price > 10")`, and returns how many others were
+    /// deleted. Throws as keep_rows() does.
+    std::size_t filter(const Filter& filter) const { return keep_rows(*table_, filter); }
     /// Deletes all rows; the columns stay.
     void clear() const { table_->clear(); }
-    /// Sorts the rows by names of columns with "," between them, each of which may be followed by a
-    /// direction: "Product, Price Desc". Throws as said above, and ContextException
-    /// ("IDS_PARAMETER_N_VALUE_MISMATCH") for a list that is not of that form.
+    /// Sorts the rows by names of columns or expressions with "," between them, each of which may be followed
+    /// by a direction: "Product, Price * Quantity Desc". Throws as said above, ContextException
+    /// ("IDS_PARAMETER_N_VALUE_MISMATCH") for a list that is not of that form, and ExpressionException.
     CORE_API void sort(const Text& columns) const;
     /// Collapses the table as IValueTable::groupBy() does. Throws as that.
     void groupBy(ColumnKeys columns, ColumnKeys totals) const { table_->groupBy(ids(columns), ids(totals)); }
@@ -104,7 +111,17 @@ class Table {
     /// Adds an index over columns, which searches that name them use and which follows every change.
     void addIndex(ColumnKeys columns) const { table_->addIndex(ids(columns)); }
 
+    /// Returns the rows, in order, that pass a filter. Throws as find_rows() does.
+    [[nodiscard]] CORE_API std::vector<Row> findRows(const Filter& filter) const;
+
     // whole columns
+    /// Adds a column behind the others whose cells an expression gives, computed now and stored:
+    /// `sales.addColumn("Sum", "Price * Quantity")`. Throws as add_column() does.
+    Column addColumn(const Text& name, const Text& expression,
+                     const ExpressionParameters& parameters = {}) const {
+        const std::int32_t id = add_column(*table_, name.view(), expression.view(), parameters);
+        return {InterfacePtr<IValueColumns>(&table_->columns()), id};
+    }
     /// Returns the exact sum of the Numbers in a column. Throws as IValueTableBaseRO::total() does.
     [[nodiscard]] Value total(const ColumnKey& column) const { return table_->total(id(column)); }
     /// Returns the cells of a column, in the order of the rows.
@@ -121,6 +138,8 @@ class Table {
     // copies
     /// Returns a new table with these columns and all rows; no columns stand for all.
     [[nodiscard]] Table copy(ColumnKeys columns = {}) const { return table_->copy(ids(columns)); }
+    /// Returns a new table with all columns and the rows that pass a filter. Throws as copy_rows() does.
+    [[nodiscard]] Table copy(const Filter& filter) const { return copy_rows(*table_, filter); }
     /// Returns a new table with these rows, which must be of this one, and these columns.
     [[nodiscard]] CORE_API Table copy(std::span<const Row> rows, ColumnKeys columns = {}) const;
 
