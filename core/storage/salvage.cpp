@@ -41,6 +41,12 @@ class Saver {
             options_.progress(std::min(done, length_), length_);
     }
 
+    /// Counts those as lost that are missing of so many files: not even their names are known.
+    void requireFiles(std::uint64_t files) noexcept {
+        const std::uint64_t met = report.whole + report.altered + report.cut + report.lost;
+        report.lost += files > met ? files - met : 0;
+    }
+
     SalvageReport report;
 
   private:
@@ -223,6 +229,7 @@ SalvageReport salvage(IFile& source, const StorageLayout& layout, StorageRW& tar
         if (!by)
             throw StorageException(StorageException::Kind::badFormat, source.url());
         saver.report.source = *by;
+        saver.requireFiles(found.expected());
     } catch (...) {
         target.rollback();
         throw;

@@ -324,8 +324,9 @@ void SalvageSource::scan(Found& found) {
 /// Takes note of a block that begins a chain.
 void SalvageSource::look(std::uint64_t address, const BlockHeader& header, Found& found) {
     if (address == layout_.headerSize())
-        return; // of the table
-    lookForNode(address, header, found);
+        return;                                                 // of the table
+    if (lookForNode(address, header, found) || isFree(address)) // which was removed, or never committed
+        return;
     if (header.chainSize == 0) {
         const std::size_t width = layout_.width;
         const auto bytes = reader_.at(address, layout_.blockHeaderSize() + 2 * width, kWindow);
@@ -372,6 +373,8 @@ std::optional<StorageFileInfo> SalvageSource::recordAt(std::uint64_t address, st
         const std::vector<std::byte> record = chain.content(reader_);
         const bool isRecord = load_number(record.data(), 8) < kLatest &&
                               load_number(record.data() + 8, 8) < kLatest &&
+                              std::any_of(record.begin(), record.begin() + 20, // zeros are a content
+                                          [](std::byte b) { return b != std::byte{}; }) &&
                               load_number(record.data() + record.size() - 4, 4) == 0;
         if (!isRecord)
             return std::nullopt;

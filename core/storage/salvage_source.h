@@ -6,6 +6,7 @@
 #include "core/storage/block_reader.h"
 #include "core/storage/container_head.h"
 #include "core/storage/node_store.h"
+#include "core/storage/range_set.h"
 #include "core/storage/tree_rows.h"
 
 #include <core/files/file_impl.h>
@@ -66,6 +67,8 @@ class SalvageSource {
 
     /// Shows every file that is found and says by what. Nothing when the file holds no part of a container.
     [[nodiscard]] std::optional<SalvageReport::Source> find(const Visit& visit);
+    /// How many files there were, as far as that is known; those that were not shown have lost their names.
+    [[nodiscard]] std::uint64_t expected() const noexcept { return expected_; }
 
   private:
     struct Found; // in the whole file
@@ -76,9 +79,11 @@ class SalvageSource {
     [[nodiscard]] bool isWholeTree(const NodeRef& ref, std::optional<unsigned> level);
     void showTree(const NodeRef& ref, std::optional<unsigned> level, bool remembers, const Visit& visit);
     [[nodiscard]] bool findByTree(const Visit& visit);
-    [[nodiscard]] bool findByNodes(const Found& found, const Visit& visit);
+    [[nodiscard]] bool findByNodes(Found& found, const Visit& visit);
     void findByLeaves(const Found& found, const Visit& visit);
-    void lookForNode(std::uint64_t address, const BlockHeader& header, Found& found);
+    [[nodiscard]] bool lookForNode(std::uint64_t address, const BlockHeader& header, Found& found);
+    void readFree(const ContainerHead& head);
+    [[nodiscard]] bool isFree(std::uint64_t address) const { return free_.touches(address, address + 1); }
 
     [[nodiscard]] bool findByTable(const Visit& visit);
     [[nodiscard]] bool findByRows(std::span<const std::byte> content, const Visit& visit);
@@ -97,6 +102,8 @@ class SalvageSource {
     Progress progress_;
     NodeStore<FileRows> nodes_;
     std::set<wstring> shown_; // by a table of which a part is missing
+    RangeSet free_;           // what lies there belongs to no file; empty where that is not known
+    std::uint64_t expected_ = 0;
 };
 
 } // namespace core

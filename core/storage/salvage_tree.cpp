@@ -46,11 +46,12 @@ void SalvageSource::showTree(const NodeRef& ref, std::optional<unsigned> level, 
 
 bool SalvageSource::findByTree(const Visit& visit) {
     ContainerHead::Bytes bytes{};
+    ContainerHead head;
     std::optional<NodeRef> root;
     try {
         if (!readHead(bytes))
             return false;
-        const ContainerHead head = ContainerHead::decode(bytes, layout_);
+        head = ContainerHead::decode(bytes, layout_);
         if (head.tableLayout == TableLayout::tree && head.files == 0 && head.isSound(bytes, layout_))
             return true; // an empty container
         root = head.filesRoot();
@@ -65,15 +66,39 @@ bool SalvageSource::findByTree(const Visit& visit) {
     const bool isWhole = isWholeTree(*root, std::nullopt);
     showTree(*root, std::nullopt, !isWhole, visit);
     if (!isWhole) {
+        if (head.isSound(bytes, layout_))
+            readFree(head);
         Found found;
         scan(found);
         findByLeaves(found, visit);
+        (void)findByRecords(found, visit);
     }
     return true;
 }
 
+/// Takes note of what the container says is free, if all of that can be read, and of how many files there
+/// are.
+void SalvageSource::readFree(const ContainerHead& head) {
+    expected_ = head.files;
+    NodeStore<FreeRows> nodes(reader_);
+    RangeSet free;
+    if (head.end < length_)
+        free.add(head.end, length_);
+    const auto add = [&](std::uint64_t begin, std::uint64_t length) {
+        if (free.touches(begin, begin + length))
+            throw ChainInFileExc(begin);
+        free.add(begin, begin + length);
+    };
+    try {
+        if (const auto root = head.freeRoot(layout_))
+            for_each_in_tree<FreeRows>(nodes, nodes.load(*root), add);
+        free_ = std::move(free);
+    } catch (const ChainInFileExc&) { // what was removed may come back
+    }
+}
+
 /// The latest node of the highest level is the root of the latest tree.
-bool SalvageSource::findByNodes(const Found& found, const Visit& visit) {
+bool SalvageSource::findByNodes(Found& found, const Visit& visit) {
     const auto rank = [](const Found::Node& node) { return std::tie(node.counter, node.level); };
     const auto root = std::max_element(found.nodes.begin(), found.nodes.end(),
                                        [&](const auto& a, const auto& b) { return rank(a) < rank(b); });
@@ -81,8 +106,10 @@ bool SalvageSource::findByNodes(const Found& found, const Visit& visit) {
         return false;
     const bool isWhole = isWholeTree(root->ref, std::nullopt);
     showTree(root->ref, std::nullopt, !isWhole, visit);
-    if (!isWhole)
+    if (!isWhole) {
         findByLeaves(found, visit);
+        (void)findByRecords(found, visit);
+    }
     return true;
 }
 
@@ -96,7 +123,7 @@ void SalvageSource::findByLeaves(const Found& found, const Visit& visit) {
         const auto node = nodes_.load(leaf.ref);
         for (std::size_t row = 0; row < node->size(); ++row) {
             const wstring name(node->keys.at(row));
-            if (shown_.contains(name))
+            if (shown_.contains(name) || isFree(node->values[row].attributes))
                 continue;
             auto& known = rows[name];
             if (leaf.counter >= known.first)
@@ -106,20 +133,30 @@ void SalvageSource::findByLeaves(const Found& found, const Visit& visit) {
     for (const auto& [name, row] : rows) {
         std::uint64_t end = 0;
         const auto info = recordAt(row.second.attributes, end);
-        if (info && info->name == name)
+        if (info && info->name == name) {
+            shown_.insert(name);
             visit(name, row.second, true);
+        }
     }
 }
 
-/// Takes note of a node whose first block stands at `address`.
-void SalvageSource::lookForNode(std::uint64_t address, const BlockHeader& header, Found& found) {
+/// Takes note of a node of the files whose first block stands at `address`. False when what is there is not a
+/// node, not even a damaged one or one of free space: then it is the content of a file, or its attributes.
+bool SalvageSource::lookForNode(std::uint64_t address, const BlockHeader& header, Found& found) {
     const std::size_t skip = layout_.blockHeaderSize();
     const auto bytes = reader_.at(address, skip + NodeHeader::kSize, NodeHeader::kLimit);
-    if (bytes.size() < skip + NodeHeader::kSize ||
-        std::memcmp(bytes.data() + skip + 8, FileRows::kKind.data(), FileRows::kKind.size()) != 0)
-        return;
-    const std::uint64_t sum = load_number(bytes.data() + skip, 8);
-    const std::uint64_t counter = load_number(bytes.data() + skip + 16, 8);
+    if (bytes.size() < skip + NodeHeader::kSize)
+        return false;
+    const std::byte* const node = bytes.data() + skip;
+    const bool isOfFiles = std::memcmp(node + 8, FileRows::kKind.data(), FileRows::kKind.size()) == 0;
+    const bool isOfFree = std::memcmp(node + 8, FreeRows::kKind.data(), FreeRows::kKind.size()) == 0;
+    if ((!isOfFiles && !isOfFree) || header.chainSize % kStorageBlockSize != 0 ||
+        load_number(node + 14, 2) != 0 || load_number(node + 28, 4) != 0)
+        return false;
+    if (isOfFree)
+        return true;
+    const std::uint64_t sum = load_number(node, 8);
+    const std::uint64_t counter = load_number(node + 16, 8);
     try {
         BlockChain chain(layout_); // the root does not say how long it is, but ends where its chain does
         chain.adopt(reader_, address, 0, header.size, header.next);
@@ -127,8 +164,9 @@ void SalvageSource::lookForNode(std::uint64_t address, const BlockHeader& header
         const NodeRef ref{address, chain.runs().capacity(), sum};
         if (is_child(ref, layout_, reader_.end()))
             found.nodes.push_back({ref, nodes_.load(ref)->level, counter});
-    } catch (const ChainInFileExc&) { // a damaged node, or none
+    } catch (const ChainInFileExc&) { // it is damaged
     }
+    return true;
 }
 
 } // namespace core

@@ -6,6 +6,7 @@
 #include "tests/support/storage_seal.h"
 
 #include <core/storage/errors.h>
+#include <core/storage/salvage.h>
 
 #include <algorithm>
 #include <cstring>
@@ -72,6 +73,23 @@ class DamagedTree : public testing::TestWithParam<const StorageLayout*> {
         for (std::size_t i = 4; i < 8; ++i)
             digits = digits << 8 | number(bytes, leaf, nameAt(bytes, leaf, 0) + 2 * i, 1);
         return digits;
+    }
+
+    /// The same files, each written by opening it; the four that the test of salvage removes are not there.
+    Bytes openedInTurn() const {
+        FaultDisk disk;
+        StorageRW::create(*test::open_fault_file(disk), layout_);
+        StorageRW storage(test::open_fault_file(disk), layout_);
+        StorageTransaction all(storage);
+        for (std::size_t i = 0; i < kFiles; ++i) {
+            if (i >= 13 && i < 17)
+                continue;
+            const auto file = storage.open(names_[i], OpenMode::replace);
+            write_all(*file, content(i));
+            file->close();
+        }
+        all.commit();
+        return disk.bytes;
     }
 
     /// What opens, is listed and can be read.
@@ -145,6 +163,52 @@ TEST_P(DamagedTree, ChangesGoAroundANode) {
         for (std::size_t row = 0; row < 2; ++row)
             EXPECT_EQ(mended.get(names_[first + row]), content(first + row));
     }
+}
+
+/// What is below a damaged node is found by the attributes of the files; what was removed stays so, and what
+/// cannot be found is counted.
+TEST_P(DamagedTree, SalvageFindsWhatIsBelowADamagedNode) {
+    const std::size_t leaf = leaves_[leaves_.size() / 2];
+    FaultDisk disk;
+    disk.bytes = disk_.bytes;
+    const std::size_t first = 13; // of some files that are below other nodes
+    {
+        StorageRW storage(test::open_fault_file(disk), layout_);
+        for (std::size_t i = 0; i < 4; ++i)
+            storage.remove(names_[first + i]);
+    }
+    disk.bytes[place(leaf, 40)] ^= std::byte{1};
+    const auto salvaged = [&](std::uint64_t lost) {
+        FaultDisk saved;
+        StorageRW::create(*test::open_fault_file(saved), layout_);
+        StorageRW target(test::open_fault_file(saved), layout_);
+        const SalvageReport report = salvage(*test::open_fault_file(disk), layout_, target);
+        EXPECT_EQ(report.source, SalvageReport::Source::table);
+        EXPECT_EQ(report.whole, kFiles - 4 - lost);
+        EXPECT_EQ(report.lost, lost);
+        EXPECT_EQ(report.isComplete(), lost == 0);
+        for (const SalvagedFile& file : report.files)
+            ADD_FAILURE() << to_utf8(file.text());
+        for (std::size_t i = 0; i < kFiles; ++i) {
+            if (i >= first && i < first + 4)
+                EXPECT_FALSE(target.contains(names_[i]));
+            else if (lost == 0)
+                EXPECT_EQ(target.get(names_[i]), content(i));
+        }
+    };
+    salvaged(0);
+    // Contents that stand in front of their attributes, with the nodes of the table behind them.
+    const auto whole = disk.bytes;
+    disk.bytes = openedInTurn();
+    const std::vector<std::size_t> leaves = leavesOf(disk.bytes);
+    ASSERT_FALSE(leaves.empty());
+    disk.bytes[place(leaves.front(), 40)] ^= std::byte{1};
+    salvaged(0);
+    disk.bytes = whole;
+    // The attributes of the first file there; its name is nowhere else.
+    const std::size_t record = static_cast<std::size_t>(number(disk.bytes, leaf, 32, layout_.width));
+    disk.bytes[record + 3] = std::byte{'x'};
+    salvaged(1);
 }
 
 /// A leaf with a name that belongs behind another leaf, though all checksums are right. It is damaged as a
