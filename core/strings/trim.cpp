@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <core/runtime/utf8.h>
 #include <core/strings/char_class.h>
 #include <core/strings/trim.h>
 
@@ -8,13 +7,30 @@
 namespace core {
 namespace {
 
-// The length of the white space character, in UTF-8, that `text` begins (or ends) with; 0 if none exists.
-// No white space takes more than three bytes, and a part of a longer sequence decodes to none.
+/// The unit that two or three bytes of UTF-8 spell; 0 for any other bytes.
+wchar unit_of(std::string_view bytes) noexcept {
+    const auto byte = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    const auto follows = [byte](std::size_t i) { return (byte(i) & 0xC0U) == 0x80U; };
+    if (bytes.size() == 2 && byte(0) >= 0xC2 && byte(0) < 0xE0 && follows(1))
+        return static_cast<wchar>((byte(0) & 0x1FU) << 6U | (byte(1) & 0x3FU));
+    if (bytes.size() != 3 || (byte(0) & 0xF0U) != 0xE0U || !follows(1) || !follows(2))
+        return 0;
+    const unsigned unit = (byte(0) & 0xFU) << 12U | (byte(1) & 0x3FU) << 6U | (byte(2) & 0x3FU);
+    return unit >= 0x800 ? static_cast<wchar>(unit) : wchar{0};
+}
+
+/// The length of the white space character, in UTF-8, that `text` begins (or ends) with; 0 if none exists. No
+/// white space takes more than three bytes.
 template <bool kAtEnd>
 std::size_t space_length(std::string_view text) noexcept {
-    for (std::size_t n = 1; n <= std::min<std::size_t>(text.size(), 3); ++n) {
-        const wstring decoded = from_utf8(kAtEnd ? text.substr(text.size() - n) : text.substr(0, n));
-        if (decoded.size() == 1 && is_space(decoded.front()))
+    if (text.empty())
+        return 0;
+    const char edge = kAtEnd ? text.back() : text.front();
+    if (static_cast<unsigned char>(edge) < 0x80)
+        return is_space(static_cast<wchar>(edge)) ? 1 : 0;
+    for (std::size_t n = 2; n <= std::min<std::size_t>(text.size(), 3); ++n) {
+        const wchar unit = unit_of(kAtEnd ? text.substr(text.size() - n) : text.substr(0, n));
+        if (unit != 0 && is_space(unit))
             return n;
     }
     return 0;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Classes are ICU's for every code unit; trimming takes away what is white space and nothing else.
+#include <core/runtime/utf8.h>
 #include <core/strings/char_class.h>
 #include <core/strings/trim.h>
 
@@ -41,4 +42,11 @@ TEST(Trim, NarrowTextLosesTheSameSpacesAndNoBytes) {
     EXPECT_EQ(trim_all("\xA0 \xA0"), "\xA0 \xA0"); // broken sequences stay
     EXPECT_EQ(trim_right("\xE3\x80 "), "\xE3\x80");
     EXPECT_EQ(trim_all("\u3000\u3000"), "");
+    EXPECT_EQ(trim_all("\xE0\x80\xA0"), "\xE0\x80\xA0"); // not the shortest form of a blank
+    for (unsigned u = 1; u <= 0xFFFF; ++u) {
+        const auto c = static_cast<wchar>(u);
+        const bool half = (u & 0xF800U) == 0xD800U;
+        const std::string text = to_utf8(wstring{c, u'a', c});
+        ASSERT_EQ(trim_all(text) == "a", !half && is_space(c)) << std::hex << u;
+    }
 }
