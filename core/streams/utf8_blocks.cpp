@@ -39,6 +39,16 @@ void decode_by_words(const std::uint8_t*& at, const std::uint8_t* end, wchar*& o
     }
 }
 
+/// ASCII by four.
+void encode_by_words(const wchar*& at, const wchar* end, std::uint8_t*& out) noexcept {
+    for (std::uint64_t four = 0; end - at >= 4; at += 4, out += 4) {
+        std::memcpy(&four, at, sizeof four);
+        if ((four & 0xFF80FF80FF80FF80U) != 0)
+            return;
+        std::copy_n(at, 4, out);
+    }
+}
+
 #ifdef CORE_UTF8_SHUFFLES
 
 /// For each set of units among eight that are kept: the shuffle that brings them together.
@@ -106,6 +116,49 @@ decode_by_shuffles(const std::uint8_t*& at, const std::uint8_t* end, wchar*& out
     }
 }
 
+/// For each set of units among eight that take one byte: the shuffle that drops the second bytes of those.
+constexpr std::array<Shuffle, 256> kSqueezes = [] {
+    std::array<Shuffle, 256> all{};
+    for (unsigned single = 0; single < 256; ++single) {
+        std::size_t place = 0;
+        for (unsigned unit = 0; unit < 8; ++unit) {
+            all[single].bytes[place++] = static_cast<std::uint8_t>(2 * unit);
+            if ((single >> unit & 1U) == 0)
+                all[single].bytes[place++] = static_cast<std::uint8_t>(2 * unit + 1);
+        }
+    }
+    return all;
+}();
+
+/// Eight units a step: each gets two bytes, and the second bytes of ASCII are squeezed out.
+__attribute__((target("ssse3,popcnt"))) void encode_by_shuffles(const wchar*& at, const wchar* end,
+                                                                std::uint8_t*& out) noexcept {
+    const __m128i zero = _mm_setzero_si128();
+    const auto lanes = [](unsigned unit) __attribute__((target("ssse3,popcnt"))) {
+        return _mm_set1_epi16(static_cast<std::int16_t>(unit));
+    };
+    for (; end - at >= 8; at += 8) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        const __m128i ascii = _mm_cmpeq_epi16(_mm_and_si128(units, lanes(0xFF80)), zero);
+        const auto single = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(ascii, zero)));
+        if (single == 0xFF) {
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(units, units));
+            out += 8;
+            continue;
+        }
+        const __m128i fit = _mm_cmpeq_epi16(_mm_and_si128(units, lanes(0xF800)), zero);
+        if (_mm_movemask_epi8(fit) != 0xFFFF)
+            return;
+        const __m128i low = _mm_slli_epi16(_mm_and_si128(units, lanes(0x3F)), 8);
+        const __m128i two = _mm_or_si128(_mm_or_si128(_mm_srli_epi16(units, 6), low), lanes(0x80C0));
+        const __m128i bytes = _mm_or_si128(_mm_and_si128(ascii, units), _mm_andnot_si128(ascii, two));
+        const __m128i shuffle =
+            _mm_load_si128(reinterpret_cast<const __m128i*>(kSqueezes[single].bytes.data()));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(bytes, shuffle));
+        out += 16 - _mm_popcnt_u32(single);
+    }
+}
+
 bool has_shuffles() noexcept {
     static const bool has = __builtin_cpu_supports("ssse3") != 0 && __builtin_cpu_supports("popcnt") != 0;
     return has;
@@ -121,6 +174,14 @@ void decode_short(const std::uint8_t*& at, const std::uint8_t* end, wchar*& out)
         decode_by_shuffles(at, end, out);
 #endif
     decode_by_words(at, end, out);
+}
+
+void encode_short(const wchar*& at, const wchar* end, std::uint8_t*& out) noexcept {
+#ifdef CORE_UTF8_SHUFFLES
+    if (has_shuffles())
+        return encode_by_shuffles(at, end, out);
+#endif
+    encode_by_words(at, end, out);
 }
 
 } // namespace core::detail

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/streams/converters.h"
+#include "core/streams/utf8_blocks.h"
 
 #include <unicode/utf8.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace core::detail {
 namespace {
@@ -35,25 +35,25 @@ class Utf8Encoder final : public UnitEncoder {
     /// What takes up to three bytes, up to half of a pair.
     static void encodeShort(const wchar*& at, const wchar* end, std::uint8_t*& out) noexcept {
         while (at != end) {
-            for (std::uint64_t four = 0; end - at >= 4; at += 4, out += 4) {
-                std::memcpy(&four, at, sizeof four);
-                if ((four & 0xFF80FF80FF80FF80U) != 0)
-                    break;
-                std::copy_n(at, 4, out);
+            encode_short(at, end, out);
+            // What stopped it, and some units behind that, one by one.
+            for (const wchar* const some = at + std::min<std::ptrdiff_t>(end - at, 8); at != some; ++at) {
+                if ((*at & 0xF800) == 0xD800)
+                    return;
+                encodeOne(*at, out);
             }
-            if (at == end || (*at & 0xF800) == 0xD800)
-                return;
-            const wchar unit = *at++;
-            if (unit < 0x80) {
-                *out++ = static_cast<std::uint8_t>(unit);
-            } else if (unit < 0x800) {
-                *out++ = static_cast<std::uint8_t>(0xC0 | unit >> 6);
-                *out++ = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
-            } else {
-                *out++ = static_cast<std::uint8_t>(0xE0 | unit >> 12);
-                *out++ = static_cast<std::uint8_t>(0x80 | (unit >> 6 & 0x3F));
-                *out++ = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
-            }
+        }
+    }
+    static void encodeOne(wchar unit, std::uint8_t*& out) noexcept {
+        if (unit < 0x80) {
+            *out++ = static_cast<std::uint8_t>(unit);
+        } else if (unit < 0x800) {
+            *out++ = static_cast<std::uint8_t>(0xC0 | unit >> 6);
+            *out++ = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
+        } else {
+            *out++ = static_cast<std::uint8_t>(0xE0 | unit >> 12);
+            *out++ = static_cast<std::uint8_t>(0x80 | (unit >> 6 & 0x3F));
+            *out++ = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
         }
     }
 };
