@@ -173,16 +173,19 @@ class Table {
         }
         ASSERT_EQ(next, found.size());
     }
-    /// Whether all filled cells are texts, and some of them are not blank.
-    [[nodiscard]] bool isColumnOfTexts(std::size_t column) const {
-        bool any = false;
+    /// Whether a total would leave something out: of texts alone, or of numbers beside other values.
+    [[nodiscard]] bool hasNoTotal(std::size_t column) const {
+        bool numbers = false, texts = false, others = false;
         for (const Row& row : rows) {
             const Value& cell = row.cells[column];
-            if (!cell.isUndefined() && cell.kind() != ValueKind::null && cell.kind() != ValueKind::string)
-                return false;
-            any = any || (cell.asString() != nullptr && !trim_all(*cell.asString()).empty());
+            if (cell.kind() == ValueKind::number)
+                numbers = true;
+            else if (cell.asString() != nullptr)
+                texts = texts || !trim_all(*cell.asString()).empty();
+            else if (!cell.isUndefined() && cell.kind() != ValueKind::null)
+                others = true;
         }
-        return any;
+        return numbers ? texts || others : texts && !others;
     }
     void total() {
         const std::size_t column = anyColumn();
@@ -194,7 +197,7 @@ class Table {
                 any = true;
             }
         }
-        if (isColumnOfTexts(column)) {
+        if (hasNoTotal(column)) {
             EXPECT_THROW(call(table, u"Total", {Value(columns[column])}), ContextException);
             return;
         }

@@ -165,22 +165,38 @@ TEST_F(TableQueries, ATotalOfNothingIsZeroInAColumnOfNumbers) {
     }
 }
 
-TEST_F(TableQueries, RefuseToTotalTexts) {
-    const GenericValue table = table_of(u"Key,Price", {{1, u"1.5"}, {2, u""}, {1, u"abc"}});
-    for (const bool grouped : {false, true}) {
-        try {
-            if (grouped)
-                call(table, u"GroupBy", {u"Key", u"Price"});
-            else
-                call(table, u"Total", {u"Price"});
-            FAIL();
-        } catch (const ContextException& e) {
-            EXPECT_EQ(std::string_view(e.messageId()), messages::kTotalOfTexts);
-            EXPECT_EQ(e.parameters()[1], u"abc") << "what keeps the column from being one of numbers";
-            EXPECT_EQ(e.parameters()[2], u"3");
+TEST_F(TableQueries, RefuseToTotalWhatIsNoNumber) {
+    const struct {
+        GenericValue table;
+        const char* id;
+        const wchar* named; ///< what keeps the column from being one of numbers
+        const wchar* row;
+    } cases[] = {
+        {table_of(u"Key,Price", {{1, u"1.5"}, {2, u""}, {1, u"abc"}}), messages::kTotalOfTexts, u"abc", u"3"},
+        {table_of(u"Key,Price", {{1, 1.5}, {2, u" "}, {1, u"7"}}), messages::kTotalOfMixed, u"7", u"3"},
+        {table_of(u"Key,Price", {{1, true}, {2, u"abc"}, {1, 1}}), messages::kTotalOfMixed, u"abc", u"2"},
+        {table_of(u"Key,Price", {{1, GenericValue()}, {2, 1}, {1, true}}), messages::kTotalOfMixed, u"Yes",
+         u"3"},
+    };
+    for (const auto& c : cases) {
+        const wstring before = content(c.table);
+        for (const bool grouped : {false, true}) {
+            try {
+                if (grouped)
+                    call(c.table, u"GroupBy", {u"Key", u"Price"});
+                else
+                    call(c.table, u"Total", {u"Price"});
+                FAIL() << to_utf8(before);
+            } catch (const ContextException& e) {
+                EXPECT_EQ(std::string_view(e.messageId()), c.id);
+                EXPECT_EQ(e.parameters()[1], c.named);
+                EXPECT_EQ(e.parameters()[2], c.row);
+            }
         }
+        EXPECT_EQ(content(c.table), before);
     }
-    EXPECT_EQ(content(table), u"1,1.5;2,;1,abc;");
+    const GenericValue others = table_of(u"Key,Price", {{1, true}, {2, u"x"}});
+    EXPECT_TRUE(call(others, u"Total", {u"Price"}).isUndefined()) << "no number is left out";
 }
 
 TEST_F(TableQueries, AColumnOfTotalsHoldsItsTotals) {
@@ -196,7 +212,7 @@ TEST_F(TableQueries, AColumnOfTotalsHoldsItsTotals) {
     rows->addColumn(u"Mixed", mixed);
     rows->addColumn(u"Text", TypeDomain(kStringType));
     for (int i = 0; i < 10; ++i) {
-        const Value cells[] = {i % 2, 999.99, i % 2 == 0 ? Value(u"none") : Value(-999), u""};
+        const Value cells[] = {i % 2, 999.99, i % 2 == 0 ? Value() : Value(-999), u""};
         rows->appendRow(cells);
     }
     call(table, u"GroupBy", {u"Key", u"Price, Mixed, Text"});
@@ -241,7 +257,7 @@ TEST_F(TableQueries, AreGroupedInOrderOfFirstAppearance) {
     const auto sales = [] {
         return table_of(u"City,Item,Sum,Note", {{u"B", 1, 10.5, u"n"},
                                                 {u"A", 1, 1, u"n"},
-                                                {u"B", 2, u"no number", u"n"},
+                                                {u"B", 2, GenericValue(), u"n"},
                                                 {u"B", 1, Numeric(10).pow(30), u"n"},
                                                 {u"C", GenericValue(), GenericValue(), u"n"}});
     };

@@ -178,7 +178,7 @@ TEST_F(Lists, UnloadLoadAndCopyValues) {
 }
 
 TEST_F(Lists, HoldValuesToTheirType) {
-    const GenericValue list = list_of({u"12", u"x"});
+    const GenericValue list = list_of({u"12", u" "});
     const GenericValue first = call(list, u"Get", {0});
     assign(list, u"ТипЗначения", make(u"TypeDescription", {u"Number"}));
     EXPECT_EQ(content(list), u"12:;0:;");

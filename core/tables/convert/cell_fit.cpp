@@ -46,9 +46,11 @@ LossReason unread(const TypeDomain& domain) {
 } // namespace
 
 FittedCell fit_cell(const TypeDomain& domain, const Value& value) {
-    if (domain.isEmpty() || value.isUndefined() || value.kind() == ValueKind::null)
+    if (domain.fits(value))
+        return {value, {}};
+    if (value.isUndefined() || value.kind() == ValueKind::null)
         return {domain.adjust(value), {}};
-    if (domain.containsType(value.kind()) || domain.fits(value))
+    if (domain.containsType(value.kind()))
         return limited(domain, value);
     const wstring_view* const text = value.asString();
     if (text != nullptr && trim_all(*text).empty())

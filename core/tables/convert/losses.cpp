@@ -48,11 +48,22 @@ wstring named(const wstring& text) {
     return shown;
 }
 
+/// The id of the message about a loss: of an item of a list, which has neither columns nor lines, of a cell,
+/// or of a cell of a file.
+const char* line_id(const Loss& loss) noexcept {
+    if (loss.line != 0)
+        return messages::kCellOfFileLost;
+    return loss.column.empty() ? messages::kItemLost : messages::kCellLost;
+}
+
 wstring line_of(const Loss& loss, wstring_view source) {
-    if (loss.line == 0)
-        return message_text(messages::kCellLost, {string_intto(loss.row + 1), loss.column, loss_text(loss)});
-    return message_text(messages::kCellOfFileLost,
-                        {wstring(source), string_intto(loss.line), loss.column, loss_text(loss)});
+    const char* const id = line_id(loss);
+    const wstring row = string_intto(loss.row + 1);
+    if (id == messages::kItemLost)
+        return message_text(id, {row, loss_text(loss)});
+    if (id == messages::kCellLost)
+        return message_text(id, {row, loss.column, loss_text(loss)});
+    return message_text(id, {wstring(source), string_intto(loss.line), loss.column, loss_text(loss)});
 }
 
 } // namespace
@@ -77,8 +88,7 @@ void Losses::check(wstring_view source) const {
     if (count_ > named)
         text += u"\n" + message_text(messages::kMoreCellsLost, {string_intto(count_ - named)});
     const Loss& first = first_.front();
-    throw_with_message(ConversionException(text, first, count_),
-                       first.line == 0 ? messages::kCellLost : messages::kCellOfFileLost,
+    throw_with_message(ConversionException(text, first, count_), line_id(first),
                        {wstring(source), string_intto(first.line), first.column, loss_text(first)});
 }
 

@@ -88,14 +88,19 @@ void TableData::setDomain(TableColumn& column, TypeDomain domain, Losses* losses
     Value byDefault = domain.defaultValue();
     Losses lost;
     CellColumn cells = fitted(column, domain, lost);
-    if (losses == nullptr)
-        lost.check();
-    else
-        *losses = std::move(lost);
+    report(std::move(lost), losses);
     std::swap(column.info.domain, domain);
     swap(column.defaultValue, byDefault);
     setCells(column, std::move(cells));
     tell(&TableWatcher::columnsChanged);
+}
+
+/// Hands losses to who asked for them; throws them where nobody did.
+void TableData::report(Losses lost, Losses* losses) {
+    if (losses == nullptr)
+        lost.check();
+    else
+        *losses = std::move(lost);
 }
 
 /// The cells of a column as another description has them. A value of a dictionary is converted once.
@@ -165,27 +170,43 @@ void TableData::clearColumns() noexcept {
     tell(&TableWatcher::columnsChanged);
 }
 
-void TableData::fill(std::span<const std::size_t> columns, const GenericValue& value) {
+void TableData::fill(std::span<const std::size_t> columns, const GenericValue& value, Losses* losses) {
     std::vector<CellColumn> filled(columns.size());
+    Losses lost;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        filled[i].fill(ids_, columns_[columns[i]]->info.domain.adjust(value));
+        const ColumnInfo& info = columns_[columns[i]]->info;
+        const FittedCell cell = fit_cell(info.domain, value);
+        const wstring text = cell.loss ? value.presentation() : wstring();
+        for (std::size_t row = 0; cell.loss && row < count_; ++row)
+            lost.add({.row = row, .column = info.name, .text = text, .reason = *cell.loss});
+        filled[i].fill(ids_, cell.value);
         for (const RowId row : free_) { // a row that is not there holds no object
             Value undefined;
             filled[i].exchange(row, undefined);
         }
     }
+    report(std::move(lost), losses);
     for (std::size_t i = 0; i < columns.size(); ++i)
         setCells(*columns_[columns[i]], std::move(filled[i]));
     tell(&TableWatcher::reloaded);
 }
 
-void TableData::load(RowId parent, std::size_t position, std::span<const Value> values) {
+void TableData::load(RowId parent, std::size_t position, std::span<const Value> values, Losses* losses) {
     TableColumn& column = *columns_[position];
     const std::size_t count = std::min(values.size(), rowsOf(parent).size());
     std::vector<Value> cells;
     cells.reserve(count);
-    for (const Value& value : values.first(count))
-        cells.push_back(column.info.domain.adjust(value));
+    Losses lost;
+    for (const Value& value : values.first(count)) {
+        FittedCell cell = fit_cell(column.info.domain, value);
+        if (cell.loss)
+            lost.add({.row = cells.size(),
+                      .column = column.info.name,
+                      .text = value.presentation(),
+                      .reason = *cell.loss});
+        cells.push_back(std::move(cell.value));
+    }
+    report(std::move(lost), losses);
     giveIndexesUp(column);
     column.cells.exchange(rowsOf(parent), cells);
     tell(&TableWatcher::reloaded);

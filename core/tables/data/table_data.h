@@ -121,10 +121,11 @@ class TableData {
     [[nodiscard]] Value get(RowId row, std::size_t column) const { return columns_[column]->cells.get(row); }
     /// Puts a value, adjusted to the column's description, into a cell.
     void set(RowId row, std::size_t column, GenericValue value);
-    /// Does the same for the rows below a parent, as far as there are rows and values.
-    void load(RowId parent, std::size_t column, std::span<const Value> values);
-    /// Puts one value into all rows of a table in several columns.
-    void fill(std::span<const std::size_t> columns, const GenericValue& value);
+    /// Does the same for the rows below a parent, as far as there are rows and values. What a cell cannot
+    /// keep is stored in `losses`; without them it throws ConversionException, and nothing has changed.
+    void load(RowId parent, std::size_t column, std::span<const Value> values, Losses* losses = nullptr);
+    /// Puts one value into all rows of a table in several columns. Losses are those of load().
+    void fill(std::span<const std::size_t> columns, const GenericValue& value, Losses* losses = nullptr);
 
     // indexes
     [[nodiscard]] std::span<const std::unique_ptr<TableIndex>> indexes() const noexcept { return indexes_; }
@@ -156,6 +157,7 @@ class TableData {
     void checkName(wstring_view name, const TableColumn* except) const;
     [[nodiscard]] CellColumn fitted(const TableColumn& column, const TypeDomain& domain,
                                     Losses& losses) const;
+    static void report(Losses lost, Losses* losses);
     RowOrder& makeRowsOf(RowId parent);
     void release(std::span<const RowId> rows, std::vector<Value>& dying) noexcept;
     void prepareRelease(std::size_t rows, std::vector<Value>& dying);

@@ -2,6 +2,7 @@
 #include "core/collections/stored_count.h"
 #include "core/lists/malformed.h"
 #include "core/objects/stored_text.h"
+#include "core/tables/convert/cell_fit.h"
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/value_list_impl.h"
 #include "core/tables/sort/value_ranks.h"
@@ -45,6 +46,20 @@ const Value& ValueList::notHolding(const Value& value) const {
 
 Value ValueList::adjusted(const Value& value) const {
     return notHolding(domain_.adjust(value));
+}
+
+std::vector<Value> ValueList::fitted(const TypeDomain& domain, std::span<const Value> values) {
+    std::vector<Value> made;
+    made.reserve(values.size());
+    Losses lost;
+    for (const Value& value : values) {
+        FittedCell fit = fit_cell(domain, value);
+        if (fit.loss)
+            lost.add({.row = made.size(), .text = value.presentation(), .reason = *fit.loss});
+        made.push_back(std::move(fit.value));
+    }
+    lost.check();
+    return made;
 }
 
 /// Says whether a list is this one or is held by it, directly or through other lists.
@@ -191,7 +206,8 @@ void ValueList::setValueType(TypeDomain changed) {
     std::vector<Value> values;
     values.reserve(items.size());
     for (const ValueListItemPtr& item : items)
-        values.push_back(changed.adjust(item->content().value));
+        values.push_back(item->content().value);
+    values = fitted(changed, values);
     std::swap(domain_, changed);
     for (std::size_t i = 0; i < items.size(); ++i)
         items[i]->exchangeValue(values[i]);

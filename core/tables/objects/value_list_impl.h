@@ -78,6 +78,9 @@ class ValueList
 
     /// What the list makes of a value that an item is to have.
     [[nodiscard]] Value adjusted(const Value& value) const;
+    /// What a list with the description makes of many values. Throws ConversionException when one of them
+    /// would not be kept whole.
+    [[nodiscard]] static std::vector<Value> fitted(const TypeDomain& domain, std::span<const Value> values);
     /// Returns `value`, through which this list would not hold itself.
     const Value& notHolding(const Value& value) const;
     /// Tells those who listen that the content of an item has changed.

@@ -100,9 +100,9 @@ GenericValue ValueList::callUnloadValues(std::span<GenericValue>) {
 void ValueList::load(std::span<const Value> values) {
     Items items;
     items.reserve(values.size());
-    for (const Value& value : values)
+    for (const Value& value : fitted(domain_, values))
         items.push_back(
-            make_object<ValueListItem>(Item{.value = adjusted(value), .presentation = {}, .picture = {}}));
+            make_object<ValueListItem>(Item{.value = notHolding(value), .presentation = {}, .picture = {}}));
     assign(std::move(items));
     reloaded_.raise();
 }

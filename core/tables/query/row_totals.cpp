@@ -14,27 +14,32 @@ void require_no_texts(RowRange rows, const TableColumn& column) {
     const CellColumn& cells = column.cells;
     if (cells.form() != CellColumn::Form::coded && cells.form() != CellColumn::Form::values)
         return;
-    std::optional<std::size_t> first;
-    std::optional<std::size_t> odd;
+    std::optional<std::size_t> text;  // the first one
+    std::optional<std::size_t> odd;   // the first text without a number in it
+    std::optional<std::size_t> other; // the first value of another kind
+    bool anyNumber = false;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const Value& cell = cells.form() == CellColumn::Form::coded
                                 ? cells.dictionary()[cells.codes()[rows[i]]]
                                 : cells.values()[rows[i]];
-        const wstring_view* const text = cell.asString();
-        if (text == nullptr && !cell.isUndefined() && cell.kind() != ValueKind::null)
-            return; // with values of other kinds it is not a column of texts
-        if (text == nullptr || trim_all(*text).empty() || odd)
+        if (cell.isUndefined() || cell.kind() == ValueKind::null)
             continue;
-        if (Numeric number; !cell.getNumeric(number))
-            odd = i;
-        first = first.value_or(i);
+        if (cell.kind() == ValueKind::number) {
+            anyNumber = true;
+        } else if (const wstring_view* const found = cell.asString(); found == nullptr) {
+            other = other.value_or(i);
+        } else if (!trim_all(*found).empty()) {
+            text = text.value_or(i);
+            if (Numeric number; !odd && !cell.getNumeric(number))
+                odd = i;
+        }
     }
-    if (odd)
-        first = odd; // the one that keeps the column from being one of numbers
-    if (first)
+    const std::optional<std::size_t> named = odd ? odd : text ? text : other;
+    const bool wrong = anyNumber ? named.has_value() : text && !other;
+    if (wrong)
         throw_error<ContextException>(
-            messages::kTotalOfTexts,
-            {column.info.name, cells.get(rows[*first]).presentation(), string_intto(*first + 1)});
+            anyNumber ? messages::kTotalOfMixed : messages::kTotalOfTexts,
+            {column.info.name, cells.get(rows[*named]).presentation(), string_intto(*named + 1)});
 }
 
 Value total(RowRange rows, const TableColumn& column) {

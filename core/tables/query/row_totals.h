@@ -5,8 +5,9 @@
 
 namespace core {
 
-/// Throws ContextException ("IDS_VT_TOTAL_OF_TEXTS") for a column whose cells are texts, as far as they are
-/// filled: numbers that were never converted, as a rule, whose sum nobody would miss.
+/// Throws ContextException for a column whose sum would be wrong in silence: "IDS_VT_TOTAL_OF_TEXTS" where
+/// all filled cells are texts, which are numbers that were never converted, as a rule, and
+/// "IDS_VT_TOTAL_OF_MIXED" where there are both Numbers and other values.
 void require_no_texts(RowRange rows, const TableColumn& column);
 
 /// The sum of the Numbers among the cells of a column. Throws as require_no_texts() does. Where there is no

@@ -24,6 +24,8 @@ inline constexpr const char* kRankWithoutOrder = "IDS_VT_RANK_WITHOUT_ORDER";
 inline constexpr const char* kWindowUnknown = "IDS_VT_WINDOW_UNKNOWN";
 /// A value list would hold itself. No parameters.
 inline constexpr const char* kListHoldsItself = "IDS_VL_CYCLING";
+/// An item of a list did not keep what it was given; {0} is the item's position from 1, {1} why.
+inline constexpr const char* kItemLost = "IDS_VL_ITEM_LOST";
 /// A comparison object changed the table that was being sorted. No parameters.
 inline constexpr const char* kChangedWhileSorting = "IDS_VT_CHANGED_WHILE_SORTING";
 /// A cell did not keep what it was given; {0} is the row's position from 1, {1} the column, {2} why.
@@ -32,6 +34,9 @@ inline constexpr const char* kCellLost = "IDS_VT_CELL_LOST";
 inline constexpr const char* kCellOfFileLost = "IDS_VT_CELL_OF_FILE_LOST";
 /// More cells were lost than a message names; {0} is how many more.
 inline constexpr const char* kMoreCellsLost = "IDS_VT_MORE_CELLS_LOST";
+/// A column with numbers and other values cannot be totalled; {0} is the column, {1} one of the others, {2}
+/// its row, from 1.
+inline constexpr const char* kTotalOfMixed = "IDS_VT_TOTAL_OF_MIXED";
 /// A column of texts cannot be totalled; {0} is the column, {1} the first text that is not a number, or else
 /// the first one, {2} its row, from 1.
 inline constexpr const char* kTotalOfTexts = "IDS_VT_TOTAL_OF_TEXTS";
