@@ -91,13 +91,22 @@ class Builder {
         return joined;
     }
 
-    /// A reader without a pattern takes every form of the locale.
+    /// A reader without a pattern takes every form of the locale, and the short form also with whole years.
     void addOthers() {
         for (const DateStyle style : kAllStyles) {
-            layout_.others.push_back(form(style, std::nullopt));
+            addOther(form(style, std::nullopt));
             for (const DateStyle time : {DateStyle::mediumForm, DateStyle::shortForm})
-                layout_.others.push_back(form(style, time));
+                addOther(form(style, time));
         }
+    }
+    void addOther(DatePieces pieces) {
+        const auto year = std::ranges::find_if(
+            pieces.pieces, [](const DatePiece& piece) { return piece.letter == u'y' && piece.width == 2; });
+        layout_.others.push_back(pieces);
+        if (year == pieces.pieces.end())
+            return;
+        year->width = 1;
+        layout_.others.push_back(std::move(pieces));
     }
 
     std::vector<FormatItem> items_;

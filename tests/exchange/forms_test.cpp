@@ -53,6 +53,16 @@ TEST_F(FormsTest, ThePageShowsWhatHappens) {
     EXPECT_EQ(losses.count(), 1U);
 }
 
+TEST_F(FormsTest, NumbersHaveTheDigitsOfTheirColumn) {
+    const auto table = read("Name,Price\nx,1.5\nyy,12\n", {.columns = u"Price Number(10,2)"});
+    const Value value(table.query<IValue>());
+    EXPECT_EQ(written(value, TableForm::markdown),
+              "| Name | Price |\n| --- | ---: |\n| x | 1.50 |\n| yy | 12.00 |\n");
+    EXPECT_NE(written(value, TableForm::html).find("<td align=\"right\">12.00</td>"), std::string::npos);
+    EXPECT_EQ(written(value, TableForm::fixed), "Name  Price\nx      1.50\nyy    12.00\n");
+    EXPECT_EQ(written(value, TableForm::csv), "Name,Price\r\nx,1.5\r\nyy,12\r\n") << "for programs";
+}
+
 TEST_F(FormsTest, PagesAndLists) {
     const auto table = read("Name,Price\n\"a|b <i>\n*\",1.5\nжж,12\n");
     const Value value(table.query<IValue>());

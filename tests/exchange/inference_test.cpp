@@ -47,6 +47,15 @@ TEST_F(InferenceTest, FindsTheNarrowestTypeOfAllCells) {
         {{"20240229130507", "20240230000000"}, "N", "20240230000000"},
         {{"29.02.2024", "1.3.2024"}, "D", "2024-03-01 00:00:00", "de"},
         {{"2/29/2024", "12/31/2024 13:05"}, "D", "2024-12-31 13:05:00", "en_US"},
+        {{"2/29/24", "Feb 29, 2024", "1/2/2024, 1:05:07\u202FPM"}, "D", "2024-01-02 13:05:07", "en_US"},
+        {{"29 февраля 2024 г.", "1.3.2024 1:05"}, "D", "2024-03-01 01:05:00", "ru"},
+        {{"29.02.2024", "13:05"}, "S", "13:05", "ru"},
+        {{"29.02.2024", "2024-02-29"}, "S", "2024-02-29", "ru"},
+        {{"12,34,567.5", "-1,00,000"}, "N", "-100000", "hi"},
+        {{"12,34,567.5", "100,000"}, "S", "100,000", "hi"},
+        {{"١٬٢٣٤٫٥", "7"}, "N", "7", "ar_EG"},
+        {{"1,5", "007"}, "S", "007", "de"},
+        {{"1,5", "٠٠٧"}, "S", "٠٠٧", "ar_EG"},
         {{"True", "false"}, "B", "No"},
         {{"Истина", "", "ложь"}, "UB", "No"},
         {{"True", "1"}, "S", "1"},
@@ -76,8 +85,13 @@ TEST_F(InferenceTest, ATextThatComesLateLeavesAllTextsAsTheyWere) {
         {"20240229130507", "00010101000000"},
         {"True", "FALSE", "true", "Истина"},
         {"1.234,50", "0,5", "12", "-1.000.000", "1234,5"},
-        {"29.02.2024", "1.3.2024", "01.03.2024 13:05", "1.3.2024 1:05:07"},
+        {"29.02.2024", "1.3.2024", "01.03.2024 13:05", "1.3.2024 1:05:07", "1.3.24", "2. Mai 2024"},
+        {"12,34,567.5", "1,000", "-5.250", "+5", "1,00,00,000.00"},
+        {"1\u00A0250,50", "1 250,5", "0,500", "1250", "−3"},
+        {"2/29/2024", "02/29/2024", "2/9/24", "Feb 29, 2024", "2/29/2024 13:05:07"},
+        {"١٬٢٣٤٫٥", "١٫٥٠", "-1.5"},
     };
+    const char* const locales[] = {"de", "hi", "ru", "en_US", "ar_EG"};
     std::mt19937 random(11);
     const auto below = [&](std::size_t bound) { return random() % bound; };
     for (int round = 0; round < 400 && !HasFailure(); ++round) {
@@ -88,8 +102,8 @@ TEST_F(InferenceTest, ATextThatComesLateLeavesAllTextsAsTheyWere) {
         const std::string odd = below(2) == 0 ? "x" : "1-1";
         cells.insert(cells.begin() + static_cast<std::ptrdiff_t>(below(cells.size() + 1)), odd);
         CsvReadOptions options{.delimiter = ','};
-        if (below(2) == 0)
-            options.locale = Locale("de");
+        if (below(4) != 0)
+            options.locale = Locale(locales[below(std::size(locales))]);
         const auto table = read(one_column(cells), options);
         ASSERT_EQ(types(table), "S") << odd;
         for (std::size_t row = 0; row < cells.size(); ++row)

@@ -9,10 +9,10 @@
 namespace core {
 namespace {
 
+/// A row in so many asks whether to stop.
+constexpr std::size_t kAskedRows = 4096;
 constexpr std::uint8_t kEmptyShape = 0xFF;
 constexpr std::uint8_t kOddShape = 0xFE;
-constexpr std::uint8_t kGrouped = 0x20; // a number of the locale, in groups
-constexpr std::uint8_t kPadded = 0x20;  // a date of the locale, with zeros in front of day and month
 
 /// The spellings of Booleans; those with even indexes are true.
 constexpr std::array<std::string_view, 12> kBooleans = {
@@ -28,13 +28,6 @@ std::string_view without_blanks(std::string_view text) noexcept {
     const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
     text.remove_prefix(first);
     return text.substr(0, text.find_last_not_of(' ') + 1);
-}
-
-std::int64_t power_of_ten(std::uint32_t exponent) noexcept {
-    std::int64_t power = 1;
-    for (; exponent > 0; --exponent)
-        power *= 10;
-    return power;
 }
 
 void append_date(std::string& text, Date date, DateForm form) {
@@ -125,19 +118,12 @@ bool ColumnBuilder::addNumber(std::string_view text) {
 }
 
 bool ColumnBuilder::addLocalNumber(std::string_view text) {
-    const auto plain = forms_->plainNumber(without_blanks(text));
-    const auto number = plain ? read_number(*plain) : std::nullopt;
-    if (!number || number->padded)
+    const std::string_view bare = without_blanks(text);
+    const auto number = forms_->number(bare);
+    if (!number || forms_->isPadded())
         return false;
-    words_.addNumber(*number);
-    Shape shape = kOddShape;
-    for (const bool grouped : {false, true}) {
-        again_.clear();
-        forms_->writeNumber(again_, *plain, grouped);
-        if (number->plain && again_ == text)
-            shape = static_cast<Shape>(number->digits | (grouped ? kGrouped : 0));
-    }
-    keepShape(shape, text);
+    words_.addNumber(number_text(*number));
+    keepShape(bare.size() == text.size() ? forms_->shapeOf(*number).value_or(kOddShape) : kOddShape, text);
     return true;
 }
 
@@ -153,20 +139,12 @@ bool ColumnBuilder::addDate(std::string_view text, bool digits) {
 }
 
 bool ColumnBuilder::addLocalDate(std::string_view text) {
-    const auto read = forms_->date(without_blanks(text));
+    const std::string_view bare = without_blanks(text);
+    const auto read = forms_->date(bare);
     if (!read)
         return false;
     words_.addWord(static_cast<std::int64_t>(read->ticks()));
-    const auto colons = std::ranges::count(text, ':');
-    const int timeUnits = colons == 0 ? 0 : static_cast<int>(colons) + 1;
-    Shape shape = kOddShape;
-    for (const bool padded : {false, true}) {
-        again_.clear();
-        forms_->writeDate(again_, *read, timeUnits, padded);
-        if (again_ == text)
-            shape = static_cast<Shape>(timeUnits | (padded ? kPadded : 0));
-    }
-    keepShape(shape, text);
+    keepShape(bare.size() == text.size() ? forms_->shapeOf(*read).value_or(kOddShape) : kOddShape, text);
     return true;
 }
 
@@ -194,7 +172,7 @@ void ColumnBuilder::keepShape(Shape shape, std::string_view text) {
 
 /// Makes the texts again that were read, and takes them as cells of the kinds that are left.
 void ColumnBuilder::startAgain() {
-    ColumnBuilder again(forms_);
+    ColumnBuilder again(forms_, stop_);
     again.tried_ = static_cast<std::uint8_t>(tried_ | 1U << static_cast<unsigned>(kind_));
     const bool asTexts = kind_ == Kind::text || again.tried_ >= (1U << static_cast<unsigned>(Kind::text)) - 1;
     if (asTexts) {
@@ -205,9 +183,11 @@ void ColumnBuilder::startAgain() {
     std::string text;
     auto odd = odd_.begin();
     for (std::size_t row = 0; row < shapes_.size(); ++row) {
-        if (shapes_[row] == kOddShape)
+        if (row % kAskedRows == 0)
+            stop_.check();
+        if (shapes_[row] == kOddShape) {
             again.add((odd++)->second);
-        else {
+        } else {
             text.clear();
             writeCell(row, text);
             again.add(text);
@@ -223,7 +203,7 @@ void ColumnBuilder::writeCell(std::size_t row, std::string& text) const {
         return;
     switch (kind_) {
     case Kind::localNumber:
-        forms_->writeNumber(text, plainText(row, shape & ~kGrouped), (shape & kGrouped) != 0);
+        forms_->write(text, numberOf(row), shape);
         break;
     case Kind::number:
         text += plainText(row, shape);
@@ -232,7 +212,7 @@ void ColumnBuilder::writeCell(std::size_t row, std::string& text) const {
         text += kBooleans[shape];
         break;
     case Kind::localDate:
-        forms_->writeDate(text, dateOf(row), shape & ~kPadded, (shape & kPadded) != 0);
+        forms_->write(text, dateOf(row), shape);
         break;
     default:
         append_date(text, dateOf(row), static_cast<DateForm>(shape));
@@ -241,10 +221,15 @@ void ColumnBuilder::writeCell(std::size_t row, std::string& text) const {
 
 std::string ColumnBuilder::plainText(std::size_t row, int digits) const {
     const auto scale = static_cast<std::uint32_t>(digits);
-    const std::int64_t word = words_.isWide() ? words_.value(row).asNumeric()->scaled(scale).value_or(0)
-                                              : words_.word(row) / power_of_ten(words_.scale() - scale);
+    const std::int64_t word = words_.isWide() ? numberOf(row).scaled(scale).value_or(0)
+                                              : words_.word(row) / kTens[words_.scale() - scale];
     char buffer[24];
     return {buffer, write_number(buffer, word, scale)};
+}
+
+Numeric ColumnBuilder::numberOf(std::size_t row) const {
+    return words_.isWide() ? *words_.value(row).asNumeric()
+                           : Numeric::fromScaled(words_.word(row), words_.scale());
 }
 
 BuiltColumn ColumnBuilder::finish() {

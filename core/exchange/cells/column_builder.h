@@ -6,6 +6,7 @@
 #include "core/exchange/cells/word_cells.h"
 #include "core/tables/convert/cell_text.h"
 
+#include <core/runtime/threads/stop_token.h>
 #include <core/types/type_domain.h>
 
 #include <cstdint>
@@ -27,8 +28,9 @@ struct BuiltColumn {
 /// can be made again where a later cell is of another type; the few that cannot be made so are kept.
 class ColumnBuilder {
   public:
-    /// `forms` are those of the locale, null for none; borrowed.
-    explicit ColumnBuilder(LocaleForms* forms) noexcept : forms_(forms) {}
+    /// `forms` are those of the locale, null for none; borrowed. Where all texts are made again, `stop` is
+    /// asked now and then.
+    ColumnBuilder(LocaleForms* forms, StopToken stop) noexcept : forms_(forms), stop_(std::move(stop)) {}
 
     void reserve(std::size_t rows);
     /// Takes the next cell, in UTF-8. Throws ConverterException for bytes that are not UTF-8.
@@ -56,16 +58,17 @@ class ColumnBuilder {
     void startAgain();
     void writeCell(std::size_t row, std::string& text) const;
     [[nodiscard]] std::string plainText(std::size_t row, int digits) const;
+    [[nodiscard]] Numeric numberOf(std::size_t row) const;
     [[nodiscard]] Date dateOf(std::size_t row) const noexcept {
         return Date(static_cast<std::uint64_t>(words_.word(row)));
     }
 
     LocaleForms* forms_;
+    StopToken stop_;
     Kind kind_ = Kind::none; // until a cell is filled
     std::uint8_t tried_ = 0; // a bit for each kind that did not hold
     bool hasEmpty_ = false;
     bool filled_ = false; // a cell has set the kind
-    std::string again_;   // a text as the locale writes it
     WordCells words_;
     std::vector<Shape> shapes_;                            // how each cell was written
     std::vector<std::pair<std::size_t, std::string>> odd_; // the texts of those that no shape says, by row

@@ -1,174 +1,170 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/exchange/cells/locale_forms.h"
 
-#include <core/runtime/utf8.h>
+#include "core/locales/date_symbols.h"
 
-#include <unicode/udat.h>
-#include <unicode/unum.h>
+#include <core/runtime/utf8.h>
+#include <core/strings/char_class.h>
+#include <core/strings/integer_text.h>
+
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
-#include <memory>
 
 namespace core {
 namespace {
 
-std::string symbol(const UNumberFormat* format, UNumberFormatSymbol which) {
-    wchar buffer[16];
-    UErrorCode status = U_ZERO_ERROR;
-    const std::int32_t length = unum_getSymbol(format, which, buffer, std::size(buffer), &status);
-    return U_SUCCESS(status) ? to_utf8(wstring_view(buffer, static_cast<std::size_t>(length)))
-                             : std::string();
+// A number has its digits behind the point as its shape, and this where it stands in groups.
+constexpr LocaleForms::Shape kGrouped = 0x20;
+// A date has 0, 2 or 3 units of time, and this where day and month have two digits.
+constexpr LocaleForms::Shape kPadded = 0x20;
+
+/// The locale's short pattern with whole years, and with day and month in `digits` digits; empty where it has
+/// words in it.
+wstring day_pattern(const Locale& locale, std::size_t digits) {
+    const LocalePattern pattern = locale_pattern(locale, DateStyle::shortForm, std::nullopt);
+    wstring made;
+    for (std::size_t i = 0, end = 0; i < pattern.text.size() && pattern.months.empty(); i = end) {
+        const wchar unit = pattern.text[i];
+        end = std::min(pattern.text.find_first_not_of(unit, i), pattern.text.size());
+        if (unit == u'd' || (unit == u'M' && end - i <= 2))
+            made.append(digits, unit);
+        else if (unit == u'y')
+            made += u"yyyy";
+        else if (unit < 0x80 && !is_alpha(unit) && unit != u'\'')
+            made.append(end - i, unit);
+        else
+            return {};
+    }
+    return made;
 }
 
-/// The short pattern of dates; empty where the system has none.
-wstring date_pattern(const std::string& locale) {
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<UDateFormat, decltype(&udat_close)> format(
-        udat_open(UDAT_NONE, UDAT_SHORT, locale.c_str(), nullptr, 0, nullptr, 0, &status), &udat_close);
-    wchar buffer[64];
-    const std::int32_t length =
-        U_SUCCESS(status) ? udat_toPattern(format.get(), 0, buffer, std::size(buffer), &status) : 0;
-    return U_SUCCESS(status) ? wstring(buffer, static_cast<std::size_t>(length)) : wstring();
+/// The digits that stand at the end.
+std::size_t last_digits(wstring_view text) noexcept {
+    const auto is_digit = [](wchar unit) { return u_charDigitValue(unit) >= 0; };
+    return static_cast<std::size_t>(std::find_if_not(text.rbegin(), text.rend(), is_digit) - text.rbegin());
 }
 
-bool is_digit_byte(char c) noexcept {
-    return static_cast<unsigned char>(c - '0') < 10;
-}
-
-/// Takes a number of `least` to `most` digits off the front; -1 where none stands there.
-int take_number(std::string_view& text, std::size_t least, std::size_t most) noexcept {
-    int value = 0;
-    std::size_t count = 0;
-    for (; count < most && count < text.size() && is_digit_byte(text[count]); ++count)
-        value = value * 10 + (text[count] - '0');
-    text.remove_prefix(count);
-    return count >= least ? value : -1;
-}
-bool take(std::string_view& text, char c) noexcept {
-    const bool found = text.starts_with(c);
-    text.remove_prefix(found ? 1 : 0);
-    return found;
+bool is_iso(std::string_view text) noexcept {
+    return text.size() >= 10 && text[4] == '-' && text[7] == '-' &&
+           is_ascii_digit(static_cast<wchar>(text[0]));
 }
 
 } // namespace
 
-LocaleForms::LocaleForms(const Locale& locale) : point_(".") {
-    UErrorCode status = U_ZERO_ERROR;
-    UNumberFormat* const format = unum_open(UNUM_DECIMAL, nullptr, 0, locale.key().c_str(), nullptr, &status);
-    if (U_SUCCESS(status)) {
-        point_ = symbol(format, UNUM_DECIMAL_SEPARATOR_SYMBOL);
-        groups_.push_back(symbol(format, UNUM_GROUPING_SEPARATOR_SYMBOL));
-        unum_close(format);
-    }
-    // People type a common blank where the locale has one that does not break.
-    if (!groups_.empty() && (groups_.front() == "\u00A0" || groups_.front() == "\u202F"))
-        groups_ = {"\u00A0", "\u202F", " "};
-    std::size_t part = 0;
-    for (const wchar unit : date_pattern(locale.key())) {
-        const bool isPart = unit == u'd' || unit == u'M' || unit == u'y';
-        if (isPart && (part == 0 || order_[part - 1] != static_cast<char>(unit)) && part < order_.size())
-            order_[part++] = static_cast<char>(unit);
-        else if (!isPart && part == 1 && unit < 0x80)
-            separator_ = static_cast<char>(unit);
+LocaleForms::LocaleForms(const Locale& locale)
+    : locale_(locale), number_({}, locale),
+      date_({}, locale), times_{DateFormat(u"time=HH:mm"), DateFormat(u"time=HH:mm:ss")} {
+    for (const std::size_t digits : {1U, 2U}) {
+        if (const wstring pattern = day_pattern(locale, digits); !pattern.empty())
+            days_.emplace_back(u"date='" + pattern + u"'", locale);
     }
 }
 
-std::optional<std::string_view> LocaleForms::plainNumber(std::string_view text) {
-    plain_.clear();
-    if (text.starts_with('-') || text.starts_with('+')) {
-        plain_ = text.front();
-        text.remove_prefix(1);
+std::optional<Numeric> LocaleForms::number(std::string_view text) {
+    units_ = from_utf8(text);
+    Numeric number;
+    const wchar* end = nullptr;
+    if (!number_.parse(units_, number, &end) || end != units_.data() + units_.size())
+        return std::nullopt;
+    return number;
+}
+
+bool LocaleForms::isPadded() const noexcept {
+    int first = -1;
+    for (std::size_t i = 0; i < units_.size();) {
+        UChar32 character = 0;
+        U16_NEXT(units_.data(), i, units_.size(), character);
+        const int digit = u_charDigitValue(character);
+        if (first >= 0)
+            return first == 0 && digit >= 0;
+        first = digit;
     }
-    std::size_t digits = 0; // since the sign or the last group mark
-    const std::string* group = nullptr;
-    while (!text.empty()) {
-        if (is_digit_byte(text.front())) {
-            plain_ += text.front();
-            text.remove_prefix(1);
-            ++digits;
+    return false;
+}
+
+std::optional<Date> LocaleForms::date(std::string_view text) {
+    if (is_iso(text))
+        return std::nullopt;
+    units_ = from_utf8(text);
+    Date date;
+    const wchar* end = nullptr;
+    if (!date_.parse(units_, date, &end, DatePattern::asked))
+        return std::nullopt;
+    wstring_view rest = wstring_view(units_).substr(static_cast<std::size_t>(end - units_.data()));
+    if (rest.empty())
+        return date;
+    // Programs write a plain time behind the day, whatever the locale's own form is.
+    if (rest.front() != u' ' || date != date.begOfDay())
+        return std::nullopt;
+    rest.remove_prefix(1);
+    for (const DateFormat& format : times_) {
+        if (Date time; format.parse(rest, time, &end, DatePattern::time) && end == rest.data() + rest.size())
+            return date + (time - Date());
+    }
+    return std::nullopt;
+}
+
+std::optional<LocaleForms::Shape> LocaleForms::shapeOf(const Numeric& number) {
+    std::int64_t length = 0;
+    std::int64_t precision = 0;
+    number.lengthAndPrecision(length, precision);
+    for (const std::size_t digits : {last_digits(units_), std::size_t{0}}) {
+        if (digits > Numeric::kMaxScale || static_cast<std::int64_t>(digits) < precision)
             continue;
-        }
-        const std::string* mark = nullptr;
-        for (const std::string& one : groups_)
-            mark = !one.empty() && text.starts_with(one) ? &one : mark;
-        const bool first = group == nullptr;
-        if (mark == nullptr || (!first && (mark != group || digits != 3)) ||
-            (first && (digits == 0 || digits > 3)))
-            break;
-        group = mark;
-        digits = 0;
-        text.remove_prefix(mark->size());
-    }
-    if (group != nullptr && digits != 3)
-        return std::nullopt;
-    if (text.starts_with(point_)) {
-        plain_ += '.';
-        text.remove_prefix(point_.size());
-        for (; !text.empty() && is_digit_byte(text.front()); text.remove_prefix(1))
-            plain_ += text.front();
-    }
-    return text.empty() && !plain_.empty() ? std::optional<std::string_view>(plain_) : std::nullopt;
-}
-
-std::optional<Date> LocaleForms::date(std::string_view text) const noexcept {
-    int year = 0, month = 0, day = 0;
-    for (std::size_t i = 0; i < order_.size(); ++i) {
-        if (i != 0 && !take(text, separator_))
-            return std::nullopt;
-        if (order_[i] == 'y')
-            year = take_number(text, 4, 4);
-        else
-            (order_[i] == 'd' ? day : month) = take_number(text, 1, 2);
-    }
-    int time[3] = {0, 0, 0};
-    if (!text.empty()) {
-        if (!take(text, ' '))
-            return std::nullopt;
-        for (std::size_t i = 0; i < 3 && (i < 2 || !text.empty()); ++i) {
-            if (i != 0 && !take(text, ':'))
-                return std::nullopt;
-            time[i] = take_number(text, i == 0 ? 1 : 2, 2);
+        for (const Shape grouped : {Shape{0}, kGrouped}) {
+            const auto shape = static_cast<Shape>(digits | grouped);
+            numbers(shape).format(number, again_);
+            if (again_ == units_)
+                return shape;
         }
     }
-    if (!text.empty() || !Date::isMoment(year, month, day, time[0], time[1], time[2]))
+    return std::nullopt;
+}
+
+std::optional<LocaleForms::Shape> LocaleForms::shapeOf(Date date) {
+    const auto colons = std::ranges::count(units_, u':');
+    const auto timeUnits = static_cast<std::size_t>(colons == 0 ? 0 : colons + 1);
+    if (days_.empty() || timeUnits > 3)
         return std::nullopt;
-    return Date(year, month, day, time[0], time[1], time[2]);
+    for (const Shape padded : {Shape{0}, kPadded}) {
+        const auto shape = static_cast<Shape>(timeUnits | padded);
+        compose(date, shape);
+        if (again_ == units_)
+            return shape;
+    }
+    return std::nullopt;
 }
 
-void LocaleForms::writeNumber(std::string& out, std::string_view plain, bool grouped) const {
-    if (plain.starts_with('-')) {
-        out += '-';
-        plain.remove_prefix(1);
-    }
-    const std::size_t whole = std::min(plain.find('.'), plain.size());
-    for (std::size_t i = 0; i < whole; ++i) {
-        if (grouped && !groups_.empty() && i != 0 && (whole - i) % 3 == 0)
-            out += groups_.front();
-        out += plain[i];
-    }
-    if (whole < plain.size())
-        out.append(point_).append(plain.substr(whole + 1));
+void LocaleForms::write(std::string& out, const Numeric& number, Shape shape) {
+    numbers(shape).format(number, again_);
+    out += to_utf8(again_);
 }
 
-void LocaleForms::writeDate(std::string& out, Date date, int timeUnits, bool padded) const {
-    int year = 0, month = 0, day = 0, time[3] = {};
-    date.split(year, month, day, time[0], time[1], time[2]);
-    const auto put = [&out](int number, std::size_t width) {
-        const std::string digits = std::to_string(number);
-        out.append(width - std::min(width, digits.size()), '0').append(digits);
-    };
-    for (std::size_t i = 0; i < order_.size(); ++i) {
-        if (i != 0)
-            out += separator_;
-        if (order_[i] == 'y')
-            put(year, 4);
-        else
-            put(order_[i] == 'd' ? day : month, padded ? 2 : 1);
+void LocaleForms::write(std::string& out, Date date, Shape shape) {
+    compose(date, shape);
+    out += to_utf8(again_);
+}
+
+const NumericFormat& LocaleForms::numbers(Shape shape) {
+    auto& format = numbers_[shape];
+    if (!format) {
+        const bool grouped = (shape & kGrouped) != 0;
+        format.emplace(u"fraction=" + string_intto(shape & ~kGrouped) + (grouped ? u"" : u"; group=''"),
+                       locale_);
     }
-    for (int i = 0; i < timeUnits; ++i) {
-        out += i == 0 ? ' ' : ':';
-        put(time[i], 2);
-    }
+    return *format;
+}
+
+/// Makes the text of a date in `again_`.
+void LocaleForms::compose(Date date, Shape shape) {
+    days_[(shape & kPadded) != 0 ? 1 : 0].format(date, again_, DatePattern::date);
+    const auto timeUnits = static_cast<std::size_t>(shape & ~kPadded);
+    if (timeUnits == 0)
+        return;
+    times_[timeUnits - 2].format(date, time_, DatePattern::time);
+    again_.append(u" ").append(time_);
 }
 
 } // namespace core

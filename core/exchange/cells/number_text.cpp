@@ -27,8 +27,7 @@ std::optional<NumberText> read_wide(std::string_view text) {
     const auto mantissa = Numeric::parse(text.substr(0, mark));
     if (!mantissa)
         return std::nullopt;
-    NumberText read;
-    read.wide = *mantissa;
+    Numeric number = *mantissa;
     if (mark != std::string_view::npos) {
         std::string_view digits = text.substr(mark + 1);
         if (digits.starts_with('+'))
@@ -41,21 +40,11 @@ std::optional<NumberText> read_wide(std::string_view text) {
         // A power of ten written out, since a division would round.
         const std::string zeros(static_cast<std::size_t>(exponent < 0 ? -exponent : exponent), '0');
         if (exponent < 0)
-            *read.wide *= Numeric::fromString("0." + zeros.substr(1) + "1");
+            number *= Numeric::fromString("0." + zeros.substr(1) + "1");
         else
-            *read.wide *= Numeric::fromString("1" + zeros);
+            number *= Numeric::fromString("1" + zeros);
     }
-    std::int64_t length = 0;
-    std::int64_t precision = 0;
-    read.wide->lengthAndPrecision(length, precision);
-    if (precision <= Numeric::kMaxScale) {
-        if (const auto word = read.wide->scaled(static_cast<std::uint32_t>(precision))) {
-            read.word = *word;
-            read.digits = static_cast<std::uint8_t>(precision);
-            read.wide.reset();
-        }
-    }
-    return read;
+    return number_text(number);
 }
 
 } // namespace
@@ -98,6 +87,22 @@ std::optional<NumberText> read_number(std::string_view text) {
     read.plain =
         !positive && !padded && wholeDigits != 0 && point == (fraction != 0) && (value != 0 || !negative);
     return read;
+}
+
+NumberText number_text(const Numeric& number) {
+    NumberText text;
+    std::int64_t length = 0;
+    std::int64_t precision = 0;
+    number.lengthAndPrecision(length, precision);
+    const auto word =
+        precision <= Numeric::kMaxScale ? number.scaled(static_cast<std::uint32_t>(precision)) : std::nullopt;
+    if (word) {
+        text.word = *word;
+        text.digits = static_cast<std::uint8_t>(precision);
+    } else {
+        text.wide = number;
+    }
+    return text;
 }
 
 char* write_number(char* out, std::int64_t word, std::uint32_t scale) noexcept {

@@ -3,11 +3,20 @@
 
 #include <core/numbers/numeric.h>
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
 namespace core {
+
+/// The powers of ten that a word holds.
+inline constexpr std::array<std::int64_t, Numeric::kMaxScale + 1> kTens = [] {
+    std::array<std::int64_t, Numeric::kMaxScale + 1> tens{1};
+    for (std::size_t i = 1; i < tens.size(); ++i)
+        tens[i] = tens[i - 1] * 10;
+    return tens;
+}();
 
 /// A number as a text in ASCII holds it: `word` × 10^-`digits`, or `wide` where that has more than 18 digits.
 struct NumberText {
@@ -20,6 +29,9 @@ struct NumberText {
 
 /// Reads a whole text: a sign, digits with a point among them, an exponent; nothing for any other text.
 [[nodiscard]] std::optional<NumberText> read_number(std::string_view text);
+
+/// Returns the same for a number.
+[[nodiscard]] NumberText number_text(const Numeric& number);
 
 /// Writes `word` × 10^-`scale` with so many digits behind the point, to a buffer of at least 24 characters,
 /// and returns their end.

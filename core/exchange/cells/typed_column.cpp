@@ -13,20 +13,14 @@ bool lost_all(LossReason reason) noexcept {
            reason == LossReason::notBoolean || reason == LossReason::notOfType;
 }
 
-NumberText text_of(const Numeric& number) {
-    NumberText text;
-    std::int64_t length = 0;
-    std::int64_t precision = 0;
-    number.lengthAndPrecision(length, precision);
-    const auto word =
-        precision <= Numeric::kMaxScale ? number.scaled(static_cast<std::uint32_t>(precision)) : std::nullopt;
-    if (word) {
-        text.word = *word;
-        text.digits = static_cast<std::uint8_t>(precision);
-    } else {
-        text.wide = number;
+/// How many units a text in UTF-8 has.
+std::size_t units_of(std::string_view text) noexcept {
+    std::size_t units = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        units += ((byte & 0xC0U) != 0x80U ? 1U : 0U) + (byte >= 0xF0U ? 1U : 0U);
     }
-    return text;
+    return units;
 }
 
 Numeric number_of(const NumberText& text) {
@@ -73,22 +67,21 @@ std::optional<LossReason> TypedColumn::add(std::string_view text) {
 /// Quickly, for numbers of a word; false says nothing.
 bool TypedColumn::fits(const NumberText& number) const noexcept {
     const NumericQualifiers& qualifiers = domain_.numericQualifiers();
-    if (number.wide || (qualifiers.nonnegative() && number.word < 0) ||
-        number.digits > qualifiers.fractionDigits())
+    if (number.wide || (qualifiers.nonnegative() && number.word < 0))
         return false;
-    std::int64_t bound = 1;
-    for (std::uint32_t i = qualifiers.integerDigits() + number.digits;
-         i > 0 && bound <= 1'000'000'000'000'000; --i)
-        bound *= 10;
-    return number.word < bound && number.word > -bound;
+    if (qualifiers.digits() == 0)
+        return true;
+    const std::uint64_t digits = std::uint64_t{qualifiers.integerDigits()} + number.digits;
+    return number.digits <= qualifiers.fractionDigits() &&
+           (digits >= kTens.size() || (number.word < kTens[digits] && number.word > -kTens[digits]));
 }
 
 std::optional<LossReason> TypedColumn::addNumber(std::string_view text) {
     std::optional<NumberText> number;
     if (forms_ == nullptr)
         number = read_number(text);
-    else if (const auto plain = forms_->plainNumber(text))
-        number = read_number(*plain);
+    else if (const auto read = forms_->number(text))
+        number = number_text(*read);
     if (!number) {
         addEmpty();
         return LossReason::notNumber;
@@ -98,7 +91,7 @@ std::optional<LossReason> TypedColumn::addNumber(std::string_view text) {
         return std::nullopt;
     }
     const FittedCell cell = fit_cell(domain_, Value(number_of(*number)));
-    words_.addNumber(text_of(*cell.value.asNumeric()));
+    words_.addNumber(number_text(*cell.value.asNumeric()));
     return cell.loss;
 }
 
@@ -118,7 +111,8 @@ std::optional<LossReason> TypedColumn::addDate(std::string_view text) {
 }
 
 std::optional<LossReason> TypedColumn::addText(std::string_view text) {
-    if (domain_.stringQualifiers().length() == 0) {
+    const StringQualifiers& qualifiers = domain_.stringQualifiers();
+    if (qualifiers.length() == 0 || (qualifiers.varying() && units_of(text) <= qualifiers.length())) {
         texts_.add(text);
         return std::nullopt;
     }

@@ -2,17 +2,9 @@
 #include "core/exchange/cells/word_cells.h"
 
 #include <algorithm>
-#include <array>
 
 namespace core {
 namespace {
-
-constexpr std::array<std::int64_t, Numeric::kMaxScale + 1> kTens = [] {
-    std::array<std::int64_t, Numeric::kMaxScale + 1> tens{1};
-    for (std::size_t i = 1; i < tens.size(); ++i)
-        tens[i] = tens[i - 1] * 10;
-    return tens;
-}();
 
 /// Multiplies a word by 10^`digits`; false, with the word unchanged, where the product does not fit.
 bool shift(std::int64_t& word, std::uint32_t digits) noexcept {

@@ -105,7 +105,7 @@ class Loader {
         columns_.push_back(
             {name, title,
              domain.isEmpty() ? nullptr : std::make_unique<TypedColumn>(std::move(domain), forms),
-             ColumnBuilder(forms)});
+             ColumnBuilder(forms, options_.stop)});
     }
     /// The type that the list gives a column, which leaves the list.
     TypeDomain takeDomain(const wstring& name, wstring_view title) {

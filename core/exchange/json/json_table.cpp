@@ -32,7 +32,7 @@ struct LoadedColumn {
 class TableBuilder : public JsonEvents {
   public:
     TableBuilder(const JsonTableOptions& options, bool lines)
-        : values_(Objects::structures), arrays_(lines ? 0 : 1) {
+        : values_(Objects::structures), arrays_(lines ? 0 : 1), stop_(options.stop) {
         for (ListedColumn& listed : read_column_list(options.columns)) {
             byKey_.emplace(to_utf8(listed.name), columns_.size());
             columns_.push_back({names_.make(listed.name), {}, std::move(listed.domain), {}, 0});
@@ -99,6 +99,7 @@ class TableBuilder : public JsonEvents {
             values_.onObjectEnd();
             return put();
         }
+        stop_.check();
         inRow_ = false;
         ++rows_;
     }
@@ -177,6 +178,7 @@ class TableBuilder : public JsonEvents {
 
     JsonBuilder values_;
     int arrays_; // around the rows
+    StopToken stop_;
     int depth_ = 0;
     bool inRow_ = false;
     std::size_t member_ = 0; // the column whose value comes

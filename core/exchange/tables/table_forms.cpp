@@ -15,9 +15,9 @@
 namespace core {
 namespace {
 
-/// A cell as text for a page: what users read of numbers and dates may differ from language to language.
-std::string cell_text(const Value& cell) {
-    return to_utf8(cell.presentation());
+/// A cell as users read it: numbers with all the digits that the column's type says.
+wstring cell_text(const TableView& view, std::size_t column, const Value& cell) {
+    return view.columns[column].domain.presentation(cell);
 }
 
 /// A text in which some bytes are replaced by others.
@@ -106,7 +106,9 @@ std::vector<bool> number_columns(const TableView& view) {
 
 void write_fixed_width(std::ostream& out, const TableView& view) {
     constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max() / 2;
-    const auto fitted = [](const Value& cell) { return fitted_text(cell.presentation(), kAny); };
+    const auto fitted = [&view](std::size_t column, const Value& cell) {
+        return fitted_text(cell_text(view, column, cell), kAny);
+    };
     std::vector<FittedText> titles;
     std::vector<std::size_t> widths;
     for (const TableView::Column& column : view.columns) {
@@ -115,7 +117,7 @@ void write_fixed_width(std::ostream& out, const TableView& view) {
     }
     view.walk([&](std::span<const Value> cells, std::size_t) {
         for (std::size_t i = 0; i < cells.size(); ++i)
-            widths[i] = std::max(widths[i], fitted(cells[i]).columns);
+            widths[i] = std::max(widths[i], fitted(i, cells[i]).columns);
         return true;
     });
     const std::vector<bool> right = number_columns(view);
@@ -135,7 +137,7 @@ void write_fixed_width(std::ostream& out, const TableView& view) {
     end_line();
     view.walk([&](std::span<const Value> cells, std::size_t) {
         for (std::size_t i = 0; i < cells.size(); ++i)
-            put(i, fitted(cells[i]));
+            put(i, fitted(i, cells[i]));
         end_line();
         return true;
     });
@@ -148,9 +150,9 @@ void write_markdown(std::ostream& out, const TableView& view) {
     for (const bool right : number_columns(view))
         out << (right ? "| ---: " : "| --- ");
     out << "|\n";
-    view.walk([&out](std::span<const Value> cells, std::size_t) {
-        for (const Value& cell : cells)
-            out << "| " << in_markdown(cell_text(cell)) << ' ';
+    view.walk([&](std::span<const Value> cells, std::size_t) {
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            out << "| " << in_markdown(to_utf8(cell_text(view, i, cells[i]))) << ' ';
         out << "|\n";
         return true;
     });
@@ -165,7 +167,8 @@ void write_html(std::ostream& out, const TableView& view) {
     view.walk([&](std::span<const Value> cells, std::size_t) {
         out << "<tr>";
         for (std::size_t i = 0; i < cells.size(); ++i)
-            out << (right[i] ? "<td align=\"right\">" : "<td>") << in_html(cell_text(cells[i])) << "</td>";
+            out << (right[i] ? "<td align=\"right\">" : "<td>")
+                << in_html(to_utf8(cell_text(view, i, cells[i]))) << "</td>";
         out << "</tr>\n";
         return true;
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/runtime/threads/stop_token.h>
 #include <core/streams/text_reader.h>
 #include <core/tables/table.h>
 #include <core/values/generic_value.h>
@@ -41,6 +42,7 @@ struct JsonTableOptions {
     /// others follow in the order of their first appearance, of the type that all their values have.
     wstring columns{};
     Losses* losses = nullptr; ///< receives what does not fit; null: reading throws when something does not
+    StopToken stop{};         ///< is asked at each row; ThreadDeath ends reading
 };
 
 /// Returns the table of a text that is an array of objects, or JSON Lines of objects: a row an object, a
