@@ -3,6 +3,7 @@
 #include "core/runtime/module_code.h"
 #include "core/runtime/modules_lock.h"
 #include "core/runtime/program_module.h"
+#include "core/runtime/system_reason.h"
 
 #include <core/runtime/errors.h>
 #include <core/runtime/live_counter.h>
@@ -121,7 +122,7 @@ LoadedModule::Use LoadedModule::load(const std::filesystem::path& file) {
     std::error_code error;
     const std::filesystem::path path = std::filesystem::canonical(file, error);
     if (error)
-        throw_error<ModuleException>(messages::kModuleMissing, {text_of(file), from_utf8(error.message())});
+        throw_error<ModuleException>(messages::kModuleMissing, {text_of(file), system_reason(error.value())});
     const std::lock_guard guard(all().lock);
     Handle handle = open_file(path);
     const ModuleDeclaration* const declaration = declaration_in(handle.get());

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/system_clock.h"
+#include "core/runtime/system_reason.h"
 #include "core/runtime/thread_locale.h"
 #include "core/runtime/threads/running_threads.h"
 #include "core/runtime/threads/thread_state.h"
@@ -105,7 +106,7 @@ Thread::Thread(const wstring& name, IRunnable* work) : state_(std::make_shared<T
         state_->system = std::thread(run_thread, state_);
     } catch (const std::system_error& e) {
         remove_running(*state_);
-        throw_error<ThreadException>(messages::kThreadStart, {name, from_utf8(e.code().message())});
+        throw_error<ThreadException>(messages::kThreadStart, {name, system_reason(e.code().value())});
     } catch (...) {
         remove_running(*state_);
         throw;
