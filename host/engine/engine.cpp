@@ -144,6 +144,11 @@ GenericValue EngineAccess::run(Engine& engine, const Script& script, const Inter
     }
 }
 
+Value Engine::callWith(const Text& name, std::span<GenericValue> arguments) {
+    const Impl::Working working(*impl_);
+    return impl_->interpreter.call(trim_all(name.view()), arguments);
+}
+
 std::optional<int> Engine::exitCode() const noexcept {
     return impl_->interpreter.exitCode();
 }
@@ -189,6 +194,7 @@ void Engine::remove(const Text& name) {
 void Engine::addFunction(const Text& english, const Text& russian, NativeFunction function) {
     const Impl::Working working(*impl_);
     impl_->functions->add(checked_name(english.view()), checked_name(russian.view()), std::move(function));
+    impl_->interpreter.globals().changed();
 }
 
 void Engine::offer(IContext_* context) {

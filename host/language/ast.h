@@ -53,6 +53,7 @@ struct Call {
     Arguments arguments;
     std::size_t procedure = kNone; ///< index in Program::procedures, where the script declares it
     std::size_t slot = kNone;      ///< of a variable of the procedure around it that has this name
+    std::size_t site = 0;          ///< its index among such calls of the program
 };
 /// New Name(x)
 struct Creation {
@@ -219,6 +220,7 @@ struct Program {
     Variables procedureNames;          ///< the slot is the index in `procedures`
     Variables names;                   ///< of the variables at the top level, each with its slot
     std::vector<std::size_t> declared; ///< slots of the variables that `Var` declares
+    std::size_t calls = 0;             ///< how many calls by name there are
     Block body;
 };
 

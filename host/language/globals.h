@@ -3,6 +3,7 @@
 
 #include <core/context/context_def.h>
 
+#include <cstdint>
 #include <vector>
 
 namespace core::script {
@@ -19,11 +20,19 @@ class Globals {
         int number = -1;
     };
 
-    void add(InterfacePtr<IContext_> context) { contexts_.push_back(std::move(context)); }
-    /// Adds a context that is searched after the last one.
+    void add(InterfacePtr<IContext_> context) {
+        contexts_.push_back(std::move(context));
+        ++version_;
+    }
+    /// Adds a context that is searched after the last one, and may get new names at any time.
     void addBelowLast(InterfacePtr<IContext_> context) {
         contexts_.insert(contexts_.end() - 1, std::move(context));
+        changing_ = true;
     }
+    /// Tells that a context has got a new name.
+    void changed() noexcept { ++version_; }
+    /// Changes whenever another method may have a name; 0 where nobody tells.
+    [[nodiscard]] std::uint64_t version() const noexcept { return changing_ ? 0 : version_; }
 
     [[nodiscard]] Place findMethod(const wstring& name) const { return find(name, &IContextDef::findMethod); }
     [[nodiscard]] Place findProp(const wstring& name) const { return find(name, &IContextDef::findProp); }
@@ -39,6 +48,8 @@ class Globals {
     }
 
     std::vector<InterfacePtr<IContext_>> contexts_;
+    std::uint64_t version_ = 1;
+    bool changing_ = false;
 };
 
 } // namespace core::script

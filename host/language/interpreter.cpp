@@ -4,6 +4,9 @@
 #include "host/language/failure.h"
 #include "host/language/run.h"
 
+#include <core/context/errors.h>
+#include <core/strings/integer_text.h>
+
 #include <utility>
 
 namespace core::script {
@@ -67,6 +70,37 @@ GenericValue Interpreter::call(const std::shared_ptr<Module>& module, const Proc
     }
 }
 
+GenericValue Interpreter::call(wstring_view name, std::span<GenericValue> arguments) {
+    const ProcedureRef* const known = procedures_.find(name);
+    if (known == nullptr) {
+        NearestName near(name);
+        for (const auto& [other, ref] : procedures_.all())
+            near.add(other);
+        throw_unknown<Error>("IDS_SCRIPT_UNKNOWN_FUNCTION", {wstring(name)}, near);
+    }
+    const ProcedureRef called = *known; // it may be declared again meanwhile
+    const std::vector<Parameter>& parameters = called.procedure->parameters;
+    if (arguments.size() > parameters.size())
+        throw_error<Error>(messages::kTooManyArguments,
+                           {called.procedure->name, string_intto(parameters.size())});
+    for (std::size_t i = arguments.size(); i < parameters.size(); ++i) {
+        const wstring& parameter = called.procedure->names.name(i);
+        if (!parameters[i].byDefault)
+            throw_with_message(
+                Error(message_text("IDS_SCRIPT_MISSING_ARGUMENT", {called.procedure->name, parameter})),
+                messages::kMissingArgument, {called.procedure->name, string_intto(i + 1)});
+    }
+    exitCode_.reset();
+    try {
+        return Run(*this, *called.module, nullptr).call(*called.procedure, arguments);
+    } catch (const ScriptError& failure) {
+        throw failure.located(*called.module->program->source);
+    } catch (const ScriptExit& exit) {
+        exitCode_ = exit.code;
+        return GenericValue(exit.code);
+    }
+}
+
 Slot Interpreter::value(wstring_view name) const {
     const auto slot = variables_.find(name);
     return slot && *slot < values_.size() ? values_[*slot] : std::nullopt;
@@ -98,6 +132,7 @@ std::shared_ptr<Module> Interpreter::track(std::unique_ptr<Module> module) {
 std::shared_ptr<Module> Interpreter::makeModule(std::shared_ptr<const Program> program) {
     auto module = std::make_unique<Module>();
     module->cells.resize(program->names.size());
+    module->sites.resize(program->calls);
     for (Cell& cell : module->cells)
         cell.at = &cell.value;
     module->imports = std::make_unique<ProcedureTable>();
@@ -112,6 +147,7 @@ std::shared_ptr<Module> Interpreter::moduleOf(const std::shared_ptr<const Progra
         return last_;
     auto module = std::make_unique<Module>();
     module->cells.resize(program->names.size());
+    module->sites.resize(program->calls);
     for (std::size_t i = 0; i < module->cells.size(); ++i) {
         const std::size_t slot = variables_.slot(program->names.name(i));
         if (slot >= values_.size())

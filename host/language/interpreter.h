@@ -39,6 +39,10 @@ class Interpreter {
     /// what parameters by reference pass back. Throws ScriptError inside a run, otherwise Error.
     GenericValue call(const std::shared_ptr<Module>& module, const Procedure& procedure,
                       std::span<GenericValue> arguments);
+    /// Does the same with a procedure of that name that a script has declared or imported; parameters behind
+    /// the arguments take their defaults. One that asks to exit ends and returns the code. Throws Error,
+    /// without a place for an unknown name and for a wrong count of arguments.
+    GenericValue call(wstring_view name, std::span<GenericValue> arguments);
     /// What the last run asked to exit with; none where it did not.
     [[nodiscard]] std::optional<int> exitCode() const noexcept { return exitCode_; }
 

@@ -144,8 +144,10 @@ GenericValue Parser::constant() {
 
 /// What stands behind its use is known now.
 void Parser::bindNames() {
-    for (Call* const call : calls_)
+    for (Call* const call : calls_) {
         call->procedure = program_.procedureNames.find(call->name).value_or(kNone);
+        call->site = program_.calls++;
+    }
     for (std::size_t i = 0; i < program_.procedures.size(); ++i) {
         local_ = std::move(locals_[i]);
         bind(program_.procedures[i]);

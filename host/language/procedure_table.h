@@ -23,6 +23,7 @@ class ProcedureTable {
 
     /// Adds a procedure in place of an earlier one of that name.
     void add(ProcedureRef ref) {
+        ++version_;
         const wstring& name = ref.procedure->name;
         procedures_.insert_or_assign(name, std::move(ref));
     }
@@ -34,8 +35,11 @@ class ProcedureTable {
         return found != procedures_.end() ? &found->second : nullptr;
     }
     [[nodiscard]] const Map& all() const noexcept { return procedures_; }
+    /// Changes with every change of the table.
+    [[nodiscard]] std::uint64_t version() const noexcept { return version_; }
 
   private:
+    std::uint64_t version_ = 1;
     Map procedures_;
 };
 

@@ -83,16 +83,24 @@ Run::Flow Run::execute(const ForEach& node) {
     return Flow::next;
 }
 
-Run::Flow Run::execute(const ForRange& node) {
-    Numeric number = numeric(*node.first);
-    const Numeric last = numeric(*node.last);
-    for (; number.compare(last) <= 0; number += Numeric(1)) {
+template <class Number>
+Run::Flow Run::count(const ForRange& node, Number number, const Number& last) {
+    for (; number <= last; number += 1) {
         slot(node.slot) = GenericValue(number);
         if (const Flow flow = execute(node.body); endsLoop(flow))
             return behindLoop(flow);
         watch_.step(node.last->span);
     }
     return Flow::next;
+}
+
+/// The counter is an integer where that will do.
+Run::Flow Run::execute(const ForRange& node) {
+    const Numeric first = numeric(*node.first);
+    const Numeric last = numeric(*node.last);
+    const auto number = GenericValue(first).asSmallWhole();
+    const auto end = GenericValue(last).asSmallWhole();
+    return number && end ? count(node, *number, *end) : count(node, first, last);
 }
 
 Run::Flow Run::execute(const While& node) {

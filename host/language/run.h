@@ -38,6 +38,8 @@ class Run {
     Flow execute(const If& node);
     Flow execute(const ForEach& node);
     Flow execute(const ForRange& node);
+    template <class Number>
+    Flow count(const ForRange& node, Number number, const Number& last);
     Flow execute(const While& node);
     Flow execute(const Break&) { return Flow::breakLoop; }
     Flow execute(const Continue&) { return Flow::continueLoop; }
@@ -61,7 +63,7 @@ class Run {
     bool condition(const Expression& expression);
     Numeric numeric(const Expression& expression);
     GenericValue follow(const GenericValue& object, const Link& link);
-    void assign(const Expression& target, const GenericValue& value);
+    void assign(const Expression& target, GenericValue value);
 
     // names: run_names.cpp
     Slot& slot(std::size_t number) { return *cells_[number].at; }
@@ -77,6 +79,7 @@ class Run {
     [[noreturn]] void unknownFunction(Span span, const wstring& name);
 
     // calls: run_calls.cpp
+    const CallSite& resolved(const Call& node);
     GenericValue callProcedure(Module& module, const Procedure& procedure, const Arguments& expressions,
                                Span span);
     void passArgument(Cell& cell, const Procedure& procedure, std::size_t param, const Expression* expression,

@@ -62,17 +62,32 @@ GenericValue Run::evaluate(const Call& node, Span span) {
     }
     if (node.procedure != kNone)
         return callProcedure(*module_, module_->program->procedures[node.procedure], node.arguments, span);
-    if (const ProcedureRef* const known = module_->known->find(node.name)) {
-        const ProcedureRef other = *known; // it may be declared again meanwhile
+    const CallSite& site = resolved(node);
+    if (site.procedure != nullptr) {
+        const ProcedureRef other = *site.procedure; // it may be declared again meanwhile
         return callProcedure(*other.module, *other.procedure, node.arguments, span);
     }
-    if (const Globals::Place method = owner_.globals_.findMethod(node.name); method.context != nullptr)
-        return callContext(*method.context, method.number, node.name, node.arguments, span);
+    if (site.method.context != nullptr)
+        return callContext(*site.method.context, site.method.number, node.name, node.arguments, span);
     if (const Slot* const variable = scriptVariable(node.name)) {
         if (const auto callable = (*variable)->query<ICallable>())
             return callValue(*callable, node.arguments, span);
     }
     unknownFunction(span, node.name);
+}
+
+/// What the name of a call leads to, which is looked for where names have changed since.
+const CallSite& Run::resolved(const Call& node) {
+    CallSite& site = module_->sites[node.site];
+    const std::uint64_t known = module_->known->version();
+    const std::uint64_t globals = owner_.globals_.version();
+    if (site.known == known && site.globals == globals && globals != 0)
+        return site;
+    site.procedure = module_->known->find(node.name);
+    site.method = site.procedure == nullptr ? owner_.globals_.findMethod(node.name) : Globals::Place{};
+    site.known = known;
+    site.globals = globals;
+    return site;
 }
 
 GenericValue Run::callProcedure(Module& module, const Procedure& procedure, const Arguments& expressions,

@@ -8,6 +8,7 @@
 #include <core/values/type_object.h>
 
 #include <string_view>
+#include <utility>
 
 namespace core::script {
 namespace {
@@ -124,6 +125,10 @@ GenericValue Run::evaluate(const Operations& node, Span) {
             result = GenericValue(left == decided ? decided : condition(*operation.operand));
         } else {
             const GenericValue right = evaluate(*operation.operand);
+            const auto whole = result.asSmallWhole();
+            const auto other = right.asSmallWhole();
+            if (whole && other && apply_whole(operation.sign, *whole, *other, result))
+                continue;
             if (const wstring_view* const text = result.asString())
                 requireRoom(operation.span, *text, right);
             result = at(operation.span, [&] { return apply(operation.sign, result, right); });
@@ -190,9 +195,9 @@ GenericValue Run::follow(const GenericValue& object, const Link& link) {
     });
 }
 
-void Run::assign(const Expression& target, const GenericValue& value) {
+void Run::assign(const Expression& target, GenericValue value) {
     if (const auto* const variable = std::get_if<Variable>(&target.node)) {
-        slot(variable->slot) = value;
+        slot(variable->slot) = std::move(value);
         return;
     }
     const auto& access = std::get<Access>(target.node);

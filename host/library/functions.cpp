@@ -12,15 +12,21 @@
 #include <core/exchange/whole_file.h>
 #include <core/files/errors.h>
 #include <core/files/file_system.h>
+#include <core/lists/errors.h>
+#include <core/lists/list_scanner.h>
 #include <core/objects/binary_data.h>
 #include <core/runtime/clock.h>
+#include <core/runtime/exception_object.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/process.h>
 #include <core/runtime/utf8.h>
+#include <core/streams/memory_stream.h>
 #include <core/streams/text_file.h>
+#include <core/strings/integer_text.h>
 #include <core/strings/letter_case.h>
 #include <core/strings/like.h>
 #include <core/strings/trim.h>
+#include <core/values/errors.h>
 
 #include <algorithm>
 #include <chrono>
@@ -28,6 +34,20 @@
 namespace core::script {
 
 namespace {
+
+/// Throws a failure again with the place where the text is not a brace list; returns where it is one.
+void throw_place(const ListStreamException& failure, wstring_view text) {
+    MemoryInStream in(text);
+    ListScanner scanner(in);
+    while (scanner.token() != ListScanner::Token::error) {
+        if (scanner.next() == ListScanner::Token::endOfText)
+            return;
+    }
+    throw_error<ContextException>(
+        "IDS_SCRIPT_TEXT_MALFORMED",
+        {string_intto(scanner.place().line), string_intto(scanner.place().column), scanner.message()},
+        wrap_exception(failure).get());
+}
 
 class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
                         public ContextDefExtImpl<ScriptFunctions> {
@@ -45,7 +65,15 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
         surroundings_.print(a[0], kPrintedRows);
         return {};
     }
-    GenericValue fromText(Args a) { return GenericValue::fromString(text_argument(a, 0)); }
+    GenericValue fromText(Args a) {
+        const wstring_view text = text_argument(a, 0);
+        try {
+            return GenericValue::fromString(text);
+        } catch (const ListStreamException& failure) {
+            throw_place(failure, text);
+            throw; // a list, but not a value
+        }
+    }
     GenericValue toText(Args a) {
         wstring text;
         a[0].toString(text);

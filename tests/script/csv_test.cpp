@@ -125,6 +125,29 @@ TEST_F(CsvTest, WhatDoesNotFitIsAnErrorUnlessTheScriptGoesOn) {
     EXPECT_EQ(load("1,2\n", ", , , , False"), R"([["Column1","Column2"],[1,2]])");
 }
 
+TEST_F(CsvTest, CanBeInterruptedWhenAllBytesAreRead) {
+    for (const char* const load : {"T = LoadCsv(\"x\")", "T = LoadJson(\"x\")"}) {
+        core::script::Engine engine;
+        engine.input([&](core::wstring_view) {
+            return [&engine, text = std::string_view("{\"A\":1}\n")](std::span<std::byte> into) mutable {
+                const std::size_t count = text.size();
+                std::ranges::copy(std::as_bytes(std::span(text)), into.begin());
+                text = {};
+                if (count == 0)
+                    engine.interrupt();
+                return count;
+            };
+        });
+        try {
+            engine.run(load);
+            FAIL() << load;
+        } catch (const core::script::Error& error) {
+            EXPECT_EQ(std::string_view(error.messageId()), core::messages::kScriptInterrupted);
+        }
+        EXPECT_FALSE(engine.has("T")) << load;
+    }
+}
+
 TEST_F(CsvTest, GoesToTheOutputInAnyForm) {
     static_cast<void>(file("x.csv", "A,B\n1,x\n"));
     EXPECT_EQ(

@@ -162,7 +162,13 @@ TEST_F(InterpreterTest, Functions) {
         {"TypeOf(CurrentDate()); CurrentDate() > '20240101'; Elapsed() >= 0", "Date\nTrue\nTrue"},
         {"FromText(\"{\"\"N\"\",5}\"); ToText(5.25); ИзТекста(ВТекст(\"a\"\"b\"))",
          "5\n\"{\"\"N\"\",5.25}\"\n\"a\"\"b\""},
-        {"FromText(\"{\"\"N\"\",\")",
+        {"FromText(\"{\"\"N\"\",\")", "! 1:1 The text is malformed in line 1, column 6: Expected a list, a "
+                                      "string in quotes, a number or an "
+                                      "id."},
+        {"FromText(\"{1,\n|2 3}\")",
+         "! 1:1 The text is malformed in line 2, column 3: Expected a comma or the end of "
+         "the list."},
+        {"FromText(\"{1}\")",
          "! 1:1 The text is not a well-formed brace list, or holds something else than was expected."},
         {"Base64String(\"core\"); Base64Value(\"Y29yZQ==\") = New BinaryData(\"core\")",
          "\"Y29yZQ==\"\nTrue"},

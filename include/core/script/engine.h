@@ -8,6 +8,7 @@
 #include <core/script/errors.h>
 #include <core/script/text.h>
 
+#include <array>
 #include <chrono>
 #include <concepts>
 #include <cstddef>
@@ -101,6 +102,19 @@ class CORE_SCRIPT_API Engine {
     Value run(const Script& script);
     /// Compiles a script and runs it; `name` is what errors call it.
     Value run(const Text& text, const Text& name = u"script");
+    /// Calls a procedure or function that a script of this engine has declared or imported, and returns what
+    /// it returns, of a procedure Undefined. The arguments convert by NativeValue; parameters behind them
+    /// take their defaults. A call counts as a run: bounds and interrupt() end it, and Exit ends it as it
+    /// ends a run. Throws Error for a failure that the procedure does not handle, for a name that no
+    /// procedure has, and for too many or too few arguments.
+    template <class... Args>
+    requires(ToValue<std::decay_t<const Args&>>&&...) Value call(const Text& name, const Args&... arguments) {
+        std::array<GenericValue, sizeof...(Args)> values{to_value<std::decay_t<const Args&>>(arguments)...};
+        return callWith(name, values);
+    }
+    /// Calls a procedure as above, and stores in `arguments` what parameters by reference pass back. Throws
+    /// as above.
+    Value callWith(const Text& name, std::span<GenericValue> arguments);
     /// Returns what the last run asked to exit with, 0 to 255; nothing where it did not. Such a run ends at
     /// once and returns the code.
     [[nodiscard]] std::optional<int> exitCode() const noexcept;
