@@ -8,10 +8,16 @@
 #include "host/terminal/text_output.h"
 
 #include <core/exchange/json_reader.h>
+#include <core/exchange/whole_file.h>
 #include <core/files/errors.h>
+#include <core/lists/errors.h>
+#include <core/persistence/stream_storage.h>
 #include <core/runtime/utf8.h>
+#include <core/streams/errors.h>
+#include <core/streams/memory_stream.h>
 #include <core/streams/text_file.h>
 #include <core/strings/integer_text.h>
+#include <core/values/generic_value.h>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -138,12 +144,76 @@ ExitCode from_json(Console& console, const ListOptions& options) {
     return ExitCode::done;
 }
 
+// the compact form
+
+std::vector<std::byte> all_bytes(Console& console, const std::string& file) {
+    ByteInput input(console, file);
+    std::vector<std::byte> bytes;
+    for (std::size_t size = 0, got = 1; got != 0; size += got) {
+        bytes.resize(size + std::size_t{64} * 1024);
+        got = input.read(std::span(bytes).subspan(size));
+        bytes.resize(size + got);
+    }
+    return bytes;
+}
+
+/// The value in a file, in either form.
+GenericValue read_value(Console& console, const std::string& file) {
+    const std::vector<std::byte> bytes = all_bytes(console, file);
+    try {
+        return GenericValue::fromBytes(bytes);
+    } catch (const ListStreamException&) {
+        if (stored_form(bytes) == StoredForm::compact)
+            throw;
+        TextInStream text(
+            [left = std::span(bytes)](std::span<std::byte> into) mutable {
+                const std::size_t count = std::min(into.size(), left.size());
+                std::copy_n(left.begin(), count, into.begin());
+                left = left.subspan(count);
+                return count;
+            },
+            from_utf8(file));
+        ListScanner scanner(text);
+        if (ListCounts counts; !count_list(scanner, counts))
+            throw_malformed(scanner, file);
+        throw; // a list, but not of a value
+    }
+}
+
+ExitCode to_compact(Console& console, const ListOptions& options) {
+    const GenericValue value = read_value(console, options.files.front());
+    const auto write_to = [&](const ByteWriter& write) {
+        StreamOutStorage storage(StoredForm::compact, write);
+        serialize_value(&storage, value);
+        storage.finish();
+    };
+    if (options.output != "-")
+        write_whole_file(options.output, write_to);
+    else
+        write_to([&console](std::span<const std::byte> bytes) {
+            if (!console.out.write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes)))
+                throw_error<FileStreamException>("IDS_HOST_OUTPUT_FAILED");
+        });
+    return ExitCode::done;
+}
+
+ExitCode from_compact(Console& console, const ListOptions& options) {
+    const std::string& file = options.files.front();
+    wstring text;
+    read_value(console, file).toString(text);
+    MemoryInStream in(text);
+    ListScanner scanner(in);
+    write_text(console, options.output,
+               [&](wostream& out) { format_list(scanner, file, out, options.indent); });
+    return ExitCode::done;
+}
+
 } // namespace
 
 void add_list_command(CLI::App& app, Console& console, Action& action) {
-    auto* const command = app.add_subcommand(
-        "list", help(console, "Check, format and convert brace lists of any size",
-                     "Проверить, разметить и преобразовать скобочные списки любого размера"));
+    auto* const command =
+        app.add_subcommand("list", help(console, "Check, format and convert brace lists",
+                                        "Проверить, разметить и преобразовать скобочные списки"));
     command->require_subcommand(1);
     command->fallthrough();
     const auto options = std::make_shared<ListOptions>();
@@ -168,6 +238,8 @@ void add_list_command(CLI::App& app, Console& console, Action& action) {
         sub->add_option("-o,--output", options->output,
                         help(console, "The file to write; default: standard output",
                              "Файл для записи; по умолчанию стандартный вывод"));
+        if (run == to_compact)
+            return;
         sub->add_option("--indent", options->indent,
                         help(console, "Blanks for each level, 0 to 16; default: 2",
                              "Пробелов на уровень, от 0 до 16; по умолчанию 2"))
@@ -177,6 +249,14 @@ void add_list_command(CLI::App& app, Console& console, Action& action) {
     addConversion("fmt", help(console, "Lay a list out in lines", "Разбить список на строки"), format);
     addConversion("to-json", help(console, "Write a list as JSON", "Записать список в JSON"), to_json);
     addConversion("from-json", help(console, "Write JSON as a list", "Записать JSON списком"), from_json);
+    addConversion("to-compact",
+                  help(console, "Write the list of a value in the compact form",
+                       "Записать список значения в компактной форме"),
+                  to_compact);
+    addConversion("from-compact",
+                  help(console, "Write a value in the compact form as a list",
+                       "Записать значение из компактной формы списком"),
+                  from_compact);
 }
 
 } // namespace host

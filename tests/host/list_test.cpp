@@ -205,6 +205,32 @@ TEST_F(ListTest, JsonThatStandsForNoList) {
     EXPECT_NE(refusal({"to-json"}, "{\"\"\\d83d\"}").find("surrogate"), std::string::npos);
 }
 
+TEST_F(ListTest, TheCompactFormHoldsTheSameValues) {
+    const std::string structure =
+        "{\"#\",c6bdae87-2280-4624-af03-2c1b4371b2e4,{2,{{\"S\",\"Имя\"},{\"S\",\"a\"\"b\"}},"
+        "{{\"S\",\"Day\"},{\"D\",20240229130507}}}}";
+    for (const std::string& text : {structure, std::string("{\"N\",-12.5}"), std::string("{\"U\"}"),
+                                    std::string("{\"S\",\"\\ffff\"}")}) {
+        const std::string bytes = result({"to-compact"}, text);
+        EXPECT_TRUE(bytes.starts_with("\xC1"
+                                      "cf\x01"))
+            << text;
+        EXPECT_EQ(result({"from-compact"}, bytes), result({"fmt"}, text));
+        EXPECT_EQ(result({"from-compact", "--indent", "0"}, bytes), result({"fmt", "--indent", "0"}, text));
+        EXPECT_EQ(result({"to-compact"}, bytes), bytes);
+    }
+    EXPECT_EQ(refusal({"to-compact"}, "{\"N\",\n,}"),
+              "corehost: -:2:1: Expected a list, a string in quotes, a number or an id.\n");
+    EXPECT_NE(refusal({"to-compact"}, "{1,2}"), "") << "a list of no value";
+    const std::string out = file("out", "old"), whole = result({"to-compact"}, structure);
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_NE(refusal({"from-compact", "-o", out}, whole.substr(0, size)), "") << size;
+    EXPECT_NE(refusal({"from-compact", "-o", out}, whole + "\x01"), "");
+    EXPECT_EQ(text_of(out), "old");
+    EXPECT_EQ(result({"to-compact", "-o", out}, structure), "");
+    EXPECT_EQ(text_of(out), whole);
+}
+
 TEST_F(ListTest, OutputsAreReplacedWholeOrNotAtAll) {
     const std::string in = file("in", "{1,{2}}"), out = file("out", "old");
     EXPECT_EQ(result({"fmt", in, "-o", out}, ""), "");
