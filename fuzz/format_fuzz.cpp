@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Format strings of numbers, dates, Booleans and words, and texts in several languages: each is refused or
-// works, and what it writes reads back. The input is UTF-8: the format string, a text to read and digits,
-// with line feeds between them.
+// Format strings of numbers, dates, Booleans and words, texts in several languages, and keys of locales: each
+// is refused or works, and what it writes reads back. The input is UTF-8: the format string, a text to read
+// and digits, with line feeds between them.
 #include <core/locales.h>
 #include <core/runtime/utf8.h>
 
@@ -82,6 +82,15 @@ void check_languages(const wstring& written) {
     }
 }
 
+void check_locale(std::string_view key) {
+    try {
+        const Locale locale(key);
+        require(Locale(locale.key()) == locale);
+        (void)locale.name(Locale("ru"));
+    } catch (const LocaleException&) {
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -103,5 +112,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     });
     check_words(string, number);
     check_languages(text);
+    check_locale(to_utf8(text));
     return 0;
 }

@@ -221,6 +221,42 @@ TEST_F(Allocation, ContainersStayWhole) {
     std::filesystem::remove(file);
 }
 
+TEST_F(Allocation, FoldersStayWhole) {
+    const std::string folder = testing::TempDir() + "folders-" + std::to_string(::getpid());
+    const std::string prepare = "F = \"" + folder +
+                                "\"; If FileExists(F) Then DeleteFolder(F) EndIf; CreateFolder(F + \"/a/b\");"
+                                "SaveText(F + \"/a/b/x\", \"one text\"); SaveText(F + \"/a/y\", \"y\");";
+    // Nothing may be left beside, either.
+    const std::string probe = "P = FindFiles(F + \"/*\", True).Count(); A = FileExists(F + \"/a/b/x\");";
+    const std::string content = probe + "T = LoadText(F + \"/a/b/x\", \"auto\");";
+    check(
+        {{prepare.c_str(), "CreateFolder(F + \"/n/e/w\");", probe.c_str()},
+         {prepare.c_str(), "CopyFile(F + \"/a\", F + \"/c\");", probe.c_str()},
+         {prepare.c_str(), "MoveFile(F + \"/a\", F + \"/c\");", probe.c_str()},
+         {prepare.c_str(), "CopyFile(F + \"/a/y\", F + \"/a/b/x\");", content.c_str()},
+         {prepare.c_str(), "SaveText(F + \"/a/b/x\", \"другой текст\", \"windows-1251\");", content.c_str()},
+         {prepare.c_str(), "L = FindFiles(F + \"/*\", True).Count();"},
+         {prepare.c_str(), "L = (New TextReader(F + \"/a/b/x\")).Read();"}});
+    std::filesystem::remove_all(folder);
+}
+
+TEST_F(Allocation, LocalesAndFormatsAreWholeOrNotThere) {
+    check({
+        {"", "N = (New Locale(\"de_AT@collation=phonebook\")).Name(\"ru\");"},
+        {"", "N = (New Locale(\"es_MX\")).Parent.OwnName;"},
+        {"", "N = Locales().Count();"},
+        {"W = New Array; W.Add(\"es_MX\"); W.Add(\"en\"); T = New Array; T.Add(\"en\"); T.Add(\"es\");",
+         "N = BestLocale(W, T).Key;"},
+        {"", "T = (New LocalWString(\"en='Price'; ru='Цена без скидки'\")).With(\"de_AT\", \"Preis ohne "
+             "Rabatt\").Without(\"en\").Written;"},
+        {"", "T = (New LocalWString(\"en='The price without a discount'\")).Text(\"es_MX\");"},
+        {"", "T = InWords(1234.05, \"locale=ru; currency=RUB; partForm=digits\");"},
+        {"", "T = InWords(21, \"locale=ru; kind=ordinal; gender=f; case=genitive\");"},
+        {"", "T = Format(True, \"true='switched on for good'; false=off\");"},
+        {"", "N = ParseNumber(\"1.234.567.890.123.456,5\", \"locale=de; fraction=..9\");"},
+    });
+}
+
 TEST_F(Allocation, CompactFormsAreWholeOrNotThere) {
     const char* const table =
         "T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"B\"); "
