@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/system_reason.h"
 
-#include <core/runtime/threads/thread.h>
+#include "core/runtime/thread_locale.h"
+
 #include <core/runtime/utf8.h>
 
 #include <clocale>
@@ -12,7 +13,7 @@ namespace core {
 wstring system_reason(int error) {
     // By a locale of its own: that of the program may be any other, and strerror() is not for several
     // threads.
-    const bool russian = Thread::getResourceLocale().isRussian();
+    const bool russian = detail::resource_locale().isRussian();
     ::locale_t locale = ::newlocale(LC_ALL_MASK, russian ? "ru_RU.UTF-8" : "C", nullptr);
     if (locale == nullptr)
         locale = ::newlocale(LC_ALL_MASK, "C", nullptr); // which is always there
