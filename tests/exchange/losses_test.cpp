@@ -63,6 +63,28 @@ TEST_F(LossesTest, OfCsvWithTypes) {
     }
 }
 
+TEST_F(LossesTest, OfCsvInTheFormsOfALocale) {
+    const std::size_t bad = many() / 2;
+    std::string text = "Day;Price\n";
+    for (std::size_t row = 0; row < many(); ++row)
+        text += row == bad ? "1.3.2024;1.250,50\n" : "29.02.2024;1 250,50\n";
+    EXPECT_EQ(outcome(text, {.columns = u"Price Number", .locale = Locale("ru")}),
+              "! x.csv, line " + std::to_string(bad + 2) + ", column Price: “1.250,50” is not a number.");
+    const auto found = read(text, {.locale = Locale("ru")});
+    EXPECT_EQ(types(found, 0), "D");
+    EXPECT_EQ(types(found, 1), "S") << "nothing is lost";
+    EXPECT_EQ(to_utf8(cell(found, bad - 1, 1).presentation()), "1 250,50");
+}
+
+TEST_F(LossesTest, OfBytesThatAreNoText) {
+    const std::size_t bad = many() / 2;
+    const std::string line = "line " + std::to_string(bad + 2);
+    for (const wchar* const columns : {u"", u"Price Number", u"Price String"}) {
+        const std::string told = outcome(csv(bad, "1\xFF"), {.encoding = Encoding(), .columns = columns});
+        EXPECT_TRUE(told.starts_with("! x.csv, " + line)) << told;
+    }
+}
+
 TEST_F(LossesTest, OfCsvWithoutTypesAreNone) {
     const std::size_t bad = many() / 2;
     const auto table = read(csv(bad, "abc"));
