@@ -137,26 +137,30 @@ __attribute__((target("ssse3,popcnt"))) void encode_by_shuffles(const wchar*& at
     const auto lanes = [](unsigned unit) __attribute__((target("ssse3,popcnt"))) {
         return _mm_set1_epi16(static_cast<std::int16_t>(unit));
     };
-    for (; end - at >= 8; at += 8) {
-        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    const wchar* from = at;
+    std::uint8_t* to = out;
+    for (; end - from >= 8; from += 8) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
         const __m128i ascii = _mm_cmpeq_epi16(_mm_and_si128(units, lanes(0xFF80)), zero);
         const auto single = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(ascii, zero)));
         if (single == 0xFF) {
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(units, units));
-            out += 8;
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(units, units));
+            to += 8;
             continue;
         }
         const __m128i fit = _mm_cmpeq_epi16(_mm_and_si128(units, lanes(0xF800)), zero);
         if (_mm_movemask_epi8(fit) != 0xFFFF)
-            return;
+            break;
         const __m128i low = _mm_slli_epi16(_mm_and_si128(units, lanes(0x3F)), 8);
         const __m128i two = _mm_or_si128(_mm_or_si128(_mm_srli_epi16(units, 6), low), lanes(0x80C0));
         const __m128i bytes = _mm_or_si128(_mm_and_si128(ascii, units), _mm_andnot_si128(ascii, two));
         const __m128i shuffle =
             _mm_load_si128(reinterpret_cast<const __m128i*>(kSqueezes[single].bytes.data()));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(bytes, shuffle));
-        out += 16 - _mm_popcnt_u32(single);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(bytes, shuffle));
+        to += 16 - _mm_popcnt_u32(single);
     }
+    at = from;
+    out = to;
 }
 
 bool has_shuffles() noexcept {

@@ -36,25 +36,33 @@ class Utf8Encoder final : public UnitEncoder {
     static void encodeShort(const wchar*& at, const wchar* end, std::uint8_t*& out) noexcept {
         while (at != end) {
             encode_short(at, end, out);
-            // What stopped it, and some units behind that, one by one.
-            for (const wchar* const some = at + std::min<std::ptrdiff_t>(end - at, 8); at != some; ++at) {
-                if ((*at & 0xF800) == 0xD800)
-                    return;
-                encodeOne(*at, out);
-            }
+            // What stopped it, and some units behind that, one by one. Bytes could lie anywhere, also in the
+            // pointers, so that these are copied to where nothing else leads.
+            const wchar* from = at;
+            const wchar* const some = from + std::min<std::ptrdiff_t>(end - from, 16);
+            std::uint8_t* to = out;
+            while (from != some && (*from & 0xF800) != 0xD800)
+                to = encodeOne(*from++, to);
+            at = from;
+            out = to;
+            if (from != some)
+                return;
         }
     }
-    static void encodeOne(wchar unit, std::uint8_t*& out) noexcept {
-        if (unit < 0x80) {
-            *out++ = static_cast<std::uint8_t>(unit);
-        } else if (unit < 0x800) {
-            *out++ = static_cast<std::uint8_t>(0xC0 | unit >> 6);
-            *out++ = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
-        } else {
-            *out++ = static_cast<std::uint8_t>(0xE0 | unit >> 12);
-            *out++ = static_cast<std::uint8_t>(0x80 | (unit >> 6 & 0x3F));
-            *out++ = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
+    static std::uint8_t* encodeOne(wchar unit, std::uint8_t* out) noexcept {
+        if (unit >= 0x800) {
+            out[0] = static_cast<std::uint8_t>(0xE0 | unit >> 12);
+            out[1] = static_cast<std::uint8_t>(0x80 | (unit >> 6 & 0x3F));
+            out[2] = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
+            return out + 3;
         }
+        if (unit < 0x80) {
+            *out = static_cast<std::uint8_t>(unit);
+            return out + 1;
+        }
+        out[0] = static_cast<std::uint8_t>(0xC0 | unit >> 6);
+        out[1] = static_cast<std::uint8_t>(0x80 | (unit & 0x3F));
+        return out + 2;
     }
 };
 
