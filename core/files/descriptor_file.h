@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
 namespace core {
 
@@ -21,6 +22,8 @@ class Descriptor {
     Descriptor& operator=(const Descriptor&) = delete;
     Descriptor& operator=(Descriptor&&) = delete;
     ~Descriptor() { (void)close(); }
+
+    void swap(Descriptor& other) noexcept { std::swap(number_, other.number_); }
 
     [[nodiscard]] int number() const noexcept { return number_; }
     /// False when what was written before is not where it should be. Interrupted or not, the descriptor is
@@ -49,6 +52,8 @@ class DescriptorFile : public FileImpl, public ISharedFile {
   protected:
     DescriptorFile(Descriptor descriptor, wstring url);
 
+    /// Takes the descriptor of a file that was opened when the object was there already.
+    void take(Descriptor descriptor) noexcept { descriptor_.swap(descriptor); }
     [[nodiscard]] int descriptor() const noexcept { return descriptor_.number(); }
     /// Refuses a length that the system does not let the process give a file, unless it has it.
     void requireLength(std::uint64_t length);

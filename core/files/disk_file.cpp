@@ -24,6 +24,8 @@ class DiskFile : public DescriptorFile {
     DiskFile(Descriptor descriptor, wstring url, std::string path)
         : DescriptorFile(std::move(descriptor), std::move(url)), newPath_(std::move(path)) {}
 
+    using DescriptorFile::take;
+
     void flush() override {
         DescriptorFile::flush();
         if (!newPath_.empty()) {
@@ -101,17 +103,19 @@ bool rename_durably(const std::string& from, const std::string& to) {
 InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode, unsigned permissions) {
     require_whole_path(path);
     const wstring url = file_url(path);
+    const bool mayBeNew = mode != OpenMode::read && mode != OpenMode::readWrite;
+    // First what takes memory, so that no file is made for nobody.
+    auto file = make_object<DiskFile>(Descriptor(-1), url, mayBeNew ? path : std::string());
     int number = -1;
     while ((number = ::open(path.c_str(), open_flags(mode) | O_CLOEXEC, permissions)) < 0 && errno == EINTR)
         Thread::check(); // a pipe opens when somebody comes to its other end
     if (number < 0)
         throw_file_error(messages::kFileOpen, url, errno);
-    Descriptor descriptor(number);
+    file->take(Descriptor(number));
     struct stat status {};
     if (::fstat(number, &status) == 0 && S_ISDIR(status.st_mode))
         throw_file_error(messages::kFileOpen, url, EISDIR);
-    const bool mayBeNew = mode != OpenMode::read && mode != OpenMode::readWrite;
-    return make_object<DiskFile>(std::move(descriptor), url, mayBeNew ? path : std::string());
+    return file;
 }
 
 InterfacePtr<IFile> create_temp_file(const std::string& folder) {

@@ -3,6 +3,7 @@
 #include "core/files/disk_path.h"
 #include "core/files/file_beside.h"
 #include "core/files/schemes.h"
+#include "core/runtime/folder_entries.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -15,6 +16,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -229,16 +231,14 @@ class DiskScheme : public IFileScheme {
         }
         const std::string folder = file_path(wstring_view(url).substr(0, url.rfind(u'/') + 1));
         const wstring pattern = decodedPattern(url);
-        fs::directory_iterator entries(folder.empty() ? std::string(".") : folder, error);
-        if (error && error.value() != ENOENT)
-            throw_file_error(messages::kFileRead, url, error.value());
-        for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-            const std::string name = entries->path().filename().string();
+        FolderEntries entries(folder);
+        while (const char* const entry = entries.next()) {
+            const std::string name = entry;
             if (matches_wildcard(comparable(name), pattern))
                 paths.push_back(folder + name);
         }
-        if (error && error.value() != ENOENT)
-            throw_file_error(messages::kFileRead, url, error.value());
+        if (entries.error() != 0 && entries.error() != ENOENT)
+            throw_file_error(messages::kFileRead, url, entries.error());
         std::sort(paths.begin(), paths.end());
         return paths;
     }

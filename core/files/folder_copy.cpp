@@ -3,6 +3,7 @@
 
 #include "core/files/descriptor_file.h"
 #include "core/files/disk_path.h"
+#include "core/runtime/folder_entries.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -13,7 +14,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <new>
 #include <system_error>
 #include <utility>
 
@@ -76,16 +76,12 @@ class DiskOf {
 };
 
 /// Removes what lies in a folder and is not a folder, then the folder. It takes one descriptor, which is
-/// there even where a lack of them is what the copy failed at.
+/// there even where a lack of them is what the copy failed at, and no memory that could be missing.
 void remove_with_files(const std::string& folder) noexcept {
-    try {
-        std::error_code error;
-        fs::directory_iterator entries(folder, error);
-        for (; !error && entries != fs::directory_iterator(); entries.increment(error))
-            (void)::unlink(entries->path().c_str());
-        (void)::rmdir(folder.c_str());
-    } catch (const std::bad_alloc&) { // what is reported is why the copy was not made
-    }
+    FolderEntries entries(folder);
+    while (const char* const name = entries.next())
+        (void)::unlinkat(entries.descriptor(), name, 0);
+    (void)::rmdir(folder.c_str());
 }
 
 } // namespace
@@ -132,14 +128,13 @@ void FolderCopy::makeFolder(Folder& folder) {
 void FolderCopy::copyEntries(std::size_t folder) {
     const std::string from = folders_[folder].from; // the list grows meanwhile
     const std::string to = folders_[folder].to;
-    std::error_code error;
-    fs::directory_iterator entries(from, error);
-    for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-        const std::string name = "/" + entries->path().filename().string();
+    FolderEntries entries(from);
+    while (const char* const entry = entries.next()) {
+        const std::string name = std::string("/") + entry;
         copyEntry(from + name, to + name);
     }
-    if (error)
-        throw_not_copied(from, error.value());
+    if (entries.error() != 0)
+        throw_not_copied(from, entries.error());
 }
 
 void FolderCopy::copyEntry(std::string from, std::string to) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/schemes.h"
 #include "core/files/shared_memory_file.h"
+#include "core/runtime/folder_entries.h"
 #include "core/runtime/threads/named_files.h"
 
 #include <core/files/errors.h>
@@ -13,16 +14,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 namespace core {
 namespace {
-
-namespace fs = std::filesystem;
 
 const wstring kScheme = u"shm";
 
@@ -50,20 +47,20 @@ std::vector<Found> matching(const wstring& pattern) {
     const wstring names = split_url(pattern).path;
     const std::string begin = prefix();
     std::vector<Found> found;
-    std::error_code error;
-    fs::directory_iterator entries(detail::shared_folder(), error);
-    for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-        const std::string file = entries->path().filename().string();
+    const std::string folder = detail::shared_folder();
+    FolderEntries entries(folder);
+    while (const char* const entry = entries.next()) {
+        const std::string file = entry;
         if (!file.starts_with(begin))
             continue;
-        const std::string path = entries->path().string();
+        const std::string path = folder + file;
         SharedMemoryUse::removeUnused(path);
         wstring name = from_utf8(unescape_url(from_utf8(file.substr(begin.size()))));
         if (matches_wildcard(name, names) && ::access(path.c_str(), F_OK) == 0)
             found.push_back({path, std::move(name)});
     }
-    if (error)
-        throw_file_error(messages::kFileRead, pattern, error.value());
+    if (entries.error() != 0)
+        throw_file_error(messages::kFileRead, pattern, entries.error());
     std::ranges::sort(found, {}, &Found::name);
     return found;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/threads/named_files.h"
 
+#include "core/runtime/folder_entries.h"
 #include "core/runtime/threads/named_memory.h"
 
 #include <core/runtime/random.h>
@@ -111,11 +112,11 @@ std::string unfinished_path(const std::string& path) {
 }
 
 void remove_unused_files() {
-    std::error_code error;
-    for (auto place = std::filesystem::directory_iterator(shared_folder(), error);
-         !error && place != std::filesystem::directory_iterator(); place.increment(error)) {
-        if (place->path().filename().string().starts_with(prefix()))
-            remove_if_unused(place->path().string());
+    const std::string folder = shared_folder();
+    FolderEntries entries(folder);
+    while (const char* const entry = entries.next()) {
+        if (const std::string file = entry; file.starts_with(prefix()))
+            remove_if_unused(folder + file);
     }
 }
 
