@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/exchange/cells/column_builder.h"
 
+#include <core/runtime/threads/thread.h>
 #include <core/values/type.h>
 
 #include <algorithm>
@@ -183,8 +184,10 @@ void ColumnBuilder::startAgain() {
     std::string text;
     auto odd = odd_.begin();
     for (std::size_t row = 0; row < shapes_.size(); ++row) {
-        if (row % kAskedRows == 0)
+        if (row % kAskedRows == 0) {
             stop_.check();
+            Thread::check();
+        }
         if (shapes_[row] == kOddShape) {
             again.add((odd++)->second);
         } else {
