@@ -16,7 +16,8 @@ struct BoundAggregate {
 };
 
 /// Finds the columns of aggregates, and the names that were not given. Throws ContextException:
-/// "IDS_VT_UNKNOWN_COLUMN_ERROR", and "IDS_VT_TOTAL_OF_TEXTS" for a sum or an average of texts.
+/// "IDS_VT_UNKNOWN_COLUMN_ERROR", and "IDS_VT_TOTAL_OF_TEXTS" or "IDS_VT_TOTAL_OF_MIXED" for a sum or an
+/// average of other values than Numbers.
 [[nodiscard]] std::vector<BoundAggregate> bind_aggregates(Operands& operands, RowRange rows,
                                                           std::span<const Aggregate> aggregates);
 
