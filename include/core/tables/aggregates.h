@@ -14,9 +14,10 @@
 /// read, never changed; new ones are owned by the caller and hold copies. All functions here throw
 /// ContextException: "IDS_VT_UNKNOWN_COLUMN_ERROR" for a column that the table does not have,
 /// "IDS_VT_COLUMNS_NOT_UNIQUE" for two columns of the result with one name, "IDS_VT_COLUMNCODE_ERROR" for a
-/// name that is not valid, "IDS_VT_TOTAL_OF_TEXTS" for a sum or an average of texts,
-/// "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of this library, and where nothing would be
-/// made "IDS_VT_GROUPBY_NO_COLUMN_ERROR" or "IDS_PARAMETER_N_VALUE_MISMATCH".
+/// name that is not valid, "IDS_VT_TOTAL_OF_TEXTS" and "IDS_VT_TOTAL_OF_MIXED" for a sum or an average of
+/// texts, or of numbers beside other values, "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of
+/// this library, and where nothing would be made "IDS_VT_GROUPBY_NO_COLUMN_ERROR" or
+/// "IDS_PARAMETER_N_VALUE_MISMATCH".
 namespace core {
 
 /// What an aggregate makes of the cells.

@@ -87,9 +87,11 @@ class IValueList : public IUnknown {
     virtual void remove(std::size_t position) = 0;
     /// Deletes all items.
     virtual void clear() = 0;
-    /// Replaces all items by such as have these values alone, adjusted. Throws as said above.
+    /// Replaces all items by such as have these values alone, converted. Throws as said above, and
+    /// ConversionException where a value would not be kept whole.
     virtual void load(std::span<const Value> values) = 0;
-    /// Gives the list another type description and adjusts the values to it.
+    /// Gives the list another type description and converts the values to it. Throws ConversionException
+    /// where one would not be kept whole.
     virtual void setValueType(TypeDomain domain) = 0;
     /// Sorts the items by their values; those with equal ones keep their order.
     virtual void sortByValue(SortDirection direction = SortDirection::ascending) = 0;

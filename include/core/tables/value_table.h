@@ -68,7 +68,8 @@ class IValueTableBaseRO : public IUnknown {
 
     // whole columns
     /// Returns the exact sum of the Numbers in a column; without any it is 0 in a column of Numbers alone,
-    /// else Undefined. Throws as said above, and ContextException ("IDS_VT_TOTAL_OF_TEXTS") for texts.
+    /// else Undefined. Throws as said above, and ContextException: "IDS_VT_TOTAL_OF_TEXTS" for texts,
+    /// "IDS_VT_TOTAL_OF_MIXED" for Numbers beside other values.
     [[nodiscard]] virtual Value total(std::int32_t column) const = 0;
     /// Returns the cells of a column, in the order of the rows. Throws as said above.
     [[nodiscard]] virtual std::vector<Value> unloadColumn(std::int32_t column) const = 0;
@@ -136,7 +137,7 @@ class IValueTable : public IValueTableBaseRO {
     /// Collapses the table to these columns: one row for the rows that are equal in the first ones, in the
     /// order of the first of them, with the sums of their cells in the others. Throws as said above, and
     /// ContextException: "IDS_VT_GROUPBY_INTERSECT_ERROR" for a column among both,
-    /// "IDS_VT_GROUPBY_NO_COLUMN_ERROR" without any, "IDS_VT_TOTAL_OF_TEXTS" as total() does.
+    /// "IDS_VT_GROUPBY_NO_COLUMN_ERROR" without any, those of total().
     virtual void groupBy(std::span<const std::int32_t> columns, std::span<const std::int32_t> totals) = 0;
     /// Lets the user choose a row, through the service IChooser, and returns its position; nothing where he
     /// cancels or no service is there. The title may be empty. Throws as said above.
@@ -145,9 +146,9 @@ class IValueTable : public IValueTableBaseRO {
 
     // whole columns
     /// Puts values into the first cells of a column; those that have no row are not used. Throws as said
-    /// above.
+    /// above, and ConversionException where a value would not be kept whole.
     virtual void loadColumn(std::int32_t column, std::span<const Value> values) = 0;
-    /// Puts one value into all rows of these columns; no columns stand for all. Throws as said above.
+    /// Puts one value into all rows of these columns; no columns stand for all. Throws as loadColumn() does.
     virtual void fill(const Value& value, std::span<const std::int32_t> columns = {}) = 0;
 
     // indexes

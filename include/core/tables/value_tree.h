@@ -94,7 +94,7 @@ class IValueTreeRows : public IUnknown {
     /// Returns the exact sum of the Numbers in a column, as IValueTableBaseRO::total() does. Throws as that.
     [[nodiscard]] virtual Value total(std::int32_t column, RowDepth depth = RowDepth::children) const = 0;
     /// Puts values into the first cells of a column; those that have no row are not used. Throws as said
-    /// above.
+    /// above, and ConversionException where a value would not be kept whole.
     virtual void loadColumn(std::int32_t column, std::span<const Value> values) = 0;
     /// Returns the cells of a column, in the order of the rows. Throws as said above.
     [[nodiscard]] virtual std::vector<Value> unloadColumn(std::int32_t column) const = 0;

@@ -70,9 +70,10 @@ struct WindowFunction {
 ///
 /// Throws ContextException and changes nothing: "IDS_VT_UNKNOWN_COLUMN_ERROR" for a column that the table
 /// does not have, "IDS_VT_COLUMNS_NOT_UNIQUE" for a name that is taken, "IDS_VT_COLUMNCODE_ERROR" for one
-/// that is not valid, "IDS_VT_TOTAL_OF_TEXTS" for a total, a difference or a share of texts,
-/// "IDS_VT_RANK_WITHOUT_ORDER" for a rank without an order, "IDS_PARAMETER_N_VALUE_MISMATCH" for an order
-/// that is malformed, and "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of this library.
+/// that is not valid, "IDS_VT_TOTAL_OF_TEXTS" and "IDS_VT_TOTAL_OF_MIXED" for a total, a difference or a
+/// share of texts, or of numbers beside other values, "IDS_VT_RANK_WITHOUT_ORDER" for a rank without an
+/// order, "IDS_PARAMETER_N_VALUE_MISMATCH" for an order that is malformed, and
+/// "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of this library.
 CORE_API void add_windows(IValueTable& table, const std::vector<WindowFunction>& functions,
                           const std::vector<wstring>& partition = {}, wstring_view order = {});
 
