@@ -2,6 +2,7 @@
 #pragma once
 
 /// Value tables, value trees and value lists.
+#include <core/lists/errors.h>
 #include <core/tables/aggregates.h>
 #include <core/tables/cell.h>
 #include <core/tables/chooser.h>
