@@ -128,11 +128,13 @@ class Table {
     [[nodiscard]] std::vector<Value> values(const ColumnKey& column) const {
         return table_->unloadColumn(id(column));
     }
-    /// Puts values into the first cells of a column; those that have no row are not used.
+    /// Puts values into the first cells of a column; those that have no row are not used. Throws as
+    /// IValueTable::loadColumn() does.
     void setValues(const ColumnKey& column, std::span<const Value> values) const {
         table_->loadColumn(id(column), values);
     }
-    /// Puts one value into all rows of these columns; no columns stand for all.
+    /// Puts one value into all rows of these columns; no columns stand for all. Throws as IValueTable::fill()
+    /// does.
     void fill(const AnyValue& value, ColumnKeys columns = {}) const { table_->fill(value, ids(columns)); }
 
     // copies

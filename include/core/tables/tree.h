@@ -108,7 +108,8 @@ class TreeRows {
     [[nodiscard]] std::vector<Value> values(const ColumnKey& column) const {
         return rows_->unloadColumn(column.idIn(tree_->columns()));
     }
-    /// Puts values into the first cells of a column; those that have no row are not used.
+    /// Puts values into the first cells of a column; those that have no row are not used. Throws as
+    /// IValueTreeRows::loadColumn() does.
     void setValues(const ColumnKey& column, std::span<const Value> values) const {
         rows_->loadColumn(column.idIn(tree_->columns()), values);
     }
