@@ -230,6 +230,29 @@ TEST_F(Summaries, RefuseWhatIsWrongAndChangeNothing) {
     EXPECT_EQ(text(table), before);
 }
 
+TEST_F(Summaries, EndWhenTheyAreAskedTo) {
+    const GenericValue table = sales();
+    const auto rows = table.query<IValueTable>();
+    const wstring before = text(table);
+    StopSource source;
+    source.request();
+    const TableWork stopped{.stop = source.token()};
+    EXPECT_THROW(static_cast<void>(group(*rows, {u"Region"}, {count()}, {}, stopped)), ThreadDeath);
+    EXPECT_THROW(static_cast<void>(pivot(*rows, {}, u"Region", {count()}, 9, stopped)), ThreadDeath);
+    EXPECT_THROW(static_cast<void>(unpivot(*rows, {u"Day"}, u"N", u"V", EmptyCells::keep, stopped)),
+                 ThreadDeath);
+    EXPECT_THROW(add_windows(*rows, {row_number()}, {}, {}, stopped), ThreadDeath);
+    EXPECT_EQ(text(table), before);
+    std::uint64_t last = 0;
+    const TableWork watched{.progress = [&](std::uint64_t done, std::uint64_t all) {
+        EXPECT_LE(last, done);
+        EXPECT_LE(done, all);
+        last = done;
+    }};
+    EXPECT_EQ(group(*rows, {u"Region"}, {count(), sum(u"Price")}, {}, watched)->rowCount(), 2U);
+    EXPECT_NE(last, 0U);
+}
+
 TEST_F(Summaries, KeepColumnsOfManyNamesCoded) {
     // The forms that a column may come to have give the same groups: names that repeat late, and all
     // different ones.

@@ -219,6 +219,29 @@ bool CellColumn::put(RowId row, const Value& value) {
     }
 }
 
+bool CellColumn::append(const Value& value) {
+    // What the form holds as it is goes straight to its place: most rows of a table are made so.
+    if (form_ == Form::values) {
+        values_.push_back(value);
+        ++size_;
+        return false;
+    }
+    if (form_ == Form::coded) {
+        if (const auto code = isCodable(value) ? dictionary_->find(value) : std::nullopt) {
+            codes_.push_back(*code);
+            ++size_;
+            return false;
+        }
+    } else if (const auto word = wordOf(value)) {
+        words_.push_back(*word);
+        ++size_;
+        return false;
+    }
+    const auto row = static_cast<RowId>(size_);
+    grow(size_ + 1);
+    return put(row, value);
+}
+
 bool CellColumn::putCode(RowId row, const Value& value) {
     if (isCodable(value)) {
         const auto known = dictionary_->find(value);

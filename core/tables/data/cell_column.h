@@ -95,6 +95,9 @@ class CellColumn {
     void exchange(const RowOrder& rows, std::span<Value> values);
     /// Puts a value into a cell that holds Undefined. Returns whether the form has changed.
     bool put(RowId row, const Value& value);
+    /// Adds a cell with a value behind the others. Returns whether the form has changed. If it throws, the
+    /// cell may be there, with Undefined.
+    bool append(const Value& value);
     /// Replaces all cells by `size` cells with one value.
     void fill(std::size_t size, const Value& value);
     /// Returns the cells of the rows, in their order, as another column.

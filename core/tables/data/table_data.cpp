@@ -107,15 +107,19 @@ void TableData::putCells(RowId row, std::span<const Value> cells, CellSource sou
         __builtin_prefetch(cell.object());
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         TableColumn& column = *columns_[i];
-        column.cells.grow(std::size_t{row} + 1);
         const TypeDomain& domain = column.info.domain;
+        const auto put = [&](const Value& value) {
+            return row == column.cells.size() ? column.cells.append(value) : column.cells.put(row, value);
+        };
+        if (row > column.cells.size())
+            column.cells.grow(row);
         bool changed = false;
         if (i >= cells.size())
-            changed = column.cells.put(row, column.defaultValue);
-        else if (source == CellSource::stored || domain.fits(cells[i]))
-            changed = column.cells.put(row, cells[i]);
+            changed = put(column.defaultValue);
+        else if (source == CellSource::stored || domain.isEmpty() || domain.fits(cells[i]))
+            changed = put(cells[i]);
         else
-            changed = column.cells.put(row, domain.adjust(cells[i]));
+            changed = put(domain.adjust(cells[i]));
         if (changed)
             giveIndexesUp(column);
     }

@@ -40,28 +40,32 @@ std::vector<Aggregate> aggregates_argument(const Value& argument, int param) {
 }
 
 InterfacePtr<IValueTable> group_by_columns(const TableData& data, std::span<const TableColumn* const> keys,
-                                           std::span<const Aggregate> aggregates, wstring_view levels) {
+                                           std::span<const Aggregate> aggregates, wstring_view levels,
+                                           const TableWork& work) {
     if (keys.empty() && aggregates.empty())
         throw_error<ContextException>(messages::kGroupByNothing);
+    WorkWatch watch(work);
     const RowList list(data, kNoRow, false);
     Operands operands(data);
     return made_table(
-        group_table(list.range(), keys, bind_aggregates(operands, list.range(), aggregates), levels));
+        group_table(list.range(), keys, bind_aggregates(operands, list.range(), aggregates), levels, watch));
 }
 
 InterfacePtr<IValueTable> pivot_by_columns(const TableData& data, std::span<const TableColumn* const> keys,
                                            const TableColumn& turned, std::span<const Aggregate> aggregates,
-                                           std::size_t most) {
+                                           std::size_t most, const TableWork& work) {
     if (aggregates.empty())
         parameter_value_mismatch(2);
+    WorkWatch watch(work);
     const RowList list(data, kNoRow, false);
     Operands operands(data);
-    return made_table(
-        pivot_table(list.range(), keys, turned, bind_aggregates(operands, list.range(), aggregates), most));
+    return made_table(pivot_table(list.range(), keys, turned,
+                                  bind_aggregates(operands, list.range(), aggregates), most, watch));
 }
 
 InterfacePtr<IValueTable> unpivot_columns(const TableData& data, std::span<const TableColumn* const> turned,
-                                          const UnpivotNames& names, EmptyCells empty) {
+                                          const UnpivotNames& names, EmptyCells empty,
+                                          const TableWork& work) {
     if (turned.empty())
         parameter_value_mismatch(0);
     std::vector<const TableColumn*> kept;
@@ -69,8 +73,9 @@ InterfacePtr<IValueTable> unpivot_columns(const TableData& data, std::span<const
         if (std::find(turned.begin(), turned.end(), &data.column(i)) == turned.end())
             kept.push_back(&data.column(i));
     }
+    WorkWatch watch(work);
     const RowList list(data, kNoRow, false);
-    return made_table(unpivot_table(list.range(), kept, turned, names, empty));
+    return made_table(unpivot_table(list.range(), kept, turned, names, empty, watch));
 }
 
 Value total_of(const TableData& data, RowRange rows, const Aggregate& aggregate) {
@@ -78,8 +83,11 @@ Value total_of(const TableData& data, RowRange rows, const Aggregate& aggregate)
     const BoundAggregate bound = bind_aggregates(operands, rows, {&aggregate, 1}).front();
     if (bound.kind == AggregateKind::sum)
         return total(rows, *bound.column);
-    if (rows.size() != 0)
-        return aggregate_cells(bound, rows, one_group(rows)).get(0);
+    if (rows.size() != 0) {
+        const TableWork unwatched;
+        WorkWatch watch(unwatched);
+        return aggregate_cells(bound, rows, one_group(rows), watch).get(0);
+    }
     if (bound.kind == AggregateKind::list)
         return Value(create_value_array().query<IValue>());
     return bound.kind == AggregateKind::count || bound.kind == AggregateKind::countDistinct ? Value(0)
@@ -104,17 +112,20 @@ void add_columns(TableData& data, std::span<const WindowFunction> functions, std
 }
 
 void add_windows(TableData& data, std::span<const WindowFunction> functions,
-                 std::span<const TableColumn* const> partition, std::span<const SortColumn> order) {
+                 std::span<const TableColumn* const> partition, std::span<const SortColumn> order,
+                 const TableWork& work) {
     if (functions.empty())
         parameter_value_mismatch(0);
     const RowList list(data, kNoRow, false);
-    const WindowRows window(list.range(), cells_of(partition), order);
+    WorkWatch watch(work);
+    const WindowRows window(list.range(), cells_of(partition), order, watch);
     Operands operands(data);
     std::vector<WindowCells> cells;
     for (const WindowFunction& function : functions) {
         const bool ranks = function.kind == WindowKind::rank || function.kind == WindowKind::denseRank ||
                            function.kind == WindowKind::rowNumber;
         const TableColumn* const column = ranks ? nullptr : &operands.find(function.argument);
+        watch.step(list.range().size());
         cells.push_back(window_cells(function, column, list.range(), window, data.idCount()));
     }
     add_columns(data, functions, cells);
@@ -136,7 +147,7 @@ wstring_view name_argument(const Value& argument, int param, wstring_view byDefa
 GenericValue call_group(const TableData& data, std::span<const GenericValue> arguments) {
     const ColumnList keys = column_list_argument(data, arguments[0], 0, BlankList::noColumn);
     return value_of(group_by_columns(data, columns_of(data, keys), aggregates_argument(arguments[1], 1),
-                                     levels_argument(arguments[2], 2)));
+                                     levels_argument(arguments[2], 2), {}));
 }
 
 GenericValue call_pivot(const TableData& data, std::span<const GenericValue> arguments) {
@@ -144,7 +155,7 @@ GenericValue call_pivot(const TableData& data, std::span<const GenericValue> arg
     const TableColumn& turned = data.column(column_argument(data, arguments[1], 1));
     return value_of(pivot_by_columns(data, columns_of(data, keys), turned,
                                      aggregates_argument(arguments[2], 2),
-                                     count_argument(arguments[3], 3, kMostPivotColumns)));
+                                     count_argument(arguments[3], 3, kMostPivotColumns), {}));
 }
 
 GenericValue call_unpivot(const TableData& data, std::span<const GenericValue> arguments) {
@@ -152,8 +163,8 @@ GenericValue call_unpivot(const TableData& data, std::span<const GenericValue> a
     const UnpivotNames names{name_argument(arguments[1], 1, u"Name"),
                              name_argument(arguments[2], 2, u"Value")};
     const bool keep = flag_argument(arguments[3], 3);
-    return value_of(
-        unpivot_columns(data, columns_of(data, turned), names, keep ? EmptyCells::keep : EmptyCells::skip));
+    return value_of(unpivot_columns(data, columns_of(data, turned), names,
+                                    keep ? EmptyCells::keep : EmptyCells::skip, {}));
 }
 
 void call_add_window(TableData& data, std::span<const GenericValue> arguments) {
@@ -164,7 +175,7 @@ void call_add_window(TableData& data, std::span<const GenericValue> arguments) {
     SortOrder order;
     if (!trim_all(optional_text_argument(arguments[2], 2)).empty())
         order = sort_argument(data, arguments[2], 2);
-    add_windows(data, functions, columns_of(data, partition), order.columns);
+    add_windows(data, functions, columns_of(data, partition), order.columns, {});
 }
 
 Value call_total(const TableData& data, RowRange rows, const Value& column) {
@@ -178,9 +189,10 @@ Value call_total(const TableData& data, RowRange rows, const Value& column) {
 }
 
 InterfacePtr<IValueTable> group(IValueTableBaseRO& table, const std::vector<wstring>& columns,
-                                const std::vector<Aggregate>& aggregates, wstring_view levels) {
+                                const std::vector<Aggregate>& aggregates, wstring_view levels,
+                                const TableWork& work) {
     const TableData& data = own_table(table, 0);
-    return group_by_columns(data, Operands(data).columns(columns), aggregates, levels);
+    return group_by_columns(data, Operands(data).columns(columns), aggregates, levels, work);
 }
 
 GenericValue total(IValueTableBaseRO& table, const Aggregate& aggregate) {
@@ -190,20 +202,21 @@ GenericValue total(IValueTableBaseRO& table, const Aggregate& aggregate) {
 
 InterfacePtr<IValueTable> pivot(IValueTableBaseRO& table, const std::vector<wstring>& rows,
                                 wstring_view column, const std::vector<Aggregate>& aggregates,
-                                std::size_t most) {
+                                std::size_t most, const TableWork& work) {
     const TableData& data = own_table(table, 0);
     Operands operands(data);
-    return pivot_by_columns(data, operands.columns(rows), operands.find(column), aggregates, most);
+    return pivot_by_columns(data, operands.columns(rows), operands.find(column), aggregates, most, work);
 }
 
 InterfacePtr<IValueTable> unpivot(IValueTableBaseRO& table, const std::vector<wstring>& columns,
-                                  wstring_view name, wstring_view value, EmptyCells empty) {
+                                  wstring_view name, wstring_view value, EmptyCells empty,
+                                  const TableWork& work) {
     const TableData& data = own_table(table, 0);
-    return unpivot_columns(data, Operands(data).columns(columns), {name, value}, empty);
+    return unpivot_columns(data, Operands(data).columns(columns), {name, value}, empty, work);
 }
 
 void add_windows(IValueTable& table, const std::vector<WindowFunction>& functions,
-                 const std::vector<wstring>& partition, wstring_view order) {
+                 const std::vector<wstring>& partition, wstring_view order, const TableWork& work) {
     TableData* const own = table_data_of(table);
     if (own == nullptr)
         parameter_type_mismatch(0);
@@ -211,7 +224,7 @@ void add_windows(IValueTable& table, const std::vector<WindowFunction>& function
     SortOrder sort;
     if (!trim_all(order).empty())
         sort = sort_argument(data, Value(order), 3);
-    add_windows(data, functions, Operands(data).columns(partition), sort.columns);
+    add_windows(data, functions, Operands(data).columns(partition), sort.columns, work);
 }
 
 } // namespace core

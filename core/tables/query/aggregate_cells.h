@@ -26,10 +26,10 @@ struct BoundAggregate {
 
 /// The aggregate of each group.
 [[nodiscard]] CellColumn aggregate_cells(const BoundAggregate& aggregate, RowRange rows,
-                                         const RowGroups& groups);
+                                         const RowGroups& groups, WorkWatch& watch);
 
 /// The sums of the Numbers of each group; `none` for a group without a Number.
 [[nodiscard]] CellColumn group_sums(RowRange rows, const RowGroups& groups, const CellColumn& cells,
-                                    const Value& none);
+                                    const Value& none, WorkWatch& watch);
 
 } // namespace core

@@ -2,18 +2,21 @@
 #pragma once
 
 #include "core/tables/data/cell_column.h"
+#include "core/tables/query/work_watch.h"
 
 namespace core {
 
 /// Calls `work(position, row)` for each row of a range whose cell is filled: neither Undefined nor Null.
 template <class Work>
-void for_each_filled(RowRange rows, const CellColumn& cells, Work work) {
+void for_each_filled(RowRange rows, const CellColumn& cells, WorkWatch& watch, Work work) {
     rows.visit([&](auto row_at) {
         const auto walk = [&](auto filled) {
-            for (std::size_t i = 0; i < rows.size(); ++i) {
-                if (const RowId row = row_at(i); filled(row))
-                    work(i, row);
-            }
+            watch.inPieces(rows.size(), [&](std::size_t begin, std::size_t end) {
+                for (std::size_t i = begin; i < end; ++i) {
+                    if (const RowId row = row_at(i); filled(row))
+                        work(i, row);
+                }
+            });
         };
         switch (cells.form()) {
         case CellColumn::Form::coded: {

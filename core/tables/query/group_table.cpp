@@ -5,25 +5,25 @@ namespace core {
 namespace {
 
 TableContent groups_alone(RowRange rows, std::span<const TableColumn* const> keys,
-                          std::span<const BoundAggregate> aggregates) {
-    const RowGroups groups = group_rows(rows, cells_of(keys));
+                          std::span<const BoundAggregate> aggregates, WorkWatch& watch) {
+    const RowGroups groups = group_rows(rows, cells_of(keys), watch);
     NewColumns columns(groups.firstRows.size());
     for (const TableColumn* const key : keys)
         columns.add(key->info, key->cells.copy(RowRange(groups.firstRows)));
     for (const BoundAggregate& aggregate : aggregates)
         columns.add({.name = aggregate.name, .domain = domain_of(aggregate)},
-                    aggregate_cells(aggregate, rows, groups));
+                    aggregate_cells(aggregate, rows, groups, watch));
     return columns.take();
 }
 
 /// The groups of all levels: by no column, by the first one, and so on.
 class Levels {
   public:
-    Levels(RowRange rows, std::span<const TableColumn* const> keys) {
+    Levels(RowRange rows, std::span<const TableColumn* const> keys, WorkWatch& watch) {
         levels_.push_back(one_group(rows));
         for (const TableColumn* const key : keys) {
             levels_.push_back(levels_.back());
-            split_groups(levels_.back(), rows, key->cells);
+            split_groups(levels_.back(), rows, key->cells, watch);
         }
         gatherChildren();
         if (rows.size() != 0)
@@ -81,8 +81,9 @@ class Levels {
 };
 
 TableContent groups_with_totals(RowRange rows, std::span<const TableColumn* const> keys,
-                                std::span<const BoundAggregate> aggregates, wstring_view name) {
-    const Levels levels(rows, keys);
+                                std::span<const BoundAggregate> aggregates, wstring_view name,
+                                WorkWatch& watch) {
+    const Levels levels(rows, keys, watch);
     const auto places = levels.places();
     NewColumns columns(places.size());
     std::vector<std::int64_t> words;
@@ -101,7 +102,7 @@ TableContent groups_with_totals(RowRange rows, std::span<const TableColumn* cons
     for (const BoundAggregate& aggregate : aggregates) {
         std::vector<CellColumn> byLevel;
         for (std::size_t level = 0; level < levels.count(); ++level)
-            byLevel.push_back(aggregate_cells(aggregate, rows, levels[level]));
+            byLevel.push_back(aggregate_cells(aggregate, rows, levels[level], watch));
         CellColumn cells;
         cells.grow(places.size());
         for (std::size_t i = 0; i < places.size(); ++i)
@@ -114,9 +115,9 @@ TableContent groups_with_totals(RowRange rows, std::span<const TableColumn* cons
 } // namespace
 
 TableContent group_table(RowRange rows, std::span<const TableColumn* const> keys,
-                         std::span<const BoundAggregate> aggregates, wstring_view levels) {
-    return levels.empty() ? groups_alone(rows, keys, aggregates)
-                          : groups_with_totals(rows, keys, aggregates, levels);
+                         std::span<const BoundAggregate> aggregates, wstring_view levels, WorkWatch& watch) {
+    return levels.empty() ? groups_alone(rows, keys, aggregates, watch)
+                          : groups_with_totals(rows, keys, aggregates, levels, watch);
 }
 
 } // namespace core

@@ -10,6 +10,7 @@ namespace core {
 /// `levels`, the name of a column for them, the totals of all levels stand before what they add up (see
 /// group() in aggregates.h). Throws ContextException for names that are not valid or taken.
 [[nodiscard]] TableContent group_table(RowRange rows, std::span<const TableColumn* const> keys,
-                                       std::span<const BoundAggregate> aggregates, wstring_view levels);
+                                       std::span<const BoundAggregate> aggregates, wstring_view levels,
+                                       WorkWatch& watch);
 
 } // namespace core

@@ -42,41 +42,45 @@ class GroupTable {
 /// Numbers pairs of which there are few enough to count them off in an array.
 template <class Key, class Number>
 void number_in_array(std::span<const std::uint32_t> groups, std::size_t before, std::size_t width, Key key,
-                     Number number) {
+                     Number number, WorkWatch& watch) {
     constexpr std::uint32_t kNew = ~std::uint32_t{0};
     std::vector<std::uint32_t> numbers(before * width, kNew);
     std::uint32_t next = 0;
-    for (std::size_t i = 0; i < groups.size(); ++i) {
-        std::uint32_t& group = numbers[groups[i] * width + static_cast<std::size_t>(key(i))];
-        if (group == kNew)
-            group = next++;
-        number(i, group);
-    }
+    watch.inPieces(groups.size(), [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i) {
+            std::uint32_t& group = numbers[groups[i] * width + static_cast<std::size_t>(key(i))];
+            if (group == kNew)
+                group = next++;
+            number(i, group);
+        }
+    });
 }
 
 /// Numbers those of many possible pairs that occur. The table is larger than the caches of the processor:
 /// the slots of some rows are fetched at a time.
 template <class Key, class Number>
-void number_in_table(std::span<const std::uint32_t> groups, Key key, Number number) {
+void number_in_table(std::span<const std::uint32_t> groups, Key key, Number number, WorkWatch& watch) {
     constexpr std::size_t kBatch = 32;
     std::array<std::uint64_t, kBatch> keys{};
     std::array<std::uint64_t, kBatch> hashes{};
     GroupTable table;
-    for (std::size_t begin = 0; begin < groups.size(); begin += kBatch) {
-        const std::size_t count = std::min(kBatch, groups.size() - begin);
-        for (std::size_t i = 0; i < count; ++i) {
-            keys[i] = key(begin + i);
-            hashes[i] = table.hash(groups[begin + i], keys[i]);
-            table.prefetch(hashes[i]);
+    watch.inPieces(groups.size(), [&](std::size_t first, std::size_t end) {
+        for (std::size_t begin = first; begin < end; begin += kBatch) {
+            const std::size_t count = std::min(kBatch, end - begin);
+            for (std::size_t i = 0; i < count; ++i) {
+                keys[i] = key(begin + i);
+                hashes[i] = table.hash(groups[begin + i], keys[i]);
+                table.prefetch(hashes[i]);
+            }
+            for (std::size_t i = 0; i < count; ++i)
+                number(begin + i, table.groupOf(hashes[i], groups[begin + i], keys[i]));
         }
-        for (std::size_t i = 0; i < count; ++i)
-            number(begin + i, table.groupOf(hashes[i], groups[begin + i], keys[i]));
-    }
+    });
 }
 
 /// Splits each group by the key of its rows, which is `highest` at the most.
 template <class Key>
-void split_by(RowGroups& groups, RowRange rows, std::uint64_t highest, Key key) {
+void split_by(RowGroups& groups, RowRange rows, std::uint64_t highest, Key key, WorkWatch& watch) {
     const std::size_t before = groups.firstRows.size();
     std::vector<RowId> firstRows;
     const auto number = [&](std::size_t i, std::uint32_t group) {
@@ -86,9 +90,9 @@ void split_by(RowGroups& groups, RowRange rows, std::uint64_t highest, Key key) 
     };
     const std::uint64_t fewPairs = std::max<std::size_t>(std::size_t{1} << 16, 2 * rows.size());
     if (before != 0 && highest < fewPairs / before)
-        number_in_array(groups.groups, before, static_cast<std::size_t>(highest) + 1, key, number);
+        number_in_array(groups.groups, before, static_cast<std::size_t>(highest) + 1, key, number, watch);
     else
-        number_in_table(groups.groups, key, number);
+        number_in_table(groups.groups, key, number, watch);
     groups.firstRows.swap(firstRows);
 }
 
@@ -102,40 +106,43 @@ RowGroups one_group(RowRange rows) {
     return groups;
 }
 
-void split_groups(RowGroups& groups, RowRange rows, const CellColumn& cells) {
+void split_groups(RowGroups& groups, RowRange rows, const CellColumn& cells, WorkWatch& watch) {
     rows.visit([&](auto row_at) {
         switch (cells.form()) {
-        case CellColumn::Form::coded: {
-            const auto codes = cells.codes();
-            split_by(groups, rows, cells.dictionary().size(),
-                     [=](std::size_t i) -> std::uint64_t { return codes[row_at(i)]; });
+        case CellColumn::Form::coded:
+            split_by(
+                groups, rows, cells.dictionary().size(),
+                [codes = cells.codes(), row_at](std::size_t i) -> std::uint64_t { return codes[row_at(i)]; },
+                watch);
             break;
-        }
         case CellColumn::Form::values: {
             ValueDictionary dictionary;
             std::vector<ValueDictionary::Code> codes(rows.size());
-            dictionary.add(std::span(codes),
-                           [values = cells.values(), row_at](std::size_t i) -> const Value& {
-                               return values[row_at(i)];
-                           });
-            split_by(groups, rows, dictionary.size(),
-                     [&](std::size_t i) -> std::uint64_t { return codes[i]; });
+            watch.inPieces(codes.size(), [&](std::size_t begin, std::size_t end) {
+                dictionary.add(
+                    std::span(codes).subspan(begin, end - begin),
+                    [&](std::size_t i) -> const Value& { return cells.values()[row_at(begin + i)]; });
+            });
+            split_by(
+                groups, rows, dictionary.size(), [&](std::size_t i) -> std::uint64_t { return codes[i]; },
+                watch);
             break;
         }
         default: {
             const auto words = cells.words();
             const WordSpan span(rows, words);
-            split_by(groups, rows, span.highest(),
-                     [=](std::size_t i) { return span.distance(words[row_at(i)]); });
+            split_by(
+                groups, rows, span.highest(), [=](std::size_t i) { return span.distance(words[row_at(i)]); },
+                watch);
         }
         }
     });
 }
 
-RowGroups group_rows(RowRange rows, std::span<const CellColumn* const> columns) {
+RowGroups group_rows(RowRange rows, std::span<const CellColumn* const> columns, WorkWatch& watch) {
     RowGroups groups = one_group(rows);
     for (const CellColumn* const cells : columns)
-        split_groups(groups, rows, *cells);
+        split_groups(groups, rows, *cells, watch);
     return groups;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/tables/data/cell_column.h"
+#include "core/tables/query/work_watch.h"
 
 namespace core {
 
@@ -14,9 +15,10 @@ struct RowGroups {
 /// Puts all rows into one group; no rows make no group.
 [[nodiscard]] RowGroups one_group(RowRange rows);
 /// Splits each group by the cells of one more column: rows stay together whose cells there are equal.
-void split_groups(RowGroups& groups, RowRange rows, const CellColumn& cells);
+void split_groups(RowGroups& groups, RowRange rows, const CellColumn& cells, WorkWatch& watch);
 
 /// Groups the rows whose cells are equal in all columns; without columns, all of them.
-[[nodiscard]] RowGroups group_rows(RowRange rows, std::span<const CellColumn* const> columns);
+[[nodiscard]] RowGroups group_rows(RowRange rows, std::span<const CellColumn* const> columns,
+                                   WorkWatch& watch);
 
 } // namespace core

@@ -52,9 +52,9 @@ struct Parts {
 };
 
 Parts parts_of(const RowGroups& rowGroups, const RowGroups& valueGroups, RowRange rows,
-               const CellColumn& turned) {
+               const CellColumn& turned, WorkWatch& watch) {
     Parts parts{rowGroups, {}, {}};
-    split_groups(parts.groups, rows, turned);
+    split_groups(parts.groups, rows, turned, watch);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (parts.groups.groups[i] == parts.row.size()) { // numbered in the order of their first rows
             parts.row.push_back(rowGroups.groups[i]);
@@ -66,8 +66,8 @@ Parts parts_of(const RowGroups& rowGroups, const RowGroups& valueGroups, RowRang
 
 /// The columns that one aggregate makes, by the group of the turned column.
 std::vector<CellColumn> turned_cells(const BoundAggregate& aggregate, RowRange rows, const Parts& parts,
-                                     std::size_t rowCount, std::size_t columnCount) {
-    const CellColumn cells = aggregate_cells(aggregate, rows, parts.groups);
+                                     std::size_t rowCount, std::size_t columnCount, WorkWatch& watch) {
+    const CellColumn cells = aggregate_cells(aggregate, rows, parts.groups, watch);
     std::vector<CellColumn> columns(columnCount);
     for (CellColumn& column : columns) {
         if (counts(aggregate.kind))
@@ -95,12 +95,12 @@ TypeDomain common_domain(std::span<const TableColumn* const> columns) {
 } // namespace
 
 TableContent pivot_table(RowRange rows, std::span<const TableColumn* const> keys, const TableColumn& turned,
-                         std::span<const BoundAggregate> aggregates, std::size_t most) {
+                         std::span<const BoundAggregate> aggregates, std::size_t most, WorkWatch& watch) {
     const CellColumn* const turnedCells[] = {&turned.cells};
-    const RowGroups valueGroups = group_rows(rows, turnedCells);
+    const RowGroups valueGroups = group_rows(rows, turnedCells, watch);
     const TurnedValues values = turned_values(valueGroups, turned, most);
-    const RowGroups rowGroups = group_rows(rows, cells_of(keys));
-    const Parts parts = parts_of(rowGroups, valueGroups, rows, turned.cells);
+    const RowGroups rowGroups = group_rows(rows, cells_of(keys), watch);
+    const Parts parts = parts_of(rowGroups, valueGroups, rows, turned.cells, watch);
 
     NewColumns columns(rowGroups.firstRows.size());
     ColumnNames names;
@@ -111,7 +111,7 @@ TableContent pivot_table(RowRange rows, std::span<const TableColumn* const> keys
     std::vector<std::vector<CellColumn>> byAggregate;
     for (const BoundAggregate& aggregate : aggregates)
         byAggregate.push_back(
-            turned_cells(aggregate, rows, parts, rowGroups.firstRows.size(), values.values.size()));
+            turned_cells(aggregate, rows, parts, rowGroups.firstRows.size(), values.values.size(), watch));
     for (const std::uint32_t group : values.sorted) {
         for (std::size_t i = 0; i < aggregates.size(); ++i) {
             wstring title = title_of(values.values[group]);
@@ -130,7 +130,7 @@ TableContent pivot_table(RowRange rows, std::span<const TableColumn* const> keys
 
 TableContent unpivot_table(RowRange rows, std::span<const TableColumn* const> kept,
                            std::span<const TableColumn* const> turned, const UnpivotNames& names,
-                           EmptyCells empty) {
+                           EmptyCells empty, WorkWatch& watch) {
     auto dictionary = std::make_unique<ValueDictionary>();
     std::vector<ValueDictionary::Code> nameCodes;
     for (const TableColumn* const column : turned)
@@ -140,22 +140,26 @@ TableContent unpivot_table(RowRange rows, std::span<const TableColumn* const> ke
     std::vector<bool> taken(rows.size() * count, empty == EmptyCells::keep);
     if (empty == EmptyCells::skip) {
         for (std::size_t c = 0; c < count; ++c)
-            for_each_filled(rows, turned[c]->cells,
+            for_each_filled(rows, turned[c]->cells, watch,
                             [&](std::size_t i, RowId) { taken[i * count + c] = true; });
     }
+    const auto made = static_cast<std::size_t>(std::count(taken.begin(), taken.end(), true));
+    if (made > kNoRow)
+        throw_error<ContextException>(messages::kTooManyRows, {string_intto(made)});
     std::vector<RowId> picked;
     std::vector<ValueDictionary::Code> codes;
     CellColumn cells;
-    cells.grow(static_cast<std::size_t>(std::count(taken.begin(), taken.end(), true)));
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        for (std::size_t c = 0; c < count; ++c) {
-            if (!taken[i * count + c])
+    cells.grow(made);
+    watch.inPieces(rows.size(), [&](std::size_t begin, std::size_t end) {
+        for (std::size_t cell = begin * count; cell < end * count; ++cell) {
+            if (!taken[cell])
                 continue;
-            cells.put(static_cast<RowId>(picked.size()), turned[c]->cells.get(rows[i]));
-            picked.push_back(rows[i]);
-            codes.push_back(nameCodes[c]);
+            const RowId row = rows[cell / count];
+            cells.put(static_cast<RowId>(picked.size()), turned[cell % count]->cells.get(row));
+            picked.push_back(row);
+            codes.push_back(nameCodes[cell % count]);
         }
-    }
+    });
     NewColumns columns(picked.size());
     for (const TableColumn* const column : kept)
         columns.add(column->info, column->cells.copy(RowRange(picked)));

@@ -11,7 +11,7 @@ namespace core {
 /// ("IDS_VT_PIVOT_COLUMNS") for more than `most` values.
 [[nodiscard]] TableContent pivot_table(RowRange rows, std::span<const TableColumn* const> keys,
                                        const TableColumn& turned, std::span<const BoundAggregate> aggregates,
-                                       std::size_t most);
+                                       std::size_t most, WorkWatch& watch);
 
 /// Where unpivot_table() puts what it makes of columns.
 struct UnpivotNames {
@@ -22,6 +22,6 @@ struct UnpivotNames {
 /// unpivot() in aggregates.h). Throws ContextException for names that are not valid or taken.
 [[nodiscard]] TableContent unpivot_table(RowRange rows, std::span<const TableColumn* const> kept,
                                          std::span<const TableColumn* const> turned,
-                                         const UnpivotNames& names, EmptyCells empty);
+                                         const UnpivotNames& names, EmptyCells empty, WorkWatch& watch);
 
 } // namespace core

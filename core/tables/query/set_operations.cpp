@@ -32,8 +32,7 @@ std::vector<ColumnPair> same_columns(const TableData& left, const TableData& rig
 
 /// The first one of each of the rows that are equal in all columns.
 std::vector<RowId> first_rows(RowRange rows, std::span<const CellColumn* const> columns, WorkWatch& watch) {
-    watch.step(rows.size() * columns.size());
-    return group_rows(rows, columns).firstRows;
+    return group_rows(rows, columns, watch).firstRows;
 }
 
 } // namespace

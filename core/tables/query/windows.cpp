@@ -163,9 +163,9 @@ CellColumn ranks(const WindowFunction& function, const WindowRows& window, std::
 } // namespace
 
 WindowRows::WindowRows(RowRange rows, std::span<const CellColumn* const> partition,
-                       std::span<const SortColumn> order)
+                       std::span<const SortColumn> order, WorkWatch& watch)
     : order_(order.begin(), order.end()) {
-    const RowGroups groups = group_rows(rows, partition);
+    const RowGroups groups = group_rows(rows, partition, watch);
     std::vector<std::uint32_t> positions(rows.size());
     std::iota(positions.begin(), positions.end(), 0U);
     if (!order_.empty())

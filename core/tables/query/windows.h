@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/tables/query/operands.h"
+#include "core/tables/query/work_watch.h"
 #include "core/tables/sort/row_sort.h"
 
 #include <core/tables/windows.h>
@@ -12,8 +13,8 @@ namespace core {
 class WindowRows {
   public:
     /// Of rows in their order, grouped by the cells of some columns and sorted by others.
-    WindowRows(RowRange rows, std::span<const CellColumn* const> partition,
-               std::span<const SortColumn> order);
+    WindowRows(RowRange rows, std::span<const CellColumn* const> partition, std::span<const SortColumn> order,
+               WorkWatch& watch);
 
     /// Calls `work` with the rows of each partition.
     template <class Work>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/strings/text.h>
+#include <core/tables/table_work.h>
 #include <core/tables/value_table.h>
 
 #include <utility>
@@ -18,6 +19,7 @@
 /// texts, or of numbers beside other values, "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of
 /// this library, and where nothing would be made "IDS_VT_GROUPBY_NO_COLUMN_ERROR" or
 /// "IDS_PARAMETER_N_VALUE_MISMATCH".
+/// `work` can watch and end what takes long (table_work.h).
 namespace core {
 
 /// What an aggregate makes of the cells.
@@ -92,7 +94,7 @@ struct Aggregate {
 [[nodiscard]] CORE_API InterfacePtr<IValueTable> group(IValueTableBaseRO& table,
                                                        const std::vector<wstring>& columns,
                                                        const std::vector<Aggregate>& aggregates,
-                                                       wstring_view levels = {});
+                                                       wstring_view levels = {}, const TableWork& work = {});
 
 /// Returns an aggregate of all rows of a table. Without rows a count is 0, a sum 0 where the column holds
 /// only Numbers, a list empty, and any other aggregate Undefined.
@@ -110,7 +112,8 @@ inline constexpr std::size_t kMostPivotColumns = 1000;
 [[nodiscard]] CORE_API InterfacePtr<IValueTable> pivot(IValueTableBaseRO& table,
                                                        const std::vector<wstring>& rows, wstring_view column,
                                                        const std::vector<Aggregate>& aggregates,
-                                                       std::size_t most = kMostPivotColumns);
+                                                       std::size_t most = kMostPivotColumns,
+                                                       const TableWork& work = {});
 
 /// What unpivot() does with cells without content.
 enum class EmptyCells : std::uint8_t {
@@ -122,6 +125,6 @@ enum class EmptyCells : std::uint8_t {
 /// then in a column called `name` the name of its column, and in one called `value` the cell.
 [[nodiscard]] CORE_API InterfacePtr<IValueTable>
 unpivot(IValueTableBaseRO& table, const std::vector<wstring>& columns, wstring_view name = u"Name",
-        wstring_view value = u"Value", EmptyCells empty = EmptyCells::skip);
+        wstring_view value = u"Value", EmptyCells empty = EmptyCells::skip, const TableWork& work = {});
 
 } // namespace core

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/strings/text.h>
+#include <core/tables/table_work.h>
 #include <core/tables/value_table.h>
 
 /// Columns that are computed over neighbouring rows: running totals, ranks, differences to the row before.
@@ -73,8 +74,10 @@ struct WindowFunction {
 /// that is not valid, "IDS_VT_TOTAL_OF_TEXTS" and "IDS_VT_TOTAL_OF_MIXED" for a total, a difference or a
 /// share of texts, or of numbers beside other values, "IDS_VT_RANK_WITHOUT_ORDER" for a rank without an
 /// order, "IDS_PARAMETER_N_VALUE_MISMATCH" for an order that is malformed, and
-/// "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of this library.
+/// "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of this library. `work` can watch and
+/// end it.
 CORE_API void add_windows(IValueTable& table, const std::vector<WindowFunction>& functions,
-                          const std::vector<wstring>& partition = {}, wstring_view order = {});
+                          const std::vector<wstring>& partition = {}, wstring_view order = {},
+                          const TableWork& work = {});
 
 } // namespace core
