@@ -211,9 +211,9 @@ TEST_F(Summaries, RefuseWhatIsWrongAndChangeNothing) {
         {u"Group",
          {u"Region", u"Sum(Product)"},
          message_text("IDS_VT_TOTAL_OF_TEXTS", {u"Product", u"apple", u"1"})},
-        {u"Group", {u"Region", u"Sum(Price"}, malformed(u"Sum(Price")},
         {u"Group", {u"Region", u"Count(), Sum()"}, malformed(u"Sum()")},
-        {u"Group", {u"Region", u"Sum(Price) Named X"}, malformed(u"Sum(Price) Named X")},
+        {u"Group", {u"Region", u"Sum(Price) * 2 As Twice"}, malformed(u"Sum(Price) * 2")},
+        {u"Group", {u"Region", u"Sum(Price * 2)"}, message_text("IDS_VT_COLUMNCODE_ERROR", {u"Price * 2"})},
         {u"AddWindow", {u"Lag(Price, many)"}, malformed(u"Lag(Price, many)")},
         {u"AddWindow", {u"Rank()"}, message_text("IDS_VT_RANK_WITHOUT_ORDER", {u"Rank"})},
         {u"AddWindow", {u"Lag(Day) As Before, Lead(Day) As Price"}, twice(u"Price")},
@@ -227,7 +227,25 @@ TEST_F(Summaries, RefuseWhatIsWrongAndChangeNothing) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(refusal(table, c.method, c.arguments), c.message) << to_utf8(text(c.arguments[0]));
+    for (const wchar* wrong :
+         {u"Sum(Price", u"Sum(Price) Named X", u"Sum(Price * Product) As X", u"Sum(Pric + 1) As X"}) {
+        EXPECT_THROW(call(table, u"Group", {u"Region", wrong}), ExpressionException) << to_utf8(wrong);
+        EXPECT_THROW(call(table, u"AddWindow", {wrong}), Exception) << to_utf8(wrong);
+    }
     EXPECT_EQ(text(table), before);
+}
+
+TEST_F(Summaries, OfExpressions) {
+    const GenericValue table = sales();
+    const GenericValue grouped = call(table, u"Group",
+                                      {u"Region", u"Sum(Price * 10) As Tens, Max(Upper(Product)) As Name, "
+                                                  u"CountDistinct(Month(Day)) As Months"});
+    EXPECT_EQ(content(grouped), u"North,32,PEAR,1;South,30,PEAR,1;");
+    expect_described(grouped);
+    EXPECT_TRUE(call(table, u"Total", {u"Max(Price * 10)"}).equals(30));
+    EXPECT_EQ(total(*table.query<IValueTable>(), core::min(u"Price + 1")), GenericValue(2.2));
+    call(table, u"AddWindow", {u"RunningTotal(Price * 10) As Cum", u"Region"});
+    EXPECT_EQ(content(call(table, u"Copy", {GenericValue(), u"Cum"})), u"12;30;32;30;");
 }
 
 TEST_F(Summaries, EndWhenTheyAreAskedTo) {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/function_names.h"
 
-#include "core/tables/query/named_calls.h"
+#include "core/tables/query/expression_parser.h"
+#include "core/tables/query/expression_text.h"
 
 #include <core/strings/compare.h>
 #include <core/strings/integer_text.h>
@@ -43,8 +44,40 @@ constexpr FunctionName<WindowKind> kWindows[] = {
     {WindowKind::share, u"Share", u"Доля", 1, 1},
 };
 
-[[noreturn]] void refuse(const NamedCall& call) {
-    throw_error<ContextException>(messages::kCallMalformed, {wstring(call.text)});
+/// A function as a list names it.
+struct NamedCall {
+    wstring text;                   ///< all of it, without the name
+    wstring function;               ///< empty for a column alone
+    std::vector<wstring> arguments; ///< as they are written; for a column alone its name
+    wstring name;                   ///< of the result; empty where none is given
+};
+
+[[noreturn]] void refuse(const wstring& call) {
+    throw_error<ContextException>(messages::kCallMalformed, {call});
+}
+
+/// The name of a column, or the text of an expression.
+wstring argument_text(const ExpressionNode& argument) {
+    return argument.kind == ExpressionKind::column ? argument.name : expression_text(argument);
+}
+
+std::vector<NamedCall> read_calls(wstring_view list) {
+    std::vector<NamedCall> calls;
+    for (NamedExpression& item : parse_named_list(list)) {
+        const ExpressionNode& node = *item.expression;
+        NamedCall call{expression_text(node), {}, {}, std::move(item.name)};
+        if (node.kind == ExpressionKind::call) {
+            call.function = node.name;
+            for (const ExpressionPtr& operand : node.operands)
+                call.arguments.push_back(argument_text(*operand));
+        } else if (node.kind == ExpressionKind::column) {
+            call.arguments = {node.name};
+        } else {
+            refuse(call.text);
+        }
+        calls.push_back(std::move(call));
+    }
+    return calls;
 }
 
 template <class Kind, std::size_t count>
@@ -55,41 +88,40 @@ const FunctionName<Kind>& function_of(const NamedCall& call, const FunctionName<
             compare_nocase(call.function, name.russian) != 0)
             continue;
         if (call.arguments.size() < name.least || call.arguments.size() > name.most)
-            refuse(call);
+            refuse(call.text);
         return name;
     }
-    throw_error<ContextException>(unknown, {wstring(call.function)});
+    throw_error<ContextException>(unknown, {call.function});
 }
 
 wstring first_argument(const NamedCall& call) {
-    return call.arguments.empty() ? wstring() : wstring(call.arguments.front());
+    return call.arguments.empty() ? wstring() : call.arguments.front();
 }
 
 } // namespace
 
 std::vector<Aggregate> read_aggregates(wstring_view list) {
     std::vector<Aggregate> aggregates;
-    for (const NamedCall& call : read_named_calls(list)) {
+    for (const NamedCall& call : read_calls(list)) {
         const AggregateKind kind = call.function.empty()
                                        ? AggregateKind::sum
                                        : function_of(call, kAggregates, messages::kAggregateUnknown).kind;
         const bool named = !call.name.empty() || !call.arguments.empty();
-        aggregates.push_back({kind, first_argument(call), wstring(named ? call.name : call.function)});
+        aggregates.push_back({kind, first_argument(call), named ? call.name : call.function});
     }
     return aggregates;
 }
 
 std::vector<WindowFunction> read_windows(wstring_view list) {
     std::vector<WindowFunction> functions;
-    for (const NamedCall& call : read_named_calls(list)) {
+    for (const NamedCall& call : read_calls(list)) {
         const WindowKind kind = function_of(call, kWindows, messages::kWindowUnknown).kind;
-        functions.push_back(
-            {kind, first_argument(call), wstring(call.name.empty() ? call.function : call.name)});
+        functions.push_back({kind, first_argument(call), call.name.empty() ? call.function : call.name});
         if (call.arguments.size() < 2)
             continue;
         const auto distance = string_toint<std::uint32_t>(call.arguments[1]);
         if (!distance)
-            refuse(call);
+            refuse(call.text);
         functions.back().distance = *distance;
     }
     return functions;

@@ -15,11 +15,11 @@
 /// read, never changed; new ones are owned by the caller and hold copies. All functions here throw
 /// ContextException: "IDS_VT_UNKNOWN_COLUMN_ERROR" for a column that the table does not have,
 /// "IDS_VT_COLUMNS_NOT_UNIQUE" for two columns of the result with one name, "IDS_VT_COLUMNCODE_ERROR" for a
-/// name that is not valid, "IDS_VT_TOTAL_OF_TEXTS" and "IDS_VT_TOTAL_OF_MIXED" for a sum or an average of
-/// texts, or of numbers beside other values, "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of
-/// this library, and where nothing would be made "IDS_VT_GROUPBY_NO_COLUMN_ERROR" or
-/// "IDS_PARAMETER_N_VALUE_MISMATCH".
-/// `work` can watch and end what takes long (table_work.h).
+/// name that is not valid, ExpressionException for an expression that is malformed or cannot be computed,
+/// "IDS_VT_TOTAL_OF_TEXTS" and "IDS_VT_TOTAL_OF_MIXED" for a sum or an average of texts, or of numbers beside
+/// other values, "IDS_PARAMETER_N_TYPE_MISMATCH" for a table that is not one of this library, and where
+/// nothing would be made "IDS_VT_GROUPBY_NO_COLUMN_ERROR" or "IDS_PARAMETER_N_VALUE_MISMATCH". `work` can
+/// watch and end what takes long (table_work.h).
 namespace core {
 
 /// What an aggregate makes of the cells.
@@ -35,11 +35,12 @@ enum class AggregateKind : std::uint8_t {
     list           ///< an array of the cells, in the order of the rows
 };
 
-/// An aggregate of a column, and the name that its result has.
+/// An aggregate of a column, or of an expression over the columns (docs/tables.md), and the name that its
+/// result has, which an expression needs.
 struct Aggregate {
     AggregateKind kind = AggregateKind::count; ///< what it makes of the cells
-    wstring argument;                          ///< the column's name; empty for a count of rows
-    wstring name;                              ///< the result's name; empty for the name of the column
+    wstring argument; ///< the column's name, or an expression; empty for a count of rows
+    wstring name;     ///< the result's name; empty for the name of the column
 };
 
 /// Returns the count of rows, called `name`.

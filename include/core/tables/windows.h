@@ -23,9 +23,9 @@ enum class WindowKind : std::uint8_t {
 /// A window function of a column, and the name of the column that it makes.
 struct WindowFunction {
     WindowKind kind = WindowKind::rowNumber; ///< what it gives a row
-    wstring argument;                        ///< the column's name; empty for the ranks and rowNumber
-    wstring name;                            ///< the name of the new column
-    std::size_t distance = 1;                ///< how many rows away lag and lead look
+    wstring argument;         ///< the column's name, or an expression; empty for the ranks and rowNumber
+    wstring name;             ///< the name of the new column
+    std::size_t distance = 1; ///< how many rows away lag and lead look
 };
 
 /// Returns the running total of a column. Cells without a number leave it as it is; it is Undefined before
