@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/threads/loop_check.h"
+
 #include <core/context/context_def.h>
 #include <core/context/iteration.h>
 #include <core/descriptions/type_description.h>
@@ -33,7 +35,9 @@ TableView view_of(const InterfacePtr<IValueTableBaseRO>& table, ViewFor whom) {
     view.rows = table->rowCount();
     view.walk = [table, ids](const TableView::Show& show) {
         std::vector<Value> cells(ids.size());
+        detail::LoopCheck check;
         for (std::size_t row = 0; row < table->rowCount(); ++row) {
+            check();
             for (std::size_t i = 0; i < ids.size(); ++i)
                 cells[i] = table->get(row, ids[i]);
             if (!show(cells, 0))
@@ -51,7 +55,9 @@ void walk_tree(const Value& tree, Visit visit) {
         open.push_back(property(parent, kRowCollectionTerm).query<IValueCollection>()->enumerate());
     };
     enter(tree);
+    detail::LoopCheck check;
     for (GenericValue row; !open.empty();) {
+        check();
         if (!open.back()->next(row)) {
             open.pop_back();
             continue;
@@ -104,7 +110,9 @@ TableView view_of(const InterfacePtr<IValueList>& list, ViewFor whom) {
     view.columns = {title(kVLColumnTermValue), title(kVLColumnTermPresent), title(kVLColumnTermCheck)};
     view.rows = list->count();
     view.walk = [list, forPeople](const TableView::Show& show) {
+        detail::LoopCheck check;
         for (std::size_t i = 0; i < list->count(); ++i) {
+            check();
             const IValueList::Item item = list->get(i);
             const Value check = forPeople ? Value(item.check ? u"✓" : u"") : Value(item.check);
             const Value cells[] = {item.value, Value(item.presentation.text()), check};

@@ -2,6 +2,7 @@
 #include "core/tables/objects/table_cells.h"
 
 #include "core/collections/stored_count.h"
+#include "core/runtime/threads/loop_check.h"
 
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
@@ -104,8 +105,11 @@ void put_codes(IOutPersistenceStorage* storage, CompactWriter& out, const CellCo
         }
     });
     storage->listStream().put(static_cast<std::int64_t>(used.size()));
-    for (const CellColumn::Code code : used)
+    detail::LoopCheck check;
+    for (const CellColumn::Code code : used) {
+        check();
         serialize_value(storage, dictionary[code]);
+    }
     put_packed(out, rows, used.size(), [&](RowId row) { return std::uint64_t{newCodes[codes[row]]}; });
 }
 
@@ -155,7 +159,9 @@ CellColumn get_words(ListInStream& list, CompactReader& in, Form form, std::size
 CellColumn get_codes(IInPersistenceStorage* storage, CompactReader& in, std::size_t rows,
                      const TypeDomain& domain) {
     auto dictionary = std::make_unique<ValueDictionary>();
+    detail::LoopCheck check;
     for (std::int64_t left = get_count(storage->listStream()); left > 0; --left) {
+        check();
         const GenericValue value = GenericValue::deserialize(storage);
         const std::size_t code = dictionary->size();
         require(in, CellColumn::isCodable(value) && domain.canHold(value) && dictionary->add(value) == code);
@@ -178,7 +184,9 @@ CellColumn get_values(IInPersistenceStorage* storage, CompactReader& in, std::si
                       const TypeDomain& domain) {
     std::vector<Value> values;
     values.reserve(in.believed(rows, 1));
+    detail::LoopCheck check;
     for (std::size_t row = 0; row < rows; ++row) {
+        check();
         values.push_back(GenericValue::deserialize(storage));
         require(in, domain.canHold(values.back()));
     }
@@ -198,7 +206,10 @@ void put_column(IOutPersistenceStorage* storage, CompactWriter& out, const CellC
         put_words(list, out, cells, rows);
         break;
     case Form::values:
-        rows.forEach([&](RowId row) { serialize_value(storage, cells.values()[row]); });
+        rows.forEach([&, check = detail::LoopCheck()](RowId row) mutable {
+            check();
+            serialize_value(storage, cells.values()[row]);
+        });
     }
     list.putEndOfList();
 }

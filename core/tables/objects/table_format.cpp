@@ -5,6 +5,7 @@
 #include "core/lists/list_run.h"
 #include "core/lists/malformed.h"
 #include "core/objects/stored_text.h"
+#include "core/runtime/threads/loop_check.h"
 #include "core/tables/objects/table_cells.h"
 
 #include <core/lists/list_in_stream.h>
@@ -94,7 +95,8 @@ void put_rows(IOutPersistenceStorage* storage, const TableData& data, RowId pare
     const RowOrder& rows = data.rowsOf(parent);
     out.putBeginOfList();
     put_count(out, rows.size());
-    rows.walk([&](RowId row) {
+    rows.walk([&, check = detail::LoopCheck()](RowId row) mutable {
+        check();
         out.putBeginOfList();
         for (std::size_t i = 0; i < data.columnCount(); ++i)
             serialize_value(storage, data.get(row, i));
@@ -111,7 +113,9 @@ void get_rows(IInPersistenceStorage* storage, TableData& data, RowId parent) {
     ListInStream& in = storage->listStream();
     std::vector<Value> cells;
     in.getBeginOfList();
+    detail::LoopCheck check;
     for (std::int64_t left = get_count(in); left > 0; --left) {
+        check();
         in.getBeginOfList();
         cells.clear();
         for (std::size_t i = 0; i < data.columnCount(); ++i) {
