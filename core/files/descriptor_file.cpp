@@ -67,6 +67,20 @@ std::size_t DescriptorFile::readAt(std::uint64_t offset, void* buffer, std::size
         const auto done = ::pread(descriptor(), buffer, transfer(offset, count), native(offset));
         if (done >= 0)
             return static_cast<std::size_t>(done);
+        if (errno == ESPIPE && offset == passed_)
+            return readOn(buffer, count);
+        if (errno != EINTR)
+            throw_file_error(messages::kFileRead, url(), errno);
+    }
+}
+
+std::size_t DescriptorFile::readOn(void* buffer, std::size_t count) {
+    for (;;) {
+        const auto done = ::read(descriptor(), buffer, std::min(count, kMaxTransfer));
+        if (done >= 0) {
+            passed_ += static_cast<std::uint64_t>(done);
+            return static_cast<std::size_t>(done);
+        }
         if (errno != EINTR)
             throw_file_error(messages::kFileRead, url(), errno);
     }

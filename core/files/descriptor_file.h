@@ -59,12 +59,15 @@ class DescriptorFile : public FileImpl, public ISharedFile {
     void requireLength(std::uint64_t length);
 
   private:
+    /// Reads on where no offset can be named, as from a pipe.
+    std::size_t readOn(void* buffer, std::size_t count);
     std::uint64_t roomBehind(std::uint64_t offset, std::uint64_t count) noexcept;
     [[nodiscard]] struct stat status() const;
     bool setLock(std::uint64_t offset, std::uint64_t length, int type);
 
     Descriptor descriptor_;
     std::atomic<std::uint64_t> limit_;
+    std::atomic<std::uint64_t> passed_{0}; // bytes that came from a pipe
 };
 
 } // namespace core

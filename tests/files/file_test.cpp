@@ -211,6 +211,22 @@ TEST(FileIO, InsistsOnWholeTransfersAndReportsAFullDisk) {
     EXPECT_EQ(text_of(*file), "01234567abcd");
 }
 
+TEST(DiskFile, ReadsAPipeFromItsBeginningToItsEnd) {
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    ASSERT_EQ(::write(ends[1], "abcdef", 6), 6);
+    const auto file = open_disk_file("/proc/self/fd/" + std::to_string(ends[0]), OpenMode::read);
+    ::close(ends[1]);
+    char bytes[4];
+    EXPECT_EQ(file->read(bytes, 4), 4U);
+    EXPECT_EQ(std::string(bytes, 4), "abcd");
+    EXPECT_THROW((void)file->readAt(0, bytes, 1), FileException) << "what has passed is gone";
+    EXPECT_EQ(file->read(bytes, 4), 2U);
+    EXPECT_EQ(std::string(bytes, 2), "ef");
+    EXPECT_EQ(file->read(bytes, 4), 0U);
+    ::close(ends[0]);
+}
+
 TEST(DiskFile, ALimitOfItsLengthIsAnErrorAndNoSignal) {
     const TempFolder folder;
     const std::string path = folder / "f";
