@@ -150,27 +150,27 @@ class Table {
     /// the group: `sales.group({"Product"}, {count("Sales"), sum("Price")})`. Where `levels` names a column,
     /// there are totals besides. Throws as core::group() does.
     [[nodiscard]] Table group(ColumnKeys columns, const std::vector<Aggregate>& aggregates,
-                              const Text& levels = u"") const {
-        return core::group(*table_, names(columns), aggregates, levels.view());
+                              const Text& levels = u"", const TableWork& work = {}) const {
+        return core::group(*table_, names(columns), aggregates, levels.view(), work);
     }
     /// Returns an aggregate of all rows: `sales.total(max("Day"))`. Throws as core::total() does.
     [[nodiscard]] Value total(const Aggregate& aggregate) const { return core::total(*table_, aggregate); }
     /// Returns a new table whose columns are the values of a column. Throws as core::pivot() does.
     [[nodiscard]] Table pivot(ColumnKeys rows, const ColumnKey& column,
-                              const std::vector<Aggregate>& aggregates,
-                              std::size_t most = kMostPivotColumns) const {
-        return core::pivot(*table_, names(rows), name(column), aggregates, most);
+                              const std::vector<Aggregate>& aggregates, std::size_t most = kMostPivotColumns,
+                              const TableWork& work = {}) const {
+        return core::pivot(*table_, names(rows), name(column), aggregates, most, work);
     }
     /// Returns a new table with a row for each cell of some columns. Throws as core::unpivot() does.
     [[nodiscard]] Table unpivot(ColumnKeys columns, const Text& name = u"Name", const Text& value = u"Value",
-                                EmptyCells empty = EmptyCells::skip) const {
-        return core::unpivot(*table_, names(columns), name.view(), value.view(), empty);
+                                EmptyCells empty = EmptyCells::skip, const TableWork& work = {}) const {
+        return core::unpivot(*table_, names(columns), name.view(), value.view(), empty, work);
     }
     /// Adds columns that are computed over neighbouring rows: running totals, ranks, differences. Throws as
     /// add_windows() does.
     void addWindows(const std::vector<WindowFunction>& functions, ColumnKeys partition = {},
-                    const Text& order = u"") const {
-        add_windows(*table_, functions, names(partition), order.view());
+                    const Text& order = u"", const TableWork& work = {}) const {
+        add_windows(*table_, functions, names(partition), order.view(), work);
     }
 
     // sets of rows; each returns a new table, and this one stays as it is
