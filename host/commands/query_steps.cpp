@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
 namespace host {
@@ -47,6 +48,18 @@ bool is(wstring_view name, wstring_view english, wstring_view russian) {
     return compare_nocase(name, english) == 0 || compare_nocase(name, russian) == 0;
 }
 
+/// The condition or the order that a step has without quotes around it; empty for any other step.
+wstring_view bare_expression(wstring_view step, wstring_view name) {
+    if (!is(name, u"Where", u"Где") && !is(name, u"Filter", u"Отобрать") &&
+        !is(name, u"Sort", u"Сортировать"))
+        return {};
+    wstring_view text = step.substr(step.find(u'(') + 1);
+    if (!text.ends_with(u')'))
+        return {};
+    text = trim_all(text.substr(0, text.size() - 1));
+    return text.starts_with(u'"') ? wstring_view() : text;
+}
+
 /// The value that steps work on, and what only they can call.
 class Pipeline {
   public:
@@ -60,10 +73,12 @@ class Pipeline {
             engine_.set(u"_Columns", columns);
             return engine_.run(u"Return Table.Copy(, _Columns)", u"query");
         });
-        engine.function(u"Where", u"Где", [this](Value column, Value value) {
-            engine_.set(u"_Column", column);
-            engine_.set(u"_Value", value);
-            return engine_.run(u"Return Table.Copy(New Structure(_Column, _Value))", u"query");
+        engine.function(u"Where", u"Где", [this](Value filter, std::optional<Value> value) {
+            engine_.set(u"_Filter", filter);
+            if (!value)
+                return engine_.run(u"Return Table.Copy(_Filter)", u"query");
+            engine_.set(u"_Value", *value);
+            return engine_.run(u"Return Table.Copy(New Structure(_Filter, _Value))", u"query");
         });
     }
 
@@ -79,6 +94,14 @@ class Pipeline {
   private:
     void take(wstring_view step) {
         const wstring_view name = called(step);
+        if (const wstring_view text = bare_expression(step, name); !text.empty()) {
+            engine_.set(u"_Text", wstring(text));
+            if (is(name, u"Where", u"Где"))
+                value_ = evaluate(u"Return Table.Copy(_Text)");
+            else
+                evaluate(u"Table." + wstring(name) + u"(_Text)");
+            return;
+        }
         static constexpr std::array<std::array<wstring_view, 2>, 4> kOwn = {
             {{u"First", u"Первые"}, {u"Last", u"Последние"}, {u"Select", u"Выбрать"}, {u"Where", u"Где"}}};
         const bool own =
