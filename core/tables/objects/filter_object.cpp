@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/strings/table_hash.h"
 #include "core/tables/query/expression_node.h"
 
 #include <core/collections/value_map.h>
@@ -9,6 +8,17 @@
 
 namespace core {
 namespace {
+
+/// Equal conditions have equal hashes. Needs no memory.
+std::uint32_t hash_of(const ExpressionNode& node) noexcept {
+    std::uint32_t hash =
+        static_cast<std::uint32_t>(node.kind) * 31 + static_cast<std::uint32_t>(node.value.hashCode());
+    for (const wchar unit : node.name)
+        hash = hash * 31 + unit;
+    for (const ExpressionPtr& operand : node.operands)
+        hash = hash * 31 + hash_of(*operand);
+    return hash;
+}
 
 class FilterObject : public ScriptObject<FilterObject, IPersistableObject> {
   public:
@@ -59,9 +69,8 @@ class FilterObject : public ScriptObject<FilterObject, IPersistableObject> {
         return same != nullptr && same->filter_ == filter_;
     }
     std::int32_t hashCode() const noexcept override {
-        const wstring text = this->text();
-        const auto bytes = std::as_bytes(std::span(text));
-        return static_cast<std::int32_t>(static_cast<std::uint32_t>(table_hash(bytes)));
+        const ExpressionNode* const condition = filter_.condition();
+        return condition != nullptr ? static_cast<std::int32_t>(hash_of(*condition)) : 0;
     }
 
     // IPersistableObject

@@ -15,6 +15,7 @@
 #include <core/strings/trim.h>
 #include <core/tables/filter.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace core {
@@ -39,6 +40,15 @@ bool parses_as(const wstring& text, const ExpressionParameters& parameters, Expr
     } catch (const ExpressionException&) {
         return false;
     }
+}
+
+/// Says whether two conditions are written the same. Needs no memory.
+bool same(const ExpressionNode& a, const ExpressionNode& b) noexcept {
+    return a.kind == b.kind && a.negated == b.negated && a.name == b.name && a.value.equals(b.value) &&
+           a.operators == b.operators &&
+           std::equal(
+               a.operands.begin(), a.operands.end(), b.operands.begin(), b.operands.end(),
+               [](const ExpressionPtr& one, const ExpressionPtr& other) { return same(*one, *other); });
 }
 
 /// The written form of a filter, with the values that the language cannot write.
@@ -102,9 +112,7 @@ wstring Filter::text() const {
 bool operator==(const Filter& a, const Filter& b) {
     if (a.condition_ == b.condition_)
         return true;
-    const Written first(a.condition());
-    const Written second(b.condition());
-    return first.text == second.text && first.values == second.values;
+    return !a.isEmpty() && !b.isEmpty() && same(*a.condition_, *b.condition_);
 }
 
 void Filter::serialize(IOutPersistenceStorage* storage) const {

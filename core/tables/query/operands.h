@@ -11,7 +11,7 @@ namespace core {
 /// is.
 class Operands {
   public:
-    explicit Operands(const TableData& data) noexcept : data_(data) {}
+    explicit Operands(const TableData& data) : data_(data) {}
 
     /// Returns the column of that name, or one with the values of an expression, which is computed once and
     /// borrowed from this object. Throws ContextException ("IDS_VT_UNKNOWN_COLUMN_ERROR") and
