@@ -16,10 +16,12 @@
 #include <core/tables/losses.h>
 #include <core/tables/row.h>
 #include <core/tables/sets.h>
+#include <core/tables/structures.h>
 #include <core/tables/table.h>
 #include <core/tables/table_work.h>
 #include <core/tables/terms.h>
 #include <core/tables/tree.h>
+#include <core/tables/trees.h>
 #include <core/tables/value_columns.h>
 #include <core/tables/value_list.h>
 #include <core/tables/value_table.h>

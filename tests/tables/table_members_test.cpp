@@ -47,7 +47,7 @@ TEST_F(TableMembers, AndTreesHaveTheirMethodsByNumberAndName) {
     Signature methods[] = {
         {u"Count", u"Количество", 0, true, u""},
         {u"IndexOf", u"Индекс", 1, true, u"-"},
-        {u"Add", u"Добавить", 0, true, u""},
+        {u"Add", u"Добавить", 16, true, u"uuuuuuuuuuuuuuuu"},
         {u"Insert", u"Вставить", 1, true, u"-"},
         {u"Delete", u"Удалить", 1, false, u"-"},
         {u"Clear", u"Очистить", 0, false, u""},

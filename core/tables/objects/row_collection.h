@@ -6,6 +6,7 @@
 #include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/table_summaries.h"
 #include "core/tables/query/row_search.h"
+#include "core/tables/shape/added_rows.h"
 
 #include <core/collections/terms.h>
 #include <core/collections/value_array.h>
@@ -61,10 +62,10 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
         return false;
     }
 
-    /// The object of the row is made first: without memory for it, no row is inserted.
-    GenericValue inserted(std::size_t position) {
+    /// The object of the row is made first: without memory for it, no row is inserted. The cells fit.
+    GenericValue inserted(std::size_t position, std::span<const Value> cells = {}) {
         GenericValue row = row_value(data(), data().nextRow());
-        data().insertRow(parent(), position);
+        data().insertRow(parent(), position, cells, CellSource::stored);
         return row;
     }
 
@@ -74,7 +75,9 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
             parameter_type_mismatch(0);
         return row_argument(data(), parent(), arguments[0], 0);
     }
-    GenericValue callAdd(std::span<GenericValue>) { return inserted(rows().size()); }
+    GenericValue callAdd(std::span<GenericValue> arguments) {
+        return inserted(rows().size(), fitted_cells(data(), arguments));
+    }
     GenericValue callInsert(std::span<GenericValue> arguments) {
         const std::size_t position = position_argument(arguments[0], 0, rows().size(), IndexBound::insertion);
         return inserted(position);
@@ -165,7 +168,7 @@ constexpr std::array<Method<T>, 14> RowCollection<T, Is...>::rowMethods() noexce
     return {{
         {kCollectTermCount, required(0), kFunction, &RowCollection::callCount, &kNumberType},
         {kCollectTermIndexOf, kOfRow, kFunction, &RowCollection::callIndexOf, &kNumberType},
-        {kCollectTermAdd, required(0), kFunction, &RowCollection::callAdd, T::script.elements},
+        {kCollectTermAdd, kOfCells, kFunction, &RowCollection::callAdd, T::script.elements},
         {kCollectTermInsert, kOfIndex, kFunction, &RowCollection::callInsert, T::script.elements},
         {kCollectTermRemove, kOfRow, kProcedure, &RowCollection::callDelete},
         {kCollectTermClear, required(0), kProcedure, &RowCollection::callClear},

@@ -130,4 +130,21 @@ SortOrder sort_argument(const TableData& data, const Value& argument, int param)
     return order;
 }
 
+void check_grouping(const TableData& data, const ColumnList& columns, const ColumnList& totals) {
+    for (const std::size_t column : totals) {
+        if (std::find(columns.begin(), columns.end(), column) != columns.end())
+            throw_error<ContextException>(messages::kGroupedAndTotalled, {data.column(column).info.name});
+    }
+    if (columns.empty() && totals.empty())
+        throw_error<ContextException>(messages::kGroupByNothing);
+}
+
+GroupingColumns grouping_arguments(const TableData& data, std::span<const GenericValue> arguments) {
+    GroupingColumns grouping{column_list_argument(data, arguments[0], 0, BlankList::noColumn), {}};
+    if (!arguments[1].isUndefined())
+        grouping.totals = column_list_argument(data, arguments[1], 1, BlankList::noColumn);
+    check_grouping(data, grouping.columns, grouping.totals);
+    return grouping;
+}
+
 } // namespace core

@@ -47,4 +47,16 @@ struct SortItem {
 /// The same with the columns of the names, and with expressions among them.
 [[nodiscard]] SortOrder sort_argument(const TableData& data, const Value& argument, int param);
 
+/// What a grouping is by, and what it totals.
+struct GroupingColumns {
+    ColumnList columns;
+    ColumnList totals;
+};
+/// Throws "IDS_VT_GROUPBY_INTERSECT_ERROR" for a column in both lists, "IDS_VT_GROUPBY_NO_COLUMN_ERROR" for
+/// none at all.
+void check_grouping(const TableData& data, const ColumnList& columns, const ColumnList& totals);
+/// Two lists of names, the second of which may be Undefined, checked.
+[[nodiscard]] GroupingColumns grouping_arguments(const TableData& data,
+                                                 std::span<const GenericValue> arguments);
+
 } // namespace core

@@ -6,6 +6,7 @@
 #include "core/tables/objects/index_objects.h"
 #include "core/tables/objects/row_collection.h"
 #include "core/tables/objects/row_events.h"
+#include "core/tables/objects/shaping_methods.h"
 #include "core/tables/objects/sub_object.h"
 #include "core/tables/objects/table_expressions.h"
 #include "core/tables/objects/table_format.h"
@@ -26,7 +27,8 @@
 namespace core {
 
 class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObject>,
-                   public CombiningMethods<ValueTable> {
+                   public CombiningMethods<ValueTable>,
+                   public ShapingMethods<ValueTable> {
   public:
     static constexpr ScriptClass script = {
         .names = kValueTableTerm,
@@ -258,21 +260,13 @@ GenericValue ValueTable::callCopyColumns(std::span<GenericValue> arguments) {
 }
 
 GenericValue ValueTable::callGroupBy(std::span<GenericValue> arguments) {
-    const ColumnList columns = column_list_argument(data_, arguments[0], 0, BlankList::noColumn);
-    ColumnList totals;
-    if (!arguments[1].isUndefined())
-        totals = column_list_argument(data_, arguments[1], 1, BlankList::noColumn);
-    collapse(columns, totals);
+    const GroupingColumns grouping = grouping_arguments(data_, arguments);
+    group_by(data_, grouping.columns, grouping.totals);
     return {};
 }
 
 void ValueTable::collapse(const ColumnList& columns, const ColumnList& totals) {
-    for (const std::size_t column : totals) {
-        if (std::find(columns.begin(), columns.end(), column) != columns.end())
-            throw_error<ContextException>(messages::kGroupedAndTotalled, {data_.column(column).info.name});
-    }
-    if (columns.empty() && totals.empty())
-        throw_error<ContextException>(messages::kGroupByNothing);
+    check_grouping(data_, columns, totals);
     group_by(data_, columns, totals);
 }
 
@@ -321,9 +315,6 @@ namespace {
 const ScriptClassEntry<ValueTable> kEntry;
 
 constexpr Param kCopy[] = {named_param(kRowCollectionTerm, kUndefinedDefault), kAnyColumnsParam};
-constexpr Param kCopyColumns[] = {kAnyColumnsParam};
-constexpr Param kGroupBy[] = {named_param({u"GroupColumns", u"КолонкиГруппировки"}),
-                              named_param({u"TotalColumns", u"КолонкиИтогов"}, kUndefinedDefault)};
 constexpr Param kAggregatesParam = named_param({u"Aggregates", u"Агрегаты"});
 constexpr Param kGroup[] = {kColumnsParam, named_param({u"Aggregates", u"Агрегаты"}, kUndefinedDefault),
                             named_param({u"Totals", u"Итоги"}, ParamDefault::falseValue)};
@@ -364,8 +355,9 @@ std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
         rowMethods(),
         std::to_array<Method<ValueTable>>({
             {kCopyMethodTerm, kCopy, kFunction, &ValueTable::callCopy, &kValueTableType},
-            {kCopyColumnsMethodTerm, kCopyColumns, kFunction, &ValueTable::callCopyColumns, &kValueTableType},
-            {kGroupByMethodTerm, kGroupBy, kProcedure, &ValueTable::callGroupBy},
+            {kCopyColumnsMethodTerm, kOfAnyColumns, kFunction, &ValueTable::callCopyColumns,
+             &kValueTableType},
+            {kGroupByMethodTerm, kOfGroups, kProcedure, &ValueTable::callGroupBy},
             {kFillValuesMethodTerm, kFillValues, kProcedure, &ValueTable::callFillValues},
             {kSelectRowMethodTerm, kChooseRow, kFunction, &ValueTable::callChooseRow},
             {kGroupMethodTerm, kGroup, kFunction, &ValueTable::callGroup, &kValueTableType},
@@ -375,7 +367,8 @@ std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
             {kFilterMethodTerm, kFilter, kProcedure, &ValueTable::callFilter},
             {kAddColumnMethodTerm, kAddColumn, kProcedure, &ValueTable::callAddColumn},
         }));
-    static constexpr auto kMethods = detail::joined(kOwn, combiningMethods());
+    static constexpr auto kMethods =
+        detail::joined(detail::joined(kOwn, combiningMethods()), shapingMethods());
     return kMethods;
 }
 

@@ -6,6 +6,7 @@
 #include "core/tables/objects/sub_object.h"
 #include "core/tables/objects/table_format.h"
 #include "core/tables/objects/table_parameters.h"
+#include "core/tables/objects/tree_methods.h"
 #include "core/tables/objects/tree_objects.h"
 
 #include <core/tables/value_tree.h>
@@ -136,7 +137,8 @@ class ValueTreeRow : public RowObject<ValueTreeRow, IValueTreeRow> {
     SubObject<ValueTreeRowCollection> rows_;
 };
 
-class ValueTree : public ScriptObject<ValueTree, IValueTree, IPersistableObject> {
+class ValueTree : public ScriptObject<ValueTree, IValueTree, IPersistableObject>,
+                  public TreeMethods<ValueTree> {
   public:
     static constexpr ScriptClass script = {
         .names = kValueTreeTerm,
@@ -151,12 +153,14 @@ class ValueTree : public ScriptObject<ValueTree, IValueTree, IPersistableObject>
           rows_(*static_cast<IValue*>(this), data_, nullptr) {}
 
     static std::span<const Property<ValueTree>> properties() noexcept;
+    static std::span<const Method<ValueTree>> methods() noexcept;
     static std::span<const EventEntry<ValueTree>> events() noexcept;
     Connection connectSink(int event, IEventSink* sink) override {
         data_.watch(events_);
         return ScriptObject::connectSink(event, sink);
     }
     [[nodiscard]] RowEvents<Value>& rowEvents() noexcept { return events_; }
+    [[nodiscard]] TableData& data() noexcept { return data_; }
 
     IValueColumns& columns() noexcept override { return columns_; }
     IValueTreeRows& rows() noexcept override { return rows_; }
@@ -182,6 +186,18 @@ GenericValue make_tree_row(TableData& data, RowId row) {
 
 InterfacePtr<IValueTree> create_value_tree() {
     return make_object<ValueTree>();
+}
+
+InterfacePtr<IValueTree> make_value_tree(const std::function<void(TableData&)>& fill) {
+    auto tree = make_object<ValueTree>();
+    fill(tree->data());
+    return tree;
+}
+
+const TableData* tree_data_of(IValueTree& tree) {
+    const InterfacePtr<IValue> value(&tree);
+    ValueTree* const own = ValueTree::of(value.get());
+    return own != nullptr ? &own->data() : nullptr;
 }
 
 namespace {
@@ -213,6 +229,11 @@ std::span<const Method<ValueTreeRow>> ValueTreeRow::methods() noexcept {
         {kCollectTermSet, kOfColumnAndValue, kProcedure, &ValueTreeRow::callSet},
         {kOwnerMethodTerm, required(0), kFunction, &ValueTreeRow::callOwner, &kValueTreeType},
     };
+    return kMethods;
+}
+
+std::span<const Method<ValueTree>> ValueTree::methods() noexcept {
+    static constexpr auto kMethods = treeMethods();
     return kMethods;
 }
 

@@ -6,16 +6,12 @@
 #include "core/tables/query/row_totals.h"
 
 namespace core {
-namespace {
 
-/// The description of a column's sums, which pass any number of digits that the column has.
 TypeDomain domain_of_totals(const TypeDomain& domain) {
     TypeDomain totals = domain;
     totals.setNumericQualifiers(NumericQualifiers(0, 0, domain.numericQualifiers().nonnegative()));
     return totals;
 }
-
-} // namespace
 
 void group_by(TableData& data, std::span<const std::size_t> groupColumns,
               std::span<const std::size_t> totalColumns) {

@@ -12,4 +12,7 @@ namespace core {
 void group_by(TableData& data, std::span<const std::size_t> groupColumns,
               std::span<const std::size_t> totalColumns);
 
+/// The description of a column's sums, which pass any number of digits that the column has.
+[[nodiscard]] TypeDomain domain_of_totals(const TypeDomain& domain);
+
 } // namespace core

@@ -61,6 +61,28 @@ inline constexpr const char* kNeverEqual = "IDS_VT_NEVER_EQUAL";
 inline constexpr const char* kColumnsDiffer = "IDS_VT_COLUMNS_DIFFER";
 /// A result would have more rows than a table can; {0} is how many.
 inline constexpr const char* kTooManyRows = "IDS_VT_TOO_MANY_ROWS";
+/// An element of an array is no row; {0} is its position from 1, {1} its type.
+inline constexpr const char* kNotARow = "IDS_VT_NO_ROW";
+/// A row is given more values than there are columns; {0} is its position from 1, {1} the values, {2} the
+/// columns.
+inline constexpr const char* kMoreValues = "IDS_VT_MORE_VALUES";
+/// A row would be below itself; {0} is its position from 1, {1} its key.
+inline constexpr const char* kTreeCircle = "IDS_VT_TREE_CIRCLE";
+/// Two rows have one key; {0} is the position of the second from 1, {1} the key, {2} the column.
+inline constexpr const char* kTreeKeyTwice = "IDS_VT_TREE_KEY_TWICE";
+/// A row cannot have that level; {0} is its position from 1, {1} the level, {2} the column, {3} the largest
+/// level that it can have.
+inline constexpr const char* kTreeLevel = "IDS_VT_TREE_LEVEL";
+/// A row has no key; {0} is its position from 1, {1} the column.
+inline constexpr const char* kTreeNoKey = "IDS_VT_TREE_NO_KEY";
+/// A row is below one that is not there; {0} is its position from 1, {1} the key that is missing, {2} the
+/// column of keys.
+inline constexpr const char* kTreeNoParent = "IDS_VT_TREE_NO_PARENT";
+/// A row has no path; {0} is its position from 1, {1} the column.
+inline constexpr const char* kTreeNoPath = "IDS_VT_TREE_NO_PATH";
+/// A name in a path holds what separates names; {0} is the position of its row from 1, {1} the name, {2} the
+/// column, {3} the separator.
+inline constexpr const char* kTreeSeparator = "IDS_VT_TREE_SEPARATOR";
 /// A table has no such column; {0} is what was asked for.
 inline constexpr const char* kUnknownColumn = "IDS_VT_UNKNOWN_COLUMN_ERROR";
 /// An index does not belong to the table. No parameters.

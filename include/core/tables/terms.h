@@ -101,6 +101,22 @@ inline constexpr Term kPivotMethodTerm = {u"Pivot", u"Повернуть"};
 inline constexpr Term kUnpivotMethodTerm = {u"Unpivot", u"ПовернутьОбратно"};
 /// Adds columns that are computed over neighbouring rows.
 inline constexpr Term kAddWindowMethodTerm = {u"AddWindow", u"ДобавитьОкно"};
+/// Adds rows of another table or of an array.
+inline constexpr Term kAddRowsMethodTerm = {u"AddRows", u"ДобавитьСтроки"};
+/// Gives the rows as an array of structures.
+inline constexpr Term kUnloadRowsMethodTerm = {u"UnloadRows", u"ВыгрузитьСтроки"};
+/// Makes a tree of a table by the keys of the rows above.
+inline constexpr Term kTreeByParentMethodTerm = {u"TreeByParent", u"ДеревоПоРодителю"};
+/// Makes a tree of a table by paths.
+inline constexpr Term kTreeByPathMethodTerm = {u"TreeByPath", u"ДеревоПоПути"};
+/// Makes a tree of a table by levels.
+inline constexpr Term kTreeByLevelMethodTerm = {u"TreeByLevel", u"ДеревоПоУровню"};
+/// Makes a table of a tree with the keys of the rows above.
+inline constexpr Term kTableByParentMethodTerm = {u"TableByParent", u"ТаблицаПоРодителю"};
+/// Makes a table of a tree with paths.
+inline constexpr Term kTableByPathMethodTerm = {u"TableByPath", u"ТаблицаПоПути"};
+/// Makes a table of a tree with levels.
+inline constexpr Term kTableByLevelMethodTerm = {u"TableByLevel", u"ТаблицаПоУровню"};
 /// Puts one value into all rows.
 inline constexpr Term kFillValuesMethodTerm = {u"FillValues", u"ЗаполнитьЗначения"};
 /// Keeps the rows that pass a filter.
