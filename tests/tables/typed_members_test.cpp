@@ -72,6 +72,11 @@ TEST_F(TypedMembers, OfTables) {
         {u"Except", typed<&except>},
         {u"Intersect", typed<&intersect>},
         {u"Distinct", typed<&distinct>},
+        {u"AddRows", typed<&add_rows>},
+        {u"UnloadRows", typed<&structures_of>},
+        {u"TreeByParent", typed<&tree_by_parent>},
+        {u"TreeByPath", typed<&tree_by_path>},
+        {u"TreeByLevel", typed<&tree_by_level>},
     };
     const GenericValue table = make(u"ValueTable");
     expect_typed(table, kTable);
@@ -115,6 +120,11 @@ TEST_F(TypedMembers, OfTrees) {
     static constexpr Member kTree[] = {
         {u"Columns", typed<&IValueTree::columns>},
         {u"Rows", typed<&IValueTree::rows>},
+        {u"Copy", typed<&copy_tree>},
+        {u"GroupBy", typed<&group_tree>},
+        {u"TableByParent", typed<&table_by_parent>},
+        {u"TableByPath", typed<&table_by_path>},
+        {u"TableByLevel", typed<&table_by_level>},
     };
     const GenericValue tree = make(u"ValueTree");
     expect_typed(tree, kTree);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Trees and structures of tables, and the way back, for C++ code.
+#include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/table_parts.h"
 #include "core/tables/objects/tree_objects.h"
 #include "core/tables/shape/added_rows.h"
@@ -12,6 +13,8 @@
 #include <core/tables/trees.h>
 #include <core/values/errors.h>
 
+#include <algorithm>
+
 namespace core {
 namespace {
 
@@ -22,11 +25,21 @@ std::size_t position_of(const TableData& data, wstring_view column) {
     return *position;
 }
 
-const TableData& own_tree(IValueTree& tree) {
-    const TableData* const data = tree_data_of(tree);
+TableData& own_tree(IValueTree& tree) {
+    TableData* const data = tree_data_of(tree);
     if (data == nullptr)
         parameter_type_mismatch(0);
     return *data;
+}
+
+ColumnList positions_of(const TableData& data, const std::vector<wstring>& columns) {
+    ColumnList positions;
+    for (const wstring& column : columns) {
+        positions.push_back(position_of(data, column));
+        if (std::count(positions.begin(), positions.end(), positions.back()) != 1)
+            throw_error<ContextException>(messages::kColumnTwice, {column});
+    }
+    return positions;
 }
 
 wstring_view require_separator(wstring_view separator) {
@@ -122,6 +135,27 @@ InterfacePtr<IValueTree> tree_by_level(IValueTableBaseRO& table, wstring_view le
 InterfacePtr<IValueTable> table_by_level(IValueTree& tree, wstring_view level, const TableWork& work) {
     WorkWatch watch(work);
     return table_of(table_by_level(own_tree(tree), level, watch));
+}
+
+InterfacePtr<IValueTree> copy_tree(IValueTree& tree, const std::vector<wstring>& columns,
+                                   const TableWork& work) {
+    const TableData& data = own_tree(tree);
+    const ColumnList positions =
+        columns.empty() ? optional_columns_argument(data, Value(), 1) : positions_of(data, columns);
+    WorkWatch watch(work);
+    return make_value_tree([&](TableData& copy) { copy_tree(data, positions, copy, watch); });
+}
+
+void group_tree(IValueTree& tree, const std::vector<wstring>& columns, const std::vector<wstring>& totals,
+                const TableWork& work) {
+    TableData& data = own_tree(tree);
+    const ColumnList keys = positions_of(data, columns);
+    const ColumnList sums = positions_of(data, totals);
+    check_grouping(data, keys, sums);
+    WorkWatch watch(work);
+    TableData fresh(data.owner(), true);
+    group_tree(data, keys, sums, fresh, watch);
+    data.replace(fresh);
 }
 
 } // namespace core

@@ -4,7 +4,6 @@
 #include "core/tables/objects/shaping_methods.h"
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/tree_objects.h"
-#include "core/tables/shape/tree_rows.h"
 
 namespace core {
 
@@ -25,19 +24,20 @@ class TreeMethods {
         return Value(made.template query<IValue>());
     }
 
+    /// The names of the columns that a list chooses.
+    [[nodiscard]] std::vector<wstring> names(const ColumnList& columns) {
+        std::vector<wstring> chosen;
+        for (const std::size_t position : columns)
+            chosen.push_back(data().column(position).info.name);
+        return chosen;
+    }
+
     GenericValue callCopy(std::span<GenericValue> arguments) {
-        const ColumnList columns = optional_columns_argument(data(), arguments[0], 0);
-        const TableWork work;
-        WorkWatch watch(work);
-        return value(make_value_tree([&](TableData& tree) { copy_tree(data(), columns, tree, watch); }));
+        return value(copy_tree(self(), names(optional_columns_argument(data(), arguments[0], 0))));
     }
     GenericValue callGroupBy(std::span<GenericValue> arguments) {
         const GroupingColumns grouping = grouping_arguments(data(), arguments);
-        const TableWork work;
-        WorkWatch watch(work);
-        TableData fresh(data().owner(), true);
-        group_tree(data(), grouping.columns, grouping.totals, fresh, watch);
-        data().replace(fresh);
+        group_tree(self(), names(grouping.columns), names(grouping.totals));
         return {};
     }
     GenericValue callTableByParent(std::span<GenericValue> arguments) {

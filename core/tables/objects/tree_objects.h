@@ -16,6 +16,6 @@ inline constexpr GUID kValueTreeRowType = "9751019a-3873-472b-927e-f7d61d64865b"
 /// Returns a new tree whose data `fill` has filled.
 [[nodiscard]] InterfacePtr<IValueTree> make_value_tree(const std::function<void(TableData&)>& fill);
 /// Returns the data of a tree, borrowed from it; null for a tree that is not one of this library.
-[[nodiscard]] const TableData* tree_data_of(IValueTree& tree);
+[[nodiscard]] TableData* tree_data_of(IValueTree& tree);
 
 } // namespace core

@@ -194,7 +194,7 @@ InterfacePtr<IValueTree> make_value_tree(const std::function<void(TableData&)>& 
     return tree;
 }
 
-const TableData* tree_data_of(IValueTree& tree) {
+TableData* tree_data_of(IValueTree& tree) {
     const InterfacePtr<IValue> value(&tree);
     ValueTree* const own = ValueTree::of(value.get());
     return own != nullptr ? &own->data() : nullptr;

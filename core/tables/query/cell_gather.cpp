@@ -37,11 +37,15 @@ struct CommonForm {
 /// Appends what `cell_of` makes of each row to `out`, which has room for all; `none` stands for kNoRow.
 template <class Cell, class CellOf>
 void append(std::vector<Cell>& out, RowRange rows, const Cell& none, WorkWatch& watch, CellOf cell_of) {
-    watch.inPieces(rows.size(), [&](std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i < end; ++i) {
-            const RowId row = rows[i];
-            out.push_back(row != kNoRow ? cell_of(row) : none);
-        }
+    const std::size_t first = out.size();
+    out.resize(first + rows.size(), none);
+    rows.visit([&](auto row_at) {
+        watch.inPieces(rows.size(), [&](std::size_t begin, std::size_t end) {
+            for (std::size_t i = begin; i < end; ++i) {
+                if (const RowId row = row_at(i); row != kNoRow)
+                    out[first + i] = cell_of(row);
+            }
+        });
     });
 }
 

@@ -60,18 +60,23 @@ RowPairs pair_rows(RowRange left, RowRange right, const MatchKeys& keys, JoinKin
     const bool keeps = kind != JoinKind::inner;
     RowPairs pairs;
     pairs.fromLeft = count_pairs(keys, matches, keeps);
-    pairs.left.reserve(pairs.fromLeft);
-    pairs.right.reserve(pairs.fromLeft);
+    pairs.left.resize(pairs.fromLeft);
+    pairs.right.resize(pairs.fromLeft, kNoRow);
+    constexpr std::size_t kPiece = std::size_t{1} << 17; // a key may have many rows on both sides
+    std::size_t next = 0;
+    std::size_t asked = 0;
     watch.inPieces(left.size(), [&](std::size_t begin, std::size_t end) {
         for (std::size_t i = begin; i < end; ++i) {
             const auto found = matches.of(keys.left[i]);
             for (const RowId row : found) {
-                pairs.left.push_back(left[i]);
-                pairs.right.push_back(row);
+                pairs.left[next] = left[i];
+                pairs.right[next++] = row;
             }
-            if (keeps && found.empty()) {
-                pairs.left.push_back(left[i]);
-                pairs.right.push_back(kNoRow);
+            if (keeps && found.empty())
+                pairs.left[next++] = left[i];
+            if (next - asked > kPiece) {
+                watch.step(0);
+                asked = next;
             }
         }
     });

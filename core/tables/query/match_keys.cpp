@@ -56,9 +56,11 @@ struct Sides {
 template <class KeyOf>
 void store_keys(std::vector<std::uint32_t>& keys, RowRange rows, WorkWatch& watch, KeyOf key_of) {
     keys.resize(rows.size());
-    watch.inPieces(rows.size(), [&](std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i < end; ++i)
-            keys[i] = key_of(rows[i]);
+    rows.visit([&](auto row_at) {
+        watch.inPieces(rows.size(), [&](std::size_t begin, std::size_t end) {
+            for (std::size_t i = begin; i < end; ++i)
+                keys[i] = key_of(row_at(i));
+        });
     });
 }
 

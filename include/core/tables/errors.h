@@ -61,7 +61,7 @@ inline constexpr const char* kNeverEqual = "IDS_VT_NEVER_EQUAL";
 inline constexpr const char* kColumnsDiffer = "IDS_VT_COLUMNS_DIFFER";
 /// A result would have more rows than a table can; {0} is how many.
 inline constexpr const char* kTooManyRows = "IDS_VT_TOO_MANY_ROWS";
-/// An element of an array is no row; {0} is its position from 1, {1} its type.
+/// An element of an array cannot be a row; {0} is its position from 1, {1} its type.
 inline constexpr const char* kNotARow = "IDS_VT_NO_ROW";
 /// A row is given more values than there are columns; {0} is its position from 1, {1} the values, {2} the
 /// columns.

@@ -14,7 +14,7 @@ namespace core {
 /// those of the first columns. Cells that nothing is given for have the defaults of their columns.
 ///
 /// Whatever a cell cannot keep is added to `losses`; where these are null, it throws ConversionException,
-/// which names the first cells. Throws ContextException: "IDS_VT_NO_ROW" for an element that is no row,
+/// which names the first cells. Throws ContextException: "IDS_VT_NO_ROW" for an element that is not a row,
 /// "IDS_VT_MORE_VALUES" for an array that is longer than a row, "IDS_PARAMETER_N_TYPE_MISMATCH" for `rows` of
 /// another type or a table of another library.
 CORE_API void add_rows(IValueTable& table, const Value& rows, Losses* losses = nullptr);

@@ -5,13 +5,16 @@
 #include <core/tables/value_table.h>
 #include <core/tables/value_tree.h>
 
+#include <vector>
+
 /// Tables whose rows say which row they are below, made trees, and trees made tables.
 ///
-/// A tree becomes a table in which each row comes before those below it. All functions return a new object,
-/// owned by the caller, leave what they are given as it is, and throw ContextException:
-/// "IDS_VT_UNKNOWN_COLUMN_ERROR" for a column that is not there, "IDS_VT_COLUMNS_NOT_UNIQUE" for a name that
-/// two columns would have, "IDS_PARAMETER_N_TYPE_MISMATCH" for a table or a tree of another library;
-/// ThreadDeath when they are stopped. Rows are counted from 1 in messages.
+/// A tree becomes a table in which each row comes before those below it. All functions but group_tree()
+/// return a new object, owned by the caller, and leave what they are given as it is. All throw
+/// ContextException: "IDS_VT_UNKNOWN_COLUMN_ERROR" for a column that is not there,
+/// "IDS_VT_COLUMNS_NOT_UNIQUE" for a name that two columns would have, "IDS_PARAMETER_N_TYPE_MISMATCH" for a
+/// table or a tree of another library; ThreadDeath when they are stopped. Rows are counted from 1 in
+/// messages.
 namespace core {
 
 /// Returns the tree of a table whose column `parent` holds, for each row, what the row above it has in the
@@ -49,5 +52,18 @@ tree_by_level(IValueTableBaseRO& table, wstring_view level = u"Level", const Tab
 /// Returns the table of a tree with a first column `level`, 0 in topmost rows. Throws as said above.
 [[nodiscard]] CORE_API InterfacePtr<IValueTable>
 table_by_level(IValueTree& tree, wstring_view level = u"Level", const TableWork& work = {});
+
+/// Returns a copy of a tree with some of its columns; no columns stand for all. Throws as said above, and
+/// ContextException ("IDS_VT_COLUMNS_NOT_UNIQUE") for a column that comes twice.
+[[nodiscard]] CORE_API InterfacePtr<IValueTree>
+copy_tree(IValueTree& tree, const std::vector<wstring>& columns = {}, const TableWork& work = {});
+/// Collapses a tree to the group columns and the total columns, as IValueTable::groupBy() does with a table:
+/// below each row, those that are equal in all group columns become one with the sums of their cells in the
+/// total columns; all rows below them are grouped in turn. Objects of rows are detached. Throws as
+/// copy_tree() does, and ContextException: "IDS_VT_GROUPBY_INTERSECT_ERROR" for a column in both lists,
+/// "IDS_VT_GROUPBY_NO_COLUMN_ERROR" for no column, "IDS_VT_TOTAL_OF_TEXTS" for a total of texts; nothing has
+/// changed then.
+CORE_API void group_tree(IValueTree& tree, const std::vector<wstring>& columns,
+                         const std::vector<wstring>& totals = {}, const TableWork& work = {});
 
 } // namespace core
