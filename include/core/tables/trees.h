@@ -9,8 +9,8 @@
 
 /// Tables whose rows say which row they are below, made trees, and trees made tables.
 ///
-/// A tree becomes a table in which each row comes before those below it. All functions but group_tree()
-/// return a new object, owned by the caller, and leave what they are given as it is. All throw
+/// A tree becomes a table in which each row comes before those below it. All functions except
+/// group_tree() return a new object, owned by the caller, and leave what they are given as it is. All throw
 /// ContextException: "IDS_VT_UNKNOWN_COLUMN_ERROR" for a column that is not there,
 /// "IDS_VT_COLUMNS_NOT_UNIQUE" for a name that two columns would have, "IDS_PARAMETER_N_TYPE_MISMATCH" for a
 /// table or a tree of another library; ThreadDeath when they are stopped. Rows are counted from 1 in
