@@ -13,8 +13,6 @@ namespace core {
                                                          std::size_t count, Losses losses);
 /// Returns the data of a table, borrowed from it; null for a table that is not one of this library.
 [[nodiscard]] const TableData* table_data_of(IValueTableBaseRO& table);
-/// The same, to be changed.
-[[nodiscard]] TableData* table_data_of(IValueTable& table);
 /// Returns the data of a table that is one of this library. Throws ContextException
 /// ("IDS_PARAMETER_N_TYPE_MISMATCH") for any other.
 [[nodiscard]] const TableData& own_table(IValueTableBaseRO& table, int param);
