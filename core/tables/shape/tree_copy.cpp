@@ -15,8 +15,8 @@ struct Siblings {
 
 /// The rows of each group, in their order.
 std::vector<std::vector<RowId>> rows_of_groups(std::span<const RowId> rows,
-                                               std::span<const CellColumn* const> columns) {
-    const RowGroups groups = group_rows(RowRange(rows), columns);
+                                               std::span<const CellColumn* const> columns, WorkWatch& watch) {
+    const RowGroups groups = group_rows(RowRange(rows), columns, watch);
     std::vector<std::vector<RowId>> byGroup(groups.firstRows.size());
     for (std::size_t i = 0; i < rows.size(); ++i)
         byGroup[groups.groups[i]].push_back(rows[i]);
@@ -73,14 +73,14 @@ void group_tree(const TableData& from, std::span<const std::size_t> groupColumns
         info.domain = domain_of_totals(info.domain);
         tree.insertColumn(tree.columnCount(), std::move(info));
     }
-    watch.expect(all.size());
+    watch.expect(all.size() * (keys.size() + 1));
     std::vector<Siblings> ahead;
     ahead.push_back({kNoRow, from.rows().rows()});
     std::vector<Value> cells;
     while (!ahead.empty()) {
         const Siblings siblings = std::move(ahead.back());
         ahead.pop_back();
-        for (const std::vector<RowId>& rows : rows_of_groups(siblings.rows, keys)) {
+        for (const std::vector<RowId>& rows : rows_of_groups(siblings.rows, keys, watch)) {
             cells.clear();
             for (const CellColumn* const key : keys)
                 cells.push_back(key->get(rows.front()));
