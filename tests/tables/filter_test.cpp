@@ -238,10 +238,9 @@ TEST_F(Filters, AreTakenByTables) {
     EXPECT_EQ(call(call(table, u"Find", {filter}), u"Get", {u"Price"}), Value(Numeric::fromScaled(1250, 2)));
     EXPECT_TRUE(call(table, u"Find", {make(u"Filter", {u"Price > 1000"})}).isUndefined());
     EXPECT_EQ(content(call(table, u"Copy", {filter, u"Region, Price"})), u"Юг,12.5;в \"кавычках\",99;");
-    EXPECT_TRUE(call(table, u"Total", {u"Price", u"Price > 10"}).equals(Numeric::fromScaled(11150, 2)));
     EXPECT_TRUE(call(table, u"Total", {u"Price * Quantity"}).equals(Numeric::fromScaled(750, 2)));
-    EXPECT_TRUE(call(table, u"Total", {u"Quantity", filter}).equals(1));
-    EXPECT_TRUE(call(table, u"Total", {u"Max(Price * Quantity)", u"Paid"}).equals(30));
+    EXPECT_TRUE(call(call(table, u"Copy", {filter}), u"Total", {u"Quantity"}).equals(1));
+    EXPECT_TRUE(call(call(table, u"Copy", {u"Paid"}), u"Total", {u"Max(Price * Quantity)"}).equals(30));
     EXPECT_TRUE(total_rows(*table.query<IValueTable>(), u"Price * Quantity", u"Paid").equals(-5));
 
     const GenericValue first = call(table, u"Get", {0});

@@ -53,7 +53,7 @@ TEST_F(Structures, AndTablesAreTheSame) {
 
 TEST_F(Structures, ThatDoNotFitAddNothing) {
     const GenericValue table = typed_table();
-    call(table, u"Add", {u"pear", 1.5});
+    call(table, u"AddRow", {u"pear", 1.5});
     const GenericValue before = text(table);
     const auto refused = [&](const GenericValue& rows) {
         const wstring why = failure<Exception>([&] { call(table, u"AddRows", {rows}); });
@@ -78,23 +78,23 @@ TEST_F(Structures, ThatDoNotFitAddNothing) {
 
 TEST_F(Structures, ValuesAreTheCellsOfARow) {
     const GenericValue table = typed_table();
-    EXPECT_EQ(property(call(table, u"Add", {u"pear", 1.5}), u"Price").presentation(), u"1.5");
+    EXPECT_EQ(property(call(table, u"AddRow", {u"pear", 1.5}), u"Price").presentation(), u"1.5");
     call(table, u"Добавить", {u"plum"});
     call(table, u"Add");
     EXPECT_EQ(content(table), u"pear,1.5;plum,0;,0;");
     EXPECT_EQ(failure<ConversionException>([&] {
-                  call(table, u"Add", {u"fig", u"abc"});
+                  call(table, u"AddRow", {u"fig", u"abc"});
               }),
               u"Row 4, column Price: “abc” is not a number.");
     EXPECT_EQ(failure([&] {
-                  call(table, u"Add", {u"fig", 1, 2});
+                  call(table, u"AddRow", {u"fig", 1, 2});
               }),
               message_text("IDS_VT_MORE_VALUES", {u"4", u"3", u"2"}));
     EXPECT_TRUE(call(table, u"Count").equals(3));
     const GenericValue tree = make(u"ValueTree");
     call(property(tree, u"Columns"), u"Add", {u"A"});
-    const GenericValue row = call(property(tree, u"Rows"), u"Add", {1});
-    EXPECT_EQ(property(call(property(row, u"Rows"), u"Add", {2}), u"A").presentation(), u"2");
+    const GenericValue row = call(property(tree, u"Rows"), u"AddRow", {1});
+    EXPECT_EQ(property(call(property(row, u"Rows"), u"AddRow", {2}), u"A").presentation(), u"2");
 }
 
 } // namespace

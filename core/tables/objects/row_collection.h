@@ -75,7 +75,8 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
             parameter_type_mismatch(0);
         return row_argument(data(), parent(), arguments[0], 0);
     }
-    GenericValue callAdd(std::span<GenericValue> arguments) {
+    GenericValue callAdd(std::span<GenericValue>) { return inserted(rows().size()); }
+    GenericValue callAddRow(std::span<GenericValue> arguments) {
         return inserted(rows().size(), fitted_cells(data(), arguments));
     }
     GenericValue callInsert(std::span<GenericValue> arguments) {
@@ -110,7 +111,7 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
     }
     GenericValue callTotal(std::span<GenericValue> arguments) {
         if constexpr (!T::kHierarchical)
-            return filtered_total(data(), arguments[0], arguments[1]);
+            return filtered_total(data(), arguments[0], {});
         const RowList list(data(), parent(), subordinates(arguments, 1));
         return call_total(data(), list.range(), arguments[0]);
     }
@@ -139,7 +140,6 @@ namespace detail {
 inline constexpr Param kFind[] = {kValueParam, kAnyColumnsParam, kDeepParam};
 inline constexpr Param kFindRows[] = {named_param(kFilterName), kDeepParam};
 inline constexpr Param kTotal[] = {named_param(kColumnName), kDeepParam};
-inline constexpr Param kFlatTotal[] = {named_param(kColumnName), named_param(kFilterName, kUndefinedDefault)};
 inline constexpr Param kFlatSort[] = {kColumnsParam, kComparisonParam};
 inline constexpr Param kHierarchicalSort[] = {kColumnsParam, kDeepParam, kComparisonParam};
 inline constexpr Param kMoveRow[] = {named_param(kRowName), named_param(kOffsetName)};
@@ -161,14 +161,13 @@ constexpr std::array<Method<T>, 14> RowCollection<T, Is...>::rowMethods() noexce
     constexpr bool deep = T::kHierarchical;
     constexpr auto find = std::span<const Param>(detail::kFind).first(deep ? 3 : 2);
     constexpr auto findRows = std::span<const Param>(detail::kFindRows).first(deep ? 2 : 1);
-    constexpr auto total =
-        deep ? std::span<const Param>(detail::kTotal) : std::span<const Param>(detail::kFlatTotal);
+    constexpr auto total = std::span<const Param>(detail::kTotal).first(deep ? 2 : 1);
     constexpr auto sort =
         deep ? std::span<const Param>(detail::kHierarchicalSort) : std::span<const Param>(detail::kFlatSort);
     return {{
         {kCollectTermCount, required(0), kFunction, &RowCollection::callCount, &kNumberType},
         {kCollectTermIndexOf, kOfRow, kFunction, &RowCollection::callIndexOf, &kNumberType},
-        {kCollectTermAdd, kOfCells, kFunction, &RowCollection::callAdd, T::script.elements},
+        {kCollectTermAdd, required(0), kFunction, &RowCollection::callAdd, T::script.elements},
         {kCollectTermInsert, kOfIndex, kFunction, &RowCollection::callInsert, T::script.elements},
         {kCollectTermRemove, kOfRow, kProcedure, &RowCollection::callDelete},
         {kCollectTermClear, required(0), kProcedure, &RowCollection::callClear},

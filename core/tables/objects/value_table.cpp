@@ -366,6 +366,7 @@ std::span<const Method<ValueTable>> ValueTable::methods() noexcept {
             {kAddWindowMethodTerm, kAddWindow, kProcedure, &ValueTable::callAddWindow},
             {kFilterMethodTerm, kFilter, kProcedure, &ValueTable::callFilter},
             {kAddColumnMethodTerm, kAddColumn, kProcedure, &ValueTable::callAddColumn},
+            {kAddRowMethodTerm, kOfCells, kFunction, &ValueTable::callAddRow, script.elements},
         }));
     static constexpr auto kMethods =
         detail::joined(detail::joined(kOwn, combiningMethods()), shapingMethods());

@@ -211,7 +211,10 @@ const ScriptTypeEntry<ValueTreeRowCollection> kCollectionEntry;
 } // namespace
 
 std::span<const Method<ValueTreeRowCollection>> ValueTreeRowCollection::methods() noexcept {
-    static constexpr auto kMethods = rowMethods();
+    static constexpr auto kMethods =
+        detail::joined(rowMethods(), std::to_array<Method<ValueTreeRowCollection>>(
+                                         {{kAddRowMethodTerm, kOfCells, kFunction,
+                                           &ValueTreeRowCollection::callAddRow, script.elements}}));
     return kMethods;
 }
 

@@ -101,6 +101,8 @@ inline constexpr Term kPivotMethodTerm = {u"Pivot", u"Повернуть"};
 inline constexpr Term kUnpivotMethodTerm = {u"Unpivot", u"ПовернутьОбратно"};
 /// Adds columns that are computed over neighbouring rows.
 inline constexpr Term kAddWindowMethodTerm = {u"AddWindow", u"ДобавитьОкно"};
+/// Adds a row with the given cells.
+inline constexpr Term kAddRowMethodTerm = {u"AddRow", u"ДобавитьСтроку"};
 /// Adds rows of another table or of an array.
 inline constexpr Term kAddRowsMethodTerm = {u"AddRows", u"ДобавитьСтроки"};
 /// Gives the rows as an array of structures.
