@@ -55,7 +55,8 @@ std::map<std::uint64_t, NodeRef> StorageEngine::freeLeaves(const NodeRef& root) 
                      until_of(*node, row, until));
         }
     };
-    add(add, root, freeNodes_.load(root), {});
+    constexpr Until<FreeRows> kNoLimit;
+    add(add, root, freeNodes_.load(root), kNoLimit);
     return leaves;
 }
 

@@ -155,8 +155,9 @@ TEST(DiskScheme, WhatReplacesAFileKeepsItsPermissions) {
         fs::permissions(path, permissions);
         system->writeFile(file_url(path), [&](IFile& file) {
             for (const auto& entry : fs::directory_iterator(fs::path(path).parent_path())) {
-                if (entry.path() != path) // where a file cannot be without a name
+                if (entry.path() != path) { // where a file cannot be without a name
                     EXPECT_EQ(entry.status().permissions(), fs::perms(0600)) << "not to be read meanwhile";
+                }
             }
             write(file);
         });

@@ -14,8 +14,8 @@ using ColumnId = std::int32_t;
 /// What a column is, without its cells.
 struct ColumnInfo {
     wstring name;
-    TypeDomain domain;
-    LocalWString title; ///< empty for the name
+    TypeDomain domain{};
+    LocalWString title{}; ///< empty for the name
     std::int32_t width = 0;
 
     /// Returns the title, and the name for the languages that have none.

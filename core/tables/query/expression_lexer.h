@@ -13,10 +13,10 @@ enum class ExpressionTokenKind : std::uint8_t { end, name, number, text, date, p
 struct ExpressionToken {
     ExpressionTokenKind kind = ExpressionTokenKind::end;
     ExpressionWord word = ExpressionWord::none; ///< of a name without brackets
-    ExpressionPlace place;
+    ExpressionPlace place{};
     /// A name without its brackets, a parameter without "&", a text or a date without its quotes, inner ones
     /// still doubled.
-    wstring_view text;
+    wstring_view text{};
 };
 
 /// Cuts the text of an expression into tokens. The text is borrowed.

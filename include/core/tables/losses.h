@@ -33,8 +33,8 @@ enum class LossReason : std::int32_t {
 struct Loss {
     std::size_t row = 0;    ///< the position of the row in the table
     std::uint64_t line = 0; ///< where the row begins in its file, from 1; 0 where there is no file
-    wstring column;         ///< the name of the column; empty where no column is meant
-    wstring text;           ///< what was given, as text
+    wstring column{};       ///< the name of the column; empty where no column is meant
+    wstring text{};         ///< what was given, as text
     LossReason reason = LossReason::notOfType; ///< why it was not kept
 };
 
