@@ -79,9 +79,12 @@ TEST_F(TypedMembers, OfTables) {
         {u"TreeByPath", typed<&tree_by_path>},
         {u"TreeByLevel", typed<&tree_by_level>},
     };
-    const GenericValue table = make(u"ValueTable");
-    expect_typed(table, kTable);
+    expect_typed(make(u"ValueTable"), kTable);
+}
 
+TEST_F(TypedMembers, OfIndexesAndRows) {
+    using T = IValueTable;
+    const GenericValue table = make(u"ValueTable");
     static constexpr Member kIndexes[] = {
         {u"Add", typed<&T::addIndex>},       {u"Delete", typed<&T::removeIndex>},
         {u"Clear", typed<&T::clearIndexes>}, {u"Count", typed<&T::indexCount>},
