@@ -190,10 +190,11 @@ TEST_P(DamagedTree, SalvageFindsWhatIsBelowADamagedNode) {
         for (const SalvagedFile& file : report.files)
             ADD_FAILURE() << to_utf8(file.text());
         for (std::size_t i = 0; i < kFiles; ++i) {
-            if (i >= first && i < first + 4)
+            if (i >= first && i < first + 4) {
                 EXPECT_FALSE(target.contains(names_[i]));
-            else if (lost == 0)
+            } else if (lost == 0) {
                 EXPECT_EQ(target.get(names_[i]), content(i));
+            }
         }
     };
     salvaged(0);
@@ -233,8 +234,9 @@ TEST_P(DamagedTree, RowsThatBelongElsewhereAreNotMixedWithOthers) {
             StorageRW storage(test::open_fault_file(disk), layout_);
             storage.remove(name);
             sound.erase(name);
-            if (step % 40 == 0)
+            if (step % 40 == 0) {
                 ASSERT_EQ(soundFiles(disk), sound) << "leaf " << i;
+            }
         }
         ASSERT_EQ(soundFiles(disk), sound) << "leaf " << i;
         i += i / 4;

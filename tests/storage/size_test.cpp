@@ -187,10 +187,12 @@ TEST_P(Sizes, AChangeByOthersCostsWhatChanged) {
                 writer.put(name, model[name] = Bytes(random.below(1500), static_cast<std::byte>(round)));
             }
         }
-        if (round > 10 && round % 50 != 49)
+        if (round > 10 && round % 50 != 49) {
             EXPECT_LT(memory.bytes(), std::size_t{200} << 10) << "round " << round;
-        if (round % 50 == 40)
+        }
+        if (round % 50 == 40) {
             EXPECT_TRUE(open().check().isClean()) << "round " << round;
+        }
     }
     EXPECT_GT(open().info().freeRanges, 1000U);
     writers[0].compact();

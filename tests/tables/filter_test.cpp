@@ -205,8 +205,9 @@ TEST_F(Filters, AreValues) {
     for (const Filter& filter : {cheap, north, odd, Filter(), Filter::where(u"A", u"Like", u"a\"%")}) {
         const GenericValue value = to_value(filter);
         EXPECT_EQ(from_value<Filter>(value), filter);
-        if (filter != odd) // an array is not equal to another one
+        if (filter != odd) { // an array is not equal to another one
             EXPECT_TRUE(GenericValue::fromString(text(value)).equals(value)) << to_utf8(filter.text());
+        }
         EXPECT_EQ(from_value<Filter>(GenericValue::fromBytes(value.toBytes())).text(), filter.text());
     }
     EXPECT_FALSE(cheap == north);

@@ -38,7 +38,7 @@ void sort_rows(TableData& data, RowId parent, bool subordinates, const Value& co
 /// Returns the cells of a column in the rows below a parent.
 [[nodiscard]] std::vector<Value> column_values(const TableData& data, RowId parent, std::size_t column);
 
-/// The methods 0 to 13 that a value table and the row collections of a value tree share. `T` has
+/// The methods 0 to 13, and AddRow, that a value table and the row collections of a value tree share. `T` has
 /// data() and parent(). With T::kHierarchical, four methods have a parameter that says whether subordinate
 /// rows are included.
 template <class T, class... Is>
@@ -50,6 +50,10 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
     ~RowCollection() = default;
 
     [[nodiscard]] static constexpr std::array<Method<T>, 14> rowMethods() noexcept;
+
+    GenericValue callAddRow(std::span<GenericValue> arguments) {
+        return inserted(rows().size(), fitted_cells(data(), arguments));
+    }
 
   private:
     [[nodiscard]] T& self() noexcept { return static_cast<T&>(*this); }
@@ -76,9 +80,6 @@ class RowCollection : public ScriptObject<T, IValueCollection, Is...> {
         return row_argument(data(), parent(), arguments[0], 0);
     }
     GenericValue callAdd(std::span<GenericValue>) { return inserted(rows().size()); }
-    GenericValue callAddRow(std::span<GenericValue> arguments) {
-        return inserted(rows().size(), fitted_cells(data(), arguments));
-    }
     GenericValue callInsert(std::span<GenericValue> arguments) {
         const std::size_t position = position_argument(arguments[0], 0, rows().size(), IndexBound::insertion);
         return inserted(position);
