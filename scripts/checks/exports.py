@@ -43,8 +43,9 @@ def exported():
     if code:
         raise SystemExit(output)
     lines = tree.run("nm", "--dynamic", "--defined-only", "--demangle", LIBRARY)[1].splitlines()
-    # Weak symbols of the standard library's own templates are in every C++ object.
-    names = {short(line.split(" ", 2)[2]) for line in lines if line.count(" ") >= 2}
+    # Weak symbols of the standard library's own templates, and of types that have no name of ours, are in every C++ object.
+    symbols = [line.split(" ", 2)[2] for line in lines if line.count(" ") >= 2]
+    names = {short(symbol) for symbol in symbols if "core::" in symbol or not symbol.startswith("typeinfo")}
     return sorted(name for name in names if not name.startswith(("std::", "__gnu_cxx::", "operator")))
 
 

@@ -79,7 +79,7 @@ TEST_F(Structures, ThatDoNotFitAddNothing) {
 TEST_F(Structures, ValuesAreTheCellsOfARow) {
     const GenericValue table = typed_table();
     EXPECT_EQ(property(call(table, u"AddRow", {u"pear", 1.5}), u"Price").presentation(), u"1.5");
-    call(table, u"Добавить", {u"plum"});
+    call(table, u"ДобавитьСтроку", {u"plum"});
     call(table, u"Add");
     EXPECT_EQ(content(table), u"pear,1.5;plum,0;,0;");
     EXPECT_EQ(failure<ConversionException>([&] {
