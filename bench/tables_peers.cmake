@@ -3,4 +3,3 @@ find_package(Qt5Core REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET sqlite3)
 target_link_libraries(bench_tables PRIVATE Qt5::Core PkgConfig::SQLITE)
-target_compile_definitions(bench_tables PRIVATE QT_NO_KEYWORDS) # "signals" is the name of a parameter of ours

@@ -23,8 +23,8 @@ constexpr detail::NamedKind kSemaphoreKind{2, sizeof(SharedSemaphore), &init_sem
 
 } // namespace
 
-NamedSemaphore::NamedSemaphore(const wstring& name, std::uint32_t signals)
-    : memory_(std::make_unique<detail::NamedMemory>(name, kSemaphoreKind, signals)) {}
+NamedSemaphore::NamedSemaphore(const wstring& name, std::uint32_t initial)
+    : memory_(std::make_unique<detail::NamedMemory>(name, kSemaphoreKind, initial)) {}
 
 NamedSemaphore::~NamedSemaphore() = default;
 

@@ -60,9 +60,9 @@ class CORE_API NamedMutex {
 /// Any thread may call it. A stop ends a wait within 20 ms.
 class CORE_API NamedSemaphore {
   public:
-    /// Opens the semaphore of that name; makes it with `signals` signals if it does not exist. Throws as the
+    /// Opens the semaphore of that name; makes it with `initial` signals if it does not exist. Throws as the
     /// constructor of NamedMutex does.
-    explicit NamedSemaphore(const wstring& name, std::uint32_t signals = 0);
+    explicit NamedSemaphore(const wstring& name, std::uint32_t initial = 0);
     NamedSemaphore(const NamedSemaphore&) = delete;
     NamedSemaphore& operator=(const NamedSemaphore&) = delete;
     /// Closes it.
