@@ -196,7 +196,9 @@ PieceTree PieceTree::followedBy(const PieceTree& text) const {
 }
 
 PieceTree PieceTree::part(std::uint64_t offset, std::uint64_t count) const {
-    return PieceTree(cut(cut(root_, offset).right, count).left);
+    std::vector<Piece> pieces;
+    collect(root_.get(), offset, offset + count, pieces);
+    return PieceTree(pieces);
 }
 
 PieceTree PieceTree::replaced(std::span<const Splice> splices) const {
