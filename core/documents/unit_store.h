@@ -65,6 +65,12 @@ class Held {
     Held() noexcept = default;
     /// Takes over a reference.
     explicit Held(T* taken) noexcept : object_(taken) {}
+    /// Adds a reference; `object` may be null.
+    [[nodiscard]] static Held share(T* object) noexcept {
+        if (object != nullptr)
+            object->hold();
+        return Held(object);
+    }
     Held(const Held& other) noexcept : object_(other.object_) {
         if (object_ != nullptr)
             object_->hold();

@@ -19,6 +19,7 @@ BELOW = {
     "context": ["types"],
     "collections": ["context"],
     "objects": ["collections"],
+    "documents": ["objects"],
     "descriptions": ["objects"],
     "tables": ["descriptions"],
     "exchange": ["tables"],
