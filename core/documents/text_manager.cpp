@@ -71,11 +71,11 @@ void TextManager::replace(std::span<const TextReplacement> replacements) {
 
 namespace {
 
-/// The end for a line that is put in front of line `line`.
+/// The end for a line that is put in front of line `line`: that of the nearest line in front that has one.
 [[nodiscard]] wstring_view end_near(const TextSnapshot& text, std::uint64_t line) {
     LineEnd end = text.lineEnd(line > 0 ? line - 1 : 0);
-    if (end == LineEnd::none)
-        end = text.lineEnd(0);
+    if (end == LineEnd::none && line > 1) // the last line has none
+        end = text.lineEnd(line - 2);
     return line_end_text(end == LineEnd::none ? LineEnd::lf : end);
 }
 

@@ -65,7 +65,7 @@ class CORE_API TextManager {
     /// any order; DocumentException is thrown when they overlap.
     void replace(std::span<const TextReplacement> replacements);
     /// Inserts a line in front of a line; the line behind the last one is the end of the text. It is ended as
-    /// the line in front of it is, or else as the first line is, with LF where neither has an end.
+    /// the lines in front of it are, with LF where none has an end.
     void insertLine(std::uint64_t line, wstring_view text);
     /// Puts a text in the place of a line; its end stays.
     void replaceLine(std::uint64_t line, wstring_view text);

@@ -13,7 +13,7 @@ namespace core {
 enum class TextQueryKind : std::int32_t {
     exact = 0,      ///< unit by unit
     ignoreCase = 1, ///< capital and small letters are equal
-    regex = 2,      ///< a regular expression
+    regex = 2,      ///< a regular expression; ^ and $ match at each line
 };
 
 /// What is looked for in a text.
