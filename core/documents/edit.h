@@ -9,8 +9,8 @@
 
 namespace core::detail {
 
-/// The replacement of `count` units at `offset`, after which marks go to where they are said to be. Applying one
-/// gives the edit that takes it back.
+/// The replacement of `count` units at `offset`, after which marks go to where they are said to be. Applying
+/// one gives the edit that takes it back.
 struct Edit {
     std::uint64_t offset = 0;
     std::uint64_t count = 0;

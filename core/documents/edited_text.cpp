@@ -55,7 +55,8 @@ PieceTree EditedText::replaceEach(const EditStep& step, bool backwards, std::vec
     PieceTree text = tree_;
     for (std::size_t i = 0; i < step.edits.size(); ++i) {
         const Edit& edit = edit_at(step, backwards, i);
-        inverse.push_back({edit.offset, edit.text.size(), text.replace(edit.offset, edit.count, edit.text), {}});
+        inverse.push_back(
+            {edit.offset, edit.text.size(), text.replace(edit.offset, edit.count, edit.text), {}});
     }
     return text;
 }

@@ -30,8 +30,8 @@ class EditedText {
     /// Stores a text of any length, to be inserted. Throws std::bad_alloc.
     [[nodiscard]] PieceTree store(wstring_view text);
 
-    /// Inserts a piece without taking memory, when it goes on where the units in front of it were stored and no
-    /// snapshot shares them; returns whether it did.
+    /// Inserts a piece without taking memory, when it goes on where the units in front of it were stored and
+    /// no snapshot shares them; returns whether it did.
     bool extend(std::uint64_t offset, const Piece& piece) noexcept;
     /// Makes the edits of a step, from the first to the last or `backwards`, and returns those that take them
     /// back, in the order in which they were made. Throws std::bad_alloc; nothing has changed then.
@@ -40,7 +40,8 @@ class EditedText {
     void assign(PieceTree text) noexcept;
 
   private:
-    [[nodiscard]] PieceTree replaceEach(const EditStep& step, bool backwards, std::vector<Edit>& inverse) const;
+    [[nodiscard]] PieceTree replaceEach(const EditStep& step, bool backwards,
+                                        std::vector<Edit>& inverse) const;
     [[nodiscard]] PieceTree replaceTogether(const EditStep& step, bool backwards,
                                             std::vector<Edit>& inverse) const;
 

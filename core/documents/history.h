@@ -62,7 +62,7 @@ class History {
     bool grouped_ = false; ///< whether the open group has a step already
     bool open_ = false;    ///< whether an edit may join the last step
     std::uint64_t serial_ = 0;
-    std::uint64_t base_ = 0;                ///< the state in front of the first step
+    std::uint64_t base_ = 0;                 ///< the state in front of the first step
     std::optional<std::uint64_t> saved_ = 0; ///< the state that was saved; nothing when it cannot come back
 };
 

@@ -85,8 +85,8 @@ void MarkTree::removeUnits(std::uint64_t begin, std::uint64_t end) noexcept {
     std::uint32_t mark = firstFrom(begin, true);
     if (mark == kNone)
         return;
-    std::uint64_t old = offset(mark);   // where the mark stood
-    std::uint64_t taken = begin;        // up to where the removed units have been taken from the gaps
+    std::uint64_t old = offset(mark); // where the mark stood
+    std::uint64_t taken = begin;      // up to where the removed units have been taken from the gaps
     while (old < end) {
         addGap(mark, taken - old);
         taken = old;

@@ -9,9 +9,9 @@
 
 namespace core::detail {
 
-/// Marks of one gravity, in the order of their offsets. A mark knows how far it is behind the one in front, so
-/// that an insertion changes one mark, however many follow. A treap, balanced by random priorities; the marks
-/// are found by their index.
+/// Marks of one gravity, in the order of their offsets. A mark knows how far it is behind the one in front,
+/// so that an insertion changes one mark, however many follow. A treap, balanced by random priorities; the
+/// marks are found by their index.
 class MarkTree {
   public:
     static constexpr std::uint32_t kNone = 0xFFFF'FFFF;

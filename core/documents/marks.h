@@ -43,7 +43,8 @@ class Marks {
     [[nodiscard]] MarkTree& treeOf(TextMark mark) noexcept { return trees_[mark.number % 2]; }
     [[nodiscard]] const MarkTree& treeOf(TextMark mark) const noexcept { return trees_[mark.number % 2]; }
 
-    MarkTree trees_[2]; // by gravity; a mark's number is twice its index in its tree, and 1 for the second tree
+    MarkTree
+        trees_[2]; // by gravity; a mark's number is twice its index in its tree, and 1 for the second tree
 };
 
 } // namespace core::detail

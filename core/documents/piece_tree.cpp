@@ -275,8 +275,9 @@ std::uint64_t end_offset(const PieceNode* root, std::uint64_t number) noexcept {
         const UnitSum own = piece.sum();
         const std::uint32_t divided = behindCr && own.beginsLf ? 1 : 0; // this LF ends what the CR began
         if (number < own.ends - divided)
-            return base + piece.store->findEnd(piece.begin, piece.end,
-                                               static_cast<std::uint32_t>(number) + divided) -
+            return base +
+                   piece.store->findEnd(piece.begin, piece.end,
+                                        static_cast<std::uint32_t>(number) + divided) -
                    piece.begin;
         number -= own.ends - divided;
         base += own.units;

@@ -14,9 +14,9 @@ namespace core::detail {
 /// What is known of some units without looking at them.
 struct UnitSum {
     std::uint64_t units = 0;
-    std::uint64_t ends = 0;  ///< line ends, when the units stand alone
-    bool beginsLf = false;   ///< whether the first unit is LF
-    bool endsCr = false;     ///< whether the last unit is CR
+    std::uint64_t ends = 0; ///< line ends, when the units stand alone
+    bool beginsLf = false;  ///< whether the first unit is LF
+    bool endsCr = false;    ///< whether the last unit is CR
 };
 
 /// The sum of units that stand one behind the other: a CR and an LF that meet are one end.
@@ -88,7 +88,8 @@ class PieceNode {
 
 struct Splice;
 
-/// A text. A value: what changes it makes new nodes and leaves copies as they are. Offsets must be in the text.
+/// A text. A value: what changes it makes new nodes and leaves copies as they are. Offsets must be in the
+/// text.
 class PieceTree {
   public:
     PieceTree() noexcept = default;
@@ -107,11 +108,11 @@ class PieceTree {
     [[nodiscard]] PieceTree followedBy(const PieceTree& text) const;
     /// The units of a range. Throws std::bad_alloc.
     [[nodiscard]] PieceTree part(std::uint64_t offset, std::uint64_t count) const;
-    /// The text with each of the ranges replaced, which stand in ascending order and do not overlap. Looks at every
-    /// piece once, which is less than to cut for each when there are many. Throws std::bad_alloc.
+    /// The text with each of the ranges replaced, which stand in ascending order and do not overlap. Looks at
+    /// every piece once, which is less than to cut for each when there are many. Throws std::bad_alloc.
     [[nodiscard]] PieceTree replaced(std::span<const Splice> splices) const;
-    /// Makes the piece that ends at `offset` longer by `more`, when it continues there and nobody else sees the
-    /// nodes on the way to it; returns whether it did. This is what typing does.
+    /// Makes the piece that ends at `offset` longer by `more`, when it continues there and nobody else sees
+    /// the nodes on the way to it; returns whether it did. This is what typing does.
     bool extend(std::uint64_t offset, const Piece& more) noexcept;
 
   private:

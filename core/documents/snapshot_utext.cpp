@@ -61,8 +61,7 @@ std::int32_t U_CALLCONV extract(UText* text, std::int64_t begin, std::int64_t en
     for (std::int64_t done = 0; done < copied;) {
         const auto at = static_cast<std::uint64_t>(first + done);
         const UnitRun run = run_at(snapshot.root(), at);
-        const wstring_view units =
-            run.text.substr(at - run.offset, static_cast<std::size_t>(copied - done));
+        const wstring_view units = run.text.substr(at - run.offset, static_cast<std::size_t>(copied - done));
         std::copy(units.begin(), units.end(), out + done);
         done += static_cast<std::int64_t>(units.size());
     }

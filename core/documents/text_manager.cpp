@@ -112,8 +112,7 @@ void TextManager::removeLines(std::uint64_t line, std::uint64_t count) {
 
 std::size_t TextManager::replaceAll(const TextQuery& query, wstring_view replacement) {
     TextSearch search(text(), query);
-    const PieceTree plain =
-        query.kind == TextQueryKind::regex ? PieceTree() : impl_->text.store(replacement);
+    const PieceTree plain = query.kind == TextQueryKind::regex ? PieceTree() : impl_->text.store(replacement);
     std::vector<Edit> edits;
     while (const auto match = search.next()) {
         PieceTree units =

@@ -77,7 +77,8 @@ void TextManager::Impl::make(EditStep step) {
 }
 
 void TextManager::Impl::makeTogether(std::vector<Edit> edits) {
-    // From the last to the first, so that none moves another one; of two at one offset the first stays in front.
+    // From the last to the first, so that none moves another one; of two at one offset the first stays in
+    // front.
     std::stable_sort(edits.begin(), edits.end(),
                      [](const Edit& a, const Edit& b) { return a.offset < b.offset; });
     bool disjoint = true;
@@ -147,7 +148,8 @@ void TextManager::Impl::reserveChanges(std::size_t count) {
         changes.reserve(std::max(changes.size() + count, changes.capacity() * 2));
 }
 
-void TextManager::Impl::note(const EditStep& step, bool backwards, const std::vector<Edit>& inverse) noexcept {
+void TextManager::Impl::note(const EditStep& step, bool backwards,
+                             const std::vector<Edit>& inverse) noexcept {
     if (owner.changed.connectionCount() == 0)
         return;
     for (std::size_t i = 0; i < inverse.size(); ++i) {
@@ -163,7 +165,8 @@ void TextManager::Impl::tell() {
         explicit Telling(Impl& impl) noexcept : impl(impl) { impl.telling = true; }
         ~Telling() {
             impl.telling = false;
-            impl.changes.erase(impl.changes.begin(), impl.changes.begin() + static_cast<std::ptrdiff_t>(told));
+            impl.changes.erase(impl.changes.begin(),
+                               impl.changes.begin() + static_cast<std::ptrdiff_t>(told));
         }
         Impl& impl;
         std::size_t told = 0;

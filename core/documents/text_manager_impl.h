@@ -25,7 +25,8 @@ struct TextManager::Impl {
     /// Takes back the last step, or makes the next one again.
     bool restore(bool undo);
 
-    [[nodiscard]] detail::EditKind kindOf(std::uint64_t offset, std::uint64_t count, wstring_view units) const;
+    [[nodiscard]] detail::EditKind kindOf(std::uint64_t offset, std::uint64_t count,
+                                          wstring_view units) const;
     void requireOffset(std::uint64_t offset) const;
     void requireRange(TextRange range) const;
     void requireMark(TextMark mark) const;
@@ -34,7 +35,8 @@ struct TextManager::Impl {
     /// Makes room for changes that are to be told. Throws std::bad_alloc.
     void reserveChanges(std::size_t count);
     /// Notes the changes of a step that has been made; `inverse` takes it back.
-    void note(const detail::EditStep& step, bool backwards, const std::vector<detail::Edit>& inverse) noexcept;
+    void note(const detail::EditStep& step, bool backwards,
+              const std::vector<detail::Edit>& inverse) noexcept;
     /// Tells the changes that wait, unless that is being done already.
     void tell();
 

@@ -102,8 +102,9 @@ std::vector<TextRange> TextManager::selection() const {
     for (const TextRange& range : ranges) {
         // Ranges that only touch stay two; an empty one that touches another is part of it.
         TextRange* const last = kept == 0 ? nullptr : &ranges[kept - 1];
-        const bool joins = last != nullptr && (range.begin < last->end || range == *last ||
-                                               (range.begin == last->end && (range.empty() || last->empty())));
+        const bool joins =
+            last != nullptr && (range.begin < last->end || range == *last ||
+                                (range.begin == last->end && (range.empty() || last->empty())));
         if (joins)
             last->end = std::max(last->end, range.end);
         else

@@ -110,8 +110,10 @@ class TextSearch::RegexEngine final : public Engine {
         UParseError place{};
         if (pattern.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
             throw_error<DocumentException>(messages::kTextQueryTooLong);
-        const std::uint32_t flags = UREGEX_MULTILINE | (literal ? std::uint32_t{UREGEX_CASE_INSENSITIVE} : 0U);
-        regex_.reset(uregex_open(pattern.data(), static_cast<std::int32_t>(pattern.size()), flags, &place, &code));
+        const std::uint32_t flags =
+            UREGEX_MULTILINE | (literal ? std::uint32_t{UREGEX_CASE_INSENSITIVE} : 0U);
+        regex_.reset(
+            uregex_open(pattern.data(), static_cast<std::int32_t>(pattern.size()), flags, &place, &code));
         if (code == U_MEMORY_ALLOCATION_ERROR)
             throw std::bad_alloc();
         if (U_FAILURE(code))

@@ -105,7 +105,8 @@ LineEnd TextSnapshot::kindAt(std::uint64_t end) const noexcept {
     default:
         break;
     }
-    const wstring_view next = at + 1 < run.text.size() ? run.text.substr(at + 1) : run_at(root_, end + 1).text;
+    const wstring_view next =
+        at + 1 < run.text.size() ? run.text.substr(at + 1) : run_at(root_, end + 1).text;
     return !next.empty() && next.front() == u'\n' ? LineEnd::crlf : LineEnd::cr;
 }
 
@@ -136,8 +137,7 @@ std::uint64_t TextSnapshot::lineOf(std::uint64_t offset) const {
     requireOffset(offset);
     const std::uint64_t ends = ends_before(root_, offset);
     // Between CR and LF the end has begun, and the line goes on.
-    const bool divided =
-        ends > 0 && offset < size() && unit(offset) == u'\n' && unit(offset - 1) == u'\r';
+    const bool divided = ends > 0 && offset < size() && unit(offset) == u'\n' && unit(offset - 1) == u'\r';
     return divided ? ends - 1 : ends;
 }
 

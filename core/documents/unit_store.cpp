@@ -9,8 +9,7 @@ namespace core::detail {
 UnitStore* UnitStore::create(std::uint32_t capacity, bool unicodeEnds) {
     // One block of memory: the store, the counts, the units.
     const std::size_t counts = capacity / kBlock + 1;
-    const std::size_t bytes =
-        sizeof(UnitStore) + counts * sizeof(std::uint32_t) + capacity * sizeof(wchar);
+    const std::size_t bytes = sizeof(UnitStore) + counts * sizeof(std::uint32_t) + capacity * sizeof(wchar);
     static_assert(sizeof(UnitStore) % alignof(std::uint32_t) == 0);
     auto* const memory = static_cast<std::byte*>(::operator new(bytes));
     auto* const first = reinterpret_cast<std::uint32_t*>(memory + sizeof(UnitStore));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What makes a step, what is saved, lines by number, the selection, what listeners see, what is refused; memory that
-// runs out at every point; snapshots that another thread reads.
+// What makes a step, what is saved, lines by number, the selection, what listeners see, what is refused;
+// memory that runs out at every point; snapshots that another thread reads.
 #include "tests/support/allocation_limit.h"
 #include "tests/support/bytes_in_use.h"
 
@@ -176,8 +176,12 @@ TEST(TextManager, RefusesWhatTheTextDoesNotHave) {
 TEST(TextManager, AFailedEditLeavesEverythingAsItWas) {
     const std::vector<std::function<void(TextManager&)>> edits = {
         [](TextManager& d) { d.insert(7, u"x"); },
-        [](TextManager& d) { d.remove({3, 4}); },
-        [](TextManager& d) { d.replace({2, 9}, wstring_view(u"long\r\n")); },
+        [](TextManager& d) {
+            d.remove({3, 4});
+        },
+        [](TextManager& d) {
+            d.replace({2, 9}, wstring_view(u"long\r\n"));
+        },
         [](TextManager& d) { d.replaceAll({u"a"}, u"bb"); },
         [](TextManager& d) { d.convertLineEnds(LineEnd::crlf); },
         [](TextManager& d) { d.replaceSelection(u"s"); },
@@ -190,7 +194,8 @@ TEST(TextManager, AFailedEditLeavesEverythingAsItWas) {
             TextManager document(u"a\nb\na\nb\na\nb\na\nb\n");
             std::vector<TextMark> marks;
             for (std::uint64_t offset = 0; offset <= 16; ++offset)
-                marks.push_back(document.addMark(offset, offset % 2 == 0 ? MarkGravity::left : MarkGravity::right));
+                marks.push_back(
+                    document.addMark(offset, offset % 2 == 0 ? MarkGravity::left : MarkGravity::right));
             document.select(std::vector<TextRange>{{1, 2}, {5, 6}});
             type(document, 4, u"one");
             document.insert(0, u"two\n");
@@ -233,7 +238,8 @@ TEST(TextManager, SnapshotsAreReadWhileEditingGoesOn) {
                 mine = shared;
             }
             const wstring text = mine.text();
-            ASSERT_EQ(mine.lineCount(), static_cast<std::uint64_t>(std::count(text.begin(), text.end(), u'\n')) + 1);
+            ASSERT_EQ(mine.lineCount(),
+                      static_cast<std::uint64_t>(std::count(text.begin(), text.end(), u'\n')) + 1);
         }
     });
     for (std::uint64_t i = 0; i < 3000; ++i) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A document beside a string: random edits, groups and replacements of many ranges, undo and redo to any point, marks
-// that come home, lines that are found unit by unit, snapshots that stay what they were.
+// A document beside a string: random edits, groups and replacements of many ranges, undo and redo to any
+// point, marks that come home, lines that are found unit by unit, snapshots that stay what they were.
 #include <core/documents/text_manager.h>
 
 #include <gtest/gtest.h>
@@ -101,7 +101,8 @@ class Model {
     std::uint64_t below(std::uint64_t count) { return random_() % count; }
 
     wstring someText() {
-        static constexpr wstring_view kPieces[] = {u"\n", u"\r", u"\r\n", u"\n\r", u"x", u"\u2028", u"слово", u"😀", u"\u2029"};
+        static constexpr wstring_view kPieces[] = {u"\n",     u"\r",    u"\r\n", u"\n\r",  u"x",
+                                                   u"\u2028", u"слово", u"😀",    u"\u2029"};
         wstring text;
         for (std::uint64_t count = below(4); count > 0; --count)
             text += kPieces[below(std::size(kPieces))];
@@ -123,7 +124,8 @@ class Model {
         for (ModelMark& mark : marks_) {
             if (mark.offset > range.begin)
                 mark.offset = mark.offset < range.end ? range.begin : mark.offset - range.size();
-            if (mark.offset > range.begin || (mark.offset == range.begin && mark.gravity == MarkGravity::right))
+            if (mark.offset > range.begin ||
+                (mark.offset == range.begin && mark.gravity == MarkGravity::right))
                 mark.offset += text.size();
         }
     }

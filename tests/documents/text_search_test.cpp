@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Searching a text in many pieces finds what searching a string finds; replacing, in one step; files in any encoding.
+// Searching a text in many pieces finds what searching a string finds; replacing, in one step; files in any
+// encoding.
 #include <core/documents/document_file.h>
 #include <core/documents/errors.h>
 #include <core/documents/text_search.h>
@@ -40,7 +41,8 @@ TEST(TextSearch, FindsAcrossPieces) {
         for (unsigned i = 1 + random() % 5; i > 0; --i)
             wanted += u"abAB"[random() % 4];
         std::vector<TextRange> expected;
-        for (std::size_t at = text.find(wanted); at != wstring::npos; at = text.find(wanted, at + wanted.size()))
+        for (std::size_t at = text.find(wanted); at != wstring::npos;
+             at = text.find(wanted, at + wanted.size()))
             expected.push_back({at, at + wanted.size()});
         EXPECT_EQ(matches(document.text(), {wanted}), expected);
         EXPECT_EQ(matches(document.text(), {wanted, TextQueryKind::regex}), expected);
@@ -63,7 +65,8 @@ TEST(TextSearch, TakesSpecialUnitsLiterally) {
     EXPECT_EQ(matches(document.text(), {u"цена (в $)", TextQueryKind::ignoreCase}).size(), 2u);
     EXPECT_EQ(matches(document.text(), {u"5.0", TextQueryKind::ignoreCase}).size(), 1u);
     EXPECT_EQ(matches(document.text(), {u"\\", TextQueryKind::ignoreCase}).size(), 1u);
-    EXPECT_EQ(matches(document.text(), {u"0 .\\.", TextQueryKind::regex}).size(), 1u); // a pair is one character
+    EXPECT_EQ(matches(document.text(), {u"0 .\\.", TextQueryKind::regex}).size(),
+              1u); // a pair is one character
 }
 
 TEST(TextSearch, ReplacesAllInOneStep) {

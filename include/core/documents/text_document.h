@@ -6,8 +6,8 @@
 #include <core/streams/encoding.h>
 #include <core/values/value.h>
 
-/// A text that is edited, as scripts see it: "TextDocument" (`ТекстовыйДокумент`). How a text is looked for is the
-/// enumeration "TextQueryKinds" (`ВидыПоискаТекста`).
+/// A text that is edited, as scripts see it: "TextDocument" (`ТекстовыйДокумент`). How a text is looked for
+/// is the enumeration "TextQueryKinds" (`ВидыПоискаТекста`).
 namespace core {
 
 inline constexpr GUID kTextDocumentClass = "0e9e7b56-e076-4fe2-90ad-a9aac0f1d6a0"_guid; ///< class id

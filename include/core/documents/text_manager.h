@@ -19,15 +19,15 @@ struct TextManagerOptions {
     bool unicodeEnds = false; ///< whether U+2028 and U+2029 end lines, too
 };
 
-/// A text that is edited: lines with their own ends, edits that are taken back, marks that move with the text.
-/// Offsets count UTF-16 units from 0; lines count from 0.
+/// A text that is edited: lines with their own ends, edits that are taken back, marks that move with the
+/// text. Offsets count UTF-16 units from 0; lines count from 0.
 ///
 /// Every edit happens whole or not at all: when it throws, text, marks and steps are as they were. An edit
 /// throws DocumentException for an offset, a line or a range that the text does not have, and std::bad_alloc.
 ///
-/// Edits make steps, which undo() takes back. Characters that are typed one behind the other are one step, and
-/// so are characters that are erased one beside the other; a line end, a longer text and an edit elsewhere
-/// begin a step. Time plays no part.
+/// Edits make steps, which undo() takes back. Characters that are typed one behind the other are one step,
+/// and so are characters that are erased one beside the other; a line end, a longer text and an edit
+/// elsewhere begin a step. Time plays no part.
 ///
 /// Threads: one at a time. What text() has returned may be read on any.
 class CORE_API TextManager {
@@ -50,7 +50,8 @@ class CORE_API TextManager {
     /// Replaces the whole text and forgets all steps; marks go to the beginning. The document counts as
     /// saved. Throws DocumentException in a group, and std::bad_alloc.
     void assign(wstring_view text);
-    /// Does the same with the text of a snapshot, whose memory is shared where it ends lines as this one does.
+    /// Does the same with the text of a snapshot, whose memory is shared where it ends lines as this one
+    /// does.
     void assign(const TextSnapshot& text);
 
     // edits
@@ -71,8 +72,8 @@ class CORE_API TextManager {
     void replaceLine(std::uint64_t line, wstring_view text);
     /// Removes `count` lines with their ends. With the last line goes the end in front of it.
     void removeLines(std::uint64_t line, std::uint64_t count = 1);
-    /// Replaces all matches in a step of its own and returns how many there were. The replacement of a regular
-    /// expression may name groups, see TextSearch::expand(). Throws as TextSearch does, too.
+    /// Replaces all matches in a step of its own and returns how many there were. The replacement of a
+    /// regular expression may name groups, see TextSearch::expand(). Throws as TextSearch does, too.
     std::size_t replaceAll(const TextQuery& query, wstring_view replacement);
     /// Gives all lines the same end in a step of its own and returns how many have changed. Throws
     /// DocumentException for LineEnd::none.
@@ -136,7 +137,8 @@ class CORE_API TextManager {
 
     /// Selects ranges, which are edited as one; empty ones are cursors. Those that overlap become one.
     void select(std::span<const TextRange> ranges);
-    /// Returns the selected ranges from the first to the last; they move with the text. Throws std::bad_alloc.
+    /// Returns the selected ranges from the first to the last; they move with the text. Throws
+    /// std::bad_alloc.
     [[nodiscard]] std::vector<TextRange> selection() const;
     /// Puts a text in the place of each selected range, in one step; a cursor stands behind each text then.
     void replaceSelection(wstring_view text);

@@ -11,8 +11,8 @@ enum class MarkGravity : std::uint8_t {
     right = 1, ///< The mark goes behind the text.
 };
 
-/// A place that moves with a text, as the document knows it. A small value, which does not keep the mark; it is
-/// of use as long as the mark has not been removed.
+/// A place that moves with a text, as the document knows it. A small value, which does not keep the mark; it
+/// is of use as long as the mark has not been removed.
 struct TextMark {
     std::uint32_t number = 0;     ///< which mark of the document
     std::uint32_t generation = 0; ///< tells it from earlier marks of that number; 0 is never a mark

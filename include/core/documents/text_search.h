@@ -22,8 +22,8 @@ struct TextQuery {
     TextQueryKind kind = TextQueryKind::exact; ///< how it is compared
 };
 
-/// Finds one match after the other, without a copy of the text. One thread at a time; it holds the snapshot, so
-/// that editing goes on meanwhile.
+/// Finds one match after the other, without a copy of the text. One thread at a time; it holds the snapshot,
+/// so that editing goes on meanwhile.
 ///
 /// Every function that looks throws std::bad_alloc, and DocumentException for a regular expression that takes
 /// too long on the text.
