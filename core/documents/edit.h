@@ -14,8 +14,8 @@ namespace core::detail {
 struct Edit {
     std::uint64_t offset = 0;
     std::uint64_t count = 0;
-    PieceTree text;
-    std::vector<SavedMark> marks;
+    PieceTree text{};
+    std::vector<SavedMark> marks{};
 };
 
 /// What an edit is when it comes alone; neighbours of one kind are taken back together.
@@ -27,7 +27,7 @@ enum class EditKind {
 
 /// Edits in the order in which they were made, or are to be made.
 struct EditStep {
-    std::vector<Edit> edits;
+    std::vector<Edit> edits{};
     std::uint64_t serial = 0; ///< tells the state of the text behind the step
     EditKind kind = EditKind::other;
     bool disjoint = false; ///< whether no edit touches what another one has changed, and offsets rise or fall

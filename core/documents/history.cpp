@@ -29,8 +29,8 @@ void History::extendTyping(std::uint64_t count) noexcept {
     undo_.back().edits.front().count += count;
 }
 
-/// Adds a step to the last one when both are one to a person who types. The two edits become one, in the text as
-/// it was in front of both: marks that the later edit has moved stood behind what the earlier one removes.
+/// Adds a step to the last one when both are one to a person who types. The two edits become one, in the text
+/// as it was in front of both: marks that the later edit has moved stood behind what the earlier one removes.
 bool History::join(EditStep& step) {
     if (!open_ || undo_.empty() || step.edits.size() != 1 || undo_.back().kind != step.kind)
         return false;

@@ -12,7 +12,7 @@ namespace core::detail {
 
 /// Where a mark stood before the units around it were replaced.
 struct SavedMark {
-    TextMark mark;
+    TextMark mark{};
     std::uint64_t offset = 0;
     std::uint32_t moves = 0; ///< how often it had been moved by hand
 };

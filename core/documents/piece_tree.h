@@ -123,7 +123,7 @@ class PieceTree {
 struct Splice {
     std::uint64_t offset = 0;
     std::uint64_t count = 0;
-    PieceTree text;
+    PieceTree text{};
 };
 
 /// Units that stand together in memory, and the offset of the first in the text. Borrowed from the tree.

@@ -45,6 +45,7 @@ class UnitStore {
         : capacity_(capacity), unicodeEnds_(unicodeEnds), units_(units), counts_(counts) {}
 
     [[nodiscard]] bool isEnd(std::uint32_t at) const noexcept;
+    [[nodiscard]] std::uint32_t countBlock(std::uint32_t begin, std::uint32_t end) const noexcept;
     [[nodiscard]] std::uint32_t endsBefore(std::uint32_t at) const noexcept;
     [[nodiscard]] bool dividesEnd(std::uint32_t at) const noexcept {
         return at > 0 && units_[at] == u'\n' && units_[at - 1] == u'\r';

@@ -22,8 +22,8 @@ struct TextMark {
 
 /// A range that moves with a text: two marks.
 struct TextMarkedRange {
-    TextMark begin; ///< in front of the range
-    TextMark end;   ///< behind the range
+    TextMark begin{}; ///< in front of the range
+    TextMark end{};   ///< behind the range
     /// Returns whether both are the same range.
     friend bool operator==(const TextMarkedRange&, const TextMarkedRange&) noexcept = default;
 };

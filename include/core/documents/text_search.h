@@ -18,7 +18,7 @@ enum class TextQueryKind : std::int32_t {
 
 /// What is looked for in a text.
 struct TextQuery {
-    wstring text;                              ///< the text or the pattern; not empty
+    wstring text{};                            ///< the text or the pattern; not empty
     TextQueryKind kind = TextQueryKind::exact; ///< how it is compared
 };
 
