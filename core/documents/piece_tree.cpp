@@ -74,22 +74,40 @@ namespace {
     return node->left ? join(without_first(node->left), node->piece, node->right) : node->right;
 }
 
+[[nodiscard]] const Piece& last_piece(const NodeRef& node) noexcept {
+    const PieceNode* last = node.get();
+    while (last->right)
+        last = last->right.get();
+    return last->piece;
+}
+[[nodiscard]] const Piece& first_piece(const NodeRef& node) noexcept {
+    const PieceNode* first = node.get();
+    while (first->left)
+        first = first->left.get();
+    return first->piece;
+}
+
+/// Two trees with a piece between them. Pieces that were cut, and come together again, become one.
+[[nodiscard]] NodeRef insert_between(NodeRef left, Piece piece, NodeRef right) {
+    if (left && last_piece(left).continues(piece)) {
+        Piece joined = last_piece(left);
+        joined.append(piece);
+        piece = std::move(joined);
+        left = without_last(left);
+    }
+    if (right && piece.continues(first_piece(right))) {
+        piece.append(first_piece(right));
+        right = without_first(right);
+    }
+    return join(left, piece, right);
+}
+
 [[nodiscard]] NodeRef concatenate(const NodeRef& left, const NodeRef& right) {
     if (!left)
         return right;
     if (!right)
         return left;
-    const PieceNode* last = left.get();
-    while (last->right)
-        last = last->right.get();
-    const PieceNode* first = right.get();
-    while (first->left)
-        first = first->left.get();
-    Piece piece = last->piece;
-    if (!piece.continues(first->piece))
-        return join(without_last(left), piece, right);
-    piece.append(first->piece); // they were cut, and come together again
-    return join(without_last(left), piece, without_first(right));
+    return insert_between(without_last(left), last_piece(left), right);
 }
 
 struct Halves {
@@ -186,8 +204,11 @@ PieceTree::PieceTree(std::span<const Piece> pieces) : root_(build(pieces)) {}
 
 PieceTree PieceTree::replace(std::uint64_t offset, std::uint64_t count, const PieceTree& text) {
     const Halves first = cut(root_, offset);
-    Halves second = cut(first.right, count);
-    root_ = concatenate(concatenate(first.left, text.root_), second.right);
+    Halves second = count != 0 ? cut(first.right, count) : Halves{NodeRef(), first.right};
+    if (text.root_ && text.root_->height == 1)
+        root_ = insert_between(first.left, text.root_->piece, second.right);
+    else
+        root_ = concatenate(concatenate(first.left, text.root_), second.right);
     return PieceTree(std::move(second.left));
 }
 
