@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Searching a text in many pieces finds what searching a string finds; replacing, in one step; files in any
-// encoding.
-#include <core/documents/document_file.h>
+// Searching a text in many pieces finds what searching a string finds; replacing, in one step.
 #include <core/documents/errors.h>
-#include <core/documents/text_search.h>
-#include <core/files/memory_file.h>
+#include <core/documents/text_manager.h>
 
 #include <gtest/gtest.h>
 
@@ -84,44 +81,6 @@ TEST(TextSearch, ReplacesAllInOneStep) {
     EXPECT_THROW(document.replaceAll({u"(", TextQueryKind::regex}, u""), DocumentException);
     EXPECT_THROW(document.replaceAll({u""}, u""), DocumentException);
     EXPECT_EQ(document.text().text(), u"> 2026-11-22 2025-01-02 $1");
-}
-
-TEST(DocumentFile, KeepsTextAndEndsInAnyEncoding) {
-    wstring text;
-    for (int i = 0; text.size() < 200'000; ++i)
-        text += i % 3 == 0 ? u"строка\r\n" : i % 3 == 1 ? u"line\n" : u"\r";
-    for (const wstring_view name : {u"utf-8", u"utf-16le", u"windows-1251"}) {
-        TextManager document(text);
-        const InterfacePtr<IFile> file = open_memory_file(create_memory_data());
-        TextWriter writer(file, {.encoding = Encoding(name)});
-        write_document(document.text(), writer);
-        writer.finish();
-        file->seek(0, SeekOrigin::begin);
-        TextManager again(u"old");
-        const TextMark mark = again.addMark(3);
-        TextReader reader(file, {.encoding = Encoding(name)});
-        read_document(again, reader);
-        EXPECT_EQ(again.text(), document.text());
-        EXPECT_EQ(again.text().lineCount(), document.text().lineCount());
-        EXPECT_EQ(again.offset(mark), 0u);
-        EXPECT_FALSE(again.isModified() || again.undo());
-    }
-}
-
-TEST(DocumentFile, ATextThatCannotBeReadChangesNothing) {
-    TextManager document(u"old");
-    document.insert(3, u"er");
-    bool first = true;
-    TextReader reader(
-        [&](std::span<std::byte> into) -> std::size_t {
-            into[0] = first ? std::byte{0x41} : std::byte{0xFF};
-            first = false;
-            return 1;
-        },
-        u"broken", {.encoding = Encoding()});
-    EXPECT_THROW(read_document(document, reader), ConverterException);
-    EXPECT_EQ(document.text().text(), u"older");
-    EXPECT_EQ(document.undoCount(), 1u);
 }
 
 } // namespace

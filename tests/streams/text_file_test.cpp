@@ -2,7 +2,7 @@
 // Text in UTF-8: every character at every cut, strictness in both directions with the place of the fault, and
 // saves that fail at any call and lose nothing.
 #include "tests/lists/streams.h"
-#include "tests/support/fault_file.h"
+#include "tests/support/fault_scheme.h"
 
 #include <core/files/errors.h>
 #include <core/files/file_io.h>
@@ -146,47 +146,6 @@ TEST(TextFile, ErrorsOfTheSourcePassThroughReaders) {
     EXPECT_THROW(ListInStream(latin).getBeginOfList(), ConverterException);
 }
 
-/// One file system whose files lie on fault disks, by URL.
-class FaultScheme : public IFileScheme {
-  public:
-    using Interfaces = InterfaceList<IFileScheme>;
-
-    explicit FaultScheme(std::map<wstring, test::FaultDisk>& disks, std::uint64_t& failAt)
-        : disks_(disks), failAt_(failAt) {}
-    const wstring& schemeName() const noexcept override { return name_; }
-    URL parseURL(const wstring& url) const override { return split_url(url); }
-    InterfacePtr<IFile> openURL(const wstring& url, OpenMode) override {
-        call(url);
-        test::FaultDisk& disk = disks_[url];
-        disk.failAt = failAt_ - std::min(failAt_, calls_); // counting goes on in the file
-        return test::open_fault_file(disk);
-    }
-    std::vector<FileInfo> findFile(const wstring&) override { return {}; }
-    std::size_t remove(const wstring& url) override {
-        removed_.push_back(disks_.extract(url)); // it may still be open
-        return removed_.back().empty() ? 0 : 1;
-    }
-    void copyFile(const wstring&, const wstring&) override {}
-    void moveFile(const wstring& from, const wstring& to) override {
-        calls_ += disks_[from].calls;
-        call(from);
-        disks_[to] = disks_[from];
-        removed_.push_back(disks_.extract(from));
-    }
-    void saveFile(IFile&, const wstring&) override {}
-
-  private:
-    void call(const wstring& url) {
-        if (calls_++ == failAt_)
-            throw_file_error("IDS_FILE_OPEN", url, EIO);
-    }
-    std::map<wstring, test::FaultDisk>& disks_;
-    std::uint64_t& failAt_;
-    std::uint64_t calls_ = 0;
-    std::vector<std::map<wstring, test::FaultDisk>::node_type> removed_;
-    wstring name_ = u"fault";
-};
-
 TEST(TextFile, ASaveThatFailsAnywhereLeavesTheOldText) {
     const wstring url = u"fault://disk";
     const wstring text = wstring(100'000, u'x');
@@ -197,7 +156,7 @@ TEST(TextFile, ASaveThatFailsAnywhereLeavesTheOldText) {
                                 reinterpret_cast<const std::byte*>(old) + 3);
         std::uint64_t fail_at = fail;
         const auto files = create_file_system();
-        files->registerScheme(SCOM_InternalClass<FaultScheme>::create(disks, fail_at).get());
+        files->registerScheme(SCOM_InternalClass<test::FaultScheme>::create(disks, fail_at).get());
         try {
             save_text(*files, url, [&](wostream& out) { to_stream(out, text); });
         } catch (const FileException&) {
