@@ -9,6 +9,7 @@
 
 namespace core {
 
+class Enumeration;
 class ListInStream;
 class ListOutStream;
 
@@ -20,6 +21,8 @@ enum class ColorKind : std::int32_t {
     windows = 3,   ///< by a name of windows_colors()
     style = 4,     ///< by a name of style_colors(), which the style in use gives a colour to
 };
+/// Returns the script enumeration of the kinds, borrowed; it lives as long as the library.
+[[nodiscard]] CORE_API Enumeration* script_enumeration(ColorKind) noexcept;
 
 /// A colour as it was said: what has a name keeps it, so that `web:Aqua` and `web:Cyan` are two colours that look the same.
 /// A value of 8 bytes; safe to read on any thread.
