@@ -19,7 +19,7 @@ class CORE_API Style {
     /// A style that sets nothing.
     Style() = default;
     /// Returns a style that sets nothing and is based on another one, of which it keeps a copy. Throws std::bad_alloc, and
-    /// ContextException (messages::kParameterValue) when the base has 64 styles below it.
+    /// ContextException (messages::kParameterValue) where more than 64 styles would stand on each other.
     [[nodiscard]] static Style basedOn(const Style& base);
 
     /// Sets the colour at a position of style_colors(). Throws std::out_of_range for a position that it does not have, and
