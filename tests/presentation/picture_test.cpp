@@ -3,6 +3,7 @@
 // hold; formats that the second reader does not write, made here; every beginning of a picture.
 #include "tests/support/file_helpers.h"
 
+#include <core/files/file_io.h>
 #include <core/files/memory_file.h>
 #include <core/presentation.h>
 
@@ -21,9 +22,9 @@ namespace {
 
 using namespace core;
 
-/// A file that counts the bytes that are read of it.
+/// What a file with these bytes says.
 PictureInfo info_of_file(const std::string& bytes) {
-    const auto file = open_memory_file(create_memory_data(), u"mem:picture", OpenMode::readWrite);
+    const auto file = open_memory_file(create_memory_data());
     write_all(*file, std::as_bytes(std::span(bytes)));
     return picture_info(*file);
 }

@@ -41,7 +41,7 @@ class PictureSource {
 
   private:
     static constexpr std::size_t kBudget = 65536;
-    static constexpr std::size_t kWindow = 4096;
+    static constexpr std::size_t kWindow = 1024; // as many places as a picture can send the reader to
 
     /// Has the bytes in the window.
     bool fetch(std::uint64_t offset, std::size_t count) {
