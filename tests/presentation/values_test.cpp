@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+/// Of docs/presentation.md.
+core::Rgba readable(const core::Style& style, const core::Color& text, core::Rgba background);
+
 namespace {
 
 using namespace core;
@@ -153,6 +156,13 @@ TEST(Styles, InheritAndDoNotGoInCircles) {
     EXPECT_THROW(
         for (int i = 0; i < 100; ++i) deep = Style::basedOn(deep), ContextException);
     EXPECT_EQ(read<Style>(written(deep)), deep);
+}
+
+TEST(Styles, LeaveTextsReadable) {
+    const Style style;
+    EXPECT_EQ(readable(style, Color(), {255, 255, 255}), (Rgba{0, 0, 0}));
+    EXPECT_EQ(readable(style, *Color::web(u"Yellow"), {255, 255, 255}), (Rgba{0, 0, 0}));
+    EXPECT_EQ(readable(style, *Color::web(u"Yellow"), {0, 0, 128}), (Rgba{255, 255, 0}));
 }
 
 TEST_F(PresentationValues, ServicesAnswerByTheirIds) {
