@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any bytes as a picture: what is said of them is within its limits and cheap for the data, and what is a picture is stored
-// and read back.
+// Any bytes as a picture: what is said of them is within its limits and cheap for the data, and what is a
+// picture is stored and read back.
 #include <core/presentation.h>
 
 #include <cmath>

@@ -74,7 +74,8 @@ bool within(const std::optional<T>& part, T least, T most) noexcept {
 FontKind Font::kind() const noexcept {
     if (item)
         return FontKind::style;
-    const bool hasPart = std::apply([](const auto&... part) { return (part.has_value() || ...); }, parts_of(*this));
+    const bool hasPart =
+        std::apply([](const auto&... part) { return (part.has_value() || ...); }, parts_of(*this));
     return hasPart ? FontKind::absolute : FontKind::automatic;
 }
 
@@ -102,7 +103,8 @@ Font Font::inheriting(const Font& base) const {
 wstring Font::presentation() const {
     wstring text;
     if (item)
-        text = term_string(style_fonts()[*item], Thread::getResourceLocale().isRussian() ? kRussian : kEnglish);
+        text =
+            term_string(style_fonts()[*item], Thread::getResourceLocale().isRussian() ? kRussian : kEnglish);
     if (face && !face->empty())
         add_word(text, *face);
     if (size)
@@ -110,12 +112,15 @@ wstring Font::presentation() const {
     if (weight && *weight != kNormalWeight)
         add_word(text, *weight == kBoldWeight ? message_text("IDS_FONT_BOLD") : string_intto(*weight));
     if (slant && *slant != FontSlant::upright)
-        add_word(text, message_text(*slant == FontSlant::italic ? "IDS_FONT_SLANT_ITALIC" : "IDS_FONT_SLANT_OBLIQUE"));
+        add_word(text, message_text(*slant == FontSlant::italic ? "IDS_FONT_SLANT_ITALIC"
+                                                                : "IDS_FONT_SLANT_OBLIQUE"));
     if (underline.value_or(false))
         add_word(text, message_text("IDS_FONT_UNDERLINE"));
     if (strikeOut.value_or(false))
         add_word(text, message_text("IDS_FONT_STRIKEOUT"));
-    return text.empty() ? message_text(kind() == FontKind::automatic ? "IDS_FONT_KIND_AUTO" : "IDS_FONT_NORMAL") : text;
+    return text.empty()
+               ? message_text(kind() == FontKind::automatic ? "IDS_FONT_KIND_AUTO" : "IDS_FONT_NORMAL")
+               : text;
 }
 
 std::int32_t Font::hash() const noexcept {

@@ -10,10 +10,11 @@
 namespace core {
 namespace {
 
-constexpr const char* kLines[] = {"IDS_LINE_NONE",     "IDS_LINE_SOLID",       "IDS_LINE_DOTTED", "IDS_LINE_DASHED",
-                                  "IDS_LINE_DASH_DOT", "IDS_LINE_DASH_DOT_DOT", "IDS_LINE_DOUBLE"};
-constexpr const char* kBorders[] = {"IDS_BORDER_AUTO", "IDS_BORDER_LINES", "IDS_BORDER_RAISED", "IDS_BORDER_SUNKEN",
-                                    "IDS_BORDER_ROUNDED"};
+constexpr const char* kLines[] = {"IDS_LINE_NONE",   "IDS_LINE_SOLID",    "IDS_LINE_DOTTED",
+                                  "IDS_LINE_DASHED", "IDS_LINE_DASH_DOT", "IDS_LINE_DASH_DOT_DOT",
+                                  "IDS_LINE_DOUBLE"};
+constexpr const char* kBorders[] = {"IDS_BORDER_AUTO", "IDS_BORDER_LINES", "IDS_BORDER_RAISED",
+                                    "IDS_BORDER_SUNKEN", "IDS_BORDER_ROUNDED"};
 
 } // namespace
 

@@ -29,13 +29,18 @@ class LinesService : public ILinesService {
         static constexpr std::uint8_t kDashDot[] = {3, 1, 1, 1};
         static constexpr std::uint8_t kDashDotDot[] = {3, 1, 1, 1, 1, 1};
         switch (kind) {
-        case LineKind::dotted: return kDotted;
-        case LineKind::dashed: return kDashed;
-        case LineKind::dashDot: return kDashDot;
-        case LineKind::dashDotDot: return kDashDotDot;
+        case LineKind::dotted:
+            return kDotted;
+        case LineKind::dashed:
+            return kDashed;
+        case LineKind::dashDot:
+            return kDashDot;
+        case LineKind::dashDotDot:
+            return kDashDotDot;
         case LineKind::none:
         case LineKind::solid:
-        case LineKind::twofold: break;
+        case LineKind::twofold:
+            break;
         }
         return {};
     }
@@ -123,7 +128,9 @@ class OutputRightAccessControllerService : public IOutputRightAccessController {
     }
 
   private:
-    static constexpr std::uint32_t bit(OutputRight right) noexcept { return 1U << static_cast<std::uint32_t>(right); }
+    static constexpr std::uint32_t bit(OutputRight right) noexcept {
+        return 1U << static_cast<std::uint32_t>(right);
+    }
 
     std::atomic<std::uint32_t> forbidden_{0};
 };
@@ -136,7 +143,8 @@ const SCOM_ServiceEntryInit<LinesService, &kLinesClass, &ILinesService::IID> kLi
 const SCOM_ServiceEntryInit<BordersService, &kBordersClass, &IBordersService::IID> kBorders("BordersService");
 const SCOM_ServiceEntryInit<PresentationService, &kPresentationClass, &IPresentationService::IID>
     kPresentation("PresentationService");
-const SCOM_ServiceEntryInit<OutputRightAccessControllerService, &kRightsClass, &IOutputRightAccessController::IID>
+const SCOM_ServiceEntryInit<OutputRightAccessControllerService, &kRightsClass,
+                            &IOutputRightAccessController::IID>
     kRights("OutputRightAccessControllerService");
 
 } // namespace

@@ -23,15 +23,24 @@ struct NamedKey {
 };
 
 constexpr NamedKey kKeys[] = {
-    {32, u"Space", "IDS_KEY_SPACE"},         {256, u"Backspace", "IDS_KEY_BACKSPACE"},
-    {257, u"Tab", "IDS_KEY_TAB"},            {258, u"Enter", "IDS_KEY_ENTER"},
-    {259, u"Escape", "IDS_KEY_ESCAPE"},      {260, u"Insert", "IDS_KEY_INSERT"},
-    {261, u"Delete", "IDS_KEY_DELETE"},      {262, u"Home", "IDS_KEY_HOME"},
-    {263, u"End", "IDS_KEY_END"},            {264, u"PageUp", "IDS_KEY_PAGE_UP"},
-    {265, u"PageDown", "IDS_KEY_PAGE_DOWN"}, {266, u"Left", "IDS_KEY_LEFT"},
-    {267, u"Up", "IDS_KEY_UP"},              {268, u"Right", "IDS_KEY_RIGHT"},
-    {269, u"Down", "IDS_KEY_DOWN"},          {270, u"PrintScreen", "IDS_KEY_PRINT_SCREEN"},
-    {271, u"Pause", "IDS_KEY_PAUSE"},        {272, u"Menu", "IDS_KEY_MENU"},
+    {32, u"Space", "IDS_KEY_SPACE"},
+    {256, u"Backspace", "IDS_KEY_BACKSPACE"},
+    {257, u"Tab", "IDS_KEY_TAB"},
+    {258, u"Enter", "IDS_KEY_ENTER"},
+    {259, u"Escape", "IDS_KEY_ESCAPE"},
+    {260, u"Insert", "IDS_KEY_INSERT"},
+    {261, u"Delete", "IDS_KEY_DELETE"},
+    {262, u"Home", "IDS_KEY_HOME"},
+    {263, u"End", "IDS_KEY_END"},
+    {264, u"PageUp", "IDS_KEY_PAGE_UP"},
+    {265, u"PageDown", "IDS_KEY_PAGE_DOWN"},
+    {266, u"Left", "IDS_KEY_LEFT"},
+    {267, u"Up", "IDS_KEY_UP"},
+    {268, u"Right", "IDS_KEY_RIGHT"},
+    {269, u"Down", "IDS_KEY_DOWN"},
+    {270, u"PrintScreen", "IDS_KEY_PRINT_SCREEN"},
+    {271, u"Pause", "IDS_KEY_PAUSE"},
+    {272, u"Menu", "IDS_KEY_MENU"},
 };
 constexpr std::uint32_t kFirstFunctionKey = 512; // F1
 constexpr std::uint32_t kFunctionKeys = 24;

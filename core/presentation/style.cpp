@@ -161,16 +161,16 @@ void to_stream(ListOutStream& out, const Style& style) {
 }
 
 void from_stream(ListInStream& in, Style& style) {
-    // The base stands behind its style, so that styles are read from the uppermost on and put together from the lowest.
+    // The base stands behind its style, so that styles are read from the uppermost on and put together from
+    // the lowest.
     std::vector<Style> read;
     for (bool more = true; more;) {
         if (read.size() == kMaxBases)
             throw_malformed();
         Style& current = read.emplace_back();
         in.getBeginOfList();
-        current.colors_ = read_items<Color>(in, style_colors().size(), [](wstring_view name) {
-            return find_color(style_colors(), name);
-        });
+        current.colors_ = read_items<Color>(
+            in, style_colors().size(), [](wstring_view name) { return find_color(style_colors(), name); });
         current.fonts_ = read_items<Font>(in, style_fonts().size(), &find_style_font);
         bool hasBorder = false;
         in.get(hasBorder);

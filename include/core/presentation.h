@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-/// How things look: colours, fonts, lines, borders, rectangles, shortcuts, pictures and styles, and the services for them.
+/// How things look: colours, fonts, lines, borders, rectangles, shortcuts, pictures and styles, and the
+/// services for them.
 #include <core/presentation/border.h>
 #include <core/presentation/color.h>
 #include <core/presentation/color_tables.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Concerns: every colour of every table found by both names and read back to the bit; texts of colours that are none refused;
-// conversions against their definitions; contrast against published ratios.
+// Concerns: every colour of every table found by both names and read back to the bit; texts of colours that
+// are none refused; conversions against their definitions; contrast against published ratios.
 #include <core/lists.h>
 #include <core/presentation.h>
 #include <core/streams/memory_stream.h>
@@ -19,11 +19,14 @@ using namespace core;
 constexpr ColorKind kNamedKinds[] = {ColorKind::web, ColorKind::windows, ColorKind::style};
 
 std::span<const NamedColor> table_of(ColorKind kind) {
-    return kind == ColorKind::web ? web_colors() : kind == ColorKind::windows ? windows_colors() : style_colors();
+    return kind == ColorKind::web       ? web_colors()
+           : kind == ColorKind::windows ? windows_colors()
+                                        : style_colors();
 }
 
 TEST(Colors, EveryNameLeadsToItsColourAndItsTextBack) {
-    const wchar* const prefixes[][2] = {{u"WEB:", u"Веб:"}, {u"Windows:", u"ВИНДОВС:"}, {u"style:", u"стиль:"}};
+    const wchar* const prefixes[][2] = {
+        {u"WEB:", u"Веб:"}, {u"Windows:", u"ВИНДОВС:"}, {u"style:", u"стиль:"}};
     std::size_t family = 0;
     for (const ColorKind kind : kNamedKinds) {
         const auto table = table_of(kind);
@@ -81,17 +84,17 @@ TEST(Colors, DigitsStandForRedGreenBlueAlpha) {
 }
 
 TEST(Colors, OtherTextsAreRefused) {
-    for (const wstring_view text : {u"", u"#", u"#1", u"#12", u"#12345", u"#1234567", u"#123456789", u"#GGGGGG", u"#１２３",
-                                    u"web:", u"web:Nothing", u"windows:SteelBlue", u"other:SteelBlue", u"Steel Blue",
-                                    u"web:web:Red", u":", u"0x112233"})
+    for (const wstring_view text : {u"", u"#", u"#1", u"#12", u"#12345", u"#1234567", u"#123456789",
+                                    u"#GGGGGG", u"#１２３", u"web:", u"web:Nothing", u"windows:SteelBlue",
+                                    u"other:SteelBlue", u"Steel Blue", u"web:web:Red", u":", u"0x112233"})
         EXPECT_EQ(Color::fromText(text), std::nullopt) << testing::PrintToString(std::u16string(text));
 }
 
 TEST(Colors, AreReadBackFromStreams) {
     MemoryOutStream text;
     ListOutStream out(text);
-    const Color colors[] = {Color(), Color(1, 2, 3, 4), *Color::web(u"RebeccaPurple"), *Color::windows(u"Menu"),
-                            *Color::style(u"TextColor")};
+    const Color colors[] = {Color(), Color(1, 2, 3, 4), *Color::web(u"RebeccaPurple"),
+                            *Color::windows(u"Menu"), *Color::style(u"TextColor")};
     out.putBeginOfList();
     for (const Color& color : colors)
         to_stream(out, color);
@@ -121,7 +124,8 @@ TEST(Colors, HueSaturationAndLightnessGoThereAndBack) {
                                  static_cast<std::uint8_t>(blue ^ (green & 1)), 77};
                 const Hsl hsl = to_hsl(color);
                 ASSERT_EQ(from_hsl(hsl, 77), color);
-                ASSERT_TRUE(hsl.hue >= 0 && hsl.hue < 360 && hsl.saturation >= 0 && hsl.saturation <= 1.0000001);
+                ASSERT_TRUE(hsl.hue >= 0 && hsl.hue < 360 && hsl.saturation >= 0 &&
+                            hsl.saturation <= 1.0000001);
             }
         }
     }
@@ -156,11 +160,16 @@ TEST(Colors, ContrastIsThatOfTheGuidelines) {
     // A style that nobody changed can be read by everybody.
     const auto item = [](const wchar* name) { return *Color::style(name)->rgba(); };
     constexpr const wchar* kPairs[][2] = {
-        {u"TextColor", u"BackColor"},           {u"TitleTextColor", u"BackColor"},
-        {u"HeaderTextColor", u"HeaderBackColor"}, {u"TotalsTextColor", u"TotalsBackColor"},
-        {u"FieldTextColor", u"FieldBackColor"}, {u"ButtonTextColor", u"ButtonBackColor"},
-        {u"SelectionTextColor", u"SelectionBackColor"}, {u"AccentColor", u"BackColor"},
-        {u"NegativeTextColor", u"BackColor"},   {u"DisabledTextColor", u"BackColor"},
+        {u"TextColor", u"BackColor"},
+        {u"TitleTextColor", u"BackColor"},
+        {u"HeaderTextColor", u"HeaderBackColor"},
+        {u"TotalsTextColor", u"TotalsBackColor"},
+        {u"FieldTextColor", u"FieldBackColor"},
+        {u"ButtonTextColor", u"ButtonBackColor"},
+        {u"SelectionTextColor", u"SelectionBackColor"},
+        {u"AccentColor", u"BackColor"},
+        {u"NegativeTextColor", u"BackColor"},
+        {u"DisabledTextColor", u"BackColor"},
     };
     for (const auto& [text, back] : kPairs)
         EXPECT_GE(contrast(item(text), item(back)), 4.5);

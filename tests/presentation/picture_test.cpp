@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Concerns: formats and sizes as a second reader sees them; the same from memory and from a file; sizes that the data cannot
-// hold; formats that the second reader does not write, made here; every beginning of a picture.
+// Concerns: formats and sizes as a second reader sees them; the same from memory and from a file; sizes that
+// the data cannot hold; formats that the second reader does not write, made here; every beginning of a
+// picture.
 #include "tests/support/file_helpers.h"
 
 #include <core/files/file_io.h>
@@ -8,6 +9,7 @@
 #include <core/presentation.h>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -16,7 +18,6 @@
 #include <map>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -84,7 +85,14 @@ std::string wmf(std::int16_t width, std::int16_t height, std::uint16_t unitsPerI
     Bytes bytes;
     bytes.number(0x9AC6CDD7, 4).number(0, 2).number(0, 4).number(static_cast<std::uint16_t>(width), 2);
     bytes.number(static_cast<std::uint16_t>(height), 2).number(unitsPerInch, 2).number(0, 4).number(0, 2);
-    return bytes.number(1, 2).number(9, 2).number(0x300, 2).number(9, 4).number(0, 2).number(0, 4).number(0, 2).text;
+    return bytes.number(1, 2)
+        .number(9, 2)
+        .number(0x300, 2)
+        .number(9, 4)
+        .number(0, 2)
+        .number(0, 4)
+        .number(0, 2)
+        .text;
 }
 
 TEST(Pictures, AreWhatASecondReaderSees) {
@@ -92,11 +100,14 @@ TEST(Pictures, AreWhatASecondReaderSees) {
         GTEST_SKIP() << "no python3 with PIL";
     const std::string folder = testing::TempDir() + "pictures-" + std::to_string(::getpid());
     std::filesystem::create_directory(folder);
-    ASSERT_EQ(std::system(("python3 -B " CORE_SOURCE_DIR "/tests/presentation/pictures.py " + folder + " >" + folder +
-                           "/list.txt").c_str()), 0);
+    ASSERT_EQ(std::system(("python3 -B " CORE_SOURCE_DIR "/tests/presentation/pictures.py " + folder + " >" +
+                           folder + "/list.txt")
+                              .c_str()),
+              0);
     const std::map<std::string, PictureFormat> formats = {
-        {"PNG", PictureFormat::png}, {"JPEG", PictureFormat::jpeg}, {"GIF", PictureFormat::gif}, {"BMP", PictureFormat::bmp},
-        {"ICO", PictureFormat::ico}, {"TIFF", PictureFormat::tiff}, {"WEBP", PictureFormat::webp}};
+        {"PNG", PictureFormat::png},  {"JPEG", PictureFormat::jpeg}, {"GIF", PictureFormat::gif},
+        {"BMP", PictureFormat::bmp},  {"ICO", PictureFormat::ico},   {"TIFF", PictureFormat::tiff},
+        {"WEBP", PictureFormat::webp}};
     std::ifstream list(folder + "/list.txt");
     std::string name;
     std::string format;
@@ -151,21 +162,23 @@ TEST(Pictures, DrawingsTellTheirSizeAndItsUnit) {
     EXPECT_EQ(svg("<svg viewBox='0 0 30 40.4'>"), sized(30, 40));
     EXPECT_EQ(svg("<svg viewBox='0,0,30,60' width='15'>"), sized(15, 30));
     EXPECT_EQ(svg("<svg width='100%' height='100%' viewBox='0 0 3 4'>"), sized(3, 4));
-    for (const char* text : {"<svg width='1' height='1'", "<svg width=1 height=1>", "<svg>", "<svg width='-1' height='1'>",
-                             "<svg width='1e99' height='1'>", "<svg viewBox='0 0 1'>"})
+    for (const char* text :
+         {"<svg width='1' height='1'", "<svg width=1 height=1>", "<svg>", "<svg width='-1' height='1'>",
+          "<svg width='1e99' height='1'>", "<svg viewBox='0 0 1'>"})
         EXPECT_EQ(svg(text), (PictureInfo{.format = PictureFormat::svg})) << text;
     for (const char* text : {"", "<svgs>", "<html><svg width='1' height='1'/></html>", "<svg", "text"})
         EXPECT_EQ(svg(text), PictureInfo()) << text;
 }
 
 TEST(Pictures, TheBeginningOfAPictureNeverSaysAnotherSize) {
-    const std::string wholes[] = {png(640, 480, 2000), bmp(10, 10, 320), emf(99, 199, 88), wmf(1440, 720, 1440),
-                                  "<svg width='10' height='20'/>"};
+    const std::string wholes[] = {png(640, 480, 2000), bmp(10, 10, 320), emf(99, 199, 88),
+                                  wmf(1440, 720, 1440), "<svg width='10' height='20'/>"};
     for (const std::string& whole : wholes) {
         const PictureInfo expected = info_of(whole);
         for (std::size_t size = 0; size < whole.size(); ++size) {
             const PictureInfo info = info_of(whole.substr(0, size));
-            EXPECT_TRUE(info.width == 0 || (info.width == expected.width && info.height == expected.height)) << size;
+            EXPECT_TRUE(info.width == 0 || (info.width == expected.width && info.height == expected.height))
+                << size;
             EXPECT_TRUE(info.format == PictureFormat::unknown || info.format == expected.format) << size;
         }
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Concerns: shortcuts by one text each; fonts, lines, borders, rectangles and styles read back from streams; what inherits and
-// what leads in a circle; wrong numbers in streams refused with nothing changed; the services; what scripts reach.
+// Concerns: shortcuts by one text each; fonts, lines, borders, rectangles and styles read back from streams;
+// what inherits and what leads in a circle; wrong numbers in streams refused with nothing changed; the
+// services; what scripts reach.
 #include "tests/collections/script.h"
 
 #include <core/lists.h>
@@ -52,8 +53,8 @@ TEST(ShortCuts, HaveOneTextEach) {
     EXPECT_EQ(ShortCut::fromText(u"ctrl+a")->toText(), u"Ctrl+A");
     EXPECT_EQ(ShortCut::fromText(u"F24")->toText(), u"F24");
     EXPECT_EQ(ShortCut::fromText(u" "), ShortCut());
-    for (const wchar* text : {u"Ctrl", u"Ctrl+", u"Ctrl+Ctrl+A", u"++", u"F0", u"F25", u"F01", u"AB", u"я", u"Ctrl+Nothing",
-                              u"Alt+Space+A", u"\x7F"})
+    for (const wchar* text : {u"Ctrl", u"Ctrl+", u"Ctrl+Ctrl+A", u"++", u"F0", u"F25", u"F01", u"AB", u"я",
+                              u"Ctrl+Nothing", u"Alt+Space+A", u"\x7F"})
         EXPECT_EQ(ShortCut::fromText(text), std::nullopt) << testing::PrintToString(std::u16string(text));
     // Every key with every set of modifiers.
     int keys = 0;
@@ -75,7 +76,8 @@ TEST(ShortCuts, HaveOneTextEach) {
 
 TEST_F(PresentationValues, AreReadBack) {
     expect_read_back(Font());
-    expect_read_back(Font{.face = u"Arial", .size = 1050, .weight = 700, .slant = FontSlant::italic, .underline = false});
+    expect_read_back(
+        Font{.face = u"Arial", .size = 1050, .weight = 700, .slant = FontSlant::italic, .underline = false});
     expect_read_back(Font{.item = 1, .strikeOut = true});
     expect_read_back(Font{.face = u""});
     const LumLine line{.kind = LineKind::dashDot, .width = 3, .color = *Color::web(u"Tomato")};
@@ -97,12 +99,14 @@ TEST_F(PresentationValues, AreReadBack) {
 }
 
 TEST(PresentationStreams, RefuseWhatIsOutOfRange) {
-    for (const wchar* text : {u"{7,1,\"auto\"}", u"{1,-1,\"auto\"}", u"{1,1001,\"auto\"}", u"{1,1,\"red?\"}", u"{1,1}"})
+    for (const wchar* text :
+         {u"{7,1,\"auto\"}", u"{1,-1,\"auto\"}", u"{1,1001,\"auto\"}", u"{1,1,\"red?\"}", u"{1,1}"})
         EXPECT_THROW(read<LumLine>(text), ListStreamException);
-    for (const wchar* text : {u"{\"Nothing\",0}", u"{\"\",64}", u"{\"\",4,0}", u"{\"\",4,1001}", u"{\"\",8,3}", u"{\"\",2,0}"})
+    for (const wchar* text :
+         {u"{\"Nothing\",0}", u"{\"\",64}", u"{\"\",4,0}", u"{\"\",4,1001}", u"{\"\",8,3}", u"{\"\",2,0}"})
         EXPECT_THROW(read<Font>(text), ListStreamException);
-    for (const wchar* text : {u"{2,\"TextColor\",\"auto\",\"TEXTCOLOR\",\"auto\",0,0,0}", u"{1,\"X\",\"auto\",0,0,0}",
-                              u"{4000000000}", u"{0,0,0,1,{0,0,0,1}}"})
+    for (const wchar* text : {u"{2,\"TextColor\",\"auto\",\"TEXTCOLOR\",\"auto\",0,0,0}",
+                              u"{1,\"X\",\"auto\",0,0,0}", u"{4000000000}", u"{0,0,0,1,{0,0,0,1}}"})
         EXPECT_THROW(read<Style>(text), ListStreamException);
 }
 
@@ -150,11 +154,14 @@ TEST(Styles, InheritAndDoNotGoInCircles) {
     fonts.setFont(1, Font{.item = 2, .weight = 300});
     fonts.setFont(2, Font{.item = 1, .underline = true});
     const Font font = fonts.resolve(Font{.item = 1, .face = u"Arial"});
-    EXPECT_EQ(font, (Font{.face = u"Arial", .size = 2000, .weight = 300, .slant = FontSlant::upright, .underline = true,
+    EXPECT_EQ(font, (Font{.face = u"Arial",
+                          .size = 2000,
+                          .weight = 300,
+                          .slant = FontSlant::upright,
+                          .underline = true,
                           .strikeOut = false}));
     Style deep;
-    EXPECT_THROW(
-        for (int i = 0; i < 100; ++i) deep = Style::basedOn(deep), ContextException);
+    EXPECT_THROW(for (int i = 0; i < 100; ++i) deep = Style::basedOn(deep), ContextException);
     EXPECT_EQ(read<Style>(written(deep)), deep);
 }
 
@@ -173,7 +180,8 @@ TEST_F(PresentationValues, ServicesAnswerByTheirIds) {
     style.setBorder(LumBorder(LumLine{.width = 4}));
     look->setStyle(style);
     EXPECT_EQ(get_service<IBordersService>()->resolve({}), style.border());
-    EXPECT_EQ(get_service<IBordersService>()->resolve(LumBorder(LumLine{.width = 7})), LumBorder(LumLine{.width = 7}));
+    EXPECT_EQ(get_service<IBordersService>()->resolve(LumBorder(LumLine{.width = 7})),
+              LumBorder(LumLine{.width = 7}));
     EXPECT_EQ(get_service<ILinesService>()->dashes(LineKind::dashDot).size(), 4U);
 
     const std::string svg = "<svg width='1' height='1'/>";
@@ -197,9 +205,14 @@ TEST_F(PresentationValues, ScriptsMakeThemAndAskThem) {
     EXPECT_EQ(script::property(color, u"text"), GenericValue(u"web:SteelBlue"));
     EXPECT_EQ(from_value<Color>(script::make(u"Color", {1, 2, 3})), Color(1, 2, 3));
     EXPECT_EQ(script::failure([] { script::make(u"Color", {1, 256, 3}); }), script::value_mismatch(1));
-    EXPECT_EQ(script::failure([] { script::make(u"Color", {GenericValue(u"#12")}); }), script::value_mismatch(0));
-    EXPECT_EQ(from_value<ShortCut>(script::make(u"ShortCut", {GenericValue(u"Ctrl++")})), ShortCut(u'+', KeyModifiers::ctrl));
-    EXPECT_EQ(script::failure([] { script::make(u"Font", {GenericValue(), Numeric("10.005")}); }), script::value_mismatch(1));
+    EXPECT_EQ(script::failure([] { script::make(u"Color", {GenericValue(u"#12")}); }),
+              script::value_mismatch(0));
+    EXPECT_EQ(from_value<ShortCut>(script::make(u"ShortCut", {GenericValue(u"Ctrl++")})),
+              ShortCut(u'+', KeyModifiers::ctrl));
+    EXPECT_EQ(script::failure([] {
+                  script::make(u"Font", {GenericValue(), Numeric("10.005")});
+              }),
+              script::value_mismatch(1));
 
     const auto globals = create_presentation_functions();
     GenericValue web;

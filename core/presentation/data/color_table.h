@@ -15,7 +15,8 @@ constexpr Rgba rgb(std::uint32_t number) noexcept {
             static_cast<std::uint8_t>(number)};
 }
 
-/// Names here differ by more than the case of a letter, in ASCII; the tests hold the Russian ones to the same.
+/// Names here differ by more than the case of a letter, in ASCII; the tests hold the Russian ones to the
+/// same.
 constexpr bool same_ascii(const wchar* a, const wchar* b) noexcept {
     const auto lower = [](wchar c) { return c >= u'A' && c <= u'Z' ? static_cast<wchar>(c + 32) : c; };
     while (*a != 0 && lower(*a) == lower(*b)) {

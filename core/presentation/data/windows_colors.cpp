@@ -8,8 +8,9 @@ namespace {
 
 using detail::rgb;
 
-// The colours that a Windows desktop is drawn in, by the numbers that this system gives them; it has no number 25. The
-// values are those of its light theme, which every system shows, so that a document looks the same on each.
+// The colours that a Windows desktop is drawn in, by the numbers that this system gives them; it has no
+// number 25. The values are those of its light theme, which every system shows, so that a document looks the
+// same on each.
 constexpr NamedColor kColors[] = {
     {{u"ScrollBar", u"ПолосаПрокрутки"}, rgb(0xC8C8C8), 0},
     {{u"Desktop", u"РабочийСтол"}, rgb(0x000000), 1},

@@ -7,8 +7,8 @@
 namespace core {
 namespace {
 
-/// A context with a property for each colour of a table. Names are found by walking the table, which takes no memory and is
-/// done once for each place of a script.
+/// A context with a property for each colour of a table. Names are found by walking the table, which takes no
+/// memory and is done once for each place of a script.
 template <class T>
 class ColorNames : public IContextImpl<IContextDefImpl<T>> {
     using Base = IContextImpl<IContextDefImpl<T>>;
@@ -36,7 +36,9 @@ class ColorNames : public IContextImpl<IContextDefImpl<T>> {
     ~ColorNames() = default;
 
   private:
-    static bool isHere(int prop) noexcept { return prop >= 0 && static_cast<std::size_t>(prop) < T::table().size(); }
+    static bool isHere(int prop) noexcept {
+        return prop >= 0 && static_cast<std::size_t>(prop) < T::table().size();
+    }
 };
 
 class WebColors : public ScriptObjectOver<WebColors, ColorNames<WebColors>> {

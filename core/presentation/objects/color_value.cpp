@@ -23,7 +23,8 @@ class ColorValue : public ShownValue<ColorValue, Color> {
             return make({});
         if (arguments.size() == 1)
             return make(from_value<Color>(arguments[0]));
-        const std::uint8_t alpha = arguments.size() > 3 && !arguments[3].isUndefined() ? channel(arguments, 3) : 255;
+        const std::uint8_t alpha =
+            arguments.size() > 3 && !arguments[3].isUndefined() ? channel(arguments, 3) : 255;
         return make(Color(channel(arguments, 0), channel(arguments, 1), channel(arguments, 2), alpha));
     }
     static auto members() {

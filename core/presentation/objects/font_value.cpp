@@ -15,7 +15,8 @@ class FontValue : public ShownValue<FontValue, Font> {
     };
     using ShownValue::ShownValue;
 
-    /// New Font([Face], [Size], [Weight], [Slant], [Underline], [StrikeOut]). A face that is an item of the style is that.
+    /// New Font([Face], [Size], [Weight], [Slant], [Underline], [StrikeOut]). A face that is an item of the
+    /// style is that.
     static GenericValue construct(std::span<GenericValue> arguments) {
         Font font;
         font.face = detail::optional_from<wstring>(arguments, 0);
@@ -47,7 +48,8 @@ class FontValue : public ShownValue<FontValue, Font> {
 
     FontKind kind() const noexcept { return content().kind(); }
     std::optional<wstring> item() const {
-        return content().item ? std::optional<wstring>(style_fonts()[*content().item].text[kEnglish]) : std::nullopt;
+        return content().item ? std::optional<wstring>(style_fonts()[*content().item].text[kEnglish])
+                              : std::nullopt;
     }
     std::optional<wstring> face() const { return content().face; }
     /// In points.

@@ -47,8 +47,8 @@ class BorderValue : public ShownValue<BorderValue, LumBorder> {
     };
     using ShownValue::ShownValue;
 
-    /// New Border([Kind], [Left], [Top], [Right], [Bottom]). One line is that of all sides; a side that is left out next to
-    /// others has none. Without a kind it is Lines where there is a line.
+    /// New Border([Kind], [Left], [Top], [Right], [Bottom]). One line is that of all sides; a side that is
+    /// left out next to others has none. Without a kind it is Lines where there is a line.
     static GenericValue construct(std::span<GenericValue> arguments) {
         LumBorder border;
         const auto kind = detail::optional_from<BorderKind>(arguments, 0);

@@ -40,8 +40,12 @@ class PictureValue : public ShownValue<PictureValue, Picture> {
     /// Undefined where the picture does not say it; so are those below.
     std::optional<std::uint32_t> width() const noexcept { return known(content().info().width); }
     std::optional<std::uint32_t> height() const noexcept { return known(content().info().height); }
-    std::optional<double> horizontalResolution() const noexcept { return known(content().info().horizontalResolution); }
-    std::optional<double> verticalResolution() const noexcept { return known(content().info().verticalResolution); }
+    std::optional<double> horizontalResolution() const noexcept {
+        return known(content().info().horizontalResolution);
+    }
+    std::optional<double> verticalResolution() const noexcept {
+        return known(content().info().verticalResolution);
+    }
     Value data() const {
         const Picture picture = content().resolved();
         return create_binary_data({picture.bytes().begin(), picture.bytes().end()});

@@ -28,7 +28,8 @@ class RectValue : public ContentValue<RectValue, Rect> {
         using T = RectValue;
         return core::members(property(u"Left", u"Лево", &T::left), property(u"Top", u"Верх", &T::top),
                              property(u"Right", u"Право", &T::right), property(u"Bottom", u"Низ", &T::bottom),
-                             property(u"Width", u"Ширина", &T::width), property(u"Height", u"Высота", &T::height),
+                             property(u"Width", u"Ширина", &T::width),
+                             property(u"Height", u"Высота", &T::height),
                              method(u"Contains", u"Содержит", &T::contains, {u"X", u"X"}, {u"Y", u"Y"}),
                              method(u"Intersection", u"Пересечение", &T::intersection, {u"Other", u"Другой"}),
                              method(u"Around", u"Вокруг", &T::around, {u"Other", u"Другой"}));

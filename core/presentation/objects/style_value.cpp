@@ -42,13 +42,14 @@ class StyleValue : public ScriptObject<StyleValue, IPersistableObject> {
     static auto members() {
         using T = StyleValue;
         constexpr Parameter kItem{u"Item", u"Элемент"};
-        return core::members(
-            property(u"Border", u"Рамка", &T::border, &T::setBorder), property(u"Base", u"Основа", &T::base),
-            method(u"GetColor", u"ПолучитьЦвет", &T::color, kItem),
-            method(u"SetColor", u"УстановитьЦвет", &T::setColor, kItem, {u"Color", u"Цвет"}),
-            method(u"GetFont", u"ПолучитьШрифт", &T::font, kItem),
-            method(u"SetFont", u"УстановитьШрифт", &T::setFont, kItem, {u"Font", u"Шрифт"}),
-            method(u"Resolve", u"Разрешить", &T::resolve, {u"Color", u"Цвет"}), method(u"Use", u"Использовать", &T::use));
+        return core::members(property(u"Border", u"Рамка", &T::border, &T::setBorder),
+                             property(u"Base", u"Основа", &T::base),
+                             method(u"GetColor", u"ПолучитьЦвет", &T::color, kItem),
+                             method(u"SetColor", u"УстановитьЦвет", &T::setColor, kItem, {u"Color", u"Цвет"}),
+                             method(u"GetFont", u"ПолучитьШрифт", &T::font, kItem),
+                             method(u"SetFont", u"УстановитьШрифт", &T::setFont, kItem, {u"Font", u"Шрифт"}),
+                             method(u"Resolve", u"Разрешить", &T::resolve, {u"Color", u"Цвет"}),
+                             method(u"Use", u"Использовать", &T::use));
     }
 
     LumBorder border() const { return style_.border(); }
@@ -90,7 +91,9 @@ class StyleValue : public ScriptObject<StyleValue, IPersistableObject> {
     std::int32_t hashCode() const noexcept override { return style_.hash(); }
 
     // IPersistableObject
-    void serialize(IOutPersistenceStorage* storage) const override { to_stream(storage->listStream(), style_); }
+    void serialize(IOutPersistenceStorage* storage) const override {
+        to_stream(storage->listStream(), style_);
+    }
     void deserialize(IInPersistenceStorage* storage) override { from_stream(storage->listStream(), style_); }
 
   private:

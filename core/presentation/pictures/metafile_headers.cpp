@@ -14,7 +14,8 @@ std::int64_t signed16(const std::uint8_t* p) noexcept {
 /// A size of a drawing, which no number of bytes limits.
 void set_drawing_size(PictureInfo& info, std::int64_t width, std::int64_t height) noexcept {
     if (width > 0 && height > 0)
-        set_size(info, static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(height), 0x7FFFFFFFFFFFFFFF, 1);
+        set_size(info, static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(height),
+                 0x7FFFFFFFFFFFFFFF, 1);
 }
 
 } // namespace
@@ -27,7 +28,8 @@ bool read_emf(PictureSource& source, PictureInfo& info) {
     if (head == nullptr || le32(head + 4) < 88 || le32(head + 48) > source.size())
         return true;
     // The first and the last pixel, and the same frame in hundredths of a millimetre.
-    set_drawing_size(info, signed32(head + 16) - signed32(head + 8) + 1, signed32(head + 20) - signed32(head + 12) + 1);
+    set_drawing_size(info, signed32(head + 16) - signed32(head + 8) + 1,
+                     signed32(head + 20) - signed32(head + 12) + 1);
     const auto inches = [](std::int64_t hundredths) { return static_cast<double>(hundredths) / 2540; };
     const double width = inches(signed32(head + 32) - signed32(head + 24));
     const double height = inches(signed32(head + 36) - signed32(head + 28));
@@ -50,7 +52,8 @@ bool read_wmf(PictureSource& source, PictureInfo& info) {
     head = source.at(0, 22);
     if (head == nullptr || le16(head + 14) == 0)
         return true;
-    set_drawing_size(info, signed16(head + 10) - signed16(head + 6), signed16(head + 12) - signed16(head + 8));
+    set_drawing_size(info, signed16(head + 10) - signed16(head + 6),
+                     signed16(head + 12) - signed16(head + 8));
     if (info.width != 0)
         set_resolution(info, le16(head + 14), le16(head + 14));
     return true;

@@ -27,7 +27,8 @@ namespace {
 
 enum class Stored : std::int32_t { nothing, name, bytes };
 
-constexpr wstring_view kFormats[] = {u"", u"PNG", u"JPEG", u"GIF", u"BMP", u"ICO", u"TIFF", u"WebP", u"SVG", u"EMF", u"WMF"};
+constexpr wstring_view kFormats[] = {u"",     u"PNG",  u"JPEG", u"GIF", u"BMP", u"ICO",
+                                     u"TIFF", u"WebP", u"SVG",  u"EMF", u"WMF"};
 
 } // namespace
 
@@ -78,14 +79,17 @@ wstring Picture::presentation() const {
         return name_;
     wstring text(kFormats[static_cast<std::size_t>(info().format)]);
     if (info().width != 0)
-        text.append(u", ").append(string_intto(info().width)).append(u" × ").append(string_intto(info().height));
+        text.append(u", ")
+            .append(string_intto(info().width))
+            .append(u" × ")
+            .append(string_intto(info().height));
     return text;
 }
 
 bool operator==(const Picture& a, const Picture& b) noexcept {
-    return a.content_ == b.content_ ? compare_nocase(wstring_view(a.name_), wstring_view(b.name_)) == 0
-                                    : a.content_ != nullptr && b.content_ != nullptr &&
-                                          std::ranges::equal(a.bytes(), b.bytes());
+    return a.content_ == b.content_
+               ? compare_nocase(wstring_view(a.name_), wstring_view(b.name_)) == 0
+               : a.content_ != nullptr && b.content_ != nullptr && std::ranges::equal(a.bytes(), b.bytes());
 }
 
 std::int32_t Picture::hash() const noexcept {

@@ -19,8 +19,8 @@ class PictureSource {
 
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
 
-    /// Returns `count` bytes, borrowed until the next call; null where the picture has not so many there, or when too many
-    /// have been asked for.
+    /// Returns `count` bytes, borrowed until the next call; null where the picture has not so many there, or
+    /// when too many have been asked for.
     [[nodiscard]] const std::uint8_t* at(std::uint64_t offset, std::size_t count) {
         if (offset > size_ || count > size_ - offset)
             return nullptr;
@@ -84,10 +84,10 @@ inline std::uint32_t be32(const std::uint8_t* p) noexcept {
     return be16(p) << 16 | be16(p + 2);
 }
 
-/// Sets a size that is one of a picture: neither edge is 0, and the pixels are in what follows at the best ratio that the
-/// format can have: `pixelsPerByte` of them in each byte of `size`.
-inline void set_size(PictureInfo& info, std::uint64_t width, std::uint64_t height, std::uint64_t pixelsPerByte,
-                     std::uint64_t size) noexcept {
+/// Sets a size that is one of a picture: neither edge is 0, and the pixels are in what follows at the best
+/// ratio that the format can have: `pixelsPerByte` of them in each byte of `size`.
+inline void set_size(PictureInfo& info, std::uint64_t width, std::uint64_t height,
+                     std::uint64_t pixelsPerByte, std::uint64_t size) noexcept {
     constexpr std::uint64_t kMost = 0x7FFFFFFF; // so that the product fits
     if (width == 0 || height == 0 || width > kMost || height > kMost || width * height / pixelsPerByte > size)
         return;

@@ -46,7 +46,8 @@ bool read_png(PictureSource& source, PictureInfo& info) {
     if (depth == 0 || depth > 16 || (depth & (depth - 1)) != 0 || samples == 0)
         return true;
     const std::uint64_t bits = std::uint64_t{depth} * samples; // of a pixel, up to 64
-    set_size(info, be32(head + 8), be32(head + 12), std::max<std::uint64_t>(kDeflateRatio * 8 / bits, 1), source.size());
+    set_size(info, be32(head + 8), be32(head + 12), std::max<std::uint64_t>(kDeflateRatio * 8 / bits, 1),
+             source.size());
     read_png_resolution(source, info);
     return true;
 }

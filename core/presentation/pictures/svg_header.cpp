@@ -145,8 +145,8 @@ void set_rounded(PictureInfo& info, double width, double height) noexcept {
     constexpr double kMost = 0x7FFFFFFF;
     if (!(width >= 0.5 && height >= 0.5 && width < kMost && height < kMost))
         return;
-    set_size(info, static_cast<std::uint64_t>(std::llround(width)), static_cast<std::uint64_t>(std::llround(height)),
-             0x7FFFFFFFFFFFFFFF, 1);
+    set_size(info, static_cast<std::uint64_t>(std::llround(width)),
+             static_cast<std::uint64_t>(std::llround(height)), 0x7FFFFFFFFFFFFFFF, 1);
     set_resolution(info, kPixelsPerInch, kPixelsPerInch);
 }
 

@@ -21,8 +21,12 @@ class Numbers {
   public:
     Numbers(PictureSource& source, bool bigEndian) noexcept : source_(source), bigEndian_(bigEndian) {}
 
-    [[nodiscard]] std::uint32_t word(const std::uint8_t* p) const noexcept { return bigEndian_ ? be16(p) : le16(p); }
-    [[nodiscard]] std::uint32_t number(const std::uint8_t* p) const noexcept { return bigEndian_ ? be32(p) : le32(p); }
+    [[nodiscard]] std::uint32_t word(const std::uint8_t* p) const noexcept {
+        return bigEndian_ ? be16(p) : le16(p);
+    }
+    [[nodiscard]] std::uint32_t number(const std::uint8_t* p) const noexcept {
+        return bigEndian_ ? be32(p) : le32(p);
+    }
     /// The whole number of an entry; 0 for an entry of another type.
     [[nodiscard]] std::uint32_t whole(const std::uint8_t* entry) const noexcept {
         const std::uint32_t type = word(entry + 2);
@@ -48,7 +52,7 @@ struct Directory {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint32_t compression = 1;
-    std::uint32_t unit = 2; // an inch
+    std::uint32_t unit = 2;       // an inch
     std::uint64_t horizontal = 0; // offset of the entry
     std::uint64_t vertical = 0;
 };
@@ -63,13 +67,26 @@ Directory read_directory(PictureSource& source, const Numbers& numbers, std::uin
         if (entry == nullptr)
             break;
         switch (numbers.word(entry)) {
-        case kWidth: directory.width = numbers.whole(entry); break;
-        case kHeight: directory.height = numbers.whole(entry); break;
-        case kCompression: directory.compression = numbers.whole(entry); break;
-        case kHorizontal: directory.horizontal = place; break;
-        case kVertical: directory.vertical = place; break;
-        case kUnit: directory.unit = numbers.whole(entry); break;
-        default: break;
+        case kWidth:
+            directory.width = numbers.whole(entry);
+            break;
+        case kHeight:
+            directory.height = numbers.whole(entry);
+            break;
+        case kCompression:
+            directory.compression = numbers.whole(entry);
+            break;
+        case kHorizontal:
+            directory.horizontal = place;
+            break;
+        case kVertical:
+            directory.vertical = place;
+            break;
+        case kUnit:
+            directory.unit = numbers.whole(entry);
+            break;
+        default:
+            break;
         }
     }
     return directory;
@@ -95,7 +112,8 @@ bool read_tiff(PictureSource& source, PictureInfo& info) {
     // A row of a fax may be one bit.
     constexpr std::uint64_t kPlain = 8;
     constexpr std::uint64_t kPacked = 8 * 65536;
-    set_size(info, directory.width, directory.height, directory.compression == 1 ? kPlain : kPacked, source.size());
+    set_size(info, directory.width, directory.height, directory.compression == 1 ? kPlain : kPacked,
+             source.size());
     if (directory.unit == 2 || directory.unit == 3) {
         const double scale = directory.unit == 3 ? kCentimetresPerInch : 1;
         set_resolution(info, fraction_at(source, numbers, directory.horizontal) * scale,

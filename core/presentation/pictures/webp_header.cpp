@@ -15,7 +15,8 @@ struct Size {
 /// The size of a chunk of pixels that are stored with losses, "VP8 ", from its body.
 Size lossy(PictureSource& source, std::uint64_t body) {
     const std::uint8_t* const frame = source.at(body, 10);
-    const bool isKey = frame != nullptr && (frame[0] & 1) == 0 && std::memcmp(frame + 3, "\x9D\x01\x2A", 3) == 0;
+    const bool isKey =
+        frame != nullptr && (frame[0] & 1) == 0 && std::memcmp(frame + 3, "\x9D\x01\x2A", 3) == 0;
     return isKey ? Size{le16(frame + 6) & 0x3FFF, le16(frame + 8) & 0x3FFF} : Size{};
 }
 
@@ -41,8 +42,7 @@ bool holds(PictureSource& source, std::uint64_t offset, const Size& canvas) {
             return (isLossy ? lossy(source, body) : lossless(source, body)) == canvas;
         if (isFrame) {
             const std::uint8_t* const frame = source.at(body, 12);
-            return frame != nullptr &&
-                   std::uint64_t{le24(frame)} * 2 + le24(frame + 6) + 1 <= canvas.width &&
+            return frame != nullptr && std::uint64_t{le24(frame)} * 2 + le24(frame + 6) + 1 <= canvas.width &&
                    std::uint64_t{le24(frame + 3)} * 2 + le24(frame + 9) + 1 <= canvas.height;
         }
         offset = body + length + (length & 1);

@@ -28,7 +28,7 @@ enum class BorderSide : std::uint8_t {
 
 /// A border: its kind and a line for each of the four sides. A plain value; safe to read on any thread.
 struct CORE_API LumBorder {
-    BorderKind kind = BorderKind::automatic; ///< what it looks like
+    BorderKind kind = BorderKind::automatic;                  ///< what it looks like
     std::array<LumLine, 4> sides{kNone, kNone, kNone, kNone}; ///< by BorderSide
 
     /// The automatic border.
@@ -56,8 +56,8 @@ struct CORE_API LumBorder {
             valid = valid && line.isValid();
         return valid;
     }
-    /// Returns what people read, in the language of the thread: the kind, and the line where all sides have the same. Throws
-    /// std::bad_alloc.
+    /// Returns what people read, in the language of the thread: the kind, and the line where all sides have
+    /// the same. Throws std::bad_alloc.
     [[nodiscard]] wstring presentation() const;
 
     /// Says whether the kind and all lines are equal.
@@ -74,11 +74,11 @@ struct CORE_API LumBorder {
     static constexpr LumLine kNone{.kind = LineKind::none, .width = 0, .color = {}};
 };
 
-/// Writes a border as a list: the number of its kind and the four lines, left, top, right, bottom. Throws what the stream
-/// throws.
+/// Writes a border as a list: the number of its kind and the four lines, left, top, right, bottom. Throws
+/// what the stream throws.
 CORE_API void to_stream(ListOutStream& out, const LumBorder& border);
-/// Reads what to_stream() wrote. Throws ListStreamException for anything else, an invalid border among it; `border` is
-/// unchanged then.
+/// Reads what to_stream() wrote. Throws ListStreamException for anything else, an invalid border among it;
+/// `border` is unchanged then.
 CORE_API void from_stream(ListInStream& in, LumBorder& border);
 
 } // namespace core

@@ -24,8 +24,8 @@ enum class ColorKind : std::int32_t {
 /// Returns the script enumeration of the kinds, borrowed; it lives as long as the library.
 [[nodiscard]] CORE_API Enumeration* script_enumeration(ColorKind) noexcept;
 
-/// A colour as it was said: what has a name keeps it, so that `web:Aqua` and `web:Cyan` are two colours that look the same.
-/// A value of 8 bytes; safe to read on any thread.
+/// A colour as it was said: what has a name keeps it, so that `web:Aqua` and `web:Cyan` are two colours that
+/// look the same. A value of 8 bytes; safe to read on any thread.
 class CORE_API Color {
   public:
     /// The automatic colour.
@@ -33,16 +33,21 @@ class CORE_API Color {
     /// The absolute colour with these channels.
     constexpr Color(Rgba rgba) noexcept : kind_(ColorKind::absolute), value_(rgba.number()) {}
     /// The absolute colour with these channels, each from 0 to 255.
-    constexpr Color(std::uint8_t red, std::uint8_t green, std::uint8_t blue, std::uint8_t alpha = 255) noexcept
+    constexpr Color(std::uint8_t red, std::uint8_t green, std::uint8_t blue,
+                    std::uint8_t alpha = 255) noexcept
         : Color(Rgba{red, green, blue, alpha}) {}
 
-    /// Returns the colour of web_colors() with that name, in either language and any case; nothing if none has it.
+    /// Returns the colour of web_colors() with that name, in either language and any case; nothing if none
+    /// has it.
     [[nodiscard]] static std::optional<Color> web(wstring_view name) noexcept;
-    /// Returns the colour of windows_colors() with that name, in either language and any case; nothing if none has it.
+    /// Returns the colour of windows_colors() with that name, in either language and any case; nothing if
+    /// none has it.
     [[nodiscard]] static std::optional<Color> windows(wstring_view name) noexcept;
-    /// Returns the colour of style_colors() with that name, in either language and any case; nothing if none has it.
+    /// Returns the colour of style_colors() with that name, in either language and any case; nothing if none
+    /// has it.
     [[nodiscard]] static std::optional<Color> style(wstring_view name) noexcept;
-    /// Returns the colour at a position of the table of its kind. The kind must have a table, and the table that position.
+    /// Returns the colour at a position of the table of its kind. The kind must have a table, and the table
+    /// that position.
     [[nodiscard]] static constexpr Color named(ColorKind kind, std::size_t position) noexcept {
         return Color(kind, static_cast<std::uint32_t>(position));
     }
@@ -51,21 +56,23 @@ class CORE_API Color {
     [[nodiscard]] constexpr ColorKind kind() const noexcept { return kind_; }
     /// Says whether the colour is the automatic one.
     [[nodiscard]] constexpr bool isAutomatic() const noexcept { return kind_ == ColorKind::automatic; }
-    /// Returns the channels; nothing for the automatic colour. A colour of a style has those that it has where no style sets
-    /// it; Style::resolve() asks a style.
+    /// Returns the channels; nothing for the automatic colour. A colour of a style has those that it has
+    /// where no style sets it; Style::resolve() asks a style.
     [[nodiscard]] std::optional<Rgba> rgba() const noexcept;
-    /// Returns the name in a language (kEnglish, kRussian), borrowed for ever; null for a colour that is said without one.
+    /// Returns the name in a language (kEnglish, kRussian), borrowed for ever; null for a colour that is said
+    /// without one.
     [[nodiscard]] const wchar* name(int alias) const noexcept;
 
-    /// Returns the one text of the colour, the same in each language: "auto", "#RRGGBB", "#RRGGBBAA" where it is not opaque,
-    /// "web:SteelBlue", "windows:ButtonFace", "style:TextColor". Throws std::bad_alloc.
+    /// Returns the one text of the colour, the same in each language: "auto", "#RRGGBB", "#RRGGBBAA" where it
+    /// is not opaque, "web:SteelBlue", "windows:ButtonFace", "style:TextColor". Throws std::bad_alloc.
     [[nodiscard]] wstring toText() const;
-    /// Returns the colour of a text; nothing for a text that says none. Besides what toText() returns it takes "#RGB" and
-    /// "#RGBA", names in either language, prefixes in any case and their Russian forms ("веб:СтальнойСиний"), and the name of
-    /// a colour of the web without a prefix. White space around the text does not count.
+    /// Returns the colour of a text; nothing for a text that says none. Besides what toText() returns it
+    /// takes "#RGB" and
+    /// "#RGBA", names in either language, prefixes in any case and their Russian forms ("веб:СтальнойСиний"),
+    /// and the name of a colour of the web without a prefix. White space around the text does not count.
     [[nodiscard]] static std::optional<Color> fromText(wstring_view text) noexcept;
-    /// Returns what people read, in the language of the thread: a name, "#RRGGBB", or the word for the automatic colour.
-    /// Throws std::bad_alloc.
+    /// Returns what people read, in the language of the thread: a name, "#RRGGBB", or the word for the
+    /// automatic colour. Throws std::bad_alloc.
     [[nodiscard]] wstring presentation() const;
 
     /// Says whether two colours are said in the same way; look at rgba() to compare what is seen.

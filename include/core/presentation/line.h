@@ -37,23 +37,25 @@ struct CORE_API LumLine {
     [[nodiscard]] constexpr bool isValid() const noexcept {
         return kind >= LineKind::none && kind <= LineKind::twofold && width >= 0 && width <= kMaxLineWidth;
     }
-    /// Returns what people read, in the language of the thread: "Dashed, 2, SteelBlue". Throws std::bad_alloc.
+    /// Returns what people read, in the language of the thread: "Dashed, 2, SteelBlue". Throws
+    /// std::bad_alloc.
     [[nodiscard]] wstring presentation() const;
 
     /// Says whether all fields are equal.
     friend constexpr bool operator==(const LumLine&, const LumLine&) = default;
     /// Returns a hash; equal lines have equal ones.
     [[nodiscard]] constexpr std::int32_t hash() const noexcept {
-        return static_cast<std::int32_t>((static_cast<std::uint32_t>(color.hash()) * 31 +
-                                          static_cast<std::uint32_t>(kind)) * 31 +
-                                         static_cast<std::uint32_t>(width));
+        return static_cast<std::int32_t>(
+            (static_cast<std::uint32_t>(color.hash()) * 31 + static_cast<std::uint32_t>(kind)) * 31 +
+            static_cast<std::uint32_t>(width));
     }
 };
 
-/// Writes a line as a list: the number of its kind, the width, the text of the colour. Throws what the stream throws.
+/// Writes a line as a list: the number of its kind, the width, the text of the colour. Throws what the stream
+/// throws.
 CORE_API void to_stream(ListOutStream& out, const LumLine& line);
-/// Reads what to_stream() wrote. Throws ListStreamException for anything else, an invalid line among it; `line` is unchanged
-/// then.
+/// Reads what to_stream() wrote. Throws ListStreamException for anything else, an invalid line among it;
+/// `line` is unchanged then.
 CORE_API void from_stream(ListInStream& in, LumLine& line);
 
 } // namespace core

@@ -7,7 +7,8 @@
 #include <cstdint>
 #include <span>
 
-/// What the first bytes of a picture say. No pixel is decoded, and at most 64 KB are read, wherever they stand.
+/// What the first bytes of a picture say. No pixel is decoded, and at most 64 KB are read, wherever they
+/// stand.
 namespace core {
 
 class Enumeration;
@@ -32,8 +33,9 @@ enum class PictureFormat : std::int32_t {
 /// What is known of a picture.
 struct PictureInfo {
     PictureFormat format = PictureFormat::unknown; ///< by the content, never by the name of a file
-    /// In pixels: of the largest one in ICO, of the first page in TIFF, the units of a WMF, pixels of CSS (96 an inch) in SVG.
-    /// 0 where the picture does not say it, where that lies too deep, and where so many pixels cannot be in so few bytes.
+    /// In pixels: of the largest one in ICO, of the first page in TIFF, the units of a WMF, pixels of CSS (96
+    /// an inch) in SVG. 0 where the picture does not say it, where that lies too deep, and where so many
+    /// pixels cannot be in so few bytes.
     std::uint32_t width = 0;
     std::uint32_t height = 0;        ///< as `width`; both are 0, or neither
     double horizontalResolution = 0; ///< in pixels an inch; 0 where the picture does not say it
@@ -45,7 +47,8 @@ struct PictureInfo {
 
 /// Returns what the bytes of a whole picture say. Takes any bytes; safe on any thread.
 [[nodiscard]] CORE_API PictureInfo picture_info(std::span<const std::byte> bytes);
-/// Returns what a file says. The current position of the file stays. Throws what the file throws, and std::bad_alloc.
+/// Returns what a file says. The current position of the file stays. Throws what the file throws, and
+/// std::bad_alloc.
 [[nodiscard]] CORE_API PictureInfo picture_info(IFile& file);
 
 } // namespace core

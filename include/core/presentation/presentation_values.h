@@ -12,16 +12,16 @@
 
 #include <concepts>
 
-/// Colours, fonts, lines, borders, rectangles, shortcuts, pictures and styles as script values: `New Color("#4682B4")`,
-/// `WebColors.SteelBlue`. All but Style never change once made; two are equal when their content is. They convert by
-/// from_value() and to_value().
+/// Colours, fonts, lines, borders, rectangles, shortcuts, pictures and styles as script values: `New
+/// Color("#4682B4")`, `WebColors.SteelBlue`. All but Style never change once made; two are equal when their
+/// content is. They convert by from_value() and to_value().
 namespace core {
 
 /// A presentation value of C++ that scripts have an object for.
 template <class C>
-concept PresentationContent =
-    std::same_as<C, Color> || std::same_as<C, Font> || std::same_as<C, LumLine> || std::same_as<C, LumBorder> ||
-    std::same_as<C, Rect> || std::same_as<C, ShortCut> || std::same_as<C, Picture> || std::same_as<C, Style>;
+concept PresentationContent = std::same_as<C, Color> || std::same_as<C, Font> || std::same_as<C, LumLine> ||
+    std::same_as<C, LumBorder> || std::same_as<C, Rect> || std::same_as<C, ShortCut> ||
+    std::same_as<C, Picture> || std::same_as<C, Style>;
 
 namespace detail {
 
@@ -44,10 +44,12 @@ CORE_API void read_content(const Value& value, ValueReceiver receiver, Style& co
 
 } // namespace detail
 
-/// A presentation value: the object of that name. A Color and a ShortCut may also be a String with their text.
+/// A presentation value: the object of that name. A Color and a ShortCut may also be a String with their
+/// text.
 template <PresentationContent C>
 struct NativeValue<C> {
-    /// Returns the content; refuses the type of any other value, and the value of a String that is not such a text.
+    /// Returns the content; refuses the type of any other value, and the value of a String that is not such a
+    /// text.
     static C from(const Value& value, ValueReceiver receiver) {
         C content;
         detail::read_content(value, receiver, content);
@@ -57,8 +59,8 @@ struct NativeValue<C> {
     static Value to(const C& value) { return detail::value_of(value); }
 };
 
-/// Returns what scripts find without an object in front: a context whose properties WebColors, WindowsColors and StyleColors
-/// have a property for each colour of their tables, in both languages. Throws std::bad_alloc.
+/// Returns what scripts find without an object in front: a context whose properties WebColors, WindowsColors
+/// and StyleColors have a property for each colour of their tables, in both languages. Throws std::bad_alloc.
 [[nodiscard]] CORE_API InterfacePtr<IContext_> create_presentation_functions();
 
 } // namespace core

@@ -12,8 +12,9 @@ namespace core {
 class ListInStream;
 class ListOutStream;
 
-/// A rectangle of pixels: from the first column and row up to, but without, the last. The y axis leads down. One whose right
-/// is not behind its left, or bottom behind its top, is empty. A value of 16 bytes; safe to read on any thread.
+/// A rectangle of pixels: from the first column and row up to, but without, the last. The y axis leads down.
+/// One whose right is not behind its left, or bottom behind its top, is empty. A value of 16 bytes; safe to
+/// read on any thread.
 struct Rect {
     std::int32_t left = 0;   ///< the first column
     std::int32_t top = 0;    ///< the first row
@@ -49,7 +50,8 @@ struct Rect {
         return {std::min(left, other.left), std::min(top, other.top), std::max(right, other.right),
                 std::max(bottom, other.bottom)};
     }
-    /// Returns the rectangle moved to the right and down. An edge that would leave the range of its numbers stays at its end.
+    /// Returns the rectangle moved to the right and down. An edge that would leave the range of its numbers
+    /// stays at its end.
     [[nodiscard]] constexpr Rect moved(std::int32_t x, std::int32_t y) const noexcept {
         return {sum(left, x), sum(top, y), sum(right, x), sum(bottom, y)};
     }

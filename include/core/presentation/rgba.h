@@ -39,16 +39,17 @@ struct Hsl {
 
 /// Returns the hue, the saturation and the lightness of a colour; its alpha does not count.
 [[nodiscard]] CORE_API Hsl to_hsl(Rgba color) noexcept;
-/// Returns the nearest colour in 8 bits a channel. Any hue is taken round the circle; what else is out of range counts as
-/// the end of its range, and NaN as 0. from_hsl(to_hsl(c), c.alpha) is `c` for every colour.
+/// Returns the nearest colour in 8 bits a channel. Any hue is taken round the circle; what else is out of
+/// range counts as the end of its range, and NaN as 0. from_hsl(to_hsl(c), c.alpha) is `c` for every colour.
 [[nodiscard]] CORE_API Rgba from_hsl(const Hsl& color, std::uint8_t alpha = 255) noexcept;
 
 /// Returns what is seen of `above` when it lies on `below`.
 [[nodiscard]] CORE_API Rgba blend(Rgba above, Rgba below) noexcept;
 /// Returns the relative luminance of WCAG 2, from 0 for black to 1 for white; alpha does not count.
 [[nodiscard]] CORE_API double luminance(Rgba color) noexcept;
-/// Returns the contrast ratio of WCAG 2, from 1 to 21, of a text on a background. A text that is not opaque is first blended
-/// with the background, whose own alpha does not count. 4.5 is the least for texts that are to be read by everybody.
+/// Returns the contrast ratio of WCAG 2, from 1 to 21, of a text on a background. A text that is not opaque
+/// is first blended with the background, whose own alpha does not count. 4.5 is the least for texts that are
+/// to be read by everybody.
 [[nodiscard]] CORE_API double contrast(Rgba text, Rgba background) noexcept;
 
 } // namespace core

@@ -18,10 +18,11 @@ class ILinesService : public IUnknown {
   public:
     static constexpr GUID IID = "4cd40c05-627a-4c45-92a6-5be0f2e3dc9f"_guid; ///< the interface's id
 
-    /// Returns the line that is drawn where nothing else is said: solid, one pixel, in the colour of the text.
+    /// Returns the line that is drawn where nothing else is said: solid, one pixel, in the colour of the
+    /// text.
     [[nodiscard]] virtual LumLine standard() const noexcept = 0;
-    /// Returns how long the dashes and gaps of a kind are by turns, in widths of the line, borrowed for ever; empty for a kind
-    /// without gaps.
+    /// Returns how long the dashes and gaps of a kind are by turns, in widths of the line, borrowed for ever;
+    /// empty for a kind without gaps.
     [[nodiscard]] virtual std::span<const std::uint8_t> dashes(LineKind kind) const noexcept = 0;
 
   protected:
@@ -33,8 +34,8 @@ class IBordersService : public IUnknown {
   public:
     static constexpr GUID IID = "b5efe0a9-786b-49e4-8c76-4c17fa2a145a"_guid; ///< the interface's id
 
-    /// Returns the border that is drawn for a border: itself, or for the automatic one what the style of the process has; the
-    /// standard line on all sides where the style has none. Throws std::bad_alloc.
+    /// Returns the border that is drawn for a border: itself, or for the automatic one what the style of the
+    /// process has; the standard line on all sides where the style has none. Throws std::bad_alloc.
     [[nodiscard]] virtual LumBorder resolve(const LumBorder& border) const = 0;
 
   protected:
@@ -51,8 +52,9 @@ class IPresentationService : public IUnknown {
     /// Puts a style into use. Throws std::bad_alloc; the old one stays then.
     virtual void setStyle(const Style& style) = 0;
 
-    /// Registers the content of a picture under a name, without regard to case; it replaces one of the same name. Throws
-    /// ContextException (messages::kParameterValue) for an empty name and for a picture without bytes, and std::bad_alloc.
+    /// Registers the content of a picture under a name, without regard to case; it replaces one of the same
+    /// name. Throws ContextException (messages::kParameterValue) for an empty name and for a picture without
+    /// bytes, and std::bad_alloc.
     virtual void registerPicture(wstring_view name, const Picture& picture) = 0;
     /// Forgets the picture of a name; no effect if none exists. Pictures that hold its bytes keep them.
     virtual void revokePicture(wstring_view name) noexcept = 0;
@@ -88,8 +90,8 @@ class IOutputRightAccessController : public IUnknown {
     ~IOutputRightAccessController() = default;
 };
 
-/// Throws PresentationException (messages::kOutputNotAllowed) when the calling thread's process forbids a kind of output.
-/// Without the service everything is allowed.
+/// Throws PresentationException (messages::kOutputNotAllowed) when the calling thread's process forbids a
+/// kind of output. Without the service everything is allowed.
 CORE_API void require_output_right(OutputRight right);
 
 } // namespace core

@@ -29,14 +29,15 @@ enum class KeyModifiers : std::uint32_t {
     return static_cast<KeyModifiers>(static_cast<std::uint32_t>(a) & static_cast<std::uint32_t>(b));
 }
 
-/// Returns the number of a key by its untranslated name, in any case: "A", "7", "+", "F5", "PageUp", "Space". A key that
-/// types a character has the number of that character in ASCII, a letter that of the capital; any other key has a number
-/// from 256 on. Returns nothing for a text that is not a key.
+/// Returns the number of a key by its untranslated name, in any case: "A", "7", "+", "F5", "PageUp", "Space".
+/// A key that types a character has the number of that character in ASCII, a letter that of the capital; any
+/// other key has a number from 256 on. Returns nothing for a text that is not a key.
 [[nodiscard]] CORE_API std::optional<std::uint32_t> key_number(wstring_view name) noexcept;
 /// Returns the untranslated name of a key; empty for a number that is not a key. Throws std::bad_alloc.
 [[nodiscard]] CORE_API wstring key_name(std::uint32_t key);
 
-/// A key, perhaps with others held down, that calls a command. A value of 8 bytes; safe to read on any thread.
+/// A key, perhaps with others held down, that calls a command. A value of 8 bytes; safe to read on any
+/// thread.
 class CORE_API ShortCut {
   public:
     /// No key.
@@ -56,14 +57,15 @@ class CORE_API ShortCut {
         return (modifiers_ & modifier) != KeyModifiers::none;
     }
 
-    /// Returns the one text of the shortcut, the same in each language: "Ctrl+Alt+Shift+Meta+F5" with what is held down in
-    /// this order, "Ctrl++" for the key "+"; the empty text where there is no key. Throws std::bad_alloc.
-    [[nodiscard]] wstring toText() const;
-    /// Returns the shortcut of a text; nothing for any text that says none. It takes the modifiers in any order and case, each
-    /// once, and white space around the parts. The empty text is that without a key.
-    [[nodiscard]] static std::optional<ShortCut> fromText(wstring_view text) noexcept;
-    /// Returns what people read, in the language of the thread, where keys such as "Space" have names of their own. Throws
+    /// Returns the one text of the shortcut, the same in each language: "Ctrl+Alt+Shift+Meta+F5" with what is
+    /// held down in this order, "Ctrl++" for the key "+"; the empty text where there is no key. Throws
     /// std::bad_alloc.
+    [[nodiscard]] wstring toText() const;
+    /// Returns the shortcut of a text; nothing for any text that says none. It takes the modifiers in any
+    /// order and case, each once, and white space around the parts. The empty text is that without a key.
+    [[nodiscard]] static std::optional<ShortCut> fromText(wstring_view text) noexcept;
+    /// Returns what people read, in the language of the thread, where keys such as "Space" have names of
+    /// their own. Throws std::bad_alloc.
     [[nodiscard]] wstring presentation() const;
 
     /// Says whether the key and the modifiers are equal.
@@ -78,10 +80,11 @@ class CORE_API ShortCut {
     KeyModifiers modifiers_ = KeyModifiers::none;
 };
 
-/// Writes a shortcut as a list of two numbers, that of the key and that of the modifiers. Throws what the stream throws.
+/// Writes a shortcut as a list of two numbers, that of the key and that of the modifiers. Throws what the
+/// stream throws.
 CORE_API void to_stream(ListOutStream& out, const ShortCut& shortCut);
-/// Reads what to_stream() wrote. Throws ListStreamException for anything else, the number of no key among it; `shortCut` is
-/// unchanged then.
+/// Reads what to_stream() wrote. Throws ListStreamException for anything else, the number of no key among it;
+/// `shortCut` is unchanged then.
 CORE_API void from_stream(ListInStream& in, ShortCut& shortCut);
 
 } // namespace core
