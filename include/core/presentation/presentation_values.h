@@ -13,7 +13,7 @@
 #include <concepts>
 
 /// Colours, fonts, lines, borders, rectangles, shortcuts, pictures and styles as script values: `New
-/// Color("#4682B4")`, `WebColors.SteelBlue`. All but Style never change once made; two are equal when their
+/// Color("#4682B4")`, `WebColors.SteelBlue`. They never change once made, except Style; two are equal when their
 /// content is. They convert by from_value() and to_value().
 namespace core {
 
