@@ -13,8 +13,8 @@
 #include <concepts>
 
 /// Colours, fonts, lines, borders, rectangles, shortcuts, pictures and styles as script values: `New
-/// Color("#4682B4")`, `WebColors.SteelBlue`. They never change once made, except Style; two are equal when their
-/// content is. They convert by from_value() and to_value().
+/// Color("#4682B4")`, `WebColors.SteelBlue`. They never change once made, except Style; two are equal when
+/// their content is. They convert by from_value() and to_value().
 namespace core {
 
 /// A presentation value of C++ that scripts have an object for.
