@@ -96,11 +96,12 @@ std::string wmf(std::int16_t width, std::int16_t height, std::uint16_t unitsPerI
 }
 
 TEST(Pictures, AreWhatASecondReaderSees) {
-    if (std::system("python3 -c 'import PIL' 2>/dev/null") != 0)
+    const std::string python = "PATH=/usr/bin:$PATH python3 -B "; // that of the package python3-pil first
+    if (std::system((python + "-c 'import PIL' 2>/dev/null").c_str()) != 0)
         GTEST_SKIP() << "no python3 with PIL";
     const std::string folder = testing::TempDir() + "pictures-" + std::to_string(::getpid());
     std::filesystem::create_directory(folder);
-    ASSERT_EQ(std::system(("python3 -B " CORE_SOURCE_DIR "/tests/presentation/pictures.py " + folder + " >" +
+    ASSERT_EQ(std::system((python + CORE_SOURCE_DIR "/tests/presentation/pictures.py " + folder + " >" +
                            folder + "/list.txt")
                               .c_str()),
               0);

@@ -210,7 +210,7 @@ TEST_F(PresentationValues, ScriptsMakeThemAndAskThem) {
     EXPECT_EQ(from_value<ShortCut>(script::make(u"ShortCut", {GenericValue(u"Ctrl++")})),
               ShortCut(u'+', KeyModifiers::ctrl));
     EXPECT_EQ(script::failure([] {
-                  script::make(u"Font", {GenericValue(), Numeric("10.005")});
+                  script::make(u"Font", {GenericValue(), Numeric::parse("10.005").value()});
               }),
               script::value_mismatch(1));
 
