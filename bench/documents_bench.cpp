@@ -33,9 +33,9 @@ const std::vector<RecordedEdit>& session() {
         std::uint64_t size = 0;
         while (made.size() < kEdits) {
             std::uint64_t at = random() % (size + 1);
-            for (unsigned count = 5 + random() % 60; count > 0; --count, ++at, ++size)
+            for (std::uint64_t count = 5 + random() % 60; count > 0; --count, ++at, ++size)
                 made.push_back({at, 0, wstring(1, random() % 40 == 0 ? u'\n' : u'x')});
-            for (unsigned count = random() % 20; count > 0 && at > 0; --count, --size)
+            for (std::uint64_t count = random() % 20; count > 0 && at > 0; --count, --size)
                 made.push_back({--at, 1, {}});
         }
         made.resize(kEdits);

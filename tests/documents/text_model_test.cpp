@@ -280,7 +280,7 @@ TEST(TextModel, TypingInBurstsBesideSnapshots) {
     std::vector<std::pair<TextSnapshot, wstring>> kept;
     for (int burst = 0; burst < 2000; ++burst) {
         std::uint64_t at = random() % (model.size() + 1);
-        for (unsigned count = random() % 12; count > 0; --count) {
+        for (std::uint64_t count = random() % 12; count > 0; --count) {
             static constexpr wstring_view kKeys = u"abc \r\n";
             const wchar key = kKeys[random() % kKeys.size()];
             document.insert(at, {&key, 1});
@@ -289,7 +289,7 @@ TEST(TextModel, TypingInBurstsBesideSnapshots) {
             if (random() % 64 == 0)
                 kept.emplace_back(document.text(), model);
         }
-        for (unsigned count = random() % 4; count > 0 && at > 0; --count) {
+        for (std::uint64_t count = random() % 4; count > 0 && at > 0; --count) {
             --at;
             document.remove({at, at + 1});
             model.erase(at, 1);

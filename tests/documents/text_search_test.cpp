@@ -29,13 +29,13 @@ TEST(TextSearch, FindsAcrossPieces) {
     std::mt19937 random(3);
     for (int round = 0; round < 300; ++round) {
         wstring text;
-        for (unsigned i = random() % 900; i > 0; --i)
+        for (std::uint64_t i = random() % 900; i > 0; --i)
             text += u"abAB"[random() % 4];
         TextManager document;
         cut_up(document, text);
         ASSERT_EQ(document.text().text(), text);
         wstring wanted;
-        for (unsigned i = 1 + random() % 5; i > 0; --i)
+        for (std::uint64_t i = 1 + random() % 5; i > 0; --i)
             wanted += u"abAB"[random() % 4];
         std::vector<TextRange> expected;
         for (std::size_t at = text.find(wanted); at != wstring::npos;
