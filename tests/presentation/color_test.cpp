@@ -143,8 +143,9 @@ TEST(Colors, BlendingAgreesWithItsFormula) {
         const double b = below.alpha / 255.0 * (1 - a);
         const Rgba seen = blend(above, below);
         ASSERT_NEAR(seen.alpha, (a + b) * 255, 0.5001);
-        if (a + b > 0)
+        if (a + b > 0) {
             ASSERT_NEAR(seen.green, (above.green * a + below.green * b) / (a + b), 0.5001);
+        }
     }
     EXPECT_EQ(blend({1, 2, 3, 0}, {4, 5, 6, 0}), (Rgba{0, 0, 0, 0}));
 }

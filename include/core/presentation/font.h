@@ -44,14 +44,14 @@ inline constexpr std::int32_t kMaxFontSize =
 
 /// A font. A part without a value is inherited. A plain value; safe to read on any thread.
 struct CORE_API Font {
-    std::optional<std::size_t>
-        item; ///< the position in style_fonts() of the font that this one inherits from first
-    std::optional<wstring> face;        ///< the name of the family; the empty one is that of the system
-    std::optional<std::int32_t> size;   ///< in hundredths of a point, from 1 to kMaxFontSize
-    std::optional<std::int32_t> weight; ///< from 1 to kMaxWeight
-    std::optional<FontSlant> slant;     ///< how the letters stand
-    std::optional<bool> underline;      ///< whether there is a line below
-    std::optional<bool> strikeOut;      ///< whether there is a line through the letters
+    /// The position in style_fonts() of the font that this one inherits from first.
+    std::optional<std::size_t> item{};
+    std::optional<wstring> face{};        ///< the name of the family; the empty one is that of the system
+    std::optional<std::int32_t> size{};   ///< in hundredths of a point, from 1 to kMaxFontSize
+    std::optional<std::int32_t> weight{}; ///< from 1 to kMaxWeight
+    std::optional<FontSlant> slant{};     ///< how the letters stand
+    std::optional<bool> underline{};      ///< whether there is a line below
+    std::optional<bool> strikeOut{};      ///< whether there is a line through the letters
 
     /// Returns how the font is said.
     [[nodiscard]] FontKind kind() const noexcept;

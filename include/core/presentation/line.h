@@ -29,7 +29,7 @@ inline constexpr std::int32_t kMaxLineWidth = 1000; ///< no line is wider, in pi
 struct CORE_API LumLine {
     LineKind kind = LineKind::solid; ///< how it is drawn
     std::int32_t width = 1;          ///< in pixels, from 0, where nothing is drawn, to kMaxLineWidth
-    Color color;                     ///< the automatic colour is that of the text
+    Color color{};                   ///< the automatic colour is that of the text
 
     /// Says whether anything is drawn.
     [[nodiscard]] constexpr bool isVisible() const noexcept { return kind != LineKind::none && width > 0; }
