@@ -7,3 +7,4 @@
 #include <core/dates/errors.h>
 #include <core/dates/settings.h>
 #include <core/dates/shown_date.h>
+#include <core/dates/standard_period.h>
