@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Local and universal time, the changes of clocks, and the current date under a clock that stands.
+#include "tests/support/stopped_clock.h"
+
 #include <core/dates.h>
-#include <core/runtime/clock.h>
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
@@ -40,17 +41,6 @@ TEST(DateZone, TheEndsOfTheRangeHold) {
     EXPECT_TRUE(Date(1, 1, 1, 0, 0, 1).toUniversalTime("Asia/Tokyo").isEmpty());
     EXPECT_EQ(Date::largest().toLocalTime("Asia/Tokyo"), Date::largest());
 }
-
-class StoppedClock final : public Clock {
-  public:
-    explicit StoppedClock(std::chrono::system_clock::time_point time) : time_(time) { replace_clock(this); }
-    ~StoppedClock() override { replace_clock(nullptr); }
-    std::chrono::system_clock::time_point now() noexcept override { return time_; }
-    void sleep(std::chrono::milliseconds) override {}
-
-  private:
-    std::chrono::system_clock::time_point time_;
-};
 
 TEST(DateZone, TheCurrentDateIsTheClocksLocalTimeInWholeSeconds) {
     using namespace std::chrono_literals;
