@@ -13,5 +13,6 @@
 #include <core/objects/locale_functions.h>
 #include <core/objects/locale_values.h>
 #include <core/objects/native_enumeration.h>
+#include <core/objects/standard_periods.h>
 #include <core/objects/text_streams.h>
 #include <core/streams/errors.h>
