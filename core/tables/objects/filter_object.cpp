@@ -4,6 +4,7 @@
 #include <core/collections/value_map.h>
 #include <core/collections/value_structure.h>
 #include <core/context/script_object.h>
+#include <core/objects/standard_periods.h>
 #include <core/tables/filter.h>
 
 namespace core {
@@ -42,9 +43,10 @@ class FilterObject : public ScriptObject<FilterObject, IPersistableObject> {
         if (arguments.size() == 3)
             return make_object<FilterObject>(Filter::where(
                 first, from_value<wstring_view>(arguments[1], ValueReceiver::parameter(1)), arguments[2]));
-        const InterfacePtr<IValuePairs> pairs = parameters(arguments[1]);
-        return make_object<FilterObject>(pairs ? Filter(first, read(*pairs))
-                                               : Filter::where(first, u"=", arguments[1]));
+        if (const InterfacePtr<IValuePairs> pairs = parameters(arguments[1]))
+            return make_object<FilterObject>(Filter(first, read(*pairs)));
+        const wstring_view comparison = as_standard_period(arguments[1]) != nullptr ? u"In" : u"=";
+        return make_object<FilterObject>(Filter::where(first, comparison, arguments[1]));
     }
     static auto members() {
         using T = FilterObject;

@@ -5,6 +5,7 @@
 #include "core/tables/query/expression_errors.h"
 #include "core/tables/query/expression_steps.h"
 #include "core/tables/query/index_search.h"
+#include "core/tables/query/standard_dates.h"
 
 #include <core/runtime/threads/thread.h>
 
@@ -173,8 +174,11 @@ TypeDomain domain_of_cells(const CellColumn& cells) {
 
 std::vector<RowId> rows_where(const TableData& data, RowId parent, bool subordinates,
                               const ExpressionNode& condition) {
-    BoundExpression bound(data, condition);
-    if (const auto rows = rows_by_index(data, condition))
+    // The index and the expression must mean the same day.
+    const ExpressionPtr dated = with_standard_dates(condition);
+    const ExpressionNode& asked = dated ? *dated : condition;
+    BoundExpression bound(data, asked);
+    if (const auto rows = rows_by_index(data, asked))
         return bound.rowsWhere(RowRange(*rows));
     const RowList list(data, parent, subordinates);
     return bound.rowsWhere(list.range());

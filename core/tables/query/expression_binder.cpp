@@ -4,6 +4,7 @@
 #include "core/tables/query/bound_expression.h"
 #include "core/tables/query/expression_errors.h"
 #include "core/tables/query/expression_steps.h"
+#include "core/tables/query/standard_dates.h"
 
 #include <core/strings/integer_text.h>
 #include <core/strings/nearest.h>
@@ -142,7 +143,8 @@ class Binder {
 } // namespace
 
 StepPtr bind_expression(const TableData& data, const ExpressionNode& expression) {
-    return Binder(data).bind(expression);
+    const ExpressionPtr dated = with_standard_dates(expression);
+    return Binder(data).bind(dated ? *dated : expression);
 }
 
 } // namespace core

@@ -53,8 +53,9 @@ class CORE_API Filter {
     Filter(const char* text, const ExpressionParameters& parameters = {})
         : Filter(std::string_view(text), parameters) {}
     /// Makes a filter that compares a column with a value. The comparison is one of =, <>, <, <=, >, >=,
-    /// Like, In, Between, or Not with one of the last three, in either language; In takes an array or a value
-    /// list, Between an array of two values. Throws ExpressionException for another comparison.
+    /// Like, In, Between, or Not with one of the last three, in either language; In takes an array, a value
+    /// list or a standard period, whose dates are those of the day on which the filter is used; Between takes
+    /// an array of two values. Throws ExpressionException for another comparison.
     [[nodiscard]] static Filter where(wstring_view column, wstring_view comparison, const Value& value);
 
     /// Returns the filter that the rows pass that pass both.
