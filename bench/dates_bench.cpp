@@ -150,6 +150,25 @@ void local_time_core(benchmark::State& state) {
     });
 }
 
+void period_core(benchmark::State& state) {
+    each(state, [](const Moments& m, std::size_t i) {
+        // All variants in turn, in an order that no processor foresees.
+        const auto variant = static_cast<core::StandardPeriodVariant>(1 + i * 29 % 47);
+        const core::DatePeriod dates = core::StandardPeriod(variant).dates(m.dates[i], 1);
+        benchmark::DoNotOptimize(dates);
+    });
+}
+
+void period_chrono(benchmark::State& state) {
+    each(state, [](const Moments& m, std::size_t i) { // this month alone
+        const year_month_day date(floor<days>(m.points[i]));
+        const sys_days begin = date.year() / date.month() / 1;
+        const Seconds end = sys_days(date.year() / date.month() / last) + days(1) - seconds(1);
+        benchmark::DoNotOptimize(begin);
+        benchmark::DoNotOptimize(end);
+    });
+}
+
 BENCHMARK(split_core);
 BENCHMARK(split_chrono);
 BENCHMARK(build_core);
@@ -160,5 +179,7 @@ BENCHMARK(format_core);
 BENCHMARK(format_strftime);
 BENCHMARK(parse_core);
 BENCHMARK(local_time_core);
+BENCHMARK(period_core);
+BENCHMARK(period_chrono);
 
 } // namespace

@@ -2,7 +2,7 @@
 #pragma once
 
 /// Script objects that are not collections: binary data, text readers and writers, locales and texts in
-/// several languages, enumerations and their values, the global functions.
+/// several languages, standard periods, enumerations and their values, the global functions.
 #include <core/context.h>
 #include <core/lists/errors.h>
 #include <core/objects/binary_data.h>
