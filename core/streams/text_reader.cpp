@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/streams/find_unit.h"
+#include "core/streams/ends_line.h"
 #include "core/streams/text_source.h"
 
 #include <core/runtime/errors.h>
@@ -9,31 +9,6 @@
 #include <utility>
 
 namespace core {
-namespace {
-
-/// What ends a line everywhere.
-struct EndsLine {
-    static bool one(wchar unit) noexcept { return unit == u'\n' || unit == u'\r'; }
-#ifdef __SSE2__
-    static __m128i eight(__m128i units) noexcept {
-        return _mm_or_si128(_mm_cmpeq_epi16(units, _mm_set1_epi16(u'\n')),
-                            _mm_cmpeq_epi16(units, _mm_set1_epi16(u'\r')));
-    }
-#endif
-};
-
-/// The same with U+2028 and U+2029.
-struct EndsUnicodeLine {
-    static bool one(wchar unit) noexcept { return EndsLine::one(unit) || (unit & ~1) == 0x2028; }
-#ifdef __SSE2__
-    static __m128i eight(__m128i units) noexcept {
-        const __m128i even = _mm_and_si128(units, _mm_set1_epi16(~1));
-        return _mm_or_si128(EndsLine::eight(units), _mm_cmpeq_epi16(even, _mm_set1_epi16(0x2028)));
-    }
-#endif
-};
-
-} // namespace
 
 struct TextReader::State {
     State(ByteReader read, wstring name, const TextReaderOptions& options)
@@ -47,8 +22,8 @@ struct TextReader::State {
     /// The part of what is at hand before the next line end.
     [[nodiscard]] std::size_t toLineEnd(wstring_view text) const noexcept {
         const wchar* const end = text.data() + text.size();
-        const wchar* const found = unicodeEnds ? detail::find_unit<EndsUnicodeLine>(text.data(), end)
-                                               : detail::find_unit<EndsLine>(text.data(), end);
+        const wchar* const found = unicodeEnds ? detail::find_unit<detail::EndsUnicodeLine>(text.data(), end)
+                                               : detail::find_unit<detail::EndsLine>(text.data(), end);
         return static_cast<std::size_t>(found - text.data());
     }
     void take(std::size_t count) noexcept {

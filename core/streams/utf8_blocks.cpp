@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstring>
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef __SSE2__ // what is beyond it, the processor is asked for when the program runs
 #define CORE_UTF8_SHUFFLES
 #include <immintrin.h>
 #endif

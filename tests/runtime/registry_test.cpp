@@ -18,6 +18,7 @@
 #endif
 #include <unistd.h>
 
+#include <bit>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -303,7 +304,12 @@ TEST(Resources, BytesOfTheMostSpecificBundle) {
     const auto make = [&](const char* locale, const char* bytes) {
         const std::string source = (folder / locale).string() + ".txt";
         std::ofstream(source) << locale << " { X:bin { " << bytes << " } }";
-        return std::system(("genrb -q -d " + (folder / "messages").string() + " " + source).c_str());
+        std::string command = "genrb -q -d " + (folder / "messages").string() + " " + source;
+        if constexpr (std::endian::native == std::endian::big) { // the tool may be that of another machine
+            const std::string built = (folder / "messages" / locale).string() + ".res";
+            command += " && icupkg -tb " + built + " " + source + " && mv " + source + " " + built;
+        }
+        return std::system(command.c_str());
     };
     ASSERT_EQ(make("root", "00ff10"), 0);
     ASSERT_EQ(make("ru", "07"), 0);
