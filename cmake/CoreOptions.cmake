@@ -20,6 +20,11 @@ endif()
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   add_compile_definitions(_FILE_OFFSET_BITS=64) # files beyond 2 GiB; hosts of 64 bits have no other offsets
+  include(CheckCXXSymbolExists)
+  check_cxx_symbol_exists(__i386__ cstddef CORE_HOST_IS_I386)
+  if(CORE_HOST_IS_I386)
+    add_compile_options(-msse2 -mfpmath=sse) # the older unit rounds a double twice
+  endif()
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   add_compile_options(-Wno-restrict) # sees overlaps in std::string's own operator+ at -O3 that cannot be
