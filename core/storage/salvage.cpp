@@ -102,8 +102,8 @@ std::size_t Saver::readTogether(std::uint64_t address, std::uint64_t offset, std
         const std::uint64_t skip = at % kStorageBlockSize;
         const std::uint64_t from = address + at / kStorageBlockSize * layout.blockLength(kStorageBlockSize) +
                                    layout.blockHeaderSize() + skip;
-        const auto part =
-            out.subspan(done, std::min<std::size_t>(out.size() - done, kStorageBlockSize - skip));
+        const auto room = static_cast<std::size_t>(kStorageBlockSize - skip);
+        const auto part = out.subspan(done, std::min(out.size() - done, room));
         const auto bytes = reader_.at(from, part.size(), kPiece);
         const std::size_t got = std::min(bytes.size(), part.size());
         std::copy_n(bytes.begin(), got, part.begin());

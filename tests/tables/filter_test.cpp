@@ -54,6 +54,21 @@ class Filters : public TableTest {
     }
 };
 
+TEST_F(Filters, CompareColumnsWhoseScalesLieFarApart) {
+    const Numeric large = Numeric::fromString("900000000000000000");
+    const Numeric fine = Numeric::fromString("1.000000000000000001");
+    const GenericValue table =
+        table_of(u"A,B", {{large, fine}, {-large, -fine}, {1, 1}, {1, fine}, {Value(), fine}});
+    for (const auto& [condition, positions] : {std::pair(u"A > B", "0 "),
+                                               {u"A < B", "1 3 "},
+                                               {u"A = B", "2 "},
+                                               {u"A <> B", "0 1 3 "},
+                                               {u"B < A", "0 "},
+                                               {u"B > A", "1 3 "},
+                                               {u"B >= A", "1 2 3 "}})
+        EXPECT_EQ(found(table, Filter(condition)), positions) << to_utf8(condition);
+}
+
 TEST_F(Filters, SpeakBothLanguages) {
     const GenericValue table = sales();
     const std::pair<wstring_view, std::string> conditions[] = {

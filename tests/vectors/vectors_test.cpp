@@ -42,7 +42,7 @@ void expect_found(const wstring& text, std::initializer_list<wchar> units) {
               std::find_first_of(text.data(), end, units.begin(), units.end()));
 }
 
-/// UTF-8, one unit after the other, of units that are no surrogates.
+/// UTF-8, one unit after the other, of units other than surrogates.
 std::string bytes_of(const wstring& text) {
     std::string bytes;
     const auto add = [&](int byte) { bytes += static_cast<char>(byte); };

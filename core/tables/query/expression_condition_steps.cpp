@@ -2,6 +2,7 @@
 #include "core/tables/query/expression_errors.h"
 #include "core/tables/query/expression_operations.h"
 #include "core/tables/query/expression_steps.h"
+#include "core/tables/query/word_scale.h"
 
 #include <core/strings/like.h>
 
@@ -85,7 +86,6 @@ class ComparisonStep final : public ConditionStep {
     Truth truth(RowId row) override { return comparison(sign_, a_->value(row), b_->value(row), place()); }
 
   private:
-    /// Products of 128 bits bring both sides to one scale.
     bool compareWords(const RowBatch& rows, std::span<Truth> out) {
         first_.resize(rows.size());
         second_.resize(rows.size());
@@ -93,15 +93,11 @@ class ComparisonStep final : public ConditionStep {
             return false;
         const std::uint32_t a = a_->wordForm()->scale;
         const std::uint32_t b = b_->wordForm()->scale;
-        __extension__ using Wide = __int128;
-        Wide times = 1;
-        for (std::uint32_t i = std::min(a, b); i < std::max(a, b); ++i)
-            times *= 10;
+        const WordScale scale(std::max(a, b) - std::min(a, b));
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            const Wide left = a < b ? first_[i] * times : Wide{first_[i]};
-            const Wide right = b < a ? second_[i] * times : Wide{second_[i]};
             const bool empty = first_[i] == kEmptyWord || second_[i] == kEmptyWord;
-            const int order = (left > right ? 1 : 0) - (left < right ? 1 : 0);
+            const int order =
+                a < b ? scale.order(first_[i], second_[i]) : -scale.order(second_[i], first_[i]);
             out[i] = empty ? Truth::unknown : answers(sign_, order) ? Truth::yes : Truth::no;
         }
         return true;

@@ -30,6 +30,15 @@ class WordScale {
         return word % factor_ == 0 ? std::optional(word / factor_) : std::nullopt;
     }
 
+    /// Returns how a word, brought to the larger scale, compares with one that has that scale: below 0, 0 or
+    /// above. What does not fit a word lies beyond every word.
+    [[nodiscard]] int order(std::int64_t word, std::int64_t other) const noexcept {
+        if (word > largest_ || word < -largest_)
+            return word < 0 ? -1 : 1;
+        const std::int64_t scaled = word * factor_;
+        return (scaled > other ? 1 : 0) - (scaled < other ? 1 : 0);
+    }
+
   private:
     std::int64_t factor_ = 1;
     std::int64_t largest_;
