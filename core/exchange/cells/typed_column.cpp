@@ -72,8 +72,12 @@ bool TypedColumn::fits(const NumberText& number) const noexcept {
     if (qualifiers.digits() == 0)
         return true;
     const std::uint64_t digits = std::uint64_t{qualifiers.integerDigits()} + number.digits;
-    return number.digits <= qualifiers.fractionDigits() &&
-           (digits >= kTens.size() || (number.word < kTens[digits] && number.word > -kTens[digits]));
+    if (number.digits > qualifiers.fractionDigits())
+        return false;
+    if (digits >= kTens.size())
+        return true;
+    const auto limit = kTens[static_cast<std::size_t>(digits)];
+    return number.word < limit && number.word > -limit;
 }
 
 std::optional<LossReason> TypedColumn::addNumber(std::string_view text) {
