@@ -16,7 +16,6 @@
 namespace core {
 namespace {
 
-/// The same in every run, unlike an address.
 template <std::size_t count>
 std::int32_t hash_of(const std::array<std::uint64_t, count>& words) noexcept {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(table_hash(std::as_bytes(std::span(words)))));
