@@ -262,6 +262,19 @@ TEST_F(Allocation, LocalesAndFormatsAreWholeOrNotThere) {
     });
 }
 
+TEST_F(Allocation, PeriodsAreWholeOrNotThere) {
+    const char* const table =
+        "T = New ValueTable; T.Columns.Add(\"Day\", New TypeDescription(\"Date\")); "
+        "For I = 1 To 40 Do R = T.Add(); R.Day = '20260101' + I * 86400; EndDo; R = 0; "
+        "V = StandardPeriodVariant; P = New Structure(\"A, B\", New StandardPeriod(V.LastMonth), "
+        "(New StandardPeriod(V.ThisMonth)).On('20260115'));";
+    check({
+        {"", "T = \"\" + New StandardPeriod(StandardPeriodVariant.LastQuarterToDate);"},
+        {"", "T = ToText(New StandardBeginningDate(StandardBeginningDateVariant.BeginningOfThisYear));"},
+        {table, "N = T.FindRows(New Filter(\"Day Not In (&A, &B, '20260203')\", P)).Count();"},
+    });
+}
+
 TEST_F(Allocation, CompactFormsAreWholeOrNotThere) {
     const char* const table =
         "T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"B\"); "
