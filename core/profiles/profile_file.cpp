@@ -165,6 +165,16 @@ void ProfileFile::replaceKnown(Known fresh, const Changed& journal, Changed& cha
     known_ = std::move(fresh);
 }
 
+namespace {
+
+/// Whether a file of that length can have this first line.
+bool begins_whole(std::string_view line, std::uint64_t length) {
+    const auto header = read_header(std::string(line) + '\n');
+    return header && header->journal <= length;
+}
+
+} // namespace
+
 ReadLines read_all_lines(const InterfacePtr<IFile>& file) {
     ReadLines result;
     const std::uint64_t length = file->length();
@@ -176,9 +186,9 @@ ReadLines read_all_lines(const InterfacePtr<IFile>& file) {
         if (record)
             result.state.apply(*record);
         else if (offset == 0)
-            result.isWhole = result.isWhole && line.isWhole && read_header(std::string(line.text) + '\n').has_value();
-        else
-            result.isWhole = result.isWhole && line.isWhole && line.text == "}" && line.next == length;
+            result.isWhole = line.isWhole && begins_whole(line.text, length);
+        else if (!line.isWhole || line.text != "}" || line.next != length)
+            result.isWhole = false;
         if (line.next == offset)
             break;
         offset = line.next;

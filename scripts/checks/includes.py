@@ -22,6 +22,7 @@ BELOW = {
     "documents": ["objects"],
     "descriptions": ["objects"],
     "presentation": ["descriptions"],
+    "profiles": ["objects"],
     "tables": ["descriptions"],
     "exchange": ["tables"],
     "storage": ["files"],
@@ -31,9 +32,9 @@ BELOW = {
     "host/lists": ["exchange"],
     "host/language": ["script"],
     "host/library": ["script", "exchange", "containers"],
-    "host/engine": ["host/language", "host/library", "host/process", "containers", "presentation"],
+    "host/engine": ["host/language", "host/library", "host/process", "containers", "presentation", "profiles"],
     "host/terminal": ["script", "exchange"],
-    "host/commands": ["host/terminal", "host/lists", "host/process", "containers"],
+    "host/commands": ["host/terminal", "host/lists", "host/process", "containers", "profiles"],
     "host": ["host/commands"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
