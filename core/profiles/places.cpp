@@ -3,8 +3,6 @@
 
 #include <core/files/disk_file.h>
 #include <core/files/url.h>
-#include <core/profiles/settings.h>
-#include <core/runtime/settings.h>
 #include <core/runtime/utf8.h>
 
 #include <cstdlib>
@@ -41,8 +39,7 @@ wstring file_below(const std::string& folder, wstring_view application) {
 
 } // namespace
 
-ProfilePlaces profile_places() {
-    const auto& settings = current_settings().part<ProfileSettings>();
+ProfilePlaces profile_places(const ProfileSettings& settings) {
     ProfilePlaces places{settings.system, settings.user};
     if (places.system.empty())
         places.system = file_below(system_folder(), settings.application);

@@ -6,6 +6,7 @@
 #include <core/files/url.h>
 #include <core/profiles/errors.h>
 #include <core/profiles/profile.h>
+#include <core/profiles/settings.h>
 #include <core/runtime/class_entry.h>
 #include <core/runtime/process.h>
 
@@ -88,8 +89,9 @@ class ProfileService : public IProfile {
   public:
     using Interfaces = InterfaceList<IProfile>;
 
-    ProfileService()
-        : stack_(file_system(), [this](const char* message, const wstring& subject, const wstring& reason) {
+    ProfileService() : ProfileService(current_settings().part<ProfileSettings>(), file_system()) {}
+    ProfileService(const ProfileSettings& settings, InterfacePtr<IFileSystem> files)
+        : stack_(std::move(files), profile_places(settings), [this](const char* message, const wstring& subject, const wstring& reason) {
               addReport(message, subject, reason);
           }) {}
 
@@ -367,4 +369,9 @@ constexpr GUID kProfileServiceClass = "154ef4a1-5965-11d4-9418-008048da11f9"_gui
 const SCOM_ServiceEntryInit<ProfileService, &kProfileServiceClass, &IProfile::IID> kEntry("ProfileService");
 
 } // namespace
+
+InterfacePtr<IProfile> create_profile(const ProfileSettings& places, InterfacePtr<IFileSystem> files) {
+    return make_object<ProfileService>(places, files ? std::move(files) : file_system());
+}
+
 } // namespace core

@@ -2,7 +2,6 @@
 #include "core/profiles/profile_stack.h"
 
 #include "core/profiles/path.h"
-#include "core/profiles/places.h"
 
 #include <core/files/url.h>
 #include <core/profiles/errors.h>
@@ -32,9 +31,9 @@ bool has_lock(LayerState& state, wstring_view path) {
 
 } // namespace
 
-ProfileStack::ProfileStack(InterfacePtr<IFileSystem> files, ProfileFile::Report report)
-    : files_(std::move(files)), report_(report), system_(*files_, profile_places().system, report),
-      user_(*files_, profile_places().user, std::move(report)) {}
+ProfileStack::ProfileStack(InterfacePtr<IFileSystem> files, ProfilePlaces places, ProfileFile::Report report)
+    : files_(std::move(files)), report_(report), system_(*files_, std::move(places.system), report),
+      user_(*files_, std::move(places.user), std::move(report)) {}
 
 LayerState& ProfileStack::state(ProfileLayer layer) {
     switch (layer) {

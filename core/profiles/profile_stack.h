@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/profiles/places.h"
 #include "core/profiles/profile_file.h"
 
 #include <core/profiles/profile.h>
@@ -26,7 +27,7 @@ class ProfileStack {
         std::vector<Found> found;
     };
 
-    ProfileStack(InterfacePtr<IFileSystem> files, ProfileFile::Report report);
+    ProfileStack(InterfacePtr<IFileSystem> files, ProfilePlaces places, ProfileFile::Report report);
 
     /// Returns what the layers say about a path, the one that counts first.
     [[nodiscard]] std::vector<Found> find(wstring_view path);

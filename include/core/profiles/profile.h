@@ -184,4 +184,13 @@ class IProfile : public IUnknown {
     ~IProfile() = default;
 };
 
+struct ProfileSettings;
+class IFileSystem;
+
+/// Makes a profile beside that of the process, or for a program without a process object. Its files are
+/// reached through `files`; null stands for the file system of the process. Throws std::bad_alloc; files are
+/// opened when they are first needed.
+[[nodiscard]] CORE_API InterfacePtr<IProfile> create_profile(const ProfileSettings& places,
+                                                             InterfacePtr<IFileSystem> files = nullptr);
+
 } // namespace core
