@@ -179,21 +179,24 @@ ReadLines read_all_lines(const InterfacePtr<IFile>& file) {
     ReadLines result;
     const std::uint64_t length = file->length();
     Lines lines(file);
-    result.isWhole = true;
+    bool isSound = false;
+    bool hasEnd = false;
     for (std::uint64_t offset = 0; offset < length;) {
         const Lines::Line line = lines.at(offset, length);
         const auto record = line.isWhole ? read_record(line.text) : std::nullopt;
+        if (offset == 0)
+            isSound = line.isWhole && begins_whole(line.text, length);
+        else if (line.isWhole && line.text == "}" && line.next == length)
+            hasEnd = true;
+        else if (!record)
+            isSound = false;
         if (record)
             result.state.apply(*record);
-        else if (offset == 0)
-            result.isWhole = line.isWhole && begins_whole(line.text, length);
-        else if (!line.isWhole || line.text != "}" || line.next != length)
-            result.isWhole = false;
-        if (line.next == offset)
+        if (line.next == offset) // the file has become shorter
             break;
         offset = line.next;
     }
-    result.isWhole = result.isWhole && length != 0;
+    result.isWhole = isSound && hasEnd;
     return result;
 }
 

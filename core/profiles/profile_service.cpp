@@ -318,9 +318,11 @@ void ProfileService::tell(const Changed& changed) {
     for (const wstring& key : changed)
         all.emplace_back(path_of_key(key), is_folder(key) || is_lock(key));
     std::ranges::sort(all);
-    all.erase(std::unique(all.begin(), all.end()), all.end());
-    for (const auto& [path, isFolder] : all)
-        changed_.raise(path, isFolder);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const auto& [path, isFolder] = all[i];
+        if (i + 1 == all.size() || all[i + 1].first != path) // the last of its path says most
+            changed_.raise(path, isFolder);
+    }
 }
 
 bool ProfileService::refresh() {

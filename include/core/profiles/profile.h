@@ -4,6 +4,8 @@
 #include <core/context/connection.h>
 #include <core/context/errors.h>
 #include <core/context/native_value.h>
+#include <core/files/file_system.h>
+#include <core/profiles/settings.h>
 #include <core/values/generic_value.h>
 
 #include <cstdint>
@@ -183,9 +185,6 @@ class IProfile : public IUnknown {
   protected:
     ~IProfile() = default;
 };
-
-struct ProfileSettings;
-class IFileSystem;
 
 /// Makes a profile beside that of the process, or for a program without a process object. Its files are
 /// reached through `files`; null stands for the file system of the process. Throws std::bad_alloc; files are

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+// What fails leaves the settings as they were: each file call and each allocation of a change in its turn, every length
+// and every byte at which a file can be damaged.
+#include "tests/profiles/fault_files.h"
+#include "tests/profiles/profile_fixture.h"
+#include "tests/support/allocation_limit.h"
+
+#include <functional>
+
+namespace core::test {
+namespace {
+
+using Faults = ProfileTest;
+
+/// A profile on files of which each call can fail.
+struct PlannedProfile {
+    FaultPlan plan;
+    InterfacePtr<IFileSystem> files = [this] {
+        auto made = create_file_system();
+        made->registerScheme(make_object<FaultScheme>(plan).get());
+        return made;
+    }();
+
+    [[nodiscard]] InterfacePtr<IProfile> open() const {
+        ProfileSettings places;
+        places.user = u"fault://user.list";
+        places.system = u"fault://system.list";
+        return create_profile(places, files);
+    }
+};
+
+/// The changes whose failures are tried, each from the state that the ones before leave.
+const std::function<void(IProfile&)> kSteps[] = {
+    [](IProfile& profile) { profile.set(u"first", 1); },
+    [](IProfile& profile) { profile.change(ProfileChanges().set(u"a/b", 2).set(u"a/c", u"text").remove(u"first")); },
+    [](IProfile& profile) { profile.set(u"long", wstring(70'000, u'x')); }, // and the journal is merged
+    [](IProfile& profile) { profile.remove(u"a"); },
+    [](IProfile& profile) { profile.set(u"first", 3); },
+};
+
+TEST_F(Faults, OfAnyFileCallChangeNothing) {
+    PlannedProfile files;
+    for (const auto& step : kSteps) {
+        const Model before = contents(*files.open());
+        for (std::uint64_t n = 0;; ++n) {
+            const auto profile = files.open();
+            EXPECT_EQ(contents(*profile), before);
+            files.plan = {.failAt = n};
+            bool thrown = false;
+            try {
+                step(*profile);
+            } catch (const FileException&) {
+                thrown = true;
+            }
+            const bool failed = files.plan.failed;
+            files.plan = {};
+            EXPECT_EQ(contents(*profile), contents(*files.open())) << "in memory as in the file, call " << n;
+            if (!thrown)
+                EXPECT_NE(contents(*files.open()), before) << "call " << n;
+            if (!failed)
+                break;
+            if (!thrown) // what failed was not needed; once more from the start
+                break;
+            EXPECT_EQ(contents(*files.open()), before) << "call " << n;
+        }
+    }
+    EXPECT_EQ(contents(*files.open()).size(), 2U);
+}
+
+TEST_F(Faults, OfAnyAllocationChangeNothing) {
+    for (const ProfileLayer layer : {ProfileLayer::user, ProfileLayer::run}) {
+        const auto profile = open();
+        profile->set(u"kept", 1, layer);
+        const Model before = contents(*profile);
+        const ProfileChanges changes = ProfileChanges().set(u"a/b", u"text").remove(u"kept").set(u"c", 3);
+        bool done = false;
+        for (int n = 0; !done; ++n) {
+            try {
+                const ::test::AllocationLimit limit(n);
+                profile->change(changes, layer);
+                done = true;
+            } catch (const std::bad_alloc&) {
+            } catch (const FileException&) { // that of a file system without memory
+            }
+            if (!done)
+                EXPECT_EQ(contents(*profile), before) << n;
+        }
+        EXPECT_EQ(contents(*profile), (Model{{u"a/b", u"text"}, {u"c", 3}}));
+        profile->remove({}, layer);
+    }
+}
+
+TEST_F(Faults, KeepWhatWasAcknowledgedBeforeATornLine) {
+    std::vector<std::pair<std::size_t, Model>> states; // the length of the file, and what it holds then
+    {
+        const auto profile = open();
+        for (int i = 0; i < 12; ++i) {
+            profile->change(ProfileChanges().set(from_utf8("a/" + std::to_string(i % 5)), i).remove(u"a/3"));
+            states.emplace_back(bytesOf(userFile()).size(), contents(*profile));
+        }
+    }
+    const std::string whole = bytesOf(userFile());
+    std::size_t state = 0;
+    for (std::size_t length = states[0].first; length < whole.size(); ++length) {
+        while (state + 1 < states.size() && length >= states[state + 1].first)
+            ++state;
+        write(userFile(), std::string_view(whole).substr(0, length));
+        const auto profile = open();
+        const bool isNext = state + 1 < states.size() && contents(*profile) == states[state + 1].second;
+        EXPECT_TRUE(isNext || contents(*profile) == states[state].second) << length;
+        EXPECT_TRUE(profile->takeReports().empty()) << length;
+        Model after = contents(*profile);
+        profile->set(u"after", 1);
+        after.emplace(u"after", 1);
+        EXPECT_EQ(contents(*open()), after) << length;
+    }
+}
+
+TEST_F(Faults, SetADamagedFileAsideAndKeepTheRest) {
+    {
+        const auto profile = open();
+        for (int i = 0; i < 6; ++i)
+            profile->set(from_utf8("folder/" + std::to_string(i)), i);
+        profile->exportTo(from_utf8(userFile())); // sorted
+    }
+    {
+        const auto profile = open();
+        for (int i = 6; i < 9; ++i)
+            profile->set(from_utf8("folder/" + std::to_string(i)), i);
+    }
+    const std::string whole = bytesOf(userFile());
+    const Model all = contents(*open());
+    for (std::size_t place = 0; place + 3 < whole.size(); ++place) {
+        std::string damaged = whole;
+        damaged[place] = static_cast<char>(damaged[place] ^ 0x11);
+        if (damaged.starts_with("{\"settings\",") && !damaged.starts_with("{\"settings\",1,"))
+            continue; // it may be a later version
+        std::filesystem::remove_all(file("user"));
+        std::filesystem::create_directory(file("user"));
+        write(userFile(), damaged);
+        Model kept;
+        {
+            const auto profile = open();
+            kept = contents(*profile);
+            profile->set(u"after", 1);
+            kept.emplace(u"after", 1);
+            EXPECT_EQ(contents(*profile), kept) << place;
+        }
+        EXPECT_GE(kept.size() + 1, all.size()) << "two lines at most become one, at " << place;
+        for (const auto& [path, value] : kept)
+            EXPECT_TRUE(path == u"after" || all.at(path) == value) << place;
+        const auto again = open();
+        EXPECT_EQ(contents(*again), kept) << place;
+        EXPECT_TRUE(again->takeReports().empty()) << place;
+        // A last line that is damaged looks like one that was never acknowledged.
+        const bool isLast = place >= whole.rfind(",{", whole.size() - 4) - 1;
+        if (!isLast)
+            EXPECT_EQ(bytesOf(userFile() + ".damaged"), damaged) << place;
+    }
+}
+
+TEST_F(Faults, FindANameThatIsFreeForADamagedFile) {
+    write(systemFile(), "no settings at all");
+    std::filesystem::create_directory(systemFile() + ".damaged");
+    const auto profile = open();
+    EXPECT_TRUE(contents(*profile).empty());
+    const std::vector<wstring> reports = profile->takeReports();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_NE(reports[0].find(u".damaged-2"), wstring::npos) << "a name that is free";
+    EXPECT_EQ(bytesOf(systemFile() + ".damaged-2"), "no settings at all");
+}
+
+} // namespace
+} // namespace core::test

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "tests/support/file_helpers.h"
+
+#include <core/profiles.h>
+#include <host/host_process.h>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace core::test {
+
+/// Profiles on the files of one folder, as several programs have them.
+class ProfileTest : public testing::Test {
+  protected:
+    [[nodiscard]] InterfacePtr<IProfile> open() const {
+        ProfileSettings places;
+        places.user = file_url(userFile());
+        places.system = file_url(systemFile());
+        return create_profile(places);
+    }
+    [[nodiscard]] std::string userFile() const { return folder_ / "user/settings.list"; }
+    [[nodiscard]] std::string systemFile() const { return folder_ / "system.list"; }
+    [[nodiscard]] std::string file(std::string_view name) const { return folder_ / name; }
+
+    [[nodiscard]] static std::string bytesOf(const std::string& path) {
+        std::ifstream in(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    static void write(const std::string& path, std::string_view bytes) {
+        std::ofstream(path, std::ios::binary) << bytes;
+    }
+
+    /// The message id of the exception of class `E` that `call` throws.
+    template <class E, class Call>
+    [[nodiscard]] static std::string refusal(Call call) {
+        try {
+            call();
+        } catch (const E& e) {
+            return e.messageId();
+        }
+        return "no exception of this class";
+    }
+
+    const host::HostProcess process_;
+    const TempFolder folder_;
+};
+
+using Model = std::map<wstring, GenericValue>;
+
+/// All values of a profile.
+inline Model contents(IProfile& profile) {
+    Model all;
+    for (ProfileEntry& entry : profile.entries({}))
+        all.emplace(std::move(entry.path), std::move(entry.found.value));
+    return all;
+}
+
+/// Does to a model what removing a path does.
+inline void remove_from(Model& model, const wstring& path) {
+    std::erase_if(model, [&](const auto& entry) {
+        const wstring& other = entry.first;
+        return path.empty() || other == path || other.starts_with(path + u'/');
+    });
+}
+
+} // namespace core::test
