@@ -208,7 +208,7 @@ void ProfileFile::rewrite(LayerState& state, std::uint64_t step) {
     try {
         known_ = read(openForReading(), nullptr);
         isRead_ = true;
-    } catch (const Exception&) { // what is written is kept
+    } catch (...) { // what is written is kept
         isRead_ = false;
     }
 }

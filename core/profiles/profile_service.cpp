@@ -15,6 +15,7 @@
 #include <exception>
 #include <iterator>
 #include <mutex>
+#include <new>
 #include <unordered_map>
 #include <utility>
 
@@ -315,8 +316,13 @@ void ProfileService::forget() noexcept {
 
 void ProfileService::tell(const Changed& changed) {
     std::vector<std::pair<wstring, bool>> all; // path, and whether everything below it changed, too
-    for (const wstring& key : changed)
-        all.emplace_back(path_of_key(key), is_folder(key) || is_lock(key));
+    try {
+        for (const wstring& key : changed)
+            all.emplace_back(path_of_key(key), is_folder(key) || is_lock(key));
+    } catch (const std::bad_alloc&) { // the changes are made: let everybody look
+        all.clear();
+        changed_.raise(wstring(), true);
+    }
     std::ranges::sort(all);
     for (std::size_t i = 0; i < all.size(); ++i) {
         const auto& [path, isFolder] = all[i];
