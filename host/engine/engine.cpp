@@ -18,6 +18,7 @@
 #include <core/objects/format_functions.h>
 #include <core/objects/locale_functions.h>
 #include <core/presentation/presentation_values.h>
+#include <core/profiles/settings_functions.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
@@ -102,6 +103,7 @@ Engine::Engine(const Settings& settings) : impl_(std::make_unique<Impl>()) {
     globals.add(create_container_functions());
     globals.add(create_file_functions());
     globals.add(create_presentation_functions());
+    globals.add(create_settings_functions());
     globals.add(create_table_functions(impl_->surroundings));
     globals.add(create_script_functions(impl_->surroundings));
     globals.add(create_text_functions());

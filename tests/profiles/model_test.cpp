@@ -78,7 +78,7 @@ TEST_F(Programs, AgreeWithAModelWhoeverWrites) {
     Model model;
     std::vector<InterfacePtr<IProfile>> profiles{open(), open(), open()};
     Follower follower(open());
-    const int rounds = is_nightly() ? 1'000'000 : 3000;
+    const int rounds = is_nightly() ? 200'000 : 3000;
     for (int round = 0; round < rounds; ++round) {
         InterfacePtr<IProfile>& profile = profiles[below(profiles.size())];
         if (below(40) == 0)
@@ -111,7 +111,7 @@ TEST_F(Programs, AgreeWithAModelWhoeverWrites) {
 }
 
 TEST_F(Programs, LoseNoChangeOfFourProcesses) {
-    const int changes = is_nightly() ? 100'000 : 500;
+    const int changes = is_nightly() ? 1'000'000 : 500;
     std::vector<::pid_t> children;
     for (int writer = 0; writer < 4; ++writer) {
         children.push_back(start([&] {

@@ -5,6 +5,7 @@
 #include <core/context/errors.h>
 #include <core/context/native_value.h>
 #include <core/files/file_system.h>
+#include <core/objects/enumeration.h>
 #include <core/profiles/settings.h>
 #include <core/values/generic_value.h>
 
@@ -31,6 +32,8 @@ enum class ProfileLayer : std::int32_t {
     user,    ///< Those of the user, in a file of his own.
     run      ///< Those of this run alone, in memory.
 };
+/// Returns the enumeration `SettingsLayers` (`СлоиНастроек`) of scripts, borrowed for ever.
+[[nodiscard]] CORE_API Enumeration* script_enumeration(ProfileLayer) noexcept;
 /// How many layers there are.
 inline constexpr std::size_t kProfileLayers = 4;
 
