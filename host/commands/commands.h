@@ -43,6 +43,7 @@ void add_list_command(CLI::App& app, Console& console, Action& action);
 void add_query_command(CLI::App& app, Console& console, Action& action);
 void add_repl_command(CLI::App& app, Console& console, Action& action);
 void add_run_command(CLI::App& app, Console& console, Action& action);
+void add_settings_command(CLI::App& app, Console& console, Action& action);
 void add_text_command(CLI::App& app, Console& console, Action& action);
 
 } // namespace host

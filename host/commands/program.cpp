@@ -2,6 +2,7 @@
 #include "host/commands/program.h"
 
 #include "host/commands/commands.h"
+#include "host/commands/settings_at_start.h"
 #include "host/commands/usage_error.h"
 #include "host/terminal/console_chooser.h"
 #include "host/terminal/error_report.h"
@@ -39,7 +40,8 @@ constexpr const char* kExitCodesRussian =
 /// Runs the action in a process of its own, and tells what stopped it.
 ExitCode carry_out(const Action& action, const std::vector<std::string>& modules, Console& console) {
     const core::Locale language(console.language == Language::russian ? "ru" : "en");
-    core::Settings settings;
+    core::Settings settings = settings_of_program();
+    settings.part<core::FormatSettings>() = console.formats;
     settings.locale = console.locale.value_or(language);
     if (settings.locale.isRussian() != language.isRussian())
         settings.language = language;
@@ -173,6 +175,7 @@ void group_help(CLI::App& app, const std::string& group) {
 }
 
 ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
+    read_settings_at_start(console);
     look_for_readers(arguments, console);
     CLI::App app(help(console, "Runs scripts on the core library, and looks into its data.",
                       "Выполняет скрипты на базовой библиотеке и показывает её данные."),
@@ -214,6 +217,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     add_query_command(app, console, action);
     add_repl_command(app, console, action);
     add_run_command(app, console, action);
+    add_settings_command(app, console, action);
     add_text_command(app, console, action);
     if (console.language == Language::russian)
         group_help(app, kOptionsRussian);

@@ -40,7 +40,7 @@ ExitCode converse(Console& console) {
     Session session(console, [&editor](const wstring& entry) { editor->remember(entry); });
     editor.emplace(
         console, [&session](wstring_view before) { return session.complete(before); },
-        HistoryFile::of_user());
+        console.history ? HistoryFile::of_user() : HistoryFile({}));
     console.out << message("IDS_HOST_REPL_KEYS") << std::endl;
     bool ended = false;
     session.run([&](bool goesOn) -> std::optional<wstring> {

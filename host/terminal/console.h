@@ -2,6 +2,7 @@
 #pragma once
 
 #include <core/exchange/table_text.h>
+#include <core/locales/settings.h>
 #include <core/runtime/locale.h>
 
 #include <cstddef>
@@ -27,6 +28,8 @@ struct Console {
     bool terminal = false;                   ///< `in` and `out` are a terminal, at which a user can be asked
     std::optional<core::Locale> locale = {}; ///< of formats, sorting and names; none: that of the language
     std::optional<core::TableForm> mode{};   ///< the form of tables, where one was asked for
+    core::FormatSettings formats{};          ///< of numbers, dates and Booleans, where the user has set some
+    bool history = true;                     ///< entries are kept for the next console
 };
 
 /// How long lines may be: what COLUMNS says, else what the terminal says; without a terminal always the same.
