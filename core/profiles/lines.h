@@ -33,8 +33,8 @@ class Lines {
     [[nodiscard]] std::string_view piece(std::uint64_t offset, std::size_t least, std::uint64_t end);
 
     InterfacePtr<IFile> file_;
-    std::string piece_;          // what was read last
-    std::uint64_t begin_ = 0;    // its offset
+    std::string piece_;       // what was read last
+    std::uint64_t begin_ = 0; // its offset
 };
 
 /// The sorted part of a settings file: each line sets one key, and each key stands once. A line is found by

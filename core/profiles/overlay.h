@@ -11,13 +11,14 @@
 
 namespace core {
 
-/// What has changed since the sorted part of a file was written, by keys; or all that a layer in memory holds.
+/// What has changed since the sorted part of a file was written, by keys; or all that a layer in memory
+/// holds.
 class Overlay {
   public:
     using Keys = std::map<wstring, std::string, std::less<>>;
 
-    /// Takes the changes over, all of them or none. `overBase` says whether a key can also stand below, so that
-    /// its removal has to be remembered.
+    /// Takes the changes over, all of them or none. `overBase` says whether a key can also stand below, so
+    /// that its removal has to be remembered.
     void apply(std::span<const KeyChange> changes, bool overBase);
     /// Returns the text of a key, empty for one that was removed; null where nothing is known. Borrowed until
     /// the next change.

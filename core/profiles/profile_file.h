@@ -25,13 +25,15 @@ struct ReadLines {
 
 /// A layer in a file that several processes read and write:
 ///
-/// 1. The file is a header, the sorted part, the journal and an end. The journal grows at its end; a change is
+/// 1. The file is a header, the sorted part, the journal and an end. The journal grows at its end; a change
+/// is
 ///    one line of it, written and made durable before the call returns.
 /// 2. Who writes holds the lock of the file that the path leads to. Who reads takes no lock: a line that is
 ///    just being written has no valid checksum.
 /// 3. A journal that has become long is merged into a new sorted part, in a new file that takes the place of
 ///    the old one. Its generation is one more, so that others know that they have missed nothing.
-/// 4. A last line without a valid checksum was never acknowledged and is cut off by the next writer. Any other
+/// 4. A last line without a valid checksum was never acknowledged and is cut off by the next writer. Any
+/// other
 ///    is damage: the file is copied aside, and what is undamaged of it goes on.
 class ProfileFile {
   public:
@@ -45,8 +47,8 @@ class ProfileFile {
         : files_(files), url_(std::move(url)), report_(std::move(report)) {}
 
     [[nodiscard]] const wstring& url() const noexcept { return url_; }
-    /// Returns what the layer holds, as of the last refresh() or change(); the first call reads it. A file that
-    /// cannot be read is reported and counts as empty.
+    /// Returns what the layer holds, as of the last refresh() or change(); the first call reads it. A file
+    /// that cannot be read is reported and counts as empty.
     [[nodiscard]] LayerState& state();
     /// Takes over what others have changed, and appends those keys to `changed`. Throws FileException and
     /// ProfileException.
@@ -63,10 +65,10 @@ class ProfileFile {
     struct Known {
         InterfacePtr<IFile> file; // null where there was none
         LayerState state;
-        ProfileHeader header;      // with generation 0 for an empty file
-        std::uint64_t end = 0;     // the offset behind the last valid line
-        bool hasTorn = false;      // something that is no valid line stands there
-        bool suspect = false;      // and it may be damage
+        ProfileHeader header;  // with generation 0 for an empty file
+        std::uint64_t end = 0; // the offset behind the last valid line
+        bool hasTorn = false;  // something that is no valid line stands there
+        bool suspect = false;  // and it may be damage
     };
 
     [[nodiscard]] InterfacePtr<IFile> openForReading();

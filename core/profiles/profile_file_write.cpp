@@ -102,7 +102,8 @@ void ProfileFile::shorten(IFile& writer) {
     }
 }
 
-/// Opens and locks the file for a change, mended where it is damaged, and takes over what others have changed.
+/// Opens and locks the file for a change, mended where it is damaged, and takes over what others have
+/// changed.
 InterfacePtr<IFile> ProfileFile::openCurrent(Changed& changed) {
     for (;;) {
         InterfacePtr<IFile> writer = openForWriting();

@@ -92,9 +92,10 @@ class ProfileService : public IProfile {
 
     ProfileService() : ProfileService(current_settings().part<ProfileSettings>(), file_system()) {}
     ProfileService(const ProfileSettings& settings, InterfacePtr<IFileSystem> files)
-        : stack_(std::move(files), profile_places(settings), [this](const char* message, const wstring& subject, const wstring& reason) {
-              addReport(message, subject, reason);
-          }) {}
+        : stack_(std::move(files), profile_places(settings),
+                 [this](const char* message, const wstring& subject, const wstring& reason) {
+                     addReport(message, subject, reason);
+                 }) {}
 
     // read
     std::optional<ProfileValue> find(wstring_view path) override;

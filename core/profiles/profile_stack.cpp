@@ -96,7 +96,8 @@ std::vector<ProfileItem> ProfileStack::list(wstring_view folder) {
     const wstring below = keys_below(folder);
     for (const ProfileLayer layer : kAllLayers) {
         for (LayerWalk walk(state(layer), below); !walk.isAtEnd() && walk.key().starts_with(below);) {
-            const wstring name = walk.key().substr(below.size(), walk.key().find(u'/', below.size()) - below.size());
+            const wstring name =
+                walk.key().substr(below.size(), walk.key().find(u'/', below.size()) - below.size());
             if (is_lock(name) || lastOf(walk.key()) < layer) {
                 walk.next();
                 continue;

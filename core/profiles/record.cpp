@@ -2,10 +2,10 @@
 #include "core/profiles/record.h"
 
 #define XXH_INLINE_ALL
-#include <xxhash.h>
-
 #include <core/lists/token.h>
 #include <core/runtime/utf8.h>
+
+#include <xxhash.h>
 
 #include <algorithm>
 #include <array>
@@ -252,7 +252,8 @@ bool is_later_version(std::string_view text) noexcept {
     if (!text.starts_with(ProfileHeader::kStart))
         return false;
     text.remove_prefix(ProfileHeader::kStart.size());
-    return text.size() >= 2 && text[0] >= '1' && text[0] <= '9' && !text.starts_with(ProfileHeader::kVersion) &&
+    return text.size() >= 2 && text[0] >= '1' && text[0] <= '9' &&
+           !text.starts_with(ProfileHeader::kVersion) &&
            text.substr(0, text.find_first_not_of("0123456789")).size() < 4 &&
            text.find(',') == text.find_first_not_of("0123456789");
 }

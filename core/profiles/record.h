@@ -39,8 +39,8 @@ struct ProfileHeader {
     std::uint64_t generation = 0; // of the sorted part, one more each time that it is written
     std::uint64_t journal = 0;    // the offset behind the sorted part
 
-    static constexpr std::size_t kSize = 67;                        // the line, with its line feed
-    static constexpr std::string_view kStart = "{\"settings\",";     // of every version
+    static constexpr std::size_t kSize = 67;                     // the line, with its line feed
+    static constexpr std::string_view kStart = "{\"settings\","; // of every version
     static constexpr std::string_view kVersion = "1,";
 };
 /// What a settings file ends with.

@@ -150,8 +150,8 @@ auto SettingsObject::members() {
     constexpr Parameter kFile{u"File", u"Файл"};
     return core::members(
         method(u"Get", u"Получить", &T::get, kPath, {u"Default", u"ПоУмолчанию"}, {u"Type", u"Тип"}),
-        method(u"Contains", u"Содержит", &T::contains, kPath),
-        method(u"List", u"Список", &T::list, kFolder), method(u"Values", u"Значения", &T::values, kFolder),
+        method(u"Contains", u"Содержит", &T::contains, kPath), method(u"List", u"Список", &T::list, kFolder),
+        method(u"Values", u"Значения", &T::values, kFolder),
         method(u"Set", u"Установить", &T::set, kPath, kValue, kLayer),
         method(u"Remove", u"Удалить", &T::remove, kPath, kLayer),
         method(u"Copy", u"Копировать", &T::copy, kFrom, kTo, kLayer),

@@ -52,7 +52,8 @@ wstring shown(const Value& value) {
     return list;
 }
 
-/// What is written on the command line: true, false, a number as it would be shown, a brace list, else a text.
+/// What is written on the command line: true, false, a number as it would be shown, a brace list, else a
+/// text.
 GenericValue value_of(const SettingsOptions& options) {
     const wstring text = from_utf8(options.value);
     if (options.asText)
@@ -130,8 +131,9 @@ ExitCode watch(const SettingsOptions& options, IProfile& profile, Console& conso
     const Connection connection = profile.watch(from_utf8(options.path), [&](const wstring& path) {
         const std::optional<ProfileValue> found = path.empty() ? std::nullopt : profile.find(path);
         if (console.json)
-            console.out << (found ? report(path, *found) : nlohmann::ordered_json{{"path", to_utf8(path)}}).dump()
-                        << '\n';
+            console.out
+                << (found ? report(path, *found) : nlohmann::ordered_json{{"path", to_utf8(path)}}).dump()
+                << '\n';
         else if (found)
             write_line(console, path, *found);
         else
@@ -217,8 +219,9 @@ class Verbs {
 } // namespace
 
 void add_settings_command(CLI::App& app, Console& console, Action& action) {
-    auto* const command = app.add_subcommand("settings", help(console, "The settings of the user and of the system",
-                                                              "Настройки пользователя и системы"));
+    auto* const command =
+        app.add_subcommand("settings", help(console, "The settings of the user and of the system",
+                                            "Настройки пользователя и системы"));
     command->require_subcommand(1);
     command->fallthrough();
     Verbs verbs(*command, console, action);
@@ -238,7 +241,8 @@ void add_settings_command(CLI::App& app, Console& console, Action& action) {
                                     "Записать значения папки в файл", export_to);
     verbs.addFile(exporting);
     verbs.addPath(exporting);
-    CLI::App& importing = verbs.add("import", "Set the values of a file", "Установить значения из файла", import_from);
+    CLI::App& importing =
+        verbs.add("import", "Set the values of a file", "Установить значения из файла", import_from);
     verbs.addFile(importing);
     verbs.addPath(importing);
     verbs.addLayer(importing);

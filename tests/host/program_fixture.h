@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <sstream>
 #include <string>
 
@@ -19,6 +20,8 @@ struct Answer {
 
 inline Answer corehost(std::vector<std::string> arguments, const std::string& input = {},
                        bool colour = false) {
+    ::setenv("XDG_CONFIG_HOME", "/nonexistent", 0); // the settings of who runs the tests do not count
+    ::setenv("XDG_CONFIG_DIRS", "/nonexistent", 0);
     std::istringstream in(input);
     std::ostringstream out, err;
     Console console{in, out, err, Language::english, colour};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What fails leaves the settings as they were: each file call and each allocation of a change in its turn, every length
-// and every byte at which a file can be damaged.
+// What fails leaves the settings as they were: each file call and each allocation of a change in its turn,
+// every length and every byte at which a file can be damaged.
 #include "tests/profiles/fault_files.h"
 #include "tests/profiles/profile_fixture.h"
 #include "tests/support/allocation_limit.h"
@@ -42,7 +42,9 @@ struct PlannedProfile {
 /// The changes whose failures are tried, each from the state that the ones before leave.
 const std::function<void(IProfile&)> kSteps[] = {
     [](IProfile& profile) { profile.set(u"first", 1); },
-    [](IProfile& profile) { profile.change(ProfileChanges().set(u"a/b", 2).set(u"a/c", u"text").remove(u"first")); },
+    [](IProfile& profile) {
+        profile.change(ProfileChanges().set(u"a/b", 2).set(u"a/c", u"text").remove(u"first"));
+    },
     [](IProfile& profile) { profile.set(u"long", wstring(70'000, u'x')); }, // and the journal is merged
     [](IProfile& profile) { profile.remove(u"a"); },
     [](IProfile& profile) { profile.set(u"first", 3); },

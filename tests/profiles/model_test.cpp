@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Settings against maps: random changes by several programs, whose notices alone keep another map up to date; and
-// processes that write one file, some of which are killed. CORE_NIGHTLY=1 runs it long: 10 000 kills.
+// Settings against maps: random changes by several programs, whose notices alone keep another map up to date;
+// and processes that write one file, some of which are killed. CORE_NIGHTLY=1 runs it long: 10 000 kills.
 #include "tests/profiles/profile_fixture.h"
 
 #include <sys/prctl.h>
@@ -118,8 +118,9 @@ TEST_F(Programs, LoseNoChangeOfFourProcesses) {
             const auto profile = open();
             const wstring folder = from_utf8("writer" + std::to_string(writer));
             for (int i = 0; i < changes; ++i)
-                profile->change(ProfileChanges().set(folder + u"/last", i).set(
-                    folder + from_utf8("/" + std::to_string(i % 100)), i));
+                profile->change(ProfileChanges()
+                                    .set(folder + u"/last", i)
+                                    .set(folder + from_utf8("/" + std::to_string(i % 100)), i));
         }));
     }
     for (const ::pid_t child : children) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Settings as a program meets them: typed reading, layers and locks, groups, notices, and files that others can read.
+// Settings as a program meets them: typed reading, layers and locks, groups, notices, and files that others
+// can read.
 #include "tests/profiles/profile_fixture.h"
 
 #include <core/collections.h>
@@ -7,6 +8,8 @@
 #include <core/streams/memory_stream.h>
 
 #include <cstdlib>
+
+int count_start(core::IProfile& profile); // of docs/settings.md
 
 namespace core::test {
 namespace {
@@ -108,8 +111,9 @@ TEST_F(Profiles, RefuseWhatIsNoPathAndChangeNothing) {
     const std::string before = bytesOf(userFile());
     for (const wstring& path : {wstring(), wstring(u"/a"), wstring(u"a/"), wstring(u"a//b"), wstring(u"a!"),
                                 wstring(u"a\"b"), wstring(u"a\nb"), wstring(kMaxProfilePath + 1, u'a')}) {
-        EXPECT_EQ(refusal<ProfileException>([&] { profile->change(ProfileChanges().set(u"b", 2).set(path, 1)); }),
-                  messages::kProfilePath)
+        EXPECT_EQ(
+            refusal<ProfileException>([&] { profile->change(ProfileChanges().set(u"b", 2).set(path, 1)); }),
+            messages::kProfilePath)
             << to_utf8(path);
         EXPECT_EQ(refusal<ProfileException>([&] { (void)profile->find(path); }), messages::kProfilePath);
     }
@@ -122,8 +126,10 @@ TEST_F(Profiles, CopyAndMoveFoldersAlsoIntoThemselves) {
     const auto profile = open();
     profile->change(ProfileChanges().set(u"a", 0).set(u"a/x", 1).set(u"a/y/z", 2).set(u"ab", 3));
     profile->copy(u"a", u"a/y");
-    EXPECT_EQ(contents(*profile),
-              (Model{{u"a", 0}, {u"a/x", 1}, {u"a/y", 0}, {u"a/y/x", 1}, {u"a/y/y/z", 2}, {u"a/y/z", 2}, {u"ab", 3}}));
+    EXPECT_EQ(
+        contents(*profile),
+        (Model{
+            {u"a", 0}, {u"a/x", 1}, {u"a/y", 0}, {u"a/y/x", 1}, {u"a/y/y/z", 2}, {u"a/y/z", 2}, {u"ab", 3}}));
     profile->move(u"a/y", u"a");
     EXPECT_EQ(contents(*profile), (Model{{u"a", 0}, {u"a/x", 1}, {u"a/y/z", 2}, {u"a/z", 2}, {u"ab", 3}}));
     profile->move(u"a", u"a/b");
@@ -146,7 +152,8 @@ TEST_F(Profiles, ExportAndImportAFolder) {
     const Model before = contents(*profile);
     for (std::size_t size = 0; size < whole.size(); size += 7) {
         write(file("export.list"), std::string_view(whole).substr(0, size));
-        EXPECT_EQ(refusal<ProfileException>([&] { profile->importFrom(url, u"never"); }), messages::kProfileImport)
+        EXPECT_EQ(refusal<ProfileException>([&] { profile->importFrom(url, u"never"); }),
+                  messages::kProfileImport)
             << size;
     }
     EXPECT_EQ(contents(*profile), before);
@@ -179,9 +186,8 @@ TEST_F(Profiles, TellWhatHasChangedHereAndElsewhere) {
 
 TEST_F(Profiles, LetASinkReadAndChange) {
     const auto profile = open();
-    const Connection connection = profile->watch(u"in", [&](const wstring&) {
-        profile->set(u"out", profile->get(u"in", 0) * 2);
-    });
+    const Connection connection =
+        profile->watch(u"in", [&](const wstring&) { profile->set(u"out", profile->get(u"in", 0) * 2); });
     profile->set(u"in", 21);
     EXPECT_EQ(profile->get(u"out", 0), 42);
 }
@@ -198,6 +204,11 @@ TEST_F(Profiles, KeepAFileThatIsOneBraceListAfterEveryChange) {
             token = scanner.next();
         ASSERT_EQ(token, ListScanner::Token::endOfText) << i;
     }
+}
+
+TEST_F(Profiles, CountTheStartsOfAProgramAsThePageShows) {
+    EXPECT_EQ(count_start(*open()), 1);
+    EXPECT_EQ(count_start(*open()), 2);
 }
 
 TEST_F(Profiles, RefuseALaterVersionAndLeaveItAlone) {

@@ -39,7 +39,7 @@ inline constexpr std::size_t kProfileLayers = 4;
 
 /// What stands at a path.
 struct ProfileValue {
-    GenericValue value;                          ///< The value, which may be Undefined.
+    GenericValue value;                         ///< The value, which may be Undefined.
     ProfileLayer layer = ProfileLayer::builtIn; ///< The layer that it comes from.
 };
 
@@ -94,8 +94,8 @@ class ProfileChanges {
     std::vector<ProfileChange> all_;
 };
 
-/// What is called when settings have changed. The path is borrowed for the call: of a value, or of a folder of
-/// which everything may have changed.
+/// What is called when settings have changed. The path is borrowed for the call: of a value, or of a folder
+/// of which everything may have changed.
 using ProfileSink = std::function<void(const wstring& path)>;
 
 /// The settings of a process. They are a service: get_service<IProfile>().

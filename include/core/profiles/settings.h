@@ -17,8 +17,8 @@ struct ProfileSettings {
     /// The path or URL of the user's file; empty for "settings.list" in the program's folder below
     /// $XDG_CONFIG_HOME, or else below ".config" in $HOME.
     wstring user;
-    /// The path or URL of the system's file; empty for "settings.list" in the program's folder below the first
-    /// folder of $XDG_CONFIG_DIRS, or else below "/etc/xdg".
+    /// The path or URL of the system's file; empty for "settings.list" in the program's folder below the
+    /// first folder of $XDG_CONFIG_DIRS, or else below "/etc/xdg".
     wstring system;
 };
 

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+// "corehost settings" and the settings that the program reads when it starts; what docs/settings.md shows for
+// scripts works as the page says.
+#include "tests/host/program_fixture.h"
+#include "tests/script/script_fixture.h"
+
+#include <core/files/disk_file.h>
+#include <core/profiles/settings.h>
+
+#include <cstdlib>
+
+namespace host {
+namespace {
+
+class SettingsCommand : public FolderTest {
+  protected:
+    SettingsCommand() {
+        ::setenv("XDG_CONFIG_HOME", path("config").c_str(), 1);
+        ::setenv("XDG_CONFIG_DIRS", path("etc").c_str(), 1);
+    }
+    ~SettingsCommand() override {
+        ::unsetenv("XDG_CONFIG_HOME");
+        ::unsetenv("XDG_CONFIG_DIRS");
+    }
+    static ExitCode settings(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "settings");
+        return corehost(arguments).code;
+    }
+};
+
+TEST_F(SettingsCommand, GivesBackWhatWasSet) {
+    const std::pair<std::string, std::string> values[] = {
+        {"text", "a text"}, {"code", "007"}, {"number", "-7.5"}, {"truth", "true"}, {"list", "{\"N\",1}"}};
+    for (const auto& [path, value] : values)
+        EXPECT_EQ(settings({"set", "a/" + path, "--", value}), ExitCode::done) << path;
+    EXPECT_EQ(corehost({"settings", "get", "a/text"}).out, "a text\n");
+    EXPECT_EQ(corehost({"settings", "list"}).out,
+              "a/code = 007\na/list = 1\na/number = -7.5\na/text = a text\na/truth = true\n");
+    const std::string json = corehost({"settings", "get", "--json", "a/code"}).out;
+    EXPECT_NE(json.find(R"("type": "String")"), std::string::npos) << json;
+    EXPECT_EQ(settings({"get", "none"}), ExitCode::no);
+    EXPECT_EQ(settings({"rm", "none"}), ExitCode::no);
+    EXPECT_EQ(settings({"set", "a//b", "1"}), ExitCode::malformed);
+    EXPECT_EQ(settings({"set", "b", "{no list"}), ExitCode::malformed);
+
+    EXPECT_EQ(settings({"export", path("export.list"), "a"}), ExitCode::done);
+    EXPECT_EQ(corehost({"list", "check", path("export.list")}).code, ExitCode::done);
+    EXPECT_EQ(settings({"rm", "a"}), ExitCode::done);
+    EXPECT_EQ(corehost({"settings", "list"}).out, "");
+    EXPECT_EQ(settings({"import", path("export.list"), "b"}), ExitCode::done);
+    EXPECT_EQ(corehost({"settings", "get", "b/number"}).out, "-7.5\n");
+    EXPECT_EQ(settings({"set", "--layer", "system", "c", "1"}), ExitCode::done);
+    EXPECT_TRUE(std::filesystem::exists(path("etc/corehost/settings.list")));
+}
+
+TEST_F(SettingsCommand, SetsWhatTheProgramReadsAtItsStart) {
+    static_cast<void>(file("date.script", "Print('20240229'); Print(1234.5);"));
+    EXPECT_EQ(settings({"set", "host/language", "ru"}), ExitCode::done);
+    EXPECT_NE(corehost({"settings", "get", "none"}).err.find("Настройки"), std::string::npos);
+    EXPECT_NE(corehost({"--lang", "en", "settings", "get", "none"}).err.find("no setting"),
+              std::string::npos);
+    EXPECT_EQ(settings({"rm", "host"}), ExitCode::done);
+    EXPECT_EQ(settings({"set", "host/numberFormat", "fraction=2"}), ExitCode::done);
+    EXPECT_NE(corehost({"run", path("date.script")}).out.find("1234"), std::string::npos);
+    EXPECT_EQ(settings({"set", "host/language", "klingon"}), ExitCode::done);
+    const Answer refused = corehost({"run", path("date.script")});
+    EXPECT_EQ(refused.code, ExitCode::done);
+    EXPECT_NE(refused.err.find("klingon"), std::string::npos) << "told, and passed over";
+}
+
+TEST_F(SettingsCommand, ThePageShowsWhatHappens) {
+    const std::string page = text_of(std::filesystem::path(CORE_SOURCE_DIR) / "docs" / "settings.md");
+    const auto block = [&](const std::string& begin) {
+        const std::size_t at = page.find(begin);
+        return at == std::string::npos ? std::string() : page.substr(at, page.find("\n```", at) - at);
+    };
+    const HostProcess process;
+    core::script::Session session;
+    EXPECT_EQ(session.run(block("Settings.Set(\"report/period\"")), block("7\n5\n"));
+}
+
+} // namespace
+} // namespace host
