@@ -62,7 +62,7 @@ std::uint64_t SortedLines::lowerBound(wstring_view key) {
             begin = low; // the line at `low` reaches over the middle
         Entry entry;
         if (!read(begin, entry) || entry.next > high) {
-            // Nothing but damaged lines up to `high`.
+            // Only damaged lines stand before `high`.
             if (begin == low)
                 return low;
             high = begin;

@@ -67,7 +67,7 @@ class ProfileFile {
         LayerState state;
         ProfileHeader header;  // with generation 0 for an empty file
         std::uint64_t end = 0; // the offset behind the last valid line
-        bool hasTorn = false;  // something that is no valid line stands there
+        bool hasTorn = false;  // something that is not a valid line stands there
         bool suspect = false;  // and it may be damage
     };
 

@@ -79,7 +79,7 @@ void ProfileFile::change(std::span<const KeyChange> changes, Changed& changed) {
         append(*writer, changes);
     } catch (...) {
         changed.resize(before);
-        isRead_ = false; // what the file holds now is read anew
+        isRead_ = false; // what the file holds now is read again
         throw;
     }
     shorten(*writer);

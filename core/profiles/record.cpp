@@ -62,8 +62,8 @@ void append_key(std::string& out, wstring_view key) {
     out += to_utf8(text);
 }
 
-/// Returns a list without line feeds: those between its elements are no part of it, and those in its strings
-/// are escaped.
+/// Returns a list without line feeds: those between its elements are left out, and those in its strings are
+/// escaped.
 wstring in_one_line(wstring_view list) {
     wstring line;
     line.reserve(list.size());

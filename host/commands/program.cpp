@@ -174,6 +174,17 @@ void group_help(CLI::App& app, const std::string& group) {
         group_help(*sub, group);
 }
 
+void add_commands(CLI::App& app, Console& console, Action& action) {
+    add_container_command(app, console, action);
+    add_describe_command(app, console, action);
+    add_list_command(app, console, action);
+    add_query_command(app, console, action);
+    add_repl_command(app, console, action);
+    add_run_command(app, console, action);
+    add_settings_command(app, console, action);
+    add_text_command(app, console, action);
+}
+
 ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     read_settings_at_start(console);
     look_for_readers(arguments, console);
@@ -211,14 +222,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
                 "Локаль форматов, сортировки и названий, например de_AT; по умолчанию как у языка"))
         ->type_name("KEY");
     Action action;
-    add_container_command(app, console, action);
-    add_describe_command(app, console, action);
-    add_list_command(app, console, action);
-    add_query_command(app, console, action);
-    add_repl_command(app, console, action);
-    add_run_command(app, console, action);
-    add_settings_command(app, console, action);
-    add_text_command(app, console, action);
+    add_commands(app, console, action);
     if (console.language == Language::russian)
         group_help(app, kOptionsRussian);
     put_run_before_file(app, arguments);

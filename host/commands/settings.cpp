@@ -39,7 +39,7 @@ const std::map<std::string, ProfileLayer> kLayers = {{"user", ProfileLayer::user
                                                      {"system", ProfileLayer::system}};
 constexpr const char* kLayerNames[] = {"built-in", "system", "user", "run"};
 
-/// A value as it is shown, and as `set` reads it again, but for texts that look like something else.
+/// A value as it is shown, and as `set` reads it again, except texts that look like something else.
 wstring shown(const Value& value) {
     if (const wstring_view* const text = value.asString())
         return wstring(*text);

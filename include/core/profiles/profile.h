@@ -16,10 +16,10 @@
 #include <utility>
 #include <vector>
 
-/// Settings by paths such as "report/period": names with "/" between them, all but the last one those of
-/// folders. Names differ by case. They hold neither "/", "!" and quotes nor control characters, and a path
-/// has at most kMaxProfilePath units. Folders come and go with what they hold. One name can be that of a
-/// value and of a folder.
+/// Settings by paths such as "report/period": names with "/" between them, of which only the last
+/// one is not that of a folder. Names differ by case. They hold neither "/", "!" and quotes nor control
+/// characters, and a path has at most kMaxProfilePath units. Folders come and go with what they hold. One
+/// name can be that of a value and of a folder.
 namespace core {
 
 /// How many units a path may have.
