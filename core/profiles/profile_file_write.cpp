@@ -13,6 +13,7 @@
 #include <chrono>
 #include <new>
 #include <thread>
+#include <utility>
 
 namespace core {
 namespace {
@@ -79,7 +80,7 @@ void ProfileFile::change(std::span<const KeyChange> changes, Changed& changed) {
         append(*writer, changes);
     } catch (...) {
         changed.resize(before);
-        isRead_ = false; // what the file holds now is read again
+        known_.header.generation = 0; // what the file holds is compared before anything else is written
         throw;
     }
     shorten(*writer);
@@ -108,6 +109,10 @@ InterfacePtr<IFile> ProfileFile::openCurrent(Changed& changed) {
     for (;;) {
         InterfacePtr<IFile> writer = openForWriting();
         refresh(changed);
+        if (known_.hasTorn) { // or a line that was read before has been taken back, and others follow it
+            Known fresh = read(openForReading(), nullptr);
+            replaceKnown(std::move(fresh), {}, changed);
+        }
         if (!known_.suspect && !known_.state.isDamaged())
             return writer;
         mend(*writer); // another file stands at the path then
