@@ -48,11 +48,14 @@ class LayerWalk {
 
   private:
     void readBase(std::uint64_t offset);
+    void pass(const wstring& key);
     void settle();
 
     LayerState& layer_;
     SortedLines::Entry below_; // the next one of the sorted part
     bool hasBelow_ = false;
+    wstring floor_;         // the keys of the sorted part go on behind it, whatever the file holds
+    bool isPassed_ = false; // or with it
     Overlay::Keys::const_iterator above_;
     KeyChange current_;
     bool atEnd_ = false;

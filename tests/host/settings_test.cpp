@@ -68,6 +68,22 @@ TEST_F(SettingsCommand, SetsWhatTheProgramReadsAtItsStart) {
     EXPECT_NE(refused.err.find("klingon"), std::string::npos) << "told, and passed over";
 }
 
+TEST_F(SettingsCommand, ScriptsHaveThemInBothLanguagesWithLayersAndNotices) {
+    const HostProcess process;
+    core::script::Session session;
+    EXPECT_EQ(
+        session.run("Paths = New Array; N = Connect(Settings, \"Changed\", Paths, \"Add\");"
+                    "Настройки.Установить(\"a/b\", 1); Settings.Set(\"a/c\", 2, SettingsLayers.Run);"
+                    "Settings.Move(\"a\", \"d\"); Print(ToJson(Paths)); Print(Settings.Contains(\"a/b\"));"
+                    "Print(Settings.Get(\"d/b\")); Print(Settings.Get(\"none\", 5));"),
+        "[\"a/b\",\"a/c\",\"a\",\"d/b\",\"d/c\"]\nNo\n1\n5");
+    EXPECT_EQ(session.run("Print(Settings.IsLocked(\"d\")); C = New SettingsChanges; C.Lock(\"d\");\n"
+                          "C.Make(SettingsLayers.System); Print(Settings.IsLocked(\"d\"));"),
+              "No\nYes");
+    EXPECT_NE(session.run("Settings.Set(\"d/b\", 1);").find("The setting “d/b” is locked"),
+              std::string::npos);
+}
+
 TEST_F(SettingsCommand, ThePageShowsWhatHappens) {
     const std::string page = text_of(std::filesystem::path(CORE_SOURCE_DIR) / "docs" / "settings.md");
     const auto block = [&](const std::string& begin) {
