@@ -69,6 +69,11 @@ void ProfileFile::refresh(Changed& changed) {
         readJournal(known_, &changed);
         return;
     }
+    readAgain(std::move(now), changed);
+}
+
+/// Reads the whole of what the path leads to now.
+void ProfileFile::readAgain(InterfacePtr<IFile> now, Changed& changed) {
     Changed journal;
     Known fresh = read(std::move(now), &journal);
     replaceKnown(std::move(fresh), journal, changed);
@@ -165,31 +170,26 @@ void ProfileFile::replaceKnown(Known fresh, const Changed& journal, Changed& cha
     known_ = std::move(fresh);
 }
 
-namespace {
-
-/// Whether a file of that length can have this first line.
-bool begins_whole(std::string_view line, std::uint64_t length) {
-    const auto header = read_header(std::string(line) + '\n');
-    return header && header->journal <= length;
-}
-
-} // namespace
-
 ReadLines read_all_lines(const InterfacePtr<IFile>& file) {
     ReadLines result;
     const std::uint64_t length = file->length();
     Lines lines(file);
+    std::uint64_t journal = length; // where it begins: no line reaches over it
     bool isSound = false;
     bool hasEnd = false;
     for (std::uint64_t offset = 0; offset < length;) {
-        const Lines::Line line = lines.at(offset, length);
+        const Lines::Line line = lines.at(offset, offset < journal ? journal : length);
         const auto record = line.isWhole ? read_record(line.text) : std::nullopt;
-        if (offset == 0)
-            isSound = line.isWhole && begins_whole(line.text, length);
-        else if (line.isWhole && line.text == "}" && line.next == length)
+        if (offset == 0) {
+            const auto header = read_header(std::string(line.text) + '\n');
+            isSound = line.isWhole && header && header->journal <= length;
+            if (isSound)
+                journal = header->journal;
+        } else if (line.isWhole && line.text == "}" && line.next == length) {
             hasEnd = true;
-        else if (!record)
+        } else if (!record) {
             isSound = false;
+        }
         if (record)
             result.state.apply(*record);
         if (line.next == offset) // the file has become shorter

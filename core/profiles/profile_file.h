@@ -75,6 +75,7 @@ class ProfileFile {
     [[nodiscard]] Known read(InterfacePtr<IFile> file, Changed* changed);
     void readHeader(Known& known);
     static void readJournal(Known& known, Changed* changed);
+    void readAgain(InterfacePtr<IFile> now, Changed& changed);
     void replaceKnown(Known fresh, const Changed& journal, Changed& changed);
 
     [[nodiscard]] InterfacePtr<IFile> openCurrent(Changed& changed);
@@ -82,9 +83,9 @@ class ProfileFile {
     [[nodiscard]] bool leadsHere(IFile& file);
     void lock(IFile& file);
     void append(IFile& writer, std::span<const KeyChange> changes);
-    void shorten(IFile& writer);
-    void rewrite(LayerState& state, std::uint64_t step);
-    void mend(IFile& writer);
+    void shorten(IFile& writer, Changed& changed);
+    void rewrite(LayerState& state, std::uint64_t step, Changed& changed);
+    void mend(IFile& writer, Changed& changed);
     [[nodiscard]] wstring freeNameBeside();
 
     IFileSystem& files_;

@@ -74,7 +74,7 @@ void ProfileFile::change(std::span<const KeyChange> changes, Changed& changed) {
         if (known_.header.generation == 0) { // an empty file: it begins with its first values
             LayerState first;
             first.apply(changes);
-            rewrite(first, 1);
+            rewrite(first, 1, changed);
             return;
         }
         append(*writer, changes);
@@ -83,18 +83,18 @@ void ProfileFile::change(std::span<const KeyChange> changes, Changed& changed) {
         known_.header.generation = 0; // what the file holds is compared before anything else is written
         throw;
     }
-    shorten(*writer);
+    shorten(*writer, changed);
 }
 
 /// Merges a journal that has become long into the sorted part.
-void ProfileFile::shorten(IFile& writer) {
+void ProfileFile::shorten(IFile& writer, Changed& changed) {
     if (!isRead_ || known_.end - known_.header.journal <= kMostJournal + known_.header.journal / kSortedPart)
         return;
     try {
         try {
-            rewrite(known_.state, 1);
+            rewrite(known_.state, 1, changed);
         } catch (const DamageFound&) {
-            mend(writer);
+            mend(writer, changed);
         }
     } catch (const Exception&) { // the change itself is kept, and the next one tries again
         isRead_ = false;
@@ -109,13 +109,11 @@ InterfacePtr<IFile> ProfileFile::openCurrent(Changed& changed) {
     for (;;) {
         InterfacePtr<IFile> writer = openForWriting();
         refresh(changed);
-        if (known_.hasTorn) { // or a line that was read before has been taken back, and others follow it
-            Known fresh = read(openForReading(), nullptr);
-            replaceKnown(std::move(fresh), {}, changed);
-        }
+        if (known_.hasTorn) // or a line that was read before has been taken back, and others follow it
+            readAgain(openForReading(), changed);
         if (!known_.suspect && !known_.state.isDamaged())
             return writer;
-        mend(*writer); // another file stands at the path then
+        mend(*writer, changed); // another file stands at the path then
     }
 }
 
@@ -203,7 +201,7 @@ void ProfileFile::append(IFile& writer, std::span<const KeyChange> changes) {
 }
 
 /// Puts a file with `state` as its sorted part in the place of the one that is there.
-void ProfileFile::rewrite(LayerState& state, std::uint64_t step) {
+void ProfileFile::rewrite(LayerState& state, std::uint64_t step, Changed& changed) {
     const std::uint64_t generation = known_.header.generation + step;
     files_.writeFile(url_, [&](IFile& out) {
         LayerWalk walk(state);
@@ -212,7 +210,7 @@ void ProfileFile::rewrite(LayerState& state, std::uint64_t step) {
             throw DamageFound();
     });
     try {
-        known_ = read(openForReading(), nullptr);
+        readAgain(openForReading(), changed); // others may have added to it since
         isRead_ = true;
     } catch (...) { // what is written is kept
         isRead_ = false;
@@ -220,15 +218,15 @@ void ProfileFile::rewrite(LayerState& state, std::uint64_t step) {
 }
 
 /// Copies a damaged file aside and goes on with what is undamaged of it.
-void ProfileFile::mend(IFile& writer) {
+void ProfileFile::mend(IFile& writer, Changed& changed) {
     ReadLines lines = read_all_lines(InterfacePtr<IFile>(&writer));
     if (lines.isWhole) { // a line that was just being written when it was read
-        known_ = read(openForReading(), nullptr);
+        readAgain(openForReading(), changed);
         return;
     }
     const wstring aside = freeNameBeside();
     files_.copyFile(url_, aside);
-    rewrite(lines.state, 2); // not the next generation: others have to compare
+    rewrite(lines.state, 2, changed); // not the next generation: others have to compare
     report_(messages::kProfileDamaged, shown_url(url_), shown_url(aside));
 }
 

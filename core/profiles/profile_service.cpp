@@ -347,6 +347,10 @@ bool ProfileService::refresh() {
 
 Connection ProfileService::watch(wstring_view path, ProfileSink sink) {
     require_folder(path);
+    {
+        const std::lock_guard lock(mutex_);
+        stack_.read(); // what is told has changed since
+    }
     return changed_.connect(
         [folder = wstring(path), sink = std::move(sink)](const wstring& where, const bool& isFolder) {
             if (is_within(where, folder) || (isFolder && is_within(folder, where)))

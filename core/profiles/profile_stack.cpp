@@ -124,6 +124,11 @@ std::vector<ProfileItem> ProfileStack::list(wstring_view folder) {
     return listed;
 }
 
+void ProfileStack::read() {
+    for (const ProfileLayer layer : {ProfileLayer::system, ProfileLayer::user})
+        (void)state(layer);
+}
+
 void ProfileStack::change(ProfileLayer layer, std::span<const KeyChange> changes,
                           ProfileFile::Changed& changed) {
     if (layer == ProfileLayer::system || layer == ProfileLayer::user) {

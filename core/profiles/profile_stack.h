@@ -38,6 +38,8 @@ class ProfileStack {
     /// Returns the names in a folder, in their order.
     [[nodiscard]] std::vector<ProfileItem> list(wstring_view folder);
 
+    /// Reads the files that were not read yet.
+    void read();
     /// Changes one layer, all of it or nothing; appends what has changed.
     void change(ProfileLayer layer, std::span<const KeyChange> changes, ProfileFile::Changed& changed);
     /// Takes over what others have changed; appends those keys. A file that cannot be read is reported.

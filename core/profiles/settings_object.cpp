@@ -129,7 +129,26 @@ class SettingsObject : public ScriptObject<SettingsObject> {
 
     Event<wstring> changed{named<u"Changed", u"ПриИзменении">};
 
-    static auto members();
+    static auto members() {
+        using T = SettingsObject;
+        constexpr Parameter kFrom{u"From", u"Откуда"};
+        constexpr Parameter kTo{u"To", u"Куда"};
+        constexpr Parameter kFile{u"File", u"Файл"};
+        return core::members(
+            method(u"Get", u"Получить", &T::get, kPath, {u"Default", u"ПоУмолчанию"}, {u"Type", u"Тип"}),
+            method(u"Contains", u"Содержит", &T::contains, kPath),
+            method(u"List", u"Список", &T::list, kFolder),
+            method(u"Values", u"Значения", &T::values, kFolder),
+            method(u"Set", u"Установить", &T::set, kPath, kValue, kLayer),
+            method(u"Remove", u"Удалить", &T::remove, kPath, kLayer),
+            method(u"Copy", u"Копировать", &T::copy, kFrom, kTo, kLayer),
+            method(u"Move", u"Переместить", &T::move, kFrom, kTo, kLayer),
+            method(u"IsLocked", u"Закреплена", &T::isLocked, kPath, kLayer),
+            method(u"Export", u"Выгрузить", &T::exportTo, kFile, kFolder),
+            method(u"Import", u"Загрузить", &T::importFrom, kFile, kFolder, kLayer),
+            method(u"Refresh", u"Обновить", &T::refresh), method(u"Reports", u"Сообщения", &T::reports),
+            method(u"Changes", u"Изменения", &T::changes), event(&T::changed, {u"Path", u"Путь"}));
+    }
 
   private:
     /// The profile, of which the event tells from its first use on.
@@ -142,26 +161,6 @@ class SettingsObject : public ScriptObject<SettingsObject> {
 
     Connection connection_;
 };
-
-auto SettingsObject::members() {
-    using T = SettingsObject;
-    constexpr Parameter kFrom{u"From", u"Откуда"};
-    constexpr Parameter kTo{u"To", u"Куда"};
-    constexpr Parameter kFile{u"File", u"Файл"};
-    return core::members(
-        method(u"Get", u"Получить", &T::get, kPath, {u"Default", u"ПоУмолчанию"}, {u"Type", u"Тип"}),
-        method(u"Contains", u"Содержит", &T::contains, kPath), method(u"List", u"Список", &T::list, kFolder),
-        method(u"Values", u"Значения", &T::values, kFolder),
-        method(u"Set", u"Установить", &T::set, kPath, kValue, kLayer),
-        method(u"Remove", u"Удалить", &T::remove, kPath, kLayer),
-        method(u"Copy", u"Копировать", &T::copy, kFrom, kTo, kLayer),
-        method(u"Move", u"Переместить", &T::move, kFrom, kTo, kLayer),
-        method(u"IsLocked", u"Закреплена", &T::isLocked, kPath, kLayer),
-        method(u"Export", u"Выгрузить", &T::exportTo, kFile, kFolder),
-        method(u"Import", u"Загрузить", &T::importFrom, kFile, kFolder, kLayer),
-        method(u"Refresh", u"Обновить", &T::refresh), method(u"Reports", u"Сообщения", &T::reports),
-        method(u"Changes", u"Изменения", &T::changes), event(&T::changed, {u"Path", u"Путь"}));
-}
 
 class SettingsFunctions : public IContextImpl<IContextDefImpl<SettingsFunctions>> {
   public:

@@ -127,7 +127,6 @@ ExitCode list(const SettingsOptions& options, IProfile& profile, Console& consol
 
 /// Tells changes until it is interrupted.
 ExitCode watch(const SettingsOptions& options, IProfile& profile, Console& console) {
-    (void)profile.entries({}); // changes from now on
     const Connection connection = profile.watch(from_utf8(options.path), [&](const wstring& path) {
         const std::optional<ProfileValue> found = path.empty() ? std::nullopt : profile.find(path);
         if (console.json)

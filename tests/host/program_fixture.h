@@ -18,10 +18,15 @@ struct Answer {
     std::string err;
 };
 
+/// The programs that tests start have no settings, whatever those of the person who runs the tests are.
+inline void hide_settings() {
+    ::setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+    ::setenv("XDG_CONFIG_DIRS", "/nonexistent", 1);
+}
+inline const bool kSettingsHidden = (hide_settings(), true);
+
 inline Answer corehost(std::vector<std::string> arguments, const std::string& input = {},
                        bool colour = false) {
-    ::setenv("XDG_CONFIG_HOME", "/nonexistent", 0); // the settings of who runs the tests do not count
-    ::setenv("XDG_CONFIG_DIRS", "/nonexistent", 0);
     std::istringstream in(input);
     std::ostringstream out, err;
     Console console{in, out, err, Language::english, colour};

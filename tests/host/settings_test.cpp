@@ -18,10 +18,7 @@ class SettingsCommand : public FolderTest {
         ::setenv("XDG_CONFIG_HOME", path("config").c_str(), 1);
         ::setenv("XDG_CONFIG_DIRS", path("etc").c_str(), 1);
     }
-    ~SettingsCommand() override {
-        ::unsetenv("XDG_CONFIG_HOME");
-        ::unsetenv("XDG_CONFIG_DIRS");
-    }
+    ~SettingsCommand() override { hide_settings(); }
     static ExitCode settings(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "settings");
         return corehost(arguments).code;

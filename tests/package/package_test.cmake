@@ -6,6 +6,8 @@ set(work ${build}/package_test)
 set(prefix ${work}/moved)
 file(REMOVE_RECURSE ${work})
 set(run COMMAND_ERROR_IS_FATAL ANY)
+set(ENV{XDG_CONFIG_HOME} /nonexistent) # the settings of the person who runs this do not count
+set(ENV{XDG_CONFIG_DIRS} /nonexistent)
 
 execute_process(COMMAND ${CMAKE_COMMAND} --install ${build} --prefix ${work}/first OUTPUT_QUIET ${run})
 file(RENAME ${work}/first ${prefix})

@@ -28,7 +28,8 @@ inline std::string text_of(IFile& file) {
 /// A folder of its own for a test, gone at the end.
 class TempFolder {
   public:
-    TempFolder() : path_((std::filesystem::temp_directory_path() / "core-test-XXXXXX").string()) {
+    explicit TempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
+        : path_((parent / "core-test-XXXXXX").string()) {
         if (::mkdtemp(path_.data()) == nullptr)
             throw std::runtime_error("no temporary folder");
     }
