@@ -74,8 +74,8 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
     };
     const Case cases[] = {
         {{},
-         "corehost needs a command: container, describe, list, query, repl, run, text.",
-         "corehost: нужна команда: container, describe, list, query, repl, run, text."},
+         "corehost needs a command: container, describe, list, query, repl, run, settings, text.",
+         "corehost: нужна команда: container, describe, list, query, repl, run, settings, text."},
         {{"desribe"},
          "corehost has no command “desribe”. Did you mean describe?",
          "У corehost нет команды «desribe». Возможно, имелся в виду describe?"},

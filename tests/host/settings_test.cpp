@@ -7,7 +7,14 @@
 #include <core/files/disk_file.h>
 #include <core/profiles/settings.h>
 
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
+#include <thread>
 
 namespace host {
 namespace {
@@ -63,6 +70,32 @@ TEST_F(SettingsCommand, SetsWhatTheProgramReadsAtItsStart) {
     const Answer refused = corehost({"run", path("date.script")});
     EXPECT_EQ(refused.code, ExitCode::done);
     EXPECT_NE(refused.err.find("klingon"), std::string::npos) << "told, and passed over";
+}
+
+TEST_F(SettingsCommand, WatchesOthersUntilItIsInterrupted) {
+    const std::string told = file("told", "");
+    const ::pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(::open(told.c_str(), O_WRONLY), STDOUT_FILENO);
+        ::execl(CORE_TEST_PROGRAM, "corehost", "--lang", "en", "settings", "watch", "a", nullptr);
+        ::_exit(127);
+    }
+    using namespace std::chrono_literals;
+    for (int i = 0; i < 2000 && text_of(told).empty(); ++i) { // it tells what is set once it has begun
+        EXPECT_EQ(settings({"set", "other", std::to_string(i)}), ExitCode::done);
+        EXPECT_EQ(settings({"set", "a/b", std::to_string(i)}), ExitCode::done);
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_EQ(settings({"rm", "a"}), ExitCode::done);
+    for (int i = 0; i < 2000 && text_of(told).find("a was removed\n") == std::string::npos; ++i)
+        std::this_thread::sleep_for(10ms);
+    ::kill(child, SIGINT);
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 130);
+    EXPECT_TRUE(text_of(told).starts_with("a/b = ")) << text_of(told);
+    EXPECT_TRUE(text_of(told).ends_with("a was removed\n")) << text_of(told);
+    EXPECT_EQ(text_of(told).find("other"), std::string::npos);
 }
 
 TEST_F(SettingsCommand, ScriptsHaveThemInBothLanguagesWithLayersAndNotices) {
