@@ -136,12 +136,12 @@ void ProfileFile::readJournal(Known& known, Changed* changed) {
             return;
         }
         if (record) {
-            known.state.apply(*record);
-            known.end = line.next;
-            for (const KeyChange& one : *record) {
+            for (const KeyChange& one : *record) { // first: what is taken over is told in any case
                 if (changed != nullptr)
                     changed->push_back(one.key);
             }
+            known.state.apply(*record);
+            known.end = line.next;
         } else if (!(line.isWhole && line.text == "}" && line.next == length)) {
             known.hasTorn = true;
         }

@@ -124,6 +124,8 @@ class ProfileService : public IProfile {
     [[nodiscard]] std::optional<ProfileValue> valueOf(wstring_view path, const std::vector<Found>& found);
     [[nodiscard]] Keys copied(wstring_view from, wstring_view to);
     void make(const Keys& keys, ProfileLayer layer);
+    template <class Call>
+    bool tellAfter(Call call);
     void requireUnlocked(const Keys& keys, ProfileLayer layer);
     void forget() noexcept;
     void tell(const Changed& changed);
@@ -281,25 +283,36 @@ void ProfileService::importFrom(wstring_view url, wstring_view folder, ProfileLa
     make(keys, layer);
 }
 
-/// Changes a layer. What others had changed is told in any case.
+/// Changes a layer.
 void ProfileService::make(const Keys& keys, ProfileLayer layer) {
     if (keys.empty())
         return;
+    (void)tellAfter([&](Changed& changed) {
+        requireUnlocked(keys, layer);
+        stack_.change(layer, keys, changed);
+    });
+}
+
+/// Calls what changes the layers, and tells what has changed, also when it fails. Returns whether anything
+/// has.
+template <class Call>
+bool ProfileService::tellAfter(Call call) {
     Changed changed;
     std::exception_ptr failure;
     {
         const std::lock_guard lock(mutex_);
         try {
-            requireUnlocked(keys, layer);
-            stack_.change(layer, keys, changed);
+            call(changed);
         } catch (...) {
             failure = std::current_exception();
         }
-        forget();
+        if (failure || !changed.empty())
+            forget();
     }
     tell(changed);
     if (failure)
         std::rethrow_exception(failure);
+    return !changed.empty();
 }
 
 void ProfileService::requireUnlocked(const Keys& keys, ProfileLayer layer) {
@@ -333,16 +346,10 @@ void ProfileService::tell(const Changed& changed) {
 }
 
 bool ProfileService::refresh() {
-    Changed changed;
-    {
-        const std::lock_guard lock(mutex_);
+    return tellAfter([this](Changed& changed) {
         stack_.refresh(changed);
         stack_.mend(changed);
-        if (!changed.empty())
-            forget();
-    }
-    tell(changed);
-    return !changed.empty();
+    });
 }
 
 Connection ProfileService::watch(wstring_view path, ProfileSink sink) {

@@ -94,7 +94,7 @@ TEST_F(SettingsCommand, WatchesOthersUntilItIsInterrupted) {
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 130);
     EXPECT_TRUE(text_of(told).starts_with("a/b = ")) << text_of(told);
-    EXPECT_TRUE(text_of(told).ends_with("a was removed\n")) << text_of(told);
+    EXPECT_NE(text_of(told).find("a was removed\n"), std::string::npos) << text_of(told);
     EXPECT_EQ(text_of(told).find("other"), std::string::npos);
 }
 

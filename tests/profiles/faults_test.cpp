@@ -100,6 +100,57 @@ TEST_F(Faults, OfAnyAllocationChangeNothing) {
     }
 }
 
+/// Counts how often each of two paths is told; the empty one stands for all.
+struct Told {
+    explicit Told(IProfile& profile)
+        : connection(profile.watch({}, [this](const wstring& path) { // needs no memory
+              first += path == u"a/first" || path.empty() ? 1 : 0;
+              second += path == u"a/second/with a long name" || path.empty() ? 1 : 0;
+          })) {}
+    int first = 0;
+    int second = 0;
+    Connection connection;
+};
+
+TEST_F(Faults, OfARefreshLoseNoNotice) {
+    PlannedProfile files;
+    files.open()->set(u"a/first", 0);
+    const auto tries = [&](auto limited) {
+        bool done = false;
+        for (int n = 0; !done; ++n) {
+            const auto follower = files.open();
+            EXPECT_TRUE(follower->find(u"a/first"));
+            const Told told(*follower);
+            const auto writer = files.open();
+            writer->set(u"a/first", n);
+            writer->set(u"a/second/with a long name", n);
+            if (n % 2 == 1) // in another file, too
+                writer->set(u"filling", wstring(70'000, u'x'));
+            done = limited(*follower, n);
+            follower->refresh();
+            EXPECT_EQ(contents(*follower), contents(*writer)) << n;
+            EXPECT_GE(told.first, 1) << n;
+            EXPECT_GE(told.second, 1) << n;
+        }
+    };
+    tries([](IProfile& follower, int n) {
+        try {
+            const ::test::AllocationLimit limit(n);
+            follower.refresh();
+            return n > 1 && follower.takeReports().empty(); // once in each kind of file
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    });
+    tries([&](IProfile& follower, int n) {
+        files.plan = {.failAt = static_cast<std::uint64_t>(n)};
+        follower.refresh();
+        const bool failed = files.plan.failed;
+        files.plan = {};
+        return !failed;
+    });
+}
+
 TEST_F(Faults, KeepWhatWasAcknowledgedBeforeATornLine) {
     std::vector<std::pair<std::size_t, Model>> states; // the length of the file, and what it holds then
     {

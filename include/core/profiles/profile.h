@@ -105,8 +105,9 @@ using ProfileSink = std::function<void(const wstring& path)>;
 /// What went wrong without stopping a call is told by takeReports().
 ///
 /// Every call with a path throws ProfileException (kProfilePath) for a text that is not one; a folder may be
-/// empty, which is the whole. Threads: any, except that watch(), refresh(), the calls that change and the end
-/// of a connection are for one thread at a time; that thread calls the sinks.
+/// empty, which is the whole. Calls that read throw FileException when a file can be opened and not read.
+/// Threads: any, except that watch(), refresh(), the calls that change and the end of a connection are for
+/// one thread at a time; that thread calls the sinks.
 class IProfile : public IUnknown {
   public:
     static constexpr GUID IID = "57358488-bf08-4c25-afd4-374051d5febd"_guid;
