@@ -44,15 +44,30 @@ PieceTree EditedText::store(wstring_view text) {
     return PieceTree(pieces);
 }
 
-bool EditedText::extend(std::uint64_t offset, const Piece& piece) noexcept {
-    if (!tree_.extend(offset, piece))
+bool EditedText::canType(std::uint64_t offset, std::size_t count) noexcept {
+    if (!tail_ || tail_->room() < count)
         return false;
-    marks_.replaceUnits(offset, 0, piece.size());
-    return true;
+    const Piece* const piece = tree_.open(offset);
+    return piece != nullptr && piece->store.get() == tail_.get() && piece->end == tail_->size();
 }
 
-PieceTree EditedText::replaceEach(const EditStep& step, bool backwards, std::vector<Edit>& inverse) const {
-    PieceTree text = tree_;
+void EditedText::type(std::uint64_t offset, wstring_view units) noexcept {
+    tail_->append(units);
+    tree_.grow(static_cast<std::uint32_t>(units.size()));
+    marks_.replaceUnits(offset, 0, units.size());
+}
+
+std::optional<Piece> EditedText::canUntype(TextRange range) noexcept {
+    if (marks_.size() != 0)
+        return std::nullopt;
+    const Piece* const piece = tree_.open(range.end);
+    if (piece == nullptr || piece->size() <= range.size())
+        return std::nullopt;
+    return Piece(piece->store, piece->end - static_cast<std::uint32_t>(range.size()), piece->end);
+}
+
+PieceTree EditedText::replaceEach(const EditStep& step, bool backwards, std::vector<Edit>& inverse) {
+    PieceTree text = tree();
     for (std::size_t i = 0; i < step.edits.size(); ++i) {
         const Edit& edit = edit_at(step, backwards, i);
         inverse.push_back(
@@ -63,27 +78,41 @@ PieceTree EditedText::replaceEach(const EditStep& step, bool backwards, std::vec
 
 /// The same for many disjoint edits: each offset is that in the text as the edits before it have left it, so
 /// that rising offsets are moved back to the text as it is now, and falling ones are as they are.
-PieceTree EditedText::replaceTogether(const EditStep& step, bool backwards,
-                                      std::vector<Edit>& inverse) const {
+PieceTree EditedText::replaceTogether(const EditStep& step, bool backwards, std::vector<Edit>& inverse) {
     const std::size_t count = step.edits.size();
     const bool rises = edit_at(step, backwards, 0).offset < edit_at(step, backwards, count - 1).offset;
+    const PieceTree& text = tree();
     std::vector<Splice> splices;
     splices.reserve(count);
     std::uint64_t longer = 0; // by how much the edits before have made the text longer; wraps around
     for (std::size_t i = 0; i < count; ++i) {
         const Edit& edit = edit_at(step, backwards, i);
         const std::uint64_t offset = rises ? edit.offset - longer : edit.offset;
-        inverse.push_back({edit.offset, edit.text.size(), tree_.part(offset, edit.count), {}});
+        inverse.push_back({edit.offset, edit.text.size(), text.part(offset, edit.count), {}});
         splices.push_back({offset, edit.count, edit.text});
         longer += edit.text.size() - edit.count;
     }
     if (!rises)
         std::reverse(splices.begin(), splices.end());
-    return tree_.replaced(splices);
+    return text.replaced(splices);
+}
+
+std::vector<Edit> EditedText::applyOne(const Edit& edit) {
+    std::vector<Edit> inverse(1);
+    Edit& back = inverse.front();
+    back.offset = edit.offset;
+    back.count = edit.text.size();
+    back.marks = marks_.save(edit.offset, edit.offset + edit.count);
+    back.text = tree_.replace(edit.offset, edit.count, edit.text);
+    marks_.replaceUnits(edit.offset, edit.count, edit.text.size());
+    marks_.restore(edit.marks);
+    return inverse;
 }
 
 std::vector<Edit> EditedText::apply(const EditStep& step, bool backwards) {
     const std::size_t count = step.edits.size();
+    if (count == 1)
+        return applyOne(step.edits.front());
     std::vector<Edit> inverse;
     inverse.reserve(count);
     PieceTree text = step.disjoint && count >= kMany ? replaceTogether(step, backwards, inverse)
@@ -104,12 +133,12 @@ std::vector<Edit> EditedText::apply(const EditStep& step, bool backwards) {
         }
         throw;
     }
-    tree_ = std::move(text);
+    tree_.set(std::move(text));
     return inverse;
 }
 
 void EditedText::assign(PieceTree text) noexcept {
-    tree_ = std::move(text);
+    tree_.set(std::move(text));
     tail_ = StoreRef();
     marks_.collapse();
 }

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "core/documents/edit.h"
+#include "core/documents/typed_tree.h"
 
 #include <core/documents/text_snapshot.h>
 
+#include <optional>
 #include <vector>
 
 namespace core::detail {
@@ -17,8 +19,9 @@ class EditedText {
     explicit EditedText(bool unicodeEnds) noexcept : unicodeEnds_(unicodeEnds) {}
 
     [[nodiscard]] bool hasUnicodeEnds() const noexcept { return unicodeEnds_; }
-    [[nodiscard]] const PieceTree& tree() const noexcept { return tree_; }
-    [[nodiscard]] TextSnapshot snapshot() const noexcept { return snapshot(tree_); }
+    [[nodiscard]] std::uint64_t size() const noexcept { return tree_.size(); }
+    [[nodiscard]] const PieceTree& tree() noexcept { return tree_.get(); }
+    [[nodiscard]] TextSnapshot snapshot() noexcept { return snapshot(tree()); }
     [[nodiscard]] TextSnapshot snapshot(const PieceTree& tree) const noexcept {
         return {tree.root().get(), unicodeEnds_};
     }
@@ -30,9 +33,16 @@ class EditedText {
     /// Stores a text of any length, to be inserted. Throws std::bad_alloc.
     [[nodiscard]] PieceTree store(wstring_view text);
 
-    /// Inserts a piece without taking memory, when it goes on where the units in front of it were stored and
-    /// no snapshot shares them; returns whether it did.
-    bool extend(std::uint64_t offset, const Piece& piece) noexcept;
+    /// Whether type() can insert so many units: those in front were the last that were stored, and nobody
+    /// else sees them.
+    [[nodiscard]] bool canType(std::uint64_t offset, std::size_t count) noexcept;
+    /// Inserts units without taking memory, right after canType() has agreed.
+    void type(std::uint64_t offset, wstring_view units) noexcept;
+    /// The units of a range that untype() can remove: they end a piece that nobody else sees, not the whole
+    /// of it, and there are no marks to be taken along. Nothing otherwise.
+    [[nodiscard]] std::optional<Piece> canUntype(TextRange range) noexcept;
+    /// Removes units without taking memory, right after canUntype() has agreed.
+    void untype(const Piece& units) noexcept { tree_.shrink(units.size()); }
     /// Makes the edits of a step, from the first to the last or `backwards`, and returns those that take them
     /// back, in the order in which they were made. Throws std::bad_alloc; nothing has changed then.
     [[nodiscard]] std::vector<Edit> apply(const EditStep& step, bool backwards);
@@ -40,13 +50,12 @@ class EditedText {
     void assign(PieceTree text) noexcept;
 
   private:
-    [[nodiscard]] PieceTree replaceEach(const EditStep& step, bool backwards,
-                                        std::vector<Edit>& inverse) const;
-    [[nodiscard]] PieceTree replaceTogether(const EditStep& step, bool backwards,
-                                            std::vector<Edit>& inverse) const;
+    [[nodiscard]] PieceTree replaceEach(const EditStep& step, bool backwards, std::vector<Edit>& inverse);
+    [[nodiscard]] PieceTree replaceTogether(const EditStep& step, bool backwards, std::vector<Edit>& inverse);
+    [[nodiscard]] std::vector<Edit> applyOne(const Edit& edit);
 
     bool unicodeEnds_;
-    PieceTree tree_;
+    TypedTree tree_;
     StoreRef tail_; ///< takes what is typed
     Marks marks_;
 };

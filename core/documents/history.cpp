@@ -29,6 +29,16 @@ void History::extendTyping(std::uint64_t count) noexcept {
     undo_.back().edits.front().count += count;
 }
 
+bool History::extendErasing(std::uint64_t offset, const Piece& units) noexcept {
+    if (!open_ || depth_ > 0 || undo_.empty() || undo_.back().kind != EditKind::erasing)
+        return false;
+    Edit& last = undo_.back().edits.front();
+    if (last.offset != offset || !last.text.growFront(units))
+        return false;
+    last.offset -= units.size();
+    return true;
+}
+
 /// Adds a step to the last one when both are one to a person who types. The two edits become one, in the text
 /// as it was in front of both: marks that the later edit has moved stood behind what the earlier one removes.
 bool History::join(EditStep& step) {

@@ -21,6 +21,9 @@ class History {
     /// Whether a typed character joins the last step, which extendTyping() then does.
     [[nodiscard]] bool joinsTyping(std::uint64_t offset) const noexcept;
     void extendTyping(std::uint64_t count) noexcept;
+    /// Joins an erased character, which was the one in front of `offset`, to the last step; returns whether
+    /// it did.
+    bool extendErasing(std::uint64_t offset, const Piece& units) noexcept;
     /// Adds what takes back edits that have been made. What had been taken back can no longer be made again.
     void add(EditStep step) noexcept;
 

@@ -1,20 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/documents/piece_tree.h"
 
+#include "core/documents/own_nodes.h"
+
 #include <algorithm>
 #include <utility>
 
 // The tree is an AVL tree that is cut and joined. Joining two trees walks down the side of the higher one as
-// far as they differ in height, so that cutting and joining cost the logarithm of the number of pieces.
+// far as they differ in height, so that cutting and joining cost the logarithm of the number of pieces. All
+// of it makes new nodes; what is simple, and in nodes that nobody shares, own_nodes.h does without.
 namespace core::detail {
 namespace {
-
-[[nodiscard]] std::int32_t height_of(const NodeRef& node) noexcept {
-    return node ? node->height : 0;
-}
-[[nodiscard]] UnitSum sum_of(const NodeRef& node) noexcept {
-    return node ? node->sum : UnitSum{};
-}
 
 [[nodiscard]] NodeRef make(NodeRef left, Piece piece, NodeRef right) {
     return NodeRef(new PieceNode(std::move(left), std::move(piece), std::move(right)));
@@ -118,7 +114,7 @@ struct Halves {
 [[nodiscard]] Halves cut(const NodeRef& node, std::uint64_t offset) {
     if (!node)
         return {};
-    const std::uint64_t before = sum_of(node->left).units;
+    const std::uint64_t before = units_of(node->left);
     const Piece& piece = node->piece;
     if (offset <= before) {
         Halves halves = cut(node->left, offset);
@@ -152,7 +148,7 @@ void add(std::vector<Piece>& pieces, const Piece& piece) {
 void collect(const PieceNode* node, std::uint64_t begin, std::uint64_t end, std::vector<Piece>& pieces) {
     if (node == nullptr || begin >= end)
         return;
-    const std::uint64_t before = sum_of(node->left).units;
+    const std::uint64_t before = units_of(node->left);
     const std::uint64_t behind = before + node->piece.size();
     if (begin < before)
         collect(node->left.get(), begin, std::min(end, before), pieces);
@@ -169,43 +165,31 @@ void collect(const PieceNode* node, std::uint64_t begin, std::uint64_t end, std:
         collect(node->right.get(), std::max(begin, behind) - behind, end - behind, pieces);
 }
 
-bool extend_in(PieceNode& node, std::uint64_t offset, const Piece& more) noexcept {
-    if (!node.isUnique())
-        return false;
-    const std::uint64_t before = sum_of(node.left).units;
-    Piece& piece = node.piece;
-    bool done = false;
-    if (offset <= before) {
-        done = node.left && extend_in(*node.left.get(), offset, more);
-    } else if (offset > before + piece.size()) {
-        done = node.right && extend_in(*node.right.get(), offset - before - piece.size(), more);
-    } else if (offset == before + piece.size() && piece.continues(more)) {
-        piece.append(more);
-        done = true;
-    }
-    if (done)
-        node.update();
-    return done;
-}
-
 } // namespace
 
 PieceNode::PieceNode(NodeRef before, Piece own, NodeRef behind) noexcept
-    : left(std::move(before)), right(std::move(behind)), piece(std::move(own)),
-      height(std::max(height_of(left), height_of(right)) + 1) {
+    : left(std::move(before)), right(std::move(behind)), piece(std::move(own)) {
     update();
 }
 
 void PieceNode::update() noexcept {
     sum = sum_of(left) + piece.sum() + sum_of(right);
+    height = std::max(height_of(left), height_of(right)) + 1;
 }
 
 PieceTree::PieceTree(std::span<const Piece> pieces) : root_(build(pieces)) {}
 
 PieceTree PieceTree::replace(std::uint64_t offset, std::uint64_t count, const PieceTree& text) {
+    const bool onePiece = text.root_ && text.root_->height == 1;
+    if (count == 0 && onePiece && insert_in_place(root_, offset, text.root_->piece))
+        return {};
+    if (count != 0 && !text.root_) {
+        if (NodeRef removed = remove_in_place(root_, offset, count))
+            return PieceTree(std::move(removed));
+    }
     const Halves first = cut(root_, offset);
     Halves second = count != 0 ? cut(first.right, count) : Halves{NodeRef(), first.right};
-    if (text.root_ && text.root_->height == 1)
+    if (onePiece)
         root_ = insert_between(first.left, text.root_->piece, second.right);
     else
         root_ = concatenate(concatenate(first.left, text.root_), second.right);
@@ -234,14 +218,20 @@ PieceTree PieceTree::replaced(std::span<const Splice> splices) const {
     return PieceTree(pieces);
 }
 
-bool PieceTree::extend(std::uint64_t offset, const Piece& more) noexcept {
-    return root_ && extend_in(*root_.get(), offset, more);
+bool PieceTree::growFront(const Piece& piece) noexcept {
+    if (!root_ || root_->height != 1 || !root_->isUnique() || !piece.continues(root_->piece))
+        return false;
+    Piece joined = piece;
+    joined.append(root_->piece);
+    root_->piece = std::move(joined);
+    root_->update();
+    return true;
 }
 
 UnitRun run_at(const PieceNode* root, std::uint64_t offset) noexcept {
     std::uint64_t base = 0;
     for (const PieceNode* node = root; node != nullptr;) {
-        const std::uint64_t begin = base + sum_of(node->left).units;
+        const std::uint64_t begin = base + units_of(node->left);
         if (offset < begin) {
             node = node->left.get();
         } else if (offset < begin + node->piece.size()) {
@@ -269,7 +259,8 @@ std::uint64_t ends_before(const PieceNode* root, std::uint64_t offset) noexcept 
             break;
         if (offset < piece.size()) {
             const auto end = piece.begin + static_cast<std::uint32_t>(offset);
-            before = before + Piece(piece.store, piece.begin, end).sum();
+            before =
+                before + UnitSum{offset, piece.store->countEnds(piece.begin, end), piece.beginsLf, false};
             break;
         }
         before = before + piece.sum();

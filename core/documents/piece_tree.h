@@ -56,6 +56,14 @@ struct Piece {
         end = next.end;
         endsCr = next.endsCr;
     }
+    /// Keeps the units in front of `middle`, an offset in the store, and returns the others.
+    [[nodiscard]] Piece cut(std::uint32_t middle) noexcept {
+        Piece rest(store, middle, end);
+        end = middle;
+        endsCr = store->units()[middle - 1] == u'\r';
+        ends -= rest.ends - (endsCr && rest.beginsLf ? 1 : 0);
+        return rest;
+    }
 };
 
 class PieceNode;
@@ -73,23 +81,33 @@ class PieceNode {
     }
     /// Whether the caller, who holds a reference, is the only holder.
     [[nodiscard]] bool isUnique() const noexcept { return holders_.load(std::memory_order_acquire) == 1; }
-    /// Sets the sum after a change of the piece or below.
+    /// Sets sum and height after a change of the piece or below.
     void update() noexcept;
 
     NodeRef left;
     NodeRef right;
     Piece piece;
     UnitSum sum;
-    std::int32_t height = 1;
+    std::int32_t height = 0;
 
   private:
     mutable std::atomic<std::uint32_t> holders_{1};
 };
 
+[[nodiscard]] inline std::int32_t height_of(const NodeRef& node) noexcept {
+    return node ? node->height : 0;
+}
+[[nodiscard]] inline UnitSum sum_of(const NodeRef& node) noexcept {
+    return node ? node->sum : UnitSum{};
+}
+/// The number of units, which is what looking for an offset asks for.
+[[nodiscard]] inline std::uint64_t units_of(const NodeRef& node) noexcept {
+    return node ? node->sum.units : 0;
+}
+
 struct Splice;
 
-/// A text. A value: what changes it makes new nodes and leaves copies as they are. Offsets must be in the
-/// text.
+/// A text. A value: changes leave copies as they are. Offsets must be in the text.
 class PieceTree {
   public:
     PieceTree() noexcept = default;
@@ -102,7 +120,8 @@ class PieceTree {
     [[nodiscard]] UnitSum sum() const noexcept { return root_ ? root_->sum : UnitSum{}; }
     [[nodiscard]] std::uint64_t size() const noexcept { return sum().units; }
 
-    /// Replaces `count` units and returns them. Throws std::bad_alloc; the text is as it was then.
+    /// Replaces `count` units and returns them, in the nodes as they are where nobody else sees them. Throws
+    /// std::bad_alloc; the text is as it was then.
     [[nodiscard]] PieceTree replace(std::uint64_t offset, std::uint64_t count, const PieceTree& text);
     /// This text and `text` behind it. Throws std::bad_alloc.
     [[nodiscard]] PieceTree followedBy(const PieceTree& text) const;
@@ -111,11 +130,12 @@ class PieceTree {
     /// The text with each of the ranges replaced, which stand in ascending order and do not overlap. Looks at
     /// every piece once, which is less than to cut for each when there are many. Throws std::bad_alloc.
     [[nodiscard]] PieceTree replaced(std::span<const Splice> splices) const;
-    /// Makes the piece that ends at `offset` longer by `more`, when it continues there and nobody else sees
-    /// the nodes on the way to it; returns whether it did. This is what typing does.
-    bool extend(std::uint64_t offset, const Piece& more) noexcept;
+    /// Puts a piece in front of a text of one piece that continues it, when nobody else sees that text;
+    /// returns whether it did.
+    bool growFront(const Piece& piece) noexcept;
 
   private:
+    friend class TypedTree;
     NodeRef root_;
 };
 

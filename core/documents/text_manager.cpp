@@ -53,6 +53,8 @@ void TextManager::replace(TextRange range, wstring_view text) {
         impl_->insertShort(range.begin, text);
         return;
     }
+    if (text.empty() && range.size() <= 2 && impl_->eraseCharacter(range))
+        return;
     EditStep step{.kind = impl_->kindOf(range.begin, range.size(), text)};
     step.edits.push_back({range.begin, range.size(), impl_->text.store(text), {}});
     impl_->make(std::move(step));

@@ -5,6 +5,7 @@
 #include <core/strings/integer_text.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace core {
@@ -27,7 +28,7 @@ namespace {
 
 } // namespace
 
-EditKind TextManager::Impl::kindOf(std::uint64_t offset, std::uint64_t count, wstring_view units) const {
+EditKind TextManager::Impl::kindOf(std::uint64_t offset, std::uint64_t count, wstring_view units) {
     if (count == 0)
         return is_one_character(units) ? EditKind::typing : EditKind::other;
     if (!units.empty() || count > 2)
@@ -42,26 +43,38 @@ EditKind TextManager::Impl::kindOf(std::uint64_t offset, std::uint64_t count, ws
 
 void TextManager::Impl::insertShort(std::uint64_t offset, wstring_view units) {
     const EditKind kind = kindOf(offset, 0, units);
-    const detail::Piece piece = text.storeShort(units);
-    if (owner.changed.connectionCount() == 0) { // nobody is to be told what has changed
+    if (owner.changed.connectionCount() == 0 && text.canType(offset, units.size())) {
         if (kind == EditKind::typing && history.joinsTyping(offset)) {
-            if (text.extend(offset, piece)) {
-                history.extendTyping(piece.size());
-                return;
-            }
+            history.extendTyping(units.size());
         } else {
             history.reserve(1);
             EditStep inverse{.kind = kind};
-            inverse.edits.push_back({offset, piece.size(), {}, {}});
-            if (text.extend(offset, piece)) {
-                history.add(std::move(inverse));
-                return;
-            }
+            inverse.edits.push_back({offset, units.size(), {}, {}});
+            history.add(std::move(inverse));
         }
+        text.type(offset, units);
+        return;
     }
+    const detail::Piece piece = text.storeShort(units);
     EditStep step{.kind = kind};
     step.edits.push_back({offset, 0, PieceTree(std::span(&piece, 1)), {}});
     make(std::move(step));
+}
+
+bool TextManager::Impl::eraseCharacter(TextRange range) {
+    if (owner.changed.connectionCount() != 0)
+        return false;
+    const std::optional<detail::Piece> units = text.canUntype(range);
+    if (!units || !is_one_character(units->text()))
+        return false;
+    if (!history.extendErasing(range.end, *units)) {
+        history.reserve(1);
+        EditStep inverse{.kind = EditKind::erasing};
+        inverse.edits.push_back({range.begin, 0, PieceTree(std::span(&*units, 1)), {}});
+        history.add(std::move(inverse));
+    }
+    text.untype(*units);
+    return true;
 }
 
 void TextManager::Impl::make(EditStep step) {
@@ -129,7 +142,7 @@ void TextManager::Impl::requireRange(TextRange range) const {
     if (range.begin > range.end)
         throw_error<DocumentException>(messages::kTextRange,
                                        {string_intto(range.begin), string_intto(range.end)});
-    if (const std::uint64_t size = text.tree().size(); range.end > size)
+    if (const std::uint64_t size = text.size(); range.end > size)
         throw_error<DocumentException>(messages::kTextOffset, {string_intto(range.end), string_intto(size)});
 }
 

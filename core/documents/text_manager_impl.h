@@ -16,6 +16,9 @@ struct TextManager::Impl {
 
     /// Inserts a short text, which is what typing does.
     void insertShort(std::uint64_t offset, wstring_view units);
+    /// Erases a character that was typed last or ends a piece, which is what the backspace key does. Returns
+    /// whether it did; make() can always.
+    bool eraseCharacter(TextRange range);
     /// Makes a step of edits, which are in the order in which they are made.
     void make(detail::EditStep step);
     /// Makes a step of edits that do not overlap; they get into their order first.
@@ -25,8 +28,7 @@ struct TextManager::Impl {
     /// Takes back the last step, or makes the next one again.
     bool restore(bool undo);
 
-    [[nodiscard]] detail::EditKind kindOf(std::uint64_t offset, std::uint64_t count,
-                                          wstring_view units) const;
+    [[nodiscard]] detail::EditKind kindOf(std::uint64_t offset, std::uint64_t count, wstring_view units);
     void requireOffset(std::uint64_t offset) const;
     void requireRange(TextRange range) const;
     void requireMark(TextMark mark) const;

@@ -136,9 +136,15 @@ LineEnd TextSnapshot::lineEnd(std::uint64_t line) const {
 std::uint64_t TextSnapshot::lineOf(std::uint64_t offset) const {
     requireOffset(offset);
     const std::uint64_t ends = ends_before(root_, offset);
+    if (ends == 0 || offset == size())
+        return ends;
     // Between CR and LF the end has begun, and the line goes on.
-    const bool divided = ends > 0 && offset < size() && unit(offset) == u'\n' && unit(offset - 1) == u'\r';
-    return divided ? ends - 1 : ends;
+    const detail::UnitRun run = run_at(root_, offset);
+    const auto at = static_cast<std::size_t>(offset - run.offset);
+    if (run.text[at] != u'\n')
+        return ends;
+    const wchar before = at > 0 ? run.text[at - 1] : unit(offset - 1);
+    return before == u'\r' ? ends - 1 : ends;
 }
 
 TextPosition TextSnapshot::position(std::uint64_t offset) const {

@@ -32,20 +32,35 @@ bool UnitStore::isEnd(std::uint32_t at) const noexcept {
     return unit == u'\r' || (unicodeEnds_ && (unit == u'\u2028' || unit == u'\u2029'));
 }
 
-/// How many ends begin among at most kBlock units. Without a branch, so that the compiler takes several units
-/// at once.
+namespace {
+
+constexpr std::uint32_t kStride = 32; // units that are looked at together when an end is looked for
+
+/// How many ends begin among `count` units, at most UnitStore::kBlock, each with one in front of it. All in
+/// 16 bits and without a branch, so that the compiler takes several units at once.
+template <bool kSeparators>
+[[nodiscard]] std::uint16_t count_ends(const wchar* units, std::size_t count) noexcept {
+    std::uint16_t ends = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const wchar unit = units[i];
+        const wchar before = units[static_cast<std::ptrdiff_t>(i) - 1];
+        bool is = (unit == u'\r') | ((unit == u'\n') & (before != u'\r'));
+        if constexpr (kSeparators)
+            is |= (unit == u'\u2028') | (unit == u'\u2029');
+        ends = static_cast<std::uint16_t>(ends + (is ? 1 : 0));
+    }
+    return ends;
+}
+
+} // namespace
+
 std::uint32_t UnitStore::countBlock(std::uint32_t begin, std::uint32_t end) const noexcept {
     if (begin == end)
         return 0;
-    std::uint16_t count = isEnd(begin) ? 1 : 0;
-    const std::uint16_t separators = unicodeEnds_ ? 1 : 0;
-    for (std::uint32_t at = begin + 1; at < end; ++at) {
-        const wchar unit = units_[at];
-        const int plain = (unit == u'\r') | ((unit == u'\n') & (units_[at - 1] != u'\r'));
-        const int separator = ((unit == u'\u2028') | (unit == u'\u2029')) & separators;
-        count = static_cast<std::uint16_t>(count + (plain | separator));
-    }
-    return count;
+    const std::uint32_t first = isEnd(begin) ? 1 : 0;
+    const wchar* const rest = units_ + begin + 1;
+    const std::size_t count = end - begin - 1;
+    return first + (unicodeEnds_ ? count_ends<true>(rest, count) : count_ends<false>(rest, count));
 }
 
 std::uint32_t UnitStore::append(wstring_view text) noexcept {
@@ -84,8 +99,16 @@ std::uint32_t UnitStore::findEnd(std::uint32_t begin, std::uint32_t end,
     const std::uint32_t* const counts = counts_;
     const std::uint32_t* const block =
         std::upper_bound(counts + begin / kBlock, counts + end / kBlock + 1, wanted) - 1;
+    auto at = static_cast<std::uint32_t>(block - counts) * kBlock;
     std::uint32_t count = *block;
-    for (auto at = static_cast<std::uint32_t>(block - counts) * kBlock;; ++at) {
+    for (std::uint32_t behind = at + kStride; behind < end; behind = at + kStride) { // past what has too few
+        const std::uint32_t more = countBlock(at, behind);
+        if (count + more > wanted)
+            break;
+        count += more;
+        at = behind;
+    }
+    for (;; ++at) {
         if (isEnd(at) && count++ == wanted)
             return at;
     }
