@@ -86,6 +86,7 @@ Json to_json(const TypeReport& report) {
         Json& constructor = all["constructor"] = {{"least", report.arguments.least}};
         if (report.arguments.most >= 0)
             constructor["most"] = report.arguments.most;
+        add_summary(constructor, "parameters", report.constructorParameters);
         add_summary(constructor, "description", report.constructorSummary);
     }
     all["enumeration"] = report.isEnumeration;

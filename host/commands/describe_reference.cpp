@@ -35,7 +35,6 @@ const Names kGlobals{"Functions", "Функции"};
 const Names kGlobalsSummary{"What scripts use without an object in front.",
                             "Что скрипты используют без объекта впереди."};
 const Names kNew{"New", "Новый"};
-const Names kArguments{"arguments", "аргументы"};
 const Names kElements{"Elements", "Элементы"};
 const Names kValues{"Values", "Значения"};
 const Names kProperties{"Properties", "Свойства"};
@@ -126,14 +125,9 @@ class Page {
         return '`' + in(names) + parameters + "` · `" + in_other(names) + '`';
     }
     void constructor(const TypeReport& report) {
-        const auto [least, most] = report.arguments;
-        text_ += "- **" + in(kNew) + ' ' + in(report.names) + "** (" + in(kArguments) + ": " +
-                 std::to_string(least);
-        if (most < 0)
-            text_ += "…";
-        else if (most > least)
-            text_ += "…" + std::to_string(most);
-        text_ += ')';
+        text_ += "- **" + in(kNew) + ' ' + in(report.names) + "**";
+        const std::string& parameters = in(report.constructorParameters);
+        text_ += " `" + (parameters.empty() ? "()" : parameters) + '`';
         if (!in(report.constructorSummary).empty())
             text_ += ": " + in(report.constructorSummary);
         text_ += '\n';

@@ -11,7 +11,9 @@
 #include <core/runtime/utf8.h>
 #include <core/script/console.h>
 #include <core/strings/compare.h>
+#include <core/strings/split.h>
 #include <core/strings/term.h>
+#include <core/strings/trim.h>
 #include <core/values/type_service.h>
 
 #include <algorithm>
@@ -66,6 +68,22 @@ Names summary_of(const IType* type, const std::string& member) {
     return in_both([&](const Locale& locale, int) {
         const wstring name = from_utf8(member);
         return type != nullptr ? member_summary(*type, name, locale) : function_summary(name, locale);
+    });
+}
+
+/// The parameters of New as the module of the type lists them, "Path, Encoding", with brackets around those
+/// that may be left out.
+Names parameters_of_new(const IType& type) {
+    return in_both([&type](const Locale& locale, int) {
+        const wstring list = member_summary(type, u"New_Parameters", locale);
+        wstring text;
+        std::int32_t count = 0;
+        for (const wstring_view item : string_tokenize(list, u",")) {
+            const wstring name(trim_all(item));
+            const bool optional = ++count > type.arguments().least && name != u"…";
+            text += (text.empty() ? u"(" : u", ") + (optional ? u'[' + name + u']' : name);
+        }
+        return text.empty() ? text : text + u')';
     });
 }
 
@@ -226,6 +244,7 @@ TypeReport report_on(IType& type, int alias) {
         .arguments = type.arguments(),
         .summary = in_both([&type](const Locale& locale, int) { return type_summary(type, locale); }),
         .constructorSummary = summary_of(&type, "New"),
+        .constructorParameters = parameters_of_new(type),
         .members = {},
     };
     if (const InterfacePtr<IContext_> enumeration = enumeration_of(type)) {

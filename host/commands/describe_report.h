@@ -86,7 +86,8 @@ struct TypeReport {
     core::IType::Arguments arguments; ///< of its constructor
     bool isEnumeration = false;       ///< its properties are the values
     Names summary;
-    Names constructorSummary; ///< of New
+    Names constructorSummary;    ///< of New
+    Names constructorParameters; ///< as in "(Path, [Encoding])"; empty where New takes none
     Members members;
 };
 

@@ -87,8 +87,10 @@ void write_events(Console& console, const std::vector<Event>& events) {
     columns.write(console.out, "  ");
 }
 
-/// As in "0", "0..32", "1...": how many arguments make a new value.
-std::string constructor_text(const TypeReport& report) {
+/// As in "(Path, [Encoding])", else how many arguments make a new value: "0", "0..32", "1...".
+std::string constructor_text(const TypeReport& report, Language language) {
+    if (const std::string& names = in_language(report.constructorParameters, language); !names.empty())
+        return names;
     const auto [least, most] = report.arguments;
     std::string count = std::to_string(least);
     if (most < 0)
@@ -200,7 +202,7 @@ void write_type(Console& console, const TypeReport& report, const Method* functi
     columns.add({message("IDS_HOST_TYPE"), report.names.english + " / " + report.names.russian});
     columns.add({message("IDS_HOST_TYPE_ID"), report.id});
     if (isMade)
-        columns.add({"New / Новый", constructor_text(report)},
+        columns.add({"New / Новый", constructor_text(report, console.language)},
                     in_language(report.constructorSummary, console.language));
     if (report.members.isCollection)
         columns.add({message("IDS_HOST_ELEMENTS"), any_or(report.members.elements, console.language)});

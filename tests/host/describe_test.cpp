@@ -100,7 +100,7 @@ TEST(DescribeTest, ASampleAddsNoMembersOfItsOwn) {
 
 TEST(DescribeTest, WhatAPersonReads) {
     const Answer array = corehost({"describe", "массив"});
-    EXPECT_NE(array.out.find("New / Новый  arguments: 0..32\n"), std::string::npos) << array.out;
+    EXPECT_NE(array.out.find("New / Новый  ([SizeOrArray], [Size2], …)\n"), std::string::npos) << array.out;
     EXPECT_NE(array.out.find("  Insert  Вставить    (Index, Value)\n"), std::string::npos) << array.out;
     const std::string structure = corehost({"describe", "Структура", "--lang", "ru"}).out;
     EXPECT_NE(structure.find("-> Число\n"), std::string::npos) << structure;

@@ -51,13 +51,28 @@ class Sentences {
         const json type = json::parse(output_of("--json " + name));
         const std::string id = "DOC_" + name;
         ask(id, type);
-        if (type.contains("constructor"))
+        if (type.contains("constructor")) {
             ask(id + "_New", type["constructor"]);
+            if (type["constructor"].value("most", -1) != 0)
+                askNames(id + "_New_Parameters", type["constructor"]);
+        }
         // The values of an enumeration have a presentation; a colour of a table is what its name says.
         if (!type["enumeration"].get<bool>() && !name.ends_with("Colors"))
             askMembers(id, type["properties"]);
         askMembers(id, type["methods"]);
         askMembers(id, type["events"]);
+    }
+
+    /// The names of all parameters in both languages, unless there are any number.
+    void askNames(const std::string& id, const json& constructor) {
+        asked_.insert(id);
+        for (const std::string language : {"en", "ru"}) {
+            const std::string names = constructor.value("parameters", json::object()).value(language, "");
+            const auto count = std::ranges::count(names, ',') + 1;
+            if (names.empty() ||
+                (names.find("…") == std::string::npos && count != constructor.value("most", -1)))
+                missing_ += "\n    " + id + " (" + language + ')';
+        }
     }
 
     [[nodiscard]] const std::set<std::string>& asked() const noexcept { return asked_; }

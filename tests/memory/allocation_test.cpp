@@ -148,6 +148,10 @@ TEST_F(Allocation, TablesStayWhole) {
     const std::string numbers = std::string(table) +
                                 "U = T.UnloadColumn(\"Sum\"); U[0] = 5; U[9] = 1000000 * 1000000 * "
                                 "1000000 * 1000000;";
+    // An index is sorted when it has been asked for ranges for some time.
+    const std::string ranges =
+        std::string(table) +
+        "For I = 1 To 8 Do F = T.FindRows(\"Name > \"\"name 9\"\"\"); EndDo; F = 0; I = 0;";
     check({
         {table, "T.Add();"},
         {table, "T.Insert(3);"},
@@ -160,11 +164,18 @@ TEST_F(Allocation, TablesStayWhole) {
         {table, "T.Sort(\"Name, Sum Desc\");"},
         {table, "T.GroupBy(\"Name\", \"Sum\");"},
         {table, "G = T.Group(\"Name\", \"Count(), Sum(Sum) As Total, List(Any) As All\", True).Count();"},
+        {table,
+         "G = T.Group(\"Floor(Sum) As Whole, Upper(Name) As Name\", \"Sum(Sum * 2) As Sum\").Count();"},
+        {ranges.c_str(), "F = T.FindRows(\"Name > \"\"name 8\"\"\").Count();"},
         {table, "P = T.Pivot(\"Name\", \"Sum\", \"Count()\").Count();"},
         {table, "T.AddWindow(\"RunningTotal(Sum) As Cum, Lag(Any) As Before\", \"Name\", \"Sum Desc\");"},
         {table, "T.FillValues(\"the same in every row\", \"Name, Any\");"},
         {table, "F = T.FindRows(New Structure(\"Name\", \"name 3\")).Count();"},
         {table, "F = T.Find(\"name 3\").Sum;"},
+        {table, "T.Filter(\"Sum > 1 And Upper(Name) Like \"\"NAME 3%\"\" Or Sum * 2.5 In (5, 7.5)\");"},
+        {table, "T.Delete(New Filter(\"Sum > &X\", New Structure(\"X\", 2)).Or(\"Name = \"\"name 1\"\"\"));"},
+        {table, "T.AddColumn(\"More\", \"Name + \"\" and more than that\"\"\");",
+         "P = T.Columns.Find(\"More\") = Undefined;"},
         {table, "C = T.Copy();"},
         {table, "C = T.CopyColumns(\"Name, Any\");"},
         {table, "U = T.UnloadColumn(\"Name\");"},

@@ -43,7 +43,7 @@ class FilterModel : public TableTest {
     }
 
     Number number(int depth) {
-        switch (depth <= 0 ? below(4) : below(10)) {
+        switch (depth <= 0 ? below(4) : below(11)) {
         case 0:
             return {"Key", "Key", 0};
         case 1:
@@ -60,6 +60,9 @@ class FilterModel : public TableTest {
             const Number a = number(depth - 1);
             return {"-(" + a.ours + ")", "-(" + a.theirs + ")", a.scale};
         }
+        case 9:
+            return below(2) == 0 ? Number{"Day(Day)", "Day", 0}
+                                 : Number{"WeekDay(Day)", "((Day - 1) % 7 + 1)", 0};
         case 5: {
             const Texts a = text(depth - 1);
             return {"StrLen(" + a.ours + ")", "length(" + a.theirs + ")", 0};
@@ -128,8 +131,17 @@ class FilterModel : public TableTest {
         }
     }
     Texts day() {
-        if (below(3) == 0)
+        switch (below(8)) {
+        case 0:
+        case 1:
             return {"Day", "Day"};
+        case 2:
+            return {"BegOfDay(Day)", "Day"};
+        case 3:
+            return {"BegOfWeek(Day)", "(Day - (Day - 1) % 7)"};
+        default:
+            break;
+        }
         const int day = below(28) + 1;
         return {"'202401" + std::string(day < 10 ? "0" : "") + std::to_string(day) + "'",
                 std::to_string(day)};
@@ -227,7 +239,7 @@ class FilterModel : public TableTest {
             if (below(8) == 0)
                 rows->removeRow(static_cast<std::size_t>(below(static_cast<int>(rows->rowCount()))));
         }
-        static const std::vector<wstring> kIndexes = {u"", u"Key", u"Name", u"Key,Day", u"Price"};
+        static const std::vector<wstring> kIndexes = {u"", u"Key", u"Name", u"Key,Day", u"Price", u"Day"};
         if (const wstring& columns = one(kIndexes); !columns.empty())
             call(property(table, u"Indexes"), u"Add", {columns});
         return table;

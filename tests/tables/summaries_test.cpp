@@ -66,6 +66,23 @@ TEST_F(Summaries, AreCalledInBothLanguages) {
     expect_described(english);
 }
 
+TEST_F(Summaries, GroupByExpressions) {
+    const GenericValue table = sales();
+    const GenericValue days = call(table, u"Group", {u"Day(Day) As D, [Region]", u"Count() As N"});
+    EXPECT_EQ(columns(days), u"D,Region,N,");
+    EXPECT_EQ(content(days), u"2,North,1;3,South,1;,North,1;1,South,1;");
+    EXPECT_EQ(content(call(table, u"Group", {u"Region Как Where", u"Count() As N", true})),
+              u"0,,4;1,North,2;1,South,2;");
+    EXPECT_EQ(content(call(table, u"Pivot", {u"Upper(Region) As R", u"Left(Product, 1)", u"Count()"})),
+              u"NORTH,1,1;SOUTH,1,1;");
+    call(table, u"AddWindow", {u"RowNumber() As N", u"Month(Day) = 1, Upper(Region)"});
+    EXPECT_EQ(content(call(table, u"Copy", {GenericValue(), u"N"})), u"1;1;1;2;");
+    EXPECT_EQ(columns(Value(group(*table.query<IValueTable>(), {u"Region", u"Price * 2 As Twice"}, {count()})
+                                .query<IValue>())),
+              u"Region,Twice,Count,");
+    expect_described(days);
+}
+
 TEST_F(Summaries, TotalTakesAnyAggregate) {
     const GenericValue table = sales();
     EXPECT_TRUE(call(table, u"Total", {u"Max(Day)"}).equals(Date(2024, 1, 3)));
@@ -205,6 +222,11 @@ TEST_F(Summaries, RefuseWhatIsWrongAndChangeNothing) {
         {u"Group", {u"Region", u"Sum(Cost)"}, unknown_column(u"Cost")},
         {u"Group", {u"Nowhere", u"Count()"}, unknown_column(u"Nowhere")},
         {u"Group", {u"Region, region", u"Count()"}, twice(u"region")},
+        {u"Group", {u"[Region], Upper(Product) As P, Region", u"Count()"}, twice(u"Region")},
+        {u"Group", {u"Region As P, Product As P", u"Count()"}, twice(u"P")},
+        {u"Group",
+         {u"Upper(Product)", u"Count()"},
+         message_text("IDS_VT_COLUMNCODE_ERROR", {u"Upper(Product)"})},
         {u"Group", {u"Region", u"Count() As Region"}, twice(u"Region")},
         {u"Group", {u"Region", u"Sum(Price), Max(Price)"}, twice(u"Price")},
         {u"Group", {u"", u""}, message_text("IDS_VT_GROUPBY_NO_COLUMN_ERROR")},

@@ -5,6 +5,8 @@
 #include "core/tables/data/row_range.h"
 #include "core/tables/data/table_column.h"
 
+#include <core/runtime/locale.h>
+
 namespace core {
 
 /// Finds the rows whose cells in some columns have given values: a hash table from the cells of those columns
@@ -34,9 +36,14 @@ class TableIndex : public TablePart<TableIndex> {
 
     // ranges of the first column
     /// The rows in the order of their cells in the first column, borrowed until the next change; empty unless
-    /// somebody has sorted them since the last one.
-    [[nodiscard]] std::span<const RowId> sorted() const noexcept { return sorted_; }
-    void setSorted(std::vector<RowId> rows) noexcept { sorted_ = std::move(rows); }
+    /// somebody has sorted them since the last one, for a locale that orders texts the same.
+    [[nodiscard]] std::span<const RowId> sorted(const Locale& locale) const noexcept {
+        return locale == locale_ ? std::span<const RowId>(sorted_) : std::span<const RowId>();
+    }
+    void setSorted(std::vector<RowId> rows, const Locale& locale) {
+        locale_ = locale;
+        sorted_ = std::move(rows);
+    }
     /// Counts a question that sorted rows would answer. Returns whether there have been enough of them since
     /// the last change, so that sorting will pay.
     [[nodiscard]] bool askSorted() noexcept { return ++questions_ > kQuestions; }
@@ -62,6 +69,7 @@ class TableIndex : public TablePart<TableIndex> {
     std::vector<Link> links_; // by row: a ring of the rows of one key
     bool current_ = false;
     std::vector<RowId> sorted_;
+    Locale locale_; // of the order of sorted_
     std::uint32_t questions_ = 0;
 };
 

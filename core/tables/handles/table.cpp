@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/table_arguments.h"
+#include "core/tables/query/expression_parser.h"
 
 #include <core/tables/errors.h>
 #include <core/tables/table.h>

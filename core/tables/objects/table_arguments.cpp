@@ -2,6 +2,7 @@
 #include "core/tables/objects/table_arguments.h"
 
 #include "core/tables/objects/column_objects.h"
+#include "core/tables/query/expression_parser.h"
 
 #include <core/context/arguments.h>
 #include <core/strings/compare.h>
@@ -98,8 +99,14 @@ ColumnList optional_columns_argument(const TableData& data, const Value& argumen
     return columns;
 }
 
-bool has_expression(wstring_view list) noexcept {
-    return list.find_first_of(u"()+-*/%=<>\"'[]") != wstring_view::npos;
+std::vector<const TableColumn*> keys_argument(const TableData& data, Operands& operands,
+                                              const Value& argument, int param) {
+    if (const wstring list(text_argument(argument, param)); has_expression(list))
+        return operands.keys({&list, 1});
+    std::vector<const TableColumn*> columns;
+    for (const std::size_t position : column_list_argument(data, argument, param, BlankList::noColumn))
+        columns.push_back(&data.column(position));
+    return columns;
 }
 
 std::vector<SortItem> sort_items(wstring_view text, int param) {

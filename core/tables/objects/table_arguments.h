@@ -3,6 +3,7 @@
 
 #include "core/tables/data/table_data.h"
 #include "core/tables/objects/table_expressions.h"
+#include "core/tables/query/operands.h"
 
 #include <core/context/arguments.h>
 
@@ -35,8 +36,9 @@ enum class BlankList { refused, noColumn };
                                               BlankList blank = BlankList::refused);
 /// The same; Undefined stands for all columns.
 [[nodiscard]] ColumnList optional_columns_argument(const TableData& data, const Value& argument, int param);
-/// Whether a list of columns to sort by has expressions among them.
-[[nodiscard]] bool has_expression(wstring_view list) noexcept;
+/// What rows are grouped by: columns and, borrowed from `operands`, expressions with names.
+[[nodiscard]] std::vector<const TableColumn*> keys_argument(const TableData& data, Operands& operands,
+                                                            const Value& argument, int param);
 /// A column to sort by, as a text names it; the name is borrowed from that.
 struct SortItem {
     wstring_view name;

@@ -3,6 +3,7 @@
 
 #include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/table_parts.h"
+#include "core/tables/query/expression_parser.h"
 #include "core/tables/query/function_names.h"
 #include "core/tables/query/group_table.h"
 #include "core/tables/query/pivot.h"
@@ -39,26 +40,26 @@ std::vector<Aggregate> aggregates_argument(const Value& argument, int param) {
     return read_aggregates(optional_text_argument(argument, param));
 }
 
-InterfacePtr<IValueTable> group_by_columns(const TableData& data, std::span<const TableColumn* const> keys,
+InterfacePtr<IValueTable> group_by_columns(const TableData& data, Operands& operands,
+                                           std::span<const TableColumn* const> keys,
                                            std::span<const Aggregate> aggregates, wstring_view levels,
                                            const TableWork& work) {
     if (keys.empty() && aggregates.empty())
         throw_error<ContextException>(messages::kGroupByNothing);
     WorkWatch watch(work);
     const RowList list(data, kNoRow, false);
-    Operands operands(data);
     return made_table(
         group_table(list.range(), keys, bind_aggregates(operands, list.range(), aggregates), levels, watch));
 }
 
-InterfacePtr<IValueTable> pivot_by_columns(const TableData& data, std::span<const TableColumn* const> keys,
+InterfacePtr<IValueTable> pivot_by_columns(const TableData& data, Operands& operands,
+                                           std::span<const TableColumn* const> keys,
                                            const TableColumn& turned, std::span<const Aggregate> aggregates,
                                            std::size_t most, const TableWork& work) {
     if (aggregates.empty())
         parameter_value_mismatch(2);
     WorkWatch watch(work);
     const RowList list(data, kNoRow, false);
-    Operands operands(data);
     return made_table(pivot_table(list.range(), keys, turned,
                                   bind_aggregates(operands, list.range(), aggregates), most, watch));
 }
@@ -111,7 +112,7 @@ void add_columns(TableData& data, std::span<const WindowFunction> functions, std
     data.tellColumnsChanged();
 }
 
-void add_windows(TableData& data, std::span<const WindowFunction> functions,
+void add_windows(TableData& data, Operands& operands, std::span<const WindowFunction> functions,
                  std::span<const TableColumn* const> partition, std::span<const SortColumn> order,
                  const TableWork& work) {
     if (functions.empty())
@@ -119,7 +120,6 @@ void add_windows(TableData& data, std::span<const WindowFunction> functions,
     const RowList list(data, kNoRow, false);
     WorkWatch watch(work);
     const WindowRows window(list.range(), cells_of(partition), order, watch);
-    Operands operands(data);
     std::vector<WindowCells> cells;
     for (const WindowFunction& function : functions) {
         const bool ranks = function.kind == WindowKind::rank || function.kind == WindowKind::denseRank ||
@@ -145,16 +145,20 @@ wstring_view name_argument(const Value& argument, int param, wstring_view byDefa
 } // namespace
 
 GenericValue call_group(const TableData& data, std::span<const GenericValue> arguments) {
-    const ColumnList keys = column_list_argument(data, arguments[0], 0, BlankList::noColumn);
-    return value_of(group_by_columns(data, columns_of(data, keys), aggregates_argument(arguments[1], 1),
+    Operands operands(data);
+    const auto keys = keys_argument(data, operands, arguments[0], 0);
+    return value_of(group_by_columns(data, operands, keys, aggregates_argument(arguments[1], 1),
                                      levels_argument(arguments[2], 2), {}));
 }
 
 GenericValue call_pivot(const TableData& data, std::span<const GenericValue> arguments) {
-    const ColumnList keys = column_list_argument(data, arguments[0], 0, BlankList::noColumn);
-    const TableColumn& turned = data.column(column_argument(data, arguments[1], 1));
-    return value_of(pivot_by_columns(data, columns_of(data, keys), turned,
-                                     aggregates_argument(arguments[2], 2),
+    Operands operands(data);
+    const auto keys = keys_argument(data, operands, arguments[0], 0);
+    const wstring_view* const text = arguments[1].asString();
+    const TableColumn& turned = text != nullptr && has_expression(*text)
+                                    ? operands.find(*text)
+                                    : data.column(column_argument(data, arguments[1], 1));
+    return value_of(pivot_by_columns(data, operands, keys, turned, aggregates_argument(arguments[2], 2),
                                      count_argument(arguments[3], 3, kMostPivotColumns), {}));
 }
 
@@ -169,13 +173,14 @@ GenericValue call_unpivot(const TableData& data, std::span<const GenericValue> a
 
 void call_add_window(TableData& data, std::span<const GenericValue> arguments) {
     const std::vector<WindowFunction> functions = read_windows(text_argument(arguments[0], 0));
-    ColumnList partition;
+    Operands operands(data);
+    std::vector<const TableColumn*> partition;
     if (!arguments[1].isUndefined())
-        partition = column_list_argument(data, arguments[1], 1, BlankList::noColumn);
+        partition = keys_argument(data, operands, arguments[1], 1);
     SortOrder order;
     if (!trim_all(optional_text_argument(arguments[2], 2)).empty())
         order = sort_argument(data, arguments[2], 2);
-    add_windows(data, functions, columns_of(data, partition), order.columns, {});
+    add_windows(data, operands, functions, partition, order.columns, {});
 }
 
 Value call_total(const TableData& data, RowRange rows, const Value& column) {
@@ -192,7 +197,8 @@ InterfacePtr<IValueTable> group(IValueTableBaseRO& table, const std::vector<wstr
                                 const std::vector<Aggregate>& aggregates, wstring_view levels,
                                 const TableWork& work) {
     const TableData& data = own_table(table, 0);
-    return group_by_columns(data, Operands(data).columns(columns), aggregates, levels, work);
+    Operands operands(data);
+    return group_by_columns(data, operands, operands.keys(columns), aggregates, levels, work);
 }
 
 GenericValue total(IValueTableBaseRO& table, const Aggregate& aggregate) {
@@ -205,7 +211,8 @@ InterfacePtr<IValueTable> pivot(IValueTableBaseRO& table, const std::vector<wstr
                                 std::size_t most, const TableWork& work) {
     const TableData& data = own_table(table, 0);
     Operands operands(data);
-    return pivot_by_columns(data, operands.columns(rows), operands.find(column), aggregates, most, work);
+    return pivot_by_columns(data, operands, operands.keys(rows), operands.find(column), aggregates, most,
+                            work);
 }
 
 InterfacePtr<IValueTable> unpivot(IValueTableBaseRO& table, const std::vector<wstring>& columns,
@@ -224,7 +231,8 @@ void add_windows(IValueTable& table, const std::vector<WindowFunction>& function
     SortOrder sort;
     if (!trim_all(order).empty())
         sort = sort_argument(data, Value(order), 3);
-    add_windows(data, functions, Operands(data).columns(partition), sort.columns, work);
+    Operands operands(data);
+    add_windows(data, operands, functions, operands.keys(partition), sort.columns, work);
 }
 
 } // namespace core

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/tables/query/expression_conditions.h"
 #include "core/tables/query/expression_errors.h"
 #include "core/tables/query/expression_operations.h"
 #include "core/tables/query/expression_steps.h"
@@ -11,63 +12,9 @@
 namespace core {
 namespace {
 
-using Form = CellColumn::Form;
 using Operator = ExpressionOperator;
 
 constexpr std::int64_t kEmptyWord = CellColumn::kEmptyWord;
-
-/// A step that is true, false or unknown.
-class ConditionStep : public ExpressionStep {
-  public:
-    using ExpressionStep::ExpressionStep;
-    Value value(RowId row) final { return value_of(truth(row)); }
-    void truths(const RowBatch& rows, std::span<Truth> out, RowId& current) override {
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            current = rows[i];
-            out[i] = truth(current);
-        }
-    }
-
-  protected:
-    static constexpr KindSet kTruths = kBooleanKind | kind_bit(ValueKind::undefined);
-    [[nodiscard]] virtual Truth truth(RowId row) = 0;
-};
-
-Truth turned(Truth truth, bool negated) noexcept {
-    return negated ? opposite(truth) : truth;
-}
-
-/// Numbers or dates of a column between two of them.
-class IntervalStep final : public ConditionStep {
-  public:
-    IntervalStep(const CellColumn& cells, WordInterval interval, bool negated, ExpressionPlace place)
-        : ConditionStep(kTruths, place), words_(cells.words()), least_(interval.least),
-          length_(static_cast<std::uint64_t>(interval.most) - static_cast<std::uint64_t>(interval.least)),
-          none_(interval.most < interval.least), negated_(negated) {}
-    void truths(const RowBatch& rows, std::span<Truth> out, RowId&) override {
-        const Truth inside = turned(none_ ? Truth::no : Truth::yes, negated_);
-        const Truth outside = turned(Truth::no, negated_);
-        rows.forEach(words_, [&, least = least_, length = length_](std::size_t i, std::int64_t word) {
-            const bool in = static_cast<std::uint64_t>(word) - static_cast<std::uint64_t>(least) <= length;
-            out[i] = word == kEmptyWord ? Truth::unknown : in ? inside : outside;
-        });
-    }
-    bool isSafe() const noexcept override { return true; }
-
-  protected:
-    Truth truth(RowId row) override {
-        Truth result{};
-        truths(RowBatch(row, 1), {&result, 1}, row);
-        return result;
-    }
-
-  private:
-    std::span<const std::int64_t> words_;
-    std::int64_t least_;
-    std::uint64_t length_;
-    bool none_;
-    bool negated_;
-};
 
 class ComparisonStep final : public ConditionStep {
   public:
@@ -129,64 +76,58 @@ class BetweenStep final : public ConditionStep {
     bool negated_;
 };
 
+/// Constants to look for, and what a cell that is not filled answers.
+struct ListedValues {
+    KindSet kinds = 0;
+    ValueDictionary values; // the filled ones
+    explicit ListedValues(const Steps& operands) {
+        for (std::size_t i = 1; i < operands.size(); ++i) {
+            const Value& value = *operands[i]->constant();
+            kinds |= kind_bit(value.kind());
+            if (!is_empty_cell(value))
+                static_cast<void>(values.add(value));
+        }
+    }
+    [[nodiscard]] Truth ofEmpty(bool negated) const noexcept {
+        if (values.size() == 1 && (kinds & kEmptyKinds) == 0)
+            return turned(Truth::no, negated); // nothing is in an empty list
+        return (kinds & kEmptyKinds) != 0 ? turned(Truth::yes, negated) : Truth::unknown;
+    }
+    /// The words of those that are of a form.
+    [[nodiscard]] std::vector<std::int64_t> words(const WordForm& form) const {
+        std::vector<std::int64_t> words;
+        for (const Value& value : values.values().subspan(1)) {
+            if (value.kind() != kind_of(form))
+                continue;
+            if (const WordInterval equal = word_interval(Operator::equal, value, form); !equal.isEmpty())
+                words.push_back(equal.least);
+        }
+        return words;
+    }
+};
+
 /// One of several constants, an empty one among them for cells that are not filled.
 class InStep final : public ConditionStep {
   public:
-    InStep(Steps operands, bool negated, ExpressionPlace place)
-        : ConditionStep(kTruths, place), operand_(std::move(operands.front())), negated_(negated) {
-        for (std::size_t i = 1; i < operands.size(); ++i) {
-            const Value& value = *operands[i]->constant();
-            listed_ |= kind_bit(value.kind());
-            if (!is_empty_cell(value))
-                static_cast<void>(values_.add(value));
-        }
-        cells_ = operand_->cells();
-        if (!operand_->wordForm())
-            cells_ = nullptr;
-        for (std::size_t i = 1; cells_ != nullptr && i < values_.size(); ++i) {
-            const CellProbe probe = cells_->probe(values_[static_cast<ValueDictionary::Code>(i)]);
-            if (probe.possible)
-                words_.push_back(probe.word);
-        }
-        std::sort(words_.begin(), words_.end());
-    }
-    void truths(const RowBatch& rows, std::span<Truth> out, RowId& current) override {
-        if (cells_ == nullptr) {
-            ConditionStep::truths(rows, out, current);
-            return;
-        }
-        const Truth empty = ofEmpty();
-        rows.forEach(cells_->words(), [&](std::size_t i, std::int64_t word) {
-            const bool found = std::binary_search(words_.begin(), words_.end(), word);
-            out[i] = word == kEmptyWord ? empty : turned(found ? Truth::yes : Truth::no, negated_);
-        });
-    }
-    bool isSafe() const noexcept override { return cells_ != nullptr; }
+    InStep(StepPtr operand, ListedValues listed, bool negated, ExpressionPlace place)
+        : ConditionStep(kTruths, place), operand_(std::move(operand)), listed_(std::move(listed)),
+          negated_(negated) {}
 
   protected:
     Truth truth(RowId row) override {
         const Value value = operand_->value(row);
         if (is_empty_cell(value))
-            return ofEmpty();
-        if (!comparable(kind_bit(value.kind()), listed_))
+            return listed_.ofEmpty(negated_);
+        if (!comparable(kind_bit(value.kind()), listed_.kinds))
             fail_expression(place(), messages::kExpressionCompared,
-                            {value.type().presentation(), kind_name(listed_ & ~kEmptyKinds)});
-        return turned(values_.find(value) ? Truth::yes : Truth::no, negated_);
+                            {value.type().presentation(), kind_name(listed_.kinds & ~kEmptyKinds)});
+        return turned(listed_.values.find(value) ? Truth::yes : Truth::no, negated_);
     }
 
   private:
-    [[nodiscard]] Truth ofEmpty() const noexcept {
-        if (values_.size() == 1 && (listed_ & kEmptyKinds) == 0)
-            return turned(Truth::no, negated_); // nothing is in an empty list
-        return (listed_ & kEmptyKinds) != 0 ? turned(Truth::yes, negated_) : Truth::unknown;
-    }
-
     StepPtr operand_;
+    ListedValues listed_;
     bool negated_;
-    KindSet listed_ = 0;
-    ValueDictionary values_;
-    const CellColumn* cells_ = nullptr; // of words, whose values are words_
-    std::vector<std::int64_t> words_;   // sorted
 };
 
 /// One of several values that differ from row to row.
@@ -267,16 +208,6 @@ class EmptyStep final : public ConditionStep {
   public:
     EmptyStep(StepPtr operand, bool negated, ExpressionPlace place)
         : ConditionStep(kBooleanKind, place), operand_(std::move(operand)), negated_(negated) {}
-    void truths(const RowBatch& rows, std::span<Truth> out, RowId& current) override {
-        const CellColumn* const cells = operand_->cells();
-        if (cells == nullptr || !operand_->wordForm()) {
-            ConditionStep::truths(rows, out, current);
-            return;
-        }
-        rows.forEach(cells->words(), [&](std::size_t i, std::int64_t word) {
-            out[i] = (word == kEmptyWord) != negated_ ? Truth::yes : Truth::no;
-        });
-    }
     bool isSafe() const noexcept override { return operand_->cells() != nullptr; }
 
   protected:
@@ -378,16 +309,13 @@ class ChainStep final : public ConditionStep {
     std::vector<std::uint16_t> positions_;
 };
 
-/// The interval of words that a comparison of a column with a constant asks for; nothing for other operands.
-std::optional<WordInterval> interval_of(Operator sign, const ExpressionStep& cells,
+/// The interval of words that a comparison with a constant asks for; nothing for other operands.
+std::optional<WordInterval> interval_of(Operator sign, const ExpressionStep& step,
                                         const ExpressionStep& limit) {
     const Value* const value = limit.constant();
-    if (cells.cells() == nullptr || !cells.wordForm() || value == nullptr)
+    if (!step.isOfWords() || value == nullptr || value->kind() != kind_of(*step.wordForm()))
         return std::nullopt;
-    const ValueKind kind = cells.wordForm()->form == Form::numbers ? ValueKind::number : ValueKind::date;
-    if (value->kind() != kind)
-        return std::nullopt;
-    return word_interval(sign == Operator::notEqual ? Operator::equal : sign, *value, *cells.wordForm());
+    return word_interval(sign == Operator::notEqual ? Operator::equal : sign, *value, *step.wordForm());
 }
 
 void require_comparable(const ExpressionStep& a, const ExpressionStep& b, ExpressionPlace place) {
@@ -427,7 +355,7 @@ StepPtr comparison_step(Operator sign, StepPtr a, StepPtr b, ExpressionPlace pla
         return empty_step(std::move(a), sign == Operator::notEqual, place);
     require_comparable(*a, *b, place);
     if (const auto interval = interval_of(sign, *a, *b))
-        return std::make_unique<IntervalStep>(*a->cells(), *interval, sign == Operator::notEqual, place);
+        return interval_step(std::move(a), *interval, sign == Operator::notEqual, place);
     return std::make_unique<ComparisonStep>(sign, std::move(a), std::move(b), place);
 }
 
@@ -439,7 +367,7 @@ StepPtr between_step(Steps operands, bool negated, ExpressionPlace place) {
     if (least && most) {
         // An interval without words has its ends at the wrong sides, and so has what is cut out of it.
         WordInterval both{std::max(least->least, most->least), std::min(least->most, most->most)};
-        return std::make_unique<IntervalStep>(*operands[0]->cells(), both, negated, place);
+        return interval_step(std::move(operands[0]), both, negated, place);
     }
     return std::make_unique<BetweenStep>(std::move(operands), negated, place);
 }
@@ -450,8 +378,14 @@ StepPtr in_step(Steps operands, bool negated, ExpressionPlace place) {
         require_comparable(*operands[0], *operands[i], place);
         constant = constant && operands[i]->constant() != nullptr;
     }
-    if (constant)
-        return std::make_unique<InStep>(std::move(operands), negated, place);
+    if (constant) {
+        ListedValues listed(operands);
+        if (!operands[0]->isOfWords())
+            return std::make_unique<InStep>(std::move(operands[0]), std::move(listed), negated, place);
+        auto words = listed.words(*operands[0]->wordForm());
+        return listed_words_step(std::move(operands[0]), std::move(words), listed.ofEmpty(negated), negated,
+                                 place);
+    }
     return std::make_unique<AnyEqualStep>(std::move(operands), negated, place);
 }
 
@@ -465,6 +399,8 @@ StepPtr like_step(Steps operands, bool negated, ExpressionPlace place) {
 }
 
 StepPtr empty_step(StepPtr operand, bool negated, ExpressionPlace place) {
+    if (operand->isOfWords())
+        return empty_words_step(std::move(operand), negated, place);
     return std::make_unique<EmptyStep>(std::move(operand), negated, place);
 }
 

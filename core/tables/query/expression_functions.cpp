@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <type_traits>
 
 namespace core {
 namespace {
@@ -19,13 +20,41 @@ namespace {
 using Arguments = ExpressionArguments;
 using Function = ExpressionFunction;
 
-template <int (Date::*get)() const noexcept>
-Value part(const Arguments& a) {
-    return Value((a.date(0).*get)());
+using Words = std::span<std::int64_t>;
+using OfWords = Function::OfWords;
+using Form = CellColumn::Form;
+
+/// Replaces each word that is not empty.
+template <class Compute>
+void replace(Words words, Compute compute) noexcept {
+    for (std::int64_t& word : words)
+        word = word == CellColumn::kEmptyWord ? word : compute(word);
 }
-template <Date (Date::*get)() const noexcept>
-Value period(const Arguments& a) {
-    return Value((a.date(0).*get)());
+
+constexpr std::int64_t word_of(int part) noexcept {
+    return part;
+}
+constexpr std::int64_t word_of(Date date) noexcept {
+    return static_cast<std::int64_t>(date.ticks());
+}
+
+/// A part of a date, or the beginning or end of its period.
+template <auto get>
+constexpr Function of_date(NamePair names, bool rises = false) {
+    constexpr bool isPart = std::is_same_v<decltype((Date().*get)()), int>;
+    return {.names = names,
+            .least = 1,
+            .most = 1,
+            .result = isPart ? kNumberKind : kDateKind,
+            .call = [](const Arguments& a) { return Value((a.date(0).*get)()); },
+            .way = Function::Way::plain,
+            .ofWords = {.run =
+                            [](Words words, std::uint32_t) noexcept {
+                                replace(words, [](std::int64_t word) {
+                                    return word_of((Date(static_cast<std::uint64_t>(word)).*get)());
+                                });
+                            },
+                        .rises = rises || !isPart}};
 }
 
 Value add_month(const Arguments& a) {
@@ -112,6 +141,22 @@ Value floor(const Arguments& a) {
 Value absolute(const Arguments& a) {
     return Value(a.number(0).abs());
 }
+/// Words divided by the unit of their scale.
+template <bool towardsZero>
+void whole_words(Words words, std::uint32_t scale) noexcept {
+    std::int64_t unit = 1;
+    for (; scale != 0; --scale)
+        unit *= 10;
+    replace(words,
+            [unit](std::int64_t word) { return word / unit - (!towardsZero && word % unit < 0 ? 1 : 0); });
+}
+void absolute_words(Words words, std::uint32_t) noexcept {
+    replace(words, [](std::int64_t word) { return word < 0 ? -word : word; });
+}
+constexpr OfWords of_numbers(void (*run)(Words, std::uint32_t) noexcept, bool keepsScale = false) {
+    return {.run = run, .argument = Form::numbers, .keepsScale = keepsScale};
+}
+
 /// The first argument that no other one precedes by `sign`.
 template <ExpressionOperator sign>
 Value extreme(const Arguments& a) {
@@ -126,29 +171,33 @@ Value extreme(const Arguments& a) {
     return a[best];
 }
 
+// by the first day of the week that the process has set
+constexpr auto kBegOfWeek = static_cast<Date (Date::*)() const noexcept>(&Date::begOfWeek);
+constexpr auto kEndOfWeek = static_cast<Date (Date::*)() const noexcept>(&Date::endOfWeek);
+
 constexpr Function kFunctions[] = {
-    {{u"Year", u"Год"}, 1, 1, kNumberKind, &part<&Date::getYear>},
-    {{u"Quarter", u"Квартал"}, 1, 1, kNumberKind, &part<&Date::getQuarter>},
-    {{u"Month", u"Месяц"}, 1, 1, kNumberKind, &part<&Date::getMonth>},
-    {{u"Day", u"День"}, 1, 1, kNumberKind, &part<&Date::getMonthDay>},
-    {{u"Hour", u"Час"}, 1, 1, kNumberKind, &part<&Date::getHour>},
-    {{u"Minute", u"Минута"}, 1, 1, kNumberKind, &part<&Date::getMinute>},
-    {{u"Second", u"Секунда"}, 1, 1, kNumberKind, &part<&Date::getSecond>},
-    {{u"WeekDay", u"ДеньНедели"}, 1, 1, kNumberKind, &part<&Date::getWeekDay>},
-    {{u"YearDay", u"ДеньГода"}, 1, 1, kNumberKind, &part<&Date::getYearDay>},
-    {{u"YearWeek", u"НеделяГода"}, 1, 1, kNumberKind, &part<&Date::getYearWeek>},
-    {{u"BegOfYear", u"НачалоГода"}, 1, 1, kDateKind, &period<&Date::begOfYear>},
-    {{u"EndOfYear", u"КонецГода"}, 1, 1, kDateKind, &period<&Date::endOfYear>},
-    {{u"BegOfQuarter", u"НачалоКвартала"}, 1, 1, kDateKind, &period<&Date::begOfQuart>},
-    {{u"EndOfQuarter", u"КонецКвартала"}, 1, 1, kDateKind, &period<&Date::endOfQuart>},
-    {{u"BegOfMonth", u"НачалоМесяца"}, 1, 1, kDateKind, &period<&Date::begOfMonth>},
-    {{u"EndOfMonth", u"КонецМесяца"}, 1, 1, kDateKind, &period<&Date::endOfMonth>},
-    {{u"BegOfWeek", u"НачалоНедели"}, 1, 1, kDateKind, &period<&Date::begOfWeek>},
-    {{u"EndOfWeek", u"КонецНедели"}, 1, 1, kDateKind, &period<&Date::endOfWeek>},
-    {{u"BegOfDay", u"НачалоДня"}, 1, 1, kDateKind, &period<&Date::begOfDay>},
-    {{u"EndOfDay", u"КонецДня"}, 1, 1, kDateKind, &period<&Date::endOfDay>},
-    {{u"BegOfHour", u"НачалоЧаса"}, 1, 1, kDateKind, &period<&Date::begOfHour>},
-    {{u"EndOfHour", u"КонецЧаса"}, 1, 1, kDateKind, &period<&Date::endOfHour>},
+    of_date<&Date::getYear>({u"Year", u"Год"}, true),
+    of_date<&Date::getQuarter>({u"Quarter", u"Квартал"}),
+    of_date<&Date::getMonth>({u"Month", u"Месяц"}),
+    of_date<&Date::getMonthDay>({u"Day", u"День"}),
+    of_date<&Date::getHour>({u"Hour", u"Час"}),
+    of_date<&Date::getMinute>({u"Minute", u"Минута"}),
+    of_date<&Date::getSecond>({u"Second", u"Секунда"}),
+    of_date<&Date::getWeekDay>({u"WeekDay", u"ДеньНедели"}),
+    of_date<&Date::getYearDay>({u"YearDay", u"ДеньГода"}),
+    of_date<&Date::getYearWeek>({u"YearWeek", u"НеделяГода"}),
+    of_date<&Date::begOfYear>({u"BegOfYear", u"НачалоГода"}),
+    of_date<&Date::endOfYear>({u"EndOfYear", u"КонецГода"}),
+    of_date<&Date::begOfQuart>({u"BegOfQuarter", u"НачалоКвартала"}),
+    of_date<&Date::endOfQuart>({u"EndOfQuarter", u"КонецКвартала"}),
+    of_date<&Date::begOfMonth>({u"BegOfMonth", u"НачалоМесяца"}),
+    of_date<&Date::endOfMonth>({u"EndOfMonth", u"КонецМесяца"}),
+    of_date<kBegOfWeek>({u"BegOfWeek", u"НачалоНедели"}),
+    of_date<kEndOfWeek>({u"EndOfWeek", u"КонецНедели"}),
+    of_date<&Date::begOfDay>({u"BegOfDay", u"НачалоДня"}),
+    of_date<&Date::endOfDay>({u"EndOfDay", u"КонецДня"}),
+    of_date<&Date::begOfHour>({u"BegOfHour", u"НачалоЧаса"}),
+    of_date<&Date::endOfHour>({u"EndOfHour", u"КонецЧаса"}),
     {{u"AddMonth", u"ДобавитьМесяц"}, 2, 2, kDateKind, &add_month},
     {{u"Date", u"Дата"}, 1, 6, kDateKind, &date},
     {{u"CurrentDate", u"ТекущаяДата"}, 0, 0, kDateKind, &current_date},
@@ -162,9 +211,21 @@ constexpr Function kFunctions[] = {
     {{u"String", u"Строка"}, 1, 1, kStringKind, &string},
     {{u"Number", u"Число"}, 1, 1, kNumberKind, &number},
     {{u"Round", u"Окр"}, 1, 2, kNumberKind, &round},
-    {{u"Int", u"Цел"}, 1, 1, kNumberKind, &whole},
-    {{u"Floor", u"ОкрВниз"}, 1, 1, kNumberKind, &floor},
-    {{u"Abs", u"Модуль"}, 1, 1, kNumberKind, &absolute},
+    {{u"Int", u"Цел"}, 1, 1, kNumberKind, &whole, Function::Way::plain, of_numbers(&whole_words<true>)},
+    {{u"Floor", u"ОкрВниз"},
+     1,
+     1,
+     kNumberKind,
+     &floor,
+     Function::Way::plain,
+     of_numbers(&whole_words<false>)},
+    {{u"Abs", u"Модуль"},
+     1,
+     1,
+     kNumberKind,
+     &absolute,
+     Function::Way::plain,
+     of_numbers(&absolute_words, true)},
     {{u"Min", u"Мин"}, 1, Function::kMany, 0, &extreme<ExpressionOperator::less>},
     {{u"Max", u"Макс"}, 1, Function::kMany, 0, &extreme<ExpressionOperator::greater>},
     {{u"Coalesce", u"ПервоеНепустое"}, 1, Function::kMany, 0, nullptr, Function::Way::first},
@@ -197,6 +258,26 @@ Date ExpressionArguments::date(std::size_t i) const {
 void ExpressionArguments::refuse(std::size_t i) const {
     fail_expression(place_, messages::kExpressionArgument,
                     {wstring(function_.names[kEnglish]), string_intto(i + 1), values_[i].presentation()});
+}
+
+std::optional<WordInterval> dates_where(const ExpressionFunction& function, WordInterval results) noexcept {
+    // Dates beyond the calendar have the result 0.
+    if (!function.ofWords.rises || results.isEmpty() || (results.least <= 0 && results.most >= 0))
+        return std::nullopt;
+    const auto firstWhere = [&](auto answers) {
+        std::int64_t first = 0;
+        for (std::int64_t count = static_cast<std::int64_t>(Date::kLimit); count > 0;) {
+            const std::int64_t half = count / 2;
+            std::int64_t result = first + half;
+            function.ofWords.run({&result, 1}, 0);
+            const bool here = answers(result);
+            first = here ? first : first + half + 1;
+            count = here ? half : count - half - 1;
+        }
+        return first;
+    };
+    return WordInterval{firstWhere([&](std::int64_t result) { return result >= results.least; }),
+                        firstWhere([&](std::int64_t result) { return result > results.most; }) - 1};
 }
 
 const ExpressionFunction* find_expression_function(wstring_view name) noexcept {

@@ -42,13 +42,30 @@ struct ExpressionFunction {
         choice, // the second argument where the first is true, else the third
     };
 
+    /// The same function of one argument for many numbers or dates at once.
+    struct OfWords {
+        /// Replaces words of arguments, of a scale, by those of the results, of the scale `scaleOf()` gives;
+        /// none of them can fail. Null where there is no such form.
+        void (*run)(std::span<std::int64_t> words, std::uint32_t scale) noexcept = nullptr;
+        CellColumn::Form argument = CellColumn::Form::dates;
+        bool keepsScale = false;
+        /// Says whether a later date of the calendar never has a smaller result.
+        bool rises = false;
+    };
+
     NamePair names;
     int least; ///< arguments
     int most;
     KindSet result; ///< 0 for the kinds of the arguments, the condition of a choice excepted
     Value (*call)(const ExpressionArguments& arguments) = nullptr;
     Way way = Way::plain;
+    OfWords ofWords = {};
 };
+
+/// Returns the dates, as words, for which a function that rises has words in an interval; nothing where they
+/// lie in more than one interval.
+[[nodiscard]] std::optional<WordInterval> dates_where(const ExpressionFunction& function,
+                                                      WordInterval results) noexcept;
 
 /// Finds a function by either name; null when there is none.
 [[nodiscard]] const ExpressionFunction* find_expression_function(wstring_view name) noexcept;

@@ -37,12 +37,8 @@ namespace core {
     }
 }
 
-/// The words of a column, numbers or dates, that answer a comparison with one value.
-struct WordInterval {
-    std::int64_t least = 0;
-    std::int64_t most = -1; ///< below `least` where no word answers
-};
-/// `sign` is any operator except notEqual; the value is a Number or a Date, as the form says.
+/// The words, of numbers or dates, that answer a comparison with one value. `sign` is any operator except
+/// notEqual; the value is a Number or a Date, as the form says.
 [[nodiscard]] WordInterval word_interval(ExpressionOperator sign, const Value& value, const WordForm& form);
 
 } // namespace core

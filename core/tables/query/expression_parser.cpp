@@ -9,6 +9,7 @@
 #include <core/strings/compare.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
+#include <core/strings/split.h>
 #include <core/tables/value_list.h>
 
 #include <algorithm>
@@ -371,6 +372,14 @@ ExpressionPtr parse_expression(wstring_view text, const ExpressionParameters& pa
     ExpressionPtr expression = parser.expression();
     parser.expectEnd();
     return expression;
+}
+
+bool has_expression(wstring_view list) {
+    if (list.find_first_of(u"()+-*/%=<>\"'[]") != wstring_view::npos)
+        return true;
+    const auto words = string_tokenize(list, u" \t\r\n,");
+    return std::any_of(words.begin(), words.end(),
+                       [](wstring_view word) { return expression_word(word) == ExpressionWord::as; });
 }
 
 std::vector<NamedExpression> parse_named_list(wstring_view text, const ExpressionParameters& parameters) {

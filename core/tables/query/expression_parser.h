@@ -12,6 +12,9 @@ namespace core {
 /// Reads an expression.
 [[nodiscard]] ExpressionPtr parse_expression(wstring_view text, const ExpressionParameters& parameters = {});
 
+/// Says whether a list of columns has expressions or new names among them.
+[[nodiscard]] bool has_expression(wstring_view list);
+
 /// An expression and what its result is called.
 struct NamedExpression {
     ExpressionPtr expression;

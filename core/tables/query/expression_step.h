@@ -69,6 +69,16 @@ struct WordForm {
     CellColumn::Form form = CellColumn::Form::numbers;
     std::uint32_t scale = 0;
 };
+[[nodiscard]] constexpr ValueKind kind_of(const WordForm& form) noexcept {
+    return form.form == CellColumn::Form::numbers ? ValueKind::number : ValueKind::date;
+}
+
+/// Words from one to another one.
+struct WordInterval {
+    std::int64_t least = 0;
+    std::int64_t most = -1; ///< below `least` where the interval holds no word
+    [[nodiscard]] bool isEmpty() const noexcept { return most < least; }
+};
 
 /// A part of an expression that knows its columns: gives a value for a row, and for many rows at once what
 /// can be had faster so. Steps keep what they find out, so one thread at a time uses them.
@@ -86,6 +96,13 @@ class ExpressionStep {
     /// Sets the words for each row of a batch; the step has a form of words. Returns false when one does not
     /// fit: the values are then to be asked for.
     virtual bool words(const RowBatch& /*rows*/, std::span<std::int64_t> /*out*/) { return false; }
+    /// Says whether words() gives them for each row there can be.
+    [[nodiscard]] virtual bool isOfWords() const noexcept { return false; }
+    /// Gives the argument away whose words lie in an interval exactly where those of this step, which is of
+    /// words, lie in the given one, and replaces the interval. Null for a step that keeps its argument.
+    [[nodiscard]] virtual std::unique_ptr<ExpressionStep> argumentWithin(WordInterval& /*interval*/) {
+        return nullptr;
+    }
     /// Says whether truths() cannot throw, so that it may as well look at rows that do not matter.
     [[nodiscard]] virtual bool isSafe() const noexcept { return false; }
 

@@ -4,6 +4,7 @@
 #include "core/tables/query/expression_steps.h"
 #include "core/tables/query/expression_words.h"
 
+#include <core/dates/date.h>
 #include <core/numbers/errors.h>
 
 #include <algorithm>
@@ -71,6 +72,7 @@ class ColumnStep final : public ExpressionStep {
         rows.forEach(cells_.words(), [&](std::size_t i, std::int64_t word) { out[i] = word; });
         return true;
     }
+    bool isOfWords() const noexcept override { return form_.has_value(); }
     const CellColumn* cells() const noexcept override { return &cells_; }
 
   private:
@@ -135,24 +137,37 @@ bool rescale(std::span<std::int64_t> words, std::uint32_t from, std::uint32_t to
     return fits;
 }
 
+/// The form of what an operator makes of words; nothing where it makes values alone.
+std::optional<WordForm> combined_form(Operator sign, const WordForm& a, const WordForm& b) noexcept {
+    constexpr std::uint32_t kTickScale = 4; // ten thousand ticks a second
+    static_assert(kTicksPerSecond == 10'000);
+    const bool sum = sign == Operator::add || sign == Operator::subtract;
+    if (a.form == Form::dates && b.form == Form::dates)
+        return sign == Operator::subtract ? std::optional(WordForm{Form::numbers, kTickScale}) : std::nullopt;
+    if (a.form == Form::dates)
+        return sum ? std::optional(a) : std::nullopt;
+    const std::uint32_t scale = sum ? std::max(a.scale, b.scale) : a.scale + b.scale;
+    const bool fits = (sum || sign == Operator::multiply) && scale <= Numeric::kMaxScale;
+    return b.form == Form::numbers && fits ? std::optional(WordForm{Form::numbers, scale}) : std::nullopt;
+}
+
+/// A date some seconds later, or earlier where `sign` is -1, within the calendar.
+std::int64_t moved(std::int64_t date, std::int64_t seconds, int sign) noexcept {
+    constexpr auto kAll = static_cast<std::int64_t>(Date::kLimit / kTicksPerSecond + 1);
+    const DateSpan span(std::clamp(seconds, -kAll, kAll) * kTicksPerSecond * sign);
+    return static_cast<std::int64_t>((Date(static_cast<std::uint64_t>(date)) + span).ticks());
+}
+
 class ArithmeticStep final : public ExpressionStep {
   public:
     ArithmeticStep(Steps operands, std::span<const Operator> operators, KindSet kinds, ExpressionPlace place)
         : ExpressionStep(kinds, place), operands_(std::move(operands)),
           operators_(operators.begin(), operators.end()) {
-        std::uint32_t scale = 0;
-        bool words = operands_.front()->wordForm() && operands_.front()->wordForm()->form == Form::numbers;
-        for (std::size_t i = 0; words && i < operands_.size(); ++i) {
-            const auto& form = operands_[i]->wordForm();
-            words = form && form->form == Form::numbers;
-            if (!words)
-                break;
-            const Operator sign = i == 0 ? Operator::add : operators_[i - 1];
-            words = sign <= Operator::multiply;
-            scale = sign == Operator::multiply ? scale + form->scale : std::max(scale, form->scale);
+        form_ = operands_.front()->wordForm();
+        for (std::size_t i = 1; form_ && i < operands_.size(); ++i) {
+            const auto& other = operands_[i]->wordForm();
+            form_ = other ? combined_form(operators_[i - 1], *form_, *other) : std::nullopt;
         }
-        if (words && scale <= Numeric::kMaxScale)
-            form_ = WordForm{Form::numbers, scale};
     }
     Value value(RowId row) override {
         Value result = operands_.front()->value(row);
@@ -165,29 +180,33 @@ class ArithmeticStep final : public ExpressionStep {
         if (!operands_.front()->words(rows, out))
             return false;
         other_.resize(rows.size());
-        std::uint32_t scale = operands_.front()->wordForm()->scale;
+        WordForm form = *operands_.front()->wordForm();
         for (std::size_t i = 1; i < operands_.size(); ++i) {
-            if (!operands_[i]->words(rows, other_) ||
-                !apply(operators_[i - 1], result, scale, operands_[i]->wordForm()->scale))
+            const WordForm other = *operands_[i]->wordForm();
+            if (!operands_[i]->words(rows, other_) || !apply(operators_[i - 1], result, form, other))
                 return false;
+            form = *combined_form(operators_[i - 1], form, other);
         }
         return true;
     }
 
   private:
-    /// Combines `result`, of a scale, with the words in other_, of another one.
-    bool apply(Operator sign, std::span<std::int64_t> result, std::uint32_t& scale,
-               std::uint32_t otherScale) {
-        if (sign == Operator::multiply) {
-            scale += otherScale;
+    /// Combines `result`, of a form, with the words in other_, of another one.
+    bool apply(Operator sign, std::span<std::int64_t> result, const WordForm& form, const WordForm& other) {
+        if (form.form == Form::dates && other.form == Form::numbers) {
+            const std::int64_t second = ten_to(other.scale);
+            return combine(result, other_, [=](std::int64_t date, std::int64_t seconds, std::int64_t& out) {
+                out = moved(date, seconds / second, sign == Operator::add ? 1 : -1);
+                return true;
+            });
+        }
+        if (sign == Operator::multiply)
             return combine(result, other_, [](std::int64_t a, std::int64_t b, std::int64_t& out) {
                 return !__builtin_mul_overflow(a, b, &out);
             });
-        }
-        const std::uint32_t common = std::max(scale, otherScale);
-        if (!rescale(result, scale, common) || !rescale(other_, otherScale, common))
+        const std::uint32_t common = std::max(form.scale, other.scale);
+        if (!rescale(result, form.scale, common) || !rescale(other_, other.scale, common))
             return false;
-        scale = common;
         if (sign == Operator::add)
             return combine(result, other_, [](std::int64_t a, std::int64_t b, std::int64_t& out) {
                 return !__builtin_add_overflow(a, b, &out);
@@ -206,7 +225,13 @@ class CallStep final : public ExpressionStep {
   public:
     CallStep(const ExpressionFunction& function, Steps arguments, KindSet kinds, ExpressionPlace place)
         : ExpressionStep(kinds, place), function_(function), arguments_(std::move(arguments)),
-          values_(arguments_.size()) {}
+          values_(arguments_.size()) {
+        const auto& words = function.ofWords;
+        if (const auto& form = arguments_.empty() ? form_ : arguments_.front()->wordForm();
+            words.run != nullptr && form && form->form == words.argument)
+            form_ = WordForm{function.result == kNumberKind ? Form::numbers : Form::dates,
+                             words.keepsScale ? form->scale : 0};
+    }
     Value value(RowId row) override {
         switch (function_.way) {
         case ExpressionFunction::Way::first:
@@ -218,6 +243,21 @@ class CallStep final : public ExpressionStep {
         default:
             return called(row);
         }
+    }
+    bool words(const RowBatch& rows, std::span<std::int64_t> out) override {
+        ExpressionStep& argument = *arguments_.front();
+        if (!argument.words(rows, out))
+            return false;
+        function_.ofWords.run(out.first(rows.size()), argument.wordForm()->scale);
+        return true;
+    }
+    bool isOfWords() const noexcept override { return form_ && arguments_.front()->isOfWords(); }
+    StepPtr argumentWithin(WordInterval& interval) override {
+        const auto dates = dates_where(function_, interval);
+        if (!dates)
+            return nullptr;
+        interval = *dates;
+        return std::move(arguments_.front());
     }
 
   private:

@@ -3,6 +3,7 @@
 
 #include "core/tables/query/bound_expression.h"
 #include "core/tables/query/expression_parser.h"
+#include "core/tables/query/expression_text.h"
 
 #include <core/strings/names.h>
 #include <core/tables/errors.h>
@@ -21,11 +22,41 @@ const TableColumn& Operands::find(wstring_view argument) {
                                     [&](const TableColumn& column) { return column.info.name == argument; });
     if (known != computed_.end())
         return *known;
-    CellColumn cells = computed_cells(data_, *parse_expression(argument));
-    ColumnInfo info{.name = wstring(argument), .domain = domain_of_cells(cells), .title = {}, .width = 0};
+    return compute(*parse_expression(argument), wstring(argument));
+}
+
+const TableColumn& Operands::compute(const ExpressionNode& expression, wstring name) {
+    CellColumn cells = computed_cells(data_, expression);
+    ColumnInfo info{.name = std::move(name), .domain = domain_of_cells(cells), .title = {}, .width = 0};
     TableColumn& column = computed_.emplace_back(0, std::move(info));
     column.cells = std::move(cells);
     return column;
+}
+
+std::vector<const TableColumn*> Operands::keys(std::span<const wstring> items) {
+    std::vector<const TableColumn*> keys;
+    const auto add = [&](std::span<const wstring> names) {
+        for (const TableColumn* const column : columns(names)) {
+            if (std::find(keys.begin(), keys.end(), column) != keys.end())
+                throw_error<ContextException>(messages::kColumnTwice, {column->info.name});
+            keys.push_back(column);
+        }
+    };
+    for (const wstring& item : items) {
+        if (data_.findColumn(item) || !has_expression(item)) {
+            add({&item, 1});
+            continue;
+        }
+        for (NamedExpression& one : parse_named_list(item)) {
+            if (one.expression->kind == ExpressionKind::column && one.name.empty()) {
+                add({&one.expression->name, 1});
+                continue;
+            }
+            wstring name = one.name.empty() ? expression_text(*one.expression) : std::move(one.name);
+            keys.push_back(&compute(*one.expression, std::move(name)));
+        }
+    }
+    return keys;
 }
 
 std::vector<const TableColumn*> Operands::columns(std::span<const wstring> names) const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/tables/data/table_data.h"
+#include "core/tables/query/expression_node.h"
 
 #include <deque>
 
@@ -20,8 +21,14 @@ class Operands {
     /// Returns the columns of several names, each of which may come once. Throws as find() does, and
     /// "IDS_VT_COLUMNS_NOT_UNIQUE".
     [[nodiscard]] std::vector<const TableColumn*> columns(std::span<const wstring> names) const;
+    /// Returns what rows are grouped by: columns of these names, or of expressions with names, where an item
+    /// may list several: "Region, Year(Day) As Year". Throws as columns() and find() do. What is computed is
+    /// borrowed from this object.
+    [[nodiscard]] std::vector<const TableColumn*> keys(std::span<const wstring> items);
 
   private:
+    const TableColumn& compute(const ExpressionNode& expression, wstring name);
+
     const TableData& data_;
     std::deque<TableColumn> computed_;
 };
