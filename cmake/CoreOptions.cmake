@@ -13,6 +13,16 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
+# What differs between systems has a file for each, in folders of these names.
+if(WIN32)
+  set(CORE_SYSTEM windows)
+  set(CORE_OTHER_SYSTEM posix)
+  add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX UNICODE _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000006) # of 2018
+else()
+  set(CORE_SYSTEM posix)
+  set(CORE_OTHER_SYSTEM windows)
+endif()
+
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/native_path.h"
+
 #include <core/exchange/whole_file.h>
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -36,7 +38,7 @@ fs::path followed(const fs::path& file) {
             return path;
         path = path.parent_path() / next;
     }
-    throw_file_error(messages::kFileOpen, file_url(file.string()), ELOOP);
+    throw_file_error(messages::kFileOpen, file_url(path_text(file)), ELOOP);
 }
 
 } // namespace
@@ -45,16 +47,16 @@ void write_whole_file(const std::string& file, const std::function<void(const By
     require_whole_path(file);
     const wstring named = from_utf8(file);
     const bool isUrl = split_url(named).path != named;
-    if (isUrl || !is_device(file)) {
+    if (isUrl || !is_device(native_path(file))) {
         require_service<IFileSystem>().writeFile(
-            isUrl ? named : file_url(followed(file).string()), [&write](IFile& whole) {
+            isUrl ? named : file_url(path_text(followed(native_path(file)))), [&write](IFile& whole) {
                 write([&whole](std::span<const std::byte> bytes) { write_all(whole, bytes); });
             });
         return;
     }
     const wstring url = file_url(file);
     errno = 0;
-    std::ofstream device(file, std::ios::binary);
+    std::ofstream device(native_path(file), std::ios::binary);
     if (!device)
         throw_file_error(messages::kFileOpen, url, errno);
     const auto fail = [&url] { throw_file_error(messages::kFileWrite, url, errno); };

@@ -5,10 +5,9 @@
 #include <core/files/file_impl.h>
 #include <core/runtime/internal_class.h>
 
-#include <sys/stat.h>
-
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 namespace core {
@@ -41,7 +40,7 @@ class DescriptorFile : public FileImpl, public ISharedFile {
 
     std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t count) override;
     std::size_t writeAt(std::uint64_t offset, const void* buffer, std::size_t count) override;
-    std::uint64_t length() override { return static_cast<std::uint64_t>(status().st_size); }
+    std::uint64_t length() override;
     void truncate(std::uint64_t length) override;
     void flush() override;
     void close() override;
@@ -62,10 +61,13 @@ class DescriptorFile : public FileImpl, public ISharedFile {
     /// Reads on where no offset can be named, as from a pipe.
     std::size_t readOn(void* buffer, std::size_t count);
     std::uint64_t roomBehind(std::uint64_t offset, std::uint64_t count) noexcept;
-    [[nodiscard]] struct stat status() const;
-    bool setLock(std::uint64_t offset, std::uint64_t length, int type);
+
+    /// The regions that are locked, for a system that must be told again which; null for one that needs no
+    /// telling.
+    struct Locks;
 
     Descriptor descriptor_;
+    std::shared_ptr<Locks> locks_;
     std::atomic<std::uint64_t> limit_;
     std::atomic<std::uint64_t> passed_{0}; // bytes that came from a pipe
 };

@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/disk_folders.h"
 
+#include "core/files/disk_node.h"
 #include "core/files/disk_path.h"
 #include "core/files/folder_copy.h"
 #include "core/files/schemes.h"
+#include "core/runtime/native_path.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -24,15 +22,14 @@ namespace {
 namespace fs = std::filesystem;
 
 bool is_folder(const std::string& path) {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    const auto node = disk_node(path, Links::followed);
+    return node && node->kind == DiskNode::Kind::folder;
 }
 
 /// Refuses what is not a folder, a link to one included.
 void require_folder(const std::string& path, const char* message) {
-    struct stat status {};
-    const int error = ::lstat(path.c_str(), &status) != 0 ? errno : S_ISDIR(status.st_mode) ? 0 : ENOTDIR;
-    if (error != 0)
+    const auto node = disk_node(path, Links::themselves);
+    if (const int error = !node ? errno : node->kind == DiskNode::Kind::folder ? 0 : ENOTDIR)
         throw_file_error(message, file_url(path), error);
 }
 
@@ -40,16 +37,15 @@ void require_folder(const std::string& path, const char* message) {
 void require_new_outside(const std::string& from, const std::string& to) {
     if (is_same_file(from, to))
         throw_file_error(messages::kFileCopyOntoItself, file_url(to), EEXIST);
-    struct stat status {};
-    if (::lstat(to.c_str(), &status) == 0)
+    if (disk_node(to, Links::themselves))
         throw_file_error(messages::kFileMakeFolder, file_url(to), EEXIST);
     const std::string folder = folder_of(to);
     std::error_code error;
-    fs::path above = fs::canonical(folder.empty() ? "." : folder, error);
+    fs::path above = fs::canonical(native_path(folder.empty() ? "." : folder), error);
     if (error)
-        throw_file_error(messages::kFileMakeFolder, file_url(to), error.value());
+        throw_file_error(messages::kFileMakeFolder, file_url(to), error.default_error_condition().value());
     // By the folders themselves: one may have several paths.
-    for (; !is_same_file(above.string(), from); above = above.parent_path()) {
+    for (; !is_same_file(path_text(above), from); above = above.parent_path()) {
         if (above == above.parent_path())
             return;
     }
@@ -66,7 +62,7 @@ void make_folder(const std::string& path) {
     std::vector<bool> made(missing.size());
     try {
         for (std::size_t i = missing.size(); i-- > 0;) {
-            if (::mkdir(missing[i].c_str(), 0777) == 0) {
+            if (make_one_folder(missing[i], 0777)) {
                 made[i] = true;
                 flush_folder_of(missing[i]);
             } else if (const int error = errno; error != EEXIST || !is_folder(missing[i])) {
@@ -78,7 +74,7 @@ void make_folder(const std::string& path) {
     } catch (...) {
         for (std::size_t i = 0; i < missing.size(); ++i) {
             if (made[i])
-                (void)::rmdir(missing[i].c_str());
+                remove_one_folder(missing[i]);
         }
         throw;
     }
@@ -87,12 +83,13 @@ void make_folder(const std::string& path) {
 void remove_folder(const std::string& path) {
     const std::string folder = without_end_slash(path);
     require_folder(folder, messages::kFileRemove);
-    if (is_same_file(folder, "/")) // as when the rest of the path was forgotten
+    if (is_same_file(folder, path_text(fs::absolute(native_path(folder))
+                                           .root_path()))) // as when the rest of the path was forgotten
         throw_file_error(messages::kFileRemove, file_url(path), EBUSY);
     std::error_code error;
-    fs::remove_all(folder, error);
+    fs::remove_all(native_path(folder), error);
     if (error)
-        throw_file_error(messages::kFileRemove, file_url(path), error.value());
+        throw_file_error(messages::kFileRemove, file_url(path), error.default_error_condition().value());
     flush_folder_of(folder);
 }
 
@@ -106,7 +103,7 @@ void copy_folder(const std::string& from, const std::string& to) {
     FolderCopy copy(source, folder + name_beside());
     copy.make();
     // The name cannot be a file's, nor that of a folder that holds something: those are not replaced.
-    if (std::rename(copy.path().c_str(), target.c_str()) != 0)
+    if (!rename_node(copy.path(), target))
         throw_file_error(messages::kFileMakeFolder, file_url(to), errno);
     copy.keep();
     flush_folder(folder);

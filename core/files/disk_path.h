@@ -4,11 +4,23 @@
 #include <core/runtime/types.h>
 
 #include <string>
+#include <string_view>
 
 namespace core {
 
 /// Whether a text is a "file://" URL, whose path is escaped, and not a path as it stands.
 [[nodiscard]] bool is_file_url(wstring_view text) noexcept;
+
+/// A path of the system as the path of a "file://" URL, and back. Inside of the library names are divided by
+/// "/" alone.
+[[nodiscard]] std::string to_url_path(std::string_view path);
+[[nodiscard]] std::string from_url_path(std::string path);
+/// The same path as the library writes it.
+[[nodiscard]] std::string plain_path(std::string path);
+/// Whether a text is the path of a drive, as systems with drives have it, and not a URL with a scheme.
+[[nodiscard]] bool begins_with_drive(wstring_view text) noexcept;
+/// Whether the system takes a path for what it says. Some names mean a device, or another file.
+[[nodiscard]] bool means_itself(std::string_view path) noexcept;
 
 /// A path up to its last "/", that included; nothing for a name alone.
 [[nodiscard]] std::string folder_of(const std::string& path);

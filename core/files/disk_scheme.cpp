@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/disk_folders.h"
+#include "core/files/disk_node.h"
 #include "core/files/disk_path.h"
 #include "core/files/file_beside.h"
 #include "core/files/schemes.h"
 #include "core/runtime/folder_entries.h"
+#include "core/runtime/native_path.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -13,15 +15,8 @@
 #include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/statvfs.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <ctime>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -35,9 +30,6 @@ namespace fs = std::filesystem;
 
 const wstring kScheme = u"file";
 
-// Without it the system refuses to describe a large file.
-static_assert(sizeof(::off_t) == sizeof(std::int64_t), "build with _FILE_OFFSET_BITS=64");
-
 bool is_missing(int error) noexcept {
     return error == ENOENT || error == ENOTDIR;
 }
@@ -45,31 +37,30 @@ bool is_missing(int error) noexcept {
 /// What is known of a file, a folder or a link that leads nowhere; nothing when none of them is there, and a
 /// reason in errno.
 std::optional<FileInfo> info_of(const std::string& path) {
-    struct stat status {};
-    if (::lstat(path.c_str(), &status) != 0)
+    auto node = disk_node(path, Links::themselves);
+    if (!node)
         return std::nullopt;
     const std::string plain = without_end_slash(path);
-    const bool isLink = S_ISLNK(status.st_mode);
-    struct stat target {};
-    if (isLink && ::stat(path.c_str(), &target) == 0)
-        status = target;
-    const bool isFolder = S_ISDIR(status.st_mode);
+    const bool isLink = node->kind == DiskNode::Kind::link;
+    if (const auto target = isLink ? disk_node(path, Links::followed) : std::nullopt)
+        node = target;
+    const bool isFolder = node->kind == DiskNode::Kind::folder;
     return FileInfo{.url = file_url(path),
                     .name = from_utf8(plain.substr(plain.rfind('/') + 1)),
-                    .length = isFolder ? 0 : static_cast<std::uint64_t>(status.st_size),
-                    .modified = unix_date(status.st_mtim.tv_sec, status.st_mtim.tv_nsec),
+                    .length = isFolder ? 0 : node->length,
+                    .modified = unix_date(node->modified.tv_sec, node->modified.tv_nsec),
                     .isFolder = isFolder,
                     .isLink = isLink,
-                    .permissions = status.st_mode & 07777};
+                    .permissions = node->permissions};
 }
 
 /// The system's form of a time.
-struct timespec system_time(Date time) {
+::timespec system_time(Date time) {
     constexpr std::int64_t kNanosecondsPerTick = 1'000'000'000 / kTicksPerSecond;
     const std::int64_t ticks = (time - kUnixEpoch).ticks();
     const std::int64_t seconds = ticks / kTicksPerSecond - (ticks % kTicksPerSecond < 0 ? 1 : 0);
-    struct timespec result {};
-    result.tv_sec = static_cast<std::time_t>(seconds);
+    ::timespec result{};
+    result.tv_sec = static_cast<decltype(result.tv_sec)>(seconds);
     result.tv_nsec = static_cast<long>((ticks - seconds * kTicksPerSecond) * kNanosecondsPerTick);
     return result;
 }
@@ -100,10 +91,11 @@ class DiskScheme : public IFileScheme {
         std::size_t count = 0;
         for (const std::string& path : paths) {
             std::error_code error;
-            if (isPattern(pattern) && fs::is_directory(path, error))
+            if (isPattern(pattern) && fs::is_directory(native_path(path), error))
                 continue;
-            if (!fs::remove(path, error) && error)
-                throw_file_error(messages::kFileRemove, file_url(path), error.value());
+            if (!fs::remove(native_path(path), error) && error)
+                throw_file_error(messages::kFileRemove, file_url(path),
+                                 error.default_error_condition().value());
             ++count;
         }
         return count;
@@ -119,13 +111,12 @@ class DiskScheme : public IFileScheme {
     /// The target has its old bytes or the new ones, never a part.
     void writeFile(const wstring& to, const FileWriter& write) override {
         const std::string target = file_path(to);
-        struct stat old {};
-        const bool replaces = ::stat(target.c_str(), &old) == 0;
+        const auto old = disk_node(target, Links::followed);
         // What replaces a file is nobody else's until it has the permissions of that.
-        FileBeside file(target, replaces ? kPrivateFile : kPublicFile);
+        FileBeside file(target, old ? kPrivateFile : kPublicFile);
         write(file.content());
-        if (replaces)
-            file.setPermissions(old.st_mode & 0777);
+        if (old)
+            file.setPermissions(old->permissions & 0777);
         if (!file.replace(target))
             throw_file_error(messages::kFileMove, to, errno);
     }
@@ -165,13 +156,11 @@ class DiskScheme : public IFileScheme {
 
     void setAttributes(const wstring& url, const FileAttributes& attributes) override {
         const std::string path = file_path(url);
-        struct timespec times[2] = {};
-        times[0].tv_nsec = UTIME_OMIT;
-        times[1].tv_nsec = UTIME_OMIT;
+        std::optional<::timespec> modified;
         if (attributes.modified)
-            times[1] = system_time(*attributes.modified);
-        if (::utimensat(AT_FDCWD, path.c_str(), times, 0) != 0 ||
-            (attributes.permissions && ::chmod(path.c_str(), *attributes.permissions & 07777) != 0))
+            modified = system_time(*attributes.modified);
+        if (!set_times(path, {}, modified) ||
+            (attributes.permissions && !set_permissions(path, *attributes.permissions & 07777)))
             throw_file_error(messages::kFileAttributes, url, errno);
     }
 
@@ -225,7 +214,7 @@ class DiskScheme : public IFileScheme {
         std::error_code error;
         if (!isPattern(url)) {
             std::string whole = file_path(url);
-            if (fs::symlink_status(whole, error).type() != fs::file_type::not_found)
+            if (fs::symlink_status(native_path(whole), error).type() != fs::file_type::not_found)
                 paths.push_back(std::move(whole));
             return paths;
         }
@@ -245,14 +234,6 @@ class DiskScheme : public IFileScheme {
 };
 
 } // namespace
-
-FileSpace disk_space(const std::string& path, const wstring& url) {
-    struct statvfs found {};
-    if (::statvfs(path.c_str(), &found) != 0)
-        throw_file_error(messages::kFileRead, url, errno);
-    const std::uint64_t unit = found.f_frsize;
-    return {.total = found.f_blocks * unit, .available = found.f_bavail * unit};
-}
 
 InterfacePtr<IFileScheme> create_disk_scheme() {
     return make_object<DiskScheme>();

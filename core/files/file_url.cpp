@@ -82,7 +82,8 @@ std::string unescape_url(wstring_view text) {
 }
 
 wstring shown_url(wstring_view url) {
-    wstring shown = is_file_url(url) ? visible(unescape_url(url.substr(kPrefix.size()))) : wstring();
+    wstring shown =
+        is_file_url(url) ? visible(from_url_path(unescape_url(url.substr(kPrefix.size())))) : wstring();
     return shown.empty() ? wstring(url) : shown;
 }
 
@@ -91,16 +92,17 @@ bool is_file_url(wstring_view text) noexcept {
 }
 
 void require_whole_path(const std::string& path) {
-    if (path.find('\0') != std::string::npos)
+    if (path.find('\0') != std::string::npos || !means_itself(path))
         throw_file_error(messages::kFileOpen, file_url(path), EINVAL);
 }
 
 wstring file_url(std::string_view path) {
-    return wstring(kPrefix) + escape_url(path);
+    return wstring(kPrefix) + escape_url(to_url_path(path));
 }
 
 std::string file_path(wstring_view url) {
-    std::string path = is_file_url(url) ? unescape_url(url.substr(kPrefix.size())) : to_utf8(url);
+    std::string path =
+        is_file_url(url) ? from_url_path(unescape_url(url.substr(kPrefix.size()))) : plain_path(to_utf8(url));
     require_whole_path(path);
     return path;
 }

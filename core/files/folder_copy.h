@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <sys/stat.h>
+#include "core/files/disk_node.h"
 
 #include <string>
 #include <vector>
@@ -27,12 +27,12 @@ class FolderCopy {
     struct Folder {
         std::string from;
         std::string to;
-        struct stat status;
+        DiskNode node; // of the source
     };
 
     void makeFolder(Folder& folder);
-    void copyEntries(std::size_t folder);
-    void copyEntry(std::string from, std::string to);
+    void copyEntries(std::size_t folder, const OpenDisk& disk);
+    void copyEntry(std::string from, std::string to, const OpenDisk& disk);
 
     std::vector<Folder> folders_; // each behind the one that it lies in
     bool kept_ = false;

@@ -121,6 +121,8 @@ wstring composed(const Reference& parts) {
 } // namespace
 
 wstring resolve_url(wstring_view base, wstring_view reference) {
+    if (begins_with_drive(reference))
+        return file_url(to_utf8(reference));
     const bool isPath = base.find(u"://") == wstring_view::npos;
     const wstring whole = isPath ? file_url(to_utf8(base)) : wstring(base);
     const Reference from = divide(whole, {});

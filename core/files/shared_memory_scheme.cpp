@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/files/disk_node.h"
 #include "core/files/schemes.h"
 #include "core/files/shared_memory_file.h"
 #include "core/runtime/folder_entries.h"
-#include "core/runtime/threads/named_files.h"
+#include "core/runtime/shared_folder.h"
 
 #include <core/files/errors.h>
 #include <core/files/file_time.h>
 #include <core/files/url.h>
 #include <core/runtime/utf8.h>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -25,7 +23,7 @@ const wstring kScheme = u"shm";
 
 /// What the files of this user begin with.
 std::string prefix() {
-    return "core-shm-" + std::to_string(::geteuid()) + '-';
+    return detail::shared_prefix("core-shm");
 }
 
 std::string path_of(const wstring& url) {
@@ -56,7 +54,7 @@ std::vector<Found> matching(const wstring& pattern) {
         const std::string path = folder + file;
         SharedMemoryUse::removeUnused(path);
         wstring name = from_utf8(unescape_url(from_utf8(file.substr(begin.size()))));
-        if (matches_wildcard(name, names) && ::access(path.c_str(), F_OK) == 0)
+        if (matches_wildcard(name, names) && disk_node(path, Links::followed))
             found.push_back({path, std::move(name)});
     }
     if (entries.error() != 0)
@@ -98,12 +96,11 @@ class SharedMemoryScheme : public IFileScheme {
     std::vector<FileInfo> findFile(const wstring& pattern) override {
         std::vector<FileInfo> files;
         for (Found& file : matching(pattern)) {
-            struct stat status {};
-            if (::stat(file.path.c_str(), &status) == 0)
+            if (const auto node = disk_node(file.path, Links::followed))
                 files.push_back({.url = kScheme + u"://" + file.name,
                                  .name = std::move(file.name),
-                                 .length = static_cast<std::uint64_t>(status.st_size),
-                                 .modified = unix_date(status.st_mtim.tv_sec, status.st_mtim.tv_nsec)});
+                                 .length = node->length,
+                                 .modified = unix_date(node->modified.tv_sec, node->modified.tv_nsec)});
         }
         return files;
     }
@@ -114,7 +111,7 @@ class SharedMemoryScheme : public IFileScheme {
         if (files.empty() && !has_wildcard(pattern))
             throw_file_error(messages::kFileRemove, pattern, ENOENT);
         for (const Found& file : files) {
-            if (::unlink(file.path.c_str()) != 0 && errno != ENOENT)
+            if (!remove_one_file(file.path) && errno != ENOENT)
                 throw_file_error(messages::kFileRemove, kScheme + u"://" + file.name, errno);
         }
         return files.size();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/temp_folder.h"
+#include "core/runtime/native_path.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/temp_file_service.h>
@@ -17,11 +18,11 @@ class TempFileService : public ITempFileService {
   public:
     using Interfaces = InterfaceList<ITempFileService>;
 
-    InterfacePtr<IFile> create() override { return create_temp_file(temp_folder().string()); }
+    InterfacePtr<IFile> create() override { return create_temp_file(path_text(temp_folder())); }
 
     wstring createNamed() override {
         const auto path = temp_folder() / ("core-" + to_utf8(to_string(new_guid())));
-        return open_disk_file(path.string(), OpenMode::createNew, kPrivateFile)->url();
+        return open_disk_file(path_text(path), OpenMode::createNew, kPrivateFile)->url();
     }
 };
 

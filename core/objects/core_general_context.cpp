@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/files/temp_folder.h"
+#include "core/runtime/native_path.h"
 #include "core/strings/base64.h"
 
 #include <core/context/arguments.h>
@@ -130,8 +131,8 @@ class CoreGeneralContextDef : public IContextImpl<IContextDefImpl<CoreGeneralCon
         if (extension.find_first_of(wstring_view(u"/\\\0", 3)) != wstring_view::npos)
             parameter_value_mismatch(0);
         const std::string name = "core-" + to_utf8(to_string(new_guid())) + (extension.empty() ? "" : ".");
-        temporary_.push_back(temp_folder() / (name + to_utf8(extension)));
-        return from_utf8(temporary_.back().string());
+        temporary_.push_back(temp_folder() / native_path(name + to_utf8(extension)));
+        return from_utf8(path_text(temporary_.back()));
     }
 
     GenericValue fillPropertyValues(std::span<GenericValue> arguments) {

@@ -25,7 +25,7 @@ void clear_own() noexcept {
 
 /// Threads end after the library's other statics, too.
 Adoptions& adoptions() noexcept {
-    static constinit Immortal<Adoptions> all;
+    static Immortal<Adoptions> all;
     return *all;
 }
 

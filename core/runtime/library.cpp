@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/adoption.h"
+#include "core/runtime/library_entry.h"
+#include "core/runtime/native_path.h"
 #include "core/runtime/program_module.h"
+#include "core/runtime/shared_object.h"
 #include "core/runtime/thread_slots.h"
 
 #include <core/runtime/errors.h>
@@ -26,7 +29,7 @@ ModuleInfo core_info() noexcept {
     info.name = "core"; // short enough to take none
     try {
         info.version = CORE_VERSION;
-        info.file = detail::file_of(&anchor).string();
+        info.file = path_text(detail::file_of(&anchor));
     } catch (const std::bad_alloc&) {
     }
     return info;
@@ -56,6 +59,14 @@ void attach(ModuleHandle handle) {
         u_init(&status);
         LeaksCounter::setTerm(u"Objects alive", u"Живые объекты");
         core_module().init(handle);
+    } catch (...) {
+        detach();
+        throw;
+    }
+}
+
+void begin_program() {
+    try {
         detail::begin_program_module();
     } catch (...) {
         detach();
@@ -69,6 +80,7 @@ std::mutex& scope_lock() {
 }
 
 int scopes = 0;
+bool by_loader = false; // attached, and detached, by the loader of the system
 
 } // namespace
 
@@ -78,23 +90,42 @@ SCOM_Module& core_module() noexcept {
 }
 
 bool library_main(ModuleHandle handle, LibraryEvent event) {
-    if (event == LibraryEvent::processAttach)
+    if (event == LibraryEvent::processAttach) {
         attach(handle);
-    else if (event == LibraryEvent::processDetach)
+        begin_program();
+    } else if (event == LibraryEvent::processDetach) {
         detach();
+    }
+    return true;
+}
+
+bool detail::enter_by_loader(ModuleHandle handle, LibraryEvent event) {
+    if (event == LibraryEvent::processAttach) {
+        attach(handle);
+        by_loader = true;
+    } else if (event == LibraryEvent::processDetach) {
+        by_loader = false;
+        detach();
+    }
     return true;
 }
 
 LibraryScope::LibraryScope() {
     const std::lock_guard guard(scope_lock());
-    if (scopes == 0)
+    if (scopes == 0 && by_loader)
+        detail::begin_program_module();
+    else if (scopes == 0)
         library_main(&core_module(), LibraryEvent::processAttach);
     ++scopes;
 }
 
 LibraryScope::~LibraryScope() {
     const std::lock_guard guard(scope_lock());
-    if (--scopes == 0)
+    if (--scopes > 0)
+        return;
+    if (by_loader)
+        detail::end_program_module();
+    else
         detach();
 }
 

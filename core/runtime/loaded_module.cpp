@@ -2,16 +2,15 @@
 #include "core/runtime/immortal.h"
 #include "core/runtime/module_code.h"
 #include "core/runtime/modules_lock.h"
+#include "core/runtime/native_path.h"
 #include "core/runtime/program_module.h"
+#include "core/runtime/shared_object.h"
 #include "core/runtime/system_reason.h"
 
 #include <core/runtime/errors.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/loaded_module.h>
 #include <core/runtime/utf8.h>
-
-#include <dlfcn.h>
-#include <link.h>
 
 #include <algorithm>
 #include <mutex>
@@ -30,7 +29,7 @@ class Handle {
     Handle& operator=(Handle&&) = delete;
     ~Handle() {
         if (handle_ != nullptr)
-            ::dlclose(handle_);
+            detail::unload_object(handle_);
     }
     [[nodiscard]] void* get() const noexcept { return handle_; }
     void* keep() noexcept { return std::exchange(handle_, nullptr); }
@@ -40,31 +39,18 @@ class Handle {
 };
 
 wstring text_of(const std::filesystem::path& path) {
-    return from_utf8(path.string());
-}
-
-/// The declaration in the file itself, not in one that it is linked with; null if none exists.
-const ModuleDeclaration* declaration_in(void* handle) {
-    const void* const found = ::dlsym(handle, "core_module_declaration");
-    ::link_map* own = nullptr;
-    void* holder = nullptr;
-    Dl_info info{};
-    if (found == nullptr || ::dlinfo(handle, RTLD_DI_LINKMAP, &own) != 0 ||
-        ::dladdr1(found, &info, &holder, RTLD_DL_LINKMAP) == 0 || holder != own)
-        return nullptr;
-    return static_cast<const ModuleDeclaration*>(found);
+    return from_utf8(path_text(path));
 }
 
 /// Loads a file. One that the system refuses may be a module for another version of the library, whose
 /// functions are not here: then that is what the error says.
 Handle open_file(const std::filesystem::path& file) {
-    if (void* const handle = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL))
+    std::string reason;
+    if (void* const handle = detail::load_object(file, reason))
         return Handle(handle);
-    const char* const text = ::dlerror();
-    const std::string reason = text != nullptr ? text : "";
-    const Handle lazily(::dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL));
-    if (lazily.get() != nullptr) {
-        if (const auto* const declaration = declaration_in(lazily.get()))
+    const Handle incomplete(detail::load_incomplete_object(file));
+    if (incomplete.get() != nullptr) {
+        if (const auto* const declaration = detail::declaration_in(incomplete.get()))
             detail::check_declaration(*declaration, file);
     }
     throw_error<ModuleException>(messages::kModuleNotLoadable, {text_of(file), from_utf8(reason)});
@@ -79,18 +65,18 @@ struct LoadedModule::All {
 };
 
 LoadedModule::All& LoadedModule::all() noexcept {
-    static constinit detail::Immortal<All> modules; // processes may end after the library's statics
+    static detail::Immortal<All> modules; // processes may end after the library's statics
     return *modules;
 }
 
 LoadedModule::LoadedModule(const ModuleDeclaration& declaration, const std::filesystem::path& file,
                            void* handle)
     : declaration_(declaration), file_(file), handle_(handle), entries_(detail::joined_entries(declaration)),
-      bundle_((file.parent_path() / declaration.name).c_str()),
+      bundle_(path_text(file.parent_path() / declaration.name).c_str()),
       module_(entries_, bundle_,
               {.name = declaration.name,
                .version = declaration.version,
-               .file = file.string(),
+               .file = path_text(file),
                .interfaceVersion = declaration.interfaceVersion,
                .leaves = true}),
       code_(std::make_unique<detail::ModuleCode>(*declaration.anchor)) {
@@ -113,19 +99,19 @@ LoadedModule::~LoadedModule() {
         static_cast<void>(code_.release()); // callables go on counting
         return;
     }
-    ::dlclose(handle_);
-    const Handle still(::dlopen(file_.c_str(), RTLD_LAZY | RTLD_NOLOAD));
-    detail::forget_live_counters(anchor, still.get() == nullptr);
+    detail::unload_object(handle_);
+    detail::forget_live_counters(anchor, !detail::is_object_loaded(file_));
 }
 
 LoadedModule::Use LoadedModule::load(const std::filesystem::path& file) {
     std::error_code error;
     const std::filesystem::path path = std::filesystem::canonical(file, error);
     if (error)
-        throw_error<ModuleException>(messages::kModuleMissing, {text_of(file), system_reason(error.value())});
+        throw_error<ModuleException>(messages::kModuleMissing,
+                                     {text_of(file), system_reason(error.default_error_condition().value())});
     const std::lock_guard guard(all().lock);
     Handle handle = open_file(path);
-    const ModuleDeclaration* const declaration = declaration_in(handle.get());
+    const ModuleDeclaration* const declaration = detail::declaration_in(handle.get());
     if (declaration == nullptr)
         throw_error<ModuleException>(messages::kModuleNone, {text_of(path)});
     std::vector<Use>& modules = all().modules;

@@ -19,7 +19,7 @@ struct Registry {
 };
 
 Registry& registry() noexcept {
-    static constinit detail::Immortal<Registry> modules; // modules end in any order
+    static detail::Immortal<Registry> modules; // modules end in any order
     return *modules;
 }
 
@@ -28,8 +28,7 @@ std::atomic<std::uint32_t> generation{0};
 } // namespace
 
 std::shared_mutex& detail::modules_lock() noexcept {
-    static constinit detail::Immortal<std::shared_mutex>
-        lock; // processes may end after the library's statics
+    static detail::Immortal<std::shared_mutex> lock; // processes may end after the library's statics
     return *lock;
 }
 

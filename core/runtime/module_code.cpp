@@ -2,10 +2,9 @@
 #include "core/runtime/module_code.h"
 
 #include "core/runtime/immortal.h"
+#include "core/runtime/shared_object.h"
 
 #include <core/runtime/code_hold.h>
-
-#include <dlfcn.h>
 
 #include <algorithm>
 #include <atomic>
@@ -23,7 +22,7 @@ struct Codes {
 };
 
 Codes& codes() noexcept {
-    static constinit Immortal<Codes> all; // processes may end after the library's statics
+    static Immortal<Codes> all; // processes may end after the library's statics
     return *all;
 }
 
@@ -45,8 +44,7 @@ ModuleCode::~ModuleCode() {
 }
 
 const void* ModuleCode::fileAt(const void* address) noexcept {
-    Dl_info info{};
-    return ::dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
+    return object_at(address);
 }
 
 LiveCounter* ModuleCode::counterOf(const void* file) noexcept {

@@ -13,9 +13,6 @@ void check_declaration(const ModuleDeclaration& declaration, const std::filesyst
 /// Makes one list of all that a module declares, and returns its head.
 [[nodiscard]] ClassEntry* joined_entries(const ModuleDeclaration& declaration) noexcept;
 
-/// The path of the file that holds an address; empty when the system does not know it.
-[[nodiscard]] std::filesystem::path file_of(const void* address);
-
 /// Begins the module that the program itself declares; there may be none. Throws ModuleException.
 void begin_program_module();
 /// Ends it; does nothing in a program without one.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/runtime/icu_bundle.h"
-#include "core/runtime/program_module.h"
+#include "core/runtime/native_path.h"
+#include "core/runtime/shared_object.h"
 #include "core/runtime/thread_locale.h"
 
 #include <core/runtime/resource_bundle.h>
@@ -31,7 +32,7 @@ SCOM_ResourceBundle::Opened& SCOM_ResourceBundle::open(const Locale& locale) {
     if (place != opened_.end())
         return place->second;
     Opened opened;
-    const std::string folder = (library_folder() / name_ / "messages").string();
+    const std::string folder = path_text(library_folder() / native_path(name_) / "messages");
     const auto tryOpen = [&](const std::string& key) {
         UErrorCode status = U_ZERO_ERROR;
         // Directly: what the system's own locale speaks is not an answer for this one.

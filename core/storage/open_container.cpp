@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/files/disk_node.h"
 #include "core/storage/container_file.h"
 
 #include <core/files/disk_file.h>
@@ -14,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -63,7 +63,7 @@ InterfacePtr<IFile> open_container_file(const wstring& url, OpenMode mode, const
             StorageRW::createIfEmpty(*file, layout);
         } catch (...) {
             if (is_on_disk(url)) // where space can be short
-                (void)std::remove(file_path(url).c_str());
+                remove_one_file(file_path(url));
             throw;
         }
         return file;

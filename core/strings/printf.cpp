@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/strings/plain_numbers.h"
+
 #include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/errors.h>
@@ -6,7 +8,6 @@
 #include <core/strings/printf.h>
 
 #include <fmt/format.h>
-#include <locale.h>
 #include <unicode/utf16.h>
 
 #include <algorithm>
@@ -34,23 +35,6 @@ struct Directive {
         return fmt::format("%{}{}{}{}{}", flags, width > 0 ? fmt::to_string(width) : "",
                            precision ? fmt::format(".{}", *precision) : "", length, conversion);
     }
-};
-
-/// Lets the system's printf write numbers of this thread as in C's own locale, whatever the program's is.
-class PlainNumbers {
-  public:
-    PlainNumbers() noexcept : before_(uselocale(plain())) {}
-    PlainNumbers(const PlainNumbers&) = delete;
-    PlainNumbers& operator=(const PlainNumbers&) = delete;
-    ~PlainNumbers() { uselocale(before_); }
-
-  private:
-    static locale_t plain() noexcept {
-        static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
-        return locale;
-    }
-
-    locale_t before_;
 };
 
 class Printer {

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/language/watch.h"
 
+#include "host/language/machine.h"
 #include "host/language/script_error.h"
 #include "host/language/script_exit.h"
 
 #include <core/strings/integer_text.h>
 
-#include <fcntl.h>
-#include <pthread.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <limits>
 #include <span>
@@ -21,40 +17,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::int64_t kSlice = 64;              // steps between two looks at the clock
-constexpr std::chrono::milliseconds kPause{1};   // between two looks at the memory
-constexpr std::size_t kStackReserve = 1U << 20U; // for what functions of the library need below a script
-
-/// The resident memory of the program in bytes; 0 where the system does not tell.
-std::uint64_t resident_memory() noexcept {
-    const int file = ::open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return 0;
-    char text[128];
-    const auto count = ::read(file, text, sizeof text);
-    ::close(file);
-    const char* const end = text + std::max<decltype(count)>(count, 0);
-    const char* const second =
-        std::find(static_cast<const char*>(text), end, ' '); // the first is the whole size
-    std::uint64_t pages = 0;
-    if (second != end)
-        std::from_chars(second + 1, end, pages);
-    return pages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
-}
-
-/// The part of the calling thread's stack that a script must not come down to; empty where it is not known.
-std::span<const std::byte> stack_reserve() noexcept {
-    pthread_attr_t attributes;
-    if (::pthread_getattr_np(::pthread_self(), &attributes) != 0)
-        return {};
-    void* lowest = nullptr;
-    std::size_t size = 0;
-    const bool known = ::pthread_attr_getstack(&attributes, &lowest, &size) == 0;
-    ::pthread_attr_destroy(&attributes);
-    if (!known)
-        return {};
-    return {static_cast<const std::byte*>(lowest), std::min(kStackReserve, size / 2)};
-}
+constexpr std::int64_t kSlice = 64;            // steps between two looks at the clock
+constexpr std::chrono::milliseconds kPause{1}; // between two looks at the memory
 
 } // namespace
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/byte_input.h"
 
+#include "host/terminal/disk_entry.h"
+#include "host/terminal/system_terminal.h"
+
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
 #include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/text_file.h>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -20,16 +20,11 @@ namespace {
 constexpr const char* kStandardInput = "-";
 
 /// The size of a regular file, else 0.
-std::uint64_t size_of(const struct stat& status) {
-    return S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
 std::uint64_t size_of_input(const std::string& name, std::istream& in) {
-    struct stat status {};
-    if (name != kStandardInput)
-        return ::stat(name.c_str(), &status) == 0 ? size_of(status) : 0;
-    const bool isOurs = in.rdbuf() == std::cin.rdbuf();
-    return isOurs && ::fstat(STDIN_FILENO, &status) == 0 ? size_of(status) : 0;
+    if (name == kStandardInput)
+        return in.rdbuf() == std::cin.rdbuf() ? size_of_standard_input() : 0;
+    const auto entry = disk_entry(name);
+    return entry && entry->isFile ? entry->size : 0;
 }
 
 } // namespace
@@ -43,9 +38,9 @@ ByteInput::ByteInput(Console& console, std::string file)
     if (name_.find('\0') != std::string::npos)
         errno = EINVAL;
     else
-        file_.open(name_, std::ios::binary);
-    struct stat status {};
-    if (file_.is_open() && ::stat(name_.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
+        file_.open(native_path(name_), std::ios::binary);
+    const bool opened = file_.is_open();
+    if (const auto entry = opened ? disk_entry(name_) : std::nullopt; entry && entry->isFolder)
         errno = EISDIR;
     if (!file_.is_open() && errno == EINTR)
         core::Thread::check();
@@ -59,9 +54,8 @@ std::size_t ByteInput::readStandardInput(std::span<std::byte> bytes) {
     if (ready > 0)
         return static_cast<std::size_t>(in_.rdbuf()->sgetn(reinterpret_cast<char*>(bytes.data()), ready));
     for (;;) {
-        const ::ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
-        if (count >= 0)
-            return static_cast<std::size_t>(count);
+        if (const auto count = read_standard_input(bytes))
+            return *count;
         if (errno != EINTR)
             core::throw_file_error(core::messages::kFileRead, core::from_utf8(name_), errno);
         core::Thread::check();

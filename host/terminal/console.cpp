@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/console.h"
 
-#include <core/strings/term.h>
+#include "host/terminal/system_terminal.h"
 
-#include <sys/ioctl.h>
-#include <unistd.h>
+#include <core/strings/term.h>
 
 #include <charconv>
 #include <cstdlib>
@@ -30,17 +29,15 @@ Language language_of_environment() {
             return value.substr(0, value.find_first_of("_-.@")) == "ru" ? Language::russian
                                                                         : Language::english;
     }
-    return Language::english;
+    return system_is_russian() ? Language::russian : Language::english;
 }
 
 bool colour_of_environment() {
-    const std::string_view terminal = variable("TERM");
-    return variable("NO_COLOR").empty() && !terminal.empty() && terminal != "dumb" &&
-           isatty(STDERR_FILENO) == 1;
+    return variable("NO_COLOR").empty() && terminal_has_colours();
 }
 
 bool terminal_of_environment() {
-    return isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
+    return is_terminal(Stream::input) && is_terminal(Stream::output);
 }
 
 std::size_t line_width(const Console& console) {
@@ -49,10 +46,9 @@ std::size_t line_width(const Console& console) {
     std::size_t width = 0;
     if (std::from_chars(wanted.data(), wanted.data() + wanted.size(), width).ec == std::errc() && width > 0)
         return width;
-    winsize size{};
-    if (console.terminal && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
-        return size.ws_col;
-    return kWithoutTerminal;
+    if (console.terminal)
+        width = terminal_width(Stream::output);
+    return width > 0 ? width : kWithoutTerminal;
 }
 
 } // namespace host

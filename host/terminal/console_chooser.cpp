@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/console_chooser.h"
 
+#include "host/terminal/system_terminal.h"
 #include "host/terminal/terminal_text.h"
 
 #include <core/exchange/table_view.h>
@@ -12,11 +13,7 @@
 #include <core/tables/value_list.h>
 #include <core/tables/value_table.h>
 
-#include <poll.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <iostream>
 #include <optional>
 #include <ostream>
@@ -146,10 +143,7 @@ class ConsoleChooser : public IChooser {
 
     /// Waits until a line can be read; false when Ctrl-C came instead, which reading would not tell.
     [[nodiscard]] bool awaitLine() const {
-        if (!isTerminal() || console_.in.rdbuf()->in_avail() > 0)
-            return true;
-        pollfd input{STDIN_FILENO, POLLIN, 0};
-        return ::poll(&input, 1, -1) >= 0 || errno != EINTR;
+        return !isTerminal() || console_.in.rdbuf()->in_avail() > 0 || host::await_line();
     }
 
     Console& console_;

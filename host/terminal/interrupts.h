@@ -3,9 +3,8 @@
 
 #include <core/script/engine.h>
 
-#include <array>
-#include <csignal>
 #include <exception>
+#include <memory>
 
 namespace host {
 
@@ -32,9 +31,8 @@ class Interrupts {
     [[nodiscard]] bool asksForEnd() const noexcept;
 
   private:
-    static constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
-
-    std::array<struct sigaction, kSignals.size()> before_{};
+    struct Before; // what the system did with them
+    std::unique_ptr<Before> before_;
 };
 
 } // namespace host

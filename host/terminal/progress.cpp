@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/progress.h"
 
+#include "host/terminal/system_terminal.h"
+
 #include <core/exchange/column_text.h>
 #include <core/runtime/utf8.h>
-
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <iostream>
@@ -17,8 +16,8 @@ constexpr std::size_t kBar = 40;
 
 /// How many columns the terminal has that messages go to.
 std::size_t terminal_columns() {
-    winsize size{};
-    return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+    const std::size_t width = terminal_width(Stream::error);
+    return width > 0 ? width : 80;
 }
 
 } // namespace
@@ -26,7 +25,7 @@ std::size_t terminal_columns() {
 Progress::Progress(Console& console, std::string_view what, std::uint64_t total)
     : out_(console.err), tied_(out_.tie(nullptr)), what_(core::from_utf8(what)), total_(total),
       room_(terminal_columns()),
-      terminal_(console.err.rdbuf() == std::cerr.rdbuf() && ::isatty(STDERR_FILENO) == 1),
+      terminal_(console.err.rdbuf() == std::cerr.rdbuf() && is_terminal(Stream::error)),
       next_(Clock::now() + std::chrono::milliseconds(500)) {}
 
 Progress::~Progress() {

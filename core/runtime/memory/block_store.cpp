@@ -113,7 +113,7 @@ class Store {
 };
 
 Store& store() noexcept {
-    static constinit Immortal<Store> all; // blocks are freed after the library's statics
+    static Immortal<Store> all; // blocks are freed after the library's statics
     return *all;
 }
 

@@ -37,7 +37,7 @@ constinit std::int32_t records_end = 1; // behind the last index that was ever u
 constinit std::int32_t free_records = 0;
 
 std::mutex& records_lock() {
-    static constinit detail::Immortal<std::mutex> lock; // objects may outlive the library's statics
+    static detail::Immortal<std::mutex> lock; // objects may outlive the library's statics
     return *lock;
 }
 

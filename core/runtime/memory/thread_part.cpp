@@ -13,7 +13,7 @@ constinit thread_local ThreadPart* own_part = nullptr;
 namespace {
 
 std::mutex& parts_lock() {
-    static constinit Immortal<std::mutex> lock; // threads may end after the library's statics
+    static Immortal<std::mutex> lock; // threads may end after the library's statics
     return *lock;
 }
 

@@ -2,6 +2,7 @@
 #include "host/commands/commands.h"
 #include "host/commands/container/container.h"
 #include "host/commands/container/copy.h"
+#include "host/terminal/disk_entry.h"
 #include "host/terminal/text_columns.h"
 
 #include <core/files/disk_file.h>
@@ -15,9 +16,6 @@
 #include <core/storage/errors.h>
 #include <core/strings/letter_case.h>
 #include <core/strings/trim.h>
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <istream>
@@ -37,20 +35,22 @@ namespace fs = std::filesystem;
 
 /// Where an inner file goes on disk; none for a name that leads out of the folder.
 std::optional<std::string> target_of(const Options& options, wstring_view name) {
-    const fs::path relative = fs::path(to_utf8(name)).lexically_normal();
+    const fs::path relative = native_path(to_utf8(name)).lexically_normal();
     const bool leadsOut = relative.empty() || relative.is_absolute() || *relative.begin() == ".." ||
                           !relative.has_filename() || relative == ".";
     if (leadsOut || name.find(u'\0') != wstring_view::npos)
         return std::nullopt;
-    return (fs::path(options.folder) / relative).string();
+    return path_text(native_path(options.folder) / relative);
 }
 
 void set_modified_on_disk(const std::string& path, Date modified) {
     if (modified == Date()) // it is not known
         return;
     const std::int64_t seconds = (modified - kUnixEpoch).ticks() / kTicksPerSecond;
-    const ::timespec times[2] = {{0, UTIME_OMIT}, {static_cast<::time_t>(seconds), 0}};
-    (void)::utimensat(AT_FDCWD, path.c_str(), times, 0); // a file system without times does not matter
+    try {
+        require_service<IFileSystem>().setAttributes(file_url(path), {.modified = unix_date(seconds)});
+    } catch (const FileException&) { // a file system without times does not matter
+    }
 }
 
 /// The user's answer, where there is a user.
@@ -71,21 +71,20 @@ class Written {
   public:
     /// Whether the path is, or leads to, a file that was written before.
     [[nodiscard]] bool has(const std::string& path) const {
-        struct stat status {};
-        return paths_.contains(path) ||
-               (::stat(path.c_str(), &status) == 0 && files_.contains({status.st_dev, status.st_ino}));
+        const auto entry = disk_entry(path);
+        return paths_.contains(path) || (entry && files_.contains(entry->id));
     }
     void add(const std::string& path) {
-        struct stat status {};
-        if (::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
-            files_.emplace(status.st_dev, status.st_ino);
-        if (!S_ISCHR(status.st_mode) && !S_ISFIFO(status.st_mode)) // which keep nothing
+        const auto entry = disk_entry(path);
+        if (entry && entry->isFile)
+            files_.insert(entry->id);
+        if (!entry || !entry->keepsNothing)
             paths_.insert(path);
     }
 
   private:
     std::set<std::string> paths_;
-    std::set<std::pair<::dev_t, ::ino_t>> files_;
+    std::set<std::pair<std::uint64_t, std::uint64_t>> files_;
 };
 
 /// Writes an inner file to disk. A file there is replaced by the whole content or stays as it is, devices are
@@ -93,21 +92,21 @@ class Written {
 void take_out(const StorageRW& storage, IFile& from, const std::string& path, Progress& progress,
               const Interrupts& interrupts) {
     std::error_code ignored;
-    if (fs::is_regular_file(path, ignored)) {
+    if (fs::is_regular_file(native_path(path), ignored)) {
         if (storage.isIn(*open_disk_file(path, OpenMode::read)))
             throw StorageException(StorageException::Kind::isDestination, file_url(path));
         require_service<IFileSystem>().writeFile(file_url(path),
                                                  [&](IFile& to) { copy(from, to, progress, interrupts); });
         return;
     }
-    const bool isNew = !fs::exists(fs::symlink_status(path, ignored));
+    const bool isNew = !fs::exists(fs::symlink_status(native_path(path), ignored));
     const auto to = open_disk_file(path, isNew ? OpenMode::createNew : OpenMode::replace);
     try {
         copy(from, *to, progress, interrupts);
         to->close();
     } catch (...) {
         if (isNew)
-            fs::remove(path, ignored);
+            fs::remove(native_path(path), ignored);
         throw;
     }
 }
@@ -136,11 +135,12 @@ ExitCode get(const Options& options, Console& console) {
             continue;
         }
         std::error_code error;
-        if (!options.force && fs::is_regular_file(*path, error) && !may_replace(*path, console)) {
+        if (!options.force && fs::is_regular_file(native_path(*path), error) &&
+            !may_replace(*path, console)) {
             code = ExitCode::no;
             continue;
         }
-        fs::create_directories(fs::path(*path).parent_path(), error); // opening says what is wrong
+        fs::create_directories(native_path(*path).parent_path(), error); // opening says what is wrong
         try {
             const auto from = storage.open(file.name, OpenMode::read);
             take_out(storage, *from, *path, progress, interrupts);

@@ -3,6 +3,7 @@
 #include "host/commands/container/container.h"
 #include "host/commands/container/copy.h"
 #include "host/terminal/byte_input.h"
+#include "host/terminal/disk_entry.h"
 
 #include <core/files/disk_file.h>
 #include <core/files/errors.h>
@@ -12,8 +13,6 @@
 #include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
-
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -42,7 +41,7 @@ struct Source {
 };
 
 [[noreturn]] void throw_not_read(const std::string& path, const std::error_code& error) {
-    throw_file_error(messages::kFileRead, file_url(path), error.value());
+    throw_file_error(messages::kFileRead, file_url(path), error.default_error_condition().value());
 }
 
 /// The name of an inner file for what is on disk; one that would not come out again as it was is refused.
@@ -76,13 +75,13 @@ class Sources {
     explicit Sources(const Options& options) : options_(options) {
         for (const std::string& text : options.names) {
             // "docs", "docs/" and "../docs" all give names that begin with "docs/".
-            const fs::path path = fs::path(text).lexically_normal();
+            const fs::path path = native_path(text).lexically_normal();
             const fs::path base = path.has_filename() ? path : path.parent_path();
             std::error_code error;
             if (fs::is_directory(base, error))
                 addFolder(base, text);
             else
-                add(base, options.as.empty() ? base.filename().string() : options.as);
+                add(base, options.as.empty() ? path_text(base.filename()) : options.as);
         }
         refuse_same_names(all_);
         std::ranges::sort(all_, {}, &Source::name); // folders have any order
@@ -95,8 +94,8 @@ class Sources {
         std::error_code error;
         const std::uint64_t size = fs::file_size(path, error);
         if (error)
-            throw_not_read(path.string(), error);
-        all_.push_back({path.string(), inner_name(path.string(), in_folder(options_, name)), size});
+            throw_not_read(path_text(path), error);
+        all_.push_back({path_text(path), inner_name(path_text(path), in_folder(options_, name)), size});
     }
     void addFolder(const fs::path& base, const std::string& text) {
         std::error_code error;
@@ -104,7 +103,7 @@ class Sources {
         for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
             std::error_code ignored; // what cannot be looked at is not put in
             if (entry->is_regular_file(ignored))
-                add(entry->path(), (base.filename() / entry->path().lexically_relative(base)).string());
+                add(entry->path(), path_text(base.filename() / entry->path().lexically_relative(base)));
         }
         if (error)
             throw_not_read(text, error);
@@ -115,10 +114,8 @@ class Sources {
 };
 
 Date modified_on_disk(const std::string& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0)
-        return universal_now();
-    return unix_date(status.st_mtime);
+    const auto entry = disk_entry(path);
+    return entry ? unix_date(entry->modified) : universal_now();
 }
 
 /// A file on its way in: written, but not yet to be seen.
@@ -190,7 +187,8 @@ ExitCode put_input(const Options& options, Console& console) {
 ExitCode put(const Options& options, Console& console) {
     const bool input = std::ranges::count(options.names, kStandardInput) != 0;
     std::error_code ignored;
-    const bool oneFile = options.names.size() == 1 && !fs::is_directory(options.names.front(), ignored);
+    const bool oneFile =
+        options.names.size() == 1 && !fs::is_directory(native_path(options.names.front()), ignored);
     if (input ? !oneFile || options.as.empty() : !oneFile && !options.as.empty())
         return fail(console, message_text("IDS_HOST_PUT_AS"), ExitCode::usage);
     if (input)
@@ -198,7 +196,7 @@ ExitCode put(const Options& options, Console& console) {
     const Sources sources(options);
     if (options.dryRun) {
         std::optional<StorageRW> storage; // nothing where none would be made before
-        if (fs::exists(options.file, ignored) || options.file.find("://") != std::string::npos)
+        if (fs::exists(native_path(options.file), ignored) || options.file.find("://") != std::string::npos)
             storage = open(options, OpenMode::read);
         for (const Source& source : sources.all()) {
             const bool replaced = storage && storage->contains(source.name);

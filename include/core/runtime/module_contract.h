@@ -81,8 +81,15 @@ constexpr auto all_class_entries() noexcept {
 } // namespace detail
 } // namespace core
 
+/// Exports a name from a module or a program.
+#if defined(_WIN32)
+#define CORE_MODULE_API __declspec(dllexport)
+#else
+#define CORE_MODULE_API __attribute__((visibility("default")))
+#endif
+
 /// The declaration of a module, under the one name that it exports. CORE_MODULE defines it.
-extern "C" [[gnu::visibility("default")]] const core::ModuleDeclaration core_module_declaration;
+extern "C" CORE_MODULE_API const core::ModuleDeclaration core_module_declaration;
 
 /// Declares the calling library or program as a module: its name and version, two literals, and its classes.
 /// It stands once, at global scope, in one source file. What may be listed:

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/runtime/threads/named_files.h"
+#include "core/runtime/threads/posix/named_files.h"
 
 #include "core/runtime/folder_entries.h"
-#include "core/runtime/threads/named_memory.h"
+#include "core/runtime/shared_folder.h"
+#include "core/runtime/threads/posix/named_memory.h"
 
 #include <core/runtime/random.h>
 #include <core/runtime/threads/errors.h>
@@ -14,20 +15,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <filesystem>
-#include <string_view>
-#include <system_error>
 
 namespace core::detail {
 namespace {
 
 constexpr std::size_t kLongest = 150; // bytes of a name as it stands in the path
-
-/// What the files of this user begin with.
-std::string prefix() {
-    return "core-lock-" + std::to_string(geteuid()) + '-';
-}
+constexpr const char* kKind = "core-lock";
 
 void remove_if_unused(const std::string& path) noexcept {
     const OpenFile file = OpenFile::open(path);
@@ -78,33 +71,12 @@ RemovedFile::~RemovedFile() {
     unlink(path_.c_str());
 }
 
-std::string shared_folder() {
-    std::error_code error;
-    return std::filesystem::is_directory("/dev/shm", error) ? "/dev/shm/" : "/tmp/";
-}
-
-std::string shared_file_name(const std::string& text) {
-    constexpr std::string_view kSpecial = "/%~";
-    std::string name;
-    for (const char c : text) {
-        if (static_cast<unsigned char>(c) > 0x20 && kSpecial.find(c) == std::string_view::npos) {
-            name += c;
-        } else {
-            char number[4];
-            std::snprintf(number, sizeof number, "%%%02x",
-                          static_cast<unsigned>(static_cast<unsigned char>(c)));
-            name += number;
-        }
-    }
-    return name;
-}
-
 std::string named_path(const wstring& name) {
     const std::string text = to_utf8(name);
     const std::string file = shared_file_name(text);
     if (name.empty() || file.size() > kLongest || from_utf8(text) != name)
         throw_error<ThreadException>(messages::kLockName, {name});
-    return shared_folder() + prefix() + file;
+    return shared_folder() + shared_prefix(kKind) + file;
 }
 
 std::string unfinished_path(const std::string& path) {
@@ -115,7 +87,7 @@ void remove_unused_files() {
     const std::string folder = shared_folder();
     FolderEntries entries(folder);
     while (const char* const entry = entries.next()) {
-        if (const std::string file = entry; file.starts_with(prefix()))
+        if (const std::string file = entry; file.starts_with(shared_prefix(kKind)))
             remove_if_unused(folder + file);
     }
 }

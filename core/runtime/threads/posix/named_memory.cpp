@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/runtime/threads/named_memory.h"
+#include "core/runtime/threads/posix/named_memory.h"
 
-#include "core/runtime/threads/named_files.h"
+#include "core/runtime/threads/posix/named_files.h"
 
 #include <core/runtime/threads/errors.h>
 #include <core/runtime/utf8.h>

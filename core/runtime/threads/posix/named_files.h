@@ -47,10 +47,6 @@ class RemovedFile {
     const std::string& path_;
 };
 
-/// The folder for shared memory, with "/" at its end.
-[[nodiscard]] std::string shared_folder();
-/// A text as a part of a file's name: what has a meaning in paths is written by its number ("%2f").
-[[nodiscard]] std::string shared_file_name(const std::string& text);
 /// The path of the file of a named lock. Throws ThreadException for a name that has none.
 [[nodiscard]] std::string named_path(const wstring& name);
 /// A path beside it that nobody else uses.

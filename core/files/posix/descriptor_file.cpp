@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -49,6 +50,26 @@ std::size_t transfer(std::uint64_t offset, std::size_t count) {
     return static_cast<::off_t>(offset);
 }
 
+struct stat status_of(int descriptor, const wstring& url) {
+    struct stat result {};
+    if (::fstat(descriptor, &result) != 0)
+        throw_file_error(messages::kFileRead, url, errno);
+    return result;
+}
+
+bool set_lock(int descriptor, std::uint64_t offset, std::uint64_t length, int type) noexcept {
+    struct flock region {};
+    region.l_type = static_cast<short>(type);
+    region.l_whence = SEEK_SET;
+    region.l_start = native(offset);
+    region.l_len = native(length);
+    while (::fcntl(descriptor, kSetLock, &region) != 0) {
+        if (errno != EINTR)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 Descriptor::Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
@@ -59,6 +80,10 @@ bool Descriptor::close() noexcept {
 
 DescriptorFile::DescriptorFile(Descriptor descriptor, wstring url)
     : FileImpl(std::move(url)), descriptor_(std::move(descriptor)), limit_(length_limit()) {}
+
+std::uint64_t DescriptorFile::length() {
+    return static_cast<std::uint64_t>(status_of(descriptor(), url()).st_size);
+}
 
 std::size_t DescriptorFile::readAt(std::uint64_t offset, void* buffer, std::size_t count) {
     if (offset >= kMaxFileLength)
@@ -130,7 +155,7 @@ void DescriptorFile::close() {
 
 bool DescriptorFile::tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) {
     require_region(offset, length, url());
-    if (setLock(offset, length, kind == LockKind::shared ? F_RDLCK : F_WRLCK))
+    if (set_lock(descriptor(), offset, length, kind == LockKind::shared ? F_RDLCK : F_WRLCK))
         return true;
     if (errno != EAGAIN && errno != EACCES)
         throw_file_error(messages::kFileLock, url(), errno);
@@ -139,7 +164,7 @@ bool DescriptorFile::tryLock(std::uint64_t offset, std::uint64_t length, LockKin
 
 void DescriptorFile::unlock(std::uint64_t offset, std::uint64_t length) {
     require_region(offset, length, url());
-    if (!setLock(offset, length, F_UNLCK))
+    if (!set_lock(descriptor(), offset, length, F_UNLCK))
         throw_file_error(messages::kFileLock, url(), errno);
 }
 
@@ -147,8 +172,8 @@ bool DescriptorFile::isSameFile(IFile& other) {
     const auto* const file = dynamic_cast<DescriptorFile*>(&other);
     if (file == nullptr)
         return false;
-    const struct stat mine = status();
-    const struct stat others = file->status();
+    const struct stat mine = status_of(descriptor(), url());
+    const struct stat others = status_of(file->descriptor(), file->url());
     return mine.st_dev == others.st_dev && mine.st_ino == others.st_ino;
 }
 
@@ -161,26 +186,6 @@ std::uint64_t DescriptorFile::roomBehind(std::uint64_t offset, std::uint64_t cou
         limit_.store(limit, std::memory_order_relaxed);
     }
     return limit - std::min(limit, offset);
-}
-
-struct stat DescriptorFile::status() const {
-    struct stat result {};
-    if (::fstat(descriptor(), &result) != 0)
-        throw_file_error(messages::kFileRead, url(), errno);
-    return result;
-}
-
-bool DescriptorFile::setLock(std::uint64_t offset, std::uint64_t length, int type) {
-    struct flock region {};
-    region.l_type = static_cast<short>(type);
-    region.l_whence = SEEK_SET;
-    region.l_start = native(offset);
-    region.l_len = native(length);
-    while (::fcntl(descriptor(), kSetLock, &region) != 0) {
-        if (errno != EINTR)
-            return false;
-    }
-    return true;
 }
 
 } // namespace core

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/runtime/threads/named_memory.h"
+#include "core/runtime/threads/posix/named_memory.h"
 #include "core/runtime/threads/wait_queue.h"
 
 #include <core/runtime/threads/named_lock.h>

@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
 namespace core {
@@ -55,50 +54,6 @@ int open_flags(OpenMode mode) {
 }
 
 } // namespace
-
-std::string folder_of(const std::string& path) {
-    const auto slash = path.rfind('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
-std::string without_end_slash(std::string path) {
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    return path;
-}
-
-bool is_same_file(const std::string& a, const std::string& b) {
-    struct stat first {};
-    struct stat second {};
-    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 &&
-           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-}
-
-void flush_folder(const std::string& folder) {
-    const Descriptor descriptor(
-        ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor.number() < 0 && errno == EACCES)
-        return; // a folder that may be written but not read: nothing more can be done
-    if (descriptor.number() >= 0 && (::fsync(descriptor.number()) == 0 || errno == EINVAL))
-        return; // not every system can
-    const int reason = errno;
-    throw_file_error(messages::kFileFlush, file_url(folder.empty() ? "." : folder), reason);
-}
-
-void flush_folder_of(const std::string& path) {
-    flush_folder(folder_of(path));
-}
-
-bool rename_durably(const std::string& from, const std::string& to) {
-    const std::string source = folder_of(from);
-    const std::string target = folder_of(to);
-    if (std::rename(from.c_str(), to.c_str()) != 0)
-        return false;
-    flush_folder(target);
-    if (source != target)
-        flush_folder(source);
-    return true;
-}
 
 InterfacePtr<IFile> open_disk_file(const std::string& path, OpenMode mode, unsigned permissions) {
     require_whole_path(path);

@@ -3,12 +3,15 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
+#include <csignal>
 
 namespace host {
 namespace {
 
 constexpr int kInterrupted = 130;
+constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<int> come{0}; // the signal
 std::atomic<core::script::Engine*> running{nullptr};
@@ -22,21 +25,25 @@ void note(int signal) {
 
 } // namespace
 
-Interrupts::Interrupts(core::script::Engine* engine) {
+struct Interrupts::Before {
+    std::array<struct sigaction, kSignals.size()> actions{};
+};
+
+Interrupts::Interrupts(core::script::Engine* engine) : before_(std::make_unique<Before>()) {
     come = 0;
     running = engine;
     struct sigaction action {};
     action.sa_handler = &note;
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
-        ::sigaction(kSignals[i], &action, &before_[i]);
-        if (before_[i].sa_handler == SIG_IGN) // who started the program wants it to go on
-            ::sigaction(kSignals[i], &before_[i], nullptr);
+        ::sigaction(kSignals[i], &action, &before_->actions[i]);
+        if (before_->actions[i].sa_handler == SIG_IGN) // who started the program wants it to go on
+            ::sigaction(kSignals[i], &before_->actions[i], nullptr);
     }
 }
 
 Interrupts::~Interrupts() {
     for (std::size_t i = 0; i < kSignals.size(); ++i)
-        ::sigaction(kSignals[i], &before_[i], nullptr);
+        ::sigaction(kSignals[i], &before_->actions[i], nullptr);
     running = nullptr;
 }
 
