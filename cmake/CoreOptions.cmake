@@ -17,6 +17,7 @@ set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 if(WIN32)
   set(CORE_SYSTEM windows)
   set(CORE_OTHER_SYSTEM posix)
+  add_compile_options(-Wno-attributes) # there is no visibility to be set
   add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX UNICODE _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000006) # of 2018
 else()
   set(CORE_SYSTEM posix)

@@ -1,14 +1,15 @@
 # SPDX-License-Identifier: Apache-2.0
-# A toolchain file: programs for 64-bit Windows by the MinGW-w64 compilers, tried under Wine.
+# For scripts/cross_windows: compiles for 64-bit Windows against what lies in CORE_PREFIX, and runs what it built under Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(triplet x86_64-w64-mingw32)
 set(CMAKE_C_COMPILER ${triplet}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${triplet}-g++-posix)
 set(CMAKE_RC_COMPILER ${triplet}-windres)
-set(CMAKE_CROSSCOMPILING_EMULATOR wine64)
-set(CMAKE_FIND_ROOT_PATH /usr/${triplet})
+find_program(CMAKE_CROSSCOMPILING_EMULATOR wine64 PATHS /usr/lib/wine NO_CMAKE_FIND_ROOT_PATH)
+set(CMAKE_FIND_ROOT_PATH ${CORE_PREFIX} /usr/${triplet})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 foreach(kind LIBRARY INCLUDE PACKAGE)
   set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
 endforeach()
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CORE_PREFIX)

@@ -26,7 +26,7 @@ char small(char c) noexcept {
 }
 
 bool is_same_word(std::string_view a, std::string_view b) noexcept {
-    return std::ranges::equal(a, b, {}, small);
+    return std::ranges::equal(a, b, {}, small, small);
 }
 
 /// Whether a name is that of a device, whatever its extension.
