@@ -51,8 +51,8 @@ FileBeside::~FileBeside() {
     (void)remove_one_file(path_); // where it has not gone by itself
 }
 
-// The new file has the rights that its folder gives, and is not read-only: the mark of the old one says nothing of
-// new bytes.
+// The new file has the rights that its folder gives, and is not read-only: the mark of the old one says
+// nothing of new bytes.
 void FileBeside::setPermissions(unsigned) noexcept {}
 
 bool FileBeside::replace(const std::string& target) {
