@@ -88,8 +88,10 @@ void change_ours(benchmark::State& state) {
     make(kMany);
     const auto profile = open(kMany);
     const std::vector<wstring> paths = some_paths(text_of);
-    for (std::size_t i = 0; auto _ : state)
-        profile->set(paths[i % paths.size()], static_cast<std::int64_t>(i++));
+    for (std::size_t i = 0; auto _ : state) {
+        profile->set(paths[i % paths.size()], static_cast<std::int64_t>(i));
+        ++i;
+    }
 }
 void change_qt(benchmark::State& state) {
     QSettings settings(qt_file(), QSettings::IniFormat);
