@@ -11,3 +11,4 @@
 #include <core/documents/text_range.h>
 #include <core/documents/text_search.h>
 #include <core/documents/text_snapshot.h>
+#include <core/files/errors.h>

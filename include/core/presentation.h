@@ -3,6 +3,8 @@
 
 /// How things look: colours, fonts, lines, borders, rectangles, shortcuts, pictures and styles, and the
 /// services for them.
+#include <core/files/errors.h>
+#include <core/lists/errors.h>
 #include <core/presentation/border.h>
 #include <core/presentation/color.h>
 #include <core/presentation/color_tables.h>
