@@ -92,8 +92,9 @@ TEST_F(Faults, OfAnyAllocationChangeNothing) {
             } catch (const std::bad_alloc&) {
             } catch (const FileException&) { // that of a file system without memory
             }
-            if (!done)
+            if (!done) {
                 EXPECT_EQ(contents(*profile), before) << n;
+            }
         }
         EXPECT_EQ(contents(*profile), (Model{{u"a/b", u"text"}, {u"c", 3}}));
         profile->remove({}, layer);
@@ -215,8 +216,9 @@ TEST_F(Faults, SetADamagedFileAsideAndKeepTheRest) {
         EXPECT_TRUE(again->takeReports().empty()) << place;
         // A last line that is damaged looks like one that was never acknowledged.
         const bool isLast = place >= whole.rfind("\n,{");
-        if (!isLast)
+        if (!isLast) {
             EXPECT_EQ(bytesOf(userFile() + ".damaged"), damaged) << place;
+        }
     }
 }
 

@@ -84,8 +84,9 @@ TEST_F(Programs, AgreeWithAModelWhoeverWrites) {
         if (below(40) == 0)
             profile = open();
         change(*profile, model);
-        if (below(10) == 0)
+        if (below(10) == 0) {
             ASSERT_EQ(contents(*profile), model) << round;
+        }
         if (below(20) == 0) {
             follower.profile->refresh();
             ASSERT_EQ(follower.model, model) << round;
