@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// Text documents: the same edits, made of bursts of typing, deletions and jumps, beside QTextDocument and a
-// plain std::u16string, which has neither lines nor steps; a large text of many lines and of one.
+// Text documents: the same edits, made of bursts of typing, deletions and jumps, beside QTextDocument,
+// Scintilla and a plain std::u16string, which has neither lines nor steps; a large text of many lines and of
+// one.
 #include <core/documents.h>
 
+#include <Qsci/qsciscintillabase.h>
 #include <benchmark/benchmark.h>
 
+#include <QApplication>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <algorithm>
@@ -86,6 +89,61 @@ void SessionQt(benchmark::State& state) {
 }
 BENCHMARK(SessionQt)->Unit(benchmark::kMillisecond);
 
+/// Scintilla is a widget, shown nowhere here.
+class Editor {
+  public:
+    Editor() { send(QsciScintillaBase::SCI_SETMODEVENTMASK, 0UL); } // nobody listens
+
+    template <class... Arguments>
+    long send(unsigned message, Arguments... arguments) {
+        return editor_.SendScintilla(message, arguments...);
+    }
+
+  private:
+    static QApplication& application() {
+        static int count = 1;
+        static char name[] = "bench";
+        static char* arguments[] = {name, nullptr};
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        static QApplication made(count, arguments);
+        return made;
+    }
+    QApplication& application_ = application();
+    QsciScintillaBase editor_;
+};
+
+void replay(Editor& editor) {
+    for (const RecordedEdit& edit : session()) {
+        if (edit.removed != 0) {
+            editor.send(QsciScintillaBase::SCI_DELETERANGE, edit.offset, 1L);
+        } else {
+            const char text[] = {static_cast<char>(edit.inserted.front()), '\0'};
+            editor.send(QsciScintillaBase::SCI_INSERTTEXT, edit.offset, text);
+        }
+    }
+}
+
+void SessionScintilla(benchmark::State& state) {
+    for (auto _ : state) {
+        Editor editor;
+        replay(editor);
+        benchmark::DoNotOptimize(editor.send(QsciScintillaBase::SCI_GETLINECOUNT));
+    }
+}
+BENCHMARK(SessionScintilla)->Unit(benchmark::kMillisecond);
+
+void SessionUndoneScintilla(benchmark::State& state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        Editor editor;
+        replay(editor);
+        state.ResumeTiming();
+        while (editor.send(QsciScintillaBase::SCI_CANUNDO) != 0)
+            editor.send(QsciScintillaBase::SCI_UNDO);
+    }
+}
+BENCHMARK(SessionUndoneScintilla)->Unit(benchmark::kMillisecond);
+
 void SessionString(benchmark::State& state) {
     for (auto _ : state) {
         std::u16string text;
@@ -126,6 +184,16 @@ void InsertIntoLarge(benchmark::State& state) {
         document.insert(random() % size, u"y");
 }
 BENCHMARK(InsertIntoLarge)->Arg(1)->Arg(0)->Iterations(100'000);
+
+void InsertIntoLargeScintilla(benchmark::State& state) {
+    Editor editor;
+    const std::string text(large(state.range(0) != 0).begin(), large(state.range(0) != 0).end());
+    editor.send(QsciScintillaBase::SCI_APPENDTEXT, text.size(), text.data());
+    std::mt19937_64 random(5);
+    for (auto _ : state)
+        editor.send(QsciScintillaBase::SCI_INSERTTEXT, random() % text.size(), "y");
+}
+BENCHMARK(InsertIntoLargeScintilla)->Arg(1)->Arg(0)->Iterations(100);
 
 void InsertBesideAMillionMarks(benchmark::State& state) {
     core::TextManager document(large(true));

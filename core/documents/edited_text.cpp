@@ -45,7 +45,7 @@ PieceTree EditedText::store(wstring_view text) {
 }
 
 bool EditedText::canType(std::uint64_t offset, std::size_t count) noexcept {
-    if (!tail_ || tail_->room() < count)
+    if (offset != insertedTo_ || !tail_ || tail_->room() < count)
         return false;
     const Piece* const piece = tree_.open(offset);
     return piece != nullptr && piece->store.get() == tail_.get() && piece->end == tail_->size();
@@ -55,6 +55,7 @@ void EditedText::type(std::uint64_t offset, wstring_view units) noexcept {
     tail_->append(units);
     tree_.grow(static_cast<std::uint32_t>(units.size()));
     marks_.replaceUnits(offset, 0, units.size());
+    insertedTo_ = offset + units.size();
 }
 
 std::optional<Piece> EditedText::canUntype(TextRange range) noexcept {
@@ -106,6 +107,7 @@ std::vector<Edit> EditedText::applyOne(const Edit& edit) {
     back.text = tree_.replace(edit.offset, edit.count, edit.text);
     marks_.replaceUnits(edit.offset, edit.count, edit.text.size());
     marks_.restore(edit.marks);
+    insertedTo_ = edit.offset + edit.text.size();
     return inverse;
 }
 

@@ -56,7 +56,8 @@ class EditedText {
 
     bool unicodeEnds_;
     TypedTree tree_;
-    StoreRef tail_; ///< takes what is typed
+    StoreRef tail_;                ///< takes what is typed
+    std::uint64_t insertedTo_ = 0; ///< where the last insertion ended: nobody types on elsewhere
     Marks marks_;
 };
 

@@ -38,11 +38,11 @@ void MarkTree::move(std::uint32_t mark, std::uint64_t offset) noexcept {
 }
 
 std::uint64_t MarkTree::offset(std::uint32_t mark) const noexcept {
-    std::uint64_t offset = sumOf(nodes_[mark].left) + nodes_[mark].gap;
+    std::uint64_t offset = nodes_[mark].before + nodes_[mark].gap;
     for (std::uint32_t node = mark; nodes_[node].parent != kNone; node = nodes_[node].parent) {
         const Node& parent = nodes_[nodes_[node].parent];
         if (parent.right == node)
-            offset += sumOf(parent.left) + parent.gap;
+            offset += parent.before + parent.gap;
     }
     return offset;
 }
@@ -52,7 +52,7 @@ std::uint32_t MarkTree::firstFrom(std::uint64_t offset, bool behind) const noexc
     std::uint32_t found = kNone;
     for (std::uint32_t at = root_; at != kNone;) {
         const Node& node = nodes_[at];
-        const std::uint64_t own = before + sumOf(node.left) + node.gap;
+        const std::uint64_t own = before + node.before + node.gap;
         if (behind ? own > offset : own >= offset) {
             found = at;
             at = node.left;
@@ -101,19 +101,17 @@ void MarkTree::removeUnits(std::uint64_t begin, std::uint64_t end) noexcept {
 void MarkTree::collapse() noexcept {
     for (Node& node : nodes_) {
         node.gap = 0;
-        node.sum = 0;
+        node.before = 0;
     }
 }
 
 void MarkTree::addGap(std::uint32_t node, std::uint64_t difference) noexcept {
     nodes_[node].gap += difference;
-    for (; node != kNone; node = nodes_[node].parent)
-        nodes_[node].sum += difference;
-}
-
-void MarkTree::update(std::uint32_t node) noexcept {
-    Node& own = nodes_[node];
-    own.sum = sumOf(own.left) + own.gap + sumOf(own.right);
+    for (std::uint32_t above = nodes_[node].parent; above != kNone; above = nodes_[node].parent) {
+        if (nodes_[above].left == node)
+            nodes_[above].before += difference;
+        node = above;
+    }
 }
 
 void MarkTree::replaceChild(std::uint32_t parent, std::uint32_t child, std::uint32_t by) noexcept {
@@ -138,8 +136,10 @@ void MarkTree::lift(std::uint32_t node) noexcept {
         nodes_[inner].parent = parent;
     inner = parent;
     nodes_[parent].parent = node;
-    update(parent);
-    update(node);
+    if (wasLeft)
+        nodes_[parent].before -= nodes_[node].before + nodes_[node].gap;
+    else
+        nodes_[node].before += nodes_[parent].before + nodes_[parent].gap;
 }
 
 /// Puts a node behind all marks that do not stand behind `offset`.
@@ -150,7 +150,7 @@ void MarkTree::link(std::uint32_t mark, std::uint64_t offset) noexcept {
     bool left = false;
     for (std::uint32_t at = root_; at != kNone;) {
         const Node& node = nodes_[at];
-        const std::uint64_t own = before + sumOf(node.left) + node.gap;
+        const std::uint64_t own = before + node.before + node.gap;
         parent = at;
         left = own > offset;
         if (left)
@@ -162,7 +162,7 @@ void MarkTree::link(std::uint32_t mark, std::uint64_t offset) noexcept {
     Node& node = nodes_[mark];
     node.left = node.right = kNone;
     node.parent = parent;
-    node.gap = node.sum = 0;
+    node.gap = node.before = 0;
     if (parent == kNone)
         root_ = mark;
     else

@@ -49,7 +49,8 @@ class MarkTree {
   private:
     struct Node {
         std::uint64_t gap = 0; ///< units from the mark in front
-        std::uint64_t sum = 0; ///< of the gaps of the subtree
+        std::uint64_t before =
+            0; ///< the gaps of the left subtree, so that looking down touches no other node
         std::uint32_t left = kNone;
         std::uint32_t right = kNone;
         std::uint32_t parent = kNone;
@@ -59,11 +60,7 @@ class MarkTree {
         bool used = false;
     };
 
-    [[nodiscard]] std::uint64_t sumOf(std::uint32_t node) const noexcept {
-        return node == kNone ? 0 : nodes_[node].sum;
-    }
     void addGap(std::uint32_t node, std::uint64_t difference) noexcept;
-    void update(std::uint32_t node) noexcept;
     void replaceChild(std::uint32_t parent, std::uint32_t child, std::uint32_t by) noexcept;
     void lift(std::uint32_t node) noexcept;
     void link(std::uint32_t node, std::uint64_t offset) noexcept;

@@ -23,7 +23,7 @@ struct Landing {
             landing.isOwn = false;
             break;
         }
-        const std::uint64_t begin = base + units_of(node->left);
+        const std::uint64_t begin = base + node->before;
         const std::uint64_t end = begin + node->piece.size();
         if (offset <= begin) {
             if (offset == begin)
@@ -85,7 +85,7 @@ void insert(NodeRef& slot, std::uint64_t offset, NodeRef& node) noexcept {
         slot = std::move(node);
         return;
     }
-    const std::uint64_t before = units_of(slot->left);
+    const std::uint64_t before = slot->before;
     if (offset <= before)
         insert(slot->left, offset, node);
     else
@@ -98,7 +98,7 @@ void insert(NodeRef& slot, std::uint64_t offset, NodeRef& node) noexcept {
     for (const PieceNode* node = root.get();;) {
         if (!node->isUnique())
             return false;
-        const std::uint64_t before = units_of(node->left);
+        const std::uint64_t before = node->before;
         const bool goesLeft = offset < before;
         if (!goesLeft && offset < before + node->piece.size()) {
             if (!node->left || !node->right)
@@ -120,7 +120,7 @@ void insert(NodeRef& slot, std::uint64_t offset, NodeRef& node) noexcept {
 
 /// Takes out the node whose piece has the unit at `offset`.
 void erase(NodeRef& slot, std::uint64_t offset) noexcept {
-    const std::uint64_t before = units_of(slot->left);
+    const std::uint64_t before = slot->before;
     if (offset < before) {
         erase(slot->left, offset);
     } else if (offset >= before + slot->piece.size()) {
@@ -141,7 +141,7 @@ void erase(NodeRef& slot, std::uint64_t offset) noexcept {
 
 void settle_below(PieceNode& node, std::uint64_t offset, const PieceNode* changed) noexcept {
     if (&node != changed) {
-        const std::uint64_t before = units_of(node.left);
+        const std::uint64_t before = node.before;
         if (offset < before)
             settle_below(*node.left.get(), offset, changed);
         else
@@ -159,7 +159,7 @@ void settle_below(PieceNode& node, std::uint64_t offset, const PieceNode* change
 FoundNode own_node_before(const NodeRef& root, std::uint64_t offset) noexcept {
     std::uint64_t base = 0;
     for (PieceNode* node = root.get(); node != nullptr && node->isUnique();) {
-        const std::uint64_t begin = base + units_of(node->left);
+        const std::uint64_t begin = base + node->before;
         const std::uint64_t end = begin + node->piece.size();
         if (offset == end)
             return {node, begin};
@@ -216,7 +216,7 @@ NodeRef remove_in_place(NodeRef& root, std::uint64_t offset, std::uint64_t count
     for (PieceNode* node = root.get(); node != nullptr && found.node == nullptr;) {
         if (!node->isUnique())
             return {};
-        const std::uint64_t begin = found.begin + units_of(node->left);
+        const std::uint64_t begin = found.begin + node->before;
         const std::uint64_t end = begin + node->piece.size();
         if (offset < begin) {
             node = node->left.get();

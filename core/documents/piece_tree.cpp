@@ -114,7 +114,7 @@ struct Halves {
 [[nodiscard]] Halves cut(const NodeRef& node, std::uint64_t offset) {
     if (!node)
         return {};
-    const std::uint64_t before = units_of(node->left);
+    const std::uint64_t before = node->before;
     const Piece& piece = node->piece;
     if (offset <= before) {
         Halves halves = cut(node->left, offset);
@@ -148,7 +148,7 @@ void add(std::vector<Piece>& pieces, const Piece& piece) {
 void collect(const PieceNode* node, std::uint64_t begin, std::uint64_t end, std::vector<Piece>& pieces) {
     if (node == nullptr || begin >= end)
         return;
-    const std::uint64_t before = units_of(node->left);
+    const std::uint64_t before = node->before;
     const std::uint64_t behind = before + node->piece.size();
     if (begin < before)
         collect(node->left.get(), begin, std::min(end, before), pieces);
@@ -173,6 +173,7 @@ PieceNode::PieceNode(NodeRef before, Piece own, NodeRef behind) noexcept
 }
 
 void PieceNode::update() noexcept {
+    before = left ? left->sum.units : 0;
     sum = sum_of(left) + piece.sum() + sum_of(right);
     height = std::max(height_of(left), height_of(right)) + 1;
 }
@@ -231,7 +232,7 @@ bool PieceTree::growFront(const Piece& piece) noexcept {
 UnitRun run_at(const PieceNode* root, std::uint64_t offset) noexcept {
     std::uint64_t base = 0;
     for (const PieceNode* node = root; node != nullptr;) {
-        const std::uint64_t begin = base + units_of(node->left);
+        const std::uint64_t begin = base + node->before;
         if (offset < begin) {
             node = node->left.get();
         } else if (offset < begin + node->piece.size()) {
@@ -247,14 +248,13 @@ UnitRun run_at(const PieceNode* root, std::uint64_t offset) noexcept {
 std::uint64_t ends_before(const PieceNode* root, std::uint64_t offset) noexcept {
     UnitSum before;
     for (const PieceNode* node = root; node != nullptr;) {
-        const UnitSum left = sum_of(node->left);
         const Piece& piece = node->piece;
-        if (offset < left.units) {
+        if (offset < node->before) {
             node = node->left.get();
             continue;
         }
-        before = before + left;
-        offset -= left.units;
+        before = before + sum_of(node->left);
+        offset -= node->before;
         if (offset == 0)
             break;
         if (offset < piece.size()) {

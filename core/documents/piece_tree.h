@@ -88,6 +88,7 @@ class PieceNode {
     NodeRef right;
     Piece piece;
     UnitSum sum;
+    std::uint64_t before = 0; ///< units of the left side, so that looking down touches no node beside the way
     std::int32_t height = 0;
 
   private:
@@ -99,10 +100,6 @@ class PieceNode {
 }
 [[nodiscard]] inline UnitSum sum_of(const NodeRef& node) noexcept {
     return node ? node->sum : UnitSum{};
-}
-/// The number of units, which is what looking for an offset asks for.
-[[nodiscard]] inline std::uint64_t units_of(const NodeRef& node) noexcept {
-    return node ? node->sum.units : 0;
 }
 
 struct Splice;

@@ -65,7 +65,8 @@ std::int32_t checked_height(const detail::PieceNode* node) {
     EXPECT_LE(std::abs(left - right), 1);
     EXPECT_EQ(node->height, std::max(left, right) + 1);
     EXPECT_GT(node->piece.size(), 0u);
-    EXPECT_EQ(node->sum.units, units_of(node->left) + node->piece.size() + units_of(node->right));
+    EXPECT_EQ(node->before, sum_of(node->left).units);
+    EXPECT_EQ(node->sum.units, node->before + node->piece.size() + sum_of(node->right).units);
     return node->height;
 }
 
