@@ -24,7 +24,8 @@ class ModelledTables : public TableTest {
     std::size_t below(std::size_t count) { return random_() % count; }
     bool one_in(std::size_t count) { return below(count) == 0; }
 
-    /// Makes both tables; in half of them each cell may be empty.
+    /// Makes both tables; in half of them each cell may be empty, Undefined or Null. Where an object has
+    /// been, each cell of a column stays a value of its own.
     void makeTables() {
         table_ = create_value_table();
         for (const char* name : kColumns)
@@ -32,6 +33,10 @@ class ModelledTables : public TableTest {
         database_.run("DROP TABLE IF EXISTS t");
         database_.run("CREATE TABLE t (A TEXT, B INTEGER, N INTEGER, P INTEGER, D INTEGER)");
         const bool empties = one_in(2);
+        const Value empty = one_in(3) ? Value::null() : Value();
+        const bool ofValues = one_in(3);
+        if (ofValues)
+            table_->appendRow(std::vector<Value>(std::size(kColumns), make(u"Array")));
         const std::size_t rows = one_in(50) ? 400 : below(30);
         const std::size_t texts = one_in(2) ? 3 : 500;
         std::string inserted;
@@ -50,7 +55,7 @@ class ModelledTables : public TableTest {
             inserted += inserted.empty() ? "(" : ",(";
             for (std::size_t c = 0; c < cells.size(); ++c) {
                 if (empties && one_in(4)) {
-                    cells[c] = Value();
+                    cells[c] = empty;
                     literals[c] = "NULL";
                 }
                 inserted += (c != 0 ? "," : "") + literals[c];
@@ -58,6 +63,8 @@ class ModelledTables : public TableTest {
             inserted += ")";
             table_->appendRow(cells);
         }
+        if (ofValues)
+            table_->removeRow(0);
         if (rows != 0)
             database_.run("INSERT INTO t VALUES " + inserted);
         if (rows > 1 && one_in(3)) { // row ids that do not follow the positions
@@ -70,7 +77,7 @@ class ModelledTables : public TableTest {
 
     /// A cell as SQLite has it; numbers are those of a column with so many digits behind the point.
     static std::string shown(const Value& cell, std::int64_t unit) {
-        if (cell.isUndefined())
+        if (cell.isUndefined() || cell.kind() == ValueKind::null)
             return "NULL";
         if (const Date* const date = cell.asDate())
             return std::to_string(date->ticks());
