@@ -36,8 +36,10 @@ class ValueSamples {
             return date();
         case 8:
             return Type(std::vector{u"Number", u"Array", u"ValueTable"}[below(3)]);
-        case 9:
-            return create_binary_data(std::vector(below(100), static_cast<std::byte>(below(256))));
+        case 9: {
+            const std::size_t size = below(100);
+            return create_binary_data(std::vector(size, static_cast<std::byte>(below(256))));
+        }
         case 10:
             return to_value(languages());
         case 11:
@@ -100,8 +102,10 @@ class ValueSamples {
         switch (below(4)) {
         case 0:
             return Date(2024, 2, 29);
-        case 1:
-            return Date(1 + static_cast<int>(below(9999)), 12, 31, 23, 59, static_cast<int>(below(60)));
+        case 1: {
+            const int year = 1 + static_cast<int>(below(9999));
+            return Date(year, 12, 31, 23, 59, static_cast<int>(below(60)));
+        }
         case 2:
             return Date(random_() % Date::kLimit); // parts of a second, which text drops
         default:

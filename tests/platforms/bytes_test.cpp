@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+// What is stored has the same bytes on every machine, whatever its byte order and the width of its words.
+// Everything is written, read, changed and written again, and compared with what one machine noted in
+// bytes.txt.
+#include "tests/support/storage_fixture.h"
+#include "tests/support/value_samples.h"
+
+#include <core/streams.h>
+
+#include <fstream>
+#include <map>
+
+namespace {
+
+using namespace script;
+using test::Bytes;
+
+/// FNV-1a of 64 bits over everything that it is given.
+class Digest {
+  public:
+    void add(std::span<const std::byte> bytes) {
+        for (const std::byte byte : bytes)
+            digest_ = (digest_ ^ std::to_integer<std::uint64_t>(byte)) * 0x100000001B3;
+    }
+    void add(std::string_view text) { add(std::as_bytes(std::span(text))); }
+    [[nodiscard]] std::string text() const { return test::hex(digest_, 16); }
+
+  private:
+    std::uint64_t digest_ = 0xCBF29CE484222325;
+};
+
+/// What one machine noted, by name.
+std::map<std::string, std::string> noted() {
+    std::map<std::string, std::string> digests;
+    std::ifstream file(CORE_SOURCE_DIR "/tests/platforms/bytes.txt");
+    for (std::string name, digest; file >> name >> digest;)
+        digests[name] = digest;
+    return digests;
+}
+
+void expect_noted(const std::string& name, const Digest& digest) {
+    EXPECT_EQ(noted()[name], digest.text()) << name;
+}
+
+class SameBytes : public script::Test {};
+
+TEST_F(SameBytes, ContainersInEveryFormat) {
+    const test::ReplacedClock clock;
+    for (const test::Format& format : test::kFormats) {
+        const auto data = create_memory_data();
+        test::create_container(*open_memory_file(data), format);
+        Digest digest;
+        test::Random random(7);
+        test::Model model;
+        for (int step = 0; step < 120; ++step) {
+            StorageRW storage(open_memory_file(data), *format.layout);
+            const wstring name = random.name() + u"/" + string_intto(random.below(20));
+            if (random.below(4) == 0 && model.erase(name) != 0) {
+                storage.remove(name);
+            } else {
+                const std::size_t size = random.size();
+                storage.put(name, model[name] = random.bytes(size));
+            }
+            if (step % 40 == 39)
+                storage.compact();
+            digest.add(read_whole(*open_memory_file(data)));
+        }
+        StorageRW storage(open_memory_file(data), *format.layout);
+        EXPECT_TRUE(test::contents(storage) == model);
+        EXPECT_TRUE(storage.check().isClean());
+        expect_noted("container-" + test::name_of_format({format, 0}), digest);
+    }
+}
+
+TEST_F(SameBytes, ValuesInEveryForm) {
+    Digest lists;
+    Digest compact;
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        const GenericValue value = test::ValueSamples(seed).any();
+        const std::string list = to_utf8(text(value));
+        const Bytes bytes = value.toBytes();
+        EXPECT_EQ(to_utf8(text(GenericValue::fromBytes(bytes))), list) << seed;
+        lists.add(list);
+        compact.add(bytes);
+    }
+    expect_noted("lists", lists);
+    expect_noted("compact", compact);
+}
+
+TEST_F(SameBytes, TextsInEveryEncoding) {
+    for (const char* name : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "windows-1251"}) {
+        const Encoding encoding(from_utf8(name));
+        Digest digest;
+        for (const wstring_view text :
+             {u"ASCII alone, of some length, so that many units go at once\r\n",
+              u"Имя вишни, за которым ещё много слов без латинских букв\n", u"abc"}) {
+            const std::string bytes = encode_text(text, encoding);
+            EXPECT_EQ(decode_text(std::as_bytes(std::span(bytes)), encoding), text) << name;
+            digest.add(bytes);
+        }
+        expect_noted(name, digest);
+    }
+}
+
+} // namespace
