@@ -147,6 +147,11 @@ struct Splice {
 struct UnitRun {
     wstring_view text;
     std::uint64_t offset = 0;
+
+    /// The units from an offset in the text on, which must lie in the run or at its end.
+    [[nodiscard]] wstring_view from(std::uint64_t at) const noexcept {
+        return text.substr(static_cast<std::size_t>(at - offset));
+    }
 };
 
 // Questions about a text; `root` may be null, as that of an empty text is.

@@ -60,8 +60,8 @@ std::int32_t U_CALLCONV extract(UText* text, std::int64_t begin, std::int64_t en
     const std::int64_t copied = std::min<std::int64_t>(last - first, capacity);
     for (std::int64_t done = 0; done < copied;) {
         const auto at = static_cast<std::uint64_t>(first + done);
-        const UnitRun run = run_at(snapshot.root(), at);
-        const wstring_view units = run.text.substr(at - run.offset, static_cast<std::size_t>(copied - done));
+        const wstring_view units =
+            run_at(snapshot.root(), at).from(at).substr(0, static_cast<std::size_t>(copied - done));
         std::copy(units.begin(), units.end(), out + done);
         done += static_cast<std::int64_t>(units.size());
     }

@@ -58,16 +58,16 @@ std::uint64_t TextSnapshot::size() const noexcept {
 
 wchar TextSnapshot::unit(std::uint64_t offset) const {
     requireRange({offset, offset + 1});
-    const detail::UnitRun run = run_at(root_, offset);
-    return run.text[offset - run.offset];
+    return run_at(root_, offset).from(offset).front();
 }
 
 wstring TextSnapshot::text(TextRange range) const {
     requireRange(range);
     wstring text;
-    text.reserve(range.size());
+    text.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(range.size(), text.max_size())));
     for (std::uint64_t at = range.begin; at < range.end;) {
-        const wstring_view units = chunk(at).substr(0, range.end - at);
+        const wstring_view units = chunk(at).substr(
+            0, static_cast<std::size_t>(std::min<std::uint64_t>(range.end - at, wstring_view::npos)));
         text += units;
         at += units.size();
     }
@@ -76,8 +76,7 @@ wstring TextSnapshot::text(TextRange range) const {
 
 wstring_view TextSnapshot::chunk(std::uint64_t offset) const {
     requireOffset(offset);
-    const detail::UnitRun run = run_at(root_, offset);
-    return run.text.substr(offset - run.offset);
+    return run_at(root_, offset).from(offset);
 }
 
 std::uint64_t TextSnapshot::lineCount() const noexcept {
@@ -178,8 +177,8 @@ bool operator==(const TextSnapshot& left, const TextSnapshot& right) noexcept {
             a = run_at(left.root_, at);
         if (at >= b.offset + b.text.size())
             b = run_at(right.root_, at);
-        const wstring_view first = a.text.substr(at - a.offset);
-        const wstring_view second = b.text.substr(at - b.offset);
+        const wstring_view first = a.from(at);
+        const wstring_view second = b.from(at);
         const std::size_t count = std::min(first.size(), second.size());
         if (first.substr(0, count) != second.substr(0, count))
             return false;
