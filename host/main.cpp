@@ -11,5 +11,6 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     Console console{std::cin, std::cout, std::cerr, language_of_environment(), colour_of_environment()};
     console.terminal = terminal_of_environment();
+    console.colours = colours_of_environment();
     return static_cast<int>(run_program(std::move(arguments), console));
 }

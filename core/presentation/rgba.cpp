@@ -86,4 +86,24 @@ double contrast(Rgba text, Rgba background) noexcept {
     return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
 }
 
+Rgba legible(Rgba text, Rgba background) noexcept {
+    constexpr double kLegible = 4.5;
+    if (contrast(text, background) >= kLegible)
+        return text;
+    const Rgba seen = blend(text, {background.red, background.green, background.blue});
+    const Hsl color = to_hsl(seen);
+    // Black or white, whichever has more contrast, always has enough.
+    const double end = contrast({0, 0, 0}, background) >= contrast({255, 255, 255}, background) ? 0 : 1;
+    const auto at = [&](int steps) {
+        return from_hsl(
+            {color.hue, color.saturation, color.lightness + (end - color.lightness) * steps / 256});
+    };
+    int below = 0, enough = 256;
+    while (enough - below > 1) {
+        const int middle = (below + enough) / 2;
+        (contrast(at(middle), background) >= kLegible ? enough : below) = middle;
+    }
+    return at(enough);
+}
+
 } // namespace core

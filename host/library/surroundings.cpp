@@ -4,6 +4,7 @@
 #include <core/exchange/table_view.h>
 #include <core/exchange/whole_file.h>
 #include <core/files/file_system.h>
+#include <core/reports/report.h>
 #include <core/runtime/process.h>
 #include <core/script/errors.h>
 #include <core/streams/errors.h>
@@ -16,7 +17,9 @@ namespace core::script {
 Printer print_to(std::ostream& out) {
     return [&out](const Value& value, std::size_t rows) {
         constexpr std::size_t kWidth = 100;
-        if (const auto view = table_view(value))
+        if (const auto report = report_of(value))
+            print_report(out, *report, kWidth, rows);
+        else if (const auto view = table_view(value))
             print_table(out, *view, kWidth, rows);
         else
             out << value << '\n';

@@ -9,6 +9,8 @@
 #include <core/exchange/csv.h>
 #include <core/exchange/json.h>
 #include <core/exchange/table_view.h>
+#include <core/presentation/services.h>
+#include <core/reports/report.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/utf8.h>
 
@@ -100,15 +102,26 @@ class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>>,
                      [&text](const ByteWriter& write) { write(std::as_bytes(std::span(text))); });
         return {};
     }
+    GenericValue saveHtml(Args a) {
+        if (!table_view(a[1]))
+            parameter_type_mismatch(1);
+        const Report report{a[1], given(a[2]) ? styleArgument(a, 2) : ReportStyle()};
+        require_output_right(OutputRight::save);
+        write_output(surroundings_, to_utf8(text_argument(a, 0)),
+                     [&report](const ByteWriter& write) { write_html_page(write, report); });
+        return {};
+    }
     GenericValue printTable(Args a) {
         if (!table_view(a[0]))
             parameter_type_mismatch(0);
         constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
         const std::size_t rows = given(a[1]) ? clamped_count(a, 1, kAll) : kAll;
         if (!given(a[2])) {
-            surroundings_.print(a[0], rows);
+            surroundings_.print(given(a[3]) ? to_value(Report{a[0], styleArgument(a, 3)}) : a[0], rows);
             return {};
         }
+        if (given(a[3]))
+            parameter_value_mismatch(2); // the forms for programs have no looks
         const auto form = table_form(to_utf8(text_argument(a, 2)));
         if (!form)
             parameter_value_mismatch(2);
@@ -123,6 +136,11 @@ class TableFunctions : public IContextImpl<IContextDefImpl<TableFunctions>>,
     }
 
   private:
+    static ReportStyle styleArgument(Args arguments, int param) {
+        return from_value<ReportStyle>(arguments[static_cast<std::size_t>(param)],
+                                       ValueReceiver::parameter(param));
+    }
+
     const Surroundings& surroundings_;
 };
 
@@ -130,6 +148,7 @@ constexpr Term kLoadCsvTerm = {u"LoadCsv", u"ЗагрузитьCsv"};
 constexpr Term kSaveCsvTerm = {u"SaveCsv", u"СохранитьCsv"};
 constexpr Term kLoadJsonTerm = {u"LoadJson", u"ЗагрузитьJson"};
 constexpr Term kSaveJsonTerm = {u"SaveJson", u"СохранитьJson"};
+constexpr Term kSaveHtmlTerm = {u"SaveHtml", u"СохранитьHtml"};
 constexpr Term kPrintTableTerm = {u"PrintTable", u"НапечататьТаблицу"};
 
 constexpr auto kUndefinedDefault = ParamDefault::undefined;
@@ -154,8 +173,10 @@ constexpr Param kSaveCsv[] = {kFile, kTable, kDelimiter, kEncoding};
 constexpr Param kLoadJson[] = {kFile, kColumns, kGoOn};
 constexpr Param kSaveJson[] = {kFile, named_param({u"Value", u"Значение"}),
                                named_param({u"Indent", u"Отступ"}, kUndefinedDefault)};
+constexpr Param kStyle = named_param({u"Style", u"Стиль"}, kUndefinedDefault);
+constexpr Param kSaveHtml[] = {kFile, kTable, kStyle};
 constexpr Param kPrintTable[] = {kTable, named_param({u"Rows", u"Строки"}, kUndefinedDefault),
-                                 named_param({u"Form", u"Форма"}, kUndefinedDefault)};
+                                 named_param({u"Form", u"Форма"}, kUndefinedDefault), kStyle};
 
 std::span<const Method<TableFunctions>> TableFunctions::methods() noexcept {
     using F = TableFunctions;
@@ -164,6 +185,7 @@ std::span<const Method<TableFunctions>> TableFunctions::methods() noexcept {
         {kSaveCsvTerm, kSaveCsv, kProcedure, &F::saveCsv},
         {kLoadJsonTerm, kLoadJson, kFunction, &F::loadJson, &kValueTableType},
         {kSaveJsonTerm, kSaveJson, kProcedure, &F::saveJson},
+        {kSaveHtmlTerm, kSaveHtml, kProcedure, &F::saveHtml},
         {kPrintTableTerm, kPrintTable, kProcedure, &F::printTable},
     };
     return kMethods;

@@ -33,7 +33,19 @@ Language language_of_environment() {
 }
 
 bool colour_of_environment() {
-    return variable("NO_COLOR").empty() && terminal_has_colours();
+    return variable("NO_COLOR").empty() && terminal_has_colours(Stream::error);
+}
+
+core::TerminalColors colours_of_environment() {
+    using core::TerminalColors;
+    if (!variable("NO_COLOR").empty() || !terminal_has_colours(Stream::output))
+        return TerminalColors::none;
+    const std::string_view depth = variable("COLORTERM"), terminal = variable("TERM");
+    // A terminal without a name is the system's own, which knows all colours where it knows some.
+    if (depth == "truecolor" || depth == "24bit" || terminal.ends_with("-direct") || terminal.empty())
+        return TerminalColors::full;
+    return terminal.find("256color") != std::string_view::npos ? TerminalColors::indexed
+                                                               : TerminalColors::sixteen;
 }
 
 bool terminal_of_environment() {

@@ -3,6 +3,7 @@
 
 #include <core/exchange/table_text.h>
 #include <core/locales/settings.h>
+#include <core/reports/report.h>
 #include <core/runtime/locale.h>
 
 #include <cstddef>
@@ -30,6 +31,7 @@ struct Console {
     std::optional<core::TableForm> mode{};   ///< the form of tables, where one was asked for
     core::FormatSettings formats{};          ///< of numbers, dates and Booleans, where the user has set some
     bool history = true;                     ///< entries are kept for the next console
+    core::TerminalColors colours{};          ///< those that reports have on `out`
 };
 
 /// How long lines may be: what COLUMNS says, else what the terminal says; without a terminal always the same.
@@ -41,6 +43,10 @@ struct Console {
 /// Whether messages may be coloured: standard error is a terminal that knows
 /// colours, and NO_COLOR is not set.
 [[nodiscard]] bool colour_of_environment();
+
+/// How many colours standard output knows: a terminal that TERM and COLORTERM say has some, where NO_COLOR is
+/// not set.
+[[nodiscard]] core::TerminalColors colours_of_environment();
 
 /// Whether standard input and output are a terminal.
 [[nodiscard]] bool terminal_of_environment();

@@ -16,8 +16,8 @@ enum class Stream { input, output, error };
 [[nodiscard]] bool is_terminal(Stream stream) noexcept;
 /// In columns; 0 where it is not known.
 [[nodiscard]] std::size_t terminal_width(Stream stream) noexcept;
-/// Whether the terminal that messages go to takes escape sequences for colours.
-[[nodiscard]] bool terminal_has_colours() noexcept;
+/// Whether a stream goes to a terminal that takes escape sequences for colours.
+[[nodiscard]] bool terminal_has_colours(Stream stream) noexcept;
 /// Whether the system speaks Russian, where the environment does not say.
 [[nodiscard]] bool system_is_russian() noexcept;
 

@@ -256,6 +256,31 @@ TEST_F(Allocation, FoldersStayWhole) {
     std::filesystem::remove_all(folder);
 }
 
+TEST_F(Allocation, LooksAndReportsStayWhole) {
+    const std::string file = testing::TempDir() + "report-" + std::to_string(::getpid());
+    const char* const style =
+        "S = New ReportStyle(\"A title that needs a block of its own\");"
+        "S.Rule(\"Price > 5\", New Style(WebColors.Navy), , \"A rule with a meaning\");";
+    const std::string report = std::string(style) + "F = \"" + file +
+                               "\"; If FileExists(F) Then DeleteFiles(F) EndIf; T = New ValueTable;"
+                               "T.Columns.Add(\"Price\"); For I = 1 To 9 Do T.Add().Price = I EndDo;";
+    check({
+        {"", "N = (New Color(\"web:SteelBlue\")).Contrast(WebColors.White);"},
+        {"", "F = FromText(ToText(New Font(\"A face with a long name\", 10.5, 700)));"},
+        {"",
+         "B = FromText(ToText(New Border(BorderKind.Lines, New Line(LineKind.Dotted, 2, \"#123456\"))));"},
+        {"S = New Style(WebColors.Navy);", "S.SetColor(\"BackColor\", \"#123456\");", "P = ToText(S);"},
+        {"S = New Style;", "S.SetFont(\"TitleFont\", New Font(\"A face with a long name\"));",
+         "P = ToText(S);"},
+        {style, "S.Columns.Price.Format = \"fraction=2; empty='nothing at all'\";", "P = ToText(S);"},
+        {style, "S.Columns.Price.Style = New Style(WebColors.Red, WebColors.White);", "P = ToText(S);"},
+        {style, "S.Style = New Style(WebColors.Red, WebColors.White);", "P = ToText(S);"},
+        {style, "S.Rule(\"Price < 0\", New Style(WebColors.Red), \"Price, Day\");", "P = ToText(S);"},
+        {report.c_str(), "SaveHtml(F, T, S);", "P = FileExists(F);"},
+    });
+    std::filesystem::remove(file);
+}
+
 TEST_F(Allocation, LocalesAndFormatsAreWholeOrNotThere) {
     check({
         {"", "N = (New Locale(\"de_AT@collation=phonebook\")).Name(\"ru\");"},

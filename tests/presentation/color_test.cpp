@@ -150,6 +150,25 @@ TEST(Colors, BlendingAgreesWithItsFormula) {
     EXPECT_EQ(blend({1, 2, 3, 0}, {4, 5, 6, 0}), (Rgba{0, 0, 0, 0}));
 }
 
+TEST(Colors, LegibleOnesKeepTheirHueAndChangeNoMoreThanTheyMust) {
+    std::minstd_rand random(7); // the same colours each time
+    const auto any = [&random] { return Rgba::fromNumber(static_cast<std::uint32_t>(random()) << 1); };
+    for (int i = 0; i < 5000; ++i) {
+        const Rgba text = any();
+        const Rgba background = any();
+        const Rgba seen = legible(text, background);
+        EXPECT_GE(contrast(seen, background), 4.5);
+        if (contrast(text, background) >= 4.5) {
+            EXPECT_EQ(seen, text);
+            continue;
+        }
+        const Hsl hsl = to_hsl(seen);
+        const double end = luminance(seen) > luminance(background) ? 1 : 0;
+        const Rgba lessChanged = from_hsl({hsl.hue, hsl.saturation, hsl.lightness + (0.5 - end) * 0.04});
+        EXPECT_LT(contrast(lessChanged, background), 4.6) << i;
+    }
+}
+
 TEST(Colors, ContrastIsThatOfTheGuidelines) {
     const Rgba black{0, 0, 0};
     const Rgba white{255, 255, 255};

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/exchange/cells/cell_writer.h"
+#include "core/exchange/tables/escaped_text.h"
+#include "core/exchange/tables/number_columns.h"
 
 #include <core/context/arguments.h>
 #include <core/exchange/column_text.h>
@@ -14,28 +16,6 @@
 
 namespace core {
 namespace {
-
-/// A cell as users read it: numbers with all the digits that the column's type says.
-wstring cell_text(const TableView& view, std::size_t column, const Value& cell) {
-    return view.columns[column].domain.presentation(cell);
-}
-
-/// A text in which some bytes are replaced by others.
-template <class Replace>
-std::string replaced(std::string_view text, Replace replacement) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
-            continue; // the other half is replaced
-        const std::string_view other = replacement(c);
-        if (other.empty())
-            out += c;
-        else
-            out += other;
-    }
-    return out;
-}
 
 std::string in_markdown(std::string_view text) {
     return replaced(text, [](char c) -> std::string_view {
@@ -65,27 +45,8 @@ std::string in_markdown(std::string_view text) {
     });
 }
 
-std::string in_html(std::string_view text) {
-    return replaced(text, [](char c) -> std::string_view {
-        switch (c) {
-        case '&':
-            return "&amp;";
-        case '<':
-            return "&lt;";
-        case '>':
-            return "&gt;";
-        case '"':
-            return "&quot;";
-        case '\n':
-        case '\r':
-            return "<br>";
-        default:
-            return {};
-        }
-    });
-}
+} // namespace
 
-/// For each column whether its filled cells are all numbers, which stand right.
 std::vector<bool> number_columns(const TableView& view) {
     std::vector<bool> others(view.columns.size());
     std::vector<bool> numbers(view.columns.size());
@@ -102,12 +63,10 @@ std::vector<bool> number_columns(const TableView& view) {
     return numbers;
 }
 
-} // namespace
-
 void write_fixed_width(std::ostream& out, const TableView& view) {
     constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max() / 2;
     const auto fitted = [&view](std::size_t column, const Value& cell) {
-        return fitted_text(cell_text(view, column, cell), kAny);
+        return fitted_text(view.columns[column].text(cell), kAny);
     };
     std::vector<FittedText> titles;
     std::vector<std::size_t> widths;
@@ -152,7 +111,7 @@ void write_markdown(std::ostream& out, const TableView& view) {
     out << "|\n";
     view.walk([&](std::span<const Value> cells, std::size_t) {
         for (std::size_t i = 0; i < cells.size(); ++i)
-            out << "| " << in_markdown(to_utf8(cell_text(view, i, cells[i]))) << ' ';
+            out << "| " << in_markdown(to_utf8(view.columns[i].text(cells[i]))) << ' ';
         out << "|\n";
         return true;
     });
@@ -168,7 +127,7 @@ void write_html(std::ostream& out, const TableView& view) {
         out << "<tr>";
         for (std::size_t i = 0; i < cells.size(); ++i)
             out << (right[i] ? "<td align=\"right\">" : "<td>")
-                << in_html(to_utf8(cell_text(view, i, cells[i]))) << "</td>";
+                << in_html(to_utf8(view.columns[i].text(cells[i]))) << "</td>";
         out << "</tr>\n";
         return true;
     });

@@ -4,6 +4,7 @@
 #include <core/runtime/exception.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/integer_text.h>
+#include <core/values/format_value.h>
 
 #include <algorithm>
 #include <ostream>
@@ -18,7 +19,8 @@ constexpr std::size_t kMostIndent = 40;
 
 struct Column {
     std::size_t width = 0;
-    bool right = true; // its cells are numbers, as far as they are not empty
+    ColumnAlignment alignment = ColumnAlignment::automatic;
+    bool numbers = true; // its cells are numbers, as far as they are not empty
     bool empty = true;
 };
 
@@ -32,17 +34,17 @@ class Printer {
         measure();
         fit();
         if (!columns_.empty()) {
-            for (std::size_t i = 0; i < columns_.size(); ++i)
-                put(i, fitted_text(view_.columns[i].title, columns_[i].width), 0);
-            endLine();
-            for (std::size_t i = 0; i < columns_.size(); ++i)
-                put(i, fitted_text(wstring(columns_[i].width, u'─'), columns_[i].width), 0);
-            endLine();
-            walk([this](std::size_t i, const Value& cell, std::size_t indent) {
+            titles(TableView::kHeader, [this](std::size_t i) { return view_.columns[i].title; });
+            rule();
+            walk([this](std::size_t row, std::size_t i, const Value& cell, std::size_t indent) {
                 const std::size_t room = columns_[i].width;
-                put(i, fitted_text(view_.columns[i].domain.presentation(cell), room - std::min(room, indent)),
+                put(row, i, fitted_text(view_.columns[i].text(cell), room - std::min(room, indent)),
                     std::min(room, indent));
             });
+            if (!view_.totals.empty()) {
+                rule();
+                titles(TableView::kTotals, [this](std::size_t i) { return view_.totals[i]; });
+            }
         }
         if (shown_ < view_.rows)
             line("IDS_TABLE_TEXT_MORE_ROWS", view_.rows - shown_);
@@ -60,30 +62,48 @@ class Printer {
         std::size_t row = 0;
         view_.walk([&](std::span<const Value> cells, std::size_t level) {
             for (std::size_t i = 0; i < columns_.size(); ++i)
-                visit(i, cells[i], i == 0 ? std::min(level * 2, kMostIndent) : 0);
+                visit(row, i, cells[i], i == 0 ? std::min(level * 2, kMostIndent) : 0);
             endLine();
             return ++row < shown_;
         });
     }
 
+    /// A line of titles or totals.
+    template <class Text>
+    void titles(std::size_t row, Text text) {
+        for (std::size_t i = 0; i < columns_.size(); ++i)
+            put(row, i, fitted_text(text(i), columns_[i].width), 0);
+        endLine();
+    }
+    void rule() {
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            line_.append(i > 0 ? kGap : 0, ' ');
+            line_ += fitted_text(wstring(columns_[i].width, u'─'), columns_[i].width).text;
+        }
+        endLine();
+    }
+
     /// The widths that the columns would like to have.
     void measure() {
-        for (std::size_t i = 0; i < columns_.size(); ++i)
-            columns_[i].width = fitted_text(view_.columns[i].title, width_).columns;
-        walk([this](std::size_t i, const Value& cell, std::size_t indent) {
-            const wstring text = view_.columns[i].domain.presentation(cell);
-            const std::size_t width = indent + fitted_text(text, width_).columns;
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            const std::size_t total = view_.totals.empty() ? 0 : fitted_text(view_.totals[i], width_).columns;
+            columns_[i].width = std::max(fitted_text(view_.columns[i].title, width_).columns, total);
+        }
+        walk([this](std::size_t, std::size_t i, const Value& cell, std::size_t indent) {
+            const std::size_t width = indent + fitted_text(view_.columns[i].text(cell), width_).columns;
             Column& column = columns_[i];
             column.width = std::max(column.width, std::min(width, width_));
             if (width == indent)
                 return;
             column.empty = false;
-            column.right =
-                column.right && cell.kind() == ValueKind::number && indent == 0; // it shows the levels
+            column.numbers =
+                column.numbers && cell.kind() == ValueKind::number && indent == 0; // it shows the levels
         });
         for (std::size_t i = 0; i < columns_.size(); ++i) {
             Column& column = columns_[i];
-            column.right = column.right && !column.empty;
+            column.alignment = view_.columns[i].alignment;
+            if (column.alignment == ColumnAlignment::automatic && column.numbers && !column.empty)
+                column.alignment = ColumnAlignment::right;
             if (view_.columns[i].width > 0)
                 column.width = std::min(view_.columns[i].width, width_);
             column.width = std::max<std::size_t>(column.width, 1);
@@ -114,16 +134,30 @@ class Printer {
         }
     }
 
-    /// Appends a cell to the line, filled to the width of its column.
-    void put(std::size_t column, const FittedText& cell, std::size_t indent) {
+    /// Appends a cell to the line, filled to the width of its column. Neighbours of one look have it between
+    /// them, too.
+    void put(std::size_t row, std::size_t column, const FittedText& cell, std::size_t indent) {
         const std::size_t room = columns_[column].width - cell.columns - indent;
+        const std::size_t before = columns_[column].alignment == ColumnAlignment::right    ? room
+                                   : columns_[column].alignment == ColumnAlignment::center ? room / 2
+                                                                                           : 0;
+        const std::string look = view_.paint ? view_.paint(row, column) : std::string();
+        if (look != look_)
+            endLook();
         if (column > 0)
             line_.append(kGap, ' ');
-        line_.append(indent + (columns_[column].right ? room : 0), ' ');
+        if (look != look_)
+            line_ += look_ = look;
+        line_.append(indent + before, ' ');
         line_ += cell.text;
-        line_.append(columns_[column].right ? 0 : room, ' ');
+        line_.append(room - before, ' ');
+    }
+    void endLook() {
+        line_ += look_.empty() ? "" : "\x1B[0m";
+        look_.clear();
     }
     void endLine() {
+        endLook();
         if (line_.empty())
             return;
         line_.erase(line_.find_last_not_of(' ') + 1);
@@ -140,9 +174,25 @@ class Printer {
     std::vector<Column> columns_;
     std::size_t shown_;
     std::string line_;
+    std::string look_; // that of the end of the line
 };
 
 } // namespace
+
+wstring TableView::Column::text(const Value& cell) const {
+    switch (cell.kind()) {
+    case ValueKind::number:
+    case ValueKind::date:
+    case ValueKind::boolean:
+    case ValueKind::undefined:
+    case ValueKind::null:
+        if (!format.empty())
+            return format_value(cell, format);
+        [[fallthrough]];
+    default:
+        return domain.presentation(cell);
+    }
+}
 
 void print_table(std::ostream& out, const TableView& view, std::size_t width, std::size_t most) {
     Printer(out, view, width, most).print();

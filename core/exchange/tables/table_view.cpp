@@ -109,14 +109,19 @@ TableView view_of(const InterfacePtr<IValueList>& list, ViewFor whom) {
     TableView view;
     view.columns = {title(kVLColumnTermValue), title(kVLColumnTermPresent), title(kVLColumnTermCheck)};
     view.rows = list->count();
-    view.walk = [list, forPeople](const TableView::Show& show) {
+    bool pictures = false; // a column of its own where an item has one
+    for (std::size_t i = 0; i < view.rows && forPeople && !pictures; ++i)
+        pictures = !list->get(i).picture.isUndefined();
+    if (pictures)
+        view.columns.push_back(title(kVLColumnTermPicture));
+    view.walk = [list, forPeople, pictures](const TableView::Show& show) {
         detail::LoopCheck check;
         for (std::size_t i = 0; i < list->count(); ++i) {
             check();
             const IValueList::Item item = list->get(i);
             const Value check = forPeople ? Value(item.check ? u"✓" : u"") : Value(item.check);
-            const Value cells[] = {item.value, Value(item.presentation.text()), check};
-            if (!show(cells, 0))
+            const Value cells[] = {item.value, Value(item.presentation.text()), check, item.picture};
+            if (!show(std::span(cells).first(pictures ? 4 : 3), 0))
                 return;
         }
     };

@@ -10,7 +10,7 @@ class PictureValue : public ShownValue<PictureValue, Picture> {
   public:
     static constexpr ScriptClass script = {
         .names = {u"Picture", u"Картинка"},
-        .type = "32590eee-206e-4a5b-af30-f5e8c9efb3cb"_guid,
+        .type = kPictureType,
         .object = "7d0592b7-efde-445f-863e-b86a32492e62"_guid,
         .presentation = "IDS_TYPE_PRESENTATION_PICTURE",
         .arguments = {0, 1},

@@ -55,10 +55,10 @@ std::size_t terminal_width(Stream stream) noexcept {
     return ::ioctl(number_of(stream), TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
-bool terminal_has_colours() noexcept {
+bool terminal_has_colours(Stream stream) noexcept {
     const char* const terminal = std::getenv("TERM");
     return terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb" &&
-           is_terminal(Stream::error);
+           is_terminal(stream);
 }
 
 bool system_is_russian() noexcept {

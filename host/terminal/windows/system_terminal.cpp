@@ -42,9 +42,9 @@ std::size_t terminal_width(Stream stream) noexcept {
     return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
 }
 
-bool terminal_has_colours() noexcept {
+bool terminal_has_colours(Stream stream) noexcept {
     DWORD mode = 0;
-    const HANDLE terminal = handle_of(Stream::error);
+    const HANDLE terminal = handle_of(stream);
     return ::GetConsoleMode(terminal, &mode) != 0 &&
            ::SetConsoleMode(terminal, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }

@@ -17,6 +17,9 @@
 /// their content is. They convert by from_value() and to_value().
 namespace core {
 
+/// The type id of "Picture".
+inline constexpr GUID kPictureType = "32590eee-206e-4a5b-af30-f5e8c9efb3cb"_guid;
+
 /// A presentation value of C++ that scripts have an object for.
 template <class C>
 concept PresentationContent = std::same_as<C, Color> || std::same_as<C, Font> || std::same_as<C, LumLine> ||

@@ -51,5 +51,8 @@ struct Hsl {
 /// is first blended with the background, whose own alpha does not count. 4.5 is the least for texts that are
 /// to be read by everybody.
 [[nodiscard]] CORE_API double contrast(Rgba text, Rgba background) noexcept;
+/// Returns a text as it is where its contrast on a background is 4.5 or more, else an opaque colour of the
+/// same hue that is as much darker or lighter as that takes.
+[[nodiscard]] CORE_API Rgba legible(Rgba text, Rgba background) noexcept;
 
 } // namespace core

@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: Apache-2.0
+// Concerns: nothing in a table, a title or a style ends its place in the page; every text can be read on its
+// background in both looks; pictures; and what a browser makes of the page, where one is installed.
+#include "tests/support/folder_test.h"
+
+#include <core/presentation.h>
+#include <core/reports.h>
+#include <core/tables/list.h>
+#include <core/tables/table.h>
+#include <core/tables/tree.h>
+#include <host/host_process.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <random>
+#include <regex>
+#include <sstream>
+
+namespace {
+
+using namespace core;
+using host::FolderTest;
+using host::text_of;
+
+std::string page(const Value& table, const ReportStyle& style = {}) {
+    std::ostringstream out;
+    save_html(out, table, style);
+    return out.str();
+}
+
+std::size_t count(const std::string& text, std::string_view part) {
+    std::size_t found = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++found;
+    return found;
+}
+
+class Pages : public FolderTest {
+  protected:
+    host::HostProcess process_;
+};
+
+TEST_F(Pages, NothingLeavesItsPlace) {
+    const wstring bad = u"</td></style></title></script><b>\"'&\u0001\u2029\n";
+    Table table{"A"};
+    table.add({bad});
+    table.columns()[0].setTitle(bad);
+    Style style;
+    style.setFont(*find_style_font(u"TextFont"), Font{.face = bad});
+    const ReportStyle report{.title = bad, .style = style, .rules = {{Filter(), style, {}, bad}}};
+    const std::string text = page(table, report);
+    for (const char* tag : {"</title>", "</style>", "</script>", "<tbody>"})
+        EXPECT_EQ(count(text, tag), 1U) << tag;
+    EXPECT_EQ(count(text, "</td>"), 1U);
+    EXPECT_EQ(count(text, "<b>") + count(text, "\x01"), 0U);
+    const std::string shown =
+        "&lt;/td&gt;&lt;/style&gt;&lt;/title&gt;&lt;/script&gt;&lt;b&gt;&quot;'&amp;\uFFFD\u2029<br>";
+    EXPECT_EQ(count(text, shown), 4U); // the caption, the title, the cell, the legend
+}
+
+/// The colours that a page declares: by selector, "color" and "background" or a variable.
+std::map<std::string, std::map<std::string, Rgba>> colors_of(const std::string& sheet) {
+    std::map<std::string, std::map<std::string, Rgba>> found;
+    const std::regex rule(R"(([.:]\w+)\{([^}]*)\})");
+    const std::regex part(R"(([-\w]+):(#[0-9A-F]+))");
+    for (std::sregex_iterator one(sheet.begin(), sheet.end(), rule), end; one != end; ++one) {
+        const std::string body = one->str(2);
+        for (std::sregex_iterator said(body.begin(), body.end(), part); said != end; ++said)
+            found[one->str(1)][said->str(1)] = *Color::fromText(from_utf8(said->str(2)))->rgba();
+    }
+    return found;
+}
+
+TEST_F(Pages, EveryTextCanBeRead) {
+    std::minstd_rand random(5); // the same colours each time
+    const auto color = [&random] {
+        return Color(Rgba::fromNumber(static_cast<std::uint32_t>(random()) << 1 | 0xFF));
+    };
+    const Table table{"A"};
+    for (int round = 0; round < 20; ++round) {
+        ReportStyle report;
+        if (round % 2 == 0) {
+            Style& whole = report.style.emplace();
+            for (std::size_t item = 0; item < style_colors().size(); ++item)
+                whole.setColor(item, color());
+        }
+        for (int i = 0; i < 10; ++i) {
+            Style style;
+            if (i % 3 != 0)
+                style.setColor(*find_color(style_colors(), u"TextColor"), color());
+            if (i % 3 != 1)
+                style.setColor(*find_color(style_colors(), u"BackColor"), color());
+            report.rules.push_back({Filter(), style, {}, u"a rule"});
+        }
+        const std::string text = page(table, report);
+        const std::size_t dark = text.find("@media screen");
+        ASSERT_NE(dark, std::string::npos);
+        for (const std::string& sheet : {text.substr(0, dark), text.substr(dark)}) {
+            auto colors = colors_of(sheet);
+            auto& page = colors[":root"];
+            for (const std::string part : {"", "Header", "Totals"})
+                EXPECT_GE(contrast(page.at("--" + part + "TextColor"), page.at("--" + part + "BackColor")),
+                          4.5);
+            EXPECT_GE(contrast(page.at("--TitleTextColor"), page.at("--BackColor")), 4.5);
+            int looks = 0;
+            for (auto& [selector, look] : colors) {
+                if (!look.contains("color"))
+                    continue;
+                ++looks;
+                look.try_emplace("background", page.at("--BackColor"));
+                EXPECT_GE(contrast(look.at("color"), look.at("background")), 4.5) << selector;
+            }
+            EXPECT_GE(looks, 10);
+        }
+    }
+}
+
+TEST_F(Pages, CellsShowPicturesAndLevels) {
+    const std::string svg = "<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'/>";
+    const auto bytes = std::as_bytes(std::span(svg));
+    const auto list = create_value_list();
+    list->add({.value = 1, .picture = to_value(Picture::fromBytes({bytes.begin(), bytes.end()}))});
+    list->add({.value = 2});
+    const std::string text = page(Value(list.query<IValue>()));
+    EXPECT_EQ(count(text, "<th "), 4U);
+    EXPECT_EQ(count(text, "<img alt=\"SVG, 8 × 8\" src=\"data:image/svg+xml;base64,PHN2Zy"), 1U);
+
+    Tree tree{"A"};
+    tree.rows().add({"top"}).rows().add({"below"});
+    const std::string levels = page(tree);
+    EXPECT_EQ(count(levels, "<td class=level style=\"--level:1\">below</td>"), 1U);
+    EXPECT_EQ(count(levels, "<button") + count(levels, "<script"), 0U); // no row leaves the one above it
+}
+
+TEST_F(Pages, AFileIsWrittenWholeOrNotAtAll) {
+    Table table{"A"};
+    table.add({1});
+    save_html(path("page.html"), table);
+    const std::string written = text_of(path("page.html"));
+    EXPECT_EQ(written, page(table));
+    ReportStyle style;
+    style.column(u"B").total = u"Count()";
+    EXPECT_THROW(save_html(path("page.html"), table, style), ContextException);
+    EXPECT_EQ(text_of(path("page.html")), written);
+}
+
+/// A browser without a window; empty where none is installed.
+std::string browser() {
+    for (const std::string name : {"chromium-headless-shell", "chromium"}) {
+        if (std::system(("command -v " + name + " >/dev/null").c_str()) == 0)
+            return name;
+    }
+    return {};
+}
+
+TEST_F(Pages, ABrowserSortsAndColoursTheRows) {
+    const std::string program = browser();
+    if (program.empty())
+        GTEST_SKIP() << "no chromium-headless-shell";
+    Table table{"Name", "Price", "Day"};
+    table.add({"b10", 5, Date(2024, 2, 1)});
+    table.add({"B9", -1000, Date(2023, 12, 31)});
+    table.add({Value(), 30, Value()});
+    table.add({"a", Numeric::parse("0.5").value(), Date(2024, 1, 1)});
+    ReportStyle style{.title = u"Sales"};
+    Style red;
+    red.setColor(*find_color(style_colors(), u"TextColor"), Color(255, 0, 0));
+    red.setColor(*find_color(style_colors(), u"BackColor"), Color(0, 0, 0));
+    style.rules.push_back({u"Price < 0", red, {}, u"A loss"});
+    style.column(u"Price").format = u"fraction=2";
+    style.column(u"Price").total = u"Sum(Price)";
+    // What follows the page clicks and says what a reader would see then.
+    std::ofstream(path("page.html")) << page(table, style) << R"(<script>
+const seen = [], prices = () => [...document.querySelectorAll("tbody tr")].map((row) => row.cells[1].textContent).join(" ");
+for (const column of [0, 0, 0, 1, 1, 2, 2]) {
+    const head = document.querySelectorAll("th")[column];
+    head.querySelector("button").click();
+    seen.push(column + " " + head.getAttribute("aria-sort") + ": " + prices());
+}
+const cell = getComputedStyle([...document.querySelectorAll("td")].find((td) => td.textContent === "-1,000.00"));
+seen.push(cell.color + " on " + cell.backgroundColor + " " + cell.textAlign);
+seen.push(document.title + " / " + document.querySelector("tfoot").textContent + " / " + document.querySelector(".rules").textContent.trim());
+seen.push(getComputedStyle(document.body).backgroundColor);
+document.body.innerHTML = "<pre>" + seen.join("\n") + "</pre>";
+</script>)";
+    const std::string expected = R"(<pre>0 ascending: 0.50 -1,000.00 5.00 30.00
+0 descending: 5.00 -1,000.00 0.50 30.00
+0 none: 5.00 -1,000.00 30.00 0.50
+1 ascending: -1,000.00 0.50 5.00 30.00
+1 descending: 30.00 5.00 0.50 -1,000.00
+2 ascending: -1,000.00 0.50 5.00 30.00
+2 descending: 5.00 0.50 -1,000.00 30.00
+rgb(255, 0, 0) on rgb(0, 0, 0) right
+Sales / Total-964.50 / A loss
+)";
+    for (const auto& [look, background] : {std::pair{"0", "rgb(18, 22, 28)"}, {"1", "rgb(255, 255, 255)"}}) {
+        const std::string command = program + " --headless --no-sandbox --disable-gpu --dump-dom" +
+                                    " --blink-settings=preferredColorScheme=" + look + " --user-data-dir='" +
+                                    path("profile") + "' 'file://" + path("page.html") + "' >'" +
+                                    path("seen") + "' 2>'" + path("log") + '\'';
+        ASSERT_EQ(std::system(command.c_str()), 0) << text_of(path("log"));
+        const std::string seen = text_of(path("seen"));
+        EXPECT_NE(seen.find(expected + background + "</pre>"), std::string::npos) << seen;
+    }
+}
+
+} // namespace
