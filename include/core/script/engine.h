@@ -64,8 +64,8 @@ struct Limits {
     std::size_t memory = 0;
 };
 
-/// What prints a value for Print and PrintTable; of a table, or of a Report (report_of()), at most `rows` rows
-/// are wanted.
+/// What prints a value for Print and PrintTable; of a table, or of a Report (report_of()), at most `rows`
+/// rows are wanted.
 using Printer = std::function<void(const Value& value, std::size_t rows)>;
 /// Reads some bytes, at least one, into a span and returns their count; 0 at the end.
 using Bytes = std::function<std::size_t(std::span<std::byte>)>;
