@@ -16,7 +16,7 @@ class ReportObject : public ScriptObject<ReportObject> {
         .arguments = {1, 2},
     };
 
-    explicit ReportObject(Report report) noexcept : report_(std::move(report)) {}
+    explicit ReportObject(Report report = {}) noexcept : report_(std::move(report)) {}
 
     /// New Report(Table, [Style]).
     static GenericValue construct(std::span<GenericValue> arguments) {
@@ -42,7 +42,7 @@ class ReportObject : public ScriptObject<ReportObject> {
     Report report_;
 };
 
-const ScriptTypeEntry<ReportObject> kEntry;
+const ScriptClassEntry<ReportObject> kEntry;
 
 } // namespace
 

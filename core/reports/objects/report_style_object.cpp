@@ -36,6 +36,8 @@ class ReportColumnObject : public ScriptObject<ReportColumnObject> {
         .presentation = "IDS_TYPE_PRESENTATION_REPORT_COLUMN",
     };
 
+    /// A column of no report, from which its members can be read.
+    ReportColumnObject() : ReportColumnObject(std::make_shared<ReportStyle>(), u"Name") {}
     ReportColumnObject(std::shared_ptr<ReportStyle> style, wstring name) noexcept
         : style_(std::move(style)), name_(std::move(name)) {}
 
@@ -67,7 +69,7 @@ class ReportColumnObject : public ScriptObject<ReportColumnObject> {
     std::shared_ptr<ReportStyle> style_;
     wstring name_;
 };
-const ScriptTypeEntry<ReportColumnObject> kColumnEntry;
+const ScriptClassEntry<ReportColumnObject> kColumnEntry;
 
 /// A context with a property for every name that a column can have: a style is made before its table is seen.
 template <class T>

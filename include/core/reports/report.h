@@ -22,8 +22,8 @@ inline constexpr GUID kReportType = "4e440c8f-8b82-42f6-974c-f84231bc2a71"_guid;
 
 /// A table with the style that it is to be shown in.
 struct Report {
-    Value table;       ///< a value table, tree or list
-    ReportStyle style; ///< how it is shown
+    Value table{};       ///< a value table, tree or list
+    ReportStyle style{}; ///< how it is shown
 };
 
 /// How many colours a terminal knows.
