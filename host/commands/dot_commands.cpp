@@ -253,6 +253,14 @@ DotCommands::Outcome DotCommands::output(const wstring& argument) {
     return {.failed = !whole};
 }
 
+bool DotCommands::keepsOutput() {
+    if (own_ == nullptr || console_.out)
+        return true;
+    static_cast<void>(endOutput());
+    fail(console_, "IDS_HOST_OUTPUT_FAILED", ExitCode::io);
+    return false;
+}
+
 bool DotCommands::endOutput() {
     if (own_ == nullptr)
         return true;

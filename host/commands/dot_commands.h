@@ -35,6 +35,9 @@ class DotCommands {
     Outcome carryOut(core::wstring_view line);
     /// What may stand in place of the word at the end of a line; nothing behind another line.
     [[nodiscard]] core::script::Completion complete(core::wstring_view before) const;
+    /// Says whether what is shown still goes where it should. When the file that took it fails, that is told,
+    /// and what follows is shown where it was before.
+    [[nodiscard]] bool keepsOutput();
     /// Whether the time of each entry is shown.
     [[nodiscard]] bool isTimed() const noexcept { return timed_; }
 

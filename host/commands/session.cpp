@@ -46,6 +46,7 @@ void Session::run(const Lines& lines) {
         }
         entry_.clear();
         console_.out.flush();
+        failed_ = !commands_.keepsOutput() || failed_;
     }
 }
 
@@ -56,7 +57,7 @@ void Session::report(const wstring& message) {
 
 script::Completion Session::complete(wstring_view line) const {
     if (entry_.empty()) {
-        if (auto found = commands_.complete(line); !found.names.empty())
+        if (auto found = commands_.complete(line); !found.names.empty() || line.starts_with(u'.'))
             return found;
     }
     script::Completion found = script::complete(engine_, entry_ + wstring(line), alias_of(console_.language));
