@@ -3,6 +3,7 @@
 
 #include "host/terminal/error_report.h"
 
+#include <core/files/disk_file.h>
 #include <core/locales/bool_format.h>
 #include <core/locales/date_format.h>
 #include <core/locales/numeric_format.h>
@@ -14,7 +15,9 @@
 #include <host/host_process.h>
 
 #include <exception>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace host {
 namespace {
@@ -70,6 +73,19 @@ void read_all(IProfile& profile, Console& console) {
     console.history = profile.get(u"host/history", console.history);
 }
 
+/// Whether anybody has set anything, or that cannot be told. Only then a process is started to read it: most
+/// users have set nothing, and should not wait for one.
+bool has_file(const ProfileSettings& places) {
+    const auto profile = create_profile(places);
+    for (const ProfileLayer layer : {ProfileLayer::user, ProfileLayer::system}) {
+        const wstring url = profile->fileOf(layer);
+        std::error_code failure;
+        if (!url.empty() && (std::filesystem::exists(file_path(url), failure) || failure))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 Settings settings_of_program() {
@@ -81,6 +97,8 @@ Settings settings_of_program() {
 void read_settings_at_start(Console& console) {
     try {
         Settings settings = settings_of_program();
+        if (!has_file(settings.part<ProfileSettings>()))
+            return;
         settings.language = Locale(console.language == Language::russian ? "ru" : "en");
         const HostProcess process(settings);
         auto& profile = require_service<IProfile>();
