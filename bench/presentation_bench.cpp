@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Pictures told by their headers, colours by their texts, and the page of a report.
+#include <core/presentation.h>
 #include <core/reports.h>
 #include <core/tables/table.h>
 #include <host/host_process.h>
