@@ -48,6 +48,25 @@ TEST_F(TableLosses, OfAColumnThatIsLoaded) {
               message_text(messages::kTotalOfMixed, {u"Any", u"abc", string_intto(bad + 1)}));
 }
 
+TEST_F(TableLosses, AreGivenToProgramsThatGoOn) {
+    const auto table = create_value_table();
+    const std::int32_t price = table->addColumn(u"Price", TypeDomain(kNumberType));
+    for (int i = 0; i < 3; ++i)
+        table->appendRow({});
+    const Value given[] = {Value(u"1.5"), Value(u"abc"), Value(2), Value(u"behind the end")};
+    Losses losses;
+    table->loadColumn(price, given, &losses);
+    ASSERT_EQ(losses.count(), 1U);
+    EXPECT_EQ(losses.first()[0].row, 1U);
+    EXPECT_EQ(losses.first()[0].text, u"abc");
+    EXPECT_TRUE(table->total(price).equals(Numeric::fromScaled(35, 1))) << "the others are loaded";
+    table->loadColumn(price, {}, &losses);
+    EXPECT_TRUE(losses.empty()) << "those of this call";
+    table->fill(Value(u"x"), {}, &losses);
+    EXPECT_EQ(losses.count(), 3U);
+    EXPECT_EQ(table->total(price), Value(0));
+}
+
 TEST_F(TableLosses, OfColumnsThatAreFilled) {
     const GenericValue table = table_of(u"Any", {{1}, {2}, {3}});
     call(property(table, u"Columns"), u"Add", {u"Price", description(u"Number")});

@@ -51,6 +51,35 @@ TEST_F(Structures, AndTablesAreTheSame) {
     EXPECT_EQ(property(call(table, u"Get", {6}), u"C").presentation(), u"5");
 }
 
+TEST_F(Structures, StopsLeaveEverythingAsItWas) {
+    const GenericValue table = table_of(u"A", {{1}, {2}});
+    const auto rows = table.query<IValueTable>();
+    const wstring before = text(table);
+    const GenericValue structures = call(table_of(u"A,B", {{3, 4}, {5, 6}, {7, 8}}), u"UnloadRows");
+    StopSource source;
+    std::uint64_t steps = 0;
+    const TableWork counted{.progress = [&](std::uint64_t done, std::uint64_t total) {
+        EXPECT_LE(done, total);
+        ++steps;
+    }};
+    static_cast<void>(table_of_rows(structures, counted));
+    ASSERT_GT(steps, 0U);
+    for (std::uint64_t end = 1; end <= steps; ++end) {
+        std::uint64_t step = 0;
+        const TableWork ended{.progress = [&](std::uint64_t, std::uint64_t) {
+            if (++step == end)
+                throw std::runtime_error("stop");
+        }};
+        EXPECT_THROW(add_rows(*rows, structures, nullptr, ended), std::runtime_error);
+        EXPECT_EQ(text(table), before) << "at step " << end;
+    }
+    source.request();
+    const TableWork stopped{.stop = source.token()};
+    EXPECT_THROW(add_rows(*rows, structures, nullptr, stopped), ThreadDeath);
+    EXPECT_THROW(static_cast<void>(structures_of(*rows, stopped)), ThreadDeath);
+    EXPECT_EQ(text(table), before);
+}
+
 TEST_F(Structures, ThatDoNotFitAddNothing) {
     const GenericValue table = typed_table();
     call(table, u"AddRow", {u"pear", 1.5});

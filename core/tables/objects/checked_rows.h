@@ -39,7 +39,9 @@ class CheckedRows {
         data_.removeRow(parent_, row);
     }
     void move(std::size_t from, std::size_t to);
-    void load(std::int32_t id, std::span<const Value> values) { data_.load(parent_, column(id), values); }
+    void load(std::int32_t id, std::span<const Value> values, Losses* losses) {
+        data_.load(parent_, column(id), values, losses);
+    }
     [[nodiscard]] std::vector<Value> unload(std::int32_t id) const;
 
     // `deep`: with the rows below them

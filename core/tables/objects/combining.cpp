@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The functions that make one table of two, and of a table its different rows, for C++ code.
+#include "core/tables/objects/table_arguments.h"
 #include "core/tables/objects/table_parts.h"
 #include "core/tables/query/join.h"
 #include "core/tables/query/set_operations.h"
@@ -59,12 +60,10 @@ InterfacePtr<IValueTable> distinct(IValueTableBaseRO& table, const std::vector<w
     std::vector<std::size_t> positions(columns.empty() ? data.columnCount() : 0);
     std::iota(positions.begin(), positions.end(), std::size_t{0});
     for (const wstring& name : columns) {
-        const auto position = data.findColumn(name);
-        if (!position)
-            throw_error<ContextException>(messages::kUnknownColumn, {name});
-        if (std::find(positions.begin(), positions.end(), *position) != positions.end())
+        const std::size_t position = column_named(data, name);
+        if (std::find(positions.begin(), positions.end(), position) != positions.end())
             throw_error<ContextException>(messages::kColumnTwice, {name});
-        positions.push_back(*position);
+        positions.push_back(position);
     }
     WorkWatch watch(work);
     return table_of(distinct_rows(data, positions, watch));

@@ -18,13 +18,6 @@
 namespace core {
 namespace {
 
-std::size_t position_of(const TableData& data, wstring_view column) {
-    const auto position = data.findColumn(column);
-    if (!position)
-        throw_error<ContextException>(messages::kUnknownColumn, {wstring(column)});
-    return *position;
-}
-
 TableData& own_tree(IValueTree& tree) {
     TableData* const data = tree_data_of(tree);
     if (data == nullptr)
@@ -35,7 +28,7 @@ TableData& own_tree(IValueTree& tree) {
 ColumnList positions_of(const TableData& data, const std::vector<wstring>& columns) {
     ColumnList positions;
     for (const wstring& column : columns) {
-        positions.push_back(position_of(data, column));
+        positions.push_back(column_named(data, column));
         if (std::count(positions.begin(), positions.end(), positions.back()) != 1)
             throw_error<ContextException>(messages::kColumnTwice, {column});
     }
@@ -54,11 +47,12 @@ InterfacePtr<IValueTable> table_of(TableContent content) {
 
 } // namespace
 
-void add_rows(IValueTable& table, const Value& rows, Losses* losses) {
+void add_rows(IValueTable& table, const Value& rows, Losses* losses, const TableWork& work) {
     TableData* const data = table_data_of(table);
     if (data == nullptr)
         parameter_type_mismatch(0);
-    AddedRows added(*data);
+    WorkWatch watch(work);
+    AddedRows added(*data, watch);
     Losses lost;
     if (const auto other = rows.query<IValueTableBaseRO>())
         added.read(own_table(*other, 1), lost);
@@ -71,20 +65,23 @@ void add_rows(IValueTable& table, const Value& rows, Losses* losses) {
         *losses = std::move(lost);
 }
 
-InterfacePtr<IValueTable> table_of_rows(const Value& rows) {
+InterfacePtr<IValueTable> table_of_rows(const Value& rows, const TableWork& work) {
     InterfacePtr<IValueTable> table = create_value_table();
-    add_rows(*table, rows);
+    add_rows(*table, rows, nullptr, work);
     return table;
 }
 
-InterfacePtr<IValueArray> structures_of(IValueTableBaseRO& table) {
+InterfacePtr<IValueArray> structures_of(IValueTableBaseRO& table, const TableWork& work) {
     const TableData& data = own_table(table, 0);
     std::vector<Value> names;
     for (std::size_t i = 0; i < data.columnCount(); ++i)
         names.emplace_back(data.column(i).info.name);
     std::vector<Value> structures;
     structures.reserve(data.rows().size());
+    WorkWatch watch(work);
+    watch.expect(data.rows().size());
     data.rows().walk([&](RowId row) {
+        watch.step(1);
         const auto structure = create_value_structure();
         for (std::size_t i = 0; i < names.size(); ++i)
             structure->insert(names[i], data.get(row, i));
@@ -97,8 +94,8 @@ InterfacePtr<IValueArray> structures_of(IValueTableBaseRO& table) {
 InterfacePtr<IValueTree> tree_by_parent(IValueTableBaseRO& table, wstring_view key, wstring_view parent,
                                         const TableWork& work) {
     const TableData& data = own_table(table, 0);
-    const std::size_t keys = position_of(data, key);
-    const std::size_t parents = position_of(data, parent);
+    const std::size_t keys = column_named(data, key);
+    const std::size_t parents = column_named(data, parent);
     WorkWatch watch(work);
     return make_value_tree([&](TableData& tree) { tree_by_parent(data, keys, parents, tree, watch); });
 }
@@ -112,7 +109,7 @@ InterfacePtr<IValueTable> table_by_parent(IValueTree& tree, wstring_view key, ws
 InterfacePtr<IValueTree> tree_by_path(IValueTableBaseRO& table, wstring_view path, wstring_view separator,
                                       const TableWork& work) {
     const TableData& data = own_table(table, 0);
-    const std::size_t paths = position_of(data, path);
+    const std::size_t paths = column_named(data, path);
     static_cast<void>(require_separator(separator));
     WorkWatch watch(work);
     return make_value_tree([&](TableData& tree) { tree_by_path(data, paths, separator, tree, watch); });
@@ -122,12 +119,12 @@ InterfacePtr<IValueTable> table_by_path(IValueTree& tree, wstring_view path, wst
                                         const TableWork& work) {
     const TableData& data = own_tree(tree);
     WorkWatch watch(work);
-    return table_of(table_by_path(data, position_of(data, path), require_separator(separator), watch));
+    return table_of(table_by_path(data, column_named(data, path), require_separator(separator), watch));
 }
 
 InterfacePtr<IValueTree> tree_by_level(IValueTableBaseRO& table, wstring_view level, const TableWork& work) {
     const TableData& data = own_table(table, 0);
-    const std::size_t levels = position_of(data, level);
+    const std::size_t levels = column_named(data, level);
     WorkWatch watch(work);
     return make_value_tree([&](TableData& tree) { tree_by_level(data, levels, tree, watch); });
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/objects/table_arguments.h"
 
+#include "core/tables/data/unknown_column.h"
 #include "core/tables/objects/column_objects.h"
 #include "core/tables/query/expression_parser.h"
 
@@ -53,7 +54,7 @@ std::size_t row_argument(const TableData& data, RowId parent, const Value& argum
 std::size_t column_named(const TableData& data, wstring_view name) {
     const auto column = data.findColumn(name);
     if (!column)
-        throw_error<ContextException>(messages::kUnknownColumn, {wstring(name)});
+        throw_unknown_column(data, name);
     return *column;
 }
 

@@ -104,11 +104,11 @@ class ValueTable : public RowCollection<ValueTable, IValueTable, IPersistableObj
         collapse(checked().columns(columns), checked().columns(totals));
     }
     std::optional<std::size_t> chooseRow(const wstring& title, std::optional<std::size_t> initial) override;
-    void loadColumn(std::int32_t column, std::span<const Value> values) override {
-        checked().load(column, values);
+    void loadColumn(std::int32_t column, std::span<const Value> values, Losses* losses) override {
+        checked().load(column, values, losses);
     }
-    void fill(const Value& value, std::span<const std::int32_t> columns) override {
-        data_.fill(checked().columnsOrAll(columns), value);
+    void fill(const Value& value, std::span<const std::int32_t> columns, Losses* losses) override {
+        data_.fill(checked().columnsOrAll(columns), value, losses);
     }
     void addIndex(std::span<const std::int32_t> columns) override;
     void removeIndex(std::size_t position) override {

@@ -57,8 +57,8 @@ class ValueTreeRowCollection : public RowCollection<ValueTreeRowCollection, IVal
     Value total(std::int32_t column, RowDepth depth) const override {
         return checked().total(column, depth == RowDepth::all);
     }
-    void loadColumn(std::int32_t column, std::span<const Value> values) override {
-        checked().load(column, values);
+    void loadColumn(std::int32_t column, std::span<const Value> values, Losses* losses) override {
+        checked().load(column, values, losses);
     }
     std::vector<Value> unloadColumn(std::int32_t column) const override { return checked().unload(column); }
 

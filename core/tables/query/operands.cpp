@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/operands.h"
 
+#include "core/tables/data/unknown_column.h"
 #include "core/tables/query/bound_expression.h"
 #include "core/tables/query/expression_parser.h"
 #include "core/tables/query/expression_text.h"
@@ -17,7 +18,7 @@ const TableColumn& Operands::find(wstring_view argument) {
     if (const auto position = data_.findColumn(argument))
         return data_.column(*position);
     if (is_valid_name(argument))
-        throw_error<ContextException>(messages::kUnknownColumn, {wstring(argument)});
+        throw_unknown_column(data_, argument);
     const auto known = std::find_if(computed_.begin(), computed_.end(),
                                     [&](const TableColumn& column) { return column.info.name == argument; });
     if (known != computed_.end())
@@ -64,7 +65,7 @@ std::vector<const TableColumn*> Operands::columns(std::span<const wstring> names
     for (const wstring& name : names) {
         const auto position = data_.findColumn(wstring_view(name));
         if (!position)
-            throw_error<ContextException>(messages::kUnknownColumn, {name});
+            throw_unknown_column(data_, name);
         const TableColumn* const column = &data_.column(*position);
         if (std::find(columns.begin(), columns.end(), column) != columns.end())
             throw_error<ContextException>(messages::kColumnTwice, {name});

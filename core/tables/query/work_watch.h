@@ -26,6 +26,12 @@ class WorkWatch {
         if (work_.progress)
             work_.progress(done_, total_);
     }
+    /// A turn of a loop whose cells are not counted. Now and then looks whether the work is to end.
+    void turn() {
+        constexpr std::uint32_t kTurns = 1024;
+        if (++turns_ % kTurns == 0)
+            step(0);
+    }
     /// Calls `work(begin, end)` for all positions below `count`, some at a time, with a step before each.
     template <class Work>
     void inPieces(std::size_t count, Work work) {
@@ -41,6 +47,7 @@ class WorkWatch {
     const TableWork& work_;
     std::uint64_t done_ = 0;
     std::uint64_t total_ = 0;
+    std::uint32_t turns_ = 0;
 };
 
 } // namespace core

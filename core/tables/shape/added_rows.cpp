@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/shape/added_rows.h"
 
-#include "core/runtime/threads/loop_check.h"
 #include "core/tables/convert/cell_fit.h"
 #include "core/tables/query/row_search.h"
 
@@ -75,9 +74,9 @@ void AddedRows::readRow(const Value& row, Losses& losses) {
 }
 
 void AddedRows::read(std::span<const Value> rows, Losses& losses) {
-    detail::LoopCheck check;
+    watch_.expect(2 * rows.size()); // to be read, and to be put
     for (const Value& row : rows) {
-        check();
+        watch_.step(1);
         readRow(row, losses);
     }
 }
@@ -88,7 +87,7 @@ void AddedRows::read(const TableData& table, Losses& losses) {
         columns.push_back(columnFor(table.column(i).info.name, &table.column(i).info));
     const RowList list(table, kNoRow, false);
     const RowRange rows = list.range();
-    detail::LoopCheck check;
+    watch_.expect(rows.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const TableColumn& from = table.column(i);
         const std::size_t to = columns[i];
@@ -99,7 +98,7 @@ void AddedRows::read(const TableData& table, Losses& losses) {
         else
             cells_[to].grow(rows.size());
         for (std::size_t row = 0; row < rows.size() && !same; ++row) {
-            check();
+            watch_.turn();
             cells_[to].put(static_cast<RowId>(row), fitted(data_.column(to), data_.rows().size() + row,
                                                            from.cells.get(rows[row]), losses));
         }
@@ -135,6 +134,7 @@ void AddedRows::putRows() {
             if (cells[column].isUndefined())
                 cells[column] = data_.column(column).defaultValue;
         }
+        watch_.step(1);
         data_.insertRow(kNoRow, data_.rows().size(), cells, CellSource::stored);
     }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/tables/data/table_data.h"
+#include "core/tables/query/work_watch.h"
 
 #include <core/strings/names.h>
 
@@ -14,7 +15,8 @@ namespace core {
 /// from.
 class AddedRows {
   public:
-    explicit AddedRows(TableData& data) : data_(data), cells_(data.columnCount()) {}
+    /// Borrows both.
+    AddedRows(TableData& data, WorkWatch& watch) : data_(data), watch_(watch), cells_(data.columnCount()) {}
 
     /// Reads rows of structures, arrays and rows of tables. Whatever a cell cannot keep is added to `losses`.
     /// Throws ContextException ("IDS_VT_NO_ROW") for any other value, "IDS_VT_MORE_VALUES" for an array that
@@ -32,6 +34,7 @@ class AddedRows {
     void putRows();
 
     TableData& data_;
+    WorkWatch& watch_;
     std::vector<CellColumn> cells_; // of the table's columns, then of those that it lacks
     std::vector<ColumnInfo> lacking_;
     std::unordered_map<wstring, std::size_t, NocaseHash, NocaseEqual> lackingNames_;

@@ -16,13 +16,14 @@ struct FlatTree {
     std::vector<RowId> rows;
     std::vector<std::uint32_t> above; ///< kNone for a topmost row
 
-    explicit FlatTree(const TableData& tree)
+    FlatTree(const TableData& tree, WorkWatch& watch)
         : rows(tree.withSubordinates(tree.rows().rows())), above(rows.size(), kNone) {
         RowId highest = 0;
         for (const RowId row : rows)
             highest = std::max(highest, row);
         std::vector<std::uint32_t> positions(rows.empty() ? 0 : std::size_t{highest} + 1);
         for (std::size_t i = 0; i < rows.size(); ++i) {
+            watch.turn();
             positions[rows[i]] = static_cast<std::uint32_t>(i);
             if (const RowId parent = tree.parentOf(rows[i]); parent != kNoRow)
                 above[i] = positions[parent];
@@ -47,11 +48,12 @@ CellColumn cells_of(std::span<const Value> values) {
 }
 
 /// The keys of the rows: the cells of a column, which must be filled and differ.
-std::vector<Value> keys_of(const FlatTree& flat, const TableColumn& column) {
+std::vector<Value> keys_of(const FlatTree& flat, const TableColumn& column, WorkWatch& watch) {
     std::vector<Value> keys;
     keys.reserve(flat.rows.size());
     ValueDictionary known;
     for (std::size_t i = 0; i < flat.rows.size(); ++i) {
+        watch.turn();
         keys.push_back(column.cells.get(flat.rows[i]));
         if (keys.back().isUndefined() || keys.back().kind() == ValueKind::null)
             throw_error<ContextException>(messages::kTreeNoKey, {row_number(i), column.info.name});
@@ -81,10 +83,11 @@ void for_columns(const TableData& tree, const FlatTree& flat, WorkWatch& watch, 
 } // namespace
 
 TableContent table_by_parent(const TableData& tree, wstring_view key, wstring_view parent, WorkWatch& watch) {
-    const FlatTree flat(tree);
+    const FlatTree flat(tree, watch);
     const auto own = tree.findColumn(key);
     const auto replaced = tree.findColumn(parent);
-    const std::vector<Value> keys = own ? keys_of(flat, tree.column(*own)) : numbers_of(flat.rows.size());
+    const std::vector<Value> keys =
+        own ? keys_of(flat, tree.column(*own), watch) : numbers_of(flat.rows.size());
     std::vector<Value> parents;
     parents.reserve(keys.size());
     for (const std::uint32_t above : flat.above)
@@ -109,11 +112,12 @@ TableContent table_by_parent(const TableData& tree, wstring_view key, wstring_vi
 
 TableContent table_by_path(const TableData& tree, std::size_t path, wstring_view separator,
                            WorkWatch& watch) {
-    const FlatTree flat(tree);
+    const FlatTree flat(tree, watch);
     const TableColumn& column = tree.column(path);
     std::vector<wstring> paths;
     std::vector<Value> cells;
     for (std::size_t i = 0; i < flat.rows.size(); ++i) {
+        watch.turn();
         const Value cell = column.cells.get(flat.rows[i]);
         const wstring_view* const name = cell.asString();
         if (name == nullptr)
@@ -139,7 +143,7 @@ TableContent table_by_path(const TableData& tree, std::size_t path, wstring_view
 }
 
 TableContent table_by_level(const TableData& tree, wstring_view level, WorkWatch& watch) {
-    const FlatTree flat(tree);
+    const FlatTree flat(tree, watch);
     std::vector<std::int64_t> levels;
     levels.reserve(flat.rows.size());
     for (const std::uint32_t above : flat.above)

@@ -86,6 +86,7 @@ void tree_by_parent(const TableData& table, std::size_t key, std::size_t parent,
     const TableColumn& parents = table.column(parent);
     ValueDictionary dictionary;
     for (std::size_t i = 0; i < range.size(); ++i) {
+        watch.turn();
         const Value value = keys.cells.get(range[i]);
         if (is_blank(value))
             throw_error<ContextException>(messages::kTreeNoKey, {row_number(i), keys.info.name});
@@ -96,6 +97,7 @@ void tree_by_parent(const TableData& table, std::size_t key, std::size_t parent,
     const wstring nothing;
     std::vector<NewTreeRow> rows(range.size());
     for (std::size_t i = 0; i < range.size(); ++i) {
+        watch.turn();
         rows[i].source = range[i];
         const Value above = parents.cells.get(range[i]);
         const auto found = is_blank(above) ? std::optional<ValueDictionary::Code>(0) : dictionary.find(above);
@@ -118,6 +120,7 @@ void tree_by_path(const TableData& table, std::size_t path, wstring_view separat
     std::vector<NewTreeRow> rows;
     Paths paths(separator, rows);
     for (std::size_t i = 0; i < range.size(); ++i) {
+        watch.turn();
         const Value value = column.cells.get(range[i]);
         const wstring_view* const text = value.asString();
         if (text == nullptr)
@@ -134,6 +137,7 @@ void tree_by_level(const TableData& table, std::size_t level, TableData& tree, W
     std::vector<NewTreeRow> rows(range.size());
     std::vector<std::uint32_t> above; // the last row of each level
     for (std::size_t i = 0; i < range.size(); ++i) {
+        watch.turn();
         const Value value = column.cells.get(range[i]);
         const auto depth = value.asSmallWhole();
         if (!depth || *depth < 0 || static_cast<std::size_t>(*depth) > above.size())

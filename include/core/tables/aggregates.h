@@ -85,7 +85,8 @@ struct Aggregate {
 }
 
 /// Returns a new table with a row for each group of rows whose cells are equal in all `columns`, in the order
-/// of the first ones: the cells of these columns, then the aggregates of the group. Without columns all rows
+/// of the first ones: the cells of these columns, then the aggregates of the group. Instead of a column may
+/// stand an expression with a name: "Year(Day) As Year". Without columns all rows
 /// are one group; a table without rows has no group.
 ///
 /// Where `levels` names a column, it stands in front, and there are totals besides: a row of level 0 for all

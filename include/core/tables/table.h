@@ -130,12 +130,14 @@ class Table {
     }
     /// Puts values into the first cells of a column; those that have no row are not used. Throws as
     /// IValueTable::loadColumn() does.
-    void setValues(const ColumnKey& column, std::span<const Value> values) const {
-        table_->loadColumn(id(column), values);
+    void setValues(const ColumnKey& column, std::span<const Value> values, Losses* losses = nullptr) const {
+        table_->loadColumn(id(column), values, losses);
     }
     /// Puts one value into all rows of these columns; no columns stand for all. Throws as IValueTable::fill()
     /// does.
-    void fill(const AnyValue& value, ColumnKeys columns = {}) const { table_->fill(value, ids(columns)); }
+    void fill(const AnyValue& value, ColumnKeys columns = {}, Losses* losses = nullptr) const {
+        table_->fill(value, ids(columns), losses);
+    }
 
     // copies
     /// Returns a new table with these columns and all rows; no columns stand for all.

@@ -110,8 +110,8 @@ class TreeRows {
     }
     /// Puts values into the first cells of a column; those that have no row are not used. Throws as
     /// IValueTreeRows::loadColumn() does.
-    void setValues(const ColumnKey& column, std::span<const Value> values) const {
-        rows_->loadColumn(column.idIn(tree_->columns()), values);
+    void setValues(const ColumnKey& column, std::span<const Value> values, Losses* losses = nullptr) const {
+        rows_->loadColumn(column.idIn(tree_->columns()), values, losses);
     }
 
   private:

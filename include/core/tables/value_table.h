@@ -146,10 +146,12 @@ class IValueTable : public IValueTableBaseRO {
 
     // whole columns
     /// Puts values into the first cells of a column; those that have no row are not used. Throws as said
-    /// above, and ConversionException where a value would not be kept whole.
-    virtual void loadColumn(std::int32_t column, std::span<const Value> values) = 0;
+    /// above. What a cell cannot keep is put into `losses`, where the row is the position of the value; where
+    /// these are null, it throws ConversionException, and nothing has changed.
+    virtual void loadColumn(std::int32_t column, std::span<const Value> values, Losses* losses = nullptr) = 0;
     /// Puts one value into all rows of these columns; no columns stand for all. Throws as loadColumn() does.
-    virtual void fill(const Value& value, std::span<const std::int32_t> columns = {}) = 0;
+    virtual void fill(const Value& value, std::span<const std::int32_t> columns = {},
+                      Losses* losses = nullptr) = 0;
 
     // indexes
     /// Adds an index over columns, behind the others: searches that name its columns use it. It follows every

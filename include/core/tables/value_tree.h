@@ -93,9 +93,8 @@ class IValueTreeRows : public IUnknown {
     findRows(std::span<const VTFindParam> filter, RowDepth depth = RowDepth::children) = 0;
     /// Returns the exact sum of the Numbers in a column, as IValueTableBaseRO::total() does. Throws as that.
     [[nodiscard]] virtual Value total(std::int32_t column, RowDepth depth = RowDepth::children) const = 0;
-    /// Puts values into the first cells of a column; those that have no row are not used. Throws as said
-    /// above, and ConversionException where a value would not be kept whole.
-    virtual void loadColumn(std::int32_t column, std::span<const Value> values) = 0;
+    /// Puts values into the first cells of a column, as IValueTable::loadColumn() does. Throws as that.
+    virtual void loadColumn(std::int32_t column, std::span<const Value> values, Losses* losses = nullptr) = 0;
     /// Returns the cells of a column, in the order of the rows. Throws as said above.
     [[nodiscard]] virtual std::vector<Value> unloadColumn(std::int32_t column) const = 0;
 

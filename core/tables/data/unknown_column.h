@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "core/tables/data/table_data.h"
+
+namespace core {
+
+/// Throws ContextException ("IDS_VT_UNKNOWN_COLUMN_ERROR") for a name that no column has. Its text names the
+/// nearest one, if one is near.
+[[noreturn]] void throw_unknown_column(const TableData& data, wstring_view name);
+
+} // namespace core
