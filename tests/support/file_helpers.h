@@ -6,10 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,9 +27,8 @@ inline std::string text_of(IFile& file) {
 class TempFolder {
   public:
     explicit TempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
-        : path_((parent / "core-test-XXXXXX").string()) {
-        if (::mkdtemp(path_.data()) == nullptr)
-            throw std::runtime_error("no temporary folder");
+        : path_((parent / ("core-test-" + to_utf8(to_string(new_guid())))).generic_string()) {
+        std::filesystem::create_directory(path_);
     }
     ~TempFolder() { std::filesystem::remove_all(path_); }
     [[nodiscard]] std::string operator/(std::string_view name) const {

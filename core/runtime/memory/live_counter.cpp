@@ -208,7 +208,7 @@ struct Leaks {
 };
 
 Leaks& leaks() noexcept {
-    static constinit detail::Immortal<Leaks> registry; // entries end in any order
+    static detail::Immortal<Leaks> registry; // entries end in any order
     return *registry;
 }
 

@@ -18,7 +18,7 @@ struct UnusedRecords {
 };
 
 UnusedRecords& unused_records() noexcept {
-    static constinit Immortal<UnusedRecords> records; // threads may end after the library's statics
+    static Immortal<UnusedRecords> records; // threads may end after the library's statics
     return *records;
 }
 

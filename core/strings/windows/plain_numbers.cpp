@@ -2,30 +2,37 @@
 #include "core/strings/plain_numbers.h"
 
 #include <locale.h>
-#include <stdlib.h>
-#include <string.h>
+
+#include <new>
+#include <string>
 
 namespace core {
+namespace {
 
-// The thread gets a locale of its own for the time; a thread that had one before keeps that, and its name is
-// kept for it.
+struct Before {
+    int mode;         // whether the thread had a locale of its own
+    std::string name; // of the locale for numbers
+};
+
+} // namespace
+
 PlainNumbers::PlainNumbers() noexcept : before_(nullptr) {
-    const int shared = _configthreadlocale(_ENABLE_PER_THREAD_LOCALE);
-    const char* const name = setlocale(LC_NUMERIC, nullptr);
-    if (shared == _ENABLE_PER_THREAD_LOCALE && strcmp(name, "C") != 0)
-        before_ = _strdup(name);
-    setlocale(LC_NUMERIC, "C");
-    if (shared != _ENABLE_PER_THREAD_LOCALE)
-        before_ = this; // a mark: back to the program's locale
+    const int mode = _configthreadlocale(_ENABLE_PER_THREAD_LOCALE);
+    try {
+        before_ = new Before{mode, setlocale(LC_NUMERIC, nullptr)};
+        setlocale(LC_NUMERIC, "C");
+    } catch (const std::bad_alloc&) { // the numbers are written as the program has it
+        _configthreadlocale(mode);
+    }
 }
 
 PlainNumbers::~PlainNumbers() {
-    if (before_ == this) {
-        _configthreadlocale(_DISABLE_PER_THREAD_LOCALE);
-    } else if (before_ != nullptr) {
-        setlocale(LC_NUMERIC, static_cast<const char*>(before_));
-        free(before_);
-    }
+    const auto* const before = static_cast<Before*>(before_);
+    if (before == nullptr)
+        return;
+    setlocale(LC_NUMERIC, before->name.c_str()); // which leaving the thread's own locale alone does not do
+    _configthreadlocale(before->mode);
+    delete before;
 }
 
 } // namespace core
