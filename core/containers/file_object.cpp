@@ -28,7 +28,7 @@ IFileSystem& files() {
 /// in every function. A name with a "*" would be a pattern to some, so it stays a URL.
 wstring plain_name(const wstring& url) {
     if (!is_file_url(url))
-        return url;
+        return split_url(url).path == url ? plain_path(url) : url;
     const std::string path = file_path(url);
     const wstring text = from_utf8(path);
     const bool means = to_utf8(text) == path && split_url(text).path == text && !has_wildcard(text);

@@ -17,6 +17,7 @@ namespace core {
 [[nodiscard]] std::string from_url_path(std::string path);
 /// The same path as the library writes it.
 [[nodiscard]] std::string plain_path(std::string path);
+[[nodiscard]] wstring plain_path(wstring path);
 /// Whether a text is the path of a drive, as systems with drives have it, and not a URL with a scheme.
 [[nodiscard]] bool begins_with_drive(wstring_view text) noexcept;
 /// Whether the system takes a path for what it says. Some names mean a device, or another file.

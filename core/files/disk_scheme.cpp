@@ -77,14 +77,15 @@ class DiskScheme : public IFileScheme {
 
     std::vector<FileInfo> findFile(const wstring& pattern) override {
         std::vector<FileInfo> found;
-        for (const std::string& path : matching(pattern)) {
+        for (const std::string& path : matching(plain_path(pattern))) {
             if (auto info = info_of(path)) // else it has just gone
                 found.push_back(std::move(*info));
         }
         return found;
     }
 
-    std::size_t remove(const wstring& pattern) override {
+    std::size_t remove(const wstring& named) override {
+        const wstring pattern = plain_path(named);
         const std::vector<std::string> paths = matching(pattern);
         if (paths.empty() && !isPattern(pattern))
             throw_file_error(messages::kFileRemove, pattern, ENOENT);

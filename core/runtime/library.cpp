@@ -90,6 +90,8 @@ SCOM_Module& core_module() noexcept {
 }
 
 bool library_main(ModuleHandle handle, LibraryEvent event) {
+    if (by_loader)
+        return true; // the loader has attached the library, and detaches it
     if (event == LibraryEvent::processAttach) {
         attach(handle);
         begin_program();

@@ -5,6 +5,7 @@
 #include "host/commands/settings_at_start.h"
 #include "host/commands/usage_error.h"
 #include "host/terminal/console_chooser.h"
+#include "host/terminal/disk_entry.h"
 #include "host/terminal/error_report.h"
 #include "host/terminal/uncaught_report.h"
 
@@ -97,7 +98,7 @@ core::Locale locale_of(const std::string& key) {
 /// Whether an argument names a file; what cannot be a path does not.
 bool is_file(const std::string_view argument) {
     std::error_code failure;
-    return std::filesystem::is_regular_file(argument, failure);
+    return std::filesystem::is_regular_file(native_path(argument), failure);
 }
 
 core::TableForm mode_of(const std::string& name) {

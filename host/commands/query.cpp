@@ -2,6 +2,7 @@
 #include "host/commands/commands.h"
 #include "host/commands/query_steps.h"
 #include "host/terminal/byte_input.h"
+#include "host/terminal/disk_entry.h"
 #include "host/terminal/error_report.h"
 #include "host/terminal/interrupts.h"
 #include "host/terminal/print.h"
@@ -40,7 +41,7 @@ enum class FileForm { csv, json, container };
 /// What a file is by its beginning and its name. A table in JSON begins with a bracket, which no name of a
 /// column does.
 FileForm form_of(const std::string& file, std::string_view text) {
-    const std::string extension = std::filesystem::path(file).extension().string();
+    const std::string extension = path_text(native_path(file).extension());
     if (extension == ".json" || extension == ".jsonl" || extension == ".ndjson")
         return FileForm::json;
     const std::size_t first = text.find_first_not_of(" \t\r\n");
@@ -77,8 +78,8 @@ class Beginning {
 std::optional<GenericValue> value_in_container(const std::string& file) {
     const std::size_t colon = file.rfind(':');
     std::error_code ignored;
-    if (colon == std::string::npos || colon == 0 || std::filesystem::exists(file, ignored) ||
-        !std::filesystem::is_regular_file(file.substr(0, colon), ignored))
+    if (colon == std::string::npos || colon == 0 || std::filesystem::exists(native_path(file), ignored) ||
+        !std::filesystem::is_regular_file(native_path(file.substr(0, colon)), ignored))
         return std::nullopt;
     return Container(file.substr(0, colon), Container::read).get(from_utf8(file.substr(colon + 1)));
 }
@@ -117,7 +118,7 @@ GenericValue load(const std::string& file, const QueryOptions& options, Console&
 
 /// The name under which a script finds the table of a file; empty where the file has no such name.
 wstring variable_of(const std::string& file) {
-    wstring name = from_utf8(std::filesystem::path(file).stem().string());
+    wstring name = from_utf8(path_text(native_path(file).stem()));
     for (wchar& unit : name)
         unit = is_alnum(unit) || unit == u'_' ? unit : u'_';
     return is_valid_name(name) ? name : wstring();

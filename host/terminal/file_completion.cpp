@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/file_completion.h"
 
+#include "host/terminal/disk_entry.h"
+
 #include <core/runtime/utf8.h>
 
 #include <algorithm>
@@ -44,9 +46,9 @@ core::script::Completion complete_path(core::wstring_view begun, core::wstring_v
     core::script::Completion found;
     found.typed = begun.size() - (begun.rfind(u'/') + 1);
     std::error_code error;
-    for (fs::directory_iterator entry(slash == 0 ? "." : path.substr(0, slash), error), none;
+    for (fs::directory_iterator entry(native_path(slash == 0 ? "." : path.substr(0, slash)), error), none;
          !error && entry != none; entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
+        const std::string name = path_text(entry->path().filename());
         if (!name.starts_with(beginning) || (beginning.empty() && name.starts_with('.')))
             continue;
         std::error_code gone;

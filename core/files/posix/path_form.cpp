@@ -16,6 +16,10 @@ std::string plain_path(std::string path) {
     return path;
 }
 
+wstring plain_path(wstring path) {
+    return path;
+}
+
 bool begins_with_drive(wstring_view) noexcept {
     return false;
 }

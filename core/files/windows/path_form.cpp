@@ -70,6 +70,11 @@ std::string plain_path(std::string path) {
     return path;
 }
 
+wstring plain_path(wstring path) {
+    std::ranges::replace(path, u'\\', u'/');
+    return path;
+}
+
 bool begins_with_drive(wstring_view text) noexcept {
     return has_drive(text) && (text.size() == 2 || text[2] == u'/' || text[2] == u'\\') &&
            text.substr(2, 2) != u"//";
