@@ -126,6 +126,21 @@ TEST_F(TreesOfTables, PathsMakeTheRowsAboveThem) {
               message_text("IDS_VT_TREE_SEPARATOR", {u"1", u"usr", u"Path", u"s"}));
 }
 
+TEST_F(TreesOfTables, BecomeNoTablesWithoutKeysAndNames) {
+    const auto failed = [](std::vector<Arguments> rows, const wchar* method, Arguments arguments) {
+        const GenericValue tree = call(table_of(u"Key,Name,Level", std::move(rows)), u"TreeByLevel");
+        return failure([&] { call(tree, method, std::move(arguments)); });
+    };
+    const std::vector<Arguments> rows = {{1, u"a", 0}, {Value(), 5, 1}, {1, Value::null(), 0}};
+    EXPECT_EQ(failed(rows, u"TableByParent", {u"Key", u"Above"}),
+              message_text("IDS_VT_TREE_NO_KEY", {u"2", u"Key"}));
+    EXPECT_EQ(failed({rows[0], rows[2]}, u"TableByParent", {u"Key", u"Above"}),
+              message_text("IDS_VT_TREE_KEY_TWICE", {u"2", u"1", u"Key"}));
+    EXPECT_EQ(failed(rows, u"TableByPath", {u"Name"}), message_text("IDS_VT_TREE_NO_PATH", {u"2", u"Name"}));
+    EXPECT_EQ(failed({rows[0], rows[2]}, u"TableByPath", {u"Name"}),
+              message_text("IDS_VT_TREE_NO_PATH", {u"2", u"Name"}));
+}
+
 TEST_F(TreesOfTables, RefuseRowsThatAreNoTree) {
     const auto failed = [](std::vector<Arguments> rows) {
         const GenericValue table = table_of(u"Key,Above", std::move(rows));

@@ -30,7 +30,7 @@ std::optional<NumberText> read_wide(std::string_view text) {
     Numeric number = *mantissa;
     if (mark != std::string_view::npos) {
         std::string_view digits = text.substr(mark + 1);
-        if (digits.starts_with('+'))
+        if (digits.starts_with('+') && !digits.starts_with("+-")) // a second sign would be read
             digits.remove_prefix(1);
         int exponent = 0;
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
