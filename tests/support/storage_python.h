@@ -26,6 +26,16 @@ inline std::string hexadecimal(std::span<const std::byte> bytes) {
     return text.empty() ? "-" : text;
 }
 
+/// A name as its file holds it: each unit with the lower byte first.
+inline std::string hexadecimal(wstring_view name) {
+    Bytes bytes;
+    for (const wchar unit : name) {
+        bytes.push_back(static_cast<std::byte>(unit));
+        bytes.push_back(static_cast<std::byte>(unit >> 8));
+    }
+    return hexadecimal(bytes);
+}
+
 /// What a container says of one inner file. Names and contents are in hexadecimal.
 struct Listed {
     std::uint64_t created;
@@ -45,8 +55,8 @@ inline Listing listing(const StorageRW& storage) {
     const StorageReading reading(storage);
     Listing files;
     for (const StorageFound& found : storage.find())
-        files[hexadecimal(std::as_bytes(std::span(found.name)))] = {
-            found.created.ticks(), found.modified.ticks(), hexadecimal(storage.get(found.name)), 0};
+        files[hexadecimal(found.name)] = {found.created.ticks(), found.modified.ticks(),
+                                          hexadecimal(storage.get(found.name)), 0};
     return files;
 }
 
@@ -96,8 +106,7 @@ class Python {
                              unsigned seed) const {
         std::ofstream lines(lines_);
         for (const auto& [name, content] : model)
-            lines << hexadecimal(std::as_bytes(std::span(name))) << " 12 345678 7 " << hexadecimal(content)
-                  << '\n';
+            lines << hexadecimal(name) << " 12 345678 7 " << hexadecimal(content) << '\n';
         lines.close();
         run("make", layout,
             std::to_string(table) + " " + std::to_string(seed) + " <" + lines_ + " >" + images_);
