@@ -41,10 +41,10 @@ class IValueList : public IUnknown {
 
     /// What an item holds.
     struct Item {
-        Value value;               ///< the value, of the list's type description
-        LocalWString presentation; ///< the text that a user reads; empty for the value's own
-        bool check = false;        ///< the check mark
-        Value picture;             ///< a picture, or Undefined
+        Value value{};               ///< the value, of the list's type description
+        LocalWString presentation{}; ///< the text that a user reads; empty for the value's own
+        bool check = false;          ///< the check mark
+        Value picture{};             ///< a picture, or Undefined
     };
 
     // inspect
