@@ -303,7 +303,7 @@ TEST_F(Allocation, PeriodsAreWholeOrNotThere) {
         "T = New ValueTable; T.Columns.Add(\"Day\", New TypeDescription(\"Date\")); "
         "For I = 1 To 40 Do R = T.Add(); R.Day = '20260101' + I * 86400; EndDo; R = 0; "
         "V = StandardPeriodVariant; P = New Structure(\"A, B\", New StandardPeriod(V.LastMonth), "
-        "(New StandardPeriod(V.ThisMonth)).On('20260115'));";
+        "(New StandardPeriod(V.ThisMonth)).On('20260115')); V = 0;";
     check({
         {"", "T = \"\" + New StandardPeriod(StandardPeriodVariant.LastQuarterToDate);"},
         {"", "T = ToText(New StandardBeginningDate(StandardBeginningDateVariant.BeginningOfThisYear));"},
