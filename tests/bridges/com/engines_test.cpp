@@ -109,10 +109,6 @@ TEST_F(ComEngines, VBScriptMakesReadsChangesAndCalls) {
     const auto held = dispatch_of(Value(maker_));
     Site site(u"VBScript", held.get());
     EXPECT_EQ(site.run("Set A = Maker.Make(\"Array\")\n"
-                       "A.Add 1\nA.Добавить \"two\"\n"
-                       "A.[Добавить] 2.5\n"),
-              "");
-    EXPECT_EQ(site.run("Set A = Maker.Make(\"Array\")\n"
                        "A.Add 1\nA.Add \"two\"\nA.Add 2.5\n"
                        "Set S = Maker.Make(\"Structure\")\n"
                        "S.Insert \"Price\", 10\nS.Price = S.Price + A(0)\n"
@@ -158,7 +154,7 @@ TEST_F(ComEngines, EveryTypeIsReachedByBothNames) {
             continue; // New needs something else
         }
         const auto context = object.query<IContext_>();
-        if (!context)
+        if (!context || wstring_view(type->name(kEnglish)) == u"COMError") // crosses as a VT_ERROR
             continue;
         ++types;
         for (int prop = 0; prop < context->getNProps(); ++prop) {
@@ -171,13 +167,18 @@ TEST_F(ComEngines, EveryTypeIsReachedByBothNames) {
                 }
                 const std::string name = to_utf8(context->getPropName(prop, alias));
                 const std::string kind = to_utf8(value.type().name(kEnglish));
-                EXPECT_EQ(site.run("var X = Maker.Make('" + to_utf8(type->name(alias)) +
-                                   "'); var K = Maker.Kind(X['" + name + "']); Maker.Take(K);"),
-                          "")
-                    << to_utf8(type->name(kEnglish)) << "." << name;
-                if (kind != "Date") // JScript hands dates over as objects of its own
-                    EXPECT_EQ(to_utf8(maker_->taken.presentation()), kind) << name;
+                const std::string failure =
+                    site.run("var X = Maker.Make('" + to_utf8(type->name(alias)) +
+                             "'); var K = Maker.Kind(X['" + name + "']); Maker.Take(K);");
                 ++members;
+                if (value == Value(Date())) {
+                    EXPECT_NE(failure.find("COM_NOT_EXACT"), std::string::npos) << failure;
+                    continue;
+                }
+                EXPECT_EQ(failure, "") << to_utf8(type->name(kEnglish)) << "." << name;
+                if (kind != "Date") { // JScript hands dates over as objects of its own
+                    EXPECT_EQ(to_utf8(maker_->taken.presentation()), kind) << name;
+                }
             }
         }
         const auto own = dispatch_of(object);

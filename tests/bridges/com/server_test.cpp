@@ -10,6 +10,9 @@
 namespace core::com {
 namespace {
 
+using Action = ::HRESULT(WINAPI*)(); // DllRegisterServer and its like
+using GetClass = ::HRESULT(WINAPI*)(REFCLSID clsid, REFIID iid, void** out);
+
 /// The library as another program loads it, which knows nothing of us.
 class Server {
   public:
@@ -27,14 +30,14 @@ class Server {
 
 TEST(ComServer, OtherProgramsMakeOurObjects) {
     Server server;
-    ASSERT_EQ(server.function<LPFNCANUNLOADNOW>("DllRegisterServer")(), S_OK);
-    const auto canUnload = server.function<LPFNCANUNLOADNOW>("DllCanUnloadNow");
+    ASSERT_EQ(server.function<Action>("DllRegisterServer")(), S_OK);
+    const auto canUnload = server.function<Action>("DllCanUnloadNow");
     CLSID id;
     ASSERT_EQ(CLSIDFromProgID(u"Core.Array", &id), S_OK);
     {
         ComPtr<IDispatch> array;
         ASSERT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, array.out()), S_OK);
-        VARIANT value;
+        VARIANT value{};
         V_VT(&value) = VT_I4;
         V_I4(&value) = 5;
         EXPECT_EQ(call(*array.get(), u"Add", DISPATCH_METHOD, {&value, 1}, nullptr), S_OK);
@@ -43,10 +46,10 @@ TEST(ComServer, OtherProgramsMakeOurObjects) {
         EXPECT_EQ(V_I4(&count), 1);
         EXPECT_EQ(canUnload(), S_FALSE);
     }
-    const auto getClass = server.function<LPFNGETCLASSOBJECT>("DllGetClassObject");
+    const auto getClass = server.function<GetClass>("DllGetClassObject");
     void* none = nullptr;
     EXPECT_EQ(getClass(IID_IUnknown, IID_IClassFactory, &none), CLASS_E_CLASSNOTAVAILABLE);
-    EXPECT_EQ(server.function<LPFNCANUNLOADNOW>("DllUnregisterServer")(), S_OK);
+    EXPECT_EQ(server.function<Action>("DllUnregisterServer")(), S_OK);
     EXPECT_NE(CLSIDFromProgID(u"Core.Array", &id), S_OK);
 }
 

@@ -185,7 +185,7 @@ TEST_F(ComValues, TypesThatWeNeverMakeAreRead) {
     EXPECT_EQ(read([&](V v) { typed(v, VT_I2, V_I2(&v), SHORT{-5}); }), "-5");
     VARIANT v;
     VariantInit(&v);
-    typed(v, VT_UI8, V_UI8(&v), std::numeric_limits<ULONGLONG>::max());
+    typed(v, VT_UI8, V_UI8(&v), std::numeric_limits<std::uint64_t>::max());
     EXPECT_EQ(from_variant(v), number("18446744073709551615"));
     typed(v, VT_UI4, V_UI4(&v), 4294967295U);
     EXPECT_EQ(from_variant(v), number("4294967295"));
@@ -193,7 +193,7 @@ TEST_F(ComValues, TypesThatWeNeverMakeAreRead) {
     EXPECT_EQ(from_variant(v), number("0.1"));
     typed(v, VT_R8, V_R8(&v), 0.1);
     EXPECT_EQ(from_variant(v), number("0.1"));
-    typed(v, VT_CY, V_CY(&v).int64, std::numeric_limits<LONGLONG>::min());
+    typed(v, VT_CY, V_CY(&v).int64, std::numeric_limits<std::int64_t>::min());
     EXPECT_EQ(from_variant(v), number("-922337203685477.5808"));
     typed(v, VT_ERROR, V_ERROR(&v), E_FAIL);
     EXPECT_EQ(to_utf8(from_variant(v).presentation()), "0x80004005");
