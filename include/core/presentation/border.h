@@ -34,8 +34,8 @@ struct CORE_API LumBorder {
     /// The automatic border.
     constexpr LumBorder() noexcept = default;
     /// A border of one line on all sides.
-    explicit constexpr LumBorder(const LumLine& line, BorderKind kind = BorderKind::lines) noexcept
-        : kind(kind), sides{line, line, line, line} {}
+    explicit constexpr LumBorder(const LumLine& line, BorderKind borderKind = BorderKind::lines) noexcept
+        : kind(borderKind), sides{line, line, line, line} {}
 
     /// Returns the line of a side.
     [[nodiscard]] constexpr const LumLine& side(BorderSide side) const noexcept {
