@@ -109,7 +109,7 @@ TEST_F(ComEngines, VBScriptMakesReadsChangesAndCalls) {
     const auto held = dispatch_of(Value(maker_));
     Site site(u"VBScript", held.get());
     EXPECT_EQ(site.run("Set A = Maker.Make(\"Array\")\n"
-                       "A.Add 1\nA.Add \"two\"\nA.Add 2.5\n"
+                       "A.Add 1\nA.Добавить \"two\"\nA.Add 2.5\n"
                        "Set S = Maker.Make(\"Structure\")\n"
                        "S.Insert \"Price\", 10\nS.Price = S.Price + A(0)\n"
                        "Text = \"\"\nFor Each X In A\nText = Text & X & \";\"\nNext\n"
