@@ -27,9 +27,9 @@ class History {
     /// Adds what takes back edits that have been made. What had been taken back can no longer be made again.
     void add(EditStep step) noexcept;
 
-    /// The last step that can be taken back; null when there is none. Owned by the history.
+    /// The last step that can be taken back, or null. Owned by the history.
     [[nodiscard]] EditStep* last() noexcept { return undo_.empty() ? nullptr : &undo_.back(); }
-    /// The last step that was taken back; null when there is none. Owned by the history.
+    /// The last step that was taken back, or null. Owned by the history.
     [[nodiscard]] EditStep* lastUndone() noexcept { return redo_.empty() ? nullptr : &redo_.back(); }
     /// The last step has been taken back; `inverse` makes it again.
     void undone(std::vector<Edit> inverse) noexcept;

@@ -127,7 +127,7 @@ void ProfileFile::mendIfDamaged(Changed& changed) {
     }
 }
 
-/// Opens the file, which is made where there is none, and locks it.
+/// Opens the file and locks it. Creates the file if it does not exist.
 InterfacePtr<IFile> ProfileFile::openForWriting() {
     if (url_.empty())
         throw_error<ProfileException>(messages::kProfileNoFile);

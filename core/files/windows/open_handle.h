@@ -23,8 +23,8 @@ struct Opening {
 /// The system's handle behind a descriptor, borrowed; INVALID_HANDLE_VALUE for none.
 [[nodiscard]] HANDLE handle_of(int descriptor) noexcept;
 
-/// A lock of a whole file that is none of its regions, which ends with the descriptor; an exclusive one is
-/// not waited for. False with the reason in errno. What was held of it before is given back first.
+/// A lock of a whole file, apart from the locks of its regions. It ends with the descriptor; an exclusive one
+/// is not waited for. False with the reason in errno. What was held of it before is given back first.
 [[nodiscard]] bool lock_whole(int descriptor, bool exclusive) noexcept;
 
 } // namespace core::windows

@@ -32,7 +32,7 @@ class Numbers {
         const std::uint32_t type = word(entry + 2);
         return type == kShort ? word(entry + 8) : type == kLong ? number(entry + 8) : 0;
     }
-    /// The fraction that an entry leads to; 0 where there is none.
+    /// The fraction that an entry leads to; 0 if it leads to no fraction.
     [[nodiscard]] double fraction(const std::uint8_t* entry) const {
         if (word(entry + 2) != kRational)
             return 0;
