@@ -34,7 +34,8 @@ class MarkTree {
     [[nodiscard]] std::uint64_t offset(std::uint32_t mark) const noexcept;
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
-    /// The first mark at `offset` or behind it; with `behind` only those behind it. kNone if no mark is there.
+    /// The first mark at `offset` or behind it; with `behind` only those behind it. kNone if no mark is
+    /// there.
     [[nodiscard]] std::uint32_t firstFrom(std::uint64_t offset, bool behind) const noexcept;
     /// The mark behind a mark; kNone behind the last one.
     [[nodiscard]] std::uint32_t next(std::uint32_t mark) const noexcept;
