@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/process/id_table.h"
+#include "host/process/library_classes.h"
 #include "host/process/readers.h"
 
 #include <host/host_process.h>
@@ -12,8 +13,9 @@
 
 namespace host::detail {
 
-/// The classes of a process. Making an object takes no lock; a factory that was taken back is kept until no
-/// thread can be inside of it.
+/// The classes of a process: those that were registered one by one, and those of the library, of which the
+/// process only remembers which ones were taken back. Making an object takes no lock; a factory that was
+/// taken back is kept until no thread can be inside of it.
 class ClassTable {
   public:
     using Registration = ProcessObject::Registration;
@@ -23,6 +25,11 @@ class ClassTable {
     ClassTable& operator=(const ClassTable&) = delete;
     ~ClassTable() = default;
 
+    /// Adds all classes of the library. Throws std::bad_alloc, and ProcessException (kClassClaimed) where
+    /// another owner has one of them.
+    void addLibrary();
+    /// Takes all classes of the library back.
+    void removeLibrary() noexcept { library_.store(nullptr); }
     /// Adds a class, or replaces the one that the same owner has added. Throws ProcessException
     /// (kClassClaimed) for a class of another owner.
     void add(const core::GUID& clsid, const Registration& registration);
@@ -56,9 +63,13 @@ class ClassTable {
 
     /// Makes `factory` what makes the class, and keeps the one before. Returns whether there was one.
     bool replace(Class& entry, core::InterfacePtr<core::IClassFactory> factory) noexcept;
+    /// Returns what the library declares of a class that was not taken back, null for none.
+    [[nodiscard]] const LibraryClasses::Class* ofLibrary(const core::GUID& clsid) const noexcept;
 
     mutable std::mutex lock_; // of everything except making
-    IdTable<Class> classes_;
+    IdTable<Class> classes_;  // those before the library's
+    std::atomic<const LibraryClasses*> library_{nullptr};
+    std::vector<std::atomic<bool>> gone_; // by index: the classes of the library that were taken back
     std::vector<core::InterfacePtr<core::IClassFactory>> retired_;
     Readers readers_;
 };

@@ -22,7 +22,10 @@ HostProcess::HostProcess(const Settings& settings)
     for (const SCOM_Module* module : registered_modules()) {
         if (module->info().leaves) // of another process, which may unload it
             continue;
-        take(*module);
+        if (module == &core_module())
+            object_->addLibrary();
+        else
+            take(*module);
     }
     scope_.emplace(object_.get()); // last: what fails before leaves the thread as it was
 }
@@ -37,7 +40,9 @@ HostProcess::~HostProcess() {
         const ModulesScope scopeOfModules;
         const auto modules = registered_modules();
         std::for_each(modules.rbegin(), modules.rend(), [this](const SCOM_Module* module) {
-            if (!module->info().leaves) // those were unloaded
+            if (module == &core_module())
+                object_->removeLibrary();
+            else if (!module->info().leaves) // those were unloaded
                 module->revokeAll(object_.get());
         });
     } catch (const std::bad_alloc&) { // the factories go with the process object

@@ -46,6 +46,7 @@ class IdTable {
     }
     /// Returns all entries, in the order in which they were added.
     [[nodiscard]] std::deque<Entry>& entries() noexcept { return entries_; }
+    [[nodiscard]] const std::deque<Entry>& entries() const noexcept { return entries_; }
 
   private:
     class Slots {

@@ -17,6 +17,17 @@ ProcessObject::ProcessObject(const Settings& settings)
 
 ProcessObject::~ProcessObject() = default;
 
+void ProcessObject::addLibrary() {
+    classes_->addLibrary();
+    for (const ClassEntry* const entry : detail::LibraryClasses::get().services())
+        services_->offerClass(*entry->record.service, *entry->record.clsid, &core_module());
+}
+
+void ProcessObject::removeLibrary() noexcept {
+    services_->revoke([](const auto& offer) { return offer.owner == &core_module(); });
+    classes_->removeLibrary();
+}
+
 void ProcessObject::registerClass(const GUID& clsid, IClassFactory* factory, std::int32_t threading,
                                   std::int32_t attributes) {
     classes_->add(clsid, {factory, threading, attributes, nullptr});

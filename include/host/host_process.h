@@ -67,6 +67,12 @@ class ProcessObject : public core::SCOM_Process {
     /// Lets go of the services of `owner`.
     void revokeModuleResources(const core::SCOM_Module& owner, core::SCOM_ResourceBundle* bundle) override;
 
+    /// Adds all classes and services of the library, in a time that does not depend on how many classes there
+    /// are. Throws std::bad_alloc, and ProcessException (kClassClaimed, kServiceClaimed) for one that another
+    /// owner has.
+    void addLibrary();
+    /// Takes the classes and services of the library back, those services that were made last first.
+    void removeLibrary() noexcept;
     /// Offers an object as the service `iid`, in place of any other, and keeps a reference to it. Throws
     /// ProcessException (kNoService) when the object does not have the interface.
     void offerService(const core::GUID& iid, core::IUnknown* object);
@@ -82,8 +88,8 @@ class ProcessObject : public core::SCOM_Process {
     };
     /// Returns whether objects of a class can be made. Takes no lock.
     [[nodiscard]] bool hasClass(const core::GUID& clsid) const noexcept;
-    /// Makes no objects of the classes of `owner` any more, and lets go of those that are its services, the
-    /// last one made first. What is registered stays, for resume().
+    /// Makes no objects of the classes of `owner`, a loaded module, any more, and lets go of those that are
+    /// its services, the last one made first. What is registered stays, for resume().
     void suspend(const core::SCOM_Module& owner) noexcept;
     /// Undoes suspend(): services are made again when they are next asked for.
     void resume(const core::SCOM_Module& owner) noexcept;

@@ -83,6 +83,8 @@ class CORE_API SCOM_Module {
     [[nodiscard]] const ModuleInfo& info() const noexcept { return info_; }
     /// Returns what init() was given, null before.
     [[nodiscard]] ModuleHandle handle() const noexcept { return handle_; }
+    /// Returns the head of the module's list of declarations, borrowed as long as its code; null for none.
+    [[nodiscard]] const ClassEntry* declarations() const noexcept { return entries_; }
 
   private:
     void handOver(const ClassEntry& entry, const ClassRecord& record, SCOM_Process* process) const;
