@@ -280,43 +280,6 @@ TEST_F(Processes, WhatTwoModulesClaimIsRefusedAndNamesBoth) {
     two->revokeAll(process.get());
 }
 
-TEST_F(Processes, TakeTheClassesOfTheLibraryBackEachForItself) {
-    ClassEntry own = service_entry<0>();
-    own.record.clsid = core_module().declarations()->record.clsid;
-    own.record.service = nullptr;
-    const GUID& id = *own.record.clsid;
-    OwnModule one("one", {own});
-    const host::HostProcess first;
-    const host::HostProcess second;
-    const auto makes = [&](const host::HostProcess& process) {
-        const InterfacePtr<INamed> object(process.get()->createInstance(id).get());
-        return object ? "ours" : process.get()->createInstance(id) ? "the library's" : "nothing";
-    };
-    const std::string text = to_utf8(to_string(id));
-    EXPECT_EQ(failure([&] { one->registerAll(first.get()); }), "IDS_PROCESS_CLASS_CLAIMED core one " + text);
-    one->revokeAll(first.get());
-    EXPECT_STREQ(makes(first), "the library's");
-
-    first.get()->revokeClass(id);
-    EXPECT_STREQ(makes(first), "nothing");
-    EXPECT_STREQ(makes(second), "the library's");
-    one->registerAll(first.get());
-    EXPECT_STREQ(makes(first), "ours");
-    EXPECT_EQ(failure([&] { core_module().registerClass(id, first.get()); }),
-              "IDS_PROCESS_CLASS_CLAIMED one core " + text);
-    one->revokeAll(first.get());
-    core_module().registerClass(id, first.get());
-    EXPECT_STREQ(makes(first), "the library's");
-    EXPECT_EQ(static_cast<host::ProcessObject*>(first.get())->registration(id).owner, &core_module());
-    core_module().revokeAll(first.get());
-    EXPECT_STREQ(makes(first), "nothing");
-    EXPECT_FALSE(get_service<IFileSystem>() == nullptr) << "of the second";
-
-    const auto bare = make_process();
-    one->registerAll(bare.get());
-    EXPECT_EQ(failure([&] { bare->addLibrary(); }), "IDS_PROCESS_CLASS_CLAIMED one core " + text);
-}
-
 /// A process of three classes, whose services are made as in_constructor says.
 class Services : public Processes {
   protected:
