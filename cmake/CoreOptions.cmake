@@ -44,6 +44,25 @@ endif()
 add_compile_options(-fno-semantic-interposition -fno-plt -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 add_link_options(-Wl,--as-needed)
 
+# Presets with CMAKE_UNITY_BUILD compile some sources of a folder as one, which is three times as fast from nothing. Names in the
+# unnamed namespaces of one folder must differ for that.
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  add_compile_options(-Wno-subobject-linkage) # takes the sources for headers
+endif()
+# core_join_sources(TARGET): says which sources go together, so that a new one concerns those of its folder alone.
+function(core_join_sources target)
+  get_target_property(sources ${target} SOURCES)
+  list(SORT sources)
+  foreach(source ${sources})
+    cmake_path(GET source PARENT_PATH folder)
+    string(MD5 folder "${folder}")
+    math(EXPR count_${folder} "0${count_${folder}} + 1")
+    math(EXPR part "${count_${folder}} / 12")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${folder}_${part})
+  endforeach()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+endfunction()
+
 set(CORE_SANITIZE "" CACHE STRING "Sanitizers, as in address,undefined")
 if(CORE_SANITIZE)
   add_compile_options(-fsanitize=${CORE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

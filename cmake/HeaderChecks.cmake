@@ -17,4 +17,5 @@ add_library(headers_together OBJECT EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/heade
 foreach(check headers_alone headers_together)
   target_include_directories(${check} PRIVATE ${PROJECT_SOURCE_DIR}/include)
   target_compile_options(${check} PRIVATE -Wshadow)
+  set_target_properties(${check} PROPERTIES UNITY_BUILD OFF)
 endforeach()

@@ -40,7 +40,7 @@ class ComError : public ScriptObject<ComError> {
     }
 };
 
-const ScriptClassEntry<ComError> kEntry;
+const ScriptClassEntry<ComError> kComErrorEntry;
 
 } // namespace
 

@@ -14,7 +14,7 @@ namespace core::com {
 namespace {
 
 constexpr WORD kRead = DISPATCH_METHOD | DISPATCH_PROPERTYGET; // an index makes a call of a property
-const ScriptClassEntry<ForeignObject> kEntry;
+const ScriptClassEntry<ForeignObject> kForeignObjectEntry;
 
 const wchar* name_of(const ForeignMembers::Member* member, int alias) noexcept {
     return member != nullptr && (alias == kEnglish || alias == kRussian) ? member->name.c_str() : nullptr;

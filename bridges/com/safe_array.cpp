@@ -216,7 +216,7 @@ class SafeArray : public ScriptObject<SafeArray> {
     SAFEARRAY* array_;
 };
 
-const ScriptClassEntry<SafeArray> kEntry;
+const ScriptClassEntry<SafeArray> kSafeArrayEntry;
 
 } // namespace
 

@@ -160,7 +160,7 @@ class TypeLibrary : public ScriptObject<TypeLibrary> {
     wstring id_;
 };
 
-const ScriptClassEntry<TypeLibrary> kEntry;
+const ScriptClassEntry<TypeLibrary> kTypeLibraryEntry;
 
 } // namespace
 

@@ -39,7 +39,7 @@ InterfacePtr<IValueSequence> create_fixed_value_array(std::vector<Value> values)
 
 namespace {
 
-const ScriptClassEntry<FixedValueArray> kEntry;
+const ScriptClassEntry<FixedValueArray> kFixedValueArrayEntry;
 
 } // namespace
 } // namespace core

@@ -134,7 +134,7 @@ std::span<const Method<ValueArray>> ValueArray::methods() noexcept {
 
 namespace {
 
-const ScriptClassEntry<ValueArray> kEntry;
+const ScriptClassEntry<ValueArray> kValueArrayEntry;
 
 } // namespace
 } // namespace core

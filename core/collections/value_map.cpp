@@ -86,7 +86,7 @@ std::span<const Method<ValueMap>> ValueMap::methods() noexcept {
 
 namespace {
 
-const ScriptClassEntry<ValueMap> kEntry;
+const ScriptClassEntry<ValueMap> kValueMapEntry;
 
 } // namespace
 } // namespace core

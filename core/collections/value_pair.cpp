@@ -69,7 +69,7 @@ KeyAndValue deserialize_pair(IInPersistenceStorage* storage) {
 
 namespace {
 
-const ScriptClassEntry<ValuePair> kEntry;
+const ScriptClassEntry<ValuePair> kValuePairEntry;
 
 } // namespace
 } // namespace core

@@ -9,7 +9,7 @@
 namespace core {
 namespace {
 
-constexpr GUID kClassId = "0342ac9d-ee78-4f88-847f-a3c8b97fa68d"_guid;
+constexpr GUID kValuePairListEnumClassId = "0342ac9d-ee78-4f88-847f-a3c8b97fa68d"_guid;
 
 /// The pairs that a structure or a map held when a walk began. Shared: it outlives changes to the collection.
 using ValuePairList = std::vector<InterfacePtr<IValuePair>>;
@@ -35,7 +35,7 @@ class ValuePairListEnum : public IValueEnum {
     std::size_t next_ = 0;
 };
 
-const SCOM_Class<ValuePairListEnum, &kClassId> kEntry("ValuePairListEnum");
+const SCOM_Class<ValuePairListEnum, &kValuePairListEnumClassId> kValuePairListEnumEntry("ValuePairListEnum");
 
 } // namespace
 

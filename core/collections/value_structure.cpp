@@ -179,7 +179,7 @@ std::span<const Method<ValueStructure>> ValueStructure::methods() noexcept {
 
 namespace {
 
-const ScriptClassEntry<ValueStructure> kEntry;
+const ScriptClassEntry<ValueStructure> kValueStructureEntry;
 
 } // namespace
 } // namespace core

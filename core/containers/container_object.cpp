@@ -169,7 +169,7 @@ class ContainerFunctions : public IContextImpl<IContextDefImpl<ContainerFunction
 };
 
 const ScriptClassEntry<ContainerObject> kContainer;
-const ScriptClassEntry<ContainerFile> kFile;
+const ScriptClassEntry<ContainerFile> kContainerFileEntry;
 const ScriptClassEntry<Containers> kContainers;
 
 } // namespace

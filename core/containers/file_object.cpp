@@ -189,7 +189,7 @@ class FileFunctions : public IContextImpl<IContextDefImpl<FileFunctions>>,
     }
 };
 
-const ScriptClassEntry<FileObject> kFile;
+const ScriptClassEntry<FileObject> kFileObjectEntry;
 
 } // namespace
 

@@ -25,7 +25,7 @@ constexpr EnumerationInfo kFormsInfo = {
 };
 const EnumerationEntry<kFormsInfo> kFormsEntry("ValueForms");
 
-const ScriptClassEntry<StoredValue> kEntry;
+const ScriptClassEntry<StoredValue> kStoredValueEntry;
 
 /// What a body begins with.
 enum class Place : std::int32_t { here, inPart };

@@ -51,7 +51,7 @@ class Procedure : public ScriptObject<Procedure, ICallable> {
     CallableParts parts_;
 };
 
-const ScriptTypeEntry<Procedure> kEntry;
+const ScriptTypeEntry<Procedure> kCallableEntry;
 
 } // namespace
 

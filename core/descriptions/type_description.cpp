@@ -158,7 +158,7 @@ std::span<const Method<TypeDescription>> TypeDescription::methods() noexcept {
     return kTable;
 }
 
-const ScriptClassEntry<TypeDescription> kEntry;
+const ScriptClassEntry<TypeDescription> kTypeDescriptionEntry;
 
 } // namespace
 

@@ -264,7 +264,7 @@ class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistab
     Encoding encoding_;
 };
 
-const ScriptClassEntry<TextDocument> kEntry;
+const ScriptClassEntry<TextDocument> kTextDocumentEntry;
 
 } // namespace
 

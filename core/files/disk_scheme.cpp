@@ -28,7 +28,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const wstring kScheme = u"file";
+const wstring kDiskScheme = u"file";
 
 bool is_missing(int error) noexcept {
     return error == ENOENT || error == ENOTDIR;
@@ -69,7 +69,7 @@ class DiskScheme : public IFileScheme {
   public:
     using Interfaces = InterfaceList<IFileScheme>;
 
-    const wstring& schemeName() const noexcept override { return kScheme; }
+    const wstring& schemeName() const noexcept override { return kDiskScheme; }
     URL parseURL(const wstring& url) const override { return split_url(url); }
     InterfacePtr<IFile> openURL(const wstring& url, OpenMode mode) override {
         return open_disk_file(file_path(url), mode);

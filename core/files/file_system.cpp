@@ -143,7 +143,7 @@ class FileSystem : public IFileSystem {
 namespace {
 
 constexpr GUID kFileSystemClass = "3a6c2188-45c3-11d4-985d-008048da1252"_guid;
-const SCOM_ServiceEntryInit<FileSystem, &kFileSystemClass, &IFileSystem::IID> entry("FileSystem");
+const SCOM_ServiceEntryInit<FileSystem, &kFileSystemClass, &IFileSystem::IID> kFileSystemEntry("FileSystem");
 
 } // namespace
 

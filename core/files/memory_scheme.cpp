@@ -13,14 +13,14 @@
 namespace core {
 namespace {
 
-const wstring kScheme = u"mem";
+const wstring kMemoryScheme = u"mem";
 
 /// Files in memory by name, as long as the file system that they belong to. An open file outlives its name.
 class MemoryScheme : public IFileScheme {
   public:
     using Interfaces = InterfaceList<IFileScheme>;
 
-    const wstring& schemeName() const noexcept override { return kScheme; }
+    const wstring& schemeName() const noexcept override { return kMemoryScheme; }
     URL parseURL(const wstring& url) const override { return split_url(url); }
 
     InterfacePtr<IFile> openURL(const wstring& url, OpenMode mode) override {
@@ -44,7 +44,7 @@ class MemoryScheme : public IFileScheme {
     std::vector<FileInfo> findFile(const wstring& pattern) override {
         const std::lock_guard lock(mutex_);
         std::vector<FileInfo> found;
-        const wstring root = kScheme + u"://";
+        const wstring root = kMemoryScheme + u"://";
         for (const auto& [name, data] : files_) {
             if (matches_wildcard(name, split_url(pattern).path))
                 found.push_back(

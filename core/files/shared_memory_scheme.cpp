@@ -19,7 +19,7 @@
 namespace core {
 namespace {
 
-const wstring kScheme = u"shm";
+const wstring kSharedScheme = u"shm";
 
 /// What the files of this user begin with.
 std::string prefix() {
@@ -69,7 +69,7 @@ class SharedMemoryScheme : public IFileScheme {
   public:
     using Interfaces = InterfaceList<IFileScheme>;
 
-    const wstring& schemeName() const noexcept override { return kScheme; }
+    const wstring& schemeName() const noexcept override { return kSharedScheme; }
     URL parseURL(const wstring& url) const override { return split_url(url); }
     FileCapabilities capabilities() const noexcept override { return {.keeps = false, .space = true}; }
 
@@ -97,7 +97,7 @@ class SharedMemoryScheme : public IFileScheme {
         std::vector<FileInfo> files;
         for (Found& file : matching(pattern)) {
             if (const auto node = disk_node(file.path, Links::followed))
-                files.push_back({.url = kScheme + u"://" + file.name,
+                files.push_back({.url = kSharedScheme + u"://" + file.name,
                                  .name = std::move(file.name),
                                  .length = node->length,
                                  .modified = unix_date(node->modified.tv_sec, node->modified.tv_nsec)});
@@ -112,7 +112,7 @@ class SharedMemoryScheme : public IFileScheme {
             throw_file_error(messages::kFileRemove, pattern, ENOENT);
         for (const Found& file : files) {
             if (!remove_one_file(file.path) && errno != ENOENT)
-                throw_file_error(messages::kFileRemove, kScheme + u"://" + file.name, errno);
+                throw_file_error(messages::kFileRemove, kSharedScheme + u"://" + file.name, errno);
         }
         return files.size();
     }

@@ -28,7 +28,7 @@ class TempFileService : public ITempFileService {
 
 constexpr GUID kTempFileServiceClass = "f29f7b18-e84a-4dca-8299-63538f057713"_guid;
 const SCOM_ServiceEntryInit<TempFileService, &kTempFileServiceClass, &ITempFileService::IID>
-    entry("TempFileService");
+    kTempFileServiceEntry("TempFileService");
 
 } // namespace
 

@@ -15,7 +15,7 @@ BoolFormat::BoolFormat(wstring_view format, const Locale& locale) {
     const std::vector<FormatItem> items = format_items(format, kBoolItems);
     bool russian = locale.isRussian();
     for (const FormatItem& item : items) {
-        if (item.term == kLocale)
+        if (item.term == bool_item::kLocale)
             russian = item.locale().isRussian();
     }
     true_ = russian ? u"Да" : u"Yes";

@@ -17,11 +17,11 @@ constexpr NamePair kStyles[] = {
 constexpr DateStyle kAllStyles[] = {DateStyle::mediumForm, DateStyle::shortForm, DateStyle::longForm,
                                     DateStyle::fullForm};
 
-class Builder {
+class DateLayoutBuilder {
   public:
-    Builder(wstring_view format, const Locale& locale, DateDefaults defaults)
+    DateLayoutBuilder(wstring_view format, const Locale& locale, DateDefaults defaults)
         : items_(format_items(format, kDateItems)), locale_(locale), defaults_(defaults) {
-        if (const FormatItem* const item = find(kLocale)) {
+        if (const FormatItem* const item = find(date_item::kLocale)) {
             locale_ = item->locale();
             defaults_ = DateDefaults::users;
         }
@@ -42,7 +42,7 @@ class Builder {
             if (date == nullptr && time == nullptr && find(kDateTime) == nullptr)
                 addOthers();
         }
-        if (const FormatItem* const item = find(kEmpty))
+        if (const FormatItem* const item = find(date_item::kEmpty))
             layout_.empty = item->value;
         return std::move(layout_);
     }
@@ -119,7 +119,7 @@ class Builder {
 
 std::shared_ptr<const DateLayout> date_layout(wstring_view format, const Locale& locale,
                                               DateDefaults defaults) {
-    return std::make_shared<const DateLayout>(Builder(format, locale, defaults).build());
+    return std::make_shared<const DateLayout>(DateLayoutBuilder(format, locale, defaults).build());
 }
 
 } // namespace core

@@ -31,10 +31,11 @@ bool begins_like(wstring_view text, wstring_view other) {
 }
 
 /// The items of one format string, each put into the layout.
-class Builder {
+class NumericLayoutBuilder {
   public:
-    Builder(wstring_view format, const Locale* locale) : items_(format_items(format, kNumericItems)) {
-        const FormatItem* const named = find(kLocale);
+    NumericLayoutBuilder(wstring_view format, const Locale* locale)
+        : items_(format_items(format, kNumericItems)) {
+        const FormatItem* const named = find(numeric_item::kLocale);
         if (named != nullptr)
             use(number_symbols(named->locale()));
         else if (locale != nullptr)
@@ -166,7 +167,7 @@ class Builder {
     void setTexts() {
         if (const FormatItem* const item = find(kNegative))
             setNegative(*item);
-        if (const FormatItem* const item = find(kEmpty))
+        if (const FormatItem* const item = find(numeric_item::kEmpty))
             layout_.empty = item->value;
         if (const FormatItem* const item = find(kZero)) {
             if (!item->value.empty())
@@ -212,7 +213,7 @@ class Builder {
 } // namespace
 
 std::shared_ptr<const NumericLayout> numeric_layout(wstring_view format, const Locale* locale) {
-    Builder builder(format, locale);
+    NumericLayoutBuilder builder(format, locale);
     return builder.isPlain() ? nullptr : std::make_shared<const NumericLayout>(builder.build());
 }
 

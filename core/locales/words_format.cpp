@@ -17,8 +17,8 @@
 namespace core {
 namespace {
 
-enum Number : std::size_t {
-    kLocale,
+enum ItemNumber : std::size_t {
+    kWordsLocale,
     kKind,
     kGender,
     kCase,
@@ -74,20 +74,20 @@ class Items {
   public:
     explicit Items(wstring_view format) : items_(format_items(format, kNames)) {}
 
-    [[nodiscard]] const FormatItem* find(Number number) const noexcept {
+    [[nodiscard]] const FormatItem* find(ItemNumber number) const noexcept {
         const auto found = std::ranges::find(items_, number, &FormatItem::term);
         return found != items_.end() ? &*found : nullptr;
     }
     /// The first item that is there of some, or null.
-    [[nodiscard]] const FormatItem* find(std::initializer_list<Number> numbers) const noexcept {
-        for (const Number number : numbers) {
+    [[nodiscard]] const FormatItem* find(std::initializer_list<ItemNumber> numbers) const noexcept {
+        for (const ItemNumber number : numbers) {
             if (const FormatItem* const item = find(number))
                 return item;
         }
         return nullptr;
     }
     /// The index of the word that an item gives; 0 where it is left out.
-    [[nodiscard]] std::size_t word(Number number, std::span<const NamePair> words) const {
+    [[nodiscard]] std::size_t word(ItemNumber number, std::span<const NamePair> words) const {
         const FormatItem* const item = find(number);
         if (item == nullptr)
             return 0;
@@ -96,7 +96,7 @@ class Items {
             item->refuse();
         return *word;
     }
-    void refuse(std::initializer_list<Number> numbers) const {
+    void refuse(std::initializer_list<ItemNumber> numbers) const {
         if (const FormatItem* const item = find(numbers))
             item->refuse();
     }
@@ -132,7 +132,7 @@ class WordsReader {
             return wstring(kCounting);
         return rules(ordinal ? kOrdinal : kCardinal, items_.word(kGender, kGenders));
     }
-    [[nodiscard]] WordsFormat::Noun noun(Number forms, Number gender) const {
+    [[nodiscard]] WordsFormat::Noun noun(ItemNumber forms, ItemNumber gender) const {
         return {formsOf(items_.find(forms)->value), rules(kCardinal, items_.word(gender, kGenders))};
     }
     /// Of a currency, as the table has it.
@@ -194,7 +194,7 @@ std::int64_t whole_of(const Numeric& number, const Locale& locale) {
 
 WordsFormat::WordsFormat(wstring_view format, const Locale& locale) : locale_(locale) {
     const Items items(format);
-    if (const FormatItem* const item = items.find(kLocale))
+    if (const FormatItem* const item = items.find(kWordsLocale))
         locale_ = item->locale();
     if (locale_ == Locale())
         locale_ = Locale("en");

@@ -61,7 +61,7 @@ Value create_binary_data(std::vector<std::byte> bytes) {
 
 namespace {
 
-const ScriptClassEntry<BinaryData> kEntry;
+const ScriptClassEntry<BinaryData> kBinaryDataEntry;
 
 } // namespace
 } // namespace core

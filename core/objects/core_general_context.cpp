@@ -180,7 +180,8 @@ InterfacePtr<IContext_> create_core_general_context() {
 
 namespace {
 
-const SCOM_Class<CoreGeneralContextDef, &kCoreGeneralContextClass, true> kEntry("CoreGeneralContext");
+const SCOM_Class<CoreGeneralContextDef, &kCoreGeneralContextClass, true>
+    kCoreGeneralContextEntry("CoreGeneralContext");
 
 } // namespace
 

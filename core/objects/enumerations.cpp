@@ -15,7 +15,7 @@
 namespace core {
 namespace {
 
-constexpr GUID kClassId = "9c384bb1-1c8e-41a8-9e65-9b65240f9261"_guid;
+constexpr GUID kEnumerationsClassId = "9c384bb1-1c8e-41a8-9e65-9b65240f9261"_guid;
 
 /// The enumerations that script classes of the process's modules make, by English name. They are borrowed: a
 /// reference would keep their modules loaded.
@@ -145,7 +145,8 @@ class Enumerations : public ContextDefCore<IEnumerations> {
     mutable std::vector<std::unique_ptr<const Table>> tables_;
 };
 
-const SCOM_ServiceEntryInit<Enumerations, &kClassId, &IEnumerations::IID> kEntry("Enumerations");
+const SCOM_ServiceEntryInit<Enumerations, &kEnumerationsClassId, &IEnumerations::IID>
+    kEnumerationsEntry("Enumerations");
 
 } // namespace
 } // namespace core

@@ -117,7 +117,7 @@ class LocalWStringObject : public ScriptObject<LocalWStringObject, IPersistableO
     LocalWString string_;
 };
 
-const ScriptClassEntry<LocalWStringObject> kEntry;
+const ScriptClassEntry<LocalWStringObject> kLocalWstringObjectEntry;
 
 } // namespace
 

@@ -88,7 +88,7 @@ class LocaleObject : public ScriptObject<LocaleObject, IPersistableObject> {
     Locale locale_;
 };
 
-const ScriptClassEntry<LocaleObject> kEntry;
+const ScriptClassEntry<LocaleObject> kLocaleObjectEntry;
 
 } // namespace
 

@@ -109,7 +109,7 @@ class TextReaderObject : public ScriptObject<TextReaderObject, IValueCollection>
     TextReader reader_;
 };
 
-const ScriptClassEntry<TextReaderObject> kEntry;
+const ScriptClassEntry<TextReaderObject> kTextReaderEntry;
 
 } // namespace
 

@@ -106,7 +106,7 @@ class TextWriterObject : public ScriptObject<TextWriterObject> {
     bool isOpen_ = true;
 };
 
-const ScriptClassEntry<TextWriterObject> kEntry;
+const ScriptClassEntry<TextWriterObject> kTextWriterEntry;
 
 } // namespace
 

@@ -139,13 +139,14 @@ constexpr GUID kLinesClass = "06ef41b4-2aea-46c3-a7a3-8125ccb64b5c"_guid;
 constexpr GUID kBordersClass = "54091c34-c15d-486c-96d9-f71f15700662"_guid;
 constexpr GUID kPresentationClass = "4218c680-bdf1-492b-8e12-c541ad6e4726"_guid;
 constexpr GUID kRightsClass = "0864d9fb-ddf9-4462-9a6b-7bf18fd6abd5"_guid;
-const SCOM_ServiceEntryInit<LinesService, &kLinesClass, &ILinesService::IID> kLines("LinesService");
-const SCOM_ServiceEntryInit<BordersService, &kBordersClass, &IBordersService::IID> kBorders("BordersService");
+const SCOM_ServiceEntryInit<LinesService, &kLinesClass, &ILinesService::IID> kLinesEntry("LinesService");
+const SCOM_ServiceEntryInit<BordersService, &kBordersClass, &IBordersService::IID>
+    kBordersEntry("BordersService");
 const SCOM_ServiceEntryInit<PresentationService, &kPresentationClass, &IPresentationService::IID>
     kPresentation("PresentationService");
 const SCOM_ServiceEntryInit<OutputRightAccessControllerService, &kRightsClass,
                             &IOutputRightAccessController::IID>
-    kRights("OutputRightAccessControllerService");
+    kRightsEntry("OutputRightAccessControllerService");
 
 } // namespace
 

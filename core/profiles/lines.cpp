@@ -11,7 +11,7 @@
 namespace core {
 namespace {
 
-constexpr std::size_t kPiece = 4096;
+constexpr std::size_t kRead = 4096;
 
 } // namespace
 
@@ -22,7 +22,7 @@ std::string_view Lines::piece(std::uint64_t offset, std::size_t least, std::uint
     const bool isThere = offset >= begin_ && offset - begin_ <= piece_.size() &&
                          piece_.size() - static_cast<std::size_t>(offset - begin_) >= least;
     if (!isThere) {
-        piece_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(std::max(least, kPiece), room)));
+        piece_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(std::max(least, kRead), room)));
         begin_ = offset;
         try {
             piece_.resize(read_all_at(*file_, offset, std::as_writable_bytes(std::span(piece_))));
@@ -43,7 +43,7 @@ Lines::Line Lines::at(std::uint64_t offset, std::uint64_t end) {
             return {text.substr(0, length), offset + length + 1, true};
         if (text.size() < least || text.size() == end - offset) // the file ends, or what may be read of it
             return {text, offset + text.size(), false};
-        least = std::max(kPiece, 2 * text.size());
+        least = std::max(kRead, 2 * text.size());
         least = static_cast<std::size_t>(std::min<std::uint64_t>(least, end - offset));
     }
 }

@@ -24,7 +24,7 @@ constexpr std::uint64_t kLockOffset = kMaxFileLength - 1;
 /// merging it writes the whole file.
 constexpr std::uint64_t kMostJournal = std::uint64_t{64} << 10;
 constexpr std::uint64_t kSortedPart = 256;
-constexpr std::size_t kPiece = std::size_t{64} << 10;
+constexpr std::size_t kFlushed = std::size_t{64} << 10;
 
 std::span<const std::byte> bytes_of(std::string_view text) noexcept {
     return std::as_bytes(std::span(text));
@@ -55,7 +55,7 @@ ProfileHeader write_sorted(IFile& out, LayerWalk& walk, std::uint64_t generation
     };
     for (; !walk.isAtEnd(); walk.next()) {
         append_record(piece, std::array{KeyChange{walk.key(), walk.text()}});
-        if (piece.size() >= kPiece)
+        if (piece.size() >= kFlushed)
             write();
     }
     header.journal = written + piece.size();

@@ -386,7 +386,8 @@ wstring ProfileService::fileOf(ProfileLayer layer) {
 namespace {
 
 constexpr GUID kProfileServiceClass = "154ef4a1-5965-11d4-9418-008048da11f9"_guid;
-const SCOM_ServiceEntryInit<ProfileService, &kProfileServiceClass, &IProfile::IID> kEntry("ProfileService");
+const SCOM_ServiceEntryInit<ProfileService, &kProfileServiceClass, &IProfile::IID>
+    kProfileServiceEntry("ProfileService");
 
 } // namespace
 

@@ -15,7 +15,7 @@ class SystemClock final : public Clock {
     void sleep(std::chrono::milliseconds time) override { std::this_thread::sleep_for(time); }
 };
 
-std::atomic<Clock*> replacement{nullptr};
+std::atomic<Clock*> replacedClock{nullptr};
 
 } // namespace
 
@@ -23,16 +23,16 @@ Clock::~Clock() = default;
 
 Clock& current_clock() noexcept {
     static SystemClock system;
-    Clock* const clock = replacement.load(std::memory_order_acquire);
+    Clock* const clock = replacedClock.load(std::memory_order_acquire);
     return clock != nullptr ? *clock : system;
 }
 
 bool detail::is_system_clock() noexcept {
-    return replacement.load(std::memory_order_acquire) == nullptr;
+    return replacedClock.load(std::memory_order_acquire) == nullptr;
 }
 
 Clock* replace_clock(Clock* clock) noexcept {
-    return replacement.exchange(clock, std::memory_order_acq_rel);
+    return replacedClock.exchange(clock, std::memory_order_acq_rel);
 }
 
 } // namespace core

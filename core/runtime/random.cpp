@@ -17,7 +17,7 @@ class SystemRandom final : public RandomSource {
     }
 };
 
-std::atomic<RandomSource*> replacement{nullptr};
+std::atomic<RandomSource*> replacedSource{nullptr};
 
 } // namespace
 
@@ -25,12 +25,12 @@ RandomSource::~RandomSource() = default;
 
 RandomSource& current_random() noexcept {
     static SystemRandom system;
-    RandomSource* const source = replacement.load(std::memory_order_acquire);
+    RandomSource* const source = replacedSource.load(std::memory_order_acquire);
     return source != nullptr ? *source : system;
 }
 
 RandomSource* replace_random(RandomSource* source) noexcept {
-    return replacement.exchange(source, std::memory_order_acq_rel);
+    return replacedSource.exchange(source, std::memory_order_acq_rel);
 }
 
 GUID new_guid() {

@@ -96,7 +96,7 @@ class ErrorValue : public ScriptObject<ErrorValue, IErrorValue> {
     const Exception& failure_; // the error itself, or its cause
 };
 
-const ScriptClassEntry<ErrorValue> kEntry;
+const ScriptClassEntry<ErrorValue> kErrorValueEntry;
 
 } // namespace
 

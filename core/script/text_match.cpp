@@ -39,7 +39,7 @@ class TextMatch : public ScriptObject<TextMatch> {
     InterfacePtr<IValueSequence> groups_;
 };
 
-const ScriptClassEntry<TextMatch> kEntry;
+const ScriptClassEntry<TextMatch> kTextMatchEntry;
 
 } // namespace
 

@@ -38,6 +38,11 @@ struct BlockRange {
     std::uint64_t count;
 };
 
+/// The number of blocks that hold `size` bytes.
+[[nodiscard]] constexpr std::uint64_t blocks_for(std::uint64_t size) noexcept {
+    return (size + kStorageBlockSize - 1) / kStorageBlockSize;
+}
+
 /// Cuts the first `count` blocks off `ranges`, which have as many; `step` is the length of one.
 [[nodiscard]] std::vector<BlockRange> split_off(std::vector<BlockRange>& ranges, std::uint64_t count,
                                                 std::uint64_t step);

@@ -14,10 +14,6 @@ namespace {
 constexpr int kMostSteps = 1000; // others may go on making holes
 constexpr int kMostNodeSteps = 4;
 
-std::uint64_t blocks_for(std::uint64_t size) {
-    return (size + kStorageBlockSize - 1) / kStorageBlockSize;
-}
-
 /// What lies between `begin` and `end`, and not in `known`.
 UsedSpace::Ranges gaps(UsedSpace::Ranges known, std::uint64_t begin, std::uint64_t end) {
     std::sort(known.begin(), known.end());

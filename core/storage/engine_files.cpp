@@ -22,16 +22,12 @@ constexpr std::uint64_t kAtOnce = std::uint64_t{64} << 10;
 // A content up to this size is written in the turn that publishes it, a larger one before.
 constexpr std::size_t kInTurn = std::size_t{1} << 20;
 // Others come in after as much.
-constexpr std::size_t kPiece = std::size_t{256} << 10;
-
-std::uint64_t blocks_for(std::uint64_t size) {
-    return (size + kStorageBlockSize - 1) / kStorageBlockSize;
-}
+constexpr std::size_t kCopied = std::size_t{256} << 10;
 
 void copy_content(InnerReader& from, InnerWriter& to) {
     std::vector<std::byte> bytes;
     for (std::uint64_t done = 0; done < from.length(); done += bytes.size()) {
-        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, from.length() - done)));
+        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kCopied, from.length() - done)));
         (void)from.readAt(done, bytes);
         to.writeAt(done, bytes);
     }
@@ -265,8 +261,8 @@ void StorageEngine::replace(FilesTable::Change& change, const FileEntry& entry, 
 void StorageEngine::put(wstring_view name, std::span<const std::byte> content) {
     if (content.size() > kInTurn) {
         InnerWriter file(shared_from_this(), name, OpenMode::replace, false);
-        for (std::size_t done = 0; done < content.size(); done += kPiece)
-            file.writeAt(done, content.subspan(done, std::min(kPiece, content.size() - done)));
+        for (std::size_t done = 0; done < content.size(); done += kCopied)
+            file.writeAt(done, content.subspan(done, std::min(kCopied, content.size() - done)));
         return file.close();
     }
     const std::lock_guard lock(mutex_);

@@ -14,7 +14,7 @@
 namespace core {
 namespace {
 
-constexpr std::size_t kLeastAhead = std::size_t{4} << 10;
+constexpr std::size_t kLeastReadAhead = std::size_t{4} << 10;
 
 } // namespace
 
@@ -56,7 +56,7 @@ std::size_t InnerFile::readAt(std::uint64_t offset, std::span<std::byte> to) {
             done = count;
         } else {
             const bool inOrder = at == bufferStart_ + bufferLength_;
-            ahead_ = inOrder ? std::min(2 * ahead_, kBuffer) : kLeastAhead;
+            ahead_ = inOrder ? std::min(2 * ahead_, kBuffer) : kLeastReadAhead;
             const auto length =
                 static_cast<std::size_t>(std::min<std::uint64_t>(std::max(left, ahead_), size() - at));
             bufferLength_ = 0;

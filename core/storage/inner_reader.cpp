@@ -14,7 +14,7 @@ namespace {
 
 // Memory grows with what is read: the size that a chain claims is not believed beforehand.
 constexpr std::uint64_t kBelieved = std::uint64_t{64} << 20;
-constexpr std::size_t kPiece = std::size_t{1} << 20;
+constexpr std::size_t kBatch = std::size_t{1} << 20;
 
 } // namespace
 
@@ -64,7 +64,7 @@ std::vector<std::byte> InnerReader::content() {
     bytes.reserve(static_cast<std::size_t>(std::min(length, kBelieved)));
     while (bytes.size() < length) {
         const std::size_t done = bytes.size();
-        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(length, done + kPiece)));
+        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(length, done + kBatch)));
         (void)readAt(done, std::span(bytes).subspan(done));
     }
     if (!entry_.isIntact(bytes))

@@ -21,7 +21,7 @@
 namespace core {
 namespace {
 
-constexpr std::uint64_t kPiece = std::uint64_t{256} << 10;
+constexpr std::uint64_t kSalvaged = std::uint64_t{256} << 10;
 // A commit of the new container holds so many bytes or files: few enough to be taken back, and enough that
 // making them durable takes no time to speak of.
 constexpr std::uint64_t kCommitBytes = std::uint64_t{64} << 20;
@@ -64,7 +64,7 @@ class Saver {
     StorageRW& target_;
     const SalvageOptions& options_;
     const std::uint64_t length_;
-    std::vector<std::byte> piece_ = std::vector<std::byte>(kPiece);
+    std::vector<std::byte> piece_ = std::vector<std::byte>(kSalvaged);
     std::uint64_t done_ = 0;
     std::uint64_t uncommittedBytes_ = 0;
     std::uint64_t uncommittedFiles_ = 0;
@@ -78,7 +78,7 @@ Saver::Copied Saver::copy(wstring_view name, std::uint64_t size, Read read) {
     Checksum sum;
     while (copied.bytes < size) {
         const auto part = std::span(piece_).first(
-            static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, size - copied.bytes)));
+            static_cast<std::size_t>(std::min<std::uint64_t>(kSalvaged, size - copied.bytes)));
         const std::size_t got = read(copied.bytes, part);
         const auto bytes = std::span(std::as_const(piece_)).first(got);
         write_all(*to, bytes);
@@ -104,7 +104,7 @@ std::size_t Saver::readTogether(std::uint64_t address, std::uint64_t offset, std
                                    layout.blockHeaderSize() + skip;
         const auto room = static_cast<std::size_t>(kStorageBlockSize - skip);
         const auto part = out.subspan(done, std::min(out.size() - done, room));
-        const auto bytes = reader_.at(from, part.size(), kPiece);
+        const auto bytes = reader_.at(from, part.size(), kSalvaged);
         const std::size_t got = std::min(bytes.size(), part.size());
         std::copy_n(bytes.begin(), got, part.begin());
         done += got;
@@ -126,7 +126,7 @@ void Saver::save(wstring_view name, const FileEntry& entry, bool isContentKnown)
     BlockChain chain(layout);
     bool opens = true;
     try {
-        chain.open(reader_, entry.data, kPiece);
+        chain.open(reader_, entry.data, kSalvaged);
         file.size = chain.size();
     } catch (const ChainInFileExc&) {
         opens = false;
@@ -219,7 +219,8 @@ SalvageReport salvage(IFile& source, const StorageLayout& layout, StorageRW& tar
     const PinnedSource pinned(source, layout);
     const std::uint64_t length = pinned.length();
     BlockReader reader(pinned.file(), layout);
-    reader.setEnd(std::min(length + kPiece, layout.limit())); // the last block may be cut in its empty part
+    reader.setEnd(
+        std::min(length + kSalvaged, layout.limit())); // the last block may be cut in its empty part
     Saver saver(reader, target, options, length);
     SalvageSource found(reader, length, [&](std::uint64_t done) { saver.tell(done); });
     try {

@@ -19,7 +19,7 @@
 namespace core {
 namespace {
 
-constexpr GUID kClassId = "3854c854-6a24-41f9-9039-8f50d6f8eb1a"_guid;
+constexpr GUID kTypeValueServiceClassId = "3854c854-6a24-41f9-9039-8f50d6f8eb1a"_guid;
 
 /// The primitive types, then those that script classes of the process's modules make, by English name.
 std::vector<IType*> declared_types() {
@@ -151,7 +151,8 @@ class TypeValueService : public ITypeValueService {
     std::vector<IType*> living_;
 };
 
-const SCOM_ServiceEntryInit<TypeValueService, &kClassId, &ITypeValueService::IID> kEntry("TypeValueService");
+const SCOM_ServiceEntryInit<TypeValueService, &kTypeValueServiceClassId, &ITypeValueService::IID>
+    kTypeValueServiceEntry("TypeValueService");
 
 } // namespace
 } // namespace core

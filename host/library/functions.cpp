@@ -2,6 +2,7 @@
 #include "host/library/functions.h"
 
 #include "host/library/arguments.h"
+#include "host/library/parameters.h"
 
 #include <core/containers/container.h>
 #include <core/context/arguments.h>
@@ -233,25 +234,19 @@ constexpr Term kRoundTerm = {u"Round", u"Окр"};
 constexpr Term kTypeOfTerm = {u"TypeOf", u"ТипЗнч"};
 constexpr Term kTypeTerm = {u"Type", u"Тип"};
 
-constexpr auto kUndefinedDefault = ParamDefault::undefined;
-
 constexpr NamePair kValueName = {u"Value", u"Значение"};
 constexpr NamePair kNumberName = {u"Number", u"Число"};
 constexpr NamePair kCountName = {u"Count", u"Количество"};
-constexpr Param kFile = named_param({u"File", u"Файл"});
 constexpr Param kName = named_param({u"Name", u"Имя"});
-constexpr Param kText = named_param({u"Text", u"Текст"});
 constexpr Param kValue = named_param(kValueName);
 
 constexpr Param kOfName[] = {kName};
-constexpr Param kOfText[] = {kText};
 constexpr Param kOfValue[] = {kValue};
 constexpr Param kPrint[] = {named_param(kValueName, ParamDefault::emptyString)};
 constexpr Param kFromJson[] = {kText, named_param({u"Maps", u"Соответствия"}, ParamDefault::falseValue),
                                named_param({u"Columns", u"Колонки"}, kUndefinedDefault),
                                named_param({u"GoOn", u"Продолжать"}, ParamDefault::falseValue)};
 constexpr Param kToJson[] = {kValue, named_param({u"Indent", u"Отступ"}, kUndefinedDefault)};
-constexpr Param kEncoding = named_param({u"Encoding", u"Кодировка"}, kUndefinedDefault);
 constexpr Param kLoadText[] = {kFile, kEncoding};
 constexpr Param kSaveText[] = {kFile, kText, kEncoding};
 constexpr Param kOfData[] = {named_param({u"Data", u"Данные"})};

@@ -2,6 +2,7 @@
 #include "host/library/table_functions.h"
 
 #include "host/library/arguments.h"
+#include "host/library/parameters.h"
 
 #include <core/context/arguments.h>
 #include <core/context/context_def_ext.h>
@@ -151,13 +152,10 @@ constexpr Term kSaveJsonTerm = {u"SaveJson", u"СохранитьJson"};
 constexpr Term kSaveHtmlTerm = {u"SaveHtml", u"СохранитьHtml"};
 constexpr Term kPrintTableTerm = {u"PrintTable", u"НапечататьТаблицу"};
 
-constexpr auto kUndefinedDefault = ParamDefault::undefined;
 constexpr auto kFalseDefault = ParamDefault::falseValue;
 
-constexpr Param kFile = named_param({u"File", u"Файл"});
 constexpr Param kTable = named_param({u"Table", u"Таблица"});
 constexpr Param kDelimiter = named_param({u"Delimiter", u"Разделитель"}, kUndefinedDefault);
-constexpr Param kEncoding = named_param({u"Encoding", u"Кодировка"}, kUndefinedDefault);
 constexpr Param kColumns = named_param({u"Columns", u"Колонки"}, kUndefinedDefault);
 constexpr Param kGoOn = named_param({u"GoOn", u"Продолжать"}, kFalseDefault);
 

@@ -2,6 +2,7 @@
 #include "host/library/text_functions.h"
 
 #include "host/library/arguments.h"
+#include "host/library/parameters.h"
 #include "host/library/regex.h"
 
 #include <core/collections/native_values.h>
@@ -175,35 +176,31 @@ class TextFunctions : public IContextImpl<IContextDefImpl<TextFunctions>>,
     }
 };
 
-constexpr auto kOptional = ParamDefault::undefined;
-
-constexpr Param kText = named_param({u"Text", u"Текст"});
 constexpr Param kSought = named_param({u"Sought", u"Искомое"});
-constexpr Param kFrom = named_param({u"From", u"Начало"}, kOptional);
+constexpr Param kFrom = named_param({u"From", u"Начало"}, kUndefinedDefault);
 constexpr Param kReplacement = named_param({u"Replacement", u"Замена"});
 constexpr Param kPattern = named_param({u"Pattern", u"Шаблон"});
 
-constexpr Param kOfText[] = {kText};
 constexpr Param kFind[] = {kText, kSought, kFrom};
 constexpr Param kPair[] = {kText, kSought};
 constexpr Param kReplace[] = {kText, kSought, kReplacement};
 constexpr Param kSplit[] = {kText, named_param({u"Separator", u"Разделитель"}),
                             named_param({u"SkipEmpty", u"БезПустых"}, ParamDefault::falseValue)};
 constexpr Param kConcat[] = {named_param({u"Texts", u"Тексты"}),
-                             named_param({u"Separator", u"Разделитель"}, kOptional)};
+                             named_param({u"Separator", u"Разделитель"}, kUndefinedDefault)};
 constexpr Param kRight[] = {kText, named_param({u"Count", u"Количество"})};
-constexpr Param kCharCode[] = {kText, named_param({u"Position", u"Номер"}, kOptional)};
+constexpr Param kCharCode[] = {kText, named_param({u"Position", u"Номер"}, kUndefinedDefault)};
 constexpr Param kCharacter[] = {named_param({u"Code", u"Код"})};
 constexpr Param kFill[] = {kPattern,
-                           named_param({u"Value1", u"Значение1"}, kOptional),
-                           named_param({u"Value2", u"Значение2"}, kOptional),
-                           named_param({u"Value3", u"Значение3"}, kOptional),
-                           named_param({u"Value4", u"Значение4"}, kOptional),
-                           named_param({u"Value5", u"Значение5"}, kOptional),
-                           named_param({u"Value6", u"Значение6"}, kOptional),
-                           named_param({u"Value7", u"Значение7"}, kOptional),
-                           named_param({u"Value8", u"Значение8"}, kOptional),
-                           named_param({u"Value9", u"Значение9"}, kOptional)};
+                           named_param({u"Value1", u"Значение1"}, kUndefinedDefault),
+                           named_param({u"Value2", u"Значение2"}, kUndefinedDefault),
+                           named_param({u"Value3", u"Значение3"}, kUndefinedDefault),
+                           named_param({u"Value4", u"Значение4"}, kUndefinedDefault),
+                           named_param({u"Value5", u"Значение5"}, kUndefinedDefault),
+                           named_param({u"Value6", u"Значение6"}, kUndefinedDefault),
+                           named_param({u"Value7", u"Значение7"}, kUndefinedDefault),
+                           named_param({u"Value8", u"Значение8"}, kUndefinedDefault),
+                           named_param({u"Value9", u"Значение9"}, kUndefinedDefault)};
 constexpr Param kRegex[] = {kText, kPattern};
 constexpr Param kRegexFind[] = {kText, kPattern, kFrom};
 constexpr Param kRegexReplace[] = {kText, kPattern, kReplacement};

@@ -24,7 +24,7 @@ struct Names {
 
 /// A definition with any names, properties and methods alike; `Cache` finds them.
 template <class Cache>
-class Named : public ContextDefIntern<Named<Cache>, Cache> {
+class NamedBy : public ContextDefIntern<NamedBy<Cache>, Cache> {
   public:
     using Interfaces = InterfaceList<IContext_, IContextDef>;
 
@@ -46,7 +46,7 @@ class Named : public ContextDefIntern<Named<Cache>, Cache> {
         this->resetPropsCache();
         this->resetMethodsCache();
     }
-    using ContextDefIntern<Named<Cache>, Cache>::initContextDefCache;
+    using ContextDefIntern<NamedBy<Cache>, Cache>::initContextDefCache;
 
     std::vector<Names> names;
     mutable int asked = 0;
@@ -64,7 +64,7 @@ using Caches = testing::Types<ContextDefCached, ContextDefNoncached>;
 TYPED_TEST_SUITE(Lookup, Caches);
 
 TYPED_TEST(Lookup, FindsTheFirstHolderOfANameInAnyCase) {
-    const auto def = make_object<Named<TypeParam>>();
+    const auto def = make_object<NamedBy<TypeParam>>();
     def->names = kNames;
     const std::pair<const wchar*, int> expected[] = {
         {u"count", 0}, {u"КОЛИЧЕСТВО", 0}, {u"GRÖSSE", 1}, {u"größe", 1},   {u"ещЁ", 2}, {u"VALUE", 3},
@@ -84,8 +84,8 @@ TYPED_TEST(Lookup, FindsTheFirstHolderOfANameInAnyCase) {
 
 TEST(Lookup, ATableAnswersAsWalkingDoes) {
     std::mt19937 random(7);
-    const auto cached = make_object<Named<ContextDefCached>>();
-    const auto walked = make_object<Named<ContextDefNoncached>>();
+    const auto cached = make_object<NamedBy<ContextDefCached>>();
+    const auto walked = make_object<NamedBy<ContextDefNoncached>>();
     const auto name = [&] { // few letters, so that names repeat in other cases and lengths
         static const wstring pieces[] = {u"a", u"A", u"б", u"Б", u"ß", u"ss", u"\u1E9E", u"\u0130", u"i"};
         wstring text(random() % 4 == 0 ? 61 : 0, u'x'); // about as long as what is folded in place
@@ -103,7 +103,7 @@ TEST(Lookup, ATableAnswersAsWalkingDoes) {
 }
 
 TEST(Lookup, ATableIsBuiltOnceAndListsANameOnce) {
-    const auto def = make_object<Named<ContextDefCached>>();
+    const auto def = make_object<NamedBy<ContextDefCached>>();
     def->names = kNames;
     EXPECT_EQ(def->findProp(u"nothing"), -1);
     const int asked = def->asked;

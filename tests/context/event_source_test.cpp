@@ -27,7 +27,7 @@ class IWatcher : public IUnknown {
 };
 
 /// Counts, and says so.
-class Counter : public ScriptObject<Counter, IConnectionPointContainer> {
+class SourceCounter : public ScriptObject<SourceCounter, IConnectionPointContainer> {
   public:
     static constexpr ScriptClass script = {
         .names = {u"TestEventCounter", u"ТестСчетчик"},
@@ -35,10 +35,10 @@ class Counter : public ScriptObject<Counter, IConnectionPointContainer> {
         .object = "57d97a55-c4de-4ada-8ce7-3d51287948fb"_guid,
         .arguments = {0, 0},
     };
-    static std::span<const EventEntry<Counter>> events() noexcept {
+    static std::span<const EventEntry<SourceCounter>> events() noexcept {
         static constexpr NamePair kChanged[] = {{u"Total", u"Всего"}, {u"Reason"}};
-        static constexpr EventEntry<Counter> kTable[] = {event_entry<&Counter::changed>(kChanged),
-                                                         event_entry<&Counter::done>()};
+        static constexpr EventEntry<SourceCounter> kTable[] = {event_entry<&SourceCounter::changed>(kChanged),
+                                                               event_entry<&SourceCounter::done>()};
         return kTable;
     }
     auto points() { return std::array<IConnectionPoint*, 1>{&watchers}; }
@@ -47,7 +47,7 @@ class Counter : public ScriptObject<Counter, IConnectionPointContainer> {
     Event<> done{named<u"Done", u"ПриЗавершении">};
     ConnectionPoint<IWatcher> watchers{*this, named<u"Watchers", u"Наблюдатели">};
 };
-const ScriptClassEntry<Counter> kCounterEntry;
+const ScriptClassEntry<SourceCounter> kSourceCounterEntry;
 
 /// Handles events by its methods.
 class Listener : public ScriptObject<Listener, IWeakListener> {
@@ -100,7 +100,7 @@ class EventSource : public testing::Test {
 
     Module module_;
     host::HostProcess process_;
-    InterfacePtr<SCOM_InternalClass<Counter>> counter_ = make_object<Counter>();
+    InterfacePtr<SCOM_InternalClass<SourceCounter>> counter_ = make_object<SourceCounter>();
     InterfacePtr<SCOM_InternalClass<Listener>> listener_ = make_object<Listener>();
     IUnknown* const source_ = static_cast<IValue*>(counter_.get());
     IUnknown* const object_ = static_cast<IValue*>(listener_.get());

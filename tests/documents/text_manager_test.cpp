@@ -207,7 +207,7 @@ TEST(TextManager, AFailedEditLeavesEverythingAsItWas) {
                 offsets.push_back(document.offset(mark));
             bool failed = false;
             try {
-                const test::AllocationLimit limit(allocations);
+                const ::test::AllocationLimit limit(allocations);
                 edit(document);
             } catch (const std::bad_alloc&) {
                 failed = true;
@@ -254,7 +254,7 @@ TEST(TextManager, SnapshotsAreReadWhileEditingGoesOn) {
 }
 
 TEST(TextManager, TakesLittleMoreMemoryThanItsUnits) {
-    const std::size_t before = test::bytes_in_use();
+    const std::size_t before = ::test::bytes_in_use();
     if (before == 0)
         GTEST_SKIP() << "the allocator cannot be asked";
     wstring text;
@@ -263,7 +263,7 @@ TEST(TextManager, TakesLittleMoreMemoryThanItsUnits) {
     const std::size_t bytes = text.size() * sizeof(wchar);
     const TextManager document(text);
     wstring().swap(text); // assigning an empty one keeps the memory
-    EXPECT_LE(test::bytes_in_use() - before, bytes + bytes * 15 / 100);
+    EXPECT_LE(::test::bytes_in_use() - before, bytes + bytes * 15 / 100);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ namespace {
 using test::on_every_stream;
 using test::rest_of;
 
-wstring written(const std::function<void(ListOutStream&)>& write) {
+wstring list_of(const std::function<void(ListOutStream&)>& write) {
     MemoryOutStream stream;
     ListOutStream out(stream);
     write(out);
@@ -33,7 +33,7 @@ wstring written(const std::function<void(ListOutStream&)>& write) {
 
 /// A list from a pattern: "(" and ")" for braces, digits for themselves.
 wstring written_as(const char* pattern) {
-    return written([&](ListOutStream& out) {
+    return list_of([&](ListOutStream& out) {
         for (const char* at = pattern; *at != '\0'; ++at) {
             if (*at == '(')
                 out.putBeginOfList();
@@ -78,7 +78,7 @@ TEST(ListOutStream, WritesStringsOfEveryLengthAcrossItsBuffers) {
     for (const std::size_t length : {0U, 1U, 7U, 8U, 9U, 508U, 509U, 510U, 511U, 512U, 513U, 40'000U}) {
         for (const wchar last : {u'x', u'"', wchar{0xDC00}, wchar{0xFFFF}}) {
             const wstring text = wstring(length, u'a') + last;
-            const wstring list = written([&](ListOutStream& out) {
+            const wstring list = list_of([&](ListOutStream& out) {
                 out.put(text);
                 out.put(text.c_str());
             });
@@ -328,7 +328,7 @@ TEST(ListStream, RandomDataComesBackOverEveryStream) {
     std::mt19937_64 random(11);
     for (int i = 0; i < 300; ++i) {
         const Node node{std::vector<Node>{Node::random(random, 5), Node::random(random, 5)}};
-        const wstring text = written([&](ListOutStream& out) { node.put(out); });
+        const wstring text = list_of([&](ListOutStream& out) { node.put(out); });
         EXPECT_TRUE(std::all_of(text.begin(), text.end(), is_allowed_char));
         on_every_stream(text, [&](wistream& stream) {
             ListInStream in(stream);

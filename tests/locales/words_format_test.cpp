@@ -88,7 +88,7 @@ std::string russian(std::uint64_t number, Gender gender) {
 }
 
 template <class E>
-void expect_refused(std::initializer_list<wstring_view> formats, const char* locale = "ru") {
+void expect_error(std::initializer_list<wstring_view> formats, const char* locale = "ru") {
     for (const wstring_view format : formats)
         EXPECT_THROW(static_cast<void>(WordsFormat(format, Locale(locale))), E) << to_utf8(format);
 }
@@ -182,15 +182,15 @@ TEST(WordsFormat, WhatHasNoWordsIsAnError) {
     EXPECT_THROW(words("1.5", u"case=genitive"), LocaleException);
     EXPECT_THROW(words("123456789.01234567", u""), LocaleException) << "a double does not hold it";
     EXPECT_EQ(words("21", u"", ""), "twenty-one") << "the root locale stands for English";
-    expect_refused<LocaleException>({u"locale=zu"});
-    expect_refused<CtorException>({u"locale=en_XX", u"locale=xx"});
-    expect_refused<CtorException>({u"unit=a,b", u"unit=a,b,c,d", u"unit=a,,c", u"unit=", u"part=a,b,c",
-                                   u"unitGender=m", u"unit=a; partGender=f", u"unit=a; partForm=digits",
-                                   u"unit=a; kind=ordinal", u"unit=a; gender=f", u"gender=x", u"kind=nothing",
-                                   u"case=vocative", u"nothing=1", u"currency=XXX", u"currency=RUB; unit=a",
-                                   u"currency=JPY; partForm=digits", u"gender=m; род=ж", u"unit=a; unit=b"});
-    expect_refused<CtorException>({u"case=genitive", u"currency=RUB; case=dative"}, "en");
-    expect_refused<CtorException>({u"currency=RUB"}, "de");
+    expect_error<LocaleException>({u"locale=zu"});
+    expect_error<CtorException>({u"locale=en_XX", u"locale=xx"});
+    expect_error<CtorException>({u"unit=a,b", u"unit=a,b,c,d", u"unit=a,,c", u"unit=", u"part=a,b,c",
+                                 u"unitGender=m", u"unit=a; partGender=f", u"unit=a; partForm=digits",
+                                 u"unit=a; kind=ordinal", u"unit=a; gender=f", u"gender=x", u"kind=nothing",
+                                 u"case=vocative", u"nothing=1", u"currency=XXX", u"currency=RUB; unit=a",
+                                 u"currency=JPY; partForm=digits", u"gender=m; род=ж", u"unit=a; unit=b"});
+    expect_error<CtorException>({u"case=genitive", u"currency=RUB; case=dative"}, "en");
+    expect_error<CtorException>({u"currency=RUB"}, "de");
 }
 
 TEST(WordsFormat, TheTableOfCurrenciesIsWhole) {

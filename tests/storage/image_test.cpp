@@ -22,7 +22,7 @@ using test::Bytes;
 using test::Model;
 using test::StorageImage;
 
-using Kind = StorageProblem::Kind;
+using Fault = StorageProblem::Kind;
 
 class Image : public test::MemoryContainer {
   protected:
@@ -102,7 +102,7 @@ TEST_P(Image, BlocksOfAllSizesAreReadAndChanged) {
 auto only_problem(const StorageRW& storage) {
     const StorageCheck check = storage.check();
     if (check.problems.size() != 1)
-        return std::tuple(Kind{}, std::uint64_t{check.problems.size()}, std::uint64_t{0}, std::string());
+        return std::tuple(Fault{}, std::uint64_t{check.problems.size()}, std::uint64_t{0}, std::string());
     const StorageProblem& problem = check.problems[0];
     EXPECT_FALSE(check.isClean());
     return std::tuple(problem.kind, problem.address, problem.length, to_utf8(problem.text()));
@@ -115,14 +115,14 @@ TEST_P(Image, ACheckFindsBytesThatNobodyHas) {
     middle.file(u"a", middle.chain(content, {512, 512}));
     const std::uint64_t hole = middle.block(0, {}, 13, null_); // of no chain
     const std::uint64_t length = layout_.blockLength(13);
-    EXPECT_EQ(only_problem(open(middle.finish())), std::tuple(Kind::lost, hole, length,
+    EXPECT_EQ(only_problem(open(middle.finish())), std::tuple(Fault::lost, hole, length,
                                                               "At " + number(hole) + ": " + number(length) +
                                                                   " bytes are neither in use nor free."));
     StorageImage behind(layout_);
     behind.file(u"a", behind.chain(content, {1024}));
     const Bytes bytes = behind.finish(5);
     const StorageRW storage = open(bytes);
-    EXPECT_EQ(std::get<0>(only_problem(storage)), Kind::lost);
+    EXPECT_EQ(std::get<0>(only_problem(storage)), Fault::lost);
     EXPECT_EQ(std::get<1>(only_problem(storage)), bytes.size() - 5);
     EXPECT_EQ(std::get<2>(only_problem(storage)), 5U);
     EXPECT_EQ(storage.get(u"a"), content) << "and harms nobody";
@@ -137,7 +137,7 @@ TEST_P(Image, ACheckFindsBytesThatTwoHave) {
     StorageRW both = open(shared.finish());
     StorageCheck check = both.check();
     ASSERT_EQ(check.problems.size(), 1U);
-    EXPECT_EQ(check.problems[0].kind, Kind::overlap);
+    EXPECT_EQ(check.problems[0].kind, Fault::overlap);
     EXPECT_EQ(check.problems[0].address, data);
     EXPECT_EQ(check.problems[0].length, step_);
     EXPECT_EQ(check.problems[0].use, StorageUse::content);
@@ -149,7 +149,7 @@ TEST_P(Image, ACheckFindsBytesThatTwoHave) {
     both.put(u"c", Bytes(512, std::byte{2}));
     EXPECT_EQ(both.get(u"b"), content) << "what it shared with another is not used again";
     both.remove(u"b");
-    EXPECT_EQ(std::get<0>(only_problem(both)), Kind::lost);
+    EXPECT_EQ(std::get<0>(only_problem(both)), Fault::lost);
 
     // What a file begins with is free: to write there would take it from the file.
     for (const bool attributes : {true, false}) {
@@ -161,7 +161,7 @@ TEST_P(Image, ACheckFindsBytesThatTwoHave) {
         StorageRW storage = open(stolen.finish());
         check = storage.check();
         ASSERT_EQ(check.problems.size(), 1U);
-        EXPECT_EQ(check.problems[0].kind, Kind::overlap);
+        EXPECT_EQ(check.problems[0].kind, Fault::overlap);
         EXPECT_EQ(check.problems[0].length, end - first);
         const Bytes kept = storage.get(u"a");
         storage.put(u"c", Bytes(10));
@@ -176,16 +176,16 @@ TEST_P(Image, ACheckFindsBytesThatTwoHave) {
     inside.file(u"a", outer);
     StorageRW folded = open(inside.finish());
     EXPECT_TRUE(isRefused([&] { (void)folded.get(u"a"); }));
-    EXPECT_EQ(folded.check().problems.at(0).kind, Kind::damagedContent);
+    EXPECT_EQ(folded.check().problems.at(0).kind, Fault::damagedContent);
     folded.remove(u"a");
-    EXPECT_EQ(std::get<0>(only_problem(folded)), Kind::lost) << "nobody knows what the file had";
+    EXPECT_EQ(std::get<0>(only_problem(folded)), Fault::lost) << "nobody knows what the file had";
 }
 
 TEST_P(Image, ACheckFindsWhatCannotBeRead) {
     StorageImage other(layout_);
     other.entry(u"a", {other.attributes(u"b"), null_});
     StorageRW named = open(other.finish());
-    EXPECT_EQ(std::get<0>(only_problem(named)), Kind::damagedAttributes);
+    EXPECT_EQ(std::get<0>(only_problem(named)), Fault::damagedAttributes);
     EXPECT_TRUE(named.describe(u"a").damaged);
     EXPECT_TRUE(named.get(u"a").empty()) << "the content itself is there";
 
@@ -198,7 +198,7 @@ TEST_P(Image, ACheckFindsWhatCannotBeRead) {
     const std::uint64_t first = cut.block(513, {}, 512, null_);
     cut.file(u"a", first);
     StorageRW shortened = open(cut.finish());
-    EXPECT_EQ(std::get<0>(only_problem(shortened)), Kind::damagedContent);
+    EXPECT_EQ(std::get<0>(only_problem(shortened)), Fault::damagedContent);
     EXPECT_EQ(std::get<1>(only_problem(shortened)), first);
 
     // Ranges that are not in order, empty, in front of the blocks, or behind the end.
@@ -214,8 +214,8 @@ TEST_P(Image, ACheckFindsWhatCannotBeRead) {
             image.free(address, length);
         image.file(u"a", null_);
         StorageRW storage = open(image.finish());
-        EXPECT_EQ(storage.check().problems.at(0).kind, Kind::lost);
-        EXPECT_EQ(storage.check().problems.at(1).kind, Kind::damagedFreeChain);
+        EXPECT_EQ(storage.check().problems.at(0).kind, Fault::lost);
+        EXPECT_EQ(storage.check().problems.at(1).kind, Fault::damagedFreeChain);
         EXPECT_EQ(test::contents(storage), (Model{{u"a", {}}})) << "reading needs no free space";
         storage.put(u"b", {});
         EXPECT_TRUE(storage.check().isClean()) << "the chains say what is free";
@@ -252,9 +252,9 @@ TEST_P(Image, TheUseOfTheFileIsToldToTheLastByte) {
     // Each use and each kind of damage has words of its own.
     std::set<std::string> texts;
     for (const StorageUse use : uses)
-        texts.insert(to_utf8(StorageProblem{.kind = Kind::overlap, .use = use, .name = u"n"}.text()));
-    for (const Kind kind :
-         {Kind::damagedFreeChain, Kind::damagedAttributes, Kind::damagedContent, Kind::lost})
+        texts.insert(to_utf8(StorageProblem{.kind = Fault::overlap, .use = use, .name = u"n"}.text()));
+    for (const Fault kind :
+         {Fault::damagedFreeChain, Fault::damagedAttributes, Fault::damagedContent, Fault::lost})
         texts.insert(to_utf8(StorageProblem{.kind = kind, .address = 77, .name = u"n"}.text()));
     EXPECT_EQ(texts.size(), 10U);
 }

@@ -88,7 +88,7 @@ TEST_F(TourPage, BothPhrasesGiveTheSame) {
     std::filesystem::current_path(folder());
     int count = 0;
     for (const Phrase& phrase : phrases()) {
-        script::Engine engine;
+        core::script::Engine engine;
         engine.run(from_utf8(block("")));
         sqlite::Database database;
         copy_table(database, "sales", *engine.run(u"Return Sales").query<IValueTable>());

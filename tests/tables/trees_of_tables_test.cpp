@@ -11,18 +11,18 @@ namespace {
 using namespace script;
 
 /// A tree of plain nodes.
-struct Node {
+struct NodeOfTree {
     wstring name;
     int number = 0;
-    std::vector<Node> below;
+    std::vector<NodeOfTree> below;
 };
 
 class TreesOfTables : public TableTest {
   protected:
     /// Names with their numbers, rows below a row in parentheses.
-    static wstring shown(const std::vector<Node>& nodes) {
+    static wstring shown(const std::vector<NodeOfTree>& nodes) {
         wstring text;
-        for (const Node& node : nodes) {
+        for (const NodeOfTree& node : nodes) {
             text += node.name + u":" + string_intto(node.number);
             if (!node.below.empty())
                 text += u"(" + shown(node.below) + u")";
@@ -41,8 +41,8 @@ class TreesOfTables : public TableTest {
         }
         return text;
     }
-    std::vector<Node> makeNodes(std::size_t most, int depth) {
-        std::vector<Node> nodes(random_() % (most + 1));
+    std::vector<NodeOfTree> makeNodes(std::size_t most, int depth) {
+        std::vector<NodeOfTree> nodes(random_() % (most + 1));
         for (std::size_t i = 0; i < nodes.size(); ++i) {
             nodes[i].name = u"n" + string_intto(i) + (random_() % 4 == 0 ? u"" : u"x");
             nodes[i].number = ++number_;
@@ -52,9 +52,9 @@ class TreesOfTables : public TableTest {
         return nodes;
     }
     /// The rows of nodes, each before those below it: name, number, number above, path, level.
-    static void flatten(const std::vector<Node>& nodes, int above, const wstring& path, int level,
+    static void flatten(const std::vector<NodeOfTree>& nodes, int above, const wstring& path, int level,
                         std::vector<Arguments>& rows) {
-        for (const Node& node : nodes) {
+        for (const NodeOfTree& node : nodes) {
             const wstring own = path + node.name;
             rows.push_back(
                 {node.name, node.number, above != 0 ? GenericValue(above) : GenericValue(), own, level});
@@ -72,7 +72,7 @@ class TreesOfTables : public TableTest {
 TEST_F(TreesOfTables, AreThoseOfPlainNodes) {
     for (int round = 0; round < 60; ++round) {
         number_ = 0;
-        const std::vector<Node> nodes = makeNodes(4, round % 5);
+        const std::vector<NodeOfTree> nodes = makeNodes(4, round % 5);
         std::vector<Arguments> rows;
         flatten(nodes, 0, {}, 0, rows);
         const GenericValue table = table_of(u"Name,Number,Above,Path,Level", rows);

@@ -11,10 +11,10 @@ namespace {
 
 using namespace script;
 
-struct Node {
+struct ModelNode {
     GenericValue row; // the script's object; Undefined in the root
-    Node* parent = nullptr;
-    std::vector<std::unique_ptr<Node>> rows;
+    ModelNode* parent = nullptr;
+    std::vector<std::unique_ptr<ModelNode>> rows;
 };
 
 class Trees : public script::Test {
@@ -23,10 +23,10 @@ class Trees : public script::Test {
         call(property(tree_, u"Columns"), u"Add", {u"A"});
         call(property(tree_, u"Columns"), u"Add", {u"Rows"}); // hidden by the rows themselves
     }
-    [[nodiscard]] GenericValue rowsOf(const Node& node) const {
+    [[nodiscard]] GenericValue rowsOf(const ModelNode& node) const {
         return property(node.parent == nullptr ? tree_ : node.row, u"Rows");
     }
-    void check(const Node& node) const {
+    void check(const ModelNode& node) const {
         const GenericValue rows = rowsOf(node);
         ASSERT_TRUE(call(rows, u"Count").equals(node.rows.size()));
         for (std::size_t i = 0; i < node.rows.size(); ++i) {
@@ -39,33 +39,33 @@ class Trees : public script::Test {
         }
     }
     /// A row at any level, the deeper the less likely.
-    Node& any() {
-        Node* node = &root_;
+    ModelNode& any() {
+        ModelNode* node = &root_;
         while (!node->rows.empty() && random_() % 3 != 0)
             node = node->rows[random_() % node->rows.size()].get();
         return *node;
     }
-    static void collect(const Node& node, std::vector<Node*>& rows) {
+    static void collect(const ModelNode& node, std::vector<ModelNode*>& rows) {
         for (const auto& row : node.rows) {
             rows.push_back(row.get());
             collect(*row, rows);
         }
     }
     /// All rows, each before those below it.
-    [[nodiscard]] std::vector<Node*> all() const {
-        std::vector<Node*> rows;
+    [[nodiscard]] std::vector<ModelNode*> all() const {
+        std::vector<ModelNode*> rows;
         collect(root_, rows);
         return rows;
     }
 
     const GenericValue tree_ = make(u"ValueTree");
-    Node root_;
+    ModelNode root_;
     std::mt19937 random_{17};
 };
 
 TEST_F(Trees, BehaveAsRowsOfRows) {
     for (int round = 0; round < 4000; ++round) {
-        Node& node = any();
+        ModelNode& node = any();
         const GenericValue rows = rowsOf(node);
         const std::size_t count = node.rows.size();
         const std::size_t place = count != 0 ? random_() % count : 0;
@@ -74,7 +74,7 @@ TEST_F(Trees, BehaveAsRowsOfRows) {
         default: {
             const GenericValue row = call(rows, u"Insert", {place});
             call(row, u"Set", {0, static_cast<int>(random_() % 50)});
-            (*node.rows.insert(at(place), std::make_unique<Node>()))->row = row;
+            (*node.rows.insert(at(place), std::make_unique<ModelNode>()))->row = row;
             node.rows[place]->parent = &node;
             break;
         }
@@ -90,10 +90,10 @@ TEST_F(Trees, BehaveAsRowsOfRows) {
         case 6: {
             if (random_() % 4 != 0)
                 break;
-            std::vector<Node*> gone = {node.rows[place].get()};
+            std::vector<ModelNode*> gone = {node.rows[place].get()};
             collect(*node.rows[place], gone);
             call(rows, u"Delete", {place});
-            for (const Node* const row : gone)
+            for (const ModelNode* const row : gone)
                 ASSERT_EQ(failure([&] { return property(row->row, u"A"); }),
                           message_text("IDS_VT_UNKNOWN_ROW_ERROR"));
             node.rows.erase(at(place));
@@ -136,16 +136,16 @@ TEST_F(Trees, HaveRowsBelowRowsAlsoAfterTheyWereCleared) {
 
 TEST_F(Trees, AreSearchedTotalledAndSortedWithAndWithoutTheRowsBelow) {
     for (int i = 0; i < 400; ++i) {
-        Node& node = any();
-        node.rows.push_back(std::make_unique<Node>());
+        ModelNode& node = any();
+        node.rows.push_back(std::make_unique<ModelNode>());
         node.rows.back()->row = call(rowsOf(node), u"Add");
         node.rows.back()->parent = &node;
         call(node.rows.back()->row, u"Set", {0, static_cast<int>(random_() % 50) - 25});
     }
-    const std::vector<Node*> all = this->all();
+    const std::vector<ModelNode*> all = this->all();
     const GenericValue rows = rowsOf(root_);
     Numeric sum;
-    for (const Node* const node : all)
+    for (const ModelNode* const node : all)
         sum += *property(node->row, u"A").asNumeric();
     EXPECT_TRUE(call(rows, u"Total", {u"A", true}).equals(sum));
     sum = Numeric();
@@ -154,7 +154,7 @@ TEST_F(Trees, AreSearchedTotalledAndSortedWithAndWithoutTheRowsBelow) {
     EXPECT_TRUE(call(rows, u"Total", {u"A"}).equals(sum));
     for (int wanted = -25; wanted < 25; ++wanted) {
         std::vector<GenericValue> expected;
-        for (const Node* const node : all) {
+        for (const ModelNode* const node : all) {
             if (property(node->row, u"A").equals(wanted))
                 expected.push_back(node->row);
         }
@@ -165,7 +165,7 @@ TEST_F(Trees, AreSearchedTotalledAndSortedWithAndWithoutTheRowsBelow) {
         ASSERT_EQ(walk(call(rows, u"FindRows", {make(u"Structure", {u"A", wanted})})), expected);
     }
     call(rows, u"Sort", {u"A Desc", true});
-    for (const Node* const node : all) {
+    for (const ModelNode* const node : all) {
         const auto below = walk(rowsOf(*node));
         ASSERT_EQ(below.size(), node->rows.size());
         ASSERT_TRUE(std::is_sorted(below.begin(), below.end(), [](const Value& a, const Value& b) {

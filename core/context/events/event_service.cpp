@@ -10,7 +10,7 @@
 namespace core {
 namespace {
 
-constexpr GUID kClassId = "8e7c2ad7-f5ae-11d3-9851-008048da1252"_guid;
+constexpr GUID kEventServiceClassId = "8e7c2ad7-f5ae-11d3-9851-008048da1252"_guid;
 
 /// Calls a method of an object, by number. `Pointer` is a pointer that holds the object or one that borrows
 /// it.
@@ -119,7 +119,8 @@ class EventService : public IEventService {
     }
 };
 
-const SCOM_ServiceEntryInit<EventService, &kClassId, &IEventService::IID> kEntry("EventService");
+const SCOM_ServiceEntryInit<EventService, &kEventServiceClassId, &IEventService::IID>
+    kEventServiceEntry("EventService");
 
 } // namespace
 } // namespace core

@@ -15,7 +15,7 @@ namespace {
 /// Below this certainty an encoding is not believed: to read a text in a wrong one loses it in silence.
 constexpr int kBelieved = 60;
 /// How much of a text is looked at.
-constexpr std::size_t kSample = std::size_t{64} << 10U;
+constexpr std::size_t kEncodingSample = std::size_t{64} << 10U;
 
 ByteReader recoded(ByteReader bytes, wstring_view name, Encoding encoding) {
     struct Recoder {
@@ -53,10 +53,10 @@ ByteReader with_first(std::vector<std::byte> first, ByteReader others) {
 
 ByteReader in_utf8(ByteReader bytes, wstring_view name, std::optional<Encoding> encoding) {
     if (!encoding) {
-        std::vector<std::byte> first(kSample);
+        std::vector<std::byte> first(kEncodingSample);
         std::size_t size = 0;
         std::size_t got = 1;
-        while (got != 0 && size < kSample)
+        while (got != 0 && size < kEncodingSample)
             size += got = bytes(std::span(first).subspan(size));
         first.resize(size);
         const DetectedEncoding found = detect_encoding(first, got == 0);

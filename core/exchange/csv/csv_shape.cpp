@@ -7,7 +7,7 @@ namespace core {
 namespace {
 
 constexpr std::size_t kRows = 100; // that a delimiter is tried on
-constexpr std::size_t kSample = std::size_t{64} << 10U;
+constexpr std::size_t kShapeSample = std::size_t{64} << 10U;
 
 /// How many fields each of the first rows has; the last one may be cut.
 std::vector<std::size_t> field_counts(std::string_view text, char delimiter) {
@@ -42,8 +42,8 @@ std::vector<std::size_t> field_counts(std::string_view text, char delimiter) {
 } // namespace
 
 char find_delimiter(std::string_view text, bool isWhole) {
-    const bool cut = !isWhole || text.size() > kSample;
-    text = text.substr(0, kSample);
+    const bool cut = !isWhole || text.size() > kShapeSample;
+    text = text.substr(0, kShapeSample);
     for (const char delimiter : {',', ';', '\t', '|'}) {
         std::vector<std::size_t> counts = field_counts(text, delimiter);
         if (cut && counts.size() > 1 && counts.size() < kRows)

@@ -13,7 +13,7 @@ namespace {
 using detail::rgb;
 
 // Texts on the backgrounds below have a contrast of 4.5 and more.
-constexpr NamedColor kColors[] = {
+constexpr NamedColor kStyleItems[] = {
     {{u"TextColor", u"ЦветТекста"}, rgb(0x1B1F24)},
     {{u"BackColor", u"ЦветФона"}, rgb(0xFFFFFF)},
     {{u"BorderColor", u"ЦветРамки"}, rgb(0xC8CDD3)},
@@ -32,7 +32,7 @@ constexpr NamedColor kColors[] = {
     {{u"NegativeTextColor", u"ЦветОтрицательногоЧисла"}, rgb(0xB3261E)},
     {{u"DisabledTextColor", u"ЦветНедоступногоТекста"}, rgb(0x6A717A)},
 };
-static_assert(detail::is_color_table(kColors));
+static_assert(detail::is_color_table(kStyleItems));
 
 constexpr NamePair kFonts[] = {
     {u"TextFont", u"ШрифтТекста"},
@@ -44,7 +44,7 @@ constexpr NamePair kFonts[] = {
 } // namespace
 
 std::span<const NamedColor> style_colors() noexcept {
-    return kColors;
+    return kStyleItems;
 }
 
 std::span<const NamePair> style_fonts() noexcept {

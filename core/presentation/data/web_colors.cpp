@@ -9,7 +9,7 @@ namespace {
 using detail::rgb;
 
 // The named colours of CSS Color Module Level 4. A second spelling of a colour has an English name alone.
-constexpr NamedColor kColors[] = {
+constexpr NamedColor kWebColors[] = {
     {{u"AliceBlue", u"ГолубаяЭлис"}, rgb(0xF0F8FF)},
     {{u"AntiqueWhite", u"АнтичныйБелый"}, rgb(0xFAEBD7)},
     {{u"Aqua", u"Аква"}, rgb(0x00FFFF)},
@@ -159,13 +159,13 @@ constexpr NamedColor kColors[] = {
     {{u"Yellow", u"Желтый"}, rgb(0xFFFF00)},
     {{u"YellowGreen", u"ЖелтоЗеленый"}, rgb(0x9ACD32)},
 };
-static_assert(std::size(kColors) == 148);
-static_assert(detail::is_color_table(kColors));
+static_assert(std::size(kWebColors) == 148);
+static_assert(detail::is_color_table(kWebColors));
 
 } // namespace
 
 std::span<const NamedColor> web_colors() noexcept {
-    return kColors;
+    return kWebColors;
 }
 
 } // namespace core

@@ -11,7 +11,7 @@ using detail::rgb;
 // The colours that a Windows desktop is drawn in, by the numbers that this system gives them; it has no
 // number 25. The values are those of its light theme, which every system shows, so that a document looks the
 // same on each.
-constexpr NamedColor kColors[] = {
+constexpr NamedColor kWindowsColors[] = {
     {{u"ScrollBar", u"ПолосаПрокрутки"}, rgb(0xC8C8C8), 0},
     {{u"Desktop", u"РабочийСтол"}, rgb(0x000000), 1},
     {{u"ActiveCaption", u"ЗаголовокАктивногоОкна"}, rgb(0x99B4D1), 2},
@@ -43,12 +43,12 @@ constexpr NamedColor kColors[] = {
     {{u"MenuHighlight", u"ВыделениеМеню"}, rgb(0x0078D7), 29},
     {{u"MenuBar", u"ПолосаМеню"}, rgb(0xF0F0F0), 30},
 };
-static_assert(detail::is_color_table(kColors));
+static_assert(detail::is_color_table(kWindowsColors));
 
 } // namespace
 
 std::span<const NamedColor> windows_colors() noexcept {
-    return kColors;
+    return kWindowsColors;
 }
 
 } // namespace core

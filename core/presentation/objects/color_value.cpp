@@ -76,7 +76,7 @@ class ColorValue : public ShownValue<ColorValue, Color> {
     }
 };
 
-const ScriptClassEntry<ColorValue> kEntry;
+const ScriptClassEntry<ColorValue> kColorValueEntry;
 
 } // namespace
 

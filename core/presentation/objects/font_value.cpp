@@ -73,7 +73,7 @@ class FontValue : public ShownValue<FontValue, Font> {
     }
 };
 
-const ScriptClassEntry<FontValue> kEntry;
+const ScriptClassEntry<FontValue> kFontValueEntry;
 
 } // namespace
 

@@ -58,7 +58,7 @@ class PictureValue : public ShownValue<PictureValue, Picture> {
     }
 };
 
-const ScriptClassEntry<PictureValue> kEntry;
+const ScriptClassEntry<PictureValue> kPictureValueEntry;
 
 } // namespace
 

@@ -113,7 +113,7 @@ class StyleValue : public ScriptObject<StyleValue, IPersistableObject> {
     Style style_;
 };
 
-const ScriptClassEntry<StyleValue> kEntry;
+const ScriptClassEntry<StyleValue> kStyleValueEntry;
 
 } // namespace
 

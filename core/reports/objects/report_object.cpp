@@ -42,7 +42,7 @@ class ReportObject : public ScriptObject<ReportObject> {
     Report report_;
 };
 
-const ScriptClassEntry<ReportObject> kEntry;
+const ScriptClassEntry<ReportObject> kReportObjectEntry;
 
 } // namespace
 

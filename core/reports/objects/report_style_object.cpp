@@ -127,7 +127,7 @@ class ReportColumns : public ScriptObjectOver<ReportColumns, ColumnsByName<Repor
 };
 const ScriptTypeEntry<ReportColumns> kColumnsEntry;
 
-const ScriptClassEntry<ReportStyleObject> kEntry;
+const ScriptClassEntry<ReportStyleObject> kReportStyleObjectEntry;
 
 /// Names with "," between them.
 std::vector<wstring> names_of(wstring_view text) {

@@ -23,7 +23,7 @@
 namespace core {
 namespace {
 
-std::atomic<LockCycleHandler> replacement{nullptr};
+std::atomic<LockCycleHandler> replacedHandler{nullptr};
 
 } // namespace
 
@@ -36,7 +36,7 @@ bool finds_lock_cycles() noexcept {
 }
 
 LockCycleHandler replace_lock_cycle_handler(LockCycleHandler handler) noexcept {
-    return replacement.exchange(handler);
+    return replacedHandler.exchange(handler);
 }
 
 #if defined(CORE_LOCK_CYCLES)
@@ -164,7 +164,7 @@ void report(const std::vector<Step>& circle) {
                                        hexadecimal(reinterpret_cast<std::uintptr_t>(step.held)),
                                        step.heldWhere.text()});
     const wstring text = message_text(messages::kLockCycle, {steps});
-    if (const LockCycleHandler handler = replacement.load(); handler != nullptr)
+    if (const LockCycleHandler handler = replacedHandler.load(); handler != nullptr)
         handler(text);
     else
         std::fprintf(stderr, "%s\n", to_utf8(text).c_str());

@@ -142,7 +142,7 @@ void MutexEngine::admit(WaitQueue& queue) noexcept {
 
 namespace {
 
-const SCOM_ClassEntryInit<detail::MutexOf<IMutex>, &kMutexClass> kEntry("Mutex");
+const SCOM_ClassEntryInit<detail::MutexOf<IMutex>, &kMutexClass> kMutexEntry("Mutex");
 
 } // namespace
 } // namespace core

@@ -102,7 +102,7 @@ void RWMutexEngine::admit(WaitQueue& queue) noexcept {
 
 namespace {
 
-const SCOM_ClassEntryInit<detail::RWMutexOf<IRWMutex>, &kRWMutexClass> kEntry("RWMutex");
+const SCOM_ClassEntryInit<detail::RWMutexOf<IRWMutex>, &kRWMutexClass> kRwMutexEntry("RWMutex");
 
 } // namespace
 } // namespace core

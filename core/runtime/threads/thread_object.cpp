@@ -29,7 +29,7 @@ class ThreadObject : public IThread {
     bool started_ = false;
 };
 
-const SCOM_ClassEntryInit<ThreadObject, &kThreadClass> kEntry("Thread");
+const SCOM_ClassEntryInit<ThreadObject, &kThreadClass> kThreadObjectEntry("Thread");
 
 } // namespace
 } // namespace core

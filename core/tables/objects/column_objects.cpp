@@ -252,7 +252,7 @@ namespace {
 
 const ScriptTypeEntry<ValueTableColumn> kColumnEntry;
 
-const ScriptTypeEntry<ValueTableColumnCollection> kCollectionEntry;
+const ScriptTypeEntry<ValueTableColumnCollection> kColumnObjectsCollectionEntry;
 
 constexpr Param kIndexAndDefinition[] = {
     kIndexParam, named_param(kCodePropTerm), named_param(kTypePropTerm, kUndefinedDefault),

@@ -15,14 +15,6 @@
 #include <numeric>
 
 namespace core {
-namespace {
-
-InterfacePtr<IValueTable> table_of(TableContent content) {
-    return make_value_table(std::move(content.columns), content.rows, {});
-}
-
-} // namespace
-
 const TableData& own_table(IValueTableBaseRO& table, int param) {
     const TableData* const data = table_data_of(table);
     if (data == nullptr)

@@ -96,7 +96,7 @@ class FilterObject : public ScriptObject<FilterObject, IPersistableObject> {
     Filter filter_;
 };
 
-const ScriptClassEntry<FilterObject> kEntry;
+const ScriptClassEntry<FilterObject> kFilterObjectEntry;
 
 /// The columns of a structure equal its values.
 Filter equalities(const IValueStructure& structure) {

@@ -129,7 +129,7 @@ namespace {
 
 const ScriptTypeEntry<VTIndex> kIndexEntry;
 
-const ScriptTypeEntry<VTIndexCollection> kCollectionEntry;
+const ScriptTypeEntry<VTIndexCollection> kIndexObjectsCollectionEntry;
 
 } // namespace
 

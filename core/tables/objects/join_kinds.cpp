@@ -16,7 +16,7 @@ constexpr EnumerationItem kItems[] = {
     {kJoinKindsSemi, "IDS_CORE_JOIN_KINDS_SEMI", number(JoinKind::semi)},
     {kJoinKindsAnti, "IDS_CORE_JOIN_KINDS_ANTI", number(JoinKind::anti)},
 };
-constexpr EnumerationInfo kInfo = {
+constexpr EnumerationInfo kJoinKindsInfo = {
     .type = {.id = "a6f08088-0ab4-4d9a-9275-136f67f4b2eb"_guid,
              .valueClass = "42d58545-dc13-4120-8b98-b4f3d6ca7c77"_guid,
              .names = kJoinKindsTerm,
@@ -24,12 +24,12 @@ constexpr EnumerationInfo kInfo = {
     .factory = "b5fb8e94-e9f1-4042-ad31-fbd08564a4af"_guid,
     .items = kItems,
 };
-const EnumerationEntry<kInfo> kEntry("JoinKinds");
+const EnumerationEntry<kJoinKindsInfo> kJoinKindsEntry("JoinKinds");
 
 } // namespace
 
 Enumeration* script_enumeration(JoinKind) noexcept {
-    return kEntry.instance();
+    return kJoinKindsEntry.instance();
 }
 
 } // namespace core

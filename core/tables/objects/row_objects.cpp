@@ -56,7 +56,7 @@ InterfacePtr<IValueEnum> walk_rows(TableData& data, RowId parent) {
 
 namespace {
 
-const ScriptTypeEntry<ValueTableRow> kEntry;
+const ScriptTypeEntry<ValueTableRow> kRowObjectsEntry;
 
 } // namespace
 

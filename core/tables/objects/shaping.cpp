@@ -41,10 +41,6 @@ wstring_view require_separator(wstring_view separator) {
     return separator;
 }
 
-InterfacePtr<IValueTable> table_of(TableContent content) {
-    return make_value_table(std::move(content.columns), content.rows, {});
-}
-
 } // namespace
 
 void add_rows(IValueTable& table, const Value& rows, Losses* losses, const TableWork& work) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/tables/data/table_data.h"
+#include "core/tables/query/new_columns.h"
 
 #include <core/tables/value_table.h>
 
@@ -11,6 +12,9 @@ namespace core {
 /// Makes a value table of columns that have `count` cells each, and keeps what was lost on the way.
 [[nodiscard]] InterfacePtr<IValueTable> make_value_table(std::vector<std::unique_ptr<TableColumn>> columns,
                                                          std::size_t count, Losses losses);
+[[nodiscard]] inline InterfacePtr<IValueTable> table_of(TableContent content) {
+    return make_value_table(std::move(content.columns), content.rows, {});
+}
 /// Returns the data of a table, borrowed from it; null for a table that is not one of this library.
 [[nodiscard]] const TableData* table_data_of(IValueTableBaseRO& table);
 /// Returns the data of a table that is one of this library. Throws ContextException

@@ -264,7 +264,7 @@ InterfacePtr<IValueList> create_value_list() {
 
 namespace {
 
-const ScriptClassEntry<ValueList> kEntry;
+const ScriptClassEntry<ValueList> kValueListEntry;
 
 } // namespace
 

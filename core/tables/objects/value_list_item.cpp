@@ -36,7 +36,7 @@ void ValueListItem::tellList() {
 
 namespace {
 
-const ScriptTypeEntry<ValueListItem> kEntry;
+const ScriptTypeEntry<ValueListItem> kValueListItemEntry;
 
 } // namespace
 

@@ -312,7 +312,7 @@ const TableData* table_data_of(IValueTableBaseRO& table) {
 
 namespace {
 
-const ScriptClassEntry<ValueTable> kEntry;
+const ScriptClassEntry<ValueTable> kValueTableEntry;
 
 constexpr Param kCopy[] = {named_param(kRowCollectionTerm, kUndefinedDefault), kAnyColumnsParam};
 constexpr Param kAggregatesParam = named_param({u"Aggregates", u"Агрегаты"});

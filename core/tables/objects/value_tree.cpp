@@ -206,7 +206,7 @@ const ScriptClassEntry<ValueTree> kTreeEntry;
 
 const ScriptTypeEntry<ValueTreeRow> kRowEntry;
 
-const ScriptTypeEntry<ValueTreeRowCollection> kCollectionEntry;
+const ScriptTypeEntry<ValueTreeRowCollection> kValueTreeCollectionEntry;
 
 } // namespace
 

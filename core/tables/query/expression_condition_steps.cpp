@@ -14,8 +14,6 @@ namespace {
 
 using Operator = ExpressionOperator;
 
-constexpr std::int64_t kEmptyWord = CellColumn::kEmptyWord;
-
 class ComparisonStep final : public ConditionStep {
   public:
     ComparisonStep(Operator sign, StepPtr a, StepPtr b, ExpressionPlace place)

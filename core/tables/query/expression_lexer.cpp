@@ -9,8 +9,6 @@
 namespace core {
 namespace {
 
-using Kind = ExpressionTokenKind;
-
 bool starts_name(wchar unit) noexcept {
     return is_alpha(unit) || unit == u'_';
 }
@@ -33,21 +31,23 @@ ExpressionToken ExpressionLexer::next() {
         return token;
     const wchar first = text_[at_];
     if (starts_name(first)) {
-        token.kind = Kind::name;
+        token.kind = ExpressionTokenKind::name;
         token.text = word();
         token.word = expression_word(token.text);
     } else if (is_ascii_digit(first)) {
-        token.kind = Kind::number;
+        token.kind = ExpressionTokenKind::number;
         token.text = number(token.place);
     } else if (first == u'"' || first == u'\'' || first == u'[') {
-        token.kind = first == u'"' ? Kind::text : first == u'[' ? Kind::name : Kind::date;
+        token.kind = first == u'"'   ? ExpressionTokenKind::text
+                     : first == u'[' ? ExpressionTokenKind::name
+                                     : ExpressionTokenKind::date;
         token.text = quoted(token.place, first == u'[' ? u']' : first);
     } else if (first == u'&' && starts_name(at(at_ + 1))) {
         ++at_;
-        token.kind = Kind::parameter;
+        token.kind = ExpressionTokenKind::parameter;
         token.text = word();
     } else {
-        token.kind = Kind::sign;
+        token.kind = ExpressionTokenKind::sign;
         token.text = sign(token.place);
     }
     return token;

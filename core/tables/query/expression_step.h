@@ -10,6 +10,9 @@
 
 namespace core {
 
+/// The word of an empty cell.
+inline constexpr std::int64_t kEmptyWord = CellColumn::kEmptyWord;
+
 /// A set of kinds of values.
 using KindSet = std::uint8_t;
 [[nodiscard]] constexpr KindSet kind_bit(ValueKind kind) noexcept {

@@ -17,8 +17,6 @@ namespace {
 using Form = CellColumn::Form;
 using Operator = ExpressionOperator;
 
-constexpr std::int64_t kEmptyWord = CellColumn::kEmptyWord;
-
 std::int64_t ten_to(std::uint32_t power) noexcept {
     std::int64_t result = 1;
     for (; power != 0; --power)

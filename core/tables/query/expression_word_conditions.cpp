@@ -6,8 +6,6 @@
 namespace core {
 namespace {
 
-constexpr std::int64_t kEmptyWord = CellColumn::kEmptyWord;
-
 /// A condition on words, which it takes straight from the cells where the step is a column.
 class WordCondition : public ConditionStep {
   public:

@@ -31,10 +31,6 @@ struct FlatTree {
     }
 };
 
-wstring row_number(std::size_t position) {
-    return string_intto(position + 1);
-}
-
 ColumnInfo number_column(wstring_view name) {
     return {.name = wstring(name), .domain = TypeDomain(kNumberType)};
 }

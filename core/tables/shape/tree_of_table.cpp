@@ -14,10 +14,6 @@ namespace {
 
 constexpr std::uint32_t kNone = NewTreeRow::kNone;
 
-wstring row_number(std::size_t position) {
-    return string_intto(position + 1);
-}
-
 bool is_blank(const Value& value) noexcept {
     return value.isUndefined() || value.kind() == ValueKind::null;
 }

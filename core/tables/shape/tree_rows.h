@@ -5,9 +5,16 @@
 #include "core/tables/query/new_columns.h"
 #include "core/tables/query/work_watch.h"
 
+#include <core/strings/integer_text.h>
+
 /// Rows of a table that say which row each is below, made a tree, and the way back. <core/tables/trees.h>
 /// says what each function does and throws. A tree that is filled is empty before, and without columns.
 namespace core {
+
+/// The number of a row in messages, which count from 1.
+[[nodiscard]] inline wstring row_number(std::size_t position) {
+    return string_intto(position + 1);
+}
 
 void tree_by_parent(const TableData& table, std::size_t key, std::size_t parent, TableData& tree,
                     WorkWatch& watch);
