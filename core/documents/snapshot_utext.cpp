@@ -31,10 +31,10 @@ UBool U_CALLCONV access(UText* text, std::int64_t index, UBool forward) {
     const TextSnapshot& snapshot = snapshot_of(text);
     const auto size = static_cast<std::int64_t>(snapshot.size());
     index = std::clamp<std::int64_t>(index, 0, size);
-    const bool there = forward ? index < size : index > 0;
+    const UBool there = forward != 0 ? index < size : index > 0;
     if (size == 0) {
-        set_chunk(text, {wstring_view(u"", 0), 0}, 0);
-        return false;
+        set_chunk(text, {u"", 0}, 0);
+        return 0;
     }
     // At an end of the text the units on its other side are at hand.
     const std::int64_t inside = forward ? std::min(index, size - 1) : std::max<std::int64_t>(index - 1, 0);
@@ -94,7 +94,7 @@ constexpr UTextFuncs kFunctions = make_functions();
         return text;
     text->pFuncs = &kFunctions;
     text->context = context;
-    set_chunk(text, {wstring_view(u"", 0), 0}, 0);
+    set_chunk(text, {u"", 0}, 0);
     return text;
 }
 

@@ -183,6 +183,11 @@ void TextManager::endGroup() {
     impl_->history.endGroup();
 }
 
+TextEditGroup::~TextEditGroup() {
+    if (text_.isGroupOpen())
+        text_.impl_->history.endGroup();
+}
+
 bool TextManager::isGroupOpen() const noexcept {
     return impl_->history.isGroupOpen();
 }

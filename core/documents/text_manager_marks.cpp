@@ -121,6 +121,7 @@ void TextManager::replaceSelection(wstring_view text) {
         return;
     }
     std::vector<TextReplacement> replacements;
+    replacements.reserve(ranges.size());
     for (const TextRange& range : ranges)
         replacements.push_back({range, text});
     replace(replacements);

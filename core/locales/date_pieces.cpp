@@ -179,7 +179,8 @@ class Reading {
         const int second = number(u"s").value_or(0);
         if (!day || hour < 0 || hour > 23 || minute > 59 || second > 59)
             return std::nullopt;
-        std::int64_t ticks = ((hour * 60 + minute) * 60 + second) * kTicksPerSecond;
+        const std::int64_t seconds = (hour * 60 + minute) * 60 + second;
+        std::int64_t ticks = seconds * kTicksPerSecond;
         if (const DatePiece* const fraction = piece(u"S"))
             ticks += *number(u"S") * power_of_ten(4 - fraction->width);
         const Date made = *day + DateSpan(ticks);

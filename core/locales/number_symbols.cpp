@@ -22,7 +22,7 @@ std::unique_ptr<icu::DecimalFormat> open_format(const icu::Locale& locale, UNumb
     auto* const decimal = dynamic_cast<icu::DecimalFormat*>(made.get());
     if (U_FAILURE(status) || decimal == nullptr)
         return nullptr;
-    made.release();
+    static_cast<void>(made.release());
     // By default ICU groups four digits in Spanish, too.
     decimal->setMinimumGroupingDigits(UNUM_MINIMUM_GROUPING_DIGITS_AUTO);
     return std::unique_ptr<icu::DecimalFormat>(decimal);

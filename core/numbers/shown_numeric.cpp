@@ -16,7 +16,7 @@ std::string detail::ascii_of(const Numeric& number) {
 /// Equal numbers have equal limbs, so these are all that counts.
 std::size_t hash_value(const Numeric& number) noexcept {
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
-    std::uint64_t hash = static_cast<std::uint64_t>(number.sign() + 2);
+    std::uint64_t hash = static_cast<std::uint64_t>(number.sign()) + 2;
     const auto take = [&hash](std::uint64_t word) {
         hash = (hash ^ word) * kFactor;
         hash ^= hash >> 32U;

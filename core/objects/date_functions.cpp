@@ -78,7 +78,8 @@ class DateFunctions : public IContextImpl<IContextDefImpl<DateFunctions>>,
         return GenericValue((date_argument(a[0], 0).*get)());
     }
     GenericValue addMonth(Arguments a) {
-        constexpr std::int64_t kMost = 12 * 10'000; // beyond that stand the ends of the calendar
+        constexpr std::int64_t kMost =
+            std::int64_t{12} * 10'000; // beyond that stand the ends of the calendar
         const Date date = date_argument(a[0], 0);
         const std::int64_t months = std::clamp(index_argument(a[1], 1), -kMost, kMost);
         return GenericValue(Date(date).addMonth(static_cast<int>(months)));

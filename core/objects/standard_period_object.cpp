@@ -47,7 +47,7 @@ wstring dates_text(const DatePeriod& dates) {
     const bool days = dates.begin == dates.begin.begOfDay() && dates.end == dates.end.endOfDay();
     const DatePattern pattern = days ? DatePattern::date : DatePattern::dateTime;
     const DateFormat& format = default_date_format();
-    const wstring begin = format.format(dates.begin, pattern);
+    wstring begin = format.format(dates.begin, pattern);
     if (days && dates.begin == dates.end.begOfDay())
         return begin;
     return begin + u" – " + format.format(dates.end, pattern);

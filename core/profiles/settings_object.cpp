@@ -76,7 +76,7 @@ class SettingsObject : public ScriptObject<SettingsObject> {
 
     GenericValue get(wstring_view path, const std::optional<GenericValue>& byDefault,
                      const std::optional<Type>& type) {
-        const GenericValue instead = byDefault.value_or(GenericValue());
+        GenericValue instead = byDefault.value_or(GenericValue());
         const std::optional<ProfileValue> found = profile().find(path);
         if (!found || found->value.isUndefined())
             return instead;

@@ -66,8 +66,8 @@ bool has_known_keywords(const icu::Locale& locale) {
 std::string usual_form(const icu::Locale& locale) {
     const std::string language = locale.getLanguage();
     const std::string script = detail::script_of(locale);
-    const std::string with = joined(language, script, locale.getCountry());
-    const std::string without = joined(language, {}, locale.getCountry());
+    std::string with = joined(language, script, locale.getCountry());
+    std::string without = joined(language, {}, locale.getCountry());
     const auto means_the_same = [&](const std::string& key) {
         return detail::script_of(icu::Locale(key.c_str())) == script;
     };

@@ -52,7 +52,9 @@ std::string script_of(icu::Locale locale) {
 const std::vector<std::string>& listed_locales() {
     static const std::vector<std::string> keys = [] {
         std::vector<std::string> found;
-        for (std::int32_t i = 0; i < uloc_countAvailable(); ++i)
+        const std::int32_t count = uloc_countAvailable();
+        found.reserve(static_cast<std::size_t>(count));
+        for (std::int32_t i = 0; i < count; ++i)
             found.emplace_back(uloc_getAvailable(i));
         std::ranges::sort(found);
         return found;

@@ -55,7 +55,7 @@ class ErrorValue : public ScriptObject<ErrorValue, IErrorValue> {
                                            .type = script_type_id(u"Error"),
                                            .object = script_class_id(u"Error")};
 
-    ErrorValue() : ErrorValue(Error()) {}
+    ErrorValue() : failure_(failure_of(error_)) {}
     explicit ErrorValue(const Error& error) : error_(error), failure_(failure_of(error_)) {}
 
     const Error& error() const noexcept override { return error_; }

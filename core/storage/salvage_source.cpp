@@ -167,8 +167,7 @@ bool SalvageSource::findByRows(std::span<const std::byte> content, const Visit& 
         wstring name;
         for (std::uint64_t i = begin; !info && i < end; ++i)
             name.push_back(static_cast<wchar>(load_number(names.data() + 2 * i, 2)));
-        found.emplace_back(info ? info->name : std::move(name),
-                           StorageFileEntry{number(row, 0), number(row, 1)});
+        found.emplace_back(info ? info->name : name, StorageFileEntry{number(row, 0), number(row, 1)});
         withInfo += info ? 1 : 0;
     }
     if (withInfo * 2 < found.size() || found.empty())

@@ -69,11 +69,11 @@ class Pipeline {
             const std::size_t all = countOfRows();
             return rows(all - std::min(all, count), all);
         });
-        engine.function(u"Select", u"Выбрать", [this](Value columns) {
+        engine.function(u"Select", u"Выбрать", [this](const Value& columns) {
             engine_.set(u"_Columns", columns);
             return engine_.run(u"Return Table.Copy(, _Columns)", u"query");
         });
-        engine.function(u"Where", u"Где", [this](Value filter, std::optional<Value> value) {
+        engine.function(u"Where", u"Где", [this](const Value& filter, std::optional<Value> value) {
             engine_.set(u"_Filter", filter);
             if (!value)
                 return engine_.run(u"Return Table.Copy(_Filter)", u"query");

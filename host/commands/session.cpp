@@ -96,7 +96,7 @@ void Session::take(const wstring& line, const Lines& lines) {
         return;
     }
     const auto more = [this, &lines] {
-        const std::optional<wstring> next = nextLine(lines, true);
+        std::optional<wstring> next = nextLine(lines, true);
         if (next)
             entry_.append(*next).append(u"\n");
         return next;

@@ -178,6 +178,7 @@ ExitCode list_encodings(Console& console, const TextOptions&) {
 template <class T>
 std::vector<std::string> keys(const std::map<std::string, T>& table) {
     std::vector<std::string> names;
+    names.reserve(table.size());
     for (const auto& [name, value] : table)
         names.push_back(name);
     return names;

@@ -114,8 +114,8 @@ class Sentences {
     [[nodiscard]] std::string wrongValue(const CLI::Option& option, const std::string& name) const {
         const std::string value = option.results().empty() ? std::string() : option.results().back();
         const std::vector<std::string> choices = choices_of(option);
-        const std::string text = say("The option {} does not take “{}”.",
-                                     "Параметр {} не принимает значение «{}».", {name, value});
+        std::string text = say("The option {} does not take “{}”.", "Параметр {} не принимает значение «{}».",
+                               {name, value});
         if (choices.empty())
             return text;
         const std::string near = nearest(value, choices);

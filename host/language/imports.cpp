@@ -42,7 +42,7 @@ wstring import_path(wstring_view importer, wstring_view file) {
     if (file.find(kScheme) != wstring_view::npos || !own.drive.empty() || file.starts_with(u'/'))
         return wstring(file);
     const PathParts parts = string_splitpath(importer);
-    const wstring joined = (parts.drive + parts.directory).append(file);
+    wstring joined = (parts.drive + parts.directory).append(file);
     if (joined.find(kScheme) != wstring::npos)
         return joined;
     return std::filesystem::path(joined).lexically_normal().u16string();

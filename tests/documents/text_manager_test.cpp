@@ -166,6 +166,10 @@ TEST(TextManager, RefusesWhatTheTextDoesNotHave) {
     EXPECT_EQ(failure([&] { document.endGroup(); }), messages::kTextNoGroup);
     const std::vector<TextReplacement> overlap{{{0, 2}, u"x"}, {{1, 3}, u"y"}};
     EXPECT_EQ(failure([&] { document.replace(overlap); }), messages::kTextRangesOverlap);
+    {
+        const TextEditGroup ended(document);
+        document.endGroup();
+    }
     const TextEditGroup group(document);
     EXPECT_EQ(failure([&] { document.undo(); }), messages::kTextGroupOpen);
     EXPECT_EQ(failure([&] { document.assign(u""); }), messages::kTextGroupOpen);

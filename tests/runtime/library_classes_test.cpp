@@ -41,7 +41,7 @@ TEST(LibraryClasses, AreTakenBackByEachProcessForItself) {
     ClassEntry entry{.record = detail::class_record<Ours>(clsid, "Ours", false, nullptr)};
     ClassEntry* const entries = &entry;
     SCOM_ResourceBundle bundle("ours");
-    SCOM_Module module(entries, bundle, {.name = "ours"});
+    SCOM_Module module(entries, bundle, {.name = "ours", .version = {}, .file = {}});
     module.initialize(); // and not init(): processes do not take it by themselves
     const host::HostProcess first;
     const host::HostProcess second;

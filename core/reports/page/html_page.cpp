@@ -56,7 +56,7 @@ std::string image_of(const Value& cell) {
 
 /// What a cell is sorted by beside its text: ` data-n="…"`, or nothing.
 std::string sort_key(const Value& cell) {
-    const auto key = [](std::string number) { return " data-n=" + number; };
+    const auto key = [](const std::string& number) { return " data-n=" + number; };
     switch (cell.kind()) {
     case ValueKind::number:
         return key(to_utf8(cell.asNumeric()->toString()));
@@ -125,7 +125,7 @@ class PageWriter {
         }
     }
     /// Begins a cell with its classes, as far as there are some.
-    void begin(std::string_view tag, std::string classes) {
+    void begin(std::string_view tag, const std::string& classes) {
         text_ += '<';
         text_ += tag;
         if (!classes.empty())

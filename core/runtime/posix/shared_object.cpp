@@ -5,6 +5,7 @@
 #include <link.h>
 
 // The linker finds the declaration of the program, or null when it declares no module.
+// NOLINTNEXTLINE(readability-redundant-declaration): weak, as it is nowhere else
 extern "C" __attribute__((weak)) const core::ModuleDeclaration core_module_declaration;
 
 namespace core {

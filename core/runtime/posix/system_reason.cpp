@@ -17,7 +17,7 @@ wstring system_reason(int error) {
     ::locale_t locale = ::newlocale(LC_ALL_MASK, russian ? "ru_RU.UTF-8" : "C", nullptr);
     if (locale == nullptr)
         locale = ::newlocale(LC_ALL_MASK, "C", nullptr); // which is always there
-    const wstring reason = from_utf8(::strerror_l(error, locale));
+    wstring reason = from_utf8(::strerror_l(error, locale));
     ::freelocale(locale);
     return reason;
 }

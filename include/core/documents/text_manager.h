@@ -144,19 +144,20 @@ class CORE_API TextManager {
     void replaceSelection(wstring_view text);
 
   private:
+    friend class TextEditGroup;
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };
 
 /// Keeps a group of edits open while it lives.
-class TextEditGroup {
+class CORE_API TextEditGroup {
   public:
     /// Begins a group in `text`, which must live longer.
     explicit TextEditGroup(TextManager& text) noexcept : text_(text) { text_.beginGroup(); }
     TextEditGroup(const TextEditGroup&) = delete;
     TextEditGroup& operator=(const TextEditGroup&) = delete;
-    /// Ends the group.
-    ~TextEditGroup() { text_.endGroup(); }
+    /// Ends the group, unless none is open any more.
+    ~TextEditGroup();
 
   private:
     TextManager& text_;

@@ -60,7 +60,7 @@ NamedMutex::NamedMutex(const wstring& name)
 
 NamedMutex::~NamedMutex() {
     if (holder_.load() == detail::thread_number())
-        unlock();
+        release();
 }
 
 NamedLockResult NamedMutex::tryLockFor(milliseconds timeout) {
@@ -85,6 +85,10 @@ NamedLockResult NamedMutex::tryLockFor(milliseconds timeout) {
 void NamedMutex::unlock() {
     if (holder_.load() != detail::thread_number())
         throw_error<ThreadException>(messages::kLockNotHeld);
+    release();
+}
+
+void NamedMutex::release() noexcept {
     auto& shared = memory_->as<SharedMutex>();
     holder_.store(0);
     shared.header.held.store(0);

@@ -76,7 +76,7 @@ NamedMutex::NamedMutex(const wstring& name)
 
 NamedMutex::~NamedMutex() {
     if (holder_.load() == detail::thread_number())
-        unlock();
+        release();
 }
 
 NamedLockResult NamedMutex::tryLockFor(std::chrono::milliseconds timeout) {
@@ -96,6 +96,10 @@ NamedLockResult NamedMutex::tryLockFor(std::chrono::milliseconds timeout) {
 void NamedMutex::unlock() {
     if (holder_.load() != detail::thread_number())
         throw_error<ThreadException>(messages::kLockNotHeld);
+    release();
+}
+
+void NamedMutex::release() noexcept {
     holder_.store(0);
     ::ReleaseMutex(memory_->get());
 }

@@ -51,6 +51,8 @@ class CORE_API NamedMutex {
     void unlock();
 
   private:
+    void release() noexcept; // in the thread that holds it
+
     std::unique_ptr<detail::NamedMemory> memory_;
     std::atomic<std::uintptr_t> holder_{0}; // the thread that has locked it through this object
 };
