@@ -49,7 +49,7 @@ class Workshop:
         environment = dict(os.environ, CCACHE_BASEDIR=self.tree, CCACHE_NOHASHDIR="1")
         commands = [["cmake", "--build", "--preset", "dev", "--target", *programs]]
         if not os.path.exists(os.path.join(self.build, "build.ninja")):
-            commands.insert(0, ["cmake", "--preset", "dev"])
+            commands.insert(0, ["cmake", "--preset", "dev", "-D", "CORE_JOIN_TESTS=ON"])
         for command in commands:
             done = self._run(command, cwd=self.tree, env=environment, stdout=subprocess.PIPE,
                              stderr=subprocess.STDOUT)
