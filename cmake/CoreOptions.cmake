@@ -30,7 +30,7 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-  add_compile_definitions(_FILE_OFFSET_BITS=64) # files beyond 2 GiB; hosts of 64 bits have no other offsets
+  add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64) # files beyond 2 GiB, times beyond 2038
   include(CheckCXXSymbolExists)
   check_cxx_symbol_exists(__i386__ cstddef CORE_HOST_IS_I386)
   if(CORE_HOST_IS_I386)

@@ -4,6 +4,7 @@
 #include <core/runtime/clock.h>
 
 #include <atomic>
+#include <ctime>
 #include <thread>
 
 namespace core {
@@ -11,7 +12,13 @@ namespace {
 
 class SystemClock final : public Clock {
   public:
-    std::chrono::system_clock::time_point now() noexcept override { return std::chrono::system_clock::now(); }
+    std::chrono::system_clock::time_point now() noexcept override {
+        ::timespec time{}; // that of the standard library ends in 2038 on hosts of 32 bits
+        ::clock_gettime(CLOCK_REALTIME, &time);
+        const auto since1970 = std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+        return std::chrono::system_clock::time_point(
+            std::chrono::duration_cast<std::chrono::system_clock::duration>(since1970));
+    }
     void sleep(std::chrono::milliseconds time) override { std::this_thread::sleep_for(time); }
 };
 

@@ -149,8 +149,8 @@ bool SalvageSource::findByRows(std::span<const std::byte> content, const Visit& 
         return false;
     const auto rows =
         static_cast<std::size_t>(std::min<std::uint64_t>(count, (content.size() - fixed) / (3 * width)));
-    const auto names =
-        content.subspan(std::min(content.size(), fixed + static_cast<std::size_t>(count) * 3 * width));
+    const auto names = content.subspan(
+        static_cast<std::size_t>(std::min<std::uint64_t>(content.size(), fixed + count * 3 * width)));
     const auto number = [&](std::size_t row, std::size_t field) {
         return load_number(content.data() + fixed + (3 * row + field) * width, width);
     };

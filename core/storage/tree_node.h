@@ -117,7 +117,7 @@ template <class Rows>
 [[nodiscard]] std::vector<std::byte> encode_node(const TreeNode<Rows>& node, const StorageLayout& layout,
                                                  std::uint64_t counter, std::size_t least) {
     const std::size_t bytes = std::max(node_bytes(node, layout), least);
-    std::vector<std::byte> content(blocks_for(bytes) * kStorageBlockSize);
+    std::vector<std::byte> content(static_cast<std::size_t>(blocks_for(bytes)) * kStorageBlockSize);
     NodeHeader{node.level, counter, node.size()}.encode(content.data(), Rows::kKind);
     Rows::encode(content.data() + NodeHeader::kSize, node, layout);
     store_number(content.data(), checksum(std::span(std::as_const(content)).subspan(8)), 8);

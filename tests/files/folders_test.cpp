@@ -72,7 +72,7 @@ class Folders : public testing::Test {
         fs::create_hard_link(path("outside/kept/file"), path("from/linked"));
         fs::permissions(path("from/a\xFF/50%"), fs::perms(0640));
         fs::permissions(path("from/a\xFF"), fs::perms(0555));
-        const struct timespec times[2] = {{1, 5}, {-3, 999'999'999}};
+        const struct timespec times[2] = {{5'000'000'000, 5}, {-3, 999'999'999}};
         ::utimensat(AT_FDCWD, path("from/empty").c_str(), times, 0);
         ::utimensat(AT_FDCWD, path("from/a\xFF").c_str(), times, 0);
     }

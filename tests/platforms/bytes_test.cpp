@@ -88,6 +88,23 @@ TEST_F(SameBytes, ValuesInEveryForm) {
     expect_noted("compact", compact);
 }
 
+// A column keeps each text once, or the texts of all rows; it decides while it grows, and what it writes
+// shows it.
+TEST_F(SameBytes, TablesAsTheyGrow) {
+    const auto table = create_value_table();
+    for (const wchar* const name : {u"Number", u"Text", u"Date", u"Any"})
+        table->addColumn(name);
+    Digest digest;
+    for (std::int64_t i = 0; i < 80'000; ++i) {
+        const Value cells[] = {Numeric(i) / 8, string_intto(i < 20'000 ? i / 2 : i),
+                               Date(1, 1, 1) + DateSpan(i * i), i % 3 == 0 ? Value(i) : Value(i % 3 == 1)};
+        table->appendRow(cells);
+        if (i % 20'000 == 19'999)
+            digest.add(GenericValue(table.query<IValue>()).toBytes());
+    }
+    expect_noted("tables", digest);
+}
+
 TEST_F(SameBytes, TextsInEveryEncoding) {
     for (const char* name : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "windows-1251"}) {
         const Encoding encoding(from_utf8(name));

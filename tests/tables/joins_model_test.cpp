@@ -33,7 +33,7 @@ class ModelledJoins : public TableTest {
             return {Value(text), "'" + to_utf8(text) + "'"};
         }
         case Kind::number: {
-            const auto far = static_cast<std::int64_t>(one_in(8) ? number << 40 : number);
+            const auto far = static_cast<std::int64_t>(one_in(8) ? std::uint64_t{number} << 40 : number);
             const std::int64_t cents = (whole ? far * 100 : far * 50) - 300;
             return {Value(Numeric::fromScaled(cents, 2)), std::to_string(cents)};
         }

@@ -24,7 +24,8 @@ bool saves(std::size_t codes, std::size_t rows) noexcept {
     if (codes < kFreeCodes + rows / kRowsPerCode)
         return true;
     const std::size_t repeated = rows - std::min(codes, rows);
-    const std::size_t expected = rows < kExpectedCodes ? rows * rows / (2 * kExpectedCodes) : rows / 2;
+    const std::uint64_t expected =
+        rows < kExpectedCodes ? std::uint64_t{rows} * rows / (2 * kExpectedCodes) : rows / 2;
     return repeated >= expected;
 }
 

@@ -50,7 +50,7 @@ std::size_t count_pairs(const MatchKeys& keys, const RowsByKey& matches, bool ke
     std::uint64_t count = 0;
     for (const std::uint32_t key : keys.left)
         count += std::max<std::size_t>(matches.of(key).size(), keepsUnmatched ? 1 : 0);
-    if (count >= kNoRow)
+    if (count >= std::min<std::uint64_t>(kNoRow, std::vector<RowId>().max_size())) // less with 32 bits
         throw_error<ContextException>(messages::kTooManyRows, {string_intto(count)});
     return static_cast<std::size_t>(count);
 }
