@@ -1,267 +1,336 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/documents/own_nodes.h"
 
-#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace core::detail {
 namespace {
 
-/// Where an insertion leads.
-struct Landing {
-    bool isOwn = true;           ///< whether nobody else holds a node on the way
-    FoundNode divided;           ///< the piece that the offset divides
-    PieceNode* before = nullptr; ///< otherwise the pieces at its sides
-    PieceNode* behind = nullptr;
-};
+constexpr std::uint32_t kMost = PieceNode::kMost;
+constexpr std::uint32_t kLeast = PieceNode::kLeast;
 
-[[nodiscard]] Landing land(const NodeRef& root, std::uint64_t offset) noexcept {
-    Landing landing;
-    std::uint64_t base = 0;
-    for (PieceNode* node = root.get(); node != nullptr;) {
-        if (!node->isUnique()) {
-            landing.isOwn = false;
-            break;
+/// The way from the root to a leaf.
+struct Way {
+    std::array<PieceNode*, PieceNode::kMostHeight> nodes{};
+    std::array<std::uint32_t, PieceNode::kMostHeight> indices{}; ///< of the entry that leads on
+    std::uint32_t leaf = 0;                                      ///< the number of nodes above the leaf
+    std::uint64_t begin = 0;                                     ///< of the leaf
+
+    /// To the leaf that has the unit at `offset`.
+    Way(const NodeRef& root, std::uint64_t offset) noexcept {
+        PieceNode* node = root.get();
+        for (;; ++leaf) {
+            nodes[leaf] = node;
+            if (node->isLeaf())
+                return;
+            const std::uint32_t index = node->indexOf(offset - begin);
+            indices[leaf] = index;
+            begin += node->unitsBefore(index);
+            node = node->node(index);
         }
-        const std::uint64_t begin = base + node->before;
-        const std::uint64_t end = begin + node->piece.size();
-        if (offset <= begin) {
-            if (offset == begin)
-                landing.behind = node;
-            node = node->left.get();
-            continue;
-        }
-        if (offset < end) {
-            landing.divided = {node, begin};
-            offset = end; // what is behind the offset is inserted behind the piece
-        } else if (offset == end) {
-            landing.before = node;
-        }
-        base = end;
-        node = node->right.get();
     }
-    return landing;
-}
-
-void turn_right(NodeRef& slot) noexcept {
-    NodeRef top = std::move(slot->left);
-    slot->left = std::move(top->right);
-    slot->update();
-    top->right = std::move(slot);
-    slot = std::move(top);
-}
-void turn_left(NodeRef& slot) noexcept {
-    NodeRef top = std::move(slot->right);
-    slot->right = std::move(top->left);
-    slot->update();
-    top->left = std::move(slot);
-    slot = std::move(top);
-}
-
-/// Sets sum and height after a change below that has made one side higher or lower by one.
-void balance(NodeRef& slot) noexcept {
-    PieceNode& node = *slot.get();
-    const std::int32_t left = height_of(node.left);
-    const std::int32_t right = height_of(node.right);
-    if (left > right + 1) {
-        if (height_of(node.left->left) < height_of(node.left->right)) {
-            turn_left(node.left);
-            node.left->update();
-        }
-        turn_right(slot);
-    } else if (right > left + 1) {
-        if (height_of(node.right->right) < height_of(node.right->left)) {
-            turn_right(node.right);
-            node.right->update();
-        }
-        turn_left(slot);
-    }
-    slot->update();
-}
-
-/// Inserts a node where a piece begins or ends. Only nodes on the way turn.
-void insert(NodeRef& slot, std::uint64_t offset, NodeRef& node) noexcept {
-    if (!slot) {
-        slot = std::move(node);
-        return;
-    }
-    const std::uint64_t before = slot->before;
-    if (offset <= before)
-        insert(slot->left, offset, node);
-    else
-        insert(slot->right, offset - before - slot->piece.size(), node);
-    balance(slot);
-}
-
-/// Whether erase() would touch only nodes that nobody else holds. Those beside the way turn, too.
-[[nodiscard]] bool can_erase(const NodeRef& root, std::uint64_t offset) noexcept {
-    for (const PieceNode* node = root.get();;) {
-        if (!node->isUnique())
-            return false;
-        const std::uint64_t before = node->before;
-        const bool goesLeft = offset < before;
-        if (!goesLeft && offset < before + node->piece.size()) {
-            if (!node->left || !node->right)
-                return true;
-            offset = 0; // the first piece behind it takes its place
-        } else if (!goesLeft) {
-            offset -= before + node->piece.size();
-        }
-        const NodeRef& way = goesLeft ? node->left : node->right;
-        const NodeRef& other = goesLeft ? node->right : node->left;
-        if (height_of(other) > height_of(way)) {
-            const NodeRef& inner = goesLeft ? other->left : other->right;
-            if (!other->isUnique() || (inner && !inner->isUnique()))
+    [[nodiscard]] bool isOwn() const noexcept {
+        for (std::uint32_t level = 0; level <= leaf; ++level) {
+            if (!nodes[level]->isOwn())
                 return false;
         }
-        node = way.get();
+        return true;
+    }
+    /// Tells the nodes above of the sum of a node.
+    void settleAbove(std::uint32_t level) const noexcept {
+        for (; level > 0; --level)
+            nodes[level - 1]->setSum(indices[level - 1], nodes[level]->sum());
+    }
+};
+
+/// Makes a child a node's own.
+void own(PieceNode& parent, std::uint32_t index) {
+    if (!parent.node(index)->isOwn())
+        NodeRef(parent.exchange(index, parent.node(index)->copy().detach()));
+}
+
+/// Makes the nodes of a way the tree's own. Throws std::bad_alloc; some may be then.
+void own(NodeRef& root, Way& way) {
+    if (!root->isOwn())
+        root = root->copy();
+    way.nodes[0] = root.get();
+    for (std::uint32_t level = 0; level < way.leaf; ++level) {
+        own(*way.nodes[level], way.indices[level]);
+        way.nodes[level + 1] = way.nodes[level]->node(way.indices[level]);
     }
 }
 
-/// Takes out the node whose piece has the unit at `offset`.
-void erase(NodeRef& slot, std::uint64_t offset) noexcept {
-    const std::uint64_t before = slot->before;
-    if (offset < before) {
-        erase(slot->left, offset);
-    } else if (offset >= before + slot->piece.size()) {
-        erase(slot->right, offset - before - slot->piece.size());
-    } else if (!slot->left || !slot->right) {
-        NodeRef child = std::move(slot->left ? slot->left : slot->right);
-        slot = std::move(child);
-        return;
-    } else {
-        const PieceNode* first = slot->right.get();
-        while (first->left)
-            first = first->left.get();
-        slot->piece = first->piece;
-        erase(slot->right, 0);
-    }
-    balance(slot);
+/// The neighbour with which a child of a node is merged, as the index of the left one of both.
+[[nodiscard]] std::uint32_t left_of_two(const PieceNode& parent, std::uint32_t index) noexcept {
+    return index + 1 < parent.count() ? index : index - 1;
 }
 
-void settle_below(PieceNode& node, std::uint64_t offset, const PieceNode* changed) noexcept {
-    if (&node != changed) {
-        const std::uint64_t before = node.before;
-        if (offset < before)
-            settle_below(*node.left.get(), offset, changed);
+/// Entries of a node, of two, or of one that has become too long.
+class Row {
+  public:
+    void add(const NodeEntry& entry) noexcept { entries_[count_++] = entry; }
+    void add(const PieceNode& node, std::uint32_t begin, std::uint32_t end) noexcept {
+        for (std::uint32_t i = begin; i < end; ++i)
+            add(node.entry(i));
+    }
+    [[nodiscard]] std::uint32_t count() const noexcept { return count_; }
+    [[nodiscard]] std::span<const NodeEntry> all() const noexcept { return std::span(entries_).first(count_); }
+    /// Divides the entries between two nodes.
+    void divide(PieceNode& left, PieceNode& right) const noexcept {
+        left.fill(all().first(count_ / 2));
+        right.fill(all().subspan(count_ / 2));
+    }
+
+  private:
+    std::array<NodeEntry, 2 * kMost> entries_;
+    std::uint32_t count_ = 0;
+};
+
+/// Where in its store a piece begins or ends.
+struct Edge {
+    const UnitStore* store = nullptr;
+    std::uint32_t at = 0;
+
+    [[nodiscard]] bool meets(const Edge& other) const noexcept {
+        return store != nullptr && store == other.store && at == other.at;
+    }
+};
+[[nodiscard]] Edge begin_of(const Piece& piece) noexcept {
+    return {piece.store.get(), piece.begin()};
+}
+[[nodiscard]] Edge end_of(const Piece& piece) noexcept {
+    return {piece.store.get(), piece.end};
+}
+[[nodiscard]] Edge begin_of(const PieceNode& leaf, std::uint32_t index) noexcept {
+    return index < leaf.count() ? Edge{&leaf.store(index), leaf.place(index).begin} : Edge{};
+}
+[[nodiscard]] Edge end_of(const PieceNode& leaf, std::uint32_t index) noexcept {
+    const std::uint64_t size = leaf.unitsTo(index) - leaf.unitsBefore(index);
+    return {&leaf.store(index), leaf.place(index).begin + static_cast<std::uint32_t>(size)};
+}
+
+/// What an edit does to a leaf: some pieces go, others come.
+class Change {
+  public:
+    /// Finds out what the replacement of the units in [begin, end), offsets in the leaf, is. Throws
+    /// std::bad_alloc.
+    Change(const PieceNode& leaf, std::uint64_t begin, std::uint64_t end, const Piece* piece)
+        : first_(leaf.indexOf(begin)), last_(first_) {
+        Piece before; // the rests of the pieces that are cut
+        Piece behind;
+        if (begin < end) {
+            remove(leaf, begin, end, before, behind);
+        } else if (const std::uint64_t front = leaf.unitsBefore(first_); front < begin && first_ < leaf.count()) {
+            before = leaf.piece(last_++);
+            behind = before.cut(before.begin() + static_cast<std::uint32_t>(begin - front));
+        }
+        // Neighbours that meet what comes.
+        const Edge next = piece != nullptr ? begin_of(*piece)
+                          : behind.store   ? begin_of(behind)
+                                           : begin_of(leaf, last_);
+        if (!before.store && first_ > 0 && end_of(leaf, first_ - 1).meets(next))
+            before = leaf.piece(--first_);
+        const Edge front = piece != nullptr ? end_of(*piece) : before.store ? end_of(before) : Edge{};
+        if (!behind.store && front.meets(begin_of(leaf, last_)))
+            behind = leaf.piece(last_++);
+        if (before.store)
+            add(std::move(before));
+        if (piece != nullptr)
+            add(*piece);
+        if (behind.store)
+            add(std::move(behind));
+    }
+
+    /// The number of pieces that a leaf has behind the change.
+    [[nodiscard]] std::uint32_t count(const PieceNode& leaf) const noexcept {
+        return leaf.count() - (last_ - first_) + freshCount_;
+    }
+    /// Lets the pieces of a leaf go that the change puts others in the place of, and returns all that it is to
+    /// have, with their references.
+    [[nodiscard]] Row make(const PieceNode& leaf) noexcept {
+        Row row;
+        row.add(leaf, 0, first_);
+        for (std::uint32_t i = 0; i < freshCount_; ++i) {
+            row.add(NodeEntry(fresh_[i]));
+            static_cast<void>(fresh_[i].store.detach());
+        }
+        row.add(leaf, last_, leaf.count());
+        for (std::uint32_t i = first_; i < last_; ++i)
+            leaf.store(i).release();
+        return row;
+    }
+    [[nodiscard]] NodeRef takeRemoved() noexcept { return std::move(removed_); }
+
+  private:
+    void remove(const PieceNode& leaf, std::uint64_t begin, std::uint64_t end, Piece& before, Piece& behind) {
+        last_ = leaf.indexOf(end - 1) + 1;
+        const bool isOne = last_ - first_ == 1;
+        Piece head = leaf.piece(first_);
+        Piece tail = isOne ? Piece() : leaf.piece(last_ - 1);
+        Piece& ending = isOne ? head : tail;
+        if (end < leaf.unitsTo(last_ - 1))
+            behind = ending.cut(ending.begin() + static_cast<std::uint32_t>(end - leaf.unitsBefore(last_ - 1)));
+        if (const std::uint64_t front = leaf.unitsBefore(first_); front < begin) {
+            Piece rest = head.cut(head.begin() + static_cast<std::uint32_t>(begin - front));
+            before = std::exchange(head, std::move(rest));
+        }
+        Row row;
+        row.add(NodeEntry(head));
+        if (!isOne) {
+            row.add(leaf, first_ + 1, last_ - 1);
+            row.add(NodeEntry(tail));
+        }
+        removed_ = PieceNode::make(1, row.all());
+    }
+    void add(Piece piece) noexcept {
+        if (freshCount_ > 0 && fresh_[freshCount_ - 1].continues(piece))
+            fresh_[freshCount_ - 1].append(piece);
         else
-            settle_below(*node.right.get(), offset - before - node.piece.size(), changed);
+            fresh_[freshCount_++] = std::move(piece);
     }
-    node.update();
-}
 
-[[nodiscard]] NodeRef make(Piece piece) {
-    return NodeRef(new PieceNode(NodeRef(), std::move(piece), NodeRef()));
-}
+    std::uint32_t first_; ///< the pieces from here
+    std::uint32_t last_;  ///< to here go
+    std::array<Piece, 3> fresh_;
+    std::uint32_t freshCount_ = 0;
+    NodeRef removed_;
+};
+
+/// Makes a change in nodes that are the tree's own.
+class Rebuilding {
+  public:
+    /// Takes all memory. Throws std::bad_alloc.
+    Rebuilding(NodeRef& root, Way& way, std::uint32_t leafCount) : root_(root), way_(way) {
+        own(root, way);
+        std::uint32_t level = way.leaf;
+        if (leafCount > kMost) {
+            for (spare_[level] = PieceNode::create(1); level > 0 && way.nodes[level - 1]->count() == kMost;) {
+                --level;
+                spare_[level] = PieceNode::create(way.nodes[level]->height());
+            }
+            if (level == 0)
+                newRoot_ = PieceNode::create(root->height() + 1);
+        }
+        for (std::uint32_t count = leafCount; level > 0 && count < kLeast; --level) {
+            PieceNode& parent = *way.nodes[level - 1];
+            const std::uint32_t index = way.indices[level - 1];
+            const std::uint32_t left = left_of_two(parent, index);
+            own(parent, left == index ? index + 1 : left);
+            count = parent.count() - 1;
+        }
+    }
+    /// Gives the leaf its pieces, and the nodes above what follows.
+    void make(Change& change) noexcept {
+        bool isDivided = put(way_.leaf, change.make(*way_.nodes[way_.leaf]));
+        for (std::uint32_t level = way_.leaf; level > 0; --level) {
+            PieceNode& node = *way_.nodes[level];
+            PieceNode& parent = *way_.nodes[level - 1];
+            const std::uint32_t index = way_.indices[level - 1];
+            if (isDivided) {
+                Row row;
+                row.add(parent, 0, index);
+                addBoth(row, node, level);
+                row.add(parent, index + 1, parent.count());
+                isDivided = put(level - 1, row);
+            } else if (node.count() < kLeast) {
+                merge(parent, left_of_two(parent, index));
+            } else {
+                parent.setSum(index, node.sum());
+            }
+        }
+        settleRoot(isDivided);
+    }
+
+  private:
+    /// Gives a node its entries, and its spare the second half when they are too many; returns whether it did.
+    [[nodiscard]] bool put(std::uint32_t level, const Row& row) noexcept {
+        PieceNode& node = *way_.nodes[level];
+        if (row.count() > kMost)
+            row.divide(node, *spare_[level].get());
+        else
+            node.fill(row.all());
+        return row.count() > kMost;
+    }
+    /// Adds the entries of a node and of its second half, whose reference goes with it.
+    void addBoth(Row& row, PieceNode& node, std::uint32_t level) noexcept {
+        row.add(NodeEntry(node));
+        row.add(NodeEntry(*spare_[level].detach()));
+    }
+    /// Makes one of two nodes, or divides their entries between them.
+    static void merge(PieceNode& parent, std::uint32_t left) noexcept {
+        PieceNode& first = *parent.node(left);
+        PieceNode& second = *parent.node(left + 1);
+        Row row;
+        row.add(first, 0, first.count());
+        row.add(second, 0, second.count());
+        Row above;
+        above.add(parent, 0, left);
+        if (row.count() > kMost) {
+            row.divide(first, second);
+            above.add(NodeEntry(first));
+            above.add(NodeEntry(second));
+        } else {
+            first.fill(row.all());
+            second.fill({});
+            second.release();
+            above.add(NodeEntry(first));
+        }
+        above.add(parent, left + 2, parent.count());
+        parent.fill(above.all());
+    }
+    void settleRoot(bool isDivided) noexcept {
+        if (isDivided) {
+            Row row;
+            addBoth(row, *root_.detach(), 0);
+            newRoot_->fill(row.all());
+            root_ = std::move(newRoot_);
+        }
+        while (!root_->isLeaf() && root_->count() == 1) {
+            NodeRef only(root_->node(0));
+            root_->fill({});
+            root_ = std::move(only);
+        }
+        if (root_->count() == 0)
+            root_ = NodeRef();
+    }
+
+    NodeRef& root_;
+    Way& way_;
+    std::array<NodeRef, PieceNode::kMostHeight> spare_; ///< the second halves of nodes that become too long
+    NodeRef newRoot_;
+};
 
 } // namespace
 
-FoundNode own_node_before(const NodeRef& root, std::uint64_t offset) noexcept {
-    std::uint64_t base = 0;
-    for (PieceNode* node = root.get(); node != nullptr && node->isUnique();) {
-        const std::uint64_t begin = base + node->before;
-        const std::uint64_t end = begin + node->piece.size();
-        if (offset == end)
-            return {node, begin};
-        base = offset > end ? end : base;
-        node = offset > end ? node->right.get() : node->left.get();
-    }
-    return {};
-}
-
-void settle(const NodeRef& root, FoundNode changed) noexcept {
-    settle_below(*root.get(), changed.begin, changed.node);
-}
-
-bool insert_in_place(NodeRef& root, std::uint64_t offset, const Piece& piece) {
-    const Landing landing = land(root, offset);
-    if (!landing.isOwn)
-        return false;
-    const bool behind = landing.divided.node == nullptr && landing.behind != nullptr &&
-                        piece.continues(landing.behind->piece);
-    if (landing.before != nullptr && landing.before->piece.continues(piece)) {
-        Piece more = piece;
-        if (behind) { // what was cut comes together again
-            more.append(landing.behind->piece);
-            if (!can_erase(root, offset))
-                return false;
-            erase(root, offset);
-        }
-        const FoundNode before = own_node_before(root, offset);
-        before.node->piece.append(more);
-        settle(root, before);
-        return true;
-    }
-    if (behind) {
-        Piece joined = piece;
-        joined.append(landing.behind->piece);
-        landing.behind->piece = std::move(joined);
-        settle(root, {landing.behind, offset});
-        return true;
-    }
-    NodeRef fresh = make(piece);
-    if (const FoundNode divided = landing.divided; divided.node != nullptr) {
-        Piece left = divided.node->piece;
-        NodeRef rest = make(left.cut(left.begin + static_cast<std::uint32_t>(offset - divided.begin)));
-        divided.node->piece = std::move(left);
-        settle(root, divided);
-        insert(root, offset, rest);
-    }
-    insert(root, offset, fresh);
-    return true;
-}
-
-NodeRef remove_in_place(NodeRef& root, std::uint64_t offset, std::uint64_t count) {
-    FoundNode found;
-    for (PieceNode* node = root.get(); node != nullptr && found.node == nullptr;) {
-        if (!node->isUnique())
-            return {};
-        const std::uint64_t begin = found.begin + node->before;
-        const std::uint64_t end = begin + node->piece.size();
-        if (offset < begin) {
-            node = node->left.get();
-        } else if (offset < end) {
-            found = {node, begin};
-        } else {
-            found.begin = end;
-            node = node->right.get();
-        }
-    }
-    if (found.node == nullptr || offset + count > found.begin + found.node->piece.size())
+LeafEdit replace_in_leaf(NodeRef& root, std::uint64_t offset, std::uint64_t count, const Piece* piece) {
+    // What is inserted between two leaves goes to the first one, whose last piece it may continue.
+    Way way(root, count == 0 && offset > 0 ? offset - 1 : offset);
+    const PieceNode& leaf = *way.nodes[way.leaf];
+    const std::uint64_t begin = offset - way.begin;
+    if (begin + count > leaf.sum().units)
         return {};
-    Piece left = found.node->piece;
-    const std::uint32_t first = left.begin + static_cast<std::uint32_t>(offset - found.begin);
-    const std::uint32_t last = first + static_cast<std::uint32_t>(count);
-    if (first == left.begin && last == left.end) {
-        if (!can_erase(root, offset))
-            return {};
-        NodeRef removed = make(std::move(left));
-        erase(root, offset);
-        return removed;
-    }
-    Piece rest;
-    if (last != left.end)
-        rest = left.cut(last);
-    if (first == left.begin) {
-        NodeRef removed = make(std::move(left));
-        found.node->piece = std::move(rest);
-        settle(root, found);
-        return removed;
-    }
-    NodeRef removed = make(left.cut(first));
-    if (rest.size() == 0) {
-        found.node->piece = std::move(left);
-        settle(root, found);
-        return removed;
-    }
-    // Both sides stay; the nodes on the way to where the right one goes must be the tree's own, too.
-    if (!land(root, offset + count).isOwn)
-        return {};
-    NodeRef behind = make(std::move(rest));
-    found.node->piece = std::move(left);
-    settle(root, found);
-    insert(root, offset, behind);
-    return removed;
+    Change change(leaf, begin, begin + count, piece);
+    Rebuilding(root, way, change.count(leaf)).make(change);
+    return {true, change.takeRemoved()};
+}
+
+std::optional<Piece> own_piece_before(const NodeRef& root, std::uint64_t offset) noexcept {
+    if (!root)
+        return std::nullopt;
+    const Way way(root, offset - 1);
+    const PieceNode& leaf = *way.nodes[way.leaf];
+    const std::uint32_t index = leaf.indexOf(offset - 1 - way.begin);
+    if (!way.isOwn() || leaf.unitsTo(index) != offset - way.begin)
+        return std::nullopt;
+    return leaf.piece(index);
+}
+
+void settle(const NodeRef& root, std::uint64_t begin, const Piece& piece) noexcept {
+    const Way way(root, begin);
+    PieceNode& leaf = *way.nodes[way.leaf];
+    leaf.setSum(leaf.indexOf(begin - way.begin), piece.sum());
+    way.settleAbove(way.leaf);
 }
 
 } // namespace core::detail

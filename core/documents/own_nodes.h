@@ -1,27 +1,29 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/documents/piece_tree.h"
+#include "core/documents/piece_node.h"
 
-// Changes of a tree in its own nodes, which takes memory for new pieces only. A node that somebody else
-// holds is never touched: a change that would have to is refused, and nothing has changed then.
+#include <optional>
+
+// Changes of a tree in its own nodes. Those on the way that somebody else holds, too, are copied first, which
+// changes nothing that can be seen; all memory is taken before anything changes.
 namespace core::detail {
 
-/// Inserts a piece, or makes a piece longer that it continues, and returns whether it did. Throws
-/// std::bad_alloc; nothing has changed then.
-[[nodiscard]] bool insert_in_place(NodeRef& root, std::uint64_t offset, const Piece& piece);
-/// Removes units that lie in one piece and returns them; null when it is refused. Throws std::bad_alloc;
-/// nothing has changed then.
-[[nodiscard]] NodeRef remove_in_place(NodeRef& root, std::uint64_t offset, std::uint64_t count);
-
-/// A node and the offset of its piece.
-struct FoundNode {
-    PieceNode* node = nullptr;
-    std::uint64_t begin = 0;
+/// What came of an edit.
+struct LeafEdit {
+    bool done = false; ///< whether the edit was within a leaf; nothing has changed otherwise
+    NodeRef removed{}; ///< a leaf of the units that were removed; null when there were none
 };
-/// The node whose piece ends at `offset`, when nobody else holds it or a node above it; null otherwise.
-[[nodiscard]] FoundNode own_node_before(const NodeRef& root, std::uint64_t offset) noexcept;
-/// Sets the sums of a node whose piece has changed at its end, and of those above it.
-void settle(const NodeRef& root, FoundNode changed) noexcept;
+
+/// Replaces units of a text that is not empty by a piece, or by nothing when it is null, if they lie in one
+/// leaf. Pieces that come together in a leaf become one. Throws std::bad_alloc; the text is as it was then.
+[[nodiscard]] LeafEdit replace_in_leaf(NodeRef& root, std::uint64_t offset, std::uint64_t count,
+                                       const Piece* piece);
+
+/// The piece that ends at `offset`, which is greater than 0, when nobody else holds its leaf or a node above.
+[[nodiscard]] std::optional<Piece> own_piece_before(const NodeRef& root, std::uint64_t offset) noexcept;
+/// Sets the sums of the piece that begins at an offset, and of the nodes above it, after own_piece_before()
+/// has returned the piece and it has become another length.
+void settle(const NodeRef& root, std::uint64_t begin, const Piece& piece) noexcept;
 
 } // namespace core::detail

@@ -4,106 +4,94 @@
 #include "core/documents/own_nodes.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
+#include <vector>
 
-// The tree is an AVL tree that is cut and joined. Joining two trees walks down the side of the higher one as
-// far as they differ in height, so that cutting and joining cost the logarithm of the number of pieces. All
-// of it makes new nodes; what is simple, and in nodes that nobody shares, own_nodes.h does without.
+// Trees are cut and joined. Joining two walks down the side of the higher one as far as they differ in height,
+// so that cutting and joining cost the logarithm of the number of pieces. All of it makes new nodes; an edit
+// within a leaf, which most are, is made in place by own_nodes.cpp.
 namespace core::detail {
 namespace {
 
-[[nodiscard]] NodeRef make(NodeRef left, Piece piece, NodeRef right) {
-    return NodeRef(new PieceNode(std::move(left), std::move(piece), std::move(right)));
-}
+constexpr std::uint32_t kMost = PieceNode::kMost;
+constexpr std::uint32_t kFilled = kMost * 3 / 4; // entries of new nodes, so that some more find room
 
-/// (a, k, (b, m, c)) as ((a, k, b), m, c).
-[[nodiscard]] NodeRef lift_right(const NodeRef& left, const Piece& piece, const NodeRef& right) {
-    return make(make(left, piece, right->left), right->piece, right->right);
-}
-/// ((a, k, b), m, c) as (a, k, (b, m, c)).
-[[nodiscard]] NodeRef lift_left(const NodeRef& left, const Piece& piece, const NodeRef& right) {
-    return make(left->left, left->piece, make(left->right, piece, right));
-}
+/// Entries of one node or two.
+struct Row {
+    std::array<NodeEntry, 2 * kMost> entries;
+    std::uint32_t count = 0;
 
-/// Joins when `left` is higher by two or more.
-[[nodiscard]] NodeRef join_right(const NodeRef& left, const Piece& piece, const NodeRef& right) {
-    const NodeRef& inner = left->right;
-    if (height_of(inner) <= height_of(right) + 1) {
-        if (std::max(height_of(inner), height_of(right)) <= height_of(left->left))
-            return make(left->left, left->piece, make(inner, piece, right));
-        return lift_right(left->left, left->piece, lift_left(inner, piece, right));
+    void add(const NodeEntry& entry) noexcept { entries[count++] = entry; }
+    void add(const PieceNode& node, std::uint32_t begin, std::uint32_t end) noexcept {
+        for (std::uint32_t i = begin; i < end; ++i)
+            add(node.entry(i));
     }
-    const NodeRef joined = join_right(inner, piece, right);
-    if (height_of(joined) <= height_of(left->left) + 1)
-        return make(left->left, left->piece, joined);
-    return lift_right(left->left, left->piece, joined);
-}
-
-/// Joins when `right` is higher by two or more.
-[[nodiscard]] NodeRef join_left(const NodeRef& left, const Piece& piece, const NodeRef& right) {
-    const NodeRef& inner = right->left;
-    if (height_of(inner) <= height_of(left) + 1) {
-        if (std::max(height_of(inner), height_of(left)) <= height_of(right->right))
-            return make(make(left, piece, inner), right->piece, right->right);
-        return lift_left(lift_right(left, piece, inner), right->piece, right->right);
+    [[nodiscard]] std::span<const NodeEntry> span(std::uint32_t begin, std::uint32_t end) const noexcept {
+        return std::span(entries).subspan(begin, end - begin);
     }
-    const NodeRef joined = join_left(left, piece, inner);
-    if (height_of(joined) <= height_of(right->right) + 1)
-        return make(joined, right->piece, right->right);
-    return lift_left(joined, right->piece, right->right);
+};
+
+/// Nodes of one height beside each other; the second may be null.
+struct Pair {
+    NodeRef first;
+    NodeRef second;
+};
+
+[[nodiscard]] Pair make_pair(std::uint32_t height, const Row& row) {
+    if (row.count <= kMost)
+        return {PieceNode::make(height, row.span(0, row.count)), NodeRef()};
+    const std::uint32_t middle = row.count / 2;
+    return {PieceNode::make(height, row.span(0, middle)), PieceNode::make(height, row.span(middle, row.count))};
 }
 
-[[nodiscard]] NodeRef join(const NodeRef& left, const Piece& piece, const NodeRef& right) {
-    if (height_of(left) > height_of(right) + 1)
-        return join_right(left, piece, right);
-    if (height_of(right) > height_of(left) + 1)
-        return join_left(left, piece, right);
-    return make(left, piece, right);
+void add(Row& row, const Pair& pair) noexcept {
+    row.add(NodeEntry(*pair.first.get()));
+    if (pair.second)
+        row.add(NodeEntry(*pair.second.get()));
 }
 
-/// The tree without its last piece.
-[[nodiscard]] NodeRef without_last(const NodeRef& node) {
-    return node->right ? join(node->left, node->piece, without_last(node->right)) : node->left;
-}
-/// The tree without its first piece.
-[[nodiscard]] NodeRef without_first(const NodeRef& node) {
-    return node->left ? join(without_first(node->left), node->piece, node->right) : node->right;
-}
-
-[[nodiscard]] const Piece& last_piece(const NodeRef& node) noexcept {
-    const PieceNode* last = node.get();
-    while (last->right)
-        last = last->right.get();
-    return last->piece;
-}
-[[nodiscard]] const Piece& first_piece(const NodeRef& node) noexcept {
-    const PieceNode* first = node.get();
-    while (first->left)
-        first = first->left.get();
-    return first->piece;
-}
-
-/// Two trees with a piece between them. Pieces that were cut, and come together again, become one.
-[[nodiscard]] NodeRef insert_between(NodeRef left, Piece piece, NodeRef right) {
-    if (left && last_piece(left).continues(piece)) {
-        Piece joined = last_piece(left);
-        joined.append(piece);
-        piece = std::move(joined);
-        left = without_last(left);
+/// Joins two nodes in one or two of the greater height.
+[[nodiscard]] Pair join(const PieceNode& left, const PieceNode& right) {
+    Row row;
+    if (left.height() == right.height()) {
+        row.add(left, 0, left.count());
+        row.add(right, 0, right.count());
+        return make_pair(left.height(), row);
     }
-    if (right && piece.continues(first_piece(right))) {
-        piece.append(first_piece(right));
-        right = without_first(right);
+    if (left.height() > right.height()) {
+        const std::uint32_t last = left.count() - 1;
+        const Pair joined = join(*left.node(last), right);
+        row.add(left, 0, last);
+        add(row, joined);
+        return make_pair(left.height(), row);
     }
-    return join(left, piece, right);
+    const Pair joined = join(left, *right.node(0));
+    add(row, joined);
+    row.add(right, 1, right.count());
+    return make_pair(right.height(), row);
 }
 
-[[nodiscard]] NodeRef concatenate(const NodeRef& left, const NodeRef& right) {
-    if (!left)
-        return right;
-    if (!right)
-        return left;
-    return insert_between(without_last(left), last_piece(left), right);
+[[nodiscard]] NodeRef join(const NodeRef& left, const NodeRef& right) {
+    if (!left || !right)
+        return left ? left : right;
+    Pair pair = join(*left.get(), *right.get());
+    if (!pair.second)
+        return std::move(pair.first);
+    Row row;
+    add(row, pair);
+    return PieceNode::make(pair.first->height() + 1, row.span(0, row.count));
+}
+
+/// The tree of some entries of a node.
+[[nodiscard]] NodeRef tree_of(const PieceNode& node, std::uint32_t begin, std::uint32_t end) {
+    if (begin == end)
+        return {};
+    if (!node.isLeaf() && end - begin == 1)
+        return NodeRef::share(node.node(begin));
+    Row row;
+    row.add(node, begin, end);
+    return PieceNode::make(node.height(), row.span(0, row.count));
 }
 
 struct Halves {
@@ -111,89 +99,140 @@ struct Halves {
     NodeRef right;
 };
 
-[[nodiscard]] Halves cut(const NodeRef& node, std::uint64_t offset) {
-    if (!node)
-        return {};
-    const std::uint64_t before = node->before;
-    const Piece& piece = node->piece;
-    if (offset <= before) {
-        Halves halves = cut(node->left, offset);
-        return {std::move(halves.left), join(halves.right, piece, node->right)};
+[[nodiscard]] Halves cut(const PieceNode& node, std::uint64_t offset) {
+    const std::uint32_t count = node.count();
+    const std::uint32_t index = node.indexOf(offset);
+    const std::uint64_t inside = offset - node.unitsBefore(index);
+    if (inside == 0)
+        return {tree_of(node, 0, index), tree_of(node, index, count)};
+    if (!node.isLeaf()) {
+        const Halves halves = cut(*node.node(index), inside);
+        return {join(tree_of(node, 0, index), halves.left),
+                join(halves.right, tree_of(node, index + 1, count))};
     }
-    if (offset >= before + piece.size()) {
-        Halves halves = cut(node->right, offset - before - piece.size());
-        return {join(node->left, piece, halves.left), std::move(halves.right)};
+    Piece before = node.piece(index);
+    const Piece behind = before.cut(before.begin() + static_cast<std::uint32_t>(inside));
+    Row left;
+    left.add(node, 0, index);
+    left.add(NodeEntry(before));
+    Row right;
+    right.add(NodeEntry(behind));
+    right.add(node, index + 1, count);
+    return {PieceNode::make(1, left.span(0, left.count)), PieceNode::make(1, right.span(0, right.count))};
+}
+
+[[nodiscard]] Halves cut(const NodeRef& root, std::uint64_t offset) {
+    if (!root || offset == 0)
+        return {NodeRef(), root};
+    return offset == root->sum().units ? Halves{root, NodeRef()} : cut(*root.get(), offset);
+}
+
+[[nodiscard]] Piece first_piece(const NodeRef& root) noexcept {
+    const PieceNode* node = root.get();
+    while (!node->isLeaf())
+        node = node->node(0);
+    return node->piece(0);
+}
+[[nodiscard]] Piece last_piece(const NodeRef& root) noexcept {
+    const PieceNode* node = root.get();
+    while (!node->isLeaf())
+        node = node->node(node->count() - 1);
+    return node->piece(node->count() - 1);
+}
+
+/// Two texts as one. Pieces that were cut, and come together again, become one.
+[[nodiscard]] NodeRef concatenate(const NodeRef& left, NodeRef right) {
+    if (!left || !right)
+        return left ? left : right;
+    const Piece last = last_piece(left);
+    if (!last.continues(first_piece(right)))
+        return join(left, right);
+    static_cast<void>(replace_in_leaf(right, 0, 0, &last)); // which is always within a leaf
+    return join(cut(left, left->sum().units - last.size()).left, right);
+}
+
+/// A tree of the nodes of one height.
+[[nodiscard]] NodeRef build(std::vector<NodeRef> nodes) {
+    while (nodes.size() > 1) {
+        std::vector<NodeRef> above;
+        const std::size_t parents = (nodes.size() + kFilled - 1) / kFilled;
+        above.reserve(parents);
+        for (std::size_t i = 0, at = 0; i < parents; ++i) {
+            Row row;
+            for (const std::size_t end = nodes.size() * (i + 1) / parents; at < end; ++at)
+                row.add(NodeEntry(*nodes[at].get()));
+            above.push_back(PieceNode::make(nodes.front()->height() + 1, row.span(0, row.count)));
+        }
+        nodes = std::move(above);
     }
-    const std::uint32_t middle = piece.begin + static_cast<std::uint32_t>(offset - before);
-    return {join(node->left, Piece(piece.store, piece.begin, middle), NodeRef()),
-            join(NodeRef(), Piece(piece.store, middle, piece.end), node->right)};
+    return nodes.empty() ? NodeRef() : std::move(nodes.front());
 }
 
 [[nodiscard]] NodeRef build(std::span<const Piece> pieces) {
-    if (pieces.empty())
-        return {};
-    const std::size_t middle = pieces.size() / 2;
-    NodeRef left = build(pieces.first(middle));
-    return make(std::move(left), pieces[middle], build(pieces.subspan(middle + 1)));
+    std::vector<NodeRef> leaves;
+    const std::size_t count = (pieces.size() + kFilled - 1) / kFilled;
+    leaves.reserve(count);
+    for (std::size_t i = 0, at = 0; i < count; ++i) {
+        Row row;
+        for (const std::size_t end = pieces.size() * (i + 1) / count; at < end; ++at)
+            row.add(NodeEntry(pieces[at]));
+        leaves.push_back(PieceNode::make(1, row.span(0, row.count)));
+    }
+    return build(std::move(leaves));
 }
 
-void add(std::vector<Piece>& pieces, const Piece& piece) {
+void add(std::vector<Piece>& pieces, Piece piece) {
     if (!pieces.empty() && pieces.back().continues(piece))
         pieces.back().append(piece);
     else
-        pieces.push_back(piece);
+        pieces.push_back(std::move(piece));
 }
 
 /// Adds the pieces of the units in [begin, end) of a subtree.
-void collect(const PieceNode* node, std::uint64_t begin, std::uint64_t end, std::vector<Piece>& pieces) {
-    if (node == nullptr || begin >= end)
-        return;
-    const std::uint64_t before = node->before;
-    const std::uint64_t behind = before + node->piece.size();
-    if (begin < before)
-        collect(node->left.get(), begin, std::min(end, before), pieces);
-    if (begin < behind && end > before) {
-        const Piece& piece = node->piece;
-        const auto first = piece.begin + static_cast<std::uint32_t>(std::max(begin, before) - before);
-        const auto last = piece.begin + static_cast<std::uint32_t>(std::min(end, behind) - before);
-        if (first == piece.begin && last == piece.end)
-            add(pieces, piece);
-        else
-            add(pieces, Piece(piece.store, first, last));
+void collect(const PieceNode& node, std::uint64_t begin, std::uint64_t end, std::vector<Piece>& pieces) {
+    for (std::uint32_t i = node.indexOf(begin); i < node.count() && node.unitsBefore(i) < end; ++i) {
+        const std::uint64_t before = node.unitsBefore(i);
+        const std::uint64_t from = std::max(begin, before) - before;
+        const std::uint64_t to = std::min(end, node.unitsTo(i)) - before;
+        if (!node.isLeaf()) {
+            collect(*node.node(i), from, to, pieces);
+            continue;
+        }
+        Piece piece = node.piece(i);
+        const std::uint32_t first = piece.begin();
+        if (to < piece.size())
+            static_cast<void>(piece.cut(first + static_cast<std::uint32_t>(to)));
+        if (from > 0)
+            piece = piece.cut(first + static_cast<std::uint32_t>(from));
+        add(pieces, std::move(piece));
     }
-    if (end > behind)
-        collect(node->right.get(), std::max(begin, behind) - behind, end - behind, pieces);
+}
+
+void collect(const NodeRef& root, std::uint64_t begin, std::uint64_t end, std::vector<Piece>& pieces) {
+    if (root && begin < end)
+        collect(*root.get(), begin, end, pieces);
 }
 
 } // namespace
 
-PieceNode::PieceNode(NodeRef before, Piece own, NodeRef behind) noexcept
-    : left(std::move(before)), right(std::move(behind)), piece(std::move(own)) {
-    update();
-}
-
-void PieceNode::update() noexcept {
-    before = left ? left->sum.units : 0;
-    sum = sum_of(left) + piece.sum() + sum_of(right);
-    height = std::max(height_of(left), height_of(right)) + 1;
-}
-
 PieceTree::PieceTree(std::span<const Piece> pieces) : root_(build(pieces)) {}
 
 PieceTree PieceTree::replace(std::uint64_t offset, std::uint64_t count, const PieceTree& text) {
-    const bool onePiece = text.root_ && text.root_->height == 1;
-    if (count == 0 && onePiece && insert_in_place(root_, offset, text.root_->piece))
+    if (!root_) {
+        root_ = text.root_;
         return {};
-    if (count != 0 && !text.root_) {
-        if (NodeRef removed = remove_in_place(root_, offset, count))
-            return PieceTree(std::move(removed));
+    }
+    const NodeRef& inserted = text.root_;
+    if (!inserted || (inserted->isLeaf() && inserted->count() == 1)) {
+        Piece piece;
+        if (inserted)
+            piece = inserted->piece(0);
+        if (LeafEdit edit = replace_in_leaf(root_, offset, count, inserted ? &piece : nullptr); edit.done)
+            return PieceTree(std::move(edit.removed));
     }
     const Halves first = cut(root_, offset);
     Halves second = count != 0 ? cut(first.right, count) : Halves{NodeRef(), first.right};
-    if (onePiece)
-        root_ = insert_between(first.left, text.root_->piece, second.right);
-    else
-        root_ = concatenate(concatenate(first.left, text.root_), second.right);
+    root_ = concatenate(concatenate(first.left, inserted), second.right);
     return PieceTree(std::move(second.left));
 }
 
@@ -203,7 +242,7 @@ PieceTree PieceTree::followedBy(const PieceTree& text) const {
 
 PieceTree PieceTree::part(std::uint64_t offset, std::uint64_t count) const {
     std::vector<Piece> pieces;
-    collect(root_.get(), offset, offset + count, pieces);
+    collect(root_, offset, offset + count, pieces);
     return PieceTree(pieces);
 }
 
@@ -211,92 +250,24 @@ PieceTree PieceTree::replaced(std::span<const Splice> splices) const {
     std::vector<Piece> pieces;
     std::uint64_t done = 0;
     for (const Splice& splice : splices) {
-        collect(root_.get(), done, splice.offset, pieces);
-        collect(splice.text.root_.get(), 0, splice.text.size(), pieces);
+        collect(root_, done, splice.offset, pieces);
+        collect(splice.text.root_, 0, splice.text.size(), pieces);
         done = splice.offset + splice.count;
     }
-    collect(root_.get(), done, size(), pieces);
+    collect(root_, done, size(), pieces);
     return PieceTree(pieces);
 }
 
 bool PieceTree::growFront(const Piece& piece) noexcept {
-    if (!root_ || root_->height != 1 || !root_->isUnique() || !piece.continues(root_->piece))
+    if (!root_ || !root_->isLeaf() || root_->count() != 1 || !root_->isUnique())
         return false;
     Piece joined = piece;
-    joined.append(root_->piece);
-    root_->piece = std::move(joined);
-    root_->update();
+    if (!joined.continues(root_->piece(0)))
+        return false;
+    joined.append(root_->piece(0));
+    const NodeEntry entry(joined);
+    root_->fill({&entry, 1}); // of the same store, whose reference the node keeps
     return true;
-}
-
-UnitRun run_at(const PieceNode* root, std::uint64_t offset) noexcept {
-    std::uint64_t base = 0;
-    for (const PieceNode* node = root; node != nullptr;) {
-        const std::uint64_t begin = base + node->before;
-        if (offset < begin) {
-            node = node->left.get();
-        } else if (offset < begin + node->piece.size()) {
-            return {node->piece.text(), begin};
-        } else {
-            base = begin + node->piece.size();
-            node = node->right.get();
-        }
-    }
-    return {{}, offset};
-}
-
-std::uint64_t ends_before(const PieceNode* root, std::uint64_t offset) noexcept {
-    UnitSum before;
-    for (const PieceNode* node = root; node != nullptr;) {
-        const Piece& piece = node->piece;
-        if (offset < node->before) {
-            node = node->left.get();
-            continue;
-        }
-        before = before + sum_of(node->left);
-        offset -= node->before;
-        if (offset == 0)
-            break;
-        if (offset < piece.size()) {
-            const auto end = piece.begin + static_cast<std::uint32_t>(offset);
-            before =
-                before + UnitSum{offset, piece.store->countEnds(piece.begin, end), piece.beginsLf, false};
-            break;
-        }
-        before = before + piece.sum();
-        offset -= piece.size();
-        node = node->right.get();
-    }
-    return before.ends;
-}
-
-std::uint64_t end_offset(const PieceNode* root, std::uint64_t number) noexcept {
-    std::uint64_t base = 0;
-    bool behindCr = false; // whether the unit in front of `base` is CR
-    for (const PieceNode* node = root; node != nullptr;) {
-        const UnitSum left = sum_of(node->left);
-        const std::uint64_t leftEnds = left.ends - (behindCr && left.beginsLf ? 1 : 0);
-        if (number < leftEnds) {
-            node = node->left.get();
-            continue;
-        }
-        number -= leftEnds;
-        base += left.units;
-        behindCr = left.units != 0 ? left.endsCr : behindCr;
-        const Piece& piece = node->piece;
-        const UnitSum own = piece.sum();
-        const std::uint32_t divided = behindCr && own.beginsLf ? 1 : 0; // this LF ends what the CR began
-        if (number < own.ends - divided)
-            return base +
-                   piece.store->findEnd(piece.begin, piece.end,
-                                        static_cast<std::uint32_t>(number) + divided) -
-                   piece.begin;
-        number -= own.ends - divided;
-        base += own.units;
-        behindCr = own.endsCr;
-        node = node->right.get();
-    }
-    return base;
 }
 
 } // namespace core::detail

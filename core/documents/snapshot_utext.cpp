@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/documents/snapshot_utext.h"
 
-#include "core/documents/piece_tree.h"
+#include "core/documents/piece_search.h"
 
 #include <algorithm>
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/documents/text_manager_impl.h"
 
+#include "core/documents/piece_search.h"
+
 #include <core/documents/errors.h>
 #include <core/strings/integer_text.h>
 

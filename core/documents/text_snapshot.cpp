@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "core/documents/piece_tree.h"
+#include "core/documents/piece_search.h"
 
 #include <core/documents/errors.h>
 #include <core/documents/text_snapshot.h>
@@ -53,7 +53,7 @@ void TextSnapshot::requireLine(std::uint64_t line) const {
 }
 
 std::uint64_t TextSnapshot::size() const noexcept {
-    return root_ != nullptr ? root_->sum.units : 0;
+    return root_ != nullptr ? root_->sum().units : 0;
 }
 
 wchar TextSnapshot::unit(std::uint64_t offset) const {
@@ -80,12 +80,12 @@ wstring_view TextSnapshot::chunk(std::uint64_t offset) const {
 }
 
 std::uint64_t TextSnapshot::lineCount() const noexcept {
-    return root_ != nullptr ? root_->sum.ends + 1 : 1;
+    return root_ != nullptr ? root_->sum().ends + 1 : 1;
 }
 
 /// The offset of the first unit of the line's end; the end of the text for the last line.
 std::uint64_t TextSnapshot::endAt(std::uint64_t line) const noexcept {
-    return line + 1 < lineCount() ? detail::end_offset(root_, line) : size();
+    return line + 1 < lineCount() ? detail::find_end(root_, line).offset : size();
 }
 
 /// The end that begins at an offset.
@@ -113,8 +113,8 @@ std::uint64_t TextSnapshot::lineStart(std::uint64_t line) const {
     requireLine(line);
     if (line == 0)
         return 0;
-    const std::uint64_t end = endAt(line - 1);
-    return end + line_end_text(kindAt(end)).size();
+    const detail::FoundEnd end = detail::find_end(root_, line - 1);
+    return end.offset + end.count;
 }
 
 TextRange TextSnapshot::lineRange(std::uint64_t line) const {
@@ -134,16 +134,7 @@ LineEnd TextSnapshot::lineEnd(std::uint64_t line) const {
 
 std::uint64_t TextSnapshot::lineOf(std::uint64_t offset) const {
     requireOffset(offset);
-    const std::uint64_t ends = ends_before(root_, offset);
-    if (ends == 0 || offset == size())
-        return ends;
-    // Between CR and LF the end has begun, and the line goes on.
-    const detail::UnitRun run = run_at(root_, offset);
-    const auto at = static_cast<std::size_t>(offset - run.offset);
-    if (run.text[at] != u'\n')
-        return ends;
-    const wchar before = at > 0 ? run.text[at - 1] : unit(offset - 1);
-    return before == u'\r' ? ends - 1 : ends;
+    return offset == size() ? lineCount() - 1 : detail::line_of(root_, offset);
 }
 
 TextPosition TextSnapshot::position(std::uint64_t offset) const {

@@ -1,27 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/documents/typed_tree.h"
 
+#include "core/documents/own_nodes.h"
+
 namespace core::detail {
 
 const Piece* TypedTree::open(std::uint64_t offset) noexcept {
-    if (open_.node == nullptr || open_.begin + open_.node->piece.size() != offset) {
-        close();
-        open_ = own_node_before(tree_.root_, offset);
-        if (open_.node == nullptr)
-            return nullptr;
-        settled_ = open_.node->piece.size();
-    }
-    return &open_.node->piece;
+    if (open_.store && begin_ + open_.size() == offset)
+        return &open_;
+    close();
+    std::optional<Piece> found = offset > 0 ? own_piece_before(tree_.root_, offset) : std::nullopt;
+    if (!found)
+        return nullptr;
+    open_ = *std::move(found);
+    settled_ = open_.size();
+    begin_ = offset - settled_;
+    return &open_;
 }
 
 void TypedTree::close() noexcept {
-    if (open_.node == nullptr)
+    if (!open_.store)
         return;
-    if (Piece& piece = open_.node->piece; piece.size() != settled_) {
-        piece = Piece(std::move(piece.store), piece.begin, piece.end); // which counts its ends
-        settle(tree_.root_, open_);
+    if (open_.size() != settled_) {
+        open_.count();
+        settle(tree_.root_, begin_, open_);
     }
-    open_ = {};
+    open_ = Piece();
 }
 
 } // namespace core::detail

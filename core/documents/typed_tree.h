@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/documents/own_nodes.h"
+#include "core/documents/piece_tree.h"
 
 namespace core::detail {
 
@@ -10,7 +10,7 @@ namespace core::detail {
 class TypedTree {
   public:
     [[nodiscard]] std::uint64_t size() const noexcept {
-        return tree_.size() + (open_.node != nullptr ? open_.node->piece.size() - settled_ : 0);
+        return tree_.size() + (open_.store ? open_.size() - settled_ : 0);
     }
     /// The text as it is now, with no open piece: who copies it shares the nodes.
     [[nodiscard]] const PieceTree& get() noexcept {
@@ -28,18 +28,20 @@ class TypedTree {
     }
 
     /// Opens the piece that ends at `offset` and returns it, unless somebody else holds nodes on the way to
-    /// it; null then. Valid until another function is called.
+    /// it; null then. What the piece knows of its end is set when it is closed. Valid until another function
+    /// is called.
     [[nodiscard]] const Piece* open(std::uint64_t offset) noexcept;
     /// Makes the open piece longer by units of its store.
-    void grow(std::uint32_t count) noexcept { open_.node->piece.end += count; }
+    void grow(std::uint32_t count) noexcept { open_.end += count; }
     /// Makes the open piece shorter; at least one unit stays.
-    void shrink(std::uint32_t count) noexcept { open_.node->piece.end -= count; }
+    void shrink(std::uint32_t count) noexcept { open_.end -= count; }
 
   private:
     void close() noexcept;
 
     PieceTree tree_;
-    FoundNode open_;            ///< nobody else holds it or a node above it
+    Piece open_;                ///< nobody else holds its leaf or a node above; without a store none is open
+    std::uint64_t begin_ = 0;   ///< where the open piece begins
     std::uint32_t settled_ = 0; ///< the size of the open piece that the nodes know of
 };
 

@@ -1,20 +1,68 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/documents/unit_store.h"
 
+#include "core/streams/ends_line.h"
+
 #include <algorithm>
+#include <bit>
+#include <memory>
 #include <new>
 
 namespace core::detail {
+namespace {
+
+constexpr std::size_t kLine = 64; // bytes of memory that come together
+
+/// The number of bits that are set. The general processor has no instruction for it, and a call costs more.
+[[nodiscard]] std::uint32_t ones(std::uint64_t word) noexcept {
+    word -= word >> 1 & 0x5555'5555'5555'5555U;
+    word = (word & 0x3333'3333'3333'3333U) + (word >> 2 & 0x3333'3333'3333'3333U);
+    word = (word + (word >> 4)) & 0x0F0F'0F0F'0F0F'0F0FU;
+    return static_cast<std::uint32_t>(word * 0x0101'0101'0101'0101U >> 56);
+}
+
+struct IsCr {
+    static bool one(wchar unit) noexcept { return unit == u'\r'; }
+#ifdef __SSE2__
+    static __m128i eight(__m128i units) noexcept { return _mm_cmpeq_epi16(units, _mm_set1_epi16(u'\r')); }
+#endif
+};
+
+/// A bit for each of at most 64 units that passes a test.
+template <class Test>
+[[nodiscard]] std::uint64_t passing(const wchar* units, std::uint32_t count) noexcept {
+    std::uint64_t found = 0;
+    std::uint32_t at = 0;
+#ifdef __SSE2__
+    for (; at + 16 <= count; at += 16) {
+        const auto* const sixteen = reinterpret_cast<const __m128i*>(units + at);
+        const __m128i pass = _mm_packs_epi16(Test::eight(_mm_loadu_si128(sixteen)),
+                                             Test::eight(_mm_loadu_si128(sixteen + 1)));
+        found |= std::uint64_t{static_cast<std::uint32_t>(_mm_movemask_epi8(pass))} << at;
+    }
+#endif
+    for (; at < count; ++at)
+        found |= std::uint64_t{Test::one(units[at])} << at;
+    return found;
+}
+
+} // namespace
 
 UnitStore* UnitStore::create(std::uint32_t capacity, bool unicodeEnds) {
-    // One block of memory: the store, the counts, the units.
+    // One block of memory: the store, the counts, the bits at the beginning of a line, the units.
     const std::size_t counts = capacity / kBlock + 1;
-    const std::size_t bytes = sizeof(UnitStore) + counts * sizeof(std::uint32_t) + capacity * sizeof(wchar);
-    static_assert(sizeof(UnitStore) % alignof(std::uint32_t) == 0);
-    auto* const memory = static_cast<std::byte*>(::operator new(bytes));
+    const std::size_t words = counts * (kBlock / 64); // all of a block, so that none is looked for in vain
+    const std::size_t ahead = sizeof(UnitStore) + counts * sizeof(std::uint32_t);
+    const std::size_t behind = words * sizeof(Word) + capacity * sizeof(wchar);
+    auto* const memory = static_cast<std::byte*>(::operator new(ahead + kLine + behind));
     auto* const first = reinterpret_cast<std::uint32_t*>(memory + sizeof(UnitStore));
     first[0] = 0;
-    return new (memory) UnitStore(capacity, unicodeEnds, reinterpret_cast<wchar*>(first + counts), first);
+    void* aligned = memory + ahead;
+    std::size_t space = kLine + behind;
+    auto* const bits = static_cast<Word*>(std::align(kLine, behind, aligned, space));
+    std::uninitialized_value_construct_n(bits, words);
+    return new (memory)
+        UnitStore(capacity, unicodeEnds, first, bits, reinterpret_cast<wchar*>(bits + words));
 }
 
 void UnitStore::release() const noexcept {
@@ -25,76 +73,51 @@ void UnitStore::release() const noexcept {
     ::operator delete(self);
 }
 
-bool UnitStore::isEnd(std::uint32_t at) const noexcept {
-    const wchar unit = units_[at];
-    if (unit == u'\n')
-        return !dividesEnd(at);
-    return unit == u'\r' || (unicodeEnds_ && (unit == u'\u2028' || unit == u'\u2029'));
-}
-
-namespace {
-
-constexpr std::uint32_t kStride = 32; // units that are looked at together when an end is looked for
-
-/// How many ends begin among `count` units, at most UnitStore::kBlock, each with one in front of it. All in
-/// 16 bits and without a branch, so that the compiler takes several units at once.
-template <bool kSeparators>
-[[nodiscard]] std::uint16_t count_ends(const wchar* units, std::size_t count) noexcept {
-    std::uint16_t ends = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const wchar unit = units[i];
-        const wchar before = units[static_cast<std::ptrdiff_t>(i) - 1];
-        bool is = (unit == u'\r') | ((unit == u'\n') & (before != u'\r'));
-        if constexpr (kSeparators)
-            is |= (unit == u'\u2028') | (unit == u'\u2029');
-        ends = static_cast<std::uint16_t>(ends + (is ? 1 : 0));
+/// The ends that begin among at most 64 units, which have been written. Notes whether there is a CR.
+std::uint64_t UnitStore::look(std::uint32_t begin, std::uint32_t count) noexcept {
+    const wchar* const units = units_ + begin;
+    std::uint64_t ends = unicodeEnds_ ? passing<EndsUnicodeLine>(units, count) : passing<EndsLine>(units, count);
+    if (ends == 0)
+        return 0;
+    const std::uint64_t crs = passing<IsCr>(units, count);
+    if (crs != 0)
+        hasCr_.store(true, std::memory_order_relaxed);
+    const bool behindCr = begin > 0 && units_[begin - 1] == u'\r';
+    for (std::uint64_t second = ends & (crs << 1 | (behindCr ? 1U : 0U)); second != 0; second &= second - 1) {
+        const int at = std::countr_zero(second);
+        if (units[at] == u'\n')
+            ends &= ~(std::uint64_t{1} << at);
     }
     return ends;
 }
 
-} // namespace
-
-std::uint32_t UnitStore::countBlock(std::uint32_t begin, std::uint32_t end) const noexcept {
-    if (begin == end)
-        return 0;
-    const std::uint32_t first = isEnd(begin) ? 1 : 0;
-    const wchar* const rest = units_ + begin + 1;
-    const std::size_t count = end - begin - 1;
-    return first + (unicodeEnds_ ? count_ends<true>(rest, count) : count_ends<false>(rest, count));
-}
-
 std::uint32_t UnitStore::append(wstring_view text) noexcept {
     const std::uint32_t begin = size_;
-    std::copy(text.begin(), text.end(), units_ + begin);
     const std::uint32_t end = begin + static_cast<std::uint32_t>(text.size());
-    for (std::uint32_t block = begin / kBlock + 1; block * kBlock <= end; ++block)
-        counts_[block] = counts_[block - 1] + countBlock((block - 1) * kBlock, block * kBlock);
+    std::copy(text.begin(), text.end(), units_ + begin);
+    for (std::uint32_t at = begin; at < end;) {
+        const std::uint32_t word = at / 64;
+        const std::uint32_t count = std::min(64 - at % 64, end - at);
+        if (const std::uint64_t ends = look(at, count); ends != 0) // nobody else writes
+            bits_[word].store(bits(word) | ends << at % 64, std::memory_order_relaxed);
+        at += count;
+        if (at % kBlock == 0)
+            counts_[at / kBlock] = counts_[at / kBlock - 1] + ones(bits(word - 3)) + ones(bits(word - 2)) +
+                                   ones(bits(word - 1)) + ones(bits(word));
+    }
     size_ = end;
     return begin;
 }
 
 std::uint32_t UnitStore::endsBefore(std::uint32_t at) const noexcept {
-    const std::uint32_t block = at / kBlock;
-    return counts_[block] + countBlock(block * kBlock, at);
-}
-
-std::uint32_t UnitStore::countEnds(std::uint32_t begin, std::uint32_t end) const noexcept {
-    if (begin == end)
-        return 0;
-    const std::uint32_t divided = dividesEnd(begin) ? 1 : 0;
-    if (end - begin <= kBlock) // no longer than what the counts would leave
-        return countBlock(begin, end) + divided;
-    return endsBefore(end) - endsBefore(begin) + divided;
+    std::uint32_t ends = counts_[at / kBlock];
+    for (std::uint32_t word = at / kBlock * (kBlock / 64); word < at / 64; ++word)
+        ends += ones(bits(word));
+    return ends + ones(bits(at / 64) & ((std::uint64_t{1} << at % 64) - 1));
 }
 
 std::uint32_t UnitStore::findEnd(std::uint32_t begin, std::uint32_t end,
                                  std::uint32_t number) const noexcept {
-    if (dividesEnd(begin)) {
-        if (number == 0)
-            return begin;
-        --number;
-    }
-    const std::uint32_t wanted = endsBefore(begin) + number; // ends in front of the one that is wanted
     // The last block with no more ends in front of it; the counts up to `end` have been written. Ends stand
     // evenly in most texts, so that a guess or two come close to it.
     const std::uint32_t* const counts = counts_;
@@ -102,36 +125,33 @@ std::uint32_t UnitStore::findEnd(std::uint32_t begin, std::uint32_t end,
     std::uint32_t high = end / kBlock + 1; // the first that is known to have more, or is not looked at
     for (int guesses = 0; guesses < 3 && high - low > 8; ++guesses) {
         const std::uint64_t ends = counts[high - 1] - counts[low];
-        const std::uint64_t share = ends == 0 ? 0 : std::uint64_t{wanted - counts[low]} * (high - low) / ends;
+        const std::uint64_t share = ends == 0 ? 0 : std::uint64_t{number - counts[low]} * (high - low) / ends;
         const std::uint32_t guess =
             low + static_cast<std::uint32_t>(std::min<std::uint64_t>(share, high - low - 1));
         const std::uint32_t near = guess > low + 2 ? guess - 2 : low;
         const std::uint32_t far = guess + 3 < high ? guess + 3 : high;
-        if (counts[near] <= wanted)
+        if (counts[near] <= number)
             low = near;
         else
             high = near;
         if (low < far && far < high) {
-            if (counts[far] > wanted)
+            if (counts[far] > number)
                 high = far;
             else
                 low = far;
         }
     }
-    const std::uint32_t* const block = std::upper_bound(counts + low, counts + high, wanted) - 1;
-    auto at = static_cast<std::uint32_t>(block - counts) * kBlock;
-    std::uint32_t count = *block;
-    for (std::uint32_t behind = at + kStride; behind < end; behind = at + kStride) { // past what has too few
-        const std::uint32_t more = countBlock(at, behind);
-        if (count + more > wanted)
-            break;
-        count += more;
-        at = behind;
+    const std::uint32_t* const block = std::upper_bound(counts + low, counts + high, number) - 1;
+    std::uint32_t left = number - *block;
+    auto word = static_cast<std::uint32_t>(block - counts) * (kBlock / 64);
+    for (std::uint32_t ends = ones(bits(word)); ends <= left; ends = ones(bits(word))) {
+        left -= ends;
+        ++word;
     }
-    for (;; ++at) {
-        if (isEnd(at) && count++ == wanted)
-            return at;
-    }
+    std::uint64_t ends = bits(word);
+    for (; left > 0; --left)
+        ends &= ends - 1;
+    return word * 64 + static_cast<std::uint32_t>(std::countr_zero(ends));
 }
 
 } // namespace core::detail

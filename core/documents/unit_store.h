@@ -14,12 +14,13 @@ namespace core::detail {
 /// any thread reads what was written before it was told of it.
 ///
 /// An end counts at its first unit, so that what is known of the units in front never depends on those that
-/// come later. An LF behind a CR is the second unit of that end. Every kBlock units the number of ends so far
-/// is kept: counting and finding ends look at one block of units, however long the text is.
+/// come later. An LF behind a CR is the second unit of that end. Each unit has a bit that says whether an end
+/// begins there, and every kBlock units the number of ends so far is kept. Ends are counted and found in the
+/// bits, which are near where the units are in no cache.
 class UnitStore {
   public:
     static constexpr std::uint32_t kBlock = 256;
-    static constexpr std::uint32_t kMost = std::uint32_t{1} << 20; ///< the largest capacity
+    static constexpr std::uint32_t kMost = std::uint32_t{1} << 16; ///< the capacity for long texts
 
     /// Makes an empty store with one holder. Throws std::bad_alloc.
     [[nodiscard]] static UnitStore* create(std::uint32_t capacity, bool unicodeEnds);
@@ -34,29 +35,49 @@ class UnitStore {
     [[nodiscard]] std::uint32_t capacity() const noexcept { return capacity_; }
 
     [[nodiscard]] const wchar* units() const noexcept { return units_; }
-    /// How many ends the range has when it stands alone.
-    [[nodiscard]] std::uint32_t countEnds(std::uint32_t begin, std::uint32_t end) const noexcept;
-    /// The offset of the first unit of end `number` of the range, from 0; there must be so many.
+    /// How many ends begin in front of an offset.
+    [[nodiscard]] std::uint32_t endsBefore(std::uint32_t at) const noexcept;
+    /// The offset at which end `number` begins, from 0; it must begin at `begin` or behind it, in front of
+    /// `end`.
     [[nodiscard]] std::uint32_t findEnd(std::uint32_t begin, std::uint32_t end,
                                         std::uint32_t number) const noexcept;
+    /// Whether an end may have two units.
+    [[nodiscard]] bool hasCr() const noexcept { return hasCr_.load(std::memory_order_relaxed); }
+
+    // What is asked of single units looks at a unit only where the bits leave a doubt.
+
+    [[nodiscard]] bool isLf(std::uint32_t at) const noexcept {
+        return (beginsEnd(at) || (at > 0 && beginsEnd(at - 1))) && units_[at] == u'\n';
+    }
+    [[nodiscard]] bool isCr(std::uint32_t at) const noexcept { return beginsEnd(at) && units_[at] == u'\r'; }
+    /// Whether the units at an offset and in front of it are one end.
+    [[nodiscard]] bool dividesEnd(std::uint32_t at) const noexcept {
+        return at > 0 && beginsEnd(at - 1) && units_[at] == u'\n' && units_[at - 1] == u'\r';
+    }
 
   private:
-    UnitStore(std::uint32_t capacity, bool unicodeEnds, wchar* units, std::uint32_t* counts) noexcept
-        : capacity_(capacity), unicodeEnds_(unicodeEnds), units_(units), counts_(counts) {}
+    using Word = std::atomic<std::uint64_t>; ///< the bits of later units may be set while others read
 
-    [[nodiscard]] bool isEnd(std::uint32_t at) const noexcept;
-    [[nodiscard]] std::uint32_t countBlock(std::uint32_t begin, std::uint32_t end) const noexcept;
-    [[nodiscard]] std::uint32_t endsBefore(std::uint32_t at) const noexcept;
-    [[nodiscard]] bool dividesEnd(std::uint32_t at) const noexcept {
-        return at > 0 && units_[at] == u'\n' && units_[at - 1] == u'\r';
+    UnitStore(std::uint32_t capacity, bool unicodeEnds, std::uint32_t* counts, Word* bits,
+              wchar* units) noexcept
+        : capacity_(capacity), unicodeEnds_(unicodeEnds), counts_(counts), bits_(bits), units_(units) {}
+
+    [[nodiscard]] std::uint64_t bits(std::uint32_t word) const noexcept {
+        return bits_[word].load(std::memory_order_relaxed);
     }
+    [[nodiscard]] bool beginsEnd(std::uint32_t at) const noexcept {
+        return (bits(at / 64) >> at % 64 & 1) != 0;
+    }
+    [[nodiscard]] std::uint64_t look(std::uint32_t begin, std::uint32_t count) noexcept;
 
     mutable std::atomic<std::uint32_t> holders_{1};
     std::uint32_t capacity_;
     std::uint32_t size_ = 0;
     bool unicodeEnds_;
-    wchar* units_;
+    std::atomic<bool> hasCr_{false};
     std::uint32_t* counts_; // counts_[k]: ends in front of unit k * kBlock
+    Word* bits_;
+    wchar* units_;
 };
 
 /// A counted reference to an object with hold() and release(); may be null.

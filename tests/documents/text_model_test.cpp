@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A document beside a string: random edits, groups and replacements of many ranges, undo and redo to any
 // point, marks that come home, lines that are found unit by unit, snapshots that stay what they were.
-#include "core/documents/piece_tree.h"
+#include "core/documents/piece_node.h"
 
 #include <core/documents/text_manager.h>
 
@@ -56,18 +56,32 @@ std::vector<ModelLine> lines_of(const wstring& text, bool unicodeEnds) {
     return lines;
 }
 
-/// The height of a subtree, every node of which is balanced and knows its sum.
-std::int32_t checked_height(const detail::PieceNode* node) {
-    if (node == nullptr)
-        return 0;
-    const std::int32_t left = checked_height(node->left.get());
-    const std::int32_t right = checked_height(node->right.get());
-    EXPECT_LE(std::abs(left - right), 1);
-    EXPECT_EQ(node->height, std::max(left, right) + 1);
-    EXPECT_GT(node->piece.size(), 0u);
-    EXPECT_EQ(node->before, sum_of(node->left).units);
-    EXPECT_EQ(node->sum.units, node->before + node->piece.size() + sum_of(node->right).units);
-    return node->height;
+/// What is known of a text that stands alone.
+detail::UnitSum sum_of(wstring_view text, bool unicodeEnds) {
+    return {text.size(), lines_of(wstring(text), unicodeEnds).size() - 1, text.front() == u'\n',
+            text.back() == u'\r'};
+}
+
+/// Checks that a subtree is balanced and that its nodes know their sums.
+void check_node(const detail::PieceNode& node, bool unicodeEnds, bool isRoot) {
+    EXPECT_GE(node.count(), isRoot ? 1u : detail::PieceNode::kLeast);
+    EXPECT_LE(node.count(), detail::PieceNode::kMost);
+    for (std::uint32_t i = 0; i < node.count(); ++i) {
+        const detail::UnitSum sum = node.sumOf(i);
+        const detail::UnitSum own =
+            node.isLeaf() ? sum_of(node.text(i), unicodeEnds) : node.node(i)->sum();
+        EXPECT_GT(sum.units, 0u);
+        EXPECT_TRUE(sum.units == own.units && sum.ends == own.ends && sum.beginsLf == own.beginsLf &&
+                    sum.endsCr == own.endsCr);
+        if (!node.isLeaf()) {
+            EXPECT_EQ(node.node(i)->height() + 1, node.height());
+            check_node(*node.node(i), unicodeEnds, false);
+        }
+    }
+}
+void check_tree(const TextSnapshot& text) {
+    if (!text.empty())
+        check_node(*text.root(), text.hasUnicodeEnds(), true);
 }
 
 class Model {
@@ -245,7 +259,7 @@ class Model {
             if (listens_) {
                 ASSERT_EQ(told_, text_);
             }
-            checked_height(now.root());
+            check_tree(now);
             checkLines(now);
             for (const ModelMark& mark : marks_)
                 ASSERT_EQ(document_.offset(mark.mark), mark.offset);
@@ -320,7 +334,7 @@ TEST(TextModel, TypingInBurstsBesideSnapshots) {
         }
         if (burst % 8 == 0) {
             ASSERT_EQ(document.text().lineCount(), lines_of(model, false).size());
-            checked_height(document.text().root());
+            check_tree(document.text());
         }
     }
     ASSERT_EQ(document.text().text(), model);
