@@ -4,6 +4,8 @@
 #include "core/documents/marks.h"
 #include "core/documents/piece_tree.h"
 
+#include <boost/container/small_vector.hpp>
+
 #include <cstdint>
 #include <vector>
 
@@ -18,6 +20,9 @@ struct Edit {
     std::vector<SavedMark> marks{};
 };
 
+/// Edits in a row. Most steps have one, which takes no memory of its own.
+using Edits = boost::container::small_vector<Edit, 1>;
+
 /// What an edit is when it comes alone; neighbours of one kind are taken back together.
 enum class EditKind {
     other,   ///< longer than a character, or with a line end, or a replacement
@@ -27,7 +32,7 @@ enum class EditKind {
 
 /// Edits in the order in which they were made, or are to be made.
 struct EditStep {
-    std::vector<Edit> edits{};
+    Edits edits{};
     std::uint64_t serial = 0; ///< tells the state of the text behind the step
     EditKind kind = EditKind::other;
     bool disjoint = false; ///< whether no edit touches what another one has changed, and offsets rise or fall

@@ -67,7 +67,7 @@ std::optional<Piece> EditedText::canUntype(TextRange range) noexcept {
     return Piece(piece->store, piece->end - static_cast<std::uint32_t>(range.size()), piece->end);
 }
 
-PieceTree EditedText::replaceEach(const EditStep& step, bool backwards, std::vector<Edit>& inverse) {
+PieceTree EditedText::replaceEach(const EditStep& step, bool backwards, Edits& inverse) {
     PieceTree text = tree();
     for (std::size_t i = 0; i < step.edits.size(); ++i) {
         const Edit& edit = edit_at(step, backwards, i);
@@ -79,7 +79,7 @@ PieceTree EditedText::replaceEach(const EditStep& step, bool backwards, std::vec
 
 /// The same for many disjoint edits: each offset is that in the text as the edits before it have left it, so
 /// that rising offsets are moved back to the text as it is now, and falling ones are as they are.
-PieceTree EditedText::replaceTogether(const EditStep& step, bool backwards, std::vector<Edit>& inverse) {
+PieceTree EditedText::replaceTogether(const EditStep& step, bool backwards, Edits& inverse) {
     const std::size_t count = step.edits.size();
     const bool rises = edit_at(step, backwards, 0).offset < edit_at(step, backwards, count - 1).offset;
     const PieceTree& text = tree();
@@ -98,8 +98,8 @@ PieceTree EditedText::replaceTogether(const EditStep& step, bool backwards, std:
     return text.replaced(splices);
 }
 
-std::vector<Edit> EditedText::applyOne(const Edit& edit) {
-    std::vector<Edit> inverse(1);
+Edits EditedText::applyOne(const Edit& edit) {
+    Edits inverse(1);
     Edit& back = inverse.front();
     back.offset = edit.offset;
     back.count = edit.text.size();
@@ -111,11 +111,11 @@ std::vector<Edit> EditedText::applyOne(const Edit& edit) {
     return inverse;
 }
 
-std::vector<Edit> EditedText::apply(const EditStep& step, bool backwards) {
+Edits EditedText::apply(const EditStep& step, bool backwards) {
     const std::size_t count = step.edits.size();
     if (count == 1)
         return applyOne(step.edits.front());
-    std::vector<Edit> inverse;
+    Edits inverse;
     inverse.reserve(count);
     PieceTree text = step.disjoint && count >= kMany ? replaceTogether(step, backwards, inverse)
                                                      : replaceEach(step, backwards, inverse);

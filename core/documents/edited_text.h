@@ -45,14 +45,14 @@ class EditedText {
     void untype(const Piece& units) noexcept { tree_.shrink(units.size()); }
     /// Makes the edits of a step, from the first to the last or `backwards`, and returns those that take them
     /// back, in the order in which they were made. Throws std::bad_alloc; nothing has changed then.
-    [[nodiscard]] std::vector<Edit> apply(const EditStep& step, bool backwards);
+    [[nodiscard]] Edits apply(const EditStep& step, bool backwards);
     /// Puts another text in the place of this one, with all marks at its beginning.
     void assign(PieceTree text) noexcept;
 
   private:
-    [[nodiscard]] PieceTree replaceEach(const EditStep& step, bool backwards, std::vector<Edit>& inverse);
-    [[nodiscard]] PieceTree replaceTogether(const EditStep& step, bool backwards, std::vector<Edit>& inverse);
-    [[nodiscard]] std::vector<Edit> applyOne(const Edit& edit);
+    [[nodiscard]] PieceTree replaceEach(const EditStep& step, bool backwards, Edits& inverse);
+    [[nodiscard]] PieceTree replaceTogether(const EditStep& step, bool backwards, Edits& inverse);
+    [[nodiscard]] Edits applyOne(const Edit& edit);
 
     bool unicodeEnds_;
     TypedTree tree_;

@@ -12,7 +12,7 @@ void History::reserve(std::size_t count) {
     if (spare_.empty())
         spare_.emplace_back();
     if (grouped_) {
-        std::vector<Edit>& edits = undo_.back().edits;
+        Edits& edits = undo_.back().edits;
         if (edits.capacity() - edits.size() < count)
             edits.reserve(std::max(edits.size() + count, edits.capacity() * 2));
     }
@@ -71,7 +71,7 @@ bool History::join(EditStep& step) {
 void History::add(EditStep step) noexcept {
     redo_.clear();
     if (grouped_) {
-        std::vector<Edit>& edits = undo_.back().edits;
+        Edits& edits = undo_.back().edits;
         std::move(step.edits.begin(), step.edits.end(), std::back_inserter(edits)); // reserved
         undo_.back().disjoint = false;
         return;
@@ -91,13 +91,13 @@ void History::add(EditStep step) noexcept {
     trim();
 }
 
-void History::undone(std::vector<Edit> inverse) noexcept {
+void History::undone(Edits inverse) noexcept {
     undo_.back().edits = std::move(inverse);
     redo_.splice(redo_.end(), undo_, std::prev(undo_.end()));
     open_ = false;
 }
 
-void History::redone(std::vector<Edit> inverse) noexcept {
+void History::redone(Edits inverse) noexcept {
     redo_.back().edits = std::move(inverse);
     undo_.splice(undo_.end(), redo_, std::prev(redo_.end()));
     open_ = false;

@@ -32,9 +32,9 @@ class History {
     /// The last step that was taken back, or null. Owned by the history.
     [[nodiscard]] EditStep* lastUndone() noexcept { return redo_.empty() ? nullptr : &redo_.back(); }
     /// The last step has been taken back; `inverse` makes it again.
-    void undone(std::vector<Edit> inverse) noexcept;
+    void undone(Edits inverse) noexcept;
     /// The step that was taken back last has been made again; `inverse` takes it back.
-    void redone(std::vector<Edit> inverse) noexcept;
+    void redone(Edits inverse) noexcept;
 
     void beginGroup() noexcept;
     void endGroup() noexcept;

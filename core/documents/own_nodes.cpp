@@ -2,6 +2,7 @@
 #include "core/documents/own_nodes.h"
 
 #include <array>
+#include <memory>
 #include <utility>
 
 namespace core::detail {
@@ -9,11 +10,12 @@ namespace {
 
 constexpr std::uint32_t kMost = PieceNode::kMost;
 constexpr std::uint32_t kLeast = PieceNode::kLeast;
+constexpr std::uint32_t kMostFresh = 3; // what an edit puts in the place of others: two rests and its own piece
 
 /// The way from the root to a leaf.
 struct Way {
-    std::array<PieceNode*, PieceNode::kMostHeight> nodes{};
-    std::array<std::uint32_t, PieceNode::kMostHeight> indices{}; ///< of the entry that leads on
+    std::array<PieceNode*, PieceNode::kMostHeight> nodes;
+    std::array<std::uint32_t, PieceNode::kMostHeight> indices; ///< of the entry that leads on
     std::uint32_t leaf = 0;                                      ///< the number of nodes above the leaf
     std::uint64_t begin = 0;                                     ///< of the leaf
 
@@ -69,21 +71,24 @@ void own(NodeRef& root, Way& way) {
 /// Entries of a node, of two, or of one that has become too long.
 class Row {
   public:
-    void add(const NodeEntry& entry) noexcept { entries_[count_++] = entry; }
+    Row() noexcept {} // NOLINT(*-member-init): entries are set as they are added
+    void add(const NodeEntry& entry) noexcept { std::construct_at(&entries_[count_++], entry); }
     void add(const PieceNode& node, std::uint32_t begin, std::uint32_t end) noexcept {
         for (std::uint32_t i = begin; i < end; ++i)
             add(node.entry(i));
     }
     [[nodiscard]] std::uint32_t count() const noexcept { return count_; }
-    [[nodiscard]] std::span<const NodeEntry> all() const noexcept { return std::span(entries_).first(count_); }
-    /// Divides the entries between two nodes.
-    void divide(PieceNode& left, PieceNode& right) const noexcept {
-        left.fill(all().first(count_ / 2));
-        right.fill(all().subspan(count_ / 2));
+    [[nodiscard]] std::span<const NodeEntry> all() const noexcept { return {entries_, count_}; }
+    /// Divides the entries between two nodes, of which the first gets so many.
+    void divide(PieceNode& left, PieceNode& right, std::uint32_t middle) const noexcept {
+        left.fill(all().first(middle));
+        right.fill(all().subspan(middle));
     }
 
   private:
-    std::array<NodeEntry, 2 * kMost> entries_;
+    union {
+        NodeEntry entries_[2 * kMost];
+    };
     std::uint32_t count_ = 0;
 };
 
@@ -109,6 +114,13 @@ struct Edge {
     const std::uint64_t size = leaf.unitsTo(index) - leaf.unitsBefore(index);
     return {&leaf.store(index), leaf.place(index).begin + static_cast<std::uint32_t>(size)};
 }
+
+/// The entries from `first` to `last` go, others come.
+struct EntryChange {
+    std::uint32_t first = 0;
+    std::uint32_t last = 0;
+    std::span<const NodeEntry> entries;
+};
 
 /// What an edit does to a leaf: some pieces go, others come.
 class Change {
@@ -146,19 +158,15 @@ class Change {
     [[nodiscard]] std::uint32_t count(const PieceNode& leaf) const noexcept {
         return leaf.count() - (last_ - first_) + freshCount_;
     }
-    /// Lets the pieces of a leaf go that the change puts others in the place of, and returns all that it is to
-    /// have, with their references.
-    [[nodiscard]] Row make(const PieceNode& leaf) noexcept {
-        Row row;
-        row.add(leaf, 0, first_);
+    /// Takes the references of the pieces that come and lets those go that they replace; valid as long as this.
+    [[nodiscard]] EntryChange make(const PieceNode& leaf) noexcept {
         for (std::uint32_t i = 0; i < freshCount_; ++i) {
-            row.add(NodeEntry(fresh_[i]));
+            entries_[i] = NodeEntry(fresh_[i]);
             static_cast<void>(fresh_[i].store.detach());
         }
-        row.add(leaf, last_, leaf.count());
         for (std::uint32_t i = first_; i < last_; ++i)
             leaf.store(i).release();
-        return row;
+        return {first_, last_, std::span(entries_).first(freshCount_)};
     }
     [[nodiscard]] NodeRef takeRemoved() noexcept { return std::move(removed_); }
 
@@ -192,7 +200,8 @@ class Change {
 
     std::uint32_t first_; ///< the pieces from here
     std::uint32_t last_;  ///< to here go
-    std::array<Piece, 3> fresh_;
+    std::array<Piece, kMostFresh> fresh_;
+    std::array<NodeEntry, kMostFresh> entries_;
     std::uint32_t freshCount_ = 0;
     NodeRef removed_;
 };
@@ -205,12 +214,12 @@ class Rebuilding {
         own(root, way);
         std::uint32_t level = way.leaf;
         if (leafCount > kMost) {
-            for (spare_[level] = PieceNode::create(1); level > 0 && way.nodes[level - 1]->count() == kMost;) {
-                --level;
-                spare_[level] = PieceNode::create(way.nodes[level]->height());
-            }
+            spares_.emplace();
+            spares_->nodes[level] = PieceNode::create(1);
+            for (; level > 0 && way.nodes[level - 1]->count() == kMost; --level)
+                spares_->nodes[level - 1] = PieceNode::create(way.nodes[level - 1]->height());
             if (level == 0)
-                newRoot_ = PieceNode::create(root->height() + 1);
+                spares_->root = PieceNode::create(root->height() + 1);
         }
         for (std::uint32_t count = leafCount; level > 0 && count < kLeast; --level) {
             PieceNode& parent = *way.nodes[level - 1];
@@ -227,35 +236,36 @@ class Rebuilding {
             PieceNode& node = *way_.nodes[level];
             PieceNode& parent = *way_.nodes[level - 1];
             const std::uint32_t index = way_.indices[level - 1];
-            if (isDivided) {
-                Row row;
-                row.add(parent, 0, index);
-                addBoth(row, node, level);
-                row.add(parent, index + 1, parent.count());
-                isDivided = put(level - 1, row);
-            } else if (node.count() < kLeast) {
+            if (isDivided)
+                isDivided = put(level - 1, {index, index + 1, halves(node, level)});
+            else if (node.count() < kLeast)
                 merge(parent, left_of_two(parent, index));
-            } else {
+            else
                 parent.setSum(index, node.sum());
-            }
         }
         settleRoot(isDivided);
     }
 
   private:
-    /// Gives a node its entries, and its spare the second half when they are too many; returns whether it did.
-    [[nodiscard]] bool put(std::uint32_t level, const Row& row) noexcept {
+    /// Changes a node, whose spare gets the second half of too many entries; returns whether it did.
+    [[nodiscard]] bool put(std::uint32_t level, const EntryChange& change) noexcept {
         PieceNode& node = *way_.nodes[level];
-        if (row.count() > kMost)
-            row.divide(node, *spare_[level].get());
-        else
-            node.fill(row.all());
-        return row.count() > kMost;
+        if (node.count() - (change.last - change.first) + change.entries.size() <= kMost) {
+            node.splice(change.first, change.last, change.entries);
+            return false;
+        }
+        Row row;
+        row.add(node, 0, change.first);
+        for (const NodeEntry& entry : change.entries)
+            row.add(entry);
+        row.add(node, change.last, node.count());
+        row.divide(node, *spares_->nodes[level].get(), row.count() / 2);
+        return true;
     }
-    /// Adds the entries of a node and of its second half, whose reference goes with it.
-    void addBoth(Row& row, PieceNode& node, std::uint32_t level) noexcept {
-        row.add(NodeEntry(node));
-        row.add(NodeEntry(*spare_[level].detach()));
+    /// The entries of a node and of its second half, whose reference goes with it. Valid until the next call.
+    [[nodiscard]] std::span<const NodeEntry> halves(PieceNode& node, std::uint32_t level) noexcept {
+        spares_->halves = {NodeEntry(node), NodeEntry(*spares_->nodes[level].detach())};
+        return spares_->halves;
     }
     /// Makes one of two nodes, or divides their entries between them.
     static void merge(PieceNode& parent, std::uint32_t left) noexcept {
@@ -264,27 +274,22 @@ class Rebuilding {
         Row row;
         row.add(first, 0, first.count());
         row.add(second, 0, second.count());
-        Row above;
-        above.add(parent, 0, left);
         if (row.count() > kMost) {
-            row.divide(first, second);
-            above.add(NodeEntry(first));
-            above.add(NodeEntry(second));
+            row.divide(first, second, row.count() / 2);
+            parent.setSum(left, first.sum());
+            parent.setSum(left + 1, second.sum());
         } else {
             first.fill(row.all());
             second.fill({});
             second.release();
-            above.add(NodeEntry(first));
+            const NodeEntry both(first);
+            parent.splice(left, left + 2, {&both, 1});
         }
-        above.add(parent, left + 2, parent.count());
-        parent.fill(above.all());
     }
     void settleRoot(bool isDivided) noexcept {
         if (isDivided) {
-            Row row;
-            addBoth(row, *root_.detach(), 0);
-            newRoot_->fill(row.all());
-            root_ = std::move(newRoot_);
+            spares_->root->fill(halves(*root_.detach(), 0));
+            root_ = std::move(spares_->root);
         }
         while (!root_->isLeaf() && root_->count() == 1) {
             NodeRef only(root_->node(0));
@@ -295,11 +300,52 @@ class Rebuilding {
             root_ = NodeRef();
     }
 
+    /// What nodes are divided with.
+    struct Spares {
+        std::array<NodeRef, PieceNode::kMostHeight> nodes; ///< the second halves
+        NodeRef root;
+        std::array<NodeEntry, 2> halves;
+    };
+
     NodeRef& root_;
     Way& way_;
-    std::array<NodeRef, PieceNode::kMostHeight> spare_; ///< the second halves of nodes that become too long
-    NodeRef newRoot_;
+    std::optional<Spares> spares_;
 };
+
+/// Moves pieces from one leaf to the next or back, so that the units from `begin` to `end`, offsets in the
+/// leaf of the way that go on behind it, are in one leaf; returns whether it did. Throws std::bad_alloc;
+/// nothing that can be seen has changed in any case.
+[[nodiscard]] bool gather(NodeRef& root, Way& way, std::uint64_t begin, std::uint64_t end) {
+    if (way.leaf == 0)
+        return false;
+    const std::uint32_t index = way.indices[way.leaf - 1];
+    PieceNode& parent = *way.nodes[way.leaf - 1];
+    const std::uint64_t size = way.nodes[way.leaf]->sum().units;
+    if (index + 1 == parent.count() || end > size + parent.node(index + 1)->sum().units)
+        return false;
+    const std::uint32_t leftCount = way.nodes[way.leaf]->count();
+    const std::uint32_t count = leftCount + parent.node(index + 1)->count();
+    // The leaves part in front of the first of the pieces or behind the last.
+    const std::uint32_t first = way.nodes[way.leaf]->indexOf(begin);
+    const std::uint32_t last = leftCount + parent.node(index + 1)->indexOf(end - size - 1) + 1;
+    const auto fits = [count](std::uint32_t middle) {
+        return middle >= kLeast && middle <= kMost && count - middle >= kLeast && count - middle <= kMost;
+    };
+    if (!fits(first) && !fits(last))
+        return false;
+    own(root, way);
+    PieceNode& above = *way.nodes[way.leaf - 1];
+    own(above, index + 1);
+    PieceNode& left = *above.node(index);
+    PieceNode& right = *above.node(index + 1);
+    Row row;
+    row.add(left, 0, left.count());
+    row.add(right, 0, right.count());
+    row.divide(left, right, fits(first) ? first : last);
+    above.setSum(index, left.sum());
+    above.setSum(index + 1, right.sum());
+    return true;
+}
 
 } // namespace
 
@@ -309,7 +355,7 @@ LeafEdit replace_in_leaf(NodeRef& root, std::uint64_t offset, std::uint64_t coun
     const PieceNode& leaf = *way.nodes[way.leaf];
     const std::uint64_t begin = offset - way.begin;
     if (begin + count > leaf.sum().units)
-        return {};
+        return gather(root, way, begin, begin + count) ? replace_in_leaf(root, offset, count, piece) : LeafEdit{};
     Change change(leaf, begin, begin + count, piece);
     Rebuilding(root, way, change.count(leaf)).make(change);
     return {true, change.takeRemoved()};

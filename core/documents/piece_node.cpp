@@ -2,9 +2,20 @@
 #include "core/documents/piece_node.h"
 
 #include <array>
+#include <cstring>
 #include <new>
 
 namespace core::detail {
+namespace {
+
+constexpr std::uint64_t kNoSum = ~std::uint64_t{0};
+
+/// The bits below an index, which is less than 32.
+[[nodiscard]] std::uint32_t below(std::uint32_t bits, std::uint32_t index) noexcept {
+    return bits & ((std::uint32_t{1} << index) - 1);
+}
+
+} // namespace
 
 NodeRef PieceNode::create(std::uint32_t height, std::uint32_t capacity) {
     constexpr std::size_t kInner = 2 * sizeof(std::uint64_t) + sizeof(Target);
@@ -38,9 +49,13 @@ NodeRef PieceNode::copy() const {
     return made;
 }
 
-void PieceNode::release() const noexcept {
-    if (holders_.fetch_sub(1, std::memory_order_acq_rel) != 1)
-        return;
+PieceNode::PieceNode(std::uint32_t height, std::uint32_t capacity) noexcept
+    : height_(static_cast<std::uint8_t>(height)), capacity_(static_cast<std::uint8_t>(capacity)) {
+    for (std::uint32_t i = 0; i < capacity; ++i)
+        units()[i] = ends()[i] = kNoSum;
+}
+
+void PieceNode::destroy() const noexcept {
     for (std::uint32_t i = 0; i < count_; ++i) {
         if (isLeaf())
             targets()[i].store->release();
@@ -52,13 +67,28 @@ void PieceNode::release() const noexcept {
     ::operator delete(self);
 }
 
-void PieceNode::fill(std::span<const NodeEntry> entries) noexcept {
-    count_ = static_cast<std::uint16_t>(entries.size());
-    beginsLf_ = endsCr_ = 0;
-    std::uint64_t units = 0;
-    std::uint64_t ends = 0;
-    for (std::uint32_t i = 0; i < count_; ++i) {
-        const NodeEntry& entry = entries[i];
+void PieceNode::splice(std::uint32_t first, std::uint32_t last, std::span<const NodeEntry> entries) noexcept {
+    const std::uint32_t tail = count_ - last;
+    const auto next = first + static_cast<std::uint32_t>(entries.size()); // where the tail goes
+    const bool hasTail = tail > 0;
+    const std::uint64_t oldUnits = unitsBefore(last);
+    const std::uint64_t oldEnds = endsBefore(last) - (hasTail && dividesEnd(last) ? 1 : 0);
+    if (next != last) {
+        std::memmove(units() + next, units() + last, tail * sizeof(std::uint64_t));
+        std::memmove(ends() + next, ends() + last, tail * sizeof(std::uint64_t));
+        std::memmove(targets() + next, targets() + last, tail * sizeof(Target));
+        if (isLeaf())
+            std::memmove(places() + next, places() + last, tail * sizeof(PiecePlace));
+        for (std::uint32_t i = next + tail; i < count_; ++i)
+            units()[i] = ends()[i] = kNoSum;
+        count_ = static_cast<std::uint16_t>(next + tail);
+    }
+    beginsLf_ = below(beginsLf_, first) | (hasTail ? beginsLf_ >> last << next : 0);
+    endsCr_ = below(endsCr_, first) | (hasTail ? endsCr_ >> last << next : 0);
+    std::uint64_t units = unitsBefore(first);
+    std::uint64_t ends = endsBefore(first);
+    for (std::uint32_t i = first; i < next; ++i) {
+        const NodeEntry& entry = entries[i - first];
         beginsLf_ |= std::uint32_t{entry.sum.beginsLf} << i;
         endsCr_ |= std::uint32_t{entry.sum.endsCr} << i;
         this->units()[i] = units += entry.sum.units;
@@ -67,6 +97,8 @@ void PieceNode::fill(std::span<const NodeEntry> entries) noexcept {
         if (isLeaf())
             places()[i] = entry.place;
     }
+    if (hasTail)
+        addFrom(next, units - oldUnits, ends - oldEnds - (dividesEnd(next) ? 1 : 0));
 }
 
 void PieceNode::setSum(std::uint32_t index, const UnitSum& sum) noexcept {
@@ -83,7 +115,11 @@ void PieceNode::setSum(std::uint32_t index, const UnitSum& sum) noexcept {
     units()[index] += moreUnits;
     ends()[index] += moreEnds;
     moreEnds += next - (hasNext && dividesEnd(index + 1) ? 1 : 0);
-    for (std::uint32_t i = index + 1; i < count_; ++i) {
+    addFrom(index + 1, moreUnits, moreEnds);
+}
+
+void PieceNode::addFrom(std::uint32_t index, std::uint64_t moreUnits, std::uint64_t moreEnds) noexcept {
+    for (std::uint32_t i = index; i < count_; ++i) {
         units()[i] += moreUnits;
         ends()[i] += moreEnds;
     }

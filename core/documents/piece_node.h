@@ -37,7 +37,7 @@ class alignas(std::uint64_t) PieceNode {
   public:
     static constexpr std::uint32_t kMost = 16;      ///< entries
     static constexpr std::uint32_t kLeast = 5;      ///< of a node that is not the root
-    static constexpr std::uint32_t kMostHeight = 24; ///< 5 to this power is more than there is memory
+    static constexpr std::uint32_t kMostHeight = 16; ///< 5 to this power is more than there is memory
 
     /// Makes an empty node with one holder. Throws std::bad_alloc.
     [[nodiscard]] static NodeRef create(std::uint32_t height, std::uint32_t capacity = kMost);
@@ -47,7 +47,10 @@ class alignas(std::uint64_t) PieceNode {
     [[nodiscard]] NodeRef copy() const;
 
     void hold() const noexcept { holders_.fetch_add(1, std::memory_order_relaxed); }
-    void release() const noexcept;
+    void release() const noexcept {
+        if (holders_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            destroy();
+    }
     /// Whether the caller, who holds a reference, is the only holder.
     [[nodiscard]] bool isUnique() const noexcept { return holders_.load(std::memory_order_acquire) == 1; }
     /// Whether the caller may change the node.
@@ -100,8 +103,10 @@ class alignas(std::uint64_t) PieceNode {
 
     // changes of a node that the caller may change; no reference is added or taken away
 
+    /// Puts entries in the place of those from `first` to `last`, for which there must be room.
+    void splice(std::uint32_t first, std::uint32_t last, std::span<const NodeEntry> entries) noexcept;
     /// Puts entries in the place of all.
-    void fill(std::span<const NodeEntry> entries) noexcept;
+    void fill(std::span<const NodeEntry> entries) noexcept { splice(0, count_, entries); }
     /// Sets the sum of an entry.
     void setSum(std::uint32_t index, const UnitSum& sum) noexcept;
     /// Puts another node in the place of an entry that has the same sum, and returns the old one.
@@ -112,8 +117,8 @@ class alignas(std::uint64_t) PieceNode {
   private:
     using Target = NodeEntry::Target;
 
-    PieceNode(std::uint32_t height, std::uint32_t capacity) noexcept
-        : height_(static_cast<std::uint8_t>(height)), capacity_(static_cast<std::uint8_t>(capacity)) {}
+    PieceNode(std::uint32_t height, std::uint32_t capacity) noexcept;
+    void destroy() const noexcept;
 
     [[nodiscard]] std::uint64_t* units() noexcept { return reinterpret_cast<std::uint64_t*>(this + 1); }
     [[nodiscard]] const std::uint64_t* units() const noexcept {
@@ -133,12 +138,17 @@ class alignas(std::uint64_t) PieceNode {
     [[nodiscard]] bool dividesEnd(std::uint32_t index) const noexcept {
         return index > 0 && beginsLf(index) && endsCr(index - 1);
     }
+    /// Behind the last sum stand the greatest numbers, so that all are compared without a branch to guess.
     [[nodiscard]] std::uint32_t firstAbove(const std::uint64_t* sums, std::uint64_t value) const noexcept {
+        if (capacity_ != kMost)
+            return sums[0] <= value ? 1 : 0;
         std::uint32_t index = 0;
-        while (index < count_ && sums[index] <= value)
-            ++index;
+        for (std::uint32_t i = 0; i < kMost; ++i)
+            index += sums[i] <= value ? 1 : 0;
         return index;
     }
+
+    void addFrom(std::uint32_t index, std::uint64_t moreUnits, std::uint64_t moreEnds) noexcept;
 
     mutable std::atomic<std::uint32_t> holders_{1};
     std::uint8_t height_;

@@ -9,7 +9,7 @@
 
 namespace core {
 
-using detail::Edit;
+using detail::Edits;
 using detail::EditStep;
 using detail::PieceTree;
 
@@ -61,7 +61,7 @@ void TextManager::replace(TextRange range, wstring_view text) {
 }
 
 void TextManager::replace(std::span<const TextReplacement> replacements) {
-    std::vector<Edit> edits;
+    Edits edits;
     edits.reserve(replacements.size());
     for (const TextReplacement& one : replacements) {
         impl_->requireRange(one.range);
@@ -115,7 +115,7 @@ void TextManager::removeLines(std::uint64_t line, std::uint64_t count) {
 std::size_t TextManager::replaceAll(const TextQuery& query, wstring_view replacement) {
     TextSearch search(text(), query);
     const PieceTree plain = query.kind == TextQueryKind::regex ? PieceTree() : impl_->text.store(replacement);
-    std::vector<Edit> edits;
+    Edits edits;
     while (const auto match = search.next()) {
         PieceTree units =
             query.kind == TextQueryKind::regex ? impl_->text.store(search.expand(replacement)) : plain;
@@ -133,7 +133,7 @@ std::size_t TextManager::convertLineEnds(LineEnd end) {
         throw_error<DocumentException>(messages::kTextNoLineEnd);
     const TextSnapshot now = text();
     const PieceTree units = impl_->text.store(line_end_text(end));
-    std::vector<Edit> edits;
+    Edits edits;
     for (std::uint64_t line = 0; line + 1 < now.lineCount(); ++line) {
         const std::uint64_t from = now.lineRange(line).end;
         const LineEnd old = now.lineEnd(line);

@@ -13,6 +13,7 @@
 namespace core {
 
 using detail::Edit;
+using detail::Edits;
 using detail::EditKind;
 using detail::EditStep;
 using detail::PieceTree;
@@ -84,14 +85,14 @@ void TextManager::Impl::make(EditStep step) {
         return;
     history.reserve(step.edits.size());
     reserveChanges(step.edits.size());
-    std::vector<Edit> inverse = text.apply(step, false);
+    Edits inverse = text.apply(step, false);
     note(step, false, inverse);
     step.edits = std::move(inverse);
     history.add(std::move(step));
     tell();
 }
 
-void TextManager::Impl::makeTogether(std::vector<Edit> edits) {
+void TextManager::Impl::makeTogether(Edits edits) {
     // From the last to the first, so that none moves another one; of two at one offset the first stays in
     // front.
     std::stable_sort(edits.begin(), edits.end(),
@@ -126,7 +127,7 @@ bool TextManager::Impl::restore(bool undo) {
         return false;
     reserveChanges(step->edits.size());
     // Both hold what takes back what was done last, so that the last comes first.
-    std::vector<Edit> inverse = text.apply(*step, true);
+    Edits inverse = text.apply(*step, true);
     note(*step, true, inverse);
     if (undo)
         history.undone(std::move(inverse));
@@ -164,7 +165,7 @@ void TextManager::Impl::reserveChanges(std::size_t count) {
 }
 
 void TextManager::Impl::note(const EditStep& step, bool backwards,
-                             const std::vector<Edit>& inverse) noexcept {
+                             const Edits& inverse) noexcept {
     if (owner.changed.connectionCount() == 0)
         return;
     for (std::size_t i = 0; i < inverse.size(); ++i) {

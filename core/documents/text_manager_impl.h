@@ -22,7 +22,7 @@ struct TextManager::Impl {
     /// Makes a step of edits, which are in the order in which they are made.
     void make(detail::EditStep step);
     /// Makes a step of edits that do not overlap; they get into their order first.
-    void makeTogether(std::vector<detail::Edit> edits);
+    void makeTogether(detail::Edits edits);
     /// Puts another text in the place of everything.
     void assign(detail::PieceTree units);
     /// Takes back the last step, or makes the next one again.
@@ -38,7 +38,7 @@ struct TextManager::Impl {
     void reserveChanges(std::size_t count);
     /// Notes the changes of a step that has been made; `inverse` takes it back.
     void note(const detail::EditStep& step, bool backwards,
-              const std::vector<detail::Edit>& inverse) noexcept;
+              const detail::Edits& inverse) noexcept;
     /// Tells the changes that wait, unless that is being done already.
     void tell();
 
