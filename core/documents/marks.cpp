@@ -32,12 +32,8 @@ std::vector<SavedMark> Marks::save(std::uint64_t begin, std::uint64_t end) const
         const MarkTree& tree = trees_[which];
         // Those that stay with the left edge are at home there, those that go to the right edge at that one.
         const bool left = which == static_cast<std::uint32_t>(MarkGravity::left);
-        for (std::uint32_t at = tree.firstFrom(begin, left); at != MarkTree::kNone; at = tree.next(at)) {
-            const std::uint64_t offset = tree.offset(at);
-            if (left ? offset > end : offset >= end)
-                break;
-            saved.push_back({{at * 2 + which, tree.generation(at)}, offset, tree.moves(at)});
-        }
+        for (const MarkTree::Place& one : tree.find(begin, end, left))
+            saved.push_back({{one.mark * 2 + which, tree.generation(one.mark)}, one.offset, tree.moves(one.mark)});
     }
     return saved;
 }
