@@ -121,6 +121,8 @@ void MarkTree::insertUnits(std::uint64_t offset, std::uint64_t count, bool behin
         node.moveFrom(way + 1, count);
         offset -= node.at[way];
         at = node.entries[way];
+        for (std::size_t byte = 0; byte < sizeof(node.at) + 64; byte += 64) // all at once
+            __builtin_prefetch(reinterpret_cast<const std::byte*>(&nodes_[at]) + byte);
     }
 }
 

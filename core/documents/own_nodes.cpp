@@ -29,7 +29,10 @@ struct Way {
             const std::uint32_t index = node->indexOf(offset - begin);
             indices[leaf] = index;
             begin += node->unitsBefore(index);
+            const bool isAboveLeaf = node->height() == 2;
             node = node->node(index);
+            if (isAboveLeaf)
+                node->prefetch();
         }
     }
     [[nodiscard]] bool isOwn() const noexcept {

@@ -101,6 +101,12 @@ class alignas(std::uint64_t) PieceNode {
                 static_cast<std::size_t>(units()[index] - unitsBefore(index))};
     }
 
+    /// Begins to fetch what a leaf has from memory, all at once.
+    void prefetch() const noexcept {
+        for (std::size_t byte = 0; byte < sizeof(PieceNode) + kMost * 32; byte += 64)
+            __builtin_prefetch(reinterpret_cast<const std::byte*>(this) + byte);
+    }
+
     // changes of a node that the caller may change; no reference is added or taken away
 
     /// Puts entries in the place of those from `first` to `last`, for which there must be room.

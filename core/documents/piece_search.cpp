@@ -64,16 +64,19 @@ FoundEnd find_end(const PieceNode* root, std::uint64_t line) noexcept {
     }
     const UnitStore& store = node->store(index);
     const PiecePlace place = node->place(index);
-    const auto size = static_cast<std::uint32_t>(node->unitsTo(index) - node->unitsBefore(index));
-    auto number = static_cast<std::uint32_t>(line) + (behindCr && node->beginsLf(index) ? 1 : 0);
+    const UnitSum sum = node->sumOf(index);
+    const std::uint32_t behind = place.begin + static_cast<std::uint32_t>(sum.units);
+    auto number = static_cast<std::uint32_t>(line) + (behindCr && sum.beginsLf ? 1 : 0);
     std::uint32_t at = place.begin;
-    const bool divided = node->beginsLf(index) && store.dividesEnd(at); // an end here, and none in the store
-    if (!divided || number > 0)
-        at = store.findEnd(place.begin, place.begin + size, place.rank + number - (divided ? 1 : 0));
+    // An LF that ends a line at the beginning of the piece, and in the store the CR in front of it does.
+    const std::uint32_t divided = sum.beginsLf && store.dividesEnd(at) ? 1 : 0;
+    if (number >= divided)
+        at = store.findEnd(at, behind, place.rank, place.rank + static_cast<std::uint32_t>(sum.ends) - divided,
+                           place.rank + number - divided);
     const std::uint64_t offset = begin + (at - place.begin);
     if (!store.hasCr() || !store.isCr(at))
         return {offset, 1};
-    const bool isLast = at + 1 == place.begin + size;
+    const bool isLast = at + 1 == behind;
     const wstring_view next = isLast ? run_at(root, offset + 1).text : wstring_view(store.units() + at + 1, 1);
     return {offset, !next.empty() && next.front() == u'\n' ? 2U : 1U};
 }

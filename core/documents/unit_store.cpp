@@ -11,7 +11,8 @@
 namespace core::detail {
 namespace {
 
-constexpr std::size_t kLine = 64; // bytes of memory that come together
+constexpr std::size_t kLine = 64;                           // bytes of memory that come together
+constexpr std::uint32_t kWords = UnitStore::kBlock / 64; // of the bits of a block
 
 /// The number of bits that are set. The general processor has no instruction for it, and a call costs more.
 [[nodiscard]] std::uint32_t ones(std::uint64_t word) noexcept {
@@ -51,7 +52,7 @@ template <class Test>
 UnitStore* UnitStore::create(std::uint32_t capacity, bool unicodeEnds) {
     // One block of memory: the store, the counts, the bits at the beginning of a line, the units.
     const std::size_t counts = capacity / kBlock + 1;
-    const std::size_t words = counts * (kBlock / 64); // all of a block, so that none is looked for in vain
+    const std::size_t words = counts * kWords; // all of a block, so that none is looked for in vain
     const std::size_t ahead = sizeof(UnitStore) + counts * sizeof(std::uint32_t);
     const std::size_t behind = words * sizeof(Word) + capacity * sizeof(wchar);
     auto* const memory = static_cast<std::byte*>(::operator new(ahead + kLine + behind));
@@ -111,47 +112,41 @@ std::uint32_t UnitStore::append(wstring_view text) noexcept {
 
 std::uint32_t UnitStore::endsBefore(std::uint32_t at) const noexcept {
     std::uint32_t ends = counts_[at / kBlock];
-    for (std::uint32_t word = at / kBlock * (kBlock / 64); word < at / 64; ++word)
+    for (std::uint32_t word = at / kBlock * kWords; word < at / 64; ++word)
         ends += ones(bits(word));
     return ends + ones(bits(at / 64) & ((std::uint64_t{1} << at % 64) - 1));
 }
 
-std::uint32_t UnitStore::findEnd(std::uint32_t begin, std::uint32_t end,
-                                 std::uint32_t number) const noexcept {
-    // The last block with no more ends in front of it; the counts up to `end` have been written. Ends stand
-    // evenly in most texts, so that a guess or two come close to it.
-    const std::uint32_t* const counts = counts_;
-    std::uint32_t low = begin / kBlock;
-    std::uint32_t high = end / kBlock + 1; // the first that is known to have more, or is not looked at
-    for (int guesses = 0; guesses < 3 && high - low > 8; ++guesses) {
-        const std::uint64_t ends = counts[high - 1] - counts[low];
-        const std::uint64_t share = ends == 0 ? 0 : std::uint64_t{number - counts[low]} * (high - low) / ends;
-        const std::uint32_t guess =
-            low + static_cast<std::uint32_t>(std::min<std::uint64_t>(share, high - low - 1));
-        const std::uint32_t near = guess > low + 2 ? guess - 2 : low;
-        const std::uint32_t far = guess + 3 < high ? guess + 3 : high;
-        if (counts[near] <= number)
-            low = near;
-        else
-            high = near;
-        if (low < far && far < high) {
-            if (counts[far] > number)
-                high = far;
-            else
-                low = far;
-        }
+std::uint32_t UnitStore::findEnd(std::uint32_t begin, std::uint32_t end, std::uint32_t first,
+                                 std::uint32_t last, std::uint32_t number) const noexcept {
+    // Ends stand evenly in most texts: the block is near the guess.
+    const std::uint64_t share = std::uint64_t{number - first} * (end - begin) / (last - first);
+    std::uint32_t low = (begin + static_cast<std::uint32_t>(share)) / kBlock;
+    __builtin_prefetch(bits_ + low * kWords);
+    const std::uint32_t least = begin / kBlock;
+    const std::uint32_t most = (end - 1) / kBlock;
+    std::uint32_t high = low + 1; // counts_[low] <= number < counts_[high], where there is a block `high`
+    for (std::uint32_t step = 1; low > least && counts_[low] > number; step *= 2) {
+        high = low;
+        low = low - least > step ? low - step : least;
     }
-    const std::uint32_t* const block = std::upper_bound(counts + low, counts + high, number) - 1;
-    std::uint32_t left = number - *block;
-    auto word = static_cast<std::uint32_t>(block - counts) * (kBlock / 64);
-    for (std::uint32_t ends = ones(bits(word)); ends <= left; ends = ones(bits(word))) {
-        left -= ends;
-        ++word;
+    for (std::uint32_t step = 1; high <= most && counts_[high] <= number; step *= 2) {
+        low = high;
+        high = most + 1 - high > step ? high + step : most + 1;
     }
-    std::uint64_t ends = bits(word);
-    for (; left > 0; --left)
+    const std::uint32_t* const block = std::upper_bound(counts_ + low + 1, counts_ + high, number) - 1;
+    const auto word = static_cast<std::uint32_t>(block - counts_) * kWords;
+    std::uint32_t before = *block;
+    std::uint32_t index = 0; // of the word, without a branch to guess
+    for (std::uint32_t i = 0, ends = before; i + 1 < kWords; ++i) {
+        ends += ones(bits(word + i));
+        index += ends <= number ? 1 : 0;
+        before = ends <= number ? ends : before;
+    }
+    std::uint64_t ends = bits(word + index);
+    for (std::uint32_t left = number - before; left > 0; --left)
         ends &= ends - 1;
-    return word * 64 + static_cast<std::uint32_t>(std::countr_zero(ends));
+    return (word + index) * 64 + static_cast<std::uint32_t>(std::countr_zero(ends));
 }
 
 } // namespace core::detail

@@ -20,7 +20,7 @@ namespace core::detail {
 class UnitStore {
   public:
     static constexpr std::uint32_t kBlock = 256;
-    static constexpr std::uint32_t kMost = std::uint32_t{1} << 16; ///< the capacity for long texts
+    static constexpr std::uint32_t kMost = std::uint32_t{1} << 20; ///< the capacity for long texts
 
     /// Makes an empty store with one holder. Throws std::bad_alloc.
     [[nodiscard]] static UnitStore* create(std::uint32_t capacity, bool unicodeEnds);
@@ -37,10 +37,10 @@ class UnitStore {
     [[nodiscard]] const wchar* units() const noexcept { return units_; }
     /// How many ends begin in front of an offset.
     [[nodiscard]] std::uint32_t endsBefore(std::uint32_t at) const noexcept;
-    /// The offset at which end `number` begins, from 0; it must begin at `begin` or behind it, in front of
-    /// `end`.
-    [[nodiscard]] std::uint32_t findEnd(std::uint32_t begin, std::uint32_t end,
-                                        std::uint32_t number) const noexcept;
+    /// The offset at which end `number` begins, from 0, which is one of the ends from `first` to `last` that
+    /// begin in a range.
+    [[nodiscard]] std::uint32_t findEnd(std::uint32_t begin, std::uint32_t end, std::uint32_t first,
+                                        std::uint32_t last, std::uint32_t number) const noexcept;
     /// Whether an end may have two units.
     [[nodiscard]] bool hasCr() const noexcept { return hasCr_.load(std::memory_order_relaxed); }
 
