@@ -18,7 +18,7 @@ constexpr std::uint64_t kNoSum = ~std::uint64_t{0};
 } // namespace
 
 NodeRef PieceNode::create(std::uint32_t height, std::uint32_t capacity) {
-    constexpr std::size_t kInner = 2 * sizeof(std::uint64_t) + sizeof(Target);
+    constexpr std::size_t kInner = sizeof(Sums) + sizeof(Target);
     const std::size_t bytes = capacity * (kInner + (height == 1 ? sizeof(PiecePlace) : 0));
     return NodeRef(new (::operator new(sizeof(PieceNode) + bytes)) PieceNode(height, capacity));
 }
@@ -52,7 +52,7 @@ NodeRef PieceNode::copy() const {
 PieceNode::PieceNode(std::uint32_t height, std::uint32_t capacity) noexcept
     : height_(static_cast<std::uint8_t>(height)), capacity_(static_cast<std::uint8_t>(capacity)) {
     for (std::uint32_t i = 0; i < capacity; ++i)
-        units()[i] = ends()[i] = kNoSum;
+        sums()[i] = {kNoSum, kNoSum};
 }
 
 void PieceNode::destroy() const noexcept {
@@ -71,57 +71,57 @@ void PieceNode::splice(std::uint32_t first, std::uint32_t last, std::span<const 
     const std::uint32_t tail = count_ - last;
     const auto next = first + static_cast<std::uint32_t>(entries.size()); // where the tail goes
     const bool hasTail = tail > 0;
-    const std::uint64_t oldUnits = unitsBefore(last);
-    const std::uint64_t oldEnds = endsBefore(last) - (hasTail && dividesEnd(last) ? 1 : 0);
+    const Sums old{unitsBefore(last), endsBefore(last) - (hasTail && dividesEnd(last) ? 1 : 0)};
     if (next != last) {
-        std::memmove(units() + next, units() + last, tail * sizeof(std::uint64_t));
-        std::memmove(ends() + next, ends() + last, tail * sizeof(std::uint64_t));
+        std::memmove(sums() + next, sums() + last, tail * sizeof(Sums));
         std::memmove(targets() + next, targets() + last, tail * sizeof(Target));
         if (isLeaf())
             std::memmove(places() + next, places() + last, tail * sizeof(PiecePlace));
         for (std::uint32_t i = next + tail; i < count_; ++i)
-            units()[i] = ends()[i] = kNoSum;
+            sums()[i] = {kNoSum, kNoSum};
         count_ = static_cast<std::uint16_t>(next + tail);
     }
     beginsLf_ = below(beginsLf_, first) | (hasTail ? beginsLf_ >> last << next : 0);
     endsCr_ = below(endsCr_, first) | (hasTail ? endsCr_ >> last << next : 0);
-    std::uint64_t units = unitsBefore(first);
-    std::uint64_t ends = endsBefore(first);
+    Sums all{unitsBefore(first), endsBefore(first)};
     for (std::uint32_t i = first; i < next; ++i) {
         const NodeEntry& entry = entries[i - first];
         beginsLf_ |= std::uint32_t{entry.sum.beginsLf} << i;
         endsCr_ |= std::uint32_t{entry.sum.endsCr} << i;
-        this->units()[i] = units += entry.sum.units;
-        this->ends()[i] = ends += entry.sum.ends - (dividesEnd(i) ? 1 : 0);
+        all.units += entry.sum.units;
+        all.ends += entry.sum.ends - (dividesEnd(i) ? 1 : 0);
+        sums()[i] = all;
         targets()[i] = entry.target;
         if (isLeaf())
             places()[i] = entry.place;
     }
     if (hasTail)
-        addFrom(next, units - oldUnits, ends - oldEnds - (dividesEnd(next) ? 1 : 0));
+        addFrom(next, {all.units - old.units, all.ends - old.ends - (dividesEnd(next) ? 1 : 0)});
 }
 
 void PieceNode::setSum(std::uint32_t index, const UnitSum& sum) noexcept {
     const UnitSum old = sumOf(index);
-    const bool hasNext = index + 1U < count_;
+    Sums more{sum.units - old.units, sum.ends - old.ends}; // wraps around
+    if (sum.beginsLf == old.beginsLf && sum.endsCr == old.endsCr) {
+        addFrom(index, more);
+        return;
+    }
     // What the entry adds, and then what the next one does, changes with what they begin and end with.
-    const std::uint64_t own = old.ends - (dividesEnd(index) ? 1 : 0);
+    const bool hasNext = index + 1U < count_;
+    const std::uint64_t own = dividesEnd(index) ? 1 : 0;
     const std::uint64_t next = hasNext && dividesEnd(index + 1) ? 1 : 0;
     const std::uint32_t bit = std::uint32_t{1} << index;
     beginsLf_ = sum.beginsLf ? beginsLf_ | bit : beginsLf_ & ~bit;
     endsCr_ = sum.endsCr ? endsCr_ | bit : endsCr_ & ~bit;
-    const std::uint64_t moreUnits = sum.units - old.units; // wraps around
-    std::uint64_t moreEnds = sum.ends - (dividesEnd(index) ? 1 : 0) - own;
-    units()[index] += moreUnits;
-    ends()[index] += moreEnds;
-    moreEnds += next - (hasNext && dividesEnd(index + 1) ? 1 : 0);
-    addFrom(index + 1, moreUnits, moreEnds);
+    more.ends += own - (dividesEnd(index) ? 1 : 0);
+    addFrom(index, more);
+    addFrom(index + 1, {0, next - (hasNext && dividesEnd(index + 1) ? 1 : 0)});
 }
 
-void PieceNode::addFrom(std::uint32_t index, std::uint64_t moreUnits, std::uint64_t moreEnds) noexcept {
+void PieceNode::addFrom(std::uint32_t index, Sums more) noexcept {
     for (std::uint32_t i = index; i < count_; ++i) {
-        units()[i] += moreUnits;
-        ends()[i] += moreEnds;
+        sums()[i].units += more.units;
+        sums()[i].ends += more.ends;
     }
 }
 

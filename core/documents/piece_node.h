@@ -31,8 +31,7 @@ struct NodeEntry {
 /// A node of a tree of pieces, which are all in leaves of one depth. A node knows the units and the line ends
 /// that its entries have up to each one: to look for a place touches a line or two of memory a node.
 ///
-/// What lies behind the object is as long as its capacity: the sums of units, those of ends, the targets, and
-/// in a leaf the places. A leaf of one piece takes no more room than that, because steps hold many of them.
+/// What lies behind the object is as long as its capacity: the sums, the targets, and in a leaf the places. A leaf of one piece takes no more room than that, because steps hold many of them.
 class alignas(std::uint64_t) PieceNode {
   public:
     static constexpr std::uint32_t kMost = 16;      ///< entries
@@ -60,31 +59,32 @@ class alignas(std::uint64_t) PieceNode {
     [[nodiscard]] bool isLeaf() const noexcept { return height_ == 1; }
     [[nodiscard]] std::uint32_t count() const noexcept { return count_; }
     [[nodiscard]] UnitSum sum() const noexcept {
-        return {units()[count_ - 1], ends()[count_ - 1], beginsLf(0), endsCr(count_ - 1)};
+        const Sums& all = sums()[count_ - 1];
+        return {all.units, all.ends, beginsLf(0), endsCr(count_ - 1)};
     }
 
     [[nodiscard]] std::uint64_t unitsBefore(std::uint32_t index) const noexcept {
-        return index > 0 ? units()[index - 1] : 0;
+        return index > 0 ? sums()[index - 1].units : 0;
     }
-    [[nodiscard]] std::uint64_t unitsTo(std::uint32_t index) const noexcept { return units()[index]; }
+    [[nodiscard]] std::uint64_t unitsTo(std::uint32_t index) const noexcept { return sums()[index].units; }
     /// The line ends in front of an entry, when the node stands alone.
     [[nodiscard]] std::uint64_t endsBefore(std::uint32_t index) const noexcept {
-        return index > 0 ? ends()[index - 1] : 0;
+        return index > 0 ? sums()[index - 1].ends : 0;
     }
     [[nodiscard]] bool beginsLf(std::uint32_t index) const noexcept { return (beginsLf_ >> index & 1) != 0; }
     [[nodiscard]] bool endsCr(std::uint32_t index) const noexcept { return (endsCr_ >> index & 1) != 0; }
     /// The entry that has the unit at an offset; count() behind the last one.
     [[nodiscard]] std::uint32_t indexOf(std::uint64_t offset) const noexcept {
-        return firstAbove(units(), offset);
+        return firstAbove<&Sums::units>(offset);
     }
     /// The entry in which end `number` begins, from 0, when the node stands alone.
     [[nodiscard]] std::uint32_t indexOfEnd(std::uint64_t number) const noexcept {
-        return firstAbove(ends(), number);
+        return firstAbove<&Sums::ends>(number);
     }
 
     [[nodiscard]] UnitSum sumOf(std::uint32_t index) const noexcept {
-        return {units()[index] - unitsBefore(index),
-                ends()[index] - endsBefore(index) + (dividesEnd(index) ? 1 : 0), beginsLf(index),
+        return {sums()[index].units - unitsBefore(index),
+                sums()[index].ends - endsBefore(index) + (dividesEnd(index) ? 1 : 0), beginsLf(index),
                 endsCr(index)};
     }
     [[nodiscard]] NodeEntry entry(std::uint32_t index) const noexcept;
@@ -98,7 +98,7 @@ class alignas(std::uint64_t) PieceNode {
     }
     [[nodiscard]] wstring_view text(std::uint32_t index) const noexcept {
         return {store(index).units() + places()[index].begin,
-                static_cast<std::size_t>(units()[index] - unitsBefore(index))};
+                static_cast<std::size_t>(unitsTo(index) - unitsBefore(index))};
     }
 
     /// Begins to fetch what a leaf has from memory, all at once.
@@ -123,18 +123,20 @@ class alignas(std::uint64_t) PieceNode {
   private:
     using Target = NodeEntry::Target;
 
+    /// What the entries up to one have, when the node stands alone.
+    struct Sums {
+        std::uint64_t units;
+        std::uint64_t ends;
+    };
+
     PieceNode(std::uint32_t height, std::uint32_t capacity) noexcept;
     void destroy() const noexcept;
 
-    [[nodiscard]] std::uint64_t* units() noexcept { return reinterpret_cast<std::uint64_t*>(this + 1); }
-    [[nodiscard]] const std::uint64_t* units() const noexcept {
-        return reinterpret_cast<const std::uint64_t*>(this + 1);
-    }
-    [[nodiscard]] std::uint64_t* ends() noexcept { return units() + capacity_; }
-    [[nodiscard]] const std::uint64_t* ends() const noexcept { return units() + capacity_; }
-    [[nodiscard]] Target* targets() noexcept { return reinterpret_cast<Target*>(ends() + capacity_); }
+    [[nodiscard]] Sums* sums() noexcept { return reinterpret_cast<Sums*>(this + 1); }
+    [[nodiscard]] const Sums* sums() const noexcept { return reinterpret_cast<const Sums*>(this + 1); }
+    [[nodiscard]] Target* targets() noexcept { return reinterpret_cast<Target*>(sums() + capacity_); }
     [[nodiscard]] const Target* targets() const noexcept {
-        return reinterpret_cast<const Target*>(ends() + capacity_);
+        return reinterpret_cast<const Target*>(sums() + capacity_);
     }
     [[nodiscard]] PiecePlace* places() noexcept { return reinterpret_cast<PiecePlace*>(targets() + capacity_); }
     [[nodiscard]] const PiecePlace* places() const noexcept {
@@ -144,17 +146,23 @@ class alignas(std::uint64_t) PieceNode {
     [[nodiscard]] bool dividesEnd(std::uint32_t index) const noexcept {
         return index > 0 && beginsLf(index) && endsCr(index - 1);
     }
-    /// Behind the last sum stand the greatest numbers, so that all are compared without a branch to guess.
-    [[nodiscard]] std::uint32_t firstAbove(const std::uint64_t* sums, std::uint64_t value) const noexcept {
+    /// The first entry up to which there is more than a value. Behind the last one stand the greatest numbers,
+    /// so that sums are compared without a branch to guess: first those that end a quarter, then a quarter.
+    template <std::uint64_t Sums::*kSum>
+    [[nodiscard]] std::uint32_t firstAbove(std::uint64_t value) const noexcept {
+        const Sums* const all = sums();
         if (capacity_ != kMost)
-            return sums[0] <= value ? 1 : 0;
-        std::uint32_t index = 0;
-        for (std::uint32_t i = 0; i < kMost; ++i)
-            index += sums[i] <= value ? 1 : 0;
+            return all[0].*kSum <= value ? 1 : 0;
+        constexpr std::uint32_t kQuarter = kMost / 4;
+        std::uint32_t begin = 0;
+        for (std::uint32_t i = 1; i < 4; ++i)
+            begin += all[i * kQuarter - 1].*kSum <= value ? kQuarter : 0;
+        std::uint32_t index = begin;
+        for (std::uint32_t i = 0; i < kQuarter; ++i)
+            index += all[begin + i].*kSum <= value ? 1 : 0;
         return index;
     }
-
-    void addFrom(std::uint32_t index, std::uint64_t moreUnits, std::uint64_t moreEnds) noexcept;
+    void addFrom(std::uint32_t index, Sums more) noexcept;
 
     mutable std::atomic<std::uint32_t> holders_{1};
     std::uint8_t height_;

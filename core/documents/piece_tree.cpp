@@ -169,6 +169,10 @@ struct Halves {
 }
 
 [[nodiscard]] NodeRef build(std::span<const Piece> pieces) {
+    if (pieces.size() == 1) {
+        const NodeEntry only(pieces.front());
+        return PieceNode::make(1, {&only, 1});
+    }
     std::vector<NodeRef> leaves;
     const std::size_t count = (pieces.size() + kFilled - 1) / kFilled;
     leaves.reserve(count);

@@ -80,7 +80,7 @@ bool TextManager::Impl::eraseCharacter(TextRange range) {
     return true;
 }
 
-void TextManager::Impl::make(EditStep step) {
+void TextManager::Impl::make(EditStep&& step) {
     if (step.edits.empty())
         return;
     history.reserve(step.edits.size());

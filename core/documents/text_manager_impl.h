@@ -20,7 +20,7 @@ struct TextManager::Impl {
     /// whether it did; make() can always.
     bool eraseCharacter(TextRange range);
     /// Makes a step of edits, which are in the order in which they are made.
-    void make(detail::EditStep step);
+    void make(detail::EditStep&& step);
     /// Makes a step of edits that do not overlap; they get into their order first.
     void makeTogether(detail::Edits edits);
     /// Puts another text in the place of everything.
