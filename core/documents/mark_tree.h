@@ -10,9 +10,9 @@
 
 namespace core::detail {
 
-/// Marks of one gravity, in the order of their offsets, in a tree whose nodes have many children. A node knows
-/// how far each of its children, or of its marks, is behind its own beginning: an insertion moves what is
-/// behind it in one leaf and in the nodes above, however many marks follow.
+/// Marks of one gravity, in the order of their offsets, in a tree whose nodes have many children. A node
+/// knows how far each of its children, or of its marks, is behind its own beginning: an insertion moves what
+/// is behind it in one leaf and in the nodes above, however many marks follow.
 ///
 /// add() takes all the memory that the marks may ever need, so that nothing else fails.
 class MarkTree {
@@ -42,8 +42,8 @@ class MarkTree {
         std::uint32_t mark = kNone;
         std::uint64_t offset = 0;
     };
-    /// The marks from `begin` on that stand in front of `end`; with `behind` those behind `begin` up to `end`.
-    /// Throws std::bad_alloc.
+    /// The marks from `begin` on that stand in front of `end`; with `behind` those behind `begin` up to
+    /// `end`. Throws std::bad_alloc.
     [[nodiscard]] std::vector<Place> find(std::uint64_t begin, std::uint64_t end, bool behind) const;
 
     /// Moves the marks from `offset` on by `count`; with `behind` only those behind it.
@@ -63,8 +63,8 @@ class MarkTree {
         std::uint32_t count = 0;
         std::uint32_t parent = kNone; ///< of an unused node the next one
         bool isLeaf = true;
-        /// Where each entry begins or stands, from the beginning of the node on; behind the last one stand the
-        /// greatest numbers.
+        /// Where each entry begins or stands, from the beginning of the node on; behind the last one stand
+        /// the greatest numbers.
         std::array<std::uint64_t, kMost> at;
         std::array<std::uint32_t, kMost> entries;
 

@@ -33,7 +33,8 @@ std::vector<SavedMark> Marks::save(std::uint64_t begin, std::uint64_t end) const
         // Those that stay with the left edge are at home there, those that go to the right edge at that one.
         const bool left = which == static_cast<std::uint32_t>(MarkGravity::left);
         for (const MarkTree::Place& one : tree.find(begin, end, left))
-            saved.push_back({{one.mark * 2 + which, tree.generation(one.mark)}, one.offset, tree.moves(one.mark)});
+            saved.push_back(
+                {{one.mark * 2 + which, tree.generation(one.mark)}, one.offset, tree.moves(one.mark)});
     }
     return saved;
 }

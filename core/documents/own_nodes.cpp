@@ -10,14 +10,15 @@ namespace {
 
 constexpr std::uint32_t kMost = PieceNode::kMost;
 constexpr std::uint32_t kLeast = PieceNode::kLeast;
-constexpr std::uint32_t kMostFresh = 3; // what an edit puts in the place of others: two rests and its own piece
+constexpr std::uint32_t kMostFresh =
+    3; // what an edit puts in the place of others: two rests and its own piece
 
 /// The way from the root to a leaf.
 struct Way {
     std::array<PieceNode*, PieceNode::kMostHeight> nodes;
     std::array<std::uint32_t, PieceNode::kMostHeight> indices; ///< of the entry that leads on
-    std::uint32_t leaf = 0;                                      ///< the number of nodes above the leaf
-    std::uint64_t begin = 0;                                     ///< of the leaf
+    std::uint32_t leaf = 0;                                    ///< the number of nodes above the leaf
+    std::uint64_t begin = 0;                                   ///< of the leaf
 
     /// To the leaf that has the unit at `offset`.
     Way(const NodeRef& root, std::uint64_t offset) noexcept {
@@ -136,7 +137,8 @@ class Change {
         Piece behind;
         if (begin < end) {
             remove(leaf, begin, end, before, behind);
-        } else if (const std::uint64_t front = leaf.unitsBefore(first_); front < begin && first_ < leaf.count()) {
+        } else if (const std::uint64_t front = leaf.unitsBefore(first_);
+                   front < begin && first_ < leaf.count()) {
             before = leaf.piece(last_++);
             behind = before.cut(before.begin() + static_cast<std::uint32_t>(begin - front));
         }
@@ -161,7 +163,8 @@ class Change {
     [[nodiscard]] std::uint32_t count(const PieceNode& leaf) const noexcept {
         return leaf.count() - (last_ - first_) + freshCount_;
     }
-    /// Takes the references of the pieces that come and lets those go that they replace; valid as long as this.
+    /// Takes the references of the pieces that come and lets those go that they replace; valid as long as
+    /// this.
     [[nodiscard]] EntryChange make(const PieceNode& leaf) noexcept {
         for (std::uint32_t i = 0; i < freshCount_; ++i) {
             entries_[i] = NodeEntry(fresh_[i]);
@@ -181,7 +184,8 @@ class Change {
         Piece tail = isOne ? Piece() : leaf.piece(last_ - 1);
         Piece& ending = isOne ? head : tail;
         if (end < leaf.unitsTo(last_ - 1))
-            behind = ending.cut(ending.begin() + static_cast<std::uint32_t>(end - leaf.unitsBefore(last_ - 1)));
+            behind =
+                ending.cut(ending.begin() + static_cast<std::uint32_t>(end - leaf.unitsBefore(last_ - 1)));
         if (const std::uint64_t front = leaf.unitsBefore(first_); front < begin) {
             Piece rest = head.cut(head.begin() + static_cast<std::uint32_t>(begin - front));
             before = std::exchange(head, std::move(rest));
@@ -358,7 +362,8 @@ LeafEdit replace_in_leaf(NodeRef& root, std::uint64_t offset, std::uint64_t coun
     const PieceNode& leaf = *way.nodes[way.leaf];
     const std::uint64_t begin = offset - way.begin;
     if (begin + count > leaf.sum().units)
-        return gather(root, way, begin, begin + count) ? replace_in_leaf(root, offset, count, piece) : LeafEdit{};
+        return gather(root, way, begin, begin + count) ? replace_in_leaf(root, offset, count, piece)
+                                                       : LeafEdit{};
     Change change(leaf, begin, begin + count, piece);
     Rebuilding(root, way, change.count(leaf)).make(change);
     return {true, change.takeRemoved()};

@@ -60,7 +60,8 @@ struct Piece {
         end = next.end;
         endsCr = next.endsCr;
     }
-    /// Keeps the units in front of `middle`, an offset in the store that is in the piece, and returns the others.
+    /// Keeps the units in front of `middle`, an offset in the store that is in the piece, and returns the
+    /// others.
     [[nodiscard]] Piece cut(std::uint32_t middle) noexcept {
         const UnitSum all = sum();
         Piece rest = *this;

@@ -31,11 +31,12 @@ struct NodeEntry {
 /// A node of a tree of pieces, which are all in leaves of one depth. A node knows the units and the line ends
 /// that its entries have up to each one: to look for a place touches a line or two of memory a node.
 ///
-/// What lies behind the object is as long as its capacity: the sums, the targets, and in a leaf the places. A leaf of one piece takes no more room than that, because steps hold many of them.
+/// What lies behind the object is as long as its capacity: the sums, the targets, and in a leaf the places. A
+/// leaf of one piece takes no more room than that, because steps hold many of them.
 class alignas(std::uint64_t) PieceNode {
   public:
-    static constexpr std::uint32_t kMost = 16;      ///< entries
-    static constexpr std::uint32_t kLeast = 5;      ///< of a node that is not the root
+    static constexpr std::uint32_t kMost = 16;       ///< entries
+    static constexpr std::uint32_t kLeast = 5;       ///< of a node that is not the root
     static constexpr std::uint32_t kMostHeight = 16; ///< 5 to this power is more than there is memory
 
     /// Makes an empty node with one holder. Throws std::bad_alloc.
@@ -138,7 +139,9 @@ class alignas(std::uint64_t) PieceNode {
     [[nodiscard]] const Target* targets() const noexcept {
         return reinterpret_cast<const Target*>(sums() + capacity_);
     }
-    [[nodiscard]] PiecePlace* places() noexcept { return reinterpret_cast<PiecePlace*>(targets() + capacity_); }
+    [[nodiscard]] PiecePlace* places() noexcept {
+        return reinterpret_cast<PiecePlace*>(targets() + capacity_);
+    }
     [[nodiscard]] const PiecePlace* places() const noexcept {
         return reinterpret_cast<const PiecePlace*>(targets() + capacity_);
     }
@@ -146,8 +149,9 @@ class alignas(std::uint64_t) PieceNode {
     [[nodiscard]] bool dividesEnd(std::uint32_t index) const noexcept {
         return index > 0 && beginsLf(index) && endsCr(index - 1);
     }
-    /// The first entry up to which there is more than a value. Behind the last one stand the greatest numbers,
-    /// so that sums are compared without a branch to guess: first those that end a quarter, then a quarter.
+    /// The first entry up to which there is more than a value. Behind the last one stand the greatest
+    /// numbers, so that sums are compared without a branch to guess: first those that end a quarter, then a
+    /// quarter.
     template <std::uint64_t Sums::*kSum>
     [[nodiscard]] std::uint32_t firstAbove(std::uint64_t value) const noexcept {
         const Sums* const all = sums();

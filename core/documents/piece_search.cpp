@@ -71,13 +71,15 @@ FoundEnd find_end(const PieceNode* root, std::uint64_t line) noexcept {
     // An LF that ends a line at the beginning of the piece, and in the store the CR in front of it does.
     const std::uint32_t divided = sum.beginsLf && store.dividesEnd(at) ? 1 : 0;
     if (number >= divided)
-        at = store.findEnd(at, behind, place.rank, place.rank + static_cast<std::uint32_t>(sum.ends) - divided,
-                           place.rank + number - divided);
+        at =
+            store.findEnd(at, behind, place.rank, place.rank + static_cast<std::uint32_t>(sum.ends) - divided,
+                          place.rank + number - divided);
     const std::uint64_t offset = begin + (at - place.begin);
     if (!store.hasCr() || !store.isCr(at))
         return {offset, 1};
     const bool isLast = at + 1 == behind;
-    const wstring_view next = isLast ? run_at(root, offset + 1).text : wstring_view(store.units() + at + 1, 1);
+    const wstring_view next =
+        isLast ? run_at(root, offset + 1).text : wstring_view(store.units() + at + 1, 1);
     return {offset, !next.empty() && next.front() == u'\n' ? 2U : 1U};
 }
 

@@ -21,8 +21,8 @@ struct UnitRun {
 
 /// The run that has the unit at `offset`; empty at the end of the text.
 [[nodiscard]] UnitRun run_at(const PieceNode* root, std::uint64_t offset) noexcept;
-/// How many lines end in front of the unit at `offset`, which the text must have. An LF behind a CR belongs to
-/// the line that they end.
+/// How many lines end in front of the unit at `offset`, which the text must have. An LF behind a CR belongs
+/// to the line that they end.
 [[nodiscard]] std::uint64_t line_of(const PieceNode* root, std::uint64_t offset) noexcept;
 
 /// The end of a line.

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-// Trees are cut and joined. Joining two walks down the side of the higher one as far as they differ in height,
-// so that cutting and joining cost the logarithm of the number of pieces. All of it makes new nodes; an edit
-// within a leaf, which most are, is made in place by own_nodes.cpp.
+// Trees are cut and joined. Joining two walks down the side of the higher one as far as they differ in
+// height, so that cutting and joining cost the logarithm of the number of pieces. All of it makes new nodes;
+// an edit within a leaf, which most are, is made in place by own_nodes.cpp.
 namespace core::detail {
 namespace {
 
@@ -42,7 +42,8 @@ struct Pair {
     if (row.count <= kMost)
         return {PieceNode::make(height, row.span(0, row.count)), NodeRef()};
     const std::uint32_t middle = row.count / 2;
-    return {PieceNode::make(height, row.span(0, middle)), PieceNode::make(height, row.span(middle, row.count))};
+    return {PieceNode::make(height, row.span(0, middle)),
+            PieceNode::make(height, row.span(middle, row.count))};
 }
 
 void add(Row& row, const Pair& pair) noexcept {

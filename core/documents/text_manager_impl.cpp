@@ -13,8 +13,8 @@
 namespace core {
 
 using detail::Edit;
-using detail::Edits;
 using detail::EditKind;
+using detail::Edits;
 using detail::EditStep;
 using detail::PieceTree;
 
@@ -164,8 +164,7 @@ void TextManager::Impl::reserveChanges(std::size_t count) {
         changes.reserve(std::max(changes.size() + count, changes.capacity() * 2));
 }
 
-void TextManager::Impl::note(const EditStep& step, bool backwards,
-                             const Edits& inverse) noexcept {
+void TextManager::Impl::note(const EditStep& step, bool backwards, const Edits& inverse) noexcept {
     if (owner.changed.connectionCount() == 0)
         return;
     for (std::size_t i = 0; i < inverse.size(); ++i) {

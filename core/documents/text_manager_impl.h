@@ -37,8 +37,7 @@ struct TextManager::Impl {
     /// Makes room for changes that are to be told. Throws std::bad_alloc.
     void reserveChanges(std::size_t count);
     /// Notes the changes of a step that has been made; `inverse` takes it back.
-    void note(const detail::EditStep& step, bool backwards,
-              const detail::Edits& inverse) noexcept;
+    void note(const detail::EditStep& step, bool backwards, const detail::Edits& inverse) noexcept;
     /// Tells the changes that wait, unless that is being done already.
     void tell();
 

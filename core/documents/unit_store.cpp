@@ -11,7 +11,7 @@
 namespace core::detail {
 namespace {
 
-constexpr std::size_t kLine = 64;                           // bytes of memory that come together
+constexpr std::size_t kLine = 64;                        // bytes of memory that come together
 constexpr std::uint32_t kWords = UnitStore::kBlock / 64; // of the bits of a block
 
 /// The number of bits that are set. The general processor has no instruction for it, and a call costs more.
@@ -25,7 +25,9 @@ constexpr std::uint32_t kWords = UnitStore::kBlock / 64; // of the bits of a blo
 struct IsCr {
     static bool one(wchar unit) noexcept { return unit == u'\r'; }
 #ifdef __SSE2__
-    static __m128i eight(__m128i units) noexcept { return _mm_cmpeq_epi16(units, _mm_set1_epi16(u'\r')); }
+    static __m128i eight(__m128i units) noexcept {
+        return _mm_cmpeq_epi16(units, _mm_set1_epi16(u'\r'));
+    }
 #endif
 };
 
@@ -37,8 +39,8 @@ template <class Test>
 #ifdef __SSE2__
     for (; at + 16 <= count; at += 16) {
         const auto* const sixteen = reinterpret_cast<const __m128i*>(units + at);
-        const __m128i pass = _mm_packs_epi16(Test::eight(_mm_loadu_si128(sixteen)),
-                                             Test::eight(_mm_loadu_si128(sixteen + 1)));
+        const __m128i pass =
+            _mm_packs_epi16(Test::eight(_mm_loadu_si128(sixteen)), Test::eight(_mm_loadu_si128(sixteen + 1)));
         found |= std::uint64_t{static_cast<std::uint32_t>(_mm_movemask_epi8(pass))} << at;
     }
 #endif
@@ -62,8 +64,7 @@ UnitStore* UnitStore::create(std::uint32_t capacity, bool unicodeEnds) {
     std::size_t space = kLine + behind;
     auto* const bits = static_cast<Word*>(std::align(kLine, behind, aligned, space));
     std::uninitialized_value_construct_n(bits, words);
-    return new (memory)
-        UnitStore(capacity, unicodeEnds, first, bits, reinterpret_cast<wchar*>(bits + words));
+    return new (memory) UnitStore(capacity, unicodeEnds, first, bits, reinterpret_cast<wchar*>(bits + words));
 }
 
 void UnitStore::release() const noexcept {
@@ -77,7 +78,8 @@ void UnitStore::release() const noexcept {
 /// The ends that begin among at most 64 units, which have been written. Notes whether there is a CR.
 std::uint64_t UnitStore::look(std::uint32_t begin, std::uint32_t count) noexcept {
     const wchar* const units = units_ + begin;
-    std::uint64_t ends = unicodeEnds_ ? passing<EndsUnicodeLine>(units, count) : passing<EndsLine>(units, count);
+    std::uint64_t ends =
+        unicodeEnds_ ? passing<EndsUnicodeLine>(units, count) : passing<EndsLine>(units, count);
     if (ends == 0)
         return 0;
     const std::uint64_t crs = passing<IsCr>(units, count);

@@ -68,8 +68,7 @@ void check_node(const detail::PieceNode& node, bool unicodeEnds, bool isRoot) {
     EXPECT_LE(node.count(), detail::PieceNode::kMost);
     for (std::uint32_t i = 0; i < node.count(); ++i) {
         const detail::UnitSum sum = node.sumOf(i);
-        const detail::UnitSum own =
-            node.isLeaf() ? sum_of(node.text(i), unicodeEnds) : node.node(i)->sum();
+        const detail::UnitSum own = node.isLeaf() ? sum_of(node.text(i), unicodeEnds) : node.node(i)->sum();
         EXPECT_GT(sum.units, 0u);
         EXPECT_TRUE(sum.units == own.units && sum.ends == own.ends && sum.beginsLf == own.beginsLf &&
                     sum.endsCr == own.endsCr);
