@@ -148,7 +148,8 @@ void MarkTree::collapse() noexcept {
         std::fill_n(node.at.begin(), node.count, 0);
 }
 
-/// Takes the memory for so many marks, however they may come to stand: only the root may have fewer than kLeast.
+/// Takes the memory for so many marks, however they may come to stand: only the root may have fewer than
+/// kLeast.
 void MarkTree::reserve(std::size_t marks) {
     const std::size_t most = marks / kLeast + marks / (kLeast * (kLeast - 1)) + 4;
     if (nodes_.capacity() < most)

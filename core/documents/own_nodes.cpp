@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/documents/own_nodes.h"
 
+#include "core/documents/entry_row.h"
+
 #include <array>
-#include <memory>
 #include <utility>
 
 namespace core::detail {
 namespace {
 
-constexpr std::uint32_t kMost = PieceNode::kMost;
-constexpr std::uint32_t kLeast = PieceNode::kLeast;
 constexpr std::uint32_t kMostFresh =
     3; // what an edit puts in the place of others: two rests and its own piece
 
@@ -71,30 +70,6 @@ void own(NodeRef& root, Way& way) {
 [[nodiscard]] std::uint32_t left_of_two(const PieceNode& parent, std::uint32_t index) noexcept {
     return index + 1 < parent.count() ? index : index - 1;
 }
-
-/// Entries of a node, of two, or of one that has become too long.
-class Row {
-  public:
-    Row() noexcept {} // NOLINT(*-member-init): entries are set as they are added
-    void add(const NodeEntry& entry) noexcept { std::construct_at(&entries_[count_++], entry); }
-    void add(const PieceNode& node, std::uint32_t begin, std::uint32_t end) noexcept {
-        for (std::uint32_t i = begin; i < end; ++i)
-            add(node.entry(i));
-    }
-    [[nodiscard]] std::uint32_t count() const noexcept { return count_; }
-    [[nodiscard]] std::span<const NodeEntry> all() const noexcept { return {entries_, count_}; }
-    /// Divides the entries between two nodes, of which the first gets so many.
-    void divide(PieceNode& left, PieceNode& right, std::uint32_t middle) const noexcept {
-        left.fill(all().first(middle));
-        right.fill(all().subspan(middle));
-    }
-
-  private:
-    union {
-        NodeEntry entries_[2 * kMost];
-    };
-    std::uint32_t count_ = 0;
-};
 
 /// Where in its store a piece begins or ends.
 struct Edge {
@@ -190,7 +165,7 @@ class Change {
             Piece rest = head.cut(head.begin() + static_cast<std::uint32_t>(begin - front));
             before = std::exchange(head, std::move(rest));
         }
-        Row row;
+        EntryRow row;
         row.add(NodeEntry(head));
         if (!isOne) {
             row.add(leaf, first_ + 1, last_ - 1);
@@ -220,15 +195,15 @@ class Rebuilding {
     Rebuilding(NodeRef& root, Way& way, std::uint32_t leafCount) : root_(root), way_(way) {
         own(root, way);
         std::uint32_t level = way.leaf;
-        if (leafCount > kMost) {
+        if (leafCount > PieceNode::kMost) {
             spares_.emplace();
             spares_->nodes[level] = PieceNode::create(1);
-            for (; level > 0 && way.nodes[level - 1]->count() == kMost; --level)
+            for (; level > 0 && way.nodes[level - 1]->count() == PieceNode::kMost; --level)
                 spares_->nodes[level - 1] = PieceNode::create(way.nodes[level - 1]->height());
             if (level == 0)
                 spares_->root = PieceNode::create(root->height() + 1);
         }
-        for (std::uint32_t count = leafCount; level > 0 && count < kLeast; --level) {
+        for (std::uint32_t count = leafCount; level > 0 && count < PieceNode::kLeast; --level) {
             PieceNode& parent = *way.nodes[level - 1];
             const std::uint32_t index = way.indices[level - 1];
             const std::uint32_t left = left_of_two(parent, index);
@@ -245,7 +220,7 @@ class Rebuilding {
             const std::uint32_t index = way_.indices[level - 1];
             if (isDivided)
                 isDivided = put(level - 1, {index, index + 1, halves(node, level)});
-            else if (node.count() < kLeast)
+            else if (node.count() < PieceNode::kLeast)
                 merge(parent, left_of_two(parent, index));
             else
                 parent.setSum(index, node.sum());
@@ -257,11 +232,11 @@ class Rebuilding {
     /// Changes a node, whose spare gets the second half of too many entries; returns whether it did.
     [[nodiscard]] bool put(std::uint32_t level, const EntryChange& change) noexcept {
         PieceNode& node = *way_.nodes[level];
-        if (node.count() - (change.last - change.first) + change.entries.size() <= kMost) {
+        if (node.count() - (change.last - change.first) + change.entries.size() <= PieceNode::kMost) {
             node.splice(change.first, change.last, change.entries);
             return false;
         }
-        Row row;
+        EntryRow row;
         row.add(node, 0, change.first);
         for (const NodeEntry& entry : change.entries)
             row.add(entry);
@@ -278,10 +253,10 @@ class Rebuilding {
     static void merge(PieceNode& parent, std::uint32_t left) noexcept {
         PieceNode& first = *parent.node(left);
         PieceNode& second = *parent.node(left + 1);
-        Row row;
-        row.add(first, 0, first.count());
-        row.add(second, 0, second.count());
-        if (row.count() > kMost) {
+        EntryRow row;
+        row.add(first);
+        row.add(second);
+        if (row.count() > PieceNode::kMost) {
             row.divide(first, second, row.count() / 2);
             parent.setSum(left, first.sum());
             parent.setSum(left + 1, second.sum());
@@ -336,7 +311,8 @@ class Rebuilding {
     const std::uint32_t first = way.nodes[way.leaf]->indexOf(begin);
     const std::uint32_t last = leftCount + parent.node(index + 1)->indexOf(end - size - 1) + 1;
     const auto fits = [count](std::uint32_t middle) {
-        return middle >= kLeast && middle <= kMost && count - middle >= kLeast && count - middle <= kMost;
+        return middle >= PieceNode::kLeast && middle <= PieceNode::kMost &&
+               count - middle >= PieceNode::kLeast && count - middle <= PieceNode::kMost;
     };
     if (!fits(first) && !fits(last))
         return false;
@@ -345,9 +321,9 @@ class Rebuilding {
     own(above, index + 1);
     PieceNode& left = *above.node(index);
     PieceNode& right = *above.node(index + 1);
-    Row row;
-    row.add(left, 0, left.count());
-    row.add(right, 0, right.count());
+    EntryRow row;
+    row.add(left);
+    row.add(right);
     row.divide(left, right, fits(first) ? first : last);
     above.setSum(index, left.sum());
     above.setSum(index + 1, right.sum());

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/documents/piece_tree.h"
 
+#include "core/documents/entry_row.h"
 #include "core/documents/own_nodes.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 #include <vector>
 
@@ -14,23 +14,8 @@
 namespace core::detail {
 namespace {
 
-constexpr std::uint32_t kMost = PieceNode::kMost;
-constexpr std::uint32_t kFilled = kMost * 3 / 4; // entries of new nodes, so that some more find room
-
-/// Entries of one node or two.
-struct Row {
-    std::array<NodeEntry, 2 * kMost> entries;
-    std::uint32_t count = 0;
-
-    void add(const NodeEntry& entry) noexcept { entries[count++] = entry; }
-    void add(const PieceNode& node, std::uint32_t begin, std::uint32_t end) noexcept {
-        for (std::uint32_t i = begin; i < end; ++i)
-            add(node.entry(i));
-    }
-    [[nodiscard]] std::span<const NodeEntry> span(std::uint32_t begin, std::uint32_t end) const noexcept {
-        return std::span(entries).subspan(begin, end - begin);
-    }
-};
+constexpr std::uint32_t kFilled =
+    PieceNode::kMost * 3 / 4; // entries of new nodes, so that some more find room
 
 /// Nodes of one height beside each other; the second may be null.
 struct Pair {
@@ -38,15 +23,15 @@ struct Pair {
     NodeRef second;
 };
 
-[[nodiscard]] Pair make_pair(std::uint32_t height, const Row& row) {
-    if (row.count <= kMost)
-        return {PieceNode::make(height, row.span(0, row.count)), NodeRef()};
-    const std::uint32_t middle = row.count / 2;
-    return {PieceNode::make(height, row.span(0, middle)),
-            PieceNode::make(height, row.span(middle, row.count))};
+[[nodiscard]] Pair make_pair(std::uint32_t height, const EntryRow& row) {
+    if (row.count() <= PieceNode::kMost)
+        return {PieceNode::make(height, row.all()), NodeRef()};
+    const std::uint32_t middle = row.count() / 2;
+    return {PieceNode::make(height, row.all().first(middle)),
+            PieceNode::make(height, row.all().subspan(middle))};
 }
 
-void add(Row& row, const Pair& pair) noexcept {
+void add(EntryRow& row, const Pair& pair) noexcept {
     row.add(NodeEntry(*pair.first.get()));
     if (pair.second)
         row.add(NodeEntry(*pair.second.get()));
@@ -54,10 +39,10 @@ void add(Row& row, const Pair& pair) noexcept {
 
 /// Joins two nodes in one or two of the greater height.
 [[nodiscard]] Pair join(const PieceNode& left, const PieceNode& right) {
-    Row row;
+    EntryRow row;
     if (left.height() == right.height()) {
-        row.add(left, 0, left.count());
-        row.add(right, 0, right.count());
+        row.add(left);
+        row.add(right);
         return make_pair(left.height(), row);
     }
     if (left.height() > right.height()) {
@@ -79,9 +64,9 @@ void add(Row& row, const Pair& pair) noexcept {
     Pair pair = join(*left.get(), *right.get());
     if (!pair.second)
         return std::move(pair.first);
-    Row row;
+    EntryRow row;
     add(row, pair);
-    return PieceNode::make(pair.first->height() + 1, row.span(0, row.count));
+    return PieceNode::make(pair.first->height() + 1, row.all());
 }
 
 /// The tree of some entries of a node.
@@ -90,9 +75,9 @@ void add(Row& row, const Pair& pair) noexcept {
         return {};
     if (!node.isLeaf() && end - begin == 1)
         return NodeRef::share(node.node(begin));
-    Row row;
+    EntryRow row;
     row.add(node, begin, end);
-    return PieceNode::make(node.height(), row.span(0, row.count));
+    return PieceNode::make(node.height(), row.all());
 }
 
 struct Halves {
@@ -113,13 +98,13 @@ struct Halves {
     }
     Piece before = node.piece(index);
     const Piece behind = before.cut(before.begin() + static_cast<std::uint32_t>(inside));
-    Row left;
+    EntryRow left;
     left.add(node, 0, index);
     left.add(NodeEntry(before));
-    Row right;
+    EntryRow right;
     right.add(NodeEntry(behind));
     right.add(node, index + 1, count);
-    return {PieceNode::make(1, left.span(0, left.count)), PieceNode::make(1, right.span(0, right.count))};
+    return {PieceNode::make(1, left.all()), PieceNode::make(1, right.all())};
 }
 
 [[nodiscard]] Halves cut(const NodeRef& root, std::uint64_t offset) {
@@ -159,10 +144,10 @@ struct Halves {
         const std::size_t parents = (nodes.size() + kFilled - 1) / kFilled;
         above.reserve(parents);
         for (std::size_t i = 0, at = 0; i < parents; ++i) {
-            Row row;
+            EntryRow row;
             for (const std::size_t end = nodes.size() * (i + 1) / parents; at < end; ++at)
                 row.add(NodeEntry(*nodes[at].get()));
-            above.push_back(PieceNode::make(nodes.front()->height() + 1, row.span(0, row.count)));
+            above.push_back(PieceNode::make(nodes.front()->height() + 1, row.all()));
         }
         nodes = std::move(above);
     }
@@ -178,10 +163,10 @@ struct Halves {
     const std::size_t count = (pieces.size() + kFilled - 1) / kFilled;
     leaves.reserve(count);
     for (std::size_t i = 0, at = 0; i < count; ++i) {
-        Row row;
+        EntryRow row;
         for (const std::size_t end = pieces.size() * (i + 1) / count; at < end; ++at)
             row.add(NodeEntry(pieces[at]));
-        leaves.push_back(PieceNode::make(1, row.span(0, row.count)));
+        leaves.push_back(PieceNode::make(1, row.all()));
     }
     return build(std::move(leaves));
 }
