@@ -27,6 +27,7 @@
 #include <core/strings/letter_case.h>
 #include <core/strings/like.h>
 #include <core/strings/trim.h>
+#include <core/values/date_reading.h>
 #include <core/values/errors.h>
 
 #include <algorithm>
@@ -187,10 +188,10 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
     GenericValue string(Args a) { return GenericValue(a[0].presentation()); }
     GenericValue number(Args a) { return GenericValue(number_reading(a, 0)); }
     GenericValue date(Args a) {
-        Date date;
-        if (!a[0].getDate(date))
+        const auto date = date_reading(a[0]);
+        if (!date)
             refuse_reading(a, 0, "IDS_SCRIPT_NO_DATE");
-        return GenericValue(date);
+        return GenericValue(*date);
     }
     GenericValue round(Args a) {
         const Numeric digits = given(a[1]) ? number_reading(a, 1) : Numeric();

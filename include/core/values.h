@@ -9,6 +9,7 @@
 #include <core/persistence/errors.h>
 #include <core/strings.h>
 #include <core/values/create_value.h>
+#include <core/values/date_reading.h>
 #include <core/values/errors.h>
 #include <core/values/format_value.h>
 #include <core/values/formatter.h>

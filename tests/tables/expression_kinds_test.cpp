@@ -298,6 +298,9 @@ TEST_F(ExpressionKinds, AreReadFromTextsAndTruthsAndStayWithinTheCalendar) {
     const auto texts = row_of(u"2024-02-29T10:00:00", u"no date", false);
     EXPECT_EQ(computed(*texts, u"Date(A)"), ticks(Date(2024, 2, 29, 10, 0, 0)));
     EXPECT_EQ(computed(*texts, u"Date(B)"), Answer(Refused{messages::kExpressionArgument}));
+    const auto digits = row_of(u"20240229", u"20240230", false);
+    EXPECT_EQ(computed(*digits, u"Date(A)"), ticks(Date(2024, 2, 29)));
+    EXPECT_EQ(computed(*digits, u"Date(B)"), Answer(Refused{messages::kExpressionArgument}));
 }
 
 TEST_F(ExpressionKinds, RefuseWrongNumbersOfArguments) {

@@ -256,6 +256,9 @@ TEST_F(Values, ReadingsGoThroughTheFormatsOfTheProcess) {
 
 TEST_F(Values, EqualityNeverCrossesTypesAndHashesFollowIt) {
     EXPECT_FALSE(Value(0).equals(Value(false)));
+    EXPECT_TRUE(Value(0).equals(0)) << "and not with a null pointer";
+    EXPECT_FALSE(Value(0).equals(nullptr) || Value().equals(nullptr));
+    EXPECT_TRUE(Value(u"a").equals(u"a"));
     EXPECT_FALSE(Value(1).equals(Value(u"1")));
     EXPECT_TRUE(Value(Numeric::fromString(u"1.0")).equals(Value(1)));
     EXPECT_FALSE(Value(u"a").equals(Value(u"A")));

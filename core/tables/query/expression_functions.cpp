@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/expression_functions.h"
 
-#include "core/locales/date_layout.h"
 #include "core/tables/query/expression_errors.h"
 
 #include <core/strings/compare.h>
 #include <core/strings/integer_text.h>
 #include <core/strings/letter_case.h>
 #include <core/strings/trim.h>
+#include <core/values/date_reading.h>
 
 #include <algorithm>
 #include <iterator>
@@ -65,13 +65,10 @@ Value add_month(const Arguments& a) {
 /// Date(Text) or Date(Year, Month, Day, …).
 Value date(const Arguments& a) {
     if (a.size() == 1) {
-        if (a[0].asDate() != nullptr)
-            return a[0];
-        wstring_view text = trim_all(a.text(0));
-        Date date;
-        if (!(take_iso(text, date, DatePattern::dateTime) && text.empty()) && !a[0].getDate(date))
+        const auto date = date_reading(a[0]);
+        if (!date)
             a.refuse(0);
-        return Value(date);
+        return Value(*date);
     }
     int parts[6] = {1, 1, 1, 0, 0, 0};
     for (std::size_t i = 0; i < a.size(); ++i)

@@ -36,16 +36,6 @@ class CORE_API GenericValue : public Value {
     requires std::constructible_from<Value, const T&>
     void assign(const T& value) { *this = GenericValue(Value(value)); }
 
-    // compare
-
-    using Value::equals;
-    /// Returns whether the value equals the one that assign() would hold.
-    template <class T>
-    requires(std::constructible_from<Value, const T&> && !std::derived_from<T, Value> &&
-             !std::convertible_to<const T&, const IValue*>) [[nodiscard]] bool equals(const T& value) const {
-        return Value::equals(Value(value));
-    }
-
     // write and read
 
     /// Writes the value as serialize_value() does.

@@ -213,6 +213,12 @@ class CORE_API Value {
     [[nodiscard]] bool equals(const Value& other) const noexcept;
     /// Returns whether the value equals an object; null equals nothing.
     [[nodiscard]] bool equals(const IValue* other) const noexcept;
+    /// Returns whether the value equals Value(other); 0 is a number here. Throws what the constructor throws.
+    template <class T>
+    requires(!std::derived_from<T, Value> && !std::convertible_to<const T&, const IValue*>)
+        [[nodiscard]] bool equals(const T& other) const {
+        return equals(Value(other));
+    }
     /// Returns whether the values are equal.
     friend bool operator==(const Value& a, const Value& b) noexcept { return a.equals(b); }
 
@@ -277,9 +283,7 @@ class CORE_API Value {
 /// The hash of tables keyed by values.
 struct GenericValueHash {
     /// Returns the value's own hash.
-    std::size_t operator()(const Value& value) const noexcept {
-        return static_cast<std::size_t>(static_cast<std::uint32_t>(value.hashCode()));
-    }
+    std::size_t operator()(const Value& v) const noexcept { return static_cast<std::uint32_t>(v.hashCode()); }
 };
 /// The equality of tables keyed by values.
 struct GenericValueCompare {
@@ -287,10 +291,10 @@ struct GenericValueCompare {
     bool operator()(const Value& a, const Value& b) const noexcept { return a.equals(b); }
 };
 
-/// Compares two values and returns a negative number, 0 or a positive number. Kinds come first (Undefined,
-/// Null, Boolean, Number, String, Date, Type, objects), then within a kind: false before true, numbers and
-/// dates by size, strings by the collation of the process's locale with ties by code units, types and objects
-/// by presentation.
+/// Compares two values: a negative number, 0 or a positive number. Kinds come first (Undefined, Null,
+/// Boolean, Number, String, Date, Type, objects), then within a kind: false before true, numbers and dates by
+/// size, strings by the collation of the process's locale with ties by code units, types and objects by
+/// presentation.
 [[nodiscard]] CORE_API int compare_values(const Value& a, const Value& b);
 
 } // namespace core
