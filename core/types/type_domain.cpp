@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <core/locales/date_format.h>
 #include <core/locales/settings.h>
 #include <core/types/type_domain.h>
 
@@ -50,6 +51,13 @@ bool TypeDomain::fits(const Value& value) const noexcept {
 
 wstring TypeDomain::presentation(const Value& value) const {
     constexpr std::size_t kMost = 1000;
+    if (value.kind() == ValueKind::date && containsType(ValueKind::date)) {
+        const DateFractions kept = dateQualifiers().fractions();
+        return default_date_format().format(*value.asDate(), kept == DateFractions::date ? DatePattern::date
+                                                             : kept == DateFractions::time
+                                                                 ? DatePattern::time
+                                                                 : DatePattern::dateTime);
+    }
     wstring text = value.presentation();
     const std::size_t digits = numericQualifiers().fractionDigits();
     if (value.kind() != ValueKind::number || !containsType(ValueKind::number) || digits == 0 ||

@@ -53,6 +53,33 @@ TEST_F(FormsTest, ThePageShowsWhatHappens) {
     EXPECT_EQ(losses.count(), 1U);
 }
 
+TEST_F(FormsTest, DatesThatAreAllWholeDaysHaveNoTimes) {
+    const auto in_all = [](const std::string& day, const std::string& csv, const TypeDomain& domain) {
+        const auto table = read(csv);
+        table->columns().setType(table->columns().find(u"D"), domain);
+        const Value value(table.query<IValue>());
+        for (const TableForm form :
+             {TableForm::table, TableForm::fixed, TableForm::markdown, TableForm::html}) {
+            const std::string text = written(value, form);
+            const std::size_t at = text.find("2024-02-29");
+            ASSERT_NE(at, std::string::npos) << text;
+            EXPECT_EQ(text.substr(at, day.size()), day);
+            EXPECT_TRUE(text[at + day.size()] == ' ' || text[at + day.size()] == '<') << text;
+        }
+    };
+    const std::string days = "D,N\n2024-02-29,1\n,2\n2024-03-01,3\n";
+    const std::string times = "D,N\n2024-02-29,1\n2024-03-01T13:05:07,3\n";
+    const TypeDomain any(kDateType);
+    in_all("2024-02-29", days, any);
+    in_all("2024-02-29 00:00:00", times, any);
+    TypeDomain day = any, time = any;
+    day.setDateQualifiers(DateQualifiers(DateFractions::date));
+    in_all("2024-02-29", days, day);
+    time.setDateQualifiers(DateQualifiers(DateFractions::time));
+    EXPECT_EQ(time.presentation(Value(Date(1, 1, 1, 13, 5, 7))), u"13:05:07");
+    EXPECT_EQ(day.presentation(Value(Date(2024, 2, 29, 13, 5, 7))), u"2024-02-29");
+}
+
 TEST_F(FormsTest, NumbersHaveTheDigitsOfTheirColumn) {
     const auto table = read("Name,Price\nx,1.5\nyy,12\n", {.columns = u"Price Number(10,2)"});
     const Value value(table.query<IValue>());

@@ -46,10 +46,10 @@ TEST_F(TablePrintTest, NumbersStandRightAndTextsLeft) {
         R = T.Add(); R.Name = "яблоко"; R.Price = 1.2; R.Day = '20240229'; R.Mixed = 5;
         R = T.Add(); R.Name = "漢字"; R.Price = 10.25; R.Mixed = "x";
         R = T.Add(); R.Name = "été"; R.Price = -3; R = T.Add(); R.Name = "😀 "; Print(T))";
-    check({{table, "Имя     Price  Day                  Mixed  None\n"
-                   "──────  ─────  ───────────────────  ─────  ────\n"
-                   "яблоко    1.2  2024-02-29 00:00:00  5\n"
-                   "漢字    10.25                       x\n"
+    check({{table, "Имя     Price  Day         Mixed  None\n"
+                   "──────  ─────  ──────────  ─────  ────\n"
+                   "яблоко    1.2  2024-02-29  5\n"
+                   "漢字    10.25              x\n"
                    "e\u0301t\u00E9        -3\n"
                    "😀\n"
                    "Rows: 4"},

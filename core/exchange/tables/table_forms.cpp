@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/exchange/cells/cell_writer.h"
+#include "core/exchange/tables/cell_texts.h"
 #include "core/exchange/tables/escaped_text.h"
-#include "core/exchange/tables/number_columns.h"
 
 #include <core/context/arguments.h>
 #include <core/exchange/column_text.h>
@@ -47,26 +47,11 @@ std::string in_markdown(std::string_view text) {
 
 } // namespace
 
-std::vector<bool> number_columns(const TableView& view) {
-    std::vector<bool> others(view.columns.size());
-    std::vector<bool> numbers(view.columns.size());
-    view.walk([&](std::span<const Value> cells, std::size_t) {
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            const ValueKind kind = cells[i].kind();
-            numbers[i] = numbers[i] || kind == ValueKind::number;
-            others[i] = others[i] || (kind != ValueKind::number && kind != ValueKind::undefined);
-        }
-        return true;
-    });
-    for (std::size_t i = 0; i < numbers.size(); ++i)
-        numbers[i] = numbers[i] && !others[i];
-    return numbers;
-}
-
 void write_fixed_width(std::ostream& out, const TableView& view) {
     constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max() / 2;
-    const auto fitted = [&view](std::size_t column, const Value& cell) {
-        return fitted_text(view.columns[column].text(cell), kAny);
+    const CellTexts texts(view);
+    const auto fitted = [&texts](std::size_t column, const Value& cell) {
+        return fitted_text(texts.text(column, cell), kAny);
     };
     std::vector<FittedText> titles;
     std::vector<std::size_t> widths;
@@ -79,12 +64,11 @@ void write_fixed_width(std::ostream& out, const TableView& view) {
             widths[i] = std::max(widths[i], fitted(i, cells[i]).columns);
         return true;
     });
-    const std::vector<bool> right = number_columns(view);
     std::string line;
     const auto put = [&](std::size_t i, const FittedText& text) {
         const std::string room(widths[i] - text.columns, ' ');
         line += i != 0 ? "  " : "";
-        line += right[i] ? room + text.text : text.text + room;
+        line += texts.areNumbers(i) ? room + text.text : text.text + room;
     };
     const auto end_line = [&] {
         line.erase(line.find_last_not_of(' ') + 1);
@@ -103,22 +87,23 @@ void write_fixed_width(std::ostream& out, const TableView& view) {
 }
 
 void write_markdown(std::ostream& out, const TableView& view) {
+    const CellTexts texts(view);
     for (const TableView::Column& column : view.columns)
         out << "| " << in_markdown(to_utf8(column.title)) << ' ';
     out << "|\n";
-    for (const bool right : number_columns(view))
-        out << (right ? "| ---: " : "| --- ");
+    for (std::size_t i = 0; i < view.columns.size(); ++i)
+        out << (texts.areNumbers(i) ? "| ---: " : "| --- ");
     out << "|\n";
     view.walk([&](std::span<const Value> cells, std::size_t) {
         for (std::size_t i = 0; i < cells.size(); ++i)
-            out << "| " << in_markdown(to_utf8(view.columns[i].text(cells[i]))) << ' ';
+            out << "| " << in_markdown(to_utf8(texts.text(i, cells[i]))) << ' ';
         out << "|\n";
         return true;
     });
 }
 
 void write_html(std::ostream& out, const TableView& view) {
-    const std::vector<bool> right = number_columns(view);
+    const CellTexts texts(view);
     out << "<table>\n<tr>";
     for (const TableView::Column& column : view.columns)
         out << "<th>" << in_html(to_utf8(column.title)) << "</th>";
@@ -126,8 +111,8 @@ void write_html(std::ostream& out, const TableView& view) {
     view.walk([&](std::span<const Value> cells, std::size_t) {
         out << "<tr>";
         for (std::size_t i = 0; i < cells.size(); ++i)
-            out << (right[i] ? "<td align=\"right\">" : "<td>")
-                << in_html(to_utf8(view.columns[i].text(cells[i]))) << "</td>";
+            out << (texts.areNumbers(i) ? "<td align=\"right\">" : "<td>")
+                << in_html(to_utf8(texts.text(i, cells[i]))) << "</td>";
         out << "</tr>\n";
         return true;
     });

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/exchange/tables/cell_texts.h"
+
 #include <core/exchange/column_text.h>
 #include <core/exchange/table_text.h>
 #include <core/runtime/exception.h>
@@ -28,7 +30,8 @@ class Printer {
   public:
     Printer(std::ostream& out, const TableView& view, std::size_t width, std::size_t most)
         : out_(out), view_(view), width_(std::max(width, kNarrowest)), columns_(view.columns.size()),
-          shown_(view.rows <= most || view.rows - most == 1 ? view.rows : most) {} // one more is no longer
+          shown_(view.rows <= most || view.rows - most == 1 ? view.rows : most), // one more is no longer
+          texts_(view, shown_) {}
 
     void print() {
         measure();
@@ -38,7 +41,7 @@ class Printer {
             rule();
             walk([this](std::size_t row, std::size_t i, const Value& cell, std::size_t indent) {
                 const std::size_t room = columns_[i].width;
-                put(row, i, fitted_text(view_.columns[i].text(cell), room - std::min(room, indent)),
+                put(row, i, fitted_text(texts_.text(i, cell), room - std::min(room, indent)),
                     std::min(room, indent));
             });
             if (!view_.totals.empty()) {
@@ -90,7 +93,7 @@ class Printer {
             columns_[i].width = std::max(fitted_text(view_.columns[i].title, width_).columns, total);
         }
         walk([this](std::size_t, std::size_t i, const Value& cell, std::size_t indent) {
-            const std::size_t width = indent + fitted_text(view_.columns[i].text(cell), width_).columns;
+            const std::size_t width = indent + fitted_text(texts_.text(i, cell), width_).columns;
             Column& column = columns_[i];
             column.width = std::max(column.width, std::min(width, width_));
             if (width == indent)
@@ -173,6 +176,7 @@ class Printer {
     std::size_t width_;
     std::vector<Column> columns_;
     std::size_t shown_;
+    CellTexts texts_;
     std::string line_;
     std::string look_; // that of the end of the line
 };

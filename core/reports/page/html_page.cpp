@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/exchange/tables/cell_texts.h"
 #include "core/exchange/tables/escaped_text.h"
-#include "core/exchange/tables/number_columns.h"
 #include "core/reports/page/page_script.h"
 #include "core/reports/page/page_styles.h"
 #include "core/reports/report_view.h"
@@ -72,7 +72,7 @@ std::string sort_key(const Value& cell) {
 class PageWriter {
   public:
     PageWriter(const ByteWriter& write, const Report& report)
-        : write_(write), report_(report), shown_(report), numbers_(number_columns(shown_.view())) {}
+        : write_(write), report_(report), shown_(report), texts_(shown_.view()) {}
 
     void writePage() {
         constexpr std::size_t kTitle = 200; // in one line
@@ -121,7 +121,7 @@ class PageWriter {
         case ColumnAlignment::right:
             return "right";
         default:
-            return numbers_[column] ? "right" : "";
+            return texts_.areNumbers(column) ? "right" : "";
         }
     }
     /// Begins a cell with its classes, as far as there are some.
@@ -173,8 +173,7 @@ class PageWriter {
         if (isSorted())
             text_ += sort_key(cell);
         const std::string image = image_of(cell);
-        text_ +=
-            '>' + (image.empty() ? in_html(to_utf8(view().columns[column].text(cell))) : image) + "</td>";
+        text_ += '>' + (image.empty() ? in_html(to_utf8(texts_.text(column, cell))) : image) + "</td>";
     }
     void writeTotals() {
         if (view().totals.empty())
@@ -205,7 +204,7 @@ class PageWriter {
     const ByteWriter& write_;
     const Report& report_;
     ReportView shown_;
-    std::vector<bool> numbers_;
+    CellTexts texts_;
     std::string text_;
 };
 

@@ -59,8 +59,9 @@ class CORE_API TypeDomain : private TypeDomainPattern {
     }
 
     /// Returns the text of a value with all the fraction digits that the description gives a Number, up to a
-    /// thousand: 1.20 where two are kept. Any other value, and a Number of a process that has set a format
-    /// for numbers, has its presentation. Throws what the presentation throws.
+    /// thousand: 1.20 where two are kept, and with those parts of a Date that it keeps. Any other value, and
+    /// a Number of a process that has set a format for numbers, has its presentation. Throws what the
+    /// presentation throws.
     [[nodiscard]] wstring presentation(const Value& value) const;
 
     /// Says whether the value is of one of the types, whatever their qualifiers say, or is the default value:
