@@ -2,6 +2,7 @@
 #include "host/commands/session.h"
 
 #include "host/commands/commands.h"
+#include "host/terminal/column_types.h"
 #include "host/terminal/error_report.h"
 #include "host/terminal/file_completion.h"
 #include "host/terminal/interrupts.h"
@@ -10,6 +11,7 @@
 #include "host/terminal/terminal_text.h"
 #include "host/terminal/text_columns.h"
 
+#include <core/descriptions/type_description.h>
 #include <core/exchange/table_view.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/utf8.h>
@@ -149,12 +151,16 @@ void Session::carryOut(const script::Script& entry) {
 }
 
 void Session::show(const Value& value) {
-    if (console_.json || table_view(value))
+    const int alias = alias_of(console_.language);
+    if (console_.json || table_view(value) || value.query<IValueColumns>()) {
         print_value(value, console_);
-    else
-        console_.out << terminal_text(script::display(value, alias_of(console_.language)),
-                                      std::numeric_limits<std::size_t>::max())
-                     << '\n';
+        return;
+    }
+    const TypeDomain* const domain = type_domain_of(value);
+    const wstring text = domain != nullptr
+                             ? value.type().name(alias) + wstring(u" (") + type_text(*domain, alias) + u')'
+                             : script::display(value, alias);
+    console_.out << terminal_text(text, std::numeric_limits<std::size_t>::max()) << '\n';
 }
 
 } // namespace host

@@ -99,10 +99,14 @@ class Display {
             showPairs(*pairs);
         } else if (const auto collection = value.query<IValueCollection>()) {
             showElements(*collection);
-        } else if (const auto context = value.query<IContext_>(); context && context->getNProps() > 0) {
-            showProperties(*context);
-        } else if (const wstring presentation = value.presentation(); presentation != type.presentation()) {
-            text_.append(u" (").append(presentation.substr(0, kMaxString)).append(u")");
+        } else {
+            const auto context = value.query<IContext_>();
+            const wstring presentation = value.presentation();
+            const bool speaks = presentation != type.presentation();
+            if (context && context->getNProps() > 0 && (depth_ == 0 || !speaks))
+                showProperties(*context);
+            else if (speaks)
+                text_.append(u" (").append(presentation.substr(0, kMaxString)).append(u")");
         }
     }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/terminal/print.h"
 
+#include "host/terminal/column_types.h"
+
 #include <core/exchange/json.h>
 #include <core/exchange/table_view.h>
 #include <core/reports/report.h>
@@ -13,7 +15,9 @@ namespace host {
 void print_value(const core::Value& value, Console& console, std::size_t most) {
     using core::TableForm;
     const TableForm form = console.mode.value_or(console.json ? TableForm::json : TableForm::table);
-    if (const auto report = core::report_of(value)) {
+    if (const auto columns = value.query<core::IValueColumns>()) {
+        print_value(table_of_columns(*columns, alias_of(console.language)), console, most);
+    } else if (const auto report = core::report_of(value)) {
         if (form == TableForm::table)
             core::print_report(console.out, *report, line_width(console), most, console.colours);
         else

@@ -13,8 +13,8 @@ namespace host {
 inline constexpr std::size_t kShownRows = 20;
 
 /// Writes a value and a line's end: a value table, tree or list as an aligned table, of which at most `most`
-/// rows are shown, anything else as its presentation. Where the console has a mode, tables are written in
-/// that, whole; where it wants JSON, every value.
+/// rows are shown, columns as a table of their names and types, anything else as its presentation. Where the
+/// console has a mode, tables are written in that, whole; where it wants JSON, every value.
 void print_value(const core::Value& value, Console& console, std::size_t most = kShownRows);
 
 } // namespace host

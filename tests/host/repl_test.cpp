@@ -53,6 +53,22 @@ TEST(ReplTest, ThroughAPipe) {
     EXPECT_EQ(procedures.out, "3\n7\n\"Division by zero.\"\n");
     EXPECT_EQ(procedures.err, "");
     EXPECT_EQ(static_cast<int>(procedures.code), 4);
+    const std::string columns =
+        "C = (New ValueTable).Columns\nN = C.Add(\"Price\", New TypeDescription(\"Number, "
+        "String\", New NumberQualifiers(10, 2, AllowedSign.Nonnegative), New "
+        "StringQualifiers(5, AllowedLength.Fixed)))\n"
+        "N = C.Add(\"Day\", New TypeDescription(\"Date\", , , New "
+        "DateQualifiers(DateFractions.Date)))\nN = C.Add(\"Any\")\n";
+    EXPECT_EQ(
+        corehost({"repl", "--leaks"}, columns + "C\nC.Day.ValueType\nC.Day").out,
+        "Name   ValueType\n"
+        "─────  ─────────────────────────────────────────\n"
+        "Price  Number(10,2,Nonnegative), String(5,Fixed)\n"
+        "Day    Date(Date)\nAny\nRows: 3\n"
+        "TypeDescription (Date(Date))\n"
+        "ValueTableColumn {Name: \"Day\", ValueType: TypeDescription (Date), Title: \"Day\", Width: 0}\n");
+    EXPECT_EQ(corehost({"--lang", "ru", "--mode", "csv", "repl"}, columns + "C.Удалить(0)\nC").out,
+              "Name,ValueType\r\nDay,Дата(Дата)\r\nAny,\r\n");
     EXPECT_EQ(corehost({"repl", "--json"}, "a = New Map; a.Insert(\"x\", 0.10); a; Null").out,
               "{\"x\":0.1}\nnull\n");
     EXPECT_EQ(

@@ -28,7 +28,8 @@ using Show = std::function<void(const Value&)>;
 CORE_SCRIPT_API void run_entry(Engine& engine, const Script& entry, const Show& show);
 
 /// Returns a value as a console shows it, on one line of bounded length: primitive ones as a script writes
-/// them, an object by its type's name and what it holds, as in `Structure {Name: "apple", Price: 1.2}`.
+/// them, an object by its type's name and what it holds, as in `Structure {Name: "apple", Price: 1.2}`; in
+/// another object it is shown by its presentation, where it has one of its own, as in `Color (Red)`.
 /// `alias` is the language of names: kEnglish or kRussian.
 [[nodiscard]] CORE_SCRIPT_API wstring display(const Value& value, int alias);
 
