@@ -81,11 +81,11 @@ class CORE_API TextManager {
 
     // steps
 
-    /// Takes the last step back, with its marks, and returns true; returns false when there is none. Throws
-    /// DocumentException in a group.
+    /// Takes the last step back, with its marks, and returns true; returns false when no step is left to take
+    /// back. Throws DocumentException in a group.
     bool undo();
-    /// Makes the step again that was taken back last, and returns true; returns false when there is none.
-    /// Throws DocumentException in a group.
+    /// Makes the step again that was taken back last, and returns true; returns false when no step was taken
+    /// back. Throws DocumentException in a group.
     bool redo();
     /// Returns how many steps can be taken back.
     [[nodiscard]] std::size_t undoCount() const noexcept;

@@ -38,7 +38,7 @@ class CORE_API TextSearch {
     /// Takes the search over; `other` may then only be destroyed.
     TextSearch& operator=(TextSearch&& other) noexcept;
 
-    /// Returns the next match, which does not overlap the one before; nothing when there is none. A regular
+    /// Returns the next match, which does not overlap the one before; nothing behind the last one. A regular
     /// expression may match an empty range.
     [[nodiscard]] std::optional<TextRange> next();
     /// Returns what stands for the match that next() has returned last when it is replaced by `replacement`.
@@ -54,7 +54,7 @@ class CORE_API TextSearch {
     std::unique_ptr<Engine> engine_;
 };
 
-/// Returns the first match at `from` or behind it; nothing when there is none. Throws as TextSearch does.
+/// Returns the first match at `from` or behind it; nothing where no match follows. Throws as TextSearch does.
 [[nodiscard]] CORE_API std::optional<TextRange> find(const TextSnapshot& text, const TextQuery& query,
                                                      std::uint64_t from = 0);
 

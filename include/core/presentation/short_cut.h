@@ -46,7 +46,7 @@ class CORE_API ShortCut {
     explicit constexpr ShortCut(std::uint32_t key, KeyModifiers modifiers = KeyModifiers::none) noexcept
         : key_(key), modifiers_(modifiers) {}
 
-    /// Returns the number of the key; 0 where there is none.
+    /// Returns the number of the key; 0 for a shortcut without a key.
     [[nodiscard]] constexpr std::uint32_t key() const noexcept { return key_; }
     /// Returns what is held down with the key.
     [[nodiscard]] constexpr KeyModifiers modifiers() const noexcept { return modifiers_; }

@@ -46,8 +46,8 @@ class CORE_API Style {
     /// Returns the border that this style sets, or one that it is based on; the automatic one where none
     /// does.
     [[nodiscard]] LumBorder border() const noexcept;
-    /// Returns the style that this one is based on, borrowed: valid as long as this style; null where there
-    /// is none.
+    /// Returns the style that this one is based on, borrowed: valid as long as this style; null for a
+    /// style that is based on no other.
     [[nodiscard]] const Style* base() const noexcept { return base_.get(); }
 
     /// Returns the channels of a colour in this style; `automatic` for the automatic colour, and where items

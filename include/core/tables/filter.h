@@ -68,7 +68,7 @@ class CORE_API Filter {
     /// Returns whether all rows pass, because there is no condition.
     [[nodiscard]] bool isEmpty() const noexcept { return condition_ == nullptr; }
     /// Returns the condition in its one written form, with English words and the values of parameters; the
-    /// empty text where there is none.
+    /// empty text for an empty filter.
     [[nodiscard]] wstring text() const;
     /// Returns whether the conditions are the same in writing. Two conditions that mean the same and are
     /// written in different ways are different.
@@ -79,7 +79,7 @@ class CORE_API Filter {
     /// Reads what serialize() wrote. Throws ListStreamException for anything else.
     [[nodiscard]] static Filter deserialize(IInPersistenceStorage* storage);
 
-    /// Returns the condition, borrowed as long as the filter; null where there is none. For the library.
+    /// Returns the condition, borrowed as long as the filter; null for an empty filter. For the library.
     [[nodiscard]] const ExpressionNode* condition() const noexcept { return condition_.get(); }
 
   private:
