@@ -109,6 +109,10 @@ TEST(DescribeTest, WhatAPersonReads) {
     const std::string tree = corehost({"describe", "ValueTree"}).out;
     EXPECT_NE(tree.find("\nEvents\n  RowAdded "), std::string::npos) << tree;
     EXPECT_NE(tree.find(" (Index, Column, Parent)\n"), std::string::npos) << tree;
+    const std::string table = corehost({"describe", "ValueTable"}).out;
+    const std::string count = table.substr(table.find("\n  Count ") + 1);
+    EXPECT_LT(count.find("-> Number\n"), 100U)
+        << "one long list of parameters must not push all results away";
     const std::string functions = corehost({"describe", "--functions"}).out;
     EXPECT_NE(functions.find("\nFromJson "), std::string::npos) << functions;
     EXPECT_NE(functions.find("(Text, Maps = False, "), std::string::npos) << functions;
