@@ -8,12 +8,8 @@
 
 namespace core::com {
 
-GenericValue CallArguments::read(const VARIANT& variant) const {
-    return from_variant(variant);
-}
-
 GenericValue CallArguments::newValue() const {
-    return read(given_.rgvarg[0]);
+    return from_variant(given_.rgvarg[0]);
 }
 
 const VARIANT* CallArguments::find(UINT position) const noexcept {
@@ -31,7 +27,7 @@ GenericValue CallArguments::at(UINT position) const {
     const VARIANT* const variant = find(position);
     if (variant == nullptr || is_missing(*variant))
         throw BadCall{DISP_E_PARAMNOTOPTIONAL, position};
-    return read(*variant);
+    return from_variant(*variant);
 }
 
 std::vector<GenericValue> CallArguments::forMethod(const IContextDef& definition, int method) const {
@@ -40,7 +36,8 @@ std::vector<GenericValue> CallArguments::forMethod(const IContextDef& definition
     UINT count = unnamed;
     for (UINT i = 0; i < given_.cNamedArgs; ++i) {
         const DISPID name = given_.rgdispidNamedArgs[i];
-        if (name < 0 || static_cast<UINT>(name) >= params)
+        const bool known = name >= 0 && static_cast<UINT>(name) < params;
+        if (!known || find(static_cast<UINT>(name)) != &given_.rgvarg[i]) // another argument is there already
             throw BadCall{DISP_E_PARAMNOTFOUND, i};
         count = std::max(count, static_cast<UINT>(name) + 1);
     }
@@ -50,7 +47,7 @@ std::vector<GenericValue> CallArguments::forMethod(const IContextDef& definition
     for (UINT i = 0; i < count; ++i) {
         const VARIANT* const variant = find(i);
         if (variant != nullptr && !is_missing(*variant))
-            values[i] = read(*variant);
+            values[i] = from_variant(*variant);
         else if (!definition.getParamDefValue(method, static_cast<int>(i), &values[i]))
             throw BadCall{DISP_E_PARAMNOTOPTIONAL, i < unnamed ? given_.cArgs - 1 - i : i};
     }

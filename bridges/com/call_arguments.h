@@ -10,8 +10,8 @@
 /// The arguments of a call that comes in.
 namespace core::com {
 
-/// The arguments of one call: those without a name in their order, then the named ones. A failure is thrown
-/// as a BadArgument.
+/// The arguments of one call: those without a name in their order, then the named ones. A call that does not
+/// fit is thrown as a BadCall, a value that cannot be read as a COMException.
 class CallArguments {
   public:
     /// Borrows what a caller has passed.
@@ -34,7 +34,6 @@ class CallArguments {
 
   private:
     [[nodiscard]] const VARIANT* find(UINT position) const noexcept;
-    [[nodiscard]] GenericValue read(const VARIANT& variant) const;
 
     DISPPARAMS& given_;
 };

@@ -31,6 +31,9 @@ inline constexpr const char* kBadArray = "COM_BAD_ARRAY";
 inline constexpr const char* kWrongThread = "COM_WRONG_THREAD";
 /// The program is not one of the system that automation belongs to. No parameters.
 inline constexpr const char* kNoSystem = "COM_NO_SYSTEM";
+/// An object has a connection point, and nothing says which events it raises there; {0} is the id of the
+/// interface that listeners have, {1} what the object or the system says.
+inline constexpr const char* kNoEventNames = "COM_NO_EVENTS";
 /// A type library cannot be read or written; {0} is its name, {1} what the system says.
 inline constexpr const char* kTypeLibrary = "COM_TYPE_LIBRARY";
 
@@ -46,6 +49,12 @@ inline constexpr const char* kTypeLibrary = "COM_TYPE_LIBRARY";
 [[noreturn]] void throw_failed_call(wstring_view member, ::HRESULT result, EXCEPINFO* info);
 /// Throws COMException (`id`, with `what`) for a failed result; returns for a good one.
 void check(::HRESULT result, const char* id, wstring_view what);
+/// Does the same, and refuses a good result that came with a null pointer. The pointer is looked at behind the
+/// call that stored it.
+template <class Pointer>
+void check_given(::HRESULT result, const Pointer& given, const char* id, wstring_view what) {
+    check(SUCCEEDED(result) && !given ? E_POINTER : result, id, what);
+}
 
 /// Stores what is being thrown in `info`, which may be null, and in the thread's IErrorInfo; returns what the
 /// failed call returns. To be called while an exception is handled.

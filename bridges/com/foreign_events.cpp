@@ -36,7 +36,8 @@ struct ForeignEvents::Event {
 /// What the object calls. It may outlive the events, which then hear nothing.
 class ForeignEvents::Listener final : public IDispatch, private LiveObjectTrackerImpl<Listener> {
   public:
-    explicit Listener(ForeignEvents& events) noexcept : events_(&events), id_(events.id_) {}
+    explicit Listener(ForeignEvents& events) noexcept
+        : events_(&events), id_(events.id_), thread_(GetCurrentThreadId()) {}
     void end() noexcept { events_ = nullptr; }
 
     ::HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) noexcept override {
@@ -56,15 +57,21 @@ class ForeignEvents::Listener final : public IDispatch, private LiveObjectTracke
         return left;
     }
     ::HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
+        if (count == nullptr)
+            return E_POINTER;
         *count = 0;
         return S_OK;
     }
-    ::HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override {
+    ::HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** out) noexcept override {
+        if (out != nullptr)
+            *out = nullptr;
         return DISP_E_BADINDEX;
     }
     ::HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                               DISPID* ids) noexcept override {
-        const int number = events_ != nullptr && count > 0 ? events_->find(names[0]) : -1;
+        if (count == 0 || names == nullptr || names[0] == nullptr || ids == nullptr)
+            return E_INVALIDARG;
+        const int number = events_ != nullptr ? events_->find(names[0]) : -1;
         std::fill_n(ids, count, DISPID_UNKNOWN);
         if (number >= 0)
             ids[0] = events_->at(number)->id;
@@ -72,12 +79,20 @@ class ForeignEvents::Listener final : public IDispatch, private LiveObjectTracke
     }
     ::HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* given, VARIANT*,
                                        EXCEPINFO* info, UINT*) noexcept override {
-        if (events_ == nullptr || given == nullptr)
+        if (given == nullptr || (given->cArgs > 0 && given->rgvarg == nullptr))
+            return E_INVALIDARG;
+        if (thread_ != GetCurrentThreadId())
+            return RPC_E_WRONG_THREAD;
+        if (events_ == nullptr)
             return S_OK;
         const auto& all = events_->events_;
         const auto found = std::ranges::find(all, member, [](const auto& one) { return one->known.id; });
         if (found == all.end())
             return DISP_E_MEMBERNOTFOUND;
+        if (given->cNamedArgs > 0)
+            return DISP_E_NONAMEDARGS;
+        if (given->cArgs > (*found)->known.params.size())
+            return DISP_E_BADPARAMCOUNT; // the library of the object says that there are fewer
         try {
             std::vector<GenericValue> values(given->cArgs);
             for (UINT i = 0; i < given->cArgs; ++i)
@@ -93,6 +108,7 @@ class ForeignEvents::Listener final : public IDispatch, private LiveObjectTracke
     std::atomic<ULONG> count_{0};
     ForeignEvents* events_; // null when they have gone
     ::GUID id_;
+    DWORD thread_; // where the handlers run
 };
 
 namespace {
@@ -117,13 +133,15 @@ ComPtr<IConnectionPoint> default_point(::IUnknown* object, ::GUID& id) {
 
 /// The interface of listeners as the library of the object describes it.
 ComPtr<ITypeInfo> listener_type(IDispatch* dispatch, const ::GUID& id) {
+    const wstring what = to_string(from_com(id));
+    check_given(S_OK, dispatch, messages::kNoEventNames, what);
     ComPtr<ITypeInfo> own;
-    ComPtr<ITypeInfo> found;
+    check_given(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, own.typed()), own, messages::kNoEventNames, what);
     ComPtr<ITypeLib> library;
     UINT index = 0;
-    if (dispatch != nullptr && SUCCEEDED(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, own.typed())) && own &&
-        SUCCEEDED(own->GetContainingTypeLib(library.typed(), &index)) && library)
-        static_cast<void>(library->GetTypeInfoOfGuid(id, found.typed()));
+    check_given(own->GetContainingTypeLib(library.typed(), &index), library, messages::kNoEventNames, what);
+    ComPtr<ITypeInfo> found;
+    check_given(library->GetTypeInfoOfGuid(id, found.typed()), found, messages::kNoEventNames, what);
     return found;
 }
 
@@ -135,12 +153,16 @@ ForeignEvents::ForeignEvents(ComPtr<IConnectionPoint> point, const ::GUID& id, K
         events_.push_back(std::make_unique<Event>(std::move(event)));
 }
 
+bool ForeignEvents::has(::IUnknown* object) noexcept {
+    ::GUID id{};
+    return static_cast<bool>(default_point(object, id));
+}
+
 std::unique_ptr<ForeignEvents> ForeignEvents::of(::IUnknown* object, IDispatch* dispatch) {
     ::GUID id{};
     auto point = default_point(object, id);
-    const auto type = point ? listener_type(dispatch, id) : ComPtr<ITypeInfo>();
-    if (!type)
-        return nullptr;
+    check_given(S_OK, point, messages::kNoEventNames, to_string(from_com(id)));
+    const auto type = listener_type(dispatch, id);
     return std::unique_ptr<ForeignEvents>(new ForeignEvents(std::move(point), id, read_members(*type.get())));
 }
 

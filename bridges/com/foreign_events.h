@@ -14,7 +14,9 @@ namespace core::com {
 /// library has for them. Connects with the object when somebody first connects with an event.
 class ForeignEvents {
   public:
-    /// Returns the events of an object; null where it has none that have names.
+    /// Returns whether an object, which may be null, has a connection point.
+    [[nodiscard]] static bool has(::IUnknown* object) noexcept;
+    /// Returns the events of an object. Throws COMException (COM_NO_EVENTS) where nothing says which it has.
     [[nodiscard]] static std::unique_ptr<ForeignEvents> of(::IUnknown* object, IDispatch* dispatch);
     ForeignEvents(const ForeignEvents&) = delete;
     ForeignEvents& operator=(const ForeignEvents&) = delete;

@@ -21,9 +21,16 @@ const ForeignMembers::Member* ForeignMembers::Table::at(int number) const noexce
     return number >= 0 && number < count() ? members_[static_cast<std::size_t>(number)].get() : nullptr;
 }
 
+void ForeignMembers::requireHere() const {
+    if (!isHere())
+        throw_error<COMException>(messages::kWrongThread);
+}
+
 const KnownMembers& ForeignMembers::known() {
-    if (!known_)
+    if (!known_) {
+        requireHere();
         known_ = members_of(dispatch_.get());
+    }
     return *known_;
 }
 
@@ -55,6 +62,7 @@ const ForeignMembers::Table& ForeignMembers::methods() {
 int ForeignMembers::find(Table& table, wstring_view name) {
     if (const int number = table.find(name); number >= 0 || !dispatch_)
         return number;
+    requireHere();
     wstring asked(name);
     LPOLESTR units = asked.data();
     DISPID id = DISPID_UNKNOWN;
@@ -130,8 +138,7 @@ class Outgoing {
 } // namespace
 
 GenericValue ForeignMembers::invoke(const Member& member, WORD flags, std::span<GenericValue> arguments) {
-    if (thread_ != GetCurrentThreadId())
-        throw_error<COMException>(messages::kWrongThread);
+    requireHere();
     if (!dispatch_)
         throw_error<COMException>(messages::kNoMember, {member.name});
     Outgoing outgoing(arguments, flags == DISPATCH_PROPERTYPUT ? nullptr : known(&member));

@@ -39,12 +39,17 @@ class ForeignMembers {
 
     /// Takes a reference to an object; null is the one that is nothing.
     explicit ForeignMembers(::IUnknown* object) noexcept
-        : object_(object), dispatch_(ComPtr<IDispatch>::query(object)), thread_(GetCurrentThreadId()) {}
+        : object_(ComPtr<::IUnknown>::query(object)), dispatch_(ComPtr<IDispatch>::query(object)),
+          thread_(GetCurrentThreadId()) {}
 
-    /// Returns the object, borrowed.
+    /// Returns the object, borrowed: the pointer that is the same for all interfaces of one object.
     [[nodiscard]] ::IUnknown* object() const noexcept { return object_.get(); }
     /// Returns the object as far as it has members, borrowed; null where it has none.
     [[nodiscard]] IDispatch* dispatch() const noexcept { return dispatch_.get(); }
+    /// Returns whether the calling thread is the one that the object belongs to.
+    [[nodiscard]] bool isHere() const noexcept { return thread_ == GetCurrentThreadId(); }
+    /// Throws COMException (COM_WRONG_THREAD) on any other thread.
+    void requireHere() const;
     /// Returns what the type library says.
     [[nodiscard]] const KnownMembers& known();
     /// Returns what the type library says of a member; null where it is silent.

@@ -16,8 +16,16 @@ namespace {
 constexpr WORD kRead = DISPATCH_METHOD | DISPATCH_PROPERTYGET; // an index makes a call of a property
 const ScriptClassEntry<ForeignObject> kForeignObjectEntry;
 
-const wchar* name_of(const ForeignMembers::Member* member, int alias) noexcept {
-    return member != nullptr && (alias == kEnglish || alias == kRussian) ? member->name.c_str() : nullptr;
+/// The one name of what has one, in both languages; null for null.
+template <class Named>
+const wchar* name_of(const Named* named, int alias) noexcept {
+    return named != nullptr && (alias == kEnglish || alias == kRussian) ? named->name.c_str() : nullptr;
+}
+
+const KnownParam* param_of(const KnownMember* member, int param) noexcept {
+    const bool there =
+        member != nullptr && param >= 0 && static_cast<std::size_t>(param) < member->params.size();
+    return there ? &member->params[static_cast<std::size_t>(param)] : nullptr;
 }
 
 /// The methods by which scripts reach elements, where the object itself has none of that name.
@@ -41,6 +49,8 @@ class ForeignWalk : public IValueEnum {
         const ::HRESULT result = walk_->Next(1, &element, &count);
         if (FAILED(result))
             throw_failed_call(u"_NewEnum", result, nullptr);
+        if (count > 1)
+            throw_failed_call(u"_NewEnum", E_UNEXPECTED, nullptr);
         if (result != S_OK || count != 1) // some say S_OK at the end
             return false;
         out = from_variant(element);
@@ -90,9 +100,8 @@ int ForeignContext::getNParams(int method) const {
     return known != nullptr ? static_cast<int>(known->params.size()) : 0;
 }
 bool ForeignContext::isParamOut(int method, int param) const {
-    const KnownMember* const known = members_.known(members_.methods().at(method));
-    return known != nullptr && param >= 0 && static_cast<std::size_t>(param) < known->params.size() &&
-           known->params[static_cast<std::size_t>(param)].out;
+    const KnownParam* const known = param_of(members_.known(members_.methods().at(method)), param);
+    return known != nullptr && known->out;
 }
 bool ForeignContext::getParamDefValue(int method, int, GenericValue* out) const {
     const bool known = members_.methods().at(method) != nullptr;
@@ -134,109 +143,99 @@ GenericValue ForeignObject::construct(wstring_view nameOrId) {
 
 bool ForeignObject::isEqual(const IValue* other) const noexcept {
     const ForeignObject* const object = of(other);
-    if (object == nullptr)
-        return false;
-    return ComPtr<::IUnknown>::query(members_.object()).get() ==
-           ComPtr<::IUnknown>::query(object->members_.object()).get();
+    return object != nullptr && members_.object() == object->members_.object();
 }
 
 std::int32_t ForeignObject::hashCode() const noexcept {
-    const auto identity =
-        reinterpret_cast<std::uintptr_t>(ComPtr<::IUnknown>::query(members_.object()).get());
-    return static_cast<std::int32_t>(identity >> 4U);
+    return static_cast<std::int32_t>(reinterpret_cast<std::uintptr_t>(members_.object()) >> 4U);
 }
 
 HRESULT ForeignObject::queryOther(const GUID& iid, void** out) noexcept {
-    try {
-        if (iid == IValueCollection::IID && walk())
-            *out = static_cast<IValueCollection*>(this);
-        else if (iid == IEventSource::IID && foreignEvents() != nullptr)
-            *out = static_cast<IEventSource*>(this);
-        else
-            return kNoInterface;
-    } catch (...) { // an object that cannot say what it has
+    // On a thread that it does not belong to, the object is not asked: what is called then says why it cannot be.
+    const auto has = [this](auto ask) { return !members_.isHere() || ask(); };
+    if (iid == IValueCollection::IID && has([this] {
+            ComPtr<IEnumVARIANT> all;
+            return walk(all, nullptr) == DISP_E_EXCEPTION || all; // enumerate() tells of a walk that fails
+        }))
+        *out = static_cast<IValueCollection*>(this);
+    else if (iid == IEventSource::IID && has([this] { return ForeignEvents::has(members_.object()); }))
+        *out = static_cast<IEventSource*>(this);
+    else
         return kNoInterface;
-    }
     static_cast<IValue*>(this)->AddRef();
     return kOk;
 }
 
-ComPtr<IEnumVARIANT> ForeignObject::walk() const {
+::HRESULT ForeignObject::walk(ComPtr<IEnumVARIANT>& walk, EXCEPINFO* info) const {
     IDispatch* const dispatch = members_.dispatch();
+    if (dispatch == nullptr)
+        return DISP_E_MEMBERNOTFOUND;
     Variant result;
     DISPPARAMS none{};
-    if (dispatch == nullptr ||
-        FAILED(dispatch->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT, kRead, &none, &result, nullptr,
-                                nullptr)) ||
-        (V_VT(&result) != VT_UNKNOWN && V_VT(&result) != VT_DISPATCH))
-        return {};
-    return ComPtr<IEnumVARIANT>::query(V_UNKNOWN(&result));
+    const ::HRESULT answer = dispatch->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT, kRead, &none,
+                                              &result, info, nullptr);
+    if (SUCCEEDED(answer) && (V_VT(&result) == VT_UNKNOWN || V_VT(&result) == VT_DISPATCH))
+        walk = ComPtr<IEnumVARIANT>::query(V_UNKNOWN(&result));
+    return SUCCEEDED(answer) && !walk ? E_NOINTERFACE : answer;
 }
 
 InterfacePtr<IValueEnum> ForeignObject::enumerate() {
-    auto walk = this->walk();
-    if (!walk)
-        throw_error<COMException>(messages::kNoMember, {u"_NewEnum"});
-    return make_object<ForeignWalk>(std::move(walk));
+    members_.requireHere();
+    SetErrorInfo(0, nullptr); // what an earlier call left does not explain this one
+    ComPtr<IEnumVARIANT> all;
+    EXCEPINFO info{};
+    if (const ::HRESULT answer = walk(all, &info); FAILED(answer))
+        throw_failed_call(u"_NewEnum", answer, &info);
+    return make_object<ForeignWalk>(std::move(all));
 }
 
 // events
 
-ForeignEvents* ForeignObject::foreignEvents() const {
-    if (!eventsKnown_) {
+ForeignEvents& ForeignObject::foreignEvents() const {
+    if (!events_) {
+        members_.requireHere();
         events_ = ForeignEvents::of(members_.object(), members_.dispatch());
-        eventsKnown_ = true;
     }
-    return events_.get();
+    return *events_;
+}
+void ForeignObject::requireEvent(int event) const {
+    if (foreignEvents().at(event) == nullptr)
+        throw_error<ContextException>(core::messages::kUnknownEvent, {string_intto(event)});
 }
 int ForeignObject::getNEvents() const {
-    const ForeignEvents* const all = foreignEvents();
-    return all != nullptr ? all->count() : 0;
+    return foreignEvents().count();
 }
 const wchar* ForeignObject::getEventName(int event, int alias) const {
-    const KnownMember* const known = foreignEvents() != nullptr ? foreignEvents()->at(event) : nullptr;
-    return known != nullptr && (alias == kEnglish || alias == kRussian) ? known->name.c_str() : nullptr;
+    return name_of(foreignEvents().at(event), alias);
 }
 int ForeignObject::findEvent(const wchar* name) const {
-    return foreignEvents() != nullptr ? foreignEvents()->find(name) : -1;
+    return foreignEvents().find(name);
 }
 int ForeignObject::getNEventParams(int event) const {
-    const KnownMember* const known = foreignEvents() != nullptr ? foreignEvents()->at(event) : nullptr;
+    const KnownMember* const known = foreignEvents().at(event);
     return known != nullptr ? static_cast<int>(known->params.size()) : 0;
 }
 const wchar* ForeignObject::getEventParamName(int event, int param, int alias) const {
-    const KnownMember* const known = foreignEvents() != nullptr ? foreignEvents()->at(event) : nullptr;
-    const bool there =
-        known != nullptr && param >= 0 && static_cast<std::size_t>(param) < known->params.size();
-    return there && (alias == kEnglish || alias == kRussian)
-               ? known->params[static_cast<std::size_t>(param)].name.c_str()
-               : nullptr;
+    return name_of(param_of(foreignEvents().at(event), param), alias);
 }
 bool ForeignObject::getEventParamInfo(int, int, ContextValueInfo& info) const {
     info = {};
     return false;
 }
 Connection ForeignObject::connectSink(int event, IEventSink* sink) {
-    if (foreignEvents() == nullptr || foreignEvents()->at(event) == nullptr)
-        throw_error<ContextException>(core::messages::kUnknownEvent, {string_intto(event)});
-    return foreignEvents()->connect(event, sink);
+    requireEvent(event);
+    return foreignEvents().connect(event, sink);
 }
 bool ForeignObject::disconnectSink(ConnectionNumber connection) noexcept {
     return events_ && events_->disconnect(connection);
 }
 void ForeignObject::raiseEvent(int event, std::span<const GenericValue> arguments) {
-    if (foreignEvents() == nullptr || foreignEvents()->at(event) == nullptr)
-        throw_error<ContextException>(core::messages::kUnknownEvent, {string_intto(event)});
-    foreignEvents()->raise(event, arguments);
+    requireEvent(event);
+    foreignEvents().raise(event, arguments);
 }
 
 const wchar* ForeignObject::getParamName(int method, int param, int alias) const {
-    const KnownMember* const known = members_.known(members_.methods().at(method));
-    const bool there =
-        known != nullptr && param >= 0 && static_cast<std::size_t>(param) < known->params.size();
-    return there && (alias == kEnglish || alias == kRussian)
-               ? known->params[static_cast<std::size_t>(param)].name.c_str()
-               : nullptr;
+    return name_of(param_of(members_.known(members_.methods().at(method)), param), alias);
 }
 
 bool ForeignObject::getString(wstring& out) const {

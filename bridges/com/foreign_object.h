@@ -75,11 +75,11 @@ class ForeignObject : public ScriptObjectOver<ForeignObject, ForeignContext, IVa
     InterfacePtr<IValueEnum> enumerate() override;
 
   private:
-    ForeignEvents* foreignEvents() const;
-    ComPtr<IEnumVARIANT> walk() const;
+    ForeignEvents& foreignEvents() const;
+    void requireEvent(int event) const;
+    ::HRESULT walk(ComPtr<IEnumVARIANT>& walk, EXCEPINFO* info) const;
 
-    mutable std::unique_ptr<ForeignEvents> events_;
-    mutable bool eventsKnown_ = false; // somebody has asked for them
+    mutable std::unique_ptr<ForeignEvents> events_; // null until somebody asks
 };
 
 /// Returns a new object of the class with a name or an id. Throws COMException.

@@ -22,6 +22,9 @@ namespace {
 
 constexpr int kDepth = 64; // of arrays in arrays, before the stack ends
 
+/// How many arrays without elements one may hold. They take no memory on the other side, and much on ours.
+constexpr std::uint64_t kMostEmpty = 1U << 20U;
+
 [[noreturn]] void bad_array() {
     throw_error<COMException>(messages::kBadArray);
 }
@@ -55,10 +58,11 @@ class Locked {
 /// The counts of the dimensions, the first one first. The first index varies quickest.
 std::vector<std::size_t> counts_of(SAFEARRAY* array) {
     const UINT dimensions = array != nullptr ? SafeArrayGetDim(array) : 0;
-    if (dimensions == 0)
+    if (dimensions == 0 || dimensions > kDepth)
         bad_array();
     std::vector<std::size_t> counts;
     std::uint64_t all = 1;
+    std::uint64_t places = 1; // for elements, as if no dimension were empty
     for (UINT dimension = 1; dimension <= dimensions; ++dimension) {
         LONG first = 0;
         LONG last = 0;
@@ -67,10 +71,29 @@ std::vector<std::size_t> counts_of(SAFEARRAY* array) {
             bad_array();
         counts.push_back(static_cast<std::size_t>(std::int64_t{last} - first + 1));
         all *= counts.back();
-        if (all > std::numeric_limits<std::int32_t>::max())
+        places *= std::max<std::size_t>(counts.back(), 1);
+        if (places > std::numeric_limits<std::int32_t>::max())
             bad_array();
     }
+    if (all == 0 && places > kMostEmpty)
+        bad_array();
     return counts;
+}
+
+/// The type of the elements as the array itself knows it.
+VARTYPE own_type(SAFEARRAY* array) {
+    VARTYPE type = VT_EMPTY;
+    if (FAILED(SafeArrayGetVartype(array, &type)))
+        bad_array();
+    return type;
+}
+
+/// Whether elements of one type are read as those of another one.
+bool is_alike(VARTYPE a, VARTYPE b) noexcept {
+    const auto plain = [](VARTYPE type) noexcept -> VARTYPE {
+        return type == VT_INT ? VT_I4 : type == VT_UINT ? VT_UI4 : type == VT_DISPATCH ? VT_UNKNOWN : type;
+    };
+    return plain(a) == plain(b);
 }
 
 Value element_value(std::byte* place, VARTYPE type, int depth) {
@@ -198,13 +221,9 @@ class SafeArray : public ScriptObject<SafeArray> {
 
     [[nodiscard]] SAFEARRAY* get() const noexcept { return array_; }
 
-    wstring elementType() const {
-        VARTYPE type = VT_EMPTY;
-        check(SafeArrayGetVartype(array_, &type), messages::kBadArray, {});
-        return type_name(type);
-    }
+    wstring elementType() const { return type_name(own_type(array_)); }
     std::int64_t dimensions() const { return SafeArrayGetDim(array_); }
-    Value values() const { return from_safe_array(array_); }
+    Value values() const { return from_safe_array(array_, own_type(array_)); }
 
     static auto members() {
         return core::members(property(u"ElementType", u"ТипЭлементов", &SafeArray::elementType),
@@ -220,11 +239,11 @@ const ScriptClassEntry<SafeArray> kSafeArrayEntry;
 
 } // namespace
 
-Value from_safe_array(SAFEARRAY* array, int depth) {
-    check_depth(depth);
+Value from_safe_array(SAFEARRAY* array, VARTYPE type, int depth) {
     const std::vector<std::size_t> counts = counts_of(array);
-    VARTYPE type = VT_EMPTY;
-    if (FAILED(SafeArrayGetVartype(array, &type)))
+    const int inside = depth + static_cast<int>(counts.size());
+    check_depth(inside);
+    if (!is_alike(type, own_type(array)))
         bad_array();
     if (type == VT_RECORD) {
         ComPtr<IRecordInfo> info;
@@ -241,11 +260,11 @@ Value from_safe_array(SAFEARRAY* array, int depth) {
         const std::byte* const bytes = data.at(0);
         return create_binary_data(std::vector<std::byte>(bytes, bytes + counts.front()));
     }
-    return dimension_value(data, counts, 0, 1, type, depth + 1);
+    return dimension_value(data, counts, 0, 1, type, inside);
 }
 
 bool to_safe_array(const Value& value, VARTYPE element, VARIANT& out, const ComOptions& options, int depth) {
-    check_depth(depth);
+    check_depth(depth + 1);
     const VARTYPE type = element == VT_EMPTY ? VARTYPE{VT_VARIANT} : element;
     if (const auto values = value.query<IValueSequence>())
         return values_to_array(values->values(), type, out, options, depth + 1);

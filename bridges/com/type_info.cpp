@@ -19,11 +19,17 @@ VARTYPE type_of(const TYPEDESC& type) noexcept {
     return type.vt;
 }
 
+wstring name_of(ITypeInfo& type) {
+    Bstr name;
+    static_cast<void>(type.GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr));
+    return wstring(name.view());
+}
+
 /// The attributes of a type, which its library lends.
 class Attributes {
   public:
     explicit Attributes(ITypeInfo& type) : type_(type) {
-        check(type.GetTypeAttr(&attributes_), messages::kTypeLibrary, {});
+        check_given(type.GetTypeAttr(&attributes_), attributes_, messages::kTypeLibrary, name_of(type));
     }
     Attributes(const Attributes&) = delete;
     Attributes& operator=(const Attributes&) = delete;
@@ -45,6 +51,8 @@ void read_texts(ITypeInfo& type, KnownMember& member) {
 
 void read_params(ITypeInfo& type, const FUNCDESC& function, KnownMember& member) {
     const auto count = static_cast<std::size_t>(std::max<SHORT>(function.cParams, 0));
+    if (count > 0)
+        check_given(S_OK, function.lprgelemdescParam, messages::kTypeLibrary, name_of(type));
     std::vector<BSTR> names(count + 1, nullptr);
     UINT named = 0;
     static_cast<void>(type.GetNames(function.memid, names.data(), static_cast<UINT>(names.size()), &named));
@@ -108,14 +116,14 @@ KnownMembers read_members(ITypeInfo& type) {
     KnownMembers members;
     for (UINT i = 0; i < attributes->cFuncs; ++i) {
         FUNCDESC* function = nullptr;
-        check(type.GetFuncDesc(i, &function), messages::kTypeLibrary, {});
+        check_given(type.GetFuncDesc(i, &function), function, messages::kTypeLibrary, name_of(type));
         const auto release = [&](FUNCDESC* one) { type.ReleaseFuncDesc(one); };
         const std::unique_ptr<FUNCDESC, decltype(release)> held(function, release);
         read_function(type, *function, members);
     }
     for (UINT i = 0; i < attributes->cVars; ++i) {
         VARDESC* variable = nullptr;
-        check(type.GetVarDesc(i, &variable), messages::kTypeLibrary, {});
+        check_given(type.GetVarDesc(i, &variable), variable, messages::kTypeLibrary, name_of(type));
         const auto release = [&](VARDESC* one) { type.ReleaseVarDesc(one); };
         const std::unique_ptr<VARDESC, decltype(release)> held(variable, release);
         if (variable->varkind == VAR_DISPATCH || variable->varkind == VAR_PERINSTANCE)

@@ -50,7 +50,7 @@ Value constants_value(ITypeInfo& type, UINT count) {
     const Structure constants;
     for (UINT i = 0; i < count; ++i) {
         VARDESC* variable = nullptr;
-        check(type.GetVarDesc(i, &variable), messages::kTypeLibrary, {});
+        check_given(type.GetVarDesc(i, &variable), variable, messages::kTypeLibrary, {});
         const auto release = [&](VARDESC* one) { type.ReleaseVarDesc(one); };
         const std::unique_ptr<VARDESC, decltype(release)> held(variable, release);
         Bstr name;
@@ -70,7 +70,7 @@ Value interfaces_value(ITypeInfo& type, UINT count) {
         Bstr name;
         INT flags = 0;
         if (FAILED(type.GetRefTypeOfImplType(i, &reference)) ||
-            FAILED(type.GetRefTypeInfo(reference, implemented.typed())) ||
+            FAILED(type.GetRefTypeInfo(reference, implemented.typed())) || !implemented ||
             FAILED(implemented->GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr)))
             continue;
         static_cast<void>(type.GetImplTypeFlags(i, &flags));
@@ -85,7 +85,7 @@ Value interfaces_value(ITypeInfo& type, UINT count) {
 
 Value type_value(ITypeInfo& type) {
     TYPEATTR* attributes = nullptr;
-    check(type.GetTypeAttr(&attributes), messages::kTypeLibrary, {});
+    check_given(type.GetTypeAttr(&attributes), attributes, messages::kTypeLibrary, {});
     const auto release = [&](TYPEATTR* one) { type.ReleaseTypeAttr(one); };
     const std::unique_ptr<TYPEATTR, decltype(release)> held(attributes, release);
     Bstr name;
@@ -122,7 +122,7 @@ class TypeLibrary : public ScriptObject<TypeLibrary> {
         name_ = name.view();
         description_ = description.view();
         TLIBATTR* attributes = nullptr;
-        check(library_->GetLibAttr(&attributes), messages::kTypeLibrary, name_);
+        check_given(library_->GetLibAttr(&attributes), attributes, messages::kTypeLibrary, name_);
         id_ = to_string(from_com(attributes->guid));
         version_ = string_intto(static_cast<int>(attributes->wMajorVerNum)) + u"." +
                    string_intto(static_cast<int>(attributes->wMinorVerNum));
@@ -138,7 +138,7 @@ class TypeLibrary : public ScriptObject<TypeLibrary> {
         Array all;
         for (UINT i = 0; i < library_->GetTypeInfoCount(); ++i) {
             ComPtr<ITypeInfo> one;
-            check(library_->GetTypeInfo(i, one.typed()), messages::kTypeLibrary, name_);
+            check_given(library_->GetTypeInfo(i, one.typed()), one, messages::kTypeLibrary, name_);
             all.add(type_value(*one.get()));
         }
         return all;
@@ -169,7 +169,7 @@ Value type_library_value(const Value& fileOrObject) {
     ComPtr<ITypeLib> library;
     if (const wstring_view* const file = fileOrObject.asString()) {
         const wstring name(*file);
-        check(LoadTypeLibEx(name.c_str(), REGKIND_NONE, library.typed()), messages::kTypeLibrary, name);
+        check_given(LoadTypeLibEx(name.c_str(), REGKIND_NONE, library.typed()), library, messages::kTypeLibrary, name);
     } else {
         bool nothing = false;
         const auto object = ComPtr<IDispatch>::query(foreign_object(fileOrObject, nothing).get());
@@ -177,8 +177,9 @@ Value type_library_value(const Value& fileOrObject) {
         UINT index = 0;
         if (!object)
             parameter_type_mismatch(0);
-        check(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.typed()), messages::kTypeLibrary, {});
-        check(type->GetContainingTypeLib(library.typed(), &index), messages::kTypeLibrary, {});
+        const wstring what = fileOrObject.presentation();
+        check_given(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.typed()), type, messages::kTypeLibrary, what);
+        check_given(type->GetContainingTypeLib(library.typed(), &index), library, messages::kTypeLibrary, what);
     }
     return Value(make_object<TypeLibrary>(std::move(library)));
 }

@@ -58,12 +58,22 @@ std::size_t size_of_type(VARTYPE type) noexcept {
     case VT_R4:
     case VT_ERROR:
         return 4;
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+        return 8;
+    case VT_BSTR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+        return sizeof(void*);
     case VT_VARIANT:
         return sizeof(VARIANT);
     case VT_DECIMAL:
         return sizeof(DECIMAL);
     default:
-        return 8; // numbers, and pointers, which are not longer
+        return 0;
     }
 }
 

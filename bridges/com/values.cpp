@@ -119,7 +119,7 @@ VARIANT target_of(const VARIANT& reference) {
     VARIANT target;
     VariantInit(&target);
     const auto type = static_cast<VARTYPE>(V_VT(&reference) & ~VT_BYREF);
-    if (V_BYREF(&reference) == nullptr)
+    if (V_BYREF(&reference) == nullptr || size_of_type(type) == 0)
         throw_error<COMException>(messages::kBadType, {type_name(V_VT(&reference))});
     if (type == VT_DECIMAL) {
         V_DECIMAL(&target) = *V_DECIMALREF(&reference);
@@ -265,6 +265,10 @@ void to_typed_variant(const Value& value, VARTYPE type, VARIANT& out, const ComO
 
 void to_reference(const Value& value, const VARIANT& reference, const ComOptions& options, int depth) {
     const auto type = static_cast<VARTYPE>(V_VT(&reference) & ~VT_BYREF);
+    if (type == VT_VARIANT && (V_VT(V_VARIANTREF(&reference)) & VT_BYREF) != 0) {
+        to_reference(value, *V_VARIANTREF(&reference), options, depth);
+        return;
+    }
     Variant made;
     to_typed_variant(value, type, made, options, depth);
     if (type == VT_VARIANT) {
@@ -335,7 +339,7 @@ Value from_variant(const VARIANT& variant, int depth) {
         return from_variant(target_of(variant), depth);
     }
     if ((type & VT_ARRAY) != 0)
-        return from_safe_array(V_ARRAY(&variant), depth);
+        return from_safe_array(V_ARRAY(&variant), static_cast<VARTYPE>(type & VT_TYPEMASK), depth);
     switch (type) {
     case VT_EMPTY:
         return {};

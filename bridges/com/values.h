@@ -29,7 +29,7 @@ void to_reference(const Value& value, const VARIANT& reference, const ComOptions
 [[nodiscard]] DATE to_com_date(Date date);
 /// Returns the date of a DATE, in whole seconds.
 [[nodiscard]] Date from_com_date(DATE date);
-/// Returns how many bytes a variable of a type of VARIANTs takes.
+/// Returns how many bytes a variable of a type of VARIANTs takes; 0 for a type that no variable has.
 [[nodiscard]] std::size_t size_of_type(VARTYPE type) noexcept;
 /// Returns the name of a type of VARIANTs, as in "VT_I4".
 [[nodiscard]] wstring type_name(VARTYPE type);

@@ -175,7 +175,7 @@ Completion complete_event(const Interpreter& interpreter, wstring_view before, i
         Names names(word, alias);
         names.addEvents(*source, u"\"");
         return {word.size(), names.take(), {}, {}};
-    } catch (const ScriptError&) {
+    } catch (const Exception&) {
         return {};
     }
 }
@@ -237,6 +237,8 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
         return {word.size(), names.take(), std::move(call.parameters), std::move(call.summary)};
     } catch (const ScriptError&) {
         return complete_event(interpreter, before, alias); // or behind text that is not a script
+    } catch (const Exception&) { // an object of a module that cannot say what it has
+        return {};
     }
 }
 

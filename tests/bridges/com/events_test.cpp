@@ -2,6 +2,7 @@
 // Events of ours heard by others, and events of others heard by our scripts.
 #include "bridges/com/foreign_object.h"
 #include "bridges/com/our_events.h"
+#include "tests/bridges/com/by_hand.h"
 #include "tests/bridges/com/com_fixture.h"
 
 #include <core/collections/array.h>
@@ -16,7 +17,6 @@ namespace {
 constexpr ::GUID kLibraryId{0x6d2c81a4, 0x31b5, 0x4f0e, {0x92, 0x7a, 0x5c, 0x0e, 0xd1, 0x48, 0xb3, 0x01}};
 constexpr ::GUID kOwnId{0x6d2c81a4, 0x31b5, 0x4f0e, {0x92, 0x7a, 0x5c, 0x0e, 0xd1, 0x48, 0xb3, 0x02}};
 constexpr ::GUID kEventsId{0x6d2c81a4, 0x31b5, 0x4f0e, {0x92, 0x7a, 0x5c, 0x0e, 0xd1, 0x48, 0xb3, 0x03}};
-constexpr DISPID kChanged = 7;
 
 /// An object of ours with an event.
 class Meter : public ScriptObject<Meter> {
@@ -30,44 +30,6 @@ class Meter : public ScriptObject<Meter> {
     }
 
     Event<Numeric> changed{named<u"Changed", u"ПриИзменении">};
-};
-
-/// A dispatch interface that others write by hand; it lives on the stack and counts who holds it.
-class ByHand : public IDispatch {
-  public:
-    ::HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) noexcept override {
-        const bool known = iid == IID_IUnknown || iid == IID_IDispatch;
-        *out = known ? this : nullptr;
-        if (known)
-            AddRef();
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++count; }
-    ULONG STDMETHODCALLTYPE Release() noexcept override { return --count; }
-    ::HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* types) noexcept override {
-        *types = 0;
-        return S_OK;
-    }
-    ::HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** out) noexcept override {
-        *out = nullptr;
-        return DISP_E_BADINDEX;
-    }
-    ::HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* name, UINT, LCID,
-                                              DISPID* id) noexcept override {
-        const bool known = wstring_view(*name) == u"Changed";
-        *id = known ? kChanged : DISPID_UNKNOWN;
-        return known ? S_OK : DISP_E_UNKNOWNNAME;
-    }
-    ::HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* given, VARIANT*,
-                                       EXCEPINFO*, UINT*) noexcept override {
-        if (member != kChanged || given->cArgs != 1 || V_VT(&given->rgvarg[0]) != VT_I4)
-            return DISP_E_MEMBERNOTFOUND;
-        heard.push_back(V_I4(&given->rgvarg[0]));
-        return S_OK;
-    }
-
-    std::vector<LONG> heard;
-    ULONG count = 1;
 };
 
 /// An object of others that raises an event, which its type library describes.
@@ -118,6 +80,8 @@ class Source final : public ByHand,
         }
     }
     [[nodiscard]] bool isHeard() const { return listener_.get() != nullptr; }
+    [[nodiscard]] IDispatch* listener() const { return listener_.get(); }
+    void forgetLibrary() { type_ = {}; }
 
     ::HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) noexcept override {
         if (iid == IID_IConnectionPointContainer)
@@ -135,7 +99,7 @@ class Source final : public ByHand,
     ULONG STDMETHODCALLTYPE Release() noexcept override { return ByHand::Release(); }
     ::HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** out) noexcept override {
         *out = ComPtr<ITypeInfo>(type_).detach();
-        return S_OK;
+        return type_ ? S_OK : TYPE_E_CANTLOADLIBRARY;
     }
     ::HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints**) noexcept override {
         return E_NOTIMPL;
@@ -229,6 +193,65 @@ TEST_F(ComEvents, OursHearOthers) {
         EXPECT_EQ(log.size(), 2U);
     }
     EXPECT_FALSE(source.isHeard()); // with the last reference of ours
+    EXPECT_EQ(source.ByHand::count, 1U);
+}
+
+/// What a script fails with, and what is behind it: message ids and texts.
+std::string failures_of(script::Engine& engine, std::string_view script) {
+    std::string all;
+    try {
+        engine.run(script);
+    } catch (const Exception& e) {
+        for (const Exception* one = &e; one != nullptr;
+             one = one->cause() != nullptr ? &one->cause()->exception() : nullptr)
+            all.append(one->messageId()).append(" ").append(to_utf8(one->description())).append("\n");
+    }
+    return all;
+}
+
+TEST_F(ComEvents, ALibraryThatCannotBeReadIsNoSilence) {
+    Source source;
+    source.forgetLibrary();
+    {
+        script::Engine engine;
+        engine.set("Source", service().fromUnknown(static_cast<IDispatch*>(&source)));
+        engine.run("Procedure Heard(Amount) EndProcedure");
+        const std::string text = failures_of(engine, "AddHandler Source.Changed, Heard;");
+        EXPECT_NE(text.find("COM_NO_EVENTS"), std::string::npos) << text;
+        EXPECT_NE(text.find("6d2c81a4-31b5-4f0e-927a-5c0ed148b303"), std::string::npos) << text;
+        EXPECT_NE(text.find("0x80029C4A"), std::string::npos) << text; // what the object answered
+    }
+    EXPECT_EQ(source.ByHand::count, 1U);
+
+    ByHand without; // without connection points there are no events, as with every other object
+    script::Engine engine;
+    engine.set("Source", service().fromUnknown(&without));
+    const std::string text =
+        failures_of(engine, "Procedure Heard(Amount) EndProcedure AddHandler Source.Changed, Heard;");
+    EXPECT_NE(text.find("IDS_EVENT_NO_EVENTS"), std::string::npos) << text;
+}
+
+TEST_F(ComEvents, SourcesThatLieAboutTheirEventsHearIt) {
+    Source source;
+    const Array log;
+    {
+        script::Engine engine;
+        engine.set("Source", service().fromUnknown(static_cast<IDispatch*>(&source)));
+        engine.set("Log", log);
+        engine.run("Procedure Heard(Amount) Log.Add(Amount); EndProcedure AddHandler Source.Changed, Heard;");
+        const auto raise = [&](DISPPARAMS given) {
+            return source.listener()->Invoke(kChanged, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &given,
+                                             nullptr, nullptr, nullptr);
+        };
+        VARIANT values[2]{};
+        DISPID name = 0;
+        EXPECT_EQ(raise({nullptr, nullptr, 1, 0}), E_INVALIDARG);
+        EXPECT_EQ(raise({values, nullptr, 2, 0}), DISP_E_BADPARAMCOUNT);
+        EXPECT_EQ(raise({values, &name, 1, 1}), DISP_E_NONAMEDARGS);
+        V_VT(&values[0]) = VT_CLSID;
+        EXPECT_LT(raise({values, nullptr, 1, 0}), 0);
+        EXPECT_EQ(log.size(), 0U);
+    }
     EXPECT_EQ(source.ByHand::count, 1U);
 }
 
