@@ -49,8 +49,8 @@ inline constexpr const char* kTypeLibrary = "COM_TYPE_LIBRARY";
 [[noreturn]] void throw_failed_call(wstring_view member, ::HRESULT result, EXCEPINFO* info);
 /// Throws COMException (`id`, with `what`) for a failed result; returns for a good one.
 void check(::HRESULT result, const char* id, wstring_view what);
-/// Does the same, and refuses a good result that came with a null pointer. The pointer is looked at behind the
-/// call that stored it.
+/// Does the same, and refuses a good result that came with a null pointer. The pointer is looked at behind
+/// the call that stored it.
 template <class Pointer>
 void check_given(::HRESULT result, const Pointer& given, const char* id, wstring_view what) {
     check(SUCCEEDED(result) && !given ? E_POINTER : result, id, what);

@@ -136,7 +136,8 @@ ComPtr<ITypeInfo> listener_type(IDispatch* dispatch, const ::GUID& id) {
     const wstring what = to_string(from_com(id));
     check_given(S_OK, dispatch, messages::kNoEventNames, what);
     ComPtr<ITypeInfo> own;
-    check_given(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, own.typed()), own, messages::kNoEventNames, what);
+    check_given(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, own.typed()), own, messages::kNoEventNames,
+                what);
     ComPtr<ITypeLib> library;
     UINT index = 0;
     check_given(own->GetContainingTypeLib(library.typed(), &index), library, messages::kNoEventNames, what);

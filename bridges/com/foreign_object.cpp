@@ -151,7 +151,8 @@ std::int32_t ForeignObject::hashCode() const noexcept {
 }
 
 HRESULT ForeignObject::queryOther(const GUID& iid, void** out) noexcept {
-    // On a thread that it does not belong to, the object is not asked: what is called then says why it cannot be.
+    // On a thread that it does not belong to, the object is not asked: what is called then says why it cannot
+    // be.
     const auto has = [this](auto ask) { return !members_.isHere() || ask(); };
     if (iid == IValueCollection::IID && has([this] {
             ComPtr<IEnumVARIANT> all;
@@ -172,8 +173,8 @@ HRESULT ForeignObject::queryOther(const GUID& iid, void** out) noexcept {
         return DISP_E_MEMBERNOTFOUND;
     Variant result;
     DISPPARAMS none{};
-    const ::HRESULT answer = dispatch->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT, kRead, &none,
-                                              &result, info, nullptr);
+    const ::HRESULT answer =
+        dispatch->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT, kRead, &none, &result, info, nullptr);
     if (SUCCEEDED(answer) && (V_VT(&result) == VT_UNKNOWN || V_VT(&result) == VT_DISPATCH))
         walk = ComPtr<IEnumVARIANT>::query(V_UNKNOWN(&result));
     return SUCCEEDED(answer) && !walk ? E_NOINTERFACE : answer;

@@ -10,8 +10,8 @@
 namespace core::com {
 
 /// Returns the content of a safe array: bytes as binary data, one dimension as an array, several as arrays in
-/// arrays. The element type and the lower bounds are not kept. `type` is what the VARIANT around it says of the
-/// elements. Throws COMException for a malformed one.
+/// arrays. The element type and the lower bounds are not kept. `type` is what the VARIANT around it says of
+/// the elements. Throws COMException for a malformed one.
 [[nodiscard]] Value from_safe_array(SAFEARRAY* array, VARTYPE type, int depth = 0);
 
 /// Sets `out`, which must be empty, to a new safe array with the content of a value: binary data, an array, a

@@ -169,7 +169,8 @@ Value type_library_value(const Value& fileOrObject) {
     ComPtr<ITypeLib> library;
     if (const wstring_view* const file = fileOrObject.asString()) {
         const wstring name(*file);
-        check_given(LoadTypeLibEx(name.c_str(), REGKIND_NONE, library.typed()), library, messages::kTypeLibrary, name);
+        check_given(LoadTypeLibEx(name.c_str(), REGKIND_NONE, library.typed()), library,
+                    messages::kTypeLibrary, name);
     } else {
         bool nothing = false;
         const auto object = ComPtr<IDispatch>::query(foreign_object(fileOrObject, nothing).get());
@@ -178,8 +179,10 @@ Value type_library_value(const Value& fileOrObject) {
         if (!object)
             parameter_type_mismatch(0);
         const wstring what = fileOrObject.presentation();
-        check_given(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.typed()), type, messages::kTypeLibrary, what);
-        check_given(type->GetContainingTypeLib(library.typed(), &index), library, messages::kTypeLibrary, what);
+        check_given(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.typed()), type, messages::kTypeLibrary,
+                    what);
+        check_given(type->GetContainingTypeLib(library.typed(), &index), library, messages::kTypeLibrary,
+                    what);
     }
     return Value(make_object<TypeLibrary>(std::move(library)));
 }

@@ -79,8 +79,9 @@ TEST_F(ComCalls, NamesAndGapsReachTheirParameters) {
     EXPECT_EQ(Call(list).with(Value(1))(u"Add"), S_OK);
     EXPECT_EQ(Call(list).with(Value(2)).missing().with(Value(true))(u"Add"), S_OK);
     EXPECT_EQ(Call(list).with(Value(3)).with(Value(true)).as(u"check")(u"ADD"), S_OK);
-    EXPECT_EQ(Call(list).with(Value(true)).as(u"Пометка").with(Value(u"four")).as(u"Presentation")(u"Добавить"),
-              S_OK);
+    EXPECT_EQ(
+        Call(list).with(Value(true)).as(u"Пометка").with(Value(u"four")).as(u"Presentation")(u"Добавить"),
+        S_OK);
     EXPECT_EQ(Call(list)(u"Add"), S_OK);
     script::Engine engine;
     engine.set("List", list);
@@ -130,8 +131,9 @@ TEST_F(ComCalls, ValuesComeBackIntoVariables) {
     Variant narrow;
     V_VT(&narrow) = VT_I4 | VT_BYREF;
     V_I4REF(&narrow) = &whole;
-    EXPECT_EQ(Call(structure).with(Value(u"B")).with(std::move(narrow))(u"Property", &found), DISP_E_EXCEPTION);
-    EXPECT_EQ(whole, 5); // a text is no VT_I4
+    EXPECT_EQ(Call(structure).with(Value(u"B")).with(std::move(narrow))(u"Property", &found),
+              DISP_E_EXCEPTION);
+    EXPECT_EQ(whole, 5); // a text is not a VT_I4
 
     VARIANT inner; // a variable that leads to another one
     V_VT(&inner) = VT_I4 | VT_BYREF;

@@ -22,7 +22,10 @@ namespace core::com {
 /// left on either side.
 class ComTest : public ::testing::Test {
   protected:
-    ~ComTest() override { EXPECT_EQ(held_objects(), 0U); }
+    ~ComTest() override {
+        SetErrorInfo(0, nullptr); // the thread keeps the last failure
+        EXPECT_EQ(held_objects(), 0U);
+    }
 
     static ICOMTypeService& service() { return require_service<ICOMTypeService>(); }
 
@@ -40,6 +43,14 @@ class ComTest : public ::testing::Test {
             return e.messageId();
         }
         return {};
+    }
+
+    /// Expects that as many objects of each class live as live_report() said before.
+    static void expectAsManyAs(const decltype(live_report())& before) {
+        const auto after = live_report();
+        ASSERT_EQ(after.size(), before.size());
+        for (std::size_t i = 0; i < after.size(); ++i)
+            EXPECT_EQ(after[i].count, before[i].count) << after[i].name;
     }
 
     host::HostProcess process_;

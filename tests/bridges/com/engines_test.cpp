@@ -2,6 +2,9 @@
 // Our objects in scripts that other engines run, in one process with the bridge.
 #include "tests/bridges/com/engine_site.h"
 
+#include <cstdlib>
+#include <string>
+
 namespace core::com {
 namespace {
 
@@ -37,6 +40,31 @@ TEST_F(ComEngines, JScriptMakesReadsChangesAndCalls) {
                        "Maker.Take(caught);"),
               "");
     EXPECT_EQ(to_utf8(maker_->taken.presentation()), "yes");
+}
+
+TEST_F(ComEngines, NothingIsLeftAfterManyCalls) {
+    const bool nightly = std::getenv("CORE_NIGHTLY") != nullptr;
+    const auto use = [&](const std::string& rounds) {
+        const auto held = dispatch_of(Value(maker_));
+        Site java(u"JScript", held.get());
+        EXPECT_EQ(java.run("for (var i = 0; i < " + rounds +
+                           "; ++i) { var A = Maker.Make('Array'); A.Add(Maker.Make('Structure')); "
+                           "A.Get(0).Insert('A', A);"
+                           "try { A.Get(7); } catch (e) {} A.Get(0).Clear(); A.Count(); }"),
+                  "");
+        Site basic(u"VBScript", held.get());
+        EXPECT_EQ(
+            basic.run("For I = 1 To " + rounds +
+                      "\nSet A = Maker.Make(\"Array\")\nA.Add Maker.Make(\"Structure\")\nFor Each X In A\n"
+                      "X.Insert \"A\", I\nFound = X.Property(\"A\", V)\nNext\nA.Count\nNext\n"),
+            "");
+        maker_->clear();
+    };
+    use("1"); // what is made once is there
+    const auto before = live_report();
+    use(nightly ? "250000" : "25000"); // of fourteen calls
+    EXPECT_EQ(held_objects(), 0U);
+    expectAsManyAs(before);
 }
 
 } // namespace

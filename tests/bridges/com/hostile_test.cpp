@@ -53,7 +53,16 @@ TEST_F(ComHostile, ArraysThatPromiseMoreThanTheyHold) {
 }
 
 /// What an object of others lies about.
-enum class Lie { noType, noAttributes, noFunction, noParameters, noVariable, noLibrary, walkCount, walkFails };
+enum class Lie {
+    noType,
+    noAttributes,
+    noFunction,
+    noParameters,
+    noVariable,
+    noLibrary,
+    walkCount,
+    walkFails
+};
 
 /// A description of a type that keeps back what it says to give.
 class LyingType final : public ITypeInfo {
@@ -89,7 +98,9 @@ class LyingType final : public ITypeInfo {
     ::HRESULT STDMETHODCALLTYPE GetNames(MEMBERID, BSTR*, UINT, UINT*) noexcept override { return E_NOTIMPL; }
     ::HRESULT STDMETHODCALLTYPE GetRefTypeOfImplType(UINT, HREFTYPE*) noexcept override { return E_NOTIMPL; }
     ::HRESULT STDMETHODCALLTYPE GetImplTypeFlags(UINT, INT*) noexcept override { return E_NOTIMPL; }
-    ::HRESULT STDMETHODCALLTYPE GetIDsOfNames(LPOLESTR*, UINT, MEMBERID*) noexcept override { return E_NOTIMPL; }
+    ::HRESULT STDMETHODCALLTYPE GetIDsOfNames(LPOLESTR*, UINT, MEMBERID*) noexcept override {
+        return E_NOTIMPL;
+    }
     ::HRESULT STDMETHODCALLTYPE Invoke(void*, MEMBERID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                        UINT*) noexcept override {
         return E_NOTIMPL;
@@ -202,9 +213,11 @@ TEST_F(ComHostile, ObjectsThatKeepBackWhatTheySayToGive) {
 }
 
 TEST_F(ComHostile, WalksThatFailSayWhy) {
-    EXPECT_NE(failures(Lie::walkCount, "For Each X In Liar Do EndDo;").find("COM_CALL_FAILED"), std::string::npos);
-    EXPECT_NE(failures(Lie::walkFails, "For Each X In Liar Do EndDo;").find("out of order"), std::string::npos);
-    const std::string none = failures(Lie::noType, "For Each X In Liar Do EndDo;"); // which is no lie
+    EXPECT_NE(failures(Lie::walkCount, "For Each X In Liar Do EndDo;").find("COM_CALL_FAILED"),
+              std::string::npos);
+    EXPECT_NE(failures(Lie::walkFails, "For Each X In Liar Do EndDo;").find("out of order"),
+              std::string::npos);
+    const std::string none = failures(Lie::noType, "For Each X In Liar Do EndDo;"); // honestly
     EXPECT_EQ(none.find("COM_"), std::string::npos) << none;
 }
 
@@ -230,7 +243,8 @@ DWORD WINAPI use_from_thread(void* given) {
         const GenericValue value{Value(InterfacePtr<IValue>(stranger.object))};
         stranger.walk = said([&] { static_cast<void>(value.query<IValueCollection>()->enumerate()); });
         stranger.member = said([&] { static_cast<void>(value.query<IContext_>()->findMethod(u"Changed")); });
-        stranger.events = said([&] { static_cast<void>(value.query<IEventSource>()->findEvent(u"Changed")); });
+        stranger.events =
+            said([&] { static_cast<void>(value.query<IEventSource>()->findEvent(u"Changed")); });
     }
     CoUninitialize();
     return 0;

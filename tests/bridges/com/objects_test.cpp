@@ -289,10 +289,7 @@ TEST_F(ComObjects, NothingIsLeftAfterManyCalls) {
         dictionary->call(removeAll, nullptr, nullptr);
     }
     EXPECT_EQ(held_objects(), 0U);
-    const auto after = live_report();
-    ASSERT_EQ(after.size(), before.size());
-    for (std::size_t i = 0; i < after.size(); ++i)
-        EXPECT_EQ(after[i].count, before[i].count) << after[i].name;
+    expectAsManyAs(before);
 }
 
 } // namespace

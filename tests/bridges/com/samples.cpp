@@ -22,8 +22,9 @@ struct Recipe {
     const char* script; ///< of ours
 };
 
-constexpr const char* kTable = "T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"Name\");"
-                               "T.Indexes.Add(\"A\"); T.AddRow(1, \"one\"); T.AddRow(2, \"two\"); T.AddRow(2, \"A\");";
+constexpr const char* kTable =
+    "T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"Name\");"
+    "T.Indexes.Add(\"A\"); T.AddRow(1, \"one\"); T.AddRow(2, \"two\"); T.AddRow(2, \"A\");";
 constexpr const char* kTree = "T = New ValueTree; T.Columns.Add(\"A\"); T.Columns.Add(\"Name\");"
                               "R = T.Rows.Add(); R.A = 1; R.Name = \"one\"; S = R.Rows.Add(); S.A = 2;";
 constexpr const char* kList = "L = New ValueList; L.Add(1, \"one\"); L.Add(2, \"two\", True);";
@@ -57,11 +58,13 @@ constexpr Recipe kRecipes[] = {
     {u"Report", "Return New Report(T);"},
     {u"ReportColumn", "S = New ReportStyle; Return S.Columns.A;"},
     {u"ReportColumns", "S = New ReportStyle; S.Columns.A.Title = \"one\"; Return S.Columns;"},
-    {u"StandardBeginningDate", "Return New StandardBeginningDate(StandardBeginningDateVariant.BeginningOfThisYear);"},
+    {u"StandardBeginningDate",
+     "Return New StandardBeginningDate(StandardBeginningDateVariant.BeginningOfThisYear);"},
     {u"StandardPeriod", "Return New StandardPeriod(StandardPeriodVariant.ThisYear);"},
     {u"StoredValue", "Return New StoredValue(1);"},
     {u"Structure", "Return New Structure(\"A,B\", 1, \"two\");"},
-    {u"TextDocument", "D = New TextDocument(\"one\"); D.InsertLine(1, \"A two\"); D.InsertLine(2, \"three\"); Return D;"},
+    {u"TextDocument",
+     "D = New TextDocument(\"one\"); D.InsertLine(1, \"A two\"); D.InsertLine(2, \"three\"); Return D;"},
     {u"TextMatch", "Return RegexFind(\"one A\", \"A\");"},
     {u"TextReader", "Return New TextReader(\"A\");"},
     {u"TextWriter", "Return New TextWriter(\"B\");"},
@@ -78,14 +81,17 @@ constexpr Recipe kRecipes[] = {
     {u"COMTypeLibrary", "Return New COMTypeLibrary(New COMObject(\"Scripting.Dictionary\"));"},
 };
 
-constexpr const char* kArguments =
-    "All = New Array; All.Add(0); All.Add(1); All.Add(2); All.Add(2.5); All.Add(\"A\"); All.Add(\"Name\");"
-    "All.Add(\"B\"); All.Add(\"one\"); All.Add(\"Number\"); All.Add(\"A > 1\"); All.Add(\"en\"); All.Add(True);"
+constexpr const char* kArguments = // kUsualArguments first
+    "All = New Array; All.Add(0); All.Add(1); All.Add(2); All.Add(\"A\"); All.Add(\"Name\"); "
+    "All.Add(\"one\");"
+    "All.Add(2.5); All.Add(\"B\"); All.Add(\"Number\"); All.Add(\"A > 1\"); All.Add(\"en\"); All.Add(True);"
     "All.Add(Undefined); All.Add(Null); A = New Array; A.Add(1); A.Add(2); A.Add(3); All.Add(A);"
     "All.Add(New Structure(\"A\", 1)); All.Add(Type(\"Number\")); All.Add(New TypeDescription(\"Number\"));"
     "All.Add(SortDirection.Desc); All.Add(New Color(\"#4682B4\")); All.Add(New BinaryData(\"A\"));"
-    "All.Add(New Filter(\"A > 1\")); All.Add(New Style); All.Add(New Rect(0, 0, 5, 5)); All.Add(New Font(\"Arial\"));"
-    "All.Add(LineEnds.LF); All.Add(ColumnAlignment.Right); Return All;";
+    "All.Add(New Filter(\"A > 1\")); All.Add(New Style); All.Add(New Rect(0, 0, 5, 5)); All.Add(New "
+    "Font(\"Arial\"));"
+    "All.Add(LineEnds.LF); All.Add(\"UTF-16LE\"); All.Add(\"TextColor\"); All.Add(\"TextFont\"); "
+    "All.Add(ColumnAlignment.Right); Return All;";
 
 Value run(const std::string& script) {
     script::Engine engine;
@@ -127,9 +133,10 @@ GenericValue sample_of(wstring_view type) {
 }
 
 std::vector<GenericValue> arguments_for(const GenericValue& sample, std::size_t& dates) {
+    static const script::Script script = script::compile(kArguments);
     std::vector<GenericValue> all;
     script::Engine engine;
-    const GenericValue known = engine.run(kArguments);
+    const GenericValue known = engine.run(script);
     const auto walk = known.query<IValueCollection>()->enumerate();
     for (GenericValue value; walk->next(value);)
         all.push_back(value);
@@ -151,6 +158,10 @@ std::vector<GenericValue> arguments_for(const GenericValue& sample, std::size_t&
     return all;
 }
 
+bool differs_by_moment(std::string_view property) {
+    return property == "FreeSpace" || property == "Modified" || property == "Created";
+}
+
 std::string state_of(const GenericValue& value, int depth) {
     std::string state = to_utf8(value.type().name(kEnglish)) + " " + to_utf8(value.presentation());
     if (depth == 0 || !value.isObject())
@@ -158,7 +169,7 @@ std::string state_of(const GenericValue& value, int depth) {
     if (const auto context = value.query<IContext_>()) {
         for (int prop = 0; prop < context->getNProps(); ++prop) {
             const std::string name = to_utf8(context->getPropName(prop, kEnglish));
-            if (name == "FreeSpace" || name == "Modified" || name == "Created")
+            if (differs_by_moment(name))
                 continue;
             try {
                 GenericValue held;
