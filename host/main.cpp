@@ -1,16 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/program.h"
-#include "host/terminal/system_terminal.h"
-
-#include <iostream>
-#include <utility>
 
 int main(int argc, char** argv) {
-    using namespace host;
-    std::vector<std::string> arguments = begin_process(argc, argv);
-    std::ios::sync_with_stdio(false);
-    Console console{std::cin, std::cout, std::cerr, language_of_environment(), colour_of_environment()};
-    console.terminal = terminal_of_environment();
-    console.colours = colours_of_environment();
-    return static_cast<int>(run_program(std::move(arguments), console));
+    return host::run_main(argc, argv);
 }

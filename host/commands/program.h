@@ -13,4 +13,8 @@ namespace host {
 /// nothing; every failure is a message on `console.err` and an exit code.
 [[nodiscard]] ExitCode run_program(std::vector<std::string> arguments, Console& console);
 
+/// The main() of corehost: run_program() on the streams of the process, in the language of its environment.
+/// Returns the exit code.
+[[nodiscard]] int run_main(int count, char** arguments);
+
 } // namespace host
