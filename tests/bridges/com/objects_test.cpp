@@ -5,7 +5,9 @@
 
 #include <core/collections/array.h>
 #include <core/collections/pairs.h>
+#include <core/runtime/threads/thread.h>
 #include <core/strings/integer_text.h>
+#include <core/strings/term.h>
 
 namespace core::com {
 namespace {
@@ -91,6 +93,28 @@ TEST_F(ComObjects, ElementsAndWalks) {
     EXPECT_EQ(all->Reset(), S_OK);
     EXPECT_EQ(all->Skip(3), S_OK);
     EXPECT_EQ(all->Next(1, elements, nullptr), S_FALSE);
+}
+
+TEST_F(ComObjects, FailuresSpeakTheLanguageOfTheUser) {
+    const auto array = dispatch_of(Array{1});
+    const Locale before = Thread::getResourceLocale();
+    Variant index;
+    to_variant(Value(5), index, {});
+    std::string texts[2];
+    std::string sources[2];
+    for (const int alias : {kEnglish, kRussian}) {
+        Thread::setResourceLocale(Locale(alias == kEnglish ? "en" : "ru"));
+        EXCEPINFO info{};
+        EXPECT_EQ(call(*array.get(), u"Get", DISPATCH_METHOD, {&index, 1}, nullptr, &info), DISP_E_EXCEPTION);
+        texts[alias] = to_utf8(Bstr::view(info.bstrDescription));
+        sources[alias] = to_utf8(Bstr::view(info.bstrSource));
+        SysFreeString(info.bstrSource);
+        SysFreeString(info.bstrDescription);
+    }
+    Thread::setResourceLocale(before);
+    EXPECT_NE(texts[kEnglish], texts[kRussian]);
+    EXPECT_GT(static_cast<unsigned char>(texts[kRussian][0]), 0x7F) << texts[kRussian];
+    EXPECT_EQ(sources[kEnglish], sources[kRussian]);
 }
 
 TEST_F(ComObjects, FailuresHaveTextClassAndMessageId) {
@@ -237,16 +261,20 @@ TEST_F(ComObjects, TheServiceIsFoundByItsId) {
 TEST_F(ComObjects, TypeLibrariesAreValues) {
     const Value found = run(R"(
         L = New COMTypeLibrary(New COMObject("Scripting.Dictionary"));
+        Constants = "";
         For Each T In L.Types Do
+            If T.Name = "CompareMethod" Then
+                Constants = T.Kind + " " + T.Constants.TextCompare;
+            EndIf;
             If T.Name = "IDictionary" Then
                 For Each M In T.Members Do
                     If M.Name = "Add" Then
-                        Return L.Name + " " + M.Kind + " " + M.Parameters.Count();
+                        Return L.Name + " " + M.Kind + " " + M.Parameters.Count() + " " + Constants;
                     EndIf;
                 EndDo;
             EndIf;
         EndDo;)");
-    EXPECT_EQ(to_utf8(found.presentation()), "Scripting Method 2");
+    EXPECT_EQ(to_utf8(found.presentation()), "Scripting Method 2 Enumeration 1");
     const Value dictionary = service().create(u"Scripting.Dictionary");
     const auto definition = dictionary.query<IContext_>();
     EXPECT_GE(definition->getNMethods(), 5);

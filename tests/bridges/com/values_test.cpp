@@ -279,6 +279,77 @@ TEST_F(ComValues, ArraysOfAnyTypeAndDimension) {
     EXPECT_EQ(SafeArrayGetElemsize(V_ARRAY(&out)), 2U);
 }
 
+TEST_F(ComValues, TablesAreTwoDimensions) {
+    const Value table = run("T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"B\"); T.AddRow(1, \"x\");"
+                            "T.AddRow(2, \"y\"); T.AddRow(3, Null); Return T;");
+    Variant variant;
+    to_variant(table, variant, {.arrays = ComArrays::copies});
+    ASSERT_EQ(V_VT(&variant), VT_ARRAY | VT_VARIANT);
+    ASSERT_EQ(SafeArrayGetDim(V_ARRAY(&variant)), 2U);
+    LONG at[2] = {1, 1}; // the second row, the second column
+    Variant element;
+    ASSERT_EQ(SafeArrayGetElement(V_ARRAY(&variant), at, &element), S_OK);
+    EXPECT_EQ(from_variant(element), Value(u"y"));
+    const Array rows(from_variant(variant));
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_EQ(Array(rows[2])[0], Value(3));
+    EXPECT_EQ(Array(rows[2])[1], Value::null());
+    Variant object;
+    to_variant(table, object, {});
+    EXPECT_EQ(V_VT(&object), VT_DISPATCH);
+}
+
+/// A record type of a type library.
+ComPtr<IRecordInfo> make_record(const wstring& name) {
+    constexpr ::GUID kRecord{0x6d2c81a4, 0x31b5, 0x4f0e, {0x92, 0x7a, 0x5c, 0x0e, 0xd1, 0x48, 0xb3, 0x04}};
+    WCHAR folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    const wstring file = wstring(folder) + u"core_record.tlb";
+    ComPtr<ICreateTypeLib2> library;
+    EXPECT_EQ(CreateTypeLib2(SYS_WIN64, file.c_str(), library.typed()), S_OK);
+    ComPtr<ICreateTypeInfo> made;
+    EXPECT_EQ(library->CreateTypeInfo(wstring(name).data(), TKIND_RECORD, made.typed()), S_OK);
+    EXPECT_EQ(made->SetGuid(kRecord), S_OK);
+    VARDESC field{};
+    field.varkind = VAR_PERINSTANCE;
+    field.elemdescVar.tdesc.vt = VT_I4;
+    EXPECT_EQ(made->AddVarDesc(0, &field), S_OK);
+    EXPECT_EQ(made->LayOut(), S_OK);
+    ComPtr<IRecordInfo> record;
+    EXPECT_EQ(GetRecordInfoFromTypeInfo(ComPtr<ITypeInfo>::query(made.get()).get(), record.typed()), S_OK);
+    return record;
+}
+
+TEST_F(ComValues, RecordsAreRefusedByName) {
+    const auto record = make_record(u"Point");
+    ASSERT_TRUE(record);
+    LONG content = 5;
+    const auto refusal = [](const VARIANT& variant) -> std::string {
+        try {
+            static_cast<void>(from_variant(variant));
+        } catch (const COMException& e) {
+            return std::string(e.messageId()) + " " + to_utf8(e.parameters().at(0));
+        }
+        return {};
+    };
+    VARIANT one;
+    V_VT(&one) = VT_RECORD;
+    V_RECORD(&one) = &content;
+    V_RECORDINFO(&one) = record.get();
+    EXPECT_EQ(refusal(one), "COM_RECORD Point");
+    V_VT(&one) = VT_RECORD | VT_BYREF;
+    EXPECT_EQ(refusal(one), "COM_RECORD Point");
+    SAFEARRAYBOUND bound{2, 0};
+    VARIANT many;
+    V_VT(&many) = VT_RECORD | VT_ARRAY;
+    V_ARRAY(&many) = SafeArrayCreateEx(VT_RECORD, 1, &bound, record.get());
+    EXPECT_EQ(refusal(many), "COM_RECORD Point");
+    SafeArrayDestroy(V_ARRAY(&many));
+    V_VT(&one) = VT_RECORD;
+    V_RECORDINFO(&one) = nullptr;
+    EXPECT_EQ(refusal(one), "COM_RECORD ");
+}
+
 TEST_F(ComValues, HostileArraysAreErrors) {
     const Array own;
     own.add(own);
