@@ -9,8 +9,8 @@
 
 namespace {
 
-/// The arguments as they were given, since the system's own way to main() loses letters outside of a locale with
-/// UTF-8.
+/// The arguments as they were given, since the system's own way to main() loses letters outside of a locale
+/// with UTF-8.
 std::vector<std::string> given_arguments(int count, char** arguments) {
     std::vector<std::string> given;
     std::ifstream line("/proc/self/cmdline", std::ios::binary);

@@ -88,12 +88,18 @@ VARTYPE own_type(SAFEARRAY* array) {
     return type;
 }
 
-/// Whether elements of one type are read as those of another one.
-bool is_alike(VARTYPE a, VARTYPE b) noexcept {
-    const auto plain = [](VARTYPE type) noexcept -> VARTYPE {
-        return type == VT_INT ? VT_I4 : type == VT_UINT ? VT_UI4 : type == VT_DISPATCH ? VT_UNKNOWN : type;
-    };
-    return plain(a) == plain(b);
+/// The type that elements of a type are read as.
+VARTYPE read_as(VARTYPE type) noexcept {
+    switch (type) {
+    case VT_INT:
+        return VT_I4;
+    case VT_UINT:
+        return VT_UI4;
+    case VT_DISPATCH:
+        return VT_UNKNOWN;
+    default:
+        return type;
+    }
 }
 
 Value element_value(std::byte* place, VARTYPE type, int depth) {
@@ -243,7 +249,7 @@ Value from_safe_array(SAFEARRAY* array, VARTYPE type, int depth) {
     const std::vector<std::size_t> counts = counts_of(array);
     const int inside = depth + static_cast<int>(counts.size());
     check_depth(inside);
-    if (!is_alike(type, own_type(array)))
+    if (read_as(type) != read_as(own_type(array)))
         bad_array();
     if (type == VT_RECORD) {
         ComPtr<IRecordInfo> info;

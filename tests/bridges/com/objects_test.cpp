@@ -98,8 +98,9 @@ TEST_F(ComObjects, ElementsAndWalks) {
 TEST_F(ComObjects, FailuresSpeakTheLanguageOfTheUser) {
     const auto array = dispatch_of(Array{1});
     const Locale before = Thread::getResourceLocale();
-    Variant index;
-    to_variant(Value(5), index, {});
+    VARIANT index;
+    V_VT(&index) = VT_I4;
+    V_I4(&index) = 5;
     std::string texts[2];
     std::string sources[2];
     for (const int alias : {kEnglish, kRussian}) {

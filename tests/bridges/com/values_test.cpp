@@ -280,8 +280,9 @@ TEST_F(ComValues, ArraysOfAnyTypeAndDimension) {
 }
 
 TEST_F(ComValues, TablesAreTwoDimensions) {
-    const Value table = run("T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"B\"); T.AddRow(1, \"x\");"
-                            "T.AddRow(2, \"y\"); T.AddRow(3, Null); Return T;");
+    const Value table =
+        run("T = New ValueTable; T.Columns.Add(\"A\"); T.Columns.Add(\"B\"); T.AddRow(1, \"x\");"
+            "T.AddRow(2, \"y\"); T.AddRow(3, Null); Return T;");
     Variant variant;
     to_variant(table, variant, {.arrays = ComArrays::copies});
     ASSERT_EQ(V_VT(&variant), VT_ARRAY | VT_VARIANT);
@@ -328,7 +329,7 @@ TEST_F(ComValues, RecordsAreRefusedByName) {
         try {
             static_cast<void>(from_variant(variant));
         } catch (const COMException& e) {
-            return std::string(e.messageId()) + " " + to_utf8(e.parameters().at(0));
+            return std::string(e.messageId()) + " " + to_utf8(e.parameters().front());
         }
         return {};
     };
