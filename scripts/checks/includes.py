@@ -38,6 +38,7 @@ BELOW = {
     "host/commands": ["host/terminal", "host/lists", "host/process", "containers", "profiles"],
     "host": ["host/commands"],
     "bridges/com": ["tables", "host/process"],
+    "bridges/com/program": ["bridges/com", "host/commands"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
@@ -53,7 +54,7 @@ def layer_of(path):
     """The layer of a file or an include; None for an umbrella header and for what is not ours."""
     parts = path.removeprefix("include/").split("/")
     if parts[0] == "bridges":
-        return "/".join(parts[:2])
+        return "/".join(parts[:-1])
     if parts[0] == "host":
         if len(parts) > 2:
             return f"host/{parts[1]}"
