@@ -63,8 +63,12 @@ TEST_F(Values, AHolderIsNeverEmptyAndAssignsToItself) {
 
 TEST_F(Values, LettingGoOfValuesLeavesNothingAlive) {
     const auto alive = [] {
-        return live_counter<NumberValue>.count() + live_counter<StringValue>.count() +
-               live_counter<DateValue>.count() + live_counter<TypeValue>.count();
+        std::int32_t count = 0; // by name: some compilers give a program a counter of its own for each class
+        for (const LiveClass& line : live_report()) {
+            for (const char* const name : {"::NumberValue", "::StringValue", "::DateValue", "::TypeValue"})
+                count += line.name.ends_with(name) ? line.count : 0;
+        }
+        return count;
     };
     const auto before = alive();
     {
