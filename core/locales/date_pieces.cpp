@@ -182,7 +182,7 @@ class Reading {
         const std::int64_t seconds = (hour * 60 + minute) * 60 + second;
         std::int64_t ticks = seconds * kTicksPerSecond;
         if (const DatePiece* const fraction = piece(u"S"))
-            ticks += *number(u"S") * power_of_ten(4 - fraction->width);
+            ticks += std::int64_t{*number(u"S")} * power_of_ten(4 - fraction->width);
         const Date made = *day + DateSpan(ticks);
         return agrees(made) ? std::optional(made) : std::nullopt;
     }

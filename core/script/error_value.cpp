@@ -56,6 +56,7 @@ class ErrorValue : public ScriptObject<ErrorValue, IErrorValue> {
                                            .object = script_class_id(u"Error")};
 
     ErrorValue() : failure_(failure_of(error_)) {}
+    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): a member, which is kept
     explicit ErrorValue(const Error& error) : error_(error), failure_(failure_of(error_)) {}
 
     const Error& error() const noexcept override { return error_; }

@@ -37,8 +37,8 @@ std::shared_ptr<StorageEngine> open_engine(const InterfacePtr<IFile>& file, cons
 
 } // namespace
 
-StorageRW::StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout, const StorageOptions& options,
-                     const wstring& url)
+StorageRW::StorageRW(const InterfacePtr<IFile>& file, const StorageLayout& layout,
+                     const StorageOptions& options, const wstring& url)
     : engine_(open_engine(file, layout, options, url)) {}
 
 void StorageRW::create(IFile& file, const StorageLayout& layout) {

@@ -111,7 +111,7 @@ bool read_tiff(PictureSource& source, PictureInfo& info) {
     const Directory directory = read_directory(source, numbers, numbers.number(head));
     // A row of a fax may be one bit.
     constexpr std::uint64_t kPlain = 8;
-    constexpr std::uint64_t kPacked = 8U * 65536U;
+    constexpr std::uint64_t kPacked = std::uint64_t{8} * 65536;
     set_size(info, directory.width, directory.height, directory.compression == 1 ? kPlain : kPacked,
              source.size());
     if (directory.unit == 2 || directory.unit == 3) {

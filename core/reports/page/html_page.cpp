@@ -167,7 +167,7 @@ class PageWriter {
             add('k' + std::to_string(look));
         if (level > 0)
             add("level");
-        begin("td", std::move(classes));
+        begin("td", classes);
         if (level > 0)
             text_ += " style=\"--level:" + std::to_string(level) + '"';
         if (isSorted())

@@ -60,7 +60,7 @@ class CORE_API StorageRW {
     /// Opens the container in `file`, to which it takes a reference. `url` names the container in messages;
     /// the file's own URL does when it is empty. Throws StorageException of kind badFormat when the file
     /// holds no container of this layout.
-    explicit StorageRW(InterfacePtr<IFile> file, const StorageLayout& layout = kStorageLayout32,
+    explicit StorageRW(const InterfacePtr<IFile>& file, const StorageLayout& layout = kStorageLayout32,
                        const StorageOptions& options = {}, const wstring& url = {});
 
     /// Makes an empty container in `file`. Throws FileException when the file is not empty.
