@@ -366,7 +366,8 @@ TEST_P(Processes, KilledWritersLoseNothingTheyCommitted) {
     StorageRW watcher = open(); // by one who has it open all the time
     std::vector<std::uint32_t> now(2);
     std::size_t kills = 0;
-    for (int round = is_nightly() ? 1250 : 12; round > 0; --round) {
+    // A slow machine needs more rounds until something has been committed.
+    for (int round = is_nightly() ? 1250 : 12; round > 0 || now[0] + now[1] <= 10; --round) {
         const auto writer = [&](int number) {
             return [&, number](int pipe) {
                 return start([&, number, pipe] {
@@ -407,7 +408,6 @@ TEST_P(Processes, KilledWritersLoseNothingTheyCommitted) {
                 << committed[i] << " " << found->at(i);
         now = *found;
     }
-    EXPECT_GT(now[0] + now[1], 10U);
     RecordProperty("kills", static_cast<int>(kills));
 }
 
