@@ -96,7 +96,8 @@ bool read_bmp(PictureSource& source, PictureInfo& info) {
         if (bits != 0 && bits <= 64 && height != 0 && row <= room / height)
             set_size(info, width, height, 0x100000000, room);
     } else {
-        constexpr std::uint64_t kLongestJump = std::uint64_t{255} * 255; // pixels that four bytes can leave out
+        constexpr std::uint64_t kLongestJump =
+            std::uint64_t{255} * 255; // pixels that four bytes can leave out
         set_size(info, width, height, kLongestJump, room);
     }
     return true;
