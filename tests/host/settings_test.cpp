@@ -8,6 +8,7 @@
 #include <core/profiles/settings.h>
 
 #include <fcntl.h>
+#include <nlohmann/json.hpp>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -57,6 +58,73 @@ TEST_F(SettingsCommand, GivesBackWhatWasSet) {
     EXPECT_TRUE(std::filesystem::exists(path("etc/corehost/settings.list")));
 }
 
+TEST_F(SettingsCommand, TellsTheTypeAndTheLayerOfEachValue) {
+    struct Case {
+        std::vector<std::string> given;
+        std::string value, type;
+    };
+    const Case cases[] = {{{"false"}, "false", "Boolean"},
+                          {{"--text", "true"}, "true", "String"},
+                          {{"1.5"}, "1.5", "Number"},
+                          {{"1.50"}, "1.50", "String"},
+                          {{"+1"}, "+1", "String"},
+                          {{""}, "", "String"},
+                          {{"{\"B\",0}"}, "false", "Boolean"},
+                          {{"--text", "{\"N\",1}"}, "{\"N\",1}", "String"},
+                          {{"True"}, "True", "String"},
+                          {{"два\nслова"}, "два\nслова", "String"}};
+    for (const Case& one : cases) {
+        std::vector<std::string> arguments = {"set", "--layer", "system", "f/v"};
+        arguments.insert(arguments.end(), one.given.begin(), one.given.end());
+        ASSERT_EQ(settings(arguments), ExitCode::done) << one.value;
+        const Answer answer = corehost({"--json", "settings", "list", "f"});
+        const nlohmann::json expected = {
+            {{"path", "f/v"}, {"value", one.value}, {"type", one.type}, {"layer", "system"}}};
+        EXPECT_EQ(nlohmann::json::parse(answer.out), expected) << answer.out << answer.err;
+        EXPECT_EQ(nlohmann::json::parse(corehost({"--json", "settings", "get", "f/v"}).out), expected[0]);
+    }
+    EXPECT_EQ(settings({"set", "f/v", "7"}), ExitCode::done);
+    EXPECT_NE(corehost({"--json", "settings", "get", "f/v"}).out.find("\"user\""), std::string::npos);
+    EXPECT_EQ(settings({"rm", "f/v"}), ExitCode::done);
+    EXPECT_EQ(corehost({"settings", "list", "f"}).out, "f/v = два\uFFFDслова\n")
+        << "the system's is seen again, in one line";
+    EXPECT_EQ(settings({"rm", "--layer", "system", "f"}), ExitCode::done);
+    EXPECT_EQ(corehost({"--json", "settings", "list", "f"}).out, "[]\n");
+
+    EXPECT_EQ(settings({"set", "--layer", "run", "a", "1"}), ExitCode::usage);
+    for (const char* const verb : {"get", "set", "rm", "export", "import"})
+        EXPECT_EQ(settings({verb}), ExitCode::usage) << verb;
+    EXPECT_NE(settings({"import", path("none.list")}), ExitCode::done);
+    EXPECT_NE(settings({"import", file("bad.list", "{1,")}), ExitCode::done);
+    EXPECT_EQ(corehost({"--json", "settings", "list"}).out, "[]\n") << "nothing of a damaged file is set";
+}
+
+TEST_F(SettingsCommand, WhatTheProgramCannotUseIsToldAndPassedOver) {
+    const std::string script = file("numbers.script", "Print(1 = 1); Print(1234.5); Print('20240229');");
+    const auto ran = [&] { return corehost({"run", script}); };
+    const std::string plain = ran().out;
+    const std::pair<std::string, std::string> wrong[] = {{"language", "klingon"}, {"mode", "crooked"},
+                                                         {"locale", "no locale"}, {"numberFormat", "?=?"},
+                                                         {"dateFormat", "?=?"},   {"booleanFormat", "?=?"}};
+    for (const auto& [name, value] : wrong) {
+        ASSERT_EQ(settings({"set", "host/" + name, value}), ExitCode::done);
+        const Answer answer = ran();
+        EXPECT_EQ(answer.code, ExitCode::done) << name;
+        EXPECT_EQ(answer.out, plain) << name;
+        EXPECT_NE(answer.err.find("host/" + name + " cannot be “" + value), std::string::npos)
+            << name << answer.err;
+        ASSERT_EQ(settings({"rm", "host"}), ExitCode::done);
+    }
+    const std::pair<std::string, std::string> right[] = {
+        {"mode", "csv"}, {"locale", "ru_RU"}, {"language", "en"}, {"history", "false"}};
+    for (const auto& [name, value] : right) {
+        ASSERT_EQ(settings({"set", "host/" + name, value}), ExitCode::done);
+        const Answer answer = ran();
+        EXPECT_EQ(answer.code, ExitCode::done) << name;
+        EXPECT_EQ(answer.err, "") << name;
+    }
+}
+
 TEST_F(SettingsCommand, SetsWhatTheProgramReadsAtItsStart) {
     static_cast<void>(file("date.script", "Print('20240229'); Print(1234.5);"));
     EXPECT_EQ(settings({"set", "host/language", "ru"}), ExitCode::done);
@@ -98,6 +166,36 @@ TEST_F(SettingsCommand, WatchesOthersUntilItIsInterrupted) {
     EXPECT_EQ(text_of(told).find("other"), std::string::npos);
 }
 
+TEST_F(SettingsCommand, WatchesInJson) {
+    const std::string told = file("told", "");
+    const ::pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(::open(told.c_str(), O_WRONLY), STDOUT_FILENO);
+        ::execl(CORE_TEST_PROGRAM, "corehost", "--json", "settings", "watch", nullptr);
+        ::_exit(127);
+    }
+    using namespace std::chrono_literals;
+    for (int i = 0; i < 2000 && text_of(told).empty(); ++i) {
+        EXPECT_EQ(settings({"set", "a/b", std::to_string(i)}), ExitCode::done);
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_EQ(settings({"rm", "a/b"}), ExitCode::done);
+    const std::string removed = "{\"path\":\"a/b\"}\n";
+    for (int i = 0; i < 2000 && text_of(told).find(removed) == std::string::npos; ++i)
+        std::this_thread::sleep_for(10ms);
+    ::kill(child, SIGINT);
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 130);
+    std::istringstream lines(text_of(told));
+    std::string first;
+    std::getline(lines, first);
+    const auto change = nlohmann::json::parse(first);
+    EXPECT_EQ(change["path"], "a/b");
+    EXPECT_EQ(change["layer"], "user");
+    EXPECT_TRUE(text_of(told).ends_with(removed)) << text_of(told);
+}
+
 TEST_F(SettingsCommand, ScriptsHaveThemInBothLanguagesWithLayersAndNotices) {
     const HostProcess process;
     core::script::Session session;
@@ -112,6 +210,15 @@ TEST_F(SettingsCommand, ScriptsHaveThemInBothLanguagesWithLayersAndNotices) {
               "No\nYes");
     EXPECT_NE(session.run("Settings.Set(\"d/b\", 1);").find("The setting “d/b” is locked"),
               std::string::npos);
+    EXPECT_EQ(
+        session.run("C = New SettingsChanges; C.Открепить(\"d\"); C.Set(\"d\", \"both\");\n"
+                    "C.Remove(\"d/c\"); C.Make(SettingsLayers.System);\n"
+                    "Print(Settings.IsLocked(\"d\")); Print(ToJson(Settings.List(\"\")));\n"
+                    "Settings.Set(\"d/e\", True); Print(ToJson(Settings.Values(\"d\")));\n"
+                    "Print(Settings.Get(\"d/e\", 3)); Print(Settings.Get(\"d/e\", , Type(\"Boolean\")));\n"
+                    "Print(Settings.Reports().Count() > 0);"),
+        "No\n[\"a/\",\"d/\",\"d\"]\n{\"d/b\":1,\"d/c\":2,\"d/e\":true}\n3\nYes\nYes")
+        << "what the system takes back, the user's still says";
 }
 
 TEST_F(SettingsCommand, ThePageShowsWhatHappens) {

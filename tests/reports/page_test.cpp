@@ -135,6 +135,81 @@ TEST_F(Pages, CellsShowPicturesAndLevels) {
     EXPECT_EQ(count(levels, "<button") + count(levels, "<script"), 0U); // no row leaves the one above it
 }
 
+TEST_F(Pages, FontsAreSaidInTheSheet) {
+    const std::size_t item = *find_style_font(u"TextFont");
+    const auto body = [&](const Font& font) {
+        Style style;
+        style.setFont(item, font);
+        return page(Table{"A"}, {.style = style});
+    };
+    const std::pair<Font, std::string> cases[] = {
+        {{.face = u"PT Sans-9"}, "font-family:\"PT Sans-9\",system-ui,sans-serif;"},
+        {{.face = u"a\"b;{Я}"}, "font-family:\"a_b__Я_\",system-ui,sans-serif;"},
+        {{.size = 1205}, "font-size:12.05pt;"},
+        {{.weight = 300}, "font-weight:300;"},
+        {{.slant = FontSlant::italic}, "font-style:italic;"},
+        {{.slant = FontSlant::oblique}, "font-style:oblique;"},
+        {{.underline = true}, "text-decoration:underline;"},
+        {{.underline = true, .strikeOut = true}, "text-decoration:underline line-through;"}};
+    const std::string plain = body({});
+    for (const auto& [font, said] : cases) {
+        EXPECT_EQ(count(plain, said), 0U) << said;
+        EXPECT_EQ(count(body(font), said), 1U) << said;
+    }
+    EXPECT_NE(count(body({.strikeOut = true}), " line-through;"), 0U);
+
+    // A rule's font of the style is what the style says of it.
+    Style whole, look;
+    whole.setFont(*find_style_font(u"TitleFont"), Font{.size = 3325});
+    look.setFont(item, Font{.item = *find_style_font(u"TitleFont"), .strikeOut = true});
+    Table table{"A"};
+    table.add({1});
+    const std::string text = page(table, {.style = whole, .rules = {{Filter(), look, {}, u"a rule"}}});
+    EXPECT_GE(count(text, "font-size:33.25pt;"), 2U) << "the title, and the cells of the rule";
+}
+
+TEST_F(Pages, CellsAreAlignedAndSortedByTheirValues) {
+    Table table{"A", "B"};
+    for (const bool truth : {true, false})
+        table.add({truth, Date(2024, 2, 29)});
+    table.columns()[0].setTitle(u"");
+    ReportStyle style;
+    style.column(u"A").alignment = ColumnAlignment::center;
+    style.column(u"B").alignment = ColumnAlignment::left;
+    const std::string text = page(table, style);
+    EXPECT_EQ(count(text, "<td class=center data-n=1>"), 1U) << text;
+    EXPECT_EQ(count(text, "<td class=center data-n=0>"), 1U);
+    EXPECT_EQ(count(text, "<td class=left data-n="), 2U);
+    style.column(u"A").alignment = ColumnAlignment::right;
+    EXPECT_EQ(count(page(table, style), "<td class=right data-n=1>"), 1U);
+
+    // Formats that browsers show; others stay texts.
+    const std::pair<std::string, std::string> pictures[] = {
+        {std::string("GIF89a\x08\0\x08\0\0\0\0", 13), "image/gif"},
+        {std::string("\x89PNG\r\n\x1A\n", 8), "image/png"},
+        {std::string("\xFF\xD8\xFF\xC0\0\x11\x08\0\x10\0\x20\3", 12), "image/jpeg"},
+        {"BM" + std::string(12, '\0') + "(" + std::string(39, '\0'), "image/bmp"},
+        {std::string("II*\0\x08\0\0\0\0\0", 10), ""}};
+    for (const auto& [data, type] : pictures) {
+        const auto bytes = std::as_bytes(std::span(data));
+        if (picture_info(bytes).format == PictureFormat::unknown) {
+            ADD_FAILURE() << type;
+            continue;
+        }
+        Table shown{"A"};
+        shown.add({to_value(Picture::fromBytes({bytes.begin(), bytes.end()}))});
+        const std::string one = page(shown);
+        EXPECT_EQ(count(one, "<img "), type.empty() ? 0U : 1U) << type;
+        EXPECT_EQ(count(one, "src=\"data:" + type + ";base64,"), type.empty() ? 0U : 1U) << type;
+    }
+
+    // A long page is written in pieces, and nothing of it is lost between them.
+    Table many{"A"};
+    for (int i = 0; i < 5'000; ++i)
+        many.add({i});
+    EXPECT_EQ(count(page(many), "<td "), 5'000U);
+}
+
 TEST_F(Pages, AFileIsWrittenWholeOrNotAtAll) {
     Table table{"A"};
     table.add({1});
