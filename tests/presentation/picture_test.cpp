@@ -185,6 +185,55 @@ TEST(Pictures, TheBeginningOfAPictureNeverSaysAnotherSize) {
     }
 }
 
+/// A piece of a WebP file, of an even size.
+std::string webp_piece(std::string_view type, const std::string& body) {
+    return Bytes{}.text_of(type).number(body.size(), 4).text_of(body).zeros(body.size() % 2).text;
+}
+std::string webp(const std::string& pieces) {
+    return Bytes{}.text_of("RIFF").number(4 + pieces.size(), 4).text_of("WEBP").text_of(pieces).text;
+}
+
+TEST(Pictures, WebPCanvasesAreThoseOfTheirPixels) {
+    const auto lossy = [](std::uint32_t width, std::uint32_t height, unsigned first = 0) {
+        return webp_piece(
+            "VP8 ", Bytes{}.number(first, 3).text_of("\x9D\x01\x2A").number(width, 2).number(height, 2).text);
+    };
+    const auto lossless = [](std::uint32_t width, std::uint32_t height, unsigned first = 0x2F) {
+        return webp_piece("VP8L", Bytes{}.number(first, 1).number((width - 1) | (height - 1) << 14, 4).text);
+    };
+    const auto frame = [](std::uint32_t left, std::uint32_t top, std::uint32_t width, std::uint32_t height) {
+        return webp_piece("ANMF", Bytes{}
+                                      .number(left / 2, 3)
+                                      .number(top / 2, 3)
+                                      .number(width - 1, 3)
+                                      .number(height - 1, 3)
+                                      .zeros(4)
+                                      .text);
+    };
+    const std::string canvas =
+        webp_piece("VP8X", Bytes{}.zeros(4).number(640 - 1, 3).number(480 - 1, 3).text);
+    const std::string colors = webp_piece("ICCP", "odd");
+    const PictureInfo known{.format = PictureFormat::webp, .width = 640, .height = 480};
+    for (const std::string& pieces :
+         {lossy(640, 480), lossless(640, 480), canvas + lossy(640, 480), canvas + lossless(640, 480),
+          canvas + colors + lossy(640, 480), canvas + frame(0, 0, 640, 480),
+          canvas + colors + frame(320, 240, 320, 240)}) {
+        const std::string whole = webp(pieces);
+        EXPECT_EQ(info_of(whole), known);
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            const PictureInfo info = info_of(whole.substr(0, size));
+            EXPECT_TRUE(info.width == 0 || info == known) << size;
+        }
+    }
+    const PictureInfo unknown{.format = PictureFormat::webp};
+    for (const std::string& pieces :
+         {lossy(640, 480, 1), lossless(640, 480, 0x2E), canvas, canvas + colors, canvas + lossy(640, 481),
+          canvas + lossy(641, 480), canvas + lossless(639, 480), canvas + lossy(640, 480, 1),
+          canvas + frame(322, 0, 320, 1), canvas + frame(0, 242, 1, 240), webp_piece("VP8X", "short"),
+          webp_piece("VP8?", std::string(10, 'x')), webp_piece("VP8 ", std::string(10, '\0'))})
+        EXPECT_EQ(info_of(webp(pieces)), unknown);
+}
+
 TEST(Pictures, NoMoreThan64KBytesAreLookedAt) {
     // Segments without end in front of the frame.
     std::string jpeg = "\xFF\xD8";
