@@ -3,11 +3,9 @@
 // of them until the seconds are over. The seed changes with each run and is printed; a run that dies leaves
 // the input that killed it beside the program. Usage: fuzz_NAME SECONDS CORPUS, or fuzz_NAME 0 FILE to replay
 // one input.
-#include <fcntl.h>
-#include <unistd.h>
+#include "fuzz/last_input.h"
 
 #include <chrono>
-#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -25,21 +23,9 @@ namespace {
 namespace fs = std::filesystem;
 using Input = std::string;
 
-Input running;
-std::string leftover;
-
-/// Only calls that a signal handler may make.
-void keep_input(int signal) {
-    const int file = open(leftover.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0644);
-    if (file >= 0 && write(file, running.data(), running.size()) >= 0)
-        close(file);
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
-}
-
 void run(Input input) {
-    running = std::move(input);
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(running.data()), running.size());
+    last_input = std::move(input);
+    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(last_input.data()), last_input.size());
 }
 
 std::vector<Input> read_corpus(const fs::path& path) {
@@ -119,9 +105,7 @@ int main(int argc, char** argv) {
         std::cerr << "no inputs in " << argv[2] << '\n';
         return 2;
     }
-    leftover = std::string(argv[0]) + ".found";
-    for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL})
-        std::signal(signal, keep_input);
+    keep_last_input(std::string(argv[0]) + ".found");
 
     const unsigned seed = std::random_device()();
     std::cout << "seed " << seed << std::endl;

@@ -44,7 +44,7 @@ void require(UErrorCode code) {
 }
 
 /// The pattern that matches a text literally.
-[[nodiscard]] wstring quoted(wstring_view text) {
+[[nodiscard]] wstring literal_pattern(wstring_view text) {
     constexpr wstring_view kSpecial = u"\\^$.|?*+()[]{}-&#\"'~!<>=:,/ ";
     wstring pattern;
     for (const wchar unit : text) {
@@ -197,7 +197,7 @@ TextSearch::TextSearch(const TextSnapshot& text, const TextQuery& query, std::ui
     if (query.kind == TextQueryKind::exact)
         engine_ = std::make_unique<UnitEngine>(text, query.text, from);
     else if (query.kind == TextQueryKind::ignoreCase)
-        engine_ = std::make_unique<RegexEngine>(text, quoted(query.text), true, from);
+        engine_ = std::make_unique<RegexEngine>(text, literal_pattern(query.text), true, from);
     else
         engine_ = std::make_unique<RegexEngine>(text, query.text, false, from);
 }

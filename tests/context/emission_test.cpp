@@ -10,7 +10,6 @@
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -178,18 +177,6 @@ TEST_F(Emission, TheEndOfAThreadPassesAndEndsTheEmission) {
     EXPECT_EQ(event.connectionCount(), 1U);
     event.raise();
     EXPECT_EQ(calls_, std::vector{2});
-}
-
-TEST_F(Emission, AThreadThatIsCancelledInASinkEnds) {
-    std::thread([] {
-        Event<> event(kChanged);
-        const Connection kept = event.connect([] {
-            pthread_cancel(pthread_self());
-            pthread_testcancel();
-        });
-        event.raise();
-        ADD_FAILURE() << "the thread goes on";
-    }).join();
 }
 
 TEST_F(Emission, AnEventThatACircleKeepsAliveShowsInTheLeakReport) {

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "tests/support/environment.h"
+
 #include <core/dates.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <ctime>
-#include <optional>
 #include <random>
 #include <set>
 #include <string>
@@ -16,28 +16,6 @@
 
 /// The time zones of the C library, beside which ours are tested.
 namespace test {
-
-/// An environment variable that is set for a while.
-class EnvironmentVariable {
-  public:
-    EnvironmentVariable(const char* name, const char* value) : name_(name) {
-        if (const char* before = std::getenv(name))
-            before_ = before;
-        ::setenv(name, value, 1);
-    }
-    ~EnvironmentVariable() {
-        if (before_)
-            ::setenv(name_, before_->c_str(), 1);
-        else
-            ::unsetenv(name_);
-    }
-    EnvironmentVariable(const EnvironmentVariable&) = delete;
-    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-
-  private:
-    const char* name_;
-    std::optional<std::string> before_;
-};
 
 inline std::int64_t c_offset(std::int64_t moment) {
     const std::time_t time = moment;

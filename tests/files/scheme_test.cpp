@@ -2,7 +2,6 @@
 #include "tests/support/file_helpers.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -209,22 +208,6 @@ TEST(TempFileService, MakesFilesThatVanish) {
     EXPECT_NE(named, other);
     EXPECT_TRUE(std::filesystem::remove(file_path(named)));
     EXPECT_TRUE(std::filesystem::remove(file_path(other)));
-}
-
-TEST(TempFileService, TakesTheSystemsFolderWhenThereIsNoOther) {
-    const char* const old = std::getenv("TMPDIR");
-    const std::string kept = old == nullptr ? "" : old;
-    const TempFolder folder;
-    const auto folder_of_new = [] {
-        const std::string path = file_path(create_temp_file_service()->createNamed());
-        std::filesystem::remove(path);
-        return std::filesystem::path(path).parent_path().string();
-    };
-    ::setenv("TMPDIR", (folder / "").c_str(), 1);
-    EXPECT_EQ(folder_of_new() + "/", folder / "");
-    ::setenv("TMPDIR", (folder / "missing").c_str(), 1);
-    EXPECT_EQ(folder_of_new(), "/tmp");
-    old == nullptr ? ::unsetenv("TMPDIR") : ::setenv("TMPDIR", kept.c_str(), 1);
 }
 
 TEST(DiskScheme, TellsFoldersFromFiles) {

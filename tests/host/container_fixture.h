@@ -2,14 +2,13 @@
 #pragma once
 
 #include "host/commands/program.h"
+#include "tests/support/new_folder.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,11 +18,7 @@ namespace host {
 /// A temporary folder with a tree of three files, and the commands of "corehost container".
 class Container : public testing::Test {
   protected:
-    Container() : folder_(std::filesystem::temp_directory_path() / "core-container-XXXXXX") {
-        std::string path = folder_.string();
-        if (::mkdtemp(path.data()) == nullptr)
-            throw std::runtime_error("no temporary folder");
-        folder_ = path;
+    Container() : folder_(test::new_folder("core-container")) {
         write("tree/a.txt", "Hello");
         write("tree/sub/b.bin", std::string("\0\1\2", 3));
         write("tree/empty", "");

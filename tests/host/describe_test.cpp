@@ -180,7 +180,7 @@ TEST(DescribeTest, OneThingAloneWithItsSentence) {
 }
 
 TEST(DescribeTest, WhatModulesBrought) {
-    const std::string file = CORE_TEST_MODULES "/libcounter.so";
+    const std::string file = CORE_TEST_MODULES "/libcounter" CORE_TEST_SUFFIX;
     EXPECT_EQ(corehost({"--module", file, "describe", "Counter.Add"}).out,
               "Counter.Add(Amount)\nСчетчик.Добавить(Сумма)\n"
               "Adds an amount; a sum below 0 or above the limit is an error.\n");

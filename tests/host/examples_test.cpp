@@ -2,7 +2,6 @@
 // The scripts that are shown print what is recorded beside them, and leave nothing behind.
 #include "tests/host/program_fixture.h"
 
-#include <cstdlib>
 #include <regex>
 
 namespace host {
@@ -15,16 +14,7 @@ const fs::path kExamples = fs::path(CORE_SOURCE_DIR) / "examples";
 /// Temporary files go into the test's own folder.
 class ExamplesTest : public FolderTest {
   protected:
-    ExamplesTest() {
-        fs::create_directory(temporary_);
-        ::setenv("TMPDIR", temporary_.c_str(), 1);
-    }
-    ~ExamplesTest() override {
-        if (before_.empty())
-            ::unsetenv("TMPDIR");
-        else
-            ::setenv("TMPDIR", before_.c_str(), 1);
-    }
+    ExamplesTest() { fs::create_directory(temporary_); }
 
     /// What a script of examples/ prints, after a change of its text.
     [[nodiscard]] std::string run(const std::string& name, const std::string& from = "",
@@ -46,7 +36,7 @@ class ExamplesTest : public FolderTest {
 
   private:
     fs::path temporary_ = folder() / "temporary";
-    std::string before_ = std::getenv("TMPDIR") != nullptr ? std::getenv("TMPDIR") : "";
+    const test::EnvironmentVariable variable_{test::kTemporaryFolder, temporary_.string().c_str()};
 };
 
 TEST_F(ExamplesTest, PrintWhatIsRecorded) {

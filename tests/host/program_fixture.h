@@ -2,11 +2,11 @@
 #pragma once
 
 #include "host/commands/program.h"
+#include "tests/support/environment.h"
 #include "tests/support/folder_test.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <sstream>
 #include <string>
 
@@ -20,8 +20,8 @@ struct Answer {
 
 /// The programs that tests start have no settings, whatever those of the person who runs the tests are.
 inline void hide_settings() {
-    ::setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
-    ::setenv("XDG_CONFIG_DIRS", "/nonexistent", 1);
+    for (const char* const folder : {test::kUserConfigFolder, test::kSystemConfigFolder})
+        test::set_environment(folder, "/nonexistent");
 }
 inline const bool kSettingsHidden = (hide_settings(), true);
 

@@ -5,7 +5,6 @@
 
 #include <core/collections/value_array.h>
 
-#include <optional>
 #include <regex>
 
 namespace host {
@@ -217,21 +216,7 @@ TEST_F(ProgramTest, LeaksAreReportedOnRequest) {
     EXPECT_EQ(run("").err, "");
 }
 
-class Environment {
-  public:
-    Environment(const char* name, const char* value) : name_(name) {
-        if (const char* const before = std::getenv(name))
-            before_ = before;
-        value != nullptr ? setenv(name, value, 1) : unsetenv(name);
-    }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-    ~Environment() { before_ ? setenv(name_, before_->c_str(), 1) : unsetenv(name_); }
-
-  private:
-    const char* name_;
-    std::optional<std::string> before_;
-};
+using Environment = test::EnvironmentVariable;
 
 TEST(EnvironmentTest, LanguageAndColour) {
     const Environment all("LC_ALL", nullptr), messages("LC_MESSAGES", nullptr), lang("LANG", "ru_RU.UTF-8");

@@ -2,17 +2,15 @@
 // Whatever scripts can reach is explained in one sentence, in both languages, and the pages of
 // docs/reference/ say what the library says. It is asked as the program of its own, which has no classes of
 // tests.
+#include "tests/support/environment.h"
 #include "tests/support/folder_test.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <map>
-#include <memory>
 #include <regex>
 #include <set>
 #include <string>
@@ -25,14 +23,7 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 
 std::string output_of(const std::string& arguments) {
-    const auto close = [](std::FILE* pipe) { return ::pclose(pipe); };
-    const std::unique_ptr<std::FILE, decltype(close)> pipe(
-        ::popen((CORE_TEST_PROGRAM " describe " + arguments).c_str(), "r"), close);
-    std::string text;
-    std::array<char, 1 << 14> piece;
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe.get()))
-        text.append(piece.data(), count);
-    return text;
+    return test::output_of(CORE_TEST_PROGRAM " describe " + arguments);
 }
 
 /// Collects the ids of the sentences that there must be, and those that are not there.

@@ -5,6 +5,7 @@
 #include "examples/module/counter.h"
 #include "tests/modules/fixtures/listener.h"
 #include "tests/support/bytes_in_use.h"
+#include "tests/support/library.h"
 
 #include <core/context.h>
 #include <core/context/events/event_service.h>
@@ -16,7 +17,6 @@
 #include <core/values/type_service.h>
 #include <host/host_process.h>
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -65,7 +65,7 @@ std::string file_of(const std::string& module) {
     const char* const other = std::getenv("CORE_TEST_COUNTER");
     if (module == "counter" && other != nullptr)
         return other;
-    return CORE_TEST_MODULES "/lib" + module + ".so";
+    return CORE_TEST_MODULES "/lib" + module + CORE_TEST_SUFFIX;
 }
 
 int rounds(int few, int many) {
@@ -113,10 +113,7 @@ std::pair<std::string, std::string> failure(const std::function<void()>& work) {
 }
 
 bool is_mapped(const std::string& module) {
-    void* const handle = ::dlopen(file_of(module).c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    if (handle != nullptr)
-        ::dlclose(handle);
-    return handle != nullptr;
+    return test::Library::isLoaded(file_of(module));
 }
 
 class Modules : public testing::Test {
@@ -218,9 +215,8 @@ TEST_F(Modules, AreForgottenWithTheCountsOfThreadsThatEnded) {
 TEST(Libraries, ThatCountedObjectsAreUnmappedByTheSystemWhenItLikes) {
     std::promise<void> end;
     std::promise<void> used;
-    void* const library = ::dlopen(file_of("plain").c_str(), RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr);
-    auto* const count_one = reinterpret_cast<int (*)()>(::dlsym(library, "count_one"));
+    std::optional<test::Library> library(file_of("plain"));
+    const auto count_one = library->function<int()>("count_one");
     std::thread other([&, ended = end.get_future()]() mutable {
         EXPECT_EQ(count_one(), 1);
         used.set_value();
@@ -228,7 +224,7 @@ TEST(Libraries, ThatCountedObjectsAreUnmappedByTheSystemWhenItLikes) {
     });
     used.get_future().wait();
     EXPECT_EQ(count_one(), 1);
-    ::dlclose(library);
+    library.reset();
     EXPECT_FALSE(is_mapped("plain"));
     const auto has_plain = [] {
         return std::ranges::any_of(live_report(),

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The compact form and the streams: what one form holds the other one holds; pieces of any size read the
 // same; data that is cut, changed, longer or of another version is refused and never believed.
+#include "tests/support/new_folder.h"
 #include "tests/support/value_samples.h"
 
 #include <core/files/disk_file.h>
@@ -9,8 +10,6 @@
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
 #include <core/persistence.h>
-
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -325,7 +324,8 @@ TEST_F(Compact, LooksAsItsPageShows) {
 TEST_F(Compact, ReadsTheSameForSomebodyElse) {
     if (std::system("python3 -c pass 2>/dev/null") != 0)
         GTEST_SKIP() << "no python3";
-    const std::string in = testing::TempDir() + "compact-" + std::to_string(::getpid());
+    const std::filesystem::path folder = ::test::new_folder("compact");
+    const std::string in = (folder / "values").string();
     const std::string out = in + ".txt";
     std::ofstream bytes(in, std::ios::binary);
     std::vector<wstring> expected;
@@ -354,8 +354,7 @@ TEST_F(Compact, ReadsTheSameForSomebodyElse) {
                                        static_cast<unsigned char>(pairs[at + 1]) << 8);
         ASSERT_EQ(list, expected[i]) << 1000 + i;
     }
-    std::filesystem::remove(in);
-    std::filesystem::remove(out);
+    std::filesystem::remove_all(folder);
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 #include <core/presentation.h>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -99,8 +98,7 @@ TEST(Pictures, AreWhatASecondReaderSees) {
     const std::string python = "PATH=/usr/bin:$PATH python3 -B "; // that of the package python3-pil first
     if (std::system((python + "-c 'import PIL' 2>/dev/null").c_str()) != 0)
         GTEST_SKIP() << "no python3 with PIL";
-    const std::string folder = testing::TempDir() + "pictures-" + std::to_string(::getpid());
-    std::filesystem::create_directory(folder);
+    const std::string folder = ::test::new_folder("pictures").string();
     ASSERT_EQ(std::system((python + CORE_SOURCE_DIR "/tests/presentation/pictures.py " + folder + " >" +
                            folder + "/list.txt")
                               .c_str()),

@@ -7,8 +7,6 @@
 #include <core/lists.h>
 #include <core/streams/memory_stream.h>
 
-#include <cstdlib>
-
 int count_start(core::IProfile& profile); // of docs/settings.md
 
 namespace core::test {
@@ -220,19 +218,6 @@ TEST_F(Profiles, RefuseALaterVersionAndLeaveItAlone) {
     EXPECT_EQ(profile->takeReports().size(), 1U);
     EXPECT_EQ(refusal<ProfileException>([&] { profile->set(u"a", 1); }), messages::kProfileVersion);
     EXPECT_EQ(bytesOf(userFile()), later);
-}
-
-TEST_F(Profiles, HaveTheirFilesInTheFoldersOfTheEnvironment) {
-    ::setenv("XDG_CONFIG_HOME", file("config").c_str(), 1);
-    ::setenv("XDG_CONFIG_DIRS", (file("etc") + ":/elsewhere").c_str(), 1);
-    const host::HostProcess process;
-    auto& profile = require_service<IProfile>();
-    EXPECT_EQ(file_path(profile.fileOf(ProfileLayer::user)), file("config/core/settings.list"));
-    EXPECT_EQ(file_path(profile.fileOf(ProfileLayer::system)), file("etc/core/settings.list"));
-    profile.set(u"a", 1);
-    EXPECT_TRUE(std::filesystem::exists(file("config/core/settings.list")));
-    ::unsetenv("XDG_CONFIG_HOME");
-    ::unsetenv("XDG_CONFIG_DIRS");
 }
 
 } // namespace

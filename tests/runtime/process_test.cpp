@@ -13,7 +13,6 @@
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <array>
 #include <atomic>
@@ -191,31 +190,6 @@ TEST_F(Processes, WorkOnAThreadWithoutOneSaysSo) {
     works([] { static_cast<void>(create_object<IUnknown>(kNumbered<0>)); });
     works([] { static_cast<void>(require_service<IFileSystem>()); });
     EXPECT_EQ(get_service<IFileSystem>(), nullptr);
-}
-
-TEST_F(Processes, ThreadSlotsThatRunOutFailTheAttachAndLeaveNothing) {
-    std::vector<pthread_key_t> keys;
-    for (pthread_key_t key = 0; pthread_key_create(&key, nullptr) == 0;)
-        keys.push_back(key);
-    for (int left = 0; left < 3; ++left) {
-        try {
-            const LibraryScope library;
-            ADD_FAILURE() << "attached with " << left;
-        } catch (const ProcessInitException& e) {
-            EXPECT_STREQ(e.messageId(), messages::kThreadSlots);
-        }
-        EXPECT_TRUE(core_module().classTable().empty());
-        pthread_key_delete(keys.back());
-        keys.pop_back();
-    }
-    { const host::HostProcess process; }
-    pthread_key_t key = 0;
-    for (int i = 0; i < 3; ++i) {
-        ASSERT_EQ(pthread_key_create(&key, nullptr), 0) << "all three slots are given back";
-        keys.push_back(key);
-    }
-    for (const pthread_key_t one : keys)
-        pthread_key_delete(one);
 }
 
 TEST_F(Processes, AModuleRevokesItsOwnAlone) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "tests/support/new_folder.h"
+
 #include <core/files.h>
 #include <core/runtime.h>
 
@@ -27,9 +29,7 @@ inline std::string text_of(IFile& file) {
 class TempFolder {
   public:
     explicit TempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
-        : path_((parent / ("core-test-" + to_utf8(to_string(new_guid())))).generic_string()) {
-        std::filesystem::create_directory(path_);
-    }
+        : path_(::test::new_folder("core-test", parent).generic_string()) {}
     ~TempFolder() { std::filesystem::remove_all(path_); }
     [[nodiscard]] std::string operator/(std::string_view name) const {
         return path_ + "/" + std::string(name);

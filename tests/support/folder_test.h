@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "tests/support/new_folder.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -31,10 +32,7 @@ class FolderTest : public testing::Test {
     }
 
   private:
-    std::filesystem::path folder_ = [] {
-        std::string name = testing::TempDir() + "corehost-XXXXXX";
-        return std::filesystem::path(mkdtemp(name.data()));
-    }();
+    std::filesystem::path folder_ = test::new_folder("corehost");
 };
 
 } // namespace host

@@ -15,10 +15,10 @@ struct ProfileSettings {
     /// The folder of the program below the system's folders of settings.
     wstring application = u"core";
     /// The path or URL of the user's file; empty for "settings.list" in the program's folder below
-    /// $XDG_CONFIG_HOME, or else below ".config" in $HOME.
+    /// $XDG_CONFIG_HOME, or else below ".config" in $HOME; on Windows below %APPDATA%.
     wstring user;
     /// The path or URL of the system's file; empty for "settings.list" in the program's folder below the
-    /// first folder of $XDG_CONFIG_DIRS, or else below "/etc/xdg".
+    /// first folder of $XDG_CONFIG_DIRS, or else below "/etc/xdg"; on Windows below %PROGRAMDATA%.
     wstring system;
 };
 

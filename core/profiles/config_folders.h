@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+namespace core {
+
+/// The folder below which programs keep the settings of the user, as a path; empty where there is none.
+[[nodiscard]] std::string user_config_folder();
+/// The same for the settings of the whole machine.
+[[nodiscard]] std::string system_config_folder();
+
+} // namespace core

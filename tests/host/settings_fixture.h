@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "tests/host/program_fixture.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace host {
+
+/// "corehost settings" with files in a folder of its own.
+class SettingsCommand : public FolderTest {
+  protected:
+    static ExitCode settings(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "settings");
+        return corehost(std::move(arguments)).code;
+    }
+
+  private:
+    const test::EnvironmentVariable user_{test::kUserConfigFolder, path("config").c_str()};
+    const test::EnvironmentVariable system_{test::kSystemConfigFolder, path("etc").c_str()};
+};
+
+} // namespace host
