@@ -18,6 +18,7 @@ if(WIN32)
   set(CORE_SYSTEM windows)
   set(CORE_OTHER_SYSTEM posix)
   add_compile_options(-Wno-attributes) # there is no visibility to be set
+  add_link_options(-Wl,--stack,8388608) # what threads have on Linux; how deep scripts may call depends on it
   add_compile_options(-Wa,-mbig-obj) # sources that are compiled as one have too many sections otherwise
   add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX UNICODE _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000006) # of 2018
 else()

@@ -34,7 +34,9 @@ class Container : public testing::Test {
         text << std::ifstream(folder_ / name, std::ios::binary).rdbuf();
         return text.str();
     }
-    [[nodiscard]] std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    [[nodiscard]] std::string path(const std::string& name) const {
+        return (folder_ / name).generic_string();
+    }
 
     /// Runs "corehost container ..."; what it writes is in out_ and err_.
     ExitCode run(std::vector<std::string> arguments) {

@@ -24,7 +24,9 @@ class FolderTest : public testing::Test {
     ~FolderTest() override { std::filesystem::remove_all(folder_); }
 
     [[nodiscard]] const std::filesystem::path& folder() const noexcept { return folder_; }
-    [[nodiscard]] std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    [[nodiscard]] std::string path(const std::string& name) const {
+        return (folder_ / name).generic_string();
+    }
     /// Writes a file and returns its path.
     [[nodiscard]] std::string file(const std::string& name, std::string_view text) const {
         std::ofstream(folder_ / name, std::ios::binary) << text;
