@@ -62,7 +62,7 @@ inline std::vector<std::int64_t> c_changes(std::int64_t from, std::int64_t to) {
 /// Compares the zone of that name with the C library's from the year `first` on: at so many moments of all
 /// dates and of the last centuries, and around the changes of clocks.
 inline void expect_as_in_c_library(const std::string& zone, int first, int count) {
-    const EnvironmentVariable variable("TZ", zone.c_str());
+    const support::EnvironmentVariable variable("TZ", zone.c_str());
     ::tzset();
     constexpr std::int64_t kYear = 31'556'952;
     std::mt19937_64 random(1);

@@ -22,7 +22,7 @@ namespace {
 using core::Date;
 using core::DateSpan;
 using core::TimeZoneException;
-using test::EnvironmentVariable;
+using support::EnvironmentVariable;
 
 namespace fs = std::filesystem;
 

@@ -20,8 +20,9 @@ class ChooserTest : public FolderTest {
         std::ostringstream out;
         Console console{in, out, out};
         console.terminal = terminal;
-        const test::EnvironmentVariable columns("COLUMNS",
-                                                "80"); // and not those of the terminal that the tests run at
+        const support::EnvironmentVariable columns(
+            "COLUMNS",
+            "80"); // and not those of the terminal that the tests run at
         static_cast<void>(run_program({"run", file("s", script)}, console));
         return out.str();
     }

@@ -18,7 +18,7 @@ namespace host {
 /// A temporary folder with a tree of three files, and the commands of "corehost container".
 class Container : public testing::Test {
   protected:
-    Container() : folder_(test::new_folder("core-container")) {
+    Container() : folder_(support::new_folder("core-container")) {
         write("tree/a.txt", "Hello");
         write("tree/sub/b.bin", std::string("\0\1\2", 3));
         write("tree/empty", "");

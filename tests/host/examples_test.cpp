@@ -36,7 +36,7 @@ class ExamplesTest : public FolderTest {
 
   private:
     fs::path temporary_ = folder() / "temporary";
-    const test::EnvironmentVariable variable_{test::kTemporaryFolder, temporary_.string().c_str()};
+    const support::EnvironmentVariable variable_{support::kTemporaryFolder, temporary_.string().c_str()};
 };
 
 TEST_F(ExamplesTest, PrintWhatIsRecorded) {

@@ -20,8 +20,8 @@ struct Answer {
 
 /// The programs that tests start have no settings, whatever those of the person who runs the tests are.
 inline void hide_settings() {
-    for (const char* const folder : {test::kUserConfigFolder, test::kSystemConfigFolder})
-        test::set_environment(folder, "/nonexistent");
+    for (const char* const folder : {support::kUserConfigFolder, support::kSystemConfigFolder})
+        support::set_environment(folder, "/nonexistent");
 }
 inline const bool kSettingsHidden = (hide_settings(), true);
 

@@ -216,7 +216,7 @@ TEST_F(ProgramTest, LeaksAreReportedOnRequest) {
     EXPECT_EQ(run("").err, "");
 }
 
-using Environment = test::EnvironmentVariable;
+using Environment = support::EnvironmentVariable;
 
 TEST(EnvironmentTest, LanguageAndColour) {
     const Environment all("LC_ALL", nullptr), messages("LC_MESSAGES", nullptr), lang("LANG", "ru_RU.UTF-8");

@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 
 std::string output_of(const std::string& arguments) {
-    return test::output_of(CORE_TEST_PROGRAM " describe " + arguments);
+    return support::output_of(CORE_TEST_PROGRAM " describe " + arguments);
 }
 
 /// Collects the ids of the sentences that there must be, and those that are not there.

@@ -18,8 +18,8 @@ class SettingsCommand : public FolderTest {
     }
 
   private:
-    const test::EnvironmentVariable user_{test::kUserConfigFolder, path("config").c_str()};
-    const test::EnvironmentVariable system_{test::kSystemConfigFolder, path("etc").c_str()};
+    const support::EnvironmentVariable user_{support::kUserConfigFolder, path("config").c_str()};
+    const support::EnvironmentVariable system_{support::kSystemConfigFolder, path("etc").c_str()};
 };
 
 } // namespace host

@@ -113,7 +113,7 @@ std::pair<std::string, std::string> failure(const std::function<void()>& work) {
 }
 
 bool is_mapped(const std::string& module) {
-    return test::Library::isLoaded(file_of(module));
+    return support::Library::isLoaded(file_of(module));
 }
 
 class Modules : public testing::Test {
@@ -215,7 +215,7 @@ TEST_F(Modules, AreForgottenWithTheCountsOfThreadsThatEnded) {
 TEST(Libraries, ThatCountedObjectsAreUnmappedByTheSystemWhenItLikes) {
     std::promise<void> end;
     std::promise<void> used;
-    std::optional<test::Library> library(file_of("plain"));
+    std::optional<support::Library> library(file_of("plain"));
     const auto count_one = library->function<int()>("count_one");
     std::thread other([&, ended = end.get_future()]() mutable {
         EXPECT_EQ(count_one(), 1);

@@ -324,7 +324,7 @@ TEST_F(Compact, LooksAsItsPageShows) {
 TEST_F(Compact, ReadsTheSameForSomebodyElse) {
     if (std::system("python3 -c pass 2>/dev/null") != 0)
         GTEST_SKIP() << "no python3";
-    const std::filesystem::path folder = ::test::new_folder("compact");
+    const std::filesystem::path folder = support::new_folder("compact");
     const std::string in = (folder / "values").string();
     const std::string out = in + ".txt";
     std::ofstream bytes(in, std::ios::binary);

@@ -98,7 +98,7 @@ TEST(Pictures, AreWhatASecondReaderSees) {
     const std::string python = "PATH=/usr/bin:$PATH python3 -B "; // that of the package python3-pil first
     if (std::system((python + "-c 'import PIL' 2>/dev/null").c_str()) != 0)
         GTEST_SKIP() << "no python3 with PIL";
-    const std::string folder = ::test::new_folder("pictures").string();
+    const std::string folder = support::new_folder("pictures").string();
     ASSERT_EQ(std::system((python + CORE_SOURCE_DIR "/tests/presentation/pictures.py " + folder + " >" +
                            folder + "/list.txt")
                               .c_str()),

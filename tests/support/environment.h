@@ -6,7 +6,7 @@
 #include <string>
 
 /// What tests ask of the system that it is run on.
-namespace test {
+namespace support {
 
 // The variables that name the folders of temporary files and of settings.
 extern const char* const kTemporaryFolder;
@@ -36,4 +36,4 @@ class EnvironmentVariable {
     std::optional<std::string> before_;
 };
 
-} // namespace test
+} // namespace support

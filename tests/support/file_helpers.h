@@ -29,7 +29,7 @@ inline std::string text_of(IFile& file) {
 class TempFolder {
   public:
     explicit TempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
-        : path_(::test::new_folder("core-test", parent).generic_string()) {}
+        : path_(support::new_folder("core-test", parent).generic_string()) {}
     ~TempFolder() { std::filesystem::remove_all(path_); }
     [[nodiscard]] std::string operator/(std::string_view name) const {
         return path_ + "/" + std::string(name);

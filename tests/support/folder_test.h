@@ -34,7 +34,7 @@ class FolderTest : public testing::Test {
     }
 
   private:
-    std::filesystem::path folder_ = test::new_folder("corehost");
+    std::filesystem::path folder_ = support::new_folder("corehost");
 };
 
 } // namespace host

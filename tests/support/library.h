@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace test {
+namespace support {
 
 /// A shared library that is loaded by the system, without the library under test.
 class Library {
@@ -27,4 +27,4 @@ class Library {
     void* handle_;
 };
 
-} // namespace test
+} // namespace support

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-namespace test {
+namespace support {
 
 /// Makes a folder with a name of its own; the caller removes it.
 [[nodiscard]] inline std::filesystem::path
@@ -17,4 +17,4 @@ new_folder(const std::string& begin,
     return path;
 }
 
-} // namespace test
+} // namespace support

@@ -5,8 +5,8 @@
 namespace core {
 namespace {
 
-using ::test::EnvironmentVariable;
-using ::test::kTemporaryFolder;
+using support::EnvironmentVariable;
+using support::kTemporaryFolder;
 
 TEST(TempFileService, TakesTheSystemsFolderWhenThereIsNoOther) {
     const test::TempFolder folder;

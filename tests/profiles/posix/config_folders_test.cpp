@@ -8,8 +8,8 @@ namespace {
 using ConfigFolders = ProfileTest;
 
 TEST_F(ConfigFolders, AreThoseOfTheEnvironment) {
-    const ::test::EnvironmentVariable users("XDG_CONFIG_HOME", file("config").c_str());
-    const ::test::EnvironmentVariable systems("XDG_CONFIG_DIRS", (file("etc") + ":/elsewhere").c_str());
+    const support::EnvironmentVariable users("XDG_CONFIG_HOME", file("config").c_str());
+    const support::EnvironmentVariable systems("XDG_CONFIG_DIRS", (file("etc") + ":/elsewhere").c_str());
     const host::HostProcess process;
     auto& profile = require_service<IProfile>();
     EXPECT_EQ(file_path(profile.fileOf(ProfileLayer::user)), file("config/core/settings.list"));

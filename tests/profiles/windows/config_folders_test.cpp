@@ -8,8 +8,8 @@ namespace {
 using ConfigFolders = ProfileTest;
 
 TEST_F(ConfigFolders, AreThoseOfTheEnvironment) {
-    const ::test::EnvironmentVariable users("APPDATA", file("config").c_str());
-    const ::test::EnvironmentVariable systems("PROGRAMDATA", file("etc").c_str());
+    const support::EnvironmentVariable users("APPDATA", file("config").c_str());
+    const support::EnvironmentVariable systems("PROGRAMDATA", file("etc").c_str());
     const host::HostProcess process;
     auto& profile = require_service<IProfile>();
     EXPECT_EQ(file_path(profile.fileOf(ProfileLayer::user)), file("config/core/settings.list"));

@@ -21,7 +21,7 @@ TEST(ResourceBundle, LiesBesideTheLibraryThatALinkLeadsTo) {
     Dl_info library{};
     ASSERT_NE(dladdr(reinterpret_cast<const void*>(&library_main), &library), 0);
     const std::filesystem::path file = library.dli_fname;
-    const std::filesystem::path folder = ::test::new_folder("link");
+    const std::filesystem::path folder = support::new_folder("link");
     std::filesystem::create_symlink(std::filesystem::canonical(file), folder / file.filename());
     const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
     EXPECT_EQ(std::system(("LD_LIBRARY_PATH='" + folder.string() + "' '" + program +
@@ -32,7 +32,7 @@ TEST(ResourceBundle, LiesBesideTheLibraryThatALinkLeadsTo) {
 }
 
 TEST(Resources, BytesOfTheMostSpecificBundle) {
-    const std::filesystem::path folder = ::test::new_folder("bundle");
+    const std::filesystem::path folder = support::new_folder("bundle");
     std::filesystem::create_directories(folder / "messages");
     const auto make = [&](const char* locale, const char* bytes) {
         const std::string source = (folder / locale).string() + ".txt";

@@ -36,7 +36,7 @@ TEST(LibraryEntry, TheLoaderHasAttachedTheLibraryBeforeTheProgramBegins) {
 }
 
 TEST(LibraryEntry, ALibraryThatIsLoadedLaterIsAttachedAndGoesWhenItIsFreed) {
-    const std::filesystem::path folder = ::test::new_folder("entry");
+    const std::filesystem::path folder = support::new_folder("entry");
     const std::filesystem::path copy = folder / "copy.dll";
     std::filesystem::copy_file(library_file(), copy);
     for (int round = 0; round < 20; ++round) {

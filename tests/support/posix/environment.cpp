@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <stdexcept>
 
-namespace test {
+namespace support {
 
 const char* const kTemporaryFolder = "TMPDIR";
 const char* const kUserConfigFolder = "XDG_CONFIG_HOME";
@@ -26,4 +26,4 @@ std::string output_of(const std::string& command) {
     return text;
 }
 
-} // namespace test
+} // namespace support

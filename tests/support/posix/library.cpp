@@ -5,7 +5,7 @@
 
 #include <stdexcept>
 
-namespace test {
+namespace support {
 
 Library::Library(const std::string& file) : handle_(::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
     if (handle_ == nullptr)
@@ -27,4 +27,4 @@ void (*Library::find(const char* name) const)() {
     return reinterpret_cast<void (*)()>(::dlsym(handle_, name));
 }
 
-} // namespace test
+} // namespace support

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <stdexcept>
 
-namespace test {
+namespace support {
 
 const char* const kTemporaryFolder = "TMP";
 const char* const kUserConfigFolder = "APPDATA";
@@ -30,4 +30,4 @@ std::string output_of(const std::string& command) {
     return text;
 }
 
-} // namespace test
+} // namespace support

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-namespace test {
+namespace support {
 
 Library::Library(const std::string& file)
     : handle_(::LoadLibraryW(std::filesystem::path(file).make_preferred().c_str())) {
@@ -26,4 +26,4 @@ void (*Library::find(const char* name) const)() {
     return reinterpret_cast<void (*)()>(::GetProcAddress(static_cast<HMODULE>(handle_), name));
 }
 
-} // namespace test
+} // namespace support
