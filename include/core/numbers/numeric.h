@@ -252,7 +252,7 @@ class CORE_API Numeric {
 
     [[nodiscard]] std::size_t limbCount() const noexcept { return static_cast<std::size_t>(count_); }
     [[nodiscard]] bool negative() const noexcept { return sign_ != kPositive; }
-    [[nodiscard]] bool equals(const Numeric& other) const noexcept;
+    [[nodiscard]] inline bool equals(const Numeric& other) const noexcept;
     [[nodiscard]] std::uint64_t toInteger() const noexcept;
     template <class Float>
     void setFloating(Float value);
@@ -270,7 +270,7 @@ class CORE_API Numeric {
     [[noreturn]] static void refuse();
     static void checkShape(std::size_t count, std::int64_t fraction);
     void setShape(std::size_t count, std::int64_t fraction, bool negative) noexcept;
-    void steal(Numeric& other) noexcept;
+    inline void steal(Numeric& other) noexcept;
     void freeLimbs() noexcept;
     void release() noexcept {
         if (limbs_ != inline_) {
