@@ -11,7 +11,7 @@ namespace {
 
 constexpr const EventNames& kChanged = named<u"Changed", u"ПриИзменении">;
 
-TEST(Emission, AThreadThatIsCancelledInASinkEnds) {
+TEST(CancelledThread, EndsInASinkOfAnEvent) {
     std::thread([] {
         Event<> event(kChanged);
         const Connection kept = event.connect([] {
