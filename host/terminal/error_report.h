@@ -14,7 +14,7 @@ namespace host {
 /// and combining characters do not shift the mark; of a very long line only the part around it is shown.
 void show_error(Console& console, const core::script::Error& error);
 
-/// Shows a message in the name of the program. `id` is the message id, empty where there is none.
+/// Shows a message in the name of the program. `id` is the message id, or empty.
 void show_failure(Console& console, const core::wstring& message, std::string_view id = {});
 
 } // namespace host

@@ -2,6 +2,7 @@
 // Concerns: what people read of fonts, lines, borders, rectangles and pictures, in both languages; fonts with
 // every set of parts; damaged lists of fonts and pictures; pictures from files, bytes and names in scripts.
 #include "tests/collections/script.h"
+#include "tests/presentation/stored.h"
 #include "tests/support/folder_test.h"
 
 #include <core/lists.h>
@@ -18,23 +19,8 @@
 namespace {
 
 using namespace core;
-
-template <class C>
-wstring stored(const C& content) {
-    MemoryOutStream text;
-    ListOutStream out(text);
-    to_stream(out, content);
-    return text.take();
-}
-
-template <class C>
-C restored(wstring_view text) {
-    MemoryInStream stream(text);
-    ListInStream in(stream);
-    C content;
-    from_stream(in, content);
-    return content;
-}
+using core::test::restored;
+using core::test::stored;
 
 template <class C>
 wstring in_russian(const C& content) {

@@ -3,6 +3,7 @@
 // what inherits and what leads in a circle; wrong numbers in streams refused with nothing changed; the
 // services; what scripts reach.
 #include "tests/collections/script.h"
+#include "tests/presentation/stored.h"
 
 #include <core/lists.h>
 #include <core/presentation.h>
@@ -16,27 +17,12 @@ core::Rgba readable(const core::Style& style, const core::Color& text, core::Rgb
 namespace {
 
 using namespace core;
-
-template <class C>
-wstring written(const C& content) {
-    MemoryOutStream text;
-    ListOutStream out(text);
-    to_stream(out, content);
-    return text.take();
-}
-
-template <class C>
-C read(wstring_view text) {
-    MemoryInStream stream(text);
-    ListInStream in(stream);
-    C content;
-    from_stream(in, content);
-    return content;
-}
+using core::test::restored;
+using core::test::stored;
 
 template <class C>
 void expect_read_back(const C& content) {
-    const C again = read<C>(written(content));
+    const C again = restored<C>(stored(content));
     EXPECT_EQ(again, content);
     EXPECT_EQ(again.hash(), content.hash());
     EXPECT_EQ(from_value<C>(to_value(content)), content);
@@ -66,12 +52,12 @@ TEST(ShortCuts, HaveOneTextEach) {
         for (std::uint32_t bits = 0; bits < 16; ++bits) {
             const ShortCut shortCut(key, static_cast<KeyModifiers>(bits));
             EXPECT_EQ(ShortCut::fromText(shortCut.toText()), shortCut);
-            EXPECT_EQ(read<ShortCut>(written(shortCut)), shortCut);
+            EXPECT_EQ(restored<ShortCut>(stored(shortCut)), shortCut);
         }
     }
     EXPECT_EQ(keys, 94 - 26 + 18 + 24); // characters without small letters, named keys, F1 to F24
     for (const wchar* text : {u"{97,0}", u"{65,16}", u"{5000,0}", u"{65}", u"\"Ctrl+A\""})
-        EXPECT_THROW(read<ShortCut>(text), ListStreamException);
+        EXPECT_THROW(restored<ShortCut>(text), ListStreamException);
 }
 
 TEST_F(PresentationValues, AreReadBack) {
@@ -101,13 +87,13 @@ TEST_F(PresentationValues, AreReadBack) {
 TEST(PresentationStreams, RefuseWhatIsOutOfRange) {
     for (const wchar* text :
          {u"{7,1,\"auto\"}", u"{1,-1,\"auto\"}", u"{1,1001,\"auto\"}", u"{1,1,\"red?\"}", u"{1,1}"})
-        EXPECT_THROW(read<LumLine>(text), ListStreamException);
+        EXPECT_THROW(restored<LumLine>(text), ListStreamException);
     for (const wchar* text :
          {u"{\"Nothing\",0}", u"{\"\",64}", u"{\"\",4,0}", u"{\"\",4,1001}", u"{\"\",8,3}", u"{\"\",2,0}"})
-        EXPECT_THROW(read<Font>(text), ListStreamException);
+        EXPECT_THROW(restored<Font>(text), ListStreamException);
     for (const wchar* text : {u"{2,\"TextColor\",\"auto\",\"TEXTCOLOR\",\"auto\",0,0,0}",
                               u"{1,\"X\",\"auto\",0,0,0}", u"{4000000000}", u"{0,0,0,1,{0,0,0,1}}"})
-        EXPECT_THROW(read<Style>(text), ListStreamException);
+        EXPECT_THROW(restored<Style>(text), ListStreamException);
 }
 
 TEST(Rects, HoldTheirPixels) {
@@ -162,7 +148,7 @@ TEST(Styles, InheritAndDoNotGoInCircles) {
                           .strikeOut = false}));
     Style deep;
     EXPECT_THROW(for (int i = 0; i < 100; ++i) deep = Style::basedOn(deep), ContextException);
-    EXPECT_EQ(read<Style>(written(deep)), deep);
+    EXPECT_EQ(restored<Style>(stored(deep)), deep);
 }
 
 TEST(Styles, LeaveTextsReadable) {
