@@ -32,10 +32,13 @@ SharedZone shared(const std::optional<TimeZone>& zone) {
 SharedZone zone_of_file(const fs::path& path) {
     constexpr std::uintmax_t kMostBytes = 1 << 20; // real ones have 4 KiB
     std::error_code error;
-    if (!fs::is_regular_file(path, error) || fs::file_size(path, error) > kMostBytes || error)
+    if (!fs::is_regular_file(path, error))
+        return nullptr;
+    const std::uintmax_t size = fs::file_size(path, error);
+    if (error || size > kMostBytes)
         return nullptr;
     std::ifstream file(path, std::ios::binary);
-    std::string bytes(kMostBytes, '\0');
+    std::string bytes(static_cast<std::size_t>(size), '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<std::size_t>(file.gcount()));
     return shared(read_zone_file(bytes));

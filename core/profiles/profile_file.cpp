@@ -81,7 +81,9 @@ void ProfileFile::readAgain(InterfacePtr<IFile> now, Changed& changed) {
 
 /// Null where there is no file.
 InterfacePtr<IFile> ProfileFile::openForReading() {
-    if (url_.empty())
+    // Few systems have a file for all users: that it is not there is asked, as an exception takes long to
+    // make.
+    if (url_.empty() || (!known_.file && !files_.describe(url_)))
         return nullptr;
     try {
         return files_.openURL(url_, OpenMode::read);
