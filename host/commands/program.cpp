@@ -10,6 +10,7 @@
 #include "host/terminal/uncaught_report.h"
 
 #include <core/files/errors.h>
+#include <core/profiles/errors.h>
 #include <core/runtime/errors.h>
 #include <core/runtime/live_counter.h>
 #include <core/runtime/utf8.h>
@@ -38,6 +39,12 @@ constexpr const char* kExitCodesRussian =
     "Коды завершения: 0 сделано, 1 ответ «нет», 2 неверная команда, 3 неверные данные или ошибка скрипта, "
     "4 ошибка ввода или вывода, 70 внутренняя ошибка, 130 прервано.";
 
+/// Whether the file of settings cannot be had; else a path or what the file holds is refused.
+bool has_no_file(const core::ProfileException& failure) {
+    const std::string_view id = failure.messageId();
+    return id == core::messages::kProfileBusy || id == core::messages::kProfileNoFile;
+}
+
 /// Runs the action in a process of its own, and tells what stopped it.
 ExitCode carry_out(const Action& action, const std::vector<std::string>& modules, Console& console) {
     const core::Locale language(console.language == Language::russian ? "ru" : "en");
@@ -62,6 +69,8 @@ ExitCode carry_out(const Action& action, const std::vector<std::string>& modules
     } catch (const core::ModuleException& e) {
         const bool missing = std::string_view(e.messageId()) == core::messages::kModuleMissing;
         return fail(console, e, missing ? ExitCode::io : ExitCode::malformed);
+    } catch (const core::ProfileException& e) {
+        return fail(console, e, has_no_file(e) ? ExitCode::io : ExitCode::malformed);
     } catch (const core::StorageException& e) {
         const bool failed = e.kind() == core::StorageException::Kind::none; // in use, read only, full
         return fail(console, e, failed ? ExitCode::io : ExitCode::malformed);

@@ -3,7 +3,9 @@
 // scripts works as the page says.
 #include "tests/host/settings_fixture.h"
 #include "tests/script/script_fixture.h"
+#include "tests/support/stopped_clock.h"
 
+#include <core/files.h>
 #include <core/files/disk_file.h>
 #include <core/profiles/settings.h>
 
@@ -35,6 +37,24 @@ TEST_F(SettingsCommand, GivesBackWhatWasSet) {
     EXPECT_EQ(corehost({"settings", "get", "b/number"}).out, "-7.5\n");
     EXPECT_EQ(settings({"set", "--layer", "system", "c", "1"}), ExitCode::done);
     EXPECT_TRUE(std::filesystem::exists(path("etc/corehost/settings.list")));
+}
+
+TEST_F(SettingsCommand, AFileThatCannotBeHadIsAFailureOfFiles) {
+    ASSERT_EQ(settings({"set", "a", "1"}), ExitCode::done);
+    {
+        const auto files = core::create_file_system();
+        const auto file =
+            files->openURL(core::file_url(path("config/corehost/settings.list")), core::OpenMode::create);
+        const core::InterfacePtr<core::ISharedFile> shared(file);
+        ASSERT_TRUE(shared->tryLock(core::kMaxFileLength - 1, 1, core::LockKind::exclusive));
+        const StoppedClock clock({}); // no time passes while the program waits
+        EXPECT_EQ(settings({"set", "a", "2"}), ExitCode::io);
+        EXPECT_EQ(corehost({"settings", "get", "a"}).out, "1\n") << "who reads does not wait";
+    }
+    EXPECT_EQ(settings({"set", "a", "2"}), ExitCode::done);
+    const support::EnvironmentVariable home("HOME", nullptr);
+    const support::EnvironmentVariable user(support::kUserConfigFolder, nullptr);
+    EXPECT_EQ(settings({"set", "a", "3"}), ExitCode::io) << "there is no place for it";
 }
 
 TEST_F(SettingsCommand, TellsTheTypeAndTheLayerOfEachValue) {
