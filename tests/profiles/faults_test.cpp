@@ -32,6 +32,7 @@ struct PlannedProfile {
             files->copyFile(u"fault://user.list", u"fault://saved.list");
     }
     void restore() const {
+        files->remove(u"fault://.core-*"); // what could not be removed without memory
         if (files->describe(u"fault://saved.list"))
             files->copyFile(u"fault://saved.list", u"fault://user.list");
         else if (files->describe(u"fault://user.list"))
@@ -39,66 +40,94 @@ struct PlannedProfile {
     }
 };
 
-/// The changes whose failures are tried, each from the state that the ones before leave.
+/// The changes whose failures are tried, each from the state that the ones before leave. Beside it stands
+/// what was exported of that state.
 const std::function<void(IProfile&)> kSteps[] = {
     [](IProfile& profile) { profile.set(u"first", 1); },
     [](IProfile& profile) {
         profile.change(ProfileChanges().set(u"a/b", 2).set(u"a/c", u"text").remove(u"first"));
     },
     [](IProfile& profile) { profile.set(u"long", wstring(70'000, u'x')); }, // and the journal is merged
+    [](IProfile& profile) { profile.copy(u"a", u"d/e"); },
+    [](IProfile& profile) { profile.move(u"d", u"f"); },
     [](IProfile& profile) { profile.remove(u"a"); },
+    [](IProfile& profile) { profile.importFrom(u"fault://export.list", u"g"); },
     [](IProfile& profile) { profile.set(u"first", 3); },
 };
 
-TEST_F(Faults, OfAnyFileCallChangeNothing) {
+/// What comes of a step in which something is to fail.
+struct Outcome {
+    bool thrown = false; // it has refused the change
+    bool failed = false; // something has failed
+};
+
+/// Makes each step with its n-th failure, for each n until nothing fails.
+template <class Try>
+void try_each_step(Try attempt) {
     PlannedProfile files;
     for (const auto& step : kSteps) {
         const Model before = contents(*files.open());
         files.save();
-        bool failed = true;
-        for (std::uint64_t n = 0; failed; ++n) {
+        files.open()->exportTo(u"fault://export.list");
+        Outcome outcome{.failed = true};
+        for (int n = 0; outcome.failed; ++n) {
             files.restore();
             const auto profile = files.open();
             EXPECT_EQ(contents(*profile), before);
-            files.plan = {.failAt = n};
-            bool thrown = false;
-            try {
-                step(*profile);
-            } catch (const FileException&) {
-                thrown = true;
-            }
-            failed = files.plan.failed;
-            files.plan = {};
+            outcome = attempt([&] { step(*profile); }, files.plan, n);
             const Model after = contents(*files.open());
-            EXPECT_EQ(contents(*profile), after) << "in memory as in the file, call " << n;
-            EXPECT_EQ(after == before, thrown) << "call " << n;
+            EXPECT_EQ(contents(*profile), after) << "in memory as in the file, failure " << n;
+            EXPECT_EQ(after == before, outcome.thrown) << "failure " << n;
         }
     }
-    EXPECT_EQ(contents(*files.open()).size(), 2U);
+    EXPECT_EQ(contents(*files.open()).size(), 7U);
+}
+
+TEST_F(Faults, OfAnyFileCallChangeNothing) {
+    try_each_step([](const auto& step, FaultPlan& plan, int n) {
+        Outcome outcome;
+        plan = {.failAt = static_cast<std::uint64_t>(n)};
+        try {
+            step();
+        } catch (const FileException&) {
+            outcome.thrown = true;
+        }
+        outcome.failed = plan.failed;
+        plan = {};
+        return outcome;
+    });
 }
 
 TEST_F(Faults, OfAnyAllocationChangeNothing) {
-    for (const ProfileLayer layer : {ProfileLayer::user, ProfileLayer::run}) {
-        const auto profile = open();
-        profile->set(u"kept", 1, layer);
-        const Model before = contents(*profile);
-        const ProfileChanges changes = ProfileChanges().set(u"a/b", u"text").remove(u"kept").set(u"c", 3);
-        bool done = false;
-        for (int n = 0; !done; ++n) {
-            try {
-                const ::test::AllocationLimit limit(n);
-                profile->change(changes, layer);
-                done = true;
-            } catch (const std::bad_alloc&) {
-            } catch (const FileException&) { // that of a file system without memory
-            }
-            if (!done) {
-                EXPECT_EQ(contents(*profile), before) << n;
-            }
+    try_each_step([](const auto& step, FaultPlan&, int n) {
+        Outcome outcome;
+        const ::test::AllocationLimit limit(n);
+        try {
+            step();
+        } catch (const std::bad_alloc&) {
+            outcome.thrown = true;
         }
-        EXPECT_EQ(contents(*profile), (Model{{u"a/b", u"text"}, {u"c", 3}}));
-        profile->remove({}, layer);
+        outcome.failed = ::test::allocations_left == 0;
+        return outcome;
+    });
+}
+
+TEST_F(Faults, OfAnyAllocationInMemoryChangeNothing) {
+    const auto profile = open();
+    profile->set(u"kept", 1, ProfileLayer::run);
+    const Model before = contents(*profile);
+    const ProfileChanges changes = ProfileChanges().set(u"a/b", u"text").remove(u"kept").set(u"c", 3);
+    bool done = false;
+    for (int n = 0; !done; ++n) {
+        try {
+            const ::test::AllocationLimit limit(n);
+            profile->change(changes, ProfileLayer::run);
+            done = true;
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(contents(*profile), before) << n;
+        }
     }
+    EXPECT_EQ(contents(*profile), (Model{{u"a/b", u"text"}, {u"c", 3}}));
 }
 
 /// Counts how often each of two paths is told; the empty one stands for all.

@@ -55,20 +55,20 @@ class ProfileTest : public testing::Test {
 
 using Model = std::map<wstring, GenericValue>;
 
-/// All values of a profile.
-inline Model contents(IProfile& profile) {
+/// All values of a profile, or of a folder in it.
+inline Model contents(IProfile& profile, wstring_view folder = {}) {
     Model all;
-    for (ProfileEntry& entry : profile.entries({}))
+    for (ProfileEntry& entry : profile.entries(folder))
         all.emplace(std::move(entry.path), std::move(entry.found.value));
     return all;
 }
 
 /// Does to a model what removing a path does.
 inline void remove_from(Model& model, const wstring& path) {
-    std::erase_if(model, [&](const auto& entry) {
-        const wstring& other = entry.first;
-        return path.empty() || other == path || other.starts_with(path + u'/');
-    });
+    if (path.empty())
+        return model.clear();
+    model.erase(path);
+    model.erase(model.lower_bound(path + u'/'), model.lower_bound(path + u'0')); // the unit behind "/"
 }
 
 } // namespace core::test
