@@ -8,8 +8,10 @@ namespace {
 using ConfigFolders = ProfileTest;
 
 TEST_F(ConfigFolders, AreThoseOfTheEnvironment) {
-    const support::EnvironmentVariable users("APPDATA", file("config").c_str());
-    const support::EnvironmentVariable systems("PROGRAMDATA", file("etc").c_str());
+    const bool isList = support::kSystemConfigFolder == std::string_view("XDG_CONFIG_DIRS");
+    const std::string folders = file("etc") + (isList ? ":/elsewhere" : "");
+    const support::EnvironmentVariable users(support::kUserConfigFolder, file("config").c_str());
+    const support::EnvironmentVariable systems(support::kSystemConfigFolder, folders.c_str());
     const host::HostProcess process;
     auto& profile = require_service<IProfile>();
     EXPECT_EQ(file_path(profile.fileOf(ProfileLayer::user)), file("config/core/settings.list"));
