@@ -222,10 +222,14 @@ TEST_F(Pages, AFileIsWrittenWholeOrNotAtAll) {
     EXPECT_EQ(text_of(path("page.html")), written);
 }
 
+bool is_installed(const std::string& program) {
+    return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
+}
+
 /// A browser without a window; empty where none is installed.
 std::string browser() {
     for (const std::string name : {"chromium-headless-shell", "chromium"}) {
-        if (std::system(("command -v " + name + " >/dev/null").c_str()) == 0)
+        if (is_installed(name))
             return name;
     }
     return {};
@@ -280,6 +284,29 @@ Sales / Total-964.50 / A loss
         const std::string seen = text_of(path("seen"));
         EXPECT_NE(seen.find(expected + background + "</pre>"), std::string::npos) << seen;
     }
+}
+
+TEST_F(Pages, APrintedPageHasTitlesOnEachSheetAndTotalsOnce) {
+    const std::string program = browser();
+    if (program.empty() || !is_installed("pdftotext"))
+        GTEST_SKIP() << "no chromium-headless-shell or no pdftotext";
+    Table table{"Name", "Price"};
+    for (int i = 0; i < 100; ++i)
+        table.add({"row", i});
+    ReportStyle style;
+    style.column(u"Price").title = u"Price now";
+    style.column(u"Price").total = u"Sum(Price)";
+    std::ofstream(path("page.html")) << page(table, style);
+    const std::string command = program + " --headless --no-sandbox --disable-gpu --no-pdf-header-footer" +
+                                " --print-to-pdf='" + path("page.pdf") + "' --user-data-dir='" +
+                                path("profile") + "' 'file://" + path("page.html") + "' 2>'" + path("log") +
+                                "' && pdftotext -layout '" + path("page.pdf") + "' '" + path("seen") + '\'';
+    ASSERT_EQ(std::system(command.c_str()), 0) << text_of(path("log"));
+    const std::string seen = text_of(path("seen"));
+    const std::size_t sheets = count(seen, "\f");
+    EXPECT_GT(sheets, 1U);
+    EXPECT_EQ(count(seen, "Price now"), sheets) << seen;
+    EXPECT_EQ(count(seen, "4950"), 1U) << seen;
 }
 
 } // namespace

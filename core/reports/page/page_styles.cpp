@@ -8,6 +8,8 @@
 namespace core {
 namespace {
 
+// Print repeats the titles on each sheet, but no button in them: there they are text alone. Totals stand
+// once, below all rows.
 constexpr std::string_view kSheet = R"(*{box-sizing:border-box}
 body{margin:1.5rem;color:var(--TextColor);background:var(--BackColor)}
 table{min-width:min(100%,26em);border-collapse:collapse}
@@ -23,12 +25,15 @@ tfoot td{border-top:2px solid var(--BorderColor);color:var(--TotalsTextColor);ba
 td.level{padding-inline-start:calc(.75em + 1.5em*var(--level))}
 .left{text-align:left}.center{text-align:center}.right{text-align:right}
 td.right{font-variant-numeric:tabular-nums}
+td[data-n]{white-space:nowrap}
 td img{max-width:16em;max-height:6em;vertical-align:middle}
 .rules{display:flex;flex-wrap:wrap;gap:.4em 1em;margin:1em 0;padding:0;list-style:none}
 .rules span{padding:.1em .4em}
 @media print{
 body{margin:0}
 th{position:static}
+th button{display:contents}
+tfoot{display:table-row-group}
 tr{break-inside:avoid}
 th button::after{content:""!important}
 *{print-color-adjust:exact;-webkit-print-color-adjust:exact}
