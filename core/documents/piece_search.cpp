@@ -2,6 +2,18 @@
 #include "core/documents/piece_search.h"
 
 namespace core::detail {
+namespace {
+
+/// The node at an index. What a leaf has is fetched all at once: in a text that was edited long, no cache
+/// holds it.
+const PieceNode* child(const PieceNode& node, std::uint32_t index) noexcept {
+    const PieceNode* const next = node.node(index);
+    if (node.height() == 2)
+        next->prefetch();
+    return next;
+}
+
+} // namespace
 
 UnitRun run_at(const PieceNode* root, std::uint64_t offset) noexcept {
     if (root == nullptr || offset >= root->sum().units)
@@ -12,7 +24,7 @@ UnitRun run_at(const PieceNode* root, std::uint64_t offset) noexcept {
         left -= node->unitsBefore(index);
         if (node->isLeaf())
             return {node->text(index), offset - left};
-        node = node->node(index);
+        node = child(*node, index);
     }
 }
 
@@ -30,7 +42,7 @@ std::uint64_t line_of(const PieceNode* root, std::uint64_t offset) noexcept {
         }
         if (node->isLeaf())
             break;
-        node = node->node(index);
+        node = child(*node, index);
     }
     const bool divided = behindCr && node->beginsLf(index); // this LF ends what the CR began
     if (offset == 0)
@@ -60,7 +72,7 @@ FoundEnd find_end(const PieceNode* root, std::uint64_t line) noexcept {
         begin += node->unitsBefore(index);
         if (node->isLeaf())
             break;
-        node = node->node(index);
+        node = child(*node, index);
     }
     const UnitStore& store = node->store(index);
     const PiecePlace place = node->place(index);
