@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/objects/text_arguments.h"
 
+#include <core/collections/native_values.h>
 #include <core/context/events/event.h>
 #include <core/context/script_object.h>
 #include <core/documents/document_file.h>
@@ -8,9 +9,10 @@
 #include <core/lists/list_in_stream.h>
 #include <core/lists/list_out_stream.h>
 
-#include <algorithm>
+#include <limits>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace core {
 namespace {
@@ -33,6 +35,43 @@ class DocumentLines : public IValueEnum {
     std::uint64_t line_ = 0;
 };
 
+/// A range that moves with the text of a document, until nobody has it any more.
+class DocumentRange : public ScriptObject<DocumentRange> {
+  public:
+    // Scripts cannot make one; that a process can serves those that ask for the definition.
+    static constexpr ScriptClass script = {.names = {u"TextRange", u"ДиапазонТекста"},
+                                           .type = script_type_id(u"TextRange"),
+                                           .object = script_class_id(u"TextRange")};
+
+    DocumentRange() : DocumentRange(std::make_shared<TextManager>(), {}, false) {}
+    DocumentRange(std::shared_ptr<TextManager> manager, TextRange range, bool grows)
+        : manager_(std::move(manager)), marks_(manager_->addRange(range, grows)) {}
+
+    static auto members() {
+        using T = DocumentRange;
+        return core::members(property(u"Position", u"Начало", &T::position),
+                             property(u"Count", u"Количество", &T::count),
+                             property(u"Text", u"Текст", &T::text));
+    }
+
+  protected:
+    ~DocumentRange() {
+        for (const TextMark mark : {marks_.begin, marks_.end}) {
+            if (manager_->hasMark(mark)) // a script may have guessed its number
+                manager_->removeMark(mark);
+        }
+    }
+
+  private:
+    [[nodiscard]] TextRange range() const { return manager_->range(marks_); }
+    std::uint64_t position() { return range().begin + 1; }
+    std::uint64_t count() { return range().size(); }
+    wstring text() { return manager_->text().text(range()); }
+
+    std::shared_ptr<TextManager> manager_; // the document may go first, or become another one
+    TextMarkedRange marks_;
+};
+
 /// A document as scripts see it: positions, lines and columns count from 1.
 class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistableObject, IValueCollection> {
   public:
@@ -46,7 +85,7 @@ class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistab
     };
 
     explicit TextDocument(wstring_view text = {}, const TextManagerOptions& options = {}) {
-        become(std::make_unique<TextManager>(text, options));
+        become(std::make_shared<TextManager>(text, options));
     }
 
     /// New TextDocument([Text], [UnicodeEnds]).
@@ -74,6 +113,8 @@ class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistab
             property(u"Modified", u"Изменен", &T::isModified),
             property(u"UndoCount", u"КоличествоОтмен", &T::undoCount),
             property(u"RedoCount", u"КоличествоПовторов", &T::redoCount),
+            property(u"UndoLimit", u"ПределОтмен", &T::undoLimit, &T::setUndoLimit),
+            property(u"Selection", u"Выделение", &T::selection),
             property(u"Encoding", u"Кодировка", &T::encoding, &T::setEncoding),
             method(u"Read", u"Прочитать", &T::read, kFile, kEncoding, kOnError),
             method(u"Write", u"Записать", &T::write, kFile, kEncoding, kMark, kOnError),
@@ -100,6 +141,7 @@ class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistab
             method(u"AddMark", u"ДобавитьЗакладку", &T::addMark, kPosition, {u"Right", u"Вправо"}),
             method(u"MarkPosition", u"ПозицияЗакладки", &T::markPosition, kMark),
             method(u"DeleteMark", u"УдалитьЗакладку", &T::deleteMark, kMark),
+            method(u"AddRange", u"ДобавитьДиапазон", &T::addRange, kPosition, kCount, {u"Grows", u"Растет"}),
             method(u"Select", u"Выделить", &T::select, kPosition, kCount, {u"Add", u"Добавить"}),
             method(u"SelectAll", u"ВыделитьВсе", &T::selectAll, kWhat, kKind),
             method(u"ReplaceSelection", u"ЗаменитьВыделение", &T::replaceSelection, kText),
@@ -131,13 +173,13 @@ class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistab
         in.get(unicodeEnds);
         in.get(encoding);
         const Encoding found(encoding);
-        become(std::make_unique<TextManager>(text, TextManagerOptions{.unicodeEnds = unicodeEnds}));
+        become(std::make_shared<TextManager>(text, TextManagerOptions{.unicodeEnds = unicodeEnds}));
         encoding_ = found;
     }
 
   private:
     /// Takes a document and tells its changes on.
-    void become(std::unique_ptr<TextManager> manager) {
+    void become(std::shared_ptr<TextManager> manager) {
         Connection connection = manager->changed.connect([this](const TextChange& change) {
             if (changed.connectionCount() != 0)
                 changed.raise(change.offset + 1, change.removed.text(), change.inserted.text());
@@ -174,6 +216,17 @@ class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistab
     bool isModified() { return manager_->isModified(); }
     std::uint64_t undoCount() { return manager_->undoCount(); }
     std::uint64_t redoCount() { return manager_->redoCount(); }
+    std::optional<std::uint64_t> undoLimit() {
+        const std::size_t limit = manager_->undoLimit();
+        return limit == kNoLimit ? std::nullopt : std::optional<std::uint64_t>(limit);
+    }
+    void setUndoLimit(std::optional<std::size_t> steps) { manager_->setUndoLimit(steps.value_or(kNoLimit)); }
+    std::vector<ObjectPtr<DocumentRange>> selection() {
+        std::vector<ObjectPtr<DocumentRange>> ranges;
+        for (const TextRange& range : manager_->selection())
+            ranges.push_back(make_object<DocumentRange>(manager_, range, false));
+        return ranges;
+    }
     wstring encoding() { return encoding_.name(); }
     void setEncoding(wstring_view name) { encoding_ = Encoding(name); }
 
@@ -242,6 +295,10 @@ class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistab
     }
     std::uint64_t markPosition(std::uint64_t mark) { return manager_->offset(markOf(mark)) + 1; }
     void deleteMark(std::uint64_t mark) { manager_->removeMark(markOf(mark)); }
+    ObjectPtr<DocumentRange> addRange(std::uint64_t position, std::uint64_t count,
+                                      std::optional<bool> grows) {
+        return make_object<DocumentRange>(manager_, rangeOf(position, count), grows.value_or(false));
+    }
     void select(std::uint64_t position, std::uint64_t count, std::optional<bool> add) {
         std::vector<TextRange> ranges;
         if (add.value_or(false))
@@ -259,12 +316,15 @@ class TextDocument : public ScriptObject<TextDocument, ITextDocument, IPersistab
     }
     void replaceSelection(wstring_view text) { manager_->replaceSelection(text); }
 
-    std::unique_ptr<TextManager> manager_;
-    Connection connection_; // to the document; ends before it
+    static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
+
+    std::shared_ptr<TextManager> manager_; // with its ranges
+    Connection connection_;                // to the document; ends before it
     Encoding encoding_;
 };
 
 const ScriptClassEntry<TextDocument> kTextDocumentEntry;
+const ScriptClassEntry<DocumentRange> kDocumentRangeEntry;
 
 } // namespace
 

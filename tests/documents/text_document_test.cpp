@@ -66,6 +66,44 @@ TEST_F(TextDocumentObject, CountsFromOne) {
               message_text(messages::kTextLine, {u"3", u"2"}));
 }
 
+TEST_F(TextDocumentObject, RangesMoveWithTheTextAsLongAsTheyAreHeld) {
+    GenericValue document = make(u"TextDocument", {text(u"one two three")});
+    const GenericValue fixed = call(document, u"AddRange", {5, 3});
+    const GenericValue growing = call(document, u"ДобавитьДиапазон", {5, 3, true});
+    auto& manager = document.query<ITextDocument>()->manager();
+    EXPECT_EQ(manager.markCount(), 4U);
+    const auto expect = [](const GenericValue& range, int position, int count, const wchar* units) {
+        EXPECT_EQ(property(range, u"Начало"), GenericValue(position));
+        EXPECT_EQ(property(range, u"Количество"), GenericValue(count));
+        EXPECT_EQ(property(range, u"Text"), text(units));
+    };
+    call(document, u"Insert", {5, text(u"<")});
+    call(document, u"Insert", {9, text(u">")});
+    expect(fixed, 6, 3, u"two");
+    expect(growing, 5, 5, u"<two>");
+    call(document, u"Delete", {4, 7});
+    expect(growing, 4, 0, u"");
+    call(document, u"Undo");
+    expect(growing, 5, 5, u"<two>");
+    call(document, u"ReplaceRange", {5, 5, text(u"2")});
+    expect(growing, 5, 1, u"2");
+    call(document, u"Select", {1, 2});
+    call(document, u"Select", {7, 2, true});
+    const std::vector<GenericValue> selected = walk(property(document, u"Выделение"));
+    ASSERT_EQ(selected.size(), 2U);
+    expect(selected[1], 7, 2, u"th");
+    call(document, u"Select", {1, 0});
+    EXPECT_EQ(manager.markCount(), 10U) << "five ranges, of which one is the cursor";
+    { const GenericValue shortLived = call(document, u"AddRange", {1, 2}); }
+    EXPECT_EQ(manager.markCount(), 10U);
+    EXPECT_EQ(failure<DocumentException>([&] {
+                  call(document, u"AddRange", {10, 20});
+              }),
+              message_text(messages::kTextOffset, {u"29", u"11"}));
+    document = GenericValue();
+    expect(growing, 5, 1, u"2"); // a range keeps the text that it is of
+}
+
 TEST_F(TextDocumentObject, TellsScriptsWhatChanged) {
     const GenericValue document = make(u"TextDocument", {text(u"abc")});
     std::vector<GenericValue> seen;
@@ -76,6 +114,23 @@ TEST_F(TextDocumentObject, TellsScriptsWhatChanged) {
     call(document, u"ReplaceRange", {2, 1, text(u"xy")});
     EXPECT_EQ(seen, (std::vector<GenericValue>{2, text(u"b"), text(u"xy")}));
     EXPECT_TRUE(service->disconnect(document.object(), number));
+}
+
+TEST_F(TextDocumentObject, KeepsAsManyStepsAsItIsTold) {
+    const GenericValue document = make(u"TextDocument");
+    EXPECT_TRUE(property(document, u"UndoLimit").isUndefined());
+    for (int i = 0; i < 5; ++i)
+        call(document, u"Insert", {1, text(u"one\n")});
+    const auto limit = [&](const GenericValue& steps) {
+        const auto context = document.query<IContext_>();
+        context->setPropVal(context->findProp(u"ПределОтмен"), steps);
+    };
+    limit(3);
+    EXPECT_EQ(property(document, u"UndoLimit"), GenericValue(3));
+    EXPECT_EQ(property(document, u"UndoCount"), GenericValue(3));
+    limit(GenericValue());
+    call(document, u"Insert", {1, text(u"one\n")});
+    EXPECT_EQ(property(document, u"UndoCount"), GenericValue(4));
 }
 
 TEST_F(TextDocumentObject, IsStoredWithItsEnds) {
