@@ -47,6 +47,10 @@ class DocumentRange : public ScriptObject<DocumentRange> {
     DocumentRange(std::shared_ptr<TextManager> manager, TextRange range, bool grows)
         : manager_(std::move(manager)), marks_(manager_->addRange(range, grows)) {}
 
+    bool getString(wstring& out) const override {
+        out = text();
+        return true;
+    }
     static auto members() {
         using T = DocumentRange;
         return core::members(property(u"Position", u"Начало", &T::position),
@@ -64,9 +68,9 @@ class DocumentRange : public ScriptObject<DocumentRange> {
 
   private:
     [[nodiscard]] TextRange range() const { return manager_->range(marks_); }
-    std::uint64_t position() { return range().begin + 1; }
-    std::uint64_t count() { return range().size(); }
-    wstring text() { return manager_->text().text(range()); }
+    [[nodiscard]] std::uint64_t position() const { return range().begin + 1; }
+    [[nodiscard]] std::uint64_t count() const { return range().size(); }
+    [[nodiscard]] wstring text() const { return manager_->text().text(range()); }
 
     std::shared_ptr<TextManager> manager_; // the document may go first, or become another one
     TextMarkedRange marks_;

@@ -80,6 +80,9 @@ TEST_F(TextDocumentObject, RangesMoveWithTheTextAsLongAsTheyAreHeld) {
     call(document, u"Insert", {5, text(u"<")});
     call(document, u"Insert", {9, text(u">")});
     expect(fixed, 6, 3, u"two");
+    wstring shown;
+    EXPECT_TRUE(fixed.getString(shown));
+    EXPECT_EQ(shown, u"two");
     expect(growing, 5, 5, u"<two>");
     call(document, u"Delete", {4, 7});
     expect(growing, 4, 0, u"");
