@@ -52,6 +52,9 @@ TEST_F(SettingsCommand, AFileThatCannotBeHadIsAFailureOfFiles) {
         EXPECT_EQ(corehost({"settings", "get", "a"}).out, "1\n") << "who reads does not wait";
     }
     EXPECT_EQ(settings({"set", "a", "2"}), ExitCode::done);
+    const Answer lost = corehost({"settings", "export", path("none/export.list")});
+    EXPECT_EQ(lost.code, ExitCode::io);
+    EXPECT_NE(lost.err.find(path("none/export.list")), std::string::npos) << lost.err;
     const support::EnvironmentVariable home("HOME", nullptr);
     const support::EnvironmentVariable user(support::kUserConfigFolder, nullptr);
     EXPECT_EQ(settings({"set", "a", "3"}), ExitCode::io) << "there is no place for it";

@@ -6,6 +6,7 @@
 #include "core/files/schemes.h"
 
 #include <core/files/disk_file.h>
+#include <core/files/errors.h>
 #include <core/runtime/internal_class.h>
 
 #include <fcntl.h>
@@ -57,10 +58,15 @@ FileBeside::FileBeside(const std::string& target, unsigned permissions)
     require_whole_path(target);
     Descriptor descriptor(open_nameless(folder_of(target), permissions));
     nameless_ = descriptor.number();
-    if (nameless_ >= 0)
+    if (nameless_ >= 0) {
         content_ = make_object<NamelessFile>(std::move(descriptor), file_url(target));
-    else
+        return;
+    }
+    try {
         content_ = open_disk_file(path_, OpenMode::createNew, permissions);
+    } catch (const FileException& e) { // nobody has asked for the name that it has
+        throw_file_error(messages::kFileOpen, file_url(target), e.systemError());
+    }
 }
 
 FileBeside::~FileBeside() {
