@@ -8,7 +8,8 @@
 namespace core {
 
 /// A new file that is to take the place of another one, whole or not at all. Where the system can, it has no
-/// name until then, so that nothing of it stays behind however the program ends.
+/// name until then, so that nothing of it stays behind however the program ends. One moment is left: a kill
+/// just before it replaces a file leaves it whole beside that, until the next one takes the same place.
 class FileBeside {
   public:
     /// Makes it in the folder of `target`. Throws FileException.
@@ -26,9 +27,10 @@ class FileBeside {
     [[nodiscard]] bool replace(const std::string& target);
 
   private:
-    [[nodiscard]] bool name();
+    [[nodiscard]] bool link(const std::string& path) const;
+    [[nodiscard]] bool takePlace(const std::string& target);
 
-    std::string path_; // its name, or the one that it gets on its way to the target
+    std::string path_; // its name, or one that it may get on its way to the target
     int nameless_;     // the descriptor of a file without a name, -1 for one that has its name
     InterfacePtr<IFile> content_;
 };

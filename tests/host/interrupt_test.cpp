@@ -162,8 +162,11 @@ TEST_F(InterruptTest, NothingTemporaryStaysWhateverTheSignal) {
         std::this_thread::sleep_for(100ms);
         program.send(signal);
         EXPECT_TRUE(program.ended(5s)) << signal;
-        for (const std::string& name : others())
-            EXPECT_EQ(name, "out.csv") << signal;
+        for (const std::string& name : others()) {
+            // Between the two calls that replace a file; the next program puts it in its place.
+            const bool mayStay = signal == SIGKILL && name == ".core-out.csv";
+            EXPECT_TRUE(mayStay || name == "out.csv") << name << " after " << signal;
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 #include "core/files/file_beside.h"
 
 #include "core/files/descriptor_file.h"
+#include "core/files/disk_node.h"
 #include "core/files/disk_path.h"
 #include "core/files/schemes.h"
 
@@ -26,7 +27,7 @@ class NamelessFile : public DescriptorFile {
         : DescriptorFile(std::move(descriptor), std::move(url)) {}
 };
 
-/// While it lives, the thread takes no signal: between its two names a file must not be left behind.
+/// While it lives, the thread takes no signal: a file must not be left behind under its first name.
 class SignalsWait {
   public:
     SignalsWait() noexcept {
@@ -81,23 +82,44 @@ void FileBeside::setPermissions(unsigned permissions) noexcept {
 bool FileBeside::replace(const std::string& target) {
     content_->flush();
     const SignalsWait wait;
-    if (!name())
-        return false;
-    content_->close();
-    if (!rename_durably(path_, target))
-        return false;
+    if (nameless_ < 0) {
+        content_->close();
+        if (!rename_node(path_, target))
+            return false;
+    } else {
+        if (!takePlace(target))
+            return false;
+        content_->close();
+    }
     path_.clear();
+    flush_folder_of(target);
     return true;
 }
 
-bool FileBeside::name() {
-    if (nameless_ < 0)
+bool FileBeside::takePlace(const std::string& target) {
+    if (link(target))
         return true;
-    const std::string open = "/proc/self/fd/" + std::to_string(nameless_);
-    if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path_.c_str(), AT_SYMLINK_FOLLOW) != 0)
+    if (errno != EEXIST)
+        return false;
+    // No system call replaces a file by a nameless one. A kill between the two that do leaves a whole file,
+    // under a name that the next saver of the target knows: that one puts it in its place first. Where this
+    // is refused, the name of another file stands there, and one that nobody has is taken.
+    const std::string folder = folder_of(target);
+    const std::string known = folder + ".core-" + target.substr(folder.size());
+    bool isKnown = link(known);
+    if (!isKnown && errno == EEXIST && (rename_node(known, target) || errno == ENOENT))
+        isKnown = link(known);
+    if (isKnown)
+        path_ = known;
+    else if (!link(path_))
         return false;
     nameless_ = -1;
-    return true;
+    return rename_node(path_, target) || (isKnown && errno == ENOENT); // another saver has done it
+}
+
+bool FileBeside::link(const std::string& path) const {
+    const std::string open = "/proc/self/fd/" + std::to_string(nameless_);
+    return ::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }
 
 } // namespace core

@@ -57,17 +57,13 @@ void FileBeside::setPermissions(unsigned) noexcept {}
 
 bool FileBeside::replace(const std::string& target) {
     content_->flush();
-    if (!name())
+    if (!static_cast<PassingFile&>(*content_).setGoes(false))
         return false;
     content_->close();
     if (!rename_durably(path_, target))
         return false;
     path_.clear();
     return true;
-}
-
-bool FileBeside::name() {
-    return static_cast<PassingFile&>(*content_).setGoes(false);
 }
 
 } // namespace core

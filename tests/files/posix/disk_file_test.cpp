@@ -5,7 +5,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <iterator>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace core {
 namespace {
@@ -50,6 +54,54 @@ TEST(DiskFile, ALimitOfItsLengthIsAnErrorAndNoSignal) {
         return right ? 0 : 1;
     };
     EXPECT_EXIT(::_exit(written()), testing::ExitedWithCode(0), "");
+}
+
+class FileBesideTest : public testing::Test {
+  protected:
+    void save(const std::string& text) {
+        files_->writeFile(file_url(path_), [&](IFile& file) { write_all(file, bytes_of(text)); });
+    }
+    [[nodiscard]] std::string saved() const { return test::text_of(*open_disk_file(path_, OpenMode::read)); }
+    [[nodiscard]] std::size_t names() const {
+        const std::filesystem::directory_iterator all(std::filesystem::path(path_).parent_path());
+        return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+    }
+
+    TempFolder folder_;
+    InterfacePtr<IFileSystem> files_ = create_file_system();
+    std::string path_ = folder_ / "a";
+    std::string beside_ = folder_ / ".core-a"; // what a kill leaves, just before a file is replaced
+};
+
+TEST_F(FileBesideTest, WhatAKillLeftIsOutOfTheWay) {
+    save("old");
+    write_all(*open_disk_file(beside_, OpenMode::createNew), bytes_of("killed"));
+    save("new");
+    EXPECT_EQ(saved(), "new");
+    EXPECT_EQ(names(), 1U);
+    std::filesystem::create_directory(beside_);
+    save("newer");
+    EXPECT_EQ(saved(), "newer");
+    EXPECT_TRUE(std::filesystem::is_directory(beside_)) << "it was left by nobody here";
+    EXPECT_EQ(names(), 2U);
+}
+
+TEST_F(FileBesideTest, SaversOfOneFileDoNotDisturbEachOther) {
+    save("new");
+    std::vector<std::thread> savers;
+    for (char c = 'a'; c < 'e'; ++c) {
+        savers.emplace_back([this, c] {
+            for (int i = 0; i < 100; ++i)
+                EXPECT_NO_THROW(save(std::string(1000, c)));
+        });
+    }
+    for (int i = 0; i < 1000; ++i) {
+        const std::string text = saved();
+        ASSERT_TRUE(text == "new" || text == std::string(1000, text.at(0)));
+    }
+    for (std::thread& saver : savers)
+        saver.join();
+    EXPECT_EQ(names(), 1U);
 }
 
 } // namespace
