@@ -14,9 +14,26 @@
 #include <vector>
 
 namespace core {
+namespace {
+
+constexpr std::uint64_t kAtOnce = 128; // blocks
+
+/// A chain that is not canonical, whose content is all that counts. Throws ChainInFileExc where that is
+/// missing.
+CanonicalChain read_content(BlockChain& chain, BlockReader& reader) {
+    Checksum sum;
+    std::vector<std::byte> content;
+    for (std::uint64_t done = 0; done < chain.size(); done += content.size()) {
+        content.resize(static_cast<std::size_t>(std::min(kAtOnce * kStorageBlockSize, chain.size() - done)));
+        chain.readAt(reader, done, content);
+        sum.add(content);
+    }
+    return {chain.size(), sum.value(), false, false};
+}
+
+} // namespace
 
 CanonicalChain read_canonical(BlockReader& reader, std::uint64_t address) {
-    constexpr std::uint64_t kAtOnce = 128; // blocks
     const StorageLayout& layout = reader.layout();
     BlockChain chain(layout);
     chain.open(reader, address, 0);
@@ -27,18 +44,10 @@ CanonicalChain read_canonical(BlockReader& reader, std::uint64_t address) {
     CanonicalChain result{size, 0, runs.size() <= 1, chain.runs().count() == blocks};
     for (const BlockRun& run : runs)
         result.isCanonical = result.isCanonical && run.size == kStorageBlockSize;
+    if (!result.isCanonical)
+        return read_content(chain, reader);
     Checksum sum;
     std::vector<std::byte> content;
-    if (!result.isCanonical) {
-        result.isTogether = false;
-        for (std::uint64_t done = 0; done < size; done += content.size()) {
-            content.resize(static_cast<std::size_t>(std::min(kAtOnce * kStorageBlockSize, size - done)));
-            chain.readAt(reader, done, content);
-            sum.add(content);
-        }
-        result.sum = sum.value();
-        return result;
-    }
     const std::uint64_t step = layout.blockLength(kStorageBlockSize);
     std::vector<std::byte> found;
     std::vector<std::byte> expected;
@@ -54,8 +63,8 @@ CanonicalChain read_canonical(BlockReader& reader, std::uint64_t address) {
             found.resize(static_cast<std::size_t>(piece.count * step));
             expected.resize(found.size());
             content.resize(static_cast<std::size_t>(std::min(left, piece.count * kStorageBlockSize)));
-            if (!reader.readAround(piece.address, found))
-                throw ChainInFileExc(piece.address);
+            if (!reader.readAround(piece.address, found)) // what fills the last block up may be missing
+                return read_content(chain, reader);
             for (std::size_t at = 0, block = 0; at < content.size(); at += kStorageBlockSize, ++block)
                 std::memcpy(content.data() + at, found.data() + block * step + layout.blockHeaderSize(),
                             std::min(kStorageBlockSize, content.size() - at));

@@ -222,6 +222,33 @@ TEST_P(Image, ACheckFindsWhatCannotBeRead) {
     }
 }
 
+TEST_P(Image, BytesThatOnlyFillABlockUpAreNotMissed) {
+    const auto image = [&](std::uint64_t data) {
+        StorageImage made(layout_);
+        made.file(u"a", data);
+        (void)made.finish(static_cast<std::int64_t>(step_));
+        return made;
+    };
+    const std::uint64_t data = image(layout_.emptyLength()).end() - step_; // the last block of the container
+    StorageImage last = image(data);
+    last.header(data, 100, 512, null_);
+    Bytes bytes = last.bytes();
+    bytes.resize(data + layout_.blockHeaderSize() + 100);
+    EXPECT_EQ(open(bytes).get(u"a").size(), 100U);
+    EXPECT_EQ(std::get<3>(only_problem(open(bytes))), "");
+    bytes.pop_back();
+    EXPECT_EQ(std::get<0>(only_problem(open(bytes))), Fault::damagedContent);
+}
+
+TEST_P(Image, ATableBehindTheEndThatItNamesIsRefused) {
+    for (const std::int64_t behind : {0, -1}) {
+        StorageImage image(layout_);
+        image.file(u"a", image.chain(Bytes(10), {512}));
+        const Bytes bytes = image.finish(behind);
+        EXPECT_EQ(isRefused([&] { (void)open(bytes); }), behind != 0);
+    }
+}
+
 TEST_P(Image, TheUseOfTheFileIsToldToTheLastByte) {
     StorageRW storage = open();
     for (int i = 0; i < 20; ++i)

@@ -110,6 +110,46 @@ TEST_P(OneFault, ANodeOfTheTableCostsWhatIsBelowIt) {
     EXPECT_GT(nodes, 5U);
 }
 
+TEST_P(OneFault, CompactingFillsTheSpaceInFrontOfADamagedFile) {
+    FaultDisk disk;
+    create_container(*test::open_fault_file(disk), format_);
+    {
+        StorageRW storage(test::open_fault_file(disk), layout_);
+        storage.begin();
+        for (wchar c = u'a'; c < u'h'; ++c)
+            storage.put(wstring(1, c), Bytes(5000, std::byte(c)));
+        storage.commit();
+        storage.compact();
+        storage.remove(u"a"); // another file fits there, to the last byte
+    }
+    const Bytes content(512, std::byte{'d'});
+    const auto place = std::search(disk.bytes.begin(), disk.bytes.end(), content.begin(), content.end());
+    ASSERT_NE(place, disk.bytes.end());
+    *(place + static_cast<std::ptrdiff_t>(layout_.blockLength(512) - layout_.blockHeaderSize())) =
+        std::byte{'x'}; // the header of the second block
+    StorageRW damaged(test::open_fault_file(disk), layout_);
+    EXPECT_EQ(damaged.compact().damaged, std::vector<wstring>{u"d"});
+    EXPECT_EQ(damaged.info().freeBytes, 0U);
+}
+
+TEST_P(OneFault, AContentThatIsReadInPiecesHasItsChecksum) {
+    if (format_.table == 1)
+        GTEST_SKIP() << "it has no checksums";
+    FaultDisk disk;
+    create_container(*test::open_fault_file(disk), format_);
+    StorageRW storage(test::open_fault_file(disk), layout_);
+    storage.put(u"a", Bytes(3'000'000, std::byte{'d'}));
+    const auto read = [&] {
+        const auto file = StorageRW(test::open_fault_file(disk), layout_).open(u"a", OpenMode::read);
+        for (std::byte piece[1000]; file->read(piece, sizeof piece) != 0;) {
+        }
+    };
+    EXPECT_NO_THROW(read());
+    const Bytes content(512, std::byte{'d'});
+    *std::search(disk.bytes.begin(), disk.bytes.end(), content.begin(), content.end()) = std::byte{'x'};
+    EXPECT_EQ(test::kind_of(read), StorageException::Kind::badFormat);
+}
+
 TEST_P(OneFault, CompactingGoesAroundADamagedFile) {
     FaultDisk disk;
     create_container(*test::open_fault_file(disk), format_);

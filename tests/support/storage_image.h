@@ -3,6 +3,7 @@
 
 #include "tests/support/storage_model.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -69,8 +70,8 @@ class StorageImage {
     void file(const wstring& name, std::uint64_t data) { table_.set(name, {attributes(name), data}); }
     void entry(const wstring& name, const StorageFileEntry& entry) { table_.set(name, entry); }
 
-    /// The whole container, whose end lies `behind` bytes behind the last block.
-    Bytes finish(std::uint64_t behind = 0) {
+    /// The whole container, whose end by its table lies `behind` bytes behind the last block.
+    Bytes finish(std::int64_t behind = 0) {
         Bytes list;
         for (const auto& [address, length] : free_) {
             number(list, address);
@@ -79,7 +80,8 @@ class StorageImage {
         const std::uint64_t freeChain = list.empty() ? layout_.null : chain(list, {list.size()});
         // The size of the table does not depend on where it ends.
         const std::size_t size = table_.encode().size();
-        table_.setEnd(end() + layout_.blockLength(size - kStorageBlockSize) + behind);
+        table_.setEnd(end() + layout_.blockLength(size - kStorageBlockSize) +
+                      static_cast<std::uint64_t>(behind));
         const Bytes content = table_.encode();
         const std::span<const std::byte> whole(content);
         const std::uint64_t rest =
@@ -91,9 +93,11 @@ class StorageImage {
         std::copy(head.begin(), head.end(), bytes_.begin());
         header(layout_.headerSize(), size, kStorageBlockSize, rest);
         std::copy_n(content.begin(), kStorageBlockSize, at(layout_.headerSize() + layout_.blockHeaderSize()));
-        bytes_.resize(end() + behind);
+        bytes_.resize(end() + static_cast<std::uint64_t>(std::max<std::int64_t>(behind, 0)));
         return bytes_;
     }
+
+    [[nodiscard]] const Bytes& bytes() const noexcept { return bytes_; }
 
   private:
     Bytes::iterator at(std::uint64_t address) {
