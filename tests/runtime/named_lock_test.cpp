@@ -223,12 +223,14 @@ TEST(NamedLock, ASignalDoesNotEndTheWaitForAFile) {
 }
 
 TEST(NamedLock, ANameMayBeAnythingThatFits) {
-    for (const wstring name : {u"..", u"Блокировка/1", u"a%b~c d\n", u"😀"}) {
+    const wstring longest(150, u'a');
+    for (const wstring& name :
+         {wstring(u".."), wstring(u"Блокировка/1"), wstring(u"a%b~c d\n"), wstring(u"😀"), longest}) {
         NamedMutex first(name), second(name);
         EXPECT_EQ(first.lock(), NamedLockResult::locked);
         EXPECT_THROW(static_cast<void>(second.tryLock()), ThreadException); // it is the same
     }
-    for (const wstring& name : {wstring(), wstring(200, u'a'), wstring(1, wchar{0xD800})})
+    for (const wstring& name : {wstring(), longest + u'a', wstring(1, wchar{0xD800})})
         EXPECT_THROW(NamedMutex mutex(name), ThreadException);
 }
 
