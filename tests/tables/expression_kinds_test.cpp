@@ -166,6 +166,22 @@ TEST_F(ExpressionKinds, AreAddedOrRefused) {
             }
 }
 
+TEST_F(ExpressionKinds, AreNamedWhenTheyAreRefused) {
+    const auto refusal = [&](const Value& a) {
+        try {
+            add_column(*row_of(a, Value(1), false), u"R", u"A * B");
+        } catch (const ExpressionException& e) {
+            return to_utf8(e.description());
+        }
+        return std::string();
+    };
+    for (const auto& [a, name] :
+         {std::pair(Value(Type(kStringType)), "Type"), std::pair(Value(u"a"), "String"),
+          std::pair(Value(true), "Boolean"), std::pair(Value(Date()), "Date")})
+        EXPECT_NE(refusal(a).find(std::string("types ") + name + " and Number"), std::string::npos)
+            << refusal(a);
+}
+
 TEST_F(ExpressionKinds, AreComparedOrRefused) {
     for (const Value& a : samples())
         for (const Value& b : samples())
