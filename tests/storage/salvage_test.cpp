@@ -83,6 +83,26 @@ TEST_P(Salvage, FindsTheTableThatNothingLeadsTo) {
     EXPECT_EQ(result.files, model_);
 }
 
+TEST_P(Salvage, FindsAFileWithoutAttributesByTheName) {
+    Bytes bytes = disk_.bytes;
+    bytes[layout_.headerSize() + layout_.blockHeaderSize()] ^=
+        std::byte{1}; // of the table, which has the name
+    const std::u16string_view name = u"kept";
+    const auto text = std::as_bytes(std::span(name));
+    std::size_t damaged = 0;
+    for (auto at = bytes.begin();
+         (at = std::search(at, bytes.end(), text.begin(), text.end())) != bytes.end(); ++at) {
+        const auto block =
+            at - static_cast<std::ptrdiff_t>(8 + 8 + 4 + layout_.blockHeaderSize()); // of the record
+        if (block[0] == std::byte{'\r'} && block[1] == std::byte{'\n'}) {
+            block[0] = std::byte{'x'};
+            ++damaged;
+        }
+    }
+    EXPECT_EQ(damaged, 1U);
+    EXPECT_TRUE(salvaged(bytes).files == model_);
+}
+
 TEST_P(Salvage, FindsFilesByTheirAttributesWhenNoTableIsLeft) {
     FaultDisk disk;
     test::create_container(*test::open_fault_file(disk), format_);
