@@ -295,6 +295,27 @@ TEST_F(Filters, WorkOnTrees) {
     EXPECT_EQ(walk(call(rows, u"FindRows", {u"N > 0", true})).size(), 4U);
 }
 
+TEST_F(Filters, AddColumnsThatHoldWhatTheyAreMadeOf) {
+    const auto types = [](const std::vector<Value>& cells) {
+        const GenericValue table = table_of(u"A", {});
+        const auto rows = table.query<IValueTable>();
+        for (const Value& cell : cells)
+            rows->appendRow({&cell, 1});
+        const std::int32_t made = add_column(*rows, u"B", u"A");
+        std::vector<GUID> found = rows->column(static_cast<std::size_t>(made)).domain.types();
+        std::sort(found.begin(), found.end());
+        return found;
+    };
+    for (const Value& value : {Value(u"text"), Value(1), Value(Date(2024, 2, 29)), Value(true)}) {
+        EXPECT_EQ(types({value, value}), std::vector<GUID>{value.type().id()});
+        std::vector<GUID> both{value.type().id(), kUndefinedType};
+        std::sort(both.begin(), both.end());
+        EXPECT_EQ(types({Value(), value}), both);
+        EXPECT_EQ(types({value, Value()}), both);
+    }
+    EXPECT_EQ(types({Value(), Value()}), types({}));
+}
+
 TEST_F(Filters, AddColumnsAndOrderRows) {
     const GenericValue table = sales();
     const auto rows = table.query<IValueTable>();
