@@ -23,7 +23,9 @@
 
 #include <gtest/gtest.h>
 
+#include <exception>
 #include <functional>
+#include <stdexcept>
 #include <vector>
 
 namespace core {
@@ -100,6 +102,19 @@ TEST(ExceptionObject, RaisesEqualExceptionsAgainAndAgain) {
         EXPECT_THROW(object->raise(), Exception); // handlers of the base catch it, too
     }
     EXPECT_EQ(Exception(static_cast<const wchar*>(nullptr)).description(), u"");
+}
+
+TEST(ExceptionObject, FailuresOfOthersSayWhatIsKnownOfThem) {
+    const host::HostProcess process;
+    const auto said = [](const auto& failure) {
+        const auto object = wrap_exception(std::make_exception_ptr(failure));
+        const Exception& e = object->exception();
+        EXPECT_STREQ(e.messageId(), messages::kUnknownFailure);
+        return std::vector<wstring>(e.parameters().begin(), e.parameters().end());
+    };
+    EXPECT_EQ(said(std::runtime_error("no luck")), std::vector<wstring>{u"no luck"});
+    EXPECT_EQ(said(42), std::vector<wstring>{u"?"});
+    EXPECT_THROW(wrap_exception(std::make_exception_ptr(Exception(u"ours")))->raise(), Exception);
 }
 
 TEST(ExceptionObject, ExceptionsCountTheirCauses) {

@@ -80,6 +80,20 @@ TEST_F(TableLosses, OfColumnsThatAreFilled) {
     call(table, u"FillValues", {u"abc"}); // no cell is there to lose it
 }
 
+TEST_F(TableLosses, OfAColumnThatGetsAType) {
+    const auto table = create_value_table();
+    const std::int32_t column = table->addColumn(u"A");
+    for (const wchar* const text : {u"1", u"2", u"x", u"3"})
+        table->appendRow(std::vector<Value>{Value(text)});
+    table->removeRow(1); // a cell that is nobody's stands before the others
+    Losses losses;
+    table->setColumnType(column, TypeDomain(kNumberType), &losses);
+    ASSERT_EQ(losses.count(), 1U);
+    EXPECT_EQ(losses.first()[0].row, 1U);
+    EXPECT_TRUE(table->get(0, column).equals(1) && table->get(2, column).equals(3));
+    EXPECT_EQ(table->total(column), Value(4));
+}
+
 TEST_F(TableLosses, OfAListThatIsLoadedOrGetsAType) {
     const GenericValue list = make(u"ValueList");
     const std::size_t bad = many() / 3;
