@@ -136,24 +136,30 @@ void look_for_readers(const std::vector<std::string>& arguments, Console& consol
 }
 
 /// `corehost FILE ARGUMENT…` is `corehost run FILE -- ARGUMENT…`: what stands behind the file is the
-/// script's.
-void put_run_before_file(CLI::App& app, std::vector<std::string>& arguments) {
+/// script's. Without any word a user at a terminal gets the console, and other input is a script.
+void complete_command(CLI::App& app, const Console& console, std::vector<std::string>& arguments) {
     const auto isCommand = [&app](const std::string& word) {
         return std::ranges::any_of(app.get_subcommands({}),
                                    [&](const CLI::App* command) { return command->get_name() == word; });
     };
     for (auto i = arguments.begin(); i != arguments.end(); ++i) {
-        if (*i == "--lang" || *i == "--locale" || *i == "--module") { // the value is the next argument
-            if (++i == arguments.end())
-                return;
-        } else if (!i->starts_with('-')) {
+        if (!i->starts_with('-')) {
             if (!isCommand(*i) && is_file(*i)) {
                 i = arguments.insert(i + 1, "--");
                 arguments.insert(i - 1, "run");
             }
             return;
         }
+        const CLI::Option* const option = app.get_option_no_throw(*i);
+        if (option == app.get_help_ptr() || option == app.get_version_ptr())
+            return;
+        if (option != nullptr && option->get_items_expected_min() > 0 && ++i == arguments.end())
+            return; // its value is missing
     }
+    if (console.terminal)
+        arguments.insert(arguments.end(), "repl");
+    else
+        arguments.insert(arguments.end(), {"run", "-"});
 }
 
 /// The frame of the help. What is added to the program later inherits it.
@@ -235,7 +241,7 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
     add_commands(app, console, action);
     if (console.language == Language::russian)
         group_help(app, kOptionsRussian);
-    put_run_before_file(app, arguments);
+    complete_command(app, console, arguments);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that CLI11 wants
         app.parse(std::move(arguments));

@@ -24,6 +24,14 @@ class ProgramTest : public FolderTest {
     }
 };
 
+TEST_F(ProgramTest, WithoutACommandInputIsAScript) {
+    const Answer answer = corehost({"--mode", "list"}, "Print(1 + 1.5)");
+    EXPECT_EQ(answer.out, "2.5\n") << answer.err;
+    const Answer stopped = corehost({}, "Print(1);\nPrint(1 / 0)");
+    EXPECT_EQ(stopped.code, ExitCode::malformed);
+    EXPECT_EQ(stopped.err.substr(0, 4), "-:2:");
+}
+
 TEST_F(ProgramTest, EveryExitCode) {
     struct Case {
         std::vector<std::string> arguments;
@@ -37,7 +45,9 @@ TEST_F(ProgramTest, EveryExitCode) {
         {{"--help"}, ExitCode::done},
         {{"run", "--help"}, ExitCode::done},
         {{"--version"}, ExitCode::done},
-        {{}, ExitCode::usage},
+        {{"--mode", "csv", good}, ExitCode::done},
+        {{"--mode"}, ExitCode::usage},
+        {{"--what"}, ExitCode::usage},
         {{"nothing"}, ExitCode::usage},
         {{"run"}, ExitCode::usage},
         {{"run", good, "x"}, ExitCode::done},
@@ -72,9 +82,6 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
         const char* russian;
     };
     const Case cases[] = {
-        {{},
-         "corehost needs a command: container, describe, list, query, repl, run, settings, text.",
-         "corehost: нужна команда: container, describe, list, query, repl, run, settings, text."},
         {{"desribe"},
          "corehost has no command “desribe”. Did you mean describe?",
          "У corehost нет команды «desribe». Возможно, имелся в виду describe?"},
