@@ -129,5 +129,27 @@ TEST_P(Crash, LeavesTheOldStateOrTheNewOne) {
     RecordProperty("cuts", static_cast<int>(cuts_));
 }
 
+TEST_P(Crash, LeavesWhatIsReplacedOrAnEmptyContainer) {
+    FaultDisk disk;
+    test::create_container(*test::open_fault_file(disk), format_);
+    {
+        StorageRW storage(test::open_fault_file(disk), layout_);
+        storage.put(u"a", Bytes(30000, std::byte{1}));
+    }
+    const Bytes start = disk.bytes;
+    disk.recording = true;
+    StorageRW::replace(*test::open_fault_file(disk), layout_);
+    test::Random random(1);
+    for (std::size_t cut = 0; cut <= disk.trace.size(); ++cut) {
+        for (int i = 0; i < 10; ++i) {
+            FaultDisk after;
+            after.bytes = test::crash_image(start, disk.trace, cut, random.engine);
+            const StorageRW storage(test::open_fault_file(after), layout_);
+            const Model found = test::contents(storage);
+            EXPECT_TRUE(found.empty() || found == (Model{{u"a", Bytes(30000, std::byte{1})}})) << cut;
+        }
+    }
+}
+
 } // namespace
 } // namespace core
