@@ -18,6 +18,10 @@ namespace core::test {
 /// Profiles on the files of one folder, as several programs have them.
 class ProfileTest : public testing::Test {
   protected:
+    void SetUp() override {
+        if (!replaces_open_files(folder_ / "probe"))
+            GTEST_SKIP() << "a file that is open cannot be replaced here, which settings need";
+    }
     [[nodiscard]] InterfacePtr<IProfile> open() const {
         ProfileSettings places;
         places.user = file_url(userFile());
@@ -49,8 +53,11 @@ class ProfileTest : public testing::Test {
 
     const host::HostProcess process_;
     // In memory where that can be had: what is made durable takes no time there.
-    const TempFolder folder_{std::filesystem::exists("/dev/shm") ? std::filesystem::path("/dev/shm")
-                                                                 : std::filesystem::temp_directory_path()};
+    static std::filesystem::path parent() {
+        const std::filesystem::path memory("/dev/shm");
+        return memory.is_absolute() && exists(memory) ? memory : std::filesystem::temp_directory_path();
+    }
+    const TempFolder folder_{parent()};
 };
 
 using Model = std::map<wstring, GenericValue>;

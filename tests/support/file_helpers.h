@@ -30,7 +30,10 @@ class TempFolder {
   public:
     explicit TempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
         : path_(support::new_folder("core-test", parent).generic_string()) {}
-    ~TempFolder() { std::filesystem::remove_all(path_); }
+    ~TempFolder() {
+        std::error_code left; // names that are too long for the standard library of some systems
+        std::filesystem::remove_all(path_, left);
+    }
     [[nodiscard]] std::string operator/(std::string_view name) const {
         return path_ + "/" + std::string(name);
     }
@@ -49,6 +52,24 @@ int reason_of(Call call) {
         return e.systemError();
     }
     return 0;
+}
+
+/// Whether system and disk put another file in the place of one that is open; makes the file and removes it.
+inline bool replaces_open_files(const std::string& path) {
+    const auto system = create_file_system();
+    const wstring url = file_url(path);
+    (void)system->openURL(url, OpenMode::createNew)->close();
+    bool done = true;
+    {
+        const auto open = system->openURL(url, OpenMode::read);
+        try {
+            system->writeFile(url, [](IFile&) {});
+        } catch (const FileException&) {
+            done = false;
+        }
+    }
+    system->remove(url);
+    return done;
 }
 
 } // namespace core::test

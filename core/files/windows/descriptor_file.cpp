@@ -25,8 +25,14 @@ using windows::last_error_number;
 constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
 
 /// The system keeps others from reading and writing what is locked, where other systems only say who has it.
-/// Regions are therefore locked far behind all bytes that a disk can hold.
+/// Regions are therefore locked far behind all bytes that a disk can hold. Those that begin far behind
+/// already stay where they are; between the two kinds nothing can be locked.
 constexpr std::uint64_t kLocksBegin = std::uint64_t{1} << 60;
+constexpr std::uint64_t kFarLocksBegin = 2 * kLocksBegin;
+
+std::uint64_t lock_offset(std::uint64_t offset) noexcept {
+    return offset < kLocksBegin ? offset + kLocksBegin : std::max(offset, kFarLocksBegin);
+}
 
 OVERLAPPED place_of(std::uint64_t offset) noexcept {
     OVERLAPPED place{};
@@ -220,12 +226,11 @@ void DescriptorFile::close() {
 
 bool DescriptorFile::tryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) {
     require_region(offset, length, url());
-    if (offset >= kMaxFileLength - kLocksBegin)
+    if (offset >= kLocksBegin && offset < kFarLocksBegin)
         throw_file_error(messages::kFileLock, url(), EINVAL);
-    const std::uint64_t begin = offset + kLocksBegin;
     const std::lock_guard guard(locks_->lock);
     const HANDLE handle = handle_of(descriptor());
-    if (locks_->take(handle, {begin, begin + std::min(length, kMaxFileLength - begin), kind}))
+    if (locks_->take(handle, {lock_offset(offset), lock_offset(offset + length), kind}))
         return true;
     if (::GetLastError() != ERROR_LOCK_VIOLATION && ::GetLastError() != ERROR_IO_PENDING)
         throw_file_error(messages::kFileLock, url(), last_error_number());
@@ -234,9 +239,8 @@ bool DescriptorFile::tryLock(std::uint64_t offset, std::uint64_t length, LockKin
 
 void DescriptorFile::unlock(std::uint64_t offset, std::uint64_t length) {
     require_region(offset, length, url());
-    const std::uint64_t begin = std::min(offset, kMaxFileLength - kLocksBegin) + kLocksBegin;
     const std::lock_guard guard(locks_->lock);
-    locks_->release(handle_of(descriptor()), begin, begin + std::min(length, kMaxFileLength - begin));
+    locks_->release(handle_of(descriptor()), lock_offset(offset), lock_offset(offset + length));
 }
 
 bool DescriptorFile::isSameFile(IFile& other) {

@@ -9,7 +9,7 @@
 namespace core::windows {
 namespace {
 
-constexpr DWORD kWholeHigh = 0x7FFFFFFF; // behind all regions that files can lock
+constexpr DWORD kWholeHigh = 0x08000000; // behind all bytes, before all regions that files can lock
 
 } // namespace
 

@@ -215,7 +215,7 @@ class EnumerationEntry {
         EnumerationValue values[Indexes::size()];
     };
 
-    static inline constinit Objects objects_;
+    static inline CORE_CONSTINIT Objects objects_;
     std::array<ClassEntry, 3> entries_;
 };
 

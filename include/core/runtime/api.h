@@ -11,3 +11,11 @@
 #else
 #define CORE_API __attribute__((visibility("default")))
 #endif
+
+/// Is `constinit`, but nothing for users of the library on Windows: objects of exported classes are not
+/// constant there, since their table of functions is found when the library is loaded.
+#if defined(_WIN32) && !defined(CORE_BUILDING)
+#define CORE_CONSTINIT
+#else
+#define CORE_CONSTINIT constinit
+#endif

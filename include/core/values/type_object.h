@@ -107,7 +107,7 @@ class TypeEntry {
 
     /// Returns the type object, borrowed as long as its module is loaded.
     [[nodiscard]] static IType* instance() noexcept {
-        static constinit TypeObject object(info);
+        static CORE_CONSTINIT TypeObject object(info);
         return &object;
     }
 

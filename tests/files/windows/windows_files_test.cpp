@@ -100,6 +100,30 @@ TEST_F(WindowsLocks, ChangeTheirKindOrStayAsTheyWere) {
     EXPECT_TRUE(lock(*second_, 0, kMaxFileLength, LockKind::exclusive));
 }
 
+TEST_F(WindowsLocks, ReachToTheLastByteThatAFileCanHave) {
+    constexpr std::uint64_t kFar = std::uint64_t{1} << 61;
+    for (const std::uint64_t offset : {kFar / 2 - 1, kFar, kMaxFileLength - 1}) {
+        ASSERT_TRUE(lock(*first_, offset, 1, LockKind::exclusive)) << offset;
+        EXPECT_FALSE(lock(*second_, offset, 1, LockKind::exclusive)) << offset;
+        EXPECT_TRUE(lock(*second_, 7, 1, LockKind::exclusive)) << offset;
+        unlock(*second_, 0, kMaxFileLength);
+        EXPECT_FALSE(lock(*second_, 0, kMaxFileLength, LockKind::shared)) << offset;
+        unlock(*first_, offset, 1);
+        EXPECT_TRUE(lock(*second_, 0, kMaxFileLength, LockKind::shared)) << offset;
+        unlock(*second_, 0, kMaxFileLength);
+    }
+    EXPECT_EQ(reason_of([&] { (void)lock(*first_, kFar - 1, 1, LockKind::shared); }), EINVAL);
+}
+
+TEST(WindowsFiles, AreLockedAsAWholeAlsoInSharedMemory) {
+    const auto system = create_file_system();
+    const wstring url = u"shm://" + to_string(new_guid());
+    const auto first = system->openURL(url, OpenMode::createNew);
+    ASSERT_TRUE(dynamic_cast<ISharedFile&>(*first).tryLock(0, kMaxFileLength, LockKind::exclusive));
+    const auto second = system->openURL(url, OpenMode::read); // marks its use
+    EXPECT_FALSE(dynamic_cast<ISharedFile&>(*second).tryLock(5, 1, LockKind::shared));
+}
+
 TEST(WindowsFiles, AreRenamedAndRemovedWhileOthersHaveThemOpen) {
     const TempFolder folder;
     const auto system = create_file_system();

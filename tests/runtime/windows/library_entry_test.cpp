@@ -42,8 +42,8 @@ TEST(LibraryEntry, ALibraryThatIsLoadedLaterIsAttachedAndGoesWhenItIsFreed) {
     for (int round = 0; round < 20; ++round) {
         const HMODULE library = ::LoadLibraryW(copy.c_str());
         ASSERT_NE(library, nullptr) << round << ": error " << ::GetLastError();
-        const auto modules =
-            reinterpret_cast<Modules>(::GetProcAddress(library, "_ZN4core18registered_modulesEv"));
+        const auto modules = reinterpret_cast<Modules>(
+            reinterpret_cast<void*>(::GetProcAddress(library, "_ZN4core18registered_modulesEv")));
         ASSERT_NE(modules, nullptr);
         EXPECT_EQ(modules().size(), 1U) << "its own; it does not know of the other copy";
         ASSERT_NE(::FreeLibrary(library), 0);
