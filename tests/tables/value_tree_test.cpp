@@ -298,6 +298,7 @@ TEST_F(Trees, RefuseRowsOfOtherLevels) {
     const GenericValue kept = property(top, u"Rows");
     for (const wchar* method : {u"IndexOf", u"Delete"})
         EXPECT_EQ(failure([&] { call(rows, method, {below}); }), message_text("IDS_VT_UNKNOWN_ROW_ERROR"));
+    EXPECT_EQ(failure([&] { call(rows, u"IndexOf", {0}); }), type_mismatch(0));
     EXPECT_EQ(failure([&] { call(rows, u"Find", {1, u"A", 1}); }), type_mismatch(2));
     EXPECT_EQ(failure([&] { call(rows, u"Sort", {u"A", false, 1}); }), type_mismatch(2));
     const auto walking = kept.query<IValueCollection>()->enumerate();
