@@ -166,6 +166,26 @@ TEST_F(ExpressionKinds, AreAddedOrRefused) {
             }
 }
 
+TEST_F(ExpressionKinds, NumbersDoNotOverflow) {
+    std::vector<Numeric> numbers;
+    for (const char* const text :
+         {"9000000000000000000", "-9000000000000000000", "0.000001", "12345678901.25", "3"})
+        numbers.push_back(Numeric::parse(text).value());
+    for (const Numeric& a : numbers)
+        for (const Numeric& b : numbers) {
+            const auto rows = row_of(a, b, false);
+            const std::pair<const wchar*, Numeric> sums[] = {
+                {u"A * B", a * b},         {u"A + B", a + b},         {u"A - B", a - b},
+                {u"A * B * A", a * b * a}, {u"B + A * B", b + a * b}, {u"-A - B - B", -a - b - b}};
+            for (const auto& [expression, expected] : sums) {
+                const std::int32_t made =
+                    add_column(*rows, u"R" + string_intto(rows->columnCount()), expression);
+                EXPECT_EQ(rows->get(0, made), Value(expected))
+                    << to_utf8(a.toString() + u", " + b.toString() + u": " + expression);
+            }
+        }
+}
+
 TEST_F(ExpressionKinds, AreNamedWhenTheyAreRefused) {
     const auto refusal = [&](const Value& a) {
         try {
