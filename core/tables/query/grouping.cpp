@@ -12,8 +12,9 @@ namespace {
 /// Numbers pairs of a group and a key: new groups in the order of their first rows.
 class GroupTable {
   public:
+    /// Takes one after the other: taken together, small groups and small keys would have few different sums.
     [[nodiscard]] std::uint64_t hash(std::uint32_t group, std::uint64_t key) const noexcept {
-        return table_hash_step(seed_ + group, key);
+        return table_hash_step(table_hash_step(seed_, group), key);
     }
     void prefetch(std::uint64_t hash) const noexcept { index_.prefetch(hash); }
     [[nodiscard]] std::uint32_t groupOf(std::uint64_t hash, std::uint32_t group, std::uint64_t key) {

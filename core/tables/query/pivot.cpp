@@ -150,10 +150,11 @@ TableContent unpivot_table(RowRange rows, std::span<const TableColumn* const> ke
     std::vector<ValueDictionary::Code> codes;
     CellColumn cells;
     cells.grow(made);
-    watch.inPieces(rows.size(), [&](std::size_t begin, std::size_t end) {
-        for (std::size_t cell = begin * count; cell < end * count; ++cell) {
+    watch.inPieces(taken.size(), [&](std::size_t begin, std::size_t end) {
+        for (std::size_t cell = begin; cell < end; ++cell) {
             if (!taken[cell])
                 continue;
+            watch.turn();
             const RowId row = rows[cell / count];
             cells.put(static_cast<RowId>(picked.size()), turned[cell % count]->cells.get(row));
             picked.push_back(row);
