@@ -13,6 +13,7 @@
 #include "core/tables/objects/table_parameters.h"
 #include "core/tables/objects/table_parts.h"
 #include "core/tables/objects/table_summaries.h"
+#include "core/tables/query/expression_parser.h"
 #include "core/tables/query/group_by.h"
 
 #include <core/collections/value_structure.h>
@@ -252,6 +253,14 @@ InterfacePtr<SCOM_InternalClass<ValueTable>> ValueTable::copied(std::span<const 
 
 GenericValue ValueTable::callCopy(std::span<GenericValue> arguments) {
     const std::vector<RowId> rows = rowsArgument(arguments[0], 0);
+    if (const wstring_view* const list = arguments[1].asString(); list != nullptr && has_expression(*list)) {
+        const auto chosen = copied(optional_columns_argument(data_, Value(), 1), RowRange(rows));
+        Operands operands(chosen->data_); // what the other rows hold is not computed
+        NewColumns columns(rows.size());
+        for (const TableColumn* const column : keys_argument(chosen->data_, operands, arguments[1], 1))
+            columns.add(column->info, column->cells.copy(RowRange(rows.size())));
+        return Value(table_of(columns.take()).query<IValue>());
+    }
     return copied(optional_columns_argument(data_, arguments[1], 1), RowRange(rows));
 }
 
