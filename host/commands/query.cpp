@@ -15,6 +15,7 @@
 #include <core/runtime/utf8.h>
 #include <core/strings/char_class.h>
 #include <core/strings/names.h>
+#include <core/tables/structures.h>
 
 #include <CLI/CLI.hpp>
 
@@ -124,6 +125,12 @@ wstring variable_of(const std::string& file) {
     return is_valid_name(name) ? name : wstring();
 }
 
+/// A row is shown as a table is, under the names of its columns.
+GenericValue table_of_row(const Value& row) {
+    const auto rows = create_value_array({row});
+    return Value(table_of_rows(Value(rows.query<IValue>())).query<IValue>());
+}
+
 ExitCode query(const QueryOptions& options, Console& console) {
     if (options.words.size() < 2)
         return fail(console, message_text("IDS_HOST_QUERY_WORDS"), ExitCode::usage);
@@ -144,7 +151,8 @@ ExitCode query(const QueryOptions& options, Console& console) {
         const Interrupts interrupts(&engine);
         const GenericValue result = run_steps(engine, tables.front(), from_utf8(options.words.back()));
         if (!result.isUndefined())
-            print_value(result, console, std::numeric_limits<std::size_t>::max());
+            print_value(result.query<IValueRow>() ? table_of_row(result) : result, console,
+                        std::numeric_limits<std::size_t>::max());
     } catch (const script::Error& error) {
         console.out.flush();
         show_error(console, error);

@@ -5,6 +5,7 @@
 #include <core/strings/char_class.h>
 #include <core/strings/names.h>
 #include <core/strings/trim.h>
+#include <core/values/errors.h>
 
 #include <algorithm>
 #include <array>
@@ -87,6 +88,7 @@ class Pipeline {
             engine_.set(u"Table", value_);
             engine_.set(u"Таблица", value_);
             take(step);
+            before_ = step;
         }
         return value_;
     }
@@ -94,6 +96,8 @@ class Pipeline {
   private:
     void take(wstring_view step) {
         const wstring_view name = called(step);
+        if (!name.empty() && value_.isUndefined())
+            throw_error<ContextException>("IDS_HOST_QUERY_UNDEFINED", {wstring(before_), wstring(name)});
         if (const wstring_view text = bare_expression(step, name); !text.empty()) {
             engine_.set(u"_Text", wstring(text));
             if (is(name, u"Where", u"Где"))
@@ -129,6 +133,7 @@ class Pipeline {
 
     script::Engine& engine_;
     GenericValue value_;
+    wstring_view before_; // the step that gave the value
 };
 
 } // namespace

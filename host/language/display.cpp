@@ -8,6 +8,9 @@
 #include <core/strings/integer_text.h>
 #include <core/strings/names.h>
 
+#include <span>
+#include <vector>
+
 namespace core::script {
 
 namespace {
@@ -15,6 +18,22 @@ namespace {
 constexpr std::size_t kMaxLength = 600;
 constexpr std::size_t kMaxString = 200; // of one string
 constexpr int kMaxDepth = 3;            // objects in objects that show what they hold
+
+/// The properties that the elements of a collection are, as the cells of a row are those named like its
+/// columns: these can be set, and there are as many. None where the elements have no names.
+std::vector<int> named_elements(IValueCollection& collection) {
+    std::vector<int> props;
+    const InterfacePtr<IContext_> context(&collection);
+    for (int prop = 0; context && prop < context->getNProps(); ++prop) {
+        if (context->isPropReadable(prop) && context->isPropWritable(prop))
+            props.push_back(prop);
+    }
+    std::size_t count = 0;
+    GenericValue element;
+    for (const auto walk = collection.enumerate(); count <= props.size() && walk->next(element);)
+        ++count;
+    return count == props.size() ? props : std::vector<int>();
+}
 
 class Display {
   public:
@@ -98,7 +117,10 @@ class Display {
         if (const auto pairs = value.query<IValuePairs>()) {
             showPairs(*pairs);
         } else if (const auto collection = value.query<IValueCollection>()) {
-            showElements(*collection);
+            if (const std::vector<int> props = named_elements(*collection); !props.empty())
+                showNamed(*value.query<IContext_>(), props);
+            else
+                showElements(*collection);
         } else {
             const auto context = value.query<IContext_>();
             const wstring presentation = value.presentation();
@@ -121,6 +143,20 @@ class Display {
                 show(*pair.key);
             text_ += u": ";
             show(*pair.value);
+        }
+        items.close(u'}');
+    }
+
+    /// The elements by the names of the properties that they are.
+    void showNamed(IContext_& context, std::span<const int> props) {
+        Items items(*this, u" {");
+        GenericValue element;
+        for (const int prop : props) {
+            if (!items.begin())
+                break;
+            text_.append(context.getPropName(prop, alias_)).append(u": ");
+            context.getPropVal(prop, element);
+            show(element);
         }
         items.close(u'}');
     }

@@ -30,6 +30,9 @@ TEST_F(QueryTest, StepsWorkOnTheTableBefore) {
          "Region,Total,N\r\nNorth,1.2,1\r\nSouth,5.5,2\r\n"},
         {"Where(\"Product\", \"apple\") | Select(\"Region, Price\") | Last(1)",
          "Region,Price\r\nSouth,2.5\r\n"},
+        {"Select(\"Product As What, Price * 2 As Double\") | First(1)", "What,Double\r\napple,2.4\r\n"},
+        {"Find(\"pear\")", "Product,Region,Price\r\npear,South,3\r\n"},
+        {"Find(\"plum\") | Table = Undefined", "True\n"},
         {"Total(\"Price\")", "6.7\n"},
         {"sales.Count() + Table.Count()", "6\n"},
         {"Where(\"Region\", \"a|b\") | Count()", "0\n"},
@@ -58,6 +61,10 @@ TEST_F(QueryTest, TellsWhatIsWrong) {
     EXPECT_EQ(query({sales_}).code, ExitCode::usage);
     EXPECT_EQ(query({sales_, "Sort(\"Cost\")"}).code, ExitCode::malformed);
     EXPECT_EQ(query({sales_, "Group(\"Product\", \"Median(Price)\")"}).code, ExitCode::malformed);
+    EXPECT_EQ(query({sales_, "Select(\"Price, Price * 2 As price\")"}).code, ExitCode::malformed);
+    const Answer missed = query({sales_, "Find(\"plum\") | Count()"});
+    EXPECT_EQ(missed.code, ExitCode::malformed);
+    EXPECT_EQ(missed.err, "corehost: Find(\"plum\") gave Undefined: Count has no table to work on.\n");
     EXPECT_EQ(query({path("none.csv"), "Count()"}).code, ExitCode::io);
     EXPECT_EQ(corehost({"query", "--mode", "xml", sales_, "Count()"}).code, ExitCode::usage);
     const std::string bad = file("bad.csv", "Price\n1\nabc\n");
