@@ -128,7 +128,7 @@ TEST_F(StoppedWork, GroupsGridsOfNumbersAsFastAsOthers) {
     const auto near = grid(1);
     const auto wide = grid(std::int64_t{1} << 24);
     EXPECT_EQ(distinct(*near)->rowCount(), std::size_t{kSide * kSide + 1});
-    EXPECT_LT(time_of([&] { (void)distinct(*near); }), 4 * time_of([&] { (void)distinct(*wide); }));
+    EXPECT_LT(time_of([&] { (void)distinct(*near); }), 3 * time_of([&] { (void)distinct(*wide); }));
 }
 
 } // namespace
