@@ -32,7 +32,7 @@ TEST_F(QueryTest, StepsWorkOnTheTableBefore) {
          "Region,Price\r\nSouth,2.5\r\n"},
         {"Select(\"Product As What, Price * 2 As Double\") | First(1)", "What,Double\r\napple,2.4\r\n"},
         {"Find(\"pear\")", "Product,Region,Price\r\npear,South,3\r\n"},
-        {"Find(\"plum\") | Table = Undefined", "True\n"},
+        {"Find(\"plum\") | Table = Undefined", "Yes\n"},
         {"Total(\"Price\")", "6.7\n"},
         {"sales.Count() + Table.Count()", "6\n"},
         {"Where(\"Region\", \"a|b\") | Count()", "0\n"},

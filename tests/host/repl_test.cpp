@@ -32,7 +32,7 @@ TEST(ReplTest, ThroughAPipe) {
         {"a = 1\n\n  // nothing\na + 1\nPrint(a); a = a + 1; a", "2\n1\n2\n", ""},
         {"Если Истина Тогда\n Сообщить(1)\nКонецЕсли\n\"x\n|y\"", "1\n\"x\uFFFDy\"\n", ""},
         {"b = New Array\r\nb.Add(\"\x1B[2J\")\r\nb\r\n", "Array [\"\uFFFD[2J\"]\n", ""},
-        {"T = New ValueTable\nT.Columns.Add(\"A\")\nR = T.AddRow(\"x\")\nT.FindRows(\"A = \"\"x\"\"\")",
+        {"T = New ValueTable\nC = T.Columns.Add(\"A\")\nR = T.AddRow(\"x\")\nT.FindRows(\"A = \"\"x\"\"\")",
          "Array [ValueTableRow {A: \"x\"}]\n", ""},
         // the console goes on behind every error; what was done before it stays done
         {"a = 1; b = 1 / 0\na\n)\na\n\"\xFF\"\na", "1\n1\n1\n",
