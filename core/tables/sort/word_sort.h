@@ -38,6 +38,8 @@ class WordPacking {
     [[nodiscard]] std::size_t position(std::uint64_t packed) const noexcept {
         return static_cast<std::size_t>(packed & ((std::uint64_t{1} << positionBits_) - 1));
     }
+    /// Says whether words that are the same here are equal.
+    [[nodiscard]] bool isExact() const noexcept { return dropped_ == 0; }
     [[nodiscard]] bool same(std::uint64_t a, std::uint64_t b) const noexcept {
         return (a ^ b) >> positionBits_ == 0;
     }
@@ -62,6 +64,48 @@ void sort_by_comparing(std::span<std::uint32_t> order, std::size_t begin, Sorted
         sorted.leads[begin + i] = compare(order[i - 1], order[i]) != 0;
 }
 
+/// The lowest and the highest of the words of some indexes.
+inline std::pair<std::uint64_t, std::uint64_t> limits_of(std::span<const std::uint32_t> order,
+                                                         std::span<const std::uint64_t> words) noexcept {
+    std::pair limits(words[order.front()], words[order.front()]);
+    for (const std::uint32_t i : order)
+        limits = {std::min(limits.first, words[i]), std::max(limits.second, words[i])};
+    return limits;
+}
+
+/// Puts indexes into the order of their words, which lie close together, in a time that grows with their
+/// number alone. `ends` has a zero for each word from the lowest one on, and gets the end of its indexes.
+inline void count_off(std::span<const std::uint32_t> from, std::span<std::uint32_t> order,
+                      std::span<const std::uint64_t> words, std::uint64_t lowest,
+                      std::span<std::uint32_t> ends) noexcept {
+    for (const std::uint32_t i : from)
+        ++ends[static_cast<std::size_t>(words[i] - lowest)];
+    std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), 0U);
+    for (const std::uint32_t i : from)
+        order[ends[static_cast<std::size_t>(words[i] - lowest)]++] = i;
+}
+
+/// Indexes that are still to be sorted, by their words at a depth.
+struct WordRun {
+    std::uint32_t begin;
+    std::uint32_t end;
+    unsigned depth;
+    bool equal; // the words at that depth are known to be equal
+};
+
+/// Puts indexes into the order of as much of their words as is packed. `items` has room for all of them.
+inline WordPacking sort_packed(std::span<const std::uint32_t> from, std::span<std::uint32_t> order,
+                               std::span<const std::uint64_t> words, std::uint64_t lowest,
+                               std::uint64_t highest, std::span<std::uint64_t> items) {
+    const WordPacking packing(from.size(), lowest, highest);
+    for (std::size_t i = 0; i < from.size(); ++i)
+        items[i] = packing.pack(words[from[i]], i);
+    sort_words(items);
+    for (std::size_t i = 0; i < from.size(); ++i)
+        order[i] = from[packing.position(items[i])];
+    return packing;
+}
+
 } // namespace detail
 
 /// Sorts the indexes of `words` by sequences of words, of which these are the first ones. Where words are
@@ -70,56 +114,56 @@ void sort_by_comparing(std::span<std::uint32_t> order, std::size_t begin, Sorted
 /// they decide.
 template <class Deepen, class Compare>
 [[nodiscard]] SortedIndexes sort_by_words(std::span<std::uint64_t> words, Deepen deepen, Compare compare) {
-    struct Run {
-        std::uint32_t begin;
-        std::uint32_t end;
-        unsigned depth;
-    };
     const auto count = static_cast<std::uint32_t>(words.size());
     SortedIndexes sorted{std::vector<std::uint32_t>(count), std::vector<bool>(count)};
     std::iota(sorted.order.begin(), sorted.order.end(), 0U);
     std::vector<std::uint64_t> packed(count);
     std::vector<std::uint32_t> before(count);
-    std::vector<Run> ahead = {{0, count, 0}};
+    std::vector<detail::WordRun> ahead = {{0, count, 0, false}};
+    std::vector<std::uint32_t> ends;
     detail::LoopCheck check;
+    const auto split = [&](const detail::WordRun& run, std::uint32_t first, std::uint32_t end, bool equal) {
+        sorted.leads[run.begin + first] = true;
+        if (end - first > 1)
+            ahead.push_back({run.begin + first, run.begin + end, run.depth, equal});
+    };
     while (!ahead.empty()) {
         check();
-        const Run run = ahead.back();
+        const detail::WordRun run = ahead.back();
         ahead.pop_back();
         if (run.begin == run.end)
             continue;
         sorted.leads[run.begin] = true;
         const auto order = std::span(sorted.order).subspan(run.begin, run.end - run.begin);
-        std::uint64_t lowest = words[order.front()];
-        std::uint64_t highest = lowest;
-        for (const std::uint32_t i : order) {
-            lowest = std::min(lowest, words[i]);
-            highest = std::max(highest, words[i]);
-        }
+        const auto [lowest, highest] = detail::limits_of(run.equal ? order.first(1) : order, words);
         if (lowest == highest) {
             if (order.size() == 1)
                 continue;
             if (deepen(order, run.depth + 1))
-                ahead.push_back({run.begin, run.end, run.depth + 1});
+                ahead.push_back({run.begin, run.end, run.depth + 1, false});
             else
                 detail::sort_by_comparing(order, run.begin, sorted, compare);
             continue;
         }
-        const detail::WordPacking packing(order.size(), lowest, highest);
-        for (std::size_t i = 0; i < order.size(); ++i)
-            packed[i] = packing.pack(words[order[i]], i);
+        const auto from = std::span(before).first(order.size());
+        std::copy(order.begin(), order.end(), from.begin());
+        if (highest - lowest < order.size()) {
+            ends.assign(static_cast<std::size_t>(highest - lowest) + 1, 0);
+            detail::count_off(from, order, words, lowest, ends);
+            for (std::uint32_t first = 0; const std::uint32_t end : ends) {
+                if (first != end)
+                    split(run, first, end, true);
+                first = end;
+            }
+            continue;
+        }
         const auto items = std::span(packed).first(order.size());
-        sort_words(items);
-        std::copy(order.begin(), order.end(), before.begin());
-        for (std::size_t i = 0; i < order.size(); ++i)
-            order[i] = before[packing.position(items[i])];
+        const auto packing = detail::sort_packed(from, order, words, lowest, highest, items);
         for (std::uint32_t first = 0; first < items.size();) {
             std::uint32_t end = first + 1;
             while (end < items.size() && packing.same(items[first], items[end]))
                 ++end;
-            if (end - first > 1)
-                ahead.push_back({run.begin + first, run.begin + end, run.depth});
-            sorted.leads[run.begin + first] = true;
+            split(run, first, end, packing.isExact());
             first = end;
         }
     }
