@@ -103,7 +103,7 @@ Char* write_limb(Char* out, Limb limb) noexcept {
     *out++ = static_cast<Char>('0' + (fixed >> 32));
     for (int i = 0; i < 4; ++i, out += 2) {
         fixed = (fixed & 0xFFFFFFFF) * 100;
-        write_pair(out, fixed >> 32);
+        write_pair(out, static_cast<std::size_t>(fixed >> 32));
     }
     return out;
 }

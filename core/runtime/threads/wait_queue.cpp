@@ -19,7 +19,7 @@ WaitBucket& bucket_of(const Waitable* object) noexcept {
     static Immortal<WaitBuckets> buckets; // locks may be used by the destructors of other statics
     const auto spread = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(object)) *
                         0x9e3779b97f4a7c15U; // neighbours lie far from each other
-    return (*buckets).all[spread >> (64 - kBucketBits)];
+    return (*buckets).all[static_cast<std::size_t>(spread >> (64 - kBucketBits))];
 }
 
 void WaitBucket::add(Waiter& waiter, bool atFront) noexcept {
