@@ -238,7 +238,9 @@ std::string to_json_lines(const GenericValue& value) {
     if (!elements)
         return to_json(value) + '\n';
     GenericValue element;
+    detail::LoopCheck check; // the writer of a line meets few elements
     for (const auto walk = elements->enumerate(); walk->next(element);) {
+        check();
         lines += to_json(element);
         lines += '\n';
     }

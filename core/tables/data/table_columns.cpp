@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/runtime/threads/loop_check.h"
 #include "core/tables/convert/cell_fit.h"
 #include "core/tables/data/table_data.h"
 
@@ -109,7 +110,9 @@ CellColumn TableData::fitted(const TableColumn& column, const TypeDomain& domain
     std::vector<std::optional<FittedCell>> byCode(coded ? column.cells.dictionary().size() : 0);
     CellColumn cells;
     cells.grow(ids_);
+    detail::LoopCheck check;
     for (std::size_t i = 0; i < ids_; ++i) {
+        check();
         const auto row = static_cast<RowId>(i);
         if (!rows_.contains(row))
             continue;
@@ -197,7 +200,9 @@ void TableData::load(RowId parent, std::size_t position, std::span<const Value> 
     std::vector<Value> cells;
     cells.reserve(count);
     Losses lost;
+    detail::LoopCheck check;
     for (const Value& value : values.first(count)) {
+        check();
         FittedCell cell = fit_cell(column.info.domain, value);
         if (cell.loss)
             lost.add({.row = cells.size(),

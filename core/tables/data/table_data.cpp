@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/data/table_data.h"
 
+#include "core/runtime/threads/loop_check.h"
+
 #include <core/tables/errors.h>
 #include <core/values/errors.h>
 
@@ -303,7 +305,9 @@ void TableData::set(RowId row, std::size_t position, GenericValue value) {
 std::vector<RowId> TableData::withSubordinates(std::span<const RowId> rows) const {
     std::vector<RowId> all;
     std::vector<RowId> ahead(rows.rbegin(), rows.rend());
+    detail::LoopCheck check;
     while (!ahead.empty()) {
+        check();
         const RowId row = ahead.back();
         ahead.pop_back();
         all.push_back(row);

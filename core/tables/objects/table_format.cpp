@@ -89,31 +89,32 @@ void get_indexes(ListInStream& in, TableData& data) {
     in.getEndOfList();
 }
 
-void put_rows(IOutPersistenceStorage* storage, const TableData& data, RowId parent) {
+/// `check` counts the rows of all levels: a tree may have few below each row.
+void put_rows(IOutPersistenceStorage* storage, const TableData& data, RowId parent,
+              detail::LoopCheck& check) {
     const Nesting::Level level(storage->nesting());
     ListOutStream& out = storage->listStream();
     const RowOrder& rows = data.rowsOf(parent);
     out.putBeginOfList();
     put_count(out, rows.size());
-    rows.walk([&, check = detail::LoopCheck()](RowId row) mutable {
+    rows.walk([&](RowId row) {
         check();
         out.putBeginOfList();
         for (std::size_t i = 0; i < data.columnCount(); ++i)
             serialize_value(storage, data.get(row, i));
         if (data.isTree())
-            put_rows(storage, data, row);
+            put_rows(storage, data, row, check);
         out.putEndOfList();
         return true;
     });
     out.putEndOfList();
 }
 
-void get_rows(IInPersistenceStorage* storage, TableData& data, RowId parent) {
+void get_rows(IInPersistenceStorage* storage, TableData& data, RowId parent, detail::LoopCheck& check) {
     const Nesting::Level level(storage->nesting());
     ListInStream& in = storage->listStream();
     std::vector<Value> cells;
     in.getBeginOfList();
-    detail::LoopCheck check;
     for (std::int64_t left = get_count(in); left > 0; --left) {
         check();
         in.getBeginOfList();
@@ -125,7 +126,7 @@ void get_rows(IInPersistenceStorage* storage, TableData& data, RowId parent) {
         }
         const RowId row = data.insertRow(parent, data.rowsOf(parent).size(), cells, CellSource::stored);
         if (data.isTree())
-            get_rows(storage, data, row);
+            get_rows(storage, data, row, check);
         in.getEndOfList();
     }
     in.getEndOfList();
@@ -145,11 +146,12 @@ void serialize_table(IOutPersistenceStorage* storage, const TableData& data) {
     put_columns(out, data);
     if (!data.isTree())
         put_indexes(out, data);
+    detail::LoopCheck check;
     detail::CompactWriter* const compact = detail::ListRun::compact(out);
     if (compact != nullptr && stands_by_columns(data))
         put_cells(storage, *compact, data);
     else
-        put_rows(storage, data, kNoRow);
+        put_rows(storage, data, kNoRow, check);
     out.putEndOfList();
 }
 
@@ -160,11 +162,12 @@ void deserialize_table(IInPersistenceStorage* storage, TableData& data) {
     get_columns(in, fresh);
     if (!fresh.isTree())
         get_indexes(in, fresh);
+    detail::LoopCheck check;
     detail::CompactReader* const compact = detail::ListRun::compact(in);
     if (compact != nullptr && stands_by_columns(fresh))
         get_cells(storage, *compact, fresh);
     else
-        get_rows(storage, fresh, kNoRow);
+        get_rows(storage, fresh, kNoRow, check);
     in.getEndOfList();
     data.replace(fresh);
 }

@@ -20,6 +20,7 @@
 #include <core/context/arguments.h>
 #include <core/context/errors.h>
 #include <core/runtime/process.h>
+#include <core/runtime/threads/thread.h>
 #include <core/tables/chooser.h>
 #include <core/tables/errors.h>
 #include <core/tables/value_table.h>
@@ -241,6 +242,7 @@ InterfacePtr<SCOM_InternalClass<ValueTable>> ValueTable::copied(std::span<const 
                                                                 RowRange rows) const {
     std::vector<std::unique_ptr<TableColumn>> copies;
     for (const std::size_t position : columns) {
+        Thread::check();
         const TableColumn& column = data_.column(position);
         const auto id = static_cast<ColumnId>(copies.size());
         copies.push_back(std::make_unique<TableColumn>(id, column.info));

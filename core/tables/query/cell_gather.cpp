@@ -130,8 +130,10 @@ CellColumn gather_values(std::span<const CellRun> runs, std::size_t count, WorkW
         return CellColumn::ofValues(std::move(values));
     CellColumn out;
     out.grow(count);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
+        watch.turn();
         out.put(static_cast<RowId>(i), values[i]);
+    }
     return out;
 }
 

@@ -2,6 +2,7 @@
 #include "core/tables/query/pivot.h"
 
 #include "core/tables/convert/column_names.h"
+#include "core/tables/query/cell_gather.h"
 #include "core/tables/query/filled_cells.h"
 #include "core/tables/sort/value_ranks.h"
 
@@ -75,8 +76,10 @@ std::vector<CellColumn> turned_cells(const BoundAggregate& aggregate, RowRange r
         else
             column.grow(rowCount);
     }
-    for (std::size_t part = 0; part < parts.row.size(); ++part)
+    for (std::size_t part = 0; part < parts.row.size(); ++part) {
+        watch.turn();
         columns[parts.value[part]].put(parts.row[part], cells.get(static_cast<RowId>(part)));
+    }
     return columns;
 }
 
@@ -105,7 +108,7 @@ TableContent pivot_table(RowRange rows, std::span<const TableColumn* const> keys
     NewColumns columns(rowGroups.firstRows.size());
     ColumnNames names;
     for (const TableColumn* const key : keys) {
-        columns.add(key->info, key->cells.copy(RowRange(rowGroups.firstRows)));
+        columns.add(key->info, gather_cells(key->cells, RowRange(rowGroups.firstRows), watch));
         static_cast<void>(names.make(key->info.name));
     }
     std::vector<std::vector<CellColumn>> byAggregate;
@@ -163,7 +166,7 @@ TableContent unpivot_table(RowRange rows, std::span<const TableColumn* const> ke
     });
     NewColumns columns(picked.size());
     for (const TableColumn* const column : kept)
-        columns.add(column->info, column->cells.copy(RowRange(picked)));
+        columns.add(column->info, gather_cells(column->cells, RowRange(picked), watch));
     columns.add({.name = wstring(names.name), .domain = TypeDomain(kStringType)},
                 CellColumn::ofCodes(std::move(dictionary), std::move(codes)));
     columns.add({.name = wstring(names.value), .domain = common_domain(turned)}, std::move(cells));

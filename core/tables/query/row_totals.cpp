@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/row_totals.h"
 
+#include "core/runtime/threads/loop_check.h"
 #include "core/tables/query/number_sums.h"
 
 #include <core/strings/integer_text.h>
@@ -18,7 +19,9 @@ void require_no_texts(RowRange rows, const TableColumn& column) {
     std::optional<std::size_t> odd;   // the first text without a number in it
     std::optional<std::size_t> other; // the first value of another kind
     bool anyNumber = false;
+    detail::LoopCheck check;
     for (std::size_t i = 0; i < rows.size(); ++i) {
+        check();
         const Value& cell = cells.form() == CellColumn::Form::coded
                                 ? cells.dictionary()[cells.codes()[rows[i]]]
                                 : cells.values()[rows[i]];

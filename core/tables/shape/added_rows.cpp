@@ -89,6 +89,7 @@ void AddedRows::read(const TableData& table, Losses& losses) {
     const RowRange rows = list.range();
     watch_.expect(rows.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
+        watch_.step(0);
         const TableColumn& from = table.column(i);
         const std::size_t to = columns[i];
         const bool same = to >= data_.columnCount() || data_.column(to).info.domain.isEmpty() ||

@@ -35,11 +35,13 @@ ColumnInfo number_column(wstring_view name) {
     return {.name = wstring(name), .domain = TypeDomain(kNumberType)};
 }
 
-CellColumn cells_of(std::span<const Value> values) {
+CellColumn cells_of(std::span<const Value> values, WorkWatch& watch) {
     CellColumn cells;
     cells.grow(values.size());
-    for (std::size_t i = 0; i < values.size(); ++i)
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        watch.turn();
         cells.put(static_cast<RowId>(i), values[i]);
+    }
     return cells;
 }
 
@@ -94,12 +96,12 @@ TableContent table_by_parent(const TableData& tree, wstring_view key, wstring_vi
         info.domain.addType(kUndefinedType);
     NewColumns columns(flat.rows.size());
     if (!own)
-        columns.add(number_column(key), cells_of(keys));
+        columns.add(number_column(key), cells_of(keys, watch));
     if (!replaced)
-        columns.add(info, cells_of(parents));
+        columns.add(info, cells_of(parents, watch));
     for_columns(tree, flat, watch, [&](std::size_t i) {
         if (i == replaced)
-            columns.add(info, cells_of(parents));
+            columns.add(info, cells_of(parents, watch));
         else
             columns.add(tree.column(i).info, gather_cells(tree.column(i).cells, RowRange(flat.rows), watch));
     });
@@ -132,7 +134,7 @@ TableContent table_by_path(const TableData& tree, std::size_t path, wstring_view
         if (i == path)
             info.domain.setStringQualifiers({}); // a path is longer than its names
         columns.add(std::move(info), i == path
-                                         ? cells_of(cells)
+                                         ? cells_of(cells, watch)
                                          : gather_cells(tree.column(i).cells, RowRange(flat.rows), watch));
     });
     return columns.take();

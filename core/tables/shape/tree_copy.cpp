@@ -24,10 +24,11 @@ std::vector<std::vector<RowId>> rows_of_groups(std::span<const RowId> rows,
 }
 
 /// The sum of the Numbers in some rows; the default of the column where none is.
-Value sum_of(std::span<const RowId> rows, const TableColumn& column) {
+Value sum_of(std::span<const RowId> rows, const TableColumn& column, WorkWatch& watch) {
     Numeric sum;
     bool any = false;
     for (const RowId row : rows) {
+        watch.turn();
         const Value cell = column.cells.get(row);
         if (const auto number = cell.asNumeric()) {
             sum += *number;
@@ -85,7 +86,7 @@ void group_tree(const TableData& from, std::span<const std::size_t> groupColumns
             for (const CellColumn* const key : keys)
                 cells.push_back(key->get(rows.front()));
             for (const std::size_t position : totalColumns)
-                cells.push_back(sum_of(rows, from.column(position)));
+                cells.push_back(sum_of(rows, from.column(position), watch));
             const std::size_t position = tree.rowsOf(siblings.parent).size();
             Siblings below{tree.insertRow(siblings.parent, position, cells, CellSource::stored), {}};
             for (const RowId row : rows) {
