@@ -6,6 +6,7 @@
 #include "core/storage/block_reader.h"
 #include "core/storage/checksum.h"
 
+#include <core/runtime/threads/thread.h>
 #include <core/storage/errors.h>
 
 #include <algorithm>
@@ -24,6 +25,7 @@ CanonicalChain read_content(BlockChain& chain, BlockReader& reader) {
     Checksum sum;
     std::vector<std::byte> content;
     for (std::uint64_t done = 0; done < chain.size(); done += content.size()) {
+        Thread::check();
         content.resize(static_cast<std::size_t>(std::min(kAtOnce * kStorageBlockSize, chain.size() - done)));
         chain.readAt(reader, done, content);
         sum.add(content);
@@ -55,6 +57,7 @@ CanonicalChain read_canonical(BlockReader& reader, std::uint64_t address) {
     std::uint64_t left = size;
     for (std::size_t i = 0; i < runs.size(); ++i) {
         for (BlockRange rest{runs[i].address, runs[i].count}; rest.count != 0;) {
+            Thread::check();
             const BlockRange piece{rest.address, std::min(kAtOnce, rest.count)};
             rest = {rest.address + piece.count * step, rest.count - piece.count};
             const std::uint64_t next = rest.count != 0       ? rest.address

@@ -9,6 +9,7 @@
 #include <core/files/errors.h>
 #include <core/files/file_time.h>
 #include <core/files/url.h>
+#include <core/runtime/threads/thread.h>
 #include <core/storage/errors.h>
 
 #include <algorithm>
@@ -27,6 +28,7 @@ constexpr std::size_t kCopied = std::size_t{256} << 10;
 void copy_content(InnerReader& from, InnerWriter& to) {
     std::vector<std::byte> bytes;
     for (std::uint64_t done = 0; done < from.length(); done += bytes.size()) {
+        Thread::check();
         bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kCopied, from.length() - done)));
         (void)from.readAt(done, bytes);
         to.writeAt(done, bytes);
@@ -261,8 +263,10 @@ void StorageEngine::replace(FilesTable::Change& change, const FileEntry& entry, 
 void StorageEngine::put(wstring_view name, std::span<const std::byte> content) {
     if (content.size() > kInTurn) {
         InnerWriter file(shared_from_this(), name, OpenMode::replace, false);
-        for (std::size_t done = 0; done < content.size(); done += kCopied)
+        for (std::size_t done = 0; done < content.size(); done += kCopied) {
+            Thread::check();
             file.writeAt(done, content.subspan(done, std::min(kCopied, content.size() - done)));
+        }
         return file.close();
     }
     const std::lock_guard lock(mutex_);

@@ -4,6 +4,7 @@
 #include "core/storage/bad_place.h"
 
 #include <core/files/errors.h>
+#include <core/runtime/threads/thread.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -63,6 +64,7 @@ std::vector<std::byte> InnerReader::content() {
     const std::uint64_t length = chain_.size();
     bytes.reserve(static_cast<std::size_t>(std::min(length, kBelieved)));
     while (bytes.size() < length) {
+        Thread::check();
         const std::size_t done = bytes.size();
         bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(length, done + kBatch)));
         (void)readAt(done, std::span(bytes).subspan(done));
