@@ -111,6 +111,8 @@ TEST_F(TableMembers, RowsShowTheColumnsOfTheMoment) {
     EXPECT_TRUE(context->isPropReadable(1) && context->isPropWritable(1));
     const auto named = columns.query<IContext_>(); // Columns.B is the column itself
     EXPECT_TRUE(named->isPropReadable(1) && !named->isPropWritable(1));
+    ASSERT_EQ(walk(columns).size(), 2U);
+    EXPECT_EQ(walk(columns)[1].object(), property(columns, u"B").object());
     EXPECT_EQ(call(row, u"Owner").object(), table.object());
     EXPECT_EQ(call(row, u"Get", {u"b"}).presentation(), u"y");
 
