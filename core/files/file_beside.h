@@ -27,8 +27,7 @@ class FileBeside {
     [[nodiscard]] bool replace(const std::string& target);
 
   private:
-    [[nodiscard]] bool link(const std::string& path) const;
-    [[nodiscard]] bool takePlace(const std::string& target);
+    [[nodiscard]] bool takePlace(const std::string& target, std::string known);
 
     std::string path_; // its name, or one that it may get on its way to the target
     int nameless_;     // the descriptor of a file without a name, -1 for one that has its name

@@ -81,22 +81,27 @@ void FileBeside::setPermissions(unsigned permissions) noexcept {
 
 bool FileBeside::replace(const std::string& target) {
     content_->flush();
+    const std::string folder = folder_of(target); // once the place is taken, nothing may fail
     const SignalsWait wait;
     if (nameless_ < 0) {
         content_->close();
         if (!rename_node(path_, target))
             return false;
     } else {
-        if (!takePlace(target))
+        if (!takePlace(target, folder + ".core-" + target.substr(folder.size())))
             return false;
         content_->close();
     }
     path_.clear();
-    flush_folder_of(target);
+    flush_folder(folder);
     return true;
 }
 
-bool FileBeside::takePlace(const std::string& target) {
+bool FileBeside::takePlace(const std::string& target, std::string known) {
+    const std::string open = "/proc/self/fd/" + std::to_string(nameless_);
+    const auto link = [&open](const std::string& path) {
+        return ::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    };
     if (link(target))
         return true;
     if (errno != EEXIST)
@@ -104,22 +109,15 @@ bool FileBeside::takePlace(const std::string& target) {
     // No system call replaces a file by a nameless one. A kill between the two that do leaves a whole file,
     // under a name that the next saver of the target knows: that one puts it in its place first. Where this
     // is refused, the name of another file stands there, and one that nobody has is taken.
-    const std::string folder = folder_of(target);
-    const std::string known = folder + ".core-" + target.substr(folder.size());
     bool isKnown = link(known);
     if (!isKnown && errno == EEXIST && (rename_node(known, target) || errno == ENOENT))
         isKnown = link(known);
     if (isKnown)
-        path_ = known;
+        path_.swap(known);
     else if (!link(path_))
         return false;
     nameless_ = -1;
     return rename_node(path_, target) || (isKnown && errno == ENOENT); // another saver has done it
-}
-
-bool FileBeside::link(const std::string& path) const {
-    const std::string open = "/proc/self/fd/" + std::to_string(nameless_);
-    return ::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }
 
 } // namespace core
