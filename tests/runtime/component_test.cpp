@@ -322,6 +322,12 @@ TEST(Guid, TextRoundTripsAndOtherTextIsRefused) {
     EXPECT_NE(new_guid(), new_guid());
 }
 
+TEST(Random, GivesEveryByte) {
+    std::vector<std::byte> bytes(10'000);
+    current_random().fill(bytes);
+    EXPECT_EQ(std::set<std::byte>(bytes.begin(), bytes.end()).size(), 256U);
+}
+
 TEST(Guid, NewOnesAreRandomInEveryBitButThoseThatSaySo) {
     GUID any{};
     GUID every{0xFFFFFFFF, 0xFFFF, 0xFFFF, {255, 255, 255, 255, 255, 255, 255, 255}};

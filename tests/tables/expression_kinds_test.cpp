@@ -352,6 +352,7 @@ TEST_F(ExpressionKinds, RefuseWrongNumbersOfArguments) {
         return to_utf8(message_text(messages::kExpressionArgumentCount, {name, count, string_intto(given)}));
     };
     EXPECT_EQ(reason(u"AddMonth('20240101')"), takes(u"AddMonth", u"2", 1));
+    EXPECT_EQ(reason(u"Left(\"a\")"), takes(u"Left", u"2", 1));
     EXPECT_EQ(reason(u"CurrentDate(1)"), takes(u"CurrentDate", u"0", 1));
     EXPECT_EQ(reason(u"Mid(\"a\", 1, 2, 3)"), takes(u"Mid", u"2–3", 4));
     EXPECT_EQ(reason(u"Max()"), takes(u"Max", u"1…", 0));

@@ -43,6 +43,19 @@ class Summaries : public TableTest {
     }
 };
 
+TEST_F(Summaries, AreOfAllRowsOfATable) {
+    const auto table = create_value_table();
+    table->addColumn(u"N");
+    table->addColumn(u"S");
+    constexpr int kRows = 5000;
+    for (int i = 0; i < kRows; ++i)
+        table->appendRow(std::vector<Value>{Value(i), Value(string_intto(i % 2000))});
+    const GenericValue all(table.query<IValue>());
+    EXPECT_EQ(content(call(all, u"Group",
+                           {u"", u"Sum(N), Count(S), CountDistinct(S) As D, Max(N) As M, Last(S) As L"})),
+              u"12497500,5000,2000,4999,999;");
+}
+
 TEST_F(Summaries, AreCalledInBothLanguages) {
     const GenericValue table = sales();
     const GenericValue english =

@@ -99,6 +99,18 @@ TEST_F(TableMembers, SayOfWhichTypesTheirPartsAre) {
     EXPECT_TRUE(property(make(u"ValueTree"), u"Rows").query<IContextDefExt>()->isCollection());
 }
 
+TEST_F(TableMembers, AWalkEndsWhereTheTableIsEmptied) {
+    const GenericValue table = table_of(u"A", {{1}, {2}, {3}});
+    const auto walk = table.query<IValueCollection>()->enumerate();
+    GenericValue row;
+    ASSERT_TRUE(walk->next(row));
+    for (int i = 0; i < 3; ++i)
+        call(table, u"Delete", {0});
+    for (int i = 0; i < 3; ++i)
+        call(table, u"Add");
+    EXPECT_FALSE(walk->next(row));
+}
+
 TEST_F(TableMembers, RowsShowTheColumnsOfTheMoment) {
     const GenericValue table = table_of(u"A,B", {{1, u"x"}, {2, u"y"}});
     const GenericValue columns = property(table, u"Columns");

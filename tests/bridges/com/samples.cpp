@@ -66,6 +66,7 @@ constexpr Recipe kRecipes[] = {
     {u"TextDocument",
      "D = New TextDocument(\"one\"); D.InsertLine(1, \"A two\"); D.InsertLine(2, \"three\"); Return D;"},
     {u"TextMatch", "Return RegexFind(\"one A\", \"A\");"},
+    {u"TextRange", "D = New TextDocument(\"one A\"); Return D.AddRange(1, 3);"},
     {u"TextReader", "Return New TextReader(\"A\");"},
     {u"TextWriter", "Return New TextWriter(\"B\");"},
     {u"TypeDescription", "Return New TypeDescription(\"Number,String\");"},
