@@ -17,7 +17,7 @@ import time
 EXTRA = ["-w", "-g0", "-D_GLIBCXX_ASSERTIONS"]
 QUICK_LINK = " -Wl,--strip-all" + (" -fuse-ld=lld" if shutil.which("ld.lld") else "")
 MEMORY = 4 << 30  # bytes a test program may take
-TOO_LARGE = "*ABrowser*"  # the tests whose programs reserve more
+TOO_LARGE = "*ABrowser*:*APrintedPage*"  # the tests whose programs reserve more
 
 
 class Workshop:

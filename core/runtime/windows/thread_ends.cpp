@@ -9,13 +9,19 @@
 namespace core {
 namespace {
 
+/// `Destructor` is found from what enrols it: its convention of calls has a name in headers of the system
+/// alone.
+template <class Destructor>
+void call_at_end(int (*enrol)(Destructor, void*, void*) noexcept, void* function) noexcept {
+    if (function != nullptr)
+        static_cast<void>(enrol(reinterpret_cast<Destructor>(function), nullptr, nullptr));
+}
+
 struct DestructorsComeFirst {
     DestructorsComeFirst() noexcept {
         // A function of the system's library without effect: ours may be gone by the time the thread ends.
-        const auto nothing = reinterpret_cast<void(_GLIBCXX_CDTOR_CALLABI*)(void*)>(
-            reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"msvcrt.dll"), "clock")));
-        if (nothing != nullptr)
-            static_cast<void>(abi::__cxa_thread_atexit(nothing, nullptr, nullptr));
+        const auto nothing = ::GetProcAddress(::GetModuleHandleW(L"msvcrt.dll"), "clock");
+        call_at_end(&abi::__cxa_thread_atexit, reinterpret_cast<void*>(nothing));
     }
 };
 
