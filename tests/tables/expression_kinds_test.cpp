@@ -175,8 +175,9 @@ TEST_F(ExpressionKinds, NumbersDoNotOverflow) {
         for (const Numeric& b : numbers) {
             const auto rows = row_of(a, b, false);
             const std::pair<const wchar*, Numeric> sums[] = {
-                {u"A * B", a * b},         {u"A + B", a + b},         {u"A - B", a - b},
-                {u"A * B * A", a * b * a}, {u"B + A * B", b + a * b}, {u"-A - B - B", -a - b - b}};
+                {u"A * B", a * b},          {u"A + B", a + b},         {u"A - B", a - b},
+                {u"A * B * A", a * b * a},  {u"B + A * B", b + a * b}, {u"A * B - A", a * b - a},
+                {u"-A - B - B", -a - b - b}};
             for (const auto& [expression, expected] : sums) {
                 const std::int32_t made =
                     add_column(*rows, u"R" + string_intto(rows->columnCount()), expression);
