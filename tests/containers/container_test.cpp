@@ -36,6 +36,17 @@ class Containers : public testing::TestWithParam<const StorageLayout*> {
 INSTANTIATE_TEST_SUITE_P(Layouts, Containers, testing::Values(&kStorageLayout32, &kStorageLayout64),
                          [](const auto& info) { return std::to_string(8 * info.param->width); });
 
+/// A URL says the layout, whatever the caller does.
+TEST_P(Containers, AreOpenedByUrl) {
+    open(Container::create).put(u"a", 1);
+    const StorageLayout& other = GetParam() == &kStorageLayout32 ? kStorageLayout64 : kStorageLayout32;
+    const std::string path = folder_ / "data.st";
+    const std::string url = to_utf8(GetParam()->scheme) + "://" + path;
+    for (const char* const option : {"", "?NoSortedCheck"})
+        EXPECT_EQ(Container(url + option, Container::read, other).get<int>(u"a"), 1);
+    EXPECT_THROW(static_cast<void>(Container(path, Container::read, other)), StorageException);
+}
+
 TEST_P(Containers, GiveBackWhatWasPutIn) {
     const auto table = create_value_table();
     table->addColumn(u"Product");
