@@ -31,6 +31,7 @@ enum class EditKind {
 };
 
 /// Edits in the order in which they were made, or are to be made.
+// NOLINTNEXTLINE(bugprone-exception-escape): edits are moved without taking memory
 struct EditStep {
     Edits edits{};
     std::uint64_t serial = 0; ///< tells the state of the text behind the step

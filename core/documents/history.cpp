@@ -68,7 +68,7 @@ bool History::join(EditStep& step) {
     return true;
 }
 
-void History::add(EditStep&& step) noexcept {
+void History::add(EditStep&& step) noexcept { // NOLINT(bugprone-exception-escape)
     redo_.clear();
     if (grouped_) {
         Edits& edits = undo_.back().edits;
@@ -91,13 +91,13 @@ void History::add(EditStep&& step) noexcept {
     trim();
 }
 
-void History::undone(Edits&& inverse) noexcept {
+void History::undone(Edits&& inverse) noexcept { // NOLINT(bugprone-exception-escape)
     undo_.back().edits = std::move(inverse);
     redo_.splice(redo_.end(), undo_, std::prev(undo_.end()));
     open_ = false;
 }
 
-void History::redone(Edits&& inverse) noexcept {
+void History::redone(Edits&& inverse) noexcept { // NOLINT(bugprone-exception-escape)
     redo_.back().edits = std::move(inverse);
     undo_.splice(undo_.end(), redo_, std::prev(redo_.end()));
     open_ = false;

@@ -25,16 +25,16 @@ class History {
     /// it did.
     bool extendErasing(std::uint64_t offset, const Piece& units) noexcept;
     /// Adds what takes back edits that have been made. What had been taken back can no longer be made again.
-    void add(EditStep&& step) noexcept;
+    void add(EditStep&& step) noexcept; // NOLINT(bugprone-exception-escape)
 
     /// The last step that can be taken back, or null. Owned by the history.
     [[nodiscard]] EditStep* last() noexcept { return undo_.empty() ? nullptr : &undo_.back(); }
     /// The last step that was taken back, or null. Owned by the history.
     [[nodiscard]] EditStep* lastUndone() noexcept { return redo_.empty() ? nullptr : &redo_.back(); }
     /// The last step has been taken back; `inverse` makes it again.
-    void undone(Edits&& inverse) noexcept;
+    void undone(Edits&& inverse) noexcept; // NOLINT(bugprone-exception-escape)
     /// The step that was taken back last has been made again; `inverse` takes it back.
-    void redone(Edits&& inverse) noexcept;
+    void redone(Edits&& inverse) noexcept; // NOLINT(bugprone-exception-escape)
 
     void beginGroup() noexcept;
     void endGroup() noexcept;

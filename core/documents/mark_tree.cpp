@@ -151,7 +151,7 @@ void MarkTree::collapse() noexcept {
 /// Takes the memory for so many marks, however they may come to stand: only the root may have fewer than
 /// kLeast.
 void MarkTree::reserve(std::size_t marks) {
-    const std::size_t most = marks / kLeast + marks / (kLeast * (kLeast - 1)) + 4;
+    const std::size_t most = marks / kLeast + marks / (std::size_t{kLeast} * (kLeast - 1)) + 4;
     if (nodes_.capacity() < most)
         nodes_.reserve(most * 2);
 }

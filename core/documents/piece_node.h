@@ -104,7 +104,7 @@ class alignas(std::uint64_t) PieceNode {
 
     /// Begins to fetch what a leaf has from memory, all at once.
     void prefetch() const noexcept {
-        for (std::size_t byte = 0; byte < sizeof(PieceNode) + kMost * 32; byte += 64)
+        for (std::size_t byte = 0; byte < sizeof(PieceNode) + std::size_t{kMost} * 32; byte += 64)
             __builtin_prefetch(reinterpret_cast<const std::byte*>(this) + byte);
     }
 

@@ -59,6 +59,7 @@ class DocumentRange : public ScriptObject<DocumentRange> {
     }
 
   protected:
+    // NOLINTNEXTLINE(bugprone-exception-escape): a mark that is there can be removed
     ~DocumentRange() {
         for (const TextMark mark : {marks_.begin, marks_.end}) {
             if (manager_->hasMark(mark)) // a script may have guessed its number

@@ -124,7 +124,7 @@ std::uint32_t UnitStore::findEnd(std::uint32_t begin, std::uint32_t end, std::ui
     // Ends stand evenly in most texts: the block is near the guess.
     const std::uint64_t share = std::uint64_t{number - first} * (end - begin) / (last - first);
     std::uint32_t low = (begin + static_cast<std::uint32_t>(share)) / kBlock;
-    __builtin_prefetch(bits_ + low * kWords);
+    __builtin_prefetch(bits_ + std::size_t{low} * kWords);
     const std::uint32_t least = begin / kBlock;
     const std::uint32_t most = (end - 1) / kBlock;
     std::uint32_t high = low + 1; // counts_[low] <= number < counts_[high], where there is a block `high`

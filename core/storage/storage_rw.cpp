@@ -151,8 +151,8 @@ void StorageRW::setTimes(wstring_view name, Date created, Date modified) {
     engine_->setTimes(name, created, modified);
 }
 
-StorageRW64::StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url)
-    : StorageRW(std::move(file), kStorageLayout64, options, url) {}
+StorageRW64::StorageRW64(const InterfacePtr<IFile>& file, const StorageOptions& options, const wstring& url)
+    : StorageRW(file, kStorageLayout64, options, url) {}
 
 void StorageRW64::create(IFile& file) {
     StorageRW::create(file, kStorageLayout64);

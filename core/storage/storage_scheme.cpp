@@ -55,7 +55,8 @@ void refuse_same(const Inner& from, const Inner& to, const wstring& url) {
 struct StorageScheme::State {
     explicit State(const StorageLayout& used) : layout(used), name(used.scheme) {}
 
-    [[nodiscard]] wstring enter(InterfacePtr<IFile> file, const StorageOptions& options, const wstring& url);
+    [[nodiscard]] wstring enter(const InterfacePtr<IFile>& file, const StorageOptions& options,
+                                const wstring& url);
     [[nodiscard]] StorageRW container(const wstring& root);
     [[nodiscard]] Inner resolve(const wstring& url);
 
@@ -65,9 +66,9 @@ struct StorageScheme::State {
     std::map<wstring, StorageRW> containers;
 };
 
-wstring StorageScheme::State::enter(InterfacePtr<IFile> file, const StorageOptions& options,
+wstring StorageScheme::State::enter(const InterfacePtr<IFile>& file, const StorageOptions& options,
                                     const wstring& url) {
-    StorageRW storage(std::move(file), layout, options, url);
+    StorageRW storage(file, layout, options, url);
     // What does not open takes no number.
     const std::string serial = std::to_string(++serial_of(layout));
     wstring root = name + wstring(kRoot) + from_utf8(serial) + u"/";

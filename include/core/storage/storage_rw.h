@@ -176,7 +176,7 @@ class CORE_API StorageRW {
 class CORE_API StorageRW64 : public StorageRW {
   public:
     /// Opens the container in `file`, as StorageRW does.
-    explicit StorageRW64(InterfacePtr<IFile> file, const StorageOptions& options = {},
+    explicit StorageRW64(const InterfacePtr<IFile>& file, const StorageOptions& options = {},
                          const wstring& url = {});
 
     /// Makes an empty container in `file`, as StorageRW::create() does.
