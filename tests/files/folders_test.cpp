@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Folders of the disk, as on every system: made, removed, copied and moved whole or not at all.
-#include "tests/support/file_helpers.h"
+#include "tests/support/disk_folders.h"
 
 #include <cerrno>
 #include <fstream>
@@ -33,13 +33,8 @@ Snapshot snapshot(const std::string& folder) {
     return all;
 }
 
-class Folders : public testing::Test {
+class Folders : public test::DiskFolders {
   protected:
-    [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }
-    [[nodiscard]] wstring url(const std::string& name) const { return file_url(path(name)); }
-    void write(const std::string& name, std::size_t size) const {
-        std::ofstream(path(name), std::ios::binary) << std::string(size, 'x');
-    }
     /// A folder "from" with files and folders, one of them empty.
     void fill() const {
         fs::create_directories(path("from/b c/50%"));
@@ -49,9 +44,6 @@ class Folders : public testing::Test {
         write("from/empty", 0);
         write("outside", 10);
     }
-
-    const TempFolder folder_;
-    InterfacePtr<IFileSystem> system_ = create_file_system();
 };
 
 TEST_F(Folders, AreMadeWithThoseAboveOrNotAtAll) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Folders of the disk with links, rights and times: removed, copied and moved whole or not at all, whatever
 // lies in them. What each test finds on disk it reads by itself.
-#include "tests/support/file_helpers.h"
+#include "tests/support/disk_folders.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -50,13 +50,8 @@ Snapshot snapshot(const std::string& folder) {
     return all;
 }
 
-class FoldersWithLinks : public testing::Test {
+class FoldersWithLinks : public test::DiskFolders {
   protected:
-    [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }
-    [[nodiscard]] wstring url(const std::string& name) const { return file_url(path(name)); }
-    void write(const std::string& name, std::size_t size) const {
-        std::ofstream(path(name), std::ios::binary) << std::string(size, 'x');
-    }
     /// A folder "from" with all that can lie in one, and others beside it.
     void fill() const {
         fs::create_directories(path("from/b\nc/*?/ж"));
@@ -95,9 +90,6 @@ class FoldersWithLinks : public testing::Test {
         ::waitpid(child, &status, 0);
         return WIFEXITED(status) && WEXITSTATUS(status) == 0;
     }
-
-    const TempFolder folder_;
-    InterfacePtr<IFileSystem> system_ = create_file_system();
 };
 
 TEST_F(FoldersWithLinks, AreCopiedAndMovedWithAllThatIsInThem) {
