@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Signals to corehost as the system sends them: long calls end soon, the code is 130, a second signal ends
-// what does not listen, and nothing temporary stays, whatever the signal.
+// what does not listen, and nothing temporary stays, whatever the signal; a kill may leave a whole file
+// beside.
 #include "host/terminal/interrupts.h"
 #include "tests/support/folder_test.h"
 
