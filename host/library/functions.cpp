@@ -20,6 +20,7 @@
 #include <core/runtime/exception_object.h>
 #include <core/runtime/internal_class.h>
 #include <core/runtime/process.h>
+#include <core/runtime/threads/thread.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/memory_stream.h>
 #include <core/streams/text_file.h>
@@ -49,6 +50,23 @@ void throw_place(const ListStreamException& failure, wstring_view text) {
         "IDS_SCRIPT_TEXT_MALFORMED",
         {string_intto(scanner.place().line), string_intto(scanner.place().column), scanner.message()},
         wrap_exception(failure).get());
+}
+
+/// A String of a text in UTF-8, which may be long: a stop is looked for between its pieces.
+GenericValue text_value(std::string_view utf8) {
+    constexpr std::size_t kPiece = std::size_t{1} << 20;
+    wstring units;
+    units.reserve(utf8.size());
+    while (!utf8.empty()) {
+        Thread::check();
+        std::size_t piece = std::min(kPiece, utf8.size());
+        while (piece < utf8.size() && (utf8[piece] & 0xC0) == 0x80) // inside a character
+            ++piece;
+        units += from_utf8(utf8.substr(0, piece));
+        utf8.remove_prefix(piece);
+    }
+    Thread::check();
+    return GenericValue(units);
 }
 
 class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
@@ -101,10 +119,10 @@ class ScriptFunctions : public IContextImpl<IContextDefImpl<ScriptFunctions>>,
         if (a[1].kind() == ValueKind::string) {
             if (!is_word(a[1], u"Lines", u"Строки"))
                 parameter_value_mismatch(1);
-            return GenericValue(from_utf8(to_json_lines(a[0])));
+            return text_value(to_json_lines(a[0]));
         }
         const std::size_t indent = given(a[1]) ? clamped_count(a, 1, 16) : 0;
-        return GenericValue(from_utf8(to_json(a[0], static_cast<int>(indent))));
+        return text_value(to_json(a[0], static_cast<int>(indent)));
     }
     GenericValue loadText(Args a) {
         const wstring url(text_argument(a, 0));

@@ -24,9 +24,10 @@ struct Console {
     std::ostream& out;
     std::ostream& err;
     Language language = Language::english;
-    bool colour = false;                     ///< messages may be coloured
-    bool json = false;                       ///< data is written for programs
-    bool terminal = false;                   ///< `in` and `out` are a terminal, at which a user can be asked
+    bool colour = false;   ///< messages may be coloured
+    bool json = false;     ///< data is written for programs
+    bool live = false;     ///< somebody watches `out`: each value is shown when it is printed
+    bool terminal = false; ///< `in` and `out` are a terminal, at which a user can be asked
     std::optional<core::Locale> locale = {}; ///< of formats, sorting and names; none: that of the language
     std::optional<core::TableForm> mode{};   ///< the form of tables, where one was asked for
     core::FormatSettings formats{};          ///< of numbers, dates and Booleans, where the user has set some

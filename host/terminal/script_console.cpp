@@ -7,12 +7,17 @@
 #include <core/runtime/utf8.h>
 
 #include <memory>
+#include <ostream>
 
 namespace host {
 
 void connect(core::script::Engine& engine, Console& console) {
     engine.output(
-        [&console](const core::Value& value, std::size_t rows) { print_value(value, console, rows); },
+        [&console](const core::Value& value, std::size_t rows) {
+            print_value(value, console, rows);
+            if (console.live)
+                console.out.flush();
+        },
         console.out);
     engine.input([&console](core::wstring_view file) -> core::script::Bytes {
         const auto input = std::make_shared<ByteInput>(console, core::to_utf8(file));

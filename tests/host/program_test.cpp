@@ -183,6 +183,29 @@ TEST_F(ProgramTest, AStreamThatCannotBeWritten) {
     EXPECT_EQ(err.str(), "corehost: unexpected\uFFFD\n");
 }
 
+/// Remembers what could be seen at each flush.
+struct WatchedOutput : std::stringbuf {
+    std::vector<std::string> seen;
+    int sync() override {
+        seen.push_back(str());
+        return 0;
+    }
+};
+
+TEST_F(ProgramTest, WhoWatchesTheOutputSeesEachValueWhenItIsPrinted) {
+    for (const bool live : {false, true}) {
+        std::istringstream in("Print(1); Print(2);");
+        std::ostringstream err;
+        WatchedOutput output;
+        std::ostream out(&output);
+        Console console{in, out, err};
+        console.live = live;
+        EXPECT_EQ(run_program({}, console), ExitCode::done);
+        EXPECT_EQ(output.seen, live ? std::vector<std::string>({"1\n", "1\n2\n", "1\n2\n"})
+                                    : std::vector<std::string>({"1\n2\n"}));
+    }
+}
+
 TEST_F(ProgramTest, AnErrorShowsItsPlaceInTheUsersLanguage) {
     EXPECT_EQ(run("a = 1;\nPrint(a + b);").err,
               "s:2:11: The variable b has no value yet.\n    Print(a + b);\n              ^\n");

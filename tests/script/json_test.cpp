@@ -33,6 +33,18 @@ class JsonTest : public core::script::ScriptTest {
     }
 };
 
+TEST_F(JsonTest, LongTextsAreConvertedInPiecesThatCutNoCharacter) {
+    for (const std::size_t before :
+         {0, 1, 2, 3}) { // so that each byte of a character meets the end of a piece
+        std::string text(before, 'a');
+        while (text.size() < (std::size_t{5} << 19))
+            text += "\xF0\x9F\x90\x8E";
+        Session session;
+        session.engine().set(u"Text", Value(from_utf8(text)));
+        EXPECT_EQ(session.run("ToJson(Text) = \"\"\"\" + Text + \"\"\"\""), "True");
+    }
+}
+
 TEST_F(JsonTest, NumbersToTheDigit) {
     EXPECT_EQ(again("[0,-0,-0.0,1,-1,1.50,0.1,1e3,1E+3,-1.5e1,1.25e-3,0e9]"),
               "[0,0,0,1,-1,1.5,0.1,1000,1000,-15,0.00125,0]");
