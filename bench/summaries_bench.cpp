@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Aggregates, groups of many names and windows of a million sales: 8 products, 8 regions, customers, a day
-// and a price with cents. The customers are 100 000 different ones, or each row has its own. The peer is
-// SQLite in memory; bench/duckdb has the same questions for DuckDB.
+// Aggregates, groups of many names, windows and orders of a million sales: 8 products, 8 regions, customers,
+// a day and a price with cents. The customers are 100 000 different ones, or each row has its own. The peer
+// is SQLite in memory; bench/duckdb has the same questions for DuckDB.
 #include "bench/tables_peers.h"
 
 #include <core/collections.h>
@@ -80,20 +80,17 @@ void sqlite(benchmark::State& state, std::uint32_t customers, const char* sql) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kRows));
 }
 
-/// Work on a copy, which the window is added to.
-void window_ours(benchmark::State& state, const std::vector<WindowFunction>& functions,
-                 const std::vector<wstring>& partition, wstring_view order) {
-    const auto context = sales_of(100'000).table.query<IContext_>();
+/// Work that changes the table, on a copy of it.
+template <class Work>
+void changing_ours(benchmark::State& state, Work work) {
+    const Sales& sales = sales_of(100'000);
+    InterfacePtr<IValueTable> table;
     for (auto _ : state) {
         state.PauseTiming();
-        GenericValue copy;
-        std::vector<GenericValue> none(2);
-        context->call(context->findMethod(u"Copy"), &copy, &none);
-        const auto table = copy.query<IValueTable>();
+        table = sales.table->copy();
         state.ResumeTiming();
-        add_windows(*table, functions, partition, order);
+        work(*table);
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kRows));
 }
 
 const bool registered = [] {
@@ -130,17 +127,32 @@ const bool registered = [] {
              [](IValueTable& table) { benchmark::DoNotOptimize(total(table, sum(u"Price"))); });
     });
     add("running_total/ours", [](benchmark::State& state) {
-        window_ours(state, {running_total(u"Price", u"Cum")}, {u"Region"}, u"Day");
+        changing_ours(state, [](IValueTable& table) {
+            add_windows(table, {running_total(u"Price", u"Cum")}, {u"Region"}, u"Day");
+        });
     });
     add("running_total/sqlite", [](benchmark::State& state) {
         sqlite(state, 100'000,
                "SELECT sum(cents) OVER (PARTITION BY region ORDER BY day ROWS UNBOUNDED PRECEDING) FROM s");
     });
-    add("rank/ours",
-        [](benchmark::State& state) { window_ours(state, {rank()}, {u"Product"}, u"Price Desc"); });
+    add("rank/ours", [](benchmark::State& state) {
+        changing_ours(state,
+                      [](IValueTable& table) { add_windows(table, {rank()}, {u"Product"}, u"Price Desc"); });
+    });
     add("rank/sqlite", [](benchmark::State& state) {
         sqlite(state, 100'000, "SELECT rank() OVER (PARTITION BY product ORDER BY cents DESC) FROM s");
     });
+    const auto sort_by = [add](const char* name, wstring order, const char* sql) {
+        add((std::string(name) + "/ours").c_str(), [=](benchmark::State& state) {
+            changing_ours(state, [&](IValueTable& table) { sort_rows(table, order); });
+        });
+        add((std::string(name) + "/sqlite").c_str(),
+            [=](benchmark::State& state) { sqlite(state, 100'000, sql); });
+    };
+    sort_by("sort_customer", u"Customer", "SELECT * FROM s ORDER BY customer");
+    sort_by("sort_customer_price", u"Customer, Price", "SELECT * FROM s ORDER BY customer, cents");
+    sort_by("sort_product_day", u"Product, Day", "SELECT * FROM s ORDER BY product, day");
+    sort_by("sort_price", u"Price", "SELECT * FROM s ORDER BY cents");
     group_by("group_own_customer", 0, {u"Customer"}, {count(), sum(u"Price")},
              "SELECT customer, count(*), sum(cents) FROM s GROUP BY customer");
     return true;

@@ -34,3 +34,7 @@ await median("running_total",
   "SELECT sum(price) OVER (PARTITION BY region ORDER BY day ROWS UNBOUNDED PRECEDING) FROM s");
 await median("rank", "SELECT rank() OVER (PARTITION BY product ORDER BY price DESC) FROM s");
 await median("group_own_customer", "SELECT customer, count(*), sum(price) FROM own GROUP BY customer");
+await median("sort_customer", "SELECT * FROM s ORDER BY customer");
+await median("sort_customer_price", "SELECT * FROM s ORDER BY customer, price");
+await median("sort_product_day", "SELECT * FROM s ORDER BY product, day");
+await median("sort_price", "SELECT * FROM s ORDER BY price");

@@ -109,7 +109,8 @@ Value::Value(IValue* value) {
     }
 }
 
-IValue* Value::object() const noexcept {
+/// The one object of a value that has none of its own; null for a number.
+IValue* Value::sharedObject() const noexcept {
     switch (kind()) {
     case ValueKind::undefined:
         return &shared_undefined;
@@ -117,12 +118,8 @@ IValue* Value::object() const noexcept {
         return &shared_null;
     case ValueKind::boolean:
         return isTrue() ? &shared_true : &shared_false;
-    case ValueKind::number:
-        if (inWord())
-            return nullptr;
-        [[fallthrough]];
     default:
-        return reinterpret_cast<IValue*>(bits_ & ~kTagMask);
+        return nullptr;
     }
 }
 

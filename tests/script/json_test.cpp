@@ -39,7 +39,7 @@ TEST_F(JsonTest, LongTextsAreConvertedInPiecesThatCutNoCharacter) {
         std::string text(before, 'a');
         while (text.size() < (std::size_t{5} << 19))
             text += "\xF0\x9F\x90\x8E";
-        Session session;
+        core::script::Session session;
         session.engine().set(u"Text", Value(from_utf8(text)));
         EXPECT_EQ(session.run("ToJson(Text) = \"\"\"\" + Text + \"\"\"\""), "True");
     }

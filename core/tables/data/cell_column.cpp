@@ -46,9 +46,17 @@ constexpr std::array<std::int64_t, Numeric::kMaxScale + 1> kTens = [] {
     return tens;
 }();
 
+/// The largest whole number that fits a word of each scale.
+constexpr auto kLargest = [] {
+    std::array<std::int64_t, kTens.size()> largest{};
+    for (std::size_t i = 0; i < largest.size(); ++i)
+        largest[i] = std::numeric_limits<std::int64_t>::max() / kTens[i];
+    return largest;
+}();
+
 /// Returns a whole number as a word of some scale; none when it does not fit.
 std::optional<std::int64_t> scaled_whole(std::int64_t whole, std::uint32_t scale) noexcept {
-    const std::int64_t largest = std::numeric_limits<std::int64_t>::max() / kTens[scale];
+    const std::int64_t largest = kLargest[scale];
     return whole <= largest && whole >= -largest ? std::optional(whole * kTens[scale]) : std::nullopt;
 }
 
@@ -297,7 +305,7 @@ bool CellColumn::rescale(std::uint32_t scale) {
     if (scale > Numeric::kMaxScale)
         return false;
     const std::int64_t factor = kTens[scale - scale_];
-    const std::int64_t largest = std::numeric_limits<std::int64_t>::max() / factor;
+    const std::int64_t largest = kLargest[scale - scale_];
     const auto fits = [=](std::int64_t word) {
         return word == kEmptyWord || (word <= largest && word >= -largest);
     };

@@ -37,9 +37,19 @@ class ValueDictionary {
         return index_.find(hash, [&](Code code) { return values_[code].equals(value); });
     }
     [[nodiscard]] Code addNew(std::uint64_t hash, const Value& value);
+    /// Where byAddress_ has the code of the value with this object, if it has.
+    [[nodiscard]] std::size_t slotOf(const IValue* object) const noexcept {
+        const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(object));
+        return static_cast<std::size_t>(address * 0x9E3779B97F4A7C15 >> 32) & (byAddress_.size() - 1);
+    }
+    void growByAddress();
 
     std::vector<Value> values_{Value()};
     HashIndex index_; // of all values except Undefined
+    // Values that repeat are often one object, which is known by its address: nobody has to look into it. A
+    // power of two of codes; where two objects want one place, the later one has it. Numbers may have no
+    // object.
+    std::vector<Code> byAddress_{0};
 };
 
 template <class ValueAt>

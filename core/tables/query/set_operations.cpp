@@ -78,17 +78,20 @@ TableContent compare_tables(const TableData& left, const TableData& right, RowsO
         require_shared_kinds(leftList.range(), rightList.range(), pair, SharedKinds::some);
         cells.push_back(&pair.left->cells);
     }
-    const std::vector<RowId> once = first_rows(leftList.range(), cells, watch);
-    const MatchKeys keys = match_keys(RowRange(once), rightList.range(), pairs, BlankCells::equal, watch);
-    std::vector<bool> known(static_cast<std::size_t>(keys.count));
-    for (const std::uint32_t key : keys.right)
-        known[key] = true;
-    known[MatchKeys::kNoKey] = false;
     std::vector<RowId> rows;
-    for (std::size_t i = 0; i < once.size(); ++i) {
-        if (known[keys.left[i]] == (wanted == RowsOfOther::required))
-            rows.push_back(once[i]);
+    {
+        const MatchKeys keys =
+            match_keys(leftList.range(), rightList.range(), pairs, BlankCells::equal, watch);
+        std::vector<bool> known(static_cast<std::size_t>(keys.count));
+        for (const std::uint32_t key : keys.right)
+            known[key] = true;
+        known[MatchKeys::kNoKey] = false;
+        for (std::size_t i = 0; i < keys.left.size(); ++i) {
+            if (known[keys.left[i]] == (wanted == RowsOfOther::required))
+                rows.push_back(leftList.range()[i]);
+        }
     }
+    rows = first_rows(RowRange(rows), cells, watch);
     NewColumns columns(rows.size());
     for (const ColumnPair& pair : pairs)
         columns.add(pair.left->info, gather_cells(pair.left->cells, RowRange(rows), watch));

@@ -172,7 +172,9 @@ class CORE_API Value {
     }
     /// Returns the object behind the value, borrowed as long as the value lives; null for a Number without
     /// one.
-    [[nodiscard]] IValue* object() const noexcept;
+    [[nodiscard]] IValue* object() const noexcept {
+        return counted() ? reinterpret_cast<IValue*>(bits_ & ~kTagMask) : sharedObject();
+    }
     /// Returns the type of the value.
     [[nodiscard]] Type type() const noexcept;
 
@@ -249,6 +251,7 @@ class CORE_API Value {
     }
     static std::uintptr_t makeBoxed(Numeric&& value);
     [[nodiscard]] InterfacePtr<IValue> makeObject() const;
+    [[nodiscard]] IValue* sharedObject() const noexcept;
 
     /// Whether the value is a Number without an object.
     [[nodiscard]] bool inWord() const noexcept { return (bits_ & (kTagMask | kWholeBit)) == kWholeTag; }
