@@ -43,7 +43,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
   add_compile_options(-Wno-restrict) # sees overlaps in std::string's own operator+ at -O3 that cannot be
 endif()
 # Calls within the library go straight to their target, and no file that is built tells where it was built.
-add_compile_options(-fno-semantic-interposition -fno-plt -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+add_compile_options(-fno-semantic-interposition -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+if(CMAKE_SIZEOF_VOID_P EQUAL 8) # binutils refuses what clang makes of thread-local variables so on 32-bit x86
+  add_compile_options(-fno-plt)
+endif()
 add_link_options(-Wl,--as-needed)
 
 # Presets with CMAKE_UNITY_BUILD compile some sources of a folder as one, which is three times as fast from nothing. Names in the

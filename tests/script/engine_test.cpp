@@ -15,13 +15,13 @@
 #include <core/values/errors.h>
 #include <host/host_process.h>
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -252,7 +252,7 @@ TEST(Limits, StepsAreCountedExactly) {
     engine.function("Again", [&] { engine.run("b=1;b=2;b=3;b=4"); });
     EXPECT_NO_THROW(engine.run("Again(); Again()")) << "2 and 8";
     EXPECT_STREQ(failure(engine, "Again(); Again(); b = 1").messageId(), messages::kScriptStepLimit);
-    engine.limits({.steps = 1'000'000, .time = 1h, .memory = std::size_t{1} << 40});
+    engine.limits({.steps = 1'000'000, .time = 1h, .memory = std::numeric_limits<std::size_t>::max()});
     engine.run("For i = 1 To 499999 Do x = i EndDo");
     EXPECT_STREQ(failure(engine, "For i = 1 To 500000 Do x = i EndDo; x = 0").messageId(),
                  messages::kScriptStepLimit);

@@ -34,8 +34,7 @@ class JsonTest : public core::script::ScriptTest {
 };
 
 TEST_F(JsonTest, LongTextsAreConvertedInPiecesThatCutNoCharacter) {
-    for (const std::size_t before :
-         {0, 1, 2, 3}) { // so that each byte of a character meets the end of a piece
+    for (std::size_t before = 0; before < 4; ++before) { // each byte of a character meets the end of a piece
         std::string text(before, 'a');
         while (text.size() < (std::size_t{5} << 19))
             text += "\xF0\x9F\x90\x8E";

@@ -20,7 +20,7 @@ class Seal {
     /// False when the bytes are nothing of that kind.
     bool put() {
         constexpr std::string_view kMark = "table of inner files, layout 2\r\n";
-        const std::uint64_t head = layout_.headerSize() + layout_.blockHeaderSize();
+        const auto head = static_cast<std::size_t>(layout_.headerSize() + layout_.blockHeaderSize());
         if (bytes_.size() < head + kStorageBlockSize ||
             std::memcmp(bytes_.data() + head, kMark.data(), kMark.size()) != 0)
             return false;
@@ -80,8 +80,8 @@ class Seal {
         const std::size_t width = layout_.width;
         const std::size_t row =
             isLeaf ? (isFree ? 2 * width : 3 * width + 24) : (isFree ? 3 * width : width) + 16;
-        const std::uint64_t rows = load_number(&content[24], 4);
-        for (std::uint64_t i = 0; i < rows && 32 + (i + 1) * row <= content.size(); ++i) {
+        const auto rows = static_cast<std::size_t>(load_number(&content[24], 4));
+        for (std::size_t i = 0; i < rows && 32 + (i + 1) * row <= content.size(); ++i) {
             std::byte* const from = &content[32 + i * row];
             if (!isLeaf) {
                 store(from + width + 8,
