@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/commands/query_steps.h"
 
+#include "host/commands/query_place.h"
+
 #include <core/context/context_def.h>
 #include <core/strings/char_class.h>
 #include <core/strings/names.h>
+#include <core/strings/nearest.h>
+#include <core/strings/term.h>
 #include <core/strings/trim.h>
 #include <core/values/errors.h>
 
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -61,30 +66,62 @@ wstring_view bare_expression(wstring_view step, wstring_view name) {
     return text.starts_with(u'"') ? wstring_view() : text;
 }
 
+/// The steps that are no methods of the value.
+constexpr std::array<std::array<wstring_view, 2>, 4> kOwn = {
+    {{u"First", u"Первые"}, {u"Last", u"Последние"}, {u"Select", u"Выбрать"}, {u"Where", u"Где"}}};
+
+bool is_own(wstring_view name) {
+    return std::ranges::any_of(kOwn, [name](const auto& one) { return is(name, one[0], one[1]); });
+}
+
+/// What a step was probably meant to call; empty where nothing is near.
+wstring nearest_step(wstring_view name, const IContext_* value) {
+    NearestName near(name);
+    for (const auto& one : kOwn)
+        std::ranges::for_each(one, [&near](wstring_view candidate) { near.add(candidate); });
+    for (int method = 0; value != nullptr && method < value->getNMethods(); ++method) {
+        for (const int alias : {kEnglish, kRussian}) {
+            if (const wchar* const candidate = value->getMethodName(method, alias))
+                near.add(candidate);
+        }
+    }
+    return near.best();
+}
+
 /// The value that steps work on, and what only they can call.
 class Pipeline {
   public:
     Pipeline(script::Engine& engine, const GenericValue& table) : engine_(engine), value_(table) {
-        engine.function(u"First", u"Первые", [this](std::size_t count) { return rows(0, count); });
-        engine.function(u"Last", u"Последние", [this](std::size_t count) {
-            const std::size_t all = countOfRows();
-            return rows(all - std::min(all, count), all);
-        });
-        engine.function(u"Select", u"Выбрать", [this](const Value& columns) {
-            engine_.set(u"_Columns", columns);
-            return engine_.run(u"Return Table.Copy(, _Columns)", u"query");
-        });
-        engine.function(u"Where", u"Где", [this](const Value& filter, std::optional<Value> value) {
-            engine_.set(u"_Filter", filter);
-            if (!value)
-                return engine_.run(u"Return Table.Copy(_Filter)", u"query");
-            engine_.set(u"_Value", *value);
-            return engine_.run(u"Return Table.Copy(New Structure(_Filter, _Value))", u"query");
-        });
+        engine.function(u"First", u"Первые", [this](std::size_t count) { return rows(0, count); }, {kCount});
+        engine.function(u"Last", u"Последние",
+                        [this](std::size_t count) {
+                            const std::size_t all = countOfRows();
+                            return rows(all - std::min(all, count), all);
+                        },
+                        {kCount});
+        engine.function(u"Select", u"Выбрать",
+                        [this](const Value& columns) {
+                            engine_.set(u"_Columns", columns);
+                            return evaluate(u"Return Table.Copy(, _Columns)");
+                        },
+                        {{u"Columns", u"Колонки"}});
+        engine.function(u"Where", u"Где",
+                        [this](const Value& filter, std::optional<Value> value) {
+                            engine_.set(u"_Filter", filter);
+                            if (!value)
+                                return evaluate(u"Return Table.Copy(_Filter)");
+                            engine_.set(u"_Value", *value);
+                            return evaluate(u"Return Table.Copy(New Structure(_Filter, _Value))");
+                        },
+                        {{u"Condition", u"Условие"}, {u"Value", u"Значение"}});
     }
 
-    GenericValue run(wstring_view steps) {
-        for (const wstring_view step : split_steps(steps)) {
+    /// Carries the steps out; without any the value stays.
+    GenericValue run(wstring_view query) {
+        if (trim_all(query).empty())
+            return value_;
+        query_ = query;
+        for (const wstring_view step : split_steps(query)) {
             engine_.set(u"Table", value_);
             engine_.set(u"Таблица", value_);
             take(step);
@@ -94,31 +131,53 @@ class Pipeline {
     }
 
   private:
+    static constexpr Parameter kCount{u"Count", u"Количество"};
+
     void take(wstring_view step) {
         const wstring_view name = called(step);
+        if (step.empty())
+            throw_error<ContextException>("IDS_HOST_QUERY_EMPTY_STEP", {wstring(query_)});
         if (!name.empty() && value_.isUndefined())
             throw_error<ContextException>("IDS_HOST_QUERY_UNDEFINED", {wstring(before_), wstring(name)});
         if (const wstring_view text = bare_expression(step, name); !text.empty()) {
             engine_.set(u"_Text", wstring(text));
             if (is(name, u"Where", u"Где"))
-                value_ = evaluate(u"Return Table.Copy(_Text)");
+                value_ = evaluate(u"Return Table.Copy(_Text)", step);
             else
-                evaluate(u"Table." + wstring(name) + u"(_Text)");
+                evaluate(u"Table." + wstring(name) + u"(_Text)", step);
             return;
         }
-        static constexpr std::array<std::array<wstring_view, 2>, 4> kOwn = {
-            {{u"First", u"Первые"}, {u"Last", u"Последние"}, {u"Select", u"Выбрать"}, {u"Where", u"Где"}}};
-        const bool own =
-            std::ranges::any_of(kOwn, [name](const auto& one) { return is(name, one[0], one[1]); });
         const auto context = value_.query<IContext_>();
-        const int method = !own && !name.empty() && context ? context->findMethod(wstring(name).c_str()) : -1;
-        if (method >= 0 && !context->hasRetVal(method)) {
-            evaluate(u"Table." + wstring(step));
-            return;
-        }
-        value_ = evaluate((method >= 0 ? u"Return Table." : u"Return ") + wstring(step));
+        const bool calls = !name.empty() && !is_own(name);
+        const int method = calls && context ? context->findMethod(wstring(name).c_str()) : -1;
+        if (method >= 0 && !context->hasRetVal(method))
+            evaluate(u"Table." + wstring(step), step);
+        else
+            value_ = evaluate((method >= 0 ? u"Return Table." : u"Return ") + wstring(step), step);
     }
+
     Value evaluate(const wstring& text) { return engine_.run(text, u"query"); }
+    /// The same for the text of a step, whose failures are told by their place in the query.
+    Value evaluate(const wstring& text, wstring_view step) {
+        try {
+            return evaluate(text);
+        } catch (const script::Error& error) {
+            throw failure_of_query(suggesting(error, called(step)), query_, step, text);
+        }
+    }
+    /// The failure of a call that nothing answers, with what was probably meant among the steps.
+    [[nodiscard]] script::Error suggesting(const script::Error& error, wstring_view name) const {
+        const bool isUnknown = std::string_view(error.messageId()) == "IDS_SCRIPT_UNKNOWN_FUNCTION" &&
+                               error.parameters().front() == name;
+        const wstring near = isUnknown ? nearest_step(name, value_.query<IContext_>().get()) : wstring();
+        if (near.empty())
+            return error;
+        const wstring question = message_text("IDS_HOST_DID_YOU_MEAN", {near});
+        script::Error better(message_text(error.messageId(), {wstring(name)}) + u" " + question,
+                             error.place(), error.cause());
+        better.setMessage(error.messageId(), error.parameters());
+        return better;
+    }
 
     std::size_t countOfRows() {
         return static_cast<std::size_t>(*evaluate(u"Return Table.Count()").asNumeric());
@@ -133,6 +192,7 @@ class Pipeline {
 
     script::Engine& engine_;
     GenericValue value_;
+    wstring_view query_;
     wstring_view before_; // the step that gave the value
 };
 

@@ -77,6 +77,33 @@ TEST_F(QueryTest, TellsWhatIsWrong) {
     EXPECT_EQ(query({file("de.csv", "P\n\"1.250,50\"\n"), "Table", "--locale", "de"}).out, "P\r\n1250.5\r\n");
 }
 
+TEST_F(QueryTest, ErrorsShowWhatTheUserWrote) {
+    const struct {
+        std::string steps, message;
+    } cases[] = {
+        {"First(1) | Groop(\"Region\")",
+         "query:1:12: There is no function Groop. Did you mean Group?\n"
+         "    First(1) | Groop(\"Region\")\n               ^~~~~~~~~~~~~~~\n"},
+        {"First(1) | Where(Price > \"a\")",
+         "query:1:12: Line 1, character 7 of the expression: A value of the type Number cannot be compared "
+         "with "
+         "one of the type String.\n    First(1) | Where(Price > \"a\")\n               ^~~~~\n"},
+        {"First(1) |\n Group(\"Cost\")",
+         "query:2:2: There is no column “Cost”.\n     Group(\"Cost\")\n     ^~~~~\n"},
+        {"Total(\"Price\"", "query:1:14: Expected “)”, found the end of the text.\n"
+                            "    Total(\"Price\"\n                 ^\n"},
+        {"First(-1)", "query:1:1: First: the parameter Count does not take this value: -1.\n"
+                      "    First(-1)\n    ^~~~~~~~~\n"},
+        {"First(1) |", "corehost: There is nothing between two “|”, or behind the last one: First(1) |\n"},
+    };
+    for (const auto& c : cases) {
+        const Answer answer = query({sales_, c.steps});
+        EXPECT_EQ(answer.err, c.message);
+        EXPECT_EQ(answer.code, ExitCode::malformed);
+    }
+    EXPECT_EQ(query({sales_, ""}).out, query({sales_, "Table"}).out);
+}
+
 TEST_F(QueryTest, ModesReachWhatScriptsPrint) {
     const std::string script = file("print.script", "Print(LoadCsv(\"" + sales_ + "\")); Print(1);");
     const auto printed = [&](const char* mode) { return corehost({"run", "--mode", mode, script}).out; };
