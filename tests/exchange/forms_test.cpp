@@ -38,7 +38,11 @@ TEST_F(FormsTest, ArraysOfObjectsAreTables) {
         R"([{"N":"x","Day":"2024-02-29T00:00:00"},{"N":null,"Day":"2024-01-01T10:00:00"}])");
     for (const char* const no : {"5", "[1]", "[[{}]]", "[{},\"x\"]", "{\"A\":1} 2"})
         EXPECT_TRUE(from(no).starts_with("! ")) << from(no);
-    EXPECT_EQ(from("{\"A\":1}\n{\"A\":}\n").substr(0, 27), "! Malformed JSON in line 2,");
+    EXPECT_TRUE(from("{\"A\":1}\n{\"A\":}\n").starts_with("! x.json, line 2, column 6: malformed JSON: "));
+    EXPECT_EQ(told([] { return json(read_json_table("[{},\n{\"A\":1", u"x.json")); }),
+              "! x.json, line 2, column 7: malformed JSON: the text ends before the value is whole");
+    EXPECT_EQ(told([] { return json(read_json_table("[{},5]", u"x.json")); }),
+              "! x.json, line 1, column 6: The JSON text is not a table: its element 2 is not an object.");
     const auto table = read_json_table(R"([{"A":1,"B":"x"},{"A":null,"B":1}])");
     EXPECT_EQ(types(table, 0), "UN");
     EXPECT_EQ(types(table, 1), "*");

@@ -107,20 +107,44 @@ TEST_F(LossesTest, OfARowOfAnotherWidth) {
 
 TEST_F(LossesTest, OfJson) {
     const std::size_t bad = many() / 3;
+    const JsonTableOptions typed{.columns = u"Price Number"};
     for (const bool lines : {false, true}) {
         std::string text = lines ? "" : "[";
         for (std::size_t row = 0; row < many(); ++row)
-            text += (row == 0 || lines ? "" : ",") + std::string(R"({"Price":)") +
+            text += (row == 0 || lines ? "" : ",\n") + std::string(R"({"[\"{":[{}],"Price":)") +
                     (row == bad ? "\"abc\"" : "1.25") + "}" + (lines ? "\n" : "");
         text += lines ? "" : "]";
-        const std::string where =
-            lines ? "x.json, line " + std::to_string(bad + 1) : "Row " + std::to_string(bad + 1);
-        EXPECT_EQ(told([&] { return json(read_json_table(text, u"x.json", {.columns = u"Price Number"})); }),
-                  "! " + where + ", column Price: “abc” is not a number.");
+        const std::string where = std::to_string(bad + 1) + ", column Price: “abc” is not a number.";
+        EXPECT_EQ(told([&] { return json(read_json_table(text, u"x.json", typed)); }),
+                  "! x.json, line " + where);
+        EXPECT_EQ(told([&] { return json(read_json_table(text, {}, typed)); }), "! Line " + where);
         Losses losses;
         static_cast<void>(read_json_table(text, u"x.json", {.columns = u"Price Number", .losses = &losses}));
-        expect(losses, bad, lines ? bad + 1 : 0, u"abc", LossReason::notNumber);
+        expect(losses, bad, bad + 1, u"abc", LossReason::notNumber);
     }
+}
+
+TEST_F(LossesTest, MessagesAreMadeFromTheirParameters) {
+    const auto parameters = [](const Loss& loss, wstring_view source) {
+        Losses losses;
+        losses.add(loss);
+        try {
+            losses.check(source);
+        } catch (const ConversionException& e) {
+            std::string text = e.messageId();
+            for (const wstring& one : e.parameters())
+                text += '|' + to_utf8(one);
+            return text;
+        }
+        return std::string();
+    };
+    EXPECT_EQ(parameters({.row = 6, .column = u"A", .text = u"x"}, u"f"),
+              "IDS_VT_CELL_LOST|7|A|“x” has no reading in the type");
+    EXPECT_EQ(parameters({.row = 6, .text = u"x"}, {}), "IDS_VL_ITEM_LOST|7|“x” has no reading in the type");
+    EXPECT_EQ(parameters({.row = 6, .line = 9, .column = u"A", .text = u"x"}, {}),
+              "IDS_VT_CELL_OF_LINE_LOST|9|A|“x” has no reading in the type");
+    EXPECT_EQ(parameters({.row = 6, .line = 9, .column = u"A", .text = u"x"}, u"f"),
+              "IDS_VT_CELL_OF_FILE_LOST|f|9|A|“x” has no reading in the type");
 }
 
 TEST_F(LossesTest, OfAColumnThatGetsAType) {

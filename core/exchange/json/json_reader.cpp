@@ -108,6 +108,21 @@ class Handler {
     std::optional<wstring> refusal_;
 };
 
+/// The id of the message that says why a text is malformed.
+const char* reason_of(const Error& error) noexcept {
+    if (error == json::error::incomplete)
+        return "IDS_JSON_WHY_END";
+    if (error == json::error::extra_data)
+        return "IDS_JSON_WHY_BEHIND";
+    for (const json::error escape :
+         {json::error::illegal_leading_surrogate, json::error::illegal_trailing_surrogate,
+          json::error::expected_hex_digit, json::error::expected_utf16_escape}) {
+        if (error == escape)
+            return "IDS_JSON_WHY_ESCAPE";
+    }
+    return "IDS_JSON_WHY_SYNTAX";
+}
+
 json::parse_options options(std::size_t maxDepth) {
     json::parse_options result;
     result.max_depth = maxDepth;
@@ -121,8 +136,9 @@ class JsonReader::Parser : public json::basic_parser<Handler> {
     Parser(JsonEvents& events, std::size_t maxDepth) : basic_parser(options(maxDepth), events) {}
 };
 
-JsonReader::JsonReader(JsonEvents& events, std::size_t maxDepth, std::uint64_t firstLine)
-    : parser_(std::make_unique<Parser>(events, maxDepth)), maxDepth_(maxDepth), line_(firstLine) {}
+JsonReader::JsonReader(JsonEvents& events, std::size_t maxDepth, std::uint64_t firstLine, wstring_view name)
+    : parser_(std::make_unique<Parser>(events, maxDepth)), maxDepth_(maxDepth), name_(name),
+      line_(firstLine) {}
 
 JsonReader::~JsonReader() = default;
 
@@ -153,9 +169,9 @@ void JsonReader::read(std::string_view piece) {
         if (error == json::error::too_deep)
             throw_error<ContextException>(messages::kJsonTooDeep, {string_intto(maxDepth_)});
         if (error)
-            fail(error.message());
+            fail(reason_of(error));
         if (count < part.size())
-            fail(make_error_code(json::error::extra_data).message());
+            fail("IDS_JSON_WHY_BEHIND");
         rest.remove_prefix(count);
     } while (!rest.empty());
 }
@@ -164,7 +180,7 @@ void JsonReader::finish() {
     Error error;
     parser_->write_some(false, nullptr, 0, error);
     if (error)
-        fail(error.message());
+        fail(reason_of(error));
 }
 
 void JsonReader::advance(std::string_view read) noexcept {
@@ -178,11 +194,16 @@ void JsonReader::advance(std::string_view read) noexcept {
     }
 }
 
-void JsonReader::fail(const std::string& reason) const {
+void JsonReader::fail(const char* reason) const {
     const auto& refusal = parser_->handler().refusal();
-    throw_error<ContextException>(
-        refusal ? messages::kJsonRefused : messages::kJsonMalformed,
-        {string_intto(line_), string_intto(column_), refusal ? *refusal : from_utf8(reason)});
+    const wstring line = string_intto(line_);
+    const wstring column = string_intto(column_);
+    const wstring why = refusal ? *refusal : message_text(reason);
+    if (name_.empty())
+        throw_error<ContextException>(refusal ? messages::kJsonRefused : messages::kJsonMalformed,
+                                      {line, column, why});
+    throw_error<ContextException>(refusal ? messages::kJsonRefusedInFile : messages::kJsonMalformedInFile,
+                                  {name_, line, column, why});
 }
 
 } // namespace core

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/exchange/cells/column_list.h"
 #include "core/exchange/json/json_builder.h"
+#include "core/exchange/json/json_row_lines.h"
 #include "core/tables/convert/cell_fit.h"
 #include "core/tables/convert/column_names.h"
 #include "core/tables/objects/table_parts.h"
@@ -28,6 +29,19 @@ struct LoadedColumn {
     unsigned kinds = 0; ///< a bit for each kind of its values, Undefined and missing ones left out
 };
 
+/// The losses of an array of objects, with the lines in which their rows begin.
+Losses with_lines(const Losses& losses, std::string_view text) {
+    Losses located;
+    JsonRowLines lines(text);
+    for (Loss loss : losses.first()) {
+        loss.line = lines.lineOf(loss.row);
+        located.add(std::move(loss));
+    }
+    while (located.count() < losses.count())
+        located.add({});
+    return located;
+}
+
 /// Makes a table of the reader's events. The values of a row's members are built by a JsonBuilder.
 class TableBuilder : public JsonEvents {
   public:
@@ -40,7 +54,9 @@ class TableBuilder : public JsonEvents {
     }
     void setLine(std::uint64_t line) noexcept { line_ = line; }
 
-    InterfacePtr<IValueTable> finish(wstring_view name, Losses* losses) {
+    InterfacePtr<IValueTable> finish(std::string_view text, wstring_view name, Losses* losses) {
+        if (arrays_ != 0 && !losses_.empty())
+            losses_ = with_lines(losses_, text);
         if (losses != nullptr)
             *losses = losses_;
         else
@@ -199,16 +215,16 @@ Table read_json_table(std::string_view text, wstring_view name, const JsonTableO
     if (lines) {
         each_json_line(text, [&](std::string_view line, std::uint64_t number) {
             builder.setLine(number);
-            JsonReader reader(builder, Nesting::kMaxDepth, number);
+            JsonReader reader(builder, Nesting::kMaxDepth, number, name);
             reader.read(line);
             reader.finish();
         });
     } else {
-        JsonReader reader(builder, Nesting::kMaxDepth);
+        JsonReader reader(builder, Nesting::kMaxDepth, 1, name);
         reader.read(text);
         reader.finish();
     }
-    return builder.finish(name, options.losses);
+    return builder.finish(text, name, options.losses);
 }
 
 Table load_json_table(std::string_view file, const JsonTableOptions& options) {

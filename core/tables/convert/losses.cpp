@@ -48,23 +48,36 @@ wstring named(const wstring& text) {
     return shown;
 }
 
-/// The id of the message about a loss: of an item of a list, which has neither columns nor lines, of a cell,
-/// or of a cell of a file.
-const char* line_id(const Loss& loss) noexcept {
-    if (loss.line != 0)
-        return messages::kCellOfFileLost;
-    return loss.column.empty() ? messages::kItemLost : messages::kCellLost;
-}
+/// The message about a loss: of an item of a list, which has neither columns nor lines, of a cell, or of a
+/// cell of a text with or without a name.
+class LossMessage {
+  public:
+    LossMessage(const Loss& loss, wstring_view source) {
+        const wstring at = string_intto(loss.line != 0 ? loss.line : loss.row + 1);
+        if (loss.line == 0 && loss.column.empty())
+            set(messages::kItemLost, {at, loss_text(loss)});
+        else if (loss.line == 0)
+            set(messages::kCellLost, {at, loss.column, loss_text(loss)});
+        else if (source.empty())
+            set(messages::kCellOfLineLost, {at, loss.column, loss_text(loss)});
+        else
+            set(messages::kCellOfFileLost, {wstring(source), at, loss.column, loss_text(loss)});
+    }
+    [[nodiscard]] const wstring& text() const noexcept { return text_; }
+    [[nodiscard]] const char* id() const noexcept { return id_; }
+    [[nodiscard]] std::span<const wstring> parameters() const noexcept { return parameters_; }
 
-wstring line_of(const Loss& loss, wstring_view source) {
-    const char* const id = line_id(loss);
-    const wstring row = string_intto(loss.row + 1);
-    if (id == messages::kItemLost)
-        return message_text(id, {row, loss_text(loss)});
-    if (id == messages::kCellLost)
-        return message_text(id, {row, loss.column, loss_text(loss)});
-    return message_text(id, {wstring(source), string_intto(loss.line), loss.column, loss_text(loss)});
-}
+  private:
+    void set(const char* id, std::initializer_list<wstring> parameters) {
+        id_ = id;
+        parameters_ = parameters;
+        text_ = message_text(id, parameters);
+    }
+
+    const char* id_ = nullptr;
+    std::vector<wstring> parameters_;
+    wstring text_;
+};
 
 } // namespace
 
@@ -82,14 +95,15 @@ void Losses::check(wstring_view source) const {
     if (empty())
         return;
     const std::size_t named = std::min(first_.size(), kNamed);
-    wstring text = line_of(first_.front(), source);
+    const LossMessage message(first_.front(), source);
+    wstring text = message.text();
     for (std::size_t i = 1; i < named; ++i)
-        text += u"\n" + line_of(first_[i], source);
+        text += u"\n" + LossMessage(first_[i], source).text();
     if (count_ > named)
         text += u"\n" + message_text(messages::kMoreCellsLost, {string_intto(count_ - named)});
-    const Loss& first = first_.front();
-    throw_with_message(ConversionException(text, first, count_), line_id(first),
-                       {wstring(source), string_intto(first.line), first.column, loss_text(first)});
+    ConversionException failure(text, first_.front(), count_);
+    failure.setMessage(message.id(), message.parameters());
+    throw failure;
 }
 
 } // namespace core

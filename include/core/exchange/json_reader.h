@@ -45,8 +45,8 @@ class JsonEvents {
 class CORE_API JsonReader {
   public:
     /// Tells `events`, which are borrowed, what stands in a text that is nested at most `maxDepth` deep;
-    /// messages call its first line `firstLine`.
-    JsonReader(JsonEvents& events, std::size_t maxDepth, std::uint64_t firstLine = 1);
+    /// messages call its first line `firstLine`, and the text `name`, if that is not empty.
+    JsonReader(JsonEvents& events, std::size_t maxDepth, std::uint64_t firstLine = 1, wstring_view name = {});
     JsonReader(const JsonReader&) = delete;
     JsonReader& operator=(const JsonReader&) = delete;
     ~JsonReader();
@@ -61,10 +61,11 @@ class CORE_API JsonReader {
 
     [[nodiscard]] std::string_view behindMark(std::string_view piece);
     void advance(std::string_view read) noexcept;
-    [[noreturn]] void fail(const std::string& reason) const;
+    [[noreturn]] void fail(const char* reason) const;
 
     std::unique_ptr<Parser> parser_;
     std::size_t maxDepth_;
+    wstring name_;
     std::size_t mark_ = 0; ///< bytes of a byte order mark that were read; all of them where none can follow
     std::uint64_t line_ = 1;
     std::uint64_t column_ = 1; ///< in characters

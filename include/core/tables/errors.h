@@ -32,6 +32,8 @@ inline constexpr const char* kChangedWhileSorting = "IDS_VT_CHANGED_WHILE_SORTIN
 inline constexpr const char* kCellLost = "IDS_VT_CELL_LOST";
 /// The same for a cell of a file; {0} is the file, {1} the line, {2} the column, {3} why.
 inline constexpr const char* kCellOfFileLost = "IDS_VT_CELL_OF_FILE_LOST";
+/// The same for a cell of a text without a name; {0} is the line, {1} the column, {2} why.
+inline constexpr const char* kCellOfLineLost = "IDS_VT_CELL_OF_LINE_LOST";
 /// More cells were lost than a message names; {0} is how many more.
 inline constexpr const char* kMoreCellsLost = "IDS_VT_MORE_CELLS_LOST";
 /// A column with numbers and other values cannot be totalled; {0} is the column, {1} one of the others, {2}
