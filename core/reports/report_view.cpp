@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/reports/report_view.h"
 
+#include "core/tables/data/unknown_column.h"
+
 #include <core/context/arguments.h>
 #include <core/presentation/services.h>
 #include <core/runtime/process.h>
 #include <core/strings/compare.h>
-#include <core/tables/errors.h>
 #include <core/tables/trees.h>
 #include <core/values/errors.h>
 
@@ -108,8 +109,12 @@ ReportView::ReportView(const Report& report)
 std::size_t ReportView::columnOf(wstring_view name) const {
     const auto found = std::ranges::find_if(
         names_, [name](const wstring& known) { return compare_nocase(wstring_view(known), name) == 0; });
-    if (found == names_.end())
-        throw_error<ContextException>(messages::kUnknownColumn, {wstring(name)});
+    if (found == names_.end()) {
+        NearestName nearest(name);
+        for (const wstring& known : names_)
+            nearest.add(known);
+        throw_unknown_column(name, nearest);
+    }
     return static_cast<std::size_t>(found - names_.begin());
 }
 

@@ -3,6 +3,8 @@
 
 #include <core/runtime/errors.h>
 #include <core/runtime/threads/thread.h>
+#include <core/strings/nearest.h>
+#include <core/strings/term.h>
 #include <core/values/errors.h>
 #include <core/values/generic_value.h>
 #include <core/values/type_object.h>
@@ -19,13 +21,29 @@ IType* primitive(Type::Code code) noexcept {
                : nullptr;
 }
 
-/// Asks the type service for `key`, which is an id or a name.
-template <class Key>
-IType* registered(const Key& key, const wstring& keyText) {
-    IType* const type = require_service<ITypeValueService>().findType(key);
+IType* registered(const GUID& id) {
+    IType* const type = require_service<ITypeValueService>().findType(id);
     if (type == nullptr)
-        throw_error<TypeException>(messages::kTypeNotDefined, {keyText});
+        throw_error<TypeException>(messages::kTypeNotDefined, {to_string(id)});
     return type;
+}
+
+/// The text of the failure names the nearest type, if one is near.
+IType* registered(wstring_view name) {
+    ITypeValueService& service = require_service<ITypeValueService>();
+    if (IType* const type = service.findType(name))
+        return type;
+    NearestName nearest(name);
+    for (const IType* const type : service.types()) {
+        for (const int alias : {kEnglish, kRussian}) {
+            if (const wchar* const candidate = type->name(alias))
+                nearest.add(candidate);
+        }
+    }
+    wstring text = message_text(messages::kTypeNotDefined, {wstring(name)});
+    if (!nearest.best().empty())
+        text += u" " + message_text("IDS_HOST_DID_YOU_MEAN", {nearest.best()});
+    throw_with_message(TypeException(text), messages::kTypeNotDefined, {wstring(name)});
 }
 
 IType* primitive(const GUID& id) noexcept {
@@ -43,10 +61,10 @@ Type::Type(Code code) noexcept : type_(primitive(code)) {}
 
 Type::Type(const GUID& id) : type_(primitive(id)) {
     if (type_ == nullptr)
-        type_ = registered(id, to_string(id));
+        type_ = registered(id);
 }
 
-Type::Type(wstring_view name) : type_(registered(name, wstring(name))) {}
+Type::Type(wstring_view name) : type_(registered(name)) {}
 
 Type::Code Type::code() const noexcept {
     return type_ != nullptr ? static_cast<Code>(type_->code()) : object;

@@ -3,11 +3,16 @@
 
 #include <core/context/context_def_ext.h>
 #include <core/context/errors.h>
+#include <core/context/summary.h>
+#include <core/objects/enumeration.h>
 #include <core/runtime/exception_object.h>
 #include <core/runtime/threads/thread.h>
 #include <core/script/console.h>
 #include <core/strings/integer_text.h>
+#include <core/strings/split.h>
 #include <core/strings/term.h>
+#include <core/strings/trim.h>
+#include <core/values/type.h>
 
 #include <algorithm>
 #include <iterator>
@@ -38,6 +43,14 @@ wstring parameter_name(IContextDef& definition, int method, int param) {
     const InterfacePtr<IContextDefParams> named(&definition);
     const wchar* const name = named ? named->getParamName(method, param, user_alias()) : nullptr;
     return name != nullptr ? wstring(name) : string_intto(param + 1);
+}
+
+wstring parameter_of_new(const Type& type, int param) {
+    const wstring list = member_summary(*type.get(), u"New_Parameters", Thread::getResourceLocale());
+    const std::vector<wstring_view> names = string_tokenize(list, u",");
+    const auto at = static_cast<std::size_t>(param);
+    const bool isNamed = at < names.size() && trim_all(names[at]) != u"…";
+    return isNamed ? wstring(trim_all(names[at])) : string_intto(param + 1);
 }
 
 wstring short_display(const Value& value) {
@@ -74,6 +87,11 @@ void explain_value(const ContextException& failure, const wstring& name,
 
 } // namespace
 
+wstring owner_name(const Value& object) {
+    const auto enumeration = object.query<IEnumeration>();
+    return enumeration ? wstring(enumeration->valueType()->name(user_alias())) : object.type().presentation();
+}
+
 void missing_argument(IContextDef& definition, int method, const wstring& name, int param) {
     ContextException failure(
         message_text("IDS_SCRIPT_MISSING_ARGUMENT", {name, parameter_name(definition, method, param)}));
@@ -106,7 +124,7 @@ void explain_argument(const ContextException& failure, IContextDef& definition, 
 
 void explain_construction(const ContextException& failure, const wstring& type,
                           std::span<const GenericValue> arguments) {
-    explain_value(failure, type, arguments, [](int param) { return string_intto(param + 1); });
+    explain_value(failure, type, arguments, [&](int param) { return parameter_of_new(Type(type), param); });
 }
 
 } // namespace core::script

@@ -8,13 +8,18 @@
 
 namespace core::script {
 
+/// Returns what a message calls an object that lacks a member: an enumeration by its name, anything else by
+/// its type.
+[[nodiscard]] wstring owner_name(const Value& object);
+
 /// Throws a failure about an argument of a call again with the names of function and parameter and with the
 /// value; its id stays, and these stand behind its parameters. Returns for every other failure. `name` is
 /// what the script calls the method.
 void explain_argument(const ContextException& failure, IContextDef& definition, int method,
                       const wstring& name, std::span<const GenericValue> arguments);
 
-/// The same for an argument of New; `type` is what the script calls the type, whose parameters have no names.
+/// The same for an argument of New; `type` is what the script calls the type; its texts name the
+/// parameters.
 void explain_construction(const ContextException& failure, const wstring& type,
                           std::span<const GenericValue> arguments);
 

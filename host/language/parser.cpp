@@ -44,9 +44,9 @@ void Parser::fail_found(const char* id, wstring expected) {
     if (token_.kind == TokenKind::end)
         found = message_text("IDS_SCRIPT_END_OF_TEXT");
     else if (token_.span.length > kMaxShown)
-        found = u"“" + wstring(text(token_).substr(0, kMaxShown)) + u"…”";
+        found = message_text("IDS_QUOTED", {wstring(text(token_).substr(0, kMaxShown)) + u"…"});
     else
-        found = u"“" + wstring(text(token_)) + u"”";
+        found = message_text("IDS_QUOTED", {wstring(text(token_))});
     fail_at(token_.span, id, {found, std::move(expected)});
 }
 

@@ -25,7 +25,7 @@ int find_first(const IContext_& context, std::initializer_list<const wchar*> nam
 int property_of(const IContext_& context, const GenericValue& object, const wstring& name) {
     const int prop = context.findProp(name.c_str());
     if (prop < 0)
-        throw_unknown("IDS_SCRIPT_UNKNOWN_PROPERTY", {object.type().presentation(), name},
+        throw_unknown("IDS_SCRIPT_UNKNOWN_PROPERTY", {owner_name(object), name},
                       nearest_property(context, name));
     return prop;
 }
@@ -98,10 +98,10 @@ GenericValue Run::evaluate(const Creation& node, Span span) {
         try {
             return Type(wstring_view(node.type)).get()->construct(arguments);
         } catch (const TypeException& failure) { // of this type, or of one that an argument names
-            if (std::string_view(failure.messageId()) != messages::kTypeNotDefined)
+            if (std::string_view(failure.messageId()) != messages::kTypeNotDefined ||
+                failure.parameters()[0] != node.type)
                 throw;
-            const wstring name = failure.parameters()[0];
-            throw_unknown<TypeException>(messages::kTypeNotDefined, {name}, nearest_type(name));
+            throw_unknown<TypeException>(messages::kTypeNotDefined, {node.type}, nearest_type(node.type));
         } catch (const ContextException& failure) {
             explain_construction(failure, node.type, arguments);
             throw;

@@ -162,7 +162,7 @@ TEST_F(CsvTest, GoesToTheOutputInAnyForm) {
         run(R"(T = FromJson("[{""Day"":""2024-02-29""}]", "Table", "Day Date"); '20240229' = T[0].Day)"),
         "True");
     EXPECT_EQ(run(R"(FromJson("[{""P"":""x""}]", "Таблица", "P Число"))"),
-              "! 1:1 Row 1, column P: “x” is not a number.");
+              "! 1:1 Line 1, column P: “x” is not a number.");
     EXPECT_EQ(run(R"(T = FromJson("[{""P"":""x""}]", "Table", "P Number", True); T.LossCount)"), "1");
     EXPECT_EQ(run("ToJson(FromJson(\"1\n|[2]\", \"Lines\"))"), "\"[1,[2]]\"");
     EXPECT_EQ(run("FromJson(\"1\", \"Tables\")"),

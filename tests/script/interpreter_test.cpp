@@ -140,8 +140,8 @@ TEST_F(InterpreterTest, ArgumentsInAndOut) {
         {"New Map.Insert()", "! 1:9 Insert needs its parameter Key."},
         {"Left(5, 1)", "! 1:1 Left: the parameter Text does not take a value of the type Number: 5."},
         {"New Array(2, \"x\")",
-         "! 1:1 Array: the parameter 2 does not take a value of the type String: \"x\"."},
-        {"Новый Массив(-1)", "! 1:1 Массив: the parameter 1 does not take this value: -1."},
+         "! 1:1 Array: the parameter Size2 does not take a value of the type String: \"x\"."},
+        {"Новый Массив(-1)", "! 1:1 Массив: the parameter SizeOrArray does not take this value: -1."},
         {"Print(); x = Print(5); x", "\n5\nUndefined"},
     });
 }

@@ -344,6 +344,9 @@ TEST_F(ProceduresTest, MessagesSuggestTheNearestName) {
         {"(New Array).Cuont()", "! 1:13 The type Array has no method Cuont. Did you mean Count?"},
         {"(New Structure(\"Name\")).Nam",
          "! 1:25 The type Structure has no property Nam. Did you mean Name?"},
+        {"Type(\"Nmber\")", "! 1:1 There is no type Nmber. Did you mean Number?"},
+        {"New TypeDescription(\"Strng\")", "! 1:1 There is no type Strng. Did you mean String?"},
+        {"JoinKind.Iner", "! 1:10 The type JoinKind has no property Iner. Did you mean Inner?"},
         {"x = Zzzzzz", "! 1:5 The variable Zzzzzz has no value yet."},
     });
     Thread::setResourceLocale(Locale("ru"));
@@ -351,6 +354,9 @@ TEST_F(ProceduresTest, MessagesSuggestTheNearestName) {
         {"Number(\"abc\")", "! 1:1 Number: \"abc\" не является числом (параметр Значение)."},
         {"Лев(5, 1)", "! 1:1 Лев: параметр Текст не принимает значение типа Число: 5."},
         {"a = New Array(2); a[2]", "! 1:20 Индекс 2 за пределами коллекции: элементов 2."},
+        {"Если Истина Тода", "! 1:13 Ожидается «Then/Тогда», а стоит «Тода»."},
+        {"Х = Новый Отбор(\"Цена Между 1\")",
+         "! 1:5 Строка 1, символ 13 выражения: Ожидается «And/И», а стоит конец текста."},
         {"Отобрать()", "! 1:1 Для Отобрать нужен параметр Коллекция."},
     });
     Thread::setResourceLocale(Locale("en"));

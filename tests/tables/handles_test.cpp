@@ -147,7 +147,8 @@ TEST_F(Handles, OfColumnsStayTheirColumns) {
     EXPECT_EQ(failure([&] { static_cast<void>(name.name()); }), unknown_column(u"0"));
     const Table other = fruit();
     EXPECT_EQ(failure([&] { static_cast<void>(other[0][added]); }), unknown_column(u"Day"));
-    EXPECT_EQ(failure([&] { static_cast<void>(other[0]["Nam"]); }), unknown_column(u"Nam"));
+    EXPECT_EQ(failure([&] { static_cast<void>(other[0]["Nam"]); }),
+              unknown_column(u"Nam") + u" Did you mean “Name”?");
     EXPECT_EQ(failure([&] { static_cast<void>(other[0][2]); }), bad_index());
     EXPECT_EQ(failure([&] { static_cast<void>(other[3][0].value()); }), bad_index());
     EXPECT_THROW(static_cast<void>(other[0]["\xFF"]), ConverterException);

@@ -56,7 +56,8 @@ TEST_F(Joins, RefuseWhatWouldMatchNothing) {
     for (const wchar* on : {u"", u"Product =", u"Product = Code = Name", u"Product = Code,"})
         EXPECT_EQ(failed(products_, on), message_text("IDS_VT_JOIN_CONDITION", {on}));
     EXPECT_EQ(failed(products_, u"Product"), unknown_column(u"Product"));
-    EXPECT_EQ(failed(products_, u"Product = Code", u"Nam"), unknown_column(u"Nam"));
+    EXPECT_EQ(failed(products_, u"Product = Code", u"Nam"),
+              unknown_column(u"Nam") + u" Did you mean “Name”?");
     EXPECT_EQ(failed(products_, u"Product = Code", u"Name As region"),
               message_text("IDS_VT_JOIN_NAME_TAKEN", {u"region"}));
     EXPECT_EQ(failed(products_, u"Product = Code", u"Name, Name"),

@@ -4,6 +4,7 @@
 #include "core/exchange/csv/csv_scanner.h"
 #include "core/exchange/csv/csv_shape.h"
 #include "core/tables/convert/column_names.h"
+#include "core/tables/data/unknown_column.h"
 #include "core/tables/objects/table_parts.h"
 
 #include <core/exchange/csv.h>
@@ -96,8 +97,12 @@ class Loader {
             wstring name = names.make(title);
             addColumn(name, title != name ? title : wstring(), takeDomain(name, trim_all(title)));
         }
-        if (titles && !listed_.empty())
-            throw_error<ContextException>(messages::kUnknownColumn, {listed_.front().name});
+        if (titles && !listed_.empty()) {
+            NearestName nearest(listed_.front().name);
+            for (const auto& column : columns_)
+                nearest.add(column.name);
+            throw_unknown_column(listed_.front().name, nearest);
+        }
         return titles;
     }
     void addColumn(const wstring& name, const wstring& title, TypeDomain domain) {

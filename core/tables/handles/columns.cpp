@@ -1,9 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "core/tables/data/unknown_column.h"
+
 #include <core/context/arguments.h>
 #include <core/tables/columns.h>
 #include <core/tables/errors.h>
 
 namespace core {
+namespace {
+
+[[noreturn]] void throw_unknown(const IValueColumns& columns, wstring_view name) {
+    NearestName nearest(name);
+    for (std::size_t i = 0; i < columns.count(); ++i)
+        nearest.add(columns.get(i).name);
+    throw_unknown_column(name, nearest);
+}
+
+} // namespace
 
 std::int32_t ColumnKey::idIn(const IValueColumns& columns) const {
     if (kind_ == Kind::position)
@@ -15,7 +27,7 @@ std::int32_t ColumnKey::idIn(const IValueColumns& columns) const {
     }
     const std::int32_t id = columns.find(name_.view());
     if (id < 0)
-        throw_error<ContextException>(messages::kUnknownColumn, {wstring(name_.view())});
+        throw_unknown(columns, name_.view());
     return id;
 }
 

@@ -85,15 +85,23 @@ class Parser {
         if (atEnd())
             return message_text("IDS_SCRIPT_END_OF_TEXT");
         constexpr std::size_t kShown = 40;
-        return u"“" + wstring(token_.text.substr(0, kShown)) + u"”";
+        return quoted(token_.text.substr(0, kShown));
+    }
+    [[nodiscard]] static wstring quoted(wstring_view text) {
+        return message_text("IDS_QUOTED", {wstring(text)});
+    }
+    /// Fails because a word is not there, which is named in both languages.
+    [[noreturn]] void failWithout(Word word) const {
+        const wstring both = wstring(word_text(word)).append(u"/").append(word_text(word, kRussian));
+        fail_expression(token_.place, messages::kExpressionExpected, {found(), quoted(both)});
     }
     void expect(wstring_view sign) {
         if (!accept(sign))
-            fail_expression(token_.place, messages::kExpressionExpected, {found(), wstring(sign)});
+            fail_expression(token_.place, messages::kExpressionExpected, {found(), quoted(sign)});
     }
     void expect(Word word) {
         if (!accept(word))
-            fail_expression(token_.place, messages::kExpressionExpected, {found(), wstring(word_text(word))});
+            failWithout(word);
     }
 
     /// Operands with And or Or between them.
@@ -129,8 +137,7 @@ class Parser {
             node.kind = Kind::empty;
             node.negated = accept(Word::opNot);
             if (!accept(Word::undefined) && !accept(Word::null))
-                fail_expression(token_.place, messages::kExpressionExpected,
-                                {found(), wstring(word_text(Word::undefined))});
+                failWithout(Word::undefined);
         } else {
             node.negated = accept(Word::opNot);
             if (!condition(node))
@@ -158,8 +165,7 @@ class Parser {
                 node.operands.push_back(sum());
         } else {
             if (node.negated)
-                fail_expression(token_.place, messages::kExpressionExpected,
-                                {found(), wstring(word_text(Word::in))});
+                failWithout(Word::in);
             return false;
         }
         return true;

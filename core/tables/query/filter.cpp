@@ -70,7 +70,7 @@ Filter::Filter(std::string_view text, const ExpressionParameters& parameters)
 
 Filter Filter::where(wstring_view column, wstring_view comparison, const Value& value) {
     if (!is_valid_name(column))
-        fail_expression({}, messages::kExpressionOperand, {u"“" + wstring(column) + u"”"});
+        fail_expression({}, messages::kExpressionOperand, {message_text("IDS_QUOTED", {wstring(column)})});
     const auto values = value.query<IValueSequence>();
     const bool two = values && values->count() == 2;
     // The two values of Between are not a list to it.
@@ -83,7 +83,9 @@ Filter Filter::where(wstring_view column, wstring_view comparison, const Value& 
     const bool compares = condition->kind == ExpressionKind::comparison || between ||
                           condition->kind == ExpressionKind::in || condition->kind == ExpressionKind::like;
     if (!compares || condition->operands.front()->kind != ExpressionKind::column)
-        fail_expression({}, messages::kExpressionExpected, {u"“" + wstring(comparison) + u"”", u"="});
+        fail_expression(
+            {}, messages::kExpressionExpected,
+            {message_text("IDS_QUOTED", {wstring(comparison)}), message_text("IDS_QUOTED", {u"="})});
     return Filter(std::move(condition));
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/join_request.h"
 
+#include "core/tables/data/unknown_column.h"
+
 #include <core/strings/names.h>
 #include <core/strings/split.h>
 #include <core/strings/trim.h>
@@ -15,7 +17,7 @@ namespace {
 const TableColumn& column_of(const TableData& data, wstring_view name) {
     const auto position = data.findColumn(name);
     if (!position)
-        throw_error<ContextException>(messages::kUnknownColumn, {wstring(name)});
+        throw_unknown_column(data, name);
     return data.column(*position);
 }
 
