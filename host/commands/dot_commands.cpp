@@ -32,39 +32,38 @@ using namespace core;
 
 struct DotCommands::Command {
     std::array<const wchar*, 2> names;
-    const char* argument; ///< as the help shows it
-    const char* english;
-    const char* russian;
+    std::array<const char*, 2> arguments; ///< as the help shows them
+    std::array<const char*, 2> help;
     Outcome (DotCommands::*run)(const wstring& argument);
 };
 
 constexpr DotCommands::Command DotCommands::kCommands[] = {
     {{u".describe", u".описание"},
-     "NAME",
-     "A type, a member of one or a function",
-     "Тип, его член или функция",
+     {"NAME", "ИМЯ"},
+     {"A type, a member of one or a function", "Тип, его член или функция"},
      &DotCommands::describe},
-    {{u".exit", u".выход"}, "[CODE]", "Leave", "Выйти", &DotCommands::exit},
+    {{u".exit", u".выход"}, {"[CODE]", "[КОД]"}, {"Leave", "Выйти"}, &DotCommands::exit},
     {{u".help", u".справка"},
-     "[NAME]",
-     "This list; with a name as .describe",
-     "Этот список; с именем как .описание",
+     {"[NAME]", "[ИМЯ]"},
+     {"This list; with a name as .describe", "Этот список; с именем как .описание"},
      &DotCommands::help},
     {{u".mode", u".форма"},
-     "[FORM]",
-     "The form of tables: table, csv, json, jsonl, markdown, html, list, fixed",
-     "Форма таблиц: table, csv, json, jsonl, markdown, html, list, fixed",
+     {"[FORM]", "[ФОРМА]"},
+     {"The form of tables: table, csv, json, jsonl, markdown, html, list, fixed",
+      "Форма таблиц: table, csv, json, jsonl, markdown, html, list, fixed"},
      &DotCommands::mode},
     {{u".output", u".вывод"},
-     "[FILE]",
-     "Write what is shown to a file; without one to the terminal again",
-     "Писать показанное в файл; без имени снова на терминал",
+     {"[FILE]", "[ФАЙЛ]"},
+     {"Write what is shown to a file; without one to the terminal again",
+      "Писать показанное в файл; без имени снова на терминал"},
      &DotCommands::output},
-    {{u".read", u".прочитать"}, "FILE", "Run a script here", "Выполнить скрипт здесь", &DotCommands::read},
+    {{u".read", u".прочитать"},
+     {"FILE", "ФАЙЛ"},
+     {"Run a script here", "Выполнить скрипт здесь"},
+     &DotCommands::read},
     {{u".timer", u".время"},
-     "[on|off]",
-     "Show how long each entry takes",
-     "Показывать, сколько занял каждый ввод",
+     {"[on|off]", "[вкл|выкл]"},
+     {"Show how long each entry takes", "Показывать, сколько занял каждый ввод"},
      &DotCommands::timer},
 };
 
@@ -109,16 +108,13 @@ DotCommands::Outcome DotCommands::carryOut(wstring_view line) {
     if (is_word(text, kAskForHelp))
         return help({});
     const auto [name, argument] = divided(text);
+    name_ = name;
     if (const Command* const command = find(name); command != nullptr)
         return (this->*command->run)(wstring(argument));
     NearestName near(name);
     for (const Command& command : kCommands)
-        near.add(command.names[static_cast<std::size_t>(alias_of(console_.language))]);
-    wstring message = message_text("IDS_HOST_DOT_UNKNOWN", {wstring(name)});
-    if (!near.best().empty())
-        message.append(u" ").append(message_text("IDS_HOST_DID_YOU_MEAN", {near.best()}));
-    show_failure(console_, message, "IDS_HOST_DOT_UNKNOWN");
-    return {.failed = true};
+        std::ranges::for_each(command.names, [&near](wstring_view known) { near.add(known); });
+    return refuse("IDS_HOST_DOT_UNKNOWN", {name_}, near.best());
 }
 
 script::Completion DotCommands::complete(wstring_view before) const {
@@ -165,10 +161,17 @@ const DotCommands::Command* DotCommands::find(wstring_view name) const {
     return nullptr;
 }
 
-DotCommands::Outcome DotCommands::refuse(wstring_view name, wstring_view argument) const {
-    const char* const id = argument.empty() ? "IDS_HOST_DOT_ARGUMENT_MISSING" : "IDS_HOST_DOT_ARGUMENT";
-    show_failure(console_, message_text(id, {wstring(name), wstring(argument)}), id);
+DotCommands::Outcome DotCommands::refuse(const char* id, std::initializer_list<wstring> parameters,
+                                         const wstring& nearest) const {
+    wstring text = message_text(id, parameters);
+    if (!nearest.empty())
+        text.append(u" ").append(message_text("IDS_HOST_DID_YOU_MEAN", {nearest}));
+    show_failure(console_, text, id);
     return {.failed = true};
+}
+
+DotCommands::Outcome DotCommands::refuseArgument(const wstring& argument, const wstring& nearest) const {
+    return refuse("IDS_HOST_DOT_ARGUMENT", {name_, argument}, nearest);
 }
 
 DotCommands::Outcome DotCommands::help(const wstring& argument) {
@@ -177,8 +180,7 @@ DotCommands::Outcome DotCommands::help(const wstring& argument) {
     const auto alias = static_cast<std::size_t>(alias_of(console_.language));
     Columns lines;
     for (const Command& command : kCommands)
-        lines.add({to_utf8(command.names[alias]) + ' ' + command.argument,
-                   host::help(console_, command.english, command.russian)});
+        lines.add({to_utf8(command.names[alias]) + ' ' + command.arguments[alias], command.help[alias]});
     lines.write(console_.out);
     console_.out << message("IDS_HOST_REPL_KEYS") << '\n';
     return {};
@@ -191,7 +193,7 @@ DotCommands::Outcome DotCommands::exit(const wstring& argument) {
     unsigned char code = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), code);
     if (error != std::errc() || end != text.data() + text.size())
-        return refuse(u".exit", argument);
+        return refuseArgument(argument);
     return {.exit = static_cast<ExitCode>(code)};
 }
 
@@ -201,8 +203,12 @@ DotCommands::Outcome DotCommands::mode(const wstring& argument) {
         return {};
     }
     const auto form = table_form(to_utf8(argument));
-    if (!form)
-        return refuse(u".mode", argument);
+    if (!form) {
+        NearestName near(argument);
+        for (const std::string_view known : kForms)
+            near.add(from_utf8(known));
+        return refuseArgument(argument, near.best());
+    }
     console_.mode = form;
     return {};
 }
@@ -211,14 +217,14 @@ DotCommands::Outcome DotCommands::timer(const wstring& argument) {
     constexpr const wchar* kOn[] = {u"on", u"вкл", u"да"};
     constexpr const wchar* kOff[] = {u"off", u"выкл", u"нет"};
     if (!argument.empty() && !is_word(argument, kOn) && !is_word(argument, kOff))
-        return refuse(u".timer", argument);
+        return refuseArgument(argument);
     timed_ = argument.empty() ? !timed_ : is_word(argument, kOn);
     return {};
 }
 
 DotCommands::Outcome DotCommands::read(const wstring& argument) {
     if (argument.empty())
-        return refuse(u".read", argument);
+        return refuse("IDS_HOST_DOT_ARGUMENT_MISSING", {name_});
     const wstring text = read_text(console_, to_utf8(argument));
     const Interrupts interrupts(&engine_);
     try {

@@ -7,6 +7,7 @@
 #include <core/script/console.h>
 
 #include <fstream>
+#include <initializer_list>
 #include <optional>
 #include <streambuf>
 
@@ -46,7 +47,11 @@ class DotCommands {
     static const Command kCommands[];
 
     [[nodiscard]] const Command* find(core::wstring_view name) const;
-    [[nodiscard]] Outcome refuse(core::wstring_view name, core::wstring_view argument) const;
+    /// Shows the message of an id, and what was probably meant, if `nearest` says so.
+    [[nodiscard]] Outcome refuse(const char* id, std::initializer_list<core::wstring> parameters,
+                                 const core::wstring& nearest = {}) const;
+    [[nodiscard]] Outcome refuseArgument(const core::wstring& argument,
+                                         const core::wstring& nearest = {}) const;
     Outcome help(const core::wstring& argument);
     Outcome exit(const core::wstring& argument);
     Outcome mode(const core::wstring& argument);
@@ -61,6 +66,7 @@ class DotCommands {
     core::script::Engine& engine_;
     std::ofstream file_;
     std::streambuf* own_ = nullptr; // of the console, while a file takes its output
+    core::wstring name_;            // of the command that is carried out, as it was entered
     bool timed_ = false;
 };
 

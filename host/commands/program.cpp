@@ -2,6 +2,7 @@
 #include "host/commands/program.h"
 
 #include "host/commands/commands.h"
+#include "host/commands/help_formatter.h"
 #include "host/commands/settings_at_start.h"
 #include "host/commands/usage_error.h"
 #include "host/terminal/console_chooser.h"
@@ -23,6 +24,7 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <ostream>
 #include <string_view>
 #include <system_error>
@@ -135,25 +137,34 @@ void look_for_readers(const std::vector<std::string>& arguments, Console& consol
     }
 }
 
+bool asks_for_help(std::string_view word) {
+    return word == "help" || word == "справка" || word == "помощь";
+}
+
 /// `corehost FILE ARGUMENT…` is `corehost run FILE -- ARGUMENT…`: what stands behind the file is the
-/// script's. Without any word a user at a terminal gets the console, and other input is a script.
+/// script's, and `corehost help COMMAND` is `corehost COMMAND --help`. Without any word a user at a terminal
+/// gets the console, and other input is a script.
 void complete_command(CLI::App& app, const Console& console, std::vector<std::string>& arguments) {
     const auto isCommand = [&app](const std::string& word) {
         return std::ranges::any_of(app.get_subcommands({}),
                                    [&](const CLI::App* command) { return command->get_name() == word; });
     };
     for (auto i = arguments.begin(); i != arguments.end(); ++i) {
-        if (!i->starts_with('-')) {
-            if (!isCommand(*i) && is_file(*i)) {
+        if (!i->starts_with('-') || *i == "-") {
+            if (asks_for_help(*i) && !is_file(*i)) {
+                arguments.erase(i);
+                arguments.emplace_back("--help");
+            } else if (!isCommand(*i) && (is_file(*i) || *i == "-")) {
                 i = arguments.insert(i + 1, "--");
                 arguments.insert(i - 1, "run");
             }
             return;
         }
-        const CLI::Option* const option = app.get_option_no_throw(*i);
-        if (option == app.get_help_ptr() || option == app.get_version_ptr())
-            return;
-        if (option != nullptr && option->get_items_expected_min() > 0 && ++i == arguments.end())
+        const CLI::Option* const option = app.get_option_no_throw(i->substr(0, i->find('=')));
+        if (option == nullptr || option == app.get_help_ptr() || option == app.get_version_ptr())
+            return; // an unknown one is refused in the name of the program, not of a command
+        const bool hasValue = i->find('=') != std::string::npos;
+        if (!hasValue && option->get_items_expected_min() > 0 && ++i == arguments.end())
             return; // its value is missing
     }
     if (console.terminal)
@@ -164,6 +175,7 @@ void complete_command(CLI::App& app, const Console& console, std::vector<std::st
 
 /// The frame of the help. What is added to the program later inherits it.
 void frame_help(CLI::App& app, const Console& console) {
+    app.formatter(std::make_shared<HelpFormatter>());
     app.set_help_flag("-h,--help", help(console, "Show this help", "Показать эту справку"));
     app.footer(help(console, kExitCodes, kExitCodesRussian));
     if (console.language == Language::russian)

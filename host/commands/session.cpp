@@ -63,7 +63,7 @@ script::Completion Session::complete(wstring_view line) const {
             return found;
     }
     script::Completion found = script::complete(engine_, entry_ + wstring(line), alias_of(console_.language));
-    return found.names.empty() ? complete_file(line) : found;
+    return found.names.empty() && found.parameters.empty() ? complete_file(line) : found;
 }
 
 /// What was pasted is cut into its lines.

@@ -234,7 +234,10 @@ Completion complete_names(const Interpreter& interpreter, wstring_view before, i
                 names.addMembers(*context);
         }
         Called call = call_behind(tail, interpreter, alias);
-        return {word.size(), names.take(), std::move(call.parameters), std::move(call.summary)};
+        if (!call.parameters
+                 .empty()) // anything may stand here: the parameters say what, a list of all would hide them
+            return {0, {}, std::move(call.parameters), std::move(call.summary)};
+        return {word.size(), names.take(), {}, {}};
     } catch (const ScriptError&) {
         return complete_event(interpreter, before, alias); // or behind text that is not a script
     } catch (const Exception&) { // an object of a module that cannot say what it has

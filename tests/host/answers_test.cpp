@@ -39,9 +39,11 @@ TEST_F(DotCommandsTest, RefuseWrongArgumentsAndGoOn) {
     } cases[] = {
         {".exit seven", "corehost: The command .exit does not take “seven”.\n"},
         {".exit 300", "corehost: The command .exit does not take “300”.\n"},
-        {".выход 5x", "corehost: The command .exit does not take “5x”.\n"},
+        {".выход 5x", "corehost: The command .выход does not take “5x”.\n"},
         {".exit -1", "corehost: The command .exit does not take “-1”.\n"},
         {".timer maybe", "corehost: The command .timer does not take “maybe”.\n"},
+        {".форма tabel", "corehost: The command .форма does not take “tabel”. Did you mean table?\n"},
+        {".спарвка", "corehost: There is no command .спарвка; .help lists them. Did you mean .справка?\n"},
         {".describe Mapp", "corehost: There is no type Mapp. Did you mean Map?\n"},
         {".help Map.Cuont", "corehost: The type Map has no member Cuont. Did you mean Count?\n"},
         {".describe --lost", "corehost: corehost describe has no option --lost.\n"},

@@ -85,6 +85,7 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
         {{"desribe"},
          "corehost has no command “desribe”. Did you mean describe?",
          "У corehost нет команды «desribe». Возможно, имелся в виду describe?"},
+        {{"--vers"}, "corehost has no option --vers.", "У команды corehost нет параметра --vers."},
         {{"list", "ftm"},
          "corehost list has no command “ftm”. Did you mean fmt?",
          "У corehost list нет команды «ftm». Возможно, имелся в виду fmt?"},
@@ -126,6 +127,10 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
     }
     EXPECT_EQ(corehost({"list", "fmt", "--what"}).err,
               "corehost: corehost list fmt has no option --what.\ncorehost list fmt --help\n");
+    EXPECT_EQ(corehost({"help", "query"}).out, corehost({"query", "--help"}).out);
+    const std::string russian = corehost({"--lang", "ru", "справка"}).out;
+    EXPECT_NE(russian.find("\n  --locale КЛЮЧ               Локаль"), std::string::npos) << russian;
+    EXPECT_NE(russian.find("\n  --module ФАЙЛ ...           Сначала"), std::string::npos) << russian;
     EXPECT_EQ(corehost({"--lang", "de", "run", good}).err.substr(0, 68),
               "corehost: The option --lang does not take “de”. It takes en, ru.");
 }

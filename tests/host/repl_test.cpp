@@ -181,6 +181,7 @@ TEST_F(CompletionTest, ParametersBehindTheParenthesis) {
     EXPECT_EQ(parameters("Соединить(", core::kRussian), "Источник, Событие, Объект, Метод, Слабое = Ложь");
     session_.run("Procedure Change(Price, Val Rate = 0.5) Price = Rate EndProcedure");
     EXPECT_EQ(parameters("change("), "in out Price, Rate = 0.5");
+    EXPECT_EQ(complete("x = Pow("), "|0") << "of all that may stand here only what the call wants is told";
     session_.engine().function("Add", "Сложить", [](int a, int b) { return a + b; }, {{u"First", u"Первое"}});
     EXPECT_EQ(parameters("Add("), "First, 2");
     EXPECT_EQ(parameters("add(", core::kRussian), "Первое, 2");

@@ -79,7 +79,7 @@ class PasteMarks {
 
 /// Names below each other, as many beside each other as the terminal takes.
 std::string in_columns(const std::vector<core::wstring>& names, std::size_t lineWidth) {
-    std::size_t width = 0;
+    std::size_t width = 1;
     std::vector<std::string> cells;
     for (const core::wstring& name : names) {
         cells.push_back(terminal_text(name));
@@ -197,10 +197,10 @@ class LineEditor::Terminal {
         } catch (const std::exception&) {
             return CC_ERROR; // an object that fails when it is asked has nothing to offer
         }
-        if (found.names.empty())
+        if (found.names.empty() && found.parameters.empty())
             return CC_ERROR;
         const core::wstring common = found.common();
-        if (found.names.size() > 1 && common.size() <= found.typed) {
+        if (found.names.size() != 1 && common.size() <= found.typed) {
             std::string text = "\n" + in_columns(found.names, line_width(of(editor).console_));
             if (!found.parameters.empty())
                 text.append("(").append(terminal_text(found.parameters)).append(")\n");

@@ -98,7 +98,7 @@ class LineEditor::Terminal {
         } catch (const std::exception&) {
             return; // an object that fails when it is asked has nothing to offer
         }
-        if (found.names.empty())
+        if (found.names.empty() && found.parameters.empty())
             return;
         const core::wstring common = found.common();
         if (found.names.size() == 1 || common.size() > found.typed) {
@@ -109,6 +109,8 @@ class LineEditor::Terminal {
         std::string text = "\n";
         for (const core::wstring& name : found.names)
             text.append(terminal_text(name)).append("\n");
+        if (!found.parameters.empty())
+            text.append("(").append(terminal_text(found.parameters)).append(")\n");
         if (!found.summary.empty())
             text.append(terminal_text(found.summary)).append("\n");
         write(to_system(core::from_utf8(text)));
