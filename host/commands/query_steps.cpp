@@ -66,7 +66,7 @@ wstring_view bare_expression(wstring_view step, wstring_view name) {
     return text.starts_with(u'"') ? wstring_view() : text;
 }
 
-/// The steps that are no methods of the value.
+/// The steps beside the methods of the value.
 constexpr std::array<std::array<wstring_view, 2>, 4> kOwn = {
     {{u"First", u"Первые"}, {u"Last", u"Последние"}, {u"Select", u"Выбрать"}, {u"Where", u"Где"}}};
 

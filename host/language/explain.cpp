@@ -4,7 +4,6 @@
 #include <core/context/context_def_ext.h>
 #include <core/context/errors.h>
 #include <core/context/summary.h>
-#include <core/objects/enumeration.h>
 #include <core/runtime/exception_object.h>
 #include <core/runtime/threads/thread.h>
 #include <core/script/console.h>
@@ -86,11 +85,6 @@ void explain_value(const ContextException& failure, const wstring& name,
 }
 
 } // namespace
-
-wstring owner_name(const Value& object) {
-    const auto enumeration = object.query<IEnumeration>();
-    return enumeration ? wstring(enumeration->valueType()->name(user_alias())) : object.type().presentation();
-}
 
 void missing_argument(IContextDef& definition, int method, const wstring& name, int param) {
     ContextException failure(

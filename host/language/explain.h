@@ -8,10 +8,6 @@
 
 namespace core::script {
 
-/// Returns what a message calls an object that lacks a member: an enumeration by its name, anything else by
-/// its type.
-[[nodiscard]] wstring owner_name(const Value& object);
-
 /// Throws a failure about an argument of a call again with the names of function and parameter and with the
 /// value; its id stays, and these stand behind its parameters. Returns for every other failure. `name` is
 /// what the script calls the method.

@@ -166,7 +166,7 @@ GenericValue Run::callMethod(const GenericValue& object, const Link& link) {
         context = context_of(object, link.name);
         const int found = context->findMethod(link.name.c_str());
         if (found < 0)
-            throw_unknown("IDS_SCRIPT_UNKNOWN_METHOD", {owner_name(object), link.name},
+            throw_unknown("IDS_SCRIPT_UNKNOWN_METHOD", {object.type().presentation(), link.name},
                           nearest_method(*context, link.name));
         return found;
     });

@@ -25,7 +25,7 @@ int find_first(const IContext_& context, std::initializer_list<const wchar*> nam
 int property_of(const IContext_& context, const GenericValue& object, const wstring& name) {
     const int prop = context.findProp(name.c_str());
     if (prop < 0)
-        throw_unknown("IDS_SCRIPT_UNKNOWN_PROPERTY", {owner_name(object), name},
+        throw_unknown("IDS_SCRIPT_UNKNOWN_PROPERTY", {object.type().presentation(), name},
                       nearest_property(context, name));
     return prop;
 }

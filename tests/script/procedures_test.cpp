@@ -346,7 +346,6 @@ TEST_F(ProceduresTest, MessagesSuggestTheNearestName) {
          "! 1:25 The type Structure has no property Nam. Did you mean Name?"},
         {"Type(\"Nmber\")", "! 1:1 There is no type Nmber. Did you mean Number?"},
         {"New TypeDescription(\"Strng\")", "! 1:1 There is no type Strng. Did you mean String?"},
-        {"JoinKind.Iner", "! 1:10 The type JoinKind has no property Iner. Did you mean Inner?"},
         {"x = Zzzzzz", "! 1:5 The variable Zzzzzz has no value yet."},
     });
     Thread::setResourceLocale(Locale("ru"));
