@@ -14,7 +14,6 @@
 #include <host/host_process.h>
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <array>
 #include <atomic>
@@ -68,17 +67,6 @@ TEST(Thread, TakesOverProcessAndLocaleAndHasAName) {
     none.stop();
     none = Thread(u"", [] {});
     EXPECT_TRUE(none.join());
-}
-
-TEST(Thread, ShowsTheSystemWholeCharactersOfItsName) {
-    const auto shown = [](const wstring& name) {
-        std::array<char, 16> text{};
-        Thread(name, [&] { pthread_getname_np(pthread_self(), text.data(), text.size()); }).join();
-        return std::string(text.data());
-    };
-    EXPECT_EQ(shown(u"fifteen letters"), "fifteen letters");
-    EXPECT_EQ(shown(u"sixteen letters."), "sixteen letters");
-    EXPECT_EQ(shown(u"выгрузка"), "выгрузк"); // an eighth letter of two bytes does not fit
 }
 
 TEST(Thread, JoinWaitsNoLongerThanItIsTold) {

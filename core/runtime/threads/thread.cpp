@@ -3,6 +3,7 @@
 #include "core/runtime/system_reason.h"
 #include "core/runtime/thread_locale.h"
 #include "core/runtime/threads/running_threads.h"
+#include "core/runtime/threads/thread_name.h"
 #include "core/runtime/threads/thread_state.h"
 #include "core/runtime/threads/wait_queue.h"
 
@@ -10,14 +11,10 @@
 #include <core/runtime/threads/errors.h>
 #include <core/runtime/threads/thread.h>
 #include <core/runtime/uncaught.h>
-#include <core/runtime/utf8.h>
 
 #include <cxxabi.h>
-#include <pthread.h>
 
-#include <cstddef>
 #include <exception>
-#include <string>
 #include <system_error>
 #include <utility>
 
@@ -25,21 +22,6 @@ namespace core {
 namespace {
 
 using detail::ThreadState;
-
-/// What debuggers and `ps` show: as many whole characters as the system takes.
-void name_system_thread(const wstring& name) {
-    constexpr std::size_t kLongest = 15;
-    std::string text = to_utf8(name);
-    if (text.size() > kLongest) {
-        std::size_t end = kLongest;
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
-            --end;
-        text.resize(end);
-    }
-#if defined(__linux__)
-    pthread_setname_np(pthread_self(), text.c_str());
-#endif
-}
 
 /// The part of a thread's life in which it does its work.
 class WorkingThread {
@@ -60,7 +42,7 @@ class WorkingThread {
         detail::ThreadRecord& record = detail::own_record();
         record.state = &state_;
         state_.record.store(&record);
-        name_system_thread(state_.name);
+        detail::name_system_thread(state_.name);
         const ProcessScope scope(state_.process.get());
         if (state_.locale)
             detail::set_resource_locale(*state_.locale);
