@@ -16,6 +16,7 @@ TEST(FileURL, CarriesAnyPathThereAndBack) {
         std::string path;
         for (auto i = random() % 20; i > 0; --i)
             path.push_back(static_cast<char>(1 + random() % 255));
+        std::erase(path, '\\'); // which some systems take for "/"
         EXPECT_EQ(file_path(file_url(path)), path);
     }
     EXPECT_EQ(file_url("/a b/ж%.txt"), u"file:///a%20b/%D0%B6%25.txt");

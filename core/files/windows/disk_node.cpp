@@ -108,6 +108,15 @@ bool rename_over_open(HANDLE file, const std::wstring& to) {
     return ::SetFileInformationByHandle(file, kRename, info, static_cast<DWORD>(size)) != 0;
 }
 
+/// The system only says that it is not allowed to put a file in the place of a folder, or a folder in that of
+/// a file.
+int reason_in_the_way(const std::string& from, const DiskNode& old) noexcept {
+    const auto node = disk_node(from, Links::themselves);
+    const bool isFolder = node && node->kind == DiskNode::Kind::folder;
+    const bool wasFolder = old.kind == DiskNode::Kind::folder;
+    return !node || isFolder == wasFolder ? EACCES : wasFolder ? EISDIR : ENOTDIR;
+}
+
 } // namespace
 
 std::optional<DiskNode> disk_node(const std::string& path, Links links) noexcept {
@@ -133,14 +142,18 @@ bool rename_node(const std::string& from, const std::string& to) noexcept {
     return attempt([&] {
         const std::wstring source = system_path(from);
         const std::wstring target = system_path(to);
-        if (const auto old = disk_node(to, Links::themselves); old && old->kind != DiskNode::Kind::folder) {
+        const auto old = disk_node(to, Links::themselves);
+        if (old && old->kind != DiskNode::Kind::folder) {
             const Handle file = open_node(from, DELETE | GENERIC_WRITE, Links::themselves);
             if (file && rename_over_open(file.get(), target))
                 return ::FlushFileBuffers(file.get()) != 0 || fail();
         }
-        return ::MoveFileExW(source.c_str(), target.c_str(),
-                             MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0 ||
-               fail();
+        if (::MoveFileExW(source.c_str(), target.c_str(),
+                          MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
+            return true;
+        const int reason = windows::last_error_number();
+        errno = old && reason == EACCES ? reason_in_the_way(from, *old) : reason;
+        return false;
     });
 }
 

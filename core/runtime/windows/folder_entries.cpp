@@ -19,13 +19,26 @@ struct FolderEntries::Walk {
     std::array<char, MAX_PATH * 3 + 1> name{};
 };
 
+namespace {
+
+/// Why the system lists nothing. What it says of a file depends on its version.
+int reason_without_entries(std::string folder) {
+    const int reason = windows::last_error_number();
+    while (folder.ends_with('/')) // it finds no file behind such a name
+        folder.pop_back();
+    const DWORD found = ::GetFileAttributesW(windows::system_path(folder).c_str());
+    return found != INVALID_FILE_ATTRIBUTES && (found & FILE_ATTRIBUTE_DIRECTORY) == 0 ? ENOTDIR : reason;
+}
+
+} // namespace
+
 FolderEntries::FolderEntries(const std::string& folder) noexcept : walk_(nullptr), error_(0) {
     try {
         auto walk = std::make_unique<Walk>();
         walk->folder = windows::system_path(folder) + L'\\';
         walk->found = ::FindFirstFileW((walk->folder + L'*').c_str(), &walk->entry);
         if (walk->found == INVALID_HANDLE_VALUE)
-            error_ = windows::last_error_number();
+            error_ = reason_without_entries(folder);
         else
             walk_ = walk.release();
     } catch (const std::bad_alloc&) {
