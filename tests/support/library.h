@@ -5,6 +5,9 @@
 
 namespace support {
 
+/// Whether the loader attaches the library under test before the program begins, and keeps it attached.
+extern const bool kLoaderAttaches;
+
 /// A shared library that is loaded by the system, without the library under test.
 class Library {
   public:

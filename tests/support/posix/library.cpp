@@ -7,6 +7,8 @@
 
 namespace support {
 
+const bool kLoaderAttaches = false;
+
 Library::Library(const std::string& file) : handle_(::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
     if (handle_ == nullptr)
         throw std::runtime_error(file);

@@ -8,6 +8,8 @@
 
 namespace support {
 
+const bool kLoaderAttaches = true;
+
 Library::Library(const std::string& file)
     : handle_(::LoadLibraryW(std::filesystem::path(file).make_preferred().c_str())) {
     if (handle_ == nullptr)
