@@ -2,6 +2,7 @@
 // Concerns: the rules of emission against a model, and each of them by itself; connections that outlive their
 // event; sinks of every size; sinks that fail; what stays in memory.
 #include "tests/context/emission_model.h"
+#include "tests/support/rounds.h"
 
 #include <core/context.h>
 #include <core/context/events/event_service.h>
@@ -12,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <iostream>
 #include <limits>
 #include <thread>
@@ -45,7 +45,7 @@ std::int32_t tables_alive() {
 constexpr const EventNames& kChanged = named<u"Changed", u"ПриИзменении">;
 
 TEST_F(Emission, AgreesWithTheModel) {
-    const int steps = std::getenv("CORE_NIGHTLY") != nullptr ? 10'000'000 : 100'000;
+    const int steps = support::rounds(100'000, 10'000'000);
     const std::int32_t tables = tables_alive();
     testing::internal::CaptureStderr(); // thousands of failures
     for (std::uint32_t seed = 1; seed <= 10; ++seed) {

@@ -2,6 +2,7 @@
 // Standard periods and beginnings against a model, on days that people can check, and at the ends of the
 // calendar. CORE_NIGHTLY=1 asks for each day of the calendar instead of some years.
 #include "tests/dates/standard_period_model.h"
+#include "tests/support/rounds.h"
 #include "tests/support/stopped_clock.h"
 
 #include <core/dates.h>
@@ -9,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <limits>
 #include <map>
 #include <random>
@@ -36,7 +36,7 @@ DatePeriod whole_days(Date first, Date last) {
 
 /// The years that a run asks for.
 std::vector<std::pair<int, int>> years() {
-    if (std::getenv("CORE_NIGHTLY") != nullptr)
+    if (support::is_nightly())
         return {{1, 9999}};
     return {{1, 2}, {1899, 1901}, {1999, 2001}, {2026, 2028}, {9998, 9999}};
 }

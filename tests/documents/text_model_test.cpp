@@ -2,13 +2,13 @@
 // A document beside a string: random edits, groups and replacements of many ranges, undo and redo to any
 // point, marks that come home, lines that are found unit by unit, snapshots that stay what they were.
 #include "core/documents/piece_node.h"
+#include "tests/support/rounds.h"
 
 #include <core/documents/text_manager.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 #include <random>
 #include <string>
@@ -299,7 +299,7 @@ class Model {
 };
 
 TEST(TextModel, RandomEditsWithUndoToAnyPoint) {
-    const int steps = std::getenv("CORE_NIGHTLY") != nullptr ? 1'000'000 : 20'000;
+    const int steps = support::rounds(20'000, 1'000'000);
     constexpr int kPerDocument = 2000;
     for (int seed = 0; seed < steps / kPerDocument; ++seed) {
         Model model(static_cast<unsigned>(seed), seed % 2 == 0, seed % 3 != 0);

@@ -2,10 +2,9 @@
 // Nothing is lost in silence: for each way in, one bad cell among many is an error that names it, or is
 // reported where the caller wants to go on.
 #include "tests/exchange/exchange_fixture.h"
+#include "tests/support/rounds.h"
 
 #include <core/tables/errors.h>
-
-#include <cstdlib>
 
 namespace core {
 namespace {
@@ -13,7 +12,7 @@ namespace {
 class LossesTest : public ExchangeTest {
   protected:
     /// A bad cell among so many.
-    static std::size_t many() { return std::getenv("CORE_NIGHTLY") != nullptr ? 1'000'000 : 20'000; }
+    static std::size_t many() { return support::rounds<std::size_t>(20'000, 1'000'000); }
 
     static void expect(const Losses& losses, std::size_t row, std::uint64_t line, const wchar* text,
                        LossReason reason) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The writer's commas and line breaks, the reader's demands, skipping, and random nested data through both.
 #include "tests/lists/streams.h"
+#include "tests/support/rounds.h"
 
 #include <core/lists/errors.h>
 #include <core/lists/list_in_stream.h>
@@ -434,7 +435,7 @@ TEST(ListStream, ReadersAnswerTheSameOverEveryStream) {
                               u"-x",
                               u"1.2.3"};
     std::mt19937 random(29);
-    for (unsigned seed = 0; seed < 20'000; ++seed) {
+    for (unsigned seed = 0; seed < support::rounds(20'000U); ++seed) {
         wstring text;
         for (auto count = random() % 6; count > 0; --count) {
             text += pieces[random() % std::size(pieces)];

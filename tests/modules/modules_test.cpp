@@ -6,6 +6,7 @@
 #include "tests/modules/fixtures/listener.h"
 #include "tests/support/bytes_in_use.h"
 #include "tests/support/library.h"
+#include "tests/support/rounds.h"
 
 #include <core/context.h>
 #include <core/context/events/event_service.h>
@@ -66,10 +67,6 @@ std::string file_of(const std::string& module) {
     if (module == "counter" && other != nullptr)
         return other;
     return CORE_TEST_MODULES "/lib" + module + CORE_TEST_SUFFIX;
-}
-
-int rounds(int few, int many) {
-    return std::getenv("CORE_NIGHTLY") != nullptr ? many : few;
 }
 
 GenericValue make(const wchar* type) {
@@ -168,7 +165,7 @@ TEST_F(Modules, ComeAreUsedAndGoWithThreadsAlive) {
     std::thread other; // has counted objects of the module when it ends
     std::size_t before = 0;
     const std::size_t registered = registered_modules().size();
-    for (int round = 0; round < rounds(20, 1000); ++round) {
+    for (int round = 0; round < (support::is_nightly() ? 1000 : 20); ++round) {
         if (round == 10) // what is made once is made by then
             before = test::bytes_in_use();
         const SCOM_Module& module = process_.loadModule(file_of("counter"));
@@ -407,7 +404,7 @@ TEST_F(Modules, ComeAndGoWhileOtherThreadsWork) {
             }
         });
     }
-    for (int round = 0; round < rounds(20, 300); ++round) {
+    for (int round = 0; round < (support::is_nightly() ? 300 : 20); ++round) {
         process_.loadModule(file_of("counter"));
         use_the_counter();
         process_.unloadModule("counter");

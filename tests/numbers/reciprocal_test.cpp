@@ -3,6 +3,7 @@
 // them reach them.
 #include "core/numbers/long/reciprocal.h"
 #include "tests/numbers/model.h"
+#include "tests/support/rounds.h"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +41,7 @@ class Corners {
 
 TEST(Reciprocal, SplitsProductsOfWords) {
     Corners next;
-    for (int round = 0; round < 200'000; ++round) {
+    for (int round = support::rounds(200'000); round > 0; --round) {
         const Word quotient = low_half(next.below(DoubleWord{1} << 64));
         const Word remainder = low_half(next.below(kWordBase));
         const auto split = split_word(product(quotient, kWordBase) + remainder);
@@ -69,7 +70,7 @@ void expect_step(DoubleWord d, DoubleWord remainder, Word digit) {
 template <class Divisor>
 void expect_steps(DoubleWord least, DoubleWord bound) {
     Corners next;
-    for (int round = 0; round < 100'000; ++round) {
+    for (int round = support::rounds(100'000); round > 0; --round) {
         const DoubleWord d = least + next.below(bound - least);
         expect_step<Divisor>(d, next.below(d), low_half(next.below(kWordBase)));
     }

@@ -3,6 +3,7 @@
 // and processes that write one file, some of which are killed. CORE_NIGHTLY=1 runs it long: 200 000 rounds,
 // four processes with a million changes each, 10 000 kills.
 #include "tests/profiles/profile_fixture.h"
+#include "tests/support/rounds.h"
 
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -10,7 +11,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <functional>
 #include <random>
 #include <stdexcept>
@@ -19,10 +19,6 @@
 
 namespace core::test {
 namespace {
-
-bool is_nightly() {
-    return std::getenv("CORE_NIGHTLY") != nullptr;
-}
 
 class Programs : public ProfileTest {
   protected:
@@ -81,7 +77,7 @@ TEST_F(Programs, AgreeWithAModelWhoeverWrites) {
     Model model;
     std::vector<InterfacePtr<IProfile>> profiles{open(), open(), open()};
     Follower follower(open());
-    const int rounds = is_nightly() ? 200'000 : 3000;
+    const int rounds = support::rounds(3000, 200'000);
     for (int round = 0; round < rounds; ++round) {
         InterfacePtr<IProfile>& profile = profiles[below(profiles.size())];
         if (below(40) == 0)
@@ -120,7 +116,7 @@ std::uint32_t seed_of(const wstring& folder) {
 }
 
 TEST_F(Programs, LoseNoChangeOfFourProcesses) {
-    const int changes = is_nightly() ? 1'000'000 : 500;
+    const int changes = support::rounds(500, 1'000'000);
     const std::vector<wstring> folders{u"a", u"a-b", u"b", u"ж"};
     std::vector<::pid_t> children;
     for (const wstring& folder : folders) {
@@ -152,7 +148,7 @@ TEST_F(Programs, LoseNoChangeOfFourProcesses) {
 }
 
 TEST_F(Programs, KeepWhatWasAcknowledgedWhenTheyAreKilled) {
-    const int kills = is_nightly() ? 10'000 : 100;
+    const int kills = support::rounds(100, 10'000);
     int last = 0;
     for (int kill = 0; kill < kills; ++kill) {
         int acknowledged[2];

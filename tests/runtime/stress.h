@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <cstdlib>
+#include "tests/support/rounds.h"
+
 #include <functional>
 #include <random>
 #include <thread>
@@ -10,9 +11,9 @@
 /// Many threads that do the same at the same time.
 namespace stress {
 
-/// How often something is done in all: a hundred times as often at night.
+/// How often something is done in all.
 inline int operations() {
-    return std::getenv("CORE_NIGHTLY") != nullptr ? 10'000'000 : 100'000;
+    return support::rounds(100'000, 10'000'000);
 }
 
 /// Runs `work(random, index)` on as many threads and waits for their ends.

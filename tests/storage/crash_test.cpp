@@ -4,6 +4,7 @@
 // the description of the format. Two handles change the container, a third file is written and others are
 // read meanwhile. CORE_NIGHTLY=1 tries 25 000 cuts a format.
 #include "tests/support/fault_file.h"
+#include "tests/support/rounds.h"
 #include "tests/support/storage_crowd.h"
 #include "tests/support/storage_fixture.h"
 #include "tests/support/storage_python.h"
@@ -15,7 +16,6 @@ namespace {
 
 using test::Bytes;
 using test::FaultDisk;
-using test::is_nightly;
 using test::Model;
 
 /// A state, and how many events had happened when its commit began and when it returned.
@@ -123,9 +123,9 @@ class Crash : public test::InFormats {
 INSTANTIATE_TEST_SUITE_P(Formats, Crash, test::kEveryFormat, test::name_of_format);
 
 TEST_P(Crash, LeavesTheOldStateOrTheNewOne) {
-    const std::size_t wanted = is_nightly() ? 25000 : 300;
+    const std::size_t wanted = support::rounds<std::size_t>(300, 25000);
     for (unsigned seed = 1; cuts_ < wanted && !HasFailure(); ++seed)
-        run(seed, is_nightly() ? 3 : 1);
+        run(seed, support::is_nightly() ? 3 : 1);
     RecordProperty("cuts", static_cast<int>(cuts_));
 }
 

@@ -2,6 +2,7 @@
 // What a damaged container holds: the caller gets an error that says so, in bounded time, and nothing more is
 // damaged.
 #include "tests/support/fault_container.h"
+#include "tests/support/rounds.h"
 #include "tests/support/storage_damage.h"
 
 #include <core/storage/errors.h>
@@ -322,7 +323,7 @@ TEST_P(DamagedAny, NoChangeThatSucceedsCostsASoundFile) {
                 ASSERT_EQ(found[file], bytes) << damaged.where << ", step " << step << ": " << to_utf8(file);
         }
     };
-    test::for_each_damage(disk_.bytes, layout_, model_, test::is_nightly() ? 300 : 100, visit);
+    test::for_each_damage(disk_.bytes, layout_, model_, support::rounds(100U, 300U), visit);
     EXPECT_GT(succeeded, 1000U);
 }
 

@@ -2,6 +2,7 @@
 // Containers on a real disk, shared by processes: readers beside a writer, writers that are killed at any
 // moment, and a folder tree there and back. CORE_NIGHTLY=1 runs each of them long: 10 000 kills.
 #include "tests/support/hooked_file.h"
+#include "tests/support/rounds.h"
 #include "tests/support/storage_fixture.h"
 
 #include <core/runtime/utf8.h>
@@ -29,8 +30,8 @@ namespace core {
 namespace {
 
 using namespace std::chrono_literals;
+using support::is_nightly;
 using test::Bytes;
-using test::is_nightly;
 
 /// A container on the disk; as new ones are unless told otherwise.
 class OnDisk : public testing::Test {
@@ -367,7 +368,7 @@ TEST_P(Processes, KilledWritersLoseNothingTheyCommitted) {
     std::vector<std::uint32_t> now(2);
     std::size_t kills = 0;
     // A slow machine needs more rounds until something has been committed.
-    for (int round = is_nightly() ? 1250 : 12; round > 0 || now[0] + now[1] <= 10; --round) {
+    for (int round = support::rounds(12, 1250); round > 0 || now[0] + now[1] <= 10; --round) {
         const auto writer = [&](int number) {
             return [&, number](int pipe) {
                 return start([&, number, pipe] {

@@ -3,6 +3,7 @@
 // not.
 #include "tests/support/bad_sector.h"
 #include "tests/support/fault_container.h"
+#include "tests/support/rounds.h"
 #include "tests/support/storage_damage.h"
 
 #include <core/runtime/threads/errors.h>
@@ -61,7 +62,7 @@ TEST_P(Salvage, FindsEverySoundFile) {
             EXPECT_TRUE(damaged.sound.empty()) << damaged.where << ": " << e.what();
         }
     };
-    test::for_each_damage(disk_.bytes, layout_, model_, test::is_nightly() ? 300 : 40, visit);
+    test::for_each_damage(disk_.bytes, layout_, model_, support::rounds(40U, 300U), visit);
     EXPECT_GT(saved, 1000U);
 }
 

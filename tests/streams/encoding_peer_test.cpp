@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Encodings: every pair of bytes beside a second converter.
+#include "tests/support/rounds.h"
+
 #include <core/runtime/errors.h>
 #include <core/streams/converter.h>
 
@@ -66,12 +68,13 @@ bool is_extra(wchar unit) {
 }
 
 TEST(Encoding, EveryPairOfBytesReadsAndWritesAsElsewhere) {
+    const int step = 0x10000 / support::rounds(0x10000);
     for (const Page& page : kPages) {
         const Encoding encoding(page.name);
         const Peer reader("UTF-16LE", page.peer);
         const Peer writer(page.peer, "UTF-16LE");
-        std::size_t same = 0;
-        for (int pair = 0; pair < 0x10000; ++pair) {
+        int same = 0;
+        for (int pair = 0; pair < 0x10000; pair += step) {
             const std::string bytes{static_cast<char>(pair >> 8), static_cast<char>(pair)};
             const auto ours =
                 if_it_fits([&] { return decode_text(std::as_bytes(std::span(bytes)), encoding); });
@@ -89,7 +92,7 @@ TEST(Encoding, EveryPairOfBytesReadsAndWritesAsElsewhere) {
                 << page.peer << ' ' << pair;
             ++same;
         }
-        EXPECT_GT(same, 15'000U) << page.peer;
+        EXPECT_GT(same, 15'000 / step) << page.peer;
     }
 }
 

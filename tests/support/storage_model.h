@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <map>
 #include <random>
 #include <span>
@@ -59,11 +58,6 @@ inline std::string hex(std::uint64_t number, std::size_t digits) {
     for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number /= 16)
         *digit = "0123456789abcdef"[number % 16];
     return text;
-}
-
-/// The slow tests run long only at night.
-inline bool is_nightly() {
-    return std::getenv("CORE_NIGHTLY") != nullptr;
 }
 
 inline Model contents(const StorageRW& storage) {

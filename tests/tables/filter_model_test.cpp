@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: random filters over random tables give the rows that SQLite gives, with and without indexes.
+#include "tests/support/rounds.h"
 #include "tests/support/sqlite_database.h"
 #include "tests/tables/table_fixture.h"
 
 #include <core/tables/filter.h>
 
-#include <cstdlib>
 #include <random>
 
 namespace {
@@ -279,7 +279,7 @@ class FilterModel : public TableTest {
 };
 
 TEST_F(FilterModel, FindsTheRowsThatSqliteFinds) {
-    const int tables = std::getenv("CORE_NIGHTLY") != nullptr ? 1000 : 100;
+    const int tables = support::rounds(100, 1000);
     model_.run("PRAGMA case_sensitive_like = ON");
     for (int i = 0; i < tables; ++i) {
         const GenericValue table = makeTable();

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: joins and sets of random tables, beside SQLite. CORE_NIGHTLY=1 asks ten times as many questions.
+#include "tests/support/rounds.h"
 #include "tests/support/sqlite_database.h"
 #include "tests/tables/table_fixture.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 
 namespace {
@@ -18,7 +18,7 @@ class ModelledJoins : public TableTest {
     static constexpr wstring_view kLeft[] = {u"A", u"B", u"X"};
     static constexpr wstring_view kRight[] = {u"C", u"D", u"Y"};
 
-    static int questions() { return std::getenv("CORE_NIGHTLY") != nullptr ? 100'000 : 10'000; }
+    static int questions() { return support::rounds(10'000, 100'000); }
     std::size_t below(std::size_t count) { return random_() % count; }
     bool one_in(std::size_t count) { return below(count) == 0; }
 

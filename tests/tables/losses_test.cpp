@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: of many values that go into a column or a list at once, one that would not be kept whole is
 // named, and nothing has changed.
+#include "tests/support/rounds.h"
 #include "tests/tables/table_fixture.h"
 
 #include <core/tables/errors.h>
-
-#include <cstdlib>
 
 namespace {
 
@@ -14,7 +13,7 @@ using namespace script;
 class TableLosses : public TableTest {
   protected:
     /// One bad value among so many.
-    static std::size_t many() { return std::getenv("CORE_NIGHTLY") != nullptr ? 1'000'000 : 5'000; }
+    static std::size_t many() { return support::rounds<std::size_t>(5'000, 1'000'000); }
     static GenericValue values(std::size_t bad) {
         const GenericValue array = make(u"Array");
         for (std::size_t i = 0; i < many(); ++i)

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // Concerns: aggregates, subtotals, pivots and windows of random tables, beside SQLite. CORE_NIGHTLY=1 asks
 // ten times as many questions.
+#include "tests/support/rounds.h"
 #include "tests/support/sqlite_database.h"
 #include "tests/tables/table_fixture.h"
 
 #include <core/collections/value_array.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 
 namespace {
@@ -20,7 +20,7 @@ class ModelledTables : public TableTest {
   protected:
     static constexpr const char* kColumns[] = {"A", "B", "N", "P", "D"};
 
-    static int questions() { return std::getenv("CORE_NIGHTLY") != nullptr ? 100'000 : 10'000; }
+    static int questions() { return support::rounds(10'000, 100'000); }
     std::size_t below(std::size_t count) { return random_() % count; }
     bool one_in(std::size_t count) { return below(count) == 0; }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Our objects in scripts that other engines run, in one process with the bridge.
 #include "tests/bridges/com/engine_site.h"
+#include "tests/support/rounds.h"
 
-#include <cstdlib>
 #include <string>
 
 namespace core::com {
@@ -43,7 +43,7 @@ TEST_F(ComEngines, JScriptMakesReadsChangesAndCalls) {
 }
 
 TEST_F(ComEngines, NothingIsLeftAfterManyCalls) {
-    const bool nightly = std::getenv("CORE_NIGHTLY") != nullptr;
+    const bool nightly = support::is_nightly();
     const auto use = [&](const std::string& rounds) {
         const auto held = dispatch_of(Value(maker_));
         Site java(u"JScript", held.get());

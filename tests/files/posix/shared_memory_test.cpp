@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files in memory that processes share, whatever becomes of the processes. CORE_NIGHTLY=1 kills 10 000 users.
 #include "tests/support/file_helpers.h"
+#include "tests/support/rounds.h"
 
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -103,7 +104,7 @@ bool use_for_ever(const wstring& url) {
 }
 
 TEST_F(SharedByProcesses, KilledUsersLeaveNothingBehind) {
-    const int kills = std::getenv("CORE_NIGHTLY") != nullptr ? 10'000 : 100;
+    const int kills = support::rounds(100, 10'000);
     std::mt19937 random(static_cast<unsigned>(::getpid()));
     for (int done = 0; done < kills; done += 2) {
         const ::pid_t users[2] = {start([&] { return use_for_ever(url_); }),
