@@ -5,9 +5,11 @@
 #include "tests/support/storage_fixture.h"
 #include "tests/support/value_samples.h"
 
+#include <core/documents.h>
 #include <core/streams.h>
 
 #include <fstream>
+#include <iterator>
 #include <map>
 
 namespace {
@@ -117,6 +119,54 @@ TEST_F(SameBytes, TextsInEveryEncoding) {
             digest.add(bytes);
         }
         expect_noted(name, digest);
+    }
+}
+
+// As bytes.txt has the digests of what one machine made of them.
+TEST_F(SameBytes, ContainersThatOneMachineWroteChangedOnAnother) {
+    const test::ReplacedClock clock;
+    for (const char* const name : {"hello32", "hello32-tree", "names64", "names64-tree", "deep32-tree"}) {
+        const auto data = create_memory_data();
+        const std::string file = std::string(CORE_SOURCE_DIR "/tests/storage/golden/") + name + ".st";
+        copy_bytes(*open_disk_file(file, OpenMode::read), *open_memory_file(data));
+        const bool wide = std::string_view(name).starts_with("names64");
+        StorageRW storage(open_memory_file(data), wide ? kStorageLayout64 : kStorageLayout32);
+        test::Model model = test::contents(storage);
+        const wstring first = model.begin()->first;
+        storage.put(first, model[first] = Bytes(3000, std::byte{'c'}));
+        storage.put(u"Новый", model[u"Новый"] = Bytes(10, std::byte{'n'}));
+        storage.remove(model.rbegin()->first);
+        model.erase(std::prev(model.end()));
+        Digest digest;
+        digest.add(read_whole(*open_memory_file(data)));
+        storage.compact();
+        digest.add(read_whole(*open_memory_file(data)));
+        EXPECT_TRUE(test::contents(storage) == model) << name;
+        EXPECT_TRUE(storage.check().isClean()) << name;
+        expect_noted(std::string(name) + "-changed", digest);
+    }
+}
+
+TEST_F(SameBytes, TextsThatAreReadChangedAndWrittenBack) {
+    for (const char* name : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "windows-1251"}) {
+        const Encoding encoding(from_utf8(name));
+        const auto data = create_memory_data();
+        TextWriter first(open_memory_file(data), {.encoding = encoding});
+        first.write(u"Имя вишни, ASCII\r\nsecond line\n");
+        first.finish();
+        TextManager document;
+        TextReader reader(open_memory_file(data), {.encoding = encoding});
+        read_document(document, reader);
+        document.insert(4, u"новой ");
+        document.remove({document.text().size() - 6, document.text().size() - 2});
+        const auto changed = create_memory_data();
+        TextWriter second(open_memory_file(changed), {.encoding = encoding});
+        write_document(document.text(), second);
+        second.finish();
+        Digest digest;
+        digest.add(read_whole(*open_memory_file(data)));
+        digest.add(read_whole(*open_memory_file(changed)));
+        expect_noted(std::string(name) + "-changed", digest);
     }
 }
 
