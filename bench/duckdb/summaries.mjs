@@ -38,3 +38,5 @@ await median("sort_customer", "SELECT * FROM s ORDER BY customer");
 await median("sort_customer_price", "SELECT * FROM s ORDER BY customer, price");
 await median("sort_product_day", "SELECT * FROM s ORDER BY product, day");
 await median("sort_price", "SELECT * FROM s ORDER BY price");
+await connection.run("CREATE TABLE sorted AS SELECT * FROM s ORDER BY customer");
+await median("sort_sorted", "SELECT * FROM sorted ORDER BY customer");
