@@ -42,7 +42,7 @@ IType* registered(wstring_view name) {
     }
     wstring text = message_text(messages::kTypeNotDefined, {wstring(name)});
     if (!nearest.best().empty())
-        text += u" " + message_text("IDS_HOST_DID_YOU_MEAN", {nearest.best()});
+        text += u" " + message_text("IDS_DID_YOU_MEAN", {nearest.best()});
     throw_with_message(TypeException(text), messages::kTypeNotDefined, {wstring(name)});
 }
 

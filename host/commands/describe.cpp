@@ -23,7 +23,7 @@ using namespace core;
 /// Tells that something is not there, and the name that was probably meant.
 ExitCode refuse(Console& console, wstring message, const NearestName& near) {
     if (const wstring& meant = near.best(); !meant.empty())
-        message += u' ' + message_text("IDS_HOST_DID_YOU_MEAN", {meant});
+        message += u' ' + message_text("IDS_DID_YOU_MEAN", {meant});
     return fail(console, message, ExitCode::no);
 }
 

@@ -165,7 +165,7 @@ DotCommands::Outcome DotCommands::refuse(const char* id, std::initializer_list<w
                                          const wstring& nearest) const {
     wstring text = message_text(id, parameters);
     if (!nearest.empty())
-        text.append(u" ").append(message_text("IDS_HOST_DID_YOU_MEAN", {nearest}));
+        text.append(u" ").append(message_text("IDS_DID_YOU_MEAN", {nearest}));
     show_failure(console_, text, id);
     return {.failed = true};
 }

@@ -17,7 +17,10 @@ std::size_t begin_of_line(wstring_view text, std::int32_t line) {
 }
 
 script::Place place_in(wstring_view query, std::size_t at, std::size_t length) {
-    script::Place place{.file = u"query", .line = 1, .length = static_cast<std::int32_t>(length)};
+    script::Place place;
+    place.file = u"query";
+    place.line = 1;
+    place.length = static_cast<std::int32_t>(length);
     std::size_t line = 0;
     for (std::size_t end = 0; (end = query.find(u'\n', line)) < at; line = end + 1)
         ++place.line;

@@ -172,7 +172,7 @@ class Pipeline {
         const wstring near = isUnknown ? nearest_step(name, value_.query<IContext_>().get()) : wstring();
         if (near.empty())
             return error;
-        const wstring question = message_text("IDS_HOST_DID_YOU_MEAN", {near});
+        const wstring question = message_text("IDS_DID_YOU_MEAN", {near});
         script::Error better(message_text(error.messageId(), {wstring(name)}) + u" " + question,
                              error.place(), error.cause());
         better.setMessage(error.messageId(), error.parameters());

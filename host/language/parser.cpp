@@ -42,7 +42,7 @@ void Parser::fail_found(const char* id, wstring expected) {
     constexpr std::size_t kMaxShown = 40;
     wstring found;
     if (token_.kind == TokenKind::end)
-        found = message_text("IDS_SCRIPT_END_OF_TEXT");
+        found = message_text("IDS_END_OF_TEXT");
     else if (token_.span.length > kMaxShown)
         found = message_text("IDS_QUOTED", {wstring(text(token_).substr(0, kMaxShown)) + u"…"});
     else

@@ -49,7 +49,7 @@ void fail_at(Span span, const char* id, std::initializer_list<wstring> params, I
 wstring unknown_text(const char* id, std::initializer_list<wstring> params, const NearestName& near) {
     wstring text = message_text(id, params);
     if (!near.best().empty())
-        text.append(u" ").append(message_text("IDS_HOST_DID_YOU_MEAN", {near.best()}));
+        text.append(u" ").append(message_text("IDS_DID_YOU_MEAN", {near.best()}));
     return text;
 }
 

@@ -54,7 +54,7 @@ class Parser {
     void expectEnd() {
         if (!atEnd())
             fail_expression(token_.place, messages::kExpressionExpected,
-                            {found(), message_text("IDS_SCRIPT_END_OF_TEXT")});
+                            {found(), message_text("IDS_END_OF_TEXT")});
     }
 
   private:
@@ -83,7 +83,7 @@ class Parser {
     /// What stands here, for a message.
     [[nodiscard]] wstring found() const {
         if (atEnd())
-            return message_text("IDS_SCRIPT_END_OF_TEXT");
+            return message_text("IDS_END_OF_TEXT");
         constexpr std::size_t kShown = 40;
         return quoted(token_.text.substr(0, kShown));
     }
