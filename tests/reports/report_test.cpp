@@ -184,9 +184,9 @@ TEST_F(Reports, WhatDoesNotSuitTheTableIsToldBeforeAnythingIsWritten) {
     };
     ReportStyle style;
     style.column(u"Prise").format = u"fraction=2";
-    EXPECT_EQ(message(style), message_text("IDS_VT_UNKNOWN_COLUMN_ERROR", {u"Prise"}));
-    EXPECT_EQ(message({.rules = {{Filter(), {}, {u"Prise"}}}}),
-              message_text("IDS_VT_UNKNOWN_COLUMN_ERROR", {u"Prise"}));
+    const wstring unknown = u"There is no column “Prise”. Did you mean “Price”?";
+    EXPECT_EQ(message(style), unknown);
+    EXPECT_EQ(message({.rules = {{Filter(), {}, {u"Prise"}}}}), unknown);
     EXPECT_NE(message({.rules = {{u"Prise < 0", {}}}}), u"");
     EXPECT_EQ(failure([] { printed(Value(5), {}); }), message_text("IDS_PARAMETER_N_TYPE_MISMATCH", {u"1"}));
     ReportStyle format;
