@@ -86,10 +86,8 @@ void remove_folder(const std::string& path) {
     if (is_same_file(folder, path_text(fs::absolute(native_path(folder))
                                            .root_path()))) // as when the rest of the path was forgotten
         throw_file_error(messages::kFileRemove, file_url(path), EBUSY);
-    std::error_code error;
-    fs::remove_all(native_path(folder), error);
-    if (error)
-        throw_file_error(messages::kFileRemove, file_url(path), error.default_error_condition().value());
+    if (!remove_whole_folder(folder))
+        throw_file_error(messages::kFileRemove, file_url(path), errno);
     flush_folder_of(folder);
 }
 

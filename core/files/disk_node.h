@@ -31,7 +31,10 @@ enum class Links { followed, themselves };
 [[nodiscard]] bool make_one_folder(const std::string& path, unsigned permissions) noexcept;
 /// An empty one.
 bool remove_one_folder(const std::string& path) noexcept;
+/// Or a link, whatever it leads to.
 bool remove_one_file(const std::string& path) noexcept;
+/// A folder with all that lies in it, links but not what they lead to.
+[[nodiscard]] bool remove_whole_folder(const std::string& path) noexcept;
 /// Replaces a file at `to`.
 [[nodiscard]] bool rename_node(const std::string& from, const std::string& to) noexcept;
 bool set_permissions(const std::string& path, unsigned permissions) noexcept;

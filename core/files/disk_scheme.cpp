@@ -91,12 +91,13 @@ class DiskScheme : public IFileScheme {
             throw_file_error(messages::kFileRemove, pattern, ENOENT);
         std::size_t count = 0;
         for (const std::string& path : paths) {
-            std::error_code error;
-            if (isPattern(pattern) && fs::is_directory(native_path(path), error))
+            const auto target = isPattern(pattern) ? disk_node(path, Links::followed) : std::nullopt;
+            if (target && target->kind == DiskNode::Kind::folder)
                 continue;
-            if (!fs::remove(native_path(path), error) && error)
-                throw_file_error(messages::kFileRemove, file_url(path),
-                                 error.default_error_condition().value());
+            const auto node = disk_node(path, Links::themselves);
+            const bool isFolder = node && node->kind == DiskNode::Kind::folder;
+            if (!(isFolder ? remove_one_folder(path) : remove_one_file(path)) && errno != ENOENT)
+                throw_file_error(messages::kFileRemove, file_url(path), errno);
             ++count;
         }
         return count;

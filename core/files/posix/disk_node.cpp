@@ -13,6 +13,9 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
+#include <new>
+#include <system_error>
 
 namespace core {
 namespace {
@@ -55,6 +58,18 @@ bool remove_one_folder(const std::string& path) noexcept {
 
 bool remove_one_file(const std::string& path) noexcept {
     return ::unlink(path.c_str()) == 0;
+}
+
+bool remove_whole_folder(const std::string& path) noexcept {
+    try {
+        std::error_code error;
+        std::filesystem::remove_all(path, error); // which no link that is put there meanwhile leads astray
+        errno = error.default_error_condition().value();
+        return !error;
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return false;
+    }
 }
 
 bool rename_node(const std::string& from, const std::string& to) noexcept {

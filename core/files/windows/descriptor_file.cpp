@@ -195,8 +195,11 @@ std::size_t DescriptorFile::writeAt(std::uint64_t offset, const void* buffer, st
     OVERLAPPED place = place_of(offset);
     OVERLAPPED* const at = ::GetFileType(handle) == FILE_TYPE_DISK ? &place : nullptr;
     DWORD done = 0;
-    if (::WriteFile(handle, buffer, transfer(offset, count), &done, at) == 0)
-        throw_file_error(messages::kFileWrite, url(), last_error_number());
+    if (::WriteFile(handle, buffer, transfer(offset, count), &done, at) == 0) {
+        const int reason = last_error_number();
+        throw_file_error(messages::kFileWrite, url(),
+                         reason == EACCES ? EBADF : reason); // opened for reading
+    }
     return done;
 }
 

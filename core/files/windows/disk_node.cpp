@@ -3,6 +3,7 @@
 
 #include "core/files/disk_path.h"
 #include "core/files/schemes.h"
+#include "core/runtime/folder_entries.h"
 #include "core/runtime/windows/system.h"
 
 #include <core/files/errors.h>
@@ -68,7 +69,7 @@ Handle open_node(const std::string& path, DWORD access, Links links) {
 bool describe(const std::string& path, Links links, DiskNode& node) {
     const Handle handle = open_node(path, FILE_READ_ATTRIBUTES, links);
     if (!handle)
-        return fail();
+        return windows::fail_at(path);
     if (::GetFileType(handle.get()) != FILE_TYPE_DISK) {
         node.kind = DiskNode::Kind::other; // a device such as the console
         return true;
@@ -108,6 +109,20 @@ bool rename_over_open(HANDLE file, const std::wstring& to) {
     return ::SetFileInformationByHandle(file, kRename, info, static_cast<DWORD>(size)) != 0;
 }
 
+/// Removes all that lies in a folder.
+bool remove_below(const std::string& folder) {
+    FolderEntries entries(folder);
+    while (const char* const name = entries.next()) {
+        const std::string path = folder + '/' + name;
+        const auto node = disk_node(path, Links::themselves);
+        const bool isFolder = node && node->kind == DiskNode::Kind::folder;
+        if (!(isFolder ? remove_whole_folder(path) : remove_one_file(path)) && errno != ENOENT)
+            return false;
+    }
+    errno = entries.error();
+    return errno == 0;
+}
+
 /// The system only says that it is not allowed to put a file in the place of a folder, or a folder in that of
 /// a file.
 int reason_in_the_way(const std::string& from, const DiskNode& old) noexcept {
@@ -127,7 +142,9 @@ std::optional<DiskNode> disk_node(const std::string& path, Links links) noexcept
 }
 
 bool make_one_folder(const std::string& path, unsigned) noexcept {
-    return attempt([&] { return ::CreateDirectoryW(system_path(path).c_str(), nullptr) != 0 || fail(); });
+    return attempt([&] {
+        return ::CreateDirectoryW(system_path(path).c_str(), nullptr) != 0 || windows::fail_at(path);
+    });
 }
 
 bool remove_one_folder(const std::string& path) noexcept {
@@ -135,7 +152,21 @@ bool remove_one_folder(const std::string& path) noexcept {
 }
 
 bool remove_one_file(const std::string& path) noexcept {
-    return attempt([&] { return ::DeleteFileW(system_path(path).c_str()) != 0 || fail(); });
+    return attempt([&] {
+        const std::wstring name = system_path(path);
+        if (::DeleteFileW(name.c_str()) != 0)
+            return true;
+        const int reason = windows::last_error_number();
+        // A link to a folder is a folder to the system.
+        const auto node = disk_node(path, Links::themselves);
+        const bool isLink = node && node->kind == DiskNode::Kind::link;
+        errno = reason;
+        return isLink && ::RemoveDirectoryW(name.c_str()) != 0;
+    });
+}
+
+bool remove_whole_folder(const std::string& path) noexcept {
+    return attempt([&] { return remove_below(path) && remove_one_folder(path); });
 }
 
 bool rename_node(const std::string& from, const std::string& to) noexcept {
@@ -190,8 +221,9 @@ FileSpace disk_space(const std::string& path, const wstring& url) {
     const bool isFolder = node && node->kind == DiskNode::Kind::folder;
     ULARGE_INTEGER available{};
     ULARGE_INTEGER total{};
-    if (!node || ::GetDiskFreeSpaceExW(system_path(isFolder ? path : folder_of(path)).c_str(), &available,
-                                       &total, nullptr) == 0)
+    const std::wstring folder = system_path(isFolder ? path : folder_of(path));
+    if (!node ||
+        ::GetDiskFreeSpaceExW(folder.empty() ? nullptr : folder.c_str(), &available, &total, nullptr) == 0)
         throw_file_error(messages::kFileRead, url, node ? windows::last_error_number() : errno);
     return {.total = total.QuadPart, .available = available.QuadPart};
 }

@@ -18,7 +18,7 @@ Descriptor open_shared(const std::string& path, const Opening& opening) {
                                 FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                 opening.disposition, opening.flags, nullptr));
     if (!handle) {
-        fail();
+        fail_at(path);
         return Descriptor(-1);
     }
     Descriptor descriptor(

@@ -2,6 +2,7 @@
 #include "core/files/shared_memory_file.h"
 
 #include "core/files/disk_node.h"
+#include "core/files/schemes.h"
 #include "core/files/windows/open_handle.h"
 
 #include <core/files/errors.h>
@@ -74,7 +75,11 @@ void SharedMemoryUse::removeUnused(const std::string& path) noexcept {
 }
 
 void SharedMemoryFile::truncate(std::uint64_t length) {
-    DescriptorFile::truncate(length); // the system reserves what a file grows by
+    // Disks that reserve what a file grows by refuse it themselves.
+    const std::uint64_t before = this->length();
+    if (length > before && length <= kMaxFileLength && length - before > disk_space(path_, url()).available)
+        throw_file_error(messages::kFileWrite, url(), ENOSPC);
+    DescriptorFile::truncate(length);
 }
 
 void SharedMemoryFile::close() {

@@ -35,7 +35,7 @@ int reason_without_entries(std::string folder) {
 FolderEntries::FolderEntries(const std::string& folder) noexcept : walk_(nullptr), error_(0) {
     try {
         auto walk = std::make_unique<Walk>();
-        walk->folder = windows::system_path(folder) + L'\\';
+        walk->folder = windows::system_path(folder.empty() ? "." : folder) + L'\\';
         walk->found = ::FindFirstFileW((walk->folder + L'*').c_str(), &walk->entry);
         if (walk->found == INVALID_HANDLE_VALUE)
             error_ = reason_without_entries(folder);

@@ -73,6 +73,19 @@ bool fail() noexcept {
     return false;
 }
 
+bool fail_at(std::string_view path) {
+    constexpr std::size_t kLongestName = 255; // units
+    const int reason = last_error_number();
+    bool isTooLong = false;
+    std::size_t length = 0;
+    for (const wchar_t unit : to_system(path)) {
+        length = unit == L'/' || unit == L'\\' ? 0 : length + 1;
+        isTooLong = isTooLong || length > kLongestName;
+    }
+    errno = isTooLong && (reason == ENOENT || reason == EINVAL) ? ENAMETOOLONG : reason;
+    return false;
+}
+
 std::wstring to_system(std::string_view text) {
     const int size = static_cast<int>(text.size());
     std::wstring units(
@@ -92,7 +105,7 @@ std::string from_system(std::wstring_view text) {
 }
 
 std::wstring system_path(const std::string& path) {
-    std::wstring units = to_system(path.empty() ? "." : path);
+    std::wstring units = to_system(path);
     if (units.size() < kMostPlain)
         return units;
     std::wstring whole(32768, L'\0'); // the longest that there is

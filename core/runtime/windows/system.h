@@ -18,6 +18,9 @@ namespace core::windows {
 [[nodiscard]] int last_error_number() noexcept;
 /// Puts it into errno, and returns false.
 bool fail() noexcept;
+/// The same for a call with a path. A name that is longer than disks take is ENAMETOOLONG, which the system
+/// tells as one that is missing or as one that cannot be.
+bool fail_at(std::string_view path);
 
 /// A text in UTF-8 in the system's units, which are UTF-16, and back.
 [[nodiscard]] std::wstring to_system(std::string_view text);
