@@ -168,18 +168,19 @@ TEST_F(LossesTest, OfAColumnThatGetsAType) {
 }
 
 TEST_F(LossesTest, AreCountedBeyondThoseThatAreKept) {
+    constexpr std::size_t kKept = Losses::kKept;
     Losses losses;
-    for (std::size_t row = 0; row < Losses::kKept + 5; ++row)
+    for (std::size_t row = 0; row < kKept + 5; ++row)
         losses.add({.row = row, .line = row + 2, .column = u"A", .text = u"x\ny", .reason = LossReason::cut});
-    EXPECT_EQ(losses.count(), Losses::kKept + 5);
-    EXPECT_EQ(losses.first().size(), Losses::kKept);
+    EXPECT_EQ(losses.count(), kKept + 5);
+    EXPECT_EQ(losses.first().size(), kKept);
     try {
         losses.check(u"f.csv");
         FAIL();
     } catch (const ConversionException& e) {
         EXPECT_EQ(e.line(), 2U);
         EXPECT_EQ(e.text(), u"x\ny");
-        EXPECT_EQ(e.count(), Losses::kKept + 5);
+        EXPECT_EQ(e.count(), kKept + 5);
         EXPECT_TRUE(std::string(e.what()).starts_with(
             "f.csv, line 2, column A: “x↵y” is longer than the type.\nf.csv, line 3,"))
             << e.what();
