@@ -9,6 +9,7 @@
 #include <iconv.h>
 
 #include <algorithm>
+#include <bit>
 #include <optional>
 #include <span>
 #include <string>
@@ -61,6 +62,9 @@ constexpr Page kPages[] = {
     {u"windows-949", "CP949"},   {u"Shift_JIS", "CP932"},
 };
 
+/// The peer's name for units as they lie in memory.
+constexpr const char* kUnits = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
+
 /// What ICU, as the web, has where the peer has nothing: controls with the numbers of their bytes, and places
 /// for characters of one's own.
 bool is_extra(wchar unit) {
@@ -71,8 +75,8 @@ TEST(Encoding, EveryPairOfBytesReadsAndWritesAsElsewhere) {
     const int step = 0x10000 / support::rounds(0x10000);
     for (const Page& page : kPages) {
         const Encoding encoding(page.name);
-        const Peer reader("UTF-16LE", page.peer);
-        const Peer writer(page.peer, "UTF-16LE");
+        const Peer reader(kUnits, page.peer);
+        const Peer writer(page.peer, kUnits);
         int same = 0;
         for (int pair = 0; pair < 0x10000; pair += step) {
             const std::string bytes{static_cast<char>(pair >> 8), static_cast<char>(pair)};
