@@ -25,6 +25,21 @@ constexpr auto kSlice = std::chrono::milliseconds(20);
 
 } // namespace
 
+/// Whether the calling thread, which holds a mutex, held it before. The system lets it in again, by whatever
+/// handle, and counts: 1 is free, 0 is held, less is held more often.
+bool is_held_twice(HANDLE mutex) noexcept {
+    struct State {
+        LONG count;
+        BOOLEAN isHeldByCaller;
+        BOOLEAN isAbandoned;
+    };
+    using Query = LONG(WINAPI*)(HANDLE, int, State*, ULONG, ULONG*);
+    static const auto query = reinterpret_cast<Query>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtQueryMutant")));
+    State state{};
+    return query(mutex, 0, &state, sizeof state, nullptr) >= 0 && state.count < 0;
+}
+
 /// An object of the system that is found by a name and goes with its last handle.
 class NamedMemory {
   public:
@@ -84,8 +99,7 @@ NamedLockResult NamedMutex::tryLockFor(std::chrono::milliseconds timeout) {
     const DWORD result = memory_->wait(detail::deadline_after(timeout));
     if (result == WAIT_TIMEOUT)
         return NamedLockResult::timedOut;
-    // The system lets its holder in again.
-    if (holder_.load() == detail::thread_number()) {
+    if (detail::is_held_twice(memory_->get())) {
         ::ReleaseMutex(memory_->get());
         throw_error<ThreadException>(messages::kLockHeld, {memory_->name()});
     }
