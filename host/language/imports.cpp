@@ -45,7 +45,7 @@ wstring import_path(wstring_view importer, wstring_view file) {
     wstring joined = (parts.drive + parts.directory).append(file);
     if (joined.find(kScheme) != wstring::npos)
         return joined;
-    return std::filesystem::path(joined).lexically_normal().u16string();
+    return std::filesystem::path(joined).lexically_normal().generic_u16string();
 }
 
 void Imports::resolve(Interpreter& interpreter, Module& importer) {

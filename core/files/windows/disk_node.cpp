@@ -157,6 +157,14 @@ bool remove_one_file(const std::string& path) noexcept {
         if (::DeleteFileW(name.c_str()) != 0)
             return true;
         const int reason = windows::last_error_number();
+        // Elsewhere a file that is read-only goes as any other.
+        const DWORD old = ::GetFileAttributesW(name.c_str());
+        if (old != INVALID_FILE_ATTRIBUTES && (old & FILE_ATTRIBUTE_READONLY) != 0 &&
+            ::SetFileAttributesW(name.c_str(), old & ~DWORD{FILE_ATTRIBUTE_READONLY}) != 0) {
+            if (::DeleteFileW(name.c_str()) != 0)
+                return true;
+            (void)::SetFileAttributesW(name.c_str(), old);
+        }
         // A link to a folder is a folder to the system.
         const auto node = disk_node(path, Links::themselves);
         const bool isLink = node && node->kind == DiskNode::Kind::link;
