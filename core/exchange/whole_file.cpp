@@ -44,9 +44,10 @@ fs::path followed(const fs::path& file) {
 } // namespace
 
 void write_whole_file(const std::string& file, const std::function<void(const ByteWriter&)>& write) {
-    require_whole_path(file);
     const wstring named = from_utf8(file);
-    const bool isUrl = split_url(named).path != named;
+    const bool isUrl = split_url(named).path != named; // which its scheme looks at
+    if (!isUrl || file.find('\0') != std::string::npos)
+        require_whole_path(file);
     if (isUrl || !is_device(native_path(file))) {
         require_service<IFileSystem>().writeFile(
             isUrl ? named : file_url(path_text(followed(native_path(file)))), [&write](IFile& whole) {
