@@ -15,6 +15,7 @@
 #include <core/values/errors.h>
 #include <host/host_process.h>
 
+#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <atomic>

@@ -7,6 +7,7 @@
 #include <core/files/file_io.h>
 
 #include <atomic>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -182,16 +183,17 @@ TEST_F(InterpreterTest, Functions) {
 TEST_F(InterpreterTest, FilesKeepTheirOldContentWhenSavingFails) {
     Session session;
     const std::string file = testing::TempDir() + "corehost-текст.txt";
+    const std::filesystem::path path(std::u8string(file.begin(), file.end()));
     const auto quoted = '"' + file + '"';
     EXPECT_EQ(session.run("SaveText(" + quoted + ", \"раз\"); LoadText(" + quoted + ")"), "\"раз\"");
     EXPECT_EQ(session.run("SaveText(" + quoted + ", 5)"),
               "! 1:1 SaveText: the parameter Text does not take a value of the type Number: 5.");
     EXPECT_EQ(session.run("LoadText(" + quoted + ")"), "\"раз\"");
-    std::ofstream(file, std::ios::binary) << "\xEF\xBB\xBFok";
+    std::ofstream(path, std::ios::binary) << "\xEF\xBB\xBFok";
     EXPECT_EQ(session.run("LoadText(" + quoted + ")"), "\"ok\""); // without the byte order mark
-    std::ofstream(file, std::ios::binary) << "\xFF\xFE";
+    std::ofstream(path, std::ios::binary) << "\xFF\xFE";
     EXPECT_TRUE(session.run("LoadText(" + quoted + ")").starts_with("! 1:1 "));
-    std::remove(file.c_str());
+    std::filesystem::remove(path);
     EXPECT_TRUE(session.run("LoadText(" + quoted + ")").starts_with("! 1:1 The file "));
     EXPECT_TRUE(session.run("SaveText(\"/no/such/folder/x\", \"\")").starts_with("! 1:1 The file "));
 }
