@@ -5,8 +5,11 @@
 
 namespace core {
 
-/// What the system says of an error number, in the language of the messages as far as it can: its texts in
-/// another language than English are there where the system has that locale.
+/// What an error number means, in the language of the messages. For a number that seldom comes it is the text
+/// of the system, which speaks another language than English only where it has that locale.
 [[nodiscard]] wstring system_reason(int error);
+
+/// The text of the system for an error number.
+[[nodiscard]] wstring text_of_system(int error);
 
 } // namespace core

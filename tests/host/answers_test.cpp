@@ -165,6 +165,14 @@ TEST_F(ReportsTest, OfQueriesReadWhatTheirOptionsSay) {
     EXPECT_EQ(query({file("2 names.csv", "A\n1\n"), "Table.Count()"}), "1\n");
 }
 
+TEST_F(ReportsTest, OfFilesInTheLanguageOfTheUser) {
+    const std::string none = path("none.script");
+    EXPECT_EQ(corehost({"--lang", "ru", "run", none}).err,
+              "corehost: Не удалось открыть файл " + none + ": Нет такого файла или каталога.\n");
+    EXPECT_EQ(corehost({"run", none}).err,
+              "corehost: The file " + none + " could not be opened: No such file or directory.\n");
+}
+
 TEST_F(ReportsTest, OfWhatCannotBeLoaded) {
     const Answer missing = corehost({"--module", path("none.so"), "describe", "Map"});
     EXPECT_EQ(missing.code, ExitCode::io);

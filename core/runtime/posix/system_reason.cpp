@@ -10,7 +10,7 @@
 
 namespace core {
 
-wstring system_reason(int error) {
+wstring text_of_system(int error) {
     // By a locale of its own: that of the program may be any other, and strerror() is not for several
     // threads.
     const bool russian = detail::resource_locale().isRussian();

@@ -7,7 +7,7 @@
 
 namespace core {
 
-wstring system_reason(int error) {
+wstring text_of_system(int error) {
     char text[256] = {};
     ::strerror_s(text, sizeof text, error); // in English: the system has texts for its own errors alone
     return from_utf8(text);
