@@ -136,6 +136,10 @@ TEST_F(CsvTest, DelimiterEncodingAndTitlesAreFound) {
         EXPECT_EQ(read(text)->columnCount(), 3U) << delimiter;
     }
     EXPECT_EQ(outcome("A\nx;y\n"), R"([{"A":"x;y"}])"); // what only some rows have divides nothing
+    EXPECT_TRUE(
+        outcome("A;B\n1;2\n3\n").ends_with(", line 3: the row has 1 fields, the table has 2 columns."))
+        << outcome("A;B\n1;2\n3\n");
+    EXPECT_EQ(outcome("P\n1,5\n2,5\n", {.locale = Locale("de")}), R"([{"P":1.5},{"P":2.5}])");
     const std::string cyrillic = encode_text(
         u"Город;Страна\nМосква;Россия\nСанкт-Петербург;Россия\nКиев;Украина\n", Encoding(u"windows-1251"));
     EXPECT_EQ(cell(read(cyrillic), 0).presentation(), u"Москва");

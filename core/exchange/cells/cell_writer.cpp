@@ -3,6 +3,9 @@
 
 #include "core/exchange/cells/number_text.h"
 
+#include <core/collections/value_map.h>
+#include <core/context/iteration.h>
+#include <core/exchange/json.h>
 #include <core/runtime/utf8.h>
 #include <core/streams/errors.h>
 #include <core/strings/integer_text.h>
@@ -88,8 +91,15 @@ void append_value(std::string& out, const Value& value, wstring_view name) {
     case ValueKind::type:
         return append_strictly(out, value.asType()->name(kEnglish), name);
     case ValueKind::object:
-        append_strictly(out, value.presentation(), name);
+        if (has_elements(value))
+            out += to_json(value);
+        else
+            append_strictly(out, value.presentation(), name);
     }
+}
+
+bool has_elements(const Value& value) {
+    return value.isObject() && (value.query<IValuePairs>() || value.query<IValueCollection>());
 }
 
 } // namespace core

@@ -47,7 +47,9 @@ class Loader {
     InterfacePtr<IValueTable> load(ByteReader bytes) {
         CsvScanner scanner(in_utf8(std::move(bytes), name_, options_.encoding), name_);
         const std::string_view first = scanner.look();
-        scanner.setRules({.delimiter = options_.delimiter.value_or(find_delimiter(first, false)),
+        // Where numbers have a comma, a column that stands alone would be cut by it.
+        const char alone = forms_ && forms_->number("0,5") ? ';' : ',';
+        scanner.setRules({.delimiter = options_.delimiter.value_or(find_delimiter(first, false, alone)),
                           .strict = options_.strict});
         CsvRow row;
         bool reads = scanner.next(row);

@@ -41,9 +41,10 @@ std::vector<std::size_t> field_counts(std::string_view text, char delimiter) {
 
 } // namespace
 
-char find_delimiter(std::string_view text, bool isWhole) {
+char find_delimiter(std::string_view text, bool isWhole, char otherwise) {
     const bool cut = !isWhole || text.size() > kShapeSample;
     text = text.substr(0, kShapeSample);
+    std::size_t most = 1;
     for (const char delimiter : {',', ';', '\t', '|'}) {
         std::vector<std::size_t> counts = field_counts(text, delimiter);
         if (cut && counts.size() > 1 && counts.size() < kRows)
@@ -53,8 +54,12 @@ char find_delimiter(std::string_view text, bool isWhole) {
             even = even && count == counts.front();
         if (even)
             return delimiter;
+        if (!counts.empty() && counts.front() > most) {
+            most = counts.front();
+            otherwise = delimiter;
+        }
     }
-    return ',';
+    return otherwise;
 }
 
 } // namespace core
