@@ -108,6 +108,7 @@ class Parser {
     bool endsBlock();
     bool endsStatement();
     [[nodiscard]] wstring_view text(const Token& token) const { return program_.source->text(token.span); }
+    void refuse_misspelt(const Expression& first);
     [[nodiscard]] ExpressionPtr make(Span first, decltype(Expression::node) node) const {
         return std::make_unique<Expression>(Expression{from_to(first, last_), std::move(node)});
     }

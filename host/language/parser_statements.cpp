@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/language/parser_impl.h"
 
+#include <core/strings/nearest.h>
+#include <core/strings/term.h>
+
 #include <utility>
 
 namespace core::script {
@@ -185,10 +188,29 @@ Return Parser::returnStatement() {
     return result;
 }
 
+/// A name that an operand follows was meant to be a keyword, if it is near one.
+void Parser::refuse_misspelt(const Expression& first) {
+    const bool operand = token_.kind == TokenKind::name || token_.kind == TokenKind::number ||
+                         token_.kind == TokenKind::string;
+    if (!operand || !std::holds_alternative<Variable>(first.node))
+        return;
+    const wstring name(program_.source->text(first.span));
+    NearestName near(name);
+    for (auto kind = TokenKind::keyIf; kind <= TokenKind::wordRemoveHandler;
+         kind = static_cast<TokenKind>(static_cast<int>(kind) + 1)) {
+        near.add(keyword_name(kind, kEnglish));
+        near.add(keyword_name(kind, kRussian));
+    }
+    if (!near.best().empty())
+        fail_at(first.span, "IDS_SCRIPT_UNKNOWN_STATEMENT", {name, near.best()});
+}
+
 Parser::StatementNode Parser::simple_statement() {
     const bool negated =
         token_.kind == TokenKind::keyNot || token_.kind == TokenKind::minus || token_.kind == TokenKind::plus;
     ExpressionPtr left = negated ? expression() : chain();
+    if (!negated)
+        refuse_misspelt(*left);
     const bool compared = mode_ == Mode::console && !negated && !is_assignable(*left);
     if (!negated && !compared && token_.kind == TokenKind::equal) {
         if (!is_assignable(*left))

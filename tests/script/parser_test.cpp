@@ -157,6 +157,8 @@ TEST_F(ParserTest, RefusesAtThePlaceWhereItIsWrong) {
     EXPECT_EQ(refusal("\rIf 𝄞a"), "2:4 This character has no meaning in a script.");
     EXPECT_EQ(refusal("\"𝄞\" = a"), "1:1 Only a variable, a property or an element can be assigned to.");
     EXPECT_EQ(refusal("f(\"𝄞\", "), "1:8 Expected a value, found the end of the text.");
+    EXPECT_EQ(refusal("Whle a > 1 Do"), "1:1 There is no statement Whle. Did you mean While?");
+    EXPECT_EQ(refusal("Дял i = 1 По 2 Цикл"), "1:1 There is no statement Дял. Did you mean Для?");
     EXPECT_EQ(refusal("If a"), "1:5 Expected “Then/Тогда”, found the end of the text.");
     EXPECT_EQ(refusal("For If"), "1:5 Expected a name, found “If”.");
     EXPECT_EQ(refusal("a.b() = 1"), "1:1 Only a variable, a property or an element can be assigned to.");

@@ -252,7 +252,7 @@ TEST_F(Summaries, RefuseWhatIsWrongAndChangeNothing) {
         {u"Group", {u"Region", u"Count(), Sum()"}, malformed(u"Sum()")},
         {u"Group", {u"Region", u"Sum(Price) * 2 As Twice"}, malformed(u"Sum(Price) * 2")},
         {u"Group", {u"Region", u"Sum(Price * 2)"}, message_text("IDS_VT_COLUMNCODE_ERROR", {u"Price * 2"})},
-        {u"AddWindow", {u"Lag(Price, many)"}, malformed(u"Lag(Price, many)")},
+        {u"AddWindow", {u"Lag(Price, many)"}, message_text("IDS_VT_WINDOW_MALFORMED", {u"Lag(Price, many)"})},
         {u"AddWindow", {u"Rank()"}, message_text("IDS_VT_RANK_WITHOUT_ORDER", {u"Rank"})},
         {u"AddWindow", {u"Lag(Day) As Before, Lead(Day) As Price"}, twice(u"Price")},
         {u"AddWindow", {u"Lag(Day) As Before, Lead(Day) As Before"}, twice(u"Before")},
@@ -260,7 +260,7 @@ TEST_F(Summaries, RefuseWhatIsWrongAndChangeNothing) {
          {u"Share(Product)"},
          message_text("IDS_VT_TOTAL_OF_TEXTS", {u"Product", u"apple", u"1"})},
         {u"AddWindow", {u"Sum(Price)"}, message_text("IDS_VT_WINDOW_UNKNOWN", {u"Sum"})},
-        {u"AddWindow", {u"Rank()", u"Region", u"Day Up"}, value_mismatch(2)},
+        {u"AddWindow", {u"Rank()", u"Region", u"Day Up"}, message_text("IDS_VT_SORT_ITEM", {u"Day Up"})},
         {u"AddWindow", {u""}, value_mismatch(0)},
     };
     for (const auto& c : cases)

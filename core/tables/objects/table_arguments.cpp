@@ -114,11 +114,12 @@ std::vector<SortItem> sort_items(wstring_view text, int param) {
     std::vector<SortItem> items;
     for (const wstring_view item : string_tokenize(text, u",", EmptyTokens::keep)) {
         const std::vector<wstring_view> words = string_tokenize(trim_all(item), u" ");
-        if (words.empty() || words.size() > 2)
+        if (words.empty())
             parameter_value_mismatch(param);
         const bool descending = words.size() == 2 && is_term(words[1], kOrderingDirectionDescTerm);
-        if (words.size() == 2 && !descending && !is_term(words[1], kOrderingDirectionAscTerm))
-            parameter_value_mismatch(param);
+        const bool ascending = words.size() == 1 || is_term(words[1], kOrderingDirectionAscTerm);
+        if (words.size() > 2 || (!descending && !ascending))
+            throw_error<ContextException>("IDS_VT_SORT_ITEM", {wstring(trim_all(item))});
         items.push_back({words[0], descending});
     }
     return items;

@@ -52,16 +52,20 @@ struct NamedCall {
     wstring name;                   ///< of the result; empty where none is given
 };
 
-[[noreturn]] void refuse(const wstring& call) {
-    throw_error<ContextException>(messages::kCallMalformed, {call});
-}
+/// The messages about a call that is not an aggregate, or not a window function.
+struct Refusals {
+    const char* unknown;
+    const char* malformed;
+};
+constexpr Refusals kNoAggregate = {messages::kAggregateUnknown, messages::kCallMalformed};
+constexpr Refusals kNoWindow = {messages::kWindowUnknown, "IDS_VT_WINDOW_MALFORMED"};
 
 /// The name of a column, or the text of an expression.
 wstring argument_text(const ExpressionNode& argument) {
     return argument.kind == ExpressionKind::column ? argument.name : expression_text(argument);
 }
 
-std::vector<NamedCall> read_calls(wstring_view list) {
+std::vector<NamedCall> read_calls(wstring_view list, const Refusals& refusals) {
     std::vector<NamedCall> calls;
     for (NamedExpression& item : parse_named_list(list)) {
         const ExpressionNode& node = *item.expression;
@@ -73,7 +77,7 @@ std::vector<NamedCall> read_calls(wstring_view list) {
         } else if (node.kind == ExpressionKind::column) {
             call.arguments = {node.name};
         } else {
-            refuse(call.text);
+            throw_error<ContextException>(refusals.malformed, {call.text});
         }
         calls.push_back(std::move(call));
     }
@@ -82,16 +86,16 @@ std::vector<NamedCall> read_calls(wstring_view list) {
 
 template <class Kind, std::size_t count>
 const FunctionName<Kind>& function_of(const NamedCall& call, const FunctionName<Kind> (&names)[count],
-                                      const char* unknown) {
+                                      const Refusals& refusals) {
     for (const FunctionName<Kind>& name : names) {
         if (compare_nocase(call.function, name.english) != 0 &&
             compare_nocase(call.function, name.russian) != 0)
             continue;
         if (call.arguments.size() < name.least || call.arguments.size() > name.most)
-            refuse(call.text);
+            throw_error<ContextException>(refusals.malformed, {call.text});
         return name;
     }
-    throw_error<ContextException>(unknown, {call.function});
+    throw_error<ContextException>(refusals.unknown, {call.function});
 }
 
 wstring first_argument(const NamedCall& call) {
@@ -102,10 +106,9 @@ wstring first_argument(const NamedCall& call) {
 
 std::vector<Aggregate> read_aggregates(wstring_view list) {
     std::vector<Aggregate> aggregates;
-    for (const NamedCall& call : read_calls(list)) {
-        const AggregateKind kind = call.function.empty()
-                                       ? AggregateKind::sum
-                                       : function_of(call, kAggregates, messages::kAggregateUnknown).kind;
+    for (const NamedCall& call : read_calls(list, kNoAggregate)) {
+        const AggregateKind kind =
+            call.function.empty() ? AggregateKind::sum : function_of(call, kAggregates, kNoAggregate).kind;
         const bool named = !call.name.empty() || !call.arguments.empty();
         aggregates.push_back({kind, first_argument(call), named ? call.name : call.function});
     }
@@ -114,14 +117,14 @@ std::vector<Aggregate> read_aggregates(wstring_view list) {
 
 std::vector<WindowFunction> read_windows(wstring_view list) {
     std::vector<WindowFunction> functions;
-    for (const NamedCall& call : read_calls(list)) {
-        const WindowKind kind = function_of(call, kWindows, messages::kWindowUnknown).kind;
+    for (const NamedCall& call : read_calls(list, kNoWindow)) {
+        const WindowKind kind = function_of(call, kWindows, kNoWindow).kind;
         functions.push_back({kind, first_argument(call), call.name.empty() ? call.function : call.name});
         if (call.arguments.size() < 2)
             continue;
         const auto distance = string_toint<std::uint32_t>(call.arguments[1]);
         if (!distance)
-            refuse(call.text);
+            throw_error<ContextException>(kNoWindow.malformed, {call.text});
         functions.back().distance = *distance;
     }
     return functions;
