@@ -19,6 +19,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <limits>
 #include <memory>
@@ -39,16 +41,39 @@ struct QueryOptions {
 
 enum class FileForm { csv, json, container };
 
-/// What a file is by its beginning and its name. A table in JSON begins with a bracket, which no name of a
-/// column does.
+/// Whether a text begins as arrays and objects of JSON do, on one line or on several, and no name of a
+/// column.
+bool begins_json(std::string_view text) {
+    constexpr const char* kBlanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    const std::size_t second =
+        first == std::string_view::npos ? first : text.find_first_not_of(kBlanks, first + 1);
+    if (second == std::string_view::npos)
+        return false;
+    constexpr std::string_view kElements = "{[]\"-0123456789";
+    return (text[first] == '[' && kElements.find(text[second]) != std::string_view::npos) ||
+           (text[first] == '{' && (text[second] == '"' || text[second] == '}'));
+}
+
+/// Whether a text begins as a container does: a header, a line end, and the sizes of the first block.
+bool begins_container(std::string_view text) {
+    return std::ranges::any_of(std::array{std::size_t{16}, std::size_t{24}}, [text](std::size_t header) {
+        constexpr std::string_view kDigits = "0123456789abcdef";
+        const std::size_t digits = header - 8; // 8 in the narrow layout, 16 in the wide one
+        const std::string_view block = text.substr(std::min(header, text.size()), digits + 3);
+        return block.size() == digits + 3 && block.starts_with("\r\n") && block.ends_with(' ') &&
+               block.find_first_not_of(kDigits, 2) == digits + 2;
+    });
+}
+
+/// What a file is by its beginning and its name.
 FileForm form_of(const std::string& file, std::string_view text) {
     const std::string extension = path_text(native_path(file).extension());
     if (extension == ".json" || extension == ".jsonl" || extension == ".ndjson")
         return FileForm::json;
-    const std::size_t first = text.find_first_not_of(" \t\r\n");
-    const bool json = extension.empty() && first != std::string_view::npos &&
-                      (text.substr(first).starts_with("[{") || text.substr(first).starts_with("{\""));
-    return json ? FileForm::json : FileForm::csv;
+    if (begins_container(text))
+        return FileForm::container;
+    return extension.empty() && begins_json(text) ? FileForm::json : FileForm::csv;
 }
 
 /// Bytes that were looked at come again.
@@ -92,7 +117,10 @@ GenericValue load(const std::string& file, const QueryOptions& options, Console&
     Losses* const lost = options.goOn ? &losses : nullptr;
     const auto input = std::make_shared<Beginning>(console, file);
     InterfacePtr<IValueTable> table;
-    if (form_of(file, input->text()) == FileForm::json) {
+    const FileForm form = form_of(file, input->text());
+    if (form == FileForm::container)
+        throw_error<ContextException>("IDS_HOST_QUERY_CONTAINER", {from_utf8(file)});
+    if (form == FileForm::json) {
         std::string text;
         for (std::size_t size = 0, got = 1; got != 0; size += got) {
             text.resize(size + (std::size_t{64} << 10U));
@@ -184,6 +212,11 @@ void add_query_command(CLI::App& app, Console& console, Action& action) {
         "Типы: \"День Дата, Цена Число(10,2)\"; по умолчанию определяются", "LIST");
     add("--delimiter", options->delimiter, "Between fields; default: found",
         "Между полями; по умолчанию определяется", "CHAR");
+    command->get_option("--delimiter")->check([](const std::string& text) {
+        const bool isOne =
+            text == "\\t" || (text.size() == 1 && is_csv_delimiter(static_cast<unsigned char>(text[0])));
+        return isOne ? std::string() : std::string("--delimiter");
+    });
     add("--encoding", options->encoding, "Of the files; default: found", "Файлов; по умолчанию определяется",
         "ENCODING");
     command->add_flag("--go-on", options->goOn,

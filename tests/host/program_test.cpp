@@ -95,6 +95,9 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
         {{"run", good, "--encodng=x"},
          "corehost run has no option --encodng. Did you mean --encoding?",
          "У команды corehost run нет параметра --encodng. Возможно, имелся в виду --encoding?"},
+        {{"query", good, "Count()", "--delimiter", ";;"},
+         "The option --delimiter does not take “;;”.",
+         "Параметр --delimiter не принимает значение «;;»."},
         {{"run"}, "corehost run needs the argument file.", "Команде corehost run нужен аргумент file."},
         {{"run", good, "--encoding"},
          "The option --encoding needs a value.",
@@ -127,12 +130,15 @@ TEST_F(ProgramTest, AWrongCommandLineNamesTheWordAndTheNearest) {
     }
     EXPECT_EQ(corehost({"list", "fmt", "--what"}).err,
               "corehost: corehost list fmt has no option --what.\ncorehost list fmt --help\n");
+    EXPECT_EQ(corehost({"--lang", "de", "run", good}).err.substr(0, 68),
+              "corehost: The option --lang does not take “de”. It takes en, ru.");
+}
+
+TEST_F(ProgramTest, HelpIsAlignedAndAskedForByAWord) {
     EXPECT_EQ(corehost({"help", "query"}).out, corehost({"query", "--help"}).out);
     const std::string russian = corehost({"--lang", "ru", "справка"}).out;
     EXPECT_NE(russian.find("\n  --locale КЛЮЧ               Локаль"), std::string::npos) << russian;
     EXPECT_NE(russian.find("\n  --module ФАЙЛ ...           Сначала"), std::string::npos) << russian;
-    EXPECT_EQ(corehost({"--lang", "de", "run", good}).err.substr(0, 68),
-              "corehost: The option --lang does not take “de”. It takes en, ru.");
 }
 
 TEST_F(ProgramTest, TheRussianHelpIsRussian) {

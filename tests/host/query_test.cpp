@@ -33,6 +33,8 @@ TEST_F(QueryTest, StepsWorkOnTheTableBefore) {
         {"Select(\"Product As What, Price * 2 As Double\") | First(1)", "What,Double\r\napple,2.4\r\n"},
         {"Find(\"pear\")", "Product,Region,Price\r\npear,South,3\r\n"},
         {"Find(\"plum\") | Table = Undefined", "Yes\n"},
+        {"Group(\"Product\", \"List(Price) As Prices\")",
+         "Product,Prices\r\napple,\"[1.2,2.5]\"\r\npear,[3]\r\n"},
         {"Total(\"Price\")", "6.7\n"},
         {"sales.Count() + Table.Count()", "6\n"},
         {"Where(\"Region\", \"a|b\") | Count()", "0\n"},
@@ -50,11 +52,22 @@ TEST_F(QueryTest, TakesFilesOfAllForms) {
     EXPECT_EQ(query({"-", "Table"}, "{\"A\":1}\n{\"A\":2}\n").out, "A\r\n1\r\n2\r\n");
     EXPECT_EQ(query({"-", "Table"}, "A;B\n1;2\n").out, "A,B\r\n1,2\r\n");
     EXPECT_EQ(query({file("x.json", "[{\"A\":1.5}]"), "Total(\"A\")"}).out, "1.5\n");
+    EXPECT_EQ(query({"-", "Table"}, "[\n  {\n    \"A\": 1\n  }\n]\n").out, "A\r\n1\r\n");
+    EXPECT_EQ(
+        query({"-", "Table"}, "[1, 2]").err,
+        "corehost: -, line 1, column 3: The JSON text is not a table: its element 1 is not an object.\n");
+    EXPECT_EQ(query({"-", "Table"}, "[a],[b]\n1,2\n").out, "_a_,_b_\r\n1,2\r\n");
     const std::string script = file("make.script", "SaveToContainer(\"" + path("data.st") +
                                                        "\", \"sales\", LoadCsv(\"" + sales_ + "\"))");
     EXPECT_EQ(corehost({"run", script}).code, ExitCode::done);
     EXPECT_EQ(query({path("data.st") + ":sales", "Total(\"Price\")"}).out, "6.7\n");
     EXPECT_EQ(query({sales_, path("data.st") + ":sales", "Count()"}).out, "3\n");
+    EXPECT_EQ(query({path("data.st"), "Count()"}).err,
+              "corehost: " + path("data.st") + " is a container: say which value in it is meant, as in " +
+                  path("data.st") + ":sales.\n");
+    ASSERT_EQ(corehost({"container", "create", "--64", path("wide.st")}).code, ExitCode::done);
+    EXPECT_NE(query({path("wide.st"), "Count()"}).err.find("is a container"), std::string::npos);
+    EXPECT_EQ(query({sales_, "Count()", "--delimiter", ";;"}).code, ExitCode::usage);
 }
 
 TEST_F(QueryTest, TellsWhatIsWrong) {
