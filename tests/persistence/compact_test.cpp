@@ -2,6 +2,7 @@
 // The compact form and the streams: what one form holds the other one holds; pieces of any size read the
 // same; data that is cut, changed, longer or of another version is refused and never believed.
 #include "tests/support/new_folder.h"
+#include "tests/support/rounds.h"
 #include "tests/support/value_samples.h"
 
 #include <core/files/disk_file.h>
@@ -81,7 +82,7 @@ TEST_F(Compact, ThatIsCutOrGoesOnIsRefused) {
         for (int i = 0; i < 4; ++i)
             call(array, u"Add", {ValueSamples(seed + static_cast<unsigned>(i)).any(2)});
         Bytes bytes = array.toBytes();
-        const std::size_t step = 1 + bytes.size() / 2000;
+        const std::size_t step = 1 + bytes.size() / support::rounds<std::size_t>(2000);
         for (std::size_t size = 0; size < bytes.size(); size += step) {
             const Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
             EXPECT_THROW(static_cast<void>(GenericValue::fromBytes(cut)), ListStreamException) << size;
