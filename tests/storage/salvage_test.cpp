@@ -89,7 +89,7 @@ TEST_P(Salvage, FindsAFileWithoutAttributesByTheName) {
     Bytes bytes = disk_.bytes;
     bytes[layout_.headerSize() + layout_.blockHeaderSize()] ^=
         std::byte{1}; // of the table, which has the name
-    const std::u16string_view name = u"kept";
+    constexpr std::string_view name("k\0e\0p\0t\0", 8);
     const auto text = std::as_bytes(std::span(name));
     std::size_t damaged = 0;
     for (auto at = bytes.begin();
