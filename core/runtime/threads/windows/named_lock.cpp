@@ -23,8 +23,6 @@ constexpr auto kSlice = std::chrono::milliseconds(20);
                                  {name, from_utf8(std::system_category().message(static_cast<int>(error)))});
 }
 
-} // namespace
-
 /// Whether the calling thread, which holds a mutex, held it before. The system lets it in again, by whatever
 /// handle, and counts: 1 is free, 0 is held, less is held more often.
 bool is_held_twice(HANDLE mutex) noexcept {
@@ -39,6 +37,8 @@ bool is_held_twice(HANDLE mutex) noexcept {
     State state{};
     return query(mutex, 0, &state, sizeof state, nullptr) >= 0 && state.count < 0;
 }
+
+} // namespace
 
 /// An object of the system that is found by a name and goes with its last handle.
 class NamedMemory {
