@@ -30,16 +30,17 @@ SharedZone shared(const std::optional<TimeZone>& zone) {
 /// Null for a file that is not there or holds no zone. Pipes and devices, which might never end, are not
 /// read.
 SharedZone zone_of_file(const fs::path& path) {
-    constexpr std::uintmax_t kMostBytes = 1 << 20; // real ones have 4 KiB
+    constexpr std::streamoff kMostBytes = 1 << 20; // real ones have 4 KiB
     std::error_code error;
     if (!fs::is_regular_file(path, error))
         return nullptr;
-    const std::uintmax_t size = fs::file_size(path, error);
-    if (error || size > kMostBytes)
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    const std::streamoff size = file.tellg();
+    if (size < 0 || size > kMostBytes)
         return nullptr;
-    std::ifstream file(path, std::ios::binary);
     std::string bytes(static_cast<std::size_t>(size), '\0');
-    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.seekg(0);
+    file.read(bytes.data(), size);
     bytes.resize(static_cast<std::size_t>(file.gcount()));
     return shared(read_zone_file(bytes));
 }
