@@ -30,7 +30,7 @@ Locale resource_locale() {
 
 void set_resource_locale(const Locale& locale) {
     own_locale() = locale;
-    thread_slots.locale.set(&own_locale());
+    thread_slots.locale.set(locale == Locale() ? nullptr : &own_locale());
 }
 
 } // namespace core::detail

@@ -9,7 +9,7 @@ namespace core::detail {
 [[nodiscard]] const Locale* own_resource_locale() noexcept;
 /// The locale of the calling thread's messages: its own, else that of the process's settings.
 [[nodiscard]] Locale resource_locale();
-/// Sets the calling thread's own.
+/// Sets the calling thread's own; Locale() takes it back.
 void set_resource_locale(const Locale& locale);
 
 } // namespace core::detail

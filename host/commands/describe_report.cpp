@@ -40,16 +40,13 @@ Kinds kinds_of(const ContextValueInfo& info) {
     return kinds;
 }
 
-/// Texts come in the language of the thread.
+/// Texts come in the language of the thread, which is that of the settings again behind it.
 class ThreadSpeaks {
   public:
     explicit ThreadSpeaks(const Locale& locale) { Thread::setResourceLocale(locale); }
     ThreadSpeaks(const ThreadSpeaks&) = delete;
     ThreadSpeaks& operator=(const ThreadSpeaks&) = delete;
-    ~ThreadSpeaks() { Thread::setResourceLocale(before_); }
-
-  private:
-    Locale before_ = Thread::getResourceLocale();
+    ~ThreadSpeaks() { Thread::setResourceLocale(Locale()); }
 };
 
 /// A text in both languages: `text` is given a locale and the alias of its names.

@@ -221,7 +221,8 @@ ExitCode parse_and_run(std::vector<std::string> arguments, Console& console) {
                  "corehost");
     frame_help(app, console);
     app.require_subcommand(1);
-    app.fallthrough(); // these options may stand behind the command, too
+    app.allow_windows_style_options(false); // "/a" is a path on every system
+    app.fallthrough();                      // these options may stand behind the command, too
     bool leaks = false;
     std::vector<std::string> modules;
     app.add_flag("--json", console.json,

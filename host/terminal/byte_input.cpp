@@ -73,6 +73,8 @@ std::size_t ByteInput::read(std::span<std::byte> bytes) {
     if (in_.bad())
         core::throw_file_error(core::messages::kFileRead, core::from_utf8(name_), errno);
     const auto count = static_cast<std::size_t>(in_.gcount());
+    if (in_.eof())
+        file_.close(); // the result may be to replace it, which not every disk does while it is open
     progress_.add(count);
     return count;
 }

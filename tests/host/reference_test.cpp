@@ -106,7 +106,7 @@ std::map<std::string, std::string> pages_in(const fs::path& folder) {
 class ReferencePagesTest : public FolderTest {};
 
 TEST_F(ReferencePagesTest, SayWhatTheLibrarySays) {
-    EXPECT_EQ(output_of("--reference '" + path("new") + '\''), "");
+    EXPECT_EQ(output_of("--reference \"" + path("new") + '"'), "");
     const auto written = pages_in(path("new"));
     const auto kept = pages_in(fs::path(CORE_SOURCE_DIR) / "docs/reference");
     for (const auto& [page, text] : written) {

@@ -60,7 +60,8 @@ TEST(Thread, TakesOverProcessAndLocaleAndHasAName) {
     EXPECT_TRUE(thread.join(0ms) && thread.finished()); // once more
     EXPECT_EQ(thread.name(), u"import");
     EXPECT_EQ(Thread::getResourceLocale(), Locale("ru"));
-    Thread::setResourceLocale(Locale("en"));
+    Thread::setResourceLocale(Locale());
+    EXPECT_EQ(Thread::getResourceLocale(), core::current_settings().locale);
 
     Thread none;
     EXPECT_TRUE(none.finished() && none.join(0ms));

@@ -36,7 +36,7 @@ namespace fs = std::filesystem;
 /// Where an inner file goes on disk; none for a name that leads out of the folder.
 std::optional<std::string> target_of(const Options& options, wstring_view name) {
     const fs::path relative = native_path(to_utf8(name)).lexically_normal();
-    const bool leadsOut = relative.empty() || relative.is_absolute() || *relative.begin() == ".." ||
+    const bool leadsOut = relative.empty() || relative.has_root_path() || *relative.begin() == ".." ||
                           !relative.has_filename() || relative == ".";
     if (leadsOut || name.find(u'\0') != wstring_view::npos)
         return std::nullopt;

@@ -95,7 +95,8 @@ class CORE_API Thread {
     /// Returns the locale of the messages shown to this thread's user. Until one is set, it is the locale of
     /// the process's settings.
     [[nodiscard]] static Locale getResourceLocale();
-    /// Sets the locale of the messages shown to this thread's user, until the thread ends.
+    /// Sets the locale of the messages shown to this thread's user, until the thread ends. Locale() takes it
+    /// back: the locale is again that of the process's settings.
     static void setResourceLocale(const Locale& locale);
     /// Waits for at least `time`, by the library's clock. Throws ThreadDeath.
     static void sleep(std::chrono::milliseconds time);
