@@ -6,11 +6,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 namespace {
 
 using namespace core;
+
+/// Windows refuses some names, and takes "\\" for "/".
+constexpr bool kTakesAnyName = std::filesystem::path::preferred_separator == '/';
 
 void require(bool condition) {
     if (!condition)
@@ -48,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string name = to_utf8(reference);
     if (name.find('\0') == std::string::npos && first.find('\0') == std::string::npos) {
         const std::string folder = first.empty() || first.ends_with('/') ? first : first + '/';
-        if (!first.empty())
+        if (!first.empty() && kTakesAnyName)
             require(file_path(join_url(file_url(first), reference)) == folder + name);
         require(matches_wildcard(reference, u"*") && matches_wildcard(reference, u"*" + reference));
     }

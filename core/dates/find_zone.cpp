@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <mutex>
 #include <unordered_map>
 
@@ -40,7 +41,7 @@ SharedZone zone_of_file(const fs::path& path) {
         return nullptr;
     std::string bytes(static_cast<std::size_t>(size), '\0');
     file.seekg(0);
-    file.read(bytes.data(), size);
+    file.read(bytes.data(), std::ssize(bytes));
     bytes.resize(static_cast<std::size_t>(file.gcount()));
     return shared(read_zone_file(bytes));
 }

@@ -2,6 +2,7 @@
 // Concerns: formats and sizes as a second reader sees them; the same from memory and from a file; sizes that
 // the data cannot hold; formats that the second reader does not write, made here; every beginning of a
 // picture.
+#include "tests/support/environment.h"
 #include "tests/support/file_helpers.h"
 
 #include <core/files/file_io.h>
@@ -96,7 +97,7 @@ std::string wmf(std::int16_t width, std::int16_t height, std::uint16_t unitsPerI
 
 TEST(Pictures, AreWhatASecondReaderSees) {
     const std::string python = "PATH=/usr/bin:$PATH python3 -B "; // that of the package python3-pil first
-    if (std::system((python + "-c 'import PIL' 2>/dev/null").c_str()) != 0)
+    if (support::output_of(python + "-c 'import PIL; print(1)' 2>/dev/null") != "1\n")
         GTEST_SKIP() << "no python3 with PIL";
     const std::string folder = support::new_folder("pictures").string();
     ASSERT_EQ(std::system((python + CORE_SOURCE_DIR "/tests/presentation/pictures.py " + folder + " >" +
