@@ -144,10 +144,10 @@ wstring result_text(::HRESULT result) {
     DWORD length =
         FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
                        static_cast<DWORD>(result), 0, buffer, sizeof buffer / sizeof *buffer, nullptr);
-    while (length > 0 && (buffer[length - 1] <= u' ' || buffer[length - 1] == u'.'))
+    while (length > 0 && (buffer[length - 1] <= L' ' || buffer[length - 1] == L'.'))
         --length;
     const wstring number = result_number(result);
-    return length > 0 ? wstring(buffer, length) + u" (" + number + u")" : number;
+    return length > 0 ? wstring(from_com(buffer), length) + u" (" + number + u")" : number;
 }
 
 void throw_failed_call(wstring_view member, ::HRESULT result, EXCEPINFO* info) {

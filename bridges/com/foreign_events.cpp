@@ -71,7 +71,7 @@ class ForeignEvents::Listener final : public IDispatch, private LiveObjectTracke
                                               DISPID* ids) noexcept override {
         if (count == 0 || names == nullptr || names[0] == nullptr || ids == nullptr)
             return E_INVALIDARG;
-        const int number = events_ != nullptr ? events_->find(names[0]) : -1;
+        const int number = events_ != nullptr ? events_->find(from_com(names[0])) : -1;
         std::fill_n(ids, count, DISPID_UNKNOWN);
         if (number >= 0)
             ids[0] = events_->at(number)->id;

@@ -64,7 +64,7 @@ int ForeignMembers::find(Table& table, wstring_view name) {
         return number;
     requireHere();
     wstring asked(name);
-    LPOLESTR units = asked.data();
+    LPOLESTR units = to_com(asked.data());
     DISPID id = DISPID_UNKNOWN;
     const ::HRESULT result = dispatch_->GetIDsOfNames(IID_NULL, &units, 1, LOCALE_USER_DEFAULT, &id);
     return SUCCEEDED(result) && id != DISPID_UNKNOWN ? table.add(name, id) : -1;

@@ -255,7 +255,7 @@ Value create_foreign(wstring_view nameOrId) {
     if (from_string(braces ? wstring_view(text).substr(1, text.size() - 2) : wstring_view(text), id))
         clsid = to_com(id);
     else
-        check(CLSIDFromProgID(text.c_str(), &clsid), messages::kNoClass, text);
+        check(CLSIDFromProgID(to_com(text.c_str()), &clsid), messages::kNoClass, text);
     ComPtr<::IUnknown> object;
     check(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
                            object.out()),

@@ -3,7 +3,6 @@
 
 #include <core/runtime/guid.h>
 
-#define NOMINMAX
 #include <ocidl.h>
 #include <oleauto.h>
 #include <olectl.h>
@@ -26,9 +25,17 @@ static_assert(sizeof(WCHAR) == sizeof(wchar));
 [[nodiscard]] inline GUID from_com(const ::GUID& id) noexcept {
     return std::bit_cast<GUID>(id);
 }
-/// Returns the units of a text as the automation system sees them, borrowed.
+/// Returns the units of a text as the automation system sees them, borrowed: on Windows its type for them is
+/// another one. Null stays null.
 [[nodiscard]] inline const WCHAR* to_com(const wchar* text) noexcept {
-    return text;
+    return reinterpret_cast<const WCHAR*>(text);
+}
+[[nodiscard]] inline WCHAR* to_com(wchar* text) noexcept {
+    return reinterpret_cast<WCHAR*>(text);
+}
+/// Returns the units of a text of the automation system as the library sees them, borrowed. Null stays null.
+[[nodiscard]] inline const wchar* from_com(const WCHAR* text) noexcept {
+    return reinterpret_cast<const wchar*>(text);
 }
 
 /// Holds one counted reference to an automation interface, or null.
@@ -101,7 +108,9 @@ class Bstr {
     /// Returns the text, borrowed.
     [[nodiscard]] wstring_view view() const noexcept { return view(text_); }
     /// Returns the units of a text, borrowed; null is the empty text.
-    [[nodiscard]] static wstring_view view(BSTR text) noexcept { return {text, SysStringLen(text)}; }
+    [[nodiscard]] static wstring_view view(BSTR text) noexcept {
+        return {from_com(text), SysStringLen(text)};
+    }
     /// Returns the text, borrowed.
     [[nodiscard]] BSTR get() const noexcept { return text_; }
     /// Returns the text, which the caller frees.

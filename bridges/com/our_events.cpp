@@ -33,7 +33,7 @@ void call_listener(IDispatch& listener, DISPID member, const wstring& name,
 DISPID member_of(IDispatch& listener, const IEventSource& source, int event) {
     for (const int alias : {kEnglish, kRussian}) {
         wstring name = source.getEventName(event, alias);
-        LPOLESTR units = name.data();
+        LPOLESTR units = to_com(name.data());
         DISPID id = DISPID_UNKNOWN;
         if (SUCCEEDED(listener.GetIDsOfNames(IID_NULL, &units, 1, LOCALE_USER_DEFAULT, &id)))
             return id;

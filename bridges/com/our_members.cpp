@@ -105,7 +105,7 @@ bool call_method(IContext_& context, int method, const CallArguments& arguments,
 } // namespace
 
 ::HRESULT find_members(IContext_* context, std::span<LPOLESTR> names, DISPID* ids) {
-    const wchar* const name = names.front();
+    const wchar* const name = from_com(names.front());
     if (context == nullptr || name == nullptr)
         return DISP_E_UNKNOWNNAME;
     const int method = context->findMethod(name);
@@ -115,7 +115,7 @@ bool call_method(IContext_& context, int method, const CallArguments& arguments,
     ::HRESULT result = S_OK;
     for (std::size_t i = 1; i < names.size(); ++i) {
         const int param =
-            method >= 0 && names[i] != nullptr ? find_parameter(*context, method, names[i]) : -1;
+            method >= 0 && names[i] != nullptr ? find_parameter(*context, method, from_com(names[i])) : -1;
         ids[i] = param >= 0 ? param : DISPID_UNKNOWN;
         if (param < 0)
             result = DISP_E_UNKNOWNNAME;

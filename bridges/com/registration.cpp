@@ -102,14 +102,14 @@ wstring own_file() {
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                        reinterpret_cast<const WCHAR*>(&system_is_here), &module);
     const DWORD length = GetModuleFileNameW(module, name, sizeof name / sizeof *name);
-    return {name, length};
+    return {from_com(name), length};
 }
 
 void set_key(const wstring& key, const wchar* name, wstring_view text) {
     const wstring value(text);
-    check(HRESULT_FROM_WIN32(
-              static_cast<DWORD>(RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), name, REG_SZ, value.c_str(),
-                                                 static_cast<DWORD>((value.size() + 1) * sizeof(wchar))))),
+    check(HRESULT_FROM_WIN32(static_cast<DWORD>(
+              RegSetKeyValueW(HKEY_CLASSES_ROOT, to_com(key.c_str()), to_com(name), REG_SZ, value.c_str(),
+                              static_cast<DWORD>((value.size() + 1) * sizeof(wchar))))),
           messages::kNoClass, key);
 }
 
@@ -127,8 +127,8 @@ void enter_classes(bool enter) {
             set_key(u"CLSID\\" + id + u"\\ProgID", nullptr, name);
             set_key(name + u"\\CLSID", nullptr, id);
         } else {
-            RegDeleteTreeW(HKEY_CLASSES_ROOT, (u"CLSID\\" + id).c_str());
-            RegDeleteTreeW(HKEY_CLASSES_ROOT, name.c_str());
+            RegDeleteTreeW(HKEY_CLASSES_ROOT, to_com((u"CLSID\\" + id).c_str()));
+            RegDeleteTreeW(HKEY_CLASSES_ROOT, to_com(name.c_str()));
         }
     }
 }

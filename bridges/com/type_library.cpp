@@ -169,7 +169,7 @@ Value type_library_value(const Value& fileOrObject) {
     ComPtr<ITypeLib> library;
     if (const wstring_view* const file = fileOrObject.asString()) {
         const wstring name(*file);
-        check_given(LoadTypeLibEx(name.c_str(), REGKIND_NONE, library.typed()), library,
+        check_given(LoadTypeLibEx(to_com(name.c_str()), REGKIND_NONE, library.typed()), library,
                     messages::kTypeLibrary, name);
     } else {
         bool nothing = false;

@@ -78,7 +78,7 @@ class InterfaceWriter {
         }
         std::vector<LPOLESTR> units;
         for (wstring& one : names)
-            units.push_back(one.data());
+            units.push_back(to_com(one.data()));
         // Both halves of a property share its name.
         static_cast<void>(type_.SetFuncAndParamNames(index_, units.data(), static_cast<UINT>(units.size())));
     }
@@ -95,7 +95,7 @@ ComPtr<ICreateTypeInfo> add_type(ICreateTypeLib2& library, const wstring& name, 
                                  const ::GUID& id, WORD flags, wstring_view file) {
     wstring text = name;
     ComPtr<ICreateTypeInfo> type;
-    check(library.CreateTypeInfo(text.data(), kind, type.typed()), messages::kTypeLibrary, file);
+    check(library.CreateTypeInfo(to_com(text.data()), kind, type.typed()), messages::kTypeLibrary, file);
     check(type->SetGuid(id), messages::kTypeLibrary, file);
     check(type->SetTypeFlags(flags), messages::kTypeLibrary, file);
     return type;
@@ -105,7 +105,7 @@ ComPtr<ICreateTypeInfo> add_type(ICreateTypeLib2& library, const wstring& name, 
 ComPtr<ITypeInfo> dispatch_type(wstring_view file) {
     ComPtr<ITypeLib> system;
     ComPtr<ITypeInfo> dispatch;
-    check(LoadTypeLib(u"stdole2.tlb", system.typed()), messages::kTypeLibrary, file);
+    check(LoadTypeLib(to_com(u"stdole2.tlb"), system.typed()), messages::kTypeLibrary, file);
     check(system->GetTypeInfoOfGuid(IID_IDispatch, dispatch.typed()), messages::kTypeLibrary, file);
     return dispatch;
 }
@@ -140,9 +140,9 @@ void write_type(ICreateTypeLib2& library, ITypeInfo& dispatch, IType& type, wstr
 
 void write_type_library(const wstring& file) {
     ComPtr<ICreateTypeLib2> library;
-    check(CreateTypeLib2(SYS_WIN64, file.c_str(), library.typed()), messages::kTypeLibrary, file);
+    check(CreateTypeLib2(SYS_WIN64, to_com(file.c_str()), library.typed()), messages::kTypeLibrary, file);
     wstring name = u"Core";
-    check(library->SetName(name.data()), messages::kTypeLibrary, file);
+    check(library->SetName(to_com(name.data())), messages::kTypeLibrary, file);
     check(library->SetGuid(to_com(kLibrary)), messages::kTypeLibrary, file);
     check(library->SetVersion(1, 0), messages::kTypeLibrary, file);
     check(library->SetLcid(LOCALE_NEUTRAL), messages::kTypeLibrary, file);

@@ -7,13 +7,48 @@
 #include <core/strings/compare.h>
 #include <core/strings/integer_text.h>
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 
 namespace core::com {
 namespace {
 
-__extension__ using Wide = unsigned __int128;
+/// A whole number of 96 bits. Not every processor has a type for it.
+class Mantissa {
+  public:
+    Mantissa() = default;
+    explicit Mantissa(const DECIMAL& decimal) noexcept
+        : words_{static_cast<std::uint32_t>(decimal.Lo64), static_cast<std::uint32_t>(decimal.Lo64 >> 32U),
+                 static_cast<std::uint32_t>(decimal.Hi32)} {}
+
+    [[nodiscard]] bool isZero() const noexcept { return (words_[0] | words_[1] | words_[2]) == 0; }
+    [[nodiscard]] std::uint64_t low() const noexcept { return std::uint64_t{words_[1]} << 32U | words_[0]; }
+    [[nodiscard]] std::uint32_t high() const noexcept { return words_[2]; }
+    /// Appends a decimal digit; false when it has no room.
+    bool append(unsigned digit) noexcept {
+        std::uint64_t carry = digit;
+        for (std::uint32_t& word : words_) {
+            carry += std::uint64_t{word} * 10;
+            word = static_cast<std::uint32_t>(carry);
+            carry >>= 32U;
+        }
+        return carry == 0;
+    }
+    /// Takes the last decimal digit off.
+    unsigned takeLast() noexcept {
+        std::uint64_t rest = 0;
+        for (auto word = words_.rbegin(); word != words_.rend(); ++word) {
+            rest = rest << 32U | *word;
+            *word = static_cast<std::uint32_t>(rest / 10);
+            rest %= 10;
+        }
+        return static_cast<unsigned>(rest);
+    }
+
+  private:
+    std::array<std::uint32_t, 3> words_{}; // the lowest comes first
+};
 
 struct TypeName {
     VARTYPE type;
@@ -87,16 +122,15 @@ bool to_decimal(const Numeric& number, DECIMAL& out) {
     const std::size_t count = number.digits(digits, kDigits);
     if (places > kPlaces || count > kDigits)
         return false;
-    Wide mantissa = 0;
+    Mantissa mantissa;
     for (std::size_t i = 0; i < count; ++i)
-        mantissa = mantissa * 10 + static_cast<unsigned>(digits[i] - '0');
-    if (mantissa >> 96U != 0)
-        return false;
+        if (!mantissa.append(static_cast<unsigned>(digits[i] - '0')))
+            return false;
     out = DECIMAL{};
     out.scale = static_cast<BYTE>(places);
     out.sign = number.sign() < 0 ? DECIMAL_NEG : 0;
-    out.Lo64 = static_cast<std::uint64_t>(mantissa);
-    out.Hi32 = static_cast<ULONG>(mantissa >> 64U);
+    out.Lo64 = mantissa.low();
+    out.Hi32 = mantissa.high();
     return true;
 }
 
@@ -104,14 +138,13 @@ Numeric from_decimal(const DECIMAL& decimal) {
     constexpr unsigned kMostPlaces = 28;
     if (decimal.scale > kMostPlaces || (decimal.sign & ~DECIMAL_NEG) != 0)
         throw_error<COMException>(messages::kBadType, {type_name(VT_DECIMAL)});
-    Wide mantissa = static_cast<Wide>(decimal.Hi32) << 64U | decimal.Lo64;
+    Mantissa mantissa(decimal);
     char text[kMostPlaces + 34];
     char* begin = text + sizeof text;
-    for (unsigned place = 0; mantissa != 0 || place <= decimal.scale; ++place) {
+    for (unsigned place = 0; !mantissa.isZero() || place <= decimal.scale; ++place) {
         if (place == decimal.scale && place != 0)
             *--begin = '.';
-        *--begin = static_cast<char>('0' + static_cast<int>(mantissa % 10));
-        mantissa /= 10;
+        *--begin = static_cast<char>('0' + mantissa.takeLast());
     }
     if (decimal.sign != 0)
         *--begin = '-';

@@ -13,8 +13,9 @@ LIBRARIES = ("CLI", "boost", "fmt", "nlohmann", "unicode", "xxhash.h")
 HEADERS = "/usr/include"
 FOLDER = "build/windows/headers"
 JOINED = 12
-DEFINITIONS = ("CORE_BUILDING", "CORE_SCRIPT_BUILDING", 'CORE_VERSION="0"', "FMT_HEADER_ONLY", "NOMINMAX", "UNICODE",
-               "WIN32_LEAN_AND_MEAN", "_WIN32_WINNT=0x0A00", "NTDDI_VERSION=0x0A000006")
+DEFINITIONS = ("FMT_HEADER_ONLY", "NOMINMAX", "UNICODE", "WIN32_LEAN_AND_MEAN", "_WIN32_WINNT=0x0A00",
+               "NTDDI_VERSION=0x0A000006")
+OWN = ("CORE_BUILDING", "CORE_SCRIPT_BUILDING", 'CORE_VERSION="0"')
 
 
 def link_headers():
@@ -26,7 +27,7 @@ def link_headers():
 
 
 def wanted(name):
-    return name.startswith(("core/", "host/")) and name.endswith(".cpp") and "/posix/" not in name
+    return name.startswith(("core/", "host/", "bridges/")) and name.endswith(".cpp") and "/posix/" not in name
 
 
 def joined():
@@ -37,10 +38,15 @@ def joined():
     return [names[i:i + JOINED] for names in map(sorted, folders.values()) for i in range(0, len(names), JOINED)]
 
 
-def findings_in(compiler, names):
+def public_headers():
+    """As a program of others sees them."""
+    return [name for name in tree.sources() if name.startswith("include/") and name.endswith(".h")]
+
+
+def findings_in(compiler, names, definitions):
     command = [compiler, "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Werror",
                "-Wno-subobject-linkage", "-I", "include", "-I", ".", "-isystem", FOLDER,
-               *(f"-D{word}" for word in DEFINITIONS), "-x", "c++", "-"]
+               *(f"-D{word}" for word in DEFINITIONS + definitions), "-x", "c++", "-"]
     source = "".join(f'#include "{name}"\n' for name in names)
     code, output = tree.run(*command, given=source)
     return [line for line in output.splitlines() if re.search(r"\b(error|warning):", line)] if code else []
@@ -52,5 +58,6 @@ def findings():
         return []
     link_headers()
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        every = [pool.submit(findings_in, compiler, names) for names in joined() for compiler in compilers]
+        groups = [(names, OWN) for names in joined()] + [(public_headers(), ())]
+        every = [pool.submit(findings_in, compiler, *group) for group in groups for compiler in compilers]
         return sorted({line for found in every for line in found.result()})

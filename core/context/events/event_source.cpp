@@ -11,9 +11,16 @@ const EventNames& event_names(const EventBase& event) noexcept {
     return event.names();
 }
 
+/// Which of an object's events a connection is with.
+struct EventNumber {
+    static void set(Connection& connection, int number) noexcept {
+        connection.number_ |= static_cast<ConnectionNumber>(number) << kEventShift;
+    }
+};
+
 Connection event_connect(EventBase& event, IEventSink* sink, int number) {
     Connection made = event.connectSink(sink);
-    made.number_ |= static_cast<ConnectionNumber>(number) << kEventShift;
+    EventNumber::set(made, number);
     return made;
 }
 

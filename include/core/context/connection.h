@@ -18,12 +18,11 @@ inline constexpr ConnectionNumber kNoConnection = 0;
 
 class Connection;
 class EventBase;
-class IEventSink;
 
 namespace detail {
 
 class SinkTable;
-[[nodiscard]] CORE_API Connection event_connect(EventBase& event, IEventSink* sink, int number);
+struct EventNumber;
 
 } // namespace detail
 
@@ -63,7 +62,7 @@ class CORE_API Connection {
 
   private:
     friend class EventBase;
-    friend Connection detail::event_connect(EventBase& event, IEventSink* sink, int number);
+    friend struct detail::EventNumber;
     /// Takes over a hold on the table.
     Connection(detail::SinkTable& table, ConnectionNumber number) noexcept
         : table_(&table), number_(number) {}

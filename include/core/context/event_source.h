@@ -105,6 +105,7 @@ struct EventOps {
 
 // For EventSourceImpl, which knows no more of events than that there are some.
 [[nodiscard]] CORE_API const EventNames& event_names(const EventBase& event) noexcept;
+[[nodiscard]] CORE_API Connection event_connect(EventBase& event, IEventSink* sink, int number);
 [[nodiscard]] CORE_API bool event_disconnect(EventBase& event, ConnectionNumber connection) noexcept;
 /// Throws ContextException: no event has that number.
 [[noreturn]] CORE_API void bad_event(int event);

@@ -33,7 +33,7 @@ class ByHand : public IDispatch {
     }
     ::HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* name, UINT, LCID,
                                               DISPID* id) noexcept override {
-        const bool known = wstring_view(*name) == u"Changed";
+        const bool known = wstring_view(from_com(*name)) == u"Changed";
         *id = known ? kChanged : DISPID_UNKNOWN;
         return known ? S_OK : DISP_E_UNKNOWNNAME;
     }

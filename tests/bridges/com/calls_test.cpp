@@ -44,7 +44,7 @@ class Call {
         texts.insert(texts.end(), names_.begin(), names_.end());
         std::vector<LPOLESTR> names;
         for (wstring& text : texts)
-            names.push_back(text.data());
+            names.push_back(to_com(text.data()));
         std::vector<DISPID> ids(names.size());
         ::HRESULT answer = object_->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()),
                                                   LOCALE_USER_DEFAULT, ids.data());

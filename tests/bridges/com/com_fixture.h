@@ -56,11 +56,18 @@ class ComTest : public ::testing::Test {
     host::HostProcess process_;
 };
 
+/// The path of a file in the folder for temporary files, as the automation system takes it.
+inline wstring temporary_file(wstring_view name) {
+    WCHAR folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    return from_com(folder) + wstring(name);
+}
+
 /// Calls a member of an automation object by its name; what it returns, as a value.
 inline ::HRESULT call(IDispatch& object, const wchar* name, WORD how, std::span<VARIANT> reversed,
                       VARIANT* result, EXCEPINFO* info = nullptr) {
     wstring units = name;
-    LPOLESTR text = units.data();
+    LPOLESTR text = to_com(units.data());
     DISPID id = DISPID_UNKNOWN;
     ::HRESULT answer = object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
     if (FAILED(answer))

@@ -48,13 +48,13 @@ class Site final : public IActiveScriptSite {
   public:
     Site(const wchar* engine, IDispatch* maker) : maker_(maker) {
         CLSID id;
-        EXPECT_EQ(CLSIDFromProgID(engine, &id), S_OK);
+        EXPECT_EQ(CLSIDFromProgID(to_com(engine), &id), S_OK);
         EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IActiveScript, script_.out()),
                   S_OK);
-        script_->QueryInterface(IID_IActiveScriptParse, parse_.out());
+        script_->QueryInterface(__uuidof(IActiveScriptParse), parse_.out());
         parse_->InitNew();
         script_->SetScriptSite(this);
-        script_->AddNamedItem(u"Maker", SCRIPTITEM_ISVISIBLE);
+        script_->AddNamedItem(to_com(u"Maker"), SCRIPTITEM_ISVISIBLE);
         script_->SetScriptState(SCRIPTSTATE_STARTED);
     }
     ~Site() { script_->Close(); }
@@ -62,8 +62,9 @@ class Site final : public IActiveScriptSite {
     /// Runs a script; returns the description of its failure with the source in brackets, empty without one.
     std::string run(const std::string& code) {
         error_.clear();
-        const ::HRESULT result = parse_->ParseScriptText(from_utf8(code).c_str(), nullptr, nullptr, nullptr,
-                                                         0, 0, SCRIPTTEXT_ISVISIBLE, nullptr, nullptr);
+        const ::HRESULT result =
+            parse_->ParseScriptText(to_com(from_utf8(code).c_str()), nullptr, nullptr, nullptr, 0, 0,
+                                    SCRIPTTEXT_ISVISIBLE, nullptr, nullptr);
         return FAILED(result) && error_.empty() ? "failed" : error_;
     }
 

@@ -39,13 +39,11 @@ class Source final : public ByHand,
                      public IProvideClassInfo2 {
   public:
     Source() {
-        WCHAR folder[MAX_PATH];
-        GetTempPathW(MAX_PATH, folder);
-        const wstring file = wstring(folder) + u"core_event_source.tlb";
+        const wstring file = temporary_file(u"core_event_source.tlb");
         ComPtr<ICreateTypeLib2> library;
-        EXPECT_EQ(CreateTypeLib2(SYS_WIN64, file.c_str(), library.typed()), S_OK);
+        EXPECT_EQ(CreateTypeLib2(SYS_WIN64, to_com(file.c_str()), library.typed()), S_OK);
         wstring name = u"EventSource";
-        library->SetName(name.data());
+        library->SetName(to_com(name.data()));
         library->SetGuid(kLibraryId);
         const auto own = add(*library.get(), u"Own", kOwnId);
         const auto events = add(*library.get(), u"OwnEvents", kEventsId);
@@ -62,7 +60,7 @@ class Source final : public ByHand,
         EXPECT_EQ(events->AddFuncDesc(0, &changed), S_OK);
         wstring member = u"Changed";
         wstring amount = u"Amount";
-        LPOLESTR units[] = {member.data(), amount.data()};
+        LPOLESTR units[] = {to_com(member.data()), to_com(amount.data())};
         EXPECT_EQ(events->SetFuncAndParamNames(0, units, 2), S_OK);
         EXPECT_EQ(own->LayOut(), S_OK);
         EXPECT_EQ(events->LayOut(), S_OK);
@@ -133,12 +131,12 @@ class Source final : public ByHand,
   private:
     static ComPtr<ICreateTypeInfo> add(ICreateTypeLib2& library, wstring name, const ::GUID& id) {
         ComPtr<ICreateTypeInfo> type;
-        EXPECT_EQ(library.CreateTypeInfo(name.data(), TKIND_DISPATCH, type.typed()), S_OK);
+        EXPECT_EQ(library.CreateTypeInfo(to_com(name.data()), TKIND_DISPATCH, type.typed()), S_OK);
         type->SetGuid(id);
         ComPtr<ITypeLib> system;
         ComPtr<ITypeInfo> dispatch;
         HREFTYPE base = 0;
-        EXPECT_EQ(LoadTypeLib(u"stdole2.tlb", system.typed()), S_OK);
+        EXPECT_EQ(LoadTypeLib(to_com(u"stdole2.tlb"), system.typed()), S_OK);
         EXPECT_EQ(system->GetTypeInfoOfGuid(IID_IDispatch, dispatch.typed()), S_OK);
         EXPECT_EQ(type->AddRefTypeInfo(dispatch.get(), &base), S_OK);
         EXPECT_EQ(type->AddImplType(0, base), S_OK);

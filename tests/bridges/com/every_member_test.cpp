@@ -3,6 +3,7 @@
 // bridge does. What there is comes from the live definitions, so that a new type cannot be forgotten.
 #include "tests/bridges/com/engine_site.h"
 #include "tests/bridges/com/samples.h"
+#include "tests/support/new_folder.h"
 
 #include <core/strings/term.h>
 #include <core/values/type_service.h>
@@ -84,9 +85,7 @@ const std::map<std::string, const char*> kNoObjects = {
 
 class ComEveryMember : public ComEngineTest {
   protected:
-    ComEveryMember() : before_(std::filesystem::current_path()) {
-        std::string name = (std::filesystem::temp_directory_path() / "core_com_XXXXXX").string();
-        folder_ = ::mkdtemp(name.data());
+    ComEveryMember() : before_(std::filesystem::current_path()), folder_(support::new_folder("core_com")) {
         std::filesystem::current_path(folder_);
         maker_->making = [this](const wstring& type) {
             GenericValue sample = sample_of(type);

@@ -168,7 +168,7 @@ class Liar final : public ByHand {
             return DISP_E_MEMBERNOTFOUND;
         if (lie_ == Lie::walkFails) {
             if (info != nullptr)
-                info->bstrDescription = SysAllocString(u"out of order");
+                info->bstrDescription = SysAllocString(to_com(u"out of order"));
             return DISP_E_EXCEPTION;
         }
         if (lie_ != Lie::walkCount)

@@ -16,7 +16,7 @@ using GetClass = ::HRESULT(WINAPI*)(REFCLSID clsid, REFIID iid, void** out);
 /// The library as another program loads it, which knows nothing of us.
 class Server {
   public:
-    Server() : module_(LoadLibraryW(from_utf8("Z:" CORE_COM_LIBRARY).c_str())) {
+    Server() : module_(LoadLibraryW(to_com(from_utf8("Z:" CORE_COM_LIBRARY).c_str()))) {
         EXPECT_NE(module_, nullptr);
     }
     template <class F>
@@ -33,7 +33,7 @@ TEST(ComServer, OtherProgramsMakeOurObjects) {
     ASSERT_EQ(server.function<Action>("DllRegisterServer")(), S_OK);
     const auto canUnload = server.function<Action>("DllCanUnloadNow");
     CLSID id;
-    ASSERT_EQ(CLSIDFromProgID(u"Core.Array", &id), S_OK);
+    ASSERT_EQ(CLSIDFromProgID(to_com(u"Core.Array"), &id), S_OK);
     {
         ComPtr<IDispatch> array;
         ASSERT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, array.out()), S_OK);
@@ -50,7 +50,7 @@ TEST(ComServer, OtherProgramsMakeOurObjects) {
     void* none = nullptr;
     EXPECT_EQ(getClass(IID_IUnknown, IID_IClassFactory, &none), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(server.function<Action>("DllUnregisterServer")(), S_OK);
-    EXPECT_NE(CLSIDFromProgID(u"Core.Array", &id), S_OK);
+    EXPECT_NE(CLSIDFromProgID(to_com(u"Core.Array"), &id), S_OK);
 }
 
 TEST_F(ComTest, ThePageRuns) {
@@ -65,26 +65,24 @@ TEST_F(ComTest, ThePageRuns) {
 }
 
 TEST_F(ComTest, TheTypeLibrarySaysWhatCallsAnswer) {
-    WCHAR folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    const wstring file = wstring(folder) + u"core_bridge_test.tlb";
+    const wstring file = temporary_file(u"core_bridge_test.tlb");
     service().writeTypeLibrary(file);
     ComPtr<ITypeLib> library;
-    ASSERT_EQ(LoadTypeLibEx(file.c_str(), REGKIND_NONE, library.typed()), S_OK);
+    ASSERT_EQ(LoadTypeLibEx(to_com(file.c_str()), REGKIND_NONE, library.typed()), S_OK);
     ComPtr<ITypeInfo> type;
     MEMBERID member = 0;
     USHORT count = 1;
     wstring name = u"IArray";
-    ASSERT_EQ(library->FindName(name.data(), 0, type.typed(), &member, &count), S_OK);
+    ASSERT_EQ(library->FindName(to_com(name.data()), 0, type.typed(), &member, &count), S_OK);
     ASSERT_EQ(count, 1);
     wstring add = u"Add";
-    LPOLESTR units = add.data();
+    LPOLESTR units = to_com(add.data());
     MEMBERID id = 0;
     ASSERT_EQ(type->GetIDsOfNames(&units, 1, &id), S_OK);
     EXPECT_EQ(id, id_of_name(u"Add"));
     library = {};
     type = {};
-    DeleteFileW(file.c_str());
+    DeleteFileW(to_com(file.c_str()));
 }
 
 } // namespace

@@ -231,7 +231,7 @@ TEST_F(ComValues, TypedVariablesTakeTheirTypeOrRefuse) {
     EXPECT_EQ(failure([&] { to_reference(Value(std::int64_t{1} << 40), reference, {}); }), "COM_NOT_EXACT");
     EXPECT_EQ(failure([&] { to_reference(Value(u"7"), reference, {}); }), "COM_NOT_EXACT");
     EXPECT_EQ(whole, 7);
-    BSTR text = SysAllocString(u"old");
+    BSTR text = SysAllocString(to_com(u"old"));
     V_VT(&reference) = VT_BSTR | VT_BYREF;
     V_BSTRREF(&reference) = &text;
     to_reference(Value(u"new"), reference, {});
@@ -303,13 +303,11 @@ TEST_F(ComValues, TablesAreTwoDimensions) {
 /// A record type of a type library.
 ComPtr<IRecordInfo> make_record(const wstring& name) {
     constexpr ::GUID kRecord{0x6d2c81a4, 0x31b5, 0x4f0e, {0x92, 0x7a, 0x5c, 0x0e, 0xd1, 0x48, 0xb3, 0x04}};
-    WCHAR folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    const wstring file = wstring(folder) + u"core_record.tlb";
+    const wstring file = temporary_file(u"core_record.tlb");
     ComPtr<ICreateTypeLib2> library;
-    EXPECT_EQ(CreateTypeLib2(SYS_WIN64, file.c_str(), library.typed()), S_OK);
+    EXPECT_EQ(CreateTypeLib2(SYS_WIN64, to_com(file.c_str()), library.typed()), S_OK);
     ComPtr<ICreateTypeInfo> made;
-    EXPECT_EQ(library->CreateTypeInfo(wstring(name).data(), TKIND_RECORD, made.typed()), S_OK);
+    EXPECT_EQ(library->CreateTypeInfo(to_com(wstring(name).data()), TKIND_RECORD, made.typed()), S_OK);
     EXPECT_EQ(made->SetGuid(kRecord), S_OK);
     VARDESC field{};
     field.varkind = VAR_PERINSTANCE;
