@@ -39,6 +39,13 @@ StorageRW container_in_memory() {
 
 } // namespace
 
+// Constants that a program takes by reference: a library of Windows exports those that are defined.
+constexpr OpenMode Container::read;
+constexpr OpenMode Container::change;
+constexpr OpenMode Container::create;
+constexpr OpenMode Container::createNew;
+constexpr OpenMode Container::replace;
+
 Container::Container() : storage_(container_in_memory()) {}
 
 void Container::putValue(wstring_view name, const Value& value, ValueForm form) {

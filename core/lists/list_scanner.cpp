@@ -44,6 +44,10 @@ struct ListScanner::Input {
     BareToken bare;
 };
 
+// Constants that a program takes by reference: a library of Windows exports those that are defined.
+constexpr std::uint32_t ListScanner::kMaxDepth;
+constexpr std::size_t ListScanner::kPieceUnits;
+
 ListScanner::ListScanner(wistream& in) : input_(new Input(in)) {}
 ListScanner::~ListScanner() = default;
 

@@ -33,6 +33,10 @@ void Numeric::freeLimbs() noexcept {
     free_block(limbs_, capacity_ * sizeof(Limb));
 }
 
+// Constants that a program takes by reference: a library of Windows exports those that are defined.
+constexpr std::size_t Numeric::kInlineLimbs;
+constexpr std::size_t Numeric::kMaxLimbs;
+
 Numeric::Numeric(const Numeric& other)
     : count_(other.count_), fraction_(other.fraction_), sign_(other.sign_) {
     if (limbCount() > kInlineLimbs) {

@@ -12,6 +12,9 @@ constexpr std::size_t kName = 20;
 
 } // namespace
 
+// A program may take it by reference: a library of Windows exports constants that are defined.
+constexpr std::size_t StorageFileInfo::kLeastSize;
+
 std::optional<StorageFileInfo> StorageFileInfo::decode(std::span<const std::byte> record) {
     if (record.size() < kLeastSize)
         return std::nullopt;

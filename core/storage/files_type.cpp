@@ -9,6 +9,9 @@
 
 namespace core {
 
+// A program may take it by reference: a library of Windows exports constants that are defined.
+constexpr std::size_t StorageFilesType::kLongestName;
+
 StorageFilesType::StorageFilesType(const StorageLayout& layout)
     : table_(std::make_unique<FilesTable>(layout)) {}
 StorageFilesType::StorageFilesType(const StorageFilesType& other)

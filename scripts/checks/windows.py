@@ -52,12 +52,29 @@ def findings_in(compiler, names, definitions):
     return [line for line in output.splitlines() if re.search(r"\b(error|warning):", line)] if code else []
 
 
+def constants_without_definition():
+    """Constants of exported classes that a program may take by reference. Ids are used, and so defined, where they are."""
+    sources = "".join(tree.text(name) for name in tree.sources() if name.endswith(".cpp"))
+    missing = []
+    for name in public_headers():
+        holder, seen = "", False
+        for line in tree.text(name).splitlines():
+            if begin := re.match(r"(class|struct) (?:(CORE_API|CORE_SCRIPT_API) )?(\w+)(?!.*;)", line):
+                holder, seen = begin[3] if begin[2] else "", begin[1] == "struct"
+            if access := re.match(r"  (public|protected|private):", line):
+                seen = access[1] == "public"
+            constant = re.match(r"    static constexpr (?!GUID)[\w:]+ (\w+)(?: =|\{)", line)
+            if holder and seen and constant and f"{holder}::{constant[1]};" not in sources:
+                missing.append(f"{name}: {holder}::{constant[1]} has no definition, so that no library of Windows exports it")
+    return missing
+
+
 def findings():
     compilers = list(filter(shutil.which, COMPILERS))
     if not compilers:
-        return []
+        return constants_without_definition()
     link_headers()
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         groups = [(names, OWN) for names in joined()] + [(public_headers(), ())]
         every = [pool.submit(findings_in, compiler, *group) for group in groups for compiler in compilers]
-        return sorted({line for found in every for line in found.result()})
+        return constants_without_definition() + sorted({line for found in every for line in found.result()})

@@ -85,6 +85,9 @@ wstring loss_text(const Loss& loss) {
     return message_text(message_id(loss.reason), {named(loss.text)});
 }
 
+// A program may take it by reference: a library of Windows exports constants that are defined.
+constexpr std::size_t Losses::kKept;
+
 void Losses::add(Loss loss) {
     if (first_.size() < kKept)
         first_.push_back(std::move(loss));
