@@ -12,6 +12,7 @@
 #include <core/exchange/csv.h>
 #include <core/exchange/json.h>
 #include <core/files/errors.h>
+#include <core/runtime/threads/stop_scope.h>
 #include <core/runtime/utf8.h>
 #include <core/strings/char_class.h>
 #include <core/strings/names.h>
@@ -166,11 +167,18 @@ ExitCode query(const QueryOptions& options, Console& console) {
     script::Engine engine;
     connect(engine, console);
     std::vector<GenericValue> tables;
-    for (const std::string& file : files) {
-        tables.push_back(load(file, options, console));
-        if (const wstring name = variable_of(file); !name.empty()) {
+    try {
+        const Interrupts interrupts;
+        const StopScope stops(interrupts.token());
+        for (const std::string& file : files)
+            tables.push_back(load(file, options, console));
+    } catch (const ThreadDeath&) {
+        return fail(console, "IDS_HOST_INTERRUPTED", ExitCode::interrupted);
+    }
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (const wstring name = variable_of(files[i]); !name.empty()) {
             try {
-                engine.set(name, tables.back());
+                engine.set(name, tables[i]);
             } catch (const ContextException&) { // a word of the language; Table is there all the same
             }
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <core/runtime/threads/stop_token.h>
 #include <core/script/engine.h>
 
 #include <exception>
@@ -27,6 +28,8 @@ class Interrupts {
 
     /// Throws Interrupted once a signal has come.
     void check() const;
+    /// Asks for a stop once a signal has come; for a StopScope inside of this one's life.
+    [[nodiscard]] core::StopToken token() const;
     /// Whether a signal has come that asks the program to end, and not only its work.
     [[nodiscard]] bool asksForEnd() const noexcept;
 

@@ -6,12 +6,14 @@
 #include "tests/support/folder_test.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <thread>
@@ -23,10 +25,12 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-/// corehost with a script, in a process and a folder of its own.
+/// corehost with a command, in a process and a folder of its own.
 class Running {
   public:
-    Running(const std::string& script, const std::filesystem::path& folder) : ready_(folder / "ready") {
+    Running(const std::string& script, const std::filesystem::path& folder)
+        : Running({"corehost", "run", script}, folder) {}
+    Running(std::vector<std::string> words, const std::filesystem::path& folder) : ready_(folder / "ready") {
         std::filesystem::remove(ready_);
         int input[2];
         EXPECT_EQ(::pipe2(input, O_CLOEXEC), 0);
@@ -35,8 +39,12 @@ class Running {
             ::dup2(input[0], STDIN_FILENO);
             for (const int stream : {STDOUT_FILENO, STDERR_FILENO})
                 ::dup2(::open("/dev/null", O_WRONLY), stream);
+            std::vector<char*> arguments;
+            for (std::string& word : words)
+                arguments.push_back(word.data());
+            arguments.push_back(nullptr);
             if (::chdir(folder.c_str()) == 0)
-                ::execl(CORE_TEST_PROGRAM, "corehost", "run", script.c_str(), nullptr);
+                ::execv(CORE_TEST_PROGRAM, arguments.data());
             ::_exit(127);
         }
         ::close(input[0]);
@@ -60,6 +68,15 @@ class Running {
             std::this_thread::sleep_for(1ms);
         }
         return false;
+    }
+    /// Writes to its standard input and waits until that is read; false when it never is.
+    [[nodiscard]] bool hasRead(const std::string& text) const {
+        int left = ::write(in_, text.data(), text.size()) == std::ssize(text) ? 1 : 0;
+        for (int tries = 0; left != 0 && tries < 20'000; ++tries) {
+            std::this_thread::sleep_for(1ms);
+            ::ioctl(in_, FIONREAD, &left);
+        }
+        return left == 0;
     }
     void send(int signal) const { ::kill(child_, signal); }
     /// Its status once it has ended; nothing within `patience`.
@@ -129,6 +146,13 @@ TEST_F(InterruptTest, TheWaitForInputEnds) {
     Running program(file("s", "SaveText(\"ready\", \"\"); T = LoadCsv(\"-\")"), folder()); // nothing comes
     ASSERT_TRUE(program.isReady());
     std::this_thread::sleep_for(50ms);
+    program.send(SIGINT);
+    EXPECT_TRUE(is_interrupted(program.ended(5s)));
+}
+
+TEST_F(InterruptTest, AQueryEndsWhileItReads) {
+    Running program({"corehost", "query", "-", "Table"}, folder());
+    ASSERT_TRUE(program.hasRead("Name,Number\r\na,1\r\n"));
     program.send(SIGINT);
     EXPECT_TRUE(is_interrupted(program.ended(5s)));
 }

@@ -1,8 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/tables/query/group_table.h"
 
+#include <core/tables/errors.h>
+#include <core/values/errors.h>
+
 namespace core {
 namespace {
+
+/// What is computed, and has not been given a name, is called as it is written.
+void require_name(const wstring& name) {
+    if (!is_valid_name(name))
+        throw_error<ContextException>(messages::kColumnUnnamed, {name});
+}
 
 TableContent groups_alone(RowRange rows, std::span<const TableColumn* const> keys,
                           std::span<const BoundAggregate> aggregates, WorkWatch& watch) {
@@ -116,6 +125,10 @@ TableContent groups_with_totals(RowRange rows, std::span<const TableColumn* cons
 
 TableContent group_table(RowRange rows, std::span<const TableColumn* const> keys,
                          std::span<const BoundAggregate> aggregates, wstring_view levels, WorkWatch& watch) {
+    for (const TableColumn* const key : keys)
+        require_name(key->info.name);
+    for (const BoundAggregate& aggregate : aggregates)
+        require_name(aggregate.name);
     return levels.empty() ? groups_alone(rows, keys, aggregates, watch)
                           : groups_with_totals(rows, keys, aggregates, levels, watch);
 }

@@ -14,11 +14,13 @@ constexpr int kInterrupted = 130;
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<int> come{0}; // the signal
+std::atomic<bool> asked{false};
 std::atomic<core::script::Engine*> running{nullptr};
 
 void note(int signal) {
     if (come.exchange(signal) != 0)
         ::_exit(kInterrupted);
+    asked = true;
     if (core::script::Engine* const engine = running.load(); engine != nullptr)
         engine->interrupt();
 }
@@ -31,6 +33,7 @@ struct Interrupts::Before {
 
 Interrupts::Interrupts(core::script::Engine* engine) : before_(std::make_unique<Before>()) {
     come = 0;
+    asked = false;
     running = engine;
     struct sigaction action {};
     action.sa_handler = &note;
@@ -50,6 +53,10 @@ Interrupts::~Interrupts() {
 void Interrupts::check() const {
     if (come != 0)
         throw Interrupted();
+}
+
+core::StopToken Interrupts::token() const {
+    return core::StopToken({std::shared_ptr<void>(), &asked});
 }
 
 bool Interrupts::asksForEnd() const noexcept {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <mutex>
 #include <optional>
 
@@ -14,6 +15,7 @@ constexpr UINT kInterrupted = 130;
 // The system runs the handler on a thread of its own.
 std::mutex lock;
 std::optional<DWORD> come;
+std::atomic<bool> asked{false};
 core::script::Engine* running = nullptr;
 
 BOOL WINAPI note(DWORD event) {
@@ -21,6 +23,7 @@ BOOL WINAPI note(DWORD event) {
     if (come)
         ::ExitProcess(kInterrupted);
     come = event;
+    asked = true;
     if (running != nullptr)
         running->interrupt();
     return TRUE;
@@ -33,6 +36,7 @@ struct Interrupts::Before {};
 Interrupts::Interrupts(core::script::Engine* engine) {
     const std::lock_guard guard(lock);
     come.reset();
+    asked = false;
     running = engine;
     ::SetConsoleCtrlHandler(&note, TRUE);
 }
@@ -47,6 +51,10 @@ void Interrupts::check() const {
     const std::lock_guard guard(lock);
     if (come)
         throw Interrupted();
+}
+
+core::StopToken Interrupts::token() const {
+    return core::StopToken({std::shared_ptr<void>(), &asked});
 }
 
 bool Interrupts::asksForEnd() const noexcept {

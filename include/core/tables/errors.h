@@ -44,6 +44,8 @@ inline constexpr const char* kTotalOfMixed = "IDS_VT_TOTAL_OF_MIXED";
 inline constexpr const char* kTotalOfTexts = "IDS_VT_TOTAL_OF_TEXTS";
 /// A column cannot have that name; {0} is the name.
 inline constexpr const char* kBadColumnName = "IDS_VT_COLUMNCODE_ERROR";
+/// What is computed needs a name, as a column has one; {0} is how it is written.
+inline constexpr const char* kColumnUnnamed = "IDS_VT_COLUMN_UNNAMED";
 /// A column occurs twice, or its name is taken; {0} is the name.
 inline constexpr const char* kColumnTwice = "IDS_VT_COLUMNS_NOT_UNIQUE";
 /// A column is both grouped by and totalled; {0} is its name.
