@@ -167,8 +167,8 @@ ExitCode query(const QueryOptions& options, Console& console) {
     script::Engine engine;
     connect(engine, console);
     std::vector<GenericValue> tables;
+    const Interrupts interrupts(&engine);
     try {
-        const Interrupts interrupts;
         const StopScope stops(interrupts.token());
         for (const std::string& file : files)
             tables.push_back(load(file, options, console));
@@ -184,7 +184,6 @@ ExitCode query(const QueryOptions& options, Console& console) {
         }
     }
     try {
-        const Interrupts interrupts(&engine);
         const GenericValue result = run_steps(engine, tables.front(), from_utf8(options.words.back()));
         if (!result.isUndefined())
             print_value(result.query<IValueRow>() ? table_of_row(result) : result, console,
