@@ -13,4 +13,14 @@ inline constexpr bool kAddressSanitizer = true;
 inline constexpr bool kAddressSanitizer = false;
 #endif
 
+/// Whether the thread sanitizer watches: it keeps the whole stack of each allocation, which fills the memory
+/// where the stack is deep.
+#ifdef __has_feature
+inline constexpr bool kThreadSanitizer = __has_feature(thread_sanitizer);
+#elif defined(__SANITIZE_THREAD__)
+inline constexpr bool kThreadSanitizer = true;
+#else
+inline constexpr bool kThreadSanitizer = false;
+#endif
+
 } // namespace core::test
