@@ -18,7 +18,8 @@ Date local_time(Date universal) {
 /// What a container knows of a file. Times are local, as all dates of scripts; an empty one is not known.
 class ContainerFile : public ScriptObject<ContainerFile> {
   public:
-    static constexpr ClassNames names{u"ContainerFile", u"ФайлКонтейнера"};
+    static constexpr ClassNames names{u"ContainerFile", u"ФайлКонтейнера",
+                                      "IDS_TYPE_PRESENTATION_CONTAINERFILE"};
 
     ContainerFile() = default;
     explicit ContainerFile(const StorageFound& file)

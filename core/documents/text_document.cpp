@@ -41,7 +41,8 @@ class DocumentRange : public ScriptObject<DocumentRange> {
     // Scripts cannot make one; that a process can serves those that ask for the definition.
     static constexpr ScriptClass script = {.names = {u"TextRange", u"ДиапазонТекста"},
                                            .type = script_type_id(u"TextRange"),
-                                           .object = script_class_id(u"TextRange")};
+                                           .object = script_class_id(u"TextRange"),
+                                           .presentation = "IDS_TYPE_PRESENTATION_TEXTRANGE"};
 
     DocumentRange() : DocumentRange(std::make_shared<TextManager>(), {}, false) {}
     DocumentRange(std::shared_ptr<TextManager> manager, TextRange range, bool grows)

@@ -44,7 +44,8 @@ constexpr Parameter kFolder{u"Folder", u"Папка", by_default(u"")};
 /// Changes that are made together.
 class SettingsChanges : public ScriptObject<SettingsChanges> {
   public:
-    static constexpr ClassNames names{u"SettingsChanges", u"ИзмененияНастроек"};
+    static constexpr ClassNames names{u"SettingsChanges", u"ИзмененияНастроек",
+                                      "IDS_TYPE_PRESENTATION_SETTINGSCHANGES"};
 
     void set(wstring_view path, const Value& value) { changes_.set(wstring(path), value); }
     void remove(wstring_view path) { changes_.remove(wstring(path)); }

@@ -13,7 +13,8 @@ class TextMatch : public ScriptObject<TextMatch> {
     // Scripts cannot make one; that a process can serves those that ask for the definition.
     static constexpr ScriptClass script = {.names = {u"TextMatch", u"СовпадениеТекста"},
                                            .type = script_type_id(u"TextMatch"),
-                                           .object = script_class_id(u"TextMatch")};
+                                           .object = script_class_id(u"TextMatch"),
+                                           .presentation = "IDS_TYPE_PRESENTATION_TEXTMATCH"};
 
     TextMatch() : TextMatch({}, 0, create_fixed_value_array({})) {}
     TextMatch(wstring_view text, std::size_t position, InterfacePtr<IValueSequence> groups)

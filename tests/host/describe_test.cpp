@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 
 namespace host {
@@ -126,6 +127,17 @@ TEST(DescribeTest, WhatAPersonReads) {
     const std::string null = corehost({"describe", "Null"}).out;
     EXPECT_TRUE(null.ends_with("\n\nNo properties or methods are known without an object.\n")) << null;
     EXPECT_EQ(array.out.find("No properties"), std::string::npos) << array.out;
+}
+
+TEST(DescribeTest, NoTypeIsPresentedByAScriptsName) {
+    for (const std::string language : {"en", "ru"}) {
+        for (const json& type : described({"--lang", language})) {
+            const std::string name = type["name"]["en"];
+            const bool isOneWord = std::none_of(name.begin() + 1, name.end(),
+                                                [](unsigned char unit) { return std::isupper(unit) != 0; });
+            EXPECT_TRUE(isOneWord || type["presentation"] != type["name"][language]) << name;
+        }
+    }
 }
 
 TEST(DescribeTest, OneThingAloneWithItsSentence) {

@@ -43,21 +43,22 @@ class ColorNames : public IContextImpl<IContextDefImpl<T>> {
 
 class WebColors : public ScriptObjectOver<WebColors, ColorNames<WebColors>> {
   public:
-    static constexpr ClassNames names{u"WebColors", u"ЦветаВеб"};
+    static constexpr ClassNames names{u"WebColors", u"ЦветаВеб", "IDS_TYPE_PRESENTATION_WEBCOLORS"};
     static constexpr ColorKind kKind = ColorKind::web;
     static std::span<const NamedColor> table() noexcept { return web_colors(); }
 };
 
 class WindowsColors : public ScriptObjectOver<WindowsColors, ColorNames<WindowsColors>> {
   public:
-    static constexpr ClassNames names{u"WindowsColors", u"ЦветаВиндовс"};
+    static constexpr ClassNames names{u"WindowsColors", u"ЦветаВиндовс",
+                                      "IDS_TYPE_PRESENTATION_WINDOWSCOLORS"};
     static constexpr ColorKind kKind = ColorKind::windows;
     static std::span<const NamedColor> table() noexcept { return windows_colors(); }
 };
 
 class StyleColors : public ScriptObjectOver<StyleColors, ColorNames<StyleColors>> {
   public:
-    static constexpr ClassNames names{u"StyleColors", u"ЦветаСтиля"};
+    static constexpr ClassNames names{u"StyleColors", u"ЦветаСтиля", "IDS_TYPE_PRESENTATION_STYLECOLORS"};
     static constexpr ColorKind kKind = ColorKind::style;
     static std::span<const NamedColor> table() noexcept { return style_colors(); }
 };
