@@ -5,6 +5,8 @@
 #include "host/language/run.h"
 #include "host/language/suggestions.h"
 
+#include <core/objects/enumeration.h>
+#include <core/runtime/threads/thread.h>
 #include <core/values/type_object.h>
 
 #include <string_view>
@@ -22,11 +24,22 @@ int find_first(const IContext_& context, std::initializer_list<const wchar*> nam
     return -1;
 }
 
+[[noreturn]] void throw_unknown_property(const IContext_& context, const GenericValue& object,
+                                         const wstring& name) {
+    const NearestName near = nearest_property(context, name);
+    // All enumerations are of one type, which says nothing of what was meant.
+    if (const auto enumeration = object.query<IEnumeration>()) {
+        const int language = Thread::getResourceLocale().isRussian() ? kRussian : kEnglish;
+        throw_unknown("IDS_SCRIPT_UNKNOWN_ENUMERATION_VALUE",
+                      {enumeration->valueType()->name(language), name}, near);
+    }
+    throw_unknown("IDS_SCRIPT_UNKNOWN_PROPERTY", {object.type().presentation(), name}, near);
+}
+
 int property_of(const IContext_& context, const GenericValue& object, const wstring& name) {
     const int prop = context.findProp(name.c_str());
     if (prop < 0)
-        throw_unknown("IDS_SCRIPT_UNKNOWN_PROPERTY", {object.type().presentation(), name},
-                      nearest_property(context, name));
+        throw_unknown_property(context, object, name);
     return prop;
 }
 

@@ -110,6 +110,7 @@ TEST_F(InterpreterTest, ObjectsByBothNamesInAnyCase) {
         {"a = 5; a.Count()",
          "! 1:10 A value of the type Number has no properties and methods, so it has no Count."},
         {"New Map.Property", "! 1:9 The type Map has no property Property."},
+        {"JoinKind.Iner", "! 1:10 The enumeration JoinKind has no value Iner. Did you mean Inner?"},
         {"a = New Map; a\n .Nothing(1)", "! 2:3 The type Map has no method Nothing."},
         {"a = New Structure(\"a\"); a.b = 1", "! 1:27 The type Structure has no property b."},
         {"a = New Array; a[0]", "! 1:17 The index 0 is out of bounds: the count is 0."},
