@@ -12,6 +12,17 @@
 #include <utility>
 
 namespace core {
+namespace {
+
+template <class Work>
+void ignore_failure(Work work) noexcept {
+    try {
+        work();
+    } catch (const std::exception&) {
+    }
+}
+
+} // namespace
 
 std::string name_beside() {
     return ".core-" + to_utf8(to_string(new_guid()));
@@ -19,7 +30,7 @@ std::string name_beside() {
 
 void IFileScheme::writeFile(const wstring& to, const FileWriter& write) {
     const wstring beside = to.substr(0, to.rfind(u'/') + 1) + from_utf8(name_beside());
-    const InterfacePtr<IFile> file = openURL(beside, OpenMode::createNew);
+    InterfacePtr<IFile> file = openURL(beside, OpenMode::createNew);
     try {
         write(*file);
         file->flush();
@@ -27,12 +38,10 @@ void IFileScheme::writeFile(const wstring& to, const FileWriter& write) {
         moveFile(beside, to);
     } catch (...) {
         const std::exception_ptr error = std::current_exception();
-        try {
-            file->close();
-            remove(beside);
-        } catch (const std::exception&) {
-            // What is reported is why the file was not written.
-        }
+        // What is reported is why the file was not written. A file that cannot be closed goes all the same.
+        ignore_failure([&] { file->close(); });
+        file = nullptr;
+        ignore_failure([&] { remove(beside); });
         std::rethrow_exception(error);
     }
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/file_helpers.h"
+#include "tests/support/hooked_file.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -91,6 +92,43 @@ TEST_P(EveryScheme, WritesAWholeFileOrNone) {
     const std::string longest(255, 'n');
     system_->writeFile(url(longest), [](IFile&) {});
     EXPECT_EQ(list("*"), "a:5 " + longest + ":0 ") << "no longer name is needed on the way";
+}
+
+/// A file that cannot be closed.
+class Unclosable : public test::HookedFile {
+  public:
+    using HookedFile::HookedFile;
+    void close() override { throw_file_error(messages::kFileWrite, url(), ENOSPC); }
+};
+
+/// A scheme that says no more than it must; its files lie in memory.
+class PlainScheme : public IFileScheme {
+  public:
+    using Interfaces = InterfaceList<IFileScheme>;
+    explicit PlainScheme(IFileSystem& files) : files_(files.findScheme(u"mem")) {}
+    const wstring& schemeName() const noexcept override { return name_; }
+    URL parseURL(const wstring& url) const override { return split_url(url); }
+    InterfacePtr<IFile> openURL(const wstring& url, OpenMode mode) override {
+        return SCOM_InternalClass<Unclosable>::create(files_->openURL(url, mode), test::FileHooks());
+    }
+    std::vector<FileInfo> findFile(const wstring& pattern) override { return files_->findFile(pattern); }
+    std::size_t remove(const wstring& pattern) override { return files_->remove(pattern); }
+    void copyFile(const wstring& from, const wstring& to) override { files_->copyFile(from, to); }
+    void moveFile(const wstring& from, const wstring& to) override { files_->moveFile(from, to); }
+
+  private:
+    InterfacePtr<IFileScheme> files_;
+    wstring name_ = u"plain";
+};
+
+TEST(PlainSchemeTest, AFileThatCannotBeClosedLeavesNothing) {
+    const auto system = create_file_system();
+    system->registerScheme(make_object<PlainScheme>(*system).get());
+    EXPECT_EQ(reason_of([&] {
+                  system->writeFile(u"plain://a", [](IFile& file) { write_all(file, bytes_of("half")); });
+              }),
+              ENOSPC);
+    EXPECT_TRUE(system->findFile(u"mem://*").empty());
 }
 
 TEST(DiskScheme, APathWithAZeroByteIsNoOtherPath) {
