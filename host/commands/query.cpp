@@ -141,8 +141,7 @@ GenericValue load(const std::string& file, const QueryOptions& options, Console&
                          csv);
     }
     for (const Loss& loss : std::span(losses.first()).first(std::min<std::size_t>(losses.first().size(), 5)))
-        show_failure(console, from_utf8(file + ':' + std::to_string(loss.line) + ": ") + loss.column + u": " +
-                                  loss_text(loss));
+        show_failure_in(console, from_utf8(file), loss.line, loss.column + u": " + loss_text(loss));
     return Value(table.query<IValue>());
 }
 

@@ -6,6 +6,7 @@
 #include <core/exchange/column_text.h>
 #include <core/exchange/json.h>
 #include <core/runtime/utf8.h>
+#include <core/strings/integer_text.h>
 #include <core/values/generic_value.h>
 
 #include <unicode/utf16.h>
@@ -70,14 +71,22 @@ std::string in_json(const core::wstring& text) {
     return core::to_json(core::GenericValue(text));
 }
 
+/// A place that a failure has; 0 for what is not known.
+struct FailedAt {
+    core::wstring file;
+    std::uint64_t line = 0;
+    std::int64_t column = 0;
+};
+
 void show_object(std::ostream& out, const core::wstring& message, std::string_view id,
-                 const core::script::Error* error) {
+                 const FailedAt& at = {}) {
     out << "{\"error\":" << in_json(message);
     if (!id.empty())
         out << ",\"id\":" << in_json(core::from_utf8(std::string(id)));
-    if (error != nullptr && error->line() != 0)
-        out << ",\"file\":" << in_json(error->file()) << ",\"line\":" << error->line()
-            << ",\"column\":" << error->column();
+    if (at.line != 0)
+        out << ",\"file\":" << in_json(at.file) << ",\"line\":" << at.line;
+    if (at.column != 0)
+        out << ",\"column\":" << at.column;
     out << "}\n";
 }
 
@@ -85,7 +94,9 @@ void show_object(std::ostream& out, const core::wstring& message, std::string_vi
 
 void show_error(Console& console, const core::script::Error& error) {
     if (console.json)
-        return show_object(console.err, error.description(), error.messageId(), &error);
+        return show_object(
+            console.err, error.description(), error.messageId(),
+            {error.file(), static_cast<std::uint64_t>(error.line()), error.line() != 0 ? error.column() : 0});
     const auto painted = [&](const char* paint, const std::string& text) {
         return console.colour ? paint + text + kPlain : text;
     };
@@ -99,8 +110,16 @@ void show_error(Console& console, const core::script::Error& error) {
 
 void show_failure(Console& console, const core::wstring& message, std::string_view id) {
     if (console.json)
-        return show_object(console.err, message, id, nullptr);
+        return show_object(console.err, message, id);
     console.err << "corehost: " << terminal_lines(message) << '\n';
+}
+
+void show_failure_in(Console& console, const core::wstring& file, std::uint64_t line,
+                     const core::wstring& message) {
+    if (console.json)
+        return show_object(console.err, message, {}, {file, line});
+    const core::wstring place = line != 0 ? u':' + core::string_intto(line) : core::wstring();
+    show_failure(console, file + place + u": " + message);
 }
 
 } // namespace host

@@ -17,4 +17,8 @@ void show_error(Console& console, const core::script::Error& error);
 /// Shows a message in the name of the program. `id` is the message id, or empty.
 void show_failure(Console& console, const core::wstring& message, std::string_view id = {});
 
+/// Shows a message about a line of a file that was read, as "file:line: message"; line 0 is not known.
+void show_failure_in(Console& console, const core::wstring& file, std::uint64_t line,
+                     const core::wstring& message);
+
 } // namespace host
