@@ -11,10 +11,13 @@
 #include <core/files/file_time.h>
 #include <core/files/url.h>
 #include <core/runtime/errors.h>
+#include <core/runtime/threads/errors.h>
+#include <core/runtime/threads/stop_scope.h>
 #include <core/runtime/utf8.h>
 #include <core/storage/errors.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -124,7 +127,7 @@ struct Incoming {
     InterfacePtr<IFile> to;
 };
 
-void put_files(const std::vector<Source>& all, const Options& options, Console& console) {
+void put_files(const std::vector<Source>& all, StorageRW& storage, Console& console) {
     // Large files are written before the group of changes begins, as far as one holds on to them, so that
     // others need not wait for them.
     constexpr std::uint64_t kLarge = std::uint64_t{8} << 20;
@@ -132,7 +135,6 @@ void put_files(const std::vector<Source>& all, const Options& options, Console& 
     std::uint64_t total = 0;
     for (const Source& source : all)
         total += source.size;
-    StorageRW storage = open(options, OpenMode::create);
     Progress progress(console, "put", total);
     const Interrupts interrupts;
     const auto write = [&](const Source& source) {
@@ -164,22 +166,63 @@ void put_files(const std::vector<Source>& all, const Options& options, Console& 
     transaction.commit();
 }
 
-/// What comes in may be long in coming, so nobody waits for it: it is a change of its own. An interruption
-/// ends the program here as anywhere, and leaves the container as it was.
-ExitCode put_input(const Options& options, Console& console) {
-    const wstring name = inner_name(options.as, in_folder(options, options.as));
-    if (options.dryRun) {
-        tell(console, "IDS_HOST_WOULD_ADD", {name});
-        return ExitCode::done;
+/// What comes in may be long in coming, so nobody waits for it: it is a change of its own.
+void put_input(const wstring& name, StorageRW& storage, Console& console) {
+    try {
+        const Interrupts interrupts;
+        const StopScope stops(interrupts.token()); // for the wait
+        ByteInput input(console, kStandardInput);
+        const auto to = storage.open(name, OpenMode::replace);
+        std::vector<std::byte> piece(kPiece);
+        while (const std::size_t count = input.read(piece)) {
+            write_all(*to, std::span(piece).first(count));
+            interrupts.check();
+        }
+        to->close();
+    } catch (const ThreadDeath&) {
+        throw Interrupted();
     }
-    StorageRW storage = open(options, OpenMode::create);
-    ByteInput input(console, kStandardInput);
-    const auto to = storage.open(name, OpenMode::replace);
-    std::vector<std::byte> piece(kPiece);
-    while (const std::size_t count = input.read(piece))
-        write_all(*to, std::span(piece).first(count));
-    to->close();
-    return ExitCode::done;
+}
+
+/// Makes the container; nothing when it is there.
+std::optional<StorageRW> made_new(const Options& options) {
+    try {
+        return open(options, OpenMode::createNew);
+    } catch (const FileException& e) {
+        if (e.systemError() != EEXIST)
+            throw;
+    }
+    return std::nullopt;
+}
+
+/// Removes a container unless somebody has put a file into it.
+void remove_empty(const Options& options) noexcept {
+    try {
+        if (!open(options, OpenMode::read).find(u"*").empty())
+            return;
+        URL url = split_url(from_utf8(options.file));
+        const bool isUrl = options.file.find("://") != std::string::npos;
+        split_options(url);
+        fs::remove(native_path(isUrl ? file_path(url.path) : options.file));
+    } catch (const std::exception&) { // why nothing was put in is what is told
+    }
+}
+
+/// Calls `work` with the container, which is made where there is none, and removed again when that fails.
+template <class Work>
+void put_into(const Options& options, Work work) {
+    bool isNew = false;
+    try {
+        auto storage = made_new(options);
+        isNew = storage.has_value();
+        if (!storage)
+            storage = open(options, OpenMode::create);
+        work(*storage);
+    } catch (...) {
+        if (isNew)
+            remove_empty(options);
+        throw;
+    }
 }
 
 } // namespace
@@ -191,8 +234,14 @@ ExitCode put(const Options& options, Console& console) {
         options.names.size() == 1 && !fs::is_directory(native_path(options.names.front()), ignored);
     if (input ? !oneFile || options.as.empty() : !oneFile && !options.as.empty())
         return fail(console, message_text("IDS_HOST_PUT_AS"), ExitCode::usage);
-    if (input)
-        return put_input(options, console);
+    if (input) {
+        const wstring name = inner_name(options.as, in_folder(options, options.as));
+        if (options.dryRun)
+            tell(console, "IDS_HOST_WOULD_ADD", {name});
+        else
+            put_into(options, [&](StorageRW& storage) { put_input(name, storage, console); });
+        return ExitCode::done;
+    }
     const Sources sources(options);
     if (options.dryRun) {
         std::optional<StorageRW> storage; // nothing where none would be made before
@@ -204,7 +253,7 @@ ExitCode put(const Options& options, Console& console) {
         }
         return ExitCode::done;
     }
-    put_files(sources.all(), options, console);
+    put_into(options, [&](StorageRW& storage) { put_files(sources.all(), storage, console); });
     return ExitCode::done;
 }
 

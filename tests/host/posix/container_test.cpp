@@ -58,5 +58,37 @@ TEST_F(Container, AnInterruptionLeavesNoHalfOfAFile) {
     EXPECT_EQ(std::distance(fs::directory_iterator(path("out")), {}), 1) << "no temporary file";
 }
 
+/// A pipe that brings a piece, and Ctrl-C with it.
+class Interrupting : public std::stringbuf {
+  protected:
+    int_type underflow() override {
+        if (ended_)
+            return traits_type::eof();
+        ended_ = true;
+        std::raise(SIGINT);
+        str("piece");
+        return traits_type::to_int_type('p');
+    }
+
+  private:
+    bool ended_ = false;
+};
+
+TEST_F(Container, AnInterruptionTakesTheNewContainerAwayAndNoOther) {
+    const auto put = [&](const std::string& file) {
+        Interrupting pipe;
+        std::istream in(&pipe);
+        return run({"put", file, "-", "--as", "x"}, in, false);
+    };
+    for (const char* const scheme : {"", "lumstg://"}) {
+        EXPECT_EQ(put(scheme + path("new.st")), ExitCode::interrupted) << err_;
+        EXPECT_FALSE(fs::exists(path("new.st")));
+    }
+    ASSERT_EQ(run({"create", path("empty.st")}), ExitCode::done) << err_;
+    EXPECT_EQ(put(path("empty.st")), ExitCode::interrupted);
+    EXPECT_EQ(run({"ls", path("empty.st")}), ExitCode::done) << "it was there before";
+    EXPECT_EQ(out_, "");
+}
+
 } // namespace
 } // namespace host
