@@ -87,6 +87,11 @@ TEST_F(QueryTest, TellsWhatIsWrong) {
     const Answer goesOn = query({bad, "Total(\"Price\")", "--columns", "Price Number", "--go-on"});
     EXPECT_EQ(goesOn.out, "1\n");
     EXPECT_EQ(goesOn.err, "corehost: " + bad + ":3: Price: “abc” is not a number\n");
+    EXPECT_EQ(query({bad, "1", "--columns", "Price Number", "--go-on", "--json"}).err,
+              "{\"error\":\"Price: “abc” is not a number\",\"file\":\"" + bad + "\",\"line\":3}\n");
+    EXPECT_TRUE(corehost({"query", bad, "Table.Losses", "--columns", "Price Number", "--go-on", "--mode",
+                          "markdown", "--lang", "ru"})
+                    .out.starts_with("| Номер строки | Строка файла | Колонка | Текст | Причина |"));
     EXPECT_EQ(query({file("de.csv", "P\n\"1.250,50\"\n"), "Table", "--locale", "de"}).out, "P\r\n1250.5\r\n");
 }
 
