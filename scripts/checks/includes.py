@@ -31,7 +31,7 @@ BELOW = {
     "host/process": ["dates"],
     "script": ["collections"],
     "host/lists": ["exchange"],
-    "host/language": ["script"],
+    "host/language": ["objects", "script"],
     "host/library": ["script", "reports", "containers"],
     "host/engine": ["host/language", "host/library", "host/process", "containers", "profiles"],
     "host/terminal": ["script", "reports"],
