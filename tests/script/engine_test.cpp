@@ -308,8 +308,9 @@ TEST(Limits, NothingOverflowsTheStack) {
     EXPECT_STREQ(failure(engine, "Again()").messageId(), messages::kScriptDepthLimit);
     EXPECT_EQ(runs, 10) << "a block and a call each";
     engine.limits({.depth = 1'000'000'000}); // the stack is what ends it now
-    if (!core::test::kThreadSanitizer)
+    if (!core::test::kThreadSanitizer) {
         EXPECT_STREQ(failure(engine, "Again()").messageId(), messages::kScriptNoStack);
+    }
 
     pthread_attr_t small;
     pthread_attr_init(&small);
