@@ -23,8 +23,8 @@ enum class Stream { input, output, error };
 
 /// Waits until a line can be read from the terminal; false when Ctrl-C came instead.
 [[nodiscard]] bool await_line() noexcept;
-/// Reads what there is of standard input, at least one byte; 0 at the end. Nothing when it fails or a signal
-/// comes, with the reason in errno.
+/// Reads what there is of standard input, at least one byte; 0 at the end. Nothing when it fails, a signal
+/// comes or nothing has come for a while, with the reason in errno, EINTR for the last two.
 [[nodiscard]] std::optional<std::size_t> read_standard_input(std::span<std::byte> bytes) noexcept;
 /// Returns the size of the file that standard input is; 0 for what is not a file.
 [[nodiscard]] std::uint64_t size_of_standard_input() noexcept;

@@ -71,6 +71,14 @@ bool await_line() noexcept {
 }
 
 std::optional<std::size_t> read_standard_input(std::span<std::byte> bytes) noexcept {
+    // A signal that comes just before a wait does not end it, so that no wait is long.
+    constexpr int kLongestWait = 100; // milliseconds
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    const int ready = ::poll(&input, 1, kLongestWait);
+    if (ready == 0)
+        errno = EINTR;
+    if (ready <= 0)
+        return std::nullopt;
     const ::ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
     return count < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(count));
 }
