@@ -7,7 +7,7 @@
 namespace core {
 namespace {
 
-/// What is computed, and has not been given a name, is called as it is written.
+/// Throws ContextException for what is computed and has no name of its own: it is called as it is written.
 void require_name(const wstring& name) {
     if (!is_valid_name(name))
         throw_error<ContextException>(messages::kColumnUnnamed, {name});

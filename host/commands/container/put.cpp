@@ -127,7 +127,8 @@ struct Incoming {
     InterfacePtr<IFile> to;
 };
 
-void put_files(const std::vector<Source>& all, StorageRW& storage, Console& console) {
+void put_files(const std::vector<Source>& all, StorageRW& storage, const Interrupts& interrupts,
+               Console& console) {
     // Large files are written before the group of changes begins, as far as one holds on to them, so that
     // others need not wait for them.
     constexpr std::uint64_t kLarge = std::uint64_t{8} << 20;
@@ -136,7 +137,6 @@ void put_files(const std::vector<Source>& all, StorageRW& storage, Console& cons
     for (const Source& source : all)
         total += source.size;
     Progress progress(console, "put", total);
-    const Interrupts interrupts;
     const auto write = [&](const Source& source) {
         const auto from = open_disk_file(source.path, OpenMode::read);
         if (storage.isIn(*from)) // it would grow as it is read
@@ -167,9 +167,8 @@ void put_files(const std::vector<Source>& all, StorageRW& storage, Console& cons
 }
 
 /// What comes in may be long in coming, so nobody waits for it: it is a change of its own.
-void put_input(const wstring& name, StorageRW& storage, Console& console) {
+void put_input(const wstring& name, StorageRW& storage, const Interrupts& interrupts, Console& console) {
     try {
-        const Interrupts interrupts;
         const StopScope stops(interrupts.token()); // for the wait
         ByteInput input(console, kStandardInput);
         const auto to = storage.open(name, OpenMode::replace);
@@ -208,17 +207,19 @@ void remove_empty(const Options& options) noexcept {
     }
 }
 
-/// Calls `work` with the container, which is made where there is none, and removed again when that fails.
+/// Calls `work` with the container. Makes the container if there is none. Removes the one that it has made
+/// when `work` fails.
 template <class Work>
 void put_into(const Options& options, Work work) {
-    bool isNew = false;
+    const Interrupts interrupts;
+    auto storage = made_new(options);
+    const bool isNew = storage.has_value();
+    if (!isNew)
+        storage = open(options, OpenMode::create);
     try {
-        auto storage = made_new(options);
-        isNew = storage.has_value();
-        if (!storage)
-            storage = open(options, OpenMode::create);
-        work(*storage);
+        work(*storage, interrupts);
     } catch (...) {
+        storage.reset();
         if (isNew)
             remove_empty(options);
         throw;
@@ -239,7 +240,9 @@ ExitCode put(const Options& options, Console& console) {
         if (options.dryRun)
             tell(console, "IDS_HOST_WOULD_ADD", {name});
         else
-            put_into(options, [&](StorageRW& storage) { put_input(name, storage, console); });
+            put_into(options, [&](StorageRW& storage, const Interrupts& interrupts) {
+                put_input(name, storage, interrupts, console);
+            });
         return ExitCode::done;
     }
     const Sources sources(options);
@@ -253,7 +256,9 @@ ExitCode put(const Options& options, Console& console) {
         }
         return ExitCode::done;
     }
-    put_into(options, [&](StorageRW& storage) { put_files(sources.all(), storage, console); });
+    put_into(options, [&](StorageRW& storage, const Interrupts& interrupts) {
+        put_files(sources.all(), storage, interrupts, console);
+    });
     return ExitCode::done;
 }
 

@@ -3,7 +3,6 @@
 #include "tests/host/container_fixture.h"
 
 #include <csignal>
-#include <streambuf>
 
 namespace host {
 namespace {

@@ -8,14 +8,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class ListLinks : public FolderTest {
+class ListFiles : public FolderTest {
   protected:
     static ExitCode format(const std::string& output, const std::string& list) {
         return corehost({"list", "fmt", "-o", output}, list).code;
     }
 };
 
-TEST_F(ListLinks, WhatALinkLeadsToIsReplacedAndDevicesAreWrittenTo) {
+TEST_F(ListFiles, WhatALinkLeadsToIsReplacedAndDevicesAreWrittenTo) {
     const std::string out = file("out", "old");
     fs::create_symlink(out, path("link"));
     EXPECT_EQ(format(path("link"), "{5}"), ExitCode::done);
@@ -33,7 +33,7 @@ TEST_F(ListLinks, WhatALinkLeadsToIsReplacedAndDevicesAreWrittenTo) {
     EXPECT_EQ(format("/dev/full", "{5}"), ExitCode::io);
 }
 
-TEST_F(ListLinks, JsonNamesAFileWhoseNameIsNoText) {
+TEST_F(ListFiles, JsonNamesAFileWhoseNameIsNoText) {
     const Answer answer = corehost({"list", "check", file("\xFF", "{}"), "--json"});
     EXPECT_EQ(nlohmann::json::parse(answer.out)["file"], path("\uFFFD"));
 }
